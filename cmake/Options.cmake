@@ -1,0 +1,18 @@
+# Flags for the project's own code stand on one interface target, so that
+# third-party code built along with it (GoogleTest) keeps its own.
+add_library(zolex_options INTERFACE)
+target_compile_options(zolex_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# The seam needs a 64-bit off_t nowhere, but printf formats must mean the same on every system.
+target_compile_definitions(zolex_options INTERFACE $<$<PLATFORM_ID:Windows>:__USE_MINGW_ANSI_STDIO=1>)
+
+if(ZOLEX_SANITIZE)
+  # For all targets: code and libraries must agree on the sanitizers.
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(WIN32)
+  # One static executable that needs no DLL beside the system's own.
+  add_link_options(-static)
+endif()

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "controllers/ControllerCatalogue.h"
+#include "foundation/CString.h"
+#include "foundation/Printer.h"
+#include "foundation/Settings.h"
+#include "platform/Platform.h"
+#include "platform/Tool.h"
+
+#include <chrono>
+#include <cstdint>
+
+namespace zolex {
+
+/// What every part of a run needs: settings, printers, platform, catalogue, machine information.
+/// It knows nothing of the modes.
+class Application {
+  public:
+    explicit Application(Platform& platform) : platform_(platform), printer_(platform.console()) {}
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    [[nodiscard]] Platform& platform() { return platform_; }
+    [[nodiscard]] Printer& printer() { return printer_; }
+    [[nodiscard]] ControllerCatalogue& catalogue() { return catalogue_; }
+    /// The commands of the current deploy run.
+    [[nodiscard]] CommandList& commands() { return catalogue_.commandList(); }
+    /// Model name of a controller's type and subtype.
+    [[nodiscard]] CString controllerName(std::int32_t type, std::int32_t subtype) const {
+        return catalogue_.getControllerName(type, subtype);
+    }
+
+    Settings settings;
+    CString machineType;
+    CString serialNumber;
+    /// Whether the hardware detector was asked and failed.
+    bool machineInformationMissing = false;
+    /// A controller matched no policy (set by planning, read with "/e1").
+    bool noPolicyFound = false;
+    /// A controller has no drives (set by planning, read with "/e3").
+    bool noDrives = false;
+    /// 12: too few drives for hot spares; 13: the drives do not fit the plan; 0: none of these.
+    std::int32_t returnCode = 0;
+    /// How long a child may run.
+    std::chrono::milliseconds childLimit = Tool::defaultLimit;
+
+  private:
+    Platform& platform_;
+    Printer printer_;
+    ControllerCatalogue catalogue_;
+};
+
+} // namespace zolex

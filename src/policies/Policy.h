@@ -1,0 +1,105 @@
+#pragma once
+
+#include "controllers/Codes.h"
+#include "controllers/Configuration.h"
+#include "foundation/CString.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace zolex {
+
+/// What a policy is matched against: one controller of this machine.
+struct MatchValues {
+    CString machineType;
+    CString serialNumber;
+    CString controllerType; ///< model name
+    std::int32_t controllerNumber = 0;
+    std::int32_t scanOrder = 0;
+    std::int32_t numberOfDrives = 0;
+};
+
+/// One `AppliesTo.<n>` entry: all specifiers that it gives must hold. Empty texts and numbers of 0
+/// or below are not given.
+struct AppliesTo {
+    CString machineType;
+    CString serialNumber;
+    CString controllerType;
+    std::int32_t controllerNumber = notGiven;
+    std::int32_t scanOrder = notGiven;
+    std::int32_t numberOfDrives = notGiven;
+    bool all = false;
+
+    /// Texts are compared without regard to case. An entry that gives nothing at all and is not for
+    /// all controllers matches nothing.
+    [[nodiscard]] bool matches(const MatchValues& values) const;
+};
+
+/// `Array_Defaults`.
+struct ArrayDefaults {
+    std::int32_t variancePercent = 0;      ///< 0, 5, 10 or 100
+    std::int32_t hotspareCount = notGiven; ///< -25: the class default
+};
+
+/// Size, RAID level and write-cache mode of `Logical_Defaults` and `Logical.<n>`.
+struct LogicalSpecification {
+    std::int32_t arrayIndex = -1; ///< 0 for "A"; -1 in `Logical_Defaults`
+    std::int32_t sizeMb = sizeFill;
+    std::int32_t raidLevel = raid_level::notGiven;
+    std::int32_t writeCache = write_cache::notGiven;
+};
+
+/// One validated policy.
+struct Policy {
+    static constexpr std::size_t maxAppliesTo = 15;
+    static constexpr std::size_t maxArrays = 16;
+    static constexpr std::size_t maxLogicalDrives = 9;
+    static constexpr std::size_t maxHotspares = 16;
+
+    CString name;
+    std::vector<AppliesTo> appliesTo;
+
+    // Accepted texts as they were read; empty when absent.
+    CString rebuildRate;
+    CString readAhead;
+    CString stripeSize;
+    CString init;
+    CString maxLogicalDriveSize;
+
+    bool customArrays = false;        ///< `Array_Mode = CUSTOM`
+    bool customLogicalDrives = false; ///< `Logical_Mode = CUSTOM`
+    ArrayDefaults arrayDefaults;
+    std::optional<LogicalSpecification> logicalDefaults;
+
+    std::vector<RaidArray> arrays;                   ///< `Array.A`, `Array.B`, ...
+    std::vector<LogicalSpecification> logicalDrives; ///< `Logical.1`, `Logical.2`, ...
+    /// `Hotspares`: drive numbers or positions; absent when the keyword is.
+    std::optional<RaidArray> hotspares;
+};
+
+/// Policies in file order.
+class PolicyList {
+  public:
+    static constexpr std::size_t maxPolicies = 100;
+
+    /// False when the list is full.
+    bool add(Policy policy);
+    [[nodiscard]] const std::vector<Policy>& policies() const { return policies_; }
+    [[nodiscard]] std::size_t count() const { return policies_.size(); }
+    /// The first policy one of whose entries matches; null when none does.
+    [[nodiscard]] const Policy* find(const MatchValues& values) const;
+
+  private:
+    std::vector<Policy> policies_;
+};
+
+/// Name of the built-in policy that deploy uses with "/d".
+inline constexpr const char* defaultPolicyName = "Policy.default";
+
+/// The list that holds the built-in policy alone: it applies to every controller and leaves
+/// everything to the defaults of the controller's class.
+[[nodiscard]] PolicyList makeDefaultPolicyList();
+
+} // namespace zolex

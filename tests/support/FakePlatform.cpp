@@ -1,0 +1,145 @@
+#include "support/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace zolex::test {
+
+int FakeConsole::readCharacter() {
+    if (charactersRead >= answers.size()) {
+        return -1;
+    }
+    return static_cast<unsigned char>(answers[charactersRead++]);
+}
+
+namespace {
+
+class FakeFile : public File {
+  public:
+    FakeFile(FakeFileSystem& files, std::string& content, const char* mode)
+        : files_(files), content_(content), canRead_(mode[0] == 'r' || mode[1] == '+'),
+          canWrite_(mode[0] != 'r' || mode[1] == '+') {
+        if (mode[0] == 'w') {
+            content_.clear();
+        }
+        if (mode[0] == 'a') {
+            position_ = content_.size();
+        }
+    }
+
+    std::size_t read(std::span<char> bytes) override {
+        if (!canRead_) {
+            failed_ = true;
+            return 0;
+        }
+        const std::size_t n = std::min(bytes.size(), content_.size() - position_);
+        std::memcpy(bytes.data(), content_.data() + position_, n);
+        position_ += n;
+        return n;
+    }
+    std::size_t write(std::string_view bytes) override {
+        if (!canWrite_) {
+            failed_ = true;
+            return 0;
+        }
+        std::size_t n = bytes.size();
+        if (files_.spaceLeft >= 0) {
+            n = std::min(n, static_cast<std::size_t>(files_.spaceLeft));
+            files_.spaceLeft -= static_cast<long long>(n);
+        }
+        failed_ = failed_ || n < bytes.size();
+        content_.replace(position_, std::min(n, content_.size() - position_), bytes.substr(0, n));
+        position_ += n;
+        return n;
+    }
+    bool failed() const override { return failed_; }
+    bool rewind() override {
+        if (files_.failRewind) {
+            return false;
+        }
+        position_ = 0;
+        return true;
+    }
+    bool flush() override { return !failed_; }
+    bool close() override { return !files_.failClose; }
+
+  private:
+    FakeFileSystem& files_;
+    std::string& content_;
+    std::size_t position_ = 0;
+    bool canRead_;
+    bool canWrite_;
+    bool failed_ = false;
+};
+
+class FakePciDeviceList : public OrderedPciDeviceList {
+  public:
+    FakePciDeviceList(Console& console, std::vector<PciDevice> devices)
+        : OrderedPciDeviceList(console), source_(std::move(devices)) {}
+
+  protected:
+    std::vector<PciDevice> enumerate() override { return source_; }
+
+  private:
+    std::vector<PciDevice> source_;
+};
+
+} // namespace
+
+std::unique_ptr<File> FakeFileSystem::open(std::string_view name, const char* mode) {
+    const std::string call = std::string(mode) + " " + std::string(name);
+    opened.push_back(call);
+    if (std::find(refused.begin(), refused.end(), call) != refused.end()) {
+        return nullptr;
+    }
+    const std::string key(name);
+    if (mode[0] == 'r' && files.count(key) == 0) {
+        return nullptr;
+    }
+    return std::make_unique<FakeFile>(*this, files[key], mode);
+}
+
+bool FakeFileSystem::remove(std::string_view name) {
+    removed.emplace_back(name);
+    return !failRemove && files.erase(std::string(name)) != 0;
+}
+
+FakePlatform::FakePlatform() = default;
+
+ChildResult FakePlatform::runChild(std::string_view commandLine, bool /*capture*/,
+                                   std::chrono::milliseconds limit) {
+    children.emplace_back(commandLine);
+    limits.push_back(limit);
+    if (!results.empty()) {
+        ChildResult result = std::move(results.front());
+        results.pop_front();
+        return result;
+    }
+    return respond ? respond(children.back()) : ended(0);
+}
+
+std::unique_ptr<PCI_DevList_VC> FakePlatform::pciDevices() {
+    return std::make_unique<FakePciDeviceList>(consoleFake, devices);
+}
+
+std::string readTestData(const std::string& name) {
+    const std::string path = std::string(ZOLEX_TEST_DATA) + "/" + name;
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr) {
+        ADD_FAILURE() << "missing test data: " << name;
+        return {};
+    }
+    std::string content;
+    char buffer[4096];
+    for (std::size_t n = std::fread(buffer, 1, sizeof buffer, file); n > 0;
+         n = std::fread(buffer, 1, sizeof buffer, file)) {
+        content.append(buffer, n);
+    }
+    std::fclose(file);
+    return content;
+}
+
+} // namespace zolex::test
