@@ -41,6 +41,8 @@ class RaidArray {
     std::int64_t capacityMb = -1;
     /// A policy's array given as "ALL": every drive that remains.
     bool allRemaining = false;
+    /// A policy's list names more drives than fit; those beyond are left out.
+    bool tooManyDrives = false;
     CString text;
 
   private:

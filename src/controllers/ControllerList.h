@@ -10,6 +10,8 @@ namespace zolex {
 
 class Application;
 class IniFile;
+struct PciDevice;
+struct PciRow;
 
 /// The controllers that a run works on, in a fixed order: slots filled from 0 upward without gaps.
 class ControllerList {
@@ -41,6 +43,8 @@ class ControllerList {
 
   private:
     bool initializeFromDefinition(Application& application);
+    /// False when there is no free slot.
+    bool addFromPci(Application& application, const PciDevice& device, const PciRow& row);
 
     std::array<std::unique_ptr<RAIDController>, maxControllers> controllers_;
     std::size_t count_ = 0;

@@ -75,6 +75,11 @@ class RAIDController {
     /// Closes the captured outputs and empties their slots.
     void clearCapturedOutputs();
     bool clearChannelReassignment();
+    /// Exchanges subtype and PCI location text with `other`: what stays with a slot when the
+    /// records of two slots change places.
+    void swapIdentity(RAIDController& other);
+    /// Forgets what a capture has read: drives, configuration, channel table.
+    void forgetReadings();
 
     [[nodiscard]] std::int32_t type() const { return type_; }
     [[nodiscard]] std::int32_t subtype() const { return subtype_; }
@@ -100,6 +105,18 @@ class RAIDController {
     [[nodiscard]] bool channelReassignment() const { return channelReassignment_; }
     /// Positions on channels 1 to 4 that hold a drive.
     [[nodiscard]] std::int32_t numberOfDrives() const;
+    /// Calls visit(channel, id) for every position that holds a drive, channel 1 to 4 and id 0 to
+    /// 35, ascending.
+    template <typename Visit>
+    void forEachDrive(Visit visit) const {
+        for (std::int32_t channel = firstChannel; channel < channels; ++channel) {
+            for (std::int32_t id = 0; id < ids; ++id) {
+                if (size(channel, id) != noDrive) {
+                    visit(channel, id);
+                }
+            }
+        }
+    }
 
     /// The record as text on standard output, at every verbosity; with the configuration's own dump
     /// when asked.

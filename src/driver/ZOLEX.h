@@ -3,11 +3,17 @@
 #include "controllers/Application.h"
 #include "controllers/ControllerList.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 
 namespace zolex {
 
 class CapturedOutput;
+class CommandSource;
+class DiskInformation;
+class PolicyGenerator;
+class PolicyReader;
 
 /// What a command's exit code is judged for; the number is the one that traces show.
 enum class Mode : std::int32_t { restore = 0, capture = 1, deploy = 2 };
@@ -16,6 +22,7 @@ enum class Mode : std::int32_t { restore = 0, capture = 1, deploy = 2 };
 class ZOLEX : public Application {
   public:
     using Application::Application;
+    virtual ~ZOLEX() = default;
 
     /// The program: runs and ends the process with its exit code.
     [[noreturn]] static void main(int argc, const char* const* argv, Platform& platform);
@@ -35,25 +42,78 @@ class ZOLEX : public Application {
         unsigned code = 0;
         bool endsProcess = false;
     };
+    /// Plans and configures every controller: 0, 1, 3, 5, 10, 11, or the result of the capture that
+    /// it begins with.
     Result deployConfiguration(ControllerList& controllers);
-    /// 0, 8 or 10.
+    /// Dumps every controller and reads the dumps into the model: 0, 8 or 10.
     unsigned captureConfiguration(ControllerList& controllers);
-    /// `number`: the one controller to restore, from 1; -1 for all.
+    /// Returns every controller, or the one numbered `number` from 1 (below 0: every), to factory
+    /// defaults: 0, 7, 10, or the result of a capture.
     Result restoreDefaults(ControllerList& controllers, std::int32_t number);
     /// Whether the exit code is one of the three that the controller's type accepts; if not, the
     /// failure has been printed.
     bool checkForErrors(const RAIDController& controller, std::int32_t number,
                         std::uint32_t exitCode, Mode mode);
 
+  protected:
+    // The workers of the modes. Each is null when it cannot be made, which ends the mode with 10.
+    virtual std::unique_ptr<Tool> makeRunner();
+    virtual std::unique_ptr<CommandSource> makeCaptureSource();
+    virtual std::unique_ptr<CommandSource> makeRestoreSource();
+    virtual std::unique_ptr<DiskInformation> makeDiskInformation();
+    virtual std::unique_ptr<PolicyReader> makePolicyReader();
+    virtual std::unique_ptr<PolicyGenerator> makePolicyGenerator();
+
   private:
+    enum class Combination { allowed, refused, detectionCheck };
+
+    // The main flow
+    Combination checkCombinations();
+    bool refuse(const char* heading, const char* parameters);
+    int checkDetection(ControllerList& controllers);
+    void applyDefaults();
+    bool findControllers(ControllerList& controllers);
+    void printControllers(const ControllerList& controllers);
     int runModes(ControllerList& controllers);
-    int detectionCheck(ControllerList& controllers);
-    /// -1 when the combination of switches is allowed, else an exit code.
-    int checkCombinations();
-    bool refuseCombination(const char* text);
+    int runCapture(ControllerList& controllers);
+    int runDeploy(ControllerList& controllers, bool hasSource);
+    void printFailed(unsigned code);
+    void printCompleted();
+
+    // Capture and restore
+    bool captureController(Tool& runner, CommandSource& source, RAIDController& controller,
+                           std::int32_t number);
+    bool captureCommand(Tool& runner, RAIDController& controller, std::int32_t number,
+                        CString command);
+    bool confirmRestore();
+    unsigned restoreController(Tool& runner, CommandSource& source, RAIDController& controller,
+                               std::int32_t number);
+    bool restoreCommand(Tool& runner, RAIDController& controller, std::int32_t number,
+                        CString command);
+    void traceOutput(Tool& runner);
+
+    // Deploy
+    unsigned planConfigurations(ControllerList& controllers, PolicyReader* policies);
+    unsigned configureControllers(Tool& runner, ControllerList& controllers);
+    unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
+                                 std::size_t& nextCommand);
+    bool deployCommand(Tool& runner, RAIDController& controller, std::int32_t number,
+                       CString command);
+
+    // Shared by the modes
+    /// Whether this machine's controllers of type 10 are put in order of bus number.
+    [[nodiscard]] bool reordersByBusNumber() const;
     void pauseWithDots(int seconds);
-    void printOutput(CapturedOutput& output);
+    /// Prints the rest of the runner's output line by line, as it came.
+    void printOutput(Tool& runner);
+    /// Shows and runs one command line with its output captured, after the pause that controllers
+    /// of type 10 need; false when it could not run or did not end.
+    bool runCommand(Tool& runner, const RAIDController& controller, const CString& command);
+    void printFailure(const RAIDController& controller, Mode mode);
+    bool isAccepted(const RAIDController& controller, std::uint32_t exitCode);
     CString modelName(const RAIDController& controller) const;
+
+    bool captured_ = false; ///< a capture ran before in this run
 };
 
 } // namespace zolex

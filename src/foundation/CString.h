@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -11,6 +12,9 @@ namespace zolex {
 
 /// The set that trimming removes throughout the program: blank, tab and newline.
 inline constexpr const char* whiteSpace = " \t\n";
+
+class CString;
+CString formatTextV(const char* format, std::va_list values);
 
 /// Narrow-character string with value semantics: heap-held, zero-terminated bytes, or no buffer at
 /// all. A string without a buffer and "" behave alike in every comparison and query.
@@ -119,6 +123,8 @@ class CString {
     }
 
   private:
+    friend CString formatTextV(const char* format, std::va_list values);
+
     void assign(std::string_view text);
     static std::unique_ptr<char[]> allocate(std::size_t length);
 

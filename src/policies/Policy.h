@@ -32,9 +32,12 @@ struct AppliesTo {
     std::int32_t numberOfDrives = notGiven;
     bool all = false;
 
-    /// Texts are compared without regard to case. An entry that gives nothing at all and is not for
-    /// all controllers matches nothing.
+    /// Texts are compared without regard to case. An entry that gives nothing at all (such as
+    /// "m:" alone) and is not for all controllers matches nothing: a policy replaces what is on a
+    /// controller, so it takes a specifier that holds, or ALL.
     [[nodiscard]] bool matches(const MatchValues& values) const;
+    /// Whether no text and no number is given.
+    [[nodiscard]] bool givesNothing() const;
 };
 
 /// `Array_Defaults`.

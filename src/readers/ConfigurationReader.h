@@ -40,12 +40,13 @@ class ConfigurationReader {
     /// Reads until a line equals `wanted` or "EOF", and returns it.
     std::string_view skipTo(std::string_view wanted);
 
-    // Adding to a configuration within its limits. What lies beyond is left out and named once for
-    // each kind ("Controller %s has more than 8 logical drives; the rest is not captured.\n").
-    void addArray(RAIDConfiguration& configuration, RaidArray array);
-    void addLogicalDrive(RAIDConfiguration& configuration, LogicalDrive drive);
-    void addHotspare(RAIDConfiguration& configuration, Hotspare hotspare);
-    void addMember(RaidArray& array, DrivePosition position);
+    // Adding to a configuration within its limits. What lies beyond is left out (false) and named
+    // once for each kind ("Controller %s has more than 8 logical drives; the rest is not
+    // captured.\n").
+    bool addArray(RAIDConfiguration& configuration, RaidArray array);
+    bool addLogicalDrive(RAIDConfiguration& configuration, LogicalDrive drive);
+    bool addHotspare(RAIDConfiguration& configuration, Hotspare hotspare);
+    bool addMember(RaidArray& array, DrivePosition position);
     /// Whether the position is one that drives can have; if not it is named in an error block.
     bool checkPosition(std::int32_t channel, std::int32_t id);
 
@@ -55,7 +56,9 @@ class ConfigurationReader {
 
   private:
     enum Limit : unsigned { arrays = 1, logicalDrives = 2, members = 4, hotspares = 8 };
-    void reportLimit(Limit limit, const char* what);
+    /// Whether the limit is met for the first time on this controller.
+    bool isFirst(Limit limit);
+    [[nodiscard]] CString modelName() const;
 
     Application& application_;
     RAIDController* controller_ = nullptr;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
+
 namespace zolex {
 
 class Application;
@@ -12,11 +15,14 @@ class DiskInformation {
   public:
     explicit DiskInformation(Application& application) : application_(application) {}
 
-    /// False after the first controller that could not be read, which has been reported.
+    /// False after the first controller that could not be read, which has been reported. Closes the
+    /// captured outputs of all controllers whatever the result.
     bool readDiskInformation(ControllerList& controllers);
 
   private:
-    bool parseDiskInfo(ConfigurationReader& reader, RAIDController& controller);
+    bool readControllers(ControllerList& controllers);
+    bool readController(RAIDController& controller, std::int32_t number);
+    bool parseDiskInfo(std::unique_ptr<ConfigurationReader> reader, RAIDController& controller);
     void readDrivesFromDefinition(ControllerList& controllers);
 
     Application& application_;

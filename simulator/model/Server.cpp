@@ -1,0 +1,186 @@
+#include "model/Server.h"
+
+#include "model/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <tuple>
+
+namespace zolex_sim {
+namespace {
+
+constexpr std::int64_t maxLocationNumber = 65535;
+
+// In the order of the enumeration.
+constexpr std::array<std::string_view, 7> statusWords = {"good",     "bad",    "failed", "foreign",
+                                                         "hotspare", "online", "rebuild"};
+constexpr std::array<std::string_view, 2> writeWords = {"WT", "WB"};
+constexpr std::array<std::string_view, 3> readWords = {"ADRA", "RA", "NORA"};
+
+template <typename Value, std::size_t count>
+std::optional<Value> valueNamed(const std::array<std::string_view, count>& words,
+                                std::string_view word) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (equalsIgnoringCase(words[i], word)) {
+            return static_cast<Value>(i);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<int> parseLocationNumber(std::string_view digits) {
+    const std::optional<std::int64_t> number = parseWhole(digits);
+    if (!number || *number > maxLocationNumber) {
+        return std::nullopt;
+    }
+    return static_cast<int>(*number);
+}
+
+} // namespace
+
+std::string toText(const DriveLocation& location) {
+    return (location.enclosure ? std::to_string(*location.enclosure) : std::string()) + ":" +
+           std::to_string(location.slot);
+}
+
+std::optional<DriveLocation> parseLocation(std::string_view text) {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    DriveLocation location;
+    if (colon > 0) {
+        location.enclosure = parseLocationNumber(text.substr(0, colon));
+        if (!location.enclosure) {
+            return std::nullopt;
+        }
+    }
+    const std::optional<int> slot = parseLocationNumber(text.substr(colon + 1));
+    if (!slot) {
+        return std::nullopt;
+    }
+    location.slot = *slot;
+    return location;
+}
+
+std::string_view statusWord(DriveStatus status) {
+    return statusWords[static_cast<std::size_t>(status)];
+}
+std::optional<DriveStatus> statusNamed(std::string_view word) {
+    return valueNamed<DriveStatus>(statusWords, word);
+}
+std::string_view policyWord(WritePolicy policy) {
+    return writeWords[static_cast<std::size_t>(policy)];
+}
+std::string_view policyWord(ReadPolicy policy) {
+    return readWords[static_cast<std::size_t>(policy)];
+}
+std::optional<WritePolicy> writePolicyNamed(std::string_view word) {
+    return valueNamed<WritePolicy>(writeWords, word);
+}
+std::optional<ReadPolicy> readPolicyNamed(std::string_view word) {
+    return valueNamed<ReadPolicy>(readWords, word);
+}
+
+bool standsBefore(const PciFunction& a, const PciFunction& b) {
+    return std::tie(a.bus, a.device, a.function) < std::tie(b.bus, b.device, b.function);
+}
+
+bool Controller::supports(RaidLevel level) const {
+    return std::find(identity.levels.begin(), identity.levels.end(), level) !=
+           identity.levels.end();
+}
+
+const Drive* Controller::driveAt(const DriveLocation& location) const {
+    const auto found = std::find_if(drives.begin(), drives.end(), [&](const Drive& drive) {
+        return drive.location == location;
+    });
+    return found == drives.end() ? nullptr : &*found;
+}
+
+Drive* Controller::driveAt(const DriveLocation& location) {
+    return const_cast<Drive*>(static_cast<const Controller*>(this)->driveAt(location));
+}
+
+std::optional<MemberPlace> Controller::placeOf(const DriveLocation& location) const {
+    for (std::size_t array = 0; array < arrays.size(); ++array) {
+        for (std::size_t span = 0; span < arrays[array].spans.size(); ++span) {
+            const std::vector<DriveLocation>& members = arrays[array].spans[span];
+            const auto found = std::find(members.begin(), members.end(), location);
+            if (found != members.end()) {
+                return MemberPlace{array, span, static_cast<std::size_t>(found - members.begin())};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::vector<std::optional<int>> Controller::enclosures() const {
+    std::vector<std::optional<int>> found;
+    for (const Drive& drive : drives) {
+        if (std::find(found.begin(), found.end(), drive.location.enclosure) == found.end()) {
+            found.push_back(drive.location.enclosure);
+        }
+    }
+    return found;
+}
+
+std::int64_t
+Controller::capacity(RaidLevel level, const std::vector<std::vector<DriveLocation>>& spans) const {
+    std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
+    std::int64_t dataDrives = 0;
+    for (const std::vector<DriveLocation>& span : spans) {
+        dataDrives += static_cast<std::int64_t>(span.size()) - rulesOf(level).redundancy;
+        for (const DriveLocation& location : span) {
+            smallest = std::min(smallest, driveAt(location)->sizeMb);
+        }
+    }
+    return dataDrives <= 0 ? 0 : dataDrives * smallest;
+}
+
+LogicalDriveState Controller::stateOf(const LogicalDrive& logicalDrive) const {
+    LogicalDriveState worst = LogicalDriveState::optimal;
+    const int tolerated = rulesOf(logicalDrive.level).redundancy;
+    for (const std::vector<DriveLocation>& span : arrays[logicalDrive.array].spans) {
+        const auto missing =
+            std::count_if(span.begin(), span.end(), [&](const DriveLocation& location) {
+                return driveAt(location)->status != DriveStatus::online;
+            });
+        if (missing > tolerated) {
+            return LogicalDriveState::offline;
+        }
+        if (missing > 0) {
+            worst = std::max(worst, missing == tolerated ? LogicalDriveState::degraded
+                                                         : LogicalDriveState::partiallyDegraded);
+        }
+    }
+    return worst;
+}
+
+std::vector<Controller*> Server::adaptersOf(std::string_view utility) {
+    std::vector<Controller*> adapters;
+    for (Controller& controller : controllers) {
+        if (equalsIgnoringCase(controller.identity.utility, utility)) {
+            adapters.push_back(&controller);
+        }
+    }
+    std::stable_sort(adapters.begin(), adapters.end(), [](const auto* a, const auto* b) {
+        return standsBefore(a->identity.pci, b->identity.pci);
+    });
+    return adapters;
+}
+
+std::vector<const Controller*> Server::controllersInPciOrder() const {
+    std::vector<const Controller*> ordered;
+    ordered.reserve(controllers.size());
+    for (const Controller& controller : controllers) {
+        ordered.push_back(&controller);
+    }
+    std::stable_sort(ordered.begin(), ordered.end(), [](const auto* a, const auto* b) {
+        return standsBefore(a->identity.pci, b->identity.pci);
+    });
+    return ordered;
+}
+
+} // namespace zolex_sim

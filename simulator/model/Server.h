@@ -1,0 +1,184 @@
+#pragma once
+
+#include "model/RaidLevel.h"
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolex_sim {
+
+/// Where a drive sits. Drives outside every enclosure have no enclosure number.
+struct DriveLocation {
+    std::optional<int> enclosure;
+    int slot = 0;
+    friend auto operator<=>(const DriveLocation&, const DriveLocation&) = default;
+};
+
+/// "252:3", or ":3" for a drive outside every enclosure.
+std::string toText(const DriveLocation& location);
+/// The location that such a text names; numbers up to 65535.
+std::optional<DriveLocation> parseLocation(std::string_view text);
+
+enum class DriveStatus : std::uint8_t { good, bad, failed, foreign, hotspare, online, rebuild };
+
+/// The status word of the definition and state files.
+std::string_view statusWord(DriveStatus status);
+std::optional<DriveStatus> statusNamed(std::string_view word);
+
+constexpr std::int64_t sectorsPerMb = 2048;
+
+struct Drive {
+    DriveLocation location;
+    std::int64_t sizeMb = 0; ///< coerced: what arrays are built from
+    std::int64_t rawSectors = 0;
+    std::int64_t nonCoercedSectors = 0;
+    std::string interface; ///< "SAS" or "SATA"
+    std::string vendor;    ///< the four parts of the inquiry data
+    std::string model;
+    std::string revision;
+    std::string serial;
+    std::uint64_t sasAddress = 0;
+    int deviceId = 0;
+    int port = 0;
+    int mediaErrors = 0;
+    int otherErrors = 0;
+    int predictiveFailures = 0;
+    int temperature = 0; ///< degrees Celsius
+    DriveStatus status = DriveStatus::good;
+};
+
+/// A group of drives: one or more spans of equally many drives.
+struct Array {
+    std::vector<std::vector<DriveLocation>> spans;
+};
+
+enum class WritePolicy : std::uint8_t { writeThrough, writeBack };
+enum class ReadPolicy : std::uint8_t { adaptive, ahead, none };
+
+/// The words of the files: "WT", "WB"; "ADRA", "RA", "NORA".
+std::string_view policyWord(WritePolicy policy);
+std::string_view policyWord(ReadPolicy policy);
+std::optional<WritePolicy> writePolicyNamed(std::string_view word);
+std::optional<ReadPolicy> readPolicyNamed(std::string_view word);
+
+struct LogicalDrive {
+    std::size_t array = 0; ///< index into the controller's arrays
+    RaidLevel level = RaidLevel::raid0;
+    std::int64_t sizeMb = 0;
+    int stripeKb = 0;
+    WritePolicy writePolicy = WritePolicy::writeThrough;
+    ReadPolicy readPolicy = ReadPolicy::none;
+    std::string name;
+};
+
+enum class LogicalDriveState : std::uint8_t { optimal, partiallyDegraded, degraded, offline };
+
+/// One PCI function of the server.
+struct PciFunction {
+    int bus = 0;
+    int device = 0;
+    int function = 0;
+    std::uint16_t vendorId = 0;
+    std::uint16_t deviceId = 0;
+    std::uint16_t subsystemVendorId = 0;
+    std::uint16_t subsystemId = 0;
+    std::uint32_t classCode = 0; ///< 24 bits
+    std::uint8_t revision = 0;
+    std::string description;
+};
+
+/// The order in which a system lists its functions: bus, device, function.
+bool standsBefore(const PciFunction& a, const PciFunction& b);
+
+/// Two generations of a utility's firmware, which print different listings.
+enum class Generation : std::uint8_t { early, later };
+
+/// What a controller is and can do; it never changes.
+struct ControllerIdentity {
+    std::string utility;
+    Generation generation = Generation::early;
+    std::string model; ///< the name that inventory files use
+    std::string productName;
+    std::string serialNumber;
+    std::string firmwarePackage;
+    std::string firmware;
+    std::string bios;
+    std::string webBios;
+    std::string bootBlock;
+    std::string manufactured;
+    std::string coercionMode;
+    int rebuildRate = 0; ///< percent
+    PciFunction pci;
+    std::vector<RaidLevel> levels; ///< that it supports
+    int minStripeKb = 0;
+    int maxStripeKb = 0;
+    int maxSpans = 0;
+    int maxDrivesPerSpan = 0;
+    int maxLogicalDrives = 0;
+    int defaultStripeKb = 0;
+    WritePolicy defaultWritePolicy = WritePolicy::writeThrough;
+    ReadPolicy defaultReadPolicy = ReadPolicy::none;
+};
+
+/// The place of a member drive.
+struct MemberPlace {
+    std::size_t array = 0;
+    std::size_t span = 0;
+    std::size_t arm = 0; ///< within the span
+};
+
+class Controller {
+  public:
+    ControllerIdentity identity;
+    std::vector<Drive> drives; ///< in the order of the definition
+    std::vector<Array> arrays;
+    std::vector<LogicalDrive> logicalDrives;
+
+    [[nodiscard]] bool supports(RaidLevel level) const;
+    /// Null when no drive sits there.
+    [[nodiscard]] const Drive* driveAt(const DriveLocation& location) const;
+    [[nodiscard]] Drive* driveAt(const DriveLocation& location);
+    [[nodiscard]] std::optional<MemberPlace> placeOf(const DriveLocation& location) const;
+    /// The enclosures in the order in which drives name them; drives outside every enclosure count
+    /// as one more.
+    [[nodiscard]] std::vector<std::optional<int>> enclosures() const;
+    /// Room in MB that the level keeps of the spans: the smallest member times the drives that hold
+    /// data. Every location must hold a drive.
+    [[nodiscard]] std::int64_t capacity(RaidLevel level,
+                                        const std::vector<std::vector<DriveLocation>>& spans) const;
+    [[nodiscard]] LogicalDriveState stateOf(const LogicalDrive& logicalDrive) const;
+};
+
+/// A command that is to go wrong.
+struct Fault {
+    std::string match;           ///< part of the command's text, letter case ignored
+    int occurrence = 0;          ///< which matching command, from 1; 0: each
+    std::optional<int> exitCode; ///< ends the command with this code instead of running it
+    std::int64_t delayMs = 0;
+    std::string output;           ///< printed before anything else
+    std::int64_t outputBytes = 0; ///< that many bytes of filler lines are printed too
+    int seen = 0;                 ///< matching commands so far
+};
+
+class Server {
+  public:
+    std::string machineType;
+    std::string serialNumber;
+    int detectorExitCode = 0;
+    int fakeraidExitCode = 0;
+    std::vector<Controller> controllers; ///< in the order of the definition
+    std::vector<PciFunction> otherDevices;
+    std::vector<Fault> faults;
+
+    /// The controllers that the utility drives, in the order of the PCI listing: adapter 0 first.
+    [[nodiscard]] std::vector<Controller*> adaptersOf(std::string_view utility);
+    /// Every controller, in the order of the PCI listing.
+    [[nodiscard]] std::vector<const Controller*> controllersInPciOrder() const;
+};
+
+} // namespace zolex_sim

@@ -1,0 +1,119 @@
+#include "commands/ARCCommands.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace zolex {
+
+namespace {
+
+/// RAID level code, fewest and most drives of the array, largest stripe-size code for them.
+struct StripeLimit {
+    std::int32_t raidLevel;
+    std::size_t fewest;
+    std::size_t most;
+    std::int32_t largest;
+};
+
+constexpr std::size_t anyNumber = std::numeric_limits<std::size_t>::max();
+
+// clang-format off
+constexpr std::array<StripeLimit, 6> stripeLimits = {{
+    {raid_level::raid6,   5,         5, stripe::kb512},
+    {raid_level::raid6,   6,         8, stripe::kb256},
+    {raid_level::raid6,   9,        11, stripe::kb128},
+    {raid_level::raid6,  12, anyNumber, stripe::kb64},
+    {raid_level::raid60, 10,        10, stripe::kb512},
+    {raid_level::raid60, 12, anyNumber, stripe::kb256},
+}};
+// clang-format on
+
+} // namespace
+
+const CommandGenerator::Traces& ARCCommands::traces() const {
+    static constexpr Traces texts = {
+        "Entering ARCCommands::doArraysAndLogicalDrives\n",
+        "Exiting ARCCommands::doArraysAndLogicalDrives, returning true\n",
+        "Exiting ARCCommands::doArraysAndLogicalDrives, returning false(",
+        "Entering ARCCommands::doHotspareDrives\n",
+        "Exiting ARCCommands::doHotspareDrives, returning true\n",
+        "Exiting ARCCommands::doHotspareDrives, returning false(",
+    };
+    return texts;
+}
+
+std::int32_t ARCCommands::defaultStripeSize() const {
+    return stripe::kb256;
+}
+
+std::int32_t ARCCommands::stripeSize(const LogicalDrive& logical, const RaidArray& members) const {
+    const std::int32_t code = configuration().stripeSize;
+    const std::size_t drives = members.drives().size();
+    const auto limit =
+        std::find_if(stripeLimits.begin(), stripeLimits.end(), [&](const StripeLimit& row) {
+            return row.raidLevel == logical.raidLevel && drives >= row.fewest && drives <= row.most;
+        });
+    if (limit == stripeLimits.end() || code > stripe::kb4096) {
+        return code;
+    }
+    return std::min(code, limit->largest);
+}
+
+CString ARCCommands::initText(const LogicalDrive& logical) const {
+    return isQuick(logical) ? formatText("Method %s ", "QUICK") : CString();
+}
+
+CString ARCCommands::sizeText(const LogicalDrive& logical) const {
+    if (logical.sizeMb == sizeFill) {
+        return "MAX ";
+    }
+    return formatText("%ld ", static_cast<long>(logical.sizeMb));
+}
+
+const char* ARCCommands::hotspareEnd() const {
+    return "HSP";
+}
+
+bool ARCCommands::addCacheCommands(std::size_t array, const LogicalDrive& logical) {
+    const std::int32_t readAhead = configuration().readAhead;
+    if (readAhead != read_ahead::adaptive && readAhead != read_ahead::on &&
+        !addCacheCommand(array, readAhead == read_ahead::off ? "roff" : "ron")) {
+        return false;
+    }
+    return logical.writeCache == write_cache::notGiven ||
+           addCacheCommand(array, writeCacheWord(logical.writeCache));
+}
+
+bool ARCCommands::addCacheCommand(std::size_t array, const char* mode) {
+    const int logicalDriveNumber = static_cast<int>(array) + 1;
+    CString line = formatText("%s SETCACHE %d LOGICALDRIVE %d ", prefix(), controller().scanOrder(),
+                              logicalDriveNumber);
+    line.append(formatText("%s ", mode));
+    line.append("NOPROMPT ");
+    return addCommand(line);
+}
+
+const char* ARCCommands::writeCacheWord(std::int32_t code) const {
+    constexpr std::int32_t plainSubtype = 1;
+    if (code == write_cache::off) {
+        return "wt";
+    }
+    if (code != write_cache::on) {
+        return "wb";
+    }
+    const std::int32_t type = controller().type();
+    const bool plain = type == controller_type::arcconf2 ||
+                       ((type == controller_type::arcconf7 || type == controller_type::arcconf11) &&
+                        controller().subtype() == plainSubtype);
+    return plain ? "wb" : "wbb";
+}
+
+void ARCCommands::reportSecondLogicalDrive() {
+    reportNoLogicalDrive();
+}
+
+} // namespace zolex

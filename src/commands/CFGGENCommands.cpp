@@ -1,0 +1,100 @@
+#include "commands/CFGGENCommands.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+
+namespace zolex {
+
+namespace {
+
+const char* translate(std::int32_t level) {
+    switch (level) {
+    case raid_level::raid0:
+        return "IS";
+    case raid_level::raid1:
+        return "IM";
+    case raid_level::raid1E:
+        return "IME";
+    default:
+        return "ERROR";
+    }
+}
+
+constexpr int exitSecondLogicalDrive = 3;
+constexpr int exitListFull = 4;
+
+} // namespace
+
+const CommandGenerator::Traces& CFGGENCommands::traces() const {
+    static constexpr Traces texts = {
+        "Entering CFGGENCommands::doArraysAndLogicalDrives\n",
+        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning true\n",
+        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(",
+        "Entering CFGGENCommands::doHotspareDrives\n",
+        "Exiting CFGGENCommands::doHotspareDrives, returning true\n",
+        "Exiting CFGGENCommands::doHotspareDrives, returning false(",
+    };
+    return texts;
+}
+
+std::int32_t CFGGENCommands::defaultStripeSize() const {
+    return stripe::none;
+}
+
+CommandGenerator::Exit CFGGENCommands::makeArrays() {
+    printer().tracef("Processing controller type: %d\n", controller().type());
+    return CommandGenerator::makeArrays();
+}
+
+CommandGenerator::Exit CFGGENCommands::makeArray(std::size_t array, std::size_t drive) {
+    const LogicalDrive& logical = logicalDriveAt(drive);
+    CString line = formatText("%s %d CREATE ", prefix(), adapter());
+    line.append(formatText("%s ", translateRAIDLevelLSI(logical.raidLevel)));
+    if (logical.sizeMb == sizeFill) {
+        line.append("MAX ");
+    } else {
+        line.append(formatText("%ld ", static_cast<long>(logical.sizeMb)));
+    }
+    for (const DrivePosition member : arrayAt(array).drives()) {
+        line.append(driveText(member.channel, member.id));
+    }
+    if (configuration().init != init_choice::build) {
+        line.append("qsync ");
+    }
+    line.append("NOPROMPT");
+    if (!addCommand(line)) {
+        return exitListFull;
+    }
+    if (findLogicalDrive(array, drive + 1)) {
+        reportNoLogicalDrive();
+        return exitSecondLogicalDrive;
+    }
+    return done;
+}
+
+CommandGenerator::Exit CFGGENCommands::makeHotspares() {
+    printer().tracef("Processing controller type: %d\n", controller().type());
+    return CommandGenerator::makeHotspares();
+}
+
+CString CFGGENCommands::hotspareLine(const Hotspare& hotspare) const {
+    CString line = formatText("%s %d HOTSPARE ", prefix(), adapter());
+    line.append(driveText(hotspare.channelNumber, hotspare.id));
+    return line;
+}
+
+CString CFGGENCommands::driveText(std::int32_t channel, std::int32_t id) const {
+    if (controller().type() == controller_type::lsiScsi) {
+        return formatText("%d ", controller().targetId(channel, id));
+    }
+    return formatText("%d:%d ", channel, id);
+}
+
+const char* CFGGENCommands::translateRAIDLevelLSI(std::int32_t level) const {
+    printer().tracef("Entering CFGGENCommands::translateRAIDLevelLSI, level=%d\n", level);
+    const char* word = translate(level);
+    printer().tracef("Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=%s\n", word);
+    return word;
+}
+
+} // namespace zolex

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "commands/CommandGenerator.h"
+
+namespace zolex {
+
+/// What the utilities ARCCONF and HRCONF have in common: a line that creates the one logical drive
+/// of each array, and a line for each hot spare. Channels are numbered from 0.
+class CONFCommands : public CommandGenerator {
+  public:
+    using CommandGenerator::CommandGenerator;
+
+  protected:
+    static constexpr Exit exitSecondLogicalDrive = 3;
+    static constexpr Exit exitListFull = 4;
+
+    Exit makeArray(std::size_t array, std::size_t drive) override;
+    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
+
+    // The pieces in which the utilities differ. Each ends in a blank or is empty.
+    /// The stripe-size code that a logical drive of the array is created with.
+    [[nodiscard]] virtual std::int32_t stripeSize(const LogicalDrive& logical,
+                                                  const RaidArray& members) const = 0;
+    [[nodiscard]] virtual CString initText(const LogicalDrive& logical) const = 0;
+    [[nodiscard]] virtual CString sizeText(const LogicalDrive& logical) const = 0;
+    /// The end of a hot spare's line.
+    [[nodiscard]] virtual const char* hotspareEnd() const = 0;
+    /// The lines that follow the creation of array `array`'s logical drive; false when the list is
+    /// full.
+    virtual bool addCacheCommands(std::size_t array, const LogicalDrive& logical) = 0;
+    virtual void reportSecondLogicalDrive() = 0;
+
+    /// Whether the logical drive is asked to be initialised quickly.
+    [[nodiscard]] bool isQuick(const LogicalDrive& logical) const;
+
+  private:
+    [[nodiscard]] CString createLine(std::size_t array, std::size_t drive) const;
+};
+
+} // namespace zolex

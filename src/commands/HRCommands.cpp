@@ -1,0 +1,53 @@
+#include "commands/HRCommands.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+
+namespace zolex {
+
+const CommandGenerator::Traces& HRCommands::traces() const {
+    static constexpr Traces texts = {
+        "Entering HRCommands::doArraysAndLogicalDrives\n",
+        "Exiting HRCommands::doArraysAndLogicalDrives, returning true\n",
+        "Exiting HRCommands::doArraysAndLogicalDrives, returning false(",
+        "Entering HRCommands::doHotspareDrives\n",
+        "Exiting HRCommands::doHotspareDrives, returning true\n",
+        "Exiting HRCommands::doHotspareDrives, returning false(",
+    };
+    return texts;
+}
+
+std::int32_t HRCommands::defaultStripeSize() const {
+    return stripe::kb64;
+}
+
+std::int32_t HRCommands::stripeSize(const LogicalDrive& /*logical*/,
+                                    const RaidArray& /*members*/) const {
+    return configuration().stripeSize;
+}
+
+CString HRCommands::initText(const LogicalDrive& logical) const {
+    CString text = formatText("Init_Priority %s ", rebuildRateWord(configuration().rebuildRate));
+    if (isQuick(logical)) {
+        text.append(formatText("Init_Method %s ", "QUICK"));
+    }
+    return text;
+}
+
+CString HRCommands::sizeText(const LogicalDrive& /*logical*/) const {
+    return "MAX ";
+}
+
+const char* HRCommands::hotspareEnd() const {
+    return "HSP noprompt";
+}
+
+bool HRCommands::addCacheCommands(std::size_t /*array*/, const LogicalDrive& /*logical*/) {
+    return true;
+}
+
+void HRCommands::reportSecondLogicalDrive() {
+    reportOneLogicalDriveOnly();
+}
+
+} // namespace zolex

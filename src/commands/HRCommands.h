@@ -1,0 +1,25 @@
+#pragma once
+
+#include "commands/CONFCommands.h"
+
+namespace zolex {
+
+/// Commands of the utility HRCONF. A logical drive takes its whole array.
+class HRCommands : public CONFCommands {
+  public:
+    using CONFCommands::CONFCommands;
+
+  protected:
+    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] std::int32_t defaultStripeSize() const override;
+    [[nodiscard]] std::int32_t stripeSize(const LogicalDrive& logical,
+                                          const RaidArray& members) const override;
+    [[nodiscard]] CString initText(const LogicalDrive& logical) const override;
+    [[nodiscard]] CString sizeText(const LogicalDrive& logical) const override;
+    [[nodiscard]] const char* hotspareEnd() const override;
+    /// The utility has no cache commands: true, adding nothing.
+    bool addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
+    void reportSecondLogicalDrive() override;
+};
+
+} // namespace zolex

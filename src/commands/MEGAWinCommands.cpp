@@ -1,0 +1,202 @@
+#include "commands/MEGAWinCommands.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zolex {
+
+namespace {
+
+enum class DriveList { none, plain, spans };
+
+/// RAID level code, the option that creates a logical drive of that level, and how its drives are
+/// listed. A level that is not here has the option "ERROR" and no drives.
+struct CommandRow {
+    std::int32_t raidLevel;
+    const char* option;
+    DriveList drives;
+};
+
+// clang-format off
+constexpr std::array<CommandRow, 7> commandRows = {{
+    {raid_level::raid0,  " -CfgLdAdd R0 ",    DriveList::plain},
+    {raid_level::raid1,  " -CfgLdAdd R1 ",    DriveList::plain},
+    {raid_level::raid5,  " -CfgLdAdd R5 ",    DriveList::plain},
+    {raid_level::raid6,  " -CfgLdAdd R6 ",    DriveList::plain},
+    {raid_level::raid10, " -CfgSpanAdd R10 ", DriveList::spans},
+    {raid_level::raid50, " -CfgSpanAdd R50 ", DriveList::spans},
+    {raid_level::raid60, " -CfgSpanAdd R60 ", DriveList::spans},
+}};
+// clang-format on
+constexpr CommandRow noCommand = {raid_level::none, "ERROR", DriveList::none};
+
+const CommandRow& determineCommand(Printer& printer, std::int32_t raidLevel) {
+    printer.tracef("Entering MEGAWinCommands::determineCommand, raidLevel=%d\n", raidLevel);
+    const auto row = std::find_if(commandRows.begin(), commandRows.end(), [&](const auto& each) {
+        return each.raidLevel == raidLevel;
+    });
+    return row != commandRows.end() ? *row : noCommand;
+}
+
+const char* writeCacheOption(std::int32_t code) {
+    return code == write_cache::off ? " WT " : code == write_cache::on ? " WB " : "";
+}
+
+const char* readAheadOption(std::int32_t code) {
+    switch (code) {
+    case read_ahead::adaptive:
+        return " ADRA ";
+    case read_ahead::on:
+        return " RA ";
+    case read_ahead::off:
+        return " NORA ";
+    default:
+        return "";
+    }
+}
+
+/// A blank follows the stripe size of a plain list only. Sizes above 128 KB are not written.
+void appendStripeSize(DriveList drives, std::int32_t code, CString& line) {
+    if (drives == DriveList::none || code < stripe::kb8 || code > stripe::kb128) {
+        return;
+    }
+    line.append(formatText(" -strpsz %s", stripeSizeWord(code)));
+    if (drives == DriveList::plain) {
+        line.append(" ");
+    }
+}
+
+constexpr int exitSpans = 3;
+constexpr int exitHotspares = 4;
+constexpr int exitListFull = 5;
+
+} // namespace
+
+bool MEGAWinCommands::generate() {
+    return doArraysAndLogicalDrives();
+}
+
+const CommandGenerator::Traces& MEGAWinCommands::traces() const {
+    static constexpr Traces texts = {
+        "Entering MEGAWinCommands::doArraysAndLogicalDrives\n",
+        "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning true\n",
+        "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(",
+        "Entering MEGAWinCommands::doHotspareDrives\n",
+        "Exiting MEGAWinCommands::doHotspareDrives, returning true\n",
+        "Exiting MEGAWinCommands::doHotspareDrives, returning false(",
+    };
+    return texts;
+}
+
+std::int32_t MEGAWinCommands::defaultStripeSize() const {
+    return stripe::kb64;
+}
+
+CommandGenerator::Exit MEGAWinCommands::makeArrays() {
+    if (const Exit exit = CommandGenerator::makeArrays(); exit != done) {
+        return exit;
+    }
+    if (!doHotspareDrives()) {
+        printer().errorBlockf("An internal error has occurred.\n"
+                              "Controller=%s\n",
+                              modelName().c_str());
+        return exitHotspares;
+    }
+    return done;
+}
+
+CommandGenerator::Exit MEGAWinCommands::makeArray(std::size_t array, std::size_t drive) {
+    const RaidArray& members = arrayAt(array);
+    const LogicalDrive& logical = logicalDriveAt(drive);
+    CString line = formatText("%s ", prefix());
+    const CommandRow& command = determineCommand(printer(), logical.raidLevel);
+    line.append(formatText("%s ", command.option));
+
+    CString list;
+    if (command.drives == DriveList::plain) {
+        appendDrives(members, 0, members.drives().size(), list);
+    } else if (command.drives == DriveList::spans &&
+               !appendSpans(command.raidLevel, members, list)) {
+        return exitSpans;
+    }
+    line.append(formatText(" %s ", list.c_str()));
+
+    line.append(formatText("%s ", writeCacheOption(logical.writeCache)));
+    line.append(formatText("%s ", readAheadOption(configuration().readAhead)));
+    if (logical.sizeMb != sizeFill) {
+        line.append(formatText(" { -sz%ld } ", static_cast<long>(logical.sizeMb)));
+    }
+    appendStripeSize(command.drives, configuration().stripeSize, line);
+    line.append(formatText(" -a%d", adapter()));
+    printer().tracef("Command buffer=%s, length=%d\n", line.c_str(),
+                     static_cast<int>(line.length()));
+    return addCommand(line) ? done : exitListFull;
+}
+
+bool MEGAWinCommands::appendSpans(std::int32_t raidLevel, const RaidArray& members,
+                                  CString& list) const {
+    constexpr std::size_t drivesOfMirror = 2;
+    constexpr std::size_t parts = 2;
+    const std::size_t drives = members.drives().size();
+    std::size_t spans = parts;
+    std::size_t drivesPerSpan = drives / parts;
+    switch (raidLevel) {
+    case raid_level::raid10:
+        spans = drives / drivesOfMirror;
+        drivesPerSpan = drivesOfMirror;
+        break;
+    case raid_level::raid50:
+    case raid_level::raid60:
+        break;
+    default:
+        printer().printfAlways("Invalid RAID level specified=%d\n", raidLevel);
+        return false;
+    }
+    for (std::size_t span = 0; span < spans; ++span) {
+        list.append(formatText(" -Array%d", static_cast<int>(span)));
+        appendDrives(members, span * drivesPerSpan, drivesPerSpan, list);
+    }
+    return true;
+}
+
+void MEGAWinCommands::appendDrives(const RaidArray& members, std::size_t first, std::size_t count,
+                                   CString& list) const {
+    list.append("[ ");
+    for (std::size_t i = first; i < first + count; ++i) {
+        const DrivePosition drive = members.drives().at(i);
+        if (i > first) {
+            list.append(",");
+        }
+        if (controller().channelReassignment()) {
+            list.append(formatText("%d", controller().targetId(drive.channel, drive.id)));
+        }
+        list.append(formatText(":%d", drive.id));
+    }
+    list.append(" ] ");
+}
+
+CommandGenerator::Exit MEGAWinCommands::makeHotspares() {
+    constexpr Exit exitSparesListFull = 1;
+    if (configuration().hotspares().empty()) {
+        return done;
+    }
+    CString line = formatText("%s -PDHSP { -Set } -PhysDrv[ ", prefix());
+    const char* separator = "";
+    for (const Hotspare& hotspare : configuration().hotspares()) {
+        line.append(separator);
+        line.append(hotspareLine(hotspare));
+        separator = ",";
+    }
+    line.append(formatText(" ] -a%d", adapter()));
+    return addCommand(line) ? done : exitSparesListFull;
+}
+
+CString MEGAWinCommands::hotspareLine(const Hotspare& hotspare) const {
+    return formatText("%d:%d", controller().targetId(hotspare.channelNumber, hotspare.id),
+                      hotspare.id);
+}
+
+} // namespace zolex

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "commands/CommandGenerator.h"
+
+namespace zolex {
+
+/// Commands of the utility MEGACLI: one line for each array with its first logical drive, and one
+/// line for all hot spares.
+class MEGAWinCommands : public CommandGenerator {
+  public:
+    using CommandGenerator::CommandGenerator;
+    bool generate() override;
+
+    /// The drives of an array split into the spans of a spanned RAID level, appended to `list`:
+    /// pairs for RAID 10, two halves for RAID 50 and 60. False, with a message, for another level.
+    bool appendSpans(std::int32_t raidLevel, const RaidArray& members, CString& list) const;
+
+  protected:
+    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] std::int32_t defaultStripeSize() const override;
+    Exit makeArrays() override;
+    Exit makeArray(std::size_t array, std::size_t drive) override;
+    Exit makeHotspares() override;
+    /// One hot spare's part of the line.
+    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
+
+  private:
+    void appendDrives(const RaidArray& members, std::size_t first, std::size_t count,
+                      CString& list) const;
+};
+
+} // namespace zolex

@@ -1,0 +1,99 @@
+#include "commands/QTCSENDCommands.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+
+#include <cmath>
+
+namespace zolex {
+
+namespace {
+
+constexpr int exitListFull = 3;
+
+} // namespace
+
+const CommandGenerator::Traces& QTCSENDCommands::traces() const {
+    static constexpr Traces texts = {
+        "Entering QTCSENDCommands::doArraysAndLogicalDrives\n",
+        "Exiting QTCSENDCommands::doArraysAndLogicalDrives, returning true\n",
+        "Exiting QTCSENDCommands::doArraysAndLogicalDrives, returning false(",
+        "Entering QTCSENDCommands::doHotspareDrives\n",
+        "Exiting QTCSENDCommands::doHotspareDrives, returning true\n",
+        "Exiting QTCSENDCommands::doHotspareDrives, returning false(",
+    };
+    return texts;
+}
+
+std::int32_t QTCSENDCommands::defaultStripeSize() const {
+    return stripe::kb8;
+}
+
+CommandGenerator::Exit QTCSENDCommands::makeArray(std::size_t array, std::size_t drive) {
+    if (!addCommand(firstLine(array, logicalDriveAt(drive)))) {
+        return exitListFull;
+    }
+    for (auto later = findLogicalDrive(array, drive + 1); later;
+         later = findLogicalDrive(array, *later + 1)) {
+        if (!addCommand(laterLine(array, *later))) {
+            return exitListFull;
+        }
+    }
+    return done;
+}
+
+CString QTCSENDCommands::firstLine(std::size_t array, const LogicalDrive& logical) const {
+    CString line =
+        formatText("%s CREATE %d LOGICALDRIVE NEWARRAY ", prefix(), controller().scanOrder());
+    if (logical.sizeMb == sizeFill) {
+        line.append("MAX ");
+    } else {
+        line.append(formatText("%ld ", static_cast<long>(logical.sizeMb)));
+    }
+    line.append(formatText("%s ", raidLevelWord(logical.raidLevel)));
+    for (const DrivePosition member : arrayAt(array).drives()) {
+        line.append(formatText("%d %d ", member.channel, member.id));
+    }
+    line.append("NOPROMPT");
+    return line;
+}
+
+CString QTCSENDCommands::laterLine(std::size_t array, std::size_t drive) const {
+    const LogicalDrive& logical = logicalDriveAt(drive);
+    CString line = formatText("%s CREATE %d LOGICALDRIVE %c ", prefix(), controller().scanOrder(),
+                              'A' + static_cast<int>(array));
+    const std::int64_t size =
+        logical.sizeMb == sizeFill ? spaceLeft(array, drive) : logical.sizeMb;
+    line.append(formatText("%lld ", static_cast<long long>(size)));
+    line.append(formatText("%s ", raidLevelWord(logical.raidLevel)));
+    line.append("NOPROMPT");
+    return line;
+}
+
+std::int64_t QTCSENDCommands::spaceLeft(std::size_t array, std::size_t drive) const {
+    const RaidArray& members = arrayAt(array);
+    const auto fraction = [&members](const LogicalDrive& each) {
+        return static_cast<double>(usableFraction(each.raidLevel, members.driveCount()));
+    };
+    auto raw = static_cast<double>(members.capacityMb);
+    for (auto other = findLogicalDrive(array); other; other = findLogicalDrive(array, *other + 1)) {
+        if (*other == drive) {
+            continue;
+        }
+        const LogicalDrive& logical = logicalDriveAt(*other);
+        const double usable = fraction(logical);
+        if (logical.sizeMb == sizeFill || usable <= 0.0) {
+            return 0;
+        }
+        raw -= static_cast<double>(logical.sizeMb) / usable;
+    }
+    const double left = raw * fraction(logicalDriveAt(drive));
+    return static_cast<std::int64_t>(std::floor(left + 0.5) + 0.0001);
+}
+
+CString QTCSENDCommands::hotspareLine(const Hotspare& hotspare) const {
+    return formatText("%s SETSTATE %d %d %d HSP", prefix(), controller().scanOrder(),
+                      hotspare.channelNumber, hotspare.id);
+}
+
+} // namespace zolex

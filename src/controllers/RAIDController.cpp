@@ -1,0 +1,241 @@
+#include "controllers/RAIDController.h"
+
+#include "foundation/Printer.h"
+
+#include <utility>
+
+namespace zolex {
+
+namespace {
+
+const char* textOf(const std::optional<CString>& text) {
+    return text ? text->c_str() : "";
+}
+
+} // namespace
+
+void RaidDisk::dump(Printer& printer) const {
+    printer.printAlways("Contents of RaidDisk:\n");
+    printer.printfAlways("  Channel Number:    %d\n", channelNumber);
+    printer.printfAlways("  ID:                %d\n", id);
+    printer.printfAlways("  Disk Number:       %d\n", diskNumber);
+    printer.printfAlways("  Size:              %ld\n", static_cast<long>(sizeMb));
+    printer.printfAlways("  Serial Number:     %s\n", serialNumber.c_str());
+    printer.printfAlways("  Reported Location: %s\n", reportedLocation.c_str());
+    printer.printfAlways("  State:             %s\n", state.c_str());
+    printer.printfAlways("  Derived State:     %s\n\n", derivedState.c_str());
+}
+
+RAIDController::Drive* RAIDController::at(std::int32_t channel, std::int32_t id) {
+    return const_cast<Drive*>(std::as_const(*this).at(channel, id));
+}
+
+const RAIDController::Drive* RAIDController::at(std::int32_t channel, std::int32_t id) const {
+    if (!isPosition(channel, id)) {
+        return nullptr;
+    }
+    return &drives_[static_cast<std::size_t>(channel)][static_cast<std::size_t>(id)];
+}
+
+bool RAIDController::setType(std::int32_t type) {
+    type_ = type;
+    return true;
+}
+
+bool RAIDController::setSubtype(std::int32_t subtype) {
+    subtype_ = subtype;
+    return true;
+}
+
+bool RAIDController::setScanOrder(std::int32_t scanOrder) {
+    if (scanOrder < 1 || scanOrder > maxScanOrder) {
+        return false;
+    }
+    scanOrder_ = scanOrder;
+    return true;
+}
+
+bool RAIDController::setPciFunction(std::int32_t function) {
+    pciFunction_ = function;
+    return true;
+}
+
+bool RAIDController::setSlotNumber(std::int32_t slot) {
+    slotNumber_ = slot;
+    return true;
+}
+
+bool RAIDController::setBusNumber(std::int32_t bus) {
+    busNumber_ = bus;
+    return true;
+}
+
+bool RAIDController::setPciLocation(CString location) {
+    pciLocation_ = std::move(location);
+    return true;
+}
+
+bool RAIDController::setBiosVersion(CString version) {
+    biosVersion_ = std::move(version);
+    return true;
+}
+
+bool RAIDController::setFirmwareVersion(CString version) {
+    firmwareVersion_ = std::move(version);
+    return true;
+}
+
+bool RAIDController::setDriverVersion(CString version) {
+    driverVersion_ = std::move(version);
+    return true;
+}
+
+bool RAIDController::setSize(std::int32_t channel, std::int32_t id, std::int32_t sizeMb) {
+    Drive* drive = at(channel, id);
+    if (drive != nullptr) {
+        drive->sizeMb = sizeMb;
+    }
+    return drive != nullptr;
+}
+
+bool RAIDController::setSizeAndTarget(std::int32_t channel, std::int32_t id, std::int32_t sizeMb,
+                                      std::int32_t targetId) {
+    Drive* drive = at(channel, id);
+    if (drive != nullptr) {
+        drive->sizeMb = sizeMb;
+        drive->targetId = targetId;
+    }
+    return drive != nullptr;
+}
+
+bool RAIDController::addDrive(std::int32_t channel, std::int32_t id, std::int32_t sizeMb,
+                              const CString& type) {
+    Drive* drive = at(channel, id);
+    if (drive == nullptr) {
+        return false;
+    }
+    drive->sizeMb = sizeMb;
+    if (!type.isEmpty()) {
+        drive->type = type;
+    }
+    return true;
+}
+
+bool RAIDController::addDrive(std::int32_t channel, std::int32_t id, std::int32_t sizeMb,
+                              const CString& type, std::int32_t targetId) {
+    return addDrive(channel, id, sizeMb, type) && setSizeAndTarget(channel, id, sizeMb, targetId);
+}
+
+bool RAIDController::setDriveRecord(std::int32_t channel, std::int32_t id, RaidDisk disk) {
+    Drive* drive = at(channel, id);
+    if (drive != nullptr) {
+        drive->record = std::move(disk);
+    }
+    return drive != nullptr;
+}
+
+bool RAIDController::setUsed(std::int32_t channel, std::int32_t id, bool used) {
+    Drive* drive = at(channel, id);
+    if (drive != nullptr) {
+        drive->used = used;
+    }
+    return drive != nullptr;
+}
+
+bool RAIDController::setConfiguration(std::unique_ptr<RAIDConfiguration> configuration) {
+    configuration_ = std::move(configuration);
+    return true;
+}
+
+bool RAIDController::addCapturedOutput(std::shared_ptr<CapturedOutput> output) {
+    for (auto& slot : capturedOutputs_) {
+        if (!slot) {
+            slot = std::move(output);
+            return true;
+        }
+    }
+    return false;
+}
+
+void RAIDController::clearCapturedOutputs() {
+    capturedOutputs_.fill(nullptr);
+}
+
+bool RAIDController::clearChannelReassignment() {
+    channelReassignment_ = false;
+    return true;
+}
+
+void RAIDController::swapIdentity(RAIDController& other) {
+    std::swap(subtype_, other.subtype_);
+    std::swap(pciLocation_, other.pciLocation_);
+}
+
+void RAIDController::forgetReadings() {
+    drives_ = {};
+    configuration_.reset();
+    channelReassignment_ = true;
+}
+
+std::int32_t RAIDController::size(std::int32_t channel, std::int32_t id) const {
+    const Drive* drive = at(channel, id);
+    return drive == nullptr ? noDrive : drive->sizeMb;
+}
+
+std::int32_t RAIDController::targetId(std::int32_t channel, std::int32_t id) const {
+    const Drive* drive = at(channel, id);
+    return drive == nullptr ? -1 : drive->targetId;
+}
+
+bool RAIDController::isUsed(std::int32_t channel, std::int32_t id) const {
+    const Drive* drive = at(channel, id);
+    return drive != nullptr && drive->used;
+}
+
+const std::optional<CString>& RAIDController::driveType(std::int32_t channel,
+                                                        std::int32_t id) const {
+    static const std::optional<CString> absent;
+    const Drive* drive = at(channel, id);
+    return drive == nullptr ? absent : drive->type;
+}
+
+const RaidDisk& RAIDController::driveRecord(std::int32_t channel, std::int32_t id) const {
+    static const RaidDisk absent;
+    const Drive* drive = at(channel, id);
+    return drive == nullptr ? absent : drive->record;
+}
+
+std::shared_ptr<CapturedOutput> RAIDController::capturedOutput(std::size_t i) const {
+    return i < capturedOutputs_.size() ? capturedOutputs_[i] : nullptr;
+}
+
+std::int32_t RAIDController::numberOfDrives() const {
+    std::int32_t n = 0;
+    forEachDrive([&n](std::int32_t, std::int32_t) { ++n; });
+    return n;
+}
+
+void RAIDController::dump(Printer& printer, bool withConfiguration) const {
+    printer.printAlways("***** DUMPING RAID CONTROLLER INFO *********\n");
+    printer.printfAlways("Type:       %d\n", type_);
+    printer.printfAlways("BIOSVersion =%s \n", textOf(biosVersion_));
+    printer.printfAlways("FirmwareVersion =%s \n", textOf(firmwareVersion_));
+    printer.printfAlways("Scan order: %d\n", scanOrder_);
+    printer.printfAlways("Number of Drives=%d\n", numberOfDrives());
+    printer.printAlways("Drives:\nnth=(chan,sid,tid,type) size\n");
+    int nth = 0;
+    forEachDrive([&](std::int32_t channel, std::int32_t id) {
+        printer.printfAlways("%2d(%2d,%2d,%2d,%4s) %ldMB\n", ++nth, channel, id,
+                             targetId(channel, id), textOf(driveType(channel, id)),
+                             static_cast<long>(size(channel, id)));
+    });
+    printer.printAlways("\n");
+    if (withConfiguration && configuration_) {
+        configuration_->dump(printer);
+    }
+    printer.printAlways("\n");
+    forEachDrive(
+        [&](std::int32_t channel, std::int32_t id) { driveRecord(channel, id).dump(printer); });
+}
+
+} // namespace zolex

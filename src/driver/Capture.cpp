@@ -1,0 +1,90 @@
+#include "driver/ZOLEX.h"
+
+#include "commands/CommandSource.h"
+#include "readers/DiskInformation.h"
+
+namespace zolex {
+
+namespace {
+
+constexpr unsigned captureFailed = 8;
+constexpr unsigned resourcesMissing = 10;
+
+} // namespace
+
+unsigned ZOLEX::captureConfiguration(ControllerList& controllers) {
+    printer().trace("Entering ZOLEX::captureConfiguration\n");
+    const auto runner = makeRunner();
+    if (!runner) {
+        return resourcesMissing;
+    }
+    printer().print("Capturing configurations from supported controllers ...\n", level::progress);
+    const auto source = makeCaptureSource();
+    if (!source) {
+        return resourcesMissing;
+    }
+    // What an earlier capture of this run has read is no longer true. The drives of an inventory
+    // file were not read by a capture and stay.
+    if (captured_ && !settings.fake) {
+        for (std::size_t i = 0; i < controllers.count(); ++i) {
+            controllers.controller(i)->forgetReadings();
+        }
+    }
+    captured_ = true;
+    for (std::size_t i = 0; i < controllers.count(); ++i) {
+        if (!captureController(*runner, *source, *controllers.controller(i),
+                               static_cast<int>(i + 1))) {
+            return captureFailed;
+        }
+    }
+    printer().print("Reading configuration parameters from supported controllers ...\n",
+                    level::progress);
+    const auto information = makeDiskInformation();
+    if (!information) {
+        return resourcesMissing;
+    }
+    if (!information->readDiskInformation(controllers)) {
+        return captureFailed;
+    }
+    if (settings.debug) {
+        controllers.dump(*this, settings.capture);
+    }
+    printer().print("Gathering hard disk information completed \n", level::progress);
+    printer().trace("Exiting ZOLEX::captureConfiguration\n");
+    return 0;
+}
+
+bool ZOLEX::captureController(Tool& runner, CommandSource& source, RAIDController& controller,
+                              std::int32_t number) {
+    printer().tracef("Number of commmands required for controller %d = %d\n", number,
+                     static_cast<int>(source.numberOfCommands(controller)));
+    for (std::size_t i = 0; i < source.numberOfCommands(controller); ++i) {
+        if (!captureCommand(runner, controller, number, source.getCommand(controller, number, i))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ZOLEX::captureCommand(Tool& runner, RAIDController& controller, std::int32_t number,
+                           CString command) {
+    printer().printfAlways("Capture Command=%s\n", command.c_str());
+    if (settings.fake || settings.noExecuteAll || settings.noExecuteCapture) {
+        command = "fakeraid 1 " + modelName(controller);
+        printer().printfAlways("FakeRAID Command=%s\n", command.c_str());
+    }
+    if (!runCommand(runner, controller, command)) {
+        printFailure(controller, Mode::capture);
+        return false;
+    }
+    // The readers parse it later; a fifth output finds no slot and is dropped.
+    controller.addCapturedOutput(runner.output());
+    if (!checkForErrors(controller, number, runner.exitCode(), Mode::capture)) {
+        printer().printAlways("Capture Command Standard Output:\n");
+        printOutput(runner);
+        return false;
+    }
+    return true;
+}
+
+} // namespace zolex

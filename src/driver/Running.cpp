@@ -1,0 +1,85 @@
+#include "driver/ZOLEX.h"
+
+#include <string_view>
+
+namespace zolex {
+
+bool ZOLEX::isAccepted(const RAIDController& controller, std::uint32_t exitCode) {
+    for (std::int32_t slot = 1; slot <= 3; ++slot) {
+        const std::int32_t accepted = catalogue().getAcceptedReturnCode(controller.type(), slot);
+        if (accepted >= 0 && exitCode == static_cast<std::uint32_t>(accepted)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void ZOLEX::printFailure(const RAIDController& controller, Mode mode) {
+    const CString model = modelName(controller);
+    switch (mode) {
+    case Mode::restore:
+        printer().printf(level::progress,
+                         "     Error restoring controller %s to factory-default settings.\n",
+                         model.c_str());
+        break;
+    case Mode::capture:
+        printer().printf(level::progress, "     Error gathering information from controller %s.\n",
+                         model.c_str());
+        break;
+    case Mode::deploy:
+        printer().printf(level::progress, "     Error deploying configuration to controller %s.\n",
+                         model.c_str());
+        break;
+    }
+}
+
+bool ZOLEX::checkForErrors(const RAIDController& controller, std::int32_t number,
+                           std::uint32_t exitCode, Mode mode) {
+    const auto shownCode = static_cast<std::int32_t>(exitCode);
+    printer().tracef("Entering ZOLEX::checkForErrors, controllerNum=%d, RC=%d, Mode=%d\n", number,
+                     shownCode, static_cast<std::int32_t>(mode));
+    if (isAccepted(controller, exitCode)) {
+        printer().trace("Exiting ZOLEX::checkForErrors, returning true\n");
+        return true;
+    }
+    printer().print("### ERROR\n", level::progress);
+    printFailure(controller, mode);
+    printer().printf(level::progress, "     Received error return code %d from the %s command.\n",
+                     shownCode, catalogue().getUtilityCommand(controller.type()).c_str());
+    return false;
+}
+
+bool ZOLEX::reordersByBusNumber() const {
+    return machineType.contains("5941") || machineType.contains("5944");
+}
+
+void ZOLEX::pauseWithDots(int seconds) {
+    for (int second = 0; second < seconds; ++second) {
+        platform().pauseOneSecond();
+        printer().printAlways(".");
+    }
+    printer().printAlways("\n");
+}
+
+bool ZOLEX::runCommand(Tool& runner, const RAIDController& controller, const CString& command) {
+    constexpr int secondsBeforeLsiSas = 15;
+    runner.setCommand(command);
+    printer().printfAlways("Executing:%s\n", command.c_str());
+    if (controller.type() == controller_type::lsiSas) {
+        pauseWithDots(secondsBeforeLsiSas);
+    }
+    return runner.run(true);
+}
+
+void ZOLEX::printOutput(Tool& runner) {
+    const auto output = runner.output();
+    if (!output) {
+        return;
+    }
+    for (std::string_view piece = output->nextPiece(capturedLineLimit); !piece.empty();
+         piece = output->nextPiece(capturedLineLimit)) {
+        printer().printAlways(piece);
+    }
+}
+
+} // namespace zolex

@@ -1,0 +1,98 @@
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace zolex::text {
+
+int compareNoCase(std::string_view a, std::string_view b) noexcept {
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        const int x = static_cast<unsigned char>(lower(a[i]));
+        const int y = static_cast<unsigned char>(lower(b[i]));
+        if (x != y) {
+            return x - y;
+        }
+    }
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+bool equalsNoCase(std::string_view a, std::string_view b) noexcept {
+    return a.size() == b.size() && compareNoCase(a, b) == 0;
+}
+
+bool containsNoCase(std::string_view line, std::string_view key) noexcept {
+    const auto found = std::search(line.begin(), line.end(), key.begin(), key.end(),
+                                   [](char x, char y) { return lower(x) == lower(y); });
+    return found != line.end() || key.empty();
+}
+
+std::string_view trim(std::string_view text, std::string_view set) noexcept {
+    const std::size_t first = text.find_first_not_of(set);
+    if (first == std::string_view::npos) {
+        return text.substr(0, 0);
+    }
+    return text.substr(first, text.find_last_not_of(set) - first + 1);
+}
+
+std::string_view valueAfterColon(std::string_view line) noexcept {
+    const std::size_t colon = line.find(':');
+    return colon == std::string_view::npos ? std::string_view() : trim(line.substr(colon + 1));
+}
+
+std::string_view token(std::string_view text, std::string_view delimiter,
+                       std::size_t index) noexcept {
+    if (delimiter.empty()) {
+        return {};
+    }
+    for (; index > 0; --index) {
+        const std::size_t at = text.find(delimiter);
+        if (at == std::string_view::npos) {
+            return {};
+        }
+        text.remove_prefix(at + delimiter.size());
+    }
+    return text.substr(0, text.find(delimiter));
+}
+
+std::int32_t leadingInt(std::string_view text) noexcept {
+    constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int64_t lowest = std::numeric_limits<std::int32_t>::min();
+    const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
+    if (start == std::string_view::npos) {
+        return 0;
+    }
+    text.remove_prefix(start);
+    const bool negative = text.front() == '-';
+    if (negative || text.front() == '+') {
+        text.remove_prefix(1);
+    }
+    std::int64_t value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') {
+            break;
+        }
+        value = std::min(value * 10 + (c - '0'), highest + 1);
+    }
+    return static_cast<std::int32_t>(std::clamp(negative ? -value : value, lowest, highest));
+}
+
+std::optional<std::int32_t> wholeNumber(std::string_view text) noexcept {
+    constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    std::int64_t value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') {
+            return std::nullopt;
+        }
+        value = value * 10 + (c - '0');
+        if (value > highest) {
+            return std::nullopt;
+        }
+    }
+    return static_cast<std::int32_t>(value);
+}
+
+} // namespace zolex::text

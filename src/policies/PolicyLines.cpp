@@ -1,0 +1,66 @@
+#include "policies/PolicyLines.h"
+
+#include <algorithm>
+
+namespace zolex {
+
+int PolicyLines::peek() {
+    if (at_ == filled_) {
+        at_ = 0;
+        filled_ = file_.read(buffer_);
+    }
+    return at_ == filled_ ? endOfFile : static_cast<unsigned char>(buffer_[at_]);
+}
+
+int PolicyLines::get() {
+    int character = peek();
+    if (character == endOfFile) {
+        return endOfFile;
+    }
+    ++at_;
+    if (character == '\r' && peek() == '\n') {
+        character = '\n';
+        ++at_;
+    }
+    return character;
+}
+
+bool PolicyLines::next(std::string_view& line) {
+    std::size_t length = 0;
+    while (length < maxLength) {
+        const int character = get();
+        if (character == endOfFile) {
+            break;
+        }
+        line_[length++] = static_cast<char>(character);
+        if (character == '\n') {
+            ++number_;
+            break;
+        }
+    }
+    line = std::string_view(line_.data(), length);
+    return length != 0 && !failed();
+}
+
+bool PolicyLines::nextMeaningful(std::string_view& line) {
+    while (next(line)) {
+        const std::string_view body = withoutLeadingSpaces(line);
+        const bool skipped =
+            body.empty() || body[0] == ';' || body[0] == '\n' || body[0] == '\r';
+        if (!skipped) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string_view withoutLeadingSpaces(std::string_view line) noexcept {
+    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+    return line;
+}
+
+bool isSectionHeader(std::string_view line) noexcept {
+    return withoutLeadingSpaces(line).substr(0, 1) == "[";
+}
+
+} // namespace zolex

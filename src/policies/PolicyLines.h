@@ -1,0 +1,53 @@
+#pragma once
+
+#include "foundation/FileSystem.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace zolex {
+
+/// The lines of a policies file, one at a time, each at most 255 characters long. What stands
+/// beyond that on a longer line comes as the next line. A carriage return before a newline is
+/// dropped.
+class PolicyLines {
+  public:
+    static constexpr std::size_t maxLength = 255;
+
+    /// `file` is read from where it stands and must outlive this object.
+    explicit PolicyLines(File& file) : file_(file) {}
+
+    /// Puts the next line, its newline included when it has one within its length, into `line`;
+    /// false at the end of the file or when reading failed. The view holds until the next call.
+    bool next(std::string_view& line);
+    /// The same, leaving out blank lines, comments and lines of spaces only.
+    bool nextMeaningful(std::string_view& line);
+
+    /// Newlines read so far: the number of the line that was read last, counted from 1. A line
+    /// that did not end in a newline has the number of the line before it.
+    [[nodiscard]] std::int64_t number() const { return number_; }
+    /// Whether the file could not be read.
+    [[nodiscard]] bool failed() const { return file_.failed(); }
+
+  private:
+    static constexpr int endOfFile = -1;
+
+    int peek();
+    int get();
+
+    File& file_;
+    std::array<char, 4096> buffer_{};
+    std::size_t at_ = 0;
+    std::size_t filled_ = 0;
+    std::array<char, maxLength> line_{};
+    std::int64_t number_ = 0;
+};
+
+/// The line from its first character that is no space (tabs are none).
+[[nodiscard]] std::string_view withoutLeadingSpaces(std::string_view line) noexcept;
+/// Whether the line opens a section: "[" after leading spaces.
+[[nodiscard]] bool isSectionHeader(std::string_view line) noexcept;
+
+} // namespace zolex

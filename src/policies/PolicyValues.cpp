@@ -1,0 +1,170 @@
+#include "policies/PolicyValues.h"
+
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zolex::policy_value {
+
+namespace {
+
+struct CodeWord {
+    std::string_view word;
+    std::int32_t code;
+};
+
+/// Words of the RAID levels and their codes. Order does not matter.
+// clang-format off
+constexpr std::array<CodeWord, 13> raidLevelWords = {{
+    {"0",             raid_level::raid0},
+    {"1",             raid_level::raid1},
+    {"1E",            raid_level::raid1E},
+    {"10",            raid_level::raid10},
+    {"5",             raid_level::raid5},
+    {"5E",            raid_level::raid5E},
+    {"5EE",           raid_level::raid5EE},
+    {"50",            raid_level::raid50},
+    {"6",             raid_level::raid6},
+    {"60",            raid_level::raid60},
+    {"VOLUME",        raid_level::volume},
+    {"SIMPLE VOLUME", raid_level::simpleVolume},
+    {"AUTO",          raid_level::notGiven},
+}};
+
+/// Words of the write-cache modes and their codes.
+constexpr std::array<CodeWord, 3> writeCacheWords = {{
+    {"OFF",  write_cache::off},
+    {"ON",   write_cache::on},
+    {"AUTO", write_cache::notGiven},
+}};
+
+/// Size variances and their percentages.
+constexpr std::array<CodeWord, 4> varianceWords = {{
+    {"0%",   0},
+    {"5%",   5},
+    {"10%",  10},
+    {"100%", 100},
+}};
+// clang-format on
+
+std::optional<std::int32_t> findCode(std::span<const CodeWord> words,
+                                     std::string_view text) noexcept {
+    const auto found = std::find_if(words.begin(), words.end(), [text](const CodeWord& row) {
+        return text::equalsNoCase(row.word, text);
+    });
+    return found == words.end() ? std::nullopt : std::optional(found->code);
+}
+
+/// Half of a position: a whole number, a zero being written "0".
+std::optional<std::int32_t> coordinate(std::string_view text) noexcept {
+    return text == "0" ? 0 : nonZeroNumber(text);
+}
+
+std::optional<DrivePosition> position(std::string_view text) {
+    const std::vector<std::string_view> parts = split(text, ':');
+    if (parts.size() != 2) {
+        return std::nullopt;
+    }
+    const auto channel = coordinate(parts[0]);
+    const auto id = coordinate(parts[1]);
+    if (!channel || !id) {
+        return std::nullopt;
+    }
+    return DrivePosition{*channel, *id};
+}
+
+} // namespace
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (;;) {
+        const std::size_t end = text.find(separator);
+        parts.push_back(text.substr(0, end));
+        if (end == std::string_view::npos) {
+            return parts;
+        }
+        text.remove_prefix(end + 1);
+    }
+}
+
+std::vector<std::string_view> splitAndTrim(std::string_view text, char separator) {
+    std::vector<std::string_view> parts = split(text, separator);
+    for (std::string_view& part : parts) {
+        part = text::trim(part);
+    }
+    return parts;
+}
+
+bool isOneOf(std::string_view text, std::span<const std::string_view> words) noexcept {
+    return std::any_of(words.begin(), words.end(),
+                       [text](std::string_view word) { return text::equalsNoCase(word, text); });
+}
+
+std::optional<std::int32_t> nonZeroNumber(std::string_view text) noexcept {
+    const std::optional<std::int32_t> number = text::wholeNumber(text);
+    return number.value_or(0) > 0 ? number : std::nullopt;
+}
+
+std::optional<std::int32_t> logicalDriveSize(std::string_view text) noexcept {
+    constexpr std::int32_t wholeArray = 100;
+    if (text::equalsNoCase(text, "FILL")) {
+        return sizeFill;
+    }
+    if (!text.ends_with('%')) {
+        return nonZeroNumber(text);
+    }
+    const auto percent = nonZeroNumber(text.substr(0, text.size() - 1));
+    if (!percent || *percent > wholeArray) {
+        return std::nullopt;
+    }
+    return -*percent;
+}
+
+std::optional<std::int32_t> raidLevel(std::string_view text) noexcept {
+    return findCode(raidLevelWords, text);
+}
+
+std::optional<std::int32_t> writeCache(std::string_view text) noexcept {
+    return findCode(writeCacheWords, text);
+}
+
+std::optional<std::int32_t> variance(std::string_view text) noexcept {
+    return findCode(varianceWords, text);
+}
+
+std::optional<std::int32_t> arrayIndex(std::string_view text) noexcept {
+    const char letter = text.size() == 1 ? text::upper(text[0]) : '\0';
+    return letter >= 'A' && letter <= 'Z' ? std::optional<std::int32_t>(letter - 'A')
+                                          : std::nullopt;
+}
+
+RaidArray DriveList::toArray() const {
+    RaidArray array;
+    for (const std::int32_t number : numbers) {
+        array.tooManyDrives = !array.addDriveNumber(number) || array.tooManyDrives;
+    }
+    for (const DrivePosition& drive : positions) {
+        array.tooManyDrives = !array.addDrive(drive) || array.tooManyDrives;
+    }
+    return array;
+}
+
+std::optional<DriveList> driveList(std::string_view text) {
+    DriveList list;
+    for (const std::string_view item : splitAndTrim(text, ',')) {
+        if (const auto number = nonZeroNumber(item)) {
+            list.numbers.push_back(*number);
+        } else if (const auto place = position(item)) {
+            list.positions.push_back(*place);
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (!list.numbers.empty() && !list.positions.empty()) {
+        return std::nullopt;
+    }
+    return list;
+}
+
+} // namespace zolex::policy_value
