@@ -26,9 +26,13 @@ static_assert(levels.size() == static_cast<std::size_t>(RaidLevel::raid60) + 1);
 
 } // namespace
 
-std::span<const LevelRules> allLevels() { return levels; }
+std::span<const LevelRules> allLevels() {
+    return levels;
+}
 
-const LevelRules& rulesOf(RaidLevel level) { return levels[static_cast<std::size_t>(level)]; }
+const LevelRules& rulesOf(RaidLevel level) {
+    return levels[static_cast<std::size_t>(level)];
+}
 
 std::optional<RaidLevel> levelNamed(std::string_view name) {
     for (const LevelRules& rules : levels) {

@@ -93,9 +93,8 @@ bool Controller::supports(RaidLevel level) const {
 }
 
 const Drive* Controller::driveAt(const DriveLocation& location) const {
-    const auto found = std::find_if(drives.begin(), drives.end(), [&](const Drive& drive) {
-        return drive.location == location;
-    });
+    const auto found = std::find_if(drives.begin(), drives.end(),
+                                    [&](const Drive& drive) { return drive.location == location; });
     return found == drives.end() ? nullptr : &*found;
 }
 
@@ -126,8 +125,8 @@ std::vector<std::optional<int>> Controller::enclosures() const {
     return found;
 }
 
-std::int64_t
-Controller::capacity(RaidLevel level, const std::vector<std::vector<DriveLocation>>& spans) const {
+std::int64_t Controller::capacity(RaidLevel level,
+                                  const std::vector<std::vector<DriveLocation>>& spans) const {
     std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
     std::int64_t dataDrives = 0;
     for (const std::vector<DriveLocation>& span : spans) {

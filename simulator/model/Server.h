@@ -162,7 +162,7 @@ struct Fault {
     std::int64_t delayMs = 0;
     std::string output;           ///< printed before anything else
     std::int64_t outputBytes = 0; ///< that many bytes of filler lines are printed too
-    int seen = 0;                 ///< matching commands so far
+    int seen = 0;                 ///< matching commands so far, up to the occurrence
 };
 
 class Server {

@@ -7,9 +7,13 @@
 namespace zolex_sim {
 namespace {
 
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char lowered(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
-bool sameLetter(char a, char b) { return lowered(a) == lowered(b); }
+bool sameLetter(char a, char b) {
+    return lowered(a) == lowered(b);
+}
 
 } // namespace
 

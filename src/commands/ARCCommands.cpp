@@ -34,16 +34,22 @@ constexpr std::array<StripeLimit, 6> stripeLimits = {{
 
 } // namespace
 
-const CommandGenerator::Traces& ARCCommands::traces() const {
-    static constexpr Traces texts = {
+const CommandGenerator::Traces& ARCCommands::arrayTraces() const {
+    static constexpr Traces traces = {
         "Entering ARCCommands::doArraysAndLogicalDrives\n",
         "Exiting ARCCommands::doArraysAndLogicalDrives, returning true\n",
         "Exiting ARCCommands::doArraysAndLogicalDrives, returning false(",
+    };
+    return traces;
+}
+
+const CommandGenerator::Traces& ARCCommands::hotspareTraces() const {
+    static constexpr Traces traces = {
         "Entering ARCCommands::doHotspareDrives\n",
         "Exiting ARCCommands::doHotspareDrives, returning true\n",
         "Exiting ARCCommands::doHotspareDrives, returning false(",
     };
-    return texts;
+    return traces;
 }
 
 std::int32_t ARCCommands::defaultStripeSize() const {

@@ -25,16 +25,22 @@ constexpr int exitListFull = 4;
 
 } // namespace
 
-const CommandGenerator::Traces& CFGGENCommands::traces() const {
-    static constexpr Traces texts = {
+const CommandGenerator::Traces& CFGGENCommands::arrayTraces() const {
+    static constexpr Traces traces = {
         "Entering CFGGENCommands::doArraysAndLogicalDrives\n",
         "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning true\n",
         "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(",
+    };
+    return traces;
+}
+
+const CommandGenerator::Traces& CFGGENCommands::hotspareTraces() const {
+    static constexpr Traces traces = {
         "Entering CFGGENCommands::doHotspareDrives\n",
         "Exiting CFGGENCommands::doHotspareDrives, returning true\n",
         "Exiting CFGGENCommands::doHotspareDrives, returning false(",
     };
-    return texts;
+    return traces;
 }
 
 std::int32_t CFGGENCommands::defaultStripeSize() const {
@@ -43,7 +49,7 @@ std::int32_t CFGGENCommands::defaultStripeSize() const {
 
 CommandGenerator::Exit CFGGENCommands::makeArrays() {
     printer().tracef("Processing controller type: %d\n", controller().type());
-    return CommandGenerator::makeArrays();
+    return ArrayCommands::makeArrays();
 }
 
 CommandGenerator::Exit CFGGENCommands::makeArray(std::size_t array, std::size_t drive) {
@@ -74,10 +80,10 @@ CommandGenerator::Exit CFGGENCommands::makeArray(std::size_t array, std::size_t 
 
 CommandGenerator::Exit CFGGENCommands::makeHotspares() {
     printer().tracef("Processing controller type: %d\n", controller().type());
-    return CommandGenerator::makeHotspares();
+    return ArrayCommands::makeHotspares();
 }
 
-CString CFGGENCommands::hotspareLine(const Hotspare& hotspare) const {
+CString CFGGENCommands::hotspareText(const Hotspare& hotspare) const {
     CString line = formatText("%s %d HOTSPARE ", prefix(), adapter());
     line.append(driveText(hotspare.channelNumber, hotspare.id));
     return line;

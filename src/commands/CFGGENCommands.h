@@ -1,25 +1,26 @@
 #pragma once
 
-#include "commands/CommandGenerator.h"
+#include "commands/ArrayCommands.h"
 
 namespace zolex {
 
 /// Commands of the utilities CFGGEN and CFGGEN1.02.02: one line for each array with its one logical
 /// drive, and one for each hot spare.
-class CFGGENCommands : public CommandGenerator {
+class CFGGENCommands : public ArrayCommands {
   public:
-    using CommandGenerator::CommandGenerator;
+    using ArrayCommands::ArrayCommands;
 
     /// "IS", "IM" or "IME" for RAID 0, 1 and 1E; "ERROR" for any other level code.
     [[nodiscard]] const char* translateRAIDLevelLSI(std::int32_t level) const;
 
   protected:
-    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] const Traces& arrayTraces() const override;
+    [[nodiscard]] const Traces& hotspareTraces() const override;
     [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
     Exit makeHotspares() override;
-    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
+    [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
 
   private:
     /// A drive as the utility of the controller's type names it, and a blank.

@@ -32,8 +32,8 @@ CString CONFCommands::createLine(std::size_t array, std::size_t drive) const {
     if (logical.raidLevel != raid_level::raid1 && logical.raidLevel != raid_level::volume) {
         line.append(formatText("Stripesize %s ", stripeSizeWord(stripeSize(logical, members))));
     }
-    line.append(formatText(" Name ARRAY%d_LOGICAL%d ", static_cast<int>(array),
-                           static_cast<int>(drive)));
+    line.append(
+        formatText(" Name ARRAY%d_LOGICAL%d ", static_cast<int>(array), static_cast<int>(drive)));
     line.append(initText(logical));
     line.append(sizeText(logical));
     line.append(formatText("%s ", raidLevelWord(logical.raidLevel)));
@@ -50,10 +50,9 @@ bool CONFCommands::isQuick(const LogicalDrive& logical) const {
            configuration().init != init_choice::build;
 }
 
-CString CONFCommands::hotspareLine(const Hotspare& hotspare) const {
-    CString line =
-        formatText("%s SETSTATE %d DEVICE %d %d ", prefix(), controller().scanOrder(),
-                   utilityChannel(hotspare.channelNumber), hotspare.id);
+CString CONFCommands::hotspareText(const Hotspare& hotspare) const {
+    CString line = formatText("%s SETSTATE %d DEVICE %d %d ", prefix(), controller().scanOrder(),
+                              utilityChannel(hotspare.channelNumber), hotspare.id);
     line.append(hotspareEnd());
     return line;
 }

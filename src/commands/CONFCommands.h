@@ -1,21 +1,21 @@
 #pragma once
 
-#include "commands/CommandGenerator.h"
+#include "commands/ArrayCommands.h"
 
 namespace zolex {
 
 /// What the utilities ARCCONF and HRCONF have in common: a line that creates the one logical drive
 /// of each array, and a line for each hot spare. Channels are numbered from 0.
-class CONFCommands : public CommandGenerator {
+class CONFCommands : public ArrayCommands {
   public:
-    using CommandGenerator::CommandGenerator;
+    using ArrayCommands::ArrayCommands;
 
   protected:
     static constexpr Exit exitSecondLogicalDrive = 3;
     static constexpr Exit exitListFull = 4;
 
     Exit makeArray(std::size_t array, std::size_t drive) override;
-    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
+    [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
 
     // The pieces in which the utilities differ. Each ends in a blank or is empty.
     /// The stripe-size code that a logical drive of the array is created with.

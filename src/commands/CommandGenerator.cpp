@@ -12,59 +12,18 @@ void CommandGenerator::start(RAIDController& controller, std::int32_t number,
     prefix_ = prefix;
 }
 
-bool CommandGenerator::generate() {
-    return doArraysAndLogicalDrives() && doHotspareDrives();
-}
-
 bool CommandGenerator::doArraysAndLogicalDrives() {
-    printer().trace(traces().enteringArrays);
-    const Exit exit = makeArrays();
+    printer().trace(arrayTraces().entering);
+    return traceExit(arrayTraces(), makeArrays());
+}
+
+bool CommandGenerator::traceExit(const Traces& traces, Exit exit) {
     if (exit != done) {
-        printer().tracef("%s%d)\n", traces().arraysFailed, exit);
+        printer().tracef("%s%d)\n", traces.failed, exit);
         return false;
     }
-    printer().trace(traces().arraysDone);
+    printer().trace(traces.succeeded);
     return true;
-}
-
-bool CommandGenerator::doHotspareDrives() {
-    printer().trace(traces().enteringHotspares);
-    const Exit exit = makeHotspares();
-    if (exit != done) {
-        printer().tracef("%s%d)\n", traces().hotsparesFailed, exit);
-        return false;
-    }
-    printer().trace(traces().hotsparesDone);
-    return true;
-}
-
-CommandGenerator::Exit CommandGenerator::makeArrays() {
-    if (configuration().arrays().empty()) {
-        reportNoArray();
-        return exitNoArray;
-    }
-    replaceStripeSize();
-    for (std::size_t index = 0; index < configuration().arrays().size(); ++index) {
-        const std::optional<std::size_t> drive = findLogicalDrive(index);
-        if (!drive) {
-            reportNoLogicalDrive();
-            return exitNoLogicalDrive;
-        }
-        if (const Exit exit = makeArray(index, *drive); exit != done) {
-            return exit;
-        }
-    }
-    return done;
-}
-
-CommandGenerator::Exit CommandGenerator::makeHotspares() {
-    constexpr Exit exitListFull = 1;
-    for (const Hotspare& hotspare : configuration().hotspares()) {
-        if (!addCommand(hotspareLine(hotspare))) {
-            return exitListFull;
-        }
-    }
-    return done;
 }
 
 bool CommandGenerator::addCommand(const CString& line) {

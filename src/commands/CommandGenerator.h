@@ -14,14 +14,10 @@ class Printer;
 class RAIDController;
 class RAIDConfiguration;
 class RaidArray;
-struct Hotspare;
 struct LogicalDrive;
 
 /// Turns the planned configuration of one controller into the command lines of its utility, and
 /// adds them to the application's generated commands.
-///
-/// The walk over arrays and hot spares is written here once; a generator gives the lines of one
-/// array and the line of one hot spare.
 class CommandGenerator {
   public:
     explicit CommandGenerator(Application& application) : application_(application) {}
@@ -36,7 +32,7 @@ class CommandGenerator {
     /// Called after start, for a controller that has a planned configuration. False after a fault,
     /// which has been reported; lines already added stay. A stripe size of "none" in the
     /// configuration is replaced by the utility's default.
-    virtual bool generate();
+    virtual bool generate() = 0;
 
   protected:
     /// What a step that makes lines answers: done, or the number of the exit that its trace shows.
@@ -45,38 +41,29 @@ class CommandGenerator {
     static constexpr Exit exitNoArray = 1;
     static constexpr Exit exitNoLogicalDrive = 2;
 
-    /// The entry and exit lines of a generator's two operations. The text of a failed exit ends
-    /// before the number of the exit.
+    /// The lines that an operation logs. `failed` ends before the number of the exit.
     struct Traces {
-        const char* enteringArrays;
-        const char* arraysDone;
-        const char* arraysFailed;
-        const char* enteringHotspares;
-        const char* hotsparesDone;
-        const char* hotsparesFailed;
+        const char* entering;
+        const char* succeeded;
+        const char* failed;
     };
-    [[nodiscard]] virtual const Traces& traces() const = 0;
+    [[nodiscard]] virtual const Traces& arrayTraces() const = 0;
+    /// Logs the end of an operation; true for `done`.
+    bool traceExit(const Traces& traces, Exit exit);
 
-    /// The two operations, with their traces.
+    /// The lines of arrays and logical drives, with the operation's traces.
     bool doArraysAndLogicalDrives();
-    bool doHotspareDrives();
+    virtual Exit makeArrays() = 0;
 
     /// Stripe-size code that takes the place of "none"; "none" itself keeps it.
     [[nodiscard]] virtual std::int32_t defaultStripeSize() const = 0;
-    /// The lines of every array, in order.
-    virtual Exit makeArrays();
-    /// The lines of array `array`, whose first logical drive has index `drive`.
-    virtual Exit makeArray(std::size_t array, std::size_t drive) = 0;
-    /// The lines of every hot spare, in order.
-    virtual Exit makeHotspares();
-    [[nodiscard]] virtual CString hotspareLine(const Hotspare& hotspare) const = 0;
+    void replaceStripeSize();
 
     /// Adds a line. False when the list is full, which is reported.
     bool addCommand(const CString& line);
     /// Index of the first logical drive, from index `from` on, that belongs to the array.
     [[nodiscard]] std::optional<std::size_t> findLogicalDrive(std::size_t array,
                                                               std::size_t from = 0) const;
-    void replaceStripeSize();
 
     // The faults that generators share, as error blocks.
     void reportNoArray();

@@ -4,12 +4,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace zolex {
 
 class Application;
 class File;
 class RAIDController;
+
+/// Whether the utility command of type 5 is one of the two whose commands are CFGGEN's: that of
+/// type 10 or "UTIL.BAT CFGGEN1.02.02". Another one is addressed like HRCONF and ARCCONF.
+[[nodiscard]] bool usesCfggenSyntax(std::string_view utility, std::string_view sasUtility);
 
 /// Where the capture and the restore mode take their command lines from.
 class CommandSource {
@@ -30,6 +35,8 @@ class CommandSource {
 
   protected:
     [[nodiscard]] Application& application() const { return application_; }
+    /// Whether the type's utility takes the number of the adapter and CFGGEN's commands.
+    [[nodiscard]] bool takesAdapterNumber(std::int32_t type) const;
 
   private:
     Application& application_;

@@ -5,16 +5,22 @@
 
 namespace zolex {
 
-const CommandGenerator::Traces& HRCommands::traces() const {
-    static constexpr Traces texts = {
+const CommandGenerator::Traces& HRCommands::arrayTraces() const {
+    static constexpr Traces traces = {
         "Entering HRCommands::doArraysAndLogicalDrives\n",
         "Exiting HRCommands::doArraysAndLogicalDrives, returning true\n",
         "Exiting HRCommands::doArraysAndLogicalDrives, returning false(",
+    };
+    return traces;
+}
+
+const CommandGenerator::Traces& HRCommands::hotspareTraces() const {
+    static constexpr Traces traces = {
         "Entering HRCommands::doHotspareDrives\n",
         "Exiting HRCommands::doHotspareDrives, returning true\n",
         "Exiting HRCommands::doHotspareDrives, returning false(",
     };
-    return texts;
+    return traces;
 }
 
 std::int32_t HRCommands::defaultStripeSize() const {

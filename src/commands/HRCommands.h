@@ -10,7 +10,8 @@ class HRCommands : public CONFCommands {
     using CONFCommands::CONFCommands;
 
   protected:
-    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] const Traces& arrayTraces() const override;
+    [[nodiscard]] const Traces& hotspareTraces() const override;
     [[nodiscard]] std::int32_t defaultStripeSize() const override;
     [[nodiscard]] std::int32_t stripeSize(const LogicalDrive& logical,
                                           const RaidArray& members) const override;

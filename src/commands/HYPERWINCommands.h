@@ -12,16 +12,14 @@ class HYPERWINCommands : public CommandGenerator {
     bool generate() override;
 
   protected:
-    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] const Traces& arrayTraces() const override;
     [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
-    Exit makeArray(std::size_t array, std::size_t drive) override;
-    /// The option of a hot spare in the line that creates the logical drive.
-    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
 
   private:
     Exit checkPlan();
-    Exit checkHotspares(std::int32_t raidLevel);
+    Exit checkHotspares(const LogicalDrive& logical);
+    [[nodiscard]] CString createLine(const LogicalDrive& logical) const;
 };
 
 } // namespace zolex

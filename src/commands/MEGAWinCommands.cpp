@@ -35,9 +35,8 @@ constexpr CommandRow noCommand = {raid_level::none, "ERROR", DriveList::none};
 
 const CommandRow& determineCommand(Printer& printer, std::int32_t raidLevel) {
     printer.tracef("Entering MEGAWinCommands::determineCommand, raidLevel=%d\n", raidLevel);
-    const auto row = std::find_if(commandRows.begin(), commandRows.end(), [&](const auto& each) {
-        return each.raidLevel == raidLevel;
-    });
+    const auto row = std::find_if(commandRows.begin(), commandRows.end(),
+                                  [&](const auto& each) { return each.raidLevel == raidLevel; });
     return row != commandRows.end() ? *row : noCommand;
 }
 
@@ -79,16 +78,22 @@ bool MEGAWinCommands::generate() {
     return doArraysAndLogicalDrives();
 }
 
-const CommandGenerator::Traces& MEGAWinCommands::traces() const {
-    static constexpr Traces texts = {
+const CommandGenerator::Traces& MEGAWinCommands::arrayTraces() const {
+    static constexpr Traces traces = {
         "Entering MEGAWinCommands::doArraysAndLogicalDrives\n",
         "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning true\n",
         "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(",
+    };
+    return traces;
+}
+
+const CommandGenerator::Traces& MEGAWinCommands::hotspareTraces() const {
+    static constexpr Traces traces = {
         "Entering MEGAWinCommands::doHotspareDrives\n",
         "Exiting MEGAWinCommands::doHotspareDrives, returning true\n",
         "Exiting MEGAWinCommands::doHotspareDrives, returning false(",
     };
-    return texts;
+    return traces;
 }
 
 std::int32_t MEGAWinCommands::defaultStripeSize() const {
@@ -96,7 +101,7 @@ std::int32_t MEGAWinCommands::defaultStripeSize() const {
 }
 
 CommandGenerator::Exit MEGAWinCommands::makeArrays() {
-    if (const Exit exit = CommandGenerator::makeArrays(); exit != done) {
+    if (const Exit exit = ArrayCommands::makeArrays(); exit != done) {
         return exit;
     }
     if (!doHotspareDrives()) {
@@ -179,7 +184,6 @@ void MEGAWinCommands::appendDrives(const RaidArray& members, std::size_t first, 
 }
 
 CommandGenerator::Exit MEGAWinCommands::makeHotspares() {
-    constexpr Exit exitSparesListFull = 1;
     if (configuration().hotspares().empty()) {
         return done;
     }
@@ -187,14 +191,14 @@ CommandGenerator::Exit MEGAWinCommands::makeHotspares() {
     const char* separator = "";
     for (const Hotspare& hotspare : configuration().hotspares()) {
         line.append(separator);
-        line.append(hotspareLine(hotspare));
+        line.append(hotspareText(hotspare));
         separator = ",";
     }
     line.append(formatText(" ] -a%d", adapter()));
-    return addCommand(line) ? done : exitSparesListFull;
+    return addCommand(line) ? done : exitHotspareListFull;
 }
 
-CString MEGAWinCommands::hotspareLine(const Hotspare& hotspare) const {
+CString MEGAWinCommands::hotspareText(const Hotspare& hotspare) const {
     return formatText("%d:%d", controller().targetId(hotspare.channelNumber, hotspare.id),
                       hotspare.id);
 }

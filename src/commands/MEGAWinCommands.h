@@ -1,14 +1,14 @@
 #pragma once
 
-#include "commands/CommandGenerator.h"
+#include "commands/ArrayCommands.h"
 
 namespace zolex {
 
 /// Commands of the utility MEGACLI: one line for each array with its first logical drive, and one
 /// line for all hot spares.
-class MEGAWinCommands : public CommandGenerator {
+class MEGAWinCommands : public ArrayCommands {
   public:
-    using CommandGenerator::CommandGenerator;
+    using ArrayCommands::ArrayCommands;
     bool generate() override;
 
     /// The drives of an array split into the spans of a spanned RAID level, appended to `list`:
@@ -16,13 +16,14 @@ class MEGAWinCommands : public CommandGenerator {
     bool appendSpans(std::int32_t raidLevel, const RaidArray& members, CString& list) const;
 
   protected:
-    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] const Traces& arrayTraces() const override;
+    [[nodiscard]] const Traces& hotspareTraces() const override;
     [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
     Exit makeHotspares() override;
     /// One hot spare's part of the line.
-    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
+    [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
 
   private:
     void appendDrives(const RaidArray& members, std::size_t first, std::size_t count,

@@ -13,16 +13,22 @@ constexpr int exitListFull = 3;
 
 } // namespace
 
-const CommandGenerator::Traces& QTCSENDCommands::traces() const {
-    static constexpr Traces texts = {
+const CommandGenerator::Traces& QTCSENDCommands::arrayTraces() const {
+    static constexpr Traces traces = {
         "Entering QTCSENDCommands::doArraysAndLogicalDrives\n",
         "Exiting QTCSENDCommands::doArraysAndLogicalDrives, returning true\n",
         "Exiting QTCSENDCommands::doArraysAndLogicalDrives, returning false(",
+    };
+    return traces;
+}
+
+const CommandGenerator::Traces& QTCSENDCommands::hotspareTraces() const {
+    static constexpr Traces traces = {
         "Entering QTCSENDCommands::doHotspareDrives\n",
         "Exiting QTCSENDCommands::doHotspareDrives, returning true\n",
         "Exiting QTCSENDCommands::doHotspareDrives, returning false(",
     };
-    return texts;
+    return traces;
 }
 
 std::int32_t QTCSENDCommands::defaultStripeSize() const {
@@ -62,8 +68,7 @@ CString QTCSENDCommands::laterLine(std::size_t array, std::size_t drive) const {
     const LogicalDrive& logical = logicalDriveAt(drive);
     CString line = formatText("%s CREATE %d LOGICALDRIVE %c ", prefix(), controller().scanOrder(),
                               'A' + static_cast<int>(array));
-    const std::int64_t size =
-        logical.sizeMb == sizeFill ? spaceLeft(array, drive) : logical.sizeMb;
+    const std::int64_t size = logical.sizeMb == sizeFill ? spaceLeft(array, drive) : logical.sizeMb;
     line.append(formatText("%lld ", static_cast<long long>(size)));
     line.append(formatText("%s ", raidLevelWord(logical.raidLevel)));
     line.append("NOPROMPT");
@@ -91,7 +96,7 @@ std::int64_t QTCSENDCommands::spaceLeft(std::size_t array, std::size_t drive) co
     return static_cast<std::int64_t>(std::floor(left + 0.5) + 0.0001);
 }
 
-CString QTCSENDCommands::hotspareLine(const Hotspare& hotspare) const {
+CString QTCSENDCommands::hotspareText(const Hotspare& hotspare) const {
     return formatText("%s SETSTATE %d %d %d HSP", prefix(), controller().scanOrder(),
                       hotspare.channelNumber, hotspare.id);
 }

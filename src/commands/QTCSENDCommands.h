@@ -1,20 +1,21 @@
 #pragma once
 
-#include "commands/CommandGenerator.h"
+#include "commands/ArrayCommands.h"
 
 namespace zolex {
 
 /// Commands of the family utility QTCSEND: one line for each logical drive, of which an array may
 /// have several, and one for each hot spare.
-class QTCSENDCommands : public CommandGenerator {
+class QTCSENDCommands : public ArrayCommands {
   public:
-    using CommandGenerator::CommandGenerator;
+    using ArrayCommands::ArrayCommands;
 
   protected:
-    [[nodiscard]] const Traces& traces() const override;
+    [[nodiscard]] const Traces& arrayTraces() const override;
+    [[nodiscard]] const Traces& hotspareTraces() const override;
     [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
-    [[nodiscard]] CString hotspareLine(const Hotspare& hotspare) const override;
+    [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
 
   private:
     [[nodiscard]] CString firstLine(std::size_t array, const LogicalDrive& logical) const;

@@ -96,7 +96,7 @@ class InventoryReader {
     void readArrays() {
         const CString section = section_ + ".Array";
         const std::int32_t arrays = inventory_.readInteger(section, "Total_Number_Of_Arrays", 0);
-        // A count beyond the lines of the file names only keys that are absent.
+        // However large the count is, no more keys can be present than the file has lines.
         const auto lines = static_cast<std::int64_t>(inventory_.lines().size());
         for (std::int32_t i = 1; i <= arrays && i <= lines; ++i) {
             inventory_.readString(section, formatText("Members.%d", i), "");

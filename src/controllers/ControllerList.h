@@ -13,6 +13,9 @@ class IniFile;
 struct PciDevice;
 struct PciRow;
 
+/// The inventory file that "/fake" reads instead of the hardware.
+inline constexpr const char* inventoryFileName = "contlist.ini";
+
 /// The controllers that a run works on, in a fixed order: slots filled from 0 upward without gaps.
 class ControllerList {
   public:

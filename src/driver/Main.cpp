@@ -12,8 +12,6 @@ namespace zolex {
 
 namespace {
 
-constexpr const char* inventoryFileName = "contlist.ini";
-
 namespace exit_code {
 constexpr int success = 0;
 constexpr int noControllers = 2;

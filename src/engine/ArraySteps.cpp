@@ -94,14 +94,11 @@ class ArrayBuilder {
   public:
     explicit ArrayBuilder(RAIDController& controller) : controller_(controller) {}
 
-    /// False when the array already has 32 drives.
-    bool add(DrivePosition position) {
-        if (!array_.addDrive(position)) {
-            return false;
-        }
+    /// The caller adds at most 32 drives.
+    void add(DrivePosition position) {
+        array_.addDrive(position);
         controller_.setUsed(position.channel, position.id);
         smallest_ = std::min(smallest_, controller_.size(position.channel, position.id));
-        return true;
     }
     [[nodiscard]] std::size_t count() const { return array_.drives().size(); }
     /// The array, with number of drives times smallest size as its capacity.
@@ -156,12 +153,13 @@ RaidArray RAIDConfigCreator::collectLikeDrives(DrivePosition first) {
 
     ArrayBuilder builder(*controller_);
     builder.add(first);
+    // No free drive stands before the first, so the scan may start over.
     for (const DrivePosition position : planningOrder) {
         if (builder.count() >= most || position.channel > lastChannel) {
             break;
         }
-        if (position.channel >= first.channel && isFree(position) &&
-            sizeAt(position) >= size - tolerance && sizeAt(position) <= size + tolerance) {
+        if (isFree(position) && sizeAt(position) >= size - tolerance &&
+            sizeAt(position) <= size + tolerance) {
             builder.add(position);
         }
     }
@@ -200,13 +198,12 @@ bool RAIDConfigCreator::doArrayByNumber(const RaidArray& entry) {
         const std::optional<DrivePosition> position = getDriveNumber(number);
         if (!position) {
             reportMissingDrive(CString::fromInt(number));
-        }
-        done = position && (builder.add(*position) || refuseDriveCount());
-        if (!done) {
+            done = false;
             break;
         }
+        builder.add(*position);
     }
-    done = done && (!entry.overfull || refuseDriveCount()) && addArray(builder.finish());
+    done = done && addListedArray(entry, builder.finish());
     printer().tracef("Exiting RAIDConfigCreator::doArrayByNumber, returning %s\n",
                      resultWord(done));
     return done;
@@ -217,16 +214,14 @@ bool RAIDConfigCreator::doArrayByLocation(const RaidArray& entry) {
     ArrayBuilder builder(*controller_);
     bool done = true;
     for (const DrivePosition position : entry.drives()) {
-        const bool exists = sizeAt(position) >= 1;
-        if (!exists) {
+        if (sizeAt(position) < 1) {
             reportMissingDrive(formatText("%d:%d", position.channel, position.id));
-        }
-        done = exists && (builder.add(position) || refuseDriveCount());
-        if (!done) {
+            done = false;
             break;
         }
+        builder.add(position);
     }
-    done = done && (!entry.overfull || refuseDriveCount()) && addArray(builder.finish());
+    done = done && addListedArray(entry, builder.finish());
     printer().tracef("Exiting RAIDConfigCreator::doArrayByLocation, returning %s\n",
                      resultWord(done));
     return done;
@@ -254,23 +249,25 @@ bool RAIDConfigCreator::addArray(RaidArray array) {
     if (plan_->addArray(std::move(array))) {
         return true;
     }
-    printer().errorBlockf("Error in %s -- %s does not support more than 16 arrays.\n",
-                          policyName(), modelName().c_str());
+    printer().errorBlockf("Error in %s -- %s does not support more than 16 arrays.\n", policyName(),
+                          modelName().c_str());
     application_.returnCode = planning_code::drivesDoNotFit;
     return false;
 }
 
 void RAIDConfigCreator::reportMissingDrive(const CString& drive) {
     printer().errorBlockf(
-        "%s, Array.%c -- The following drive does not exist:  %s\n\t%s controller.\n",
-        policyName(), arrayLetter(plan_->arrays().size()), drive.c_str(), modelName().c_str());
+        "%s, Array.%c -- The following drive does not exist:  %s\n\t%s controller.\n", policyName(),
+        arrayLetter(plan_->arrays().size()), drive.c_str(), modelName().c_str());
     application_.returnCode = planning_code::drivesDoNotFit;
     printer().print("Not enough same size drives to accommodate requested configuration\n",
                     level::shortage);
 }
 
-/// Always false: the array has more drives than a record holds.
-bool RAIDConfigCreator::refuseDriveCount() {
+bool RAIDConfigCreator::addListedArray(const RaidArray& entry, RaidArray array) {
+    if (!entry.tooManyDrives) {
+        return addArray(std::move(array));
+    }
     printer().errorBlockf("Error in %s -- %s does not support more than 32 drives per array.\n",
                           policyName(), modelName().c_str());
     application_.returnCode = planning_code::drivesDoNotFit;
@@ -280,12 +277,11 @@ bool RAIDConfigCreator::refuseDriveCount() {
 std::size_t RAIDConfigCreator::maximumDrivesPerArray(std::int32_t raidLevel) const {
     std::int32_t asked = raidLevel;
     if (asked == raid_level::none) {
-        asked = policy_->logicalDefaults ? policy_->logicalDefaults->raidLevel
-                                         : raid_level::notGiven;
+        asked =
+            policy_->logicalDefaults ? policy_->logicalDefaults->raidLevel : raid_level::notGiven;
     }
-    return asked == raid_level::notGiven
-               ? mostForType(controller_->type(), controller_->subtype())
-               : mostForLevel(asked, controller_->type());
+    return asked == raid_level::notGiven ? mostForType(controller_->type(), controller_->subtype())
+                                         : mostForLevel(asked, controller_->type());
 }
 
 } // namespace zolex

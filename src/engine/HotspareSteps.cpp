@@ -16,8 +16,11 @@ bool RAIDConfigCreator::doHotspares() {
 
 bool RAIDConfigCreator::doAUTOHotspares() {
     printer().trace("Entering RAIDConfigCreator::doAUTOHotspares\n");
+    // A captured layout without hot spares must not get one: a spare taken here could be a drive
+    // that one of its arrays lists.
+    const std::int32_t standing = policy_->isGenerated() ? 0 : defaultHotspareCount();
     const std::int32_t asked = policy_->arrayDefaults.hotspareCount;
-    const std::int32_t count = asked == notGiven ? defaultHotspareCount() : asked;
+    const std::int32_t count = asked == notGiven ? standing : asked;
     bool done = true;
     for (std::int32_t made = 0; done && made < count; ++made) {
         const std::optional<DrivePosition> drive = largestFreeDrive();

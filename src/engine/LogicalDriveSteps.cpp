@@ -51,7 +51,9 @@ bool takesDrives(std::int32_t raidLevel, std::int32_t type, std::size_t drives) 
     return false;
 }
 
-bool isPercentage(std::int32_t sizeMb) { return sizeMb < 0 && sizeMb >= -100; }
+bool isPercentage(std::int32_t sizeMb) {
+    return sizeMb < 0 && sizeMb >= -100;
+}
 
 /// The whole part, kept within the range of a size.
 std::int32_t wholeMb(double mb) {

@@ -38,7 +38,9 @@ inline constexpr std::array<DrivePosition, planningPositions> planningOrder = []
 }();
 
 /// The word that traces show for a result.
-[[nodiscard]] constexpr const char* resultWord(bool result) { return result ? "true" : "false"; }
+[[nodiscard]] constexpr const char* resultWord(bool result) {
+    return result ? "true" : "false";
+}
 
 /// The letter that messages show for an array, 'A' for index 0.
 [[nodiscard]] constexpr char arrayLetter(std::size_t arrayIndex) {

@@ -68,7 +68,9 @@ std::int32_t RAIDConfigCreator::defaultLogicalDriveSize(const RaidArray& /*array
     return sizeFill;
 }
 
-std::int32_t RAIDConfigCreator::defaultRebuildRate() const { return rebuild_rate::high; }
+std::int32_t RAIDConfigCreator::defaultRebuildRate() const {
+    return rebuild_rate::high;
+}
 
 bool RAIDConfigCreator::doStripeSize() {
     printer().trace("Entering RAIDConfigCreator::doStripeSize\n");
@@ -131,7 +133,9 @@ std::int32_t RAIDConfigCreator::sizeAt(DrivePosition position) const {
     return controller_->size(position.channel, position.id);
 }
 
-Printer& RAIDConfigCreator::printer() const { return application_.printer(); }
+Printer& RAIDConfigCreator::printer() const {
+    return application_.printer();
+}
 
 CString RAIDConfigCreator::modelName() const {
     return application_.controllerName(controller_->type(), controller_->subtype());

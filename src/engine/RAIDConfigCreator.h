@@ -79,8 +79,9 @@ class RAIDConfigCreator {
     /// A new array of `first` and the free drives of like size, all marked used.
     [[nodiscard]] RaidArray collectLikeDrives(DrivePosition first);
     bool addArray(RaidArray array);
+    /// Adds the array of a policy's list, unless the list names more drives than an array holds.
+    bool addListedArray(const RaidArray& entry, RaidArray array);
     void reportMissingDrive(const CString& drive);
-    bool refuseDriveCount();
 
     bool doAUTOLogicalDrives();
     bool doCUSTOMLogicalDrives();

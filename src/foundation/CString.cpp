@@ -14,8 +14,20 @@
 
 namespace zolex {
 
+namespace {
+
+/// What a zero-terminated string can hold of `text`: the bytes before its first NUL.
+std::string_view beforeTerminator(std::string_view text) {
+    return text.substr(0, text.find('\0'));
+}
+
+} // namespace
+
 std::unique_ptr<char[]> CString::allocate(std::size_t length) {
-    std::unique_ptr<char[]> buffer(new (std::nothrow) char[length + 1]);
+    std::unique_ptr<char[]> buffer;
+    if (length < std::numeric_limits<std::size_t>::max()) {
+        buffer.reset(new (std::nothrow) char[length + 1]);
+    }
     if (!buffer) {
         reportError(ReportMode::endProcess, ReportCategory::memoryAllocation,
                     "CString::CreateCharString");
@@ -25,6 +37,7 @@ std::unique_ptr<char[]> CString::allocate(std::size_t length) {
 }
 
 void CString::assign(std::string_view text) {
+    text = beforeTerminator(text);
     // The text may be part of this string: the old buffer stays until the new one is filled.
     auto buffer = allocate(text.size());
     std::copy(text.begin(), text.end(), buffer.get());
@@ -49,6 +62,9 @@ CString::CString(const std::string& text) {
 }
 
 CString::CString(char character, std::size_t count) {
+    if (character == '\0') {
+        return;
+    }
     text_ = allocate(count);
     std::fill_n(text_.get(), count, character);
     text_[count] = '\0';
@@ -69,7 +85,7 @@ CString::CString(const char16_t* wide, std::size_t length) {
     std::transform(wide, wide + length, text_.get(),
                    [](char16_t c) { return static_cast<char>(static_cast<unsigned char>(c)); });
     text_[length] = '\0';
-    length_ = length;
+    length_ = std::strlen(text_.get());
 }
 
 CString::CString(const CString& other) : error_(other.error_) {
@@ -139,6 +155,7 @@ std::uint32_t CString::toUnsigned() const noexcept {
 }
 
 CString& CString::append(std::string_view text) {
+    text = beforeTerminator(text);
     auto buffer = allocate(length_ + text.size());
     std::copy_n(c_str(), length_, buffer.get());
     std::copy(text.begin(), text.end(), buffer.get() + length_);
@@ -159,6 +176,9 @@ CString& CString::prepend(std::string_view text) {
 
 CString CString::concatenate(std::string_view first, std::string_view second,
                              std::string_view third) {
+    first = beforeTerminator(first);
+    second = beforeTerminator(second);
+    third = beforeTerminator(third);
     CString result;
     result.length_ = first.size() + second.size() + third.size();
     result.text_ = allocate(result.length_);
@@ -294,8 +314,9 @@ CString formatTextV(const char* format, std::va_list values) {
     if (n >= 0 && static_cast<std::size_t>(n) < sizeof buffer) {
         result = CString(std::string_view(buffer, static_cast<std::size_t>(n)));
     } else if (n >= 0) {
-        result = CString('\0', static_cast<std::size_t>(n));
+        result.text_ = CString::allocate(static_cast<std::size_t>(n));
         std::vsnprintf(result.text_.get(), static_cast<std::size_t>(n) + 1, format, again);
+        result.length_ = std::strlen(result.c_str());
     }
     va_end(again);
     return result;

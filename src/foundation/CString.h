@@ -17,7 +17,8 @@ class CString;
 CString formatTextV(const char* format, std::va_list values);
 
 /// Narrow-character string with value semantics: heap-held, zero-terminated bytes, or no buffer at
-/// all. A string without a buffer and "" behave alike in every comparison and query.
+/// all. A string without a buffer and "" behave alike in every comparison and query. A NUL ends a
+/// text: of a view that holds one, the bytes before it are taken.
 ///
 /// Allocating the text is the one point of failure: it reports "Memory Allocation Error" on
 /// standard error and ends the process with exit code 1. Positions are bytes from 0; a position or

@@ -58,10 +58,12 @@ void IniFile::writeBack() {
 }
 
 bool IniFile::addLine(const CString& text) {
+    const std::size_t number = lines_.size();
     try {
         lines_.push_back(text.trim());
-        indexLine(lines_.size() - 1);
+        indexLine(number);
     } catch (const std::bad_alloc&) {
+        lines_.resize(number); // a line is held and found, or neither
         reportError(ReportMode::goOn, ReportCategory::memoryAllocation, "IniFile.AddLine()");
         return false;
     }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <tuple>
 
 namespace zolex {
@@ -74,7 +75,9 @@ void readHardwareId(std::string_view id, HardwareIdFields& fields) {
     }
 }
 
-std::uint16_t low16(std::uint32_t value) { return static_cast<std::uint16_t>(value & 0xFFFFU); }
+std::uint16_t low16(std::uint32_t value) {
+    return static_cast<std::uint16_t>(value & 0xFFFFU);
+}
 
 /// One number of a location: its value, and which placeholder it was written as (0: a number).
 struct LocationNumber {
@@ -183,7 +186,9 @@ const PciDevice* PCI_DevList_VC::next() {
     return nullptr;
 }
 
-void PCI_DevList_VC::reset() { complain(); }
+void PCI_DevList_VC::reset() {
+    complain();
+}
 
 std::size_t PCI_DevList_VC::count() {
     complain();

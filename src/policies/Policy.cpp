@@ -13,7 +13,9 @@ bool holds(const CString& wanted, const CString& actual) {
     return wanted.isEmpty() || text::equalsNoCase(wanted, actual);
 }
 
-bool holds(std::int32_t wanted, std::int32_t actual) { return wanted <= 0 || wanted == actual; }
+bool holds(std::int32_t wanted, std::int32_t actual) {
+    return wanted <= 0 || wanted == actual;
+}
 
 } // namespace
 
@@ -28,8 +30,13 @@ bool AppliesTo::matches(const MatchValues& values) const {
     }
     return holds(machineType, values.machineType) && holds(serialNumber, values.serialNumber) &&
            holds(controllerType, values.controllerType) &&
-           holds(controllerNumber, values.controllerNumber) &&
-           holds(scanOrder, values.scanOrder) && holds(numberOfDrives, values.numberOfDrives);
+           holds(controllerNumber, values.controllerNumber) && holds(scanOrder, values.scanOrder) &&
+           holds(numberOfDrives, values.numberOfDrives);
+}
+
+bool Policy::isGenerated() const {
+    const std::string_view prefix = generatedPolicyPrefix;
+    return text::equalsNoCase(name.view().substr(0, prefix.size()), prefix);
 }
 
 bool PolicyList::add(Policy policy) {

@@ -54,6 +54,9 @@ struct LogicalSpecification {
     std::int32_t writeCache = write_cache::notGiven;
 };
 
+/// How the names of captured policies begin.
+inline constexpr const char* generatedPolicyPrefix = "Policy.AUTO-";
+
 /// One validated policy.
 struct Policy {
     static constexpr std::size_t maxAppliesTo = 15;
@@ -63,6 +66,10 @@ struct Policy {
 
     CString name;
     std::vector<AppliesTo> appliesTo;
+
+    /// Whether the policy bears the name of a captured one (letter case ignored). Such a policy
+    /// lists all that its controller had: without `Hotspares` the controller had none.
+    [[nodiscard]] bool isGenerated() const;
 
     // Accepted texts as they were read; empty when absent.
     CString rebuildRate;

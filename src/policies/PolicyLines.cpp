@@ -45,8 +45,7 @@ bool PolicyLines::next(std::string_view& line) {
 bool PolicyLines::nextMeaningful(std::string_view& line) {
     while (next(line)) {
         const std::string_view body = withoutLeadingSpaces(line);
-        const bool skipped =
-            body.empty() || body[0] == ';' || body[0] == '\n' || body[0] == '\r';
+        const bool skipped = body.empty() || body[0] == ';' || body[0] == '\n' || body[0] == '\r';
         if (!skipped) {
             return true;
         }

@@ -15,7 +15,7 @@
 namespace zolex {
 
 struct PolicyReader::State {
-    explicit State(Application& application) : application(application) {}
+    explicit State(Application& owner) : application(owner) {}
 
     Application& application;
     std::vector<PolicySection> sections; ///< what the latest scan found

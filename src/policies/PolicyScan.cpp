@@ -21,7 +21,7 @@ bool isNameCharacter(char c) noexcept {
 }
 
 /// A keyword that equals an earlier one of the section, in the earlier spelling; null without one.
-const CString* findRepeated(const std::vector<PolicyEntry>& entries) {
+const std::string* findRepeated(const std::vector<PolicyEntry>& entries) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
         for (std::size_t k = i + 1; k < entries.size(); ++k) {
             if (text::equalsNoCase(entries[i].keyword, entries[k].keyword)) {
@@ -121,7 +121,7 @@ bool PolicyScan::readEntries(PolicySection& section) {
         if (!section.addEntry(line_)) {
             return failAtLine(" -- Line not in keyword = value format:  ", line_, {});
         }
-        const CString& keyword = section.entries.back().keyword;
+        const std::string& keyword = section.entries.back().keyword;
         if (!keyword::isValid(keyword)) {
             return failAtLine(" -- Invalid keyword:  ", keyword, "\n");
         }
@@ -130,20 +130,22 @@ bool PolicyScan::readEntries(PolicySection& section) {
 }
 
 bool PolicyScan::checkKeywords(const PolicySection& section) {
-    if (const CString* repeated = findRepeated(section.entries)) {
-        return fail(CString::concatenate(section.name, " -- Duplicate keywords found:  ", *repeated));
+    if (const std::string* repeated = findRepeated(section.entries)) {
+        return fail(
+            CString::concatenate(section.name, " -- Duplicate keywords found:  ", *repeated));
     }
-    const bool applies = std::any_of(
-        section.entries.begin(), section.entries.end(),
-        [](const PolicyEntry& entry) { return entry.keyword.equalsNoCase("AppliesTo.1"); });
-    return applies || fail(CString::concatenate(section.name,
-                                                " -- Each policy must have an AppliesTo.1"));
+    const bool applies =
+        std::any_of(section.entries.begin(), section.entries.end(), [](const PolicyEntry& entry) {
+            return text::equalsNoCase(entry.keyword, "AppliesTo.1");
+        });
+    return applies ||
+           fail(CString::concatenate(section.name, " -- Each policy must have an AppliesTo.1"));
 }
 
 bool PolicyScan::isNewName(std::string_view name) const {
-    return std::none_of(
-        sections_.begin(), sections_.end(),
-        [name](const PolicySection& section) { return section.name.equalsNoCase(name); });
+    return std::none_of(sections_.begin(), sections_.end(), [name](const PolicySection& section) {
+        return section.name.equalsNoCase(name);
+    });
 }
 
 bool PolicyScan::failAtLine(std::string_view head, std::string_view value, std::string_view tail) {

@@ -9,7 +9,8 @@ bool PolicySection::addEntry(std::string_view line) {
     if (equals == std::string_view::npos) {
         return false;
     }
-    entries.push_back({text::trim(line.substr(0, equals)), text::trim(line.substr(equals + 1))});
+    entries.push_back({std::string(text::trim(line.substr(0, equals))),
+                       std::string(text::trim(line.substr(equals + 1)))});
     return true;
 }
 

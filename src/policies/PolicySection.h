@@ -3,6 +3,7 @@
 #include "foundation/CString.h"
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,10 +12,11 @@ namespace zolex {
 /// What a look-up gives for a keyword that a policy does not have.
 inline constexpr const char* absentKeyword = "^~";
 
-/// One "keyword = value" line, both trimmed of blanks, tabs and newlines.
+/// One "keyword = value" line, both trimmed of blanks, tabs and newlines. They hold every byte of
+/// the file, zeros too, so that none is overlooked.
 struct PolicyEntry {
-    CString keyword;
-    CString value;
+    std::string keyword;
+    std::string value;
 };
 
 /// One policy as it stands in the file.

@@ -5,6 +5,7 @@
 #include "policies/PolicyKeywords.h"
 #include "policies/PolicyValues.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -33,7 +34,7 @@ struct PolicyValidator::WordRow {
     const char* keyword;
     std::span<const std::string_view> words;
     const char* hint;
-    CString Policy::* value; ///< where the text as read goes
+    CString Policy::*value; ///< where the text as read goes
 };
 
 std::optional<Policy> PolicyValidator::validate() {
@@ -137,11 +138,25 @@ bool PolicyValidator::readSpecifier(std::string_view keyword, std::string_view s
                                    entry.numberOfDrives);
     case 't':
         entry.controllerType = value;
-        return application_.catalogue().isValidControllerName(entry.controllerType) ||
+        return isControllerType(value) ||
                fail(keyword, " -- Invalid controller type:  ", value, {});
     default:
         return fail(keyword, " -- Invalid specifier:  ", specifier, {});
     }
+}
+
+/// Names that were found valid are kept: a policy may name a type very often.
+bool PolicyValidator::isControllerType(std::string_view name) {
+    const auto known = [name](const CString& type) { return type == name; };
+    if (std::any_of(validTypes_.begin(), validTypes_.end(), known)) {
+        return true;
+    }
+    CString type = name;
+    if (type != name || !application_.catalogue().isValidControllerName(type)) {
+        return false;
+    }
+    validTypes_.push_back(std::move(type));
+    return true;
 }
 
 bool PolicyValidator::readSpecifierNumber(std::string_view keyword, std::string_view head,
@@ -264,9 +279,8 @@ bool PolicyValidator::readLogicalDefaults() {
     }
     const auto fields = policy_value::split(*value, ':');
     if (fields.size() != 2 && fields.size() != 3) {
-        return fail(
-            keyword::logicalDefaults, " -- Invalid format:  ", *value,
-            "\tValid format is:  size:raidlevel(:writecmode).  Example: 4096:0:AUTO.\n");
+        return fail(keyword::logicalDefaults, " -- Invalid format:  ", *value,
+                    "\tValid format is:  size:raidlevel(:writecmode).  Example: 4096:0:AUTO.\n");
     }
     LogicalSpecification defaults;
     if (!readSpecification(keyword::logicalDefaults, fields, defaults)) {
@@ -311,8 +325,8 @@ bool PolicyValidator::readLogicalDrive(std::string_view keyword, std::string_vie
         return false;
     }
     if (sharesArrayWith5E(drive)) {
-        return fail(keyword,
-                    " -- RAID levels 5E and 5EE only permit one logical drive per array.", {}, {});
+        return fail(keyword, " -- RAID levels 5E and 5EE only permit one logical drive per array.",
+                    {}, {});
     }
     if (afterGap) {
         return fail(keyword, " -- Logical drives must be specified in sequential order.", {},

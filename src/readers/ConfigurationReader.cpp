@@ -15,18 +15,24 @@ std::string_view cutAtStringEnd(std::string_view line) {
     return line.substr(0, line.find_first_of(stringEnds));
 }
 
-} // namespace
-
-std::string_view ConfigurationReader::nextLine() {
-    if (!output_) {
-        return endOfOutput;
-    }
-    const std::string_view piece = output_->nextPiece(capturedLineLimit);
+/// The line that a piece of at most `capturedLineLimit` bytes of the output makes.
+std::string_view lineOf(std::string_view piece) {
     if (!piece.empty() && piece.back() == '\n') {
         return cutAtStringEnd(piece.substr(0, piece.size() - 1));
     }
     // A full piece is a line of its own; anything shorter is a last line that never ended.
     return piece.size() == capturedLineLimit ? cutAtStringEnd(piece) : endOfOutput;
+}
+
+} // namespace
+
+std::string_view ConfigurationReader::nextLine() {
+    if (!output_ || ended_) {
+        return endOfOutput;
+    }
+    const std::string_view line = lineOf(output_->nextPiece(capturedLineLimit));
+    ended_ = line == endOfOutput;
+    return line;
 }
 
 std::string_view ConfigurationReader::skipTo(std::string_view wanted) {
@@ -44,7 +50,7 @@ void ConfigurationReader::beginController(RAIDController& controller) {
 
 bool ConfigurationReader::addArray(RAIDConfiguration& configuration, RaidArray array) {
     const bool added = configuration.addArray(std::move(array));
-    if (!added && isFirst(arrays)) {
+    if (!added && isFirst(Limit::arrays)) {
         application_.printer().errorBlockf(
             "Controller %s has more than 16 arrays; the rest is not captured.\n",
             modelName().c_str());
@@ -54,7 +60,7 @@ bool ConfigurationReader::addArray(RAIDConfiguration& configuration, RaidArray a
 
 bool ConfigurationReader::addLogicalDrive(RAIDConfiguration& configuration, LogicalDrive drive) {
     const bool added = configuration.addLogicalDrive(std::move(drive));
-    if (!added && isFirst(logicalDrives)) {
+    if (!added && isFirst(Limit::logicalDrives)) {
         application_.printer().errorBlockf(
             "Controller %s has more than 8 logical drives; the rest is not captured.\n",
             modelName().c_str());
@@ -64,7 +70,7 @@ bool ConfigurationReader::addLogicalDrive(RAIDConfiguration& configuration, Logi
 
 bool ConfigurationReader::addHotspare(RAIDConfiguration& configuration, Hotspare hotspare) {
     const bool added = configuration.addHotspare(hotspare);
-    if (!added && isFirst(hotspares)) {
+    if (!added && isFirst(Limit::hotspares)) {
         application_.printer().errorBlockf(
             "Controller %s has more than 8 hot-spare drives; the rest is not captured.\n",
             modelName().c_str());
@@ -73,8 +79,15 @@ bool ConfigurationReader::addHotspare(RAIDConfiguration& configuration, Hotspare
 }
 
 bool ConfigurationReader::addMember(RaidArray& array, DrivePosition position) {
-    const bool added = array.addDrive(position);
-    if (!added && isFirst(members)) {
+    return keepsMember(array.addDrive(position));
+}
+
+bool ConfigurationReader::addMemberNumber(RaidArray& array, std::int32_t driveNumber) {
+    return keepsMember(array.addDriveNumber(driveNumber));
+}
+
+bool ConfigurationReader::keepsMember(bool added) {
+    if (!added && isFirst(Limit::members)) {
         application_.printer().errorBlockf(
             "Controller %s has more than 32 drives in an array; the rest is not captured.\n",
             modelName().c_str());
@@ -93,8 +106,9 @@ bool ConfigurationReader::checkPosition(std::int32_t channel, std::int32_t id) {
 }
 
 bool ConfigurationReader::isFirst(Limit limit) {
-    const bool first = (reportedLimits_ & limit) == 0;
-    reportedLimits_ |= limit;
+    const auto bit = static_cast<unsigned>(limit);
+    const bool first = (reportedLimits_ & bit) == 0;
+    reportedLimits_ |= bit;
     return first;
 }
 

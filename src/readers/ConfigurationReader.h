@@ -32,10 +32,14 @@ class ConfigurationReader {
     [[nodiscard]] Application& application() const { return application_; }
 
     /// Makes `output` the one that lines are read from; null reads as empty.
-    void setOutput(std::shared_ptr<CapturedOutput> output) { output_ = std::move(output); }
+    void setOutput(std::shared_ptr<CapturedOutput> output) {
+        output_ = std::move(output);
+        ended_ = false;
+    }
     [[nodiscard]] bool hasOutput() const { return output_ != nullptr; }
     /// The next line, without its line end, or "EOF". At most 198 bytes; a longer line goes on as
-    /// the next. An unterminated last line is lost. Valid while the output is.
+    /// the next. An unterminated last line is lost. Nothing follows "EOF". Valid while the output
+    /// is.
     virtual std::string_view nextLine();
     /// Reads until a line equals `wanted` or "EOF", and returns it.
     std::string_view skipTo(std::string_view wanted);
@@ -47,6 +51,7 @@ class ConfigurationReader {
     bool addLogicalDrive(RAIDConfiguration& configuration, LogicalDrive drive);
     bool addHotspare(RAIDConfiguration& configuration, Hotspare hotspare);
     bool addMember(RaidArray& array, DrivePosition position);
+    bool addMemberNumber(RaidArray& array, std::int32_t driveNumber);
     /// Whether the position is one that drives can have; if not it is named in an error block.
     bool checkPosition(std::int32_t channel, std::int32_t id);
 
@@ -55,14 +60,16 @@ class ConfigurationReader {
     [[nodiscard]] RAIDController& controller() const { return *controller_; }
 
   private:
-    enum Limit : unsigned { arrays = 1, logicalDrives = 2, members = 4, hotspares = 8 };
+    enum class Limit : unsigned { arrays = 1, logicalDrives = 2, members = 4, hotspares = 8 };
     /// Whether the limit is met for the first time on this controller.
     bool isFirst(Limit limit);
+    bool keepsMember(bool added);
     [[nodiscard]] CString modelName() const;
 
     Application& application_;
     RAIDController* controller_ = nullptr;
     std::shared_ptr<CapturedOutput> output_;
+    bool ended_ = false;
     unsigned reportedLimits_ = 0;
 };
 

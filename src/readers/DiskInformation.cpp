@@ -45,8 +45,7 @@ bool DiskInformation::readController(RAIDController& controller, std::int32_t nu
         printer.trace("Exiting DiskInformation::readDiskInformation(1)\n");
         return false;
     }
-    printer.trace(entry->creationTrace);
-    std::unique_ptr<ConfigurationReader> reader = entry->create(application_);
+    std::unique_ptr<ConfigurationReader> reader = createReader(*entry);
     if (!reader) {
         printer.errorBlockf("Could not read a config file for the following controller:  %s",
                             name.c_str());
@@ -58,6 +57,11 @@ bool DiskInformation::readController(RAIDController& controller, std::int32_t nu
         return false;
     }
     return true;
+}
+
+std::unique_ptr<ConfigurationReader> DiskInformation::createReader(const ReaderEntry& entry) {
+    application_.printer().trace(entry.creationTrace);
+    return entry.create(application_);
 }
 
 bool DiskInformation::parseDiskInfo(std::unique_ptr<ConfigurationReader> reader,

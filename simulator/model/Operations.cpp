@@ -1,0 +1,161 @@
+#include "model/Operations.h"
+
+#include "model/Text.h"
+
+#include <algorithm>
+#include <set>
+
+namespace zolex_sim {
+namespace {
+
+Refusal refusal(RefusalKind kind, std::string reason) {
+    return {kind, std::move(reason)};
+}
+
+std::optional<Refusal> checkFree(const Controller& controller,
+                                 const std::vector<std::vector<DriveLocation>>& groups) {
+    std::set<DriveLocation> named;
+    for (const std::vector<DriveLocation>& group : groups) {
+        for (const DriveLocation& location : group) {
+            const Drive* drive = controller.driveAt(location);
+            if (drive == nullptr) {
+                return refusal(RefusalKind::driveNotFound,
+                               "There is no physical disk at " + toText(location) + ".");
+            }
+            if (!named.insert(location).second) {
+                return refusal(RefusalKind::driveNamedTwice,
+                               "The physical disk at " + toText(location) + " is named twice.");
+            }
+            if (drive->status != DriveStatus::good) {
+                return refusal(RefusalKind::driveNotFree,
+                               "The physical disk at " + toText(location) + " is not free: it is " +
+                                   std::string(statusWord(drive->status)) + ".");
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Refusal> checkSpanCount(const Controller& controller, const LevelRules& rules,
+                                      std::size_t spans) {
+    const std::size_t most =
+        rules.spanned ? static_cast<std::size_t>(controller.identity.maxSpans) : 1;
+    const std::size_t least = rules.spanned ? 2 : 1;
+    if (spans < least || spans > most) {
+        return refusal(RefusalKind::wrongDriveCount,
+                       formatted("%s takes %zu to %zu spans, not %zu.",
+                                 std::string(rules.name).c_str(), least, most, spans));
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Refusal> checkShape(const Controller& controller, RaidLevel level,
+                                  const std::vector<std::vector<DriveLocation>>& spans) {
+    const LevelRules& rules = rulesOf(level);
+    const std::string name(rules.name);
+    if (!controller.supports(level)) {
+        return refusal(RefusalKind::levelUnsupported,
+                       name + " is not supported by this controller.");
+    }
+    if (std::optional<Refusal> refused = checkSpanCount(controller, rules, spans.size())) {
+        return refused;
+    }
+    const int most = rules.maxDrives > 0 ? rules.maxDrives : controller.identity.maxDrivesPerSpan;
+    for (const std::vector<DriveLocation>& span : spans) {
+        if (span.size() < static_cast<std::size_t>(rules.minDrives) ||
+            span.size() > static_cast<std::size_t>(most)) {
+            return refusal(RefusalKind::wrongDriveCount,
+                           formatted("%s takes %d to %d physical disks in a span, not %zu.",
+                                     name.c_str(), rules.minDrives, most, span.size()));
+        }
+        if (span.size() != spans.front().size()) {
+            return refusal(RefusalKind::wrongDriveCount,
+                           "All spans must hold the same number of physical disks.");
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Refusal> checkStripe(const Controller& controller, int stripeKb) {
+    const ControllerIdentity& identity = controller.identity;
+    const bool powerOfTwo = stripeKb > 0 && (stripeKb & (stripeKb - 1)) == 0;
+    if (!powerOfTwo || stripeKb < identity.minStripeKb || stripeKb > identity.maxStripeKb) {
+        return refusal(RefusalKind::badStripe,
+                       formatted("A stripe size of %d kB is not supported.", stripeKb));
+    }
+    return std::nullopt;
+}
+
+std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogicalDrive& request) {
+    const ControllerIdentity& identity = controller.identity;
+    if (std::optional<Refusal> refused = checkFree(controller, request.spans)) {
+        return refused;
+    }
+    if (std::optional<Refusal> refused = checkShape(controller, request.level, request.spans)) {
+        return refused;
+    }
+    const int stripeKb = request.stripeKb.value_or(identity.defaultStripeKb);
+    if (std::optional<Refusal> refused = checkStripe(controller, stripeKb)) {
+        return refused;
+    }
+    const std::int64_t capacity = controller.capacity(request.level, request.spans);
+    const std::int64_t sizeMb = request.sizeMb.value_or(capacity);
+    if (sizeMb < 1 || sizeMb > capacity) {
+        return refusal(RefusalKind::badSize,
+                       formatted("A size of %lld MB does not fit: the array has room for %lld MB.",
+                                 static_cast<long long>(sizeMb), static_cast<long long>(capacity)));
+    }
+    if (controller.logicalDrives.size() >= static_cast<std::size_t>(identity.maxLogicalDrives)) {
+        return refusal(RefusalKind::tooMany, formatted("The controller takes no more than %d "
+                                                       "virtual disks.",
+                                                       identity.maxLogicalDrives));
+    }
+    for (const std::vector<DriveLocation>& span : request.spans) {
+        for (const DriveLocation& location : span) {
+            controller.driveAt(location)->status = DriveStatus::online;
+        }
+    }
+    controller.logicalDrives.push_back({controller.arrays.size(), request.level, sizeMb, stripeKb,
+                                        request.writePolicy.value_or(identity.defaultWritePolicy),
+                                        request.readPolicy.value_or(identity.defaultReadPolicy),
+                                        request.name});
+    controller.arrays.push_back({request.spans});
+    return std::nullopt;
+}
+
+std::optional<Refusal> addSpares(Controller& controller,
+                                 const std::vector<DriveLocation>& locations) {
+    if (std::optional<Refusal> refused = checkFree(controller, {locations})) {
+        return refused;
+    }
+    for (const DriveLocation& location : locations) {
+        controller.driveAt(location)->status = DriveStatus::hotspare;
+    }
+    return std::nullopt;
+}
+
+void clearConfiguration(Controller& controller) {
+    controller.logicalDrives.clear();
+    controller.arrays.clear();
+    for (Drive& drive : controller.drives) {
+        if (drive.status == DriveStatus::online || drive.status == DriveStatus::rebuild ||
+            drive.status == DriveStatus::hotspare) {
+            drive.status = DriveStatus::good;
+        }
+    }
+}
+
+std::size_t clearForeign(Controller& controller) {
+    std::size_t cleared = 0;
+    for (Drive& drive : controller.drives) {
+        if (drive.status == DriveStatus::foreign) {
+            drive.status = DriveStatus::good;
+            ++cleared;
+        }
+    }
+    return cleared;
+}
+
+} // namespace zolex_sim

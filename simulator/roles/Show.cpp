@@ -1,0 +1,65 @@
+#include "model/Text.h"
+#include "roles/Roles.h"
+
+namespace zolex_sim {
+namespace {
+
+std::string controllerLine(const Controller& controller, std::size_t number) {
+    const PciFunction& pci = controller.identity.pci;
+    return formatted("\nController %zu: %s, %s, PCI %d:%d:%d %04X:%04X:%04X:%04X\n", number,
+                     controller.identity.model.c_str(), controller.identity.utility.c_str(),
+                     pci.bus, pci.device, pci.function, pci.vendorId, pci.deviceId,
+                     pci.subsystemVendorId, pci.subsystemId);
+}
+
+std::string driveLine(const Drive& drive) {
+    return formatted("  drive %-8s %10lld MB  %-4s %-20s %s\n", toText(drive.location).c_str(),
+                     static_cast<long long>(drive.sizeMb), drive.interface.c_str(),
+                     drive.serial.c_str(), std::string(statusWord(drive.status)).c_str());
+}
+
+std::string arrayLine(const Controller& controller, std::size_t number) {
+    std::string text = formatted("  array %zu:", number);
+    for (const std::vector<DriveLocation>& span : controller.arrays[number].spans) {
+        std::vector<std::string> members;
+        for (const DriveLocation& location : span) {
+            members.push_back(toText(location));
+        }
+        text += " [" + join(members, ",") + "]";
+    }
+    return text + "\n";
+}
+
+std::string logicalDriveLine(const LogicalDrive& drive, std::size_t number) {
+    return formatted("  logical drive %zu: array %zu, %s, %lld MB, stripe %d KB, %s, %s\n", number,
+                     drive.array, std::string(rulesOf(drive.level).name).c_str(),
+                     static_cast<long long>(drive.sizeMb), drive.stripeKb,
+                     std::string(policyWord(drive.writePolicy)).c_str(),
+                     std::string(policyWord(drive.readPolicy)).c_str());
+}
+
+} // namespace
+
+PlayResult showServer(Server& server, const std::vector<std::string>& arguments) {
+    if (!arguments.empty()) {
+        return {1, "Usage: zolex-sim show\n"};
+    }
+    std::string text = formatted("Machine type %s, serial number %s\n", server.machineType.c_str(),
+                                 server.serialNumber.c_str());
+    std::size_t number = 1;
+    for (const Controller* controller : server.controllersInPciOrder()) {
+        text += controllerLine(*controller, number++);
+        for (const Drive& drive : controller->drives) {
+            text += driveLine(drive);
+        }
+        for (std::size_t i = 0; i < controller->arrays.size(); ++i) {
+            text += arrayLine(*controller, i);
+        }
+        for (std::size_t i = 0; i < controller->logicalDrives.size(); ++i) {
+            text += logicalDriveLine(controller->logicalDrives[i], i);
+        }
+    }
+    return {0, text};
+}
+
+} // namespace zolex_sim

@@ -1,0 +1,236 @@
+#include "setup/Init.h"
+
+#include "model/AtomicFile.h"
+#include "model/Definition.h"
+#include "model/ServerFolder.h"
+#include "model/State.h"
+#include "model/Text.h"
+#include "setup/Samples.h"
+#include "setup/ServerFiles.h"
+
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <system_error>
+
+namespace zolex_sim {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view usage =
+    "Usage: zolex-sim init DIR [--definition FILE | --sample NAME]\n";
+
+/// What the command line of "init" asks for.
+struct Request {
+    fs::path folder;
+    std::string origin; ///< of the definition, for messages
+    std::string definition;
+};
+
+std::optional<Request> readRequest(const std::vector<std::string>& arguments, std::ostream& error) {
+    const bool plain = arguments.size() == 1;
+    if ((!plain && arguments.size() != 3) || arguments.front().empty()) {
+        error << usage << sampleList();
+        return std::nullopt;
+    }
+    Request request;
+    request.folder = arguments.front();
+    if (!plain && arguments[1] == "--definition") {
+        const std::optional<std::string> text = readFile(arguments[2], ServerFolder::maxFileSize);
+        if (!text) {
+            error << "zolex-sim: cannot read the definition file " << arguments[2] << "\n";
+            return std::nullopt;
+        }
+        request.origin = "definition file " + arguments[2];
+        request.definition = *text;
+        return request;
+    }
+    if (!plain && arguments[1] != "--sample") {
+        error << usage << sampleList();
+        return std::nullopt;
+    }
+    const Sample* sample = plain ? &samples().front() : sampleNamed(arguments[2]);
+    if (sample == nullptr) {
+        error << "zolex-sim: there is no sample " << arguments[2] << "\n" << sampleList();
+        return std::nullopt;
+    }
+    request.origin = "sample " + std::string(sample->name);
+    request.definition = sample->definition;
+    return request;
+}
+
+/// Writes the folder of one server.
+class FolderWriter {
+  public:
+    FolderWriter(fs::path folder, fs::path program, Target target)
+        : folder_(std::move(folder)), program_(std::move(program)), target_(target) {}
+
+    /// False at the first thing that could not be written; see failure().
+    bool write(const Server& server, std::string_view definition) {
+        return prepare() && writeFiles(server, definition) && placePrograms();
+    }
+
+    /// What could not be done.
+    [[nodiscard]] const std::string& failure() const { return failure_; }
+
+  private:
+    bool fail(const std::string& what, const fs::path& path) {
+        failure_ = what + " " + path.string();
+        return false;
+    }
+
+    /// Makes the folder and takes the PCI tree of an earlier server away. A folder "pci" that is
+    /// not such a tree stays untouched.
+    bool prepare() {
+        std::error_code error;
+        fs::create_directories(folder_, error);
+        if (!fs::is_directory(folder_, error)) {
+            return fail("cannot make the folder", folder_);
+        }
+        const fs::path pci = folder_ / "pci";
+        if (!fs::exists(pci, error)) {
+            return true;
+        }
+        if (!fs::exists(folder_ / "server.json", error)) {
+            return fail("this is not a server's folder, but it has a folder", pci);
+        }
+        fs::remove_all(pci, error);
+        return error ? fail("cannot remove", pci) : true;
+    }
+
+    bool writeFile(const ServerFile& file) {
+        const fs::path path = folder_ / file.name;
+        std::error_code error;
+        fs::create_directories(path.parent_path(), error);
+        if (!replaceFile(path, file.content)) {
+            return fail("cannot write", path);
+        }
+        if (file.executable) {
+            fs::permissions(path,
+                            fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
+                                fs::perms::others_read | fs::perms::others_exec,
+                            error);
+        }
+        return true;
+    }
+
+    bool writeFiles(const Server& server, std::string_view definition) {
+        std::vector<ServerFile> files = pciTree(server, target_);
+        files.push_back(pciRegistry(server));
+        files.push_back(inventory(server));
+        files.push_back(samplePolicies(server));
+        for (ServerFile& launcher : launchers(target_)) {
+            files.push_back(std::move(launcher));
+        }
+        files.push_back({"server.json", std::string(definition)});
+        files.push_back({"state.json", writeState(server)});
+        for (const ServerFile& file : files) {
+            if (!writeFile(file)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// Puts this program into the folder: a link where that is usual, else a copy.
+    bool placeProgram(const fs::path& name) {
+        const fs::path path = folder_ / name;
+        std::error_code error;
+        if (fs::equivalent(path, program_, error) && !fs::is_symlink(path, error)) {
+            return true; // it runs from this very folder
+        }
+        fs::remove(path, error);
+        if (target_ == Target::posix) {
+            fs::create_symlink(program_, path, error);
+            if (!error) {
+                return true;
+            }
+        }
+        fs::copy_file(program_, path, fs::copy_options::overwrite_existing, error);
+        return error ? fail("cannot write", path) : true;
+    }
+
+    bool placePrograms() {
+        if (target_ == Target::posix) {
+            return placeProgram("zolex-sim");
+        }
+        return placeProgram("ZOLEX-SIM.EXE") && placeProgram("hwdetect.exe") &&
+               placeProgram("fakeraid.exe");
+    }
+
+    fs::path folder_;
+    fs::path program_;
+    Target target_;
+    std::string failure_;
+};
+
+std::string nextSteps(const fs::path& folder, Target target) {
+    std::error_code error;
+    const fs::path found = fs::weakly_canonical(folder, error);
+    const std::string place = (error ? folder : found).string();
+    if (target == Target::windows) {
+        return "To run zolex on it:\n"
+               "  cd /d \"" +
+               place +
+               "\"\n"
+               "  regedit /s pci.reg\n"
+               "  ZOLEX /f:sample-policies.ini\n";
+    }
+    return "To run zolex on it:\n"
+           "  cd '" +
+           place +
+           "'\n"
+           "  export ZOLEX_PCI_ROOT='" +
+           place +
+           "/pci'\n"
+           "  zolex /f:sample-policies.ini\n";
+}
+
+} // namespace
+
+Target hostTarget() {
+#ifdef _WIN32
+    return Target::windows;
+#else
+    return Target::posix;
+#endif
+}
+
+std::string sampleList() {
+    std::string text = "Samples:\n";
+    for (const Sample& sample : samples()) {
+        text += formatted("  %-16s %s\n", std::string(sample.name).c_str(),
+                          std::string(sample.about).c_str());
+    }
+    return text;
+}
+
+int initialise(const std::vector<std::string>& arguments, const fs::path& program,
+               std::ostream& output, std::ostream& error, Target target) {
+    if (arguments.empty()) {
+        error << usage << sampleList();
+        return 1;
+    }
+    const std::optional<Request> request = readRequest(arguments, error);
+    if (!request) {
+        return 1;
+    }
+    Problem problem;
+    const Server server = readDefinition(request->definition, problem);
+    if (problem.found()) {
+        error << "zolex-sim: " << request->origin << ": " << problem.text() << "\n";
+        return 1;
+    }
+    FolderWriter writer(request->folder, program, target);
+    if (!writer.write(server, request->definition)) {
+        error << "zolex-sim: " << writer.failure() << "\n";
+        return 1;
+    }
+    output << "Laid out a virtual server of machine type " << server.machineType << " in "
+           << request->folder.string() << " (" << request->origin << ").\n"
+           << nextSteps(request->folder, target);
+    return 0;
+}
+
+} // namespace zolex_sim

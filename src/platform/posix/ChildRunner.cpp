@@ -1,0 +1,288 @@
+#include "platform/posix/ChildRunner.h"
+
+#include "platform/CommandLineSplit.h"
+#include "platform/ProgramLookup.h"
+#include "platform/posix/FileDescriptor.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <poll.h>
+#include <spawn.h>
+#include <string>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zolex::posix {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+/// The pipe from the child to this process. Neither end outlives an exec; the read end does not
+/// block.
+struct Pipe {
+    FileDescriptor readEnd;
+    FileDescriptor writeEnd;
+
+    bool open() {
+        std::array<int, 2> ends{};
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+            return false;
+        }
+        readEnd = FileDescriptor(ends[0]);
+        writeEnd = FileDescriptor(ends[1]);
+        return ::fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0;
+    }
+};
+
+/// Gives SIGCHLD its default action while it lives. Where the signal is ignored (a parent can hand
+/// that down), the system forgets the exit codes of children.
+class DefaultChildSignal {
+  public:
+    DefaultChildSignal() {
+        struct sigaction action = {};
+        action.sa_handler = SIG_DFL;
+        ::sigaction(SIGCHLD, &action, &before_);
+    }
+    DefaultChildSignal(const DefaultChildSignal&) = delete;
+    DefaultChildSignal& operator=(const DefaultChildSignal&) = delete;
+    ~DefaultChildSignal() { ::sigaction(SIGCHLD, &before_, nullptr); }
+
+  private:
+    struct sigaction before_ = {};
+};
+
+/// What stands on the descriptors 0, 1 and 2 of the child.
+class ChildStreams {
+  public:
+    ChildStreams() { ready_ = ::posix_spawn_file_actions_init(&actions_) == 0; }
+    ChildStreams(const ChildStreams&) = delete;
+    ChildStreams& operator=(const ChildStreams&) = delete;
+    ~ChildStreams() { ::posix_spawn_file_actions_destroy(&actions_); }
+
+    /// No input, and output and errors to `output`, or to nowhere when that is -1. The output comes
+    /// first: its descriptor may itself be 0 in a process that was started without an input.
+    bool set(int output) {
+        for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+            ready_ = ready_ && (output >= 0 ? ::posix_spawn_file_actions_adddup2(&actions_, output,
+                                                                                 stream) == 0
+                                            : open(stream, O_WRONLY));
+        }
+        return ready_ && open(STDIN_FILENO, O_RDONLY);
+    }
+
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+  private:
+    bool open(int stream, int mode) {
+        return ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", mode, 0) == 0;
+    }
+
+    posix_spawn_file_actions_t actions_{};
+    bool ready_ = false;
+};
+
+bool isProgram(const std::string& path) {
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           ::access(path.c_str(), X_OK) == 0;
+}
+
+/// The directory of the running executable; empty when it cannot be had.
+std::string ownDirectory() {
+    std::array<char, PATH_MAX> buffer{};
+    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+    if (length <= 0) {
+        return {};
+    }
+    const std::string path(buffer.data(), static_cast<std::size_t>(length));
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+std::optional<std::string> lookUp(const std::string& program) {
+    const std::string directory = ownDirectory();
+    const char* const path = std::getenv("PATH");
+    return findProgram(program, {directory, path == nullptr ? "/bin:/usr/bin" : path}, isProgram);
+}
+
+/// 0 or the error number.
+int spawn(const std::string& path, std::vector<std::string>& arguments, const ChildStreams& streams,
+          pid_t& child) {
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    return ::posix_spawn(&child, path.c_str(), streams.get(), nullptr, pointers.data(), ::environ);
+}
+
+/// Starts the command line; nothing when it cannot be started.
+std::optional<pid_t> start(std::string_view commandLine, int output) {
+    std::vector<std::string> arguments = splitCommandLine(commandLine);
+    const auto path = arguments.empty() ? std::nullopt : lookUp(arguments.front());
+    ChildStreams streams;
+    if (!path || !streams.set(output)) {
+        return std::nullopt;
+    }
+    pid_t child = -1;
+    int error = spawn(*path, arguments, streams, child);
+    if (error == ENOEXEC) {
+        arguments.front() = *path;
+        arguments.insert(arguments.begin(), "/bin/sh");
+        error = spawn("/bin/sh", arguments, streams, child);
+    }
+    return error == 0 ? std::optional(child) : std::nullopt;
+}
+
+/// A descriptor that becomes readable when the child ends; none where the kernel has no such thing.
+FileDescriptor processDescriptor(pid_t child) {
+#ifdef SYS_pidfd_open
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+#else
+    static_cast<void>(child);
+    return {};
+#endif
+}
+
+enum class ChildState { running, ended, lost };
+
+/// Asks, without waiting, whether the child has ended, and takes its exit code if so.
+ChildState askForEnd(pid_t child, std::uint32_t& exitCode) {
+    int status = 0;
+    pid_t answer = -1;
+    do {
+        answer = ::waitpid(child, &status, WNOHANG);
+    } while (answer < 0 && errno == EINTR);
+    if (answer != child) {
+        return answer == 0 ? ChildState::running : ChildState::lost;
+    }
+    exitCode = static_cast<std::uint32_t>(WIFEXITED(status) ? WEXITSTATUS(status)
+                                                            : 128 + WTERMSIG(status));
+    return ChildState::ended;
+}
+
+/// Waits for one child and takes up its output meanwhile.
+class Watch {
+  public:
+    Watch(pid_t child, FileDescriptor process, FileDescriptor readEnd, milliseconds limit)
+        : child_(child), process_(std::move(process)), readEnd_(std::move(readEnd)),
+          deadline_(Clock::now() + limit), listening_(readEnd_.isOpen()) {}
+
+    ChildResult run() {
+        ChildResult result;
+        for (;;) {
+            const ChildState state = askForEnd(child_, result.exitCode);
+            if (state == ChildState::ended) {
+                drain(result.output);
+                result.outcome = ChildOutcome::ended;
+                return result;
+            }
+            const milliseconds left = std::chrono::ceil<milliseconds>(deadline_ - Clock::now());
+            if (state == ChildState::lost || left <= milliseconds::zero()) {
+                // The run is abandoned, not killed: the read end stays open too, since a child that
+                // goes on writing would otherwise be ended by that.
+                readEnd_.release();
+                return {ChildOutcome::stillRunning, 0, {}};
+            }
+            waitFor(left, result.output);
+        }
+    }
+
+  private:
+    /// Waits until the child may have ended, output has come or `left` has passed.
+    void waitFor(milliseconds left, std::string& output) {
+        std::array<pollfd, 2> events{
+            {{listening_ ? readEnd_.get() : -1, POLLIN, 0}, {process_.get(), POLLIN, 0}}};
+        const milliseconds most = process_.isOpen() ? left : std::min(left, slice_);
+        const auto timeout = std::min<milliseconds::rep>(most.count(), INT_MAX);
+        const int ready = ::poll(events.data(), events.size(), static_cast<int>(timeout));
+        if (ready <= 0 || events[0].revents == 0) {
+            slice_ = std::min(slice_ * 2, longestSlice);
+            return;
+        }
+        slice_ = shortestSlice;
+        listening_ =
+            takeUp(output, mostOutput - output.size()).has_value() && output.size() < mostOutput;
+    }
+
+    /// Appends up to `most` bytes that stand in the pipe to `output`. Bytes taken; 0 when there
+    /// are none just now; nothing at the end of the pipe.
+    std::optional<std::size_t> takeUp(std::string& output, std::size_t most) {
+        const ssize_t taken =
+            ::read(readEnd_.get(), buffer_.data(), std::min(most, buffer_.size()));
+        if (taken < 0) {
+            return errno == EAGAIN || errno == EINTR ? std::optional<std::size_t>(0) : std::nullopt;
+        }
+        if (taken == 0) {
+            return std::nullopt;
+        }
+        output.append(buffer_.data(), static_cast<std::size_t>(taken));
+        return static_cast<std::size_t>(taken);
+    }
+
+    /// Takes what stands in the pipe now. Whoever still holds the write end (a program that the
+    /// child left behind) is not waited for.
+    void drain(std::string& output) {
+        int waiting = 0;
+        if (::ioctl(readEnd_.get(), FIONREAD, &waiting) != 0) {
+            return;
+        }
+        auto left = static_cast<std::size_t>(std::max(waiting, 0));
+        while (left > 0) {
+            const auto taken = takeUp(output, left);
+            if (taken.value_or(0) == 0) {
+                return;
+            }
+            left -= *taken;
+        }
+    }
+
+    static constexpr milliseconds shortestSlice{1};
+    static constexpr milliseconds longestSlice{20};
+
+    pid_t child_;
+    FileDescriptor process_;
+    FileDescriptor readEnd_;
+    Clock::time_point deadline_;
+    bool listening_;
+    milliseconds slice_ = shortestSlice;
+    std::array<char, 65536> buffer_{};
+};
+
+} // namespace
+
+ChildResult runChild(std::string_view commandLine, bool capture, milliseconds limit,
+                     Notice notice) {
+    Pipe pipe;
+    if (!pipe.open()) {
+        return {ChildOutcome::noPipe, 0, {}};
+    }
+    const DefaultChildSignal signal;
+    const auto child = start(commandLine, capture ? pipe.writeEnd.get() : -1);
+    if (!child) {
+        return {ChildOutcome::notStarted, 0, {}};
+    }
+    // Closed at once, so that the end of the pipe is met when the child has closed it.
+    const bool closed = pipe.writeEnd.close();
+    FileDescriptor process =
+        notice == Notice::byDescriptor ? processDescriptor(*child) : FileDescriptor();
+    ChildResult result = Watch(*child, std::move(process), std::move(pipe.readEnd), limit).run();
+    if (result.outcome == ChildOutcome::ended && !closed) {
+        result.outcome = ChildOutcome::notClosed;
+    }
+    return result;
+}
+
+} // namespace zolex::posix

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+#include <chrono>
+#include <cstddef>
+#include <string_view>
+
+namespace zolex::posix {
+
+/// How the end of a child is noticed.
+enum class Notice {
+    byDescriptor, ///< through a descriptor of the process where the kernel has one, else as below
+    bySlices,     ///< by asking again and again, at most 20 ms apart
+};
+
+/// Bytes of output that are taken up from one child. One that writes more stalls at the full pipe
+/// until the limit, rather than filling the memory.
+inline constexpr std::size_t mostOutput = std::size_t{256} << 20U;
+
+/// Platform::runChild. The command line is split into arguments and the program looked up; a file
+/// that is neither a binary nor begins with "#!" is run by /bin/sh. A child that a signal ended has
+/// exit code 128 plus the signal's number.
+ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit,
+                     Notice notice = Notice::byDescriptor);
+
+} // namespace zolex::posix

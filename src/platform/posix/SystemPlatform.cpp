@@ -1,0 +1,46 @@
+#include "platform/LocalTime.h"
+#include "platform/Platform.h"
+#include "platform/posix/ChildRunner.h"
+#include "platform/posix/SysfsPciDeviceList.h"
+
+#include <cerrno>
+#include <ctime>
+
+namespace zolex {
+
+namespace {
+
+class PosixPlatform : public Platform {
+  public:
+    Console& console() override { return console_; }
+    FileSystem& files() override { return files_; }
+
+    ChildResult runChild(std::string_view commandLine, bool capture,
+                         std::chrono::milliseconds limit) override {
+        return posix::runChild(commandLine, capture, limit);
+    }
+
+    std::unique_ptr<PCI_DevList_VC> pciDevices() override {
+        return std::make_unique<posix::SysfsPciDeviceList>(console_);
+    }
+
+    void pauseOneSecond() override {
+        timespec left{1, 0};
+        while (::nanosleep(&left, &left) != 0 && errno == EINTR) {
+        }
+    }
+
+    LocalTime localTime() override { return currentLocalTime(); }
+
+  private:
+    StandardConsole console_;
+    StandardFileSystem files_;
+};
+
+} // namespace
+
+std::unique_ptr<Platform> makeSystemPlatform() {
+    return std::make_unique<PosixPlatform>();
+}
+
+} // namespace zolex

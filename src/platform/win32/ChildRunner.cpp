@@ -1,0 +1,137 @@
+#include "platform/win32/ChildRunner.h"
+
+#include "platform/win32/Handle.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <windows.h>
+
+namespace zolex::win32 {
+
+namespace {
+
+constexpr DWORD pipeSizeHint = 100000;
+
+/// The pipe from the child to this process. Only the write end is inherited.
+struct Pipe {
+    Handle readEnd;
+    Handle writeEnd;
+
+    bool open() {
+        SECURITY_ATTRIBUTES inheritable{};
+        inheritable.nLength = sizeof inheritable;
+        inheritable.bInheritHandle = TRUE;
+        HANDLE reading = nullptr;
+        HANDLE writing = nullptr;
+        if (CreatePipe(&reading, &writing, &inheritable, pipeSizeHint) == 0) {
+            return false;
+        }
+        readEnd = Handle(reading);
+        writeEnd = Handle(writing);
+        SetHandleInformation(reading, HANDLE_FLAG_INHERIT, 0);
+        return true;
+    }
+};
+
+struct Child {
+    Handle process;
+    Handle thread;
+
+    /// Starts the command line with its output and errors on `output`, or on nothing when that is
+    /// null; false when it cannot be started.
+    bool start(std::string_view commandLine, HANDLE output) {
+        STARTUPINFOA startup{};
+        startup.cb = sizeof startup;
+        startup.hStdOutput = output;
+        startup.hStdError = output;
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        PROCESS_INFORMATION started{};
+        std::string writable(commandLine);
+        if (CreateProcessA(nullptr, writable.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                           &startup, &started) == 0) {
+            return false;
+        }
+        process = Handle(started.hProcess);
+        thread = Handle(started.hThread);
+        return true;
+    }
+};
+
+/// Takes what stands in the pipe now, as long as `output` stays below the most that is taken up;
+/// true when there was something. Whoever still holds the write end is not waited for.
+bool takeUp(HANDLE readEnd, std::string& output) {
+    DWORD waiting = 0;
+    if (output.size() >= mostOutput ||
+        PeekNamedPipe(readEnd, nullptr, 0, nullptr, &waiting, nullptr) == 0) {
+        return false;
+    }
+    bool any = false;
+    std::array<char, 16384> buffer{};
+    while (waiting > 0) {
+        DWORD taken = 0;
+        const DWORD most = std::min(waiting, static_cast<DWORD>(buffer.size()));
+        if (ReadFile(readEnd, buffer.data(), most, &taken, nullptr) == 0 || taken == 0) {
+            break;
+        }
+        output.append(buffer.data(), taken);
+        waiting -= taken;
+        any = true;
+    }
+    return any;
+}
+
+/// Waits for the process in slices, which are short while output flows, and takes the output up
+/// between them. True when the process ended within the limit.
+bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
+                std::string& output) {
+    constexpr ULONGLONG longestSlice = 20;
+    const auto most = static_cast<ULONGLONG>(std::max<long long>(limit.count(), 0));
+    const ULONGLONG start = GetTickCount64();
+    ULONGLONG slice = 0;
+    for (;;) {
+        const ULONGLONG passed = std::min(GetTickCount64() - start, most);
+        const DWORD result =
+            WaitForSingleObject(process, static_cast<DWORD>(std::min(slice, most - passed)));
+        if (result != WAIT_TIMEOUT) {
+            return result == WAIT_OBJECT_0;
+        }
+        if (passed == most) {
+            return false;
+        }
+        slice = takeUp(readEnd, output) ? 0 : std::min(slice * 2 + 1, longestSlice);
+    }
+}
+
+} // namespace
+
+ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit) {
+    Pipe pipe;
+    if (!pipe.open()) {
+        return {ChildOutcome::noPipe, 0, {}};
+    }
+    Child child;
+    if (!child.start(commandLine, capture ? pipe.writeEnd.get() : nullptr)) {
+        return {ChildOutcome::notStarted, 0, {}};
+    }
+    ChildResult result;
+    DWORD exitCode = 0;
+    if (!waitForEnd(child.process.get(), pipe.readEnd.get(), limit, result.output) ||
+        GetExitCodeProcess(child.process.get(), &exitCode) == 0) {
+        // The run is abandoned, not killed: the child goes on, and no handle is closed, so that it
+        // can go on writing.
+        child.process.release();
+        child.thread.release();
+        pipe.readEnd.release();
+        pipe.writeEnd.release();
+        return {ChildOutcome::stillRunning, 0, {}};
+    }
+    result.exitCode = exitCode;
+    child.process.close();
+    child.thread.close();
+    result.outcome = pipe.writeEnd.close() ? ChildOutcome::ended : ChildOutcome::notClosed;
+    takeUp(pipe.readEnd.get(), result.output);
+    return result;
+}
+
+} // namespace zolex::win32

@@ -1,0 +1,367 @@
+#include "readers/ARCReader.h"
+
+#include "controllers/Application.h"
+#include "foundation/Text.h"
+#include "readers/StateTranslation.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace zolex {
+
+namespace {
+
+constexpr std::string_view separator = "--------";
+
+constexpr std::array<std::string_view, 2> logicalDriveHeadings = {"logical drive information",
+                                                                  "logical device information"};
+constexpr std::array<std::string_view, 3> logicalDriveNumber = {
+    "Logical drive number", "Logical device number", "Logical Device number"};
+constexpr std::array<std::string_view, 3> logicalDriveStatus = {
+    "Status of logical drive", "Status of logical device", "Status of Logical Device"};
+constexpr std::array<std::string_view, 3> logicalDriveCount = {"Logical drives", "Logical devices",
+                                                               "Logical Devices"};
+constexpr std::array<std::string_view, 3> segmentHeadings = {
+    "Logical drive segment", "Logical device segment", "Logical Device segment"};
+constexpr std::array<std::string_view, 2> raidLevelKeys = {"RAID level", "RAID Level"};
+constexpr std::array<std::string_view, 2> hotSpareMarks = {"Hot Spare", "Hot-Spare"};
+constexpr std::array<std::string_view, 2> defunctMarks = {"Defunct", "Failed"};
+
+// clang-format off
+// Columns: the whole value of a "RAID level" line that other utilities do not print, the level's
+// code. The order does not matter.
+constexpr std::array<WordCode, 2> moreRaidLevels = {{
+    {"6 Reed-Solomon", raid_level::raid6},
+    {"Spanned_volume", raid_level::volume},
+}};
+
+// Columns: the whole value of a "Controller Model" line, the subtype. Any other model leaves the
+// subtype; the order does not matter.
+constexpr std::array<WordCode, 2> controllerModels = {{
+    {"Norvik Kestrix B8", 1},
+    {"Norvik Kestrix B7", 2},
+}};
+
+// Columns: the whole value of a "Read-cache mode" line, the read-ahead code. The order does not
+// matter.
+constexpr std::array<WordCode, 2> readCacheModes = {{
+    {"Disabled", read_ahead::off},
+    {"Enabled",  read_ahead::on},
+}};
+
+// Columns: the state word that ARCCONF prints, letter case ignored, and the derived state. The
+// order does not matter.
+constexpr std::array<StateWord, 10> physicalStates = {{
+    {"defunct",             badState},
+    {"failed",              badState},
+    {"hot spare",           goodState},
+    {"hot-spare",           goodState},
+    {"global hot-spare",    goodState},
+    {"dedicated hot-spare", goodState},
+    {"online",              goodState},
+    {"rebuilding",          goodState},
+    {"ready",               goodState},
+    {"verifying",           goodState},
+}};
+
+// The same for logical drives. One that is migrating can be used, whatever else it is.
+constexpr std::array<StateWord, 9> logicalStates = {{
+    {"critical",           badState},
+    {"degraded",           badState},
+    {"impacted",           badState},
+    {"offline",            badState},
+    {"clearing",           goodState},
+    {"critical migrating", goodState},
+    {"degraded migrating", goodState},
+    {"migrating",          goodState},
+    {"okay",               goodState},
+}};
+
+/// Labels of the channel and of the id in a segment's location.
+struct LocationLabels {
+    std::string_view channel;
+    std::string_view id;
+};
+
+// Columns: the two labels. The first row of which both are there is taken.
+constexpr std::array<LocationLabels, 2> locationLabels = {{
+    {"Enclosure:", "Slot:"},
+    {"Connector:", "Device:"},
+}};
+// clang-format on
+
+constexpr ListingDialect arcconf = {
+    .logicalDriveHeadings = logicalDriveHeadings,
+    .logicalDriveNumber = logicalDriveNumber,
+    .logicalDriveStatus = logicalDriveStatus,
+    .raidLevel = raidLevelKeys,
+    .hotSpare = hotSpareMarks,
+    .defunct = defunctMarks,
+    .moreRaidLevels = moreRaidLevels,
+};
+
+/// The position in the first parentheses of a segment's value, numbered from channel 0: "(0,1)",
+/// "(Controller:1,Enclosure:0,Slot:1)" or "(Controller:1,Connector:0,Device:1)".
+std::optional<DrivePosition> segmentPosition(std::string_view value) {
+    const std::size_t open = value.find('(');
+    if (open == std::string_view::npos) {
+        return std::nullopt;
+    }
+    value.remove_prefix(open + 1);
+    const std::size_t close = value.find(')');
+    if (close == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view location = value.substr(0, close);
+    for (const LocationLabels& labels : locationLabels) {
+        const std::size_t channel = location.find(labels.channel);
+        const std::size_t id = location.find(labels.id);
+        if (channel != std::string_view::npos && id != std::string_view::npos) {
+            return DrivePosition{text::leadingInt(location.substr(channel + labels.channel.size())),
+                                 text::leadingInt(location.substr(id + labels.id.size()))};
+        }
+    }
+    return parsePosition(location, ",");
+}
+
+} // namespace
+
+ARCReader::ARCReader(Application& application) : HRReader(application, arcconf) {}
+
+bool ARCReader::readConfiguration(RAIDController& controller,
+                                  std::shared_ptr<CapturedOutput> output) {
+    printer().trace("Entering ARCReader::readConfiguration\n");
+    beginListing(controller, std::move(output));
+    segmentForm_ = false;
+    announcedLogicalDrives_ = 0;
+    segments_.reset();
+    hasDriveList_ = false;
+    getControllerInfo();
+    skipBlock();
+    getFirmware();
+    if (configuration() != nullptr && !getLogicalDrives()) {
+        dropConfiguration();
+        printer().trace("Exiting ARCReader::readConfiguration, returning false(1)\n");
+        return false;
+    }
+    if (!getDrives()) {
+        dropConfiguration();
+        printer().trace("Exiting ARCReader::readConfiguration, returning false(2)\n");
+        return false;
+    }
+    keepConfiguration();
+    printer().trace("Exiting ARCReader::readConfiguration\n");
+    return true;
+}
+
+std::string_view ARCReader::nextLine() {
+    if (!hasOutput()) {
+        printer().printAlways("***************configInfo = NULL******************");
+    }
+    const std::string_view line = HRReader::nextLine();
+    printer().tracef("ARCReader::nextLine:%s\n", CString(line).c_str());
+    return line;
+}
+
+void ARCReader::getControllerInfo() {
+    printer().trace("Entering ARCReader::getControllerInfo\n");
+    bool begun = false;
+    while (advance() && !(begun && text::contains(line(), separator))) {
+        begun = readControllerLine() || begun;
+    }
+    printer().trace("Exiting ARCReader::getControllerInfo\n");
+}
+
+bool ARCReader::readControllerLine() {
+    if (text::contains(line(), "Controller Model")) {
+        if (const auto subtype = findCode(controllerModels, value())) {
+            controller().setSubtype(*subtype);
+        }
+    } else if (text::contains(line(), "Automatic Failover")) {
+        segmentForm_ = true;
+    } else if (holdsAny(line(), logicalDriveCount)) {
+        announcedLogicalDrives_ = value().toInt();
+    } else if (text::contains(line(), "Physical Slot")) {
+        controller().setSlotNumber(value().toInt());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void ARCReader::skipBlock() {
+    while (advance() && !text::contains(line(), separator)) {
+    }
+}
+
+void ARCReader::getFirmware() {
+    printer().trace("Entering ARCReader::getFirmware\n");
+    while (advance() && !text::contains(line(), separator)) {
+        if (text::contains(line(), "BIOS")) {
+            controller().setBiosVersion(value());
+        } else if (text::contains(line(), "Firmware")) {
+            controller().setFirmwareVersion(value());
+        } else if (text::contains(line(), "Driver")) {
+            controller().setDriverVersion(value());
+        }
+    }
+    printer().trace("Exiting ARCReader::getFirmware\n");
+}
+
+bool ARCReader::getLogicalDrives() {
+    return segmentForm_ ? getSegmentsAndLogicalDrives() : getArraysAndLogicalDrives();
+}
+
+bool ARCReader::getArraysAndLogicalDrives() {
+    printer().trace("Entering ARCReader::getArraysAndLogicalDrives\n");
+    const Exit exit = readLogicalDriveSection();
+    if (exit != success) {
+        printer().tracef("Exiting ARCReader::getArraysAndLogicalDrives, returning false(%d)\n",
+                         exit);
+        return false;
+    }
+    printer().trace("Exiting ARCReader::getArraysAndLogicalDrives, returning true\n");
+    return true;
+}
+
+bool ARCReader::getSegmentsAndLogicalDrives() {
+    printer().trace("Entering ARCReader::getSegmentsAndLogicalDrives\n");
+    const Exit exit = readLogicalDriveSection();
+    if (exit != success) {
+        printer().tracef("Exiting ARCReader::getSegmentsAndLogicalDrives, returning false(%d)\n",
+                         exit);
+        return false;
+    }
+    printer().trace("Exiting ARCReader::getSegmentsAndLogicalDrives, returning true\n");
+    return true;
+}
+
+bool ARCReader::endsLogicalDrives() const {
+    return segmentForm_ && text::contains(line(), "Physical Device");
+}
+
+HRReader::Exit ARCReader::readLogicalDriveLine() {
+    if (holdsAny(line(), segmentHeadings)) {
+        beginSegments();
+    } else if (text::contains(line(), "Segment")) {
+        addSegment();
+    } else if (text::contains(line(), "Write-cache mode")) {
+        readWriteCacheMode();
+    } else if (text::contains(line(), "Read-cache mode")) {
+        return readReadCacheMode();
+    } else {
+        return readLayoutLine();
+    }
+    return success;
+}
+
+void ARCReader::readDriveList() {
+    printer().trace("Processing channel/device info\n");
+    const CString list = driveListValue();
+    const std::vector<DrivePosition> drives = parsePositions(list, ",");
+    printer().tracef("Found channel/device value='%s', number of drives=%d\n", list.c_str(),
+                     static_cast<int>(drives.size()));
+    for (const DrivePosition& drive : drives) {
+        const DrivePosition member = toModel(drive);
+        printer().tracef("Setting channel=%d, scsiID=%d\n", member.channel, member.id);
+    }
+    addArrayOf(drives);
+    hasDriveList_ = hasDriveList_ || !drives.empty();
+}
+
+void ARCReader::beginSegments() {
+    if (!hasDriveList_ && !segments_) {
+        segments_.emplace();
+    }
+}
+
+void ARCReader::addSegment() {
+    const auto position = segmentPosition(value());
+    if (segments_ && position) {
+        segments_->push_back(*position);
+    }
+}
+
+void ARCReader::finishLogicalDrive() {
+    if (segments_) {
+        addArrayOf(*segments_);
+    }
+    segments_.reset();
+    hasDriveList_ = false;
+    HRReader::finishLogicalDrive();
+}
+
+void ARCReader::readWriteCacheMode() {
+    printer().trace("Processing write-cache mode info\n");
+    logicalDrive().writeCache =
+        value().contains("Disabled") ? write_cache::off : write_cache::notGiven;
+}
+
+HRReader::Exit ARCReader::readReadCacheMode() {
+    const CString mode = value();
+    const auto code = findCode(readCacheModes, mode);
+    if (!code) {
+        printer().tracef("Read cache mode not recognized:  %s\n", mode.c_str());
+        return unknownReadCacheMode;
+    }
+    configuration()->readAhead = *code;
+    return success;
+}
+
+bool ARCReader::getDrives() {
+    printer().trace("Entering ARCReader::getDrives\n");
+    if (!readDevices()) {
+        printer().trace("Entering ARCReader::getDrives, returning false\n");
+        return false;
+    }
+    printer().trace("Entering ARCReader::getDrives, returning true\n");
+    return true;
+}
+
+bool ARCReader::addDevice() {
+    printer().trace("Entering ARCReader::addDevice\n");
+    readDevice();
+    printer().trace("Exiting ARCReader::addDevice, returning true\n");
+    return true;
+}
+
+void ARCReader::readDeviceLine(Device& device) {
+    if (device.disk && text::contains(line(), "Reported Location")) {
+        device.disk->reportedLocation = value();
+    } else {
+        HRReader::readDeviceLine(device);
+    }
+}
+
+CString ARCReader::translatePhysicalState(const CString& state) {
+    printer().trace("Entering ARCReader::translatePhysicalState\n");
+    const CString derived = deriveState(physicalStates, state, printer());
+    printer().tracef("Exitinging ARCReader::translatePhysicalState, derivedState=%s\n",
+                     derived.c_str());
+    return derived;
+}
+
+CString ARCReader::translateLogicalState(const CString& state) {
+    printer().trace("Entering ARCReader::translateLogicalState\n");
+    const CString derived = deriveState(logicalStates, state, printer());
+    printer().tracef("Exitinging ARCReader::translateLogicalState, derivedState=%s\n",
+                     derived.c_str());
+    return derived;
+}
+
+void ARCReader::traceUnknownRaidLevel(const CString& value) {
+    printer().tracef("RAID level not recognized:  %s \n", value.c_str());
+}
+
+void ARCReader::traceStored(const RaidDisk& disk, bool used) {
+    if (used) {
+        printer().tracef("Setting the channel: %d, sid: %d, and size: %d **\n", disk.channelNumber,
+                         disk.id, disk.sizeMb);
+    } else {
+        printer().tracef("Setting the channel: %d, sid: %d, and size: %d\n", disk.channelNumber,
+                         disk.id, disk.sizeMb);
+    }
+}
+
+} // namespace zolex

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "readers/HRReader.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace zolex {
+
+/// Reads ARCCONF's listing: controller information, firmware versions, the logical drives when
+/// configurations are captured, then the drives.
+class ARCReader : public HRReader {
+  public:
+    explicit ARCReader(Application& application);
+
+    /// A configuration that holds at least one array becomes the controller's. False when a RAID
+    /// level, a stripe size or a read-cache mode is not known.
+    bool readConfiguration(RAIDController& controller,
+                           std::shared_ptr<CapturedOutput> output) override;
+
+    /// Number of logical drives that the controller information of the last listing named; 0 when
+    /// it named none.
+    [[nodiscard]] std::int32_t announcedLogicalDrives() const { return announcedLogicalDrives_; }
+
+  protected:
+    std::string_view nextLine() override;
+
+    [[nodiscard]] bool endsLogicalDrives() const override;
+    Exit readLogicalDriveLine() override;
+    void readDriveList() override;
+    void finishLogicalDrive() override;
+
+    bool addDevice() override;
+    void readDeviceLine(Device& device) override;
+
+    CString translatePhysicalState(const CString& state) override;
+    CString translateLogicalState(const CString& state) override;
+    void traceUnknownRaidLevel(const CString& value) override;
+    void traceStored(const RaidDisk& disk, bool used) override;
+
+  private:
+    static constexpr Exit unknownReadCacheMode = 3;
+
+    void getControllerInfo();
+    /// False when the current line holds none of the controller information's keys.
+    bool readControllerLine();
+    void skipBlock();
+    void getFirmware();
+    bool getLogicalDrives();
+    bool getArraysAndLogicalDrives();
+    bool getSegmentsAndLogicalDrives();
+    bool getDrives();
+
+    void beginSegments();
+    void addSegment();
+    void readWriteCacheMode();
+    Exit readReadCacheMode();
+
+    bool segmentForm_ = false;
+    std::int32_t announcedLogicalDrives_ = 0;
+    /// The members of the open logical drive that its segment lines gave so far; none before its
+    /// segment heading.
+    std::optional<std::vector<DrivePosition>> segments_;
+    /// Whether the open logical drive has members of a "Channel,Device" line.
+    bool hasDriveList_ = false;
+};
+
+} // namespace zolex

@@ -1,0 +1,435 @@
+#include "readers/HRReader.h"
+
+#include "controllers/Application.h"
+#include "foundation/Text.h"
+#include "readers/StateTranslation.h"
+
+#include <array>
+#include <limits>
+#include <utility>
+
+namespace zolex {
+
+namespace {
+
+constexpr std::string_view separator = "--------";
+constexpr std::string_view physicalDeviceHeading = "physical device information";
+constexpr std::string_view deviceHeading = "Device #";
+
+constexpr std::array<std::string_view, 2> diskWords = {"Hard drive", "Hard disk"};
+
+constexpr std::array<std::string_view, 1> logicalDriveHeadings = {"logical drive information"};
+constexpr std::array<std::string_view, 1> logicalDriveNumber = {"Logical drive number"};
+constexpr std::array<std::string_view, 1> logicalDriveStatus = {"Status of logical drive"};
+constexpr std::array<std::string_view, 1> raidLevelKey = {"RAID level"};
+constexpr std::array<std::string_view, 1> hotSpareMark = {"Hot Spare"};
+constexpr std::array<std::string_view, 1> defunctMark = {"Defunct"};
+
+constexpr ListingDialect hrconf = {
+    .logicalDriveHeadings = logicalDriveHeadings,
+    .logicalDriveNumber = logicalDriveNumber,
+    .logicalDriveStatus = logicalDriveStatus,
+    .raidLevel = raidLevelKey,
+    .hotSpare = hotSpareMark,
+    .defunct = defunctMark,
+    .moreRaidLevels = {},
+};
+
+// Columns: the whole value of a "RAID level" line, the level's code. The order does not matter.
+// clang-format off
+constexpr std::array<WordCode, 13> raidLevels = {{
+    {"0",             raid_level::raid0},
+    {"1",             raid_level::raid1},
+    {"1E",            raid_level::raid1E},
+    {"5",             raid_level::raid5},
+    {"5E",            raid_level::raid5E},
+    {"5EE",           raid_level::raid5EE},
+    {"6",             raid_level::raid6},
+    {"10",            raid_level::raid10},
+    {"50",            raid_level::raid50},
+    {"60",            raid_level::raid60},
+    {"SIMPLE",        raid_level::volume},
+    {"VOLUME",        raid_level::volume},
+    {"Simple_volume", raid_level::volume},
+}};
+
+// Columns: the number of a "Stripe-unit size" line (KB), the stripe size's code. The order does not
+// matter.
+constexpr std::array<WordCode, 9> stripeSizes = {{
+    {"16",   stripe::kb16},
+    {"32",   stripe::kb32},
+    {"64",   stripe::kb64},
+    {"128",  stripe::kb128},
+    {"256",  stripe::kb256},
+    {"512",  stripe::kb512},
+    {"1024", stripe::kb1024},
+    {"2048", stripe::kb2048},
+    {"4096", stripe::kb4096},
+}};
+
+// Columns: the state word that HRCONF prints, letter case ignored, and the derived state. The order
+// does not matter.
+constexpr std::array<StateWord, 6> physicalStates = {{
+    {"defunct",           badState},
+    {"hot spare",         goodState},
+    {"online",            goodState},
+    {"rebuilding",        goodState},
+    {"ready",             goodState},
+    {"standby hot spare", goodState},
+}};
+
+// The same for logical drives.
+constexpr std::array<StateWord, 5> logicalStates = {{
+    {"degraded",  badState},
+    {"offline",   badState},
+    {"migrating", goodState},
+    {"okay",      goodState},
+    {"optimal",   goodState},
+}};
+// clang-format on
+
+/// The number of a size such as "64", "64KB" or "64 KB".
+std::string_view withoutKb(std::string_view size) {
+    constexpr std::string_view unit = "KB";
+    if (size.ends_with(unit)) {
+        size.remove_suffix(unit.size());
+        if (size.ends_with(' ')) {
+            size.remove_suffix(1);
+        }
+    }
+    return size;
+}
+
+bool isStateLine(std::string_view line) {
+    return text::contains(line, "State") && !text::contains(line, "Power State");
+}
+
+bool isSizeLine(std::string_view line) {
+    return text::contains(line, "Size") && !text::contains(line, "Block Size") &&
+           !text::contains(line, "Unused Size");
+}
+
+} // namespace
+
+HRReader::HRReader(Application& application) : HRReader(application, hrconf) {}
+
+HRReader::HRReader(Application& application, const ListingDialect& dialect)
+    : ConfigurationReader(application), dialect_(dialect) {}
+
+Printer& HRReader::printer() const {
+    return application().printer();
+}
+
+bool HRReader::readConfiguration(RAIDController& controller,
+                                 std::shared_ptr<CapturedOutput> output) {
+    printer().trace("Entering HRReader::readConfiguration\n");
+    beginListing(controller, std::move(output));
+    if (configuration() != nullptr && !getArraysAndLogicalDrive()) {
+        dropConfiguration();
+        printer().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
+        return false;
+    }
+    if (!getDrives()) {
+        dropConfiguration();
+        printer().trace("Exiting HRReader::readConfiguration, returning false(2)\n");
+        return false;
+    }
+    keepConfiguration();
+    printer().trace("Exiting HRReader::readConfiguration, returning true\n");
+    return true;
+}
+
+void HRReader::beginListing(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
+    beginController(controller);
+    setOutput(std::move(output));
+    configuration_ =
+        application().settings.capture ? std::make_unique<RAIDConfiguration>() : nullptr;
+    drive_ = {};
+    driveOpen_ = false;
+    line_ = {};
+    stay_ = false;
+}
+
+void HRReader::keepConfiguration() {
+    if (configuration_ && !configuration_->arrays().empty()) {
+        controller().setConfiguration(std::move(configuration_));
+    }
+    configuration_.reset();
+}
+
+bool HRReader::advance() {
+    if (!std::exchange(stay_, false) && line_ != endOfOutput) {
+        line_ = nextLine();
+    }
+    return line_ != endOfOutput;
+}
+
+CString HRReader::value() const {
+    constexpr std::string_view mark = "(T:L)";
+    const std::size_t at = line_.find(mark);
+    const bool marked = at != std::string_view::npos && line_.find(':') > at;
+    return text::valueAfterColon(marked ? line_.substr(at + mark.size()) : line_);
+}
+
+bool HRReader::getArraysAndLogicalDrive() {
+    printer().trace("Entering HRReader::getArraysAndLogicalDrive\n");
+    const Exit exit = readLogicalDriveSection();
+    if (exit != success) {
+        printer().tracef("Exiting HRReader::getArraysAndLogicalDrive, returning false(%d)\n", exit);
+        return false;
+    }
+    printer().trace("Exiting HRReader::getArraysAndLogicalDrive, returning true\n");
+    return true;
+}
+
+HRReader::Exit HRReader::readLogicalDriveSection() {
+    bool inSection = false;
+    while (advance() && !text::containsNoCase(line(), physicalDeviceHeading)) {
+        if (!inSection) {
+            inSection = holdsAnyNoCase(line(), dialect_.logicalDriveHeadings);
+        } else if (endsLogicalDrives()) {
+            break;
+        } else if (const Exit exit = readLogicalDriveLine(); exit != success) {
+            return exit;
+        }
+    }
+    finishLogicalDrive();
+    putBack();
+    return success;
+}
+
+HRReader::Exit HRReader::readLogicalDriveLine() {
+    if (text::containsNoCase(line(), "bios")) {
+        controller().setBiosVersion(value());
+    } else if (text::containsNoCase(line(), "driver")) {
+        controller().setDriverVersion(value());
+    } else {
+        return readLayoutLine();
+    }
+    return success;
+}
+
+HRReader::Exit HRReader::readLayoutLine() {
+    if (holdsAny(line(), dialect_.logicalDriveNumber)) {
+        beginLogicalDrive();
+    } else if (holdsAny(line(), dialect_.raidLevel)) {
+        return readRaidLevel();
+    } else if (holdsAny(line(), dialect_.logicalDriveStatus)) {
+        readLogicalDriveState();
+    } else if (isSizeLine(line())) {
+        drive_.sizeMb = value().toInt();
+    } else if (text::contains(line(), "Stripe-unit size")) {
+        return readStripeSize();
+    } else if (text::contains(line(), "Channel,Device")) {
+        readDriveList();
+    }
+    return success;
+}
+
+void HRReader::beginLogicalDrive() {
+    finishLogicalDrive();
+    drive_ = {};
+    driveOpen_ = true;
+}
+
+void HRReader::finishLogicalDrive() {
+    if (std::exchange(driveOpen_, false)) {
+        addLogicalDrive(*configuration_, drive_);
+    }
+}
+
+HRReader::Exit HRReader::readRaidLevel() {
+    const CString level = value();
+    auto code = findCode(raidLevels, level);
+    if (!code) {
+        code = findCode(dialect_.moreRaidLevels, level);
+    }
+    if (!code) {
+        traceUnknownRaidLevel(level);
+        return unknownRaidLevel;
+    }
+    drive_.raidLevel = *code;
+    return success;
+}
+
+void HRReader::readLogicalDriveState() {
+    drive_.state = value();
+    drive_.derivedState = translateLogicalState(drive_.state);
+    printer().tracef("Setting the state of the logical drive=%s\n", drive_.state.c_str());
+}
+
+HRReader::Exit HRReader::readStripeSize() {
+    const CString size = value();
+    const auto code = findCode(stripeSizes, withoutKb(size));
+    if (!code) {
+        printer().tracef("Stripe size not recognized:  %s\n", size.c_str());
+        return unknownStripeSize;
+    }
+    configuration_->stripeSize = *code;
+    return success;
+}
+
+CString HRReader::driveListValue() const {
+    constexpr std::string_view mark = "DDD";
+    const std::size_t at = line_.find(mark);
+    if (at == std::string_view::npos) {
+        return value();
+    }
+    return text::trim(line_.substr(at + mark.size()));
+}
+
+void HRReader::readDriveList() {
+    addArrayOf(parsePositions(driveListValue(), ","));
+    drive_.writeCache = write_cache::notGiven;
+}
+
+DrivePosition HRReader::toModel(DrivePosition position) {
+    if (position.channel < std::numeric_limits<std::int32_t>::max()) {
+        ++position.channel;
+    }
+    return position;
+}
+
+void HRReader::addArrayOf(const std::vector<DrivePosition>& drives) {
+    RaidArray array;
+    for (const DrivePosition& drive : drives) {
+        const DrivePosition member = toModel(drive);
+        if (checkPosition(member.channel, member.id)) {
+            addMember(array, member);
+        }
+    }
+    const std::size_t index = configuration_->arrays().size();
+    if (array.driveCount() > 0 && addArray(*configuration_, std::move(array))) {
+        drive_.arrayIndex = static_cast<std::int32_t>(index);
+    }
+}
+
+bool HRReader::getDrives() {
+    printer().trace("Entering HRReader::getDrives\n");
+    if (!readDevices()) {
+        printer().trace("Entering HRReader::getDrives, returning false\n");
+        return false;
+    }
+    printer().trace("Entering HRReader::getDrives, returning true\n");
+    return true;
+}
+
+bool HRReader::readDevices() {
+    while (advance() && !text::containsNoCase(line(), physicalDeviceHeading)) {
+    }
+    while (advance() && !text::contains(line(), separator)) {
+    }
+    while (advance()) {
+        if (text::contains(line(), deviceHeading) && !addDevice()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool HRReader::addDevice() {
+    printer().trace("Entering HRReader::addDevice\n");
+    readDevice();
+    printer().trace("Exiting HRReader::addDevice, returning true\n");
+    return true;
+}
+
+void HRReader::readDevice() {
+    Device device;
+    while (advance() && !text::contains(line(), "PFA")) {
+        if (text::contains(line(), deviceHeading)) {
+            putBack();
+            break;
+        }
+        readDeviceLine(device);
+    }
+    if (device.disk) {
+        storeDevice(device);
+    }
+}
+
+void HRReader::readDeviceLine(Device& device) {
+    if (text::contains(line(), "Device is")) {
+        device = {};
+        if (holdsAny(line(), diskWords)) {
+            device.disk.emplace();
+        }
+    } else if (!device.disk) {
+        return;
+    } else if (text::contains(line(), "Channel,Device")) {
+        if (const auto position = parsePosition(value(), ",")) {
+            device.disk->channelNumber = toModel(*position).channel;
+            device.disk->id = position->id;
+        }
+    } else if (isStateLine(line())) {
+        readDeviceState(device);
+    } else if (isSizeLine(line())) {
+        device.disk->sizeMb = value().toInt();
+    } else if (text::contains(line(), "Serial number")) {
+        device.disk->serialNumber = value();
+    }
+}
+
+void HRReader::readDeviceState(Device& device) {
+    device.disk->state = value();
+    device.disk->derivedState = translatePhysicalState(device.disk->state);
+    printer().tracef("Setting the state of the physical drive=%s\n", device.disk->state.c_str());
+    if (holdsAny(line(), dialect_.hotSpare)) {
+        device.hotSpare = true;
+    }
+    if (!holdsAny(line(), dialect_.defunct)) {
+        device.usable = true;
+    } else if (application().settings.capture) {
+        constexpr const char* warning =
+            "Warning:  One or more controller have a defunct disk drive.\n";
+        printer().print("\n", level::progress);
+        printer().print(warning, level::progress);
+        printer().print(warning, level::progress);
+        printer().print("\n", level::progress);
+    }
+    if (text::contains(line(), "Partitioned")) {
+        printer().print("\n", level::progress);
+        printer().print("Drive is partitioned and cannot be used in raid configuration.\n",
+                        level::progress);
+        device.usable = false;
+    }
+}
+
+void HRReader::storeDevice(const Device& device) {
+    const RaidDisk& disk = *device.disk;
+    if (!checkPosition(disk.channelNumber, disk.id)) {
+        return;
+    }
+    controller().setSize(disk.channelNumber, disk.id, disk.sizeMb);
+    controller().setDriveRecord(disk.channelNumber, disk.id, disk);
+    const bool used = !device.usable && !device.hotSpare;
+    if (used) {
+        controller().setUsed(disk.channelNumber, disk.id);
+    }
+    traceStored(disk, used);
+    if (device.hotSpare && configuration_) {
+        addHotspare(*configuration_, {.channelNumber = disk.channelNumber, .id = disk.id});
+    }
+}
+
+CString HRReader::translatePhysicalState(const CString& state) {
+    printer().trace("Entering HRReader::translatePhysicalState\n");
+    const CString derived = deriveState(physicalStates, state, printer());
+    printer().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
+                     derived.c_str());
+    return derived;
+}
+
+CString HRReader::translateLogicalState(const CString& state) {
+    printer().trace("Entering HRReader::translateLogicalState\n");
+    const CString derived = deriveState(logicalStates, state, printer());
+    printer().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
+                     derived.c_str());
+    return derived;
+}
+
+void HRReader::traceUnknownRaidLevel(const CString& value) {
+    printer().tracef("RAID level not recognized:  %s\n", value.c_str());
+}
+
+} // namespace zolex

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "controllers/Configuration.h"
+#include "controllers/RAIDController.h"
+#include "readers/ConfigurationReader.h"
+#include "readers/ListingValues.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace zolex {
+
+/// How a utility spells the keys and words of which there is more than one spelling.
+struct ListingDialect {
+    std::span<const std::string_view> logicalDriveHeadings; ///< letter case ignored
+    std::span<const std::string_view> logicalDriveNumber;
+    std::span<const std::string_view> logicalDriveStatus;
+    std::span<const std::string_view> raidLevel;
+    std::span<const std::string_view> hotSpare;
+    std::span<const std::string_view> defunct;
+    std::span<const WordCode> moreRaidLevels; ///< besides those that every utility prints
+};
+
+/// Reads HRCONF's listing: the logical drives when configurations are captured, then the drives.
+/// It is built of steps, so that a listing of nearly the same blocks can be read with them.
+class HRReader : public ConfigurationReader {
+  public:
+    explicit HRReader(Application& application);
+
+    /// A configuration that holds at least one array becomes the controller's. False when a RAID
+    /// level or a stripe size is not known; the controller then gets nothing.
+    bool readConfiguration(RAIDController& controller,
+                           std::shared_ptr<CapturedOutput> output) override;
+
+  protected:
+    /// 0, or the number of the exit by which a step fails.
+    using Exit = int;
+    static constexpr Exit success = 0;
+    static constexpr Exit unknownRaidLevel = 1;
+    static constexpr Exit unknownStripeSize = 2;
+
+    /// What has been read of one "Device #" block.
+    struct Device {
+        std::optional<RaidDisk> disk; ///< none as long as the block is not known to be a disk's
+        bool usable = false;
+        bool hotSpare = false;
+    };
+
+    HRReader(Application& application, const ListingDialect& dialect);
+
+    [[nodiscard]] Printer& printer() const;
+
+    // A listing from its start to its end.
+    /// Forgets what was read before; makes an empty configuration when they are captured.
+    void beginListing(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    /// Null when configurations are not captured.
+    [[nodiscard]] RAIDConfiguration* configuration() const { return configuration_.get(); }
+    void dropConfiguration() { configuration_.reset(); }
+    /// Hands the configuration over to the controller when it holds an array.
+    void keepConfiguration();
+
+    // The current line.
+    /// Goes to the next line; false at "EOF", behind which there is nothing.
+    bool advance();
+    /// Makes the next advance() stay at the current line.
+    void putBack() { stay_ = true; }
+    [[nodiscard]] std::string_view line() const { return line_; }
+    /// The text after the first ":"; the one in "(T:L)" belongs to the key.
+    [[nodiscard]] CString value() const;
+
+    // The logical drives.
+    /// Reads to the heading and on to the end of the section. What ends it is put back.
+    Exit readLogicalDriveSection();
+    /// Whether the current line, which is no physical device heading, ends the section.
+    [[nodiscard]] virtual bool endsLogicalDrives() const { return false; }
+    virtual Exit readLogicalDriveLine();
+    /// One line of the keys that every listing has.
+    Exit readLayoutLine();
+    virtual void readDriveList();
+    /// The members that the current "Channel,Device" line lists after its key.
+    [[nodiscard]] CString driveListValue() const;
+    /// The utilities count channels from 0, the model from 1.
+    [[nodiscard]] static DrivePosition toModel(DrivePosition position);
+    /// Adds an array of these drives, numbered from channel 0, and ties the open logical drive to
+    /// it. Drives at impossible positions are left out; without any there is no array.
+    void addArrayOf(const std::vector<DrivePosition>& drives);
+    /// Adds the open logical drive, if there is one.
+    virtual void finishLogicalDrive();
+    [[nodiscard]] LogicalDrive& logicalDrive() { return drive_; }
+
+    // The drives.
+    /// Reads to the heading and then every device block; false when one of them fails.
+    bool readDevices();
+    /// Handles one device block from the line after its "Device #"; always true here.
+    virtual bool addDevice();
+    void readDevice();
+    virtual void readDeviceLine(Device& device);
+
+    // What the utilities' readers trace in their own words.
+    virtual CString translatePhysicalState(const CString& state);
+    virtual CString translateLogicalState(const CString& state);
+    virtual void traceUnknownRaidLevel(const CString& value);
+    virtual void traceStored(const RaidDisk& /*disk*/, bool /*used*/) {}
+
+  private:
+    bool getArraysAndLogicalDrive();
+    bool getDrives();
+    void beginLogicalDrive();
+    Exit readRaidLevel();
+    void readLogicalDriveState();
+    Exit readStripeSize();
+    void readDeviceState(Device& device);
+    void storeDevice(const Device& device);
+
+    const ListingDialect& dialect_;
+    std::unique_ptr<RAIDConfiguration> configuration_;
+    LogicalDrive drive_;
+    bool driveOpen_ = false; ///< whether drive_ is one that the listing names
+    std::string_view line_;
+    bool stay_ = false;
+};
+
+} // namespace zolex

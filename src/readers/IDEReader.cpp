@@ -1,0 +1,186 @@
+#include "readers/IDEReader.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+#include "foundation/Text.h"
+#include "readers/ListingValues.h"
+
+#include <array>
+#include <utility>
+
+namespace zolex {
+
+namespace {
+
+constexpr std::size_t outputs = 3; ///< captured outputs that make the stream
+constexpr std::int32_t channel = 1;
+constexpr std::int32_t driveSizeMb = 38154;
+constexpr std::string_view drivePresent = "0000";
+constexpr std::string_view driveAbsent = "000a";
+
+// clang-format off
+// Columns: the whole value of a "RAID_MODE" line, the level's code. The order does not matter.
+constexpr std::array<WordCode, 2> raidModes = {{
+    {"MIRROR", raid_level::raid1},
+    {"STRIPE", raid_level::raid0},
+}};
+
+// Columns: the whole value of a "STRIPE_SIZE" line, the stripe size's code. The order does not
+// matter.
+constexpr std::array<WordCode, 8> stripeSizes = {{
+    {"32KB",   stripe::kb32},
+    {"64KB",   stripe::kb64},
+    {"128KB",  stripe::kb128},
+    {"256KB",  stripe::kb256},
+    {"512KB",  stripe::kb512},
+    {"1024KB", stripe::kb1024},
+    {"2048KB", stripe::kb2048},
+    {"4096KB", stripe::kb4096},
+}};
+// clang-format on
+
+/// The text after the first ":" or "=" or, without one, after the key.
+CString valueOf(std::string_view line, std::string_view key) {
+    const std::size_t mark = line.find_first_of(":=");
+    if (mark != std::string_view::npos) {
+        return text::trim(line.substr(mark + 1));
+    }
+    return text::trim(line.substr(line.find(key) + key.size()));
+}
+
+} // namespace
+
+bool IDEReader::readConfiguration(RAIDController& controller,
+                                  std::shared_ptr<CapturedOutput> output) {
+    Printer& printer = application().printer();
+    printer.trace("Entering IDEReader::readConfiguration\n");
+    beginController(controller);
+    setOutput(std::move(output));
+    nextOutput_ = 1;
+    layout_ = {};
+    if (!application().settings.capture) {
+        readDrives();
+    } else if (const Exit exit = readLayout(); exit != success) {
+        layout_.configuration.reset();
+        printer.tracef("Exiting IDEReader::readConfiguration, returning false(%d)\n", exit);
+        return false;
+    }
+    printer.trace("Exiting IDEReader::readConfiguration, returning true\n");
+    return true;
+}
+
+std::string_view IDEReader::nextLine() {
+    std::string_view line = ConfigurationReader::nextLine();
+    while (line == endOfOutput && nextOutput_ < outputs) {
+        setOutput(controller().capturedOutput(nextOutput_++));
+        line = ConfigurationReader::nextLine();
+    }
+    return line;
+}
+
+void IDEReader::readDrives() {
+    std::int32_t id = 0;
+    for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
+        if (text::contains(line, drivePresent)) {
+            storeDrive(id++);
+        } else if (text::contains(line, driveAbsent)) {
+            ++id;
+        }
+    }
+}
+
+IDEReader::Exit IDEReader::readLayout() {
+    for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
+        if (!layout_.configuration && text::contains(line, "LOGICAL_ARRAY")) {
+            layout_.configuration = std::make_unique<RAIDConfiguration>();
+        } else if (const Exit exit = readLayoutLine(line); exit != success) {
+            return exit;
+        }
+    }
+    finishLayout();
+    return success;
+}
+
+IDEReader::Exit IDEReader::readLayoutLine(std::string_view line) {
+    constexpr std::string_view raidMode = "RAID_MODE";
+    constexpr std::string_view stripeSize = "STRIPE_SIZE";
+    constexpr std::string_view driveCount = "TOTAL_PHYSICAL_DRIVES";
+    constexpr std::string_view errorCode = "Error Code (hex)";
+    if (text::contains(line, "+WRITE_CACHE")) {
+        layout_.drive.writeCache = write_cache::on;
+    } else if (text::contains(line, "-WRITE_CACHE")) {
+        layout_.drive.writeCache = write_cache::off;
+    } else if (text::contains(line, "SPARE")) {
+        if (layout_.configuration) {
+            addHotspare(*layout_.configuration, {.channelNumber = channel, .id = 1});
+        }
+    } else if (text::contains(line, raidMode) && !std::exchange(layout_.hasRaidMode, true)) {
+        return readRaidMode(valueOf(line, raidMode));
+    } else if (text::contains(line, stripeSize) && !std::exchange(layout_.hasStripeSize, true)) {
+        return readStripeSize(valueOf(line, stripeSize));
+    } else if (text::contains(line, driveCount) && !std::exchange(layout_.hasDriveCount, true)) {
+        readDriveCount(valueOf(line, driveCount));
+    } else if (text::contains(line, errorCode)) {
+        readErrorCode(valueOf(line, errorCode));
+    }
+    return success;
+}
+
+IDEReader::Exit IDEReader::readRaidMode(const CString& value) {
+    const auto code = findCode(raidModes, value);
+    if (!code) {
+        application().printer().printfAlways("Error: Could not recognize RAID level:  %s\n",
+                                             value.c_str());
+        return 1;
+    }
+    layout_.drive.raidLevel = *code;
+    return success;
+}
+
+IDEReader::Exit IDEReader::readStripeSize(const CString& value) {
+    const auto code = findCode(stripeSizes, value);
+    if (!code) {
+        application().printer().printfAlways("Error:  Could not recognize stripe size:  %s\n",
+                                             value.c_str());
+        return 2;
+    }
+    layout_.stripeSize = *code;
+    return success;
+}
+
+void IDEReader::readDriveCount(const CString& value) {
+    constexpr std::int32_t mostDrives = 2;
+    for (std::int32_t id = 0; id < mostDrives && id < value.toInt(); ++id) {
+        if (layout_.configuration) {
+            addMember(layout_.array, {channel, id});
+        }
+        storeDrive(id);
+    }
+}
+
+void IDEReader::readErrorCode(const CString& value) {
+    ++layout_.errorCodes;
+    if (layout_.errorCodes > 1 && !layout_.configuration && value.contains(drivePresent)) {
+        storeDrive(layout_.errorCodes - 2);
+    }
+}
+
+void IDEReader::storeDrive(std::int32_t id) {
+    if (checkPosition(channel, id)) {
+        controller().setSize(channel, id, driveSizeMb);
+    }
+}
+
+void IDEReader::finishLayout() {
+    if (!layout_.configuration) {
+        return;
+    }
+    layout_.drive.sizeMb = sizeFill;
+    layout_.drive.arrayIndex = 0;
+    layout_.configuration->stripeSize = layout_.stripeSize;
+    addArray(*layout_.configuration, std::move(layout_.array));
+    addLogicalDrive(*layout_.configuration, layout_.drive);
+    controller().setConfiguration(std::move(layout_.configuration));
+}
+
+} // namespace zolex

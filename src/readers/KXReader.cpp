@@ -1,0 +1,412 @@
+#include "readers/KXReader.h"
+
+#include "controllers/Application.h"
+#include "foundation/Text.h"
+#include "readers/ListingValues.h"
+#include "readers/StateTranslation.h"
+
+#include <array>
+#include <span>
+#include <utility>
+
+namespace zolex {
+
+namespace {
+
+constexpr std::string_view separator = "--------";
+/// What a continued list of members begins with.
+constexpr std::string_view continuation = "              ";
+
+constexpr std::array<std::string_view, 2> slotKeys = {"Slot", "Controller slot"};
+constexpr std::array<std::string_view, 2> logicalDriveKeys = {"Logical drive number", "IR volume"};
+constexpr std::array<std::string_view, 2> logicalDriveStatus = {"Status of volume",
+                                                                "Status of logical drive"};
+constexpr std::array<std::string_view, 2> unsupportedRaidLevels = {"10", "50"};
+
+// clang-format off
+// Columns: the whole value of the family utility's "Controller type" line, the subtype. The order
+// does not matter.
+constexpr std::array<WordCode, 7> kestrixModels = {{
+    {"Kestrix-A1", 1},
+    {"Kestrix-A2", 2},
+    {"Kestrix-A3", 3},
+    {"Kestrix-A4", 4},
+    {"Kestrix-A5", 5},
+    {"Kestrix-A6", 6},
+    {"Kestrix-A7", 7},
+}};
+constexpr std::int32_t lsiScsiSubtype = 1;
+
+// Columns: the whole value of a settings line, its code. The order does not matter.
+constexpr std::array<WordCode, 3> rebuildRates = {{
+    {"Low",    rebuild_rate::low},
+    {"Medium", rebuild_rate::medium},
+    {"High",   rebuild_rate::high},
+}};
+constexpr std::array<WordCode, 3> readAheads = {{
+    {"Disabled", read_ahead::off},
+    {"Enabled",  read_ahead::on},
+    {"Adaptive", read_ahead::adaptive},
+}};
+constexpr std::array<WordCode, 4> stripeSizes = {{
+    {"8 KB",  stripe::kb8},
+    {"16 KB", stripe::kb16},
+    {"32 KB", stripe::kb32},
+    {"64 KB", stripe::kb64},
+}};
+
+// Columns: the whole value of a "RAID level" line, the level's code. The order does not matter.
+constexpr std::array<WordCode, 6> raidLevels = {{
+    {"0",   raid_level::raid0},
+    {"1",   raid_level::raid1},
+    {"1E",  raid_level::raid1E},
+    {"5",   raid_level::raid5},
+    {"5E",  raid_level::raid5E},
+    {"5EE", raid_level::raid5EE},
+}};
+
+/// One line of the controller settings.
+struct SettingRow {
+    std::string_view key;
+    std::span<const WordCode> words;
+    std::int32_t RAIDConfiguration::*setting;
+    const char* unknown;
+};
+
+// Columns: the key, the words of its value, the setting that takes the word's code, the trace of a
+// value that is none of the words (with that value). The first row of which the line holds the key
+// is taken; a row's number, from 1, is that of the exit by which it fails.
+constexpr std::array<SettingRow, 3> settingRows = {{
+    {"Rebuild rate",            rebuildRates, &RAIDConfiguration::rebuildRate, "Rebuild rate not recognized:  %s\n"},
+    {"Readahead cache setting", readAheads,   &RAIDConfiguration::readAhead,   "Read-cache mode not recognized:  %s\n"},
+    {"Stripe-unit size",        stripeSizes,  &RAIDConfiguration::stripeSize,  "Stripe size not recognized:  %s\n"},
+}};
+// clang-format on
+
+bool endsBlock(std::string_view line) {
+    return line == endOfOutput || text::contains(line, separator);
+}
+
+} // namespace
+
+bool KXReader::readConfiguration(RAIDController& controller,
+                                 std::shared_ptr<CapturedOutput> output) {
+    Printer& printer = application().printer();
+    printer.trace("Entering KXReader::readConfiguration\n");
+    if (application().settings.debug) {
+        printer.printAlways("kxread:Start readConfiguration \n");
+    }
+    begin(controller, std::move(output));
+    if (!nextLine(separator)) {
+        printer.trace("Exiting KXReader::readConfiguration, returning true\n");
+        return true;
+    }
+    if (const Exit exit = readBlocks(); exit != success) {
+        configuration_.reset();
+        printer.tracef("Exiting KXReader::readConfiguration, returning false(%d)\n", exit);
+        return false;
+    }
+    if (!nextLine(separator)) {
+        keepConfiguration();
+        printer.trace("Exiting KXReader::readConfiguration, returning true(2)\n");
+        return true;
+    }
+    if (!getDrives()) {
+        configuration_.reset();
+        printer.trace("Exiting KXReader::readConfiguration, returning false(8)\n");
+        return false;
+    }
+    if (isCfggen_ && configuration_) {
+        locateMembers();
+    }
+    keepConfiguration();
+    printer.trace("Exiting KXReader::readConfiguration, returning true(3)\n");
+    return true;
+}
+
+void KXReader::begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
+    beginController(controller);
+    setOutput(std::move(output));
+    const ControllerCatalogue& catalogue = application().catalogue();
+    const CString command = catalogue.getUtilityCommand(controller.type());
+    isCfggen_ = command == "UTIL.BAT CFGGEN1.02.02" ||
+                command == catalogue.getUtilityCommand(controller_type::lsiSas);
+    placesBySlot_ = isCfggen_ && controller.type() != controller_type::lsiScsi;
+    configuration_ =
+        application().settings.capture ? std::make_unique<RAIDConfiguration>() : nullptr;
+    drive_ = {};
+    driveOpen_ = false;
+    array_.reset();
+}
+
+void KXReader::keepConfiguration() {
+    if (configuration_ && !configuration_->arrays().empty()) {
+        controller().setConfiguration(std::move(configuration_));
+    }
+    configuration_.reset();
+}
+
+bool KXReader::nextLine(std::string_view separator, void (KXReader::*take)(std::string_view)) {
+    Printer& printer = application().printer();
+    for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
+        printer.tracef("KXReader::nextLine: %s\n", CString(line).c_str());
+        if (text::contains(line, separator)) {
+            return true;
+        }
+        if (take != nullptr) {
+            (this->*take)(line);
+        }
+    }
+    printer.trace("KXReader::nextLine, returning EOF\n");
+    return false;
+}
+
+KXReader::Exit KXReader::readBlocks() {
+    if (!nextLine(separator)) {
+        return 1;
+    }
+    if (!setControllerType()) {
+        return 2;
+    }
+    if (configuration_ && !setControllerSettings()) {
+        return 3;
+    }
+    if (!configuration_ && !nextLine(separator, &KXReader::readLocation)) {
+        return 4;
+    }
+    if (!nextLine(separator)) {
+        return 5;
+    }
+    if (configuration_ && !getArraysAndLogicalDrives()) {
+        return 6;
+    }
+    if (!configuration_ && !nextLine(separator)) {
+        return 7;
+    }
+    return success;
+}
+
+bool KXReader::setControllerType() {
+    Printer& printer = application().printer();
+    printer.trace("Entering KXReader::setControllerType\n");
+    for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
+        if (text::contains(line, "Controller type")) {
+            if (!readControllerType(valueBetweenColons(line))) {
+                printer.trace("Exiting KXReader::setControllerType, returning false(1)\n");
+                return false;
+            }
+        } else if (text::contains(line, "BIOS version")) {
+            const CString version = valueBetweenColons(line);
+            controller().setBiosVersion(version);
+            printer.tracef("Setting BIOS version = %s\n", version.c_str());
+        } else if (text::contains(line, "Firmware version")) {
+            const CString version = valueBetweenColons(line);
+            controller().setFirmwareVersion(version);
+            printer.tracef("Setting Firmware version = %s\n", version.c_str());
+        } else if (readSlot(line)) {
+            continue;
+        } else if (readBus(line)) {
+            printer.trace("Exiting KXReader::setControllerType, returning true(1)\n");
+            return true;
+        } else if (text::contains(line, "Controller name")) {
+            printer.trace("Exiting KXReader::setControllerType, returning true(2)\n");
+            return true;
+        } else if (text::contains(line, "Concurrent commands")) {
+            printer.trace("Exiting KXReader::setControllerType, returning true(3)\n");
+            return true;
+        }
+    }
+    printer.trace("Exiting KXReader::setControllerType, returning false(2)\n");
+    return false;
+}
+
+bool KXReader::readControllerType(const CString& value) {
+    Printer& printer = application().printer();
+    if (controller().type() == controller_type::family) {
+        printer.tracef("Found controller type KESTRIX, value = %s\n", value.c_str());
+        const auto subtype = findCode(kestrixModels, value);
+        if (!subtype) {
+            printer.tracef("Kestrix type not recognized:  %s\n", value.c_str());
+            return false;
+        }
+        controller().setSubtype(*subtype);
+    } else if (controller().type() == controller_type::lsiScsi) {
+        printer.tracef("Found controller type LSI-SCSI, value = %s\n", value.c_str());
+        controller().setSubtype(lsiScsiSubtype);
+    }
+    return true;
+}
+
+bool KXReader::readSlot(std::string_view line) {
+    if (!holdsAny(line, slotKeys)) {
+        return false;
+    }
+    const CString slot = valueBetweenColons(line);
+    controller().setSlotNumber(slot.toInt());
+    application().printer().tracef("Setting Slot number = %s\n", slot.c_str());
+    return true;
+}
+
+bool KXReader::readBus(std::string_view line) {
+    if (!text::contains(line, "Bus")) {
+        return false;
+    }
+    const CString bus = valueBetweenColons(line);
+    controller().setBusNumber(bus.toInt());
+    application().printer().tracef("Setting Bus number = %s\n", bus.c_str());
+    return true;
+}
+
+void KXReader::readLocation(std::string_view line) {
+    if (isCfggen_ && !readSlot(line)) {
+        readBus(line);
+    }
+}
+
+bool KXReader::setControllerSettings() {
+    Printer& printer = application().printer();
+    printer.trace("Entering KXReader::setControllerSettings\n");
+    for (std::string_view line = nextLine(); !endsBlock(line); line = nextLine()) {
+        if (const Exit exit = readSetting(line); exit != success) {
+            printer.tracef("Exiting KXReader::setControllerSettings, returning false(%d)\n", exit);
+            return false;
+        }
+        readLocation(line);
+    }
+    printer.trace("Exiting KXReader::setControllerSettings, returning true\n");
+    return true;
+}
+
+KXReader::Exit KXReader::readSetting(std::string_view line) {
+    Exit exit = success;
+    for (const SettingRow& row : settingRows) {
+        ++exit;
+        if (!text::contains(line, row.key)) {
+            continue;
+        }
+        const CString value = valueBetweenColons(line);
+        const auto code = findCode(row.words, value);
+        if (!code) {
+            application().printer().tracef(row.unknown, value.c_str());
+            return exit;
+        }
+        (*configuration_).*row.setting = *code;
+        break;
+    }
+    return success;
+}
+
+bool KXReader::getArraysAndLogicalDrives() {
+    Printer& printer = application().printer();
+    printer.trace("Entering KXReader::getArraysAndLogicalDrives\n");
+    for (std::string_view line = nextLine(); !endsBlock(line); line = nextLine()) {
+        if (const Exit exit = readLayoutLine(line); exit != success) {
+            printer.tracef("Exiting KXReader::getArraysAndLogicalDrives, returning false(%d)\n",
+                           exit);
+            return false;
+        }
+    }
+    finishArray();
+    finishLogicalDrive();
+    printer.trace("Exiting KXReader::getArraysAndLogicalDrives, returning true\n");
+    return true;
+}
+
+KXReader::Exit KXReader::readLayoutLine(std::string_view line) {
+    const CString value = valueBetweenColons(line);
+    if (holdsAny(line, logicalDriveKeys)) {
+        beginLogicalDrive();
+    } else if (holdsAny(line, logicalDriveStatus)) {
+        readLogicalDriveState(value);
+    } else if (text::contains(line, "RAID level")) {
+        return readRaidLevel(value);
+    } else if (text::contains(line, "Size (in MB)")) {
+        drive_.sizeMb = value.toInt();
+    } else if (text::contains(line, "Write cache status")) {
+        drive_.writeCache = value.contains("(WT)")   ? write_cache::off
+                            : value.contains("(WB)") ? write_cache::on
+                                                     : write_cache::notGiven;
+    } else if (text::contains(line, "Part of array")) {
+        drive_.arrayIndex = value.isEmpty() ? -1 : value.at(0) - 'A';
+    } else if (text::contains(line, "Array ")) {
+        finishArray();
+        addMembers(array_.emplace(), value, ",");
+    } else if (array_ && line.starts_with(continuation)) {
+        addMembers(*array_, line, ",");
+    } else if (text::contains(line, "Physical hard disks")) {
+        readPhysicalHardDisks(value);
+    }
+    return success;
+}
+
+void KXReader::beginLogicalDrive() {
+    finishLogicalDrive();
+    drive_ = {};
+    driveOpen_ = true;
+}
+
+void KXReader::finishLogicalDrive() {
+    if (std::exchange(driveOpen_, false)) {
+        addLogicalDrive(*configuration_, drive_);
+    }
+}
+
+void KXReader::readLogicalDriveState(const CString& value) {
+    Printer& printer = application().printer();
+    drive_.state = value;
+    printer.tracef("Found 'State', setting logical volume state=%s\n", value.c_str());
+    drive_.derivedState = value.contains("Degraded") ? badState : goodState;
+    printer.tracef("Setting logical volume derived state=%s\n", drive_.derivedState.c_str());
+}
+
+KXReader::Exit KXReader::readRaidLevel(const CString& value) {
+    constexpr Exit cannotCreate = 1;
+    constexpr Exit unknownLevel = 2;
+    for (const std::string_view level : unsupportedRaidLevels) {
+        if (value == level) {
+            application().printer().errorBlock(
+                "ZOLEX cannot create RAID-10 or RAID-50 drives on this controller type.\n");
+            return cannotCreate;
+        }
+    }
+    const auto code = findCode(raidLevels, value);
+    if (!code) {
+        application().printer().tracef("RAID level not recognized:  %s\n", value.c_str());
+        return unknownLevel;
+    }
+    drive_.raidLevel = *code;
+    return success;
+}
+
+void KXReader::readPhysicalHardDisks(std::string_view value) {
+    finishArray();
+    RaidArray array;
+    if (isCfggen_) {
+        for (const std::string_view number : splitAtBlanks(value)) {
+            addMemberNumber(array, text::leadingInt(number));
+        }
+    } else {
+        addMembers(array, value, "/");
+    }
+    const auto index = static_cast<std::int32_t>(configuration_->arrays().size());
+    if (addArray(*configuration_, std::move(array))) {
+        drive_.arrayIndex = index;
+    }
+}
+
+void KXReader::addMembers(RaidArray& array, std::string_view list, std::string_view delimiter) {
+    for (const DrivePosition& position : parsePositions(list, delimiter)) {
+        if (checkPosition(position.channel, position.id)) {
+            addMember(array, position);
+        }
+    }
+}
+
+void KXReader::finishArray() {
+    if (array_) {
+        addArray(*configuration_, *std::move(array_));
+        array_.reset();
+    }
+}
+
+} // namespace zolex

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "controllers/Configuration.h"
+#include "controllers/RAIDController.h"
+#include "foundation/CString.h"
+#include "readers/ConfigurationReader.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace zolex {
+
+/// Reads the listing of the family utility and those of the two CFGGEN utilities: blocks between
+/// separators for the controller, its settings, the arrays and logical drives, and the drives.
+class KXReader : public ConfigurationReader {
+  public:
+    using ConfigurationReader::ConfigurationReader;
+
+    /// An empty listing is no error and changes nothing. A configuration that holds at least one
+    /// array becomes the controller's. False when the listing ends inside a block that must be
+    /// there or holds a value that is not known; the controller then gets no configuration.
+    bool readConfiguration(RAIDController& controller,
+                           std::shared_ptr<CapturedOutput> output) override;
+
+  private:
+    /// 0, or the number of the exit by which a step fails.
+    using Exit = int;
+    static constexpr Exit success = 0;
+
+    /// What has been read of one "Target on" block. The record's disk number is the slot.
+    struct Device {
+        std::optional<RaidDisk> disk; ///< none as long as the block is not known to be a disk's
+        CString type;
+        bool online = false;
+        bool hotSpare = false;
+        bool failed = false;
+        bool controllersOwn = false;
+    };
+
+    void begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    void keepConfiguration();
+
+    using ConfigurationReader::nextLine;
+    /// Reads lines up to one that holds `separator`, giving each before it to `take`; false when
+    /// the output ends first.
+    bool nextLine(std::string_view separator, void (KXReader::*take)(std::string_view) = nullptr);
+
+    /// Reads from the second separator to the end of the logical drives.
+    Exit readBlocks();
+
+    bool setControllerType();
+    bool readControllerType(const CString& value);
+    bool readSlot(std::string_view line);
+    bool readBus(std::string_view line);
+    /// A line behind those of setControllerType: CFGGEN prints the slot and the bus there.
+    void readLocation(std::string_view line);
+
+    bool setControllerSettings();
+    Exit readSetting(std::string_view line);
+
+    bool getArraysAndLogicalDrives();
+    Exit readLayoutLine(std::string_view line);
+    void beginLogicalDrive();
+    void finishLogicalDrive();
+    void readLogicalDriveState(const CString& value);
+    Exit readRaidLevel(const CString& value);
+    void readPhysicalHardDisks(std::string_view value);
+    void addMembers(RaidArray& array, std::string_view list, std::string_view delimiter);
+    void finishArray();
+
+    bool getDrives();
+    bool addDevice(std::int32_t channel);
+    void readDeviceLine(std::string_view line, std::int32_t channel, Device& device);
+    /// False when the line holds none of the keys that say where the drive stands.
+    bool readDriveLocation(std::string_view line, RaidDisk& disk);
+    void readDeviceState(const CString& value, Device& device);
+    Exit storeDevice(const Device& device);
+    void storeDrive(const Device& device);
+    /// Enters the positions of the members that arrays hold as the utility's drive numbers.
+    void locateMembers();
+
+    bool isCfggen_ = false;
+    /// Whether drives stand at (enclosure, slot) instead of at (channel, id).
+    bool placesBySlot_ = false;
+    std::unique_ptr<RAIDConfiguration> configuration_; ///< null when none are captured
+    LogicalDrive drive_;
+    bool driveOpen_ = false;         ///< whether drive_ is one that the listing names
+    std::optional<RaidArray> array_; ///< the one that further lines may add members to
+};
+
+} // namespace zolex

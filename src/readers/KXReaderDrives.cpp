@@ -1,0 +1,200 @@
+#include "readers/KXReader.h"
+
+#include "controllers/Application.h"
+#include "foundation/Text.h"
+#include "readers/ListingValues.h"
+#include "readers/StateTranslation.h"
+
+#include <array>
+
+namespace zolex {
+
+namespace {
+
+constexpr std::array<std::string_view, 2> initiatorKeys = {"Initiator at ID",
+                                                           "Initiator at SCSI ID"};
+constexpr std::array<std::string_view, 2> idKeys = {"SCSI ID", "Target ID"};
+
+bool endsDrives(std::string_view line) {
+    return line == endOfOutput || line.empty();
+}
+
+/// Where the drive stands that its utility numbers so; none when there is no such drive.
+std::optional<DrivePosition> findTarget(const RAIDController& controller, std::int32_t number) {
+    for (std::int32_t channel = 0; channel < RAIDController::channels; ++channel) {
+        for (std::int32_t id = 0; id < RAIDController::ids; ++id) {
+            if (controller.size(channel, id) != RAIDController::noDrive &&
+                controller.targetId(channel, id) == number) {
+                return DrivePosition{channel, id};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+bool KXReader::getDrives() {
+    Printer& printer = application().printer();
+    printer.trace("Entering KXReader::getDrives\n");
+    std::int32_t channel = 0;
+    for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
+        if (text::contains(line, "Channel #") || (isCfggen_ && holdsAny(line, initiatorKeys))) {
+            ++channel;
+        } else if (text::contains(line, "Target on") && !addDevice(channel)) {
+            printer.trace("Exiting KXReader::getDrives, returning false\n");
+            return false;
+        }
+    }
+    printer.trace("Exiting KXReader::getDrives, returning true\n");
+    return true;
+}
+
+bool KXReader::addDevice(std::int32_t channel) {
+    Printer& printer = application().printer();
+    const ControllerCatalogue& catalogue = application().catalogue();
+    printer.trace("Entering KXReader::addDevice\n");
+    printer.tracef("currentCommand=%s, LSI_SAS_command=%s\n",
+                   catalogue.getUtilityCommand(controller().type()).c_str(),
+                   catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
+    const std::string_view endingKey = isCfggen_ ? "Drive Type" : "Device ID";
+    Device device;
+    for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
+        readDeviceLine(line, channel, device);
+        if (text::contains(line, endingKey)) {
+            break;
+        }
+    }
+    if (const Exit exit = storeDevice(device); exit != success) {
+        printer.tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
+        return false;
+    }
+    printer.trace("Exiting KXReader::addDevice, returning true\n");
+    return true;
+}
+
+void KXReader::readDeviceLine(std::string_view line, std::int32_t channel, Device& device) {
+    constexpr std::string_view kindKey = "Device is";
+    if (const std::size_t kind = line.find(kindKey); kind != std::string_view::npos) {
+        device = {};
+        if (text::contains(line.substr(kind + kindKey.size()), "Hard disk")) {
+            device.disk.emplace().channelNumber = placesBySlot_ ? -1 : channel;
+        }
+        return;
+    }
+    if (!device.disk) {
+        return;
+    }
+    const CString value = valueBetweenColons(line);
+    RaidDisk& disk = *device.disk;
+    if (readDriveLocation(line, disk)) {
+        return;
+    }
+    if (text::contains(line, "State")) {
+        readDeviceState(value, device);
+    } else if (text::contains(line, "Size")) {
+        disk.sizeMb = value.toInt();
+    } else if (text::contains(line, "Drive Type")) {
+        device.type = value;
+    } else if (text::contains(line, "Serial No")) {
+        disk.serialNumber = value;
+        device.controllersOwn = value.contains("LSIInternalUse");
+    }
+}
+
+bool KXReader::readDriveLocation(std::string_view line, RaidDisk& disk) {
+    Printer& printer = application().printer();
+    const std::int32_t number = text::leadingInt(valueBetweenColons(line));
+    if (placesBySlot_ && text::contains(line, "Enclosure")) {
+        disk.channelNumber = number;
+        printer.tracef("Found 'Enclosure', setting channel=%d\n", number);
+    } else if (placesBySlot_ && text::contains(line, "Slot")) {
+        disk.diskNumber = number;
+        printer.tracef("Found 'Slot', setting ID=%d\n", number);
+    } else if (holdsAny(line, idKeys)) {
+        disk.id = number;
+        printer.tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void KXReader::readDeviceState(const CString& value, Device& device) {
+    Printer& printer = application().printer();
+    const bool hotSpare = value.contains("(HSP)");
+    const bool failed = value.contains("(DDD)");
+    device.hotSpare = device.hotSpare || hotSpare;
+    device.failed = device.failed || failed;
+    device.online = !hotSpare && !failed && !value.contains("(MIS)");
+    device.disk->state = value;
+    printer.tracef("Found 'State', setting state=%s\n", value.c_str());
+    device.disk->derivedState = failed && configuration_ ? badState : goodState;
+    printer.tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
+}
+
+KXReader::Exit KXReader::storeDevice(const Device& device) {
+    constexpr Exit noChannel = 1;
+    constexpr Exit noId = 2;
+    constexpr Exit noSlot = 3;
+    const bool present = device.online || device.hotSpare || device.failed;
+    if (!device.disk || !present || device.controllersOwn ||
+        device.disk->sizeMb == RAIDController::noDrive) {
+        return success;
+    }
+    Printer& printer = application().printer();
+    const RaidDisk& disk = *device.disk;
+    if (disk.channelNumber < 0) {
+        printer.printAlways("Enclosure/Channel not found. channel<0\n");
+        return noChannel;
+    }
+    if (disk.id < 0) {
+        printer.printAlways("SCSIID not found. scsiID<0\n");
+        return noId;
+    }
+    if (placesBySlot_ && disk.diskNumber < 0) {
+        printer.printAlways("Slot not found. slot<0\n");
+        return noSlot;
+    }
+    storeDrive(device);
+    return success;
+}
+
+void KXReader::storeDrive(const Device& device) {
+    const RaidDisk& disk = *device.disk;
+    const std::int32_t id = placesBySlot_ ? disk.diskNumber : disk.id;
+    if (!checkPosition(disk.channelNumber, id)) {
+        return;
+    }
+    controller().addDrive(disk.channelNumber, id, disk.sizeMb, device.type, disk.id);
+    controller().setDriveRecord(disk.channelNumber, id, disk);
+    if (device.failed) {
+        controller().setUsed(disk.channelNumber, id);
+    }
+    Printer& printer = application().printer();
+    const bool debug = application().settings.debug;
+    if (debug) {
+        disk.dump(printer);
+    }
+    if (device.hotSpare && configuration_) {
+        const Hotspare hotspare = {.channelNumber = disk.channelNumber,
+                                   .id = id,
+                                   .diskNumber = placesBySlot_ ? disk.id : -1};
+        addHotspare(*configuration_, hotspare);
+        if (debug) {
+            hotspare.dump(printer);
+        }
+    }
+}
+
+void KXReader::locateMembers() {
+    for (RaidArray& array : configuration_->arrays()) {
+        for (const std::int32_t number : array.driveNumbers()) {
+            if (const auto position = findTarget(controller(), number)) {
+                addMember(array, *position);
+            }
+        }
+    }
+}
+
+} // namespace zolex

@@ -1,0 +1,279 @@
+#include "readers/MEGAReader.h"
+
+#include "controllers/Application.h"
+#include "controllers/RAIDController.h"
+#include "foundation/Text.h"
+#include "readers/MegaCliText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zolex {
+
+namespace {
+
+using text::contains;
+using text::valueAfterColon;
+
+constexpr std::int32_t channelFree = -1;
+constexpr std::int32_t noChannel = -1;
+
+/// The subtype that becomes another one when its adapter listing names RAID-5.
+constexpr std::int32_t subtypeWithoutRaid5 = 8;
+constexpr std::int32_t subtypeWithRaid5 = 9;
+
+bool isCoercedSizeLine(std::string_view line) {
+    return contains(line, "Coerced Size") && !contains(line, "Non Coerced Size");
+}
+
+/// Whether the line is one of those that drives are read from.
+bool isDriveLine(std::string_view line) {
+    return megacli::isEnclosureLine(line) || contains(line, "Slot Number") ||
+           isCoercedSizeLine(line) || contains(line, "Firmware state") ||
+           contains(line, "Inquiry Data");
+}
+
+bool endsDrives(std::string_view line) {
+    return line == endOfOutput || megacli::isAdapterLine(line);
+}
+
+} // namespace
+
+/// One drive of the drive listing while its block is read.
+struct MEGAReader::DriveBlock {
+    enum class Mark { none, present, bad };
+
+    RaidDisk record;
+    DriveLocation location;
+    Mark mark = Mark::none;
+};
+
+bool MEGAReader::readConfiguration(RAIDController& controller,
+                                   std::shared_ptr<CapturedOutput> output) {
+    Printer& printer = application().printer();
+    printer.trace("Entering MEGAReader::readConfiguration\n");
+    beginController(controller);
+    channelTable_.fill(channelFree);
+    std::unique_ptr<RAIDConfiguration> configuration;
+    std::size_t adapterListing = 1;
+    if (application().settings.capture) {
+        numberEnclosures(controller.capturedOutput(1));
+        setOutput(std::move(output));
+        configuration = readVirtualDisks();
+        output = controller.capturedOutput(1);
+        adapterListing = 2;
+    }
+    setOutput(std::move(output));
+    getDrives(configuration.get());
+    setOutput(controller.capturedOutput(adapterListing));
+    getAdapterInfo();
+    setOutput(nullptr);
+    if (configuration) {
+        controller.setConfiguration(std::move(configuration));
+    }
+    printer.trace("Exitng MEGAReader::readConfiguration, returning true\n");
+    return true;
+}
+
+/// Gives the enclosures their channels in the order of the drive listing, ahead of reading the
+/// configuration listing: a deploy run sees the drive listing alone, and a captured drive number
+/// has to mean the same drive there.
+void MEGAReader::numberEnclosures(const std::shared_ptr<CapturedOutput>& driveListing) {
+    if (!driveListing) {
+        return;
+    }
+    setOutput(std::make_shared<CapturedOutput>(*driveListing));
+    std::string_view line = nextLine();
+    while (line != endOfOutput && !isDriveLine(line)) {
+        line = nextLine();
+    }
+    for (; !endsDrives(line); line = nextLine()) {
+        if (megacli::isEnclosureLine(line)) {
+            channelOf(megacli::enclosureOf(line));
+        }
+    }
+}
+
+/// The channel that belongs to the enclosure or else the first free one, which it takes; -1 when
+/// there is none. As channels are taken in order, a free one never stands before one that is taken.
+std::int32_t MEGAReader::channelOf(std::int32_t enclosure) {
+    auto entry = std::find(channelTable_.begin(), channelTable_.end(), enclosure);
+    if (entry == channelTable_.end()) {
+        entry = std::find(channelTable_.begin(), channelTable_.end(), channelFree);
+    }
+    if (entry == channelTable_.end()) {
+        return noChannel;
+    }
+    *entry = enclosure;
+    return RAIDController::firstChannel + static_cast<std::int32_t>(entry - channelTable_.begin());
+}
+
+std::int32_t MEGAReader::reAssignChannelID(std::int32_t enclosure) {
+    Printer& printer = application().printer();
+    printer.tracef("Entering MEGAReader::reAssignChannelID, trueChannelID=%d\n", enclosure);
+    const std::int32_t channel = channelOf(enclosure);
+    printer.tracef("Exiting MEGAReader::reAssignChannelID, iterator=%d\n", channel);
+    return channel;
+}
+
+/// Takes an enclosure or slot line of a drive's block; false for any other line.
+bool MEGAReader::readLocationLine(std::string_view line, DriveLocation& location) {
+    Printer& printer = application().printer();
+    if (megacli::isEnclosureLine(line)) {
+        location.enclosure = megacli::enclosureOf(line);
+        location.hasEnclosure = true;
+        if (megacli::isNotAvailable(valueAfterColon(line))) {
+            controller().clearChannelReassignment();
+        }
+        location.channel = reAssignChannelID(location.enclosure);
+        printer.tracef("Setting enclosure number=%d\n", location.enclosure);
+        return true;
+    }
+    if (contains(line, "Slot Number")) {
+        location.slot = text::leadingInt(valueAfterColon(line));
+        location.hasSlot = true;
+        printer.tracef("Setting slot number=%d\n", location.slot);
+        return true;
+    }
+    return false;
+}
+
+void MEGAReader::getDrives(RAIDConfiguration* configuration) {
+    std::string_view line = nextLine();
+    while (line != endOfOutput && !isDriveLine(line)) {
+        line = nextLine();
+    }
+    while (!endsDrives(line)) {
+        application().printer().trace("Creating new instance of RaidDisk\n");
+        DriveBlock block;
+        line = readDriveBlock(line, block, configuration);
+        storeDrive(block);
+    }
+}
+
+/// Reads the block that begins with `line`, and returns the first line behind it.
+std::string_view MEGAReader::readDriveBlock(std::string_view line, DriveBlock& block,
+                                            RAIDConfiguration* configuration) {
+    for (; !endsDrives(line); line = nextLine()) {
+        application().printer().tracef("p_lines: %.*s\n", static_cast<int>(line.size()),
+                                       line.data());
+        readDriveLine(line, block, configuration);
+        if (contains(line, "Inquiry Data")) {
+            return nextLine();
+        }
+    }
+    return line;
+}
+
+void MEGAReader::readDriveLine(std::string_view line, DriveBlock& block,
+                               RAIDConfiguration* configuration) {
+    Printer& printer = application().printer();
+    if (readLocationLine(line, block.location)) {
+        block.record.channelNumber = block.location.enclosure;
+        block.record.id = block.location.slot;
+    } else if (isCoercedSizeLine(line)) {
+        block.record.sizeMb = megacli::sizeInMb(valueAfterColon(line), megacli::Rounding::up);
+        printer.tracef("Setting Coerced size=%d\n", block.record.sizeMb);
+    } else if (contains(line, "Firmware state")) {
+        readFirmwareState(line, block, configuration);
+    } else if (contains(line, "Inquiry Data")) {
+        block.record.serialNumber = valueAfterColon(line);
+        printer.tracef("Found 'Inquiry Data', value=%s\n", block.record.serialNumber.c_str());
+        printer.tracef("Setting serial number=%s\n", block.record.serialNumber.c_str());
+    }
+}
+
+void MEGAReader::readFirmwareState(std::string_view line, DriveBlock& block,
+                                   RAIDConfiguration* configuration) {
+    block.record.state = valueAfterColon(line);
+    block.record.derivedState = "GOOD";
+    block.mark = DriveBlock::Mark::none;
+    if (contains(line, "Unconfigured(good)") || contains(line, "Online") ||
+        contains(line, "Rebuild")) {
+        block.mark = DriveBlock::Mark::present;
+    } else if (contains(line, "Hotspare")) {
+        application().printer().trace("Found a Hotspare\n");
+        block.mark = DriveBlock::Mark::present;
+        if (configuration != nullptr) {
+            addCapturedHotspare(block.location, *configuration);
+        }
+    } else if (contains(line, "Unconfigured(bad)")) {
+        block.record.derivedState = "BAD";
+        block.mark = DriveBlock::Mark::bad;
+    }
+}
+
+/// A drive is a hot spare once, and only where a drive can be: one that cannot is named with the
+/// drive itself.
+void MEGAReader::addCapturedHotspare(const DriveLocation& location,
+                                     RAIDConfiguration& configuration) {
+    const auto& hotspares = configuration.hotspares();
+    const bool known =
+        std::any_of(hotspares.begin(), hotspares.end(), [&location](const Hotspare& hotspare) {
+            return hotspare.channelNumber == location.enclosure && hotspare.id == location.slot;
+        });
+    if (known || !RAIDController::isPosition(location.channel, location.slot)) {
+        return;
+    }
+    Hotspare hotspare;
+    hotspare.channelNumber = location.enclosure;
+    hotspare.id = location.slot;
+    hotspare.diskNumber = location.slot;
+    addHotspare(configuration, hotspare);
+}
+
+void MEGAReader::storeDrive(const DriveBlock& block) {
+    Printer& printer = application().printer();
+    const auto [enclosure, channel, slot, hasEnclosure, hasSlot] = block.location;
+    if (block.mark != DriveBlock::Mark::none && block.record.sizeMb > 0 &&
+        checkPosition(channel, slot)) {
+        controller().setSizeAndTarget(channel, slot, block.record.sizeMb, enclosure);
+        controller().setDriveRecord(channel, slot, block.record);
+        if (block.mark == DriveBlock::Mark::bad) {
+            controller().setUsed(channel, slot);
+            printer.tracef("Inserted new instance of RaidDisk(2) at location %d:%d\n", channel,
+                           slot);
+        } else {
+            printer.tracef("Inserted new instance of RaidDisk(1) at location %d:%d\n", channel,
+                           slot);
+        }
+    }
+    // What stands behind the last drive is no drive.
+    if (application().settings.debug && (hasEnclosure || hasSlot)) {
+        block.record.dump(printer);
+    }
+}
+
+void MEGAReader::getAdapterInfo() {
+    std::string_view line = nextLine();
+    while (!endsDrives(line)) {
+        line = nextLine();
+    }
+    if (line == endOfOutput) {
+        return;
+    }
+    for (line = nextLine(); !endsDrives(line); line = nextLine()) {
+        readAdapterLine(line);
+    }
+}
+
+void MEGAReader::readAdapterLine(std::string_view line) {
+    Printer& printer = application().printer();
+    if (contains(line, "FW Version")) {
+        const CString value(valueAfterColon(line));
+        printer.tracef("Found 'FW Version' value: %s\n", value.c_str());
+        controller().setFirmwareVersion(value);
+    } else if (contains(line, "BIOS Version") && !contains(line, "WebBIOS Version")) {
+        const CString value(valueAfterColon(line));
+        printer.tracef("Found 'BIOS Version' or 'WebBIOS Version' value: %s\n", value.c_str());
+        controller().setBiosVersion(value);
+    } else if (contains(line, "RAID Level Supported")) {
+        const CString value(valueAfterColon(line));
+        printer.tracef("Found 'RAID Level Supported' value: %s\n", value.c_str());
+        if (controller().subtype() == subtypeWithoutRaid5 && value.contains("RAID5")) {
+            controller().setSubtype(subtypeWithRaid5);
+        }
+    }
+}
+
+} // namespace zolex

@@ -1,0 +1,210 @@
+#include "commands/CFGGENCommands.h"
+
+#include "commands/GeneratorFixture.h"
+
+namespace zolex::test {
+namespace {
+
+class CFGGENCommandsTest : public GeneratorFixture {
+  protected:
+    void SetUp() override { makeController(controller_type::lsiSas, 2, 2); }
+};
+
+TEST_F(CFGGENCommandsTest, LevelsGiveTheirWord) {
+    struct Row {
+        std::int32_t level;
+        const char* line;
+    };
+    // clang-format off
+    const Row rows[] = {
+        {raid_level::raid0,  "UTIL.BAT CFGGEN 1 CREATE IS MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid1,  "UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid1E, "UTIL.BAT CFGGEN 1 CREATE IME MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid5,  "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid10, "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::volume, "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::none,   "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        Application fresh(platform);
+        makeController(controller_type::lsiSas, 2, 2);
+        addArrayOf(3);
+        addLogicalDrive(0, row.level);
+        CFGGENCommands generator(fresh);
+        generator.start(controller, 1, "UTIL.BAT CFGGEN");
+        EXPECT_TRUE(generator.generate());
+        ASSERT_NE(fresh.commands().get(0), nullptr);
+        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
+        EXPECT_EQ(fresh.commands().get(1), nullptr);
+    }
+}
+
+TEST_F(CFGGENCommandsTest, SizeAndInitialisationAreWritten) {
+    addArray({{2, 4}, {1, 9}});
+    addLogicalDrive(0, raid_level::raid1, 70000);
+    plan().init = init_choice::build;
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(lines(), (Lines{"UTIL.BAT CFGGEN 1 CREATE IM 70000 2:4 1:9 NOPROMPT"}));
+}
+
+TEST_F(CFGGENCommandsTest, HotsparesGetALineEachAfterTheArrays) {
+    addArrayOf(2);
+    addArrayOf(2, 2, 4);
+    addLogicalDrive(0, raid_level::raid1);
+    addLogicalDrive(1, raid_level::raid0, 10);
+    addHotspare(2, 7);
+    addHotspare(1, 6);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(lines(),
+              (Lines{"UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 qsync NOPROMPT",
+                     "UTIL.BAT CFGGEN 1 CREATE IS 10 2:4 2:5 qsync NOPROMPT",
+                     "UTIL.BAT CFGGEN 1 HOTSPARE 2:7 ", "UTIL.BAT CFGGEN 1 HOTSPARE 1:6 "}));
+}
+
+TEST_F(CFGGENCommandsTest, Type5NamesDrivesByTargetId) {
+    makeController(controller_type::lsiScsi, 1, 1);
+    controller.addDrive(1, 0, 1000, "SCSI", 11);
+    controller.addDrive(1, 1, 1000, "SCSI", 12);
+    controller.addDrive(1, 2, 1000, "SCSI", 13);
+    controller.addDrive(1, 3, 1000, "SCSI");
+    addArrayOf(2);
+    addLogicalDrive(0, raid_level::raid1);
+    addHotspare(1, 2);
+    addHotspare(1, 3);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(lines(), (Lines{"UTIL.BAT CFGGEN1.02.02 0 CREATE IM MAX 11 12 qsync NOPROMPT",
+                              "UTIL.BAT CFGGEN1.02.02 0 HOTSPARE 13 ",
+                              "UTIL.BAT CFGGEN1.02.02 0 HOTSPARE -1 "}));
+}
+
+TEST_F(CFGGENCommandsTest, StripeSizeNoneStays) {
+    addArrayOf(2);
+    addLogicalDrive(0, raid_level::raid1);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(plan().stripeSize, stripe::none);
+}
+
+TEST_F(CFGGENCommandsTest, PathPrefixStandsBeforeTheUtilityCommand) {
+    application.settings.commandPathPrefix = "D:\\";
+    addArrayOf(2);
+    addLogicalDrive(0, raid_level::raid1);
+    addHotspare(1, 2);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(lines(), (Lines{"D:\\UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 qsync NOPROMPT",
+                              "D:\\UTIL.BAT CFGGEN 1 HOTSPARE 1:2 "}));
+}
+
+TEST_F(CFGGENCommandsTest, TracesStandAtTheirPlaces) {
+    showTraces();
+    addArrayOf(3);
+    addLogicalDrive(0, raid_level::raid1E);
+    addHotspare(1, 3);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(output(), "Entering CFGGENCommands::doArraysAndLogicalDrives\n"
+                        "Processing controller type: 10\n"
+                        "Entering CFGGENCommands::translateRAIDLevelLSI, level=2\n"
+                        "Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=IME\n"
+                        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning true\n"
+                        "Entering CFGGENCommands::doHotspareDrives\n"
+                        "Processing controller type: 10\n"
+                        "Exiting CFGGENCommands::doHotspareDrives, returning true\n");
+}
+
+TEST_F(CFGGENCommandsTest, HotspareTracesStandAlsoWithoutHotspares) {
+    makeController(controller_type::lsiScsi, 1, 1);
+    showTraces();
+    addArrayOf(2);
+    addLogicalDrive(0, 99);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(output(), "Entering CFGGENCommands::doArraysAndLogicalDrives\n"
+                        "Processing controller type: 5\n"
+                        "Entering CFGGENCommands::translateRAIDLevelLSI, level=99\n"
+                        "Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=ERROR\n"
+                        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning true\n"
+                        "Entering CFGGENCommands::doHotspareDrives\n"
+                        "Processing controller type: 5\n"
+                        "Exiting CFGGENCommands::doHotspareDrives, returning true\n");
+}
+
+TEST_F(CFGGENCommandsTest, NoArrayFails) {
+    showTraces();
+    EXPECT_FALSE(generate());
+    EXPECT_EQ(output(), "Entering CFGGENCommands::doArraysAndLogicalDrives\n"
+                        "Processing controller type: 10\n"
+                        "\n#### ERROR\n\tEach controller must have at least one array.\n"
+                        "Could not configure Kestrix-B6, controller 4.\n\n"
+                        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(1)\n");
+    EXPECT_EQ(lines(), Lines{});
+}
+
+TEST_F(CFGGENCommandsTest, ArrayWithoutLogicalDriveFails) {
+    addArrayOf(2);
+    addArrayOf(2, 1, 2);
+    addLogicalDrive(0, raid_level::raid1);
+    addHotspare(1, 4);
+    showTraces();
+    EXPECT_FALSE(generate());
+    EXPECT_EQ(output(), "Entering CFGGENCommands::doArraysAndLogicalDrives\n"
+                        "Processing controller type: 10\n"
+                        "Entering CFGGENCommands::translateRAIDLevelLSI, level=1\n"
+                        "Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=IM\n"
+                        "\n#### ERROR\n\tEach array must have at least one logical drive.\n"
+                        "Could not configure Kestrix-B6, controller 4.\n\n"
+                        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(2)\n");
+    EXPECT_EQ(lines(), (Lines{"UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 qsync NOPROMPT"}));
+}
+
+TEST_F(CFGGENCommandsTest, SecondLogicalDriveOfAnArrayFailsAfterTheLine) {
+    addArrayOf(2);
+    addArrayOf(2, 1, 2);
+    addLogicalDrive(0, raid_level::raid1);
+    addLogicalDrive(1, raid_level::raid1);
+    addLogicalDrive(0, raid_level::raid0);
+    showTraces();
+    EXPECT_FALSE(generate());
+    EXPECT_EQ(output(), "Entering CFGGENCommands::doArraysAndLogicalDrives\n"
+                        "Processing controller type: 10\n"
+                        "Entering CFGGENCommands::translateRAIDLevelLSI, level=1\n"
+                        "Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=IM\n"
+                        "\n#### ERROR\n\tEach array must have at least one logical drive.\n"
+                        "Could not configure Kestrix-B6, controller 4.\n\n"
+                        "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(3)\n");
+    EXPECT_EQ(lines(), (Lines{"UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 qsync NOPROMPT"}));
+}
+
+TEST_F(CFGGENCommandsTest, LinesThatDoNotFitFail) {
+    struct Row {
+        std::size_t left;
+        const char* lastLine;
+    };
+    const Row rows[] = {
+        {0, "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(4)\n"},
+        {1, "Exiting CFGGENCommands::doHotspareDrives, returning false(1)\n"},
+    };
+    for (const Row& row : rows) {
+        Application fresh(platform);
+        fresh.printer().setVerbosity(level::traces);
+        for (std::size_t i = row.left; i < CommandList::slots; ++i) {
+            ASSERT_TRUE(fresh.commands().add("earlier"));
+        }
+        makeController(controller_type::lsiSas, 2, 2);
+        addArrayOf(2);
+        addLogicalDrive(0, raid_level::raid1);
+        addHotspare(1, 2);
+        CFGGENCommands generator(fresh);
+        generator.start(controller, 4, "UTIL.BAT CFGGEN");
+        EXPECT_FALSE(generator.generate());
+        const std::string printed = output();
+        const std::string expected =
+            std::string("\n#### ERROR\n\tMore than 32 configuration "
+                        "commands were generated.\n"
+                        "Could not configure Kestrix-B6, controller 4.\n\n") +
+            row.lastLine;
+        ASSERT_GE(printed.size(), expected.size());
+        EXPECT_EQ(printed.substr(printed.size() - expected.size()), expected);
+    }
+}
+
+} // namespace
+} // namespace zolex::test

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zolex::e2e {
+
+/// What a program did.
+struct ProgramRun {
+    int exitCode = -1;
+    std::string output; ///< standard output, CR LF folded
+    std::string error;  ///< standard error, CR LF folded
+};
+
+/// A server that exists only as files, in a folder of its own that goes away with it.
+class VirtualServer {
+  public:
+    /// Lays out the server of a definition (JSON text); of the default sample when it is empty.
+    explicit VirtualServer(const std::string& definition = {});
+    ~VirtualServer();
+    VirtualServer(const VirtualServer&) = delete;
+    VirtualServer& operator=(const VirtualServer&) = delete;
+
+    /// Whether the folder was laid out.
+    [[nodiscard]] bool isReady() const { return ready_; }
+    /// Runs the program, its pauses taking no time, with `input` as standard input.
+    ProgramRun zolex(const std::vector<std::string>& arguments, const std::string& input = {});
+    /// Runs the program as it is shipped.
+    ProgramRun shippedZolex(const std::vector<std::string>& arguments,
+                            const std::string& input = {});
+    /// Runs the virtual server's own program.
+    ProgramRun simulator(const std::vector<std::string>& arguments);
+
+    /// Variables of the environment for the runs to come.
+    std::map<std::string, std::string> environment;
+
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+    [[nodiscard]] std::string read(const std::string& name) const;
+    void write(const std::string& name, const std::string& content) const;
+    [[nodiscard]] bool exists(const std::string& name) const;
+
+  private:
+    ProgramRun run(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::string& input);
+
+    std::filesystem::path folder_;
+    bool ready_ = false;
+};
+
+/// The text without what differs from capture to capture: the header comments with date and time.
+std::string withoutComments(const std::string& policies);
+
+/// Each line of `text` that begins with `start`, without it.
+std::vector<std::string> linesAfter(const std::string& text, const std::string& start);
+
+} // namespace zolex::e2e

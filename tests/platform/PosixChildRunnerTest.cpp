@@ -1,0 +1,299 @@
+#ifndef _WIN32
+
+#include "platform/posix/ChildRunner.h"
+
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zolex {
+namespace {
+
+using posix::Notice;
+using std::chrono::milliseconds;
+using test::TemporaryDirectory;
+
+/// Number of descriptors that this process has open.
+std::ptrdiff_t openDescriptors() {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+}
+
+/// Every test, for both ways in which the end of a child is noticed.
+class PosixChildRunner : public ::testing::TestWithParam<Notice> {
+  protected:
+    ChildResult run(const std::string& commandLine, milliseconds limit = std::chrono::minutes(5)) {
+        const auto start = std::chrono::steady_clock::now();
+        ChildResult result = posix::runChild(commandLine, true, limit, GetParam());
+        taken = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
+        return result;
+    }
+
+    /// The process that a shell wrote into "pid" as itself.
+    static pid_t writtenProcess() { return std::atoi(TemporaryDirectory::read("pid").c_str()); }
+
+    /// The wait status of a child that was left running, when it has ended.
+    static int statusOf(pid_t child) {
+        int status = -1;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        return status;
+    }
+
+    TemporaryDirectory directory;
+    milliseconds taken{0};
+};
+
+INSTANTIATE_TEST_SUITE_P(Notices, PosixChildRunner,
+                         ::testing::Values(Notice::byDescriptor, Notice::bySlices),
+                         [](const auto& test) {
+                             return test.param == Notice::byDescriptor ? "Descriptor" : "Slices";
+                         });
+
+TEST_P(PosixChildRunner, ExitCodesFrom0To255) {
+    for (const unsigned code : {0U, 1U, 3U, 127U, 128U, 255U}) {
+        const ChildResult result = run("/bin/sh -c \"exit " + std::to_string(code) + "\"");
+        EXPECT_EQ(result.outcome, ChildOutcome::ended);
+        EXPECT_EQ(result.exitCode, code);
+    }
+}
+
+TEST_P(PosixChildRunner, ASignalGives128AndItsNumber) {
+    EXPECT_EQ(run("/bin/sh -c \"echo x; kill -9 $$\"").exitCode, 137U);
+    EXPECT_EQ(run("/bin/sh -c \"kill -TERM $$\"").exitCode, 143U);
+    const ChildResult result = run("/bin/sh -c \"echo before; kill -9 $$\"");
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.output, "before\n");
+}
+
+TEST_P(PosixChildRunner, AChildThatOutlastsTheLimitIsLeftRunning) {
+    const ChildResult result = run("/bin/sh -c \"echo $$ > pid; exec sleep 5\"", milliseconds(100));
+    EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
+    EXPECT_EQ(result.output, "");
+    EXPECT_GE(taken, milliseconds(100));
+    EXPECT_LT(taken, milliseconds(1000));
+    const pid_t child = writtenProcess();
+    ASSERT_GT(child, 0);
+    EXPECT_EQ(::waitpid(child, nullptr, WNOHANG), 0) << "it still runs";
+    ASSERT_EQ(::kill(child, SIGKILL), 0);
+    EXPECT_EQ(WTERMSIG(statusOf(child)), SIGKILL);
+}
+
+TEST_P(PosixChildRunner, AChildLeftRunningCanGoOnWriting) {
+    // Symptom: a child that wrote after the limit was ended by SIGPIPE, its output having been
+    // closed.
+    ASSERT_EQ(::mkfifo("go", 0600), 0);
+    const ChildResult result =
+        run("/bin/sh -c \"echo $$ > pid; read x < go; echo more || exit 9; echo more; exit 77\"",
+            milliseconds(100));
+    EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
+    const pid_t child = writtenProcess();
+    ASSERT_GT(child, 0);
+    directory.write("go", "go on\n");
+    const int status = statusOf(child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 77);
+}
+
+TEST_P(PosixChildRunner, AChildThatNeverStopsWritingIsGivenUpAtTheLimit) {
+    const ChildResult result = run("/bin/sh -c \"echo $$ > pid; exec yes\"", milliseconds(100));
+    EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
+    EXPECT_LT(taken, milliseconds(3000));
+    const pid_t child = writtenProcess();
+    ASSERT_GT(child, 0);
+    ASSERT_EQ(::kill(child, SIGKILL), 0);
+    EXPECT_EQ(WTERMSIG(statusOf(child)), SIGKILL);
+}
+
+TEST_P(PosixChildRunner, AProgramLeftBehindIsNotWaitedFor) {
+    // The sleeping program holds the child's output.
+    const ChildResult result =
+        run("/bin/sh -c \"echo first; sleep 5 & echo $! > pid; echo last; exit 4\"");
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.exitCode, 4U);
+    EXPECT_EQ(result.output, "first\nlast\n");
+    EXPECT_LT(taken, milliseconds(2000));
+    ASSERT_GT(writtenProcess(), 0);
+    EXPECT_EQ(::kill(writtenProcess(), SIGKILL), 0);
+}
+
+TEST_P(PosixChildRunner, AChildThatClosesItsOutputIsWaitedFor) {
+    const ChildResult result = run("/bin/sh -c \"echo x; exec >&- 2>&-; sleep 0.1; exit 6\"");
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.exitCode, 6U);
+    EXPECT_EQ(result.output, "x\n");
+}
+
+TEST_P(PosixChildRunner, FiveMegabytesKeepTheirOrder) {
+    const ChildResult result = run("seq 1 700000");
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    std::string expected;
+    for (int i = 1; i <= 700000; ++i) {
+        expected += std::to_string(i) + '\n';
+    }
+    EXPECT_GT(expected.size(), 4500000U);
+    EXPECT_TRUE(result.output == expected);
+}
+
+TEST_P(PosixChildRunner, BytesOfTheOutputStay) {
+    const ChildResult result = run("printf 'a\\r\\nb\\000\\377c'");
+    EXPECT_EQ(result.output, std::string("'a\r\nb\0\xFF"
+                                         "c'",
+                                         9));
+}
+
+TEST_P(PosixChildRunner, QuotesGroupArguments) {
+    directory.write("show", "#!/bin/sh\nfor a in \"$@\"; do echo \"[$a]\"; done\n", true);
+    EXPECT_EQ(run("show a \"b c\" d\"e\tf\"g \"\"  h").output, "[a]\n[b c]\n[de\tfg]\n[]\n[h]\n");
+    EXPECT_EQ(run("\"./show\" x").output, "[x]\n");
+    EXPECT_EQ(run("show back\\slash").output, "[back\\slash]\n");
+}
+
+TEST_P(PosixChildRunner, AScriptWithoutAFirstLineOfItsOwnIsRunByTheShell) {
+    directory.write("script", "echo \"$0 $# $2\"\r\n", true);
+    directory.write("empty", "", true);
+    directory.write("sub/script", "echo \"$0\"\nexit 9\n", true);
+    EXPECT_EQ(run("script a \"b c\"").output, "./script 2 b c\r\n");
+    EXPECT_EQ(run("empty").outcome, ChildOutcome::ended);
+    EXPECT_EQ(run("empty").exitCode, 0U);
+    EXPECT_EQ(run("sub/script").output, "sub/script\n");
+    EXPECT_EQ(run("sub/script").exitCode, 9U);
+}
+
+TEST_P(PosixChildRunner, AScriptWithAFirstLineChoosesItsInterpreter) {
+    directory.write("script", "#!/bin/cat\nno shell reads this: $(exit 3\n", true);
+    directory.write("lost", "#!/no/such/interpreter\necho x\n", true);
+    EXPECT_EQ(run("script").output, "#!/bin/cat\nno shell reads this: $(exit 3\n");
+    EXPECT_EQ(run("lost").outcome, ChildOutcome::notStarted);
+}
+
+TEST_P(PosixChildRunner, WhatIsNoProgramIsNotStarted) {
+    directory.write("text", "echo x\n");
+    directory.write("folder/text", "echo x\n");
+    for (const char* commandLine : {"text", "./text", "folder", "./folder", "folder/text", "."}) {
+        EXPECT_EQ(run(commandLine).outcome, ChildOutcome::notStarted) << commandLine;
+    }
+}
+
+TEST_P(PosixChildRunner, LetterCaseOfAProgramMatters) {
+    directory.write("UTIL.BAT", "echo x\n", true);
+    EXPECT_EQ(run("UTIL.BAT").output, "x\n");
+    EXPECT_EQ(run("util.bat").outcome, ChildOutcome::notStarted);
+}
+
+TEST_P(PosixChildRunner, TheDirectoryOfTheExecutableComesFirst) {
+    const auto own = std::filesystem::read_symlink("/proc/self/exe").parent_path() /
+                     ("zolex-test-program-" + std::to_string(::getpid()));
+    const std::string name = own.filename().string();
+    directory.write(name, "echo here\n", true);
+    EXPECT_EQ(run(name).output, "here\n");
+    std::filesystem::copy_file(directory.path() + "/" + name, own);
+    directory.write(name, "echo not here\n", true);
+    EXPECT_EQ(run(name).output, "here\n");
+    std::filesystem::remove(own);
+    EXPECT_EQ(run(name).output, "not here\n");
+}
+
+TEST_P(PosixChildRunner, TheCurrentDirectoryComesBeforeThePath) {
+    EXPECT_EQ(run("echo found").output, "found\n");
+    directory.write("echo", "printf 'own\\n'\n", true);
+    EXPECT_EQ(run("echo found").output, "own\n");
+}
+
+TEST_P(PosixChildRunner, NoDescriptorAndNoProcessStaysBehind) {
+    run("/bin/sh -c \"exit 0\"");
+    const auto before = openDescriptors();
+    pid_t child = 0;
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(run("/bin/sh -c \"echo $$\"").outcome, ChildOutcome::ended);
+        EXPECT_EQ(run("zolex-no-such-program").outcome, ChildOutcome::notStarted);
+        child = std::atoi(run("/bin/sh -c \"echo $$\"").output.c_str());
+        ASSERT_GT(child, 0);
+        errno = 0;
+        EXPECT_EQ(::waitpid(child, nullptr, WNOHANG), -1);
+        EXPECT_EQ(errno, ECHILD) << "the child was left as a zombie";
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_P(PosixChildRunner, AChildSeesOnlyItsOwnDescriptors) {
+    const ChildResult result = run("/bin/sh -c \"ls /proc/self/fd | wc -l\"");
+    // Its three streams and the directory that it lists; this process may hand on its own.
+    const auto inherited = [] {
+        std::ptrdiff_t count = 0;
+        for (int descriptor = 3; descriptor < 1024; ++descriptor) {
+            const int flags = ::fcntl(descriptor, F_GETFD);
+            count += flags >= 0 && (flags & FD_CLOEXEC) == 0 ? 1 : 0;
+        }
+        return count;
+    }();
+    EXPECT_EQ(std::atoi(result.output.c_str()), 4 + inherited);
+}
+
+TEST_P(PosixChildRunner, WorksWithoutAnInputOfItsOwn) {
+    // Symptom: in a process started with its input closed, the pipe gets descriptor 0, and the
+    // child's own input took its place.
+    const int saved = ::dup(STDIN_FILENO);
+    ::close(STDIN_FILENO);
+    const ChildResult result = run("/bin/sh -c \"cat; echo x; echo y >&2\"");
+    if (saved >= 0) {
+        ::dup2(saved, STDIN_FILENO);
+        ::close(saved);
+    }
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.output, "x\ny\n");
+}
+
+TEST_P(PosixChildRunner, ExitCodesAreKeptWhereChildSignalsAreIgnored) {
+    // Symptom: started by a parent that ignores SIGCHLD, every child counted as not ended.
+    const auto before = std::signal(SIGCHLD, SIG_IGN);
+    const ChildResult result = run("/bin/sh -c \"exit 3\"");
+    EXPECT_EQ(std::signal(SIGCHLD, before), SIG_IGN) << "the disposition is put back";
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.exitCode, 3U);
+}
+
+TEST_P(PosixChildRunner, EveryShortageOfDescriptorsHasItsOutcome) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    std::vector<rlim_t> freeOnes;
+    for (int descriptor = 0; freeOnes.size() < 5; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) < 0) {
+            freeOnes.push_back(static_cast<rlim_t>(descriptor));
+        }
+    }
+    const Notice notice = GetParam();
+    std::vector<ChildOutcome> outcomes;
+    for (std::size_t spare = 0; spare < freeOnes.size(); ++spare) {
+        rlimit narrow = before;
+        narrow.rlim_cur = freeOnes[spare]; // as many are free below this one
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &narrow), 0);
+        // Nothing of the fixture is touched here: the sanitizers want a descriptor to look at it.
+        const ChildResult result =
+            posix::runChild("/bin/sh -c \"exit 3\"", true, std::chrono::minutes(5), notice);
+        ::setrlimit(RLIMIT_NOFILE, &before);
+        outcomes.push_back(result.outcome);
+        EXPECT_EQ(result.exitCode, result.outcome == ChildOutcome::ended ? 3U : 0U) << spare;
+    }
+    // The pipe takes two; without a third the end of the child is noticed by asking.
+    EXPECT_EQ(outcomes,
+              (std::vector{ChildOutcome::noPipe, ChildOutcome::noPipe, ChildOutcome::ended,
+                           ChildOutcome::ended, ChildOutcome::ended}));
+}
+
+} // namespace
+} // namespace zolex
+
+#endif

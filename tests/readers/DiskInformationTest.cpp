@@ -1,0 +1,300 @@
+#include "readers/DiskInformation.h"
+#include "controllers/Application.h"
+#include "controllers/ControllerList.h"
+#include "readers/ConfigurationReader.h"
+#include "readers/MegaCliListings.h"
+#include "support/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace zolex::test {
+namespace {
+
+/// What a scripted reader saw, and whether one is alive.
+struct ReaderLog {
+    int created = 0;
+    int alive = 0;
+    int reads = 0;
+    bool result = true;
+    std::int32_t newSubtype = subtypeNotSet;
+};
+
+class ScriptedReader : public ConfigurationReader {
+  public:
+    ScriptedReader(Application& application, ReaderLog& log)
+        : ConfigurationReader(application), log_(log) {
+        ++log_.created;
+        ++log_.alive;
+    }
+    ~ScriptedReader() override { --log_.alive; }
+
+    bool readConfiguration(RAIDController& controller,
+                           std::shared_ptr<CapturedOutput> output) override {
+        EXPECT_EQ(output, controller.capturedOutput(0));
+        ++log_.reads;
+        if (log_.newSubtype != subtypeNotSet) {
+            controller.setSubtype(log_.newSubtype);
+        }
+        return log_.result;
+    }
+
+  private:
+    ReaderLog& log_;
+};
+
+/// Creates scripted readers, or none.
+class ScriptedDiskInformation : public DiskInformation {
+  public:
+    ScriptedDiskInformation(Application& application, ReaderLog& log, bool creates = true)
+        : DiskInformation(application), application_(application), log_(log), creates_(creates) {}
+
+  protected:
+    std::unique_ptr<ConfigurationReader> createReader(const ReaderEntry& entry) override {
+        types += std::to_string(entry.controllerType) + " ";
+        return creates_ ? std::make_unique<ScriptedReader>(application_, log_) : nullptr;
+    }
+
+  public:
+    std::string types;
+
+  private:
+    Application& application_;
+    ReaderLog& log_;
+    bool creates_;
+};
+
+class DiskInformationTest : public ::testing::Test {
+  protected:
+    DiskInformationTest() { application.printer().setVerbosity(level::progress); }
+
+    RAIDController& add(std::int32_t type, std::int32_t subtype, int outputs) {
+        auto controller = std::make_unique<RAIDController>();
+        controller->setType(type);
+        controller->setSubtype(subtype);
+        for (int i = 0; i < outputs; ++i) {
+            captured.push_back(std::make_shared<CapturedOutput>("\n"));
+            controller->addCapturedOutput(captured.back());
+        }
+        return *controllers.add(std::move(controller));
+    }
+    bool read(bool creates = true) {
+        ScriptedDiskInformation information(application, log, creates);
+        const bool result = information.readDiskInformation(controllers);
+        types = information.types;
+        return result;
+    }
+    std::string takeOutput() { return platform.consoleFake.takeOutput(); }
+    /// No controller holds an output any more, and nobody else holds one.
+    void expectOutputsClosed() {
+        for (std::size_t i = 0; i < controllers.count(); ++i) {
+            for (std::size_t slot = 0; slot < 4; ++slot) {
+                EXPECT_EQ(controllers.controller(i)->capturedOutput(slot), nullptr);
+            }
+        }
+        for (const auto& output : captured) {
+            EXPECT_EQ(output.use_count(), 1);
+        }
+        EXPECT_EQ(log.alive, 0);
+    }
+
+    FakePlatform platform;
+    Application application{platform};
+    ControllerList controllers;
+    std::vector<std::shared_ptr<CapturedOutput>> captured;
+    ReaderLog log;
+    std::string types;
+};
+
+TEST_F(DiskInformationTest, NoControllerIsASuccess) {
+    application.printer().setVerbosity(level::traces);
+    EXPECT_TRUE(read());
+    EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
+                            "Exiting DiskInformation::readDiskInformation(4)\n");
+}
+
+TEST_F(DiskInformationTest, EveryControllerIsReadByTheReaderOfItsType) {
+    add(12, 1, 3);
+    add(4, 0, 1);
+    EXPECT_TRUE(read());
+    EXPECT_EQ(types, "12 4 ");
+    EXPECT_EQ(log.reads, 2);
+    EXPECT_EQ(log.created, 2);
+    EXPECT_EQ(takeOutput(), "\tController 1:  LSI-MegaRAID-8480\n\tController 2:  " +
+                                std::string(application.controllerName(4, 0).c_str()) + "\n");
+    expectOutputsClosed();
+}
+
+TEST_F(DiskInformationTest, TheControllerLineIsAtLevel3) {
+    add(12, 1, 1);
+    application.printer().setVerbosity(level::always);
+    EXPECT_TRUE(read());
+    EXPECT_EQ(takeOutput(), "");
+}
+
+TEST_F(DiskInformationTest, TypesWithoutReaderAreAnInternalError) {
+    for (const std::int32_t type : {13, 0, -1}) {
+        controllers = ControllerList();
+        add(type, 1, 1);
+        application.printer().setVerbosity(level::traces);
+        EXPECT_FALSE(read());
+        EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
+                                "\tController 1:  ERROR-NO-CONTROLLER\n"
+                                "\n#### ERROR\n\tAn internal error has occurred.\n\n"
+                                "Exiting DiskInformation::readDiskInformation(1)\n");
+        expectOutputsClosed();
+    }
+}
+
+TEST_F(DiskInformationTest, AReaderThatCannotBeCreatedIsReported) {
+    add(12, 1, 3);
+    application.printer().setVerbosity(level::traces);
+    EXPECT_FALSE(read(false));
+    EXPECT_EQ(takeOutput(),
+              "Entering DiskInformation::readDiskInformation\n"
+              "\tController 1:  LSI-MegaRAID-8480\n"
+              "\n#### ERROR\n\tCould not read a config file for the following controller:  "
+              "LSI-MegaRAID-8480\n"
+              "Exiting DiskInformation::readDiskInformation(2)\n");
+    expectOutputsClosed();
+}
+
+TEST_F(DiskInformationTest, AControllerWithoutOutputIsReported) {
+    add(12, 1, 0);
+    application.printer().setVerbosity(level::traces);
+    EXPECT_FALSE(read());
+    EXPECT_EQ(takeOutput(),
+              "Entering DiskInformation::readDiskInformation\n"
+              "\tController 1:  LSI-MegaRAID-8480\n"
+              "Entering DiskInformation::parseDiskInfo\n"
+              "\n#### ERROR\n\tCould not read a config file for the following controller:  "
+              "LSI-MegaRAID-8480\n"
+              "Exiting DiskInformation::readDiskInformation(3)\n");
+    EXPECT_EQ(log.reads, 0);
+    expectOutputsClosed();
+}
+
+TEST_F(DiskInformationTest, TheFirstFormatErrorEndsTheRead) {
+    add(12, 2, 3);
+    add(12, 1, 3);
+    log.result = false;
+    log.newSubtype = 1; // the controller is named by what it is then known to be
+    application.printer().setVerbosity(level::traces);
+    EXPECT_FALSE(read());
+    EXPECT_EQ(takeOutput(),
+              "Entering DiskInformation::readDiskInformation\n"
+              "\tController 1:  Kestrix-C1\n"
+              "Entering DiskInformation::parseDiskInfo\n"
+              "\n#### ERROR\n\tFormat error in config file for the following controller:  "
+              "LSI-MegaRAID-8480\n"
+              "Exiting DiskInformation::readDiskInformation(3)\n");
+    EXPECT_EQ(log.reads, 1);
+    expectOutputsClosed();
+}
+
+TEST_F(DiskInformationTest, VerboseOutputDumpsTheController) {
+    for (const bool capture : {false, true}) {
+        controllers = ControllerList();
+        RAIDController& controller = add(12, 1, 3);
+        controller.setSize(1, 2, 1000);
+        controller.setConfiguration(std::make_unique<RAIDConfiguration>());
+        application.settings.capture = capture;
+        application.printer().setVerbosity(level::detail);
+        controller.dump(application.printer(), capture);
+        const std::string dump = takeOutput();
+        EXPECT_EQ(countOf(dump, "#### START Configuration dump ####\n"), capture ? 1U : 0U);
+        EXPECT_TRUE(read());
+        EXPECT_EQ(takeOutput(), "\tController 1:  LSI-MegaRAID-8480\n" + dump);
+        application.printer().setVerbosity(4);
+        EXPECT_TRUE(controller.addCapturedOutput(std::make_shared<CapturedOutput>("")));
+        EXPECT_TRUE(read());
+        EXPECT_EQ(takeOutput(), "\tController 1:  LSI-MegaRAID-8480\n");
+    }
+}
+
+TEST_F(DiskInformationTest, TracesOfASuccessfulRead) {
+    RAIDController& controller = add(12, 1, 0);
+    controller.addCapturedOutput(std::make_shared<CapturedOutput>(""));
+    controller.addCapturedOutput(std::make_shared<CapturedOutput>(""));
+    application.printer().setVerbosity(level::traces);
+    controller.dump(application.printer(), false);
+    const std::string dump = takeOutput();
+    EXPECT_TRUE(DiskInformation(application).readDiskInformation(controllers));
+    EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
+                            "\tController 1:  LSI-MegaRAID-8480\n"
+                            "Creating MEGAReader\n"
+                            "Entering DiskInformation::parseDiskInfo\n"
+                            "Entering MEGAReader::readConfiguration\n"
+                            "Exitng MEGAReader::readConfiguration, returning true\n" +
+                                dump +
+                                "Exiting DiskInformation::parseDiskInfo, returning true\n"
+                                "Exiting DiskInformation::readDiskInformation(4)\n");
+    expectOutputsClosed();
+}
+
+// The second capture of one run (capture after restore, deploy after restore) found the slots of
+// the outputs taken and read the outputs of the first one again.
+TEST_F(DiskInformationTest, ALaterCaptureStartsAfresh) {
+    RAIDController& controller = add(12, 1, 4);
+    EXPECT_FALSE(controller.addCapturedOutput(std::make_shared<CapturedOutput>("")));
+    EXPECT_TRUE(read());
+    const auto later = std::make_shared<CapturedOutput>("");
+    EXPECT_TRUE(controller.addCapturedOutput(later));
+    EXPECT_EQ(controller.capturedOutput(0), later);
+}
+
+TEST_F(DiskInformationTest, DrivesComeFromTheDefinitionFile) {
+    add(12, 1, 2);
+    add(10, 1, 0);
+    add(12, 1, 0);
+    application.settings.controllerDefinitionFile = "some.ini";
+    platform.fileFake.files["some.ini"] = "[Controller.0]\nType=12\nSubType=1\n"
+                                          "C1S0=70000\nc4s35=1\nC2S7=x\nC3S1=\nC0S0=9\nC1S36=9\n"
+                                          "C5S0=9\n"
+                                          "[Controller.1]\nType=10\nC2S3=36000\n"
+                                          "[Controller.2]\nSubType=1\nC1S0=5\n";
+    application.printer().setVerbosity(level::traces);
+    EXPECT_TRUE(read());
+    EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
+                            "Reading drives from file:  some.ini\n"
+                            "\tController 1:  LSI-MegaRAID-8480\n"
+                            "\tController 2:  LSI-SAS-1078-IR\n");
+    const auto sizes = [this](std::size_t i) {
+        std::string text;
+        controllers.controller(i)->forEachDrive([&](std::int32_t channel, std::int32_t id) {
+            text += std::to_string(channel) + ":" + std::to_string(id) + "=" +
+                    std::to_string(controllers.controller(i)->size(channel, id)) + " ";
+        });
+        return text;
+    };
+    EXPECT_EQ(sizes(0), "1:0=70000 2:7=0 4:35=1 ");
+    EXPECT_EQ(controllers.controller(0)->size(0, 0), RAIDController::noDrive);
+    EXPECT_EQ(sizes(1), "2:3=36000 ");
+    EXPECT_EQ(sizes(2), ""); // no "Type"
+    EXPECT_EQ(log.created, 0);
+    expectOutputsClosed();
+}
+
+TEST_F(DiskInformationTest, TheDefinitionEndsAtTheFirstSectionWithoutType) {
+    add(12, 1, 0);
+    add(12, 1, 0);
+    application.settings.controllerDefinitionFile = "some.ini";
+    platform.fileFake.files["some.ini"] = "[Controller.0]\nType=\nC1S0=1\n"
+                                          "[Controller.1]\nType=12\nC1S0=1\n";
+    EXPECT_TRUE(read());
+    EXPECT_EQ(takeOutput(), "");
+    EXPECT_EQ(controllers.controller(0)->numberOfDrives(), 0);
+    EXPECT_EQ(controllers.controller(1)->numberOfDrives(), 0);
+}
+
+TEST_F(DiskInformationTest, ADefinitionFileThatIsNotThereGivesNoDrives) {
+    add(12, 1, 0);
+    application.settings.controllerDefinitionFile = "some.ini";
+    EXPECT_TRUE(read());
+    EXPECT_EQ(controllers.controller(0)->numberOfDrives(), 0);
+}
+
+} // namespace
+} // namespace zolex::test

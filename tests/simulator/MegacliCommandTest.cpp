@@ -1,0 +1,333 @@
+#include "simulator/SimulatorSupport.h"
+
+namespace zolex_sim::test {
+namespace {
+
+// Six drives of two sizes in enclosure 8, two outside every enclosure, and one of each kind that is
+// not free.
+constexpr const char* drives = R"(
+    {"enclosure": 8, "slot": 0, "count": 8, "sizeMB": 1000},
+    {"enclosure": 8, "slot": 8, "sizeMB": 900},
+    {"slot": 0, "count": 2, "sizeMB": 500},
+    {"enclosure": 9, "slot": 0, "sizeMB": 1000, "status": "bad"},
+    {"enclosure": 9, "slot": 1, "sizeMB": 1000, "status": "failed"},
+    {"enclosure": 9, "slot": 2, "sizeMB": 1000, "status": "foreign"},
+    {"enclosure": 9, "slot": 3, "sizeMB": 1000, "status": "hotspare"})";
+
+Server testServer(const std::string& controller = "") {
+    return serverOf(definitionWith(drives, controller));
+}
+
+/// What is left of the dump when the drives that no test uses are taken away.
+std::string logicalDrivesOf(const Server& server) {
+    const std::string text = dump(server.controllers.front());
+    const std::size_t found = text.find("RAID");
+    return found == std::string::npos ? "" : text.substr(found);
+}
+
+TEST(MegacliCommand, Creates) {
+    const struct {
+        const char* options;
+        const char* result;
+    } rows[] = {
+        // As it comes from a command line, blanks and all.
+        {"-CfgLdAdd R5  [ 8:0,8:1,8:2 ]   WB   ADRA   { -sz1500 }  -strpsz 32  -a0",
+         "RAID5 [8:0,8:1,8:2] 1500MB 32kB WB ADRA"},
+        {"-CfgLdAdd R0  [ 8:0 ]  -a0", "RAID0 [8:0] 1000MB 64kB WT NORA"},
+        {"-CfgLdAdd R1 [ 8:1,8:0 ] -a0", "RAID1 [8:1,8:0] 1000MB 64kB WT NORA"},
+        {"-CfgLdAdd R6 [8:0,8:1,8:2,8:3] -a0", "RAID6 [8:0,8:1,8:2,8:3] 2000MB 64kB WT NORA"},
+        // The smallest member counts.
+        {"-CfgLdAdd R5 [8:0,8:1,8:8] -a0", "RAID5 [8:0,8:1,8:8] 1800MB 64kB WT NORA"},
+        {"-CfgLdAdd R0 [8:8,8:1] -a0", "RAID0 [8:8,8:1] 1800MB 64kB WT NORA"},
+        {"-CfgSpanAdd R10  -Array0[ 8:0,8:1 ]  -Array1[ 8:2,8:8 ]   WT   NORA   -strpsz 128 -a0",
+         "RAID10 [8:0,8:1][8:2,8:8] 1800MB 128kB WT NORA"},
+        {"-CfgSpanAdd R50 -Array0[8:0,8:1,8:2] -Array1[8:3,8:4,8:5] WB RA -strpsz 8 -a0",
+         "RAID50 [8:0,8:1,8:2][8:3,8:4,8:5] 4000MB 8kB WB RA"},
+        {"-CfgSpanAdd R60 -Array0[8:0,8:1,8:2,8:3] -Array1[8:4,8:5,8:6,8:7] {-sz3999} -a0",
+         "RAID60 [8:0,8:1,8:2,8:3][8:4,8:5,8:6,8:7] 3999MB 64kB WT NORA"},
+        // Blanks missing or extra, any order, any letter case.
+        {"-cfgldadd r1[8:0,8:1]wb{-sz10}-STRPSZ16 -A0", "RAID1 [8:0,8:1] 10MB 16kB WB NORA"},
+        {"-CfgLdAdd R1 [ 8:0 , 8:1 ] -a 0 { -sz 10 } -strpsz 1024 NORA WB",
+         "RAID1 [8:0,8:1] 10MB 1024kB WB NORA"},
+        {"-CfgLdAdd R1 [8:0,8:1] -sz1000 -a0", "RAID1 [8:0,8:1] 1000MB 64kB WT NORA"},
+        // Drives outside every enclosure.
+        {"-CfgLdAdd R1 [:0,:1] -a0", "RAID1 [:0,:1] 500MB 64kB WT NORA"},
+        {"-CfgLdAdd R1 [0:0,0:1] -a0", "RAID1 [:0,:1] 500MB 64kB WT NORA"},
+        {"-CfgLdAdd R1 [0:0,8:1] -a0", "RAID1 [:0,8:1] 500MB 64kB WT NORA"},
+    };
+    for (const auto& row : rows) {
+        Server server = testServer();
+        const PlayResult result = megacli(server, row.options);
+        EXPECT_EQ(result.output, std::string(37, ' ') +
+                                     "\nAdapter 0: Created VD 0\n\n"
+                                     "Adapter 0: Configured the Adapter!!\n\nExit Code: 0x00\n")
+            << row.options;
+        EXPECT_EQ(result.exitCode, 0) << row.options;
+        EXPECT_TRUE(result.changed) << row.options;
+        EXPECT_EQ(logicalDrivesOf(server), row.result) << row.options;
+    }
+}
+
+TEST(MegacliCommand, RefusesWithAReasonAndChangesNothing) {
+    const struct {
+        const char* options;
+        int exitCode;
+        const char* reason;
+    } rows[] = {
+        {"-CfgLdAdd R1 [8:0,8:9] -a0", 0x0c, "There is no physical disk at 8:9."},
+        {"-CfgLdAdd R1 [8:0,:2] -a0", 0x0c, "There is no physical disk at :2."},
+        {"-CfgLdAdd R1 [8:0,0:2] -a0", 0x0c, "There is no physical disk at 0:2."},
+        {"-CfgLdAdd R1 [8:0,:8] -a0", 0x0c, "There is no physical disk at :8."},
+        {"-CfgLdAdd R1 [8:0,8:0] -a0", 0x03, "The physical disk at 8:0 is named twice."},
+        {"-CfgLdAdd R1 [0:0,:0] -a0", 0x03, "The physical disk at :0 is named twice."},
+        {"-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:1,8:2] -a0", 0x03,
+         "The physical disk at 8:1 is named twice."},
+        {"-CfgLdAdd R1 [8:0,9:0] -a0", 0x26, "The physical disk at 9:0 is not free: it is bad."},
+        {"-CfgLdAdd R1 [8:0,9:1] -a0", 0x26, "The physical disk at 9:1 is not free: it is failed."},
+        {"-CfgLdAdd R1 [8:0,9:2] -a0", 0x26,
+         "The physical disk at 9:2 is not free: it is foreign."},
+        {"-CfgLdAdd R1 [8:0,9:3] -a0", 0x26,
+         "The physical disk at 9:3 is not free: it is hotspare."},
+        {"-CfgLdAdd R1 [8:0,8:7] -a0", 0x26, "The physical disk at 8:7 is not free: it is online."},
+        {"-CfgLdAdd R1 [8:0] -a0", 0x1b, "RAID1 takes 2 to 2 physical disks in a span, not 1."},
+        {"-CfgLdAdd R1 [8:0,8:1,8:2,8:3] -a0", 0x1b,
+         "RAID1 takes 2 to 2 physical disks in a span, not 4."},
+        {"-CfgLdAdd R5 [8:0,8:1] -a0", 0x1b, "RAID5 takes 3 to 6 physical disks in a span, not 2."},
+        {"-CfgLdAdd R6 [8:0,8:1,8:2] -a0", 0x1b,
+         "RAID6 takes 4 to 6 physical disks in a span, not 3."},
+        {"-CfgLdAdd R0 [8:0,8:1,8:2,8:3,8:4,8:5,8:6] -a0", 0x1b,
+         "RAID0 takes 1 to 6 physical disks in a span, not 7."},
+        {"-CfgSpanAdd R10 -Array0[8:0,8:1] -a0", 0x1b, "RAID10 takes 2 to 3 spans, not 1."},
+        {"-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:2,8:3] -Array2[8:4,8:5] -Array3[8:6,8:8] -a0",
+         0x1b, "RAID10 takes 2 to 3 spans, not 4."},
+        {"-CfgSpanAdd R10 -Array0[8:0,8:1,8:2] -Array1[8:3,8:4,8:5] -a0", 0x1b,
+         "RAID10 takes 2 to 2 physical disks in a span, not 3."},
+        {"-CfgSpanAdd R50 -Array0[8:0,8:1,8:2] -Array1[8:3,8:4,8:5,8:6] -a0", 0x1b,
+         "All spans must hold the same number of physical disks."},
+        {"-CfgSpanAdd R50 -Array0[8:0,8:1] -Array1[8:3,8:4] -a0", 0x1b,
+         "RAID50 takes 3 to 6 physical disks in a span, not 2."},
+        {"-CfgLdAdd R1 [8:0,8:1] -strpsz 4 -a0", 0x1c, "A stripe size of 4 kB is not supported."},
+        {"-CfgLdAdd R1 [8:0,8:1] -strpsz 48 -a0", 0x1c, "A stripe size of 48 kB is not supported."},
+        {"-CfgLdAdd R1 [8:0,8:1] -strpsz 2048 -a0", 0x1c,
+         "A stripe size of 2048 kB is not supported."},
+        {"-CfgLdAdd R1 [8:0,8:1] -strpsz 0 -a0", 0x1c, "A stripe size of 0 kB is not supported."},
+        {"-CfgLdAdd R1 [8:0,8:1] -strpsz 4294967360 -a0", 0x1c,
+         "A stripe size of 0 kB is not supported."},
+        {"-CfgLdAdd R1 [8:0,8:1] -sz0 -a0", 0x1d,
+         "A size of 0 MB does not fit: the array has room for 1000 MB."},
+        {"-CfgLdAdd R1 [8:0,8:1] -sz1001 -a0", 0x1d,
+         "A size of 1001 MB does not fit: the array has room for 1000 MB."},
+        {"-CfgLdAdd R5 [8:0,8:1,8:8] -sz1801 -a0", 0x1d,
+         "A size of 1801 MB does not fit: the array has room for 1800 MB."},
+        {"-CfgLdAdd R1 [8:0,8:1] -sz999999999999999999 -a0", 0x1d,
+         "A size of 999999999999999999 MB does not fit: the array has room for 1000 MB."},
+    };
+    for (const auto& row : rows) {
+        Server server = testServer(
+            R"("maxSpans": 3, "maxDrivesPerSpan": 6,
+               "virtualDisks": [{"level": "RAID0", "spans": [["8:7"]]}],)");
+        const std::string before = dump(server.controllers.front());
+        const PlayResult result = megacli(server, row.options);
+        EXPECT_EQ(result.exitCode, row.exitCode) << row.options;
+        EXPECT_EQ(result.output, std::string(37, ' ') +
+                                     "\nAdapter 0: Configure Adapter Failed\n\n" +
+                                     "FW error description: \n  " + row.reason +
+                                     formatted("  \n\nExit Code: 0x%02x\n", row.exitCode))
+            << row.options;
+        EXPECT_FALSE(result.changed) << row.options;
+        EXPECT_EQ(dump(server.controllers.front()), before) << row.options;
+    }
+}
+
+TEST(MegacliCommand, RefusesLevelsThatTheModelDoesNotSupport) {
+    Server server = testServer(R"("raidLevels": ["RAID0", "RAID1"],)");
+    for (const char* options : {"-CfgLdAdd R5 [8:0,8:1,8:2] -a0",
+                                "-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:2,8:3] -a0"}) {
+        const PlayResult result = megacli(server, options);
+        EXPECT_EQ(result.exitCode, 0x3c) << options;
+        EXPECT_NE(result.output.find("is not supported by this controller."), std::string::npos);
+    }
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R1 [8:0,8:1] -a0").exitCode, 0);
+}
+
+TEST(MegacliCommand, RefusesMoreVirtualDisksThanTheControllerTakes) {
+    Server server = testServer(R"("maxVirtualDisks": 2,)");
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
+    EXPECT_NE(megacli(server, "-CfgLdAdd R0 [8:1] -a0").output.find("Created VD 1\n"),
+              std::string::npos);
+    const PlayResult result = megacli(server, "-CfgLdAdd R0 [8:2] -a0");
+    EXPECT_EQ(result.exitCode, 0x1e);
+    EXPECT_NE(result.output.find("The controller takes no more than 2 virtual disks."),
+              std::string::npos);
+    EXPECT_EQ(logicalDrivesOf(server),
+              "RAID0 [8:0] 1000MB 64kB WT NORA | RAID0 [8:1] 1000MB 64kB WT NORA");
+}
+
+TEST(MegacliCommand, RefusesWhatItDoesNotUnderstand) {
+    const struct {
+        const char* options;
+        const char* message;
+    } rows[] = {
+        {"", "Invalid input: the command line is not complete"},
+        {"ERROR [ ] -a0", "Invalid input at or near token ERROR"},
+        {"-Help", "Invalid input at or near token -Help"},
+        {"-LdPdInfo", "Invalid input: the command line is not complete"},
+        {"-pdList -a", "Invalid input at or near token -a"},
+        {"-pdList -ax", "Invalid input at or near token -ax"},
+        {"-pdList -a0 -a0", "Invalid input at or near token -a0"},
+        {"-pdList -a0 now", "Invalid input at or near token now"},
+        {"-adpallinfo -a1", "User specified controller is not present."},
+        {"-adpallinfo -a999999999999999999", "User specified controller is not present."},
+        {"-adpallinfo -a9999999999999999999",
+         "Invalid input at or near token -a9999999999999999999"},
+        {"-adpallinfo -a-1", "Invalid input at or near token -a-1"},
+        {"-CfgLdAdd", "Invalid input: the command line is not complete"},
+        {"-CfgLdAdd R7 [8:0] -a0", "Invalid input at or near token R7"},
+        {"-CfgLdAdd R10 [8:0,8:1] -a0", "Invalid input at or near token R10"},
+        {"-CfgLdAdd R0 -a0", "Invalid input at or near token -a0"},
+        {"-CfgLdAdd R0 [ ] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:0 -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:0,] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [,8:0] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:0 8:1] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:0:1] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [-1:0] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:x] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:65536] -a0", "Invalid input at or near token ["},
+        {"-CfgLdAdd R0 [8:0] WX -a0", "Invalid input at or near token WX"},
+        {"-CfgLdAdd R0 [8:0] WB WT -a0", "Invalid input at or near token WT"},
+        {"-CfgLdAdd R0 [8:0] RA NORA -a0", "Invalid input at or near token NORA"},
+        {"-CfgLdAdd R0 [8:0] -strpsz -a0", "Invalid input at or near token -strpsz"},
+        {"-CfgLdAdd R0 [8:0] -szFILL -a0", "Invalid input at or near token -szFILL"},
+        {"-CfgLdAdd R0 [8:0] -sz-5 -a0", "Invalid input at or near token -sz-5"},
+        {"-CfgLdAdd R0 [8:0] -sz10 -sz20 -a0", "Invalid input at or near token -sz20"},
+        {"-CfgLdAdd R0 [8:0] { -sz10 -a0", "Invalid input at or near token -a0"},
+        {"-CfgLdAdd R0 [8:0] -sz10 } -a0", "Invalid input at or near token }"},
+        {"-CfgLdAdd R0 [8:0] { } -a0", "Invalid input at or near token }"},
+        {"-CfgLdAdd R0 [8:0]", "Invalid input: the command line is not complete"},
+        {"-CfgLdAdd R0 [8:0] -a7", "User specified controller is not present."},
+        {"-CfgSpanAdd R5 -Array0[8:0,8:1,8:2] -a0", "Invalid input at or near token R5"},
+        {"-CfgSpanAdd R10 [8:0,8:1] -a0", "Invalid input at or near token ["},
+        {"-CfgSpanAdd R10 -Array1[8:0,8:1] -Array0[8:2,8:3] -a0",
+         "Invalid input at or near token -Array1"},
+        {"-CfgSpanAdd R10 -Array0[8:0,8:1] -Array0[8:2,8:3] -a0",
+         "Invalid input at or near token -Array0"},
+        {"-PDHSP", "Invalid input: the command line is not complete"},
+        {"-PDHSP { -Set -PhysDrv[8:0] -a0", "Invalid input at or near token -PhysDrv"},
+        {"-PDHSP { -Rmv } -PhysDrv[8:0] -a0", "Invalid input at or near token -Rmv"},
+        {"-PDHSP { -Set } -PhysDrv[] -a0", "Invalid input at or near token ["},
+        {"-PDHSP { -Set } -PhysDrv[8:0] -a0 WB", "Invalid input at or near token WB"},
+        {"-PDHSP { -Set } -PhysDrv[8:0]", "Invalid input: the command line is not complete"},
+        {"-PDHSP { -Set } -PhysDrv[8:0] -a1", "User specified controller is not present."},
+        {"-CFGCLR -SILENT", "Invalid input: the command line is not complete"},
+        {"-CFGCLR -A0 -LOUD", "Invalid input at or near token -LOUD"},
+        {"-CFGCLR -A1 -SILENT", "User specified controller is not present."},
+        {"-CFGFOREIGN -A0 -SILENT", "Invalid input at or near token -A0"},
+        {"-CFGFOREIGN -CLEAR -SILENT", "Invalid input: the command line is not complete"},
+        {"-CFGFOREIGN -CLEAR -A1 -SILENT", "User specified controller is not present."},
+    };
+    for (const auto& row : rows) {
+        Server server = testServer();
+        const std::string before = dump(server.controllers.front());
+        const PlayResult result = megacli(server, row.options);
+        EXPECT_EQ(result.exitCode, 1) << row.options;
+        EXPECT_EQ(result.output,
+                  std::string(37, ' ') + "\n" + row.message + "\n\nExit Code: 0x01\n")
+            << row.options;
+        EXPECT_FALSE(result.changed);
+        EXPECT_EQ(dump(server.controllers.front()), before) << row.options;
+    }
+}
+
+TEST(MegacliCommand, HotSpares) {
+    Server server = testServer();
+    const PlayResult result = megacli(server, "-PDHSP { -Set } -PhysDrv[ 8:0,0:1 ] -a0");
+    EXPECT_EQ(result.output,
+              std::string(37, ' ') +
+                  "\nAdapter: 0: Set Physical Drive at EnclId-8 SlotId-0 as Hot Spare Success.\n"
+                  "Adapter: 0: Set Physical Drive at SlotId-1 as Hot Spare Success.\n"
+                  "\nExit Code: 0x00\n");
+    EXPECT_TRUE(result.changed);
+    EXPECT_EQ(server.controllers[0].driveAt({8, 0})->status, DriveStatus::hotspare);
+    EXPECT_EQ(server.controllers[0].driveAt({std::nullopt, 1})->status, DriveStatus::hotspare);
+
+    // All of them or none.
+    const struct {
+        const char* list;
+        int exitCode;
+    } rows[] = {{"8:1,8:0", 0x26}, {"8:1,8:11", 0x0c}, {"8:1,8:1", 0x03}, {"8:1,9:2", 0x26}};
+    for (const auto& row : rows) {
+        const PlayResult refused =
+            megacli(server, formatted("-PDHSP -Set -PhysDrv [%s] -a0", row.list));
+        EXPECT_EQ(refused.exitCode, row.exitCode) << row.list;
+        EXPECT_NE(refused.output.find("Set Physical Drive as Hot Spare Failed"), std::string::npos);
+        EXPECT_FALSE(refused.changed);
+        EXPECT_EQ(server.controllers[0].driveAt({8, 1})->status, DriveStatus::good) << row.list;
+    }
+}
+
+TEST(MegacliCommand, ZeroIsAnEnclosureWhereThereIsOne) {
+    Server server = serverOf(
+        definitionWith(R"({"slot": 0, "sizeMB": 10}, {"enclosure": 0, "slot": 0, "sizeMB": 20})"));
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [0:0] -a0").exitCode, 0);
+    EXPECT_EQ(logicalDrivesOf(server), "RAID0 [0:0] 20MB 64kB WT NORA");
+}
+
+TEST(MegacliCommand, ClearsTheConfiguration) {
+    Server server =
+        testServer(R"("virtualDisks": [{"level": "RAID5", "spans": [["8:0", "8:1", "9:1"]]}],)");
+    EXPECT_EQ(dump(server.controllers[0]).find("9:1=failed") != std::string::npos, true);
+    const PlayResult result = megacli(server, "-CFGCLR -A0 -SILENT");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, std::string(37, ' ') + "\nAdapter 0: Configuration is Cleared.\n"
+                                                    "\nExit Code: 0x00\n");
+    EXPECT_TRUE(result.changed);
+    EXPECT_EQ(dump(server.controllers[0]),
+              "8:0=good | 8:1=good | 8:2=good | 8:3=good | 8:4=good | 8:5=good | 8:6=good | "
+              "8:7=good | 8:8=good | :0=good | :1=good | 9:0=bad | 9:1=failed | 9:2=foreign | "
+              "9:3=good");
+}
+
+TEST(MegacliCommand, ClearsForeignDrives) {
+    Server server = testServer();
+    const PlayResult first = megacli(server, "-CFGFOREIGN -CLEAR -A0 -SILENT");
+    EXPECT_EQ(first.exitCode, 0);
+    EXPECT_TRUE(first.changed);
+    EXPECT_EQ(first.output, std::string(37, ' ') +
+                                "\nForeign configuration 0 is cleared on controller 0.\n"
+                                "\nExit Code: 0x00\n");
+    EXPECT_EQ(server.controllers[0].driveAt({9, 2})->status, DriveStatus::good);
+    const PlayResult second = megacli(server, "-CfgForeign -Clear -a0");
+    EXPECT_EQ(second.exitCode, 0);
+    EXPECT_FALSE(second.changed);
+    EXPECT_EQ(second.output, std::string(37, ' ') +
+                                 "\nThere is no foreign configuration on controller 0.\n"
+                                 "\nExit Code: 0x00\n");
+}
+
+TEST(MegacliCommand, AdaptersFollowThePciListing) {
+    const char* controller = R"({"utility": "megacli", "model": "M%d", "productName": "Product %d",
+        "pci": {"bus": %d, "device": %d, "function": %d, "vendorId": 1, "deviceId": 2},
+        "drives": [{"slot": %d, "sizeMB": 100}]})";
+    const std::string list = formatted(controller, 0, 0, 3, 0, 0, 0) + "," +
+                             formatted(controller, 1, 1, 2, 9, 0, 1) + "," +
+                             formatted(controller, 2, 2, 2, 1, 1, 2) + "," +
+                             formatted(controller, 3, 3, 2, 1, 0, 3);
+    Server server =
+        serverOf(R"({"machineType": "1", "serialNumber": "2", "controllers": [)" + list + "]}");
+    const int expected[] = {3, 2, 1, 0};
+    for (int adapter = 0; adapter < 4; ++adapter) {
+        const std::string listing = megacli(server, formatted("-AdpAllInfo -a%d", adapter)).output;
+        EXPECT_NE(listing.find(formatted("Adapter #%d\n", adapter)), std::string::npos);
+        EXPECT_NE(listing.find(formatted("Product %d\n", expected[adapter])), std::string::npos);
+        EXPECT_EQ(megacli(server, formatted("-CfgLdAdd R0 [:%d] -a%d", expected[adapter], adapter))
+                      .exitCode,
+                  0);
+    }
+    EXPECT_EQ(megacli(server, "-AdpAllInfo -a4").exitCode, 1);
+}
+
+} // namespace
+} // namespace zolex_sim::test
