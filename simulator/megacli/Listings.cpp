@@ -209,6 +209,7 @@ const char* levelText(RaidLevel level, Generation generation) {
     case RaidLevel::raid50:
         return "Primary-5, Secondary-3, RAID Level Qualifier-3";
     case RaidLevel::raid60:
+    default: // the controllers of this utility have no other level
         break;
     }
     return "Primary-6, Secondary-3, RAID Level Qualifier-3";

@@ -1,10 +1,11 @@
 #include "model/Definition.h"
 
+#include "model/ConfFields.h"
 #include "model/Operations.h"
 #include "model/Text.h"
+#include "model/Utility.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace zolex_sim {
@@ -15,13 +16,8 @@ constexpr std::size_t maxDrives = 1024; ///< of one controller
 constexpr std::int64_t mbBetweenRawAndNonCoerced = 512;
 
 std::optional<std::string> knownUtility(std::string_view word) {
-    constexpr std::array<std::string_view, 1> utilities = {"MEGACLI"};
-    for (const std::string_view utility : utilities) {
-        if (equalsIgnoringCase(utility, word)) {
-            return std::string(utility);
-        }
-    }
-    return std::nullopt;
+    const UtilityTraits* utility = utilityNamed(word);
+    return utility == nullptr ? std::nullopt : std::optional(std::string(utility->name));
 }
 
 std::optional<Generation> generationNamed(std::string_view word) {
@@ -51,6 +47,7 @@ PciFunction readPci(Fields& fields) {
 struct DriveDefaults {
     std::size_t controller; ///< its number, from 0
     std::size_t index;      ///< of the drive
+    Addressing addressing;
 };
 
 void readDriveSizes(Fields& fields, Drive& drive) {
@@ -66,14 +63,22 @@ std::optional<DriveStatus> initialStatusNamed(std::string_view word) {
     return status == DriveStatus::online ? std::nullopt : status;
 }
 
-Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
-    Drive drive;
+void readDrivePlace(Fields& fields, Drive& drive, Addressing addressing) {
+    if (addressing == Addressing::channels) {
+        readChannelDrive(fields, drive);
+        return;
+    }
     if (fields.has("enclosure")) {
         drive.location.enclosure = fields.smallNumber("enclosure", 0, 65535);
     }
     drive.location.slot = fields.smallNumber("slot", 0, 65535);
-    readDriveSizes(fields, drive);
+}
+
+Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
+    Drive drive;
     drive.interface = fields.text("interface", "SAS", 8);
+    readDrivePlace(fields, drive, defaults.addressing);
+    readDriveSizes(fields, drive);
     drive.vendor = fields.text("vendor", "NORVIK", 8);
     drive.model = fields.text("model", "NV73455S", 16);
     drive.revision = fields.text("revision", "S527", 4);
@@ -106,6 +111,7 @@ void addDrives(Controller& controller, const Drive& first, const DriveGroup& gro
     for (int i = 0; i < group.count && !problem.found(); ++i) {
         Drive drive = first;
         drive.location.slot += i;
+        drive.bay.slot += i;
         drive.sasAddress += static_cast<unsigned>(i);
         drive.deviceId += i;
         if (!group.hasPort && controller.identity.generation == Generation::early) {
@@ -129,10 +135,10 @@ void addDrives(Controller& controller, const Drive& first, const DriveGroup& gro
     }
 }
 
-void readDrives(Fields& fields, Controller& controller, std::size_t number) {
+void readDrives(Fields& fields, Controller& controller, std::size_t number, Addressing addressing) {
     fields.list("drives", [&](const Json& item, const std::string& path) {
         Fields drive(item, path, fields.problem());
-        const Drive first = readDrive(drive, {number, controller.drives.size()});
+        const Drive first = readDrive(drive, {number, controller.drives.size(), addressing});
         const int count = drive.smallNumber("count", 1, 256, 1);
         const DriveGroup group{number, count, drive.has("serial"), drive.has("port")};
         drive.finish();
@@ -185,7 +191,8 @@ void readLogicalDrives(Fields& fields, Controller& controller) {
         if (!fields.problem().found()) {
             createInitialLogicalDrive(controller,
                                       {found.level, std::move(spans), found.sizeMb, found.stripeKb,
-                                       found.writePolicy, found.readPolicy, std::move(found.name)},
+                                       found.writePolicy, found.readPolicy, std::move(found.name),
+                                       found.batteryProtected, found.partitioned},
                                       path, fields.problem());
         }
     });
@@ -197,17 +204,16 @@ void readLogicalDrives(Fields& fields, Controller& controller) {
     }
 }
 
-void readLevels(Fields& fields, ControllerIdentity& identity) {
+void readLevels(Fields& fields, ControllerIdentity& identity, const UtilityTraits& utility) {
     if (!fields.has("raidLevels")) {
-        for (const LevelRules& rules : allLevels()) {
-            identity.levels.push_back(rules.level);
-        }
+        identity.levels.assign(utility.levels.begin(), utility.levels.end());
         return;
     }
     fields.list("raidLevels", [&](const Json& item, const std::string& path) {
         const std::optional<RaidLevel> level =
             item.is_string() ? levelNamed(item.get_ref<const std::string&>()) : std::nullopt;
-        if (!level) {
+        if (!level || std::find(utility.levels.begin(), utility.levels.end(), *level) ==
+                          utility.levels.end()) {
             fields.problem().report(path + ": unknown RAID level");
         } else if (std::find(identity.levels.begin(), identity.levels.end(), *level) ==
                    identity.levels.end()) {
@@ -216,23 +222,27 @@ void readLevels(Fields& fields, ControllerIdentity& identity) {
     });
 }
 
-void readLimits(Fields& fields, ControllerIdentity& identity) {
+void readLimits(Fields& fields, ControllerIdentity& identity, const UtilityTraits& utility) {
     identity.minStripeKb = fields.smallNumber("minStripeKB", 1, 65536, 8);
     identity.maxStripeKb = fields.smallNumber("maxStripeKB", identity.minStripeKb, 65536, 1024);
     identity.maxSpans = fields.smallNumber("maxSpans", 1, 64, 8);
     identity.maxDrivesPerSpan = fields.smallNumber("maxDrivesPerSpan", 1, 256, 32);
     identity.maxLogicalDrives = fields.smallNumber("maxVirtualDisks", 1, 256, 64);
-    identity.defaultStripeKb = fields.smallNumber("defaultStripeKB", 1, 65536, 64);
+    identity.defaultStripeKb = fields.smallNumber("defaultStripeKB", 1, 65536, utility.stripeKb);
     identity.defaultWritePolicy =
-        fields.word<WritePolicy>("defaultWritePolicy", writePolicyNamed, WritePolicy::writeThrough);
+        fields.word<WritePolicy>("defaultWritePolicy", writePolicyNamed, utility.writePolicy);
     identity.defaultReadPolicy =
-        fields.word<ReadPolicy>("defaultReadPolicy", readPolicyNamed, ReadPolicy::none);
+        fields.word<ReadPolicy>("defaultReadPolicy", readPolicyNamed, utility.readPolicy);
 }
 
 Controller readController(Fields& fields, std::size_t number) {
     Controller controller;
     ControllerIdentity& identity = controller.identity;
     identity.utility = fields.word<std::string>("utility", knownUtility);
+    const UtilityTraits* utility = utilityNamed(identity.utility);
+    if (utility == nullptr) {
+        return controller; // the problem has been reported
+    }
     identity.generation = fields.word<Generation>("generation", generationNamed, Generation::early);
     identity.model = fields.text("model");
     identity.productName = fields.text("productName", identity.model);
@@ -246,9 +256,13 @@ Controller readController(Fields& fields, std::size_t number) {
     identity.coercionMode = fields.text("coercionMode", "128MB");
     identity.rebuildRate = fields.smallNumber("rebuildRate", 0, 100, 30);
     fields.object("pci", true, [&](Fields& pci) { identity.pci = readPci(pci); });
-    readLevels(fields, identity);
-    readLimits(fields, identity);
-    readDrives(fields, controller, number);
+    readLevels(fields, identity, *utility);
+    readLimits(fields, identity, *utility);
+    if (utility->addressing == Addressing::channels) {
+        identity.conf = readConfIdentity(fields);
+        identity.defaultBatteryProtected = fields.flag("defaultBatteryProtected", false);
+    }
+    readDrives(fields, controller, number, utility->addressing);
     readLogicalDrives(fields, controller);
     return controller;
 }
@@ -335,6 +349,10 @@ LogicalDriveFields readLogicalDriveFields(Fields& fields) {
         found.readPolicy = fields.word<ReadPolicy>("readPolicy", readPolicyNamed);
     }
     found.name = fields.text("name", "", 32);
+    if (fields.has("batteryProtected")) {
+        found.batteryProtected = fields.flag("batteryProtected", false);
+    }
+    found.partitioned = fields.flag("partitioned", false);
     return found;
 }
 

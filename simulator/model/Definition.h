@@ -12,7 +12,8 @@ namespace zolex_sim {
 Server readDefinition(std::string_view text, Problem& problem);
 
 /// The fields of a logical drive that definition and state files share: level, sizeMB, stripeKB,
-/// writePolicy, readPolicy, name. Those that are absent stay with the controller's defaults.
+/// writePolicy, readPolicy, name, batteryProtected, partitioned. Those that are absent stay with
+/// the controller's defaults.
 struct LogicalDriveFields {
     RaidLevel level = RaidLevel::raid0;
     std::optional<std::int64_t> sizeMb;
@@ -20,6 +21,8 @@ struct LogicalDriveFields {
     std::optional<WritePolicy> writePolicy;
     std::optional<ReadPolicy> readPolicy;
     std::string name;
+    std::optional<bool> batteryProtected;
+    bool partitioned = false;
 };
 LogicalDriveFields readLogicalDriveFields(Fields& fields);
 

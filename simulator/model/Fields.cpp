@@ -93,7 +93,7 @@ bool Fields::has(std::string_view name) {
     return find(name) != nullptr;
 }
 
-std::string Fields::text(std::string_view name, std::optional<std::string> byDefault,
+std::string Fields::text(std::string_view name, const std::optional<std::string>& byDefault,
                          std::size_t longest) {
     const Json* value = find(name);
     if (value == nullptr) {
@@ -162,6 +162,18 @@ int Fields::smallNumber(std::string_view name, int least, int greatest,
         wideDefault = *byDefault;
     }
     return static_cast<int>(number(name, least, greatest, wideDefault));
+}
+
+bool Fields::flag(std::string_view name, bool byDefault) {
+    const Json* value = find(name);
+    if (value == nullptr) {
+        return byDefault;
+    }
+    if (!value->is_boolean()) {
+        complain(name, "must be true or false");
+        return byDefault;
+    }
+    return value->get<bool>();
 }
 
 std::uint64_t Fields::bits(std::string_view name, std::uint64_t greatest, std::uint64_t byDefault) {

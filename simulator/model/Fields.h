@@ -42,7 +42,8 @@ class Fields {
 
     [[nodiscard]] bool has(std::string_view name);
     /// Required without a default. At most `longest` printable characters.
-    std::string text(std::string_view name, std::optional<std::string> byDefault = std::nullopt,
+    std::string text(std::string_view name,
+                     const std::optional<std::string>& byDefault = std::nullopt,
                      std::size_t longest = 80);
     /// Text of any characters.
     std::string anyText(std::string_view name, std::string byDefault);
@@ -51,6 +52,7 @@ class Fields {
                         std::optional<std::int64_t> byDefault = std::nullopt);
     int smallNumber(std::string_view name, int least, int greatest,
                     std::optional<int> byDefault = std::nullopt);
+    bool flag(std::string_view name, bool byDefault);
     /// A number up to 64 bits without a sign, as JSON integer or "0x" text.
     std::uint64_t bits(std::string_view name, std::uint64_t greatest, std::uint64_t byDefault);
     /// One of a set of words, made into a value by `named` (which gives nothing for other words).

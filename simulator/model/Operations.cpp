@@ -117,10 +117,14 @@ std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogic
             controller.driveAt(location)->status = DriveStatus::online;
         }
     }
-    controller.logicalDrives.push_back({controller.arrays.size(), request.level, sizeMb, stripeKb,
-                                        request.writePolicy.value_or(identity.defaultWritePolicy),
-                                        request.readPolicy.value_or(identity.defaultReadPolicy),
-                                        request.name});
+    const WritePolicy writePolicy = request.writePolicy.value_or(identity.defaultWritePolicy);
+    const bool protectedByDefault = !request.writePolicy && identity.defaultBatteryProtected;
+    controller.logicalDrives.push_back(
+        {controller.arrays.size(), request.level, sizeMb, stripeKb, writePolicy,
+         request.readPolicy.value_or(identity.defaultReadPolicy), request.name,
+         request.batteryProtected.value_or(protectedByDefault) &&
+             writePolicy == WritePolicy::writeBack,
+         request.partitioned});
     controller.arrays.push_back({request.spans});
     return std::nullopt;
 }

@@ -37,6 +37,8 @@ struct NewLogicalDrive {
     std::optional<WritePolicy> writePolicy;
     std::optional<ReadPolicy> readPolicy;
     std::string name;
+    std::optional<bool> batteryProtected;
+    bool partitioned = false;
 };
 
 /// Builds the array and the logical drive; the members become online. Each member must be a free

@@ -11,18 +11,22 @@ namespace {
 // In the order of the enumeration. Drive counts are those of one span; a greatest count of 0 leaves
 // it to the controller.
 // clang-format off
-constexpr std::array<LevelRules, 7> levels = {{
-    // level             name      spanned least most redundant
-    {RaidLevel::raid0,  "RAID0",  false,  1,    0,   0},
-    {RaidLevel::raid1,  "RAID1",  false,  2,    2,   1},
-    {RaidLevel::raid5,  "RAID5",  false,  3,    0,   1},
-    {RaidLevel::raid6,  "RAID6",  false,  4,    0,   2},
-    {RaidLevel::raid10, "RAID10", true,   2,    2,   1},
-    {RaidLevel::raid50, "RAID50", true,   3,    0,   1},
-    {RaidLevel::raid60, "RAID60", true,   4,    0,   2},
+constexpr std::array<LevelRules, 11> levels = {{
+    // level              name      spanned least most room           redundant tolerated alone
+    {RaidLevel::raid0,   "RAID0",   false,  1,    0,   Room::dataDrives, 0,     0,        false},
+    {RaidLevel::raid1,   "RAID1",   false,  2,    2,   Room::dataDrives, 1,     1,        false},
+    {RaidLevel::raid5,   "RAID5",   false,  3,    0,   Room::dataDrives, 1,     1,        false},
+    {RaidLevel::raid6,   "RAID6",   false,  4,    0,   Room::dataDrives, 2,     2,        false},
+    {RaidLevel::raid10,  "RAID10",  true,   2,    2,   Room::dataDrives, 1,     1,        false},
+    {RaidLevel::raid50,  "RAID50",  true,   3,    0,   Room::dataDrives, 1,     1,        false},
+    {RaidLevel::raid60,  "RAID60",  true,   4,    0,   Room::dataDrives, 2,     2,        false},
+    {RaidLevel::raid1E,  "RAID1E",  false,  3,    0,   Room::half,       1,     1,        false},
+    {RaidLevel::raid5E,  "RAID5E",  false,  4,    0,   Room::dataDrives, 2,     1,        true},
+    {RaidLevel::raid5EE, "RAID5EE", false,  4,    0,   Room::dataDrives, 2,     1,        true},
+    {RaidLevel::volume,  "VOLUME",  false,  1,    0,   Room::sum,        0,     0,        false},
 }};
 // clang-format on
-static_assert(levels.size() == static_cast<std::size_t>(RaidLevel::raid60) + 1);
+static_assert(levels.size() == static_cast<std::size_t>(RaidLevel::volume) + 1);
 
 } // namespace
 

@@ -44,6 +44,14 @@ std::string toText(const DriveLocation& location) {
            std::to_string(location.slot);
 }
 
+std::string toText(const std::vector<DriveLocation>& locations) {
+    std::string text;
+    for (const DriveLocation& location : locations) {
+        text += (text.empty() ? "" : ",") + toText(location);
+    }
+    return text;
+}
+
 std::optional<DriveLocation> parseLocation(std::string_view text) {
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos) {
@@ -127,20 +135,33 @@ std::vector<std::optional<int>> Controller::enclosures() const {
 
 std::int64_t Controller::capacity(RaidLevel level,
                                   const std::vector<std::vector<DriveLocation>>& spans) const {
+    const LevelRules& rules = rulesOf(level);
     std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
+    std::int64_t sum = 0;
+    std::int64_t members = 0;
     std::int64_t dataDrives = 0;
     for (const std::vector<DriveLocation>& span : spans) {
-        dataDrives += static_cast<std::int64_t>(span.size()) - rulesOf(level).redundancy;
+        members += static_cast<std::int64_t>(span.size());
+        dataDrives += static_cast<std::int64_t>(span.size()) - rules.redundancy;
         for (const DriveLocation& location : span) {
+            sum += driveAt(location)->sizeMb;
             smallest = std::min(smallest, driveAt(location)->sizeMb);
         }
+    }
+    switch (rules.room) {
+    case Room::half:
+        return members == 0 ? 0 : members * smallest / 2;
+    case Room::sum:
+        return sum;
+    case Room::dataDrives:
+        break;
     }
     return dataDrives <= 0 ? 0 : dataDrives * smallest;
 }
 
 LogicalDriveState Controller::stateOf(const LogicalDrive& logicalDrive) const {
     LogicalDriveState worst = LogicalDriveState::optimal;
-    const int tolerated = rulesOf(logicalDrive.level).redundancy;
+    const int tolerated = rulesOf(logicalDrive.level).tolerated;
     for (const std::vector<DriveLocation>& span : arrays[logicalDrive.array].spans) {
         const auto missing =
             std::count_if(span.begin(), span.end(), [&](const DriveLocation& location) {

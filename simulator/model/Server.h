@@ -2,25 +2,31 @@
 
 #include "model/RaidLevel.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace zolex_sim {
 
-/// Where a drive sits. Drives outside every enclosure have no enclosure number.
+/// Where a drive sits. Drives outside every enclosure have no enclosure number. For the utilities
+/// that address drives by channel and device, these are the two numbers.
 struct DriveLocation {
     std::optional<int> enclosure;
     int slot = 0;
-    friend auto operator<=>(const DriveLocation&, const DriveLocation&) = default;
+    friend bool operator==(const DriveLocation&, const DriveLocation&) = default;
+    friend bool operator<(const DriveLocation& a, const DriveLocation& b) {
+        return std::tie(a.enclosure, a.slot) < std::tie(b.enclosure, b.slot);
+    }
 };
 
 /// "252:3", or ":3" for a drive outside every enclosure.
 std::string toText(const DriveLocation& location);
+/// The texts of several locations with "," between them.
+std::string toText(const std::vector<DriveLocation>& locations);
 /// The location that such a text names; numbers up to 65535.
 std::optional<DriveLocation> parseLocation(std::string_view text);
 
@@ -49,6 +55,8 @@ struct Drive {
     int otherErrors = 0;
     int predictiveFailures = 0;
     int temperature = 0; ///< degrees Celsius
+    std::string transferSpeed;
+    DriveLocation bay; ///< where a drive sits that is addressed by channel and device
     DriveStatus status = DriveStatus::good;
 };
 
@@ -74,6 +82,8 @@ struct LogicalDrive {
     WritePolicy writePolicy = WritePolicy::writeThrough;
     ReadPolicy readPolicy = ReadPolicy::none;
     std::string name;
+    bool batteryProtected = false; ///< written back only as long as a battery protects the cache
+    bool partitioned = false;      ///< the system has put partitions on it
 };
 
 enum class LogicalDriveState : std::uint8_t { optimal, partiallyDegraded, degraded, offline };
@@ -97,6 +107,32 @@ bool standsBefore(const PciFunction& a, const PciFunction& b);
 
 /// Two generations of a utility's firmware, which print different listings.
 enum class Generation : std::uint8_t { early, later };
+
+/// A device on a channel that is no drive.
+struct EnclosureDevice {
+    DriveLocation location; ///< channel and device
+    int id = 0;             ///< number of the enclosure
+    std::string type;
+    std::string vendor;
+    std::string model;
+    std::string revision;
+    std::string temperature; ///< in a word
+};
+
+/// What ARCCONF and HRCONF show of a controller besides what every utility does.
+struct ConfIdentity {
+    std::string status;
+    std::string channels; ///< a description
+    int physicalSlot = 0;
+    std::string memory;
+    std::string copyback;
+    std::string dataScrubbing;
+    std::string failover; ///< empty: without support for automatic failover
+    std::string driver;   ///< version
+    std::string battery;
+    bool showsReadCache = true; ///< with the logical drives
+    std::vector<EnclosureDevice> enclosureDevices;
+};
 
 /// What a controller is and can do; it never changes.
 struct ControllerIdentity {
@@ -123,6 +159,8 @@ struct ControllerIdentity {
     int defaultStripeKb = 0;
     WritePolicy defaultWritePolicy = WritePolicy::writeThrough;
     ReadPolicy defaultReadPolicy = ReadPolicy::none;
+    bool defaultBatteryProtected = false;
+    ConfIdentity conf;
 };
 
 /// The place of a member drive.

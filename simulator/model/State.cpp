@@ -31,6 +31,12 @@ Json logicalDriveJson(const LogicalDrive& drive) {
     json["writePolicy"] = policyWord(drive.writePolicy);
     json["readPolicy"] = policyWord(drive.readPolicy);
     json["name"] = drive.name;
+    if (drive.batteryProtected) {
+        json["batteryProtected"] = true;
+    }
+    if (drive.partitioned) {
+        json["partitioned"] = true;
+    }
     return json;
 }
 
@@ -137,6 +143,8 @@ LogicalDrive readLogicalDrive(Fields& fields, const Controller& controller) {
     drive.writePolicy = *found.writePolicy;
     drive.readPolicy = *found.readPolicy;
     drive.name = found.name;
+    drive.batteryProtected = found.batteryProtected.value_or(false);
+    drive.partitioned = found.partitioned;
     std::optional<Refusal> refused =
         checkShape(controller, drive.level, controller.arrays[drive.array].spans);
     if (!refused) {

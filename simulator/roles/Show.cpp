@@ -21,11 +21,7 @@ std::string driveLine(const Drive& drive) {
 std::string arrayLine(const Controller& controller, std::size_t number) {
     std::string text = formatted("  array %zu:", number);
     for (const std::vector<DriveLocation>& span : controller.arrays[number].spans) {
-        std::vector<std::string> members;
-        for (const DriveLocation& location : span) {
-            members.push_back(toText(location));
-        }
-        text += " [" + join(members, ",") + "]";
+        text += " [" + toText(span) + "]";
     }
     return text + "\n";
 }

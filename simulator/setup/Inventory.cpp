@@ -1,4 +1,5 @@
 #include "model/Text.h"
+#include "model/Utility.h"
 #include "setup/ServerFiles.h"
 
 #include <algorithm>
@@ -11,9 +12,13 @@ constexpr std::size_t maxChannels = 4;
 constexpr int maxId = 35;
 
 std::map<std::optional<int>, std::size_t> channelsOf(const Controller& controller) {
+    const UtilityTraits* utility = utilityNamed(controller.identity.utility);
+    const bool numbered = utility != nullptr && utility->addressing == Addressing::channels;
     std::map<std::optional<int>, std::size_t> channels;
     for (const std::optional<int>& enclosure : controller.enclosures()) {
-        channels.emplace(enclosure, channels.size() + 1);
+        channels.emplace(enclosure, numbered ? static_cast<std::size_t>(enclosure.value_or(0) -
+                                                                        utility->firstChannel + 1)
+                                             : channels.size() + 1);
     }
     return channels;
 }
@@ -35,11 +40,13 @@ std::string drivesSection(const Controller& controller, std::size_t number) {
 } // namespace
 
 std::vector<const Drive*> countedDrives(const Controller& controller) {
+    const UtilityTraits* utility = utilityNamed(controller.identity.utility);
+    const bool failedToo = utility != nullptr && utility->numbersFailedDrives;
     std::map<std::optional<int>, std::size_t> channels = channelsOf(controller);
     std::vector<const Drive*> drives;
     for (const Drive& drive : controller.drives) {
         if (channels[drive.location.enclosure] <= maxChannels && drive.location.slot <= maxId &&
-            drive.status != DriveStatus::failed) {
+            (failedToo || drive.status != DriveStatus::failed)) {
             drives.push_back(&drive);
         }
     }

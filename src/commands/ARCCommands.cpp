@@ -84,23 +84,23 @@ const char* ARCCommands::hotspareEnd() const {
     return "HSP";
 }
 
-bool ARCCommands::addCacheCommands(std::size_t array, const LogicalDrive& logical) {
+void ARCCommands::addCacheCommands(std::size_t array, const LogicalDrive& logical) {
     const std::int32_t readAhead = configuration().readAhead;
-    if (readAhead != read_ahead::adaptive && readAhead != read_ahead::on &&
-        !addCacheCommand(array, readAhead == read_ahead::off ? "roff" : "ron")) {
-        return false;
+    if (readAhead != read_ahead::adaptive && readAhead != read_ahead::on) {
+        addCacheCommand(array, readAhead == read_ahead::off ? "roff" : "ron");
     }
-    return logical.writeCache == write_cache::notGiven ||
-           addCacheCommand(array, writeCacheWord(logical.writeCache));
+    if (logical.writeCache != write_cache::notGiven) {
+        addCacheCommand(array, writeCacheWord(logical.writeCache));
+    }
 }
 
-bool ARCCommands::addCacheCommand(std::size_t array, const char* mode) {
+void ARCCommands::addCacheCommand(std::size_t array, const char* mode) {
     const int logicalDriveNumber = static_cast<int>(array) + 1;
     CString line = formatText("%s SETCACHE %d LOGICALDRIVE %d ", prefix(), controller().scanOrder(),
                               logicalDriveNumber);
     line.append(formatText("%s ", mode));
     line.append("NOPROMPT ");
-    return addCommand(line);
+    addCommand(line);
 }
 
 const char* ARCCommands::writeCacheWord(std::int32_t code) const {

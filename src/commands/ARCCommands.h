@@ -18,11 +18,11 @@ class ARCCommands : public CONFCommands {
     [[nodiscard]] CString initText(const LogicalDrive& logical) const override;
     [[nodiscard]] CString sizeText(const LogicalDrive& logical) const override;
     [[nodiscard]] const char* hotspareEnd() const override;
-    bool addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
+    void addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
     void reportSecondLogicalDrive() override;
 
   private:
-    bool addCacheCommand(std::size_t array, const char* mode);
+    void addCacheCommand(std::size_t array, const char* mode);
     [[nodiscard]] const char* writeCacheWord(std::int32_t code) const;
 };
 

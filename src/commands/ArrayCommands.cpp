@@ -35,9 +35,7 @@ bool ArrayCommands::doHotspareDrives() {
 
 CommandGenerator::Exit ArrayCommands::makeHotspares() {
     for (const Hotspare& hotspare : configuration().hotspares()) {
-        if (!addCommand(hotspareText(hotspare))) {
-            return exitHotspareListFull;
-        }
+        addCommand(hotspareText(hotspare));
     }
     return done;
 }

@@ -14,8 +14,6 @@ class ArrayCommands : public CommandGenerator {
     bool generate() override;
 
   protected:
-    static constexpr Exit exitHotspareListFull = 1;
-
     [[nodiscard]] virtual const Traces& hotspareTraces() const = 0;
 
     /// The lines of every array, in order.

@@ -21,7 +21,6 @@ const char* translate(std::int32_t level) {
 }
 
 constexpr int exitSecondLogicalDrive = 3;
-constexpr int exitListFull = 4;
 
 } // namespace
 
@@ -68,9 +67,7 @@ CommandGenerator::Exit CFGGENCommands::makeArray(std::size_t array, std::size_t 
         line.append("qsync ");
     }
     line.append("NOPROMPT");
-    if (!addCommand(line)) {
-        return exitListFull;
-    }
+    addCommand(line);
     if (findLogicalDrive(array, drive + 1)) {
         reportNoLogicalDrive();
         return exitSecondLogicalDrive;

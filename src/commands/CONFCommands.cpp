@@ -15,9 +15,8 @@ std::int32_t utilityChannel(std::int32_t channel) {
 } // namespace
 
 CommandGenerator::Exit CONFCommands::makeArray(std::size_t array, std::size_t drive) {
-    if (!addCommand(createLine(array, drive)) || !addCacheCommands(array, logicalDriveAt(drive))) {
-        return exitListFull;
-    }
+    addCommand(createLine(array, drive));
+    addCacheCommands(array, logicalDriveAt(drive));
     if (findLogicalDrive(array, drive + 1)) {
         reportSecondLogicalDrive();
         return exitSecondLogicalDrive;

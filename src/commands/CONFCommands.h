@@ -12,7 +12,6 @@ class CONFCommands : public ArrayCommands {
 
   protected:
     static constexpr Exit exitSecondLogicalDrive = 3;
-    static constexpr Exit exitListFull = 4;
 
     Exit makeArray(std::size_t array, std::size_t drive) override;
     [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
@@ -25,9 +24,8 @@ class CONFCommands : public ArrayCommands {
     [[nodiscard]] virtual CString sizeText(const LogicalDrive& logical) const = 0;
     /// The end of a hot spare's line.
     [[nodiscard]] virtual const char* hotspareEnd() const = 0;
-    /// The lines that follow the creation of array `array`'s logical drive; false when the list is
-    /// full.
-    virtual bool addCacheCommands(std::size_t array, const LogicalDrive& logical) = 0;
+    /// Adds the lines that follow the creation of array `array`'s logical drive.
+    virtual void addCacheCommands(std::size_t array, const LogicalDrive& logical) = 0;
     virtual void reportSecondLogicalDrive() = 0;
 
     /// Whether the logical drive is asked to be initialised quickly.

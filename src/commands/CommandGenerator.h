@@ -59,8 +59,10 @@ class CommandGenerator {
     [[nodiscard]] virtual std::int32_t defaultStripeSize() const = 0;
     void replaceStripeSize();
 
-    /// Adds a line. False when the list is full, which is reported.
-    bool addCommand(const CString& line);
+    /// Adds a line. When the list is full, the line is dropped without a message and the generation
+    /// goes on: a deploy run fetches only the first half of the list, so that no line is lost that
+    /// would have been run.
+    void addCommand(const CString& line);
     /// Index of the first logical drive, from index `from` on, that belongs to the array.
     [[nodiscard]] std::optional<std::size_t> findLogicalDrive(std::size_t array,
                                                               std::size_t from = 0) const;

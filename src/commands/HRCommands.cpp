@@ -48,9 +48,7 @@ const char* HRCommands::hotspareEnd() const {
     return "HSP noprompt";
 }
 
-bool HRCommands::addCacheCommands(std::size_t /*array*/, const LogicalDrive& /*logical*/) {
-    return true;
-}
+void HRCommands::addCacheCommands(std::size_t /*array*/, const LogicalDrive& /*logical*/) {}
 
 void HRCommands::reportSecondLogicalDrive() {
     reportOneLogicalDriveOnly();

@@ -18,8 +18,8 @@ class HRCommands : public CONFCommands {
     [[nodiscard]] CString initText(const LogicalDrive& logical) const override;
     [[nodiscard]] CString sizeText(const LogicalDrive& logical) const override;
     [[nodiscard]] const char* hotspareEnd() const override;
-    /// The utility has no cache commands: true, adding nothing.
-    bool addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
+    /// Adds nothing: the utility has no cache commands.
+    void addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
     void reportSecondLogicalDrive() override;
 };
 

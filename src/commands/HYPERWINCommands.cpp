@@ -11,7 +11,6 @@ constexpr int exitNotOneLogicalDrive = 3;
 constexpr int exitSize = 4;
 constexpr int exitMirrorHotspare = 5;
 constexpr int exitSecondHotspare = 6;
-constexpr int exitListFull = 7;
 
 } // namespace
 
@@ -41,15 +40,11 @@ CommandGenerator::Exit HYPERWINCommands::makeArrays() {
     if (const Exit exit = checkHotspares(logical); exit != done) {
         return exit;
     }
-    if (!addCommand(createLine(logical))) {
-        return exitListFull;
-    }
+    addCommand(createLine(logical));
     if (logical.writeCache != write_cache::notGiven) {
         CString line = formatText("%s /O", prefix());
         line.append(logical.writeCache == write_cache::off ? "WR" : "W");
-        if (!addCommand(line)) {
-            return exitListFull;
-        }
+        addCommand(line);
     }
     return done;
 }

@@ -68,9 +68,11 @@ void appendStripeSize(DriveList drives, std::int32_t code, CString& line) {
     }
 }
 
+// Exits of the arrays' lines.
 constexpr int exitSpans = 3;
 constexpr int exitHotspares = 4;
-constexpr int exitListFull = 5;
+// Exit of the hot spares' line.
+constexpr int exitNoPosition = 1;
 
 } // namespace
 
@@ -138,7 +140,8 @@ CommandGenerator::Exit MEGAWinCommands::makeArray(std::size_t array, std::size_t
     line.append(formatText(" -a%d", adapter()));
     printer().tracef("Command buffer=%s, length=%d\n", line.c_str(),
                      static_cast<int>(line.length()));
-    return addCommand(line) ? done : exitListFull;
+    addCommand(line);
+    return done;
 }
 
 bool MEGAWinCommands::appendSpans(std::int32_t raidLevel, const RaidArray& members,
@@ -190,12 +193,16 @@ CommandGenerator::Exit MEGAWinCommands::makeHotspares() {
     CString line = formatText("%s -PDHSP { -Set } -PhysDrv[ ", prefix());
     const char* separator = "";
     for (const Hotspare& hotspare : configuration().hotspares()) {
+        if (!RAIDController::isPosition(hotspare.channelNumber, hotspare.id)) {
+            return exitNoPosition;
+        }
         line.append(separator);
         line.append(hotspareText(hotspare));
         separator = ",";
     }
     line.append(formatText(" ] -a%d", adapter()));
-    return addCommand(line) ? done : exitHotspareListFull;
+    addCommand(line);
+    return done;
 }
 
 CString MEGAWinCommands::hotspareText(const Hotspare& hotspare) const {

@@ -21,6 +21,7 @@ class MEGAWinCommands : public ArrayCommands {
     [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
+    /// Fails, adding no line, for a hot spare outside the drive positions: it has no target id.
     Exit makeHotspares() override;
     /// One hot spare's part of the line.
     [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;

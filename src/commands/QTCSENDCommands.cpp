@@ -7,12 +7,6 @@
 
 namespace zolex {
 
-namespace {
-
-constexpr int exitListFull = 3;
-
-} // namespace
-
 const CommandGenerator::Traces& QTCSENDCommands::arrayTraces() const {
     static constexpr Traces traces = {
         "Entering QTCSENDCommands::doArraysAndLogicalDrives\n",
@@ -36,14 +30,10 @@ std::int32_t QTCSENDCommands::defaultStripeSize() const {
 }
 
 CommandGenerator::Exit QTCSENDCommands::makeArray(std::size_t array, std::size_t drive) {
-    if (!addCommand(firstLine(array, logicalDriveAt(drive)))) {
-        return exitListFull;
-    }
+    addCommand(firstLine(array, logicalDriveAt(drive)));
     for (auto later = findLogicalDrive(array, drive + 1); later;
          later = findLogicalDrive(array, *later + 1)) {
-        if (!addCommand(laterLine(array, *later))) {
-            return exitListFull;
-        }
+        addCommand(laterLine(array, *later));
     }
     return done;
 }

@@ -44,7 +44,6 @@ void CString::assign(std::string_view text) {
     buffer[text.size()] = '\0';
     text_ = std::move(buffer);
     length_ = text.size();
-    error_ = false;
 }
 
 CString::CString(const char* text) {
@@ -91,7 +90,6 @@ CString::CString(const char16_t* wide, std::size_t length) {
 CString::CString(const CString& other) : error_(other.error_) {
     if (other.text_) {
         assign(other.view());
-        error_ = other.error_;
     }
 }
 

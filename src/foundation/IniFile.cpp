@@ -47,7 +47,7 @@ void IniFile::load() {
     file.close();
 }
 
-void IniFile::writeBack() {
+bool IniFile::writeBack() {
     TextFile file(files_);
     bool written = file.open(name_, "w+");
     for (const CString& line : lines_) {
@@ -55,6 +55,7 @@ void IniFile::writeBack() {
     }
     written = file.close() && written;
     modified_ = !written;
+    return written;
 }
 
 bool IniFile::addLine(const CString& text) {

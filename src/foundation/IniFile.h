@@ -31,6 +31,9 @@ class IniFile {
     std::int32_t readInteger(const CString& section, const CString& key, std::int32_t defaultValue);
     /// Appends one trimmed line. False, with a report on standard error, when memory is short.
     bool addLine(const CString& text);
+    /// Writes every line to the file. The modified flag becomes the negation of success, which is
+    /// returned.
+    bool writeBack();
 
     [[nodiscard]] const CString& name() const { return name_; }
     [[nodiscard]] bool isOpen() const { return open_; }
@@ -43,7 +46,6 @@ class IniFile {
     using Keys = std::unordered_map<std::string, std::size_t>;
 
     void load();
-    void writeBack();
     void indexLine(std::size_t number);
     [[nodiscard]] const CString* find(const CString& section, const CString& key) const;
 

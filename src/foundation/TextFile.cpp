@@ -38,7 +38,8 @@ bool TextFile::readLine(CString& line) {
         text.append(start, end_ - next_);
         next_ = end_;
     }
-    // No string can hold a NUL: it must neither end the line early nor look like the end of the file.
+    // No string can hold a NUL: it must neither end the line early nor look like the end of the
+    // file.
     std::erase(text, '\0');
     line = CString(text);
     return !text.empty();

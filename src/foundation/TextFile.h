@@ -17,8 +17,8 @@ class TextFile {
     /// Opens `name` in `mode` ("r", "w", "a", "w+"); false when that fails.
     bool open(const CString& name, const char* mode);
     /// Puts the next line, up to and including its newline or up to the end of the file, into
-    /// `line`. A carriage return before the newline and NUL bytes are dropped. True when the line is
-    /// not empty.
+    /// `line`. A carriage return before the newline and NUL bytes are dropped. True when the line
+    /// is not empty.
     bool readLine(CString& line);
     /// Whether the end of the file was met.
     [[nodiscard]] bool atEnd() const { return atEnd_; }

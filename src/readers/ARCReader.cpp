@@ -28,31 +28,40 @@ constexpr std::array<std::string_view, 2> raidLevelKeys = {"RAID level", "RAID L
 constexpr std::array<std::string_view, 2> hotSpareMarks = {"Hot Spare", "Hot-Spare"};
 constexpr std::array<std::string_view, 2> defunctMarks = {"Defunct", "Failed"};
 
+/// Labels of the channel and of the id in a segment's location.
+struct LocationLabels {
+    std::string_view channel;
+    std::string_view id;
+};
+
 // clang-format off
 // Columns: the whole value of a "RAID level" line that other utilities do not print, the level's
 // code. The order does not matter.
-constexpr std::array<WordCode, 2> moreRaidLevels = {{
+constexpr auto moreRaidLevels = std::to_array<WordCode>({
     {"6 Reed-Solomon", raid_level::raid6},
     {"Spanned_volume", raid_level::volume},
-}};
+});
+static_assert(moreRaidLevels.size() == 2 && hasDistinctWords<WordCode>(moreRaidLevels));
 
 // Columns: the whole value of a "Controller Model" line, the subtype. Any other model leaves the
 // subtype; the order does not matter.
-constexpr std::array<WordCode, 2> controllerModels = {{
+constexpr auto controllerModels = std::to_array<WordCode>({
     {"Norvik Kestrix B8", 1},
     {"Norvik Kestrix B7", 2},
-}};
+});
+static_assert(controllerModels.size() == 2 && hasDistinctWords<WordCode>(controllerModels));
 
 // Columns: the whole value of a "Read-cache mode" line, the read-ahead code. The order does not
 // matter.
-constexpr std::array<WordCode, 2> readCacheModes = {{
+constexpr auto readCacheModes = std::to_array<WordCode>({
     {"Disabled", read_ahead::off},
     {"Enabled",  read_ahead::on},
-}};
+});
+static_assert(readCacheModes.size() == 2 && hasDistinctWords<WordCode>(readCacheModes));
 
 // Columns: the state word that ARCCONF prints, letter case ignored, and the derived state. The
 // order does not matter.
-constexpr std::array<StateWord, 10> physicalStates = {{
+constexpr auto physicalStates = std::to_array<StateWord>({
     {"defunct",             badState},
     {"failed",              badState},
     {"hot spare",           goodState},
@@ -63,10 +72,11 @@ constexpr std::array<StateWord, 10> physicalStates = {{
     {"rebuilding",          goodState},
     {"ready",               goodState},
     {"verifying",           goodState},
-}};
+});
+static_assert(physicalStates.size() == 10 && hasDistinctWords<StateWord>(physicalStates));
 
 // The same for logical drives. One that is migrating can be used, whatever else it is.
-constexpr std::array<StateWord, 9> logicalStates = {{
+constexpr auto logicalStates = std::to_array<StateWord>({
     {"critical",           badState},
     {"degraded",           badState},
     {"impacted",           badState},
@@ -76,13 +86,8 @@ constexpr std::array<StateWord, 9> logicalStates = {{
     {"degraded migrating", goodState},
     {"migrating",          goodState},
     {"okay",               goodState},
-}};
-
-/// Labels of the channel and of the id in a segment's location.
-struct LocationLabels {
-    std::string_view channel;
-    std::string_view id;
-};
+});
+static_assert(logicalStates.size() == 9 && hasDistinctWords<StateWord>(logicalStates));
 
 // Columns: the two labels. The first row of which both are there is taken.
 constexpr std::array<LocationLabels, 2> locationLabels = {{
@@ -132,7 +137,7 @@ ARCReader::ARCReader(Application& application) : HRReader(application, arcconf) 
 bool ARCReader::readConfiguration(RAIDController& controller,
                                   std::shared_ptr<CapturedOutput> output) {
     printer().trace("Entering ARCReader::readConfiguration\n");
-    beginListing(controller, std::move(output));
+    beginLines(controller, std::move(output));
     segmentForm_ = false;
     announcedLogicalDrives_ = 0;
     segments_.reset();
@@ -336,7 +341,7 @@ void ARCReader::readDeviceLine(Device& device) {
 
 CString ARCReader::translatePhysicalState(const CString& state) {
     printer().trace("Entering ARCReader::translatePhysicalState\n");
-    const CString derived = deriveState(physicalStates, state, printer());
+    CString derived = deriveState(physicalStates, state, printer());
     printer().tracef("Exitinging ARCReader::translatePhysicalState, derivedState=%s\n",
                      derived.c_str());
     return derived;
@@ -344,7 +349,7 @@ CString ARCReader::translatePhysicalState(const CString& state) {
 
 CString ARCReader::translateLogicalState(const CString& state) {
     printer().trace("Entering ARCReader::translateLogicalState\n");
-    const CString derived = deriveState(logicalStates, state, printer());
+    CString derived = deriveState(logicalStates, state, printer());
     printer().tracef("Exitinging ARCReader::translateLogicalState, derivedState=%s\n",
                      derived.c_str());
     return derived;

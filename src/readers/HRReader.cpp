@@ -37,7 +37,7 @@ constexpr ListingDialect hrconf = {
 
 // Columns: the whole value of a "RAID level" line, the level's code. The order does not matter.
 // clang-format off
-constexpr std::array<WordCode, 13> raidLevels = {{
+constexpr auto raidLevels = std::to_array<WordCode>({
     {"0",             raid_level::raid0},
     {"1",             raid_level::raid1},
     {"1E",            raid_level::raid1E},
@@ -51,11 +51,12 @@ constexpr std::array<WordCode, 13> raidLevels = {{
     {"SIMPLE",        raid_level::volume},
     {"VOLUME",        raid_level::volume},
     {"Simple_volume", raid_level::volume},
-}};
+});
+static_assert(raidLevels.size() == 13 && hasDistinctWords<WordCode>(raidLevels));
 
 // Columns: the number of a "Stripe-unit size" line (KB), the stripe size's code. The order does not
 // matter.
-constexpr std::array<WordCode, 9> stripeSizes = {{
+constexpr auto stripeSizes = std::to_array<WordCode>({
     {"16",   stripe::kb16},
     {"32",   stripe::kb32},
     {"64",   stripe::kb64},
@@ -65,27 +66,30 @@ constexpr std::array<WordCode, 9> stripeSizes = {{
     {"1024", stripe::kb1024},
     {"2048", stripe::kb2048},
     {"4096", stripe::kb4096},
-}};
+});
+static_assert(stripeSizes.size() == 9 && hasDistinctWords<WordCode>(stripeSizes));
 
 // Columns: the state word that HRCONF prints, letter case ignored, and the derived state. The order
 // does not matter.
-constexpr std::array<StateWord, 6> physicalStates = {{
+constexpr auto physicalStates = std::to_array<StateWord>({
     {"defunct",           badState},
     {"hot spare",         goodState},
     {"online",            goodState},
     {"rebuilding",        goodState},
     {"ready",             goodState},
     {"standby hot spare", goodState},
-}};
+});
+static_assert(physicalStates.size() == 6 && hasDistinctWords<StateWord>(physicalStates));
 
 // The same for logical drives.
-constexpr std::array<StateWord, 5> logicalStates = {{
+constexpr auto logicalStates = std::to_array<StateWord>({
     {"degraded",  badState},
     {"offline",   badState},
     {"migrating", goodState},
     {"okay",      goodState},
     {"optimal",   goodState},
-}};
+});
+static_assert(logicalStates.size() == 5 && hasDistinctWords<StateWord>(logicalStates));
 // clang-format on
 
 /// The number of a size such as "64", "64KB" or "64 KB".
@@ -114,16 +118,12 @@ bool isSizeLine(std::string_view line) {
 HRReader::HRReader(Application& application) : HRReader(application, hrconf) {}
 
 HRReader::HRReader(Application& application, const ListingDialect& dialect)
-    : ConfigurationReader(application), dialect_(dialect) {}
-
-Printer& HRReader::printer() const {
-    return application().printer();
-}
+    : LayoutReader(application), dialect_(dialect) {}
 
 bool HRReader::readConfiguration(RAIDController& controller,
                                  std::shared_ptr<CapturedOutput> output) {
     printer().trace("Entering HRReader::readConfiguration\n");
-    beginListing(controller, std::move(output));
+    beginLines(controller, std::move(output));
     if (configuration() != nullptr && !getArraysAndLogicalDrive()) {
         dropConfiguration();
         printer().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
@@ -139,22 +139,10 @@ bool HRReader::readConfiguration(RAIDController& controller,
     return true;
 }
 
-void HRReader::beginListing(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
-    beginController(controller);
-    setOutput(std::move(output));
-    configuration_ =
-        application().settings.capture ? std::make_unique<RAIDConfiguration>() : nullptr;
-    drive_ = {};
-    driveOpen_ = false;
+void HRReader::beginLines(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
+    beginListing(controller, std::move(output));
     line_ = {};
     stay_ = false;
-}
-
-void HRReader::keepConfiguration() {
-    if (configuration_ && !configuration_->arrays().empty()) {
-        controller().setConfiguration(std::move(configuration_));
-    }
-    configuration_.reset();
 }
 
 bool HRReader::advance() {
@@ -217,25 +205,13 @@ HRReader::Exit HRReader::readLayoutLine() {
     } else if (holdsAny(line(), dialect_.logicalDriveStatus)) {
         readLogicalDriveState();
     } else if (isSizeLine(line())) {
-        drive_.sizeMb = value().toInt();
+        logicalDrive().sizeMb = value().toInt();
     } else if (text::contains(line(), "Stripe-unit size")) {
         return readStripeSize();
     } else if (text::contains(line(), "Channel,Device")) {
         readDriveList();
     }
     return success;
-}
-
-void HRReader::beginLogicalDrive() {
-    finishLogicalDrive();
-    drive_ = {};
-    driveOpen_ = true;
-}
-
-void HRReader::finishLogicalDrive() {
-    if (std::exchange(driveOpen_, false)) {
-        addLogicalDrive(*configuration_, drive_);
-    }
 }
 
 HRReader::Exit HRReader::readRaidLevel() {
@@ -248,14 +224,15 @@ HRReader::Exit HRReader::readRaidLevel() {
         traceUnknownRaidLevel(level);
         return unknownRaidLevel;
     }
-    drive_.raidLevel = *code;
+    logicalDrive().raidLevel = *code;
     return success;
 }
 
 void HRReader::readLogicalDriveState() {
-    drive_.state = value();
-    drive_.derivedState = translateLogicalState(drive_.state);
-    printer().tracef("Setting the state of the logical drive=%s\n", drive_.state.c_str());
+    LogicalDrive& drive = logicalDrive();
+    drive.state = value();
+    drive.derivedState = translateLogicalState(drive.state);
+    printer().tracef("Setting the state of the logical drive=%s\n", drive.state.c_str());
 }
 
 HRReader::Exit HRReader::readStripeSize() {
@@ -265,7 +242,7 @@ HRReader::Exit HRReader::readStripeSize() {
         printer().tracef("Stripe size not recognized:  %s\n", size.c_str());
         return unknownStripeSize;
     }
-    configuration_->stripeSize = *code;
+    configuration()->stripeSize = *code;
     return success;
 }
 
@@ -280,7 +257,7 @@ CString HRReader::driveListValue() const {
 
 void HRReader::readDriveList() {
     addArrayOf(parsePositions(driveListValue(), ","));
-    drive_.writeCache = write_cache::notGiven;
+    logicalDrive().writeCache = write_cache::notGiven;
 }
 
 DrivePosition HRReader::toModel(DrivePosition position) {
@@ -291,16 +268,14 @@ DrivePosition HRReader::toModel(DrivePosition position) {
 }
 
 void HRReader::addArrayOf(const std::vector<DrivePosition>& drives) {
-    RaidArray array;
+    std::vector<DrivePosition> members;
     for (const DrivePosition& drive : drives) {
-        const DrivePosition member = toModel(drive);
-        if (checkPosition(member.channel, member.id)) {
-            addMember(array, member);
-        }
+        members.push_back(toModel(drive));
     }
-    const std::size_t index = configuration_->arrays().size();
-    if (array.driveCount() > 0 && addArray(*configuration_, std::move(array))) {
-        drive_.arrayIndex = static_cast<std::int32_t>(index);
+    RaidArray array;
+    addMembers(array, members);
+    if (array.driveCount() > 0) {
+        addArrayOfDrive(std::move(array));
     }
 }
 
@@ -407,14 +382,14 @@ void HRReader::storeDevice(const Device& device) {
         controller().setUsed(disk.channelNumber, disk.id);
     }
     traceStored(disk, used);
-    if (device.hotSpare && configuration_) {
-        addHotspare(*configuration_, {.channelNumber = disk.channelNumber, .id = disk.id});
+    if (device.hotSpare && configuration() != nullptr) {
+        addHotspare(*configuration(), {.channelNumber = disk.channelNumber, .id = disk.id});
     }
 }
 
 CString HRReader::translatePhysicalState(const CString& state) {
     printer().trace("Entering HRReader::translatePhysicalState\n");
-    const CString derived = deriveState(physicalStates, state, printer());
+    CString derived = deriveState(physicalStates, state, printer());
     printer().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
                      derived.c_str());
     return derived;
@@ -422,7 +397,7 @@ CString HRReader::translatePhysicalState(const CString& state) {
 
 CString HRReader::translateLogicalState(const CString& state) {
     printer().trace("Entering HRReader::translateLogicalState\n");
-    const CString derived = deriveState(logicalStates, state, printer());
+    CString derived = deriveState(logicalStates, state, printer());
     printer().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
                      derived.c_str());
     return derived;

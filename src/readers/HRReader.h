@@ -1,8 +1,7 @@
 #pragma once
 
-#include "controllers/Configuration.h"
 #include "controllers/RAIDController.h"
-#include "readers/ConfigurationReader.h"
+#include "readers/LayoutReader.h"
 #include "readers/ListingValues.h"
 
 #include <memory>
@@ -26,19 +25,17 @@ struct ListingDialect {
 
 /// Reads HRCONF's listing: the logical drives when configurations are captured, then the drives.
 /// It is built of steps, so that a listing of nearly the same blocks can be read with them.
-class HRReader : public ConfigurationReader {
+class HRReader : public LayoutReader {
   public:
     explicit HRReader(Application& application);
 
     /// A configuration that holds at least one array becomes the controller's. False when a RAID
-    /// level or a stripe size is not known; the controller then gets nothing.
+    /// level or a stripe size is not known; the controller then gets neither a configuration nor
+    /// drives.
     bool readConfiguration(RAIDController& controller,
                            std::shared_ptr<CapturedOutput> output) override;
 
   protected:
-    /// 0, or the number of the exit by which a step fails.
-    using Exit = int;
-    static constexpr Exit success = 0;
     static constexpr Exit unknownRaidLevel = 1;
     static constexpr Exit unknownStripeSize = 2;
 
@@ -51,18 +48,9 @@ class HRReader : public ConfigurationReader {
 
     HRReader(Application& application, const ListingDialect& dialect);
 
-    [[nodiscard]] Printer& printer() const;
-
-    // A listing from its start to its end.
-    /// Forgets what was read before; makes an empty configuration when they are captured.
-    void beginListing(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
-    /// Null when configurations are not captured.
-    [[nodiscard]] RAIDConfiguration* configuration() const { return configuration_.get(); }
-    void dropConfiguration() { configuration_.reset(); }
-    /// Hands the configuration over to the controller when it holds an array.
-    void keepConfiguration();
-
     // The current line.
+    /// Takes up a listing in front of its first line.
+    void beginLines(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
     /// Goes to the next line; false at "EOF", behind which there is nothing.
     bool advance();
     /// Makes the next advance() stay at the current line.
@@ -87,9 +75,6 @@ class HRReader : public ConfigurationReader {
     /// Adds an array of these drives, numbered from channel 0, and ties the open logical drive to
     /// it. Drives at impossible positions are left out; without any there is no array.
     void addArrayOf(const std::vector<DrivePosition>& drives);
-    /// Adds the open logical drive, if there is one.
-    virtual void finishLogicalDrive();
-    [[nodiscard]] LogicalDrive& logicalDrive() { return drive_; }
 
     // The drives.
     /// Reads to the heading and then every device block; false when one of them fails.
@@ -108,7 +93,6 @@ class HRReader : public ConfigurationReader {
   private:
     bool getArraysAndLogicalDrive();
     bool getDrives();
-    void beginLogicalDrive();
     Exit readRaidLevel();
     void readLogicalDriveState();
     Exit readStripeSize();
@@ -116,9 +100,6 @@ class HRReader : public ConfigurationReader {
     void storeDevice(const Device& device);
 
     const ListingDialect& dialect_;
-    std::unique_ptr<RAIDConfiguration> configuration_;
-    LogicalDrive drive_;
-    bool driveOpen_ = false; ///< whether drive_ is one that the listing names
     std::string_view line_;
     bool stay_ = false;
 };

@@ -20,14 +20,15 @@ constexpr std::string_view driveAbsent = "000a";
 
 // clang-format off
 // Columns: the whole value of a "RAID_MODE" line, the level's code. The order does not matter.
-constexpr std::array<WordCode, 2> raidModes = {{
+constexpr auto raidModes = std::to_array<WordCode>({
     {"MIRROR", raid_level::raid1},
     {"STRIPE", raid_level::raid0},
-}};
+});
+static_assert(raidModes.size() == 2 && hasDistinctWords<WordCode>(raidModes));
 
 // Columns: the whole value of a "STRIPE_SIZE" line, the stripe size's code. The order does not
 // matter.
-constexpr std::array<WordCode, 8> stripeSizes = {{
+constexpr auto stripeSizes = std::to_array<WordCode>({
     {"32KB",   stripe::kb32},
     {"64KB",   stripe::kb64},
     {"128KB",  stripe::kb128},
@@ -36,7 +37,8 @@ constexpr std::array<WordCode, 8> stripeSizes = {{
     {"1024KB", stripe::kb1024},
     {"2048KB", stripe::kb2048},
     {"4096KB", stripe::kb4096},
-}};
+});
+static_assert(stripeSizes.size() == 8 && hasDistinctWords<WordCode>(stripeSizes));
 // clang-format on
 
 /// The text after the first ":" or "=" or, without one, after the key.

@@ -23,48 +23,6 @@ constexpr std::array<std::string_view, 2> logicalDriveStatus = {"Status of volum
                                                                 "Status of logical drive"};
 constexpr std::array<std::string_view, 2> unsupportedRaidLevels = {"10", "50"};
 
-// clang-format off
-// Columns: the whole value of the family utility's "Controller type" line, the subtype. The order
-// does not matter.
-constexpr std::array<WordCode, 7> kestrixModels = {{
-    {"Kestrix-A1", 1},
-    {"Kestrix-A2", 2},
-    {"Kestrix-A3", 3},
-    {"Kestrix-A4", 4},
-    {"Kestrix-A5", 5},
-    {"Kestrix-A6", 6},
-    {"Kestrix-A7", 7},
-}};
-constexpr std::int32_t lsiScsiSubtype = 1;
-
-// Columns: the whole value of a settings line, its code. The order does not matter.
-constexpr std::array<WordCode, 3> rebuildRates = {{
-    {"Low",    rebuild_rate::low},
-    {"Medium", rebuild_rate::medium},
-    {"High",   rebuild_rate::high},
-}};
-constexpr std::array<WordCode, 3> readAheads = {{
-    {"Disabled", read_ahead::off},
-    {"Enabled",  read_ahead::on},
-    {"Adaptive", read_ahead::adaptive},
-}};
-constexpr std::array<WordCode, 4> stripeSizes = {{
-    {"8 KB",  stripe::kb8},
-    {"16 KB", stripe::kb16},
-    {"32 KB", stripe::kb32},
-    {"64 KB", stripe::kb64},
-}};
-
-// Columns: the whole value of a "RAID level" line, the level's code. The order does not matter.
-constexpr std::array<WordCode, 6> raidLevels = {{
-    {"0",   raid_level::raid0},
-    {"1",   raid_level::raid1},
-    {"1E",  raid_level::raid1E},
-    {"5",   raid_level::raid5},
-    {"5E",  raid_level::raid5E},
-    {"5EE", raid_level::raid5EE},
-}};
-
 /// One line of the controller settings.
 struct SettingRow {
     std::string_view key;
@@ -72,6 +30,53 @@ struct SettingRow {
     std::int32_t RAIDConfiguration::*setting;
     const char* unknown;
 };
+
+// clang-format off
+// Columns: the whole value of the family utility's "Controller type" line, the subtype. The order
+// does not matter.
+constexpr auto kestrixModels = std::to_array<WordCode>({
+    {"Kestrix-A1", 1},
+    {"Kestrix-A2", 2},
+    {"Kestrix-A3", 3},
+    {"Kestrix-A4", 4},
+    {"Kestrix-A5", 5},
+    {"Kestrix-A6", 6},
+    {"Kestrix-A7", 7},
+});
+static_assert(kestrixModels.size() == 7 && hasDistinctWords<WordCode>(kestrixModels));
+constexpr std::int32_t lsiScsiSubtype = 1;
+
+// Columns: the whole value of a settings line, its code. The order does not matter.
+constexpr auto rebuildRates = std::to_array<WordCode>({
+    {"Low",    rebuild_rate::low},
+    {"Medium", rebuild_rate::medium},
+    {"High",   rebuild_rate::high},
+});
+static_assert(rebuildRates.size() == 3 && hasDistinctWords<WordCode>(rebuildRates));
+constexpr auto readAheads = std::to_array<WordCode>({
+    {"Disabled", read_ahead::off},
+    {"Enabled",  read_ahead::on},
+    {"Adaptive", read_ahead::adaptive},
+});
+static_assert(readAheads.size() == 3 && hasDistinctWords<WordCode>(readAheads));
+constexpr auto stripeSizes = std::to_array<WordCode>({
+    {"8 KB",  stripe::kb8},
+    {"16 KB", stripe::kb16},
+    {"32 KB", stripe::kb32},
+    {"64 KB", stripe::kb64},
+});
+static_assert(stripeSizes.size() == 4 && hasDistinctWords<WordCode>(stripeSizes));
+
+// Columns: the whole value of a "RAID level" line, the level's code. The order does not matter.
+constexpr auto raidLevels = std::to_array<WordCode>({
+    {"0",   raid_level::raid0},
+    {"1",   raid_level::raid1},
+    {"1E",  raid_level::raid1E},
+    {"5",   raid_level::raid5},
+    {"5E",  raid_level::raid5E},
+    {"5EE", raid_level::raid5EE},
+});
+static_assert(raidLevels.size() == 6 && hasDistinctWords<WordCode>(raidLevels));
 
 // Columns: the key, the words of its value, the setting that takes the word's code, the trace of a
 // value that is none of the words (with that value). The first row of which the line holds the key
@@ -91,65 +96,51 @@ bool endsBlock(std::string_view line) {
 
 bool KXReader::readConfiguration(RAIDController& controller,
                                  std::shared_ptr<CapturedOutput> output) {
-    Printer& printer = application().printer();
-    printer.trace("Entering KXReader::readConfiguration\n");
+    printer().trace("Entering KXReader::readConfiguration\n");
     if (application().settings.debug) {
-        printer.printAlways("kxread:Start readConfiguration \n");
+        printer().printAlways("kxread:Start readConfiguration \n");
     }
     begin(controller, std::move(output));
     if (!nextLine(separator)) {
-        printer.trace("Exiting KXReader::readConfiguration, returning true\n");
+        printer().trace("Exiting KXReader::readConfiguration, returning true\n");
         return true;
     }
     if (const Exit exit = readBlocks(); exit != success) {
-        configuration_.reset();
-        printer.tracef("Exiting KXReader::readConfiguration, returning false(%d)\n", exit);
+        dropConfiguration();
+        printer().tracef("Exiting KXReader::readConfiguration, returning false(%d)\n", exit);
         return false;
     }
     if (!nextLine(separator)) {
         keepConfiguration();
-        printer.trace("Exiting KXReader::readConfiguration, returning true(2)\n");
+        printer().trace("Exiting KXReader::readConfiguration, returning true(2)\n");
         return true;
     }
     if (!getDrives()) {
-        configuration_.reset();
-        printer.trace("Exiting KXReader::readConfiguration, returning false(8)\n");
+        dropConfiguration();
+        printer().trace("Exiting KXReader::readConfiguration, returning false(8)\n");
         return false;
     }
-    if (isCfggen_ && configuration_) {
+    if (isCfggen_ && configuration() != nullptr) {
         locateMembers();
     }
     keepConfiguration();
-    printer.trace("Exiting KXReader::readConfiguration, returning true(3)\n");
+    printer().trace("Exiting KXReader::readConfiguration, returning true(3)\n");
     return true;
 }
 
 void KXReader::begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
-    beginController(controller);
-    setOutput(std::move(output));
+    beginListing(controller, std::move(output));
     const ControllerCatalogue& catalogue = application().catalogue();
     const CString command = catalogue.getUtilityCommand(controller.type());
     isCfggen_ = command == "UTIL.BAT CFGGEN1.02.02" ||
                 command == catalogue.getUtilityCommand(controller_type::lsiSas);
     placesBySlot_ = isCfggen_ && controller.type() != controller_type::lsiScsi;
-    configuration_ =
-        application().settings.capture ? std::make_unique<RAIDConfiguration>() : nullptr;
-    drive_ = {};
-    driveOpen_ = false;
     array_.reset();
 }
 
-void KXReader::keepConfiguration() {
-    if (configuration_ && !configuration_->arrays().empty()) {
-        controller().setConfiguration(std::move(configuration_));
-    }
-    configuration_.reset();
-}
-
 bool KXReader::nextLine(std::string_view separator, void (KXReader::*take)(std::string_view)) {
-    Printer& printer = application().printer();
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
-        printer.tracef("KXReader::nextLine: %s\n", CString(line).c_str());
+        printer().tracef("KXReader::nextLine: %s\n", CString(line).c_str());
         if (text::contains(line, separator)) {
             return true;
         }
@@ -157,81 +148,80 @@ bool KXReader::nextLine(std::string_view separator, void (KXReader::*take)(std::
             (this->*take)(line);
         }
     }
-    printer.trace("KXReader::nextLine, returning EOF\n");
+    printer().trace("KXReader::nextLine, returning EOF\n");
     return false;
 }
 
 KXReader::Exit KXReader::readBlocks() {
+    const bool capturing = configuration() != nullptr;
     if (!nextLine(separator)) {
         return 1;
     }
     if (!setControllerType()) {
         return 2;
     }
-    if (configuration_ && !setControllerSettings()) {
+    if (capturing && !setControllerSettings()) {
         return 3;
     }
-    if (!configuration_ && !nextLine(separator, &KXReader::readLocation)) {
+    if (!capturing && !nextLine(separator, &KXReader::readLocation)) {
         return 4;
     }
     if (!nextLine(separator)) {
         return 5;
     }
-    if (configuration_ && !getArraysAndLogicalDrives()) {
+    if (capturing && !getArraysAndLogicalDrives()) {
         return 6;
     }
-    if (!configuration_ && !nextLine(separator)) {
+    if (!capturing && !nextLine(separator)) {
         return 7;
     }
     return success;
 }
 
 bool KXReader::setControllerType() {
-    Printer& printer = application().printer();
-    printer.trace("Entering KXReader::setControllerType\n");
+    printer().trace("Entering KXReader::setControllerType\n");
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
         if (text::contains(line, "Controller type")) {
             if (!readControllerType(valueBetweenColons(line))) {
-                printer.trace("Exiting KXReader::setControllerType, returning false(1)\n");
+                printer().trace("Exiting KXReader::setControllerType, returning false(1)\n");
                 return false;
             }
         } else if (text::contains(line, "BIOS version")) {
             const CString version = valueBetweenColons(line);
             controller().setBiosVersion(version);
-            printer.tracef("Setting BIOS version = %s\n", version.c_str());
+            printer().tracef("Setting BIOS version = %s\n", version.c_str());
         } else if (text::contains(line, "Firmware version")) {
             const CString version = valueBetweenColons(line);
             controller().setFirmwareVersion(version);
-            printer.tracef("Setting Firmware version = %s\n", version.c_str());
+            printer().tracef("Setting Firmware version = %s\n", version.c_str());
         } else if (readSlot(line)) {
             continue;
         } else if (readBus(line)) {
-            printer.trace("Exiting KXReader::setControllerType, returning true(1)\n");
+            printer().trace("Exiting KXReader::setControllerType, returning true(1)\n");
             return true;
         } else if (text::contains(line, "Controller name")) {
-            printer.trace("Exiting KXReader::setControllerType, returning true(2)\n");
+            printer().trace("Exiting KXReader::setControllerType, returning true(2)\n");
             return true;
         } else if (text::contains(line, "Concurrent commands")) {
-            printer.trace("Exiting KXReader::setControllerType, returning true(3)\n");
+            printer().trace("Exiting KXReader::setControllerType, returning true(3)\n");
             return true;
         }
     }
-    printer.trace("Exiting KXReader::setControllerType, returning false(2)\n");
+    printer().trace("Exiting KXReader::setControllerType, returning false(2)\n");
     return false;
 }
 
 bool KXReader::readControllerType(const CString& value) {
-    Printer& printer = application().printer();
     if (controller().type() == controller_type::family) {
-        printer.tracef("Found controller type KESTRIX, value = %s\n", value.c_str());
+        printer().tracef("Found controller type KESTRIX, value = %s\n", value.c_str());
         const auto subtype = findCode(kestrixModels, value);
         if (!subtype) {
-            printer.tracef("Kestrix type not recognized:  %s\n", value.c_str());
+            printer().tracef("Kestrix type not recognized:  %s\n", value.c_str());
             return false;
         }
         controller().setSubtype(*subtype);
     } else if (controller().type() == controller_type::lsiScsi) {
-        printer.tracef("Found controller type LSI-SCSI, value = %s\n", value.c_str());
+        printer().tracef("Found controller type LSI-SCSI, value = %s\n", value.c_str());
         controller().setSubtype(lsiScsiSubtype);
     }
     return true;
@@ -243,7 +233,7 @@ bool KXReader::readSlot(std::string_view line) {
     }
     const CString slot = valueBetweenColons(line);
     controller().setSlotNumber(slot.toInt());
-    application().printer().tracef("Setting Slot number = %s\n", slot.c_str());
+    printer().tracef("Setting Slot number = %s\n", slot.c_str());
     return true;
 }
 
@@ -253,7 +243,7 @@ bool KXReader::readBus(std::string_view line) {
     }
     const CString bus = valueBetweenColons(line);
     controller().setBusNumber(bus.toInt());
-    application().printer().tracef("Setting Bus number = %s\n", bus.c_str());
+    printer().tracef("Setting Bus number = %s\n", bus.c_str());
     return true;
 }
 
@@ -264,16 +254,16 @@ void KXReader::readLocation(std::string_view line) {
 }
 
 bool KXReader::setControllerSettings() {
-    Printer& printer = application().printer();
-    printer.trace("Entering KXReader::setControllerSettings\n");
+    printer().trace("Entering KXReader::setControllerSettings\n");
     for (std::string_view line = nextLine(); !endsBlock(line); line = nextLine()) {
         if (const Exit exit = readSetting(line); exit != success) {
-            printer.tracef("Exiting KXReader::setControllerSettings, returning false(%d)\n", exit);
+            printer().tracef("Exiting KXReader::setControllerSettings, returning false(%d)\n",
+                             exit);
             return false;
         }
         readLocation(line);
     }
-    printer.trace("Exiting KXReader::setControllerSettings, returning true\n");
+    printer().trace("Exiting KXReader::setControllerSettings, returning true\n");
     return true;
 }
 
@@ -287,28 +277,27 @@ KXReader::Exit KXReader::readSetting(std::string_view line) {
         const CString value = valueBetweenColons(line);
         const auto code = findCode(row.words, value);
         if (!code) {
-            application().printer().tracef(row.unknown, value.c_str());
+            printer().tracef(row.unknown, value.c_str());
             return exit;
         }
-        (*configuration_).*row.setting = *code;
+        configuration()->*row.setting = *code;
         break;
     }
     return success;
 }
 
 bool KXReader::getArraysAndLogicalDrives() {
-    Printer& printer = application().printer();
-    printer.trace("Entering KXReader::getArraysAndLogicalDrives\n");
+    printer().trace("Entering KXReader::getArraysAndLogicalDrives\n");
     for (std::string_view line = nextLine(); !endsBlock(line); line = nextLine()) {
         if (const Exit exit = readLayoutLine(line); exit != success) {
-            printer.tracef("Exiting KXReader::getArraysAndLogicalDrives, returning false(%d)\n",
-                           exit);
+            printer().tracef("Exiting KXReader::getArraysAndLogicalDrives, returning false(%d)\n",
+                             exit);
             return false;
         }
     }
     finishArray();
     finishLogicalDrive();
-    printer.trace("Exiting KXReader::getArraysAndLogicalDrives, returning true\n");
+    printer().trace("Exiting KXReader::getArraysAndLogicalDrives, returning true\n");
     return true;
 }
 
@@ -321,42 +310,30 @@ KXReader::Exit KXReader::readLayoutLine(std::string_view line) {
     } else if (text::contains(line, "RAID level")) {
         return readRaidLevel(value);
     } else if (text::contains(line, "Size (in MB)")) {
-        drive_.sizeMb = value.toInt();
+        logicalDrive().sizeMb = value.toInt();
     } else if (text::contains(line, "Write cache status")) {
-        drive_.writeCache = value.contains("(WT)")   ? write_cache::off
-                            : value.contains("(WB)") ? write_cache::on
-                                                     : write_cache::notGiven;
+        logicalDrive().writeCache = value.contains("(WT)")   ? write_cache::off
+                                    : value.contains("(WB)") ? write_cache::on
+                                                             : write_cache::notGiven;
     } else if (text::contains(line, "Part of array")) {
-        drive_.arrayIndex = value.isEmpty() ? -1 : value.at(0) - 'A';
+        logicalDrive().arrayIndex = value.isEmpty() ? -1 : value.at(0) - 'A';
     } else if (text::contains(line, "Array ")) {
         finishArray();
-        addMembers(array_.emplace(), value, ",");
+        addMembers(array_.emplace(), parsePositions(value, ","));
     } else if (array_ && line.starts_with(continuation)) {
-        addMembers(*array_, line, ",");
+        addMembers(*array_, parsePositions(line, ","));
     } else if (text::contains(line, "Physical hard disks")) {
         readPhysicalHardDisks(value);
     }
     return success;
 }
 
-void KXReader::beginLogicalDrive() {
-    finishLogicalDrive();
-    drive_ = {};
-    driveOpen_ = true;
-}
-
-void KXReader::finishLogicalDrive() {
-    if (std::exchange(driveOpen_, false)) {
-        addLogicalDrive(*configuration_, drive_);
-    }
-}
-
 void KXReader::readLogicalDriveState(const CString& value) {
-    Printer& printer = application().printer();
-    drive_.state = value;
-    printer.tracef("Found 'State', setting logical volume state=%s\n", value.c_str());
-    drive_.derivedState = value.contains("Degraded") ? badState : goodState;
-    printer.tracef("Setting logical volume derived state=%s\n", drive_.derivedState.c_str());
+    logicalDrive().state = value;
+    printer().tracef("Found 'State', setting logical volume state=%s\n", value.c_str());
+    logicalDrive().derivedState = value.contains("Degraded") ? badState : goodState;
+    printer().tracef("Setting logical volume derived state=%s\n",
+                     logicalDrive().derivedState.c_str());
 }
 
 KXReader::Exit KXReader::readRaidLevel(const CString& value) {
@@ -364,17 +341,17 @@ KXReader::Exit KXReader::readRaidLevel(const CString& value) {
     constexpr Exit unknownLevel = 2;
     for (const std::string_view level : unsupportedRaidLevels) {
         if (value == level) {
-            application().printer().errorBlock(
+            printer().errorBlock(
                 "ZOLEX cannot create RAID-10 or RAID-50 drives on this controller type.\n");
             return cannotCreate;
         }
     }
     const auto code = findCode(raidLevels, value);
     if (!code) {
-        application().printer().tracef("RAID level not recognized:  %s\n", value.c_str());
+        printer().tracef("RAID level not recognized:  %s\n", value.c_str());
         return unknownLevel;
     }
-    drive_.raidLevel = *code;
+    logicalDrive().raidLevel = *code;
     return success;
 }
 
@@ -386,25 +363,14 @@ void KXReader::readPhysicalHardDisks(std::string_view value) {
             addMemberNumber(array, text::leadingInt(number));
         }
     } else {
-        addMembers(array, value, "/");
+        addMembers(array, parsePositions(value, "/"));
     }
-    const auto index = static_cast<std::int32_t>(configuration_->arrays().size());
-    if (addArray(*configuration_, std::move(array))) {
-        drive_.arrayIndex = index;
-    }
-}
-
-void KXReader::addMembers(RaidArray& array, std::string_view list, std::string_view delimiter) {
-    for (const DrivePosition& position : parsePositions(list, delimiter)) {
-        if (checkPosition(position.channel, position.id)) {
-            addMember(array, position);
-        }
-    }
+    addArrayOfDrive(std::move(array));
 }
 
 void KXReader::finishArray() {
     if (array_) {
-        addArray(*configuration_, *std::move(array_));
+        addArray(*configuration(), *std::move(array_));
         array_.reset();
     }
 }

@@ -3,7 +3,7 @@
 #include "controllers/Configuration.h"
 #include "controllers/RAIDController.h"
 #include "foundation/CString.h"
-#include "readers/ConfigurationReader.h"
+#include "readers/LayoutReader.h"
 
 #include <cstdint>
 #include <memory>
@@ -14,9 +14,9 @@ namespace zolex {
 
 /// Reads the listing of the family utility and those of the two CFGGEN utilities: blocks between
 /// separators for the controller, its settings, the arrays and logical drives, and the drives.
-class KXReader : public ConfigurationReader {
+class KXReader : public LayoutReader {
   public:
-    using ConfigurationReader::ConfigurationReader;
+    using LayoutReader::LayoutReader;
 
     /// An empty listing is no error and changes nothing. A configuration that holds at least one
     /// array becomes the controller's. False when the listing ends inside a block that must be
@@ -25,10 +25,6 @@ class KXReader : public ConfigurationReader {
                            std::shared_ptr<CapturedOutput> output) override;
 
   private:
-    /// 0, or the number of the exit by which a step fails.
-    using Exit = int;
-    static constexpr Exit success = 0;
-
     /// What has been read of one "Target on" block. The record's disk number is the slot.
     struct Device {
         std::optional<RaidDisk> disk; ///< none as long as the block is not known to be a disk's
@@ -40,8 +36,6 @@ class KXReader : public ConfigurationReader {
     };
 
     void begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
-    void keepConfiguration();
-
     using ConfigurationReader::nextLine;
     /// Reads lines up to one that holds `separator`, giving each before it to `take`; false when
     /// the output ends first.
@@ -62,12 +56,9 @@ class KXReader : public ConfigurationReader {
 
     bool getArraysAndLogicalDrives();
     Exit readLayoutLine(std::string_view line);
-    void beginLogicalDrive();
-    void finishLogicalDrive();
     void readLogicalDriveState(const CString& value);
     Exit readRaidLevel(const CString& value);
     void readPhysicalHardDisks(std::string_view value);
-    void addMembers(RaidArray& array, std::string_view list, std::string_view delimiter);
     void finishArray();
 
     bool getDrives();
@@ -84,10 +75,8 @@ class KXReader : public ConfigurationReader {
     bool isCfggen_ = false;
     /// Whether drives stand at (enclosure, slot) instead of at (channel, id).
     bool placesBySlot_ = false;
-    std::unique_ptr<RAIDConfiguration> configuration_; ///< null when none are captured
-    LogicalDrive drive_;
-    bool driveOpen_ = false;         ///< whether drive_ is one that the listing names
-    std::optional<RaidArray> array_; ///< the one that further lines may add members to
+    /// The array that further lines may add members to.
+    std::optional<RaidArray> array_;
 };
 
 } // namespace zolex

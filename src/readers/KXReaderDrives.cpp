@@ -35,28 +35,26 @@ std::optional<DrivePosition> findTarget(const RAIDController& controller, std::i
 } // namespace
 
 bool KXReader::getDrives() {
-    Printer& printer = application().printer();
-    printer.trace("Entering KXReader::getDrives\n");
+    printer().trace("Entering KXReader::getDrives\n");
     std::int32_t channel = 0;
     for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
         if (text::contains(line, "Channel #") || (isCfggen_ && holdsAny(line, initiatorKeys))) {
             ++channel;
         } else if (text::contains(line, "Target on") && !addDevice(channel)) {
-            printer.trace("Exiting KXReader::getDrives, returning false\n");
+            printer().trace("Exiting KXReader::getDrives, returning false\n");
             return false;
         }
     }
-    printer.trace("Exiting KXReader::getDrives, returning true\n");
+    printer().trace("Exiting KXReader::getDrives, returning true\n");
     return true;
 }
 
 bool KXReader::addDevice(std::int32_t channel) {
-    Printer& printer = application().printer();
     const ControllerCatalogue& catalogue = application().catalogue();
-    printer.trace("Entering KXReader::addDevice\n");
-    printer.tracef("currentCommand=%s, LSI_SAS_command=%s\n",
-                   catalogue.getUtilityCommand(controller().type()).c_str(),
-                   catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
+    printer().trace("Entering KXReader::addDevice\n");
+    printer().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
+                     catalogue.getUtilityCommand(controller().type()).c_str(),
+                     catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
     const std::string_view endingKey = isCfggen_ ? "Drive Type" : "Device ID";
     Device device;
     for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
@@ -66,10 +64,10 @@ bool KXReader::addDevice(std::int32_t channel) {
         }
     }
     if (const Exit exit = storeDevice(device); exit != success) {
-        printer.tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
+        printer().tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
         return false;
     }
-    printer.trace("Exiting KXReader::addDevice, returning true\n");
+    printer().trace("Exiting KXReader::addDevice, returning true\n");
     return true;
 }
 
@@ -103,17 +101,16 @@ void KXReader::readDeviceLine(std::string_view line, std::int32_t channel, Devic
 }
 
 bool KXReader::readDriveLocation(std::string_view line, RaidDisk& disk) {
-    Printer& printer = application().printer();
     const std::int32_t number = text::leadingInt(valueBetweenColons(line));
     if (placesBySlot_ && text::contains(line, "Enclosure")) {
         disk.channelNumber = number;
-        printer.tracef("Found 'Enclosure', setting channel=%d\n", number);
+        printer().tracef("Found 'Enclosure', setting channel=%d\n", number);
     } else if (placesBySlot_ && text::contains(line, "Slot")) {
         disk.diskNumber = number;
-        printer.tracef("Found 'Slot', setting ID=%d\n", number);
+        printer().tracef("Found 'Slot', setting ID=%d\n", number);
     } else if (holdsAny(line, idKeys)) {
         disk.id = number;
-        printer.tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
+        printer().tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
     } else {
         return false;
     }
@@ -121,16 +118,15 @@ bool KXReader::readDriveLocation(std::string_view line, RaidDisk& disk) {
 }
 
 void KXReader::readDeviceState(const CString& value, Device& device) {
-    Printer& printer = application().printer();
     const bool hotSpare = value.contains("(HSP)");
     const bool failed = value.contains("(DDD)");
     device.hotSpare = device.hotSpare || hotSpare;
     device.failed = device.failed || failed;
     device.online = !hotSpare && !failed && !value.contains("(MIS)");
     device.disk->state = value;
-    printer.tracef("Found 'State', setting state=%s\n", value.c_str());
-    device.disk->derivedState = failed && configuration_ ? badState : goodState;
-    printer.tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
+    printer().tracef("Found 'State', setting state=%s\n", value.c_str());
+    device.disk->derivedState = failed && configuration() != nullptr ? badState : goodState;
+    printer().tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
 }
 
 KXReader::Exit KXReader::storeDevice(const Device& device) {
@@ -142,18 +138,17 @@ KXReader::Exit KXReader::storeDevice(const Device& device) {
         device.disk->sizeMb == RAIDController::noDrive) {
         return success;
     }
-    Printer& printer = application().printer();
     const RaidDisk& disk = *device.disk;
     if (disk.channelNumber < 0) {
-        printer.printAlways("Enclosure/Channel not found. channel<0\n");
+        printer().printAlways("Enclosure/Channel not found. channel<0\n");
         return noChannel;
     }
     if (disk.id < 0) {
-        printer.printAlways("SCSIID not found. scsiID<0\n");
+        printer().printAlways("SCSIID not found. scsiID<0\n");
         return noId;
     }
     if (placesBySlot_ && disk.diskNumber < 0) {
-        printer.printAlways("Slot not found. slot<0\n");
+        printer().printAlways("Slot not found. slot<0\n");
         return noSlot;
     }
     storeDrive(device);
@@ -171,24 +166,23 @@ void KXReader::storeDrive(const Device& device) {
     if (device.failed) {
         controller().setUsed(disk.channelNumber, id);
     }
-    Printer& printer = application().printer();
     const bool debug = application().settings.debug;
     if (debug) {
-        disk.dump(printer);
+        disk.dump(printer());
     }
-    if (device.hotSpare && configuration_) {
+    if (device.hotSpare && configuration() != nullptr) {
         const Hotspare hotspare = {.channelNumber = disk.channelNumber,
                                    .id = id,
                                    .diskNumber = placesBySlot_ ? disk.id : -1};
-        addHotspare(*configuration_, hotspare);
+        addHotspare(*configuration(), hotspare);
         if (debug) {
-            hotspare.dump(printer);
+            hotspare.dump(printer());
         }
     }
 }
 
 void KXReader::locateMembers() {
-    for (RaidArray& array : configuration_->arrays()) {
+    for (RaidArray& array : configuration()->arrays()) {
         for (const std::int32_t number : array.driveNumbers()) {
             if (const auto position = findTarget(controller(), number)) {
                 addMember(array, *position);

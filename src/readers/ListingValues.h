@@ -2,6 +2,7 @@
 
 #include "controllers/Configuration.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -16,6 +17,22 @@ struct WordCode {
     std::string_view word;
     std::int32_t code;
 };
+
+/// Whether no word of a table is empty and none stands there twice.
+template <typename Row>
+[[nodiscard]] constexpr bool hasDistinctWords(std::span<const Row> table) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            if (table[i].word == table[j].word) {
+                return false;
+            }
+        }
+        if (table[i].word.empty()) {
+            return false;
+        }
+    }
+    return true;
+}
 
 /// The code of the row whose word is the whole of `value`, exact case; none without such a row.
 [[nodiscard]] std::optional<std::int32_t> findCode(std::span<const WordCode> words,

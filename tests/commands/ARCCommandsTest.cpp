@@ -295,41 +295,5 @@ TEST_F(ARCCommandsTest, SecondLogicalDriveOfAnArrayFailsAfterTheCacheLines) {
                               "UTIL.BAT ARCCONF SETCACHE 2 LOGICALDRIVE 1 wt NOPROMPT "}));
 }
 
-TEST_F(ARCCommandsTest, LinesThatDoNotFitFail) {
-    struct Row {
-        std::size_t left;
-        const char* lastLine;
-    };
-    const Row rows[] = {
-        {0, "Exiting ARCCommands::doArraysAndLogicalDrives, returning false(4)\n"},
-        {1, "Exiting ARCCommands::doArraysAndLogicalDrives, returning false(4)\n"},
-        {2, "Exiting ARCCommands::doArraysAndLogicalDrives, returning false(4)\n"},
-        {3, "Exiting ARCCommands::doHotspareDrives, returning false(1)\n"},
-    };
-    for (const Row& row : rows) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
-        for (std::size_t i = row.left; i < CommandList::slots; ++i) {
-            ASSERT_TRUE(fresh.commands().add("earlier"));
-        }
-        makeController(controller_type::arcconf7, 7, 2);
-        addArrayOf(2);
-        addLogicalDrive(0, raid_level::raid1, sizeFill, write_cache::on);
-        addHotspare(1, 2);
-        plan().readAhead = read_ahead::off;
-        ARCCommands generator(fresh);
-        generator.start(controller, 4, "UTIL.BAT ARCCONF");
-        EXPECT_FALSE(generator.generate());
-        const std::string printed = output();
-        const std::string expected =
-            std::string("\n#### ERROR\n\tMore than 32 configuration "
-                        "commands were generated.\n"
-                        "Could not configure Kestrix-B1, controller 4.\n\n") +
-            row.lastLine;
-        ASSERT_GE(printed.size(), expected.size());
-        EXPECT_EQ(printed.substr(printed.size() - expected.size()), expected);
-    }
-}
-
 } // namespace
 } // namespace zolex::test

@@ -173,38 +173,5 @@ TEST_F(CFGGENCommandsTest, SecondLogicalDriveOfAnArrayFailsAfterTheLine) {
     EXPECT_EQ(lines(), (Lines{"UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 qsync NOPROMPT"}));
 }
 
-TEST_F(CFGGENCommandsTest, LinesThatDoNotFitFail) {
-    struct Row {
-        std::size_t left;
-        const char* lastLine;
-    };
-    const Row rows[] = {
-        {0, "Exiting CFGGENCommands::doArraysAndLogicalDrives, returning false(4)\n"},
-        {1, "Exiting CFGGENCommands::doHotspareDrives, returning false(1)\n"},
-    };
-    for (const Row& row : rows) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
-        for (std::size_t i = row.left; i < CommandList::slots; ++i) {
-            ASSERT_TRUE(fresh.commands().add("earlier"));
-        }
-        makeController(controller_type::lsiSas, 2, 2);
-        addArrayOf(2);
-        addLogicalDrive(0, raid_level::raid1);
-        addHotspare(1, 2);
-        CFGGENCommands generator(fresh);
-        generator.start(controller, 4, "UTIL.BAT CFGGEN");
-        EXPECT_FALSE(generator.generate());
-        const std::string printed = output();
-        const std::string expected =
-            std::string("\n#### ERROR\n\tMore than 32 configuration "
-                        "commands were generated.\n"
-                        "Could not configure Kestrix-B6, controller 4.\n\n") +
-            row.lastLine;
-        ASSERT_GE(printed.size(), expected.size());
-        EXPECT_EQ(printed.substr(printed.size() - expected.size()), expected);
-    }
-}
-
 } // namespace
 } // namespace zolex::test

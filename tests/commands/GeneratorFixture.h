@@ -91,13 +91,6 @@ class GeneratorFixture : public ::testing::Test {
         return all;
     }
 
-    /// Leaves room for `left` more lines in the command list.
-    void fillCommandList(std::size_t left) {
-        for (std::size_t i = left; i < CommandList::slots; ++i) {
-            ASSERT_TRUE(application.commands().add("earlier"));
-        }
-    }
-
     void showTraces() { application.printer().setVerbosity(level::traces); }
     std::string output() { return platform.consoleFake.takeOutput(); }
 

@@ -181,38 +181,5 @@ TEST_F(HRCommandsTest, SecondLogicalDriveOfAnArrayFailsAfterTheLine) {
                               "Init_Priority HIGH Init_Method QUICK MAX 1 0 0 0 1 NOPROMPT "}));
 }
 
-TEST_F(HRCommandsTest, LinesThatDoNotFitFail) {
-    struct Row {
-        std::size_t left;
-        const char* lastLine;
-    };
-    const Row rows[] = {
-        {0, "Exiting HRCommands::doArraysAndLogicalDrives, returning false(4)\n"},
-        {1, "Exiting HRCommands::doHotspareDrives, returning false(1)\n"},
-    };
-    for (const Row& row : rows) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
-        for (std::size_t i = row.left; i < CommandList::slots; ++i) {
-            ASSERT_TRUE(fresh.commands().add("earlier"));
-        }
-        makeController(controller_type::hrconf4, 1, 3);
-        addArrayOf(2);
-        addLogicalDrive(0, raid_level::raid1);
-        addHotspare(1, 2);
-        HRCommands generator(fresh);
-        generator.start(controller, 4, "UTIL.BAT HRCONF");
-        EXPECT_FALSE(generator.generate());
-        const std::string printed = output();
-        const std::string expected =
-            std::string("\n#### ERROR\n\tMore than 32 configuration "
-                        "commands were generated.\n"
-                        "Could not configure Kestrix-A10, controller 4.\n\n") +
-            row.lastLine;
-        ASSERT_GE(printed.size(), expected.size());
-        EXPECT_EQ(printed.substr(printed.size() - expected.size()), expected);
-    }
-}
-
 } // namespace
 } // namespace zolex::test

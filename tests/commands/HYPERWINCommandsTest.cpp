@@ -142,6 +142,15 @@ TEST_F(HYPERWINCommandsTest, LogicalDriveOfAnotherArrayFails) {
                   3);
 }
 
+TEST_F(HYPERWINCommandsTest, SecondArrayWithoutLogicalDriveIsNotLookedAt) {
+    addArrayOf(2);
+    addArrayOf(1, 1, 2);
+    addLogicalDrive(0, raid_level::raid1);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(lines(), (Lines{"UTIL.BAT HYPERWIN /AM  /S "}));
+    EXPECT_EQ(output(), "");
+}
+
 TEST_F(HYPERWINCommandsTest, SizeOtherThanFillFails) {
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1, 1000);
@@ -168,27 +177,6 @@ TEST_F(HYPERWINCommandsTest, SecondHotspareFails) {
     expectFailure("Error in Policy.1:  You may only create one hot-spare drive on "
                   "LSI-IDEal-RAID controllers.\n",
                   6);
-}
-
-TEST_F(HYPERWINCommandsTest, LinesThatDoNotFitFail) {
-    for (const std::size_t left : {0U, 1U}) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
-        for (std::size_t i = left; i < CommandList::slots; ++i) {
-            ASSERT_TRUE(fresh.commands().add("earlier"));
-        }
-        makeController(controller_type::lsiIde, 1, 1);
-        addArrayOf(2);
-        addLogicalDrive(0, raid_level::raid1, sizeFill, write_cache::on);
-        HYPERWINCommands generator(fresh);
-        generator.start(controller, 4, "UTIL.BAT HYPERWIN");
-        EXPECT_FALSE(generator.generate());
-        EXPECT_EQ(output(),
-                  "Entering HYPERWINCommands::doArraysAndLogicalDrives\n"
-                  "\n#### ERROR\n\tMore than 32 configuration commands were generated.\n"
-                  "Could not configure LSI-IDEal-RAID, controller 4.\n\n"
-                  "Exiting HYPERWINCommands::doArraysAndLogicalDrives, returning false(7)\n");
-    }
 }
 
 } // namespace

@@ -318,6 +318,45 @@ TEST_F(MEGAWinCommandsTest, ArrayWithoutLogicalDriveLogsItsExit) {
                         "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(2)\n");
 }
 
+TEST_F(MEGAWinCommandsTest, HotspareOutsideTheDrivePositionsFailsWithoutALine) {
+    for (const DrivePosition position : {DrivePosition{5, 0}, DrivePosition{1, 36}}) {
+        Application fresh(platform);
+        fresh.printer().setVerbosity(level::traces);
+        makeController(controller_type::megaRaid, 1, 1);
+        addArrayOf(1);
+        addLogicalDrive(0, raid_level::raid0, sizeFill, write_cache::on);
+        addHotspare(1, 1);
+        addHotspare(position.channel, position.id);
+        MEGAWinCommands generator(fresh);
+        generator.start(controller, 4, "UTIL.BAT MEGACLI");
+        EXPECT_FALSE(generator.generate());
+        EXPECT_EQ(output(),
+                  "Entering MEGAWinCommands::doArraysAndLogicalDrives\n"
+                  "Entering MEGAWinCommands::determineCommand, raidLevel=0\n"
+                  "Command buffer=UTIL.BAT MEGACLI  -CfgLdAdd R0   [ 252:0 ]   WB   ADRA   "
+                  "-strpsz 64  -a0, length=72\n"
+                  "Entering MEGAWinCommands::doHotspareDrives\n"
+                  "Exiting MEGAWinCommands::doHotspareDrives, returning false(1)\n"
+                  "\n#### ERROR\n\tAn internal error has occurred.\n"
+                  "Controller=LSI-MegaRAID-8480\n\n"
+                  "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(4)\n");
+        ASSERT_NE(fresh.commands().get(0), nullptr);
+        EXPECT_EQ(fresh.commands().get(1), nullptr);
+    }
+}
+
+TEST_F(MEGAWinCommandsTest, HotsparesKeepTheirTargetIdWithoutAValidTargetIdTable) {
+    addDrives(2, 0);
+    controller.clearChannelReassignment();
+    addArray({{2, 0}, {2, 1}});
+    addLogicalDrive(0, raid_level::raid1, sizeFill, write_cache::on);
+    addHotspare(2, 3);
+    EXPECT_TRUE(generate());
+    EXPECT_EQ(lines(),
+              (Lines{"UTIL.BAT MEGACLI  -CfgLdAdd R1   [ :0,:1 ]   WB   ADRA   -strpsz 64  -a0",
+                     "UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 0:3 ] -a0"}));
+}
+
 TEST_F(MEGAWinCommandsTest, SpansOfAnotherLevelAreRefused) {
     addArrayOf(4);
     MEGAWinCommands generator(application);
@@ -329,41 +368,6 @@ TEST_F(MEGAWinCommandsTest, SpansOfAnotherLevelAreRefused) {
     EXPECT_TRUE(generator.appendSpans(raid_level::raid10, plan().arrays().front(), list));
     EXPECT_EQ(list, " -Array0[ 252:0,252:1 ]  -Array1[ 252:2,252:3 ] ");
     EXPECT_EQ(output(), "");
-}
-
-TEST_F(MEGAWinCommandsTest, HotspareLineThatDoesNotFitFails) {
-    showTraces();
-    addArrayOf(1);
-    addLogicalDrive(0, raid_level::raid0, sizeFill, write_cache::on);
-    addHotspare(1, 1);
-    fillCommandList(1);
-    EXPECT_FALSE(generate());
-    EXPECT_EQ(output(), "Entering MEGAWinCommands::doArraysAndLogicalDrives\n"
-                        "Entering MEGAWinCommands::determineCommand, raidLevel=0\n"
-                        "Command buffer=UTIL.BAT MEGACLI  -CfgLdAdd R0   [ 252:0 ]   WB   ADRA   "
-                        "-strpsz 64  -a0, length=72\n"
-                        "Entering MEGAWinCommands::doHotspareDrives\n"
-                        "\n#### ERROR\n\tMore than 32 configuration commands were generated.\n"
-                        "Could not configure LSI-MegaRAID-8480, controller 4.\n\n"
-                        "Exiting MEGAWinCommands::doHotspareDrives, returning false(1)\n"
-                        "\n#### ERROR\n\tAn internal error has occurred.\n"
-                        "Controller=LSI-MegaRAID-8480\n\n"
-                        "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(4)\n");
-}
-
-TEST_F(MEGAWinCommandsTest, ArrayLineThatDoesNotFitFails) {
-    showTraces();
-    addArrayOf(1);
-    addLogicalDrive(0, raid_level::raid0, sizeFill, write_cache::on);
-    fillCommandList(0);
-    EXPECT_FALSE(generate());
-    EXPECT_EQ(output(), "Entering MEGAWinCommands::doArraysAndLogicalDrives\n"
-                        "Entering MEGAWinCommands::determineCommand, raidLevel=0\n"
-                        "Command buffer=UTIL.BAT MEGACLI  -CfgLdAdd R0   [ 252:0 ]   WB   ADRA   "
-                        "-strpsz 64  -a0, length=72\n"
-                        "\n#### ERROR\n\tMore than 32 configuration commands were generated.\n"
-                        "Could not configure LSI-MegaRAID-8480, controller 4.\n\n"
-                        "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(5)\n");
 }
 
 } // namespace

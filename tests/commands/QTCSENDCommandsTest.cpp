@@ -227,40 +227,5 @@ TEST_F(QTCSENDCommandsTest, ArrayWithoutLogicalDriveFailsAndKeepsEarlierLines) {
               (Lines{"UTIL.BAT QTCSEND CREATE 2 LOGICALDRIVE NEWARRAY MAX 1 1 0 1 1 NOPROMPT"}));
 }
 
-TEST_F(QTCSENDCommandsTest, LinesThatDoNotFitFail) {
-    struct Row {
-        std::size_t left;
-        const char* lastLine;
-    };
-    const Row rows[] = {
-        {0, "Exiting QTCSENDCommands::doArraysAndLogicalDrives, returning false(3)\n"},
-        {1, "Exiting QTCSENDCommands::doArraysAndLogicalDrives, returning false(3)\n"},
-        {2, "Exiting QTCSENDCommands::doHotspareDrives, returning false(1)\n"},
-    };
-    for (const Row& row : rows) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
-        for (std::size_t i = row.left; i < CommandList::slots; ++i) {
-            ASSERT_TRUE(fresh.commands().add("earlier"));
-        }
-        makeController(controller_type::family, 1, 2);
-        addArrayOf(2);
-        addLogicalDrive(0, raid_level::raid1, 100);
-        addLogicalDrive(0, raid_level::raid0, 100);
-        addHotspare(1, 2);
-        QTCSENDCommands generator(fresh);
-        generator.start(controller, 4, "UTIL.BAT QTCSEND");
-        EXPECT_FALSE(generator.generate());
-        const std::string printed = output();
-        const std::string expected =
-            std::string("\n#### ERROR\n\tMore than 32 configuration "
-                        "commands were generated.\n"
-                        "Could not configure Kestrix-A1, controller 4.\n\n") +
-            row.lastLine;
-        ASSERT_GE(printed.size(), expected.size());
-        EXPECT_EQ(printed.substr(printed.size() - expected.size()), expected);
-    }
-}
-
 } // namespace
 } // namespace zolex::test

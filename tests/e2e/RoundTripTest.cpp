@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -35,7 +35,8 @@ class RandomServer {
         const int enclosures = number(1, 4);
         std::string drives;
         for (int i = 0; i < enclosures; ++i) {
-            const int inThis = number(4, 9);
+            // The first enclosure alone takes an array of any level, and hot spares.
+            const int inThis = i == 0 ? number(12, 16) : number(1, 9);
             drives += (i > 0 ? ", " : "");
             drives += R"({"enclosure": )" + std::to_string(8 + i * number(5, 60) + i * 70) +
                       R"(, "slot": )" + std::to_string(number(0, 3)) + R"(, "count": )" +
@@ -125,6 +126,11 @@ struct Case {
     bool withHotspares;
     const char* generation;
 };
+
+void PrintTo(const Case& one, std::ostream* stream) {
+    *stream << levels[one.level].name << (one.withHotspares ? " with hot spares, " : ", ")
+            << one.generation;
+}
 
 class RoundTripTest : public testing::TestWithParam<Case> {};
 

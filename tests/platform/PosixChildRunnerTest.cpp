@@ -212,6 +212,13 @@ TEST_P(PosixChildRunner, TheCurrentDirectoryComesBeforeThePath) {
     EXPECT_EQ(run("echo found").output, "own\n");
 }
 
+TEST_P(PosixChildRunner, WhatIsNoProgramHidesNothingFurtherAlong) {
+    directory.write("echo", "not executable\n");
+    directory.write("printf/inside", "a folder\n");
+    EXPECT_EQ(run("echo found").output, "found\n");
+    EXPECT_EQ(run("printf found").output, "found");
+}
+
 TEST_P(PosixChildRunner, NoDescriptorAndNoProcessStaysBehind) {
     run("/bin/sh -c \"exit 0\"");
     const auto before = openDescriptors();

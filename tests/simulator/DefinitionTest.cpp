@@ -213,6 +213,7 @@ TEST(Definition, FaultsNameTheField) {
 
 TEST(Definition, TooManyControllers) {
     std::vector<std::string> list;
+    list.reserve(65);
     for (int i = 0; i < 65; ++i) {
         list.push_back(formatted(R"({"utility": "MEGACLI", "model": "M",
             "pci": {"bus": %d, "device": 1, "vendorId": 1, "deviceId": 1}})",

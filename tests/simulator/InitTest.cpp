@@ -12,7 +12,7 @@ class Init : public ::testing::Test {
   protected:
     Init() { parent_.write("program", "the program's bytes"); }
 
-    Outcome init(std::vector<std::string> arguments, Target target = Target::posix) const {
+    Outcome init(const std::vector<std::string>& arguments, Target target = Target::posix) const {
         std::ostringstream output;
         std::ostringstream error;
         const int exitCode =

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <random>
@@ -120,17 +121,14 @@ inline PlayResult megacli(Server& server, const std::string& options) {
 /// One line about a controller: the statuses of its drives, its arrays, its logical drives.
 inline std::string dump(const Controller& controller) {
     std::vector<std::string> parts;
+    parts.reserve(controller.drives.size() + controller.logicalDrives.size());
     for (const Drive& drive : controller.drives) {
         parts.push_back(toText(drive.location) + "=" + std::string(statusWord(drive.status)));
     }
     for (const LogicalDrive& drive : controller.logicalDrives) {
         std::string spans;
         for (const std::vector<DriveLocation>& span : controller.arrays[drive.array].spans) {
-            std::vector<std::string> members;
-            for (const DriveLocation& location : span) {
-                members.push_back(toText(location));
-            }
-            spans += "[" + join(members, ",") + "]";
+            spans += "[" + toText(span) + "]";
         }
         parts.push_back(formatted("%s %s %lldMB %dkB %s %s",
                                   std::string(rulesOf(drive.level).name).c_str(), spans.c_str(),

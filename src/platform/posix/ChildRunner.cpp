@@ -29,8 +29,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-/// The pipe from the child to this process. Neither end outlives an exec; the read end does not
-/// block.
+/// The pipe from the child to this process. Neither end outlives an exec.
 struct Pipe {
     FileDescriptor readEnd;
     FileDescriptor writeEnd;
@@ -42,7 +41,7 @@ struct Pipe {
         }
         readEnd = FileDescriptor(ends[0]);
         writeEnd = FileDescriptor(ends[1]);
-        return ::fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0;
+        return true;
     }
 };
 
@@ -217,15 +216,15 @@ class Watch {
             takeUp(output, mostOutput - output.size()).has_value() && output.size() < mostOutput;
     }
 
-    /// Appends up to `most` bytes that stand in the pipe to `output`. Bytes taken; 0 when there
-    /// are none just now; nothing at the end of the pipe.
+    /// Appends up to `most` bytes to `output`; called only when there are some or the pipe has met
+    /// its end, so that it does not wait. Bytes taken; 0 when interrupted; nothing at the end.
     std::optional<std::size_t> takeUp(std::string& output, std::size_t most) {
         const ssize_t taken =
             ::read(readEnd_.get(), buffer_.data(), std::min(most, buffer_.size()));
-        if (taken < 0) {
-            return errno == EAGAIN || errno == EINTR ? std::optional<std::size_t>(0) : std::nullopt;
+        if (taken < 0 && errno == EINTR) {
+            return 0;
         }
-        if (taken == 0) {
+        if (taken <= 0) {
             return std::nullopt;
         }
         output.append(buffer_.data(), static_cast<std::size_t>(taken));
@@ -242,7 +241,7 @@ class Watch {
         auto left = static_cast<std::size_t>(std::max(waiting, 0));
         while (left > 0) {
             const auto taken = takeUp(output, left);
-            if (taken.value_or(0) == 0) {
+            if (!taken) {
                 return;
             }
             left -= *taken;

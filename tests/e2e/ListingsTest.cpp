@@ -1,0 +1,121 @@
+// Listings of real layouts, typed by a UTIL.BAT, are captured as a person reads them.
+
+#include "VirtualServer.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace zolex::e2e {
+namespace {
+
+/// A server with one controller of the given PCI ids.
+std::string serverWith(const std::string& vendor, const std::string& device,
+                       const std::string& subsystemVendor = "0x0000",
+                       const std::string& subsystem = "0x0000") {
+    return R"({"machineType": "8837", "serialNumber": "KQ12345", "controllers": [],
+        "otherDevices": [{"bus": 2, "device": 1, "vendorId": ")" +
+           vendor + R"(", "deviceId": ")" + device + R"(", "subsystemVendorId": ")" +
+           subsystemVendor + R"(", "subsystemId": ")" + subsystem + R"("}]})";
+}
+
+class ListingsTest : public testing::Test {
+  protected:
+    /// Captures a server whose UTIL.BAT types `listing` for the option that its second parameter
+    /// begins with; "*" for any other.
+    static std::string capture(const std::string& definition,
+                               const std::vector<std::pair<std::string, std::string>>& listings) {
+        VirtualServer server(definition);
+        EXPECT_TRUE(server.isReady());
+        std::string script = "case \"$2\" in\n";
+        for (const auto& [option, listing] : listings) {
+            std::filesystem::copy_file(std::filesystem::path(ZOLEX_TEST_DATA) / listing,
+                                       server.folder() / listing);
+            script += option + ") cat " + listing + " ;;\n";
+        }
+        server.write("UTIL.BAT", script + "esac\n");
+        const ProgramRun run = server.zolex({"/c", "/f:captured.ini"});
+        EXPECT_EQ(0, run.exitCode) << run.output;
+        return withoutComments(server.read("captured.ini"));
+    }
+};
+
+TEST_F(ListingsTest, MegaCliEarly) {
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-LSI-MegaRAID-8480-1]\n\n"
+              "AppliesTo.1 = t:LSI-MegaRAID-8480,d:5\n\n"
+              "StripeSize = 64\n"
+              "ReadAhead = ADAPTIVE\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 1,2,3\n\n"
+              "Hotspares = 4\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:138752:5:ON\n\n",
+              capture(serverWith("0x1000", "0x0411", "0x1000", "0x1002"),
+                      {{"-LdPdInfo", "megacli-ldpdinfo-early.txt"},
+                       {"-pdList", "megacli-pdlist-early.txt"},
+                       {"-adpallinfo", "megacli-adpallinfo.txt"}}));
+}
+
+TEST_F(ListingsTest, MegaCliLater) {
+    // 1.818 TB are 1906311.168 MB: a logical drive keeps the whole part.
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-LSI-MegaRAID-8480-1]\n\n"
+              "AppliesTo.1 = t:LSI-MegaRAID-8480,d:4\n\n"
+              "StripeSize = 64\n"
+              "ReadAhead = ON\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 1,2\n\n"
+              "Hotspares = 3\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:1906311:1:ON\n\n",
+              capture(serverWith("0x1000", "0x0411", "0x1000", "0x1002"),
+                      {{"-LdPdInfo", "megacli-ldpdinfo-later.txt"},
+                       {"-pdList", "megacli-pdlist-later.txt"},
+                       {"-adpallinfo", "megacli-adpallinfo.txt"}}));
+}
+
+TEST_F(ListingsTest, ArcconfWithDriveList) {
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-Kestrix-B8-1]\n\n"
+              "AppliesTo.1 = t:Kestrix-B8,d:3\n\n"
+              "RebuildRate = HIGH\n"
+              "ReadAhead = ADAPTIVE\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 1,2\n\n"
+              "Hotspares = 3\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:69889:1\n\n",
+              capture(serverWith("0x9005", "0x0286"), {{"*", "arcconf-getconfig-plain.txt"}}));
+}
+
+TEST_F(ListingsTest, ArcconfWithSegments) {
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-Kestrix-B7-1]\n\n"
+              "AppliesTo.1 = t:Kestrix-B7,d:3\n\n"
+              "StripeSize = 256\n"
+              "RebuildRate = HIGH\n"
+              "ReadAhead = ON\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 1,2\n\n"
+              "Hotspares = 3\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:69889:1\n\n",
+              capture(serverWith("0x9005", "0x0286"), {{"*", "arcconf-getconfig-segments.txt"}}));
+}
+
+TEST_F(ListingsTest, Cfggen) {
+    // The members are named by target ids 1 and 4, which are the drives of slots 1 and 0.
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-LSI-SAS-RAID-1]\n\n"
+              "AppliesTo.1 = t:LSI-SAS-RAID,d:3\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 2,1\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:69618:1\n\n",
+              capture(serverWith("0x1000", "0x0050"), {{"*", "cfggen-display.txt"}}));
+}
+
+} // namespace
+} // namespace zolex::e2e
