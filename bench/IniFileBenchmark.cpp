@@ -61,21 +61,25 @@ class MemoryPlatform : public zolex::Platform, zolex::Console, zolex::FileSystem
     std::string_view content_;
 };
 
+void appendEntry(std::string& text, const char* key, std::int64_t number, std::int64_t value) {
+    text.append(key).append(".").append(std::to_string(number)).append("=");
+    text.append(std::to_string(value)).append("\n");
+}
+
 /// An inventory of `controllers` controllers with 144 drives each.
 std::string inventoryOf(std::int64_t controllers) {
-    const auto assign = [](const std::string& key, std::int64_t number) {
-        return key + "=" + std::to_string(number) + "\n";
-    };
-    std::string text = "[System]\n" + assign("Total_Number_Of_Controllers", controllers);
+    std::string text = "[System]\nTotal_Number_Of_Controllers=";
+    text.append(std::to_string(controllers)).append("\n");
     for (std::int64_t n = 1; n <= controllers; ++n) {
-        const std::string section = "RAIDController." + std::to_string(n);
-        text += "[" + section + "]\nModel=Kestrix-C1\nBIOSVersion=MT25\nFirmwareVersion=1.11\n[" +
-                section + ".Array]\nTotal_Number_Of_Arrays=0\n[" + section + ".Physical]\n" +
-                assign("Total_Number_Of_Physicals", 144);
+        const std::string section = "[RAIDController." + std::to_string(n);
+        text.append(section).append("]\nModel=Kestrix-C1\nBIOSVersion=MT25\n");
+        text.append(section).append(".Array]\nTotal_Number_Of_Arrays=0\n");
+        text.append(section).append(".Physical]\nTotal_Number_Of_Physicals=144\n");
         for (std::int64_t drive = 0; drive < 144; ++drive) {
-            const std::string j = std::to_string(drive + 1);
-            text += assign("Channel." + j, 1 + drive / 36) + assign("ID." + j, drive % 36) +
-                    assign("Size." + j, 69618) + "Type." + j + "=SAS\n";
+            appendEntry(text, "Channel", drive + 1, 1 + drive / 36);
+            appendEntry(text, "ID", drive + 1, drive % 36);
+            appendEntry(text, "Size", drive + 1, 69618);
+            appendEntry(text, "Type", drive + 1, 15000);
         }
     }
     return text;

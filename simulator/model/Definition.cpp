@@ -1,5 +1,6 @@
 #include "model/Definition.h"
 
+#include "model/BlockFields.h"
 #include "model/ConfFields.h"
 #include "model/Operations.h"
 #include "model/Text.h"
@@ -13,7 +14,6 @@ namespace {
 
 constexpr std::size_t maxControllers = 64;
 constexpr std::size_t maxDrives = 1024; ///< of one controller
-constexpr std::int64_t mbBetweenRawAndNonCoerced = 512;
 
 std::optional<std::string> knownUtility(std::string_view word) {
     const UtilityTraits* utility = utilityNamed(word);
@@ -47,12 +47,12 @@ PciFunction readPci(Fields& fields) {
 struct DriveDefaults {
     std::size_t controller; ///< its number, from 0
     std::size_t index;      ///< of the drive
-    Addressing addressing;
+    const UtilityTraits& utility;
 };
 
-void readDriveSizes(Fields& fields, Drive& drive) {
+void readDriveSizes(Fields& fields, Drive& drive, int reservedMb) {
     drive.sizeMb = fields.number("sizeMB", 1, maxDriveSizeMb);
-    const std::int64_t gap = mbBetweenRawAndNonCoerced * sectorsPerMb;
+    const std::int64_t gap = reservedMb * sectorsPerMb;
     const std::int64_t least = drive.sizeMb * sectorsPerMb + gap;
     drive.rawSectors = fields.number("rawSectors", least, 2 * maxDriveSizeMb * sectorsPerMb, least);
     drive.nonCoercedSectors = drive.rawSectors - gap;
@@ -63,10 +63,17 @@ std::optional<DriveStatus> initialStatusNamed(std::string_view word) {
     return status == DriveStatus::online ? std::nullopt : status;
 }
 
-void readDrivePlace(Fields& fields, Drive& drive, Addressing addressing) {
-    if (addressing == Addressing::channels) {
+void readDrivePlace(Fields& fields, Drive& drive, const UtilityTraits& utility) {
+    if (utility.addressing == Addressing::channels) {
         readChannelDrive(fields, drive);
         return;
+    }
+    if (utility.addressing == Addressing::ids) {
+        readIdDrive(fields, drive, utility);
+        return;
+    }
+    if (utility.drives.enclosure >= 0) {
+        drive.location.enclosure = utility.drives.enclosure;
     }
     if (fields.has("enclosure")) {
         drive.location.enclosure = fields.smallNumber("enclosure", 0, 65535);
@@ -76,9 +83,10 @@ void readDrivePlace(Fields& fields, Drive& drive, Addressing addressing) {
 
 Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
     Drive drive;
-    drive.interface = fields.text("interface", "SAS", 8);
-    readDrivePlace(fields, drive, defaults.addressing);
-    readDriveSizes(fields, drive);
+    const UtilityTraits& utility = defaults.utility;
+    drive.interface = fields.text("interface", std::string(utility.drives.interface), 8);
+    readDrivePlace(fields, drive, utility);
+    readDriveSizes(fields, drive, utility.drives.reservedMb);
     drive.vendor = fields.text("vendor", "NORVIK", 8);
     drive.model = fields.text("model", "NV73455S", 16);
     drive.revision = fields.text("revision", "S527", 4);
@@ -86,7 +94,8 @@ Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
     drive.sasAddress =
         fields.bits("sasAddress", ~std::uint64_t{0},
                     0x5000c50000000000U + (defaults.controller << 16) + defaults.index);
-    drive.deviceId = fields.smallNumber("deviceId", 0, 65535, static_cast<int>(defaults.index));
+    drive.deviceId = fields.smallNumber(fields.has("targetId") ? "targetId" : "deviceId", 0, 65535,
+                                        static_cast<int>(defaults.index));
     drive.port = fields.smallNumber("port", 0, 65535, 0);
     drive.mediaErrors = fields.smallNumber("mediaErrors", 0, 1'000'000, 0);
     drive.otherErrors = fields.smallNumber("otherErrors", 0, 1'000'000, 0);
@@ -102,15 +111,19 @@ struct DriveGroup {
     int count;
     bool hasSerial;
     bool hasPort;
+    int skippedSlot = -1;  ///< no drive can have it
+    int lastSlot = 100'000;
 };
 
 /// Adds the drives of a group: like the first one, in consecutive slots. Their numbers count on;
 /// their serial numbers are the given text and a number of three digits.
 void addDrives(Controller& controller, const Drive& first, const DriveGroup& group,
                const std::string& path, Problem& problem) {
-    for (int i = 0; i < group.count && !problem.found(); ++i) {
+    int slot = first.location.slot;
+    for (int i = 0; i < group.count && !problem.found(); ++i, ++slot) {
+        slot += i > 0 && slot == group.skippedSlot ? 1 : 0;
         Drive drive = first;
-        drive.location.slot += i;
+        drive.location.slot = slot;
         drive.bay.slot += i;
         drive.sasAddress += static_cast<unsigned>(i);
         drive.deviceId += i;
@@ -124,6 +137,8 @@ void addDrives(Controller& controller, const Drive& first, const DriveGroup& gro
         }
         if (drive.serial.size() > 20) {
             problem.report(path + ".serial: is too long with its number");
+        } else if (slot == group.skippedSlot || slot > group.lastSlot) {
+            problem.report(path + ".id: no drive can have the id " + std::to_string(slot));
         } else if (controller.driveAt(drive.location) != nullptr) {
             problem.report(path + ".slot: there is already a drive at " + toText(drive.location));
         } else if (controller.drives.size() == maxDrives) {
@@ -135,12 +150,18 @@ void addDrives(Controller& controller, const Drive& first, const DriveGroup& gro
     }
 }
 
-void readDrives(Fields& fields, Controller& controller, std::size_t number, Addressing addressing) {
+void readDrives(Fields& fields, Controller& controller, std::size_t number,
+                const UtilityTraits& utility) {
     fields.list("drives", [&](const Json& item, const std::string& path) {
         Fields drive(item, path, fields.problem());
-        const Drive first = readDrive(drive, {number, controller.drives.size(), addressing});
+        const Drive first = readDrive(drive, {number, controller.drives.size(), utility});
         const int count = drive.smallNumber("count", 1, 256, 1);
-        const DriveGroup group{number, count, drive.has("serial"), drive.has("port")};
+        DriveGroup group{number, count, drive.has("serial"), drive.has("port")};
+        if (utility.addressing == Addressing::ids) {
+            group.lastSlot = utility.drives.lastId;
+            group.skippedSlot =
+                utility.drives.takesInitiator ? -1 : controller.identity.block.initiatorId;
+        }
         drive.finish();
         addDrives(controller, first, group, path, fields.problem());
     });
@@ -223,11 +244,14 @@ void readLevels(Fields& fields, ControllerIdentity& identity, const UtilityTrait
 }
 
 void readLimits(Fields& fields, ControllerIdentity& identity, const UtilityTraits& utility) {
-    identity.minStripeKb = fields.smallNumber("minStripeKB", 1, 65536, 8);
-    identity.maxStripeKb = fields.smallNumber("maxStripeKB", identity.minStripeKb, 65536, 1024);
+    const UtilityLimits& usual = utility.limits;
+    identity.minStripeKb = fields.smallNumber("minStripeKB", 1, 65536, usual.minStripeKb);
+    identity.maxStripeKb =
+        fields.smallNumber("maxStripeKB", identity.minStripeKb, 65536, usual.maxStripeKb);
     identity.maxSpans = fields.smallNumber("maxSpans", 1, 64, 8);
-    identity.maxDrivesPerSpan = fields.smallNumber("maxDrivesPerSpan", 1, 256, 32);
-    identity.maxLogicalDrives = fields.smallNumber("maxVirtualDisks", 1, 256, 64);
+    identity.maxDrivesPerSpan = fields.smallNumber("maxDrivesPerSpan", 1, 256, usual.drivesPerSpan);
+    identity.maxLogicalDrives = fields.smallNumber("maxVirtualDisks", 1, 256, usual.logicalDrives);
+    identity.maxHotSpares = fields.smallNumber("maxHotSpares", 0, 1024, usual.hotSpares);
     identity.defaultStripeKb = fields.smallNumber("defaultStripeKB", 1, 65536, utility.stripeKb);
     identity.defaultWritePolicy =
         fields.word<WritePolicy>("defaultWritePolicy", writePolicyNamed, utility.writePolicy);
@@ -262,7 +286,13 @@ Controller readController(Fields& fields, std::size_t number) {
         identity.conf = readConfIdentity(fields);
         identity.defaultBatteryProtected = fields.flag("defaultBatteryProtected", false);
     }
-    readDrives(fields, controller, number, utility->addressing);
+    if (utility->showsBlocks) {
+        identity.block = readBlockIdentity(fields, *utility, identity.pci);
+    }
+    readDrives(fields, controller, number, *utility);
+    if (utility->showsBlocks && utility->addressing == Addressing::enclosures) {
+        completeEnclosures(controller, number, fields.problem());
+    }
     readLogicalDrives(fields, controller);
     return controller;
 }

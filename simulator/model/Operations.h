@@ -45,6 +45,11 @@ struct NewLogicalDrive {
 /// drive (good, in no array, no spare).
 std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogicalDrive& request);
 
+/// One more logical drive on an array that exists; the request names no drives. It takes what is
+/// left of the array when it asks for no size.
+std::optional<Refusal> addLogicalDrive(Controller& controller, std::size_t array,
+                                       const NewLogicalDrive& request);
+
 /// Makes free drives hot spares of the whole controller: all of them or none.
 std::optional<Refusal> addSpares(Controller& controller,
                                  const std::vector<DriveLocation>& locations);

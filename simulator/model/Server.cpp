@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <tuple>
 
@@ -157,6 +158,25 @@ std::int64_t Controller::capacity(RaidLevel level,
         break;
     }
     return dataDrives <= 0 ? 0 : dataDrives * smallest;
+}
+
+std::int64_t Controller::roomLeft(std::size_t array, RaidLevel level) const {
+    // What one MB of a logical drive takes of the room of a level is the quotient of what the whole
+    // array is worth to the two levels.
+    const std::vector<std::vector<DriveLocation>>& spans = arrays[array].spans;
+    const std::int64_t whole = capacity(level, spans);
+    double room = static_cast<double>(whole);
+    bool shared = false;
+    for (const LogicalDrive& drive : logicalDrives) {
+        if (drive.array == array) {
+            const auto worth = static_cast<double>(capacity(drive.level, spans));
+            room -= worth > 0 ? static_cast<double>(drive.sizeMb) * static_cast<double>(whole) / worth
+                              : room;
+            shared = true;
+        }
+    }
+    constexpr double rounding = 0.001;
+    return shared ? static_cast<std::int64_t>(std::ceil(room - rounding)) : whole;
 }
 
 LogicalDriveState Controller::stateOf(const LogicalDrive& logicalDrive) const {

@@ -134,6 +134,23 @@ struct ConfIdentity {
     std::vector<EnclosureDevice> enclosureDevices;
 };
 
+/// An enclosure as CFGGEN shows it.
+struct EnclosureBox {
+    int number = 0;
+    std::uint64_t logicalId = 0;
+    int slots = 0;
+};
+
+/// What QTCSEND and the CFGGEN utilities show of a controller besides what every utility does.
+struct BlockIdentity {
+    std::string controllerName;
+    std::string rebuildPriority; ///< "High", "Medium" or "Low"
+    std::optional<int> slot;
+    int bus = 0; ///< as the listing tells it
+    int initiatorId = 0;
+    std::vector<EnclosureBox> enclosures;
+};
+
 /// What a controller is and can do; it never changes.
 struct ControllerIdentity {
     std::string utility;
@@ -160,7 +177,9 @@ struct ControllerIdentity {
     WritePolicy defaultWritePolicy = WritePolicy::writeThrough;
     ReadPolicy defaultReadPolicy = ReadPolicy::none;
     bool defaultBatteryProtected = false;
+    int maxHotSpares = 0;
     ConfIdentity conf;
+    BlockIdentity block;
 };
 
 /// The place of a member drive.
@@ -189,6 +208,9 @@ class Controller {
     /// data. Every location must hold a drive.
     [[nodiscard]] std::int64_t capacity(RaidLevel level,
                                         const std::vector<std::vector<DriveLocation>>& spans) const;
+    /// Room in MB that the array's logical drives leave to one more of this level. Drives of
+    /// different levels share it by what they take of each member; a begun MB counts.
+    [[nodiscard]] std::int64_t roomLeft(std::size_t array, RaidLevel level) const;
     [[nodiscard]] LogicalDriveState stateOf(const LogicalDrive& logicalDrive) const;
 };
 

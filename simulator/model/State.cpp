@@ -112,15 +112,6 @@ void readArrays(Fields& fields, Controller& controller) {
     }
 }
 
-/// The room that the array has left for a logical drive of this level.
-std::int64_t roomFor(const Controller& controller, std::size_t array, RaidLevel level) {
-    std::int64_t room = controller.capacity(level, controller.arrays[array].spans);
-    for (const LogicalDrive& drive : controller.logicalDrives) {
-        room -= drive.array == array ? drive.sizeMb : 0;
-    }
-    return room;
-}
-
 LogicalDrive readLogicalDrive(Fields& fields, const Controller& controller) {
     LogicalDrive drive;
     if (controller.arrays.empty()) {
@@ -152,7 +143,7 @@ LogicalDrive readLogicalDrive(Fields& fields, const Controller& controller) {
     }
     if (refused) {
         fields.complain("level", refused->reason);
-    } else if (drive.sizeMb > roomFor(controller, drive.array, drive.level)) {
+    } else if (drive.sizeMb > controller.roomLeft(drive.array, drive.level)) {
         fields.complain("sizeMB", "does not fit the array");
     }
     return drive;

@@ -1,5 +1,6 @@
 #include "roles/Roles.h"
 
+#include "conf/Conf.h"
 #include "megacli/Megacli.h"
 #include "model/Text.h"
 
@@ -15,8 +16,10 @@ struct Utility {
     PlayResult (*play)(Server&, const std::vector<std::string>& options);
 };
 // clang-format off
-constexpr std::array<Utility, 1> utilities = {{
+constexpr std::array<Utility, 3> utilities = {{
     {"MEGACLI", megacli::play},
+    {"ARCCONF", conf::playArcconf},
+    {"HRCONF", conf::playHrconf},
 }};
 // clang-format on
 

@@ -56,6 +56,9 @@ Part dataPart(const Controller& controller, std::size_t first, std::size_t last)
     if (count == 2 && controller.supports(RaidLevel::raid1)) {
         return {first, last, "1", "a mirrored pair"};
     }
+    if (count >= 4 && count % 2 == 0 && controller.supports(RaidLevel::raid10)) {
+        return {first, last, "10", "striped mirrors for the data"};
+    }
     return {first, last, "0", "a striped array"};
 }
 

@@ -1,6 +1,7 @@
 #include "setup/Samples.h"
 
 #include "model/Text.h"
+#include "setup/ConfSamples.h"
 
 #include <array>
 
@@ -165,12 +166,14 @@ constexpr std::string_view configured = R"({
 )";
 
 // clang-format off
-constexpr std::array<Sample, 5> all = {{
+constexpr std::array<Sample, 7> all = {{
     {"single",          "one controller, one enclosure (the default)", single},
     {"enclosures",      "one controller, three enclosures",            enclosures},
     {"two-controllers", "two controllers",                             twoControllers},
     {"later",           "one controller of the later generation",      later},
     {"configured",      "one controller, configured already",          configured},
+    {"arcconf",         "one controller driven by ARCCONF",            arcconfSample},
+    {"hrconf",          "one controller driven by HRCONF",             hrconfSample},
 }};
 // clang-format on
 

@@ -269,6 +269,7 @@ DrivePosition HRReader::toModel(DrivePosition position) {
 
 void HRReader::addArrayOf(const std::vector<DrivePosition>& drives) {
     std::vector<DrivePosition> members;
+    members.reserve(drives.size());
     for (const DrivePosition& drive : drives) {
         members.push_back(toModel(drive));
     }

@@ -36,6 +36,7 @@ class KXReader : public LayoutReader {
     };
 
     void begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+
     using ConfigurationReader::nextLine;
     /// Reads lines up to one that holds `separator`, giving each before it to `take`; false when
     /// the output ends first.

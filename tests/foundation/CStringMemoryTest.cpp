@@ -30,7 +30,7 @@ const std::vector<Operation>& allocatingOperations() {
         {"from a number", [](CString& s) { s = CString(std::uint32_t{12}); }},
         {"from a signed number", [](CString& s) { s = CString::fromInt(-12); }},
         {"from wide text", [](CString& s) { s = CString(u"text", 4); }},
-        {"copy", [](CString& s) { const CString copy(s); }},
+        {"copy", [](CString& s) { CString(s).makeUpper(); }},
         {"append", [](CString& s) { s.append("more"); }},
         {"append a character", [](CString& s) { s.append('x'); }},
         {"prepend", [](CString& s) { s.prepend("more"); }},

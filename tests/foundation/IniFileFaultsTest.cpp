@@ -184,9 +184,8 @@ constexpr int saysFalse = 7;
     test::FakeFileSystem files;
     files.files[name] = "[A]\nx=1\n";
     IniFile ini(files, name, true);
-    const CString text(line);
     test::failAllocation(test::Allocation::throwing, n);
-    const bool added = ini.addLine(text);
+    const bool added = ini.addLine(line);
     test::failAllocation(test::Allocation::throwing, 0);
     // The line is held and found, or neither; what was there stays.
     const bool held = linesOf(ini).size() == 3;

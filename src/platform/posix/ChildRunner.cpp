@@ -92,10 +92,13 @@ class ChildStreams {
     bool ready_ = false;
 };
 
-bool isProgram(const std::string& path) {
+bool isRegularFile(const std::string& path) {
     struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           ::access(path.c_str(), X_OK) == 0;
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool isExecutable(const std::string& path) {
+    return isRegularFile(path) && ::access(path.c_str(), X_OK) == 0;
 }
 
 /// The directory of the running executable; empty when it cannot be had.
@@ -109,10 +112,23 @@ std::string ownDirectory() {
     return path.substr(0, path.rfind('/') + 1);
 }
 
+/// Whether the file does not name the program that is to read it in a "#!" line.
+bool isForTheShell(const std::string& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<char, 2> start{};
+    return file.isOpen() && isRegularFile(path) &&
+           !(::read(file.get(), start.data(), start.size()) == 2 && start[0] == '#' &&
+             start[1] == '!');
+}
+
+/// Executables come first. A batch file needs no permission on the systems that it is written for,
+/// so that a plain file will do where there is no executable.
 std::optional<std::string> lookUp(const std::string& program) {
     const std::string directory = ownDirectory();
     const char* const path = std::getenv("PATH");
-    return findProgram(program, {directory, path == nullptr ? "/bin:/usr/bin" : path}, isProgram);
+    const ProgramPlaces places{directory, path == nullptr ? "/bin:/usr/bin" : path};
+    const auto executable = findProgram(program, places, isExecutable);
+    return executable ? executable : findProgram(program, places, isRegularFile);
 }
 
 /// 0 or the error number.
@@ -137,7 +153,7 @@ std::optional<pid_t> start(std::string_view commandLine, int output) {
     }
     pid_t child = -1;
     int error = spawn(*path, arguments, streams, child);
-    if (error == ENOEXEC) {
+    if (error == ENOEXEC || (error == EACCES && isForTheShell(*path))) {
         arguments.front() = *path;
         arguments.insert(arguments.begin(), "/bin/sh");
         error = spawn("/bin/sh", arguments, streams, child);

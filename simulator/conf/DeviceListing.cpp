@@ -1,0 +1,96 @@
+#include "conf/Listing.h"
+
+#include "model/Text.h"
+
+#include <algorithm>
+
+namespace zolex_sim::conf {
+namespace {
+
+const char* stateText(DriveStatus status, const Wording& wording) {
+    switch (status) {
+    case DriveStatus::online:
+        return "Online";
+    case DriveStatus::rebuild:
+        return "Rebuilding";
+    case DriveStatus::hotspare:
+        return wording.hotSpare;
+    case DriveStatus::failed:
+    case DriveStatus::bad:
+        return wording.failed;
+    case DriveStatus::foreign:
+        return "Partitioned";
+    case DriveStatus::good:
+        break;
+    }
+    return "Ready";
+}
+
+std::string placeLine(const DriveLocation& location, const Wording& wording) {
+    const int channel = location.enclosure.value_or(0);
+    std::string place = formatted("%d,%d", channel, location.slot);
+    if (*wording.placeMark != '\0') {
+        place += formatted("(%d:0)", location.slot);
+    }
+    return line(9, std::string("Reported Channel,Device") + wording.placeMark, place);
+}
+
+/// Where the drive sits, and the device that watches over its enclosure.
+std::string bayLines(const Controller& controller, const Drive& drive) {
+    const int enclosure = drive.bay.enclosure.value_or(0);
+    std::string text =
+        line(9, "Reported Location", formatted("Enclosure %d, Slot %d", enclosure, drive.bay.slot));
+    const std::vector<EnclosureDevice>& devices = controller.identity.conf.enclosureDevices;
+    const auto found =
+        std::find_if(devices.begin(), devices.end(),
+                     [enclosure](const EnclosureDevice& device) { return device.id == enclosure; });
+    if (found != devices.end()) {
+        text +=
+            line(9, "Reported ESD",
+                 formatted("%d,%d", found->location.enclosure.value_or(0), found->location.slot));
+    }
+    return text;
+}
+
+std::string driveBlock(const Controller& controller, const Drive& drive, const Wording& wording,
+                       bool bays) {
+    const std::int64_t sizeMb = drive.nonCoercedSectors / sectorsPerMb;
+    return "         Device is a Hard drive\n" +
+           line(9, "State", stateText(drive.status, wording)) + line(9, "Supported", "Yes") +
+           line(9, "Transfer Speed", drive.transferSpeed) + placeLine(drive.location, wording) +
+           (bays ? bayLines(controller, drive) : "") + line(9, "Vendor", drive.vendor) +
+           line(9, "Model", drive.model) + line(9, "Firmware", drive.revision) +
+           line(9, "Serial number", drive.serial) +
+           line(9, "Size", formatted("%lld MB", static_cast<long long>(sizeMb))) +
+           line(9, "Write Cache", "Disabled (write-through)") + line(9, "FRU", "None") +
+           line(9, "PFA", drive.predictiveFailures > 0 ? "Yes" : "No");
+}
+
+std::string enclosureBlock(const EnclosureDevice& device, const Wording& wording) {
+    return "         Device is an Enclosure services device\n" +
+           placeLine(device.location, wording) +
+           line(9, "Enclosure ID", static_cast<std::size_t>(device.id)) +
+           line(9, "Type", device.type) + line(9, "Vendor", device.vendor) +
+           line(9, "Model", device.model) + line(9, "Firmware", device.revision) +
+           "         Status of Enclosure services device\n" +
+           line(12, "Temperature", device.temperature);
+}
+
+} // namespace
+
+std::string deviceSection(const Controller& controller, const char* title, const Wording& wording,
+                          bool bays) {
+    std::string text = sectionHeading(title);
+    std::size_t number = 0;
+    for (const Drive& drive : controller.drives) {
+        text += formatted("      Device #%zu\n", number++);
+        text += driveBlock(controller, drive, wording, bays);
+    }
+    for (const EnclosureDevice& device : controller.identity.conf.enclosureDevices) {
+        text += formatted("      Device #%zu\n", number++);
+        text += enclosureBlock(device, wording);
+    }
+    return text;
+}
+
+} // namespace zolex_sim::conf

@@ -1,0 +1,182 @@
+#include "conf/Listing.h"
+
+#include "model/Text.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace zolex_sim::conf {
+namespace {
+
+const char* yesOrNo(bool yes) {
+    return yes ? "Yes" : "No";
+}
+
+/// The members in the order of the array.
+std::vector<const Drive*> membersOf(const Controller& controller, const LogicalDrive& drive) {
+    std::vector<const Drive*> members;
+    for (const std::vector<DriveLocation>& span : controller.arrays[drive.array].spans) {
+        for (const DriveLocation& location : span) {
+            members.push_back(controller.driveAt(location));
+        }
+    }
+    return members;
+}
+
+std::string levelText(const LogicalDrive& drive, std::size_t members, const Wording& wording) {
+    if (drive.level == RaidLevel::volume) {
+        return members == 1 ? "Simple_volume" : wording.spanned;
+    }
+    if (drive.level == RaidLevel::raid6) {
+        return wording.raid6;
+    }
+    return std::string(rulesOf(drive.level).name.substr(std::string_view("RAID").size()));
+}
+
+const char* stateText(LogicalDriveState state, const Wording& wording) {
+    switch (state) {
+    case LogicalDriveState::optimal:
+        return "Okay";
+    case LogicalDriveState::partiallyDegraded:
+        return "Degraded";
+    case LogicalDriveState::degraded:
+        return wording.critical;
+    case LogicalDriveState::offline:
+        break;
+    }
+    return "Offline";
+}
+
+const char* writeCacheText(const LogicalDrive& drive) {
+    return drive.writePolicy == WritePolicy::writeBack ? "Enabled (write-back)"
+                                                       : "Disabled (write-through)";
+}
+
+/// One logical drive on its way into the listing.
+struct Block {
+    const Controller& controller;
+    const LogicalDrive& drive;
+    const Wording& wording;
+    std::vector<const Drive*> members = membersOf(controller, drive);
+};
+
+/// What both forms begin with, from the name to the size.
+std::string head(const Block& block, std::size_t number) {
+    const LogicalDrive& drive = block.drive;
+    return formatted("Logical %s number %zu\n", block.wording.drive, number) +
+           line(3, formatted("Logical %s name", block.wording.drive), drive.name) +
+           line(3, "RAID level", levelText(drive, block.members.size(), block.wording)) +
+           line(3, formatted("Status of logical %s", block.wording.drive),
+                stateText(block.controller.stateOf(drive), block.wording)) +
+           line(3, "Size", formatted("%lld MB", static_cast<long long>(drive.sizeMb)));
+}
+
+std::string stripeLine(const LogicalDrive& drive) {
+    return line(3, "Stripe-unit size", formatted("%d KB", drive.stripeKb));
+}
+
+std::string readCacheLine(const Block& block) {
+    if (!block.controller.identity.conf.showsReadCache) {
+        return {};
+    }
+    return line(3, "Read-cache mode",
+                block.drive.readPolicy == ReadPolicy::none ? "Disabled" : "Enabled");
+}
+
+bool hasDefunctMember(const Block& block) {
+    return std::any_of(block.members.begin(), block.members.end(),
+                       [](const Drive* drive) { return drive->status == DriveStatus::failed; });
+}
+
+/// Whether a hot spare is large enough for every member.
+bool isProtected(const Block& block) {
+    std::int64_t needed = 0;
+    for (const Drive* member : block.members) {
+        needed = std::max(needed, member->sizeMb);
+    }
+    return std::any_of(block.controller.drives.begin(), block.controller.drives.end(),
+                       [needed](const Drive& drive) {
+                           return drive.status == DriveStatus::hotspare && drive.sizeMb >= needed;
+                       });
+}
+
+std::string listBlock(const Block& block, std::size_t index) {
+    const LogicalDrive& drive = block.drive;
+    const bool striped = drive.level != RaidLevel::raid1 && drive.level != RaidLevel::volume;
+    std::string drives;
+    for (const Drive* member : block.members) {
+        drives +=
+            formatted("%d,%d ", member->location.enclosure.value_or(0), member->location.slot);
+    }
+    return head(block, index + 1) + (striped ? stripeLine(drive) : "") + readCacheLine(block) +
+           line(3, "Write-cache mode", writeCacheText(drive)) +
+           line(3, "Partitioned", yesOrNo(drive.partitioned)) +
+           line(3, "Number of segments", block.members.size()) +
+           line(3, "Drive(s) (Channel,Device)", drives) +
+           line(3, "Defunct segments", yesOrNo(hasDefunctMember(block)));
+}
+
+const char* segmentState(const Drive& drive) {
+    switch (drive.status) {
+    case DriveStatus::failed:
+        return "Defunct";
+    case DriveStatus::rebuild:
+        return "Rebuilding";
+    default:
+        return "Present";
+    }
+}
+
+std::string segmentLine(const Block& block, std::size_t index) {
+    const Drive& drive = *block.members[index];
+    const int channel = drive.location.enclosure.value_or(0);
+    const std::string place =
+        block.wording.namedPlaces
+            ? formatted("(Controller:1,Connector:%d,Device:%d)", channel, drive.location.slot)
+            : formatted("(%d,%d)", channel, drive.location.slot);
+    return line(3, formatted("Segment %zu", index),
+                formatted("%s %s %s", segmentState(drive), place.c_str(), drive.serial.c_str()));
+}
+
+std::string segmentBlock(const Block& block, std::size_t index) {
+    const LogicalDrive& drive = block.drive;
+    std::string text =
+        head(block, index) + (drive.level != RaidLevel::volume ? stripeLine(drive) : "") +
+        readCacheLine(block) + line(3, "Write-cache mode", writeCacheText(drive)) +
+        line(3, "Write-cache setting",
+             std::string(writeCacheText(drive)) +
+                 (drive.batteryProtected ? " when protected by battery" : "")) +
+        line(3, "Partitioned", yesOrNo(drive.partitioned)) +
+        line(3, "Protected by Hot-Spare", yesOrNo(isProtected(block))) +
+        line(3, "Bootable", yesOrNo(index == 0)) +
+        line(3, "Defunct stripes", yesOrNo(hasDefunctMember(block))) +
+        blockHeading(formatted("Logical %s segment information", block.wording.drive));
+    for (std::size_t i = 0; i < block.members.size(); ++i) {
+        text += segmentLine(block, i);
+    }
+    return text + "\n";
+}
+
+std::string eachLogicalDrive(const Controller& controller, const Wording& wording,
+                             std::string (*blockText)(const Block&, std::size_t)) {
+    if (controller.logicalDrives.empty()) {
+        return formatted("No logical %ss configured\n", wording.drive);
+    }
+    std::string text;
+    for (std::size_t i = 0; i < controller.logicalDrives.size(); ++i) {
+        text += blockText({controller, controller.logicalDrives[i], wording}, i);
+    }
+    return text;
+}
+
+} // namespace
+
+std::string logicalDrivesWithLists(const Controller& controller, const Wording& wording) {
+    return eachLogicalDrive(controller, wording, listBlock);
+}
+
+std::string logicalDrivesWithSegments(const Controller& controller, const Wording& wording) {
+    return eachLogicalDrive(controller, wording, segmentBlock);
+}
+
+} // namespace zolex_sim::conf

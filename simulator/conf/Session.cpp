@@ -1,0 +1,52 @@
+#include "conf/Session.h"
+
+#include "model/Text.h"
+
+namespace zolex_sim::conf {
+namespace {
+
+std::string banner(const Call& call) {
+    return formatted("Controllers found: %zu\n", call.found);
+}
+
+} // namespace
+
+PlayResult completed(const Call& call, const std::string& text, bool changed) {
+    return {0, banner(call) + text + "\nCommand completed successfully.\n", changed};
+}
+
+PlayResult refused(const Call& call, const std::string& reason) {
+    return {1, banner(call) + reason + "\n\nCommand aborted.\n", false};
+}
+
+PlayResult misunderstood(const Call& call) {
+    if (call.words.atEnd()) {
+        return refused(call, "The command line is not complete.");
+    }
+    return refused(call, "Unexpected parameter: " + std::string(call.words.current()));
+}
+
+std::optional<PlayResult> takeConfirmation(Call& call) {
+    if (call.words.atEnd()) {
+        return refused(call, "The command has not been confirmed. Use NOPROMPT to run it without "
+                             "a question.");
+    }
+    if (!call.words.take("NOPROMPT") || !call.words.atEnd()) {
+        return misunderstood(call);
+    }
+    return std::nullopt;
+}
+
+bool takeLocation(Call& call, DriveLocation& location) {
+    const std::optional<std::int64_t> channel = call.words.takeNumber(maxNumber);
+    const std::optional<std::int64_t> device =
+        channel ? call.words.takeNumber(maxNumber) : std::nullopt;
+    if (!device) {
+        return false;
+    }
+    location.enclosure = static_cast<int>(*channel);
+    location.slot = static_cast<int>(*device);
+    return true;
+}
+
+} // namespace zolex_sim::conf

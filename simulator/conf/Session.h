@@ -1,0 +1,32 @@
+#pragma once
+
+#include "conf/Dialect.h"
+#include "conf/Words.h"
+
+namespace zolex_sim::conf {
+
+/// Greatest number of a channel, a device or a logical drive that is understood.
+constexpr std::int64_t maxNumber = 65535;
+
+/// One command line on its way.
+struct Call {
+    const Dialect& dialect;
+    Words words;
+    std::size_t found = 0;            ///< controllers of the utility
+    Controller* controller = nullptr; ///< the one that the command line names
+};
+
+/// How commands end: with what was done, or with a reason; all begin with the number of controllers
+/// that were found.
+PlayResult completed(const Call& call, const std::string& text, bool changed);
+PlayResult refused(const Call& call, const std::string& reason);
+/// Refuses the word at hand, or the end that came too early.
+PlayResult misunderstood(const Call& call);
+
+/// Takes "NOPROMPT" as the last word. What is returned otherwise ends the command.
+std::optional<PlayResult> takeConfirmation(Call& call);
+
+/// Takes a channel and a device; false when one of them is not there.
+bool takeLocation(Call& call, DriveLocation& location);
+
+} // namespace zolex_sim::conf
