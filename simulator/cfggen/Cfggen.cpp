@@ -49,9 +49,8 @@ PlayResult invalid(const Call& call) {
 
 PlayResult completed(const Call& call, const std::string& deed) {
     return {0,
-            std::string(call.form.title) + deed +
-                formatted(" on controller %d\n", call.adapter) + "Command " + call.command +
-                " Completed Successfully.\n",
+            std::string(call.form.title) + deed + formatted(" on controller %d\n", call.adapter) +
+                "Command " + call.command + " Completed Successfully.\n",
             true};
 }
 
@@ -62,7 +61,7 @@ std::optional<PlayResult> findAdapter(Call& call) {
     }
     const std::vector<Controller*> adapters = call.server.adaptersOf(call.form.utility);
     if (static_cast<std::size_t>(call.adapter) >= adapters.size()) {
-        return refused(call, formatted("there is no controller %d.", call.adapter));
+        return refused(call, formatted("There is no controller %d.", call.adapter));
     }
     call.controller = adapters[static_cast<std::size_t>(call.adapter)];
     return std::nullopt;
@@ -72,8 +71,8 @@ std::optional<PlayResult> findAdapter(Call& call) {
 /// enclosure and a slot.
 std::optional<DriveLocation> takeDrive(Call& call) {
     if (call.form.bus == Bus::scsi) {
-        const std::optional<int> id = call.words.takeSmallNumber();
-        return id ? std::optional(DriveLocation{1, *id}) : std::nullopt;
+        const std::optional<std::int64_t> id = call.words.takeNumber(greatestPlaceNumber);
+        return id ? std::optional(DriveLocation{1, static_cast<int>(*id)}) : std::nullopt;
     }
     const std::optional<DriveLocation> location = parseLocation(call.words.current());
     if (!location || !location->enclosure) {
@@ -87,12 +86,12 @@ PlayResult display(Call& call) {
     if (std::optional<PlayResult> result = findAdapter(call)) {
         return *result;
     }
-    return {0,
-            std::string(call.form.title) +
-                formatted("Read configuration has been initiated for controller %d\n",
-                          call.adapter) +
-                listing(*call.controller, call.form.bus),
-            false};
+    return {
+        0,
+        std::string(call.form.title) +
+            formatted("Read configuration has been initiated for controller %d\n", call.adapter) +
+            listing(*call.controller, call.form.bus),
+        false};
 }
 
 /// The words of the levels: a striped, a mirrored and an enhanced mirrored volume.
@@ -112,18 +111,10 @@ bool takeLevel(Words& words, RaidLevel& level) {
     return false;
 }
 
-bool takeSize(Words& words, std::optional<std::int64_t>& sizeMb) {
-    if (words.take("MAX")) {
-        return true;
-    }
-    sizeMb = words.takeNumber();
-    return sizeMb.has_value();
-}
-
 PlayResult create(Call& call) {
     NewLogicalDrive request;
     request.spans.emplace_back();
-    if (!takeLevel(call.words, request.level) || !takeSize(call.words, request.sizeMb)) {
+    if (!takeLevel(call.words, request.level) || !call.words.takeSize(request.sizeMb)) {
         return invalid(call);
     }
     while (const std::optional<DriveLocation> drive = takeDrive(call)) {
@@ -139,8 +130,8 @@ PlayResult create(Call& call) {
     if (const std::optional<Refusal> refusal = createLogicalDrive(*call.controller, request)) {
         return refused(call, refusal->reason);
     }
-    return completed(call, formatted("IR volume %zu has been created",
-                                     call.controller->logicalDrives.size()));
+    return completed(
+        call, formatted("IR volume %zu has been created", call.controller->logicalDrives.size()));
 }
 
 PlayResult makeSpare(Call& call) {
@@ -184,11 +175,11 @@ constexpr std::array<Command, 4> commands = {{
 
 PlayResult play(Server& server, const Form& form, const std::vector<std::string>& options) {
     Call call{server, form, Words(options), {}};
-    const std::optional<int> adapter = call.words.takeSmallNumber();
+    const std::optional<std::int64_t> adapter = call.words.takeNumber(greatestPlaceNumber);
     if (!adapter) {
         return invalid(call);
     }
-    call.adapter = *adapter;
+    call.adapter = static_cast<int>(*adapter);
     for (const Command& command : commands) {
         if (call.words.take(command.word)) {
             call.command = command.word;

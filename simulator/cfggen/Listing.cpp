@@ -1,6 +1,7 @@
 #include "cfggen/Listing.h"
 
 #include "frontend/BlockListing.h"
+#include "frontend/Words.h"
 #include "model/Text.h"
 
 #include <cstdint>
@@ -29,11 +30,6 @@ std::string adapterBlock(const ControllerIdentity& identity, Bus bus) {
            line("Function", std::to_string(identity.pci.function)) + line("RAID Support", "Yes");
 }
 
-/// The level as a number; the commands name it by a word.
-std::string_view levelText(RaidLevel level) {
-    return rulesOf(level).name.substr(std::string_view("RAID").size());
-}
-
 std::string volume(const Controller& controller, std::size_t number, Bus bus) {
     const LogicalDrive& drive = controller.logicalDrives[number];
     std::vector<std::string> members;
@@ -42,7 +38,7 @@ std::string volume(const Controller& controller, std::size_t number, Bus bus) {
     }
     return formatted("IR volume %zu\n", number + 1) + line("Volume ID", std::to_string(number)) +
            line("Status of volume", logicalDriveStateText(controller, drive)) +
-           line("RAID level", levelText(drive.level)) +
+           line("RAID level", levelWord(drive.level)) +
            line("Size (in MB)", std::to_string(drive.sizeMb)) +
            line("Physical hard disks (Target ID)", join(members, " "));
 }
@@ -65,10 +61,10 @@ std::string driveBlock(const Drive& drive, Bus bus) {
 std::string enclosureBlock(const Controller& controller) {
     std::string text;
     for (const EnclosureBox& box : controller.identity.block.enclosures) {
-        const auto high = static_cast<unsigned long>(box.logicalId >> 32);
-        const auto low = static_cast<unsigned long>(box.logicalId & 0xFFFFFFFFU);
+        const auto high = static_cast<unsigned>(box.logicalId >> 32);
+        const auto low = static_cast<unsigned>(box.logicalId & 0xFFFFFFFFU);
         text += keyLine(0, "Enclosure#", colon, std::to_string(box.number)) +
-                line("Logical ID", formatted("%08lx:%08lx", high, low)) +
+                line("Logical ID", formatted("%08x:%08x", high, low)) +
                 line("Numslots", std::to_string(box.slots)) + line("StartSlot", "0") +
                 line("Start TargetID", "0") + line("Start Bus", "0");
     }
@@ -92,8 +88,7 @@ std::string listing(const Controller& controller, Bus bus) {
     for (const Drive& drive : controller.drives) {
         text += driveBlock(drive, bus);
     }
-    return text + (bus == Bus::sas ? enclosureBlock(controller) : "") +
-           std::string(blockSeparator);
+    return text + (bus == Bus::sas ? enclosureBlock(controller) : "") + std::string(blockSeparator);
 }
 
 } // namespace zolex_sim::cfggen

@@ -2,6 +2,7 @@
 
 #include "model/Server.h"
 
+#include <cstdint>
 #include <string>
 
 namespace zolex_sim::cfggen {

@@ -10,8 +10,6 @@
 namespace zolex_sim::conf {
 namespace {
 
-constexpr std::int64_t maxControllerNumber = 1000;
-
 PlayResult list(Call& call) {
     if (!call.words.take("AL") || !call.words.atEnd()) {
         return misunderstood(call);
@@ -61,7 +59,7 @@ PlayResult setCache(Call& call) {
         return misunderstood(call);
     }
     const std::string name(call.words.current());
-    const std::optional<std::int64_t> number = call.words.takeNumber(maxNumber);
+    const std::optional<std::int64_t> number = call.words.takeNumber(greatestPlaceNumber);
     if (!number) {
         return misunderstood(call);
     }
@@ -143,7 +141,7 @@ PlayResult playConf(const Dialect& dialect, Server& server,
     if (command == nullptr) {
         return misunderstood(call);
     }
-    const std::optional<std::int64_t> number = call.words.takeNumber(maxControllerNumber);
+    const std::optional<std::int64_t> number = call.words.takeNumber(greatestPlaceNumber);
     if (!number) {
         return misunderstood(call);
     }

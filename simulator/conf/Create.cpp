@@ -4,35 +4,13 @@
 #include "model/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
 namespace zolex_sim::conf {
 namespace {
 
 constexpr std::int64_t maxStripeKb = 65536;
-constexpr std::int64_t maxSizeMb = 1'000'000'000'000;
 constexpr std::size_t maxNameLength = 32;
-
-struct LevelWord {
-    std::string_view word;
-    RaidLevel level;
-};
-// clang-format off
-constexpr std::array<LevelWord, 11> levelWords = {{
-    {"0",      RaidLevel::raid0},
-    {"1",      RaidLevel::raid1},
-    {"1E",     RaidLevel::raid1E},
-    {"5",      RaidLevel::raid5},
-    {"5E",     RaidLevel::raid5E},
-    {"5EE",    RaidLevel::raid5EE},
-    {"6",      RaidLevel::raid6},
-    {"10",     RaidLevel::raid10},
-    {"50",     RaidLevel::raid50},
-    {"60",     RaidLevel::raid60},
-    {"VOLUME", RaidLevel::volume},
-}};
-// clang-format on
 
 /// What the command line asks for.
 struct Wish {
@@ -100,23 +78,15 @@ bool takeOptions(Call& call, Wish& wish) {
     }
 }
 
-bool takeSize(Call& call, Wish& wish) {
-    if (call.words.take("MAX")) {
-        return true;
-    }
-    wish.request.sizeMb = call.words.takeNumber(maxSizeMb);
-    return wish.request.sizeMb.has_value();
-}
-
 bool takeLevel(Call& call, Wish& wish) {
-    wish.simple = call.dialect.simpleVolumes && call.words.take("SIMPLE");
-    for (const LevelWord& entry : levelWords) {
-        if ((!wish.simple || entry.level == RaidLevel::volume) && call.words.take(entry.word)) {
-            wish.request.level = entry.level;
-            return true;
-        }
+    if (call.dialect.simpleVolumes && call.words.take("SIMPLE")) {
+        wish.simple = true;
+        wish.request.level = RaidLevel::volume;
+        return call.words.take("VOLUME");
     }
-    return false;
+    const std::optional<RaidLevel> level = call.words.takeLevel();
+    wish.request.level = level.value_or(wish.request.level);
+    return level.has_value();
 }
 
 bool takeDrives(Call& call, Wish& wish) {
@@ -177,8 +147,9 @@ std::optional<std::string> complete(const Call& call, Wish& wish) {
 
 PlayResult createFromWords(Call& call) {
     Wish wish;
-    if (!call.words.take("LOGICALDRIVE") || !takeOptions(call, wish) || !takeSize(call, wish) ||
-        !takeLevel(call, wish) || !takeDrives(call, wish)) {
+    if (!call.words.take("LOGICALDRIVE") || !takeOptions(call, wish) ||
+        !call.words.takeSize(wish.request.sizeMb) || !takeLevel(call, wish) ||
+        !takeDrives(call, wish)) {
         return misunderstood(call);
     }
     if (std::optional<PlayResult> unconfirmed = takeConfirmation(call)) {

@@ -1,5 +1,6 @@
 #include "conf/Listing.h"
 
+#include "frontend/BlockListing.h"
 #include "model/Text.h"
 
 #include <algorithm>
@@ -27,9 +28,7 @@ std::size_t logicalDrivesThat(const Controller& controller, LogicalDriveState st
 } // namespace
 
 std::string line(std::size_t indent, const std::string& key, const std::string& value) {
-    std::string text = std::string(indent, ' ') + key;
-    text.resize(std::max(text.size(), colonColumn), ' ');
-    return text + ": " + value + "\n";
+    return keyLine(indent, key, colonColumn, value);
 }
 
 std::string line(std::size_t indent, const std::string& key, std::size_t value) {

@@ -1,5 +1,6 @@
 #include "conf/Listing.h"
 
+#include "frontend/Words.h"
 #include "model/Text.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ std::string levelText(const LogicalDrive& drive, std::size_t members, const Word
     if (drive.level == RaidLevel::raid6) {
         return wording.raid6;
     }
-    return std::string(rulesOf(drive.level).name.substr(std::string_view("RAID").size()));
+    return std::string(levelWord(drive.level));
 }
 
 const char* stateText(LogicalDriveState state, const Wording& wording) {

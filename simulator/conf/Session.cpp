@@ -20,10 +20,7 @@ PlayResult refused(const Call& call, const std::string& reason) {
 }
 
 PlayResult misunderstood(const Call& call) {
-    if (call.words.atEnd()) {
-        return refused(call, "The command line is not complete.");
-    }
-    return refused(call, "Unexpected parameter: " + std::string(call.words.current()));
+    return refused(call, call.words.complaint());
 }
 
 std::optional<PlayResult> takeConfirmation(Call& call) {
@@ -38,9 +35,9 @@ std::optional<PlayResult> takeConfirmation(Call& call) {
 }
 
 bool takeLocation(Call& call, DriveLocation& location) {
-    const std::optional<std::int64_t> channel = call.words.takeNumber(maxNumber);
+    const std::optional<std::int64_t> channel = call.words.takeNumber(greatestPlaceNumber);
     const std::optional<std::int64_t> device =
-        channel ? call.words.takeNumber(maxNumber) : std::nullopt;
+        channel ? call.words.takeNumber(greatestPlaceNumber) : std::nullopt;
     if (!device) {
         return false;
     }

@@ -1,12 +1,9 @@
 #pragma once
 
 #include "conf/Dialect.h"
-#include "conf/Words.h"
+#include "frontend/Words.h"
 
 namespace zolex_sim::conf {
-
-/// Greatest number of a channel, a device or a logical drive that is understood.
-constexpr std::int64_t maxNumber = 65535;
 
 /// One command line on its way.
 struct Call {

@@ -11,13 +11,13 @@ namespace {
 
 // In the order of the enumeration of drive statuses.
 constexpr std::array<std::string_view, 7> driveStates = {
-    "Ready (RDY)",    // good
-    "Missing (MIS)",  // bad
-    "Defunct (DDD)",  // failed
-    "Ready (RDY)",    // foreign: these utilities know nothing of other controllers
+    "Ready (RDY)",     // good
+    "Missing (MIS)",   // bad
+    "Defunct (DDD)",   // failed
+    "Ready (RDY)",     // foreign: these utilities know nothing of other controllers
     "Hot Spare (HSP)", // hotspare
-    "Online (ONL)",   // online
-    "Rebuild (RBL)",  // rebuild
+    "Online (ONL)",    // online
+    "Rebuild (RBL)",   // rebuild
 };
 static_assert(driveStates.size() == static_cast<std::size_t>(DriveStatus::rebuild) + 1);
 

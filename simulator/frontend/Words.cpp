@@ -4,12 +4,6 @@
 
 namespace zolex_sim {
 
-namespace {
-
-constexpr std::int64_t greatestSmallNumber = 65535;
-
-} // namespace
-
 Words::Words(const std::vector<std::string>& arguments)
     : words_(splitWords(join(arguments, " "))) {}
 
@@ -25,30 +19,48 @@ bool Words::take(std::string_view word) {
     return true;
 }
 
-std::optional<std::int64_t> Words::takeNumber() {
-    const std::optional<std::int64_t> number = parseWhole(current());
-    if (number) {
-        ++position_;
-    }
-    return number;
+std::string Words::takeAny() {
+    std::string word(current());
+    position_ += atEnd() ? 0 : 1;
+    return word;
 }
 
-std::optional<int> Words::takeSmallNumber() {
+std::optional<std::int64_t> Words::takeNumber(std::int64_t greatest) {
     const std::optional<std::int64_t> number = parseWhole(current());
-    if (!number || *number > greatestSmallNumber) {
+    if (!number || *number > greatest) {
         return std::nullopt;
     }
     ++position_;
-    return static_cast<int>(*number);
+    return number;
 }
 
-std::string Words::takeAny() {
-    return atEnd() ? std::string() : words_[position_++];
+bool Words::takeSize(std::optional<std::int64_t>& sizeMb) {
+    if (take("MAX")) {
+        sizeMb.reset();
+        return true;
+    }
+    sizeMb = takeNumber(greatestSizeMb);
+    return sizeMb.has_value();
+}
+
+std::optional<RaidLevel> Words::takeLevel() {
+    for (const LevelRules& rules : allLevels()) {
+        if (take(levelWord(rules.level))) {
+            return rules.level;
+        }
+    }
+    return std::nullopt;
 }
 
 std::string Words::complaint() const {
-    return atEnd() ? "the command line is not complete"
-                   : "\"" + std::string(current()) + "\" is not understood";
+    return atEnd() ? "The command line is not complete."
+                   : "Unexpected parameter: " + std::string(current());
+}
+
+std::string_view levelWord(RaidLevel level) {
+    constexpr std::string_view prefix = "RAID";
+    const std::string_view name = rulesOf(level).name;
+    return name.substr(name.substr(0, prefix.size()) == prefix ? prefix.size() : 0);
 }
 
 } // namespace zolex_sim

@@ -59,8 +59,8 @@ BlockIdentity readBlockIdentity(Fields& fields, const UtilityTraits& utility,
 }
 
 void readIdDrive(Fields& fields, Drive& drive, const UtilityTraits& utility) {
-    drive.location.enclosure = fields.smallNumber("channel", 1, utility.lastChannel, 1);
-    drive.location.slot = fields.smallNumber("id", 0, utility.lastId);
+    drive.location.enclosure = fields.smallNumber("channel", 1, utility.drives.lastChannel, 1);
+    drive.location.slot = fields.smallNumber("id", 0, utility.drives.lastId);
 }
 
 void completeEnclosures(Controller& controller, std::size_t number, Problem& problem) {
@@ -70,10 +70,10 @@ void completeEnclosures(Controller& controller, std::size_t number, Problem& pro
         if (enclosure && std::none_of(boxes.begin(), boxes.end(), [&](const EnclosureBox& box) {
                 return box.number == *enclosure;
             })) {
-            boxes.push_back({*enclosure,
-                             firstLogicalId + (std::uint64_t{number} << 16) +
-                                 static_cast<unsigned>(*enclosure),
-                             slotsFor(controller, *enclosure)});
+            boxes.push_back(
+                {*enclosure,
+                 firstLogicalId + (std::uint64_t{number} << 16) + static_cast<unsigned>(*enclosure),
+                 slotsFor(controller, *enclosure)});
         }
     }
     std::set<int> targets;

@@ -111,7 +111,7 @@ struct DriveGroup {
     int count;
     bool hasSerial;
     bool hasPort;
-    int skippedSlot = -1;  ///< no drive can have it
+    int skippedSlot = -1; ///< no drive can have it
     int lastSlot = 100'000;
 };
 
@@ -168,16 +168,20 @@ void readDrives(Fields& fields, Controller& controller, std::size_t number,
 }
 
 /// Creates one of the logical drives that the server starts with. Unlike those that are created
-/// later its members may be failed or rebuilding.
-void createInitialLogicalDrive(Controller& controller, const NewLogicalDrive& request,
-                               const std::string& path, Problem& problem) {
+/// later its members may be failed or rebuilding. `array` is that of an earlier one, if it is to
+/// share it.
+void createInitialLogicalDrive(Controller& controller, std::optional<int> array,
+                               const NewLogicalDrive& request, const std::string& path,
+                               Problem& problem) {
     Controller sound = controller;
     for (Drive& drive : sound.drives) {
         if (drive.status == DriveStatus::failed || drive.status == DriveStatus::rebuild) {
             drive.status = DriveStatus::good;
         }
     }
-    if (const std::optional<Refusal> refused = createLogicalDrive(sound, request)) {
+    if (const std::optional<Refusal> refused =
+            array ? addLogicalDrive(sound, static_cast<std::size_t>(*array), request)
+                  : createLogicalDrive(sound, request)) {
         problem.report(path + ": " + refused->reason);
         return;
     }
@@ -195,7 +199,10 @@ void readLogicalDrives(Fields& fields, Controller& controller) {
         Fields disk(item, path, fields.problem());
         LogicalDriveFields found = readLogicalDriveFields(disk);
         std::vector<std::vector<DriveLocation>> spans;
-        if (disk.has("spans")) {
+        std::optional<int> array; // of an earlier virtual disk
+        if (disk.has("array")) {
+            array = disk.smallNumber("array", 0, 65535);
+        } else if (disk.has("spans")) {
             spans = readSpans(item.at("spans"), path + ".spans", fields.problem());
         } else {
             disk.complain("spans", "is missing");
@@ -210,7 +217,7 @@ void readLogicalDrives(Fields& fields, Controller& controller) {
             }
         }
         if (!fields.problem().found()) {
-            createInitialLogicalDrive(controller,
+            createInitialLogicalDrive(controller, array,
                                       {found.level, std::move(spans), found.sizeMb, found.stripeKb,
                                        found.writePolicy, found.readPolicy, std::move(found.name),
                                        found.batteryProtected, found.partitioned},

@@ -88,44 +88,92 @@ std::optional<Refusal> checkStripe(const Controller& controller, int stripeKb) {
     return std::nullopt;
 }
 
-std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogicalDrive& request) {
+namespace {
+
+/// The checks of a new logical drive's settings; `room` is what its array has for it, in MB.
+std::optional<Refusal> checkSettings(const Controller& controller, const NewLogicalDrive& request,
+                                     std::int64_t room) {
     const ControllerIdentity& identity = controller.identity;
-    if (std::optional<Refusal> refused = checkFree(controller, request.spans)) {
+    if (std::optional<Refusal> refused =
+            checkStripe(controller, request.stripeKb.value_or(identity.defaultStripeKb))) {
         return refused;
     }
-    if (std::optional<Refusal> refused = checkShape(controller, request.level, request.spans)) {
-        return refused;
-    }
-    const int stripeKb = request.stripeKb.value_or(identity.defaultStripeKb);
-    if (std::optional<Refusal> refused = checkStripe(controller, stripeKb)) {
-        return refused;
-    }
-    const std::int64_t capacity = controller.capacity(request.level, request.spans);
-    const std::int64_t sizeMb = request.sizeMb.value_or(capacity);
-    if (sizeMb < 1 || sizeMb > capacity) {
+    const std::int64_t sizeMb = request.sizeMb.value_or(room);
+    if (sizeMb < 1 || sizeMb > room) {
         return refusal(RefusalKind::badSize,
                        formatted("A size of %lld MB does not fit: the array has room for %lld MB.",
-                                 static_cast<long long>(sizeMb), static_cast<long long>(capacity)));
+                                 static_cast<long long>(sizeMb), static_cast<long long>(room)));
     }
     if (controller.logicalDrives.size() >= static_cast<std::size_t>(identity.maxLogicalDrives)) {
         return refusal(RefusalKind::tooMany, formatted("The controller takes no more than %d "
                                                        "virtual disks.",
                                                        identity.maxLogicalDrives));
     }
+    return std::nullopt;
+}
+
+/// The logical drive that the request describes, as large as `room` when it asks for no size.
+LogicalDrive newLogicalDrive(const ControllerIdentity& identity, const NewLogicalDrive& request,
+                             std::size_t array, std::int64_t room) {
+    const WritePolicy writePolicy = request.writePolicy.value_or(identity.defaultWritePolicy);
+    const bool protectedByDefault = !request.writePolicy && identity.defaultBatteryProtected;
+    return {array,
+            request.level,
+            request.sizeMb.value_or(room),
+            request.stripeKb.value_or(identity.defaultStripeKb),
+            writePolicy,
+            request.readPolicy.value_or(identity.defaultReadPolicy),
+            request.name,
+            request.batteryProtected.value_or(protectedByDefault) &&
+                writePolicy == WritePolicy::writeBack,
+            request.partitioned};
+}
+
+} // namespace
+
+std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogicalDrive& request) {
+    if (std::optional<Refusal> refused = checkFree(controller, request.spans)) {
+        return refused;
+    }
+    if (std::optional<Refusal> refused = checkShape(controller, request.level, request.spans)) {
+        return refused;
+    }
+    const std::int64_t capacity = controller.capacity(request.level, request.spans);
+    if (std::optional<Refusal> refused = checkSettings(controller, request, capacity)) {
+        return refused;
+    }
     for (const std::vector<DriveLocation>& span : request.spans) {
         for (const DriveLocation& location : span) {
             controller.driveAt(location)->status = DriveStatus::online;
         }
     }
-    const WritePolicy writePolicy = request.writePolicy.value_or(identity.defaultWritePolicy);
-    const bool protectedByDefault = !request.writePolicy && identity.defaultBatteryProtected;
     controller.logicalDrives.push_back(
-        {controller.arrays.size(), request.level, sizeMb, stripeKb, writePolicy,
-         request.readPolicy.value_or(identity.defaultReadPolicy), request.name,
-         request.batteryProtected.value_or(protectedByDefault) &&
-             writePolicy == WritePolicy::writeBack,
-         request.partitioned});
+        newLogicalDrive(controller.identity, request, controller.arrays.size(), capacity));
     controller.arrays.push_back({request.spans});
+    return std::nullopt;
+}
+
+std::optional<Refusal> addLogicalDrive(Controller& controller, std::size_t array,
+                                       const NewLogicalDrive& request) {
+    if (array >= controller.arrays.size()) {
+        return refusal(RefusalKind::driveNotFound, "There is no such array.");
+    }
+    if (std::optional<Refusal> refused =
+            checkShape(controller, request.level, controller.arrays[array].spans)) {
+        return refused;
+    }
+    for (const LogicalDrive& drive : controller.logicalDrives) {
+        const LevelRules& alone = rulesOf(rulesOf(drive.level).alone ? drive.level : request.level);
+        if (drive.array == array && alone.alone) {
+            return refusal(RefusalKind::tooMany,
+                           std::string(alone.name) + " takes an array to itself.");
+        }
+    }
+    const std::int64_t room = controller.roomLeft(array, request.level);
+    if (std::optional<Refusal> refused = checkSettings(controller, request, room)) {
+        return refused;
+    }
+    controller.logicalDrives.push_back(newLogicalDrive(controller.identity, request, array, room));
     return std::nullopt;
 }
 
@@ -133,6 +181,14 @@ std::optional<Refusal> addSpares(Controller& controller,
                                  const std::vector<DriveLocation>& locations) {
     if (std::optional<Refusal> refused = checkFree(controller, {locations})) {
         return refused;
+    }
+    const auto spares = static_cast<std::size_t>(
+        std::count_if(controller.drives.begin(), controller.drives.end(),
+                      [](const Drive& drive) { return drive.status == DriveStatus::hotspare; }));
+    if (spares + locations.size() > static_cast<std::size_t>(controller.identity.maxHotSpares)) {
+        return refusal(RefusalKind::tooMany,
+                       formatted("The controller takes no more than %d hot spares.",
+                                 controller.identity.maxHotSpares));
     }
     for (const DriveLocation& location : locations) {
         controller.driveAt(location)->status = DriveStatus::hotspare;

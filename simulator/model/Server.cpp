@@ -38,6 +38,34 @@ std::optional<int> parseLocationNumber(std::string_view digits) {
     return static_cast<int>(*number);
 }
 
+/// Twice the room that the level keeps of the spans, which may be half a MB more than a whole
+/// number.
+std::int64_t twiceCapacity(const Controller& controller, RaidLevel level,
+                           const std::vector<std::vector<DriveLocation>>& spans) {
+    const LevelRules& rules = rulesOf(level);
+    std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
+    std::int64_t sum = 0;
+    std::int64_t members = 0;
+    std::int64_t dataDrives = 0;
+    for (const std::vector<DriveLocation>& span : spans) {
+        members += static_cast<std::int64_t>(span.size());
+        dataDrives += static_cast<std::int64_t>(span.size()) - rules.redundancy;
+        for (const DriveLocation& location : span) {
+            sum += controller.driveAt(location)->sizeMb;
+            smallest = std::min(smallest, controller.driveAt(location)->sizeMb);
+        }
+    }
+    switch (rules.room) {
+    case Room::half:
+        return members == 0 ? 0 : members * smallest;
+    case Room::sum:
+        return 2 * sum;
+    case Room::dataDrives:
+        break;
+    }
+    return dataDrives <= 0 ? 0 : 2 * dataDrives * smallest;
+}
+
 } // namespace
 
 std::string toText(const DriveLocation& location) {
@@ -136,47 +164,25 @@ std::vector<std::optional<int>> Controller::enclosures() const {
 
 std::int64_t Controller::capacity(RaidLevel level,
                                   const std::vector<std::vector<DriveLocation>>& spans) const {
-    const LevelRules& rules = rulesOf(level);
-    std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
-    std::int64_t sum = 0;
-    std::int64_t members = 0;
-    std::int64_t dataDrives = 0;
-    for (const std::vector<DriveLocation>& span : spans) {
-        members += static_cast<std::int64_t>(span.size());
-        dataDrives += static_cast<std::int64_t>(span.size()) - rules.redundancy;
-        for (const DriveLocation& location : span) {
-            sum += driveAt(location)->sizeMb;
-            smallest = std::min(smallest, driveAt(location)->sizeMb);
-        }
-    }
-    switch (rules.room) {
-    case Room::half:
-        return members == 0 ? 0 : members * smallest / 2;
-    case Room::sum:
-        return sum;
-    case Room::dataDrives:
-        break;
-    }
-    return dataDrives <= 0 ? 0 : dataDrives * smallest;
+    return twiceCapacity(*this, level, spans) / 2;
 }
 
 std::int64_t Controller::roomLeft(std::size_t array, RaidLevel level) const {
-    // What one MB of a logical drive takes of the room of a level is the quotient of what the whole
-    // array is worth to the two levels.
+    // A MB of a logical drive takes as much of the room as the whole array is worth to the level at
+    // hand against what it is worth to that drive's level.
     const std::vector<std::vector<DriveLocation>>& spans = arrays[array].spans;
-    const std::int64_t whole = capacity(level, spans);
-    double room = static_cast<double>(whole);
+    const double whole = static_cast<double>(twiceCapacity(*this, level, spans)) / 2;
+    double room = whole;
     bool shared = false;
     for (const LogicalDrive& drive : logicalDrives) {
         if (drive.array == array) {
-            const auto worth = static_cast<double>(capacity(drive.level, spans));
-            room -= worth > 0 ? static_cast<double>(drive.sizeMb) * static_cast<double>(whole) / worth
-                              : room;
+            const auto twice = static_cast<double>(twiceCapacity(*this, drive.level, spans));
+            room -= static_cast<double>(drive.sizeMb) * whole / (twice / 2);
             shared = true;
         }
     }
     constexpr double rounding = 0.001;
-    return shared ? static_cast<std::int64_t>(std::ceil(room - rounding)) : whole;
+    return shared ? static_cast<std::int64_t>(std::ceil(room - rounding)) : capacity(level, spans);
 }
 
 LogicalDriveState Controller::stateOf(const LogicalDrive& logicalDrive) const {

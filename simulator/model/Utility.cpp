@@ -32,7 +32,7 @@ constexpr std::array hyperwinLevels = {RaidLevel::raid0, RaidLevel::raid1};
 // levels; stripe size in KB, write and read policy; limits; drives; whether listings tell a
 // BlockIdentity; the controller's own number among the drives.
 constexpr std::array<UtilityTraits, 7> utilities = {{
-    {"MEGACLI", Addressing::enclosures, 0, false, megacliLevels,  64, WritePolicy::writeThrough, ReadPolicy::none},
+    {"MEGACLI", Addressing::enclosures, -1, false, megacliLevels,  64, WritePolicy::writeThrough, ReadPolicy::none},
     {"ARCCONF", Addressing::channels,   0, true,  arcconfLevels, 256, WritePolicy::writeBack,    ReadPolicy::ahead},
     {"HRCONF",  Addressing::channels,   0, true,  hrconfLevels,   64, WritePolicy::writeBack,    ReadPolicy::ahead},
     {"QTCSEND", Addressing::ids,        1, true,  qtcsendLevels,  16, WritePolicy::writeThrough, ReadPolicy::adaptive,

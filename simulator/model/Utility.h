@@ -26,19 +26,20 @@ struct UtilityLimits {
 /// What is usual of the drives of a utility's controllers.
 struct UtilityDrives {
     std::string_view interface = "SAS";
-    int reservedMb = 512;        ///< of each drive, that no array can use
-    bool numbersBad = true;      ///< bad drives are counted among the drives of the controller
-    bool takesInitiator = true;  ///< a drive can have the controller's own number
-    int enclosure = -1;          ///< of a drive without one; below 0: outside every enclosure
-    int lastChannel = 255;       ///< of drives with channel and id
-    int lastId = 255;            ///< likewise
+    int reservedMb = 512;       ///< of each drive, that no array can use
+    bool numbersBad = true;     ///< bad drives are counted among the drives of the controller
+    bool takesInitiator = true; ///< a drive can have the controller's own number
+    int enclosure = -1;         ///< of a drive without one; below 0: outside every enclosure
+    int lastChannel = 255;      ///< of drives with channel and id
+    int lastId = 255;           ///< likewise
 };
 
 /// What the machine has to know of a utility that drives its controllers.
 struct UtilityTraits {
     std::string_view name;
     Addressing addressing;
-    int firstChannel;         ///< number of the first channel
+    int firstChannel; ///< number of the first channel or, where the enclosures stand for the
+                      ///< channels, enclosure; below 0: they count in the drives' order
     bool numbersFailedDrives; ///< failed drives are counted among the drives of the controller
     std::span<const RaidLevel> levels; ///< that its controllers can have
     // What its controllers do by themselves, unless their definition says otherwise.

@@ -1,8 +1,11 @@
 #include "roles/Roles.h"
 
+#include "cfggen/Cfggen.h"
 #include "conf/Conf.h"
+#include "hyperwin/Hyperwin.h"
 #include "megacli/Megacli.h"
 #include "model/Text.h"
+#include "qtcsend/Qtcsend.h"
 
 #include <array>
 #include <string_view>
@@ -16,10 +19,14 @@ struct Utility {
     PlayResult (*play)(Server&, const std::vector<std::string>& options);
 };
 // clang-format off
-constexpr std::array<Utility, 3> utilities = {{
+constexpr std::array<Utility, 7> utilities = {{
     {"MEGACLI", megacli::play},
     {"ARCCONF", conf::playArcconf},
     {"HRCONF", conf::playHrconf},
+    {"QTCSEND", qtcsend::play},
+    {"CFGGEN", cfggen::playSas},
+    {"CFGGEN1.02.02", cfggen::playScsi},
+    {"HYPERWIN", hyperwin::play},
 }};
 // clang-format on
 

@@ -5,7 +5,7 @@
 namespace zolex_sim {
 
 /// Definitions of servers whose controllers are driven by ARCCONF and HRCONF.
-constexpr std::string_view arcconfSample = R"({
+constexpr std::string_view arcconfSample = R"json({
   // One controller with support for automatic failover and eight drives on one channel.
   "machineType": "8840",
   "serialNumber": "KQ52A1R",
@@ -37,9 +37,9 @@ constexpr std::string_view arcconfSample = R"({
       "description": "Host bridge" }
   ]
 }
-)";
+)json";
 
-constexpr std::string_view hrconfSample = R"({
+constexpr std::string_view hrconfSample = R"json({
   // One controller with drives on two parallel channels.
   "machineType": "8647",
   "serialNumber": "KQ08H2C",
@@ -70,6 +70,6 @@ constexpr std::string_view hrconfSample = R"({
       "description": "Host bridge" }
   ]
 }
-)";
+)json";
 
 } // namespace zolex_sim

@@ -13,7 +13,7 @@ constexpr int maxId = 35;
 
 std::map<std::optional<int>, std::size_t> channelsOf(const Controller& controller) {
     const UtilityTraits* utility = utilityNamed(controller.identity.utility);
-    const bool numbered = utility != nullptr && utility->addressing == Addressing::channels;
+    const bool numbered = utility != nullptr && utility->firstChannel >= 0;
     std::map<std::optional<int>, std::size_t> channels;
     for (const std::optional<int>& enclosure : controller.enclosures()) {
         channels.emplace(enclosure, numbered ? static_cast<std::size_t>(enclosure.value_or(0) -
@@ -42,11 +42,14 @@ std::string drivesSection(const Controller& controller, std::size_t number) {
 std::vector<const Drive*> countedDrives(const Controller& controller) {
     const UtilityTraits* utility = utilityNamed(controller.identity.utility);
     const bool failedToo = utility != nullptr && utility->numbersFailedDrives;
+    const bool badToo = utility == nullptr || utility->drives.numbersBad;
     std::map<std::optional<int>, std::size_t> channels = channelsOf(controller);
     std::vector<const Drive*> drives;
     for (const Drive& drive : controller.drives) {
-        if (channels[drive.location.enclosure] <= maxChannels && drive.location.slot <= maxId &&
-            (failedToo || drive.status != DriveStatus::failed)) {
+        const std::size_t channel = channels[drive.location.enclosure];
+        if (channel >= 1 && channel <= maxChannels && drive.location.slot <= maxId &&
+            (failedToo || drive.status != DriveStatus::failed) &&
+            (badToo || drive.status != DriveStatus::bad)) {
             drives.push_back(&drive);
         }
     }

@@ -47,7 +47,8 @@ struct Layout {
     std::size_t spare = 0; ///< 0: none
 };
 
-/// The best level for drives first to last: RAID 5 from three on, a mirror of two, else RAID 0.
+/// The best level for drives first to last: RAID 5 from three on, a mirror of two, striped mirrors,
+/// else RAID 0, or a mirror of the first two where the controller knows nothing else.
 Part dataPart(const Controller& controller, std::size_t first, std::size_t last) {
     const std::size_t count = last - first + 1;
     if (count >= 3 && controller.supports(RaidLevel::raid5)) {
@@ -59,6 +60,12 @@ Part dataPart(const Controller& controller, std::size_t first, std::size_t last)
     if (count >= 4 && count % 2 == 0 && controller.supports(RaidLevel::raid10)) {
         return {first, last, "10", "striped mirrors for the data"};
     }
+    if (count >= 3 && controller.supports(RaidLevel::raid1E)) {
+        return {first, last, "1E", "an enhanced mirror for the data"};
+    }
+    if (!controller.supports(RaidLevel::raid0)) {
+        return {first, std::min(first + 1, last), "1", "a mirrored pair"};
+    }
     return {first, last, "0", "a striped array"};
 }
 
@@ -66,15 +73,21 @@ Part dataPart(const Controller& controller, std::size_t first, std::size_t last)
 Layout layoutFor(const Controller& controller, std::size_t drives) {
     Layout layout;
     const bool mirror = controller.supports(RaidLevel::raid1);
+    const std::size_t most =
+        std::min(maxArrayDrives, static_cast<std::size_t>(controller.identity.maxDrivesPerSpan));
     if (drives >= 6 && mirror) {
         layout.spare = drives;
         layout.parts.push_back({1, 2, "1", "a mirrored pair for the system"});
-        layout.parts.push_back(dataPart(controller, 3, std::min(drives - 1, 2 + maxArrayDrives)));
+        layout.parts.push_back(dataPart(controller, 3, std::min(drives - 1, 2 + most)));
         return layout;
     }
-    layout.spare = drives >= 4 && controller.supports(RaidLevel::raid5) ? drives : 0;
+    const bool mirrorsOnly = !controller.supports(RaidLevel::raid0);
+    const bool redundant =
+        controller.supports(RaidLevel::raid5) || controller.supports(RaidLevel::raid1E);
+    const bool withSpare = mirrorsOnly ? drives >= 3 : drives >= 4 && redundant;
+    layout.spare = withSpare ? drives : 0;
     const std::size_t last = layout.spare != 0 ? drives - 1 : drives;
-    layout.parts.push_back(dataPart(controller, 1, std::min(last, maxArrayDrives)));
+    layout.parts.push_back(dataPart(controller, 1, std::min(last, most)));
     return layout;
 }
 

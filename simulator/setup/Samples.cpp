@@ -1,6 +1,7 @@
 #include "setup/Samples.h"
 
 #include "model/Text.h"
+#include "setup/BlockSamples.h"
 #include "setup/ConfSamples.h"
 
 #include <array>
@@ -166,7 +167,7 @@ constexpr std::string_view configured = R"({
 )";
 
 // clang-format off
-constexpr std::array<Sample, 7> all = {{
+constexpr std::array<Sample, 12> all = {{
     {"single",          "one controller, one enclosure (the default)", single},
     {"enclosures",      "one controller, three enclosures",            enclosures},
     {"two-controllers", "two controllers",                             twoControllers},
@@ -174,6 +175,11 @@ constexpr std::array<Sample, 7> all = {{
     {"configured",      "one controller, configured already",          configured},
     {"arcconf",         "one controller driven by ARCCONF",            arcconfSample},
     {"hrconf",          "one controller driven by HRCONF",             hrconfSample},
+    {"qtcsend",         "one controller driven by QTCSEND, configured", qtcsendSample},
+    {"cfggen",          "one controller driven by CFGGEN",             cfggenSample},
+    {"cfggen-scsi",     "two controllers driven by CFGGEN1.02.02",     cfggenScsiSample},
+    {"hyperwin",        "one controller driven by HYPERWIN",           hyperwinSample},
+    {"mixed",           "one controller of each utility",              mixedSample},
 }};
 // clang-format on
 

@@ -15,7 +15,7 @@ constexpr std::uint16_t maker = ZOLEX_MAKER_PCI_VENDOR_ID;
 /// Rows of the PCI table, from the first, whose models a policy may name.
 constexpr std::size_t rowsOfValidNames = 21;
 
-constexpr const char* noController = "ERROR-NO-CONTROLLER";
+constexpr std::string_view noController = "ERROR-NO-CONTROLLER";
 
 // What each type is driven by. Columns: type; command prefix of its utility; exit codes that count
 // as success besides 0 (-1: none). Order: by type, looked up by position.
@@ -46,7 +46,7 @@ constexpr std::array<TypeRow, 12> typeRows{{
 struct NameRow {
     std::int32_t type;
     std::int32_t subtype;
-    const char* name;
+    std::string_view name;
 };
 constexpr std::array<NameRow, 39> nameRows{{
     {1,  1,          "Kestrix-A1"},
@@ -94,7 +94,7 @@ constexpr std::array<NameRow, 39> nameRows{{
 // not the inverse of the table above: "LSI-MegaRAID" has no type, yet a subtype. The last column
 // says that a policy may name the model whatever the PCI rows hold.
 struct ModelRow {
-    const char* name;
+    std::string_view name;
     std::int32_t type;
     std::int32_t subtype;
     bool namedInPolicies;
@@ -213,15 +213,27 @@ const ModelRow* findModel(std::string_view name) {
     return row == modelRows.end() ? nullptr : row;
 }
 
-} // namespace
-
-CString ControllerCatalogue::getControllerName(std::int32_t type, std::int32_t subtype) const {
+constexpr std::string_view nameOf(std::int32_t type, std::int32_t subtype) {
     for (const NameRow& row : nameRows) {
         if (row.type == type && (row.subtype == subtype || row.subtype == anySubtype)) {
             return row.name;
         }
     }
     return noController;
+}
+
+constexpr auto namesOfFirstRows = [] {
+    std::array<std::string_view, rowsOfValidNames> names;
+    for (std::size_t row = 0; row < names.size(); ++row) {
+        names[row] = nameOf(pciRows[row].type, pciRows[row].subtype);
+    }
+    return names;
+}();
+
+} // namespace
+
+CString ControllerCatalogue::getControllerName(std::int32_t type, std::int32_t subtype) const {
+    return nameOf(type, subtype);
 }
 
 CString ControllerCatalogue::getUtilityCommand(std::int32_t type) const {
@@ -265,14 +277,11 @@ std::int32_t ControllerCatalogue::getControllerSubtype(const CString& name) cons
     return model == nullptr ? subtypeNotSet : model->subtype;
 }
 
-bool ControllerCatalogue::isValidControllerName(const CString& name) const {
-    for (std::size_t row = 0; row < rowsOfValidNames; ++row) {
-        if (name == getControllerName(pciRows[row].type, pciRows[row].subtype)) {
-            return true;
-        }
-    }
+bool ControllerCatalogue::isValidControllerName(std::string_view name) const {
     const ModelRow* model = findModel(name);
-    return model != nullptr && model->namedInPolicies;
+    return (model != nullptr && model->namedInPolicies) ||
+           std::find(namesOfFirstRows.begin(), namesOfFirstRows.end(), name) !=
+               namesOfFirstRows.end();
 }
 
 bool ControllerCatalogue::acceptsExplicitSize(std::int32_t type) const {

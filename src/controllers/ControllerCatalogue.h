@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace zolex {
 
@@ -36,7 +37,7 @@ class ControllerCatalogue {
     /// Subtype of a model name, exact case; -1 when unknown or not set.
     [[nodiscard]] std::int32_t getControllerSubtype(const CString& name) const;
     /// Whether a policy may name this model; exact case.
-    [[nodiscard]] bool isValidControllerName(const CString& name) const;
+    [[nodiscard]] bool isValidControllerName(std::string_view name) const;
     /// Whether the type takes an explicit size in MB in a generated policy: true for 1, 2, 7, 10,
     /// 11, 12, for any value below 3 and any above 9.
     [[nodiscard]] bool acceptsExplicitSize(std::int32_t type) const;

@@ -1,10 +1,13 @@
 #include "driver/ParameterParser.h"
 #include "driver/ZOLEX.h"
 
-#include "foundation/Text.h"
+#include "foundation/TextFile.h"
+#include "platform/CommandLineSplit.h"
 
 #include <array>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace zolex {
 
@@ -94,32 +97,33 @@ constexpr std::array<FlagSetting, 18> flagSettings{{
 constexpr unsigned success = 0;
 constexpr unsigned commandLineError = 4;
 
-/// Whole content of a file; false when it cannot be opened.
-bool readWhole(FileSystem& files, const CString& name, std::string& content) {
-    const auto file = files.open(name, "r");
-    if (!file) {
-        return false;
+/// The parameters that a text file holds; nothing when it cannot be opened.
+std::optional<std::vector<CString>> readParameters(FileSystem& files, const CString& name) {
+    TextFile file(files);
+    if (!file.open(name, "r")) {
+        return std::nullopt;
     }
-    std::array<char, 4096> buffer{};
-    for (std::size_t n = file->read(buffer); n > 0; n = file->read(buffer)) {
-        content.append(buffer.data(), n);
+    std::string content;
+    for (CString line; file.readLine(line);) {
+        content.append(line.view());
     }
-    return true;
+    const std::vector<std::string> parameters = splitCommandLine(content);
+    return std::vector<CString>(parameters.begin(), parameters.end());
 }
 
 /// Adds the parameters of the file that "@" names to those of the command line.
 ParameterParser::Result parseParameterFile(Application& application, ParameterParser& parser) {
     CString name;
-    std::string content;
     if (!parser.lookUp("@", name) || name.isEmpty()) {
         return ParameterParser::Result::success;
     }
-    if (!readWhole(application.platform().files(), name, content)) {
+    const auto parameters = readParameters(application.platform().files(), name);
+    if (!parameters) {
         application.platform().console().writeError(
             formatText("Could not open parameter file:  %s\n", name.c_str()));
         return ParameterParser::Result::success;
     }
-    return parser.parseMore(splitParameters(content), true);
+    return parser.parseMore(*parameters, true);
 }
 
 void endInBackslash(CString& directory) {

@@ -33,9 +33,7 @@ ZOLEX::Result ZOLEX::deployConfiguration(ControllerList& controllers) {
     if (reordersByBusNumber()) {
         controllers.reorderByBusNumber();
     }
-    const auto policies = makePolicyReader();
-    if (const unsigned result = planConfigurations(controllers, policies.get());
-        result != success) {
+    if (const unsigned result = planConfigurations(controllers); result != success) {
         return {result, false};
     }
     if (const unsigned result = configureControllers(*runner, controllers); result != success) {
@@ -52,14 +50,15 @@ ZOLEX::Result ZOLEX::deployConfiguration(ControllerList& controllers) {
     return {};
 }
 
-unsigned ZOLEX::planConfigurations(ControllerList& controllers, PolicyReader* policies) {
+unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
     if (settings.defaults) {
         printer().print("Using default policy for all RAID controllers.\n", level::progress);
     } else {
         printer().printf(level::progress, "Checking policies file syntax: %s ...\n",
                          settings.policiesFile.c_str());
     }
-    if (policies == nullptr) {
+    const auto policies = makePolicyReader();
+    if (!policies) {
         return resourcesMissing;
     }
     if (!policies->read()) {

@@ -3,7 +3,6 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
-#include <string>
 
 namespace zolex {
 
@@ -201,33 +200,6 @@ bool ParameterParser::isFound(const CString& name) const {
 
 void ParameterParser::release() {
     entries_.clear();
-}
-
-std::vector<CString> splitParameters(std::string_view text) {
-    std::vector<CString> parameters;
-    std::string current;
-    bool open = false;   // a parameter has begun, be it empty in quotes
-    bool quoted = false; // inside double quotes
-    const auto end = [&] {
-        if (open) {
-            parameters.emplace_back(current);
-        }
-        current.clear();
-        open = false;
-    };
-    for (const char c : text) {
-        if (c == '"') {
-            quoted = !quoted;
-            open = true;
-        } else if (!quoted && (c == ' ' || c == '\t' || c == '\n' || c == '\r')) {
-            end();
-        } else {
-            current += c;
-            open = true;
-        }
-    }
-    end();
-    return parameters;
 }
 
 } // namespace zolex

@@ -94,7 +94,4 @@ class ParameterParser {
     CString faultValue_;
 };
 
-/// Splits text at blanks, tabs and line ends; double quotes group and are removed.
-[[nodiscard]] std::vector<CString> splitParameters(std::string_view text);
-
 } // namespace zolex

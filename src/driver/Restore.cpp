@@ -108,7 +108,6 @@ bool ZOLEX::restoreCommand(Tool& runner, RAIDController& controller, std::int32_
     if (retriesReset(controller.type()) && !isAccepted(controller, runner.exitCode())) {
         printer().printfAlways("Executing:%s\n", command.c_str());
         if (!runner.run(true)) {
-            printFailure(controller, Mode::restore);
             printer().trace("Exiting restoreDefaults(6)\n");
             return false;
         }

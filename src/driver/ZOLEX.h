@@ -47,8 +47,9 @@ class ZOLEX : public Application {
     Result deployConfiguration(ControllerList& controllers);
     /// Dumps every controller and reads the dumps into the model: 0, 8 or 10.
     unsigned captureConfiguration(ControllerList& controllers);
-    /// Returns every controller, or the one numbered `number` from 1 (below 0: every), to factory
-    /// defaults: 0, 7, 10, or the result of a capture.
+    /// Returns every controller (`number` -1), or the one numbered `number` from 1, to factory
+    /// defaults: 0, 7, 10, or the result of a capture. A number that no controller has restores
+    /// none, and an operator who declines does so too: both are 0.
     Result restoreDefaults(ControllerList& controllers, std::int32_t number);
     /// Whether the exit code is one of the three that the controller's type accepts; if not, the
     /// failure has been printed.
@@ -93,7 +94,7 @@ class ZOLEX : public Application {
     void traceOutput(Tool& runner);
 
     // Deploy
-    unsigned planConfigurations(ControllerList& controllers, PolicyReader* policies);
+    unsigned planConfigurations(ControllerList& controllers);
     unsigned configureControllers(Tool& runner, ControllerList& controllers);
     unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
                                  std::size_t& nextCommand);

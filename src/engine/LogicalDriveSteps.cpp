@@ -55,8 +55,8 @@ bool isPercentage(std::int32_t sizeMb) {
     return sizeMb < 0 && sizeMb >= -100;
 }
 
-/// The whole part, kept within the range of a size.
-std::int32_t wholeMb(double mb) {
+/// Whole MB, kept within the range of a size.
+std::int32_t storedMb(double mb) {
     constexpr double largest = std::numeric_limits<std::int32_t>::max();
     return mb >= largest ? std::numeric_limits<std::int32_t>::max()
            : mb > 0.0    ? static_cast<std::int32_t>(mb)
@@ -163,17 +163,17 @@ std::int32_t RAIDConfigCreator::plannedSize(std::int32_t sizeMb, std::int32_t ra
     constexpr double closeMb = 139.0;
 
     const RaidArray& array = plan_->arrays()[arrayIndex];
-    const double fraction = usableFraction(raidLevel, array.driveCount());
-    std::int32_t size = sizeMb;
-    if (isPercentage(size)) {
-        const double exact = fraction * static_cast<double>(array.capacityMb) * -size / 100.0;
-        size = wholeMb(std::floor(exact + 0.5) + 0.0001);
-    }
-    if (size == sizeFill) {
+    if (sizeMb == sizeFill) {
         return sizeFill;
     }
+    const double fraction = usableFraction(raidLevel, array.driveCount());
+    double size = sizeMb;
+    if (isPercentage(sizeMb)) {
+        const double exact = fraction * static_cast<double>(array.capacityMb) * -sizeMb / 100.0;
+        size = std::trunc(std::floor(exact + 0.5) + 0.0001);
+    }
     const double difference = remainingMb(fraction, arrayIndex) - size;
-    return std::abs(difference) <= closeMb ? sizeFill : size;
+    return std::abs(difference) <= closeMb ? sizeFill : storedMb(size);
 }
 
 double RAIDConfigCreator::remainingMb(double fraction, std::size_t arrayIndex) const {

@@ -59,9 +59,7 @@ inline constexpr const char* generatedPolicyPrefix = "Policy.AUTO-";
 
 /// One validated policy.
 struct Policy {
-    static constexpr std::size_t maxAppliesTo = 15;
     static constexpr std::size_t maxArrays = 16;
-    static constexpr std::size_t maxLogicalDrives = 9;
     static constexpr std::size_t maxHotspares = 16;
 
     CString name;

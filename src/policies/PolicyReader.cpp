@@ -142,13 +142,18 @@ bool PolicyReader::validate() {
 CString PolicyReader::lookUp(const CString& policyName, const CString& keyword,
                              const CString& defaultValue) {
     Application& application = state_->application;
+    Printer& printer = application.printer();
+    printer.trace("Entering PolicyReader::lookUp\n");
     const CString& name = application.settings.policiesFile;
     const std::unique_ptr<File> file = application.platform().files().open(name, "r");
     if (!file) {
-        application.printer().printfAlways("File not found:  %s \n", name.c_str());
+        printer.printfAlways("File not found:  %s \n", name.c_str());
+        printer.trace("Exiting PolicyReader::lookUp(1)\n");
         return "File not found";
     }
-    return readSection(*file, policyName).lookUp(keyword, defaultValue);
+    CString value = readSection(*file, policyName).lookUp(keyword, defaultValue);
+    printer.trace("Exiting PolicyReader::lookUp(2)\n");
+    return value;
 }
 
 const PolicyList* PolicyReader::policies() const {

@@ -5,7 +5,6 @@
 #include "policies/PolicyKeywords.h"
 #include "policies/PolicyValues.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -138,25 +137,11 @@ bool PolicyValidator::readSpecifier(std::string_view keyword, std::string_view s
                                    entry.numberOfDrives);
     case 't':
         entry.controllerType = value;
-        return isControllerType(value) ||
+        return application_.catalogue().isValidControllerName(value) ||
                fail(keyword, " -- Invalid controller type:  ", value, {});
     default:
         return fail(keyword, " -- Invalid specifier:  ", specifier, {});
     }
-}
-
-/// Names that were found valid are kept: a policy may name a type very often.
-bool PolicyValidator::isControllerType(std::string_view name) {
-    const auto known = [name](const CString& type) { return type == name; };
-    if (std::any_of(validTypes_.begin(), validTypes_.end(), known)) {
-        return true;
-    }
-    CString type = name;
-    if (type != name || !application_.catalogue().isValidControllerName(type)) {
-        return false;
-    }
-    validTypes_.push_back(std::move(type));
-    return true;
 }
 
 bool PolicyValidator::readSpecifierNumber(std::string_view keyword, std::string_view head,

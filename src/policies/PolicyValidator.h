@@ -6,7 +6,6 @@
 #include <optional>
 #include <span>
 #include <string_view>
-#include <vector>
 
 namespace zolex {
 
@@ -31,7 +30,6 @@ class PolicyValidator {
     bool readAppliesTo();
     bool readSpecifiers(std::string_view keyword, std::string_view value);
     bool readSpecifier(std::string_view keyword, std::string_view specifier, AppliesTo& entry);
-    bool isControllerType(std::string_view name);
     bool readSpecifierNumber(std::string_view keyword, std::string_view head,
                              std::string_view value, std::int32_t& number);
     bool readArrayDefaults();
@@ -54,7 +52,6 @@ class PolicyValidator {
     Application& application_;
     const PolicySection& section_;
     Policy policy_;
-    std::vector<CString> validTypes_;
 };
 
 } // namespace zolex

@@ -61,13 +61,13 @@ std::optional<std::int32_t> coordinate(std::string_view text) noexcept {
     return text == "0" ? 0 : nonZeroNumber(text);
 }
 
-std::optional<DrivePosition> position(std::string_view text) {
-    const std::vector<std::string_view> parts = split(text, ':');
-    if (parts.size() != 2) {
+std::optional<DrivePosition> position(std::string_view text) noexcept {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos) {
         return std::nullopt;
     }
-    const auto channel = coordinate(parts[0]);
-    const auto id = coordinate(parts[1]);
+    const auto channel = coordinate(text.substr(0, colon));
+    const auto id = coordinate(text.substr(colon + 1));
     if (!channel || !id) {
         return std::nullopt;
     }

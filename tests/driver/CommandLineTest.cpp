@@ -91,6 +91,8 @@ TEST_F(CommandLineTest, Accepts) {
         {{"/f:C:\\My", "Policies.ini"}, "policies=C:\\My Policies.ini;"},
         {{"/f:a", "b", "/d"}, "policies=a b;defaults;"},
         {{"/f:", "x"}, "policies=x;"},
+        {{"/f:", "x", "y"}, "policies=x y;"},
+        {{"/f:a", ""}, "policies=a ;"},
         {{"/f:"}, ""},
         {{"/d", "/f:a", "/d"}, "policies=a /d;defaults;"},
         {{"/o:out.bat"}, "script=out.bat;"},
@@ -125,6 +127,7 @@ TEST_F(CommandLineTest, Accepts) {
         {{"/v:3"}, "v=3;"},
         {{"/v:9"}, "v=9;"},
         {{"/v:5x"}, "v=5;"},
+        {{"/v:5", "/x", "/d"}, "v=5;defaults;"}, // what is no switch belongs to the value
         {{"/v:"}, ""},
         {{"/noexecuteall", "/noexecutereset", "/noexecutecap", "/noexecutedeploy"},
          "noall;noreset;nocap;nodeploy;"},
@@ -180,10 +183,59 @@ TEST_F(CommandLineTest, ParametersOfAFileFollowThoseOfTheCommandLine) {
               dump(settings, application.printer().verbosity()));
 }
 
+TEST_F(CommandLineTest, ParametersOfAFile) {
+    struct Row {
+        const char* content;
+        const char* settings; ///< besides the file's name
+    };
+    const Row rows[] = {
+        {"", ""},
+        {" \t\r\n", ""},
+        {"/d", "defaults;"},
+        {"/f:a b\t/d\r\n/y\n", "policies=a b;y;defaults;"},
+        {"/f:a\n\n   b.ini", "policies=a b.ini;"},
+        {"/F:\"My  File\".ini /Y", "policies=My  File.ini;y;"},
+        {"\"/f:not closed", "policies=not closed;"},
+        {"/f:\"\" /d", "defaults;"},
+        // Symptom: the CR of a CR LF inside double quotes became part of the value.
+        {"\"/f:a\r\nb\"\r\n", "policies=a\nb;"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.content);
+        test::FakePlatform other;
+        other.fileFake.files["params.txt"] = row.content;
+        ZOLEX parsed(other);
+        EXPECT_EQ(0U, parseInto(parsed, {"@params.txt"}));
+        EXPECT_EQ("", other.consoleFake.output + other.consoleFake.error);
+        std::string changed = dump(parsed.settings, parsed.printer().verbosity());
+        const std::string name = "parameters=params.txt;";
+        ASSERT_NE(std::string::npos, changed.find(name));
+        EXPECT_EQ(row.settings, changed.erase(changed.find(name), name.size()));
+    }
+}
+
 TEST_F(CommandLineTest, AFaultInAParameterFileIsAFaultOfTheCommandLine) {
-    platform.fileFake.files["params.txt"] = "/e3 /v:5";
-    EXPECT_EQ(4U, parse({"/e3", "@params.txt"}));
-    EXPECT_EQ("\n#### ERROR\n\tUnknown parameter.\n\n", output);
+    const char* rows[] = {
+        "/e3 /v:5",      // given on the command line already
+        "more.ini /v:5", // the value before the file does not go on in it
+        "/d @more.txt",  // a file names no further file
+        "/d /x",         // no switch
+        "\"\"",          // an empty parameter
+    };
+    for (const char* content : rows) {
+        SCOPED_TRACE(content);
+        test::FakePlatform other;
+        other.fileFake.files["params.txt"] = content;
+        ZOLEX parsed(other);
+        EXPECT_EQ(4U, parseInto(parsed, {"/e3", "/f:a", "@params.txt"}));
+        EXPECT_EQ("\n#### ERROR\n\tUnknown parameter.\n\n", other.consoleFake.output);
+    }
+}
+
+TEST_F(CommandLineTest, AParameterFileIsNotReadAfterAFault) {
+    platform.fileFake.files["params.txt"] = "/d";
+    EXPECT_EQ(4U, parse({"@params.txt", "/d", "/d"}));
+    EXPECT_TRUE(platform.fileFake.opened.empty());
 }
 
 TEST_F(CommandLineTest, AParameterFileThatCannotBeOpenedIsAWarning) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,70 @@ TEST_F(DeployTest, AWholeRunAtLevelThree) {
                   "\nZOLEX completed with RC=0 \n",
               output);
     EXPECT_EQ(10, platform.pauses);
+}
+
+TEST_F(DeployTest, TracesOfAWholeRun) {
+    addMegaRaid();
+    EXPECT_EQ(0, run({"/f:p.ini", "/v:9"}));
+    EXPECT_TRUE(shows("Entering ZOLEX::deployConfiguration\n..........\n"
+                      "Entering ZOLEX::captureConfiguration\n"));
+    EXPECT_TRUE(shows("Configuring RAID controllers ...\n"
+                      "Creating MEGAWinCommands\n"
+                      "\tGenerating commands for controller 1: LSI-MegaRAID-8480 ...\n"
+                      "        Controller 1:  LSI-MegaRAID-8480 ...\n"
+                      "Entering MEGAWinCommands::doArraysAndLogicalDrives\n"));
+    EXPECT_TRUE(shows(std::string("Executing:") + raid1 +
+                      "\nEntering ZOLEX::checkForErrors, controllerNum=1, RC=0, Mode=2\n"
+                      "Exiting ZOLEX::checkForErrors, returning true\n"));
+    EXPECT_TRUE(output.ends_with("All configuration commands succeeded.\n"
+                                 "Exiting ZOLEX::deployConfiguration(5)\n"
+                                 "\nZOLEX completed with RC=0 \nExiting ZOLEX::main(8)\n"))
+        << output;
+}
+
+TEST_F(DeployTest, OnSomeMachinesTypeTenControllersAreOrderedByBus) {
+    struct Row {
+        const char* machineType;
+        int firstBus;
+    };
+    const Row rows[] = {{"X5944Y", 3}, {"5941", 3}, {"8837", 9}, {"594", 9}, {"", 9}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.machineType);
+        test::ModeRun one;
+        one.hardware = std::string("Machine_Type=") + row.machineType + "\n";
+        one.addDevice(0x1000, 0x0050);
+        one.addDevice(0x1000, 0x0062);
+        one.respond = [](const std::string& command) {
+            return test::FakePlatform::ended(
+                0, test::cfggenBusListing(command == "UTIL.BAT CFGGEN 0 DISPLAY \n" ? 9 : 3));
+        };
+        ZOLEX application(one.platform);
+        application.settings.defaults = true;
+        ControllerList controllers;
+        ASSERT_TRUE(controllers.initialize(application));
+        EXPECT_EQ(0U, application.deployConfiguration(controllers).code);
+        EXPECT_EQ(row.firstBus, controllers.controller(0)->busNumber());
+    }
+}
+
+TEST_F(DeployTest, AnUnknownTypeIsExitCode10) {
+    platform.fileFake.files["c.ini"] = "[Controller.0]\nType=99\n";
+    platform.fileFake.files["p.ini"] = "[Policy.x]\nAppliesTo.1 = c:2\n";
+    ZOLEX application(platform);
+    application.settings.controllerDefinitionFile = "c.ini";
+    application.settings.policiesFile = "p.ini";
+    ControllerList controllers;
+    ASSERT_TRUE(controllers.initialize(application));
+    controllers.controller(0)->setConfiguration(std::make_unique<RAIDConfiguration>());
+    application.printer().setVerbosity(level::traces);
+    const ZOLEX::Result result = application.deployConfiguration(controllers);
+    EXPECT_EQ(10U, result.code);
+    EXPECT_FALSE(result.endsProcess);
+    EXPECT_TRUE(output.ends_with("Configuring RAID controllers ...\n\n#### ERROR\n\t"
+                                 "Internal error.  Controller type not found:  "
+                                 "ERROR-NO-CONTROLLER\n"
+                                 "Exiting ZOLEX::deployConfiguration(1)\n"))
+        << output;
 }
 
 TEST_F(DeployTest, DefaultsUseTheBuiltInPolicy) {
@@ -223,10 +288,20 @@ TEST_F(DeployTest, AGeneratorThatFailsIsExitCode11) {
         << output;
 }
 
-TEST_F(DeployTest, SixteenCommandsAreRunWhateverTheNumberOfControllers) {
-    addMegaRaid();
-    addMegaRaid();
-    driveList = test::megaCliDrives(18);
+/// A definition file of ARCCONF controllers with 18 drives each.
+std::string arcconfControllers(int count) {
+    std::string text;
+    for (int n = 0; n < count; ++n) {
+        text += "[Controller." + std::to_string(n) + "]\nType=7\nSubType=1\n";
+        for (int id = 0; id < 18; ++id) {
+            text += "C1S" + std::to_string(id) + "=70000\n";
+        }
+    }
+    return text;
+}
+
+/// A policy of ten commands for ARCCONF: eight arrays and two hot spares.
+std::string tenCommands() {
     std::string policy = "[Policy.x]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
                          "Logical_Mode = CUSTOM\nHotspares = 17,18\n";
     for (int i = 0; i < 8; ++i) {
@@ -235,19 +310,27 @@ TEST_F(DeployTest, SixteenCommandsAreRunWhateverTheNumberOfControllers) {
                   std::to_string(2 * i + 2) + "\n";
         policy += "Logical." + std::to_string(i + 1) + " = " + letter + ":FILL:1\n";
     }
-    platform.fileFake.files["p.ini"] = policy;
-    EXPECT_EQ(0, run({"/f:p.ini"}));
-    std::size_t first = 0;
-    std::size_t second = 0;
-    for (const std::string& command : commands()) {
-        if (command.find("-Cfg") != std::string::npos ||
-            command.find("-PDHSP") != std::string::npos) {
-            (command.ends_with(" -a0") ? first : second) += 1;
-        }
+    return policy;
+}
+
+TEST_F(DeployTest, SixteenCommandsAreRunWhateverTheNumberOfControllers) {
+    platform.fileFake.files["c.ini"] = arcconfControllers(3);
+    platform.fileFake.files["p.ini"] = tenCommands();
+    EXPECT_EQ(0, run({"/f:p.ini", "/controllers:c.ini"}));
+    std::vector<const char*> expected(8, "UTIL.BAT ARCCONF CREATE 1 ");
+    expected.insert(expected.end(), 2, "UTIL.BAT ARCCONF SETSTATE 1 ");
+    expected.insert(expected.end(), 6, "UTIL.BAT ARCCONF CREATE 2 ");
+    std::vector<std::string> started = commands();
+    ASSERT_EQ(3 + expected.size(), started.size());
+    started.erase(started.begin(), started.begin() + 3); // the capture
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_TRUE(started[i].starts_with(expected[i])) << started[i];
     }
-    EXPECT_EQ(9U, first);
-    EXPECT_EQ(7U, second);
-    EXPECT_TRUE(shows("All configuration commands succeeded.\n"));
+    // The rest stays unrun without a word.
+    EXPECT_TRUE(output.ends_with("        Controller 3:  Kestrix-B2 ...\n"
+                                 "All configuration commands succeeded.\n"
+                                 "\nZOLEX completed with RC=0 \n"))
+        << output;
 }
 
 TEST_F(DeployTest, TheTestDoubleRunsUnderFake) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,11 @@ TEST_F(MainTest, CombinationsThatAreRefused) {
         {{{"/r", "/c"}, "/r /c"}, together},
         {{{"/r", "/c", "/f:x"}, "/r /c"}, together},
         {{{"/r", "/c:t"}, "/r /c"}, together},
+        {{{"/r", "/c", "/d"}, "/r /c"}, together},
+        {{{"/r", "/r:1", "/c", "/f:x"}, "/r /c"}, together},
+        {{{"/c:t", "/d"}, "/c /d"}, together},
+        {{{"/r", "/r:1", "/f:x", "/d"}, "/r: /d"}, together},
+        {{{"/r", "/r:1", "/e1", "/a"}, "/r /r:"}, together},
         {{{"/r:1", "/d"}, "/r: /d"}, together},
         {{{"/r:1", "/d", "/c"}, "/r: /d"}, together},
         {{{"/r", "/r:1", "/d"}, "/r: /d"}, together},
@@ -89,11 +95,13 @@ TEST_F(MainTest, CombinationsThatAreAllowedReachTheControllers) {
         {"/r:1", "/c"},
         {"/d", "/a"},
         {"/d", "/e1"},
+        {"/d", "/e2", "/a", "/noexecuteall"},
     };
     for (const auto& arguments : rows) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         platform.consoleFake.takeOutput();
-        EXPECT_EQ(0, run(arguments));
+        const bool e2 = std::find(arguments.begin(), arguments.end(), "/e2") != arguments.end();
+        EXPECT_EQ(e2 ? 2 : 0, run(arguments));
         EXPECT_EQ("Started ZOLEX.\nNo supported RAID controllers found.\n", output);
     }
 }
@@ -105,6 +113,15 @@ TEST_F(MainTest, DetectionCheck) {
     addMegaRaid();
     EXPECT_EQ(0, run({"/e2", "/v:0"}));
     EXPECT_EQ("Found 1 supported RAID controllers.\n", output);
+}
+
+TEST_F(MainTest, DetectionCheckLooksAtTheHardwareOnly) {
+    platform.fileFake.files["contlist.ini"] = "[System]\nTotal_Number_Of_Controllers=1\n"
+                                              "[RAIDController.1]\nModel=Kestrix-C1\n";
+    EXPECT_EQ(2, run({"/e2", "/fake", "/c", "/y"}));
+    EXPECT_EQ("No supported RAID controllers found.\n", output);
+    EXPECT_TRUE(platform.fileFake.opened.empty());
+    EXPECT_EQ(std::vector<std::string>{"hwdetect.exe /i"}, platform.children);
 }
 
 TEST_F(MainTest, DetectionCheckAfterTracesIsBackAtLevelThree) {
@@ -156,6 +173,26 @@ TEST_F(MainTest, TheOutputScriptHasADefaultName) {
     ZOLEX other(platform);
     EXPECT_EQ(0, run(other, {"/d", "/o:mine.bat"}));
     EXPECT_EQ(CString("mine.bat"), other.settings.outputScript);
+}
+
+TEST_F(MainTest, TheOutputScriptIsNotWritten) {
+    addMegaRaid();
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"/d"}, {"/d", "/o:mine.bat", "/a"}, {"/r", "/y", "/o:m.bat"}}) {
+        EXPECT_EQ(0, run(arguments));
+    }
+    EXPECT_TRUE(platform.fileFake.opened.empty());
+}
+
+TEST_F(MainTest, TheUsageIsShownAtLevelFive) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, {"/?"}, {"/?", "/v:0"}, {"/?", "/v:9"}}) {
+        ZOLEX application(platform);
+        platform.consoleFake.takeOutput();
+        EXPECT_EQ(0, run(application, arguments));
+        EXPECT_EQ(level::detail, application.printer().verbosity());
+        EXPECT_TRUE(output.starts_with("ZOLEX Version 2.20  "));
+    }
 }
 
 TEST_F(MainTest, ControllersAreListedAtLevelFive) {
@@ -210,6 +247,32 @@ TEST_F(MainTest, RestoreThenDeploy) {
     EXPECT_TRUE(output.ends_with("All configuration commands succeeded.\n"
                                  "\nZOLEX completed with RC=0 \n"))
         << output;
+}
+
+TEST_F(MainTest, TheExitCodeOfRestoreThenDeployIsThatOfDeploy) {
+    addMegaRaid();
+    addMegaRaid();
+    platform.fileFake.files["p.ini"] = "[Policy.x]\nAppliesTo.1 = c:2\n";
+    EXPECT_EQ(1, run({"/r:2", "/y", "/f:p.ini", "/e1"}));
+    const std::vector<std::string> started = commands();
+    ASSERT_LT(2U, started.size());
+    EXPECT_EQ("UTIL.BAT MEGACLI -CFGCLR -A1 -SILENT", started[0]);
+    EXPECT_EQ("UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A1 -SILENT", started[1]);
+    EXPECT_TRUE(contains(output, "Restore-default settings complete.\n"
+                                 "\nZOLEX completed with RC=0 \n.........."));
+    EXPECT_TRUE(output.ends_with("\nZOLEX failed with RC=1 \n")) << output;
+}
+
+TEST_F(MainTest, AfterADeclinedPromptDeployStillRuns) {
+    addMegaRaid();
+    platform.consoleFake.answers = "n";
+    EXPECT_EQ(0, run({"/r", "/d"}));
+    EXPECT_TRUE(contains(output, "[Y/N]? \n\nZOLEX completed with RC=0 \n..........\n"));
+    for (const std::string& command : commands()) {
+        EXPECT_FALSE(contains(command, "-CFGCLR")) << command;
+    }
+    EXPECT_TRUE(output.ends_with("All configuration commands succeeded.\n"
+                                 "\nZOLEX completed with RC=0 \n"));
 }
 
 TEST_F(MainTest, RestoreWithNumberThenCapture) {

@@ -162,30 +162,5 @@ TEST(ParameterParserTest, ReleaseEmptiesTheTable) {
     EXPECT_EQ(Result::unknownOrInvalid, parse(parser, {"/d"}));
 }
 
-TEST(ParameterParserTest, SplittingParameters) {
-    struct Row {
-        const char* text;
-        std::vector<std::string> parameters;
-    };
-    const std::vector<Row> rows = {
-        {"", {}},
-        {" \t\r\n", {}},
-        {"/d", {"/d"}},
-        {"/f:a b\t/d\r\n/y\n", {"/f:a", "b", "/d", "/y"}},
-        {"\"/f:My  File.ini\" /d", {"/f:My  File.ini", "/d"}},
-        {"/f:\"My File\".ini", {"/f:My File.ini"}},
-        {"\"\"", {""}},
-        {"\"open quote", {"open quote"}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        std::vector<std::string> parameters;
-        for (const CString& parameter : splitParameters(row.text)) {
-            parameters.emplace_back(parameter.c_str());
-        }
-        EXPECT_EQ(row.parameters, parameters);
-    }
-}
-
 } // namespace
 } // namespace zolex

@@ -222,6 +222,14 @@ TEST(LogicalDriveSize, PercentagesAndTheRest) {
     }
 }
 
+TEST(LogicalDriveSize, TheWholeOfAGreatArrayIsFILL) {
+    // Symptom: 100% of an array of more than 2147483647 MB left what is beyond that unused.
+    Bench bench;
+    const auto controller = makeController(12, 2, equalDrives(3, 1000000000));
+    ASSERT_TRUE(plan(bench, *controller, policyWithDefaults(3, -100, raid_level::raid0)));
+    EXPECT_EQ(describe(*controller), "A 1:0 1:1 1:2 =3000000000; L A 0 FILL 1; ");
+}
+
 TEST(LogicalDriveSize, WhatIsLeftCountsEachDriveWithItsOwnFraction) {
     struct Row {
         const char* title;

@@ -232,5 +232,29 @@ TEST(PolicyGeneratorTest, TracesNameTheExits) {
                                 "Exiting PolicyGenerator::generatePolicies(3), returning true\n");
 }
 
+TEST(PolicyGeneratorTest, TracesNameTheExitsOfFailingRuns) {
+    const auto lastLine = [](Generation& run) {
+        run.application.printer().setVerbosity(level::traces);
+        EXPECT_FALSE(run.run());
+        const std::string output = run.output();
+        return output.substr(output.rfind('\n', output.size() - 2) + 1);
+    };
+    Generation faultyFile;
+    faultyFile.platform.fileFake.files["p.ini"] = "x\n";
+    EXPECT_EQ(lastLine(faultyFile),
+              "Exiting PolicyGenerator::generatePolicies(1), returning false\n");
+
+    Generation noTempSpace;
+    noTempSpace.platform.fileFake.refused = {std::string("w+ ") + temporaryFile};
+    EXPECT_EQ(lastLine(noTempSpace),
+              "Exiting PolicyGenerator::generatePolicies(2), returning false\n");
+
+    Generation badParameters;
+    badParameters.application.settings.captureParameters = "x";
+    fillMegaRaid(badParameters.add(12, 2));
+    EXPECT_EQ(lastLine(badParameters),
+              "Exiting PolicyGenerator::generatePolicies(3), returning false\n");
+}
+
 } // namespace
 } // namespace zolex

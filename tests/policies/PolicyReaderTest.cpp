@@ -6,6 +6,7 @@
 
 #include <array>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace zolex {
@@ -88,6 +89,70 @@ TEST(PolicyReaderTest, TracesNameTheExits) {
                                 "Exiting PolicyReader::read(4), returning true\n");
 }
 
+struct FailingRead {
+    const char* content; ///< null: there is no file
+    const char* exits;   ///< the "Exiting" lines
+};
+
+TEST(PolicyReaderTest, TracesNameTheExitsOfFailingReads) {
+    const FailingRead reads[] = {
+        {nullptr, "Exiting PolicyReader::scan(2), returning false\n"
+                  "Exiting PolicyReader::read(2), returning false\n"},
+        {"x\n", "Exiting PolicyReader::scan(3), returning false\n"
+                "Exiting PolicyReader::read(2), returning false\n"},
+        {"; x\n", "Exiting PolicyReader::scan(4), returning false\n"
+                  "Exiting PolicyReader::read(2), returning false\n"},
+        {"[Policy.A]\nAppliesTo.1=x\n", "Exiting PolicyReader::scan(5), returning true\n"
+                                        "Exiting PolicyReader::validate(1), returning false\n"
+                                        "Exiting PolicyReader::read(3), returning false\n"},
+    };
+    for (const FailingRead& row : reads) {
+        PolicyReading reading;
+        reading.application.printer().setVerbosity(level::traces);
+        if (row.content != nullptr) {
+            reading.platform.fileFake.files["p.ini"] = row.content;
+        }
+        EXPECT_FALSE(reading.reader.read());
+        std::string exits;
+        std::istringstream output(reading.output());
+        for (std::string line; std::getline(output, line);) {
+            exits += line.rfind("Exiting", 0) == 0 ? line + "\n" : "";
+        }
+        EXPECT_EQ(exits, row.exits);
+    }
+}
+
+TEST(PolicyReaderTest, TracesNameTheExitsWithoutAScan) {
+    PolicyReading reading;
+    reading.application.printer().setVerbosity(level::traces);
+    EXPECT_EQ(reading.reader.lookUp("Policy.A", "Init", "^~"), "File not found");
+    EXPECT_EQ(reading.output(), "Entering PolicyReader::lookUp\n"
+                                "File not found:  p.ini \n"
+                                "Exiting PolicyReader::lookUp(1)\n");
+    reading.platform.fileFake.files["p.ini"] = "";
+    EXPECT_EQ(reading.reader.lookUp("Policy.A", "Init", "^~"), "^~");
+    EXPECT_EQ(reading.output(), "Entering PolicyReader::lookUp\n"
+                                "Exiting PolicyReader::lookUp(2)\n");
+    reading.application.settings.defaults = true;
+    EXPECT_TRUE(reading.reader.read());
+    EXPECT_EQ(reading.output(), "Entering PolicyReader::read\n"
+                                "Exiting PolicyReader::read(1), returning true\n");
+}
+
+TEST(PolicyReaderTest, NamesAreToldUntilTheFaultyOne) {
+    PolicyReading reading;
+    reading.application.printer().setVerbosity(level::detail);
+    EXPECT_FALSE(reading.read("[Policy.A]\nAppliesTo.1=ALL\n[policy.b]\nAppliesTo.1=x\n[C]\n"));
+    EXPECT_EQ(reading.output(), "\tScanning policies ...\n\tPolicy.A\n\tpolicy.b\n" +
+                                    errorBlock("Line 5 -- Invalid or duplicate policy name:  C\n"));
+    EXPECT_FALSE(reading.read("[Policy.A]\nAppliesTo.1=ALL\nAppliesTo.16=x\n"
+                              "[policy.b]\nAppliesTo.1=x\n[Policy.C]\nAppliesTo.1=ALL\n"));
+    EXPECT_EQ(reading.output(), "\tScanning policies ...\n\tPolicy.A\n\tpolicy.b\n\tPolicy.C\n"
+                                "\tValidating keywords and values ...\n\tPolicy.A\n"
+                                "\tNote:  Policy.A, AppliesTo.16 has no effect.\n\tpolicy.b\n" +
+                                    errorBlock("policy.b, AppliesTo.1 -- Invalid specifier:  x\n"));
+}
+
 TEST(PolicyReaderTest, ALaterReadForgetsTheEarlierOne) {
     PolicyReading reading;
     ASSERT_TRUE(reading.read("[Policy.A]\nAppliesTo.1=ALL\n"));
@@ -128,6 +193,15 @@ TEST(PolicyReaderTest, LookUpFindsTheFirstSectionAndTheFirstKeyword) {
     EXPECT_EQ(reader.lookUp("Policy.C", "Init", "^~"), "^~");
     EXPECT_EQ(reading.output(), "");
     EXPECT_EQ(reading.platform.fileFake.opened.size(), 7U);
+}
+
+TEST(PolicyReaderTest, LookUpTakesAHeaderWithoutBracketForTheEndOfASection) {
+    PolicyReading reading;
+    reading.platform.fileFake.files["p.ini"] =
+        "[Policy.A\nInit=1\n[Policy.A]\nReadAhead=2\n  [Policy.B\nStripeSize=3\n";
+    EXPECT_EQ(reading.reader.lookUp("Policy.A", "Init", "^~"), "^~");
+    EXPECT_EQ(reading.reader.lookUp("Policy.A", "ReadAhead", "^~"), "2");
+    EXPECT_EQ(reading.reader.lookUp("Policy.A", "StripeSize", "^~"), "^~");
 }
 
 TEST(PolicyReaderTest, LookUpSeesWhatTheFileHoldsAtThatTime) {

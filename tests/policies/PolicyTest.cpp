@@ -91,6 +91,20 @@ TEST(PolicyListTest, TakesAHundredPolicies) {
     EXPECT_EQ(list.count(), 100U);
 }
 
+TEST(GeneratedPolicyTest, IsKnownByTheBeginningOfItsName) {
+    Policy policy;
+    for (const char* name : {"Policy.AUTO-Kestrix-C1-1", "policy.auto-x", "Policy.AUTO-"}) {
+        policy.name = name;
+        EXPECT_TRUE(policy.isGenerated()) << name;
+    }
+    for (const char* name : {"", "Policy.", "Policy.AUTO", "Policy.AUTO_1", "Policy.A.AUTO-1",
+                             "Policy.default", " Policy.AUTO-1"}) {
+        policy.name = name;
+        EXPECT_FALSE(policy.isGenerated()) << name;
+    }
+    EXPECT_FALSE(makeDefaultPolicyList().policies()[0].isGenerated());
+}
+
 TEST(DefaultPolicyTest, AppliesToEveryControllerAndLeavesEverythingOpen) {
     const PolicyList list = makeDefaultPolicyList();
     ASSERT_EQ(list.count(), 1U);

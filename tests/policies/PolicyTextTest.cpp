@@ -48,6 +48,9 @@ TEST(PolicyTextTest, EveryTypeHasItsSettings) {
     for (std::int32_t type = 1; type <= 12; ++type) {
         EXPECT_EQ(settingsOf(type, stripe::kb64), settings[type - 1]) << type;
     }
+    for (const std::int32_t type : {-1, 0, 13}) {
+        EXPECT_EQ(settingsOf(type, stripe::kb64), stripe + rebuild + ahead + "\n") << type;
+    }
 }
 
 TEST(PolicyTextTest, WithoutAStripeSizeItsLineIsLeftOut) {
@@ -129,6 +132,33 @@ TEST(PolicyTextTest, LogicalDriveValues) {
     for (const LogicalCase& c : cases) {
         EXPECT_EQ(logicalTextOf(12, c.drive), "Logical.1 = " + std::string(c.line) + "\n\n");
     }
+}
+
+TEST(PolicyTextTest, AFullRecordIsWrittenWhole) {
+    Generation run;
+    RAIDController& controller = run.add(10, -1);
+    std::string arrays;
+    for (std::int32_t i = 0; i < 16; ++i) {
+        controller.setSize(1, i, 1000);
+        controller.configuration()->addArray(makeArray({{1, i}}));
+        arrays += std::string("Array.") + "ABCDEFGHIJKLMNOP"[i] + " = " + std::to_string(i + 1);
+        arrays += "\n";
+    }
+    std::string hotspares;
+    std::string logicalDrives;
+    for (std::int32_t i = 0; i < 8; ++i) {
+        controller.configuration()->addHotspare(makeHotspare(1, i));
+        controller.configuration()->addLogicalDrive(makeLogicalDrive(i, 100 + i, 0, 1));
+        hotspares += (i == 0 ? "" : ",") + std::to_string(i + 1);
+        logicalDrives += "Logical." + std::to_string(i + 1) + " = " + "ABCDEFGH"[i] + ":" +
+                         std::to_string(100 + i) + ":0\n";
+    }
+    ASSERT_TRUE(run.run());
+    const std::string text = run.file();
+    EXPECT_EQ(text.substr(text.find("AppliesTo")),
+              "AppliesTo.1 = t:LSI-SAS-RAID,d:16\n\nArray_Mode = CUSTOM\n" + arrays +
+                  "\nHotspares = " + hotspares + "\n\nLogical_Mode = CUSTOM\n" + logicalDrives +
+                  "\n");
 }
 
 /// The drive lists of the policy of a controller: what stands between the modes.

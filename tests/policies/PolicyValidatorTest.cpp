@@ -150,6 +150,14 @@ TEST(PolicyValidatorTest, AcceptedValuesLandInThePolicy) {
     }
 }
 
+TEST(PolicyValidatorTest, EveryStripeSizeOfTheListIsAccepted) {
+    for (const char* size : {"16", "32", "64", "128", "256", "512", "1024", "2048", "4096"}) {
+        PolicyReading reading;
+        ASSERT_TRUE(reading.read(policyWith(std::string("StripeSize = ") + size))) << size;
+        EXPECT_EQ(reading.policy().stripeSize, size);
+    }
+}
+
 const std::string words = "\tValid values are:  ";
 const std::string stripes = words + "16 32 64 128 256 512 1024 2048 4096\n";
 const std::string variances = words + "0% 5% 10% 100%\n";

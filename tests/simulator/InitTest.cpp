@@ -268,13 +268,34 @@ TEST_F(Init, AFolderThatCannotBeMadeIsTold) {
     EXPECT_EQ(result.error, "zolex-sim: cannot make the folder " + place() + "\n");
 }
 
+/// Listing and reset commands of a utility's first controller.
+std::vector<std::string> harmlessCommands(const std::string& utility) {
+    if (utility == "MEGACLI") {
+        return {"MEGACLI -LdPdInfo -a0", "MEGACLI -pdList -a0", "MEGACLI -adpallinfo -a0",
+                "MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT", "MEGACLI -CFGCLR -A0 -SILENT"};
+    }
+    if (utility == "CFGGEN" || utility == "CFGGEN1.02.02") {
+        return {utility + " 0 DISPLAY", utility + " 0 DELETE NOPROMPT"};
+    }
+    if (utility == "HYPERWIN") {
+        return {"HYPERWIN /L /D00", "HYPERWIN /L /D10", "HYPERWIN /L /D20", "HYPERWIN /Ea"};
+    }
+    return {utility + " GETCONFIG 1 AL", utility + " SETCONFIG 1 DEFAULT NOPROMPT"};
+}
+
 TEST_F(Init, EverySampleIsPlayable) {
     for (const Sample& sample : samples()) {
         EXPECT_EQ(init({place(), "--sample", std::string(sample.name)}, hostTarget()).exitCode, 0);
         const Runner run(place());
-        for (const char* options : {"-LdPdInfo -a0", "-pdList -a0", "-adpallinfo -a0",
-                                    "-CFGFOREIGN -CLEAR -A0 -SILENT", "-CFGCLR -A0 -SILENT"}) {
-            EXPECT_EQ(run.util(options).exitCode, 0) << sample.name << " " << options;
+        EXPECT_EQ(run({"show"}).exitCode, 0) << sample.name;
+        EXPECT_EQ(run({"hwdetect", "/i"}).exitCode, 0) << sample.name;
+        const Server server = serverOf(std::string(sample.definition));
+        EXPECT_FALSE(server.controllers.empty()) << sample.name;
+        for (const Controller& controller : server.controllers) {
+            for (const std::string& command : harmlessCommands(controller.identity.utility)) {
+                EXPECT_EQ(run(splitWords("util " + command)).exitCode, 0)
+                    << sample.name << " " << command;
+            }
         }
     }
 }

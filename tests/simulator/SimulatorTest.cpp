@@ -99,9 +99,9 @@ TEST_F(Simulator, ItsNameSaysWhatItPlays) {
 
 TEST_F(Simulator, UnknownUtilitiesAndCommandsAreRefused) {
     define("");
-    const Outcome utility = run_({"util", "HRCONF", "GETCONFIG", "1", "AL"});
+    const Outcome utility = run_({"util", "CFGGEN2", "0", "DISPLAY"});
     EXPECT_EQ(utility.exitCode, 1);
-    EXPECT_EQ(utility.output, "UTIL: unknown utility HRCONF\n");
+    EXPECT_EQ(utility.output, "UTIL: unknown utility CFGGEN2\n");
     const Outcome none = run_({"util"});
     EXPECT_EQ(none.exitCode, 1);
     EXPECT_EQ(none.output, "UTIL: no utility given\n");

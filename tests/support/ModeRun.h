@@ -41,4 +41,7 @@ class ModeRun {
 /// A MegaCLI drive listing of `drives` free drives in slots 0 on of one enclosure.
 std::string megaCliDrives(int drives, int sizeMb = 69376, int enclosure = 32);
 
+/// A CFGGEN listing of a controller on this bus, without drives.
+std::string cfggenBusListing(int bus);
+
 } // namespace zolex::test
