@@ -36,7 +36,7 @@ std::string versionBlocks(const ControllerIdentity& identity) {
            line(3, "Status", identity.conf.battery);
 }
 
-std::string listing(const Controller& controller) {
+std::string listing(const Controller& controller, std::size_t number) {
     const Wording& wording = controller.identity.generation == Generation::later ? later : early;
     const std::string drive = wording.drive;
     return sectionHeading("Controller information") + controllerLines(controller, wording) +
@@ -44,7 +44,7 @@ std::string listing(const Controller& controller) {
            sectionHeading("Logical " + drive + " information") +
            (controller.identity.conf.failover.empty()
                 ? logicalDrivesWithLists(controller, wording)
-                : logicalDrivesWithSegments(controller, wording)) +
+                : logicalDrivesWithSegments(controller, number, wording)) +
            "\n" + deviceSection(controller, "Physical Device information", wording, true);
 }
 

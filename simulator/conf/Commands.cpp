@@ -14,7 +14,7 @@ PlayResult list(Call& call) {
     if (!call.words.take("AL") || !call.words.atEnd()) {
         return misunderstood(call);
     }
-    return completed(call, call.dialect.listing(*call.controller), false);
+    return completed(call, call.dialect.listing(*call.controller, call.number), false);
 }
 
 // Words for the cache modes of a logical drive.
@@ -149,7 +149,8 @@ PlayResult playConf(const Dialect& dialect, Server& server,
         return refused(
             call, formatted("Controller %lld does not exist.", static_cast<long long>(*number)));
     }
-    call.controller = controllers[static_cast<std::size_t>(*number) - 1];
+    call.number = static_cast<std::size_t>(*number);
+    call.controller = controllers[call.number - 1];
     return command->run(call);
 }
 

@@ -24,8 +24,9 @@ struct Dialect {
     bool simpleVolumes;                          ///< "SIMPLE VOLUME" asks for a volume of one drive
     /// The largest stripe size in KB of a level on so many drives; 0 without a limit of its own.
     int (*largestStripeKb)(RaidLevel level, std::size_t drives);
-    /// The listing of one controller from the heading of its first section to the last section.
-    std::string (*listing)(const Controller& controller);
+    /// The listing of one controller from the heading of its first section to the last section;
+    /// controllers are numbered from 1.
+    std::string (*listing)(const Controller& controller, std::size_t number);
 };
 
 /// Plays the utility of the dialect.

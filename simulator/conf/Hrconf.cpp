@@ -19,7 +19,7 @@ constexpr Wording wording = {
 };
 
 /// Unlike ARCCONF, the utility tells the versions along with the logical drives.
-std::string listing(const Controller& controller) {
+std::string listing(const Controller& controller, std::size_t /*number*/) {
     const ControllerIdentity& identity = controller.identity;
     return sectionHeading("Controller information") + controllerLines(controller, wording) + "\n" +
            sectionHeading("Logical drive information") + line(3, "BIOS version", identity.bios) +

@@ -16,7 +16,7 @@ struct Wording {
     const char* raid6;     ///< level
     const char* spanned;   ///< level of a volume over several drives
     const char* placeMark; ///< after the key of a drive's place; empty: the place stands alone
-    bool namedPlaces;      ///< members of segments are told by "Connector" and "Device"
+    bool namedPlaces;      ///< members of segments are told by controller, connector and device
 };
 
 /// "   key      : value", the key at so many blanks. The colons of all lines stand below each
@@ -35,8 +35,10 @@ std::string controllerLines(const Controller& controller, const Wording& wording
 
 /// The logical drives with the drives of each in one line, numbered from 1.
 std::string logicalDrivesWithLists(const Controller& controller, const Wording& wording);
-/// The logical drives with a line for each segment, numbered from 0.
-std::string logicalDrivesWithSegments(const Controller& controller, const Wording& wording);
+/// The logical drives with a line for each segment, numbered from 0. The controller's number tells
+/// the places of members.
+std::string logicalDrivesWithSegments(const Controller& controller, std::size_t number,
+                                      const Wording& wording);
 
 /// The section about the drives and the other devices. With `bays` it tells where each drive sits.
 std::string deviceSection(const Controller& controller, const char* title, const Wording& wording,

@@ -128,18 +128,18 @@ const char* segmentState(const Drive& drive) {
     }
 }
 
-std::string segmentLine(const Block& block, std::size_t index) {
+std::string segmentLine(const Block& block, std::size_t index, std::size_t controllerNumber) {
     const Drive& drive = *block.members[index];
     const int channel = drive.location.enclosure.value_or(0);
-    const std::string place =
-        block.wording.namedPlaces
-            ? formatted("(Controller:1,Connector:%d,Device:%d)", channel, drive.location.slot)
-            : formatted("(%d,%d)", channel, drive.location.slot);
+    const std::string place = block.wording.namedPlaces
+                                  ? formatted("(Controller:%zu,Connector:%d,Device:%d)",
+                                              controllerNumber, channel, drive.location.slot)
+                                  : formatted("(%d,%d)", channel, drive.location.slot);
     return line(3, formatted("Segment %zu", index),
                 formatted("%s %s %s", segmentState(drive), place.c_str(), drive.serial.c_str()));
 }
 
-std::string segmentBlock(const Block& block, std::size_t index) {
+std::string segmentBlock(const Block& block, std::size_t index, std::size_t controllerNumber) {
     const LogicalDrive& drive = block.drive;
     std::string text =
         head(block, index) + (drive.level != RaidLevel::volume ? stripeLine(drive) : "") +
@@ -153,19 +153,20 @@ std::string segmentBlock(const Block& block, std::size_t index) {
         line(3, "Defunct stripes", yesOrNo(hasDefunctMember(block))) +
         blockHeading(formatted("Logical %s segment information", block.wording.drive));
     for (std::size_t i = 0; i < block.members.size(); ++i) {
-        text += segmentLine(block, i);
+        text += segmentLine(block, i, controllerNumber);
     }
     return text + "\n";
 }
 
+template <typename BlockText>
 std::string eachLogicalDrive(const Controller& controller, const Wording& wording,
-                             std::string (*blockText)(const Block&, std::size_t)) {
+                             BlockText blockText) {
     if (controller.logicalDrives.empty()) {
         return formatted("No logical %ss configured\n", wording.drive);
     }
     std::string text;
     for (std::size_t i = 0; i < controller.logicalDrives.size(); ++i) {
-        text += blockText({controller, controller.logicalDrives[i], wording}, i);
+        text += blockText(Block{controller, controller.logicalDrives[i], wording}, i);
     }
     return text;
 }
@@ -176,8 +177,11 @@ std::string logicalDrivesWithLists(const Controller& controller, const Wording& 
     return eachLogicalDrive(controller, wording, listBlock);
 }
 
-std::string logicalDrivesWithSegments(const Controller& controller, const Wording& wording) {
-    return eachLogicalDrive(controller, wording, segmentBlock);
+std::string logicalDrivesWithSegments(const Controller& controller, std::size_t number,
+                                      const Wording& wording) {
+    return eachLogicalDrive(controller, wording, [number](const Block& block, std::size_t index) {
+        return segmentBlock(block, index, number);
+    });
 }
 
 } // namespace zolex_sim::conf

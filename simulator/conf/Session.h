@@ -11,6 +11,7 @@ struct Call {
     Words words;
     std::size_t found = 0;            ///< controllers of the utility
     Controller* controller = nullptr; ///< the one that the command line names
+    std::size_t number = 0;           ///< of that one, from 1
 };
 
 /// How commands end: with what was done, or with a reason; all begin with the number of controllers

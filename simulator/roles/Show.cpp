@@ -27,10 +27,11 @@ std::string arrayLine(const Controller& controller, std::size_t number) {
 }
 
 std::string logicalDriveLine(const LogicalDrive& drive, std::size_t number) {
-    return formatted("  logical drive %zu: array %zu, %s, %lld MB, stripe %d KB, %s, %s\n", number,
-                     drive.array, std::string(rulesOf(drive.level).name).c_str(),
+    return formatted("  logical drive %zu: array %zu, %s, %lld MB, stripe %d KB, %s%s, %s\n",
+                     number, drive.array, std::string(rulesOf(drive.level).name).c_str(),
                      static_cast<long long>(drive.sizeMb), drive.stripeKb,
                      std::string(policyWord(drive.writePolicy)).c_str(),
+                     drive.batteryProtected ? " with battery" : "",
                      std::string(policyWord(drive.readPolicy)).c_str());
 }
 

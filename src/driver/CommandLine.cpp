@@ -195,12 +195,16 @@ unsigned storeSettings(Printer& printer, const ParameterParser& parser, Settings
 
 } // namespace
 
-unsigned ZOLEX::parseCommandLine(int argc, const char* const* argv) {
-    printer().trace("Entering ZOLEX::parseCommandLine\n");
-    ParameterParser parser;
+void ZOLEX::addSwitches(ParameterParser& parser) {
     for (const Switch& entry : switches) {
         parser.add(entry.name, entry.kind, false, true);
     }
+}
+
+unsigned ZOLEX::parseCommandLine(int argc, const char* const* argv) {
+    printer().trace("Entering ZOLEX::parseCommandLine\n");
+    ParameterParser parser;
+    addSwitches(parser);
     auto result = parser.parse(argc, argv, false, true);
     if (result == ParameterParser::Result::success) {
         result = parseParameterFile(*this, parser);

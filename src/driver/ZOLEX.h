@@ -12,6 +12,7 @@ namespace zolex {
 class CapturedOutput;
 class CommandSource;
 class DiskInformation;
+class ParameterParser;
 class PolicyGenerator;
 class PolicyReader;
 
@@ -57,6 +58,9 @@ class ZOLEX : public Application {
                         std::uint32_t exitCode, Mode mode);
 
   protected:
+    /// Fills the table of switches.
+    virtual void addSwitches(ParameterParser& parser);
+
     // The workers of the modes. Each is null when it cannot be made, which ends the mode with 10.
     virtual std::unique_ptr<Tool> makeRunner();
     virtual std::unique_ptr<CommandSource> makeCaptureSource();

@@ -271,8 +271,12 @@ void ARCReader::readDriveList() {
         const DrivePosition member = toModel(drive);
         printer().tracef("Setting channel=%d, scsiID=%d\n", member.channel, member.id);
     }
+    if (drives.empty() || (segments_ && !segments_->empty())) {
+        return; // no members, or those that the segments have named already
+    }
+    segments_.reset();
     addArrayOf(drives);
-    hasDriveList_ = hasDriveList_ || !drives.empty();
+    hasDriveList_ = true;
 }
 
 void ARCReader::beginSegments() {

@@ -96,7 +96,7 @@ void KXReader::readDeviceLine(std::string_view line, std::int32_t channel, Devic
         device.type = value;
     } else if (text::contains(line, "Serial No")) {
         disk.serialNumber = value;
-        device.controllersOwn = value.contains("LSIInternalUse");
+        device.controllersOwn = device.controllersOwn || value.contains("LSIInternalUse");
     }
 }
 
@@ -122,7 +122,7 @@ void KXReader::readDeviceState(const CString& value, Device& device) {
     const bool failed = value.contains("(DDD)");
     device.hotSpare = device.hotSpare || hotSpare;
     device.failed = device.failed || failed;
-    device.online = !hotSpare && !failed && !value.contains("(MIS)");
+    device.online = device.online || (!hotSpare && !failed && !value.contains("(MIS)"));
     device.disk->state = value;
     printer().tracef("Found 'State', setting state=%s\n", value.c_str());
     device.disk->derivedState = failed && configuration() != nullptr ? badState : goodState;

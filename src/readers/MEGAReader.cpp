@@ -139,6 +139,7 @@ bool MEGAReader::readLocationLine(std::string_view line, DriveLocation& location
 }
 
 void MEGAReader::getDrives(RAIDConfiguration* configuration) {
+    application().printer().trace("Entering MEGAReader::getDrives\n");
     std::string_view line = nextLine();
     while (line != endOfOutput && !isDriveLine(line)) {
         line = nextLine();
@@ -149,6 +150,7 @@ void MEGAReader::getDrives(RAIDConfiguration* configuration) {
         line = readDriveBlock(line, block, configuration);
         storeDrive(block);
     }
+    application().printer().trace("Exiting MEGAReader::getDrives\n");
 }
 
 /// Reads the block that begins with `line`, and returns the first line behind it.
@@ -245,16 +247,16 @@ void MEGAReader::storeDrive(const DriveBlock& block) {
 }
 
 void MEGAReader::getAdapterInfo() {
+    application().printer().trace("Entering MEGAReader::getAdapterInfo\n");
     std::string_view line = nextLine();
     while (!endsDrives(line)) {
         line = nextLine();
     }
-    if (line == endOfOutput) {
-        return;
-    }
+    // Behind "EOF" there is nothing.
     for (line = nextLine(); !endsDrives(line); line = nextLine()) {
         readAdapterLine(line);
     }
+    application().printer().trace("Exiting MEGAReader::getAdapterInfo\n");
 }
 
 void MEGAReader::readAdapterLine(std::string_view line) {

@@ -48,8 +48,8 @@ struct MEGAReader::VirtualDisk {
     bool isWhole = true;              ///< false once a member is known to be missing
     bool listingClosed = false;       ///< the listing's closing line has been met
     std::int32_t spans = 1;           ///< announced
-    std::int32_t spansSeen = 0;       ///< "Number of PDs" lines
-    std::string_view spanLine;        ///< the latest of them
+    std::int32_t spansSeen = 0;       ///< "Number of PDs" lines that name a span
+    std::string_view spanLine;        ///< the latest "Number of PDs" line
     std::int32_t membersExpected = 0; ///< what it announces
     std::int32_t membersSeen = 0;     ///< since that line
 
@@ -91,11 +91,14 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
 /// Reads one virtual disk, from the line after its name, and adds it to the configuration; false
 /// when it cannot be captured whole.
 bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
+    Printer& printer = application().printer();
+    printer.trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
     VirtualDisk disk;
     std::string_view line = nextLine();
     for (; !endsVirtualDisk(line); line = nextLine()) {
         const bool taken = disk.inMember && readMemberLine(line, disk);
         if (!taken && !readVirtualDiskLine(line, disk, configuration)) {
+            printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(1)\n");
             return false;
         }
     }
@@ -103,6 +106,7 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     closeMember(disk);
     disk.closeSpan();
     if (!disk.isComplete()) {
+        printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(2)\n");
         return false;
     }
     // An array without its logical drive could not be configured again.
@@ -110,6 +114,7 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     if (addLogicalDrive(configuration, std::move(disk.drive))) {
         addArray(configuration, std::move(disk.array));
     }
+    printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning true\n");
     return true;
 }
 
@@ -150,7 +155,8 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
     return true;
 }
 
-/// "Span: 0 - Number of PDs: 2" opens a span. The same line again opens none.
+/// "Span: 0 - Number of PDs: 2" opens a span. The same line again opens none, and one that names no
+/// span counts the members of all.
 void MEGAReader::readNumberOfPds(std::string_view line, VirtualDisk& disk) {
     const std::int32_t announced =
         text::leadingInt(valueAfterColon(line.substr(line.find("Number of PDs"))));
@@ -161,7 +167,7 @@ void MEGAReader::readNumberOfPds(std::string_view line, VirtualDisk& disk) {
     closeMember(disk);
     disk.closeSpan();
     disk.spanLine = line;
-    ++disk.spansSeen;
+    disk.spansSeen += contains(line, "Span") ? 1 : 0;
     disk.membersExpected = announced;
 }
 

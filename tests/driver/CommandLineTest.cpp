@@ -1,3 +1,4 @@
+#include "driver/ParameterParser.h"
 #include "driver/ZOLEX.h"
 #include "support/FakePlatform.h"
 
@@ -132,6 +133,7 @@ TEST_F(CommandLineTest, Accepts) {
         {{"/noexecuteall", "/noexecutereset", "/noexecutecap", "/noexecutedeploy"},
          "noall;noreset;nocap;nodeploy;"},
         {{"/FAKE"}, "fake;"},
+        {{"@"}, ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.arguments));
@@ -139,7 +141,8 @@ TEST_F(CommandLineTest, Accepts) {
         ZOLEX parsed(other);
         EXPECT_EQ(0U, parseInto(parsed, row.arguments));
         EXPECT_EQ(row.settings, dump(parsed.settings, parsed.printer().verbosity()));
-        EXPECT_EQ("", other.consoleFake.output);
+        EXPECT_EQ("", other.consoleFake.output + other.consoleFake.error);
+        EXPECT_TRUE(other.fileFake.opened.empty());
     }
 }
 
@@ -255,6 +258,31 @@ TEST_F(CommandLineTest, TracesWhenTheLevelIsAlreadySet) {
         "Entering ZOLEX::parseCommandLine\n\n#### ERROR\n\tUnknown parameter.\n\nZOLEX Version"));
     EXPECT_TRUE(output.ends_with("/?       -- Print ZOLEX usage.\n"
                                  "Exiting ZOLEX::parseCommandLine(1)\n"));
+}
+
+/// A program with one more switch, of a kind that there is not.
+class WithAnOddSwitch : public ZOLEX {
+  public:
+    using ZOLEX::ZOLEX;
+
+  protected:
+    void addSwitches(ParameterParser& parser) override {
+        parser.add("/odd", static_cast<SwitchKind>(6), false, true);
+        ZOLEX::addSwitches(parser);
+    }
+};
+
+TEST_F(CommandLineTest, ASwitchOfAnUnknownKindIsAnInternalError) {
+    constexpr const char* fault =
+        "\n#### ERROR\n\tInternal error processing command-line switches.\n\n";
+    WithAnOddSwitch odd(platform);
+    EXPECT_EQ(4U, parseInto(odd, {"/d"}));
+    EXPECT_EQ(fault, platform.consoleFake.takeOutput());
+    odd.printer().setVerbosity(level::traces);
+    EXPECT_EQ(4U, parseInto(odd, {"/d"}));
+    EXPECT_TRUE(output.starts_with(std::string("Entering ZOLEX::parseCommandLine\n") + fault +
+                                   "ZOLEX Version"));
+    EXPECT_TRUE(output.ends_with("Exiting ZOLEX::parseCommandLine(2)\n"));
 }
 
 TEST_F(CommandLineTest, UsageInFull) {

@@ -125,10 +125,16 @@ TEST_F(DeployTest, AnUnknownTypeIsExitCode10) {
 TEST_F(DeployTest, DefaultsUseTheBuiltInPolicy) {
     addMegaRaid();
     EXPECT_EQ(0, run({"/d", "/v:5"}));
-    EXPECT_TRUE(shows("Using default policy for all RAID controllers.\n"));
+    EXPECT_TRUE(shows("Gathering hard disk information completed \n"
+                      "Using default policy for all RAID controllers.\n"
+                      "Interpreting policies and determining configurations ...\n"));
     EXPECT_TRUE(shows("\tLSI-MegaRAID-8480, controller 1 using policy:  Policy.default\n"));
     EXPECT_TRUE(shows("\tGenerating commands for controller 1: LSI-MegaRAID-8480 ...\n"
                       "        Controller 1:  LSI-MegaRAID-8480 ...\n"));
+    platform.consoleFake.takeOutput();
+    EXPECT_EQ(0, run({"/d"}));
+    EXPECT_TRUE(shows("Using default policy for all RAID controllers.\n"));
+    EXPECT_FALSE(shows("Generating commands"));
 }
 
 TEST_F(DeployTest, TheOutputOfCommandsIsShownWhenVerbose) {
@@ -187,6 +193,8 @@ TEST_F(DeployTest, ErrorFlagsAreReadAfterTheCommands) {
     EXPECT_TRUE(shows("\tSkipped LSI-MegaRAID-8480 controller -- Not enough drives available.\n"));
     EXPECT_TRUE(output.ends_with("\nZOLEX failed with RC=3 \n"));
     EXPECT_EQ(0, run({"/d"}));
+    // Neither flag asks for what did not happen.
+    EXPECT_EQ(0, run({"/d", "/e1"}));
     // No policy goes before no drives.
     EXPECT_EQ(1, run({"/f:p.ini", "/e1", "/e3"}));
 }

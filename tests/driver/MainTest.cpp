@@ -124,6 +124,12 @@ TEST_F(MainTest, DetectionCheckLooksAtTheHardwareOnly) {
     EXPECT_EQ(std::vector<std::string>{"hwdetect.exe /i"}, platform.children);
 }
 
+TEST_F(MainTest, DetectionCheckPrintsNoDetails) {
+    platform.fileFake.files["c.ini"] = "[Controller.0]\nType=12\n[Controller.1]\nType=10\n";
+    EXPECT_EQ(0, run({"/e2", "/v:5", "/controllers:c.ini"}));
+    EXPECT_EQ("Found 2 supported RAID controllers.\n", output);
+}
+
 TEST_F(MainTest, DetectionCheckAfterTracesIsBackAtLevelThree) {
     EXPECT_EQ(2, run({"/e2", "/v:9"}));
     EXPECT_EQ("Entering ZOLEX::main\nNo supported RAID controllers found.\n", output);
@@ -319,9 +325,13 @@ TEST_F(MainTest, CaptureOfAConfiguredController) {
 
 TEST_F(MainTest, DebugDumpsTheControllersAfterACapture) {
     addMegaRaid();
+    driveList = test::readTestData("megacli-pdlist-early.txt");
+    configurationList = test::readTestData("megacli-ldpdinfo-early.txt");
     EXPECT_EQ(0, run({"/c", "/f:p.ini", "/debug"}));
-    const std::size_t summary = output.find("RC=0");
-    EXPECT_NE(std::string::npos, output.find("**** Dumping RAIDController at address ", summary));
+    const std::string end = output.substr(output.find("RC=0 \n"));
+    EXPECT_TRUE(end.starts_with("RC=0 \n**** Dumping RAIDController at address ")) << end;
+    // With the configuration that was captured.
+    EXPECT_TRUE(contains(end, "#### START Configuration dump ####\n"));
 }
 
 TEST_F(MainTest, ACaptureFailureIsExitCode8) {

@@ -35,6 +35,31 @@ TEST_F(RestoreTest, AWholeRestoreAtLevelThree) {
               output);
 }
 
+TEST_F(RestoreTest, TracesOfAWholeRestore) {
+    addMegaRaid();
+    EXPECT_EQ(0, run({"/r", "/y", "/v:9"}));
+    EXPECT_TRUE(shows("Calling restoreDefaults\n"
+                      "Entering restoreDefaults\n"
+                      "Restore-default settings complete.\n"
+                      "Restoring all controllers to factory-default settings ...\n"
+                      "Restore Command=UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT\n"
+                      "Executing:UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT\n"
+                      "Restore Command Standard Output:\n"
+                      "Entering ZOLEX::checkForErrors, controllerNum=1, RC=0, Mode=0\n"
+                      "Exiting ZOLEX::checkForErrors, returning true\n"
+                      "Restore Command=UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT\n"
+                      "Executing:UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT\n"
+                      "Restore Command Standard Output:\n"
+                      "Entering ZOLEX::checkForErrors, controllerNum=1, RC=0, Mode=0\n"
+                      "Exiting ZOLEX::checkForErrors, returning true\n"
+                      "Restore-default settings complete.\n"
+                      "Exiting restoreDefaults(8)\n"
+                      "Return from restoreDefaults\n"
+                      "\nZOLEX completed with RC=0 \n"
+                      "Exiting ZOLEX::main(3)\n"))
+        << output;
+}
+
 TEST_F(RestoreTest, Answers) {
     const std::pair<const char*, bool> rows[] = {{"Y", true},   {"y", true},  {"yes", true},
                                                  {"n", false},  {"N", false}, {"", false},
@@ -46,7 +71,9 @@ TEST_F(RestoreTest, Answers) {
         one.platform.consoleFake.answers = answer;
         EXPECT_EQ(0, one.run({"/r", "/v:9"}));
         EXPECT_EQ(accepted ? 2U : 0U, one.commands().size());
-        EXPECT_EQ(!accepted, one.output.find("Exiting restoreDefaults(2)\n") != std::string::npos);
+        EXPECT_EQ(!accepted,
+                  one.output.find("Exiting restoreDefaults(2)\nReturn from restoreDefaults\n") !=
+                      std::string::npos);
         EXPECT_LE(one.platform.consoleFake.charactersRead, 1U);
     }
 }

@@ -304,7 +304,9 @@ TEST(ARCReader, SegmentsOfEachLogicalDrive) {
                      "level=3 size=-101 array=3 cache=2"}));
 }
 
-TEST(ARCReader, ALogicalDriveWithAListTakesNoSegments) {
+// A logical drive whose segments and list of drives both stood in the listing was captured as two
+// arrays of the same drives.
+TEST(ARCReader, ALogicalDriveHasItsMembersFromSegmentsOrFromAList) {
     const std::string segmentLines = "   Logical drive segment information\n"
                                      "   Segment 0 : Present (3,1)\n";
     for (const std::string info : {"", failover}) {
@@ -312,9 +314,25 @@ TEST(ARCReader, ALogicalDriveWithAListTakesNoSegments) {
             readListing(arcconf, listing(info, logicalDrive("") + segmentLines, ""));
         EXPECT_EQ(result.of("array"), Lines{"A: 1:0 1:1"});
     }
+    // Members that the segments have named are not taken again from a list.
+    for (const std::string info : {"", failover}) {
+        const ListingResult result =
+            readListing(arcconf, listing(info,
+                                         "Logical drive number 0\n" + segmentLines +
+                                             "   Drive(s) (Channel,Device) : 3,1 0,0\n",
+                                         ""));
+        EXPECT_EQ(result.of("array"), Lines{"A: 4:1"});
+        EXPECT_EQ(result.of("logical"), Lines{"level=-1 size=-101 array=0 cache=2"});
+    }
     const std::string emptyList = "Logical drive number 0\n   Channel,Device : none\n";
     EXPECT_EQ(readListing(arcconf, plainListing(emptyList + segmentLines)).of("array"),
               Lines{"A: 4:1"});
+    // A heading without segments leaves the place to a list.
+    EXPECT_EQ(readListing(arcconf, plainListing("Logical drive number 0\n   Logical drive segment\n"
+                                                "   Channel,Device : 0,5\n" +
+                                                segmentLines))
+                  .of("array"),
+              Lines{"A: 1:5"});
 }
 
 TEST(ARCReader, OnlyTheSegmentFormEndsAtAnyPhysicalDeviceLine) {

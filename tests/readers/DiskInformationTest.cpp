@@ -227,6 +227,10 @@ TEST_F(DiskInformationTest, TracesOfASuccessfulRead) {
                             "Creating MEGAReader\n"
                             "Entering DiskInformation::parseDiskInfo\n"
                             "Entering MEGAReader::readConfiguration\n"
+                            "Entering MEGAReader::getDrives\n"
+                            "Exiting MEGAReader::getDrives\n"
+                            "Entering MEGAReader::getAdapterInfo\n"
+                            "Exiting MEGAReader::getAdapterInfo\n"
                             "Exitng MEGAReader::readConfiguration, returning true\n" +
                                 dump +
                                 "Exiting DiskInformation::parseDiskInfo, returning true\n"

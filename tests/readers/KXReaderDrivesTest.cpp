@@ -113,6 +113,23 @@ TEST(KXReader, OnlyDrivesThatArePresentAreStored) {
     EXPECT_TRUE(readListing(cfggen, listing("", replaced(own, "Slot # : 3\n", ""))).read);
 }
 
+// A drive whose block told it present and held a further "State" line was lost, and the
+// controller's own drive was taken for one of the server's when its serial number came twice.
+TEST(KXReader, WhatALineOfABlockHasToldStands) {
+    const std::string block = "Channel #1\n" + scsiDrive("0");
+    EXPECT_EQ(drivesOf(qtcsend, replaced(block, "Size", "State : Missing (MIS)\nSize")),
+              Lines{"1:0 17357 t0 [1:0 17357] SN0 Missing (MIS)/GOOD"});
+    EXPECT_EQ(drivesOf(qtcsend, replaced(block, "Serial", "Serial No : LSIInternalUse\nSerial")),
+              Lines{});
+    // The next block starts anew.
+    EXPECT_EQ(drivesOf(qtcsend, "Channel #1\n" +
+                                    replaced(scsiDrive("1"), "Serial No : SN1\nDevice ID : NORVIK",
+                                             "Serial No : LSIInternalUse\nState : Missing (MIS)") +
+                                    replaced(scsiDrive("0"), "Online (ONL)", "Missing (MIS)") +
+                                    scsiDrive("0")),
+              Lines{scsiDrive10});
+}
+
 TEST(KXReader, ADriveWithoutAPositionFailsTheRead) {
     struct Case {
         ListingOptions options;

@@ -158,6 +158,22 @@ TEST_F(MEGAReaderConfigurationTest, TheNumberOfSpansDecidesNotTheirHeadings) {
     EXPECT_EQ(layout(), "A=1:0,1:1 1=A/69376/7/1/Optimal/GOOD stripe=3 ra=0");
 }
 
+// A virtual disk of two spans whose listing counts its members once, for both spans, and has no
+// closing line was not captured.
+TEST_F(MEGAReaderConfigurationTest, OneCountMayStandForTheMembersOfAllSpans) {
+    VdText disk;
+    disk.spans = {drivesOf("32", 0, 4)};
+    std::string text = configurationListing({disk});
+    text.replace(text.find("Spans: 1"), 8, "Spans: 2");
+    text.replace(text.find("Span: 0 - "), 10, "");
+    text.erase(text.find("Exit Code"));
+    read(text, "");
+    EXPECT_EQ(layout(), "A=1:0,1:1,1:2,1:3 1=A/69376/7/1/Optimal/GOOD stripe=3 ra=0");
+    // It still tells that members are missing.
+    read(text.substr(0, text.find("PD: 3")), "");
+    EXPECT_EQ(layout(), "none");
+}
+
 TEST_F(MEGAReaderConfigurationTest, ALaterVirtualDiskClosesTheSpansOfAnEarlierOne) {
     std::vector<VdText> disks(2);
     disks[0].spans = {drivesOf("32", 0, 4)};
@@ -349,6 +365,7 @@ TEST_F(MEGAReaderConfigurationTest, Traces) {
     disk.spans = {{{.enclosure = "32", .slot = 4}}, {{.enclosure = "33", .slot = 5}}};
     read(configurationListing({disk}), "\n", "");
     EXPECT_EQ(takeOutput(), "Entering MEGAReader::readConfiguration\n"
+                            "Entering MEGAReader::getArraysAndLogicalDrives\n"
                             "Setting size=69376\n"
                             "Stripe size value=64\n"
                             "Number of PDs=1 \n"
@@ -361,7 +378,35 @@ TEST_F(MEGAReaderConfigurationTest, Traces) {
                             "Exiting MEGAReader::reAssignChannelID, iterator=2\n"
                             "Setting enclosure number=33\n"
                             "Setting slot number=5\n"
+                            "Exiting MEGAReader::getArraysAndLogicalDrives, returning true\n"
+                            "Entering MEGAReader::getDrives\n"
+                            "Exiting MEGAReader::getDrives\n"
+                            "Entering MEGAReader::getAdapterInfo\n"
+                            "Exiting MEGAReader::getAdapterInfo\n"
                             "Exitng MEGAReader::readConfiguration, returning true\n");
+}
+
+TEST_F(MEGAReaderConfigurationTest, TracesWhyALayoutIsDropped) {
+    application.printer().setVerbosity(level::traces);
+    const struct {
+        const char* key;
+        const char* line;
+        const char* exit;
+    } rows[] = {
+        {"RAID Level", "RAID Level: Primary-3, Secondary-0", "false(1)"},
+        {"RAID Level", "no level", "false(2)"},
+        {"Span: 0", "Span: 0 - Number of PDs: 3", "false(2)"},
+    };
+    for (const auto& row : rows) {
+        read(listingWith(row.key, row.line), "");
+        const std::string output = takeOutput();
+        EXPECT_EQ(countOf(output, "Entering MEGAReader::getArraysAndLogicalDrives\n"), 1U);
+        EXPECT_EQ(countOf(output, std::string("Exiting MEGAReader::getArraysAndLogicalDrives, "
+                                              "returning ") +
+                                      row.exit + "\nEntering MEGAReader::getDrives\n"),
+                  1U)
+            << output;
+    }
 }
 
 } // namespace

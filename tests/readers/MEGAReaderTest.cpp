@@ -286,6 +286,7 @@ TEST_F(MEGAReaderTest, TracesOfADriveListing) {
          "skipped\nAdapter #0\nFW Version : 1.11\nBIOS Version : NV\nWebBIOS Version : W\n"
          "RAID Level Supported : RAID0, RAID5\n");
     EXPECT_EQ(takeOutput(), "Entering MEGAReader::readConfiguration\n"
+                            "Entering MEGAReader::getDrives\n"
                             "Creating new instance of RaidDisk\n"
                             "p_lines: Enclosure Device ID: 32\n"
                             "Entering MEGAReader::reAssignChannelID, trueChannelID=32\n"
@@ -340,9 +341,12 @@ TEST_F(MEGAReaderTest, TracesOfADriveListing) {
                             "Setting serial number=D\n"
                             "Creating new instance of RaidDisk\n"
                             "p_lines: \n"
+                            "Exiting MEGAReader::getDrives\n"
+                            "Entering MEGAReader::getAdapterInfo\n"
                             "Found 'FW Version' value: 1.11\n"
                             "Found 'BIOS Version' or 'WebBIOS Version' value: NV\n"
                             "Found 'RAID Level Supported' value: RAID0, RAID5\n"
+                            "Exiting MEGAReader::getAdapterInfo\n"
                             "Exitng MEGAReader::readConfiguration, returning true\n");
     EXPECT_EQ(controller->subtype(), 9);
 }

@@ -34,8 +34,7 @@ inline std::string layoutOf(const Server& server) {
         }
     }
     for (const LogicalDrive& drive : controller.logicalDrives) {
-        parts.push_back(formatted("%s [%s] %lldMB",
-                                  std::string(rulesOf(drive.level).name).c_str(),
+        parts.push_back(formatted("%s [%s] %lldMB", std::string(rulesOf(drive.level).name).c_str(),
                                   toText(controller.arrays[drive.array].spans.front()).c_str(),
                                   static_cast<long long>(drive.sizeMb)));
     }

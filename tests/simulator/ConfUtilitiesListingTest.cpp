@@ -189,6 +189,20 @@ TEST(ConfListing, LaterGenerationWordsItInItsOwnWay) {
               "         Reported Location                  : Enclosure 3, Slot 7\n");
 }
 
+TEST(ConfListing, PlacesOfMembersTellTheControllersNumber) {
+    const char* controller = R"({"utility": "ARCCONF", "model": "M", "generation": "later",
+        "automaticFailover": "Enabled",
+        "pci": {"bus": %d, "device": 0, "vendorId": 1, "deviceId": 2},
+        "drives": [{"channel": 1, "device": 3, "sizeMB": 100, "serial": "S%d"}],
+        "virtualDisks": [{"level": "VOLUME", "spans": [["1:3"]]}]})";
+    Server server =
+        serverOf(R"({"machineType": "1", "serialNumber": "2", "controllers": [)" +
+                 formatted(controller, 8, 8) + "," + formatted(controller, 5, 5) + "]}");
+    EXPECT_EQ(excerpt(playLine(server, "ARCCONF GETCONFIG 2 AL").output, "Segment 0", "-----"),
+              "   Segment 0                                : Present "
+              "(Controller:2,Connector:1,Device:3) S8\n\n\n");
+}
+
 /// The states of all drives, in the order of the listing.
 std::string statesOf(const std::string& listing) {
     const std::string key = "         State                              : ";
