@@ -138,10 +138,10 @@ void KXReader::begin(RAIDController& controller, std::shared_ptr<CapturedOutput>
     array_.reset();
 }
 
-bool KXReader::nextLine(std::string_view separator, void (KXReader::*take)(std::string_view)) {
+bool KXReader::nextLine(std::string_view ending, void (KXReader::*take)(std::string_view)) {
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
         printer().tracef("KXReader::nextLine: %s\n", CString(line).c_str());
-        if (text::contains(line, separator)) {
+        if (text::contains(line, ending)) {
             return true;
         }
         if (take != nullptr) {
