@@ -40,7 +40,7 @@ class KXReader : public LayoutReader {
     using ConfigurationReader::nextLine;
     /// Reads lines up to one that holds `separator`, giving each before it to `take`; false when
     /// the output ends first.
-    bool nextLine(std::string_view separator, void (KXReader::*take)(std::string_view) = nullptr);
+    bool nextLine(std::string_view ending, void (KXReader::*take)(std::string_view) = nullptr);
 
     /// Reads from the second separator to the end of the logical drives.
     Exit readBlocks();
