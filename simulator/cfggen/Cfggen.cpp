@@ -160,12 +160,8 @@ PlayResult deleteAll(Call& call) {
     return completed(call, "All volumes and hot spares have been deleted");
 }
 
-struct Command {
-    std::string_view word;
-    PlayResult (*run)(Call&);
-};
 // clang-format off
-constexpr std::array<Command, 4> commands = {{
+constexpr std::array<Command<Call>, 4> commands = {{
     {"DISPLAY",  display},
     {"CREATE",   create},
     {"HOTSPARE", makeSpare},
@@ -180,13 +176,12 @@ PlayResult play(Server& server, const Form& form, const std::vector<std::string>
         return invalid(call);
     }
     call.adapter = static_cast<int>(*adapter);
-    for (const Command& command : commands) {
-        if (call.words.take(command.word)) {
-            call.command = command.word;
-            return command.run(call);
-        }
+    const Command<Call>* command = takeCommand(commands, call.words);
+    if (command == nullptr) {
+        return invalid(call);
     }
-    return invalid(call);
+    call.command = command->word;
+    return command->run(call);
 }
 
 } // namespace

@@ -79,8 +79,8 @@ PlayResult setCache(Call& call) {
 }
 
 PlayResult setState(Call& call) {
-    std::vector<DriveLocation> locations(1);
-    if (!call.words.take("DEVICE") || !takeLocation(call, locations.front()) ||
+    std::optional<DriveLocation> drive;
+    if (!call.words.take("DEVICE") || !(drive = call.words.takePlace()) ||
         !call.words.take("HSP")) {
         return misunderstood(call);
     }
@@ -88,12 +88,12 @@ PlayResult setState(Call& call) {
     if (!call.words.atEnd()) {
         return misunderstood(call);
     }
-    if (const std::optional<Refusal> refusal = addSpares(*call.controller, locations)) {
+    if (const std::optional<Refusal> refusal = addSpares(*call.controller, {*drive})) {
         return refused(call, refusal->reason);
     }
     return completed(call,
                      formatted("Channel %d, device %d is a hot spare.\n",
-                               locations.front().enclosure.value_or(0), locations.front().slot),
+                               drive->enclosure.value_or(0), drive->slot),
                      true);
 }
 
@@ -108,12 +108,8 @@ PlayResult setConfig(Call& call) {
     return completed(call, "All logical drives and hot spares are deleted.\n", true);
 }
 
-struct Command {
-    std::string_view word;
-    PlayResult (*run)(Call&);
-};
 // clang-format off
-constexpr std::array<Command, 5> commands = {{
+constexpr std::array<Command<Call>, 5> commands = {{
     {"GETCONFIG", list},
     {"CREATE",    createFromWords},
     {"SETCACHE",  setCache},
@@ -122,22 +118,13 @@ constexpr std::array<Command, 5> commands = {{
 }};
 // clang-format on
 
-const Command* takeCommand(Words& words) {
-    for (const Command& command : commands) {
-        if (words.take(command.word)) {
-            return &command;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 PlayResult playConf(const Dialect& dialect, Server& server,
                     const std::vector<std::string>& options) {
     const std::vector<Controller*> controllers = server.adaptersOf(dialect.utility);
     Call call{dialect, Words(options), controllers.size()};
-    const Command* command = takeCommand(call.words);
+    const Command<Call>* command = takeCommand(commands, call.words);
     if (command == nullptr) {
         return misunderstood(call);
     }

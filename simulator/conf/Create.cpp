@@ -89,17 +89,6 @@ bool takeLevel(Call& call, Wish& wish) {
     return level.has_value();
 }
 
-bool takeDrives(Call& call, Wish& wish) {
-    while (!call.words.atEnd() && !equalsIgnoringCase(call.words.current(), "NOPROMPT")) {
-        DriveLocation location;
-        if (!takeLocation(call, location)) {
-            return false;
-        }
-        wish.drives.push_back(location);
-    }
-    return !wish.drives.empty();
-}
-
 /// The spans that the level makes of the drives, in the order in which they are named: pairs, two
 /// halves, or a single one.
 std::vector<std::vector<DriveLocation>> spansOf(RaidLevel level,
@@ -149,7 +138,7 @@ PlayResult createFromWords(Call& call) {
     Wish wish;
     if (!call.words.take("LOGICALDRIVE") || !takeOptions(call, wish) ||
         !call.words.takeSize(wish.request.sizeMb) || !takeLevel(call, wish) ||
-        !takeDrives(call, wish)) {
+        !call.words.takePlaces("NOPROMPT", wish.drives)) {
         return misunderstood(call);
     }
     if (std::optional<PlayResult> unconfirmed = takeConfirmation(call)) {

@@ -34,16 +34,4 @@ std::optional<PlayResult> takeConfirmation(Call& call) {
     return std::nullopt;
 }
 
-bool takeLocation(Call& call, DriveLocation& location) {
-    const std::optional<std::int64_t> channel = call.words.takeNumber(greatestPlaceNumber);
-    const std::optional<std::int64_t> device =
-        channel ? call.words.takeNumber(greatestPlaceNumber) : std::nullopt;
-    if (!device) {
-        return false;
-    }
-    location.enclosure = static_cast<int>(*channel);
-    location.slot = static_cast<int>(*device);
-    return true;
-}
-
 } // namespace zolex_sim::conf

@@ -24,7 +24,4 @@ PlayResult misunderstood(const Call& call);
 /// Takes "NOPROMPT" as the last word. What is returned otherwise ends the command.
 std::optional<PlayResult> takeConfirmation(Call& call);
 
-/// Takes a channel and a device; false when one of them is not there.
-bool takeLocation(Call& call, DriveLocation& location);
-
 } // namespace zolex_sim::conf

@@ -11,6 +11,11 @@ std::string_view Words::current() const {
     return atEnd() ? std::string_view() : std::string_view(words_[position_]);
 }
 
+std::string_view Words::next() const {
+    const bool exists = position_ + 1 < words_.size();
+    return exists ? std::string_view(words_[position_ + 1]) : std::string_view();
+}
+
 bool Words::take(std::string_view word) {
     if (atEnd() || !equalsIgnoringCase(current(), word)) {
         return false;
@@ -50,6 +55,26 @@ std::optional<RaidLevel> Words::takeLevel() {
         }
     }
     return std::nullopt;
+}
+
+std::optional<DriveLocation> Words::takePlace() {
+    const std::optional<std::int64_t> channel = takeNumber(greatestPlaceNumber);
+    const std::optional<std::int64_t> number =
+        channel ? takeNumber(greatestPlaceNumber) : std::nullopt;
+    return number
+               ? std::optional(DriveLocation{static_cast<int>(*channel), static_cast<int>(*number)})
+               : std::nullopt;
+}
+
+bool Words::takePlaces(std::string_view end, std::vector<DriveLocation>& places) {
+    while (!atEnd() && !equalsIgnoringCase(current(), end)) {
+        const std::optional<DriveLocation> place = takePlace();
+        if (!place) {
+            return false;
+        }
+        places.push_back(*place);
+    }
+    return !places.empty();
 }
 
 std::string Words::complaint() const {

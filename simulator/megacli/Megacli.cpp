@@ -36,7 +36,7 @@ PlayResult invalid(const Call& call) {
 
 /// Takes the adapter option; false when there is none, or a second one.
 bool takeAdapter(Call& call) {
-    return call.adapter < 0 && call.tokens.takeNumber("-a", call.adapter);
+    return call.adapter < 0 && call.tokens.takeNumbered("-a", call.adapter);
 }
 
 /// Finds the controller once the whole command line has been read.
@@ -159,12 +159,12 @@ bool takeSetting(Call& call, NewLogicalDrive& request) {
         return tokens.take(word);
     }
     std::int64_t number = 0;
-    if (!request.stripeKb && tokens.takeNumber("-strpsz", number)) {
+    if (!request.stripeKb && tokens.takeNumbered("-strpsz", number)) {
         // What no stripe size can be is refused like one that the controller does not know.
         request.stripeKb = number > 1'000'000 ? 0 : static_cast<int>(number);
         return true;
     }
-    if (!request.sizeMb && tokens.takeNumber("-sz", number)) {
+    if (!request.sizeMb && tokens.takeNumbered("-sz", number)) {
         request.sizeMb = number;
         return true;
     }
@@ -287,12 +287,8 @@ PlayResult clearForeignDrives(Call& call) {
                  true);
 }
 
-struct Command {
-    std::string_view option;
-    PlayResult (*run)(Call&);
-};
 // clang-format off
-constexpr std::array<Command, 8> commands = {{
+constexpr std::array<Command<Call>, 8> commands = {{
     {"-LdPdInfo",   listLogicalDrives},
     {"-PdList",     listDrives},
     {"-AdpAllInfo", listAdapter},
@@ -308,12 +304,8 @@ constexpr std::array<Command, 8> commands = {{
 
 PlayResult play(Server& server, const std::vector<std::string>& options) {
     Call call{server, Tokens(options)};
-    for (const Command& command : commands) {
-        if (call.tokens.take(command.option)) {
-            return command.run(call);
-        }
-    }
-    return invalid(call);
+    const Command<Call>* command = takeCommand(commands, call.tokens);
+    return command == nullptr ? invalid(call) : command->run(call);
 }
 
 } // namespace zolex_sim::megacli

@@ -2,52 +2,50 @@
 
 #include "model/Text.h"
 
-namespace zolex_sim::megacli {
+#include <utility>
 
-Tokens::Tokens(const std::vector<std::string>& arguments) {
-    std::string spaced;
+namespace zolex_sim::megacli {
+namespace {
+
+std::string spaced(const std::vector<std::string>& arguments) {
+    std::string text;
     for (const char c : join(arguments, " ")) {
         if (std::string_view("[]{},").find(c) == std::string_view::npos) {
-            spaced += c;
+            text += c;
         } else {
-            spaced += {' ', c, ' '};
+            text += {' ', c, ' '};
         }
     }
-    tokens_ = splitWords(spaced);
+    return text;
 }
 
-std::string_view Tokens::current() const {
-    return atEnd() ? std::string_view() : std::string_view(tokens_[position_]);
-}
+} // namespace
 
-bool Tokens::take(std::string_view word) {
-    if (atEnd() || !equalsIgnoringCase(current(), word)) {
-        return false;
-    }
-    ++position_;
-    return true;
-}
+Tokens::Tokens(const std::vector<std::string>& arguments) : Words({spaced(arguments)}) {}
 
-bool Tokens::takeNumber(std::string_view name, std::int64_t& number) {
+bool Tokens::takeNumbered(std::string_view name, std::int64_t& number) {
     if (atEnd() || !startsWithIgnoringCase(current(), name)) {
         return false;
     }
     std::string_view digits = current().substr(name.size());
-    const bool apart = digits.empty() && position_ + 1 < tokens_.size();
+    const bool apart = digits.empty();
     if (apart) {
-        digits = tokens_[position_ + 1];
+        digits = next();
     }
     const std::optional<std::int64_t> found = parseWhole(digits);
     if (!found) {
         return false;
     }
     number = *found;
-    position_ += apart ? 2 : 1;
+    takeAny();
+    if (apart) {
+        takeAny();
+    }
     return true;
 }
 
 bool Tokens::takeLocations(std::vector<DriveLocation>& locations) {
-    const std::size_t start = position_;
+    const Tokens start = *this;
     std::vector<DriveLocation> found;
     bool complete = take("[");
     while (complete) {
@@ -57,14 +55,14 @@ bool Tokens::takeLocations(std::vector<DriveLocation>& locations) {
             break;
         }
         found.push_back(*location);
-        ++position_;
+        takeAny();
         if (take("]")) {
             break;
         }
         complete = take(",");
     }
     if (!complete) {
-        position_ = start;
+        *this = start;
         return false;
     }
     locations = std::move(found);

@@ -48,14 +48,6 @@ std::optional<PlayResult> findController(Call& call) {
     return std::nullopt;
 }
 
-std::optional<DriveLocation> takeDrive(Call& call) {
-    const std::optional<std::int64_t> channel = call.words.takeNumber(greatestPlaceNumber);
-    const std::optional<std::int64_t> id =
-        channel ? call.words.takeNumber(greatestPlaceNumber) : std::nullopt;
-    return id ? std::optional(DriveLocation{static_cast<int>(*channel), static_cast<int>(*id)})
-              : std::nullopt;
-}
-
 PlayResult getConfig(Call& call) {
     if (!call.words.take("AL")) {
         return refused(call.words.complaint());
@@ -85,18 +77,6 @@ std::optional<std::size_t> takeArray(Words& words) {
     return std::nullopt;
 }
 
-/// Takes the drives up to the confirmation; false where something else stands.
-bool takeDrives(Call& call, std::vector<DriveLocation>& drives) {
-    while (!call.words.atEnd() && !equalsIgnoringCase(call.words.current(), "NOPROMPT")) {
-        const std::optional<DriveLocation> drive = takeDrive(call);
-        if (!drive) {
-            return false;
-        }
-        drives.push_back(*drive);
-    }
-    return !drives.empty();
-}
-
 PlayResult create(Call& call) {
     if (!call.words.take("LOGICALDRIVE")) {
         return refused(call.words.complaint());
@@ -110,7 +90,7 @@ PlayResult create(Call& call) {
         return refused(call.words.complaint());
     }
     request.level = *level;
-    if (isNew && !takeDrives(call, request.spans.emplace_back())) {
+    if (isNew && !call.words.takePlaces("NOPROMPT", request.spans.emplace_back())) {
         return refused(call.words.complaint());
     }
     if (!call.words.take("NOPROMPT")) {
@@ -132,7 +112,7 @@ PlayResult create(Call& call) {
 }
 
 PlayResult setState(Call& call) {
-    const std::optional<DriveLocation> drive = takeDrive(call);
+    const std::optional<DriveLocation> drive = call.words.takePlace();
     if (!drive || !call.words.take("HSP")) {
         return refused(call.words.complaint());
     }
@@ -158,12 +138,8 @@ PlayResult setConfig(Call& call) {
     return completed("All arrays, logical drives and hot spares have been deleted.\n", true);
 }
 
-struct Command {
-    std::string_view word;
-    PlayResult (*run)(Call&);
-};
 // clang-format off
-constexpr std::array<Command, 4> commands = {{
+constexpr std::array<Command<Call>, 4> commands = {{
     {"GETCONFIG", getConfig},
     {"CREATE",    create},
     {"SETSTATE",  setState},
@@ -175,17 +151,14 @@ constexpr std::array<Command, 4> commands = {{
 
 PlayResult play(Server& server, const std::vector<std::string>& options) {
     Call call{server, Words(options)};
-    for (const Command& command : commands) {
-        if (call.words.take(command.word)) {
-            const std::optional<std::int64_t> number = call.words.takeNumber(greatestPlaceNumber);
-            if (!number) {
-                return refused(call.words.complaint());
-            }
-            call.number = *number;
-            return command.run(call);
-        }
+    const Command<Call>* command = takeCommand(commands, call.words);
+    const std::optional<std::int64_t> number =
+        command != nullptr ? call.words.takeNumber(greatestPlaceNumber) : std::nullopt;
+    if (!number) {
+        return refused(call.words.complaint());
     }
-    return refused(call.words.complaint());
+    call.number = *number;
+    return command->run(call);
 }
 
 } // namespace zolex_sim::qtcsend

@@ -70,8 +70,7 @@ bool ZOLEX::captureCommand(Tool& runner, RAIDController& controller, std::int32_
                            CString command) {
     printer().printfAlways("Capture Command=%s\n", command.c_str());
     if (settings.fake || settings.noExecuteAll || settings.noExecuteCapture) {
-        command = "fakeraid 1 " + modelName(controller);
-        printer().printfAlways("FakeRAID Command=%s\n", command.c_str());
+        command = fakeCommand(controller, Mode::capture);
     }
     if (!runCommand(runner, controller, command)) {
         printFailure(controller, Mode::capture);

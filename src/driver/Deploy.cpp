@@ -130,8 +130,7 @@ bool ZOLEX::deployCommand(Tool& runner, RAIDController& controller, std::int32_t
                           CString command) {
     printer().printfAlways("Deploy Command=%s\n", command.c_str());
     if (settings.fake) {
-        command = "fakeraid 2 " + modelName(controller);
-        printer().printfAlways("FakeRAID Command=%s\n", command.c_str());
+        command = fakeCommand(controller, Mode::deploy);
     }
     if (settings.noExecuteAll || settings.noExecuteDeploy) {
         return checkForErrors(controller, number, 0, Mode::deploy);

@@ -91,8 +91,7 @@ bool ZOLEX::restoreCommand(Tool& runner, RAIDController& controller, std::int32_
                            CString command) {
     printer().printfAlways("Restore Command=%s\n", command.c_str());
     if (settings.fake) {
-        command = "fakeraid 0 " + modelName(controller);
-        printer().printfAlways("FakeRAID Command=%s\n", command.c_str());
+        command = fakeCommand(controller, Mode::restore);
     }
     if (settings.noExecuteAll || settings.noExecuteReset) {
         return checkForErrors(controller, number, 0, Mode::restore);

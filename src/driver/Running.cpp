@@ -61,6 +61,13 @@ void ZOLEX::pauseWithDots(int seconds) {
     printer().printAlways("\n");
 }
 
+CString ZOLEX::fakeCommand(const RAIDController& controller, Mode mode) {
+    CString command = formatText("fakeraid %d %s", static_cast<std::int32_t>(mode),
+                                 modelName(controller).c_str());
+    printer().printfAlways("FakeRAID Command=%s\n", command.c_str());
+    return command;
+}
+
 bool ZOLEX::runCommand(Tool& runner, const RAIDController& controller, const CString& command) {
     constexpr int secondsBeforeLsiSas = 15;
     runner.setCommand(command);

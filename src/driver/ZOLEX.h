@@ -109,6 +109,8 @@ class ZOLEX : public Application {
     /// Whether this machine's controllers of type 10 are put in order of bus number.
     [[nodiscard]] bool reordersByBusNumber() const;
     void pauseWithDots(int seconds);
+    /// Shows and returns the command that is run instead of a utility's.
+    CString fakeCommand(const RAIDController& controller, Mode mode);
     /// Prints the rest of the runner's output line by line, as it came.
     void printOutput(Tool& runner);
     /// Shows and runs one command line with its output captured, after the pause that controllers

@@ -2,6 +2,7 @@
 
 #include "controllers/Codes.h"
 #include "foundation/Text.h"
+#include "readers/ListingValues.h"
 
 #include <algorithm>
 #include <array>
@@ -69,23 +70,18 @@ constexpr std::array<LevelRow, 7> levelRows{{
 // clang-format on
 static_assert(levelRows.size() == 7);
 
-/// The number of KB as printed, and its code. Order does not matter.
-struct StripeRow {
-    std::string_view kilobytes;
-    std::int32_t code;
-};
-
+// Columns: the number of KB as printed, its code. The order does not matter.
 // clang-format off
-constexpr std::array<StripeRow, 6> stripeRows{{
+constexpr auto stripeSizes = std::to_array<WordCode>({
     {"16",  stripe::kb16},
     {"32",  stripe::kb32},
     {"64",  stripe::kb64},
     {"128", stripe::kb128},
     {"256", stripe::kb256},
     {"512", stripe::kb512},
-}};
+});
 // clang-format on
-static_assert(stripeRows.size() == 6);
+static_assert(stripeSizes.size() == 6 && hasDistinctWords<WordCode>(stripeSizes));
 
 } // namespace
 
@@ -140,10 +136,7 @@ std::int32_t spannedLevelOf(std::int32_t raidLevel) noexcept {
 }
 
 std::int32_t stripeSizeOf(std::string_view kilobytes, std::int32_t otherwise) noexcept {
-    const auto row =
-        std::find_if(stripeRows.begin(), stripeRows.end(),
-                     [kilobytes](const StripeRow& r) { return r.kilobytes == kilobytes; });
-    return row == stripeRows.end() ? otherwise : row->code;
+    return findCode(stripeSizes, kilobytes).value_or(otherwise);
 }
 
 std::int32_t readAheadOf(std::string_view line) noexcept {

@@ -43,6 +43,9 @@ TEST_F(ARCCommandsTest, LevelsGiveTheirLine) {
         {raid_level::raid5, 5000,
          "UTIL.BAT ARCCONF CREATE 2 LOGICALDRIVE Stripesize 256  Name ARRAY0_LOGICAL0 "
          "Method QUICK 5000 5 0 0 0 1 0 2 NOPROMPT "},
+        {raid_level::raid5E, sizeFill,
+         "UTIL.BAT ARCCONF CREATE 2 LOGICALDRIVE Stripesize 256  Name ARRAY0_LOGICAL0 "
+         "Method QUICK MAX 5E 0 0 0 1 0 2 NOPROMPT "},
         {raid_level::raid5EE, sizeFill,
          "UTIL.BAT ARCCONF CREATE 2 LOGICALDRIVE Stripesize 256  Name ARRAY0_LOGICAL0 "
          "Method QUICK MAX 5EE 0 0 0 1 0 2 NOPROMPT "},
@@ -55,6 +58,9 @@ TEST_F(ARCCommandsTest, LevelsGiveTheirLine) {
         {raid_level::raid50, sizeFill,
          "UTIL.BAT ARCCONF CREATE 2 LOGICALDRIVE Stripesize 256  Name ARRAY0_LOGICAL0 "
          "Method QUICK MAX 50 0 0 0 1 0 2 NOPROMPT "},
+        {raid_level::raid60, sizeFill,
+         "UTIL.BAT ARCCONF CREATE 2 LOGICALDRIVE Stripesize 256  Name ARRAY0_LOGICAL0 "
+         "Method QUICK MAX 60 0 0 0 1 0 2 NOPROMPT "},
         {raid_level::volume, 700,
          "UTIL.BAT ARCCONF CREATE 2 LOGICALDRIVE  Name ARRAY0_LOGICAL0 "
          "700 VOLUME 0 0 0 1 0 2 NOPROMPT "},

@@ -17,13 +17,19 @@ TEST_F(CFGGENCommandsTest, LevelsGiveTheirWord) {
     };
     // clang-format off
     const Row rows[] = {
-        {raid_level::raid0,  "UTIL.BAT CFGGEN 1 CREATE IS MAX 1:0 1:1 1:2 qsync NOPROMPT"},
-        {raid_level::raid1,  "UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 1:2 qsync NOPROMPT"},
-        {raid_level::raid1E, "UTIL.BAT CFGGEN 1 CREATE IME MAX 1:0 1:1 1:2 qsync NOPROMPT"},
-        {raid_level::raid5,  "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
-        {raid_level::raid10, "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
-        {raid_level::volume, "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
-        {raid_level::none,   "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid0,        "UTIL.BAT CFGGEN 1 CREATE IS MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid1,        "UTIL.BAT CFGGEN 1 CREATE IM MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid1E,       "UTIL.BAT CFGGEN 1 CREATE IME MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid5,        "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid5E,       "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid5EE,      "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid6,        "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid10,       "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid50,       "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::raid60,       "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::volume,       "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::simpleVolume, "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
+        {raid_level::none,         "UTIL.BAT CFGGEN 1 CREATE ERROR MAX 1:0 1:1 1:2 qsync NOPROMPT"},
     };
     // clang-format on
     for (const Row& row : rows) {

@@ -23,12 +23,30 @@ TEST_F(HRCommandsTest, LevelsGiveTheirLine) {
         {raid_level::raid1,
          "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE  Name ARRAY0_LOGICAL0 "
          "Init_Priority HIGH Init_Method QUICK MAX 1 0 0 0 1 NOPROMPT "},
+        {raid_level::raid1E,
+         "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
+         "Init_Priority HIGH Init_Method QUICK MAX 1E 0 0 0 1 NOPROMPT "},
         {raid_level::raid5,
          "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
          "Init_Priority HIGH Init_Method QUICK MAX 5 0 0 0 1 NOPROMPT "},
+        {raid_level::raid5E,
+         "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
+         "Init_Priority HIGH Init_Method QUICK MAX 5E 0 0 0 1 NOPROMPT "},
+        {raid_level::raid5EE,
+         "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
+         "Init_Priority HIGH Init_Method QUICK MAX 5EE 0 0 0 1 NOPROMPT "},
+        {raid_level::raid6,
+         "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
+         "Init_Priority HIGH Init_Method QUICK MAX 6 0 0 0 1 NOPROMPT "},
         {raid_level::raid10,
          "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
          "Init_Priority HIGH Init_Method QUICK MAX 10 0 0 0 1 NOPROMPT "},
+        {raid_level::raid50,
+         "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
+         "Init_Priority HIGH Init_Method QUICK MAX 50 0 0 0 1 NOPROMPT "},
+        {raid_level::raid60,
+         "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE Stripesize 64  Name ARRAY0_LOGICAL0 "
+         "Init_Priority HIGH Init_Method QUICK MAX 60 0 0 0 1 NOPROMPT "},
         {raid_level::volume,
          "UTIL.BAT HRCONF CREATE 3 LOGICALDRIVE  Name ARRAY0_LOGICAL0 "
          "Init_Priority HIGH MAX VOLUME 0 0 0 1 NOPROMPT "},

@@ -9,6 +9,7 @@
 #include <array>
 #include <fstream>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ namespace {
 
 /// How a family's drives are addressed.
 enum class Address {
-    enclosureSlot,  ///< enclosures of any number
+    enclosureSlot,  ///< enclosures of any number, or none
     smallEnclosure, ///< enclosures 1 to 4
     channelDevice,
     channelId,
@@ -55,8 +56,13 @@ struct Loss {
     const char* lost;
 };
 // clang-format off
-constexpr std::array<Loss, 13> losses = {{
+constexpr std::array<Loss, 18> losses = {{
     {"MEGACLI",       "names of virtual disks"},
+    {"MEGACLI",       "RAID 50 and 60 of more than two spans"},
+    {"MEGACLI",       "several virtual disks on one array"},
+    {"MEGACLI",       "a stripe size of 8 KB, or of 1 MB and more"},
+    {"MEGACLI",       "a stripe size of 256 or 512 KB"},
+    {"MEGACLI",       "drives in enclosures beside drives in none"},
     {"ARCCONF",       "write-back where the controller's own mode is another"},
     {"ARCCONF",       "read-ahead on where the controller's own mode is off"},
     {"ARCCONF",       "the stripe size of a mirror; of RAID 6 and 60 with many drives"},
@@ -203,8 +209,10 @@ class RandomServer {
                 const char letter = static_cast<char>('A' + made++);
                 arrays += std::string("Array.") + letter + " = " + take(free, n) + "\n";
                 const std::string cache = pick(family_.settings.caches);
+                const bool smaller = family_.settings.sizes && number(0, 2) == 0;
                 logical += "Logical." + std::to_string(made) + " = " + letter +
-                           ":FILL:" + wish->name + (cache.empty() ? "" : ":" + cache) + "\n";
+                           (smaller ? ":40%:" : ":FILL:") + wish->name +
+                           (cache.empty() ? "" : ":" + cache) + "\n";
             }
             wish = &family_.levels[static_cast<std::size_t>(
                 number(0, static_cast<int>(family_.levels.size()) - 1))];
@@ -244,10 +252,14 @@ class RandomServer {
                     std::to_string(count) + R"(, "sizeMB": )" + std::to_string(size) + "}";
             drives_ += count;
         };
-        const int groups = number(1, 3);
+        const int groups = number(1, family_.address == Address::enclosureSlot ? 4 : 3);
         switch (family_.address) {
         case Address::enclosureSlot:
-            for (int i = 0, enclosure = number(0, 60); i < number(1, 4); ++i) {
+            if (number(0, 5) == 0) { // drives that are in no enclosure
+                add(R"("slot": 0)", number(12, 36));
+                break;
+            }
+            for (int i = 0, enclosure = number(0, 60); i < groups; ++i) {
                 add(R"("enclosure": )" + std::to_string(enclosure) + R"(, "slot": )" +
                         std::to_string(number(0, 3)),
                     i == 0 ? number(12, 16) : number(1, 9));
@@ -305,6 +317,40 @@ class RandomServer {
     int drives_ = 0;
 };
 
+/// The numbers of a list, or of each of several lists, in ascending order.
+std::vector<int> numbersOf(const std::vector<std::string>& lists) {
+    std::vector<int> numbers;
+    for (const std::string& list : lists) {
+        std::istringstream items(list);
+        for (std::string item; std::getline(items, item, ',');) {
+            numbers.push_back(std::stoi(item));
+        }
+    }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+/// Array and RAID level of each `Logical.<n>`, and the write-cache mode when it is wanted. The size
+/// is left out: a capture writes MB.
+std::vector<std::string> logicalDrivesOf(const std::string& policies, bool withCache) {
+    std::vector<std::string> drives;
+    for (const char* key : {"Logical.1 = ", "Logical.2 = ", "Logical.3 = "}) {
+        for (const std::string& value : linesAfter(policies, key)) {
+            std::istringstream fields(value);
+            std::string array;
+            std::string size;
+            std::string level;
+            std::string cache;
+            std::getline(fields, array, ':');
+            std::getline(fields, size, ':');
+            std::getline(fields, level, ':');
+            std::getline(fields, cache, ':');
+            drives.push_back(array + " " + level + (withCache ? " " + cache : ""));
+        }
+    }
+    return drives;
+}
+
 class RoundTripTest : public testing::TestWithParam<std::size_t> {};
 
 void roundTrip(const Family& family, const Level& level, bool withHotspares, unsigned seed) {
@@ -333,8 +379,14 @@ void roundTrip(const Family& family, const Level& level, bool withHotspares, uns
     for (const char* key : {"Array.A = ", "Array.B = ", "Array.C = "}) {
         EXPECT_EQ(linesAfter(policy, key), linesAfter(captured, key)) << key;
     }
-    EXPECT_EQ(linesAfter(policy, "Hotspares = ").size(),
-              linesAfter(captured, "Hotspares = ").size());
+    EXPECT_EQ(numbersOf(linesAfter(policy, "Hotspares = ")),
+              numbersOf(linesAfter(captured, "Hotspares = ")));
+    const bool keepsSettings = std::string(family.utility) == "MEGACLI";
+    EXPECT_EQ(logicalDrivesOf(policy, keepsSettings), logicalDrivesOf(captured, keepsSettings));
+    if (keepsSettings) {
+        EXPECT_EQ(linesAfter(policy, "StripeSize = "), linesAfter(captured, "StripeSize = "));
+        EXPECT_EQ(linesAfter(policy, "ReadAhead = "), linesAfter(captured, "ReadAhead = "));
+    }
 }
 
 TEST_P(RoundTripTest, CaptureResetDeployCaptureGivesTheSameLayout) {

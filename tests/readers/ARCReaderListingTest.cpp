@@ -17,6 +17,7 @@ namespace {
 using Lines = std::vector<std::string>;
 
 constexpr ListingOptions arcconf = {.type = controller_type::arcconf11};
+constexpr ListingOptions drivesOnly = {.type = controller_type::arcconf11, .capture = false};
 constexpr DeviceLines blockLines = {
     .kind = 1, .state = 2, .position = 5, .location = 6, .serialNumber = 11, .size = 12};
 
@@ -120,8 +121,6 @@ TEST_P(ARCReaderSample, GivesWhatAPersonReadsInIt) {
 }
 
 TEST_P(ARCReaderSample, GivesTheDrivesAloneWithoutTheCaptureFlag) {
-    ListingOptions drivesOnly = arcconf;
-    drivesOnly.capture = false;
     const std::string unknownLevel = replaced(sample.text(), "  : 1\n", "  : 4\n");
     const ListingResult result = readListing(drivesOnly, unknownLevel);
     EXPECT_EQ(result.summary(), "true d=3 a=0 l=0 s=0");
@@ -157,6 +156,22 @@ TEST_P(ARCReaderSegments, SurvivesEveryCut) {
                 {82, "true d=2 a=1 l=1 s=0"},
                 {91, "true d=2 a=1 l=1 s=1"},
                 {98, "true d=3 a=1 l=1 s=1"}});
+}
+
+TEST_P(ARCReaderPlain, SurvivesEveryCutWithoutTheCaptureFlag) {
+    expectCuts(drivesOnly, sample.text(),
+               {{0, "true d=0 a=0 l=0 s=0"},
+                {56, "true d=1 a=0 l=0 s=0"},
+                {72, "true d=2 a=0 l=0 s=0"},
+                {88, "true d=3 a=0 l=0 s=0"}});
+}
+
+TEST_P(ARCReaderSegments, SurvivesEveryCutWithoutTheCaptureFlag) {
+    expectCuts(drivesOnly, sample.text(),
+               {{0, "true d=0 a=0 l=0 s=0"},
+                {66, "true d=1 a=0 l=0 s=0"},
+                {82, "true d=2 a=0 l=0 s=0"},
+                {98, "true d=3 a=0 l=0 s=0"}});
 }
 
 TEST_P(ARCReaderPlain, SurvivesEveryLostLine) {

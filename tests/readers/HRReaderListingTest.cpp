@@ -17,6 +17,7 @@ namespace {
 using Lines = std::vector<std::string>;
 
 constexpr ListingOptions hrconf = {.type = controller_type::hrconf4};
+constexpr ListingOptions drivesOnly = {.type = controller_type::hrconf4, .capture = false};
 
 // The lines of the sample's result.
 const std::string versions = "controller bios=4.30-17 (3152) driver=2.10-3 (41)";
@@ -56,6 +57,17 @@ TEST(HRReader, SurvivesEveryCut) {
                 {77, "true d=5 a=2 l=2 s=0"},
                 {86, "true d=5 a=2 l=2 s=1"},
                 {89, "true d=6 a=2 l=2 s=1"}});
+}
+
+TEST(HRReader, SurvivesEveryCutWithoutTheCaptureFlag) {
+    expectCuts(drivesOnly, readTestData("hrconf-getconfig.txt"),
+               {{0, "true d=0 a=0 l=0 s=0"},
+                {44, "true d=1 a=0 l=0 s=0"},
+                {53, "true d=2 a=0 l=0 s=0"},
+                {62, "true d=3 a=0 l=0 s=0"},
+                {71, "true d=4 a=0 l=0 s=0"},
+                {77, "true d=5 a=0 l=0 s=0"},
+                {89, "true d=6 a=0 l=0 s=0"}});
 }
 
 TEST(HRReader, SurvivesEveryLostLine) {

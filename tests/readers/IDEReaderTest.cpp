@@ -208,6 +208,11 @@ TEST(IDEReader, SurvivesEveryCut) {
         {{0, "true d=0 a=0 l=0 s=0"}, {3, "true d=0 a=1 l=1 s=0"}, {7, "true d=2 a=1 l=1 s=0"}});
 }
 
+TEST(IDEReader, SurvivesEveryCutWithoutTheCaptureFlag) {
+    expectCuts(drivesOnly, readTestData("hyperwin-list.txt"),
+               {{0, "true d=0 a=0 l=0 s=0"}, {8, "true d=1 a=0 l=0 s=0"}});
+}
+
 TEST(IDEReader, SurvivesEveryLostAndEveryDoubledLine) {
     const std::string settings = "settings rebuild=0 readahead=0 stripe=4";
     const std::string array = "array A: 1:0 1:1";

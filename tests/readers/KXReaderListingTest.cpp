@@ -124,6 +124,19 @@ TEST(KXReader, SurvivesEveryCutOfACfggenListing) {
                 {61, "true d=3 a=1 l=1 s=0"}});
 }
 
+TEST(KXReader, SurvivesEveryCutOfACfggenListingWithoutTheCaptureFlag) {
+    ListingOptions drivesOnly = cfggen;
+    drivesOnly.capture = false;
+    // Every block in front of the drives must have its end.
+    expectCuts(drivesOnly, sas.text(),
+               {{0, "true d=0 a=0 l=0 s=0"},
+                {3, "false d=0 a=0 l=0 s=0"},
+                {27, "true d=0 a=0 l=0 s=0"},
+                {37, "true d=1 a=0 l=0 s=0"},
+                {49, "true d=2 a=0 l=0 s=0"},
+                {61, "true d=3 a=0 l=0 s=0"}});
+}
+
 TEST(KXReader, SurvivesEveryLostLineOfACfggenListing) {
     const Lines allGone = sas.goneFrom(0) + sas.layoutGone();
     const Lines controllerLost =
@@ -262,6 +275,21 @@ TEST(KXReader, SurvivesEveryCutOfAFamilyListing) {
                 {77, "true d=4 a=2 l=2 s=0"},
                 {84, "true d=5 a=2 l=2 s=0"},
                 {91, "true d=6 a=2 l=2 s=1"}});
+}
+
+TEST(KXReader, SurvivesEveryCutOfAFamilyListingWithoutTheCaptureFlag) {
+    ListingOptions drivesOnly = qtcsend;
+    drivesOnly.capture = false;
+    expectCuts(drivesOnly, scsi.text(),
+               {{0, "true d=0 a=0 l=0 s=0"},
+                {3, "false d=0 a=0 l=0 s=0"},
+                {40, "true d=0 a=0 l=0 s=0"},
+                {49, "true d=1 a=0 l=0 s=0"},
+                {56, "true d=2 a=0 l=0 s=0"},
+                {63, "true d=3 a=0 l=0 s=0"},
+                {77, "true d=4 a=0 l=0 s=0"},
+                {84, "true d=5 a=0 l=0 s=0"},
+                {91, "true d=6 a=0 l=0 s=0"}});
 }
 
 TEST(KXReader, SurvivesEveryLostLineOfAFamilyListing) {
