@@ -169,6 +169,11 @@ RAIDController* ControllerList::add(std::unique_ptr<RAIDController> controller) 
 bool ControllerList::initialize(IniFile& inventory, Application& application) {
     Printer& printer = application.printer();
     printer.trace("Entering ControllerList::initialize(2)\n");
+    if (inventory.loading() == IniFile::Loading::inPart) {
+        printer.errorBlockf("Could not read inventory file:  %s\n", inventory.name().c_str());
+        printer.trace("Exiting ControllerList::initialize(2), returning false(9)\n");
+        return false;
+    }
     const std::int32_t total = inventory.readInteger("System", "Total_Number_Of_Controllers", 0);
     if (total < 1) {
         printer.errorBlock("No Controllers Found in Inventory File\n");
@@ -245,6 +250,14 @@ bool ControllerList::initializeFromDefinition(Application& application) {
     const CString& name = application.settings.controllerDefinitionFile;
     printer.printf(level::detail, "Reading RAID controllers from file:  %s\n", name.c_str());
     IniFile file(application.platform().files(), name, true);
+    if (file.loading() == IniFile::Loading::inPart) {
+        printer.errorBlockf("Could not read controller-definition file:  %s\n", name.c_str());
+        return false;
+    }
+    if (file.loading() == IniFile::Loading::notOpened) {
+        application.platform().console().writeError(
+            formatText("Could not open controller-definition file:  %s\n", name.c_str()));
+    }
     for (int i = 0;; ++i) {
         const CString section = formatText("Controller.%d", i);
         if (file.readString(section, "Type", "").isEmpty()) {
@@ -286,10 +299,11 @@ void ControllerList::reorderByBusNumber() {
             slots.push_back(i);
         }
     }
-    for (std::size_t a = 0; a < slots.size(); ++a) {
-        for (std::size_t b = a + 1; b < slots.size(); ++b) {
-            auto& first = controllers_[slots[a]];
-            auto& second = controllers_[slots[b]];
+    // Only neighbours are exchanged, so that controllers of one bus keep their order.
+    for (std::size_t sorted = 0; sorted < slots.size(); ++sorted) {
+        for (std::size_t next = 1; next < slots.size(); ++next) {
+            auto& first = controllers_[slots[next - 1]];
+            auto& second = controllers_[slots[next]];
             if (second->busNumber() < first->busNumber()) {
                 std::swap(first, second);
                 first->swapIdentity(*second);

@@ -97,31 +97,37 @@ constexpr std::array<FlagSetting, 18> flagSettings{{
 constexpr unsigned success = 0;
 constexpr unsigned commandLineError = 4;
 
-/// The parameters that a text file holds; nothing when it cannot be opened.
-std::optional<std::vector<CString>> readParameters(FileSystem& files, const CString& name) {
-    TextFile file(files);
-    if (!file.open(name, "r")) {
-        return std::nullopt;
-    }
+/// The parameters that an open text file holds; nothing when reading it failed.
+std::optional<std::vector<CString>> readParameters(TextFile& file) {
     std::string content;
     for (CString line; file.readLine(line);) {
         content.append(line.view());
+    }
+    if (file.failed()) {
+        return std::nullopt;
     }
     const std::vector<std::string> parameters = splitCommandLine(content);
     return std::vector<CString>(parameters.begin(), parameters.end());
 }
 
-/// Adds the parameters of the file that "@" names to those of the command line.
-ParameterParser::Result parseParameterFile(Application& application, ParameterParser& parser) {
+/// Adds the parameters of the file that "@" names to those of the command line; nothing when they
+/// could not be read, which has been reported.
+std::optional<ParameterParser::Result> parseParameterFile(Application& application,
+                                                          ParameterParser& parser) {
     CString name;
     if (!parser.lookUp("@", name) || name.isEmpty()) {
         return ParameterParser::Result::success;
     }
-    const auto parameters = readParameters(application.platform().files(), name);
-    if (!parameters) {
+    TextFile file(application.platform().files());
+    if (!file.open(name, "r")) {
         application.platform().console().writeError(
             formatText("Could not open parameter file:  %s\n", name.c_str()));
         return ParameterParser::Result::success;
+    }
+    const auto parameters = readParameters(file);
+    if (!parameters) {
+        application.printer().errorBlockf("Could not read parameter file:  %s\n", name.c_str());
+        return std::nullopt;
     }
     return parser.parseMore(*parameters, true);
 }
@@ -207,7 +213,12 @@ unsigned ZOLEX::parseCommandLine(int argc, const char* const* argv) {
     addSwitches(parser);
     auto result = parser.parse(argc, argv, false, true);
     if (result == ParameterParser::Result::success) {
-        result = parseParameterFile(*this, parser);
+        const auto more = parseParameterFile(*this, parser);
+        if (!more) {
+            printer().trace("Exiting ZOLEX::parseCommandLine(4)\n");
+            return commandLineError;
+        }
+        result = *more;
     }
     if (result == ParameterParser::Result::unknownOrInvalid) {
         printer().errorBlock("Unknown parameter.\n");

@@ -80,9 +80,6 @@ bool ZOLEX::runCommand(Tool& runner, const RAIDController& controller, const CSt
 
 void ZOLEX::printOutput(Tool& runner) {
     const auto output = runner.output();
-    if (!output) {
-        return;
-    }
     for (std::string_view piece = output->nextPiece(capturedLineLimit); !piece.empty();
          piece = output->nextPiece(capturedLineLimit)) {
         printer().printAlways(piece);

@@ -1,36 +1,53 @@
 #include "driver/ZOLEX.h"
 
 #include "commands/CommandSource.h"
+#include "foundation/ErrorReporter.h"
 #include "policies/PolicyGenerator.h"
 #include "policies/PolicyReader.h"
 #include "readers/DiskInformation.h"
 
 #include <new>
+#include <utility>
 
 namespace zolex {
 
+namespace {
+
+/// A worker for `maker`; null without memory for it, which is reported.
+template <typename Worker, typename... Values>
+std::unique_ptr<Worker> make(Application& application, const char* maker, Values&&... values) {
+    std::unique_ptr<Worker> worker(new (std::nothrow) Worker(std::forward<Values>(values)...));
+    if (!worker) {
+        reportError(application.platform().console(), ReportMode::goOn,
+                    ReportCategory::memoryAllocation, maker);
+    }
+    return worker;
+}
+
+} // namespace
+
 std::unique_ptr<Tool> ZOLEX::makeRunner() {
-    return std::unique_ptr<Tool>(new (std::nothrow) Tool(platform(), printer(), childLimit));
+    return make<Tool>(*this, "ZOLEX::makeRunner", platform(), printer(), childLimit);
 }
 
 std::unique_ptr<CommandSource> ZOLEX::makeCaptureSource() {
-    return std::unique_ptr<CommandSource>(new (std::nothrow) GetConfigFiles(*this));
+    return make<GetConfigFiles>(*this, "ZOLEX::makeCaptureSource", *this);
 }
 
 std::unique_ptr<CommandSource> ZOLEX::makeRestoreSource() {
-    return std::unique_ptr<CommandSource>(new (std::nothrow) RestoreDefaults(*this));
+    return make<RestoreDefaults>(*this, "ZOLEX::makeRestoreSource", *this);
 }
 
 std::unique_ptr<DiskInformation> ZOLEX::makeDiskInformation() {
-    return std::unique_ptr<DiskInformation>(new (std::nothrow) DiskInformation(*this));
+    return make<DiskInformation>(*this, "ZOLEX::makeDiskInformation", *this);
 }
 
 std::unique_ptr<PolicyReader> ZOLEX::makePolicyReader() {
-    return std::unique_ptr<PolicyReader>(new (std::nothrow) PolicyReader(*this));
+    return make<PolicyReader>(*this, "ZOLEX::makePolicyReader", *this);
 }
 
 std::unique_ptr<PolicyGenerator> ZOLEX::makePolicyGenerator() {
-    return std::unique_ptr<PolicyGenerator>(new (std::nothrow) PolicyGenerator(*this));
+    return make<PolicyGenerator>(*this, "ZOLEX::makePolicyGenerator", *this);
 }
 
 } // namespace zolex

@@ -38,6 +38,10 @@ bool PolicyInterpreter::getMachineInformation() {
         printer.printf(level::detail, "Getting machine information from file:  %s\n",
                        inventoryFileName);
         IniFile inventory(application_.platform().files(), inventoryFileName, true);
+        if (inventory.loading() != IniFile::Loading::whole) {
+            printer.errorBlockf("Could not read inventory file:  %s\n", inventoryFileName);
+            return false;
+        }
         machineType_ = inventory.readString("System", "machType", "");
         serialNumber_ = inventory.readString("System", "serial", "");
     } else {

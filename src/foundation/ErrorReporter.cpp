@@ -1,6 +1,7 @@
 #include "foundation/ErrorReporter.h"
 
 #include "foundation/Console.h"
+#include "foundation/EndingTask.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -69,6 +70,7 @@ void reportError(Console& console, ReportMode mode, ReportCategory category, con
     } else if (mode != ReportMode::endProcess) {
         return;
     }
+    EndingTask::runAll();
     std::exit(1);
 }
 

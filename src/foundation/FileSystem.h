@@ -35,13 +35,18 @@ class FileSystem {
     virtual std::unique_ptr<File> open(std::string_view name, const char* mode) = 0;
     /// Removes `name`; false when it could not be removed.
     virtual bool remove(std::string_view name) = 0;
+    /// Whether there is a file of this name, which need not be readable; a folder is none.
+    virtual bool isFile(std::string_view name) { return open(name, "r") != nullptr; }
 };
 
-/// Files through the C runtime's streams.
+/// Files through the C runtime's streams. What is appended to a file goes to the system in one
+/// piece (up to 256 KB between two flushes), so that a process which is ended meanwhile has
+/// appended all of it or nothing.
 class StandardFileSystem : public FileSystem {
   public:
     std::unique_ptr<File> open(std::string_view name, const char* mode) override;
     bool remove(std::string_view name) override;
+    bool isFile(std::string_view name) override;
 };
 
 } // namespace zolex

@@ -4,26 +4,29 @@
 #include "foundation/Text.h"
 #include "foundation/TextFile.h"
 
-#include <algorithm>
 #include <new>
 #include <utility>
 
 namespace zolex {
 
-namespace {
-
-std::string fold(std::string_view text) {
-    std::string folded(text);
-    std::transform(folded.begin(), folded.end(), folded.begin(), text::lower);
-    return folded;
+std::size_t IniFile::Hash::operator()(std::string_view name) const noexcept {
+    constexpr std::uint32_t start = 2166136261; // FNV-1a
+    constexpr std::uint32_t factor = 16777619;
+    std::uint32_t hash = start;
+    for (const char c : name) {
+        hash = (hash ^ static_cast<unsigned char>(text::lower(c))) * factor;
+    }
+    return hash;
 }
 
-} // namespace
+bool IniFile::Equal::operator()(std::string_view a, std::string_view b) const noexcept {
+    return text::equalsNoCase(a, b);
+}
 
 IniFile::IniFile(FileSystem& files, CString name, bool open)
     : files_(files), open_(open), name_(std::move(name)) {
     // The keys before the first header are those of the section without a name.
-    currentSection_ = &index_[std::string()];
+    currentSection_ = &index_[std::string_view()];
     load();
 }
 
@@ -38,12 +41,11 @@ void IniFile::load() {
     if (!file.open(name_, "r")) {
         return;
     }
-    CString line;
-    while (file.readLine(line)) {
-        if (!addLine(line)) {
-            break;
-        }
+    bool added = true;
+    for (CString line; added && file.readLine(line);) {
+        added = addLine(line);
     }
+    loading_ = added && !file.failed() ? Loading::whole : Loading::inPart;
     file.close();
 }
 
@@ -79,37 +81,41 @@ void IniFile::indexLine(std::size_t number) {
     if (line.front() == '[') {
         const std::string_view name = text::trim(line.substr(1, line.find(']') - 1));
         // A later section of the same name is never seen; nor is a header without a name.
-        const auto [section, isFirst] = index_.try_emplace(fold(name));
+        const auto [section, isFirst] = index_.try_emplace(name);
         currentSection_ = isFirst ? &section->second : nullptr;
         return;
     }
     const std::size_t equals = line.find('=');
     if (currentSection_ != nullptr && equals != std::string_view::npos) {
-        currentSection_->try_emplace(fold(text::trim(line.substr(0, equals))), number);
+        currentSection_->try_emplace(text::trim(line.substr(0, equals)), number);
     }
 }
 
-const CString* IniFile::find(const CString& section, const CString& key) const {
-    const auto keys = index_.find(fold(section));
+std::optional<std::string_view> IniFile::find(const CString& section, const CString& key) const {
+    const auto keys = index_.find(section);
     if (keys == index_.end()) {
-        return nullptr;
+        return std::nullopt;
     }
-    const auto line = keys->second.find(fold(key));
-    return line == keys->second.end() ? nullptr : &lines_[line->second];
+    const auto line = keys->second.find(key);
+    if (line == keys->second.end()) {
+        return std::nullopt;
+    }
+    const std::string_view text = lines_[line->second].view();
+    return text::trim(text.substr(text.find('=') + 1));
 }
 
 CString IniFile::readString(const CString& section, const CString& key,
                             const CString& defaultValue) {
-    const CString* line = find(section, key);
-    lastValue_ = line == nullptr
-                     ? defaultValue
-                     : CString(text::trim(line->view().substr(line->view().find('=') + 1)));
+    const auto value = find(section, key);
+    lastValue_ = value ? CString(*value) : defaultValue;
     return lastValue_;
 }
 
 std::int32_t IniFile::readInteger(const CString& section, const CString& key,
                                   std::int32_t defaultValue) {
-    return readString(section, key, CString::fromInt(defaultValue)).toInt();
+    const auto value = find(section, key);
+    lastValue_ = value ? CString(*value) : CString::fromInt(defaultValue);
+    return lastValue_.toInt();
 }
 
 } // namespace zolex

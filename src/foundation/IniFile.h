@@ -3,8 +3,10 @@
 #include "foundation/CString.h"
 #include "foundation/FileSystem.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <optional>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -16,6 +18,13 @@ class Console;
 /// trimmed lines and looked up by section and key, letter case ignored. The first match wins.
 class IniFile {
   public:
+    /// What the load has brought.
+    enum class Loading {
+        notOpened, ///< the file could not be opened: no lines
+        inPart,    ///< reading failed or memory was short: the first lines only
+        whole,     ///< every line
+    };
+
     /// Loads `name` at once. A file that cannot be opened leaves the list of lines empty.
     IniFile(FileSystem& files, CString name, bool open);
     /// Writes the lines back when the modified flag is set.
@@ -35,6 +44,7 @@ class IniFile {
     /// returned.
     bool writeBack();
 
+    [[nodiscard]] Loading loading() const { return loading_; }
     [[nodiscard]] const CString& name() const { return name_; }
     [[nodiscard]] bool isOpen() const { return open_; }
     [[nodiscard]] const std::vector<CString>& lines() const { return lines_; }
@@ -43,20 +53,33 @@ class IniFile {
     void setModified(bool modified) { modified_ = modified; }
 
   private:
-    using Keys = std::unordered_map<std::string, std::size_t>;
+    // Names of any letter case are one.
+    struct Hash {
+        std::size_t operator()(std::string_view name) const noexcept;
+    };
+    struct Equal {
+        bool operator()(std::string_view a, std::string_view b) const noexcept;
+    };
+    template <typename Value>
+    using Index = std::unordered_map<std::string_view, Value, Hash, Equal>;
+    using Keys = Index<std::size_t>;
 
     void load();
     void indexLine(std::size_t number);
-    [[nodiscard]] const CString* find(const CString& section, const CString& key) const;
+    /// The value of an entry; valid as long as its line.
+    [[nodiscard]] std::optional<std::string_view> find(const CString& section,
+                                                       const CString& key) const;
 
     FileSystem& files_;
     bool modified_ = false;
     bool open_ = false;
+    Loading loading_ = Loading::notOpened;
     CString name_;
     CString lastValue_;
     std::vector<CString> lines_;
-    /// Folded section name to folded key to line; the first section and the first key of a name.
-    std::unordered_map<std::string, Keys> index_;
+    /// Section name to key to line; the first section and the first key of a name. The names stand
+    /// in the lines.
+    Index<Keys> index_;
     Keys* currentSection_ = nullptr;
 };
 

@@ -6,9 +6,7 @@
 #include <string>
 #include <utility>
 
-#ifndef _WIN32
 #include <sys/stat.h>
-#endif
 
 namespace zolex {
 
@@ -41,9 +39,25 @@ bool isDirectory([[maybe_unused]] std::FILE* stream) {
 #endif
 }
 
+/// A stream's own buffer takes a few kilobytes.
+constexpr std::size_t appendBufferSize = std::size_t{256} * 1024;
+
 class StandardFile : public File {
   public:
-    explicit StandardFile(Stream stream) : stream_(std::move(stream)) {}
+    /// Has all the memory that it needs before a file is made.
+    explicit StandardFile(bool appends)
+        : buffer_(appends ? std::make_unique_for_overwrite<char[]>(appendBufferSize) : nullptr) {}
+
+    bool open(const std::string& name, const char* mode) {
+        stream_.reset(std::fopen(name.c_str(), mode));
+        if (!stream_ || isDirectory(stream_.get())) {
+            return false;
+        }
+        if (buffer_) {
+            std::setvbuf(stream_.get(), buffer_.get(), _IOFBF, appendBufferSize);
+        }
+        return true;
+    }
 
     std::size_t read(std::span<char> bytes) override {
         if (!stream_) {
@@ -75,6 +89,7 @@ class StandardFile : public File {
     bool close() override { return !stream_ || std::fclose(stream_.release()) == 0; }
 
   private:
+    std::unique_ptr<char[]> buffer_; ///< of the stream: it lives longer
     Stream stream_;
     bool failed_ = false;
 };
@@ -83,16 +98,19 @@ class StandardFile : public File {
 
 std::unique_ptr<File> StandardFileSystem::open(std::string_view name, const char* mode) {
     const auto own = systemName(name);
-    Stream stream(own ? std::fopen(own->c_str(), mode) : nullptr);
-    if (!stream || isDirectory(stream.get())) {
-        return nullptr;
-    }
-    return std::make_unique<StandardFile>(std::move(stream));
+    auto file = std::make_unique<StandardFile>(mode[0] == 'a');
+    return own && file->open(*own, mode) ? std::move(file) : nullptr;
 }
 
 bool StandardFileSystem::remove(std::string_view name) {
     const auto own = systemName(name);
     return own && std::remove(own->c_str()) == 0;
+}
+
+bool StandardFileSystem::isFile(std::string_view name) {
+    const auto own = systemName(name);
+    struct stat status = {};
+    return own && ::stat(own->c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
 } // namespace zolex

@@ -22,6 +22,8 @@ class TextFile {
     bool readLine(CString& line);
     /// Whether the end of the file was met.
     [[nodiscard]] bool atEnd() const { return atEnd_; }
+    /// Whether reading or writing the open file failed. Reading then met no end of the file.
+    [[nodiscard]] bool failed() const { return file_ != nullptr && file_->failed(); }
     /// Writes the text and a newline; false on a write error.
     bool writeLine(const CString& text);
     /// False when buffered text could not be written. True when nothing was open.

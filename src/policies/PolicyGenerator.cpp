@@ -2,6 +2,7 @@
 
 #include "controllers/Application.h"
 #include "controllers/ControllerList.h"
+#include "foundation/TemporaryFile.h"
 #include "policies/PolicyReader.h"
 #include "policies/PolicyText.h"
 
@@ -46,21 +47,22 @@ bool PolicyGenerator::generatePolicies(ControllerList& controllers) {
     }
     printer.print("Generating policies from captured configurations ...\n", level::progress);
 
-    const CString temporaryName = settings.tempDirectory + temporaryFileName;
-    FileSystem& files = application_.platform().files();
-    std::unique_ptr<File> temporary = files.open(temporaryName, "w+");
-    if (!temporary) {
+    TemporaryFile temporary(application_.platform().files(),
+                            settings.tempDirectory + temporaryFileName);
+    temporary.setKept(settings.debug);
+    if (!temporary.open()) {
         reportTempSpace();
         printer.trace("Exiting PolicyGenerator::generatePolicies(2), returning false\n");
         return false;
     }
-    const bool done =
-        writePolicies(controllers, current, *temporary) && (!generated_ || append(*temporary));
-    temporary->close();
-    temporary.reset();
-    const bool nothingToKeep = done && !generated_;
-    if (nothingToKeep || !settings.debug) {
-        files.remove(temporaryName);
+    const bool done = writePolicies(controllers, current, *temporary.file()) &&
+                      (!generated_ || append(*temporary.file()));
+    if (done && !generated_) {
+        temporary.setKept(false);
+    }
+    if (!temporary.finish()) {
+        application_.platform().console().writeError(
+            formatText("Could not delete temp file:  %s\n", temporary.name().c_str()));
     }
     printer.trace(done ? "Exiting PolicyGenerator::generatePolicies(3), returning true\n"
                        : "Exiting PolicyGenerator::generatePolicies(3), returning false\n");
@@ -139,21 +141,22 @@ bool PolicyGenerator::wasGenerated(const CString& name) const {
 
 /// Copies the temporary file to the end of the policies file.
 bool PolicyGenerator::append(File& temporary) {
+    if (!temporary.rewind()) {
+        return reportTempSpace(); // before a policies file is made
+    }
     const CString& name = application_.settings.policiesFile;
     const std::unique_ptr<File> policies = application_.platform().files().open(name, "a");
     if (!policies) {
         application_.printer().errorBlock("Could not open policies file for writing:  " + name);
         return false;
     }
-    if (!temporary.rewind()) {
-        return reportTempSpace();
-    }
     std::array<char, 50> block{};
-    bool written = true;
-    for (std::size_t n = temporary.read(block); n > 0 && written; n = temporary.read(block)) {
-        written = write(*policies, std::string_view(block.data(), n));
+    std::size_t n = temporary.read(block);
+    while (n > 0 && !temporary.failed() && write(*policies, std::string_view(block.data(), n))) {
+        n = temporary.read(block);
     }
-    if (!written || temporary.failed() || !policies->flush() || !policies->close()) {
+    const bool copied = n == 0 && !temporary.failed();
+    if (!copied || !policies->flush() || !policies->close()) {
         application_.printer().errorBlock("Error writing to policies file.\n"
                                           "Warning: Partial data may have been written.\n");
         return false;

@@ -92,7 +92,8 @@ bool PolicyReader::scan() {
     const std::unique_ptr<File> file =
         application.platform().files().open(settings.policiesFile, "r");
     if (!file) {
-        if (settings.capture) {
+        // A file that is there but cannot be read may hold the very names of the new policies.
+        if (settings.capture && !application.platform().files().isFile(settings.policiesFile)) {
             printer.trace("Exiting PolicyReader::scan(1), returning true\n");
             return true;
         }

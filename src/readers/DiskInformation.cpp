@@ -17,7 +17,7 @@ bool DiskInformation::readDiskInformation(ControllerList& controllers) {
     if (application_.settings.controllerDefinitionFile.isEmpty()) {
         read = readControllers(controllers);
     } else {
-        readDrivesFromDefinition(controllers);
+        read = readDrivesFromDefinition(controllers);
     }
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         controllers.controller(i)->clearCapturedOutputs();
@@ -88,11 +88,15 @@ bool DiskInformation::parseDiskInfo(std::unique_ptr<ConfigurationReader> reader,
     return true;
 }
 
-void DiskInformation::readDrivesFromDefinition(ControllerList& controllers) {
+bool DiskInformation::readDrivesFromDefinition(ControllerList& controllers) {
     Printer& printer = application_.printer();
     const CString& fileName = application_.settings.controllerDefinitionFile;
     printer.printf(level::detail, "Reading drives from file:  %s\n", fileName.c_str());
     IniFile definition(application_.platform().files(), fileName, true);
+    if (definition.loading() != IniFile::Loading::whole) {
+        printer.errorBlockf("Could not read controller-definition file:  %s\n", fileName.c_str());
+        return false;
+    }
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         const auto number = static_cast<std::int32_t>(i);
         const CString section = formatText("Controller.%d", number);
@@ -113,6 +117,7 @@ void DiskInformation::readDrivesFromDefinition(ControllerList& controllers) {
             }
         }
     }
+    return true;
 }
 
 } // namespace zolex

@@ -31,7 +31,7 @@ class DiskInformation {
     bool readControllers(ControllerList& controllers);
     bool readController(RAIDController& controller, std::int32_t number);
     bool parseDiskInfo(std::unique_ptr<ConfigurationReader> reader, RAIDController& controller);
-    void readDrivesFromDefinition(ControllerList& controllers);
+    bool readDrivesFromDefinition(ControllerList& controllers);
 
     Application& application_;
 };

@@ -340,8 +340,12 @@ TEST(ControllerList, ADefinitionEndsAtTheFirstControllerWithoutAType) {
     }
     Defined absent("", 5);
     absent.platform.fileFake.files.clear();
-    EXPECT_EQ(absent.initialize(), "Reading RAID controllers from file:  test\\definition.ini\n"
-                                   "Number of controllers read:  0\n");
+    EXPECT_TRUE(absent.list.initialize(absent.application));
+    EXPECT_EQ(absent.platform.consoleFake.output,
+              "Reading RAID controllers from file:  test\\definition.ini\n"
+              "Number of controllers read:  0\n");
+    EXPECT_EQ(absent.platform.consoleFake.error,
+              "Could not open controller-definition file:  test\\definition.ini\n");
 }
 
 TEST(ControllerList, ADefinitionMayNameTypesThatDoNotExist) {

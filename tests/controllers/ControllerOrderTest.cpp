@@ -126,5 +126,22 @@ TEST(BusNumberOrder, PutsTheRecordsInOrderWhileEachSlotKeepsSubtypeAndLocation) 
     }
 }
 
+// Symptom: of two controllers on one bus the later one came first when a third, on a lower bus,
+// stood behind them.
+TEST(BusNumberOrder, ControllersOfOneBusKeepTheirOrder) {
+    ControllerList list;
+    fill(list, {{10, 1, "a", 5}, {10, 2, "b", 5}, {12, 1, "x", 0}, {10, 3, "c", 3}});
+    list.controller(0)->setSlotNumber(1);
+    list.controller(1)->setSlotNumber(2);
+    list.controller(3)->setSlotNumber(3);
+    list.reorderByBusNumber();
+    EXPECT_EQ(list.controller(0)->slotNumber(), 3);
+    EXPECT_EQ(list.controller(1)->slotNumber(), 1);
+    EXPECT_EQ(list.controller(3)->slotNumber(), 2);
+    for (const std::size_t slot : {0U, 1U, 3U}) {
+        EXPECT_EQ(list.controller(slot)->subtype(), slot == 3 ? 3 : static_cast<int>(slot) + 1);
+    }
+}
+
 } // namespace
 } // namespace zolex

@@ -1,3 +1,4 @@
+#include "support/FaultPlatform.h"
 #include "support/ModeRun.h"
 
 #include "commands/CommandSource.h"
@@ -216,6 +217,14 @@ TEST_F(MainTest, AFailedInitialisationIsExitCode10) {
     EXPECT_EQ(10, run({"/fake", "/d"}));
     EXPECT_EQ("Started ZOLEX.\n\n#### ERROR\n\tNo Controllers Found in Inventory File\n\n", output);
     EXPECT_EQ(std::vector<std::string>{"r contlist.ini"}, platform.fileFake.opened);
+}
+
+TEST_F(MainTest, AFailedInitialisationOfTheDetectionCheckIsExitCode10) {
+    platform.fileFake.files["c.ini"] = "[Controller.0]\nType=12\n";
+    test::FaultPlatform faulty(platform, {test::Operation::read, 1});
+    const char* arguments[] = {"zolex", "/e2", "/controllers:c.ini"};
+    EXPECT_EQ(10, ZOLEX::run(3, arguments, faulty));
+    EXPECT_EQ("\n#### ERROR\n\tCould not read controller-definition file:  c.ini\n\n", output);
 }
 
 TEST_F(MainTest, RestoreAloneEndsAfterTheRestore) {

@@ -81,7 +81,7 @@ TEST(MachineInformation, ComesFromTheInventoryFile) {
     EXPECT_EQ(machine.application.machineType, "8837") << "the application's own stay";
 }
 
-TEST(MachineInformation, AbsentKeysAndAnAbsentInventoryFileGiveEmptyTexts) {
+TEST(MachineInformation, AbsentKeysGiveEmptyTexts) {
     Machine machine;
     machine.application.settings.fake = true;
     for (const char* content : {"[System]\n", "[Other]\nmachType=1\n", ""}) {
@@ -90,9 +90,17 @@ TEST(MachineInformation, AbsentKeysAndAnAbsentInventoryFileGiveEmptyTexts) {
         EXPECT_EQ(machine.takeOutput(), "Getting machine information from file:  contlist.ini\n"
                                         "Machine type = , serial number = \n");
     }
-    machine.platform.fileFake.files.clear();
-    EXPECT_TRUE(machine.interpret(listOf({}), level::progress));
-    EXPECT_EQ(machine.takeOutput(), "");
+}
+
+// Symptom: when the inventory file could not be read a second time, controllers were matched as if
+// the machine had neither type nor serial number, and the run succeeded.
+TEST(MachineInformation, CannotBeHadFromAnInventoryFileThatCannotBeRead) {
+    Machine machine;
+    machine.application.settings.fake = true;
+    EXPECT_FALSE(machine.interpret(listOf({}), level::progress));
+    EXPECT_EQ(machine.takeOutput(),
+              "\n#### ERROR\n\tCould not read inventory file:  contlist.ini\n\n"
+              "\n#### ERROR\n\tCould not detect the system machine type or serial number.\n\n");
 }
 
 TEST(MachineInformation, CannotBeHadAfterAFailedDetector) {

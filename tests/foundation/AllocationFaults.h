@@ -17,4 +17,14 @@ void failAllocation(Allocation form, std::size_t n);
 /// Calls of this form since the latest failAllocation of it.
 std::size_t allocationsAsked(Allocation form);
 
+/// While one of these lives, calls are passed on without being counted: what a test's own fakes ask
+/// for is not the program's.
+class UncountedAllocations {
+  public:
+    UncountedAllocations();
+    UncountedAllocations(const UncountedAllocations&) = delete;
+    UncountedAllocations& operator=(const UncountedAllocations&) = delete;
+    ~UncountedAllocations();
+};
+
 } // namespace zolex::test

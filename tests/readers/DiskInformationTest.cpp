@@ -293,10 +293,14 @@ TEST_F(DiskInformationTest, TheDefinitionEndsAtTheFirstSectionWithoutType) {
     EXPECT_EQ(controllers.controller(1)->numberOfDrives(), 0);
 }
 
-TEST_F(DiskInformationTest, ADefinitionFileThatIsNotThereGivesNoDrives) {
+// Symptom: a definition file that was gone after the controllers had been read from it left them
+// without drives, and the run went on.
+TEST_F(DiskInformationTest, ADefinitionFileThatIsNotThereAnyMoreFails) {
     add(12, 1, 0);
     application.settings.controllerDefinitionFile = "some.ini";
-    EXPECT_TRUE(read());
+    EXPECT_FALSE(read());
+    EXPECT_EQ(takeOutput(),
+              "\n#### ERROR\n\tCould not read controller-definition file:  some.ini\n\n");
     EXPECT_EQ(controllers.controller(0)->numberOfDrives(), 0);
 }
 

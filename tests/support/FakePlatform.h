@@ -34,6 +34,7 @@ class FakeFileSystem : public FileSystem {
   public:
     std::unique_ptr<File> open(std::string_view name, const char* mode) override;
     bool remove(std::string_view name) override;
+    bool isFile(std::string_view name) override { return exists(std::string(name)); }
 
     [[nodiscard]] bool exists(const std::string& name) const { return files.count(name) != 0; }
 
