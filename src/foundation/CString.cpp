@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <new>
 #include <utility>
@@ -72,8 +74,8 @@ CString::CString(char character, std::size_t count) {
 
 CString::CString(std::uint32_t number) {
     char digits[16];
-    const int n = std::snprintf(digits, sizeof digits, "%lu", static_cast<unsigned long>(number));
-    assign({digits, static_cast<std::size_t>(n)});
+    const char* const end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    assign({digits, static_cast<std::size_t>(end - digits)});
 }
 
 CString::CString(const char16_t* wide, std::size_t length) {
@@ -115,8 +117,8 @@ CString& CString::operator=(CString&& other) noexcept {
 
 CString CString::fromInt(std::int64_t number) {
     char digits[32];
-    const int n = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(number));
-    return std::string_view(digits, static_cast<std::size_t>(n));
+    const char* const end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    return std::string_view(digits, static_cast<std::size_t>(end - digits));
 }
 
 void CString::clear() noexcept {

@@ -25,9 +25,23 @@ int PolicyLines::get() {
     return character;
 }
 
+std::size_t PolicyLines::takeRun(std::size_t length) {
+    const char* const start = buffer_.data() + at_;
+    std::string_view run(start, std::min(filled_ - at_, maxLength - length));
+    run = run.substr(0, run.find('\n'));
+    run = run.substr(0, run.find('\r'));
+    std::copy(run.begin(), run.end(), line_.begin() + static_cast<std::ptrdiff_t>(length));
+    at_ += run.size();
+    return run.size();
+}
+
 bool PolicyLines::next(std::string_view& line) {
     std::size_t length = 0;
     while (length < maxLength) {
+        if (const std::size_t run = takeRun(length); run > 0) {
+            length += run;
+            continue;
+        }
         const int character = get();
         if (character == endOfFile) {
             break;

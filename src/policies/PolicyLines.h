@@ -36,6 +36,9 @@ class PolicyLines {
 
     int peek();
     int get();
+    /// Moves what the buffer holds before the next CR or LF, as far as it fits, to `length` in the
+    /// line; the number of bytes moved.
+    std::size_t takeRun(std::size_t length);
 
     File& file_;
     std::array<char, 4096> buffer_{};

@@ -11,8 +11,8 @@ namespace {
 
 /// Ends a line at its first carriage return or zero byte.
 std::string_view cutAtStringEnd(std::string_view line) {
-    constexpr std::string_view stringEnds("\r\0", 2);
-    return line.substr(0, line.find_first_of(stringEnds));
+    line = line.substr(0, line.find('\0'));
+    return line.substr(0, line.find('\r'));
 }
 
 /// The line that a piece of at most `capturedLineLimit` bytes of the output makes.

@@ -52,9 +52,11 @@ bool KXReader::getDrives() {
 bool KXReader::addDevice(std::int32_t channel) {
     const ControllerCatalogue& catalogue = application().catalogue();
     printer().trace("Entering KXReader::addDevice\n");
-    printer().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
-                     catalogue.getUtilityCommand(controller().type()).c_str(),
-                     catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
+    if (printer().shows(level::traces)) {
+        printer().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
+                         catalogue.getUtilityCommand(controller().type()).c_str(),
+                         catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
+    }
     const std::string_view endingKey = isCfggen_ ? "Drive Type" : "Device ID";
     Device device;
     for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
@@ -83,36 +85,39 @@ void KXReader::readDeviceLine(std::string_view line, std::int32_t channel, Devic
     if (!device.disk) {
         return;
     }
-    const CString value = valueBetweenColons(line);
     RaidDisk& disk = *device.disk;
     if (readDriveLocation(line, disk)) {
         return;
     }
+    const std::string_view value = valueBetweenColons(line);
     if (text::contains(line, "State")) {
         readDeviceState(value, device);
     } else if (text::contains(line, "Size")) {
-        disk.sizeMb = value.toInt();
+        disk.sizeMb = text::leadingInt(value);
     } else if (text::contains(line, "Drive Type")) {
         device.type = value;
     } else if (text::contains(line, "Serial No")) {
         disk.serialNumber = value;
-        device.controllersOwn = device.controllersOwn || value.contains("LSIInternalUse");
+        device.controllersOwn = device.controllersOwn || text::contains(value, "LSIInternalUse");
     }
 }
 
 bool KXReader::readDriveLocation(std::string_view line, RaidDisk& disk) {
+    const bool namesEnclosure = placesBySlot_ && text::contains(line, "Enclosure");
+    const bool namesSlot = placesBySlot_ && text::contains(line, "Slot");
+    if (!namesEnclosure && !namesSlot && !holdsAny(line, idKeys)) {
+        return false;
+    }
     const std::int32_t number = text::leadingInt(valueBetweenColons(line));
-    if (placesBySlot_ && text::contains(line, "Enclosure")) {
+    if (namesEnclosure) {
         disk.channelNumber = number;
         printer().tracef("Found 'Enclosure', setting channel=%d\n", number);
-    } else if (placesBySlot_ && text::contains(line, "Slot")) {
+    } else if (namesSlot) {
         disk.diskNumber = number;
         printer().tracef("Found 'Slot', setting ID=%d\n", number);
-    } else if (holdsAny(line, idKeys)) {
+    } else {
         disk.id = number;
         printer().tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
-    } else {
-        return false;
     }
     return true;
 }

@@ -32,7 +32,8 @@ bool isStateLine(std::string_view line) {
 
 bool endsVirtualDisk(std::string_view line) {
     return line == endOfOutput || megacli::isAdapterLine(line) ||
-           megacli::holdsKey(line, "Virtual Disk") || megacli::holdsKey(line, "Virtual Drive");
+           (contains(line, "Virtual D") &&
+            (megacli::holdsKey(line, "Virtual Disk") || megacli::holdsKey(line, "Virtual Drive")));
 }
 
 } // namespace
@@ -136,7 +137,8 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
         disk.hasState = true;
         disk.drive.state = valueAfterColon(line);
         disk.drive.derivedState = disk.drive.state.contains("Degraded") ? "BAD" : "GOOD";
-    } else if (contains(line, "Stripe Size") || contains(line, "Strip Size")) {
+    } else if (contains(line, "Strip") &&
+               (contains(line, "Stripe Size") || contains(line, "Strip Size"))) {
         readStripeSize(line, configuration);
     } else if (contains(line, "Current Cache Policy")) {
         disk.drive.writeCache = contains(line, "WriteBack") ? write_cache::on : write_cache::off;

@@ -97,7 +97,9 @@ bool holdsKey(std::string_view line, std::string_view key) noexcept {
 }
 
 bool isEnclosureLine(std::string_view line) noexcept {
-    return contains(line, "Enclosure Device ID") || contains(line, "Enclosure Number");
+    // Few lines hold what both keys begin with.
+    return contains(line, "Enclosure ") &&
+           (contains(line, "Enclosure Device ID") || contains(line, "Enclosure Number"));
 }
 
 std::int32_t sizeInMb(std::string_view value, Rounding rounding) noexcept {

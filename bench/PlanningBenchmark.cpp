@@ -1,0 +1,161 @@
+// From policies to command lines, for 36 controllers of 144 drives each.
+
+#include "CpuTime.h"
+#include "MemoryPlatform.h"
+
+#include "commands/CommandGenerator.h"
+#include "controllers/Application.h"
+#include "controllers/ControllerList.h"
+#include "controllers/RAIDController.h"
+#include "engine/PolicyInterpreter.h"
+#include "policies/PolicyReader.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace zolex::bench {
+namespace {
+
+constexpr std::int32_t sizeMb = 69618;
+
+using Types = std::array<std::int32_t, 3>;
+constexpr Types threeUtilities = {controller_type::megaRaid, controller_type::arcconf7,
+                                  controller_type::family};
+/// Others take at most 16 drives into an array, of which 144 drives need too many.
+constexpr Types megaCliOnly = {controller_type::megaRaid, controller_type::megaRaid,
+                               controller_type::megaRaid};
+
+/// As many controllers as there can be, with a drive at every place; each type for 15 of them.
+ControllerList largestServer(const Types& types) {
+    constexpr std::size_t ofOneUtility = 15;
+    ControllerList list;
+    for (std::size_t i = 0; i < ControllerList::maxControllers; ++i) {
+        auto controller = std::make_unique<RAIDController>();
+        controller->setType(types[i / ofOneUtility]);
+        controller->setSubtype(1);
+        controller->setScanOrder(static_cast<std::int32_t>(i % ofOneUtility + 1));
+        for (std::int32_t channel = 1; channel < RAIDController::channels; ++channel) {
+            for (std::int32_t id = 0; id < RAIDController::ids; ++id) {
+                controller->setSizeAndTarget(channel, id, sizeMb, channel + 7);
+            }
+        }
+        list.add(std::move(controller));
+    }
+    return list;
+}
+
+/// 100 policies with 15 AppliesTo entries each, of which the very last one is met.
+std::string policiesWith(const std::string& entries) {
+    std::string text;
+    for (int policy = 1; policy <= 100; ++policy) {
+        text += "[Policy." + std::to_string(policy) + "]\n";
+        for (int entry = 1; entry <= 14; ++entry) {
+            text += "AppliesTo." + std::to_string(entry) + " = t:Kestrix-D4,d:143,m:8837\n";
+        }
+        text += policy < 100 ? "AppliesTo.15 = s:KX1,d:144\n" : "AppliesTo.15 = ALL\n";
+        text += entries;
+    }
+    return text;
+}
+
+/// Eight arrays of 16 drives, each with a logical drive, named by position, and eight hot spares.
+std::string listedDrives() {
+    std::string text = "Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\n";
+    for (int array = 0; array < 8; ++array) {
+        text += std::string("Array.") + static_cast<char>('A' + array) + " = ";
+        for (int drive = 0; drive < 16; ++drive) {
+            text += (drive == 0 ? "" : ",") + std::to_string(array * 16 + drive + 1);
+        }
+        text += "\nLogical." + std::to_string(array + 1) + " = " + static_cast<char>('A' + array) +
+                ":FILL:5\n";
+    }
+    return text + "Hotspares = 137,138,139,140,141,142,143,144\n";
+}
+
+constexpr const char* chosenDrives = "Array_Defaults = 5%:8\n";
+
+/// Plans for all controllers; false when one has got no plan.
+bool plan(Application& application, const PolicyList& policies, ControllerList& controllers) {
+    if (!PolicyInterpreter(application, policies).createConfigurations(controllers)) {
+        return false;
+    }
+    for (std::size_t i = 0; i < controllers.count(); ++i) {
+        if (controllers.controller(i)->configuration() == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void planAll(benchmark::State& state, const Types& types, const std::string& entries) {
+    MemoryPlatform platform(policiesWith(entries));
+    Application application(platform);
+    application.settings.policiesFile = "policies.ini";
+    PolicyReader reader(application);
+    if (!reader.read()) {
+        state.SkipWithError("the policies were refused");
+        return;
+    }
+    for (auto _ : state) {
+        ControllerList controllers = largestServer(types);
+        const CpuTime time(state);
+        if (!plan(application, *reader.policies(), controllers)) {
+            state.SkipWithError("a controller was not planned");
+            break;
+        }
+    }
+}
+
+// Bound by the comparison with 1500 AppliesTo entries a controller.
+void matchAndPlanListedDrives(benchmark::State& state) {
+    planAll(state, threeUtilities, listedDrives());
+}
+BENCHMARK(matchAndPlanListedDrives)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// Bound by the walks over the 144 places for each hot spare and array that is chosen.
+void matchAndPlanChosenDrives(benchmark::State& state) {
+    planAll(state, megaCliOnly, chosenDrives);
+}
+BENCHMARK(matchAndPlanChosenDrives)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// Bound by the formatting of numbers: about 300 for each controller.
+void generateCommands(benchmark::State& state) {
+    MemoryPlatform platform(policiesWith(listedDrives()));
+    Application planner(platform);
+    planner.settings.policiesFile = "policies.ini";
+    PolicyReader reader(planner);
+    ControllerList controllers = largestServer(threeUtilities);
+    if (!reader.read() || !plan(planner, *reader.policies(), controllers)) {
+        state.SkipWithError("a controller was not planned");
+        return;
+    }
+    for (auto _ : state) {
+        Application application(platform);
+        bool generated = true;
+        {
+            const CpuTime time(state);
+            for (std::size_t i = 0; i < controllers.count(); ++i) {
+                RAIDController& controller = *controllers.controller(i);
+                const std::int32_t type = controller.type();
+                const auto generator = findGenerator(type)->create(application);
+                generator->start(controller, static_cast<std::int32_t>(i + 1),
+                                 application.catalogue().getUtilityCommand(type));
+                generated = generator->generate() && generated;
+            }
+        }
+        if (!generated || application.commands().get(0) == nullptr) {
+            state.SkipWithError("no commands were generated");
+            break;
+        }
+    }
+}
+BENCHMARK(generateCommands)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace zolex::bench
