@@ -9,7 +9,13 @@
 namespace zolex_sim {
 
 /// The text of a printf-style format.
-[[gnu::format(gnu_printf, 1, 2)]] std::string formatted(const char* format, ...);
+#if defined(__MINGW32__)
+[[gnu::format(gnu_printf, 1, 2)]]
+#else
+[[gnu::format(printf, 1, 2)]]
+#endif
+std::string
+formatted(const char* format, ...);
 
 /// Letter case of ASCII letters is ignored.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);

@@ -33,7 +33,8 @@ std::string withoutCarriageReturns(CapturedOutput& output) {
 
 void storeValue(std::string_view line, std::string_view key, CString& field) {
     if (text::contains(line, key)) {
-        field = text::trim(text::token(line, "=", 1));
+        // A NUL ends the value, which is trimmed then.
+        field = CString(text::token(line, "=", 1)).trim();
     }
 }
 

@@ -3,6 +3,7 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <string>
 
 namespace zolex {
 
@@ -83,11 +84,14 @@ std::size_t ParameterParser::takeValue(Entry& entry, std::size_t nameLength,
         value = arguments[++index];
     }
     if (entry.kind == SwitchKind::joined) {
+        // A parameter file can give very many arguments: they are put together in place.
+        std::string joined(value.view());
         bool first = value.isEmpty();
         while (nextIsValue()) {
-            value.append(first ? "" : " ").append(arguments[++index].view());
+            joined.append(first ? "" : " ").append(arguments[++index].view());
             first = false;
         }
+        value = joined;
     }
     entry.value = value;
     return index;

@@ -73,6 +73,14 @@ TEST_F(HardwareInfo, ReadsTheSecondFieldOfTheLinesWithAKey) {
     }
 }
 
+// A value that a NUL ended kept the blanks before it: "8837 " matched no policy for "m:8837".
+TEST_F(HardwareInfo, AValueIsTrimmedUpToItsFirstZeroByte) {
+    using namespace std::string_literals;
+    EXPECT_TRUE(ask("Machine_Type= 8837 \t\0x\nSerial_Number=KQ1\0\n"s));
+    EXPECT_EQ(application.machineType.view(), "8837");
+    EXPECT_EQ(application.serialNumber.view(), "KQ1");
+}
+
 TEST_F(HardwareInfo, AnotherExitCodeIsReported) {
     EXPECT_FALSE(ask("Machine_Type=8837\n", 7));
     EXPECT_EQ(platform.consoleFake.takeOutput(),

@@ -1,0 +1,12 @@
+#include "controllers/Codes.h"
+#include "support/ReaderRun.h"
+
+#include <array>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static constexpr std::array types = {
+        zolex::controller_type::hrconf3, zolex::controller_type::hrconf4,
+        zolex::controller_type::hrconf8, zolex::controller_type::hrconf9};
+    zolex::fuzz::readListings(types, zolex::fuzz::Input(data, size));
+    return 0;
+}

@@ -1,0 +1,47 @@
+#include "controllers/Application.h"
+#include "controllers/ZOLEXSupport.h"
+#include "support/Check.h"
+#include "support/Input.h"
+#include "support/MemoryPlatform.h"
+
+#include <string>
+#include <string_view>
+
+namespace zolex::fuzz {
+namespace {
+
+void checkValue(std::string_view value) {
+    check(value.size() <= capturedLineLimit, "length of a value");
+    check(value.find_first_of("\n=") == std::string_view::npos, "bytes of a value");
+    check(value.empty() || (value.front() != ' ' && value.back() != ' '), "a value is trimmed");
+}
+
+/// The first byte is the detector's exit code, or above 250 a run that fails; its output follows.
+void readDetector(Input input) {
+    constexpr unsigned lastExitCode = 250;
+    const unsigned choice = input.choice();
+    const std::string output(input.rest());
+    MemoryPlatform platform;
+    platform.respond = [&](std::string_view) -> ChildResult {
+        return choice > lastExitCode ? ChildResult{static_cast<ChildOutcome>(choice % 3), 0, {}}
+                                     : ChildResult{ChildOutcome::ended, choice, output};
+    };
+    Application application(platform);
+    application.printer().setVerbosity(level::traces);
+    const bool known = ZOLEXSupport::gatherHardwareInfo(application);
+    check(known == (choice == 0), "the detector counts when it ends with 0");
+    check(known || (application.machineType.isEmpty() && application.serialNumber.isEmpty()),
+          "nothing is taken from a detector that failed");
+    checkValue(application.machineType);
+    checkValue(application.serialNumber);
+    check(application.machineType.isEmpty() || output.find("Machine_Type") != std::string::npos,
+          "a value has a key");
+}
+
+} // namespace
+} // namespace zolex::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    zolex::fuzz::readDetector(zolex::fuzz::Input(data, size));
+    return 0;
+}

@@ -1,0 +1,44 @@
+#include "controllers/Application.h"
+#include "controllers/ControllerList.h"
+#include "foundation/IniFile.h"
+#include "readers/DiskInformation.h"
+#include "support/Check.h"
+#include "support/Input.h"
+#include "support/MemoryPlatform.h"
+#include "support/ModelCheck.h"
+
+namespace zolex::fuzz {
+namespace {
+
+/// The lowest bit of the first byte chooses: the rest is an inventory file, or a
+/// controller-definition file.
+void readControllers(Input input) {
+    const bool isDefinition = (input.choice() & 1U) != 0;
+    MemoryPlatform platform;
+    Application application(platform);
+    application.printer().setVerbosity(level::traces);
+    ControllerList controllers;
+    platform.memoryFiles.files["file.ini"] = input.rest();
+    if (isDefinition) {
+        application.settings.controllerDefinitionFile = "file.ini";
+        check(controllers.initialize(application), "a definition is always taken");
+        check(DiskInformation(application).readDiskInformation(controllers), "its drives too");
+    } else {
+        IniFile inventory(platform.files(), "file.ini", true);
+        const bool read = controllers.initialize(inventory, application);
+        check(!read || controllers.count() > 0, "an inventory holds a controller");
+    }
+    check(controllers.count() <= ControllerList::maxControllers, "number of controllers");
+    for (std::size_t i = 0; i < controllers.count(); ++i) {
+        check(controllers.controller(i) != nullptr, "slots have no gaps");
+        controllers.controller(i)->dump(application.printer(), true);
+    }
+}
+
+} // namespace
+} // namespace zolex::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    zolex::fuzz::readControllers(zolex::fuzz::Input(data, size));
+    return 0;
+}

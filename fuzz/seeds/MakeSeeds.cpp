@@ -1,0 +1,192 @@
+// Writes the first inputs of every target into a folder: what the utilities of the virtual server
+// print before and after its policies are deployed, the files that fit it, and some texts by hand.
+
+#include "driver/ZOLEX.h"
+#include "foundation/CString.h"
+#include "setup/Samples.h"
+#include "support/Input.h"
+#include "support/MemoryPlatform.h"
+#include "support/VirtualServer.h"
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolex::fuzz {
+namespace {
+
+using namespace std::string_literals;
+
+class SeedWriter {
+  public:
+    explicit SeedWriter(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+    void write(const std::string& target, const std::string& input) {
+        const std::filesystem::path path = folder_ / target;
+        std::filesystem::create_directories(path);
+        std::ofstream file(path / std::to_string(++count_[target]), std::ios::binary);
+        file << input;
+        good_ = good_ && file.flush().good();
+    }
+    [[nodiscard]] bool good() const { return good_; }
+
+  private:
+    std::filesystem::path folder_;
+    std::map<std::string, int> count_;
+    bool good_ = true;
+};
+
+// Which target reads the listings of a utility, and which of that target's controller types has it.
+struct Utility {
+    std::string_view name;
+    const char* target;
+    int type;
+};
+// clang-format off
+constexpr std::array<Utility, 7> utilities = {{
+    {"MEGACLI",       "mega-reader", 0},
+    {"ARCCONF",       "arc-reader",  1},
+    {"HRCONF",        "hr-reader",   1},
+    {"QTCSEND",       "kx-reader",   0},
+    {"CFGGEN1.02.02", "kx-reader",   1},
+    {"CFGGEN",        "kx-reader",   2},
+    {"HYPERWIN",      "ide-reader",  0},
+}};
+// clang-format on
+
+/// The first byte of a reader's input.
+char readerChoice(bool capture, int type) {
+    return static_cast<char>((capture ? 1 : 0) | type << 4);
+}
+
+/// Keeps the listings of a run, by the utility and the controller that they are about.
+class Listings {
+  public:
+    void add(std::string_view command, const std::string& output) {
+        constexpr std::array<std::string_view, 6> options = {
+            " -LdPdInfo ", " -pdList ", " -adpallinfo ", " GETCONFIG ", " DISPLAY ", " /L "};
+        for (const std::string_view option : options) {
+            const std::size_t at = command.find(option);
+            if (at != std::string_view::npos) {
+                const std::string utility = word(command, 1);
+                const bool numberStandsBefore = option == " DISPLAY ";
+                const std::string number =
+                    option == " /L " ? ""s : word(command, numberStandsBefore ? 2 : 3);
+                std::string& outputs = outputs_[utility + " " + number];
+                outputs += (outputs.empty() ? ""s : "\f"s) + output;
+            }
+        }
+    }
+    void write(bool capture, SeedWriter& seeds) const {
+        for (const auto& [key, outputs] : outputs_) {
+            for (const Utility& utility : utilities) {
+                if (word(key, 0) == utility.name) {
+                    seeds.write(utility.target, readerChoice(capture, utility.type) + outputs);
+                }
+            }
+        }
+    }
+
+  private:
+    static std::string word(std::string_view line, std::size_t index) {
+        const CString token = CString(line).trim().token(" ", index);
+        return std::string(token.view());
+    }
+
+    std::map<std::string, std::string> outputs_;
+};
+
+std::string pciTexts(const PciDevice& device) {
+    const CString ids = formatText("PCI\\VEN_%04X&DEV_%04X&SUBSYS_%04X%04X&REV_%02X&CC_%06X",
+                                   device.vendorId, device.deviceId, device.subsystemId,
+                                   device.subsystemVendorId, device.revision, device.classCode);
+    const CString later = formatText("@pci.sys,#65536;PCI bus %%1, device %%2, function "
+                                     "%%3;(%d,%d,%d)",
+                                     device.bus, device.device, device.function);
+    const CString early = formatText("PCI bus %d, device %d, function %d", device.bus,
+                                     device.device, device.function);
+    const CString folder =
+        formatText("0000:%02x:%02x.%x", device.bus, device.device, device.function);
+    const CString& location = device.bus % 2 == 0 ? later : early;
+    return std::string(ids) + "\0\0\f"s + std::string(location) + "\f" + std::string(folder) +
+           "\f0x0104\n\f";
+}
+
+void runOnSample(unsigned sample, SeedWriter& seeds) {
+    Input noTexts("");
+    VirtualServer server(sample, "", noTexts);
+    MemoryPlatform platform;
+    auto& files = platform.memoryFiles.files;
+    files["policies.ini"] = server.policies();
+    files["contlist.ini"] = server.inventory();
+    platform.devices = server.devices();
+    const auto run = [&](const char* first, const char* second, bool capture) {
+        Listings listings;
+        platform.respond = [&](std::string_view command) {
+            ChildResult result = server.run(command);
+            listings.add(command, result.output);
+            return result;
+        };
+        const std::array arguments = {"zolex", first, second};
+        ZOLEX::run(static_cast<int>(arguments.size()), arguments.data(), platform);
+        listings.write(capture, seeds);
+    };
+    for (const std::string& policies : {server.policies(), ""s}) {
+        run("/c", "/f:captured.ini", true); // before and after its policies are deployed
+        seeds.write("policies-reader", "\5" + files["captured.ini"]);
+        if (!policies.empty()) {
+            seeds.write("policies-reader", "\xC"s + policies);
+            run("/f:policies.ini", "/v:3", false);
+        }
+    }
+    seeds.write("inventory", "\0"s + server.inventory());
+    seeds.write("ini-file", "[Added]\nkey = value\f" + server.inventory());
+    seeds.write("ini-file", "; comment\f" + server.policies());
+    seeds.write("command-line", "/fake\n/c:t,d\n/f:policies.ini\f\f" + server.inventory());
+    seeds.write("hwdetect", "\0"s + server.run("hwdetect.exe /i").output);
+    for (const PciDevice& device : server.devices()) {
+        seeds.write("pci-text", pciTexts(device));
+    }
+    constexpr char modes = 12;
+    for (char mode = 0; mode < modes; ++mode) {
+        const std::string choices = {mode, static_cast<char>(sample), '\0', '\0'};
+        seeds.write("whole-run", choices + "\f\f\f\f");
+    }
+}
+
+void writeByHand(SeedWriter& seeds) {
+    const std::string definition =
+        "[Controller.0]\nType=12\nSubType=1\nC1S0=69376\nC1S1=69376\n[Controller.1]\nType=1\n";
+    seeds.write("inventory", "\1" + definition);
+    seeds.write("whole-run", "\xA\0\0\0\f\f\f"s + definition + "\f");
+    seeds.write("whole-run", "\xB\0\0\0\f\f\f"s + definition + "\f");
+    for (const char* arguments :
+         {"/?", "/f:a b\n/v:9\n/e1\n/e3\n@params\f/e2 \"/t:a b\"\f", "/r:2\n/y\n/v:5\n/p:x\n/o:y",
+          "/c:m,s\n/f:x\n/debug\n/s:1,2\n/step2", "/d\n/r\n/a\n/b\n/error", "/e2"}) {
+        seeds.write("command-line", arguments);
+    }
+    seeds.write("parameter-parser",
+                "\0\3\1/n:\f\f\f\f\3/f:\f-f\f/n:\f\f\30/d\f\f\f/n:\f/n:12\f/f:a\f"s);
+    seeds.write("parameter-parser", "\2\2\3/j:\f\f\f\f\0/y\f\f\f\f/j:\fa\fb\f/y"s);
+}
+
+} // namespace
+} // namespace zolex::fuzz
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: fuzz-seeds FOLDER\n");
+        return 1;
+    }
+    zolex::fuzz::SeedWriter seeds(argv[1]);
+    for (unsigned sample = 0; sample < zolex_sim::samples().size(); ++sample) {
+        zolex::fuzz::runOnSample(sample, seeds);
+    }
+    zolex::fuzz::writeByHand(seeds);
+    return seeds.good() ? 0 : 1;
+}

@@ -1,0 +1,66 @@
+#include "support/ReaderRun.h"
+
+#include "controllers/Application.h"
+#include "controllers/ControllerList.h"
+#include "policies/PolicyText.h"
+#include "readers/DiskInformation.h"
+#include "support/Check.h"
+#include "support/MemoryPlatform.h"
+#include "support/ModelCheck.h"
+
+#include <array>
+#include <memory>
+#include <string>
+
+namespace zolex::fuzz {
+
+namespace {
+
+/// Whatever was read, its policy is a section of short lines.
+void checkPolicyText(std::string_view policy) {
+    constexpr std::size_t longestLine = 255;
+    check(policy.starts_with("[Policy.fuzz]\n") && policy.ends_with("\n"), "shape of a policy");
+    while (!policy.empty()) {
+        const std::size_t end = policy.find('\n');
+        check(end <= longestLine, "a line that a policies file can hold");
+        policy.remove_prefix(end + 1);
+    }
+}
+
+} // namespace
+
+void readListings(std::span<const std::int32_t> types, Input input) {
+    constexpr std::array verbosities = {level::always, level::progress, level::detail,
+                                        level::traces};
+    const unsigned choice = input.choice();
+    MemoryPlatform platform;
+    Application application(platform);
+    application.settings.capture = (choice & 1U) != 0;
+    application.settings.debug = (choice & 2U) != 0;
+    application.printer().setVerbosity(verbosities[(choice >> 2U) & 3U]);
+
+    ControllerList controllers;
+    RAIDController& controller = *controllers.add(std::make_unique<RAIDController>());
+    controller.setType(types[((choice >> 4U) & 3U) % types.size()]);
+    controller.setSubtype(static_cast<std::int32_t>(choice >> 6U));
+    controllers.setControllerScanOrders(application);
+    // One more than there are slots.
+    for (std::size_t i = 0; i <= RAIDController::maxCapturedOutputs; ++i) {
+        if (i == 0 || !input.atEnd()) {
+            controller.addCapturedOutput(
+                std::make_shared<CapturedOutput>(std::string(input.text())));
+        }
+    }
+
+    DiskInformation(application).readDiskInformation(controllers);
+    checkController(controller);
+    controller.dump(application.printer(), true);
+    if (controller.configuration() != nullptr) {
+        CapturedFacts facts;
+        facts.policyName = "Policy.fuzz";
+        facts.explicitSizes = application.catalogue().acceptsExplicitSize(controller.type());
+        checkPolicyText(policyBodyText(facts, "ALL", controller));
+    }
+}
+
+} // namespace zolex::fuzz
