@@ -85,14 +85,16 @@ bool takeUp(HANDLE readEnd, std::string& output) {
 /// between them. True when the process ended within the limit.
 bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
                 std::string& output) {
-    constexpr ULONGLONG longestSlice = 20;
-    const auto most = static_cast<ULONGLONG>(std::max<long long>(limit.count(), 0));
-    const ULONGLONG start = GetTickCount64();
-    ULONGLONG slice = 0;
+    constexpr DWORD longestSlice = 20;
+    // The system's count of milliseconds starts anew after 49 days, which the difference of two
+    // counts does not see. Windows before 6.0 has no longer one.
+    constexpr long long longestLimit = 24LL * 24 * 60 * 60 * 1000;
+    const auto most = static_cast<DWORD>(std::clamp(limit.count(), 0LL, longestLimit));
+    const DWORD start = GetTickCount();
+    DWORD slice = 0;
     for (;;) {
-        const ULONGLONG passed = std::min(GetTickCount64() - start, most);
-        const DWORD result =
-            WaitForSingleObject(process, static_cast<DWORD>(std::min(slice, most - passed)));
+        const DWORD passed = std::min(GetTickCount() - start, most);
+        const DWORD result = WaitForSingleObject(process, std::min(slice, most - passed));
         if (result != WAIT_TIMEOUT) {
             return result == WAIT_OBJECT_0;
         }
