@@ -198,6 +198,7 @@ TEST(ExitCodesTest, TheInventoryFileOfTheServerServesADryRun) {
     ASSERT_TRUE(server.isReady());
     server.write("p.ini", mirrorPolicy);
     const std::string before = server.simulator({"show"}).output;
+    EXPECT_FALSE(before.empty());
     const ProgramRun run = server.zolex({"/fake", "/f:p.ini"});
     EXPECT_EQ(0, run.exitCode) << run.output;
     EXPECT_TRUE(contains(run.output, "FakeRAID Command=fakeraid 2 LSI-MegaRAID-8480\n"));

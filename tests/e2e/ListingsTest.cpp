@@ -20,6 +20,21 @@ std::string serverWith(const std::string& vendor, const std::string& device,
            subsystemVendor + R"(", "subsystemId": ")" + subsystem + R"("}]})";
 }
 
+// The parts of a script that types a file for each option that its second parameter can be.
+#ifdef _WIN32
+constexpr const char* scriptStart = "@echo off\r\n";
+constexpr const char* scriptEnd = "";
+std::string scriptLine(const std::string& option, const std::string& listing) {
+    return (option == "*" ? "" : "if \"%2\"==\"" + option + "\" ") + "type " + listing + "\r\n";
+}
+#else
+constexpr const char* scriptStart = "case \"$2\" in\n";
+constexpr const char* scriptEnd = "esac\n";
+std::string scriptLine(const std::string& option, const std::string& listing) {
+    return option + ") cat " + listing + " ;;\n";
+}
+#endif
+
 class ListingsTest : public testing::Test {
   protected:
     /// Captures a server whose UTIL.BAT types `listing` for the option that its second parameter
@@ -28,13 +43,13 @@ class ListingsTest : public testing::Test {
                                const std::vector<std::pair<std::string, std::string>>& listings) {
         VirtualServer server(definition);
         EXPECT_TRUE(server.isReady());
-        std::string script = "case \"$2\" in\n";
+        std::string script = scriptStart;
         for (const auto& [option, listing] : listings) {
             std::filesystem::copy_file(std::filesystem::path(ZOLEX_TEST_DATA) / listing,
                                        server.folder() / listing);
-            script += option + ") cat " + listing + " ;;\n";
+            script += scriptLine(option, listing);
         }
-        server.write("UTIL.BAT", script + "esac\n");
+        server.write("UTIL.BAT", script + scriptEnd);
         const ProgramRun run = server.zolex({"/c", "/f:captured.ini"});
         EXPECT_EQ(0, run.exitCode) << run.output;
         return withoutComments(server.read("captured.ini"));

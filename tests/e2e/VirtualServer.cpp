@@ -1,19 +1,12 @@
 #include "VirtualServer.h"
 
+#include "Programs.h"
+
 #include <atomic>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <system_error>
-
-#ifdef _WIN32
-#include <process.h>
-#define getpid _getpid
-#else
-#include <sys/wait.h>
-#include <unistd.h>
-#endif
 
 namespace zolex::e2e {
 
@@ -34,42 +27,22 @@ std::string foldLineEnds(const std::string& text) {
     return folded;
 }
 
-std::string quoted(const std::string& text) {
-#ifdef _WIN32
-    return "\"" + text + "\"";
-#else
-    std::string result = "'";
-    for (const char c : text) {
-        result += c == '\'' ? "'\\''" : std::string(1, c);
-    }
-    return result + "'";
-#endif
-}
-
-int exitCodeOf(int status) {
-#ifdef _WIN32
-    return status;
-#else
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-#endif
-}
-
 } // namespace
 
 VirtualServer::VirtualServer(const std::string& definition) {
     static std::atomic<int> number{0};
     folder_ = std::filesystem::temp_directory_path() /
-              ("zolex-e2e-" + std::to_string(getpid()) + "-" + std::to_string(number++));
+              ("zolex-e2e-" + std::to_string(processId()) + "-" + std::to_string(number++));
     std::filesystem::remove_all(folder_);
     std::filesystem::create_directories(folder_);
     environment["ZOLEX_PCI_ROOT"] = (folder_ / "pci").string();
+    environment["ZOLEX_SIM_DIR"] = folder_.string();
     std::vector<std::string> arguments = {"init", "."};
     if (!definition.empty()) {
         write("wanted.json", definition);
         arguments.insert(arguments.end(), {"--definition", "wanted.json"});
     }
-    const ProgramRun run = simulator(arguments);
-    ready_ = run.exitCode == 0;
+    ready_ = simulator(arguments).exitCode == 0;
 }
 
 VirtualServer::~VirtualServer() {
@@ -79,42 +52,36 @@ VirtualServer::~VirtualServer() {
 
 ProgramRun VirtualServer::zolex(const std::vector<std::string>& arguments,
                                 const std::string& input) {
-    return run(ZOLEX_UNPAUSED_PROGRAM, arguments, input);
+    return record(arguments, run(ZOLEX_UNPAUSED_PROGRAM, arguments, input));
 }
 
 ProgramRun VirtualServer::shippedZolex(const std::vector<std::string>& arguments,
                                        const std::string& input) {
-    return run(ZOLEX_PROGRAM, arguments, input);
+    return record(arguments, run(ZOLEX_PROGRAM, arguments, input));
 }
 
 ProgramRun VirtualServer::simulator(const std::vector<std::string>& arguments) {
-    return run(ZOLEX_SIMULATOR_PROGRAM, arguments, {});
+    ProgramRun result = run(ZOLEX_SIMULATOR_PROGRAM, arguments, {});
+    if (result.exitCode == 0 && !arguments.empty() && arguments.front() == "init" &&
+        !plugIn(folder_)) {
+        result.exitCode = -1;
+    }
+    return result;
 }
 
 ProgramRun VirtualServer::run(const std::string& program, const std::vector<std::string>& arguments,
                               const std::string& input) {
-    const auto streams = folder_.string() + "-streams";
+    const std::filesystem::path streams = folder_.string() + "-streams";
     std::filesystem::create_directories(streams);
-    std::ofstream(streams + "/in", std::ios::binary) << input;
-    std::string command = "cd " + quoted(folder_.string()) + " && ";
-    for (const auto& [name, value] : environment) {
-#ifdef _WIN32
-        command += "set " + name + "=" + value + "&& ";
-#else
-        command += name + "=" + quoted(value) + " ";
-#endif
-    }
-    command += quoted(program);
-    for (const std::string& argument : arguments) {
-        command += " " + quoted(argument);
-    }
-    command += " < " + quoted(streams + "/in") + " > " + quoted(streams + "/out") + " 2> " +
-               quoted(streams + "/err");
+    std::ofstream(streams / "in", std::ios::binary) << input;
     ProgramRun result;
-    result.exitCode = exitCodeOf(std::system(command.c_str())); // NOLINT(cert-env33-c)
-    result.output = foldLineEnds(readWhole(streams + "/out"));
-    result.error = foldLineEnds(readWhole(streams + "/err"));
-    std::filesystem::remove_all(streams);
+    result.exitCode = runProgram({program, arguments, folder_, environment, streams / "in",
+                                  streams / "out", streams / "err"});
+    result.output = foldLineEnds(readWhole(streams / "out"));
+    result.error = foldLineEnds(readWhole(streams / "err"));
+    // A child that outlasts its run can still hold them.
+    std::error_code held;
+    std::filesystem::remove_all(streams, held);
     return result;
 }
 

@@ -44,6 +44,8 @@ class VirtualServer {
   private:
     ProgramRun run(const std::string& program, const std::vector<std::string>& arguments,
                    const std::string& input);
+    /// Adds the run to the transcript of the test, when transcripts are kept.
+    ProgramRun record(const std::vector<std::string>& arguments, ProgramRun run) const;
 
     std::filesystem::path folder_;
     bool ready_ = false;

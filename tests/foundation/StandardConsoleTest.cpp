@@ -34,5 +34,37 @@ TEST(StandardConsole, LineEndsOfAnotherKindStay) {
 #endif
 }
 
+TEST(StandardConsole, AReturnAtTheEndOfATextIsNotLost) {
+    testing::internal::CaptureStdout();
+    {
+        StandardConsole console;
+        console.writeOutput("cut here\r");
+        console.writeOutput("\nand here\r");
+        console.writeOutput("x\r");
+    }
+    const std::string shown = testing::internal::GetCapturedStdout();
+#ifdef _WIN32
+    EXPECT_EQ(shown, "cut here\nand here\rx\r");
+#else
+    EXPECT_EQ(shown, "cut here\r\nand here\rx\r");
+#endif
+}
+
+TEST(LineEndFolder, FoldsPairsOverTheCutsOfAText) {
+    // Symptom: a CR LF that the cut of a long line parted was shown as CR CR LF on Windows.
+    const std::string text = "a\r\nb\rc\n\r\r\n\r\n\nd\r";
+    const std::string folded = "a\nb\rc\n\r\n\n\nd\r";
+    for (std::size_t first = 0; first <= text.size(); ++first) {
+        for (std::size_t second = first; second <= text.size(); ++second) {
+            LineEndFolder folder;
+            std::string result = folder.fold(text.substr(0, first));
+            result += folder.fold(text.substr(first, second - first));
+            result += folder.fold(text.substr(second));
+            EXPECT_EQ(result + folder.finish(), folded) << first << " " << second;
+            EXPECT_EQ(folder.finish(), "");
+        }
+    }
+}
+
 } // namespace
 } // namespace zolex

@@ -14,10 +14,10 @@ namespace {
 
 using test::TemporaryDirectory;
 
-class SysfsListing : public ::testing::Test {
+class PosixPciDeviceList : public ::testing::Test {
   protected:
-    SysfsListing() { ::setenv("ZOLEX_PCI_ROOT", directory.path().c_str(), 1); }
-    ~SysfsListing() override { ::unsetenv("ZOLEX_PCI_ROOT"); }
+    PosixPciDeviceList() { ::setenv("ZOLEX_PCI_ROOT", directory.path().c_str(), 1); }
+    ~PosixPciDeviceList() override { ::unsetenv("ZOLEX_PCI_ROOT"); }
 
     void addDevice(const std::string& name, const std::string& vendor, const std::string& device) {
         directory.write(name + "/vendor", vendor + "\n");
@@ -43,7 +43,7 @@ class SysfsListing : public ::testing::Test {
     TemporaryDirectory directory;
 };
 
-TEST_F(SysfsListing, ReadsEveryFile) {
+TEST_F(PosixPciDeviceList, ReadsEveryFile) {
     addDevice("0000:02:0e.1", "0x1000", "0x0060");
     directory.write("0000:02:0e.1/subsystem_vendor", "0x1014\n");
     directory.write("0000:02:0e.1/subsystem_device", "0x0364\n");
@@ -52,7 +52,7 @@ TEST_F(SysfsListing, ReadsEveryFile) {
     EXPECT_EQ(collect(), "1: 2.14.1=1000,60,1014,364,10400,4");
 }
 
-TEST_F(SysfsListing, WhatIsMissingOrNoNumberIsZero) {
+TEST_F(PosixPciDeviceList, WhatIsMissingOrNoNumberIsZero) {
     directory.write("0000:00:01.0/other", "");
     addDevice("0000:00:02.0", "none", "0x12345");
     addDevice("0000:00:03.0", "", "0x0001");
@@ -61,7 +61,7 @@ TEST_F(SysfsListing, WhatIsMissingOrNoNumberIsZero) {
                          "0.4.0=0,0,0,0,0,0");
 }
 
-TEST_F(SysfsListing, IsInOrderAndCountsWhatDropsOut) {
+TEST_F(PosixPciDeviceList, IsInOrderAndCountsWhatDropsOut) {
     addDevice("0001:00:00.0", "0x2", "0x2");
     addDevice("0000:10:00.0", "0x3", "0x3");
     addDevice("0000:0a:1f.7", "0x4", "0x4");
@@ -73,19 +73,19 @@ TEST_F(SysfsListing, IsInOrderAndCountsWhatDropsOut) {
                          "10.31.7=4,4,0,0,0,0 16.0.0=3,3,0,0,0,0");
 }
 
-TEST_F(SysfsListing, OtherNamesAreNoDevices) {
+TEST_F(PosixPciDeviceList, OtherNamesAreNoDevices) {
     addDevice("0000:00:01", "0x1", "0x1");
     addDevice("pci0000:00", "0x1", "0x1");
     directory.write("note.txt", "0x1000");
     EXPECT_EQ(collect(), "0:");
 }
 
-TEST_F(SysfsListing, AMissingDirectoryGivesNoDevices) {
+TEST_F(PosixPciDeviceList, AMissingDirectoryGivesNoDevices) {
     ::setenv("ZOLEX_PCI_ROOT", (directory.path() + "/missing").c_str(), 1);
     EXPECT_EQ(collect(), "0:");
 }
 
-TEST_F(SysfsListing, WithoutAVariableTheSystemsOwnListingIsRead) {
+TEST_F(PosixPciDeviceList, WithoutAVariableTheSystemsOwnListingIsRead) {
     ::setenv("ZOLEX_PCI_ROOT", "/sys/bus/pci/devices", 1);
     const std::string own = collect();
     ::unsetenv("ZOLEX_PCI_ROOT");

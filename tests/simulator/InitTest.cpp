@@ -30,10 +30,8 @@ class Init : public ::testing::Test {
     TemporaryFolder parent_;
 };
 
-TEST_F(Init, LaysOutAFolder) {
-    if (hostTarget() == Target::windows) {
-        GTEST_SKIP() << "no folder of the PCI tree can be made here";
-    }
+#ifndef _WIN32 // names of the PCI tree have a ":", which no file has there
+TEST_F(Init, LaysOutAFolderOnPosix) {
     const Outcome result = init({place()});
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(result.exitCode, 0);
@@ -67,6 +65,7 @@ TEST_F(Init, LaysOutAFolder) {
     EXPECT_EQ(read("pci/0000:06:02.0/class"), "0x020000\n");
     EXPECT_EQ(Runner(place())({"show"}).exitCode, 0);
 }
+#endif
 
 TEST_F(Init, ScriptsOfPosixSystems) {
     const std::vector<ServerFile> files = launchers(Target::posix);

@@ -1,0 +1,180 @@
+// Files with the line ends and names that people give them.
+
+#include "VirtualServer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+namespace zolex::e2e {
+namespace {
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string withCrLf(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        result += c == '\n' ? "\r\n" : std::string(1, c);
+    }
+    return result;
+}
+
+constexpr const char* policies = "; two policies\n"
+                                 "\n"
+                                 "[Policy.other]\n"
+                                 "AppliesTo.1 = t:LSI-SAS-RAID\n"
+                                 "[Policy.mirror]\n"
+                                 "AppliesTo.1 = t:LSI-MegaRAID-8480,m:8837\n"
+                                 "Array_Mode = CUSTOM\n"
+                                 "Array.A = 1,2\n"
+                                 "Logical_Mode = CUSTOM\n"
+                                 "Logical.1 = A:FILL:1:ON";
+
+/// Deploys the policies of `file` on a new server and tells what came of it: the exit code, what
+/// was shown and the server's state.
+std::string deployed(const std::string& text, const std::string& file,
+                     std::vector<std::string> arguments) {
+    VirtualServer server;
+    EXPECT_TRUE(server.isReady());
+    std::filesystem::create_directories((server.folder() / file).parent_path());
+    server.write(file, text);
+    const ProgramRun run = server.zolex(arguments);
+    const ProgramRun state = server.simulator({"show"});
+    EXPECT_EQ(0, state.exitCode) << state.error;
+    EXPECT_TRUE(contains(state.output, "RAID1")) << state.output;
+    return std::to_string(run.exitCode) + "\n" + run.output + run.error + state.output;
+}
+
+TEST(FilesTest, PoliciesWithEitherLineEndAreTheSame) {
+    const std::string plain = deployed(policies, "p.ini", {"/f:p.ini"});
+    EXPECT_TRUE(plain.starts_with("0\n")) << plain;
+    EXPECT_EQ(plain, deployed(withCrLf(policies), "p.ini", {"/f:p.ini"}));
+    EXPECT_EQ(plain, deployed(withCrLf(policies) + "\r\n", "p.ini", {"/f:p.ini"}));
+}
+
+TEST(FilesTest, AnInventoryWithEitherLineEndIsTheSame) {
+    VirtualServer server;
+    ASSERT_TRUE(server.isReady());
+    server.write("p.ini", policies);
+    const std::string inventory = server.read("contlist.ini");
+    server.write("contlist.ini", inventory);
+    const ProgramRun plain = server.zolex({"/fake", "/f:p.ini", "/v:5"});
+    EXPECT_EQ(0, plain.exitCode) << plain.output;
+    server.write("contlist.ini", withCrLf(inventory));
+    const ProgramRun other = server.zolex({"/fake", "/f:p.ini", "/v:5"});
+    EXPECT_EQ(plain.exitCode, other.exitCode);
+    EXPECT_EQ(plain.output, other.output);
+}
+
+TEST(FilesTest, AParameterFileWithEitherLineEndIsTheSame) {
+    VirtualServer server;
+    ASSERT_TRUE(server.isReady());
+    server.write("p.ini", policies);
+    server.write("plain.txt", "/f:p.ini\n/fake\n");
+    server.write("other.txt", "/f:p.ini\r\n/fake\r\n");
+    const ProgramRun plain = server.zolex({"@plain.txt"});
+    EXPECT_EQ(0, plain.exitCode) << plain.output;
+    EXPECT_EQ(plain.output, server.zolex({"@other.txt"}).output);
+}
+
+TEST(FilesTest, BlanksAndFoldersInANameOfPolicies) {
+    for (const char* argument :
+         {"/f:my policies/of one server.ini", "/f:my policies\\of one server.ini"}) {
+        const std::string result = deployed(policies, "my policies/of one server.ini", {argument});
+        EXPECT_TRUE(result.starts_with("0\n")) << result;
+        EXPECT_TRUE(contains(result, std::string(argument + 3))) << result;
+    }
+}
+
+TEST(FilesTest, LettersOutsideAsciiInANameOfPolicies) {
+#ifdef _WIN32
+    const std::string name = "Gr\xF6\xDF"
+                             "e 1.ini"; // the western code page
+#else
+    const std::string name = "Gr\xC3\xB6\xC3\x9F"
+                             "e 1.ini";
+#endif
+    VirtualServer server;
+    ASSERT_TRUE(server.isReady());
+    const std::string path = server.folder().string() + "/" + name;
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    ASSERT_NE(file, nullptr);
+    std::fputs(policies, file);
+    std::fclose(file);
+    const ProgramRun run = server.zolex({"/f:" + name});
+    EXPECT_EQ(0, run.exitCode) << run.output;
+    EXPECT_TRUE(contains(run.output, "Checking policies file syntax: " + name + " ...\n"))
+        << run.output;
+}
+
+TEST(FilesTest, ACaptureWritesLineEndsOfTheSystemAndLeavesNoOtherFile) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    ASSERT_EQ(0, server.zolex({"/c", "/f:my captured policies.ini"}).exitCode);
+    std::FILE* file =
+        std::fopen((server.folder() / "my captured policies.ini").string().c_str(), "rb");
+    ASSERT_NE(file, nullptr);
+    std::string bytes(100'000, '\0');
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+    std::fclose(file);
+#ifdef _WIN32
+    EXPECT_EQ(bytes, withCrLf(server.read("my captured policies.ini")));
+#else
+    EXPECT_FALSE(contains(bytes, "\r"));
+#endif
+    EXPECT_TRUE(contains(bytes, "[Policy.AUTO-"));
+    EXPECT_FALSE(server.exists("ZOLEXM~~.TMP"));
+}
+
+TEST(FilesTest, ACaptureAddsToAFileWithEitherLineEnd) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    server.write("plain.ini", policies + std::string("\n"));
+    server.write("other.ini", withCrLf(policies) + "\r\n");
+    ASSERT_EQ(0, server.zolex({"/c", "/f:plain.ini"}).exitCode);
+    ASSERT_EQ(0, server.zolex({"/c", "/f:other.ini"}).exitCode);
+    // Whichever the lines of the file had, they stay, and the policies read the same.
+    EXPECT_TRUE(server.read("plain.ini").starts_with(policies));
+    EXPECT_EQ(withoutComments(server.read("plain.ini")), withoutComments(server.read("other.ini")));
+    EXPECT_EQ(server.zolex({"/fake", "/f:plain.ini"}).exitCode,
+              server.zolex({"/fake", "/f:other.ini"}).exitCode);
+}
+
+TEST(FilesTest, AFolderInThePlaceOfThePoliciesIsReported) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    std::filesystem::create_directories(server.folder() / "p.ini");
+    const ProgramRun deploy = server.zolex({"/f:p.ini"});
+    EXPECT_EQ(5, deploy.exitCode) << deploy.output;
+    EXPECT_TRUE(contains(deploy.output, "p.ini")) << deploy.output;
+    const ProgramRun capture = server.zolex({"/c", "/f:p.ini"});
+    EXPECT_NE(0, capture.exitCode) << capture.output;
+    EXPECT_TRUE(std::filesystem::is_empty(server.folder() / "p.ini"));
+    EXPECT_FALSE(server.exists("ZOLEXM~~.TMP"));
+}
+
+#ifdef _WIN32
+TEST(FilesTest, AReadOnlyPoliciesFileOfWindowsStaysAsItWas) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    server.write("p.ini", policies + std::string("\n"));
+    const std::string before = server.read("p.ini");
+    std::filesystem::permissions(server.folder() / "p.ini", std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::remove);
+    const ProgramRun run = server.zolex({"/c", "/f:p.ini"});
+    EXPECT_EQ(9, run.exitCode) << run.output;
+    EXPECT_TRUE(contains(run.output, "p.ini")) << run.output;
+    EXPECT_EQ(before, server.read("p.ini"));
+    EXPECT_FALSE(server.exists("ZOLEXM~~.TMP"));
+    EXPECT_EQ(0, server.zolex({"/f:p.ini", "/fake"}).exitCode);
+    std::filesystem::permissions(server.folder() / "p.ini", std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add);
+}
+#endif
+
+} // namespace
+} // namespace zolex::e2e

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+// What starting a program takes on this system.
+
+namespace zolex::e2e {
+
+struct ProgramStart {
+    std::string program; ///< its path
+    std::vector<std::string> arguments;
+    std::filesystem::path folder;                   ///< its current directory
+    std::map<std::string, std::string> environment; ///< variables beside the present ones
+    std::filesystem::path input;                    ///< file that is its standard input
+    std::filesystem::path output;                   ///< file for its standard output
+    std::filesystem::path error;                    ///< file for its standard error
+};
+
+/// Runs the program to its end. Its exit code, 128 and the number of the signal that ended it, or
+/// -1 when it cannot be started.
+int runProgram(const ProgramStart& start);
+
+/// Makes the devices of a laid-out server those of this machine, where that is not a matter of the
+/// environment. False when it cannot be done.
+bool plugIn(const std::filesystem::path& server);
+
+/// The number of this process.
+int processId();
+
+} // namespace zolex::e2e

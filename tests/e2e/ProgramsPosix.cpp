@@ -1,0 +1,49 @@
+#ifndef _WIN32
+
+#include "Programs.h"
+
+#include <cstdlib>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zolex::e2e {
+
+namespace {
+
+std::string quoted(const std::string& text) {
+    std::string result = "'";
+    for (const char c : text) {
+        result += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return result + "'";
+}
+
+} // namespace
+
+int runProgram(const ProgramStart& start) {
+    std::string command = "cd " + quoted(start.folder.string()) + " && ";
+    for (const auto& [name, value] : start.environment) {
+        command += name + "=" + quoted(value) + " ";
+    }
+    command += quoted(start.program);
+    for (const std::string& argument : start.arguments) {
+        command += " " + quoted(argument);
+    }
+    command += " < " + quoted(start.input.string()) + " > " + quoted(start.output.string()) +
+               " 2> " + quoted(start.error.string());
+    const int status = std::system(command.c_str()); // NOLINT(cert-env33-c)
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool plugIn(const std::filesystem::path& server) {
+    return std::filesystem::is_directory(server); // ZOLEX_PCI_ROOT tells its devices, if it has any
+}
+
+int processId() {
+    return ::getpid();
+}
+
+} // namespace zolex::e2e
+
+#endif

@@ -1,0 +1,181 @@
+#ifdef _WIN32
+
+#include "platform/RegistryPciDeviceList.h"
+#include "platform/win32/SystemRegistry.h"
+
+#include "support/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+#include <windows.h>
+
+// The walk over keys of the system's own registry. They stand in a place of their own, under which
+// the registry is shown to the walk.
+
+namespace zolex {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string place = "SOFTWARE\\zolex-tests";
+const std::string pci = place + "\\SYSTEM\\CurrentControlSet\\Enum\\PCI";
+
+/// The keys below a place of the registry, as if it were the whole.
+class PartOfRegistry : public Registry {
+  public:
+    std::unique_ptr<RegistryKey> open(const std::string& path) override {
+        return system_->open(place + "\\" + path);
+    }
+
+  private:
+    std::unique_ptr<Registry> system_ = win32::makeSystemRegistry();
+};
+
+class WindowsRegistry : public ::testing::Test {
+  protected:
+    WindowsRegistry() { RegDeleteTreeA(HKEY_LOCAL_MACHINE, place.c_str()); }
+    ~WindowsRegistry() override { RegDeleteTreeA(HKEY_LOCAL_MACHINE, place.c_str()); }
+
+    static void makeKey(const std::string& path) { setValue(path, {}, 0, {}); }
+
+    /// Makes the key and, with a name, the value.
+    static void setValue(const std::string& path, const std::string& name, DWORD type,
+                         const std::string& data) {
+        HKEY key = nullptr;
+        ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                  nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        if (!name.empty()) {
+            ASSERT_EQ(RegSetValueExA(key, name.c_str(), 0, type,
+                                     reinterpret_cast<const BYTE*>(data.data()),
+                                     static_cast<DWORD>(data.size())),
+                      ERROR_SUCCESS);
+        }
+        RegCloseKey(key);
+    }
+
+    static void setDevice(const std::string& device, const std::string& ids,
+                          const std::string& location) {
+        const std::string key = pci + "\\" + device + "\\4&1a2b3c4d&0&0870";
+        setValue(key, "HardwareID", REG_MULTI_SZ, ids);
+        setValue(key, "LocationInformation", REG_SZ, location + "\0"s);
+    }
+
+    /// "bus:device.function vendor:device" of each record, in order.
+    std::vector<std::string> walk() {
+        RegistryPciDeviceList list(console_, std::make_unique<PartOfRegistry>());
+        list.collect();
+        count_ = list.count();
+        std::vector<std::string> found;
+        for (const PciDevice* d = list.next(); d != nullptr; d = list.next()) {
+            std::string text(64, '\0');
+            text.resize(static_cast<std::size_t>(std::snprintf(
+                text.data(), text.size(), "%u:%u.%u %04x:%04x %04x:%04x %06x %x", unsigned{d->bus},
+                unsigned{d->device}, unsigned{d->function}, unsigned{d->vendorId},
+                unsigned{d->deviceId}, unsigned{d->subsystemVendorId}, unsigned{d->subsystemId},
+                d->classCode, unsigned{d->revision})));
+            found.push_back(text);
+        }
+        return found;
+    }
+
+    test::FakeConsole console_;
+    std::size_t count_ = 0;
+};
+
+TEST_F(WindowsRegistry, AMissingOrEmptyKeyGivesNoDevices) {
+    EXPECT_EQ(walk(), std::vector<std::string>{});
+    makeKey(pci);
+    EXPECT_EQ(walk(), std::vector<std::string>{});
+    EXPECT_EQ(count_, 0U);
+}
+
+TEST_F(WindowsRegistry, TheThreeFormsOfALocation) {
+    setDevice(
+        "VEN_1000&DEV_0060",
+        "PCI\\VEN_1000&DEV_0060&SUBSYS_10061000&REV_04\0PCI\\VEN_1000&DEV_0060&CC_010400\0\0"s,
+        "@System32\\drivers\\pci.sys,#65536;PCI bus %1, device %2, function %3;(2,1,0)");
+    setDevice("VEN_9005&DEV_0285", "PCI\\VEN_9005&DEV_0285&SUBSYS_02999005&REV_01\0\0"s,
+              "PCI bus 3, device 14, function 2");
+    setDevice("VEN_1000&DEV_0411", "PCI\\VEN_1000&DEV_0411\0\0"s,
+              "here, bus 5, device 6, function 7");
+    EXPECT_EQ(walk(), (std::vector<std::string>{"0:14.2 9005:0285 9005:0299 000000 1",
+                                                "2:1.0 1000:0060 1000:1006 010400 4",
+                                                "5:6.7 1000:0411 0000:0000 000000 0"}));
+}
+
+TEST_F(WindowsRegistry, EveryInstanceIsARecordAlsoOfAnAbsentDevice) {
+    const std::string device = pci + "\\VEN_1000&DEV_0411";
+    makeKey(device + "\\3&11583659&0&10"); // no values at all
+    setValue(device + "\\4&2&0&0870", "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0411\0\0"s);
+    makeKey(device + "\\4&2&0&0870\\Device Parameters"); // a level below is not looked at
+    EXPECT_EQ(walk(), (std::vector<std::string>{"0:0.0 0000:0000 0000:0000 000000 0",
+                                                "0:0.0 1000:0411 0000:0000 000000 0"}));
+    EXPECT_EQ(count_, 2U);
+}
+
+TEST_F(WindowsRegistry, RecordsOutOfRangeDropOutButAreCounted) {
+    setDevice("A", "PCI\\VEN_1000&DEV_0001\0\0"s, "x, bus 256, device 0, function 0");
+    setDevice("B", "PCI\\VEN_1000&DEV_0002\0\0"s, "x, bus 255, device 32, function 0");
+    setDevice("C", "PCI\\VEN_1000&DEV_0003\0\0"s, "x, bus 255, device 31, function 8");
+    setDevice("D", "PCI\\VEN_1000&DEV_0004\0\0"s, "x, bus 255, device 31, function 7");
+    EXPECT_EQ(walk(), (std::vector<std::string>{"255:31.7 1000:0004 0000:0000 000000 0"}));
+    EXPECT_EQ(count_, 4U);
+}
+
+TEST_F(WindowsRegistry, LargeValuesBesideDoNotHideTheOnesWanted) {
+    const std::string key = pci + "\\VEN_1000&DEV_0060\\1";
+    // Values of many sizes: each but the largest is shorter than the buffer, and the first pass,
+    // which has none, is told of more data for every one.
+    setValue(key, "Large", REG_BINARY, std::string(100'000, 'x'));
+    setValue(key, "Empty", REG_BINARY, "");
+    setValue(key, std::string(300, 'n'), REG_SZ, "a name longer than that of a key\0"s);
+    setValue(key, "hardwareid2", REG_MULTI_SZ, "PCI\\VEN_2222\0\0"s);
+    setValue(key, "LocationInformation", REG_SZ, "x, bus 1, device 2, function 3\0"s);
+    setValue(key, "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0060\0\0"s);
+    setValue(key, "CompatibleIDs", REG_MULTI_SZ, "PCI\\CC_0104\0\0"s);
+    setValue(key, "DeviceDesc", REG_SZ, "RAID\0"s);
+    EXPECT_EQ(walk(), (std::vector<std::string>{"1:2.3 1000:0060 0000:0000 000000 0"}));
+
+    RegistryPciDeviceList list(console_, std::make_unique<PartOfRegistry>());
+    list.collect();
+    const PciDevice* device = list.next();
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(device->largestValue, 100'000U);
+}
+
+TEST_F(WindowsRegistry, ResultsOfTheSystemAreThoseOfTheSeam) {
+    setValue(pci, "v", REG_SZ, "twelve bytes");
+    const auto registry = win32::makeSystemRegistry();
+    const auto key = registry->open(pci);
+    ASSERT_NE(key, nullptr);
+    std::vector<char> small(3);
+    const RegistryValue more = key->value(0, small);
+    EXPECT_EQ(more.result, registry_result::moreData);
+    EXPECT_GE(more.dataSize, 12U);
+    std::vector<char> enough(64);
+    const RegistryValue whole = key->value(0, enough);
+    EXPECT_EQ(whole.result, registry_result::success);
+    EXPECT_EQ(whole.name, "v");
+    EXPECT_EQ(std::string(enough.data(), 12), "twelve bytes");
+    EXPECT_NE(key->value(1, enough).result, registry_result::success);
+    EXPECT_EQ(key->subkeyName(0), std::nullopt);
+    EXPECT_EQ(registry->open(pci + "\\none"), nullptr);
+}
+
+TEST_F(WindowsRegistry, NamesOfKeysUpToTheirGreatestLength) {
+    const std::string name(255, 'k');
+    makeKey(pci + "\\" + name + "\\" + name);
+    const auto registry = win32::makeSystemRegistry();
+    const auto key = registry->open(pci);
+    ASSERT_NE(key, nullptr);
+    EXPECT_EQ(key->subkeyName(0), name);
+    EXPECT_EQ(walk().size(), 1U);
+}
+
+} // namespace
+} // namespace zolex
+
+#endif
