@@ -309,6 +309,10 @@ TEST(CustomArrays, AMissingDriveIsNamed) {
          "Array.B -- The following drive does not exist:  100"},
         {{arrayOfPositions({{1, 0}, {1, 9}})},
          "Array.A -- The following drive does not exist:  1:9"},
+        // The first that is missing ends the list.
+        {{arrayOfNumbers({1, 9, 10})}, "Array.A -- The following drive does not exist:  9"},
+        {{arrayOfPositions({{1, 9}, {1, 8}})},
+         "Array.A -- The following drive does not exist:  1:9"},
         {{arrayOfPositions({{1, 3}})}, "Array.A -- The following drive does not exist:  1:3"},
         {{arrayOfNumbers({1}), arrayOfPositions({{1, 0}}), arrayOfPositions({{9, 99}})},
          "Array.C -- The following drive does not exist:  9:99"},
@@ -324,7 +328,10 @@ TEST(CustomArrays, AMissingDriveIsNamed) {
                                           "\n\tKestrix-C1 controller.\n\n" + shortageLine);
         EXPECT_EQ(bench.application.returnCode, 13);
         EXPECT_EQ(describe(*controller), "no plan");
-        EXPECT_TRUE(controller->isUsed(1, 0) || row.arrays[0].drives().size() == 1);
+        // What stood in front of it is taken already.
+        const bool namesTheFirst = !row.arrays[0].driveNumbers().empty() ||
+                                   row.arrays[0].drives().front() == DrivePosition{1, 0};
+        EXPECT_EQ(controller->isUsed(1, 0), namesTheFirst);
     }
 }
 

@@ -470,6 +470,30 @@ TEST(ARCReader, ShowsThatThereIsNoOutput) {
     EXPECT_EQ(readListing(arcconf, "").output, "");
 }
 
+TEST(ARCReader, AFailingDeviceBlockFailsTheRead) {
+    class FailingReader : public ARCReader {
+      public:
+        using ARCReader::ARCReader;
+
+      protected:
+        bool addDevice() override { return false; }
+    };
+    FakePlatform platform;
+    Application application(platform);
+    application.settings.capture = true;
+    application.printer().setVerbosity(9);
+    RAIDController controller;
+    controller.setType(controller_type::arcconf7);
+    FailingReader reader(application);
+    EXPECT_FALSE(reader.readConfiguration(
+        controller, std::make_shared<CapturedOutput>(plainListing(logicalDrive(""), disk("0,0")))));
+    EXPECT_EQ(controller.configuration(), nullptr);
+    EXPECT_TRUE(withoutLineTraces(platform.consoleFake.takeOutput())
+                    .ends_with("Entering ARCReader::getDrives\n"
+                               "Entering ARCReader::getDrives, returning false\n"
+                               "Exiting ARCReader::readConfiguration, returning false(2)\n"));
+}
+
 TEST(ARCReader, ReadsOneControllerAfterAnother) {
     FakePlatform platform;
     Application application(platform);

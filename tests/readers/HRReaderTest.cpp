@@ -165,6 +165,7 @@ TEST(HRReader, DriveLists) {
         {"Drive(s) (Channel,Device)    : DDD 0,3 0,4", "A: 1:3 1:4"},
         {"Drive(s) (Channel,Device) DDD: 0,3 0,4", "A: 1:3 1:4"},
         {"Drive(s) (Channel,Device)    : 0,9 DDD 0,3", "A: 1:3"},
+        {"Drive(s) (Channel,Device)    : 0,9DDD 0,3", "A: 1:3"},
         // What is no pair of numbers is no member.
         {"Drive(s) (Channel,Device)    : none 0,2 x,1 1,y 4 , 0,5", "A: 1:2 1:5"},
     };

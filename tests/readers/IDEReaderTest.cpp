@@ -261,5 +261,20 @@ TEST(IDEReader, ReadsOneControllerAfterAnother) {
     EXPECT_EQ(second.numberOfDrives(), 1);
 }
 
+TEST(IDEReader, ReadsAllOutputsOfEachController) {
+    FakePlatform platform;
+    Application application(platform);
+    IDEReader reader(application);
+    for (int i = 0; i < 2; ++i) {
+        RAIDController controller;
+        controller.setType(controller_type::lsiIde);
+        for (int output = 0; output < 3; ++output) {
+            controller.addCapturedOutput(std::make_shared<CapturedOutput>("0000\n"));
+        }
+        EXPECT_TRUE(reader.readConfiguration(controller, controller.capturedOutput(0)));
+        EXPECT_EQ(controller.numberOfDrives(), 3);
+    }
+}
+
 } // namespace
 } // namespace zolex::test

@@ -207,6 +207,7 @@ TEST_F(MEGAReaderConfigurationTest, HeaderValues) {
         {"Size", "Size                : 1.818 TB", "1=A/1906311/1/1/Optimal/GOOD stripe=3 ra=0"},
         {"Size", "Size:67.843 GB", "1=A/69471/1/1/Optimal/GOOD stripe=3 ra=0"},
         {"Size", "Size:0 MB", "1=A/-101/1/1/Optimal/GOOD stripe=3 ra=0"},
+        {"Size", "Size:1MB", "1=A/1/1/1/Optimal/GOOD stripe=3 ra=0"},
         {"Size", "Sector Size: 512", "1=A/-101/1/1/Optimal/GOOD stripe=3 ra=0"},
         {"State", "State               : Degraded", "1=A/69376/1/1/Degraded/BAD stripe=3 ra=0"},
         {"State", "State: Partially Degraded",

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,16 @@ TEST_F(MEGAReaderTest, OnlyTheCoercedSizeCounts) {
     read("", "Enclosure Device ID: 1\nSlot Number: 1\nRaw Size: 5MB\nCoerced Size: 7MB\n"
              "Non Coerced Size: 6MB\nFirmware state: Online\nInquiry Data: A\n");
     EXPECT_EQ(drives(), (Drives{"1:1 7 t1 Online GOOD A"}));
+}
+
+TEST_F(MEGAReaderTest, AnyLineOfABlockCanBeItsFirst) {
+    std::vector<std::string> lines = {"Enclosure Device ID: 5\n", "Slot Number: 3\n",
+                                      "Coerced Size: 7MB\n", "Firmware state: Online\n"};
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        read("", "\nAdapter #0\n\n" + joinLines(lines) + "Inquiry Data: A\n");
+        EXPECT_EQ(drives(), (Drives{"1:3 7 t5 Online GOOD A"})) << lines.front();
+        std::rotate(lines.begin(), lines.begin() + 1, lines.end());
+    }
 }
 
 TEST_F(MEGAReaderTest, FirmwareStates) {
