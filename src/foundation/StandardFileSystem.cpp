@@ -6,7 +6,11 @@
 #include <string>
 #include <utility>
 
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/stat.h>
+#endif
 
 namespace zolex {
 
@@ -109,8 +113,16 @@ bool StandardFileSystem::remove(std::string_view name) {
 
 bool StandardFileSystem::isFile(std::string_view name) {
     const auto own = systemName(name);
+    if (!own) {
+        return false;
+    }
+#ifdef _WIN32
+    const DWORD attributes = GetFileAttributesA(own->c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+#else
     struct stat status = {};
-    return own && ::stat(own->c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    return ::stat(own->c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+#endif
 }
 
 } // namespace zolex

@@ -9,7 +9,9 @@ static ULONGLONG WINAPI tickCount() {
     return GetTickCount();
 }
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's name
 extern ULONGLONG(WINAPI* const __imp_GetTickCount64)();
 ULONGLONG(WINAPI* const __imp_GetTickCount64)() = tickCount;
+// NOLINTEND(bugprone-reserved-identifier)
 
 } // extern "C"

@@ -157,8 +157,7 @@ TEST(FilesTest, AFolderInThePlaceOfThePoliciesIsReported) {
     EXPECT_FALSE(server.exists("ZOLEXM~~.TMP"));
 }
 
-#ifdef _WIN32
-TEST(FilesTest, AReadOnlyPoliciesFileOfWindowsStaysAsItWas) {
+TEST(FilesTest, AReadOnlyPoliciesFileStaysAsItWas) {
     VirtualServer server;
     ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
     server.write("p.ini", policies + std::string("\n"));
@@ -174,7 +173,6 @@ TEST(FilesTest, AReadOnlyPoliciesFileOfWindowsStaysAsItWas) {
     std::filesystem::permissions(server.folder() / "p.ini", std::filesystem::perms::owner_write,
                                  std::filesystem::perm_options::add);
 }
-#endif
 
 } // namespace
 } // namespace zolex::e2e

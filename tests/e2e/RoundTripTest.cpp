@@ -87,7 +87,7 @@ struct Settings {
     int mostDrives = 16;                 ///< in an array
     bool hotspares = true;
     bool sizes = true;   ///< logical drives may be smaller than their arrays
-    unsigned rounds = 1; ///< servers for each level, with hot spares and without
+    unsigned rounds = 1; ///< how often more servers play each level, with hot spares and without
 };
 const Settings megaRaidManySettings{
     {"16", "32", "64", "128"}, {"ADAPTIVE", "ON", "OFF"}, {"ON", "OFF"}, 3, 16, true, true, 4};
@@ -391,18 +391,27 @@ void roundTrip(const Family& family, const Level& level, bool withHotspares, uns
 
 TEST_P(RoundTripTest, CaptureResetDeployCaptureGivesTheSameLayout) {
     const Family& family = families()[GetParam()];
-    unsigned seed = static_cast<unsigned>(GetParam()) * 1000 + 1;
+    unsigned seed = static_cast<unsigned>(GetParam()) * 1000;
     for (const Level& level : family.levels) {
-        for (const bool withHotspares : {false, true}) {
-            SCOPED_TRACE(std::string("RAID ") + level.name + ", seed " + std::to_string(++seed));
+        const bool withHotspares = ++seed % 2 == 0;
+        SCOPED_TRACE(std::string("RAID ") + level.name + ", seed " + std::to_string(seed));
+        roundTrip(family, level, withHotspares, seed);
+    }
+}
+
+#ifndef _WIN32
+TEST_P(RoundTripTest, MoreServersGiveTheSameLayoutOnPosix) {
+    const Family& family = families()[GetParam()];
+    unsigned seed = static_cast<unsigned>(GetParam()) * 1000 + 500;
+    for (const Level& level : family.levels) {
+        for (unsigned round = 0; round < 2 * family.settings.rounds; ++round) {
+            const bool withHotspares = ++seed % 2 == 0;
+            SCOPED_TRACE(std::string("RAID ") + level.name + ", seed " + std::to_string(seed));
             roundTrip(family, level, withHotspares, seed);
-            for (unsigned round = 1; round < family.settings.rounds; ++round) {
-                SCOPED_TRACE(++seed);
-                roundTrip(family, level, withHotspares, seed);
-            }
         }
     }
 }
+#endif
 
 TEST(RoundTripLosses, TheReadmeNamesEachLossOfEachUtility) {
     std::ifstream file(std::string(ZOLEX_TEST_DATA) + "/../../README.md");

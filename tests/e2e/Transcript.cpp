@@ -26,8 +26,8 @@ ProgramRun VirtualServer::record(const std::vector<std::string>& arguments, Prog
     if (folder == nullptr || test == nullptr) {
         return run;
     }
-    const auto path = std::filesystem::path(folder) / (std::string(test->test_suite_name()) + "." +
-                                                       replaced(test->name(), "/", "-") + ".txt");
+    const std::string name = std::string(test->test_suite_name()) + "." + test->name() + ".txt";
+    const auto path = std::filesystem::path(folder) / replaced(name, "/", "-");
     static std::filesystem::path current; // each test of this process begins its own anew
     const auto mode = path == current ? std::ios::app : std::ios::trunc;
     current = path;

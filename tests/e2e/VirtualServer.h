@@ -32,6 +32,10 @@ class VirtualServer {
                             const std::string& input = {});
     /// Runs the virtual server's own program.
     ProgramRun simulator(const std::vector<std::string>& arguments);
+    /// Runs any program in the server's folder.
+    ProgramRun start(const std::string& program, const std::vector<std::string>& arguments) {
+        return run(program, arguments, {});
+    }
 
     /// Variables of the environment for the runs to come.
     std::map<std::string, std::string> environment;

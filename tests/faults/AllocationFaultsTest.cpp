@@ -196,7 +196,7 @@ constexpr std::size_t step = 13;
 constexpr std::size_t step = 1;
 #endif
 
-TEST_P(AllocationFaults, WithoutMemoryForAStringTheProcessEndsWithExitCode1) {
+TEST_P(AllocationFaults, WithoutMemoryForAStringAPosixProcessEndsWithExitCode1) {
     std::size_t ends = 0;
     for (std::size_t n = 1;; n += step) {
         SCOPED_TRACE(std::string(scenario.name) + ", request " + std::to_string(n));

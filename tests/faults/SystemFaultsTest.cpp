@@ -86,13 +86,13 @@ std::vector<std::string> openDescriptors() {
     return open;
 }
 
-class RealFaults : public testing::Test {
+class PosixSystemFaults : public testing::Test {
   protected:
     TemporaryDirectory directory;
     RealFiles platform;
 };
 
-TEST_F(RealFaults, ACaptureOverRealFilesLeavesNothingOpenAndNoTempFile) {
+TEST_F(PosixSystemFaults, ACaptureOverRealFilesLeavesNothingOpenAndNoTempFile) {
     directory.write("p.ini", before);
     const auto descriptors = openDescriptors();
     ASSERT_EQ(0, platform.run({"/c", "/f:p.ini"})) << platform.server.output;
@@ -124,7 +124,7 @@ class SizeLimit {
     void (*signal_)(int);
 };
 
-TEST_F(RealFaults, AFullDiskIsToldWhereverItFillsUp) {
+TEST_F(PosixSystemFaults, AFullDiskIsToldWhereverItFillsUp) {
     directory.write("p.ini", before);
     ASSERT_EQ(0, platform.run({"/c", "/f:p.ini"}));
     const std::string whole = TemporaryDirectory::read("p.ini");
@@ -156,7 +156,7 @@ TEST_F(RealFaults, AFullDiskIsToldWhereverItFillsUp) {
 }
 
 #ifdef __linux__
-TEST_F(RealFaults, ADeviceThatIsAlwaysFullTakesNoPolicies) {
+TEST_F(PosixSystemFaults, ADeviceThatIsAlwaysFullTakesNoPolicies) {
     const auto descriptors = openDescriptors();
     // It reads as an endless file; what matters here is what is appended.
     StandardFileSystem files;
@@ -192,7 +192,7 @@ class WithoutRights {
     uid_t user_;
 };
 
-TEST_F(RealFaults, APoliciesFileThatMayOnlyBeReadStaysAsItIs) {
+TEST_F(PosixSystemFaults, APoliciesFileThatMayOnlyBeReadStaysAsItIs) {
     directory.write("p.ini", before);
     fs::create_directory("temp");
     fs::permissions("temp", fs::perms::all);
@@ -213,7 +213,7 @@ TEST_F(RealFaults, APoliciesFileThatMayOnlyBeReadStaysAsItIs) {
 
 // Symptom: new policies were appended to a file that could be written but not read, under names
 // that it may have held already; no deploy took the file any more.
-TEST_F(RealFaults, APoliciesFileThatMayNotBeReadStaysAsItIs) {
+TEST_F(PosixSystemFaults, APoliciesFileThatMayNotBeReadStaysAsItIs) {
     directory.write("p.ini", before);
     fs::permissions(".", fs::perms::all);
     fs::permissions("p.ini",
@@ -229,7 +229,7 @@ TEST_F(RealFaults, APoliciesFileThatMayNotBeReadStaysAsItIs) {
     EXPECT_EQ(before, TemporaryDirectory::read("p.ini"));
 }
 
-TEST_F(RealFaults, FoldersThatAreMissingAreTold) {
+TEST_F(PosixSystemFaults, FoldersThatAreMissingAreTold) {
     EXPECT_EQ(9, platform.run({"/c", "/f:no/such/p.ini"}));
     EXPECT_TRUE(platform.says("Could not open policies file for writing:  no/such/p.ini\n"));
     EXPECT_EQ(9, platform.run({"/c", "/f:p.ini", "/t:no\\such"}));
@@ -239,7 +239,7 @@ TEST_F(RealFaults, FoldersThatAreMissingAreTold) {
     EXPECT_TRUE(fs::is_empty("."));
 }
 
-TEST_F(RealFaults, AFolderIsNoPoliciesFile) {
+TEST_F(PosixSystemFaults, AFolderIsNoPoliciesFile) {
     fs::create_directory("p.ini");
     EXPECT_EQ(9, platform.run({"/c", "/f:p.ini"}));
     EXPECT_TRUE(platform.says("Could not open policies file for writing:  p.ini\n"));
@@ -247,7 +247,7 @@ TEST_F(RealFaults, AFolderIsNoPoliciesFile) {
 }
 
 // Symptom: when memory ran out in a capture, the temp file stayed behind.
-TEST_F(RealFaults, ShortMemoryOverRealFiles) {
+TEST_F(PosixSystemFaults, ShortMemoryOverRealFiles) {
     const std::vector<const char*> arguments = {"zolex", "/c", "/f:p.ini"};
     const auto descriptors = openDescriptors();
     directory.write("p.ini", before);
@@ -278,7 +278,7 @@ TEST_F(RealFaults, ShortMemoryOverRealFiles) {
 }
 
 // Symptom: a capture that was killed while it appended many policies left a part of them.
-TEST_F(RealFaults, WhatIsAppendedGoesToTheSystemInOnePiece) {
+TEST_F(PosixSystemFaults, WhatIsAppendedGoesToTheSystemInOnePiece) {
     directory.write("p.ini", before);
     StandardFileSystem files;
     const auto file = files.open("p.ini", "a");
@@ -303,9 +303,9 @@ struct ChildFault {
     std::size_t leftOpen; ///< descriptors
 };
 
-class RealChildren : public testing::TestWithParam<posix::Notice> {};
+class PosixChildren : public testing::TestWithParam<posix::Notice> {};
 
-TEST_P(RealChildren, NoFailureLeavesADescriptorButThatOfAChildLeftRunning) {
+TEST_P(PosixChildren, NoFailureLeavesADescriptorButThatOfAChildLeftRunning) {
     using namespace std::chrono_literals;
     const TemporaryDirectory directory;
     directory.write("no-program", "#!/bin/cat\n"); // and no permission
@@ -335,7 +335,7 @@ TEST_P(RealChildren, NoFailureLeavesADescriptorButThatOfAChildLeftRunning) {
     EXPECT_EQ(child, ::waitpid(child, nullptr, 0));
 }
 
-TEST_P(RealChildren, AShortageOfDescriptorsLeavesNoneOpen) {
+TEST_P(PosixChildren, AShortageOfDescriptorsLeavesNoneOpen) {
     const auto descriptors = openDescriptors();
     rlimit usual{};
     ASSERT_EQ(0, ::getrlimit(RLIMIT_NOFILE, &usual));
@@ -354,7 +354,7 @@ TEST_P(RealChildren, AShortageOfDescriptorsLeavesNoneOpen) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Notices, RealChildren,
+INSTANTIATE_TEST_SUITE_P(Notices, PosixChildren,
                          testing::Values(posix::Notice::byDescriptor, posix::Notice::bySlices));
 
 } // namespace

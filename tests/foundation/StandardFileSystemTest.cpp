@@ -111,7 +111,7 @@ TEST_F(StandardFiles, RemovesOnlyWhatIsThere) {
 }
 
 #ifdef __linux__
-TEST_F(StandardFiles, AFullDeviceIsSeen) {
+TEST_F(StandardFiles, AFullDeviceOfPosixIsSeen) {
     const auto file = files.open("/dev/full", "w");
     ASSERT_NE(file, nullptr);
     file->write("x");

@@ -1,0 +1,13 @@
+// Runs the properties. RC_PARAMS says how many cases, and from which seed; without it each run
+// takes the same thousand.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+int main(int argc, char** argv) {
+    constexpr int keepWhatIsGiven = 0;
+    setenv("RC_PARAMS", "seed=20260 max_success=1000", keepWhatIsGiven);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

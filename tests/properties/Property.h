@@ -1,0 +1,68 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
+
+#include <initializer_list>
+#include <iostream>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace zolex::properties {
+
+/// Counts what the cases of a property were like, so that a property that has become empty fails.
+class Tally {
+  public:
+    /// One more case; all cases are counted.
+    void begin() { ++cases_; }
+    /// The case at hand is one of these.
+    void count(const std::string& kind) { ++kinds_[kind]; }
+
+    /// At least `percent` of the cases are of this kind.
+    void expectShare(const std::string& kind, double percent) const {
+        EXPECT_GE(100.0 * kinds(kind), percent * cases_)
+            << kind << ": " << kinds(kind) << " of " << cases_ << " cases";
+    }
+
+    void print(std::ostream& out) const {
+        for (const auto& [kind, number] : kinds_) {
+            out << "  " << kind << ": " << number << " of " << cases_ << "\n";
+        }
+    }
+
+  private:
+    [[nodiscard]] int kinds(const std::string& kind) const {
+        const auto found = kinds_.find(kind);
+        return found == kinds_.end() ? 0 : found->second;
+    }
+
+    int cases_ = 0;
+    std::map<std::string, int> kinds_;
+};
+
+/// Share of the cases, in percent, that a kind must have.
+using Shares = std::initializer_list<std::pair<const char*, double>>;
+
+/// Checks `property`, a function of a Tally, over many cases; then that the cases were of the kinds
+/// that make it worth something. After a failure the shares mean nothing, since the search for a
+/// smaller case counts too.
+template <typename Testable>
+void checkProperty(const Shares& shares, Testable property) {
+    Tally tally;
+    rc::detail::checkGTest([&] {
+        tally.begin();
+        property(tally);
+    });
+    if (testing::Test::HasFailure()) {
+        return;
+    }
+    tally.print(std::cout);
+    for (const auto& [kind, percent] : shares) {
+        tally.expectShare(kind, percent);
+    }
+}
+
+} // namespace zolex::properties
