@@ -2,6 +2,7 @@
 
 #include "Programs.h"
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <iterator>
@@ -52,7 +53,18 @@ VirtualServer::~VirtualServer() {
 
 ProgramRun VirtualServer::zolex(const std::vector<std::string>& arguments,
                                 const std::string& input) {
-    return record(arguments, run(ZOLEX_UNPAUSED_PROGRAM, arguments, input));
+    return record(arguments, run(needsNoPauses(arguments) ? ZOLEX_UNPAUSED_PROGRAM : ZOLEX_PROGRAM,
+                                 arguments, input));
+}
+
+bool VirtualServer::needsNoPauses(const std::vector<std::string>& arguments) const {
+    const auto isGiven = [&arguments](const std::string& name) {
+        return std::any_of(arguments.begin(), arguments.end(),
+                           [&name](const std::string& given) { return given.starts_with(name); });
+    };
+    const bool deploys = !isGiven("/c") && !(isGiven("/r") && arguments.back() == "/y");
+    return deploys || environment.contains("ZOLEX_TEST_CHILD_LIMIT") ||
+           read("server.json").find("\"CFGGEN\"") != std::string::npos;
 }
 
 ProgramRun VirtualServer::shippedZolex(const std::vector<std::string>& arguments,

@@ -25,9 +25,10 @@ class VirtualServer {
 
     /// Whether the folder was laid out.
     [[nodiscard]] bool isReady() const { return ready_; }
-    /// Runs the program, its pauses taking no time, with `input` as standard input.
+    /// Runs the program with `input` as standard input: as it is shipped, or with pauses that take
+    /// no time where it would pause.
     ProgramRun zolex(const std::vector<std::string>& arguments, const std::string& input = {});
-    /// Runs the program as it is shipped.
+    /// Runs the program as it is shipped, with all its pauses.
     ProgramRun shippedZolex(const std::vector<std::string>& arguments,
                             const std::string& input = {});
     /// Runs the virtual server's own program.
@@ -46,6 +47,9 @@ class VirtualServer {
     [[nodiscard]] bool exists(const std::string& name) const;
 
   private:
+    /// Whether the shipped program would pause: before it deploys, and before each command of
+    /// CFGGEN.
+    [[nodiscard]] bool needsNoPauses(const std::vector<std::string>& arguments) const;
     ProgramRun run(const std::string& program, const std::vector<std::string>& arguments,
                    const std::string& input);
     /// Adds the run to the transcript of the test, when transcripts are kept.
