@@ -79,10 +79,10 @@ std::uint16_t low16(std::uint32_t value) {
     return static_cast<std::uint16_t>(value & 0xFFFFU);
 }
 
-/// One number of a location: its value, and which placeholder it was written as (0: a number).
+/// One number of a location: its value, and which placeholder it was written as, if it was.
 struct LocationNumber {
     std::uint16_t value = 0;
-    std::uint16_t placeholder = 0;
+    std::optional<std::uint16_t> placeholder;
     bool read = false;
 
     void take(std::optional<std::string_view> token) {
@@ -96,7 +96,9 @@ struct LocationNumber {
             digits.remove_prefix(1);
         }
         value = pci::leadingDecimal(digits).value_or(0);
-        placeholder = isPlaceholder ? value : std::uint16_t{0};
+        if (isPlaceholder) {
+            placeholder = value;
+        }
         read = true;
     }
 };
@@ -162,7 +164,7 @@ void parseLocation(PciDevice& device) {
             slot.take(tokens.next(" ,"));
         } else if (*token == "function") {
             function.take(tokens.next(locationDelimiters));
-        } else if (token->starts_with('(') && bus.placeholder != 0 && function.read) {
+        } else if (token->starts_with('(') && bus.placeholder && function.read) {
             fillPlaceholders(*token, tokens, numbers);
             break;
         }

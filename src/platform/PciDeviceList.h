@@ -2,6 +2,7 @@
 
 #include "foundation/CString.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -24,8 +25,10 @@ struct PciDevice {
     std::uint16_t function = 0;
     std::uint32_t classCode = 0; ///< for example 0x010400: mass storage, RAID
     std::uint16_t revision = 0;
-    std::string hardwareId;          ///< a multi-string: texts that each end in a NUL
-    std::string locationInformation; ///< raw bytes, as the registry holds them
+    std::array<CString, 3> texts;                ///< no list fills them
+    std::array<std::int32_t, 2> numbers{-1, -1}; ///< no list fills them
+    std::string hardwareId;                      ///< a multi-string: texts that each end in a NUL
+    std::string locationInformation;             ///< raw bytes, as the registry holds them
     std::string deviceDescription;
     std::string compatibleIds;
     std::size_t largestValue = 0; ///< size in bytes of the largest value of the device's key

@@ -191,9 +191,10 @@ ChildState askForEnd(pid_t child, std::uint32_t& exitCode) {
 /// Waits for one child and takes up its output meanwhile.
 class Watch {
   public:
-    Watch(pid_t child, FileDescriptor process, FileDescriptor readEnd, milliseconds limit)
+    Watch(pid_t child, FileDescriptor process, FileDescriptor readEnd, milliseconds limit,
+          std::size_t most)
         : child_(child), process_(std::move(process)), readEnd_(std::move(readEnd)),
-          deadline_(Clock::now() + limit), listening_(readEnd_.isOpen()) {}
+          deadline_(Clock::now() + limit), most_(most), listening_(readEnd_.isOpen()) {}
 
     ChildResult run() {
         ChildResult result;
@@ -228,8 +229,7 @@ class Watch {
             return;
         }
         slice_ = shortestSlice;
-        listening_ =
-            takeUp(output, mostOutput - output.size()).has_value() && output.size() < mostOutput;
+        listening_ = takeUp(output, most_ - output.size()).has_value() && output.size() < most_;
     }
 
     /// Appends up to `most` bytes to `output`; called only when there are some or the pipe has met
@@ -271,6 +271,7 @@ class Watch {
     FileDescriptor process_;
     FileDescriptor readEnd_;
     Clock::time_point deadline_;
+    std::size_t most_;
     bool listening_;
     milliseconds slice_ = shortestSlice;
     std::array<char, 65536> buffer_{};
@@ -278,8 +279,8 @@ class Watch {
 
 } // namespace
 
-ChildResult runChild(std::string_view commandLine, bool capture, milliseconds limit,
-                     Notice notice) {
+ChildResult runChild(std::string_view commandLine, bool capture, milliseconds limit, Notice notice,
+                     std::size_t most) {
     Pipe pipe;
     if (!pipe.open()) {
         return {ChildOutcome::noPipe, 0, {}};
@@ -293,7 +294,8 @@ ChildResult runChild(std::string_view commandLine, bool capture, milliseconds li
     const bool closed = pipe.writeEnd.close();
     FileDescriptor process =
         notice == Notice::byDescriptor ? processDescriptor(*child) : FileDescriptor();
-    ChildResult result = Watch(*child, std::move(process), std::move(pipe.readEnd), limit).run();
+    ChildResult result =
+        Watch(*child, std::move(process), std::move(pipe.readEnd), limit, most).run();
     if (result.outcome == ChildOutcome::ended && !closed) {
         result.outcome = ChildOutcome::notClosed;
     }

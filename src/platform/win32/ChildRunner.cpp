@@ -58,12 +58,11 @@ struct Child {
     }
 };
 
-/// Takes what stands in the pipe now, as long as `output` stays below the most that is taken up;
-/// true when there was something. Whoever still holds the write end is not waited for.
+/// Takes what stands in the pipe now; true when there was something. Whoever still holds the write
+/// end is not waited for.
 bool takeUp(HANDLE readEnd, std::string& output) {
     DWORD waiting = 0;
-    if (output.size() >= mostOutput ||
-        PeekNamedPipe(readEnd, nullptr, 0, nullptr, &waiting, nullptr) == 0) {
+    if (PeekNamedPipe(readEnd, nullptr, 0, nullptr, &waiting, nullptr) == 0) {
         return false;
     }
     bool any = false;
@@ -82,9 +81,10 @@ bool takeUp(HANDLE readEnd, std::string& output) {
 }
 
 /// Waits for the process in slices, which are short while output flows, and takes the output up
-/// between them. True when the process ended within the limit.
+/// between them as long as it stays below `mostTaken`. True when the process ended within the
+/// limit.
 bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
-                std::string& output) {
+                std::size_t mostTaken, std::string& output) {
     constexpr DWORD longestSlice = 20;
     // The system's count of milliseconds starts anew after 49 days, which the difference of two
     // counts does not see. Windows before 6.0 has no longer one.
@@ -101,13 +101,15 @@ bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
         if (passed == most) {
             return false;
         }
-        slice = takeUp(readEnd, output) ? 0 : std::min(slice * 2 + 1, longestSlice);
+        const bool flows = output.size() < mostTaken && takeUp(readEnd, output);
+        slice = flows ? 0 : std::min(slice * 2 + 1, longestSlice);
     }
 }
 
 } // namespace
 
-ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit) {
+ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit,
+                     std::size_t most) {
     Pipe pipe;
     if (!pipe.open()) {
         return {ChildOutcome::noPipe, 0, {}};
@@ -117,9 +119,7 @@ ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::mi
         return {ChildOutcome::notStarted, 0, {}};
     }
     ChildResult result;
-    DWORD exitCode = 0;
-    if (!waitForEnd(child.process.get(), pipe.readEnd.get(), limit, result.output) ||
-        GetExitCodeProcess(child.process.get(), &exitCode) == 0) {
+    if (!waitForEnd(child.process.get(), pipe.readEnd.get(), limit, most, result.output)) {
         // The run is abandoned, not killed: the child goes on, and no handle is closed, so that it
         // can go on writing.
         child.process.release();
@@ -128,7 +128,9 @@ ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::mi
         pipe.writeEnd.release();
         return {ChildOutcome::stillRunning, 0, {}};
     }
-    result.exitCode = exitCode;
+    DWORD exitCode = 0;
+    constexpr std::uint32_t unknown = 0xFFFFFFFF; // no utility ends with it
+    result.exitCode = GetExitCodeProcess(child.process.get(), &exitCode) != 0 ? exitCode : unknown;
     child.process.close();
     child.thread.close();
     result.outcome = pipe.writeEnd.close() ? ChildOutcome::ended : ChildOutcome::notClosed;
