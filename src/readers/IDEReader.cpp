@@ -177,7 +177,6 @@ void IDEReader::finishLayout() {
     if (!layout_.configuration) {
         return;
     }
-    layout_.drive.sizeMb = sizeFill;
     layout_.drive.arrayIndex = 0;
     layout_.configuration->stripeSize = layout_.stripeSize;
     addArray(*layout_.configuration, std::move(layout_.array));

@@ -143,6 +143,20 @@ TEST(ControllerList, PrintsNothingBelowTheTraces) {
     }
 }
 
+TEST(ControllerList, DevicesOutsideTheOrderAreCountedButNotLookedAt) {
+    Machine machine;
+    machine.with(device({0x1000, 0x0056}, 256))
+        .with(device({0x1000, 0x0056}, 3, 1))
+        .with(device({0x1000, 0x0056}, 3, 32));
+    EXPECT_EQ(machine.initialize(), "Entering ControllerList::initialize\n"
+                                    "Total number of PCI devices=3\n"
+                                    "Creating new RAIDController with: 3:1:0:1000:0056:0000:0000\n"
+                                    " Controller Name: LSI-SAS-RAID, Type: 10, Subtype: -1\n" +
+                                        std::string(scanOrders) +
+                                        "Exiting ControllerList::initialize\n");
+    EXPECT_EQ(machine.list.count(), 1U);
+}
+
 TEST(ControllerList, WritesIdsAsFourLargeHexadecimalDigits) {
     Machine machine;
     machine.with(device({0x8086, 0x24DF, 0xABCD, 0x000F}, 255, 31, 0));

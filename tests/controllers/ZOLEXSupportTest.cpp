@@ -51,6 +51,7 @@ TEST_F(HardwareInfo, ReadsTheSecondFieldOfTheLinesWithAKey) {
         {"Serial_Number=A1", "", "A1"}, // an unterminated last line counts
         {"\n\nBIOS=1\nthe Machine_Type is=88 37=9\n", "88 37", ""},
         {"Machine_Type=1\nMachine_Type=2\n", "2", ""}, // later lines overwrite earlier ones
+        {"Serial_Number=A1\nSerial_Number=B2\n", "", "B2"},
         {"Machine_Type=1\nMachine_Type\n", "", ""},
         {"machine_type=1\nSERIAL_NUMBER=2\nMachine Type=3\n", "", ""},
         {"Machine_Type Serial_Number=5\n", "5", "5"},

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -128,6 +130,45 @@ TEST(ExitCodesTest, AFailedCaptureIs8) {
     EXPECT_FALSE(contains(deploy.output, "RC=8"));
 }
 
+TEST(ExitCodesTest, WithoutTheUtilityACaptureIs8) {
+    VirtualServer server(definition(4));
+    ASSERT_TRUE(server.isReady());
+    ASSERT_TRUE(std::filesystem::remove(server.folder() / "UTIL.BAT"));
+    const ProgramRun run = server.zolex({"/c", "/f:c.ini"});
+    EXPECT_EQ(8, run.exitCode);
+    EXPECT_TRUE(
+        run.output.ends_with("Capture Command=UTIL.BAT MEGACLI -LdPdInfo -a0 \n\n"
+                             "Executing:UTIL.BAT MEGACLI -LdPdInfo -a0 \n\n"
+                             "     Error gathering information from controller LSI-MegaRAID-8480.\n"
+                             "\nZOLEX failed with RC=8 \n"))
+        << run.output;
+    EXPECT_EQ("", run.error);
+    EXPECT_FALSE(server.exists("c.ini"));
+}
+
+TEST(ExitCodesTest, WithoutTheHardwareDetectorADeploymentIs5) {
+    VirtualServer server(definition(4));
+    ASSERT_TRUE(server.isReady());
+    ASSERT_TRUE(std::filesystem::remove(server.folder() / "hwdetect.exe"));
+    const std::string start = "Started ZOLEX.\n"
+                              "ZOLEXSupport.gatherHardwareInfo:Execution failed.\n"
+                              "Found 1 supported RAID controllers.\n";
+    server.write("p.ini", mirrorPolicy);
+    const ProgramRun deploy = server.zolex({"/f:p.ini"});
+    EXPECT_EQ(5, deploy.exitCode);
+    EXPECT_TRUE(deploy.output.starts_with(start)) << deploy.output;
+    EXPECT_TRUE(deploy.output.ends_with(
+        "\n#### ERROR\n\tCould not detect the system machine type or serial number.\n\n"
+        "\nZOLEX failed with RC=5 \n"))
+        << deploy.output;
+    EXPECT_EQ("", deploy.error);
+    EXPECT_FALSE(contains(deploy.output, "Deploy Command="));
+    // A capture does without it.
+    const ProgramRun capture = server.zolex({"/c", "/f:c.ini"});
+    EXPECT_EQ(0, capture.exitCode);
+    EXPECT_TRUE(capture.output.starts_with(start)) << capture.output;
+}
+
 TEST(ExitCodesTest, APolicyGeneratorThatFailsIs9) {
     VirtualServer server(definition(4));
     ASSERT_TRUE(server.isReady());
@@ -168,13 +209,18 @@ TEST(ExitCodesTest, ARefusedCommandIs11AndShowsTheReason) {
 }
 
 TEST(ExitCodesTest, AChildThatDoesNotEndIsGivenUpAtTheLimit) {
-    VirtualServer server(definition(4, faults(R"({"match": "-pdList", "delayMs": 4000})")));
+    VirtualServer server(definition(4, faults(R"({"match": "-LdPdInfo", "delayMs": 4000})")));
     ASSERT_TRUE(server.isReady());
     server.environment["ZOLEX_TEST_CHILD_LIMIT"] = "300";
     const ProgramRun run = server.zolex({"/c", "/f:c.ini"});
     EXPECT_EQ(8, run.exitCode);
-    EXPECT_TRUE(contains(run.output, " has failed to execute within the five minute limit.\n"
-                                     "Process cancelled.\n"));
+    EXPECT_TRUE(run.output.ends_with(
+        "Executing:UTIL.BAT MEGACLI -LdPdInfo -a0 \n\n"
+        "\n### Process UTIL.BAT MEGACLI -LdPdInfo -a0 \n has failed to execute within the five "
+        "minute limit.\nProcess cancelled.\n"
+        "     Error gathering information from controller LSI-MegaRAID-8480.\n"
+        "\nZOLEX failed with RC=8 \n"))
+        << run.output;
 }
 
 TEST(ExitCodesTest, AChildThatPrintsFiveMegabytesDoesNotStallTheRun) {

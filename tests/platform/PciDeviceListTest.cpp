@@ -92,6 +92,21 @@ TEST(PciLocation, Rows) {
         {resource + "PCI bus %1, device %2, function %3;(", "1 2 3"},
         {resource + "PCI bus %1, device %2, function %3", "1 2 3"},
         {resource + "PCI bus %1, device %2, function %3;(9,8);(7,6,5)", "9 8 3"},
+        {resource + "PCI bus %1, device %2, function %3;(9,8,7);(6,5,4)", "9 8 7"},
+        // A part that is no number takes its place all the same.
+        {resource + "PCI bus %1, device %2, function %3;(x,1,0)", "1 1 0"},
+        {resource + "PCI bus %1, device %2, function %3;(2,x,0)", "2 2 0"},
+        {resource + "PCI bus %1, device %2, function %3;(2,1,x)", "2 1 3"},
+        // The numbers of a tuple are counted from 1: a placeholder 0 gets none.
+        {"x;PCI bus %0, device %1, function %2;(4,5)", "0 4 5"},
+        {"x;PCI bus %0, device %1, function %2;(4,5,6)", "0 4 5"},
+        {"x;PCI bus %1, device %0, function %2;(4,5,6)", "4 0 5"},
+        {"x;PCI bus %1, device %4, function %2;(4,5,6,7)", "4 4 5"},
+        // Separated by other bytes than commas.
+        {resource + "PCI bus %1, device %2, function %3;(2;1;0)", "2 1 0"},
+        {resource + "PCI bus %1, device %2, function %3;( 2 1 0 )", "2 1 0"},
+        {resource + "PCI bus %1, device %2, function %3;(2 1 0)", "2 1 0"},
+        {resource + "PCI bus %1, device %2, function %3 (2, 1; 0)", "2 1 0"},
         // The tuple counts only after the function.
         {resource + "(4,5,6);PCI bus %1, device %2, function %3", "1 2 3"},
         {resource + "PCI bus %1, device %2;(4,5,6)", "1 2 0"},
@@ -112,6 +127,14 @@ TEST(PciLocation, Rows) {
     for (const auto& row : rows) {
         EXPECT_EQ(location(row.text), row.expected) << row.text;
     }
+}
+
+TEST(PciDeviceRecord, StartsWithoutTextsAndNumbers) {
+    const PciDevice device;
+    for (const CString& text : device.texts) {
+        EXPECT_TRUE(text.isEmpty());
+    }
+    EXPECT_EQ(device.numbers, (std::array{-1, -1}));
 }
 
 PciDevice at(int bus, int device, int function, int id = 0) {

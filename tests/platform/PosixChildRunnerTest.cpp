@@ -35,9 +35,10 @@ std::ptrdiff_t openDescriptors() {
 /// Every test, for both ways in which the end of a child is noticed.
 class PosixChildRunner : public ::testing::TestWithParam<Notice> {
   protected:
-    ChildResult run(const std::string& commandLine, milliseconds limit = std::chrono::minutes(5)) {
+    ChildResult run(const std::string& commandLine, milliseconds limit = std::chrono::minutes(5),
+                    std::size_t most = posix::mostOutput) {
         const auto start = std::chrono::steady_clock::now();
-        ChildResult result = posix::runChild(commandLine, true, limit, GetParam());
+        ChildResult result = posix::runChild(commandLine, true, limit, GetParam(), most);
         taken = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
         return result;
     }
@@ -111,6 +112,27 @@ TEST_P(PosixChildRunner, AChildThatNeverStopsWritingIsGivenUpAtTheLimit) {
     const ChildResult result = run("/bin/sh -c \"echo $$ > pid; exec yes\"", milliseconds(100));
     EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
     EXPECT_LT(taken, milliseconds(3000));
+    const pid_t child = writtenProcess();
+    ASSERT_GT(child, 0);
+    ASSERT_EQ(::kill(child, SIGKILL), 0);
+    EXPECT_EQ(WTERMSIG(statusOf(child)), SIGKILL);
+}
+
+TEST_P(PosixChildRunner, WhatStandsInThePipeAtTheEndIsTakenUpBeyondTheBound) {
+    directory.write("text", std::string(5000, 'x'));
+    const ChildResult result =
+        run("/bin/sh -c \"cat text; exit 5\"", std::chrono::minutes(5), 1000);
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.exitCode, 5U);
+    EXPECT_EQ(result.output, std::string(5000, 'x'));
+}
+
+TEST_P(PosixChildRunner, AChildThatWritesFarBeyondTheBoundStalls) {
+    // Without a bound it has ended in a part of this time, as FiveMegabytesKeepTheirOrder shows.
+    const ChildResult result =
+        run("/bin/sh -c \"echo $$ > pid; exec seq 1 700000\"", milliseconds(200), 1000);
+    EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
+    EXPECT_EQ(result.output, "");
     const pid_t child = writtenProcess();
     ASSERT_GT(child, 0);
     ASSERT_EQ(::kill(child, SIGKILL), 0);
@@ -254,6 +276,25 @@ TEST_P(PosixChildRunner, AChildSeesOnlyItsOwnDescriptors) {
         return count;
     }();
     EXPECT_EQ(std::atoi(result.output.c_str()), 4 + inherited);
+}
+
+TEST_P(PosixChildRunner, AChildHasNoInputThoughThisProcessHasOne) {
+    directory.write("secret", "secret\n");
+    const int saved = ::dup(STDIN_FILENO);
+    const int file = ::open("secret", O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::dup2(file, STDIN_FILENO), STDIN_FILENO);
+    ::close(file);
+    const ChildResult result = run("/bin/sh -c \"cat; echo done\"");
+    char first = 0;
+    EXPECT_EQ(::read(STDIN_FILENO, &first, 1), 1) << "nobody read it";
+    EXPECT_EQ(first, 's');
+    ::close(STDIN_FILENO);
+    if (saved >= 0) {
+        ::dup2(saved, STDIN_FILENO);
+        ::close(saved);
+    }
+    EXPECT_EQ(result.outcome, ChildOutcome::ended);
+    EXPECT_EQ(result.output, "done\n");
 }
 
 TEST_P(PosixChildRunner, WorksWithoutAnInputOfItsOwn) {

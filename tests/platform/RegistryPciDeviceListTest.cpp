@@ -165,6 +165,10 @@ TEST_F(RegistryWalk, KeepsTheRawValuesAndTheLargestSize) {
     EXPECT_EQ(devices[0].deviceDescription, "RAID\0"s);
     EXPECT_EQ(devices[0].compatibleIds, "PCI\\CC_0104\0\0"s);
     EXPECT_EQ(devices[0].largestValue, 300U);
+    for (const CString& text : devices[0].texts) {
+        EXPECT_TRUE(text.isEmpty());
+    }
+    EXPECT_EQ(devices[0].numbers, (std::array{-1, -1}));
     EXPECT_EQ(devices[0].classCode, 0U) << "the class comes from the hardware ids alone";
 }
 

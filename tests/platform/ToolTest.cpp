@@ -105,5 +105,46 @@ TEST_F(ToolTest, APercentSignInTheCommandIsShownAsItIs) {
               "Process cancelled.\n");
 }
 
+// Real children of this system.
+
+#ifdef _WIN32
+constexpr const char* textAndExitWith3 = "cmd /c \"echo text& exit 3\"";
+constexpr const char* text = "text\r\n";
+#else
+constexpr const char* textAndExitWith3 = "/bin/sh -c \"echo text; exit 3\"";
+constexpr const char* text = "text\n";
+#endif
+
+TEST(ToolOfTheSystem, AnExitCodeIsNoFailure) {
+    const auto platform = makeSystemPlatform();
+    test::FakeConsole console;
+    Printer printer(console);
+    Tool tool(*platform, printer);
+    tool.setCommand(textAndExitWith3);
+    EXPECT_TRUE(tool.run(true));
+    EXPECT_EQ(tool.exitCode(), 3U);
+    ASSERT_NE(tool.output(), nullptr);
+    EXPECT_EQ(tool.output()->nextPiece(capturedLineLimit), text);
+    EXPECT_EQ(tool.output()->nextPiece(capturedLineLimit), "");
+    EXPECT_EQ(console.output + console.error, "");
+}
+
+TEST(ToolOfTheSystem, WhatDoesNotExistFailsWithoutAMessage) {
+    const auto platform = makeSystemPlatform();
+    test::FakeConsole console;
+    Printer printer(console);
+    Tool tool(*platform, printer);
+    tool.setCommand(textAndExitWith3);
+    ASSERT_TRUE(tool.run(true));
+    tool.setCommand("zolex-no-such-program.exe /i");
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(tool.run(true));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(tool.output(), nullptr) << "what the earlier run gave is gone";
+    EXPECT_EQ(console.output + console.error, "");
+}
+
 } // namespace
 } // namespace zolex

@@ -4,6 +4,7 @@
 #include "platform/win32/SystemRegistry.h"
 
 #include "support/FakePlatform.h"
+#include "support/OpenHandles.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,19 @@ using namespace std::string_literals;
 const std::string place = "SOFTWARE\\zolex-tests";
 const std::string pci = place + "\\SYSTEM\\CurrentControlSet\\Enum\\PCI";
 
+/// Makes the key and sets a value of it; the empty name is that of the default value.
+void putValue(const std::string& path, const std::string& name, DWORD type,
+              const std::string& data) {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                              nullptr, &key, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(RegSetValueExA(key, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(data.data()),
+                             static_cast<DWORD>(data.size())),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+}
+
 /// The keys below a place of the registry, as if it were the whole.
 class PartOfRegistry : public Registry {
   public:
@@ -33,34 +47,64 @@ class PartOfRegistry : public Registry {
     std::unique_ptr<Registry> system_ = win32::makeSystemRegistry();
 };
 
+/// A key whose value "Growing" becomes larger when its values have been looked at once.
+class GrowingKey : public RegistryKey {
+  public:
+    GrowingKey(std::unique_ptr<RegistryKey> key, std::string path, int& moreData)
+        : key_(std::move(key)), path_(std::move(path)), moreData_(moreData) {}
+
+    std::optional<std::string> subkeyName(std::uint32_t index) override {
+        return key_->subkeyName(index);
+    }
+
+    RegistryValue value(std::uint32_t index, std::span<char> data) override {
+        RegistryValue value = key_->value(index, data);
+        moreData_ += value.result == ERROR_MORE_DATA ? 1 : 0;
+        if (value.result == ERROR_NO_MORE_ITEMS && data.empty()) {
+            EXPECT_EQ(moreData_, 0);
+            putValue(place + "\\" + path_, "Growing", REG_BINARY, std::string(5000, 'g'));
+        }
+        return value;
+    }
+
+  private:
+    std::unique_ptr<RegistryKey> key_;
+    std::string path_;
+    int& moreData_;
+};
+
+class GrowingRegistry : public Registry {
+  public:
+    explicit GrowingRegistry(int& moreData) : moreData_(moreData) {}
+
+    std::unique_ptr<RegistryKey> open(const std::string& path) override {
+        auto key = part_.open(path);
+        return key ? std::make_unique<GrowingKey>(std::move(key), path, moreData_) : nullptr;
+    }
+
+  private:
+    PartOfRegistry part_;
+    int& moreData_;
+};
+
 class WindowsRegistry : public ::testing::Test {
   protected:
     WindowsRegistry() { RegDeleteTreeA(HKEY_LOCAL_MACHINE, place.c_str()); }
     ~WindowsRegistry() override { RegDeleteTreeA(HKEY_LOCAL_MACHINE, place.c_str()); }
 
-    static void makeKey(const std::string& path) { setValue(path, {}, 0, {}); }
-
-    /// Makes the key and, with a name, the value.
-    static void setValue(const std::string& path, const std::string& name, DWORD type,
-                         const std::string& data) {
+    static void makeKey(const std::string& path) {
         HKEY key = nullptr;
         ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
                                   nullptr, &key, nullptr),
                   ERROR_SUCCESS);
-        if (!name.empty()) {
-            ASSERT_EQ(RegSetValueExA(key, name.c_str(), 0, type,
-                                     reinterpret_cast<const BYTE*>(data.data()),
-                                     static_cast<DWORD>(data.size())),
-                      ERROR_SUCCESS);
-        }
         RegCloseKey(key);
     }
 
     static void setDevice(const std::string& device, const std::string& ids,
                           const std::string& location) {
         const std::string key = pci + "\\" + device + "\\4&1a2b3c4d&0&0870";
-        setValue(key, "HardwareID", REG_MULTI_SZ, ids);
-        setValue(key, "LocationInformation", REG_SZ, location + "\0"s);
+        putValue(key, "HardwareID", REG_MULTI_SZ, ids);
+        putValue(key, "LocationInformation", REG_SZ, location + "\0"s);
     }
 
     /// "bus:device.function vendor:device" of each record, in order.
@@ -109,7 +153,7 @@ TEST_F(WindowsRegistry, TheThreeFormsOfALocation) {
 TEST_F(WindowsRegistry, EveryInstanceIsARecordAlsoOfAnAbsentDevice) {
     const std::string device = pci + "\\VEN_1000&DEV_0411";
     makeKey(device + "\\3&11583659&0&10"); // no values at all
-    setValue(device + "\\4&2&0&0870", "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0411\0\0"s);
+    putValue(device + "\\4&2&0&0870", "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0411\0\0"s);
     makeKey(device + "\\4&2&0&0870\\Device Parameters"); // a level below is not looked at
     EXPECT_EQ(walk(), (std::vector<std::string>{"0:0.0 0000:0000 0000:0000 000000 0",
                                                 "0:0.0 1000:0411 0000:0000 000000 0"}));
@@ -127,16 +171,16 @@ TEST_F(WindowsRegistry, RecordsOutOfRangeDropOutButAreCounted) {
 
 TEST_F(WindowsRegistry, LargeValuesBesideDoNotHideTheOnesWanted) {
     const std::string key = pci + "\\VEN_1000&DEV_0060\\1";
-    // Values of many sizes: each but the largest is shorter than the buffer, and the first pass,
-    // which has none, is told of more data for every one.
-    setValue(key, "Large", REG_BINARY, std::string(100'000, 'x'));
-    setValue(key, "Empty", REG_BINARY, "");
-    setValue(key, std::string(300, 'n'), REG_SZ, "a name longer than that of a key\0"s);
-    setValue(key, "hardwareid2", REG_MULTI_SZ, "PCI\\VEN_2222\0\0"s);
-    setValue(key, "LocationInformation", REG_SZ, "x, bus 1, device 2, function 3\0"s);
-    setValue(key, "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0060\0\0"s);
-    setValue(key, "CompatibleIDs", REG_MULTI_SZ, "PCI\\CC_0104\0\0"s);
-    setValue(key, "DeviceDesc", REG_SZ, "RAID\0"s);
+    // Values of many sizes: each but the largest is shorter than the buffer. The first pass, which
+    // has none, is told the size of every one.
+    putValue(key, "Large", REG_BINARY, std::string(100'000, 'x'));
+    putValue(key, "Empty", REG_BINARY, "");
+    putValue(key, std::string(300, 'n'), REG_SZ, "a name longer than that of a key\0"s);
+    putValue(key, "hardwareid2", REG_MULTI_SZ, "PCI\\VEN_2222\0\0"s);
+    putValue(key, "LocationInformation", REG_SZ, "x, bus 1, device 2, function 3\0"s);
+    putValue(key, "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0060\0\0"s);
+    putValue(key, "CompatibleIDs", REG_MULTI_SZ, "PCI\\CC_0104\0\0"s);
+    putValue(key, "DeviceDesc", REG_SZ, "RAID\0"s);
     EXPECT_EQ(walk(), (std::vector<std::string>{"1:2.3 1000:0060 0000:0000 000000 0"}));
 
     RegistryPciDeviceList list(console_, std::make_unique<PartOfRegistry>());
@@ -146,8 +190,78 @@ TEST_F(WindowsRegistry, LargeValuesBesideDoNotHideTheOnesWanted) {
     EXPECT_EQ(device->largestValue, 100'000U);
 }
 
+TEST_F(WindowsRegistry, AValueThatOutgrowsTheBufferDoesNotEndTheWalk) {
+    const std::string key = pci + "\\VEN_1000&DEV_0060\\1";
+    putValue(key, "Growing", REG_BINARY, std::string(10, 'g'));
+    putValue(key, "HardwareID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0060\0\0"s);
+    putValue(key, "Large", REG_BINARY, std::string(300, 'x'));
+    putValue(key, "LocationInformation", REG_SZ, "x, bus 1, device 2, function 3\0"s);
+    int moreData = 0;
+    RegistryPciDeviceList list(console_, std::make_unique<GrowingRegistry>(moreData));
+    list.collect();
+    EXPECT_EQ(moreData, 1);
+    const PciDevice* device = list.next();
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(device->vendorId, 0x1000);
+    EXPECT_EQ(device->deviceId, 0x0060);
+    EXPECT_EQ(device->bus, 1);
+    EXPECT_EQ(device->device, 2);
+    EXPECT_EQ(device->function, 3);
+    EXPECT_EQ(device->largestValue, 300U);
+    EXPECT_EQ(list.next(), nullptr);
+}
+
+TEST_F(WindowsRegistry, RawValuesAreKeptByteForByte) {
+    const std::string key = pci + "\\VEN_1000&DEV_0060\\1";
+    const std::string ids = "PCI\\VEN_1000&DEV_0060&REV_04\0PCI\\VEN_1000&DEV_0060\0\0"s;
+    const std::string location = "x, bus 1, device 2, function 3\0"s;
+    const std::string compatible = "PCI\\CC_010400\0PCI\\CC_0104\0\0"s;
+    putValue(key, "", REG_SZ, "the default value\0"s);
+    putValue(key, "HardwareID", REG_MULTI_SZ, ids);
+    putValue(key, "LocationInformation", REG_SZ, location);
+    putValue(key, "DeviceDesc", REG_SZ, "RAID\0"s);
+    putValue(key, "CompatibleIDs", REG_MULTI_SZ, compatible);
+    RegistryPciDeviceList list(console_, std::make_unique<PartOfRegistry>());
+    list.collect();
+    const PciDevice* device = list.next();
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(device->hardwareId, ids);
+    EXPECT_EQ(device->locationInformation, location);
+    EXPECT_EQ(device->deviceDescription, "RAID\0"s);
+    EXPECT_EQ(device->compatibleIds, compatible);
+    EXPECT_EQ(device->revision, 4);
+    EXPECT_EQ(device->bus, 1);
+}
+
+TEST_F(WindowsRegistry, NamesOfValuesAreTakenWithExactCase) {
+    const std::string key = pci + "\\VEN_1000&DEV_0060\\1";
+    putValue(key, "HARDWAREID", REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0060\0\0"s);
+    EXPECT_EQ(walk(), (std::vector<std::string>{"0:0.0 0000:0000 0000:0000 000000 0"}));
+}
+
+TEST_F(WindowsRegistry, AWalkClosesEveryKey) {
+    for (const char* name : {"A", "B", "C"}) {
+        for (const char* instance : {"1", "2"}) {
+            putValue(pci + "\\" + name + "\\" + instance, "HardwareID", REG_MULTI_SZ,
+                     "PCI\\VEN_1000&DEV_0060\0\0"s);
+        }
+    }
+    RegistryPciDeviceList list(console_, std::make_unique<PartOfRegistry>());
+    list.collect(); // whatever a first walk makes the system open
+    const int before = test::openHandles();
+    for (int i = 0; i < 5; ++i) {
+        list.collect();
+        EXPECT_EQ(list.count(), 6U);
+    }
+    EXPECT_EQ(test::openHandles(), before);
+    // A key that stays open would be counted.
+    const auto key = win32::makeSystemRegistry()->open(pci);
+    ASSERT_NE(key, nullptr);
+    EXPECT_EQ(test::openHandles(), before + 1);
+}
+
 TEST_F(WindowsRegistry, ResultsOfTheSystemAreThoseOfTheSeam) {
-    setValue(pci, "v", REG_SZ, "twelve bytes");
+    putValue(pci, "v", REG_SZ, "twelve bytes");
     const auto registry = win32::makeSystemRegistry();
     const auto key = registry->open(pci);
     ASSERT_NE(key, nullptr);
@@ -184,7 +298,7 @@ TEST_F(WindowsRegistry, NamesOfKeysUpToTheirGreatestLength) {
 
 TEST_F(WindowsRegistry, DevicesWithLongNamesAreWalked) {
     // The path of the whole key stays below 260 characters, the most that an emulator takes.
-    setValue(pci + "\\" + std::string(100, 'd') + "\\" + std::string(100, 'i'), "HardwareID",
+    putValue(pci + "\\" + std::string(100, 'd') + "\\" + std::string(100, 'i'), "HardwareID",
              REG_MULTI_SZ, "PCI\\VEN_1000&DEV_0060\0\0"s);
     EXPECT_EQ(walk(), (std::vector<std::string>{"0:0.0 1000:0060 0000:0000 000000 0"}));
 }

@@ -58,31 +58,32 @@ struct Child {
     }
 };
 
-/// Takes what stands in the pipe now; true when there was something. Whoever still holds the write
-/// end is not waited for.
-bool takeUp(HANDLE readEnd, std::string& output) {
+/// Takes what stands in the pipe now, at most `most` bytes; true when there was something. Whoever
+/// still holds the write end is not waited for. The bytes of a write that has not returned yet
+/// stand in the pipe too, however many they are.
+bool takeUp(HANDLE readEnd, std::size_t most, std::string& output) {
     DWORD waiting = 0;
     if (PeekNamedPipe(readEnd, nullptr, 0, nullptr, &waiting, nullptr) == 0) {
         return false;
     }
+    std::size_t left = std::min<std::size_t>(waiting, most);
     bool any = false;
     std::array<char, 16384> buffer{};
-    while (waiting > 0) {
+    while (left > 0) {
         DWORD taken = 0;
-        const DWORD most = std::min(waiting, static_cast<DWORD>(buffer.size()));
-        if (ReadFile(readEnd, buffer.data(), most, &taken, nullptr) == 0 || taken == 0) {
+        const auto wanted = static_cast<DWORD>(std::min(left, buffer.size()));
+        if (ReadFile(readEnd, buffer.data(), wanted, &taken, nullptr) == 0 || taken == 0) {
             break;
         }
         output.append(buffer.data(), taken);
-        waiting -= taken;
+        left -= taken;
         any = true;
     }
     return any;
 }
 
 /// Waits for the process in slices, which are short while output flows, and takes the output up
-/// between them as long as it stays below `mostTaken`. True when the process ended within the
-/// limit.
+/// between them, at most `mostTaken` bytes. True when the process ended within the limit.
 bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
                 std::size_t mostTaken, std::string& output) {
     constexpr DWORD longestSlice = 20;
@@ -101,7 +102,7 @@ bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
         if (passed == most) {
             return false;
         }
-        const bool flows = output.size() < mostTaken && takeUp(readEnd, output);
+        const bool flows = takeUp(readEnd, mostTaken - output.size(), output);
         slice = flows ? 0 : std::min(slice * 2 + 1, longestSlice);
     }
 }
@@ -134,7 +135,7 @@ ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::mi
     child.process.close();
     child.thread.close();
     result.outcome = pipe.writeEnd.close() ? ChildOutcome::ended : ChildOutcome::notClosed;
-    takeUp(pipe.readEnd.get(), result.output);
+    takeUp(pipe.readEnd.get(), result.output.max_size(), result.output);
     return result;
 }
 

@@ -1,0 +1,60 @@
+#ifdef _WIN32
+
+// The devices that a registry file written by hand describes.
+
+#include "Programs.h"
+#include "VirtualServer.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace zolex::e2e {
+namespace {
+
+constexpr const char* noController =
+    R"({"machineType": "8837", "serialNumber": "1", "controllers": []})";
+
+/// The key of one instance, with what stands in it.
+std::string instance(const std::string& name, const std::string& values) {
+    return "[HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\VEN_1000&DEV_0411\\" + name +
+           "]\r\n" + values + "\r\n";
+}
+
+std::string controllerAt(const std::string& location) {
+    std::string ids;
+    for (const char c : std::string("PCI\\VEN_1000&DEV_0411&SUBSYS_10021000&REV_07")) {
+        constexpr const char* digits = "0123456789abcdef";
+        const auto byte = static_cast<unsigned char>(c);
+        ids += {digits[byte / 16], digits[byte % 16], ','};
+    }
+    return "\"HardwareID\"=hex(7):" + ids + "00,00\r\n\"LocationInformation\"=\"" + location +
+           "\"\r\n";
+}
+
+TEST(WindowsRegistryTest, TheFormsOfALocationAreFoundInTheRegistry) {
+    VirtualServer server(noController);
+    ASSERT_TRUE(server.isReady());
+    server.write("pci.reg", "REGEDIT4\r\n\r\n" +
+                                instance("1", controllerAt("x, bus 5, device 6, function 7")) +
+                                instance("2", "") +
+                                instance("3", controllerAt("PCI bus 2, device 1, function 0")) +
+                                instance("4", controllerAt("x, bus 256, device 0, function 0")));
+    ASSERT_TRUE(plugIn(server.folder()));
+    const ProgramRun run = server.zolex({"/c", "/f:c.ini", "/v:9"});
+    EXPECT_EQ((std::vector<std::string>{"4"}),
+              linesAfter(run.output, "Total number of PCI devices="));
+    EXPECT_EQ((std::vector<std::string>{"0:1:0:1000:0411:1000:1002", "5:6:7:1000:0411:1000:1002"}),
+              linesAfter(run.output, "Creating new RAIDController with: "));
+    EXPECT_NE(run.output.find("Found 2 supported RAID controllers.\n"
+                              "\tController 1:  LSI-MegaRAID-8480\n"
+                              "\tController 2:  LSI-MegaRAID-8480\n"),
+              std::string::npos)
+        << run.output;
+}
+
+} // namespace
+} // namespace zolex::e2e
+
+#endif
