@@ -146,12 +146,10 @@ bool ARCReader::readConfiguration(RAIDController& controller,
     skipBlock();
     getFirmware();
     if (configuration() != nullptr && !getLogicalDrives()) {
-        dropConfiguration();
         printer().trace("Exiting ARCReader::readConfiguration, returning false(1)\n");
         return false;
     }
     if (!getDrives()) {
-        dropConfiguration();
         printer().trace("Exiting ARCReader::readConfiguration, returning false(2)\n");
         return false;
     }

@@ -125,12 +125,10 @@ bool HRReader::readConfiguration(RAIDController& controller,
     printer().trace("Entering HRReader::readConfiguration\n");
     beginLines(controller, std::move(output));
     if (configuration() != nullptr && !getArraysAndLogicalDrive()) {
-        dropConfiguration();
         printer().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
         return false;
     }
     if (!getDrives()) {
-        dropConfiguration();
         printer().trace("Exiting HRReader::readConfiguration, returning false(2)\n");
         return false;
     }

@@ -106,7 +106,6 @@ bool KXReader::readConfiguration(RAIDController& controller,
         return true;
     }
     if (const Exit exit = readBlocks(); exit != success) {
-        dropConfiguration();
         printer().tracef("Exiting KXReader::readConfiguration, returning false(%d)\n", exit);
         return false;
     }
@@ -116,7 +115,6 @@ bool KXReader::readConfiguration(RAIDController& controller,
         return true;
     }
     if (!getDrives()) {
-        dropConfiguration();
         printer().trace("Exiting KXReader::readConfiguration, returning false(8)\n");
         return false;
     }

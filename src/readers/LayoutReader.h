@@ -28,8 +28,8 @@ class LayoutReader : public ConfigurationReader {
     void beginListing(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
     /// Null when configurations are not captured. What follows needs one, but for keeping.
     [[nodiscard]] RAIDConfiguration* configuration() const { return configuration_.get(); }
-    void dropConfiguration() { configuration_.reset(); }
-    /// Hands the configuration, if there is one, over to the controller when it holds an array.
+    /// Hands the configuration, if there is one, over to the controller when it holds an array. One
+    /// that is not handed over is forgotten.
     void keepConfiguration();
 
     /// The logical drive that is being read. It counts only between begin and finish.
