@@ -2,6 +2,7 @@
 #include "support/ModeRun.h"
 
 #include "commands/CommandSource.h"
+#include "foundation/Console.h"
 #include "policies/PolicyGenerator.h"
 #include "policies/PolicyReader.h"
 #include "readers/DiskInformation.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -445,6 +447,21 @@ TEST_F(MainTest, AtLevelZeroOnlyErrorsAndUngatedLinesAreShown) {
 TEST_F(MainTest, MainEndsTheProcessWithTheExitCode) {
     const char* arguments[] = {"zolex", "/zzz"};
     EXPECT_EXIT(ZOLEX::main(2, arguments, platform), testing::ExitedWithCode(4), "");
+}
+
+TEST_F(MainTest, MainEndsTheProcessWithExitCode10WhenMemoryRunsOut) {
+    /// The system's streams, so that the message is seen.
+    class Streaming : public test::FakePlatform {
+      public:
+        Console& console() override { return streams_; }
+
+      private:
+        StandardConsole streams_;
+    } streaming;
+    streaming.respond = [](const std::string&) -> ChildResult { throw std::bad_alloc(); };
+    const char* arguments[] = {"zolex", "/d"};
+    EXPECT_EXIT(ZOLEX::main(2, arguments, streaming), testing::ExitedWithCode(10),
+                "Not enough memory is available");
 }
 #endif
 

@@ -103,6 +103,15 @@ TEST_F(StandardFiles, ABackslashLeadsIntoAFolder) {
     EXPECT_EQ(contentOf("folder/deep/inside.txt"), "(not opened)");
 }
 
+TEST_F(StandardFiles, AFolderAndAnImpossibleNameAreNoFiles) {
+    directory.write("folder/a.txt", "x");
+    EXPECT_TRUE(files.isFile("folder/a.txt"));
+    EXPECT_TRUE(files.isFile("folder\\a.txt"));
+    EXPECT_FALSE(files.isFile("folder"));
+    EXPECT_FALSE(files.isFile("missing.txt"));
+    EXPECT_FALSE(files.isFile(std::string_view("folder/a.txt\0", 13)));
+}
+
 TEST_F(StandardFiles, RemovesOnlyWhatIsThere) {
     directory.write("a.txt", "x");
     EXPECT_TRUE(files.remove("a.txt"));

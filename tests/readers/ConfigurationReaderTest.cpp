@@ -108,6 +108,7 @@ TEST_F(ConfigurationReaderTest, TheEndIsEofForEver) {
 
 TEST_F(ConfigurationReaderTest, ARealEofLineEndsTheOutput) {
     EXPECT_EQ(linesOf("one\nEOF\ntwo\n"), Lines{"one"});
+    EXPECT_EQ(reader.nextLine(), "EOF"); // and what follows it stays unread
     EXPECT_EQ(linesOf("one\nEOF \ntwo\n"), (Lines{"one", "EOF ", "two"}));
 }
 
