@@ -105,6 +105,16 @@ bool ConfigurationReader::checkPosition(std::int32_t channel, std::int32_t id) {
     return false;
 }
 
+bool ConfigurationReader::checkSize(std::int32_t channel, std::int32_t id, std::int32_t sizeMb) {
+    if (sizeMb >= RAIDController::noDrive) {
+        return true;
+    }
+    application_.printer().errorBlockf(
+        "Drive size out of range for controller %s:  channel=%d, id=%d, size=%d MB\n",
+        modelName().c_str(), channel, id, sizeMb);
+    return false;
+}
+
 bool ConfigurationReader::isFirst(Limit limit) {
     const auto bit = static_cast<unsigned>(limit);
     const bool first = (reportedLimits_ & bit) == 0;

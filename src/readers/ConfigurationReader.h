@@ -54,6 +54,9 @@ class ConfigurationReader {
     bool addMemberNumber(RaidArray& array, std::int32_t driveNumber);
     /// Whether the position is one that drives can have; if not it is named in an error block.
     bool checkPosition(std::int32_t channel, std::int32_t id);
+    /// Whether the size, in MB, is one that a drive at the position can have, or none; if not it is
+    /// named in an error block.
+    bool checkSize(std::int32_t channel, std::int32_t id, std::int32_t sizeMb);
 
     /// Starts a controller: the limits above count anew.
     void beginController(RAIDController& controller);

@@ -371,7 +371,8 @@ void HRReader::readDeviceState(Device& device) {
 
 void HRReader::storeDevice(const Device& device) {
     const RaidDisk& disk = *device.disk;
-    if (!checkPosition(disk.channelNumber, disk.id)) {
+    if (!checkPosition(disk.channelNumber, disk.id) ||
+        !checkSize(disk.channelNumber, disk.id, disk.sizeMb)) {
         return;
     }
     controller().setSize(disk.channelNumber, disk.id, disk.sizeMb);

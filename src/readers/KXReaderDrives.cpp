@@ -163,7 +163,7 @@ KXReader::Exit KXReader::storeDevice(const Device& device) {
 void KXReader::storeDrive(const Device& device) {
     const RaidDisk& disk = *device.disk;
     const std::int32_t id = placesBySlot_ ? disk.diskNumber : disk.id;
-    if (!checkPosition(disk.channelNumber, id)) {
+    if (!checkPosition(disk.channelNumber, id) || !checkSize(disk.channelNumber, id, disk.sizeMb)) {
         return;
     }
     controller().addDrive(disk.channelNumber, id, disk.sizeMb, device.type, disk.id);

@@ -2,6 +2,7 @@
 #include "properties/Property.h"
 #include "properties/VirtualMachine.h"
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -119,7 +120,9 @@ void checkRange(const RAIDController& controller) {
         }
     }
     for (const LogicalDrive& drive : configuration->logicalDrives()) {
-        RC_ASSERT(drive.arrayIndex >= -1);
+        // Whatever byte a listing has in the place of the letter; a policy then says "ERROR".
+        RC_ASSERT(drive.arrayIndex >= std::numeric_limits<char>::min() - 'A');
+        RC_ASSERT(drive.arrayIndex <= std::numeric_limits<char>::max() - 'A');
         RC_ASSERT(drive.raidLevel >= raid_level::none);
         RC_ASSERT(drive.raidLevel <= raid_level::simpleVolume);
         RC_ASSERT(drive.writeCache >= write_cache::off);
@@ -137,7 +140,8 @@ TEST(ReaderProperties, WhateverAListingSaysTheModelStaysInRange) {
         machine.platform.respond = [&machine,
                                     listings = machine.platform.respond](const std::string& line) {
             ChildResult result = listings(line);
-            result.output = *rc::gen::exec([&result] { return spoilt(result.output); });
+            // A copy: the search for a smaller case asks again when this is long over.
+            result.output = *rc::gen::exec([listing = result.output] { return spoilt(listing); });
             return result;
         };
         const unsigned result = machine.capture(true);

@@ -331,6 +331,16 @@ TEST(HRReader, ABlockEndsAtTheNextDeviceOrAtTheEnd) {
               Lines{"1:0 70006 [1:0 70006] SN0,0 Online/GOOD"});
 }
 
+TEST(HRReader, DrivesOfAnImpossibleSizeAreLeftOut) {
+    std::string drive = disk("1,4");
+    drive.replace(drive.find("70006"), 5, "-2");
+    const ListingResult result = readListing(hrconf, listing("", drive + disk("3,35")));
+    EXPECT_TRUE(result.read);
+    EXPECT_EQ(result.of("drive"), Lines{"4:35 70006 [4:35 70006] SN3,35 Online/GOOD"});
+    EXPECT_EQ(result.output, "\n#### ERROR\n\tDrive size out of range for controller "
+                             "Kestrix-B4:  channel=2, id=4, size=-2 MB\n\n");
+}
+
 TEST(HRReader, DrivesOutsideThePositionRangeAreLeftOut) {
     const ListingResult result =
         readListing(hrconf, listing(logicalDrive(""), disk("4,0", "Hot Spare") + disk("0,36") +

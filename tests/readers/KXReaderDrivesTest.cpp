@@ -201,6 +201,16 @@ TEST(KXReader, DrivesOutsideThePositionRangeAreLeftOut) {
                              "LSI-SAS-RAID:  channel=1, id=36\n\n");
 }
 
+TEST(KXReader, DrivesOfAnImpossibleSizeAreLeftOut) {
+    std::string drive = sasDrive("1", "4", "2");
+    drive.replace(drive.find("70006"), 5, "-2");
+    const ListingResult result = readListing(cfggen, listing("", drive + sasDrive("1", "3", "8")));
+    EXPECT_TRUE(result.read);
+    EXPECT_EQ(result.of("drive"), Lines{sasDrive13});
+    EXPECT_EQ(result.output, "\n#### ERROR\n\tDrive size out of range for controller "
+                             "LSI-SAS-RAID:  channel=1, id=4, size=-2 MB\n\n");
+}
+
 TEST(KXReader, CfggenMembersAreDriveNumbers) {
     const std::string drives = "Initiator at ID #7\n" + sasDrive("1", "2", "4") +
                                sasDrive("1", "1", "5") + sasDrive("2", "0", "6");
