@@ -163,6 +163,14 @@ TEST(KXReader, ControllerKeysUpToTheOneThatEndsTheBlock) {
         expected.emplace_back("Exiting KXReader::readConfiguration, returning true(2)");
         EXPECT_EQ(traces(result), expected);
     }
+    const ListingResult cut =
+        readListing(with(qtcsend, 9, false), "--------\n--------\nBIOS version : 1.2\n");
+    EXPECT_FALSE(cut.read);
+    EXPECT_EQ(traces(cut),
+              (Lines{"Entering KXReader::readConfiguration", "Entering KXReader::setControllerType",
+                     "Setting BIOS version = 1.2",
+                     "Exiting KXReader::setControllerType, returning false(2)",
+                     "Exiting KXReader::readConfiguration, returning false(2)"}));
     // The keys are tried in their order, so the first that fits a line takes it.
     EXPECT_EQ(readListing(qtcsend, listing("Slot of the Bus : 5\n", "", "", "")).lines.front(),
               "controller slot=5");
