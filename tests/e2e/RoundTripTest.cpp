@@ -392,7 +392,9 @@ void roundTrip(const Family& family, const Level& level, bool withHotspares, uns
 TEST_P(RoundTripTest, CaptureResetDeployCaptureGivesTheSameLayout) {
     const Family& family = families()[GetParam()];
     unsigned seed = static_cast<unsigned>(GetParam()) * 1000;
-    for (const Level& level : family.levels) {
+    // Every second level: another model of the family begins with the other one.
+    for (std::size_t i = GetParam() % 2 % family.levels.size(); i < family.levels.size(); i += 2) {
+        const Level& level = family.levels[i];
         const bool withHotspares = ++seed % 2 == 0;
         SCOPED_TRACE(std::string("RAID ") + level.name + ", seed " + std::to_string(seed));
         roundTrip(family, level, withHotspares, seed);
