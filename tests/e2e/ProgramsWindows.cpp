@@ -84,9 +84,9 @@ bool plugIn(const std::filesystem::path& server) {
         return false;
     }
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SYSTEM\\CurrentControlSet\\Enum\\PCI");
-    const std::filesystem::path nothing = server / "regedit.txt";
+    const std::filesystem::path nothing = server / "import.txt";
     const int exitCode = runProgram(
-        {"regedit", {"/s", "pci.reg"}, server, {}, server / "pci.reg", nothing, nothing});
+        {"reg", {"import", "pci.reg"}, server, {}, server / "pci.reg", nothing, nothing});
     std::error_code ignored;
     std::filesystem::remove(nothing, ignored);
     return exitCode == 0;
