@@ -1,8 +1,8 @@
 #include "driver/ZOLEX.h"
 #include "support/Check.h"
 #include "support/ExitCodes.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 
 #include <string>
 #include <vector>
@@ -30,9 +30,9 @@ void runCommandLine(Input input) {
         argv.push_back(argument.c_str());
     }
 
-    MemoryPlatform platform;
-    platform.memoryFiles.files["params"] = input.text();
-    platform.memoryFiles.files["contlist.ini"] = input.rest();
+    test::FakePlatform platform;
+    platform.fileFake.files["params"] = input.text();
+    platform.fileFake.files["contlist.ini"] = input.rest();
     ZOLEX parsed(platform);
     const unsigned code = parsed.parseCommandLine(static_cast<int>(argv.size()), argv.data());
     check(code == 0 || code == 4, "result of the command line");

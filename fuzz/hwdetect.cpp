@@ -1,8 +1,8 @@
 #include "controllers/Application.h"
 #include "controllers/ZOLEXSupport.h"
 #include "support/Check.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 
 #include <string>
 #include <string_view>
@@ -21,7 +21,7 @@ void readDetector(Input input) {
     constexpr unsigned lastExitCode = 250;
     const unsigned choice = input.choice();
     const std::string output(input.rest());
-    MemoryPlatform platform;
+    test::FakePlatform platform;
     platform.respond = [&](std::string_view) -> ChildResult {
         return choice > lastExitCode ? ChildResult{static_cast<ChildOutcome>(choice % 3), 0, {}}
                                      : ChildResult{ChildOutcome::ended, choice, output};

@@ -1,8 +1,8 @@
 #include "foundation/IniFile.h"
 #include "foundation/Text.h"
 #include "support/Check.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 
 #include <string>
 #include <vector>
@@ -14,12 +14,12 @@ namespace {
 /// written back and read again.
 void useIniFile(Input input) {
     const std::string_view added = input.text();
-    MemoryPlatform platform;
-    auto& files = platform.memoryFiles.files;
+    test::FakePlatform platform;
+    auto& files = platform.fileFake.files;
     files["file.ini"] = input.rest();
     std::vector<CString> lines;
     {
-        IniFile file(platform.memoryFiles, "file.ini", true);
+        IniFile file(platform.fileFake, "file.ini", true);
         for (std::size_t i = 0; i < 16; ++i) {
             const std::string_view line = text::token(added, "\n", i);
             if (!line.empty()) {
@@ -44,7 +44,7 @@ void useIniFile(Input input) {
     const std::string first = files["file.ini"];
     // A carriage return at the end of a line belongs to the line end when the file is read.
     if (first.find("\r\n") == std::string::npos) {
-        IniFile again(platform.memoryFiles, "file.ini", true);
+        IniFile again(platform.fileFake, "file.ini", true);
         check(again.lines() == lines, "what was written is what was held");
         check(again.writeBack() && files["file.ini"] == first, "writing again changes nothing");
     }

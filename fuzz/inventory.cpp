@@ -3,8 +3,8 @@
 #include "foundation/IniFile.h"
 #include "readers/DiskInformation.h"
 #include "support/Check.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 #include "support/ModelCheck.h"
 
 namespace zolex::fuzz {
@@ -14,11 +14,11 @@ namespace {
 /// controller-definition file.
 void readControllers(Input input) {
     const bool isDefinition = (input.choice() & 1U) != 0;
-    MemoryPlatform platform;
+    test::FakePlatform platform;
     Application application(platform);
     application.printer().setVerbosity(level::traces);
     ControllerList controllers;
-    platform.memoryFiles.files["file.ini"] = input.rest();
+    platform.fileFake.files["file.ini"] = input.rest();
     if (isDefinition) {
         application.settings.controllerDefinitionFile = "file.ini";
         check(controllers.initialize(application), "a definition is always taken");

@@ -2,8 +2,8 @@
 #include "platform/PciText.h"
 #include "platform/RegistryPciDeviceList.h"
 #include "support/Check.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 
 #include <algorithm>
 #include <array>
@@ -100,7 +100,7 @@ void readPciTexts(Input input) {
     check(pci::fileNumber(input.text(), 0xFFFF) <= 0xFFFF, "number of a file");
 
     const std::string_view results = input.rest();
-    MemoryConsole console;
+    test::FakeConsole console;
     RegistryPciDeviceList list(console,
                                std::make_unique<OneDeviceRegistry>(std::move(values), results));
     check(!list.collect(), "collecting gives false");

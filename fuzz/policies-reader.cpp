@@ -2,8 +2,8 @@
 #include "policies/PolicyReader.h"
 #include "policies/PolicySection.h"
 #include "support/Check.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 #include "support/ModelCheck.h"
 
 #include <array>
@@ -17,9 +17,9 @@ void readPolicies(Input input) {
     constexpr std::array verbosities = {level::always, level::progress, level::detail,
                                         level::traces};
     const unsigned choice = input.choice();
-    MemoryPlatform platform;
+    test::FakePlatform platform;
     const std::string file(input.rest());
-    platform.memoryFiles.files["policies.ini"] = file;
+    platform.fileFake.files["policies.ini"] = file;
     Application application(platform);
     application.settings.policiesFile = "policies.ini";
     application.settings.capture = (choice & 1U) != 0;
@@ -29,8 +29,8 @@ void readPolicies(Input input) {
     PolicyReader reader(application);
     const bool read = reader.read();
     check(read == (reader.policies() != nullptr), "a list after a successful read alone");
-    check(platform.memoryFiles.files["policies.ini"] == file, "the file is as it was");
-    check(read || platform.memoryConsole.output.find("#### ERROR") != std::string::npos,
+    check(platform.fileFake.files["policies.ini"] == file, "the file is as it was");
+    check(read || platform.consoleFake.output.find("#### ERROR") != std::string::npos,
           "a failed read is reported");
     if (!read) {
         return;

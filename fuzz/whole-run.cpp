@@ -1,8 +1,8 @@
 #include "driver/ZOLEX.h"
 #include "support/Check.h"
 #include "support/ExitCodes.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 #include "support/VirtualServer.h"
 
 #include <algorithm>
@@ -59,7 +59,7 @@ std::vector<const char*> argumentsOf(const RunMode& mode, unsigned chosen) {
 }
 
 /// What a run may leave behind: nothing, or a longer policies file.
-void checkFiles(const MemoryFiles& files, const std::map<std::string, std::string>& before,
+void checkFiles(const test::FakeFileSystem& files, const std::map<std::string, std::string>& before,
                 const RunMode& mode, bool debug, int exitCode) {
     const auto find = [](const auto& where, const char* name) {
         const auto file = where.find(name);
@@ -72,9 +72,11 @@ void checkFiles(const MemoryFiles& files, const std::map<std::string, std::strin
         check(exitCode == 0 || policiesAfter == policiesBefore, "a failed capture appends nothing");
     } else {
         check(policiesAfter == policiesBefore, "the policies file is as it was");
-        check(std::find(files.written.begin(), files.written.end(), policiesName) ==
-                  files.written.end(),
-              "the policies file is not opened for writing");
+        check(std::all_of(files.opened.begin(), files.opened.end(),
+                          [](const std::string& call) {
+                              return !call.ends_with(policiesName) || call.starts_with("r ");
+                          }),
+              "the policies file is opened for reading alone");
     }
     for (const auto& [name, content] : files.files) {
         check(before.count(name) != 0 || debug || (mode.writesPolicies && name == policiesName),
@@ -95,14 +97,15 @@ void runProgram(Input input) {
     const std::string definition(input.text());
 
     VirtualServer server(sample, script, input);
-    MemoryPlatform platform;
-    auto& files = platform.memoryFiles.files;
+    test::FakePlatform platform;
+    auto& files = platform.fileFake.files;
     if (policies != "-") {
         files[policiesName] = policies.empty() ? server.policies() : policies;
     }
     files["contlist.ini"] = inventory.empty() ? server.inventory() : inventory;
     files["definition.ini"] = definition;
     platform.devices = server.devices();
+    platform.consoleFake.answers = "y";
     platform.respond = [&server](std::string_view commandLine) { return server.run(commandLine); };
 
     const auto before = files;
@@ -111,7 +114,7 @@ void runProgram(Input input) {
     check(isExitCode(exitCode), "exit code");
     const bool debug =
         std::find(argv.begin(), argv.end(), std::string_view("/debug")) != argv.end();
-    checkFiles(platform.memoryFiles, before, mode, debug, exitCode);
+    checkFiles(platform.fileFake, before, mode, debug, exitCode);
 }
 
 } // namespace

@@ -4,8 +4,8 @@
 #include "driver/ZOLEX.h"
 #include "foundation/CString.h"
 #include "setup/Samples.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 #include "support/VirtualServer.h"
 
 #include <array>
@@ -120,8 +120,8 @@ std::string pciTexts(const PciDevice& device) {
 void runOnSample(unsigned sample, SeedWriter& seeds) {
     Input noTexts("");
     VirtualServer server(sample, "", noTexts);
-    MemoryPlatform platform;
-    auto& files = platform.memoryFiles.files;
+    test::FakePlatform platform;
+    auto& files = platform.fileFake.files;
     files["policies.ini"] = server.policies();
     files["contlist.ini"] = server.inventory();
     platform.devices = server.devices();

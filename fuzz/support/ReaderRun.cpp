@@ -5,7 +5,7 @@
 #include "policies/PolicyText.h"
 #include "readers/DiskInformation.h"
 #include "support/Check.h"
-#include "support/MemoryPlatform.h"
+#include "support/FakePlatform.h"
 #include "support/ModelCheck.h"
 
 #include <array>
@@ -33,7 +33,7 @@ void readListings(std::span<const std::int32_t> types, Input input) {
     constexpr std::array verbosities = {level::always, level::progress, level::detail,
                                         level::traces};
     const unsigned choice = input.choice();
-    MemoryPlatform platform;
+    test::FakePlatform platform;
     Application application(platform);
     application.settings.capture = (choice & 1U) != 0;
     application.settings.debug = (choice & 2U) != 0;

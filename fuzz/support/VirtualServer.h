@@ -2,8 +2,8 @@
 
 #include "model/Server.h"
 #include "platform/Platform.h"
+#include "support/FakePlatform.h"
 #include "support/Input.h"
-#include "support/MemoryPlatform.h"
 
 #include <string>
 #include <string_view>

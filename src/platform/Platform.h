@@ -6,6 +6,7 @@
 #include "platform/PciDeviceList.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -28,6 +29,10 @@ struct ChildResult {
     std::uint32_t exitCode = 0; ///< 0 to 4294967295, as the system gives it
     std::string output;         ///< standard output and standard error, in the order written
 };
+
+/// Bytes of output that are taken up from one child. One that writes more stalls at the full pipe
+/// until the limit, rather than filling the memory.
+inline constexpr std::size_t mostChildOutput = std::size_t{256} << 20U;
 
 /// A moment of local time. month 1 to 12, day 1 to 31, hour 0 to 23, minute and second 0 to 59.
 struct LocalTime {

@@ -1,4 +1,5 @@
 #include "support/ModeRun.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

@@ -6,6 +6,7 @@
 #include "policies/PolicyGenerator.h"
 #include "policies/PolicyReader.h"
 #include "readers/DiskInformation.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 // Whatever bytes the inputs hold, a run ends by itself with a documented exit code.
 
 #include "support/ModeRun.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

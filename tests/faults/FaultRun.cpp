@@ -2,6 +2,7 @@
 
 #include "foundation/AllocationFaults.h"
 #include "foundation/ErrorReporter.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

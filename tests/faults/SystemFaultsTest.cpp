@@ -8,6 +8,7 @@
 #include "support/TemporaryDirectory.h"
 
 #include "platform/posix/ChildRunner.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

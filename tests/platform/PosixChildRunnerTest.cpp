@@ -36,7 +36,7 @@ std::ptrdiff_t openDescriptors() {
 class PosixChildRunner : public ::testing::TestWithParam<Notice> {
   protected:
     ChildResult run(const std::string& commandLine, milliseconds limit = std::chrono::minutes(5),
-                    std::size_t most = posix::mostOutput) {
+                    std::size_t most = mostChildOutput) {
         const auto start = std::chrono::steady_clock::now();
         ChildResult result = posix::runChild(commandLine, true, limit, GetParam(), most);
         taken = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);

@@ -28,8 +28,7 @@ using test::TemporaryDirectory;
 const std::string child = "\"" ZOLEX_TEST_CHILD "\" ";
 
 ChildResult run(const std::string& arguments, bool capture = true,
-                milliseconds limit = std::chrono::minutes(5),
-                std::size_t most = win32::mostOutput) {
+                milliseconds limit = std::chrono::minutes(5), std::size_t most = mostChildOutput) {
     return win32::runChild(child + arguments, capture, limit, most);
 }
 

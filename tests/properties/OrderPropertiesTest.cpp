@@ -25,18 +25,6 @@ std::vector<Item> inOrder(const std::vector<Item>& items, const std::vector<int>
 
 // The order of the bus
 
-class GivenDevices : public OrderedPciDeviceList {
-  public:
-    GivenDevices(Console& console, std::vector<PciDevice> devices)
-        : OrderedPciDeviceList(console), devices_(std::move(devices)) {}
-
-  protected:
-    std::vector<PciDevice> enumerate() override { return devices_; }
-
-  private:
-    std::vector<PciDevice> devices_;
-};
-
 /// Devices at few places, so that some share one. The description tells them apart.
 std::vector<PciDevice> anyDevices() {
     std::vector<PciDevice> devices(static_cast<std::size_t>(*number(0, 20)));
@@ -51,12 +39,13 @@ std::vector<PciDevice> anyDevices() {
 }
 
 std::vector<PciDevice> listed(const std::vector<PciDevice>& devices) {
-    test::FakeConsole console;
-    GivenDevices list(console, devices);
-    list.collect();
-    RC_ASSERT(list.count() == devices.size());
+    test::FakePlatform platform;
+    platform.devices = devices;
+    const auto list = platform.pciDevices();
+    list->collect();
+    RC_ASSERT(list->count() == devices.size());
     std::vector<PciDevice> all;
-    while (const PciDevice* device = list.next()) {
+    while (const PciDevice* device = list->next()) {
         all.push_back(*device);
     }
     return all;

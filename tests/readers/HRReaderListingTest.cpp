@@ -4,6 +4,7 @@
 #include "controllers/RAIDController.h"
 #include "readers/ListingSupport.h"
 #include "support/FakePlatform.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

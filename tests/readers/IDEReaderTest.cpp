@@ -5,6 +5,7 @@
 #include "readers/ListingSupport.h"
 #include "readers/MegaCliListings.h"
 #include "support/FakePlatform.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "controllers/Codes.h"
 #include "readers/ListingSupport.h"
 #include "support/FakePlatform.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 // broken pipe or a lost line can damage them.
 
 #include "readers/MegaCliListings.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "setup/Samples.h"
 #include "simulator/BlockSupport.h"
 #include "support/FakePlatform.h"
+#include "support/TestData.h"
 
 namespace zolex_sim::test {
 namespace {

@@ -1,6 +1,7 @@
 #include "megacli/Listings.h"
 #include "simulator/SimulatorSupport.h"
 #include "support/FakePlatform.h"
+#include "support/TestData.h"
 
 #include <cmath>
 #include <cstdlib>

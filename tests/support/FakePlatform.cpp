@@ -1,9 +1,6 @@
 #include "support/FakePlatform.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 namespace zolex::test {
@@ -36,7 +33,9 @@ class FakeFile : public File {
             return 0;
         }
         const std::size_t n = std::min(bytes.size(), content_.size() - position_);
-        std::memcpy(bytes.data(), content_.data() + position_, n);
+        if (n > 0) {
+            std::memcpy(bytes.data(), content_.data() + position_, n);
+        }
         position_ += n;
         return n;
     }
@@ -123,23 +122,6 @@ ChildResult FakePlatform::runChild(std::string_view commandLine, bool /*capture*
 
 std::unique_ptr<PCI_DevList_VC> FakePlatform::pciDevices() {
     return std::make_unique<FakePciDeviceList>(consoleFake, devices);
-}
-
-std::string readTestData(const std::string& name) {
-    const std::string path = std::string(ZOLEX_TEST_DATA) + "/" + name;
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) {
-        ADD_FAILURE() << "missing test data: " << name;
-        return {};
-    }
-    std::string content;
-    char buffer[4096];
-    for (std::size_t n = std::fread(buffer, 1, sizeof buffer, file); n > 0;
-         n = std::fread(buffer, 1, sizeof buffer, file)) {
-        content.append(buffer, n);
-    }
-    std::fclose(file);
-    return content;
 }
 
 } // namespace zolex::test

@@ -80,7 +80,4 @@ class FakePlatform : public Platform {
     std::function<ChildResult(const std::string& commandLine)> respond;
 };
 
-/// The text of a file of the tests' data folder.
-std::string readTestData(const std::string& name);
-
 } // namespace zolex::test

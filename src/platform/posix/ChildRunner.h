@@ -14,15 +14,11 @@ enum class Notice {
     bySlices,     ///< by asking again and again, at most 20 ms apart
 };
 
-/// Bytes of output that are taken up from one child. One that writes more stalls at the full pipe
-/// until the limit, rather than filling the memory.
-inline constexpr std::size_t mostOutput = std::size_t{256} << 20U;
-
 /// Platform::runChild. The command line is split into arguments and the program looked up; a file
 /// that is neither a binary nor begins with "#!" is run by /bin/sh. A child that a signal ended has
 /// exit code 128 plus the signal's number. `most` bounds what is taken up while the child runs;
 /// when it has ended, what still stands in the pipe is taken up too.
 ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit,
-                     Notice notice = Notice::byDescriptor, std::size_t most = mostOutput);
+                     Notice notice = Notice::byDescriptor, std::size_t most = mostChildOutput);
 
 } // namespace zolex::posix
