@@ -209,9 +209,9 @@ TEST(ExitCodesTest, ARefusedCommandIs11AndShowsTheReason) {
 }
 
 TEST(ExitCodesTest, AChildThatDoesNotEndIsGivenUpAtTheLimit) {
-    VirtualServer server(definition(4, faults(R"({"match": "-LdPdInfo", "delayMs": 4000})")));
+    VirtualServer server(definition(4, faults(R"({"match": "-LdPdInfo", "delayMs": 12000})")));
     ASSERT_TRUE(server.isReady());
-    server.environment["ZOLEX_TEST_CHILD_LIMIT"] = "300";
+    server.environment["ZOLEX_TEST_CHILD_LIMIT"] = "3000";
     const ProgramRun run = server.zolex({"/c", "/f:c.ini"});
     EXPECT_EQ(8, run.exitCode);
     EXPECT_TRUE(run.output.ends_with(
@@ -251,16 +251,18 @@ TEST(ExitCodesTest, TheInventoryFileOfTheServerServesADryRun) {
     EXPECT_EQ(before, server.simulator({"show"}).output);
 }
 
-TEST(ExitCodesTest, TheShippedProgramPausesTenSecondsBeforeItDeploys) {
-    VirtualServer server(definition(0));
+TEST(ExitCodesTest, TheShippedProgramPausesTenSecondsAndDeploys) {
+    VirtualServer server(definition(4));
     ASSERT_TRUE(server.isReady());
+    server.write("p.ini", mirrorPolicy);
     const auto start = std::chrono::steady_clock::now();
-    const ProgramRun run = server.shippedZolex({"/d"});
+    const ProgramRun run = server.shippedZolex({"/f:p.ini"});
     const auto seconds =
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
-    EXPECT_EQ(0, run.exitCode);
+    EXPECT_EQ(0, run.exitCode) << run.output;
     EXPECT_TRUE(contains(run.output, "..........\n"));
     EXPECT_GE(seconds.count(), 9);
+    EXPECT_TRUE(contains(server.simulator({"show"}).output, "RAID1"));
 }
 
 } // namespace

@@ -23,6 +23,43 @@ std::string withCrLf(const std::string& text) {
     return result;
 }
 
+/// A file as it stands, with its line ends. The name is in the system's own encoding.
+std::string bytesOf(const VirtualServer& server, const std::string& name) {
+    const std::string path = server.folder().string() + "/" + name;
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr) {
+        ADD_FAILURE() << "no file " << name;
+        return {};
+    }
+    std::string bytes(100'000, '\0');
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+    std::fclose(file);
+    return bytes;
+}
+
+/// Whether the lines of a file end as those of the system's text files do.
+void expectLineEndsOfTheSystem(const std::string& bytes) {
+    EXPECT_TRUE(contains(bytes, "\n"));
+#ifdef _WIN32
+    EXPECT_FALSE(contains(bytes, "\r\r"));
+    for (std::size_t at = bytes.find('\n'); at != std::string::npos;
+         at = bytes.find('\n', at + 1)) {
+        ASSERT_TRUE(at > 0 && bytes[at - 1] == '\r') << bytes.substr(0, at);
+    }
+#else
+    EXPECT_FALSE(contains(bytes, "\r"));
+#endif
+}
+
+/// "Größe" in the system's own encoding: the western code page, or UTF-8.
+#ifdef _WIN32
+constexpr const char* outsideAscii = "Gr\xF6\xDF"
+                                     "e";
+#else
+constexpr const char* outsideAscii = "Gr\xC3\xB6\xC3\x9F"
+                                     "e";
+#endif
+
 constexpr const char* policies = "; two policies\n"
                                  "\n"
                                  "[Policy.other]\n"
@@ -91,13 +128,7 @@ TEST(FilesTest, BlanksAndFoldersInANameOfPolicies) {
 }
 
 TEST(FilesTest, LettersOutsideAsciiInANameOfPolicies) {
-#ifdef _WIN32
-    const std::string name = "Gr\xF6\xDF"
-                             "e 1.ini"; // the western code page
-#else
-    const std::string name = "Gr\xC3\xB6\xC3\x9F"
-                             "e 1.ini";
-#endif
+    const std::string name = outsideAscii + std::string(" 1.ini");
     VirtualServer server;
     ASSERT_TRUE(server.isReady());
     const std::string path = server.folder().string() + "/" + name;
@@ -115,19 +146,44 @@ TEST(FilesTest, ACaptureWritesLineEndsOfTheSystemAndLeavesNoOtherFile) {
     VirtualServer server;
     ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
     ASSERT_EQ(0, server.zolex({"/c", "/f:my captured policies.ini"}).exitCode);
-    std::FILE* file =
-        std::fopen((server.folder() / "my captured policies.ini").string().c_str(), "rb");
-    ASSERT_NE(file, nullptr);
-    std::string bytes(100'000, '\0');
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
-    std::fclose(file);
-#ifdef _WIN32
-    EXPECT_EQ(bytes, withCrLf(server.read("my captured policies.ini")));
-#else
-    EXPECT_FALSE(contains(bytes, "\r"));
-#endif
+    const std::string bytes = bytesOf(server, "my captured policies.ini");
+    expectLineEndsOfTheSystem(bytes);
     EXPECT_TRUE(contains(bytes, "[Policy.AUTO-"));
     EXPECT_FALSE(server.exists("ZOLEXM~~.TMP"));
+}
+
+TEST(FilesTest, TheTemporaryFileStandsInAFolderOfAnyNameAndHasLineEndsOfTheSystem) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    const std::string folder = std::string("my ") + outsideAscii;
+    std::filesystem::create_directories(server.folder().string() + "/" + folder);
+    ASSERT_EQ(0, server.zolex({"/c", "/f:kept.ini", "/t:" + folder, "/debug"}).exitCode);
+    const std::string kept = bytesOf(server, folder + "/ZOLEXM~~.TMP");
+    expectLineEndsOfTheSystem(kept);
+    EXPECT_TRUE(contains(kept, "[Policy.AUTO-"));
+    // What stands there is what was appended.
+    EXPECT_TRUE(bytesOf(server, "kept.ini").ends_with(kept));
+    EXPECT_FALSE(server.exists("ZOLEXM~~.TMP"));
+    ASSERT_EQ(0, server.zolex({"/c", "/f:c.ini", "/t:" + folder}).exitCode);
+    EXPECT_TRUE(std::filesystem::is_empty(server.folder().string() + "/" + folder));
+}
+
+TEST(FilesTest, UtilitiesAreStartedInTheirFolder) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    std::filesystem::create_directories(server.folder() / "tools");
+#ifdef _WIN32
+    server.write("tools/UTIL.BAT", "@echo %1>>used.txt\r\n@call \"%~dp0..\\UTIL.BAT\" %*\r\n");
+#else
+    server.write("tools/UTIL.BAT", "echo \"$1\" >>used.txt\nexec ./UTIL.BAT \"$@\"\n");
+    std::filesystem::permissions(server.folder() / "tools/UTIL.BAT",
+                                 std::filesystem::perms::owner_all);
+#endif
+    const ProgramRun run = server.zolex({"/c", "/f:c.ini", "/p:tools"});
+    EXPECT_EQ(0, run.exitCode) << run.output;
+    EXPECT_TRUE(contains(run.output, "Executing:tools\\UTIL.BAT MEGACLI ")) << run.output;
+    EXPECT_TRUE(server.read("used.txt").starts_with("MEGACLI\nMEGACLI\n"));
+    EXPECT_TRUE(contains(server.read("c.ini"), "[Policy.AUTO-"));
 }
 
 TEST(FilesTest, ACaptureAddsToAFileWithEitherLineEnd) {

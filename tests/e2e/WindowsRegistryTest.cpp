@@ -43,8 +43,6 @@ TEST(WindowsRegistryTest, TheFormsOfALocationAreFoundInTheRegistry) {
                                 instance("4", controllerAt("x, bus 256, device 0, function 0")));
     ASSERT_TRUE(plugIn(server.folder()));
     const ProgramRun run = server.zolex({"/c", "/f:c.ini", "/v:9"});
-    EXPECT_EQ((std::vector<std::string>{"4"}),
-              linesAfter(run.output, "Total number of PCI devices="));
     EXPECT_EQ((std::vector<std::string>{"0:1:0:1000:0411:1000:1002", "5:6:7:1000:0411:1000:1002"}),
               linesAfter(run.output, "Creating new RAIDController with: "));
     EXPECT_NE(run.output.find("Found 2 supported RAID controllers.\n"

@@ -28,7 +28,7 @@ class UnpausedPlatform : public zolex::Platform {
 } // namespace
 
 int main(int argc, char** argv) {
-    const auto system = zolex::makeSystemPlatform();
+    static const auto system = zolex::makeSystemPlatform();
     UnpausedPlatform platform(*system);
     zolex::ZOLEX application(platform);
     if (const char* limit = std::getenv("ZOLEX_TEST_CHILD_LIMIT"); limit != nullptr) {

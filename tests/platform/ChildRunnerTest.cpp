@@ -1,5 +1,7 @@
 #include "platform/Platform.h"
 
+#include "platform/NamedEvent.h"
+#include "platform/WrittenProcess.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -7,9 +9,13 @@
 #include <chrono>
 #include <ctime>
 #include <string>
+#ifndef _WIN32
+#include <csignal>
+#include <sys/wait.h>
+#endif
 
 // Real children of this system, through its own platform. What only one system has stands in
-// PosixChildRunnerTest.cpp.
+// PosixChildRunnerTest.cpp and WindowsChildRunnerTest.cpp.
 
 namespace zolex {
 namespace {
@@ -20,7 +26,6 @@ using test::TemporaryDirectory;
 #ifdef _WIN32
 const std::string lineEnd = "\r\n";
 const std::string exitWith3 = "cmd /c exit 3";
-const std::string takesTime = exitWith3; // starting it takes milliseconds
 const std::string bothStreams = "cmd /c \"echo out&echo err>&2&echo out\"";
 const std::string readsInput = "cmd /c \"more & echo done\"";
 const std::string typesFile = "cmd /c type big.txt";
@@ -28,11 +33,38 @@ const std::string listsScript = "@echo off\r\necho [%1] [%2]\r\nexit /b 5\r\n";
 #else
 const std::string lineEnd = "\n";
 const std::string exitWith3 = "/bin/sh -c \"exit 3\"";
-const std::string takesTime = "sleep 1";
 const std::string bothStreams = "/bin/sh -c \"echo out; echo err >&2; echo out\"";
 const std::string readsInput = "/bin/sh -c \"cat; echo done\"";
 const std::string typesFile = "cat big.txt";
 const std::string listsScript = "echo \"[$1] [$2]\"\nexit 5\n";
+#endif
+
+/// A child that runs for a minute unless this object goes before. It can be started once.
+#ifdef _WIN32
+class LastingChild {
+  public:
+    ~LastingChild() { end_.set(); }
+    [[nodiscard]] std::string commandLine() const {
+        return "\"" ZOLEX_TEST_CHILD "\" until " + end_.name() + " sleep 60000";
+    }
+
+  private:
+    test::NamedEvent end_;
+};
+#else
+class LastingChild {
+  public:
+    ~LastingChild() {
+        const pid_t child = test::writtenProcess();
+        EXPECT_GT(child, 0);
+        if (child > 0 && ::kill(child, SIGKILL) == 0) {
+            ::waitpid(child, nullptr, 0);
+        }
+    }
+    [[nodiscard]] static std::string commandLine() {
+        return "/bin/sh -c \"echo $$ > pid; exec sleep 60\"";
+    }
+};
 #endif
 
 class ChildRunner : public ::testing::Test {
@@ -113,7 +145,8 @@ TEST_F(ChildRunner, StartsABatchFileWithAPath) {
 }
 
 TEST_F(ChildRunner, IsLeftAloneAtTheLimit) {
-    const ChildResult result = run(takesTime, true, milliseconds(0));
+    const LastingChild child;
+    const ChildResult result = run(child.commandLine(), true, milliseconds(0));
     EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
     EXPECT_EQ(result.exitCode, 0U);
     EXPECT_EQ(result.output, "");

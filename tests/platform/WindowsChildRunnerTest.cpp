@@ -2,17 +2,24 @@
 
 #include "platform/win32/ChildRunner.h"
 
+#include "platform/NamedEvent.h"
 #include "support/OpenHandles.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <fcntl.h>
 #include <filesystem>
 #include <io.h>
+#include <iterator>
+#include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 #include <windows.h>
 
 // What only Windows has; ChildRunnerTest.cpp has what every system has.
@@ -22,6 +29,8 @@ namespace {
 
 using std::chrono::milliseconds;
 using test::countHandles;
+using test::NamedEvent;
+using test::newEventName;
 using test::openHandles;
 using test::TemporaryDirectory;
 
@@ -32,33 +41,9 @@ ChildResult run(const std::string& arguments, bool capture = true,
     return win32::runChild(child + arguments, capture, limit, most);
 }
 
-/// A name that no event has or had: a child that has not quite ended keeps its event.
-std::string newName() {
-    static int count = 0;
-    return "zolex-test-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-}
-
-/// An event that children find by its name.
-class Event {
-  public:
-    explicit Event(std::string name = newName())
-        : name_(std::move(name)), event_(CreateEventA(nullptr, TRUE, FALSE, name_.c_str())) {
-        EXPECT_NE(event_, nullptr);
-    }
-    Event(const Event&) = delete;
-    Event& operator=(const Event&) = delete;
-    ~Event() { CloseHandle(event_); }
-
-    [[nodiscard]] const std::string& name() const { return name_; }
-    void set() const { EXPECT_NE(SetEvent(event_), 0); }
-    [[nodiscard]] bool isSetWithin(milliseconds time) const {
-        return WaitForSingleObject(event_, static_cast<DWORD>(time.count())) == WAIT_OBJECT_0;
-    }
-
-  private:
-    std::string name_;
-    HANDLE event_;
-};
+/// Milliseconds, for tests whose child has to begin within the limit: the next one is tried when it
+/// has not.
+constexpr std::array<DWORD, 5> growingLimits = {100, 400, 1600, 6400, 25600};
 
 /// Makes a file the standard input of this process, as long as it lives.
 class FileAsInput {
@@ -103,11 +88,53 @@ std::string pipeSize(DWORD hint) {
     return std::to_string(outgoing) + " " + std::to_string(incoming);
 }
 
+/// The ends of pipes that this process has; those that children inherit, or those that they do not.
+std::vector<HANDLE> pipeEnds(bool inherited) {
+    std::vector<HANDLE> ends;
+    countHandles([&ends, inherited](HANDLE handle, DWORD flags) {
+        const bool isWanted = GetFileType(handle) == FILE_TYPE_PIPE &&
+                              ((flags & HANDLE_FLAG_INHERIT) != 0) == inherited;
+        if (isWanted) {
+            ends.push_back(handle);
+        }
+        return isWanted;
+    });
+    return ends;
+}
+
+/// The one that is in `after` and not in `before`; null when there is no such or more of them.
+HANDLE added(const std::vector<HANDLE>& before, const std::vector<HANDLE>& after) {
+    std::vector<HANDLE> handles;
+    std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
+                        std::back_inserter(handles));
+    return handles.size() == 1 ? handles.front() : nullptr;
+}
+
+/// The bytes that "lines `count`" writes.
+std::size_t sizeOfLines(long count) {
+    std::size_t size = 0;
+    for (long line = 0; line < count; ++line) {
+        size += std::to_string(line).size() + 2;
+    }
+    return size;
+}
+
+/// The number of bytes until nobody can write any more. Closes the handle.
+std::size_t readToEnd(HANDLE readEnd) {
+    std::size_t bytes = 0;
+    std::array<char, 16384> buffer{};
+    DWORD taken = 0;
+    while (ReadFile(readEnd, buffer.data(), static_cast<DWORD>(buffer.size()), &taken, nullptr) !=
+           0) {
+        bytes += taken;
+    }
+    CloseHandle(readEnd);
+    return bytes;
+}
+
 /// Pipes of this process that every child inherits: its own standard streams can be such.
 int inheritablePipes() {
-    return countHandles([](HANDLE handle, DWORD flags) {
-        return (flags & HANDLE_FLAG_INHERIT) != 0 && GetFileType(handle) == FILE_TYPE_PIPE;
-    });
+    return static_cast<int>(pipeEnds(true).size());
 }
 
 TEST(WindowsChildRunner, ExitCodesKeepTheir32Bits) {
@@ -187,12 +214,12 @@ TEST(WindowsChildRunner, ManyLinesKeepTheirOrder) {
 }
 
 TEST(WindowsChildRunner, AProgramLeftBehindWithThePipeIsNotWaitedFor) {
-    const std::string name = newName();
-    const Event here(name + "-here"); // the program left behind has the pipe
-    const Event end(name + "-end");
+    const std::string name = newEventName();
+    const NamedEvent here(name + "-here"); // the program left behind has the pipe
+    const NamedEvent end(name + "-end");
     const ULONGLONG start = GetTickCount64();
     const ChildResult result = run("text before leave " + name + " text after exit 6");
-    EXPECT_LT(GetTickCount64() - start, 15000U);
+    EXPECT_LT(GetTickCount64() - start, 45000U);
     EXPECT_TRUE(here.isSetWithin(milliseconds(0)));
     EXPECT_EQ(result.outcome, ChildOutcome::ended);
     EXPECT_EQ(result.exitCode, 6U);
@@ -201,12 +228,12 @@ TEST(WindowsChildRunner, AProgramLeftBehindWithThePipeIsNotWaitedFor) {
 }
 
 TEST(WindowsChildRunner, AChildThatOutlastsTheLimitIsLeftRunning) {
-    const Event end;
+    const NamedEvent end;
     const ULONGLONG start = GetTickCount64();
     const ChildResult result =
         run("until " + end.name() + " text x sleep 60000", true, milliseconds(50));
     EXPECT_GE(GetTickCount64() - start, 30U);
-    EXPECT_LT(GetTickCount64() - start, 15000U);
+    EXPECT_LT(GetTickCount64() - start, 30000U);
     EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
     EXPECT_EQ(result.exitCode, 0U);
     EXPECT_EQ(result.output, "");
@@ -214,24 +241,41 @@ TEST(WindowsChildRunner, AChildThatOutlastsTheLimitIsLeftRunning) {
 }
 
 TEST(WindowsChildRunner, AChildLeftRunningCanGoOnWriting) {
-    const Event written;
+    const NamedEvent limitHasPassed;
+    const NamedEvent written;
     const ULONGLONG start = GetTickCount64();
     const ChildResult result =
-        run("sleep 500 text x signal " + written.name(), true, milliseconds(50));
+        run("await " + limitHasPassed.name() + " text x signal " + written.name(), true,
+            milliseconds(50));
     EXPECT_GE(GetTickCount64() - start, 30U);
     EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
-    EXPECT_TRUE(written.isSetWithin(milliseconds(15000)));
+    EXPECT_FALSE(written.isSetWithin(milliseconds(0)));
+    limitHasPassed.set();
+    EXPECT_TRUE(written.isSetWithin(milliseconds(30000)));
 }
 
 TEST(WindowsChildRunner, AChildThatNeverStopsWritingIsGivenUpAtTheLimit) {
-    const Event end;
-    const ULONGLONG start = GetTickCount64();
-    const ChildResult result = run("until " + end.name() + " forever", true, milliseconds(100));
-    EXPECT_GE(GetTickCount64() - start, 80U);
-    EXPECT_LT(GetTickCount64() - start, 15000U);
-    EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
-    EXPECT_EQ(result.output, "");
-    end.set();
+    constexpr std::size_t noBound = std::numeric_limits<std::size_t>::max();
+    // Within the first limit the child of a slow machine has not begun to write.
+    bool writes = false;
+    for (const DWORD limit : growingLimits) {
+        const NamedEvent end;
+        const NamedEvent begun;
+        const ULONGLONG start = GetTickCount64();
+        const ChildResult result =
+            run("until " + end.name() + " text x signal " + begun.name() + " forever", true,
+                milliseconds(limit), noBound);
+        writes = begun.isSetWithin(milliseconds(0));
+        end.set();
+        EXPECT_GE(GetTickCount64() - start, limit - 20);
+        EXPECT_LT(GetTickCount64() - start, limit + 30000);
+        EXPECT_EQ(result.outcome, ChildOutcome::stillRunning);
+        EXPECT_EQ(result.output, "");
+        if (writes) {
+            break;
+        }
+    }
+    EXPECT_TRUE(writes);
 }
 
 TEST(WindowsChildRunner, WhatStandsInThePipeAtTheEndIsTakenUpBeyondTheBound) {
@@ -243,19 +287,39 @@ TEST(WindowsChildRunner, WhatStandsInThePipeAtTheEndIsTakenUpBeyondTheBound) {
     EXPECT_EQ(result.output, line + "y");
 }
 
+// Symptom: a single write larger than the bound was taken up whole.
 TEST(WindowsChildRunner, AChildThatWritesFarBeyondTheBoundStalls) {
-    // Without a bound both have ended in a part of this time, as ManyLinesKeepTheirOrder shows.
-    // Symptom: a single write larger than the bound was taken up whole.
-    for (const std::string writes : {"lines 640000", "bytes 5000000"}) {
-        const Event end;
-        const Event written;
-        const ChildResult result =
-            run("until " + end.name() + " " + writes + " signal " + written.name(), true,
-                milliseconds(1500), 1000);
-        EXPECT_EQ(result.outcome, ChildOutcome::stillRunning) << writes;
-        EXPECT_EQ(result.output, "");
-        EXPECT_FALSE(written.isSetWithin(milliseconds(0))) << writes;
-        end.set();
+    const std::string lines = "lines 640000";
+    const std::string bytes = "bytes 5000000";
+    for (const auto& [writes, size] :
+         {std::pair{lines, sizeOfLines(640'000)}, {bytes, 5'000'000}}) {
+        std::size_t takenUp = 0;
+        // Within the first limit the child of a slow machine has not begun to write.
+        for (const DWORD limit : growingLimits) {
+            const NamedEvent end;
+            const NamedEvent written;
+            const auto readEnds = pipeEnds(false);
+            const auto writeEnds = pipeEnds(true);
+            const ChildResult result =
+                run("until " + end.name() + " " + writes + " signal " + written.name(), true,
+                    milliseconds(limit), 1000);
+            ASSERT_EQ(result.outcome, ChildOutcome::stillRunning) << writes;
+            EXPECT_EQ(result.output, "");
+            EXPECT_FALSE(written.isSetWithin(milliseconds(0))) << writes;
+            // All the rest of the output comes out of the end that was left open.
+            HANDLE const readEnd = added(readEnds, pipeEnds(false));
+            HANDLE const writeEnd = added(writeEnds, pipeEnds(true));
+            ASSERT_NE(readEnd, nullptr);
+            ASSERT_NE(writeEnd, nullptr);
+            CloseHandle(writeEnd);
+            takenUp = size - readToEnd(readEnd);
+            EXPECT_TRUE(written.isSetWithin(milliseconds(0))) << writes;
+            end.set();
+            if (takenUp != 0) {
+                break;
+            }
+        }
+        EXPECT_EQ(takenUp, 1000U) << writes;
     }
 }
 
@@ -273,10 +337,12 @@ TEST(WindowsChildRunner, NoHandleStaysBehind) {
 
 TEST(WindowsChildRunner, AnAbandonedRunKeepsItsHandles) {
     run("exit 0");
+    const NamedEvent end;
     const int before = openHandles();
-    run("sleep 2000", true, milliseconds(20));
+    run("until " + end.name() + " sleep 60000", true, milliseconds(20));
     // The process, its thread and both ends of the pipe: the child can go on writing.
     EXPECT_EQ(openHandles(), before + 4);
+    end.set();
 }
 
 } // namespace

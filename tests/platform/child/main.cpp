@@ -3,7 +3,7 @@
 //   text T     writes T to standard output, as it is; error T to standard error
 //   lines N    writes N numbered lines that end in CR LF
 //   bytes N    writes N bytes at once
-//   forever    writes lines without an end
+//   forever    writes lines without an end, each at once
 //   pipes      writes how many pipes it has inherited
 //   pipe-size  writes the sizes of the buffers of the pipe that is its standard output
 //   startup    writes whether it was given streams, and whether output and errors are one: "1 1"
@@ -12,6 +12,7 @@
 //   folder     writes the current directory
 //   sleep MS   waits
 //   signal E   sets the event, unless something could not be written to standard output
+//   await E    goes on when the event is set; ends with 96 when it is not
 //   until E    ends with 97, wherever it is by then, when the event is set
 //   leave E    starts itself with "stay E", its standard streams inherited, and goes on when the
 //              event E-here is set; ends with 99 or 98 when that comes to nothing
@@ -67,7 +68,7 @@ void leaveBehind(const std::string& program, const std::string& event) {
                        &startup, &started) == 0) {
         ExitProcess(99);
     }
-    if (!waitForEvent(event + "-here", 15'000)) {
+    if (!waitForEvent(event + "-here", 30'000)) {
         ExitProcess(98);
     }
 }
@@ -100,7 +101,7 @@ void writeLines(long count) {
 }
 
 void writeForever() {
-    while (std::puts("a line of a listing that has no end") >= 0) {
+    while (std::puts("a line of a listing that has no end") >= 0 && std::fflush(stdout) == 0) {
     }
 }
 
@@ -183,6 +184,10 @@ int main(int argc, char** argv) {
             Sleep(static_cast<DWORD>(std::atol(value.c_str())));
         } else if (word == "signal" && std::ferror(stdout) == 0) {
             setEvent(value);
+        } else if (word == "await") {
+            if (!waitForEvent(value, longestWait)) {
+                ExitProcess(96);
+            }
         } else if (word == "until") {
             endAt(value);
         } else if (word == "leave") {
