@@ -208,6 +208,16 @@ TEST(ExitCodesTest, ARefusedCommandIs11AndShowsTheReason) {
     EXPECT_TRUE(contains(run.output, "Deploy Command Standard Output:\n"));
 }
 
+// On Windows a carriage return that ended the run's output was not written.
+TEST(ExitCodesTest, AReturnAtTheEndOfTheOutputIsWritten) {
+    VirtualServer server(
+        definition(4, faults(R"({"match": "-CFGCLR", "exitCode": 5, "output": "refused\r"})")));
+    ASSERT_TRUE(server.isReady());
+    const ProgramRun run = server.shippedZolex({"/r", "/y"});
+    EXPECT_EQ(7, run.exitCode);
+    EXPECT_TRUE(run.output.ends_with("refused\r")) << run.output;
+}
+
 TEST(ExitCodesTest, AChildThatDoesNotEndIsGivenUpAtTheLimit) {
     VirtualServer server(definition(4, faults(R"({"match": "-LdPdInfo", "delayMs": 12000})")));
     ASSERT_TRUE(server.isReady());
