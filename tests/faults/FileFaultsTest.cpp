@@ -95,6 +95,7 @@ TEST_P(FileFaults, EachIsToldAndHarmsNothing) {
                              std::to_string(n));
                 const Outcome got = FaultRun(scenario, {row.operation, n, lasting}).run();
                 EXPECT_EQ(0, got.openFiles);
+                EXPECT_EQ(0, got.openKeys);
                 if (got.struck.empty()) { // there is no n-th call
                     EXPECT_TRUE(whole.output == got.output) << got.output;
                     EXPECT_EQ(whole.calls, got.calls);

@@ -1,14 +1,16 @@
 #include "policies/Policy.h"
+#include "properties/Forecast.h"
 #include "properties/Generators.h"
 #include "properties/Intention.h"
+#include "properties/Origin.h"
 #include "properties/Property.h"
 #include "properties/VirtualMachine.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -31,6 +33,10 @@ std::string policiesFor(const VirtualServer& virtualServer, bool wild) {
         controller.forEachDrive([&](std::int32_t channel, std::int32_t id) {
             if (controller.size(channel, id) > 0) {
                 context.positions.push_back(std::to_string(channel) + ":" + std::to_string(id));
+                // As large as an array of one to three drives.
+                for (int drives = 1; drives <= 3; ++drives) {
+                    context.nearMb.push_back(controller.size(channel, id) * drives);
+                }
             }
         });
         const std::string number = std::to_string(i + 1);
@@ -56,132 +62,6 @@ std::string policiesFor(const VirtualServer& virtualServer, bool wild) {
         text += *policyTexts(context);
     }
     return text;
-}
-
-/// The times that the plan names each drive; for custom lists it can be more than once.
-bool namesADriveTwice(const RAIDConfiguration& plan) {
-    std::set<std::pair<int, int>> named;
-    bool twice = false;
-    for (const Hotspare& hotspare : plan.hotspares()) {
-        twice = !named.insert({hotspare.channelNumber, hotspare.id}).second || twice;
-    }
-    for (const RaidArray& array : plan.arrays()) {
-        for (const DrivePosition& drive : array.drives()) {
-            twice = !named.insert({drive.channel, drive.id}).second || twice;
-        }
-    }
-    return twice;
-}
-
-/// What is known of a plan that the machine refuses.
-struct Refused {
-    const Policy& policy;
-    const RAIDConfiguration& plan;
-    const Family& family;
-    const zolex_sim::Controller& before;
-    const Intention& intention;
-    bool customDrives; ///< logical drives that the policy lists
-
-    [[nodiscard]] std::size_t members() const {
-        const LogicalDrive* drive = intention.refusedDrive();
-        return drive == nullptr
-                   ? 0
-                   : plan.arrays().at(static_cast<std::size_t>(drive->arrayIndex)).drives().size();
-    }
-};
-
-// A level that `Logical_Defaults` names is planned whether or not the class has it; a listed
-// logical drive is not. It is refused by the utility that has no word for it or the machine that
-// cannot.
-bool isLevelOfDefaults(const Refused& refused) {
-    return !refused.customDrives && refused.policy.logicalDefaults &&
-           refused.intention.refusedDrive() != nullptr &&
-           refused.policy.logicalDefaults->raidLevel == refused.intention.refusedDrive()->raidLevel;
-}
-
-// Lists are planned as they are written: a drive can be named twice, or be a hot spare already. And
-// a drive that the listing shows need not be free.
-bool isDriveThatIsNotFree(const Refused& refused) {
-    const bool listed = refused.policy.customArrays || refused.policy.hotspares;
-    const bool allGood = std::all_of(
-        refused.before.drives.begin(), refused.before.drives.end(),
-        [](const zolex_sim::Drive& drive) { return drive.status == zolex_sim::DriveStatus::good; });
-    return (listed && namesADriveTwice(refused.plan)) || !allGood;
-}
-
-// RAID 10 takes its drives in pairs, which no rule of planning asks for.
-bool isOdd10(const Refused& refused) {
-    const LogicalDrive* drive = refused.intention.refusedDrive();
-    return drive != nullptr && drive->raidLevel == raid_level::raid10 && refused.members() % 2 != 0;
-}
-
-// The machine takes a number of spans and of drives in a span. HYPERWIN takes the free drives, not
-// the plan's.
-bool isNumberOfDrives(const Refused& refused) {
-    const std::size_t members = refused.members();
-    const LogicalDrive* drive = refused.intention.refusedDrive();
-    const zolex_sim::ControllerIdentity& machine = refused.before.identity;
-    return isOdd10(refused) ||
-           (drive != nullptr && drive->raidLevel == raid_level::raid10 &&
-            members / 2 > static_cast<std::size_t>(machine.maxSpans)) ||
-           members > static_cast<std::size_t>(machine.maxDrivesPerSpan) ||
-           machine.utility == "HYPERWIN";
-}
-
-// A number of MB is planned as it is written, and so are percentages that come to more than 100. An
-// odd drive that MEGACLI leaves out of RAID 10 counts in a percentage all the same.
-bool isSizeOfThePolicy(const Refused& refused) {
-    const Policy& policy = refused.policy;
-    if (isOdd10(refused) && refused.before.identity.utility == "MEGACLI") {
-        return true;
-    }
-    if (!refused.customDrives) {
-        return policy.logicalDefaults && policy.logicalDefaults->sizeMb > 0;
-    }
-    const std::int32_t array = refused.intention.refusedDrive()->arrayIndex;
-    int onArray = 0;
-    bool numbers = false;
-    for (const LogicalSpecification& drive : policy.logicalDrives) {
-        if (drive.arrayIndex == array) {
-            ++onArray;
-            numbers = numbers || drive.sizeMb > 0;
-        }
-    }
-    return numbers || onArray > 1;
-}
-
-// The machine takes fewer logical drives or hot spares than the record.
-bool isNumberOfTheMachine(const Refused& refused) {
-    const zolex_sim::ControllerIdentity& machine = refused.before.identity;
-    return refused.plan.logicalDrives().size() >
-               static_cast<std::size_t>(machine.maxLogicalDrives) ||
-           refused.plan.hotspares().size() > static_cast<std::size_t>(machine.maxHotSpares) ||
-           // 5E and 5EE take an array to themselves.
-           refused.plan.logicalDrives().size() > refused.plan.arrays().size();
-}
-
-/// Whether the documents name the case. Everything else must be accepted.
-bool isDocumented(const Refused& refused) {
-    if (refused.intention.wordless()) {
-        return isLevelOfDefaults(refused);
-    }
-    switch (refused.intention.refusal()->kind) {
-    case zolex_sim::RefusalKind::levelUnsupported:
-        return isLevelOfDefaults(refused);
-    case zolex_sim::RefusalKind::driveNamedTwice:
-    case zolex_sim::RefusalKind::driveNotFree:
-        return isDriveThatIsNotFree(refused);
-    case zolex_sim::RefusalKind::wrongDriveCount:
-        return isNumberOfDrives(refused);
-    case zolex_sim::RefusalKind::badSize:
-        return isSizeOfThePolicy(refused);
-    case zolex_sim::RefusalKind::tooMany:
-        return isNumberOfTheMachine(refused);
-    case zolex_sim::RefusalKind::driveNotFound:
-    case zolex_sim::RefusalKind::badStripe:
-        break;
-    }
-    return false;
 }
 
 /// Number of the commands of a deploy run that are no captures.
@@ -231,38 +111,92 @@ class Comparison {
     /// False when the run ends with this controller.
     bool carryOut(std::size_t i) {
         const RAIDController& planned = *machine_.controllers.controller(i);
-        const Family& family = families().at(virtualServer_.controllers[i].family);
-        const zolex_sim::Controller before = expected_.controllers[i];
-        Intention intention(planned, family.utility, expected_.controllers[i],
-                            runCommands - steps_);
-        if (!intention.generatorRefusal().empty()) {
-            tally_.count("refused by the generator");
+        const VirtualController& virtualController = virtualServer_.controllers[i];
+        const Family& family = families().at(virtualController.family);
+        const Forecast forecast(planned, family, virtualController);
+        const Origin origin(policies_.at(i), planned, forecast);
+        RC_ASSERT(origin.repeatsOnlyWhatIsListed());
+        RC_ASSERT(origin.takesOnlyWhatIsFreeOrListed());
+        if (const Cause cause = forecast.generatorCause(); cause != Cause::none) {
+            checkComplaint(forecast, origin);
             byGenerator_ = true;
             return false;
         }
+        Intention intention(planned, family.utility, expected_.controllers[i],
+                            runCommands - steps_);
         intention.carryOut();
         steps_ += intention.steps();
-        if (intention.leftOutMember()) {
-            tally_.count("a member of RAID 10 left out");
+        if (intention.refused()) {
+            checkRefusal(forecast, intention, origin);
+            return false;
         }
+        countConfigured(family, forecast);
         if (steps_ == runCommands) {
+            // Perhaps more would have followed.
             tally_.count("as many commands as are run");
-        }
-        if (!intention.refused()) {
-            tally_.count("controllers configured");
-            tally_.count(std::string("configured ") + family.utility);
+            RC_ASSERT(intention.creations() <= forecast.steps().size());
+            RC_ASSERT(!forecast.refused() || intention.creations() < forecast.steps().size());
             return true;
         }
-        tally_.count("refused by the machine");
-        const Policy& policy = policies_.at(i);
-        const Refused refused{policy,    *planned.configuration(),  family, before,
-                              intention, policy.customLogicalDrives};
-        if (!isDocumented(refused)) {
-            RC_FAIL("A refusal that no document names: " +
-                    (intention.wordless() ? std::string("no word for the level")
-                                          : intention.refusal()->reason));
+        RC_ASSERT(!forecast.refused());
+        RC_ASSERT(intention.creations() == forecast.steps().size());
+        RC_ASSERT(layoutText(machine_.server.controllers[i]) == forecast.layout());
+        return true;
+    }
+
+    /// The generator says why it makes no command lines, and the policy is the reason.
+    void checkComplaint(const Forecast& forecast, const Origin& origin) {
+        const std::string name(nameOf(forecast.generatorCause()));
+        const std::string complaint(forecast.complaint());
+        tally_.count("refused by the generator");
+        tally_.count("generator: " + name);
+        RC_ASSERT(machine_.platform.consoleFake.output.find(complaint) != std::string::npos);
+        if (!origin.explains(forecast.generatorCause())) {
+            RC_FAIL("No command lines, which no policy asked for: " + name);
         }
-        return false;
+    }
+
+    /// The machine refuses the very command that was to be refused, for such a cause, and the
+    /// policy is the reason.
+    void checkRefusal(const Forecast& forecast, const Intention& intention, const Origin& origin) {
+        const std::string reason =
+            intention.wordless() ? "no word for the level" : intention.refusal()->reason;
+        const auto kind = intention.wordless() ? zolex_sim::RefusalKind::levelUnsupported
+                                               : intention.refusal()->kind;
+        if (!forecast.refused() || intention.creations() != forecast.steps().size()) {
+            RC_FAIL("Refused, which no limit asks for: " + reason);
+        }
+        tally_.count("refused by the machine");
+        const Forecast::Step& step = forecast.steps().back();
+        bool told = false;
+        for (const Cause cause : step.causes) {
+            const std::string name(nameOf(cause));
+            if (!origin.explains(cause, step)) {
+                RC_FAIL("Refused, which no policy asked for: " + name + ". " + reason);
+            }
+            if (isKind(cause, kind)) {
+                told = true;
+                tally_.count("machine: " + name);
+                if (cause == Cause::taken && step.drive == nullptr &&
+                    origin.hasAutomaticHotspares()) {
+                    tally_.count("machine: an automatic hot spare that an array lists");
+                }
+            }
+        }
+        if (!told) {
+            RC_FAIL("Refused for another cause than the limit: " + reason);
+        }
+    }
+
+    void countConfigured(const Family& family, const Forecast& forecast) {
+        tally_.count("controllers configured");
+        tally_.count(std::string("configured ") + family.utility);
+        for (const std::string& deviation : forecast.deviations()) {
+            tally_.count("configured, but " + deviation);
+        }
+        if (forecast.deviations().empty()) {
+            tally_.count("configured just as planned");
+        }
     }
 
     const VirtualServer& virtualServer_;
@@ -277,7 +211,9 @@ class Comparison {
 TEST(DeployProperties, TheVirtualServerTakesEveryCommandOfAPlanAndBecomesThePlan) {
     checkProperty({{"deployed", 40},
                    {"controllers configured", 40},
+                   {"configured just as planned", 40},
                    {"refused by the machine", 3},
+                   {"refused by the generator", 1},
                    {"configured MEGACLI", 10},
                    {"configured ARCCONF", 8},
                    {"configured HRCONF", 6},

@@ -37,36 +37,6 @@ std::vector<const LogicalDrive*> drivesOn(const RAIDConfiguration& plan, std::si
 
 } // namespace
 
-std::string Intention::generatorRefusal() const {
-    if (plan().arrays().empty()) {
-        return "no array";
-    }
-    if (isUtility("HYPERWIN")) {
-        const std::vector<LogicalDrive>& drives = plan().logicalDrives();
-        if (drives.size() != 1 || drives.front().arrayIndex != 0) {
-            return "not exactly one logical drive";
-        }
-        if (drives.front().sizeMb != sizeFill) {
-            return "a size";
-        }
-        const std::size_t hotspares = plan().hotspares().size();
-        return (drives.front().raidLevel == raid_level::raid1 && hotspares > 0) ||
-                       (drives.front().raidLevel == raid_level::raid0 && hotspares > 1)
-                   ? "a hot spare too many"
-                   : "";
-    }
-    for (std::size_t array = 0; array < plan().arrays().size(); ++array) {
-        const std::size_t drives = drivesOn(plan(), array).size();
-        if (drives == 0) {
-            return "an array without logical drive";
-        }
-        if (drives > 1 && !isUtility("MEGACLI") && !isUtility("QTCSEND")) {
-            return "several logical drives on an array";
-        }
-    }
-    return "";
-}
-
 void Intention::carryOut() {
     if (isUtility("HYPERWIN")) {
         carryOutHyperwin();
@@ -80,10 +50,10 @@ void Intention::carryOut() {
     carryOutHotspares();
 }
 
-bool Intention::step(std::optional<zolex_sim::Refusal> refusal, const LogicalDrive* drive) {
+bool Intention::creation(std::optional<zolex_sim::Refusal> refusal) {
     ++steps_;
+    ++creations_;
     refusal_ = std::move(refusal);
-    refusedDrive_ = drive;
     return !refusal_;
 }
 
@@ -107,9 +77,8 @@ bool Intention::create(std::size_t array, const LogicalDrive& drive) {
     }
     const std::optional<RaidLevel> level = levelOf(drive);
     if (!level) {
-        ++steps_;
         wordless_ = true;
-        refusedDrive_ = &drive;
+        creation(std::nullopt);
         return false;
     }
     const RaidArray& members = plan().arrays()[array];
@@ -129,7 +98,7 @@ bool Intention::create(std::size_t array, const LogicalDrive& drive) {
                                                                       : WritePolicy::writeThrough;
         }
     }
-    return step(createLogicalDrive(target_, request), &drive);
+    return creation(createLogicalDrive(target_, request));
 }
 
 bool Intention::addOnArray(std::size_t array, const LogicalDrive& drive) {
@@ -152,14 +121,14 @@ bool Intention::addOnArray(std::size_t array, const LogicalDrive& drive) {
         }
         request.sizeMb = left < 0 ? 0 : static_cast<std::int64_t>(std::lround(left * part(drive)));
     }
-    return step(addLogicalDrive(target_, array, request), &drive);
+    return creation(addLogicalDrive(target_, array, request));
 }
 
 bool Intention::setCaches(std::size_t array, const LogicalDrive& drive) {
     zolex_sim::LogicalDrive& made = target_.logicalDrives.at(array);
     if (plan().readAhead == read_ahead::off && steps_ < mostSteps_) {
         made.readPolicy = ReadPolicy::none;
-        step(std::nullopt, nullptr);
+        ++steps_;
     }
     if (drive.writeCache != write_cache::notGiven && steps_ < mostSteps_) {
         const bool on = drive.writeCache == write_cache::on;
@@ -167,7 +136,7 @@ bool Intention::setCaches(std::size_t array, const LogicalDrive& drive) {
         const bool plain = planned_.type() == controller_type::arcconf2 || planned_.subtype() == 1;
         made.writePolicy = on ? WritePolicy::writeBack : WritePolicy::writeThrough;
         made.batteryProtected = on && !plain;
-        step(std::nullopt, nullptr);
+        ++steps_;
     }
     return true;
 }
@@ -178,11 +147,10 @@ bool Intention::carryOutHotspares() {
         locations.push_back(locate(hotspare.channelNumber, hotspare.id));
     }
     if (isUtility("MEGACLI")) {
-        return locations.empty() || steps_ == mostSteps_ ||
-               step(addSpares(target_, locations), nullptr);
+        return locations.empty() || steps_ == mostSteps_ || creation(addSpares(target_, locations));
     }
     return std::all_of(locations.begin(), locations.end(), [this](const DriveLocation& location) {
-        return steps_ < mostSteps_ && step(addSpares(target_, {location}), nullptr);
+        return steps_ < mostSteps_ && creation(addSpares(target_, {location}));
     });
 }
 
@@ -193,9 +161,8 @@ bool Intention::carryOutHyperwin() {
         return false;
     }
     if (drive.raidLevel != raid_level::raid0 && drive.raidLevel != raid_level::raid1) {
-        ++steps_;
         wordless_ = true;
-        refusedDrive_ = &drive;
+        creation(std::nullopt);
         return false;
     }
     zolex_sim::Controller changed = target_;
@@ -220,7 +187,7 @@ bool Intention::carryOutHyperwin() {
     if (!refusal) {
         refusal = createLogicalDrive(changed, request);
     }
-    if (!step(refusal, &drive)) {
+    if (!creation(refusal)) {
         return false;
     }
     target_ = changed;
@@ -228,7 +195,7 @@ bool Intention::carryOutHyperwin() {
         target_.logicalDrives.front().writePolicy = drive.writeCache == write_cache::on
                                                         ? WritePolicy::writeBack
                                                         : WritePolicy::writeThrough;
-        step(std::nullopt, nullptr);
+        ++steps_;
     }
     return true;
 }
@@ -261,7 +228,7 @@ std::optional<RaidLevel> Intention::levelOf(const LogicalDrive& drive) const {
 }
 
 std::vector<std::vector<DriveLocation>> Intention::spansOf(RaidLevel level,
-                                                           const RaidArray& array) {
+                                                           const RaidArray& array) const {
     const std::size_t drives = array.drives().size();
     std::size_t perSpan = drives;
     if (level == RaidLevel::raid10) {
@@ -272,8 +239,7 @@ std::vector<std::vector<DriveLocation>> Intention::spansOf(RaidLevel level,
     std::vector<std::vector<DriveLocation>> spans;
     for (std::size_t i = 0; i < drives; ++i) {
         if (isUtility("MEGACLI") && i % perSpan == 0 && i + perSpan > drives) {
-            leftOutMember_ = true;
-            break;
+            break; // the odd one is left out
         }
         if (i % perSpan == 0) {
             spans.emplace_back();

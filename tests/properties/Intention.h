@@ -23,24 +23,20 @@ class Intention {
               zolex_sim::Controller& target, std::size_t mostSteps)
         : planned_(planned), utility_(utility), target_(target), mostSteps_(mostSteps) {}
 
-    /// Why no command line can be made for the plan; empty when they can.
-    [[nodiscard]] std::string generatorRefusal() const;
-
-    /// Does the steps in order up to the first that the machine refuses.
+    /// Does the steps in order up to the first that the machine refuses. Command lines can be made
+    /// for the plan.
     void carryOut();
 
     [[nodiscard]] std::size_t steps() const { return steps_; }
+    /// The steps that make logical drives or hot spares.
+    [[nodiscard]] std::size_t creations() const { return creations_; }
     /// The last step was refused: by the machine, or since the utility has no word for the level.
     [[nodiscard]] bool refused() const { return refusal_.has_value() || wordless_; }
     [[nodiscard]] bool wordless() const { return wordless_; }
     [[nodiscard]] const std::optional<zolex_sim::Refusal>& refusal() const { return refusal_; }
-    /// The logical drive of the refused step; null when it was for a hot spare.
-    [[nodiscard]] const LogicalDrive* refusedDrive() const { return refusedDrive_; }
-    /// A member was left out, since the utility takes the drives in pairs.
-    [[nodiscard]] bool leftOutMember() const { return leftOutMember_; }
 
   private:
-    bool step(std::optional<zolex_sim::Refusal> refusal, const LogicalDrive* drive);
+    bool creation(std::optional<zolex_sim::Refusal> refusal);
     bool carryOutArray(std::size_t array);
     bool create(std::size_t array, const LogicalDrive& drive);
     bool addOnArray(std::size_t array, const LogicalDrive& drive);
@@ -53,7 +49,7 @@ class Intention {
     [[nodiscard]] zolex_sim::DriveLocation locate(std::int32_t channel, std::int32_t id) const;
     [[nodiscard]] std::optional<zolex_sim::RaidLevel> levelOf(const LogicalDrive& drive) const;
     [[nodiscard]] std::vector<std::vector<zolex_sim::DriveLocation>>
-    spansOf(zolex_sim::RaidLevel level, const RaidArray& array);
+    spansOf(zolex_sim::RaidLevel level, const RaidArray& array) const;
     [[nodiscard]] std::optional<int> stripeOf(zolex_sim::RaidLevel level, std::size_t drives) const;
 
     const RAIDController& planned_;
@@ -61,10 +57,9 @@ class Intention {
     zolex_sim::Controller& target_;
     std::size_t mostSteps_;
     std::size_t steps_ = 0;
+    std::size_t creations_ = 0;
     std::optional<zolex_sim::Refusal> refusal_;
     bool wordless_ = false;
-    bool leftOutMember_ = false;
-    const LogicalDrive* refusedDrive_ = nullptr;
 };
 
 /// Arrays, logical drives and the status of every drive, but for the names of logical drives.
