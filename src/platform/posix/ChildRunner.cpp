@@ -251,10 +251,8 @@ class Watch {
     /// child left behind) is not waited for.
     void drain(std::string& output) {
         int waiting = 0;
-        if (::ioctl(readEnd_.get(), FIONREAD, &waiting) != 0) {
-            return;
-        }
-        auto left = static_cast<std::size_t>(std::max(waiting, 0));
+        const bool told = ::ioctl(readEnd_.get(), FIONREAD, &waiting) == 0;
+        auto left = static_cast<std::size_t>(told ? std::max(waiting, 0) : 0);
         while (left > 0) {
             const auto taken = takeUp(output, left);
             if (!taken) {
