@@ -1,4 +1,5 @@
-# Sourced: install_packages NAME... installs the Debian packages that are missing.
+# install_packages NAME... installs the Debian packages that are missing. Sourced by scripts of the
+# shell; the others run this file with the names.
 install_packages() {
     local missing=() package
     for package in "$@"; do
@@ -13,3 +14,4 @@ install_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
+[ "${BASH_SOURCE[0]}" != "$0" ] || install_packages "$@"
