@@ -4,8 +4,8 @@
 #include "MemoryPlatform.h"
 
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
 #include "foundation/IniFile.h"
+#include "inventory/ControllerList.h"
 
 #include <benchmark/benchmark.h>
 

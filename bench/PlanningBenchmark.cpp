@@ -5,9 +5,9 @@
 
 #include "commands/CommandGenerator.h"
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
-#include "controllers/RAIDController.h"
 #include "engine/PolicyInterpreter.h"
+#include "inventory/ControllerList.h"
+#include "model/RAIDController.h"
 #include "policies/PolicyReader.h"
 
 #include <benchmark/benchmark.h>

@@ -6,7 +6,7 @@
 #include "MemoryPlatform.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "platform/CapturedOutput.h"
 #include "readers/ConfigurationReader.h"
 

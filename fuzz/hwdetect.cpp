@@ -1,5 +1,5 @@
 #include "controllers/Application.h"
-#include "controllers/ZOLEXSupport.h"
+#include "inventory/ZOLEXSupport.h"
 #include "support/Check.h"
 #include "support/FakePlatform.h"
 #include "support/Input.h"

@@ -1,4 +1,4 @@
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 #include "support/ReaderRun.h"
 
 #include <array>

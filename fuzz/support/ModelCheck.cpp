@@ -1,6 +1,6 @@
 #include "support/ModelCheck.h"
 
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "policies/Policy.h"
 #include "support/Check.h"
 

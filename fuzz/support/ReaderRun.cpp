@@ -1,7 +1,7 @@
 #include "support/ReaderRun.h"
 
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 #include "policies/PolicyText.h"
 #include "readers/DiskInformation.h"
 #include "support/Check.h"

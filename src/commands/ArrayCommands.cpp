@@ -1,7 +1,7 @@
 #include "commands/ArrayCommands.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 
 namespace zolex {
 

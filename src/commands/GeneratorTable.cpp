@@ -5,7 +5,7 @@
 #include "commands/HYPERWINCommands.h"
 #include "commands/MEGAWinCommands.h"
 #include "commands/QTCSENDCommands.h"
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "controllers/ControllerCatalogue.h"
+#include "driver/PrinterReport.h"
 #include "foundation/CString.h"
 #include "foundation/Printer.h"
+#include "foundation/Report.h"
 #include "foundation/Settings.h"
+#include "model/ControllerCatalogue.h"
 #include "platform/Platform.h"
 #include "platform/Tool.h"
 
@@ -16,12 +18,14 @@ namespace zolex {
 /// It knows nothing of the modes.
 class Application {
   public:
-    explicit Application(Platform& platform) : platform_(platform), printer_(platform.console()) {}
+    explicit Application(Platform& platform)
+        : platform_(platform), printer_(platform.console()), report_(printer_) {}
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
     [[nodiscard]] Platform& platform() { return platform_; }
     [[nodiscard]] Printer& printer() { return printer_; }
+    [[nodiscard]] Report& report() { return report_; }
     [[nodiscard]] ControllerCatalogue& catalogue() { return catalogue_; }
     /// The commands of the current deploy run.
     [[nodiscard]] CommandList& commands() { return catalogue_.commandList(); }
@@ -47,6 +51,7 @@ class Application {
   private:
     Platform& platform_;
     Printer printer_;
+    PrinterReport report_;
     ControllerCatalogue catalogue_;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "engine/Planning.h"
 #include "engine/RAIDConfigCreator.h"
+#include "model/RAIDController.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controllers/Configuration.h"
-#include "controllers/RAIDController.h"
+#include "model/Configuration.h"
+#include "model/RAIDController.h"
 
 #include <array>
 #include <cstddef>

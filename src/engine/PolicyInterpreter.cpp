@@ -1,9 +1,10 @@
 #include "engine/PolicyInterpreter.h"
 
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
 #include "engine/ConfigClasses.h"
 #include "foundation/IniFile.h"
+#include "inventory/ControllerList.h"
+#include "show/Dumps.h"
 
 namespace zolex {
 
@@ -102,7 +103,7 @@ void PolicyInterpreter::reportPlan(const RAIDController& controller, std::int32_
                    modelName(controller).c_str(), number, policy.name.c_str());
     if (printer.isVerbose()) {
         printer.trace("Dumping controller information.\n");
-        configuration->dump(printer);
+        printer.printAlways(show::dumpText(*configuration));
     }
 }
 

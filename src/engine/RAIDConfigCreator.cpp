@@ -1,9 +1,9 @@
 #include "engine/RAIDConfigCreator.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "engine/Planning.h"
 #include "foundation/Text.h"
+#include "model/RAIDController.h"
 
 #include <array>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controllers/Configuration.h"
 #include "foundation/CString.h"
+#include "model/Configuration.h"
 #include "policies/Policy.h"
 
 #include <cstddef>

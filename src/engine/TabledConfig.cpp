@@ -1,7 +1,7 @@
 #include "engine/TabledConfig.h"
 
-#include "controllers/RAIDController.h"
 #include "engine/Planning.h"
+#include "model/RAIDController.h"
 
 #include <algorithm>
 

@@ -2,20 +2,12 @@
 
 #include "foundation/CString.h"
 #include "foundation/Console.h"
+#include "foundation/Levels.h"
+#include "foundation/Report.h"
 
 #include <cstdint>
 
 namespace zolex {
-
-/// Verbosity levels. A message is shown when its level is at most the verbosity.
-namespace level {
-inline constexpr std::int32_t unset = -1;
-inline constexpr std::int32_t always = 0;
-inline constexpr std::int32_t shortage = 1; ///< the planner's "not enough drives" lines
-inline constexpr std::int32_t progress = 3;
-inline constexpr std::int32_t detail = 5;
-inline constexpr std::int32_t traces = 9;
-} // namespace level
 
 /// The gated printers. Every text of the program goes through one of them; each is visible when the
 /// call returns.
@@ -41,20 +33,12 @@ class Printer {
     void debugLine(std::string_view message);
 
     // printf-style forms, checked by the compiler.
-#if defined(__MINGW32__)
-#define ZOLEX_PRINTF(formatAt, valuesAt) [[gnu::format(gnu_printf, formatAt, valuesAt)]]
-#else
-#define ZOLEX_PRINTF(formatAt, valuesAt) [[gnu::format(printf, formatAt, valuesAt)]]
-#endif
     ZOLEX_PRINTF(3, 4) void printf(std::int32_t messageLevel, const char* format, ...);
     ZOLEX_PRINTF(2, 3) void printfAlways(const char* format, ...);
     ZOLEX_PRINTF(2, 3) void tracef(const char* format, ...);
     ZOLEX_PRINTF(2, 3) void errorBlockf(const char* format, ...);
-#undef ZOLEX_PRINTF
 
-    [[nodiscard]] Console& console() {
-        return console_;
-    }
+    [[nodiscard]] Console& console() { return console_; }
 
   private:
     Console& console_;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "controllers/Codes.h"
-#include "controllers/Configuration.h"
 #include "foundation/CString.h"
+#include "model/Codes.h"
+#include "model/Configuration.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "policies/PolicyGenerator.h"
 
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
 #include "foundation/TemporaryFile.h"
+#include "inventory/ControllerList.h"
 #include "policies/PolicyReader.h"
 #include "policies/PolicyText.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controllers/RAIDController.h"
 #include "foundation/CString.h"
+#include "model/RAIDController.h"
 #include "platform/Platform.h"
 
 #include <cstdint>

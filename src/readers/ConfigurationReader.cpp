@@ -1,7 +1,7 @@
 #include "readers/ConfigurationReader.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Configuration.h"
+#include "model/Configuration.h"
 #include "platform/CapturedOutput.h"
 
 #include <cstdint>

@@ -1,10 +1,11 @@
 #include "readers/DiskInformation.h"
 
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
-#include "controllers/RAIDController.h"
 #include "foundation/IniFile.h"
+#include "inventory/ControllerList.h"
+#include "model/RAIDController.h"
 #include "readers/ConfigurationReader.h"
+#include "show/Dumps.h"
 
 #include <cstddef>
 #include <utility>
@@ -82,7 +83,7 @@ bool DiskInformation::parseDiskInfo(std::unique_ptr<ConfigurationReader> reader,
         return false;
     }
     if (printer.isVerbose()) {
-        controller.dump(printer, application_.settings.capture);
+        printer.printAlways(show::dumpText(controller, application_.settings.capture));
     }
     printer.trace("Exiting DiskInformation::parseDiskInfo, returning true\n");
     return true;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "readers/LayoutReader.h"
 #include "readers/ListingValues.h"
 

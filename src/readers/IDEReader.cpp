@@ -1,8 +1,8 @@
 #include "readers/IDEReader.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "foundation/Text.h"
+#include "model/RAIDController.h"
 #include "readers/ListingValues.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "controllers/Configuration.h"
-#include "controllers/RAIDController.h"
 #include "foundation/CString.h"
+#include "model/Configuration.h"
+#include "model/RAIDController.h"
 #include "readers/LayoutReader.h"
 
 #include <cstdint>

@@ -1,5 +1,7 @@
 #include "readers/KXReader.h"
 
+#include "show/Dumps.h"
+
 #include "controllers/Application.h"
 #include "foundation/Text.h"
 #include "readers/ListingValues.h"
@@ -173,7 +175,7 @@ void KXReader::storeDrive(const Device& device) {
     }
     const bool debug = application().settings.debug;
     if (debug) {
-        disk.dump(printer());
+        printer().printAlways(show::dumpText(disk));
     }
     if (device.hotSpare && configuration() != nullptr) {
         const Hotspare hotspare = {.channelNumber = disk.channelNumber,
@@ -181,7 +183,7 @@ void KXReader::storeDrive(const Device& device) {
                                    .diskNumber = placesBySlot_ ? disk.id : -1};
         addHotspare(*configuration(), hotspare);
         if (debug) {
-            hotspare.dump(printer());
+            printer().printAlways(show::dumpText(hotspare));
         }
     }
 }

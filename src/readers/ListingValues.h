@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Configuration.h"
+#include "model/Configuration.h"
 
 #include <cstddef>
 #include <cstdint>

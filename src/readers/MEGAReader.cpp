@@ -1,9 +1,10 @@
 #include "readers/MEGAReader.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "foundation/Text.h"
+#include "model/RAIDController.h"
 #include "readers/MegaCliText.h"
+#include "show/Dumps.h"
 
 #include <algorithm>
 #include <utility>
@@ -242,7 +243,7 @@ void MEGAReader::storeDrive(const DriveBlock& block) {
     }
     // What stands behind the last drive is no drive.
     if (application().settings.debug && (hasEnclosure || hasSlot)) {
-        block.record.dump(printer);
+        printer.printAlways(show::dumpText(block.record));
     }
 }
 

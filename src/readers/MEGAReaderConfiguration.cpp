@@ -1,8 +1,8 @@
 // The configuration listing: virtual disks and their members.
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "foundation/Text.h"
+#include "model/RAIDController.h"
 #include "readers/MEGAReader.h"
 #include "readers/MegaCliText.h"
 

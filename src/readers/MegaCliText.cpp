@@ -1,7 +1,7 @@
 #include "readers/MegaCliText.h"
 
-#include "controllers/Codes.h"
 #include "foundation/Text.h"
+#include "model/Codes.h"
 #include "readers/ListingValues.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "readers/KXReader.h"
 #include "readers/MEGAReader.h"
 
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 
 #include <algorithm>
 #include <array>

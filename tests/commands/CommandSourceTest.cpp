@@ -1,8 +1,8 @@
 #include "commands/CommandSource.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "foundation/FileSystem.h"
+#include "model/RAIDController.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

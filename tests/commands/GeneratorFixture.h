@@ -2,7 +2,7 @@
 
 #include "commands/CommandGenerator.h"
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

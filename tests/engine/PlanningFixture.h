@@ -1,8 +1,8 @@
 #pragma once
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
 #include "engine/ConfigClasses.h"
+#include "model/RAIDController.h"
 #include "policies/Policy.h"
 #include "support/FakePlatform.h"
 

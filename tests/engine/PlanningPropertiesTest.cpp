@@ -1,5 +1,7 @@
 #include "engine/PlanningFixture.h"
 
+#include "show/Dumps.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -85,7 +87,7 @@ std::string runOnce(Bench& bench, RAIDController& controller, const Policy& poli
                        "\n" + describe(controller) + "\n" + describeUsed(controller) + "\n" +
                        bench.takeOutput();
     if (controller.configuration() != nullptr) {
-        controller.configuration()->dump(bench.application.printer());
+        bench.application.printer().printAlways(show::dumpText(*controller.configuration()));
         text += bench.takeOutput();
     }
     return text;

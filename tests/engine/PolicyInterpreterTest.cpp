@@ -1,7 +1,7 @@
 #include "engine/PolicyInterpreter.h"
 
-#include "controllers/ControllerList.h"
 #include "engine/PlanningFixture.h"
+#include "inventory/ControllerList.h"
 
 #include <gtest/gtest.h>
 
@@ -348,7 +348,7 @@ TEST(CreateConfigurations, APlannedControllerIsDumpedInVerboseMode) {
 
     Printer& printer = machine.application.printer();
     printer.setVerbosity(level::always);
-    controller.configuration()->dump(printer);
+    printer.printAlways(show::dumpText(*controller.configuration()));
     const std::string dump = machine.takeOutput();
     const auto replan = [](std::int32_t verbosity) {
         Machine other;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 #include "policies/PolicyGenerator.h"
 #include "policies/PolicyTestSupport.h"
 

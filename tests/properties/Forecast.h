@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "model/Server.h"
 #include "properties/Limits.h"
 #include "properties/VirtualMachine.h"

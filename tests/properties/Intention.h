@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controllers/RAIDController.h"
 #include "model/Operations.h"
+#include "model/RAIDController.h"
 #include "model/Server.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "properties/Limits.h"
 
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 #include "policies/PolicyGenerator.h"
 #include "properties/Generators.h"
 #include "properties/Property.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controllers/ControllerList.h"
 #include "driver/ZOLEX.h"
+#include "inventory/ControllerList.h"
 #include "model/Server.h"
 #include "support/FakePlatform.h"
 

@@ -1,7 +1,7 @@
 #include "readers/ARCReader.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "readers/ListingSupport.h"
 #include "support/FakePlatform.h"
 #include "support/TestData.h"

@@ -1,6 +1,6 @@
 #include "readers/ConfigurationReader.h"
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "readers/DiskInformation.h"
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 #include "readers/ConfigurationReader.h"
 #include "readers/MegaCliListings.h"
 #include "support/FakePlatform.h"

@@ -1,7 +1,7 @@
 #include "readers/IDEReader.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "readers/ListingSupport.h"
 #include "readers/MegaCliListings.h"
 #include "support/FakePlatform.h"

@@ -1,4 +1,4 @@
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 #include "readers/ListingSupport.h"
 #include "support/FakePlatform.h"
 #include "support/TestData.h"

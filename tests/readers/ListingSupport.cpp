@@ -1,7 +1,7 @@
 #include "readers/ListingSupport.h"
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "readers/ConfigurationReader.h"
 #include "readers/MegaCliListings.h"
 #include "support/FakePlatform.h"

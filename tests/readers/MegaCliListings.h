@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controllers/Application.h"
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 #include "readers/MEGAReader.h"
 #include "support/FakePlatform.h"
 

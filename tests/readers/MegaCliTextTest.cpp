@@ -1,5 +1,5 @@
 #include "readers/MegaCliText.h"
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 
 #include <gtest/gtest.h>
 

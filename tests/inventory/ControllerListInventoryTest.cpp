@@ -1,6 +1,6 @@
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
 #include "foundation/IniFile.h"
+#include "inventory/ControllerList.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

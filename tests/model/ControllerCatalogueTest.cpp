@@ -1,6 +1,6 @@
-#include "controllers/ControllerCatalogue.h"
+#include "model/ControllerCatalogue.h"
 
-#include "controllers/Codes.h"
+#include "model/Codes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,30 +1,8 @@
-#include "controllers/RAIDController.h"
-
-#include "foundation/Printer.h"
+#include "model/RAIDController.h"
 
 #include <utility>
 
 namespace zolex {
-
-namespace {
-
-const char* textOf(const std::optional<CString>& text) {
-    return text ? text->c_str() : "";
-}
-
-} // namespace
-
-void RaidDisk::dump(Printer& printer) const {
-    printer.printAlways("Contents of RaidDisk:\n");
-    printer.printfAlways("  Channel Number:    %d\n", channelNumber);
-    printer.printfAlways("  ID:                %d\n", id);
-    printer.printfAlways("  Disk Number:       %d\n", diskNumber);
-    printer.printfAlways("  Size:              %ld\n", static_cast<long>(sizeMb));
-    printer.printfAlways("  Serial Number:     %s\n", serialNumber.c_str());
-    printer.printfAlways("  Reported Location: %s\n", reportedLocation.c_str());
-    printer.printfAlways("  State:             %s\n", state.c_str());
-    printer.printfAlways("  Derived State:     %s\n\n", derivedState.c_str());
-}
 
 RAIDController::Drive* RAIDController::at(std::int32_t channel, std::int32_t id) {
     return const_cast<Drive*>(std::as_const(*this).at(channel, id));
@@ -143,7 +121,10 @@ bool RAIDController::setUsed(std::int32_t channel, std::int32_t id, bool used) {
 }
 
 bool RAIDController::setConfiguration(std::unique_ptr<RAIDConfiguration> configuration) {
-    configuration_ = std::move(configuration);
+    configuration_.reset();
+    if (configuration) {
+        configuration_ = std::move(*configuration);
+    }
     return true;
 }
 
@@ -213,29 +194,6 @@ std::int32_t RAIDController::numberOfDrives() const {
     std::int32_t n = 0;
     forEachDrive([&n](std::int32_t, std::int32_t) { ++n; });
     return n;
-}
-
-void RAIDController::dump(Printer& printer, bool withConfiguration) const {
-    printer.printAlways("***** DUMPING RAID CONTROLLER INFO *********\n");
-    printer.printfAlways("Type:       %d\n", type_);
-    printer.printfAlways("BIOSVersion =%s \n", textOf(biosVersion_));
-    printer.printfAlways("FirmwareVersion =%s \n", textOf(firmwareVersion_));
-    printer.printfAlways("Scan order: %d\n", scanOrder_);
-    printer.printfAlways("Number of Drives=%d\n", numberOfDrives());
-    printer.printAlways("Drives:\nnth=(chan,sid,tid,type) size\n");
-    int nth = 0;
-    forEachDrive([&](std::int32_t channel, std::int32_t id) {
-        printer.printfAlways("%2d(%2d,%2d,%2d,%4s) %ldMB\n", ++nth, channel, id,
-                             targetId(channel, id), textOf(driveType(channel, id)),
-                             static_cast<long>(size(channel, id)));
-    });
-    printer.printAlways("\n");
-    if (withConfiguration && configuration_) {
-        configuration_->dump(printer);
-    }
-    printer.printAlways("\n");
-    forEachDrive(
-        [&](std::int32_t channel, std::int32_t id) { driveRecord(channel, id).dump(printer); });
 }
 
 } // namespace zolex

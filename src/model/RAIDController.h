@@ -1,8 +1,8 @@
 #pragma once
 
-#include "controllers/Codes.h"
-#include "controllers/Configuration.h"
 #include "foundation/CString.h"
+#include "model/Codes.h"
+#include "model/Configuration.h"
 #include "platform/CapturedOutput.h"
 
 #include <array>
@@ -12,8 +12,6 @@
 #include <optional>
 
 namespace zolex {
-
-class Printer;
 
 /// One physical drive as a reader reports it.
 struct RaidDisk {
@@ -26,7 +24,7 @@ struct RaidDisk {
     CString state;        ///< the utility's own word
     CString derivedState; ///< "GOOD", "BAD", "????"
 
-    void dump(Printer& printer) const;
+    friend bool operator==(const RaidDisk&, const RaidDisk&) = default;
 };
 
 /// One detected controller, its drives, and the configuration that was captured from it or planned
@@ -99,7 +97,12 @@ class RAIDController {
     [[nodiscard]] const std::optional<CString>& driveType(std::int32_t channel,
                                                           std::int32_t id) const;
     [[nodiscard]] const RaidDisk& driveRecord(std::int32_t channel, std::int32_t id) const;
-    [[nodiscard]] RAIDConfiguration* configuration() const { return configuration_.get(); }
+    [[nodiscard]] const RAIDConfiguration* configuration() const {
+        return configuration_ ? &*configuration_ : nullptr;
+    }
+    [[nodiscard]] RAIDConfiguration* configuration() {
+        return configuration_ ? &*configuration_ : nullptr;
+    }
     /// Null for an empty slot and for i above 3.
     [[nodiscard]] std::shared_ptr<CapturedOutput> capturedOutput(std::size_t i) const;
     [[nodiscard]] bool channelReassignment() const { return channelReassignment_; }
@@ -118,9 +121,7 @@ class RAIDController {
         }
     }
 
-    /// The record as text on standard output, at every verbosity; with the configuration's own dump
-    /// when asked.
-    void dump(Printer& printer, bool withConfiguration) const;
+    friend bool operator==(const RAIDController&, const RAIDController&) = default;
 
   private:
     struct Drive {
@@ -129,12 +130,13 @@ class RAIDController {
         bool used = false;
         std::optional<CString> type;
         RaidDisk record;
+        friend bool operator==(const Drive&, const Drive&) = default;
     };
 
     [[nodiscard]] Drive* at(std::int32_t channel, std::int32_t id);
     [[nodiscard]] const Drive* at(std::int32_t channel, std::int32_t id) const;
 
-    std::unique_ptr<RAIDConfiguration> configuration_;
+    std::optional<RAIDConfiguration> configuration_;
     std::int32_t type_ = controller_type::none;
     std::int32_t subtype_ = subtypeNotSet;
     std::int32_t scanOrder_ = 0;

@@ -1,6 +1,7 @@
-#include "controllers/Configuration.h"
+#include "model/Configuration.h"
 
 #include "foundation/Printer.h"
+#include "show/Dumps.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@ namespace {
 std::string dumpOf(const RAIDConfiguration& configuration) {
     test::FakeConsole console;
     Printer printer(console);
-    configuration.dump(printer);
+    printer.printAlways(show::dumpText(configuration));
     EXPECT_EQ(console.error, "");
     return console.output;
 }
@@ -295,7 +296,7 @@ TEST(RAIDConfiguration, DumpsAtEveryVerbosity) {
         test::FakeConsole console;
         Printer printer(console);
         printer.setVerbosity(verbosity);
-        configuration.dump(printer);
+        printer.printAlways(show::dumpText(configuration));
         EXPECT_EQ(console.output, dumpOf(configuration)) << verbosity;
     }
 }
@@ -303,7 +304,7 @@ TEST(RAIDConfiguration, DumpsAtEveryVerbosity) {
 TEST(Hotspare, Dumps) {
     test::FakeConsole console;
     Printer printer(console);
-    Hotspare{2, 11, 7, 14}.dump(printer);
+    printer.printAlways(show::dumpText(Hotspare{2, 11, 7, 14}));
     EXPECT_EQ(console.output, "Contents of Hotspare:\n"
                               "  Channel Number:    2\n"
                               "  ID:                11\n"

@@ -1,15 +1,13 @@
 #pragma once
 
-#include "controllers/Codes.h"
 #include "foundation/CString.h"
+#include "model/Codes.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace zolex {
-
-class Printer;
 
 /// A drive position: channel 0 to 4 (only 1 to 4 hold drives that count), id 0 to 35.
 struct DrivePosition {
@@ -45,6 +43,8 @@ class RaidArray {
     bool tooManyDrives = false;
     CString text;
 
+    friend bool operator==(const RaidArray&, const RaidArray&) = default;
+
   private:
     std::vector<DrivePosition> drives_;
     std::vector<std::int32_t> driveNumbers_;
@@ -58,6 +58,7 @@ struct LogicalDrive {
     std::int32_t writeCache = write_cache::notGiven;
     CString state;
     CString derivedState;
+    friend bool operator==(const LogicalDrive&, const LogicalDrive&) = default;
 };
 
 /// A hot-spare drive.
@@ -66,7 +67,7 @@ struct Hotspare {
     std::int32_t id = -1;
     std::int32_t third = -1;
     std::int32_t diskNumber = -1;
-    void dump(Printer& printer) const;
+    friend bool operator==(const Hotspare&, const Hotspare&) = default;
 };
 
 /// One controller's layout: captured from it, or planned for it.
@@ -92,8 +93,7 @@ class RAIDConfiguration {
     [[nodiscard]] const std::vector<LogicalDrive>& logicalDrives() const { return logicalDrives_; }
     [[nodiscard]] const std::vector<Hotspare>& hotspares() const { return hotspares_; }
 
-    /// The layout as text on standard output, at every verbosity.
-    void dump(Printer& printer) const;
+    friend bool operator==(const RAIDConfiguration&, const RAIDConfiguration&) = default;
 
   private:
     std::vector<RaidArray> arrays_;

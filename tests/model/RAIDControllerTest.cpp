@@ -1,6 +1,7 @@
-#include "controllers/RAIDController.h"
+#include "model/RAIDController.h"
 
 #include "foundation/Printer.h"
+#include "show/Dumps.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
 std::string dumpOf(const RAIDController& controller, bool withConfiguration) {
     test::FakeConsole console;
     Printer printer(console);
-    controller.dump(printer, withConfiguration);
+    printer.printAlways(show::dumpText(controller, withConfiguration));
     EXPECT_EQ(console.error, "");
     return console.output;
 }
@@ -261,7 +262,7 @@ TEST(RaidDisk, Dumps) {
     test::FakeConsole console;
     Printer printer(console);
     RaidDisk disk;
-    disk.dump(printer);
+    printer.printAlways(show::dumpText(disk));
     EXPECT_EQ(console.takeOutput(), "Contents of RaidDisk:\n"
                                     "  Channel Number:    -1\n"
                                     "  ID:                -1\n"
@@ -279,7 +280,7 @@ TEST(RaidDisk, Dumps) {
     disk.reportedLocation = "Enclosure 1, Slot 14";
     disk.state = "Online, Spun Up";
     disk.derivedState = "GOOD";
-    disk.dump(printer);
+    printer.printAlways(show::dumpText(disk));
     EXPECT_EQ(console.output, "Contents of RaidDisk:\n"
                               "  Channel Number:    2\n"
                               "  ID:                14\n"

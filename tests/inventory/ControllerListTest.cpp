@@ -1,6 +1,7 @@
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 
 #include "controllers/Application.h"
+#include "show/Dumps.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -406,7 +407,7 @@ TEST(ControllerList, DumpsEveryControllerBehindItsHeader) {
                           static_cast<const void*>(&controller));
             test::FakeConsole console;
             Printer printer(console);
-            controller.dump(printer, withConfiguration);
+            printer.printAlways(show::dumpText(controller, withConfiguration));
             expected += header + console.output;
         }
         machine.list.dump(machine.application, withConfiguration);

@@ -1,5 +1,5 @@
 #include "controllers/Application.h"
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,9 @@
-#include "controllers/ControllerList.h"
+#include "inventory/ControllerList.h"
 
 #include "controllers/Application.h"
-#include "controllers/ZOLEXSupport.h"
 #include "foundation/IniFile.h"
+#include "inventory/ZOLEXSupport.h"
+#include "show/Dumps.h"
 
 #include <algorithm>
 #include <utility>
@@ -317,7 +318,7 @@ void ControllerList::dump(Application& application, bool withConfiguration) cons
     for (std::size_t i = 0; i < count_; ++i) {
         printer.printfAlways("**** Dumping RAIDController at address %p\n",
                              static_cast<const void*>(controllers_[i].get()));
-        controllers_[i]->dump(printer, withConfiguration);
+        printer.printAlways(show::dumpText(*controllers_[i], withConfiguration));
     }
 }
 

@@ -1,4 +1,4 @@
-#include "controllers/ZOLEXSupport.h"
+#include "inventory/ZOLEXSupport.h"
 
 #include "controllers/Application.h"
 #include "support/FakePlatform.h"
