@@ -93,7 +93,7 @@ void readInventory(benchmark::State& state) {
         const CpuTime time(state);
         IniFile inventory(platform.files(), inventoryFileName, true);
         ControllerList list;
-        if (!list.initialize(inventory, application) ||
+        if (!list.initialize(inventory, application.report()) ||
             list.controller(list.count() - 1)->numberOfDrives() != drives) {
             state.SkipWithError("the inventory was not read");
             break;

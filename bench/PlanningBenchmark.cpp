@@ -45,7 +45,7 @@ ControllerList largestServer(const Types& types) {
                 controller->setSizeAndTarget(channel, id, sizeMb, channel + 7);
             }
         }
-        list.add(std::move(controller));
+        list.add(std::move(*controller));
     }
     return list;
 }

@@ -28,13 +28,15 @@ void readDetector(Input input) {
     };
     Application application(platform);
     application.printer().setVerbosity(level::traces);
-    const bool known = ZOLEXSupport::gatherHardwareInfo(application);
-    check(known == (choice == 0), "the detector counts when it ends with 0");
-    check(known || (application.machineType.isEmpty() && application.serialNumber.isEmpty()),
-          "nothing is taken from a detector that failed");
-    checkValue(application.machineType);
-    checkValue(application.serialNumber);
-    check(application.machineType.isEmpty() || output.find("Machine_Type") != std::string::npos,
+    const std::optional<Machine> machine = ZOLEXSupport::gatherHardwareInfo(
+        std::make_unique<Tool>(platform, application.report()), application.report());
+    check(machine.has_value() == (choice == 0), "the detector counts when it ends with 0");
+    if (!machine) {
+        return;
+    }
+    checkValue(machine->machineType);
+    checkValue(machine->serialNumber);
+    check(machine->machineType.isEmpty() || output.find("Machine_Type") != std::string::npos,
           "a value has a key");
 }
 

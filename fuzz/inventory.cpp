@@ -2,10 +2,12 @@
 #include "foundation/IniFile.h"
 #include "inventory/ControllerList.h"
 #include "readers/DiskInformation.h"
+#include "show/Dumps.h"
 #include "support/Check.h"
 #include "support/FakePlatform.h"
 #include "support/Input.h"
 #include "support/ModelCheck.h"
+#include "support/Scan.h"
 
 namespace zolex::fuzz {
 namespace {
@@ -21,17 +23,17 @@ void readControllers(Input input) {
     platform.fileFake.files["file.ini"] = input.rest();
     if (isDefinition) {
         application.settings.controllerDefinitionFile = "file.ini";
-        check(controllers.initialize(application), "a definition is always taken");
+        check(test::scan(controllers, application), "a definition is always taken");
         check(DiskInformation(application).readDiskInformation(controllers), "its drives too");
     } else {
         IniFile inventory(platform.files(), "file.ini", true);
-        const bool read = controllers.initialize(inventory, application);
+        const bool read = controllers.initialize(inventory, application.report());
         check(!read || controllers.count() > 0, "an inventory holds a controller");
     }
     check(controllers.count() <= ControllerList::maxControllers, "number of controllers");
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         check(controllers.controller(i) != nullptr, "slots have no gaps");
-        controllers.controller(i)->dump(application.printer(), true);
+        application.printer().printAlways(show::dumpText(*controllers.controller(i), true));
     }
 }
 

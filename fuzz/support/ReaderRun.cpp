@@ -1,4 +1,5 @@
 #include "support/ReaderRun.h"
+#include "show/Dumps.h"
 
 #include "controllers/Application.h"
 #include "inventory/ControllerList.h"
@@ -40,10 +41,10 @@ void readListings(std::span<const std::int32_t> types, Input input) {
     application.printer().setVerbosity(verbosities[(choice >> 2U) & 3U]);
 
     ControllerList controllers;
-    RAIDController& controller = *controllers.add(std::make_unique<RAIDController>());
+    RAIDController& controller = *controllers.add();
     controller.setType(types[((choice >> 4U) & 3U) % types.size()]);
     controller.setSubtype(static_cast<std::int32_t>(choice >> 6U));
-    controllers.setControllerScanOrders(application);
+    controllers.setControllerScanOrders(application.report());
     // One more than there are slots.
     for (std::size_t i = 0; i <= RAIDController::maxCapturedOutputs; ++i) {
         if (i == 0 || !input.atEnd()) {
@@ -54,7 +55,7 @@ void readListings(std::span<const std::int32_t> types, Input input) {
 
     DiskInformation(application).readDiskInformation(controllers);
     checkController(controller);
-    controller.dump(application.printer(), true);
+    application.printer().printAlways(show::dumpText(controller, true));
     if (controller.configuration() != nullptr) {
         CapturedFacts facts;
         facts.policyName = "Policy.fuzz";

@@ -6,11 +6,13 @@
 #include "foundation/Report.h"
 #include "foundation/Settings.h"
 #include "model/ControllerCatalogue.h"
+#include "model/Machine.h"
 #include "platform/Platform.h"
 #include "platform/Tool.h"
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace zolex {
 
@@ -35,10 +37,9 @@ class Application {
     }
 
     Settings settings;
-    CString machineType;
-    CString serialNumber;
-    /// Whether the hardware detector was asked and failed.
-    bool machineInformationMissing = false;
+    /// What the hardware detector told; nothing when it failed. It is not asked in a run from a
+    /// controller-definition or an inventory file: then the texts are empty.
+    std::optional<Machine> machine = Machine{};
     /// A controller matched no policy (set by planning, read with "/e1").
     bool noPolicyFound = false;
     /// A controller has no drives (set by planning, read with "/e3").

@@ -47,7 +47,7 @@ unsigned ZOLEX::captureConfiguration(ControllerList& controllers) {
         return captureFailed;
     }
     if (settings.debug) {
-        controllers.dump(*this, settings.capture);
+        printer().printAlways(controllers.dumpText(settings.capture));
     }
     printer().print("Gathering hard disk information completed \n", level::progress);
     printer().trace("Exiting ZOLEX::captureConfiguration\n");

@@ -110,7 +110,7 @@ ZOLEX::Combination ZOLEX::checkCombinations() {
 
 int ZOLEX::checkDetection(ControllerList& controllers) {
     printer().setVerbosity(level::progress);
-    if (!controllers.initialize(*this)) {
+    if (!scanControllers(controllers)) {
         return exit_code::resources;
     }
     if (controllers.count() == 0) {
@@ -140,13 +140,24 @@ void ZOLEX::applyDefaults() {
 bool ZOLEX::findControllers(ControllerList& controllers) {
     if (settings.fake) {
         IniFile inventory(platform().files(), inventoryFileName, true);
-        return controllers.initialize(inventory, *this);
+        return controllers.initialize(inventory, report());
     }
     printer().trace("Calling controllers.initialize\n");
-    const bool initialized = controllers.initialize(*this);
+    const bool initialized = scanControllers(controllers);
     printer().tracef("Return from controllers.initialize, number of controllers = %d\n",
                      static_cast<int>(controllers.count()));
     return initialized;
+}
+
+bool ZOLEX::scanControllers(ControllerList& controllers) {
+    if (!settings.controllerDefinitionFile.isEmpty()) {
+        return controllers.initialize(platform().files(), settings.controllerDefinitionFile,
+                                      report());
+    }
+    const std::unique_ptr<PCI_DevList_VC> devices = platform().pciDevices();
+    machine = controllers.initialize(
+        *devices, std::make_unique<Tool>(platform(), report(), childLimit), report());
+    return true;
 }
 
 void ZOLEX::printControllers(const ControllerList& controllers) {
@@ -224,7 +235,7 @@ int ZOLEX::runCapture(ControllerList& controllers) {
                     level::progress);
     printCompleted();
     if (settings.debug) {
-        controllers.dump(*this, true);
+        printer().printAlways(controllers.dumpText(true));
     }
     printer().trace("Exiting ZOLEX::main(7)\n");
     return exit_code::success;

@@ -50,7 +50,8 @@ bool ZOLEX::checkForErrors(const RAIDController& controller, std::int32_t number
 }
 
 bool ZOLEX::reordersByBusNumber() const {
-    return machineType.contains("5941") || machineType.contains("5944");
+    return machine &&
+           (machine->machineType.contains("5941") || machine->machineType.contains("5944"));
 }
 
 void ZOLEX::pauseWithDots(int seconds) {

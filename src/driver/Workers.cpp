@@ -27,7 +27,7 @@ std::unique_ptr<Worker> make(Application& application, const char* maker, Values
 } // namespace
 
 std::unique_ptr<Tool> ZOLEX::makeRunner() {
-    return make<Tool>(*this, "ZOLEX::makeRunner", platform(), printer(), childLimit);
+    return make<Tool>(*this, "ZOLEX::makeRunner", platform(), report(), childLimit);
 }
 
 std::unique_ptr<CommandSource> ZOLEX::makeCaptureSource() {

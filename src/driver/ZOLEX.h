@@ -78,6 +78,8 @@ class ZOLEX : public Application {
     int checkDetection(ControllerList& controllers);
     void applyDefaults();
     bool findControllers(ControllerList& controllers);
+    /// From the controller-definition file, when one is named, or else from the PCI functions.
+    bool scanControllers(ControllerList& controllers);
     void printControllers(const ControllerList& controllers);
     int runModes(ControllerList& controllers);
     int runCapture(ControllerList& controllers);

@@ -46,11 +46,11 @@ bool PolicyInterpreter::getMachineInformation() {
         machineType_ = inventory.readString("System", "machType", "");
         serialNumber_ = inventory.readString("System", "serial", "");
     } else {
-        if (application_.machineInformationMissing) {
+        if (!application_.machine) {
             return false;
         }
-        machineType_ = application_.machineType;
-        serialNumber_ = application_.serialNumber;
+        machineType_ = application_.machine->machineType;
+        serialNumber_ = application_.machine->serialNumber;
     }
     printer.printf(level::detail, "Machine type = %s, serial number = %s\n", machineType_.c_str(),
                    serialNumber_.c_str());

@@ -11,7 +11,26 @@ namespace zolex {
 enum class FaultKind : std::int32_t {
     none,
 
+    // Children
+    childPipe,         ///< the pipe for its output could not be made; wanted: the command line
+    childStillRunning, ///< it had not ended at the limit; wanted: the command line
+
     // Inventory
+    inventoryUnreadable,         ///< place: file
+    inventoryWithoutControllers, ///< number: the count that the file gives
+    inventoryTooManyControllers, ///< number: the count that the file gives
+    inventoryModelMissing,       ///< place: section, keyword
+    inventoryModelUnknown,       ///< place: section, keyword; wanted: the model
+    inventoryChannelMissing,     ///< place: section, keyword; number: the channel read
+    inventoryIdMissing,          ///< place: section, keyword; number: the id read
+    inventorySizeMissing,        ///< place: section, keyword
+    inventoryPositionInvalid,    ///< place: section, channel, id
+    definitionUnreadable,        ///< place: file
+    definitionMissing,           ///< place: file; the run goes on
+    tooManyControllers,          ///< those after the 36th are left out
+    detectorRunnerMissing,       ///< no runner for the hardware detector
+    detectorNotRun,              ///< the hardware detector could not be run
+    detectorFailed,              ///< number: its exit code
 
     // Policies
 
@@ -26,11 +45,11 @@ enum class FaultKind : std::int32_t {
 
 /// Where a fault is. Fields that say nothing for its kind are empty, 0 or -1.
 struct FaultPlace {
-    CString file;                ///< name as it was given
+    CString file{};              ///< name as it was given
     std::int32_t line = 0;       ///< from 1
-    CString section;             ///< name of the policy, or of another section, without brackets
-    CString keyword;             ///< entry of the section
-    CString model;               ///< model name of the controller
+    CString section{};           ///< name of the policy, or of another section, without brackets
+    CString keyword{};           ///< entry of the section
+    CString model{};             ///< model name of the controller
     std::int32_t controller = 0; ///< number of the controller, from 1
     std::int32_t array = -1;     ///< index of the array, from 0
     std::int32_t channel = -1;   ///< position of a drive
@@ -42,10 +61,10 @@ struct FaultPlace {
 /// One fault as a value.
 struct Fault {
     FaultKind kind = FaultKind::none;
-    FaultPlace place;
-    CString wanted;          ///< the text that was given or asked for
+    FaultPlace place{};
+    CString wanted{};        ///< the text that was given or asked for
     std::int32_t number = 0; ///< the number that was given or asked for
-    CString possible;        ///< what could be, in words; empty when there is no list
+    CString possible{};      ///< what could be, in words; empty when there is no list
 
     friend bool operator==(const Fault&, const Fault&) = default;
 };

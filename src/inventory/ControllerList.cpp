@@ -1,20 +1,20 @@
 #include "inventory/ControllerList.h"
 
-#include "controllers/Application.h"
 #include "foundation/IniFile.h"
+#include "foundation/Report.h"
 #include "inventory/ZOLEXSupport.h"
+#include "model/ControllerCatalogue.h"
+#include "platform/PciDeviceList.h"
 #include "show/Dumps.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
 namespace zolex {
 
 namespace {
-
-constexpr const char* tooManyControllers =
-    "More than 36 RAID controllers found; only the first 36 are used.\n";
 
 /// The device whose RAID mode is told apart by its class code alone, and that class.
 constexpr std::uint16_t classCheckedVendor = 0x1166;
@@ -54,23 +54,25 @@ CString locationText(const PciDevice& device) {
 /// it has reported.
 class InventoryReader {
   public:
-    InventoryReader(IniFile& inventory, Application& application, std::size_t number)
-        : inventory_(inventory), application_(application), printer_(application.printer()),
+    InventoryReader(IniFile& inventory, Report& report, std::size_t number)
+        : inventory_(inventory), report_(report),
           section_(formatText("RAIDController.%d", static_cast<int>(number))) {}
 
     bool readModel() {
         const CString model = inventory_.readString(section_, "Model", "");
         if (model.isEmpty()) {
-            reportString(section_, "Model", model);
-            return fail(2);
+            return fail(2,
+                        {.kind = FaultKind::inventoryModelMissing, .place = at(section_, "Model")});
         }
-        type_ = application_.catalogue().getControllerType(model);
-        subtype_ = application_.catalogue().getControllerSubtype(model);
-        printer_.tracef("Processing controller type=%d, sub-type=%d\n", type_, subtype_);
+        const ControllerCatalogue catalogue;
+        type_ = catalogue.getControllerType(model);
+        subtype_ = catalogue.getControllerSubtype(model);
+        report_.tracef("Processing controller type=%d, sub-type=%d\n", type_, subtype_);
         if (type_ < 0) {
-            printer_.trace("Non-supported Controller Found in Inventory File\n");
-            printer_.errorBlock("Non-supported Controller Found in Inventory File\n");
-            return fail(3);
+            report_.trace("Non-supported Controller Found in Inventory File\n");
+            return fail(3, {.kind = FaultKind::inventoryModelUnknown,
+                            .place = at(section_, "Model"),
+                            .wanted = model});
         }
         return true;
     }
@@ -108,46 +110,45 @@ class InventoryReader {
         const CString channelKey = formatText("Channel.%d", j);
         const std::int32_t channel = inventory_.readInteger(section, channelKey, -1);
         if (channel < 0) {
-            printer_.printfAlways(
-                "ReadInteger for section='%s', item='%s' returned Drive channel=%d\n",
-                section.c_str(), channelKey.c_str(), channel);
-            return fail(4);
+            return fail(4, {.kind = FaultKind::inventoryChannelMissing,
+                            .place = at(section, channelKey),
+                            .number = channel});
         }
         const CString idKey = formatText("ID.%d", j);
         const std::int32_t id = inventory_.readInteger(section, idKey, -1);
         if (id < 0) {
-            printer_.printfAlways("ReadInteger for section='%s', item='%s' returned Drive id=%d\n",
-                                  section.c_str(), idKey.c_str(), id);
-            return fail(5);
+            return fail(
+                5,
+                {.kind = FaultKind::inventoryIdMissing, .place = at(section, idKey), .number = id});
         }
         const CString sizeKey = formatText("Size.%d", j);
         const CString size = inventory_.readString(section, sizeKey, "");
         if (size.isEmpty()) {
-            reportString(section, sizeKey, size);
-            return fail(6);
+            return fail(6,
+                        {.kind = FaultKind::inventorySizeMissing, .place = at(section, sizeKey)});
         }
         const CString type = inventory_.readString(section, formatText("Type.%d", j), "");
         if (!controller.addDrive(channel, id, size.toInt(), type)) {
-            printer_.errorBlockf(
-                "Drive position out of range in Inventory File:  channel=%d, id=%d\n", channel, id);
-            return fail(8);
+            Fault fault{.kind = FaultKind::inventoryPositionInvalid, .place = at(section, {})};
+            fault.place.channel = channel;
+            fault.place.id = id;
+            return fail(8, fault);
         }
         return true;
     }
 
-    void reportString(const CString& section, const CString& key, const CString& value) {
-        printer_.printfAlways("ReadString for section='%s', item='%s' returned value=%s\n",
-                              section.c_str(), key.c_str(), value.c_str());
+    [[nodiscard]] FaultPlace at(const CString& section, const CString& keyword) const {
+        return {.file = inventory_.name(), .section = section, .keyword = keyword};
     }
 
-    bool fail(int number) {
-        printer_.tracef("Exiting ControllerList::initialize(2), returning false(%d)\n", number);
+    bool fail(int number, const Fault& fault) {
+        report_.fault(fault);
+        report_.tracef("Exiting ControllerList::initialize(2), returning false(%d)\n", number);
         return false;
     }
 
     IniFile& inventory_;
-    Application& application_;
-    Printer& printer_;
+    Report& report_;
     CString section_;
     std::int32_t type_ = controller_type::none;
     std::int32_t subtype_ = subtypeNotSet;
@@ -155,148 +156,141 @@ class InventoryReader {
 
 } // namespace
 
-RAIDController* ControllerList::controller(std::size_t i) const {
-    return i < controllers_.size() ? controllers_[i].get() : nullptr;
+RAIDController* ControllerList::controller(std::size_t i) {
+    return i < controllers_.size() ? &controllers_[i] : nullptr;
 }
 
-RAIDController* ControllerList::add(std::unique_ptr<RAIDController> controller) {
-    if (count_ == maxControllers) {
+const RAIDController* ControllerList::controller(std::size_t i) const {
+    return i < controllers_.size() ? &controllers_[i] : nullptr;
+}
+
+RAIDController* ControllerList::add(RAIDController controller) {
+    if (controllers_.size() == maxControllers) {
         return nullptr;
     }
-    controllers_[count_] = std::move(controller);
-    return controllers_[count_++].get();
+    controllers_.reserve(maxControllers); // what was handed out stays where it is
+    return &controllers_.emplace_back(std::move(controller));
 }
 
-bool ControllerList::initialize(IniFile& inventory, Application& application) {
-    Printer& printer = application.printer();
-    printer.trace("Entering ControllerList::initialize(2)\n");
-    if (inventory.loading() == IniFile::Loading::inPart) {
-        printer.errorBlockf("Could not read inventory file:  %s\n", inventory.name().c_str());
-        printer.trace("Exiting ControllerList::initialize(2), returning false(9)\n");
+bool ControllerList::initialize(IniFile& inventory, Report& report) {
+    report.trace("Entering ControllerList::initialize(2)\n");
+    const auto fail = [&](int exit, FaultKind kind, std::int32_t number = 0) {
+        report.fault({.kind = kind, .place = {.file = inventory.name()}, .number = number});
+        report.tracef("Exiting ControllerList::initialize(2), returning false(%d)\n", exit);
         return false;
+    };
+    if (inventory.loading() == IniFile::Loading::inPart) {
+        return fail(9, FaultKind::inventoryUnreadable);
     }
     const std::int32_t total = inventory.readInteger("System", "Total_Number_Of_Controllers", 0);
     if (total < 1) {
-        printer.errorBlock("No Controllers Found in Inventory File\n");
-        printer.trace("Exiting ControllerList::initialize(2), returning false(1)\n");
-        return false;
+        return fail(1, FaultKind::inventoryWithoutControllers, total);
     }
     if (total > static_cast<std::int32_t>(maxControllers)) {
-        printer.errorBlock("More than 36 controllers found in Inventory File\n");
-        printer.trace("Exiting ControllerList::initialize(2), returning false(7)\n");
-        return false;
+        return fail(7, FaultKind::inventoryTooManyControllers, total);
     }
     for (std::size_t n = 1; n <= static_cast<std::size_t>(total); ++n) {
-        InventoryReader reader(inventory, application, n);
-        if (!reader.readModel() || !reader.fill(*add(std::make_unique<RAIDController>()))) {
+        InventoryReader reader(inventory, report, n);
+        if (!reader.readModel() || !reader.fill(*add())) {
             return false;
         }
     }
-    setControllerScanOrders(application);
-    printer.trace("Exiting ControllerList::initialize(2), returning true\n");
+    setControllerScanOrders(report);
+    report.trace("Exiting ControllerList::initialize(2), returning true\n");
     return true;
 }
 
-bool ControllerList::initialize(Application& application) {
-    Printer& printer = application.printer();
-    printer.trace("Entering ControllerList::initialize\n");
-    if (!application.settings.controllerDefinitionFile.isEmpty()) {
-        return initializeFromDefinition(application);
+std::optional<Machine> ControllerList::initialize(PCI_DevList_VC& devices,
+                                                  std::unique_ptr<Tool> detector, Report& report) {
+    report.trace("Entering ControllerList::initialize\n");
+    devices.collect();
+    devices.reset();
+    std::optional<Machine> machine = ZOLEXSupport::gatherHardwareInfo(std::move(detector), report);
+    if (!machine) {
+        report.trace("Machine type and serial number could not be obtained.\n");
     }
-    const auto devices = application.platform().pciDevices();
-    devices->collect();
-    devices->reset();
-    if (!ZOLEXSupport::gatherHardwareInfo(application)) {
-        application.machineInformationMissing = true;
-        printer.trace("Machine type and serial number could not be obtained.\n");
-    }
-    devices->reset();
-    printer.tracef("Total number of PCI devices=%d\n", static_cast<int>(devices->count()));
+    devices.reset();
+    report.tracef("Total number of PCI devices=%d\n", static_cast<int>(devices.count()));
+    ControllerCatalogue catalogue;
     bool tooMany = false;
-    while (const PciDevice* device = devices->next()) {
-        const PciRow row = findRow(application.catalogue(), *device);
-        if (row.type != controller_type::none && !addFromPci(application, *device, row)) {
+    while (const PciDevice* device = devices.next()) {
+        const PciRow row = findRow(catalogue, *device);
+        if (row.type != controller_type::none && !addFromPci(*device, row, report)) {
             tooMany = true;
         }
     }
     if (tooMany) {
-        printer.errorBlock(tooManyControllers);
+        report.fault({.kind = FaultKind::tooManyControllers});
     }
-    setControllerScanOrders(application);
-    printer.trace("Exiting ControllerList::initialize\n");
-    return true;
+    setControllerScanOrders(report);
+    report.trace("Exiting ControllerList::initialize\n");
+    return machine;
 }
 
-bool ControllerList::addFromPci(Application& application, const PciDevice& device,
-                                const PciRow& row) {
-    if (count_ == maxControllers) {
+bool ControllerList::addFromPci(const PciDevice& device, const PciRow& row, Report& report) {
+    if (controllers_.size() == maxControllers) {
         return false;
     }
-    Printer& printer = application.printer();
     const CString location = locationText(device);
-    printer.tracef("Creating new RAIDController with: %s\n", location.c_str());
-    printer.tracef(" Controller Name: %s, Type: %d, Subtype: %d\n",
-                   application.controllerName(row.type, row.subtype).c_str(), row.type,
-                   row.subtype);
-    RAIDController* controller = add(std::make_unique<RAIDController>());
-    controller->setType(row.type);
-    controller->setSubtype(row.subtype);
-    controller->setPciLocation(location);
-    controller->setPciFunction(device.function);
+    report.tracef("Creating new RAIDController with: %s\n", location.c_str());
+    report.tracef(" Controller Name: %s, Type: %d, Subtype: %d\n",
+                  ControllerCatalogue().getControllerName(row.type, row.subtype).c_str(), row.type,
+                  row.subtype);
+    RAIDController& controller = *add();
+    controller.setType(row.type);
+    controller.setSubtype(row.subtype);
+    controller.setPciLocation(location);
+    controller.setPciFunction(device.function);
     return true;
 }
 
-bool ControllerList::initializeFromDefinition(Application& application) {
-    Printer& printer = application.printer();
-    const CString& name = application.settings.controllerDefinitionFile;
-    printer.printf(level::detail, "Reading RAID controllers from file:  %s\n", name.c_str());
-    IniFile file(application.platform().files(), name, true);
+bool ControllerList::initialize(FileSystem& files, const CString& definitionFile, Report& report) {
+    report.trace("Entering ControllerList::initialize\n");
+    report.notef(level::detail, "Reading RAID controllers from file:  %s\n",
+                 definitionFile.c_str());
+    IniFile file(files, definitionFile, true);
     if (file.loading() == IniFile::Loading::inPart) {
-        printer.errorBlockf("Could not read controller-definition file:  %s\n", name.c_str());
+        report.fault({.kind = FaultKind::definitionUnreadable, .place = {.file = definitionFile}});
         return false;
     }
     if (file.loading() == IniFile::Loading::notOpened) {
-        application.platform().console().writeError(
-            formatText("Could not open controller-definition file:  %s\n", name.c_str()));
+        report.fault({.kind = FaultKind::definitionMissing, .place = {.file = definitionFile}});
     }
     for (int i = 0;; ++i) {
         const CString section = formatText("Controller.%d", i);
         if (file.readString(section, "Type", "").isEmpty()) {
             break;
         }
-        RAIDController* controller = add(std::make_unique<RAIDController>());
+        RAIDController* controller = add();
         if (controller == nullptr) {
-            printer.errorBlock(tooManyControllers);
+            report.fault({.kind = FaultKind::tooManyControllers});
             break;
         }
         controller->setType(file.readInteger(section, "Type", 0));
         controller->setSubtype(file.readInteger(section, "SubType", 0));
     }
-    printer.printf(level::detail, "Number of controllers read:  %d\n", static_cast<int>(count_));
-    setControllerScanOrders(application);
+    report.notef(level::detail, "Number of controllers read:  %d\n", static_cast<int>(count()));
+    setControllerScanOrders(report);
     return true;
 }
 
-void ControllerList::setControllerScanOrders(Application& application) {
+void ControllerList::setControllerScanOrders(Report& report) {
     constexpr std::size_t families = 23;
-    Printer& printer = application.printer();
-    printer.trace("Entering ControllerList::setControllerScanOrders\n");
+    report.trace("Entering ControllerList::setControllerScanOrders\n");
+    const ControllerCatalogue catalogue;
     std::array<std::int32_t, families> next{};
     next.fill(1);
-    for (const auto& controller : controllers_) {
-        if (controller) {
-            const auto family = static_cast<std::size_t>(
-                application.catalogue().getUtilityFamily(controller->type()));
-            controller->setScanOrder(next[family]++);
-        }
+    for (RAIDController& controller : controllers_) {
+        const auto family = static_cast<std::size_t>(catalogue.getUtilityFamily(controller.type()));
+        controller.setScanOrder(next[family]++);
     }
-    printer.trace("Exiting ControllerList::setControllerScanOrders\n");
+    report.trace("Exiting ControllerList::setControllerScanOrders\n");
 }
 
 void ControllerList::reorderByBusNumber() {
     std::vector<std::size_t> slots;
-    for (std::size_t i = 0; i < count_; ++i) {
-        if (controllers_[i]->type() == controller_type::lsiSas) {
+    for (std::size_t i = 0; i < controllers_.size(); ++i) {
+        if (controllers_[i].type() == controller_type::lsiSas) {
             slots.push_back(i);
         }
     }
@@ -305,21 +299,27 @@ void ControllerList::reorderByBusNumber() {
         for (std::size_t next = 1; next < slots.size(); ++next) {
             auto& first = controllers_[slots[next - 1]];
             auto& second = controllers_[slots[next]];
-            if (second->busNumber() < first->busNumber()) {
+            if (second.busNumber() < first.busNumber()) {
                 std::swap(first, second);
-                first->swapIdentity(*second);
+                first.swapIdentity(second);
             }
         }
     }
 }
 
-void ControllerList::dump(Application& application, bool withConfiguration) const {
-    Printer& printer = application.printer();
-    for (std::size_t i = 0; i < count_; ++i) {
-        printer.printfAlways("**** Dumping RAIDController at address %p\n",
-                             static_cast<const void*>(controllers_[i].get()));
-        printer.printAlways(show::dumpText(*controllers_[i], withConfiguration));
+CString ControllerList::dumpText(bool withConfiguration) const {
+    CString text;
+    for (const RAIDController& controller : controllers_) {
+        text.append(formatText("**** Dumping RAIDController at address %p\n",
+                               static_cast<const void*>(&controller)));
+        text.append(show::dumpText(controller, withConfiguration));
     }
+    return text;
+}
+
+Machine machineOf(IniFile& inventory) {
+    return {inventory.readString("System", "machType", ""),
+            inventory.readString("System", "serial", "")};
 }
 
 } // namespace zolex

@@ -1,6 +1,6 @@
 #include "inventory/ZOLEXSupport.h"
 
-#include "controllers/Application.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 
 #include <cstdint>
@@ -10,11 +10,6 @@
 namespace zolex {
 
 namespace {
-
-std::unique_ptr<Tool> makeApplicationTool(Application& application) {
-    return std::make_unique<Tool>(application.platform(), application.printer(),
-                                  application.childLimit);
-}
 
 /// The output with each carriage return that stands before a line feed dropped.
 std::string withoutCarriageReturns(CapturedOutput& output) {
@@ -40,34 +35,30 @@ void storeValue(std::string_view line, std::string_view key, CString& field) {
 
 } // namespace
 
-bool ZOLEXSupport::gatherHardwareInfo(Application& application) {
-    return gatherHardwareInfo(application, makeApplicationTool);
-}
-
-bool ZOLEXSupport::gatherHardwareInfo(Application& application, ToolMaker makeTool) {
-    Printer& printer = application.printer();
-    const std::unique_ptr<Tool> util = makeTool(application);
-    if (!util) {
-        printer.printAlways("ZOLEXSupport.gatherHardwareInfo: util is NULL\n");
-        return false;
+std::optional<Machine> ZOLEXSupport::gatherHardwareInfo(std::unique_ptr<Tool> runner,
+                                                        Report& report) {
+    const auto failed = [&report](FaultKind kind, std::int32_t number = 0) {
+        report.fault({.kind = kind, .number = number});
+        return std::nullopt;
+    };
+    if (!runner) {
+        return failed(FaultKind::detectorRunnerMissing);
     }
-    util->setCommand("hwdetect.exe /i");
-    if (!util->run(true)) {
-        printer.printAlways("ZOLEXSupport.gatherHardwareInfo:Execution failed.\n");
-        return false;
+    runner->setCommand("hwdetect.exe /i");
+    if (!runner->run(true)) {
+        return failed(FaultKind::detectorNotRun);
     }
-    if (util->exitCode() != 0) {
-        printer.printfAlways("ZOLEXSupport.gatherHardwareInfo: Return code is %d.\n",
-                             static_cast<std::int32_t>(util->exitCode()));
-        return false;
+    if (runner->exitCode() != 0) {
+        return failed(FaultKind::detectorFailed, static_cast<std::int32_t>(runner->exitCode()));
     }
-    CapturedOutput lines(withoutCarriageReturns(*util->output()));
+    Machine machine;
+    CapturedOutput lines(withoutCarriageReturns(*runner->output()));
     for (auto line = lines.nextPiece(capturedLineLimit); !line.empty();
          line = lines.nextPiece(capturedLineLimit)) {
-        storeValue(line, "Machine_Type", application.machineType);
-        storeValue(line, "Serial_Number", application.serialNumber);
+        storeValue(line, "Machine_Type", machine.machineType);
+        storeValue(line, "Serial_Number", machine.serialNumber);
     }
-    return true;
+    return machine;
 }
 
 } // namespace zolex

@@ -1,6 +1,6 @@
 #include "platform/Tool.h"
 
-#include "foundation/Printer.h"
+#include "foundation/Report.h"
 #include "platform/Platform.h"
 
 #include <utility>
@@ -12,15 +12,12 @@ bool Tool::run(bool capture) {
     ChildResult result = platform_.runChild(command_, capture, limit_);
     switch (result.outcome) {
     case ChildOutcome::noPipe:
-        printer_.printAlways("CreatePipe Faield:Tool::Tool()\n");
+        report_.fault({.kind = FaultKind::childPipe, .wanted = command_});
         return false;
     case ChildOutcome::notStarted:
         return false;
     case ChildOutcome::stillRunning:
-        printer_.printfAlways(
-            "\n### Process %s has failed to execute within the five minute limit.\n",
-            command_.c_str());
-        printer_.printAlways("Process cancelled.\n");
+        report_.fault({.kind = FaultKind::childStillRunning, .wanted = command_});
         return false;
     case ChildOutcome::ended:
     case ChildOutcome::notClosed:

@@ -10,15 +10,15 @@
 namespace zolex {
 
 class Platform;
-class Printer;
+class Report;
 
 /// Runs one command line as a child process with its output captured.
 class Tool {
   public:
     static constexpr std::chrono::milliseconds defaultLimit{300000};
 
-    Tool(Platform& platform, Printer& printer, std::chrono::milliseconds limit = defaultLimit)
-        : platform_(platform), printer_(printer), limit_(limit) {}
+    Tool(Platform& platform, Report& report, std::chrono::milliseconds limit = defaultLimit)
+        : platform_(platform), report_(report), limit_(limit) {}
 
     void setCommand(const CString& command) { command_ = command; }
 
@@ -34,7 +34,7 @@ class Tool {
 
   private:
     Platform& platform_;
-    Printer& printer_;
+    Report& report_;
     std::chrono::milliseconds limit_;
     CString command_;
     std::shared_ptr<CapturedOutput> output_;

@@ -29,8 +29,8 @@ bool write(File& file, std::string_view text) {
 
 PolicyGenerator::PolicyGenerator(Application& application) : application_(application) {
     if (!application.settings.fake) {
-        machineType_ = application.machineType;
-        serialNumber_ = application.serialNumber;
+        machineType_ = application.machine ? application.machine->machineType : CString();
+        serialNumber_ = application.machine ? application.machine->serialNumber : CString();
     }
 }
 

@@ -1,4 +1,5 @@
 #include "support/ModeRun.h"
+#include "support/Scan.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@ class CaptureTest : public testing::Test, protected test::ModeRun {
     void SetUp() override { application.printer().setVerbosity(level::progress); }
 
     unsigned capture() {
-        EXPECT_TRUE(controllers.initialize(application));
+        EXPECT_TRUE(test::scan(controllers, application));
         platform.consoleFake.takeOutput();
         return application.captureConfiguration(controllers);
     }
@@ -67,7 +68,7 @@ TEST_F(CaptureTest, UnderTheseFlagsTheTestDoubleRunsInsteadOfTheUtility) {
         tested.printer().setVerbosity(level::progress);
         tested.settings.*flag = true;
         ControllerList list;
-        ASSERT_TRUE(list.initialize(tested));
+        ASSERT_TRUE(test::scan(list, tested));
         EXPECT_EQ(0U, tested.captureConfiguration(list));
         EXPECT_NE(std::string::npos,
                   run.output.find(std::string(pdListLine) +
@@ -101,7 +102,7 @@ TEST_F(CaptureTest, ACommandThatCannotRunOrDoesNotEndIsExitCode8) {
         ZOLEX tested(run.platform);
         tested.printer().setVerbosity(level::progress);
         ControllerList list;
-        ASSERT_TRUE(list.initialize(tested));
+        ASSERT_TRUE(test::scan(list, tested));
         EXPECT_EQ(8U, tested.captureConfiguration(list));
         EXPECT_TRUE(run.output.ends_with(
             "     Error gathering information from controller LSI-MegaRAID-8480.\n"))

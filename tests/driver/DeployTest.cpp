@@ -1,4 +1,5 @@
 #include "support/ModeRun.h"
+#include "support/Scan.h"
 #include "support/TestData.h"
 
 #include <gtest/gtest.h>
@@ -97,7 +98,7 @@ TEST_F(DeployTest, OnSomeMachinesTypeTenControllersAreOrderedByBus) {
         ZOLEX application(one.platform);
         application.settings.defaults = true;
         ControllerList controllers;
-        ASSERT_TRUE(controllers.initialize(application));
+        ASSERT_TRUE(test::scan(controllers, application));
         EXPECT_EQ(0U, application.deployConfiguration(controllers).code);
         EXPECT_EQ(row.firstBus, controllers.controller(0)->busNumber());
     }
@@ -110,7 +111,7 @@ TEST_F(DeployTest, AnUnknownTypeIsExitCode10) {
     application.settings.controllerDefinitionFile = "c.ini";
     application.settings.policiesFile = "p.ini";
     ControllerList controllers;
-    ASSERT_TRUE(controllers.initialize(application));
+    ASSERT_TRUE(test::scan(controllers, application));
     controllers.controller(0)->setConfiguration(std::make_unique<RAIDConfiguration>());
     application.printer().setVerbosity(level::traces);
     const ZOLEX::Result result = application.deployConfiguration(controllers);

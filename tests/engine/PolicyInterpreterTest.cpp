@@ -1,6 +1,7 @@
 #include "engine/PolicyInterpreter.h"
 
 #include "engine/PlanningFixture.h"
+#include "show/Dumps.h"
 #include "inventory/ControllerList.h"
 
 #include <gtest/gtest.h>
@@ -37,12 +38,12 @@ PolicyList listOf(std::vector<Policy> policies) {
 /// A machine whose detector gave a type and a serial number.
 struct Machine : Bench {
     Machine() {
-        application.machineType = "8837";
-        application.serialNumber = "ABC1234";
+        application.machine->machineType = "8837";
+        application.machine->serialNumber = "ABC1234";
     }
 
     RAIDController& add(std::int32_t type, std::int32_t subtype, std::vector<DriveAt> drives) {
-        return *controllers.add(makeController(type, subtype, drives));
+        return *controllers.add(*makeController(type, subtype, drives));
     }
     bool interpret(const PolicyList& policies, std::int32_t verbosity = level::progress) {
         application.printer().setVerbosity(verbosity);
@@ -64,7 +65,6 @@ TEST(MachineInformation, ComesFromTheDetector) {
 TEST(MachineInformation, ComesFromTheInventoryFile) {
     Machine machine;
     machine.application.settings.fake = true;
-    machine.application.machineInformationMissing = true; // nobody asked for it
     machine.platform.fileFake.files["contlist.ini"] =
         "[System]\nTotal_Number_Of_Controllers=1\nmachType = 5944X\nserial=S77\n";
     machine.add(12, 2, equalDrives(2));
@@ -78,7 +78,7 @@ TEST(MachineInformation, ComesFromTheInventoryFile) {
                                    "\tKestrix-C1, controller 1 using policy:  Policy.inv\n"))
         << output;
     EXPECT_EQ(machine.platform.fileFake.opened, std::vector<std::string>{"r contlist.ini"});
-    EXPECT_EQ(machine.application.machineType, "8837") << "the application's own stay";
+    EXPECT_EQ(machine.application.machine->machineType, "8837") << "the application's own stay";
 }
 
 TEST(MachineInformation, AbsentKeysGiveEmptyTexts) {
@@ -105,7 +105,7 @@ TEST(MachineInformation, CannotBeHadFromAnInventoryFileThatCannotBeRead) {
 
 TEST(MachineInformation, CannotBeHadAfterAFailedDetector) {
     Machine machine;
-    machine.application.machineInformationMissing = true;
+    machine.application.machine.reset();
     RAIDController& controller = machine.add(12, 2, equalDrives(2));
     EXPECT_FALSE(machine.interpret(listOf({policyFor("Policy.a", everything())}), level::traces));
     EXPECT_EQ(machine.takeOutput(),
@@ -119,8 +119,8 @@ TEST(MachineInformation, CannotBeHadAfterAFailedDetector) {
 TEST(MachineInformation, EmptyTextsOfADefinitionRunCountAsHad) {
     Machine machine;
     machine.application.settings.controllerDefinitionFile = "controllers.def";
-    machine.application.machineType = "";
-    machine.application.serialNumber = "";
+    machine.application.machine->machineType = "";
+    machine.application.machine->serialNumber = "";
     machine.add(12, 2, equalDrives(2));
     EXPECT_TRUE(machine.interpret(listOf({policyFor("Policy.a", everything())})));
     EXPECT_NE(machine.controllers.controller(0)->configuration(), nullptr);

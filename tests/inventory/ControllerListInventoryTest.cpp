@@ -23,7 +23,7 @@ class Reading {
         platform.fileFake.files[fileName] = content;
         application.printer().setVerbosity(verbosity);
         IniFile inventory(platform.fileFake, fileName, true);
-        result = list.initialize(inventory, application);
+        result = list.initialize(inventory, application.report());
         output = platform.consoleFake.output;
         EXPECT_EQ(platform.consoleFake.error, "");
         EXPECT_TRUE(platform.children.empty());
@@ -154,7 +154,7 @@ TEST(Inventory, WithoutControllersItFails) {
     Application application(platform);
     IniFile missing(platform.fileFake, "absent.ini", true);
     ControllerList list;
-    EXPECT_FALSE(list.initialize(missing, application));
+    EXPECT_FALSE(list.initialize(missing, application.report()));
     EXPECT_EQ(platform.consoleFake.output, block);
 }
 

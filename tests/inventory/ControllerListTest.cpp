@@ -3,6 +3,7 @@
 #include "controllers/Application.h"
 #include "show/Dumps.h"
 #include "support/FakePlatform.h"
+#include "support/Scan.h"
 
 #include <gtest/gtest.h>
 
@@ -56,7 +57,7 @@ class Machine {
     }
     /// What the initialisation prints.
     std::string initialize() {
-        EXPECT_TRUE(list.initialize(application));
+        EXPECT_TRUE(test::scan(list, application));
         EXPECT_EQ(platform.consoleFake.error, "");
         return platform.consoleFake.takeOutput();
     }
@@ -80,12 +81,12 @@ TEST(ControllerList, AFreshListIsEmpty) {
 TEST(ControllerList, HoldsThirtySixControllers) {
     ControllerList list;
     for (std::size_t i = 0; i < 36; ++i) {
-        RAIDController* added = list.add(std::make_unique<RAIDController>());
+        RAIDController* added = list.add();
         ASSERT_NE(added, nullptr);
         EXPECT_EQ(list.controller(i), added);
         EXPECT_EQ(list.count(), i + 1);
     }
-    EXPECT_EQ(list.add(std::make_unique<RAIDController>()), nullptr);
+    EXPECT_EQ(list.add(), nullptr);
     EXPECT_EQ(list.count(), 36U);
     EXPECT_EQ(list.controller(36), nullptr);
 }
@@ -130,9 +131,9 @@ TEST(ControllerList, FindsControllersInTheOrderOfTheirLocations) {
     EXPECT_EQ(machine[1].pciFunction(), 7);
     EXPECT_EQ(machine[1].busNumber(), -1);
     EXPECT_EQ(machine[1].slotNumber(), -1);
-    EXPECT_TRUE(machine.application.machineType == "8837");
-    EXPECT_TRUE(machine.application.serialNumber == "KX1");
-    EXPECT_FALSE(machine.application.machineInformationMissing);
+    EXPECT_TRUE(machine.application.machine->machineType == "8837");
+    EXPECT_TRUE(machine.application.machine->serialNumber == "KX1");
+    EXPECT_TRUE(machine.application.machine.has_value());
 }
 
 TEST(ControllerList, PrintsNothingBelowTheTraces) {
@@ -181,12 +182,11 @@ TEST(ControllerList, GoesOnWithoutTheMachineInformation) {
                                         std::string(scanOrders) +
                                         "Exiting ControllerList::initialize\n");
     EXPECT_EQ(machine.list.count(), 1U);
-    EXPECT_TRUE(machine.application.machineInformationMissing);
-    EXPECT_TRUE(machine.application.machineType.isEmpty());
+    EXPECT_FALSE(machine.application.machine.has_value());
     Machine without(3);
     without.platform.results = {{ChildOutcome::notStarted, 0, ""}};
     EXPECT_EQ(without.initialize(), "ZOLEXSupport.gatherHardwareInfo:Execution failed.\n");
-    EXPECT_TRUE(without.application.machineInformationMissing);
+    EXPECT_FALSE(without.application.machine.has_value());
 }
 
 /// The type and subtype of the one device of a machine; -1, -1 when it is no controller.
@@ -321,9 +321,7 @@ TEST(ControllerList, ReadsADefinitionFileInsteadOfTheBus) {
     EXPECT_EQ(machine[1].scanOrder(), 1);
     // The hardware detector is not asked: there is nothing to fail.
     EXPECT_TRUE(machine.platform.children.empty());
-    EXPECT_FALSE(machine.application.machineInformationMissing);
-    EXPECT_TRUE(machine.application.machineType.isEmpty());
-    EXPECT_TRUE(machine.application.serialNumber.isEmpty());
+    EXPECT_EQ(machine.application.machine, zolex::Machine());
 }
 
 TEST(ControllerList, NamesTheDefinitionFileOnlyWhenVerbose) {
@@ -355,7 +353,7 @@ TEST(ControllerList, ADefinitionEndsAtTheFirstControllerWithoutAType) {
     }
     Defined absent("", 5);
     absent.platform.fileFake.files.clear();
-    EXPECT_TRUE(absent.list.initialize(absent.application));
+    EXPECT_TRUE(test::scan(absent.list, absent.application));
     EXPECT_EQ(absent.platform.consoleFake.output,
               "Reading RAID controllers from file:  test\\definition.ini\n"
               "Number of controllers read:  0\n");
@@ -395,9 +393,8 @@ TEST(ControllerList, OnlyTheFirstThirtySixControllersOfADefinitionAreUsed) {
 
 TEST(ControllerList, DumpsEveryControllerBehindItsHeader) {
     Machine machine(-1);
-    machine.list.add(std::make_unique<RAIDController>())->addDrive(1, 0, 500, "SAS");
-    machine.list.add(std::make_unique<RAIDController>())
-        ->setConfiguration(std::make_unique<RAIDConfiguration>());
+    machine.list.add()->addDrive(1, 0, 500, "SAS");
+    machine.list.add()->setConfiguration(std::make_unique<RAIDConfiguration>());
     for (const bool withConfiguration : {false, true}) {
         std::string expected;
         for (std::size_t i = 0; i < 2; ++i) {
@@ -410,15 +407,13 @@ TEST(ControllerList, DumpsEveryControllerBehindItsHeader) {
             printer.printAlways(show::dumpText(controller, withConfiguration));
             expected += header + console.output;
         }
-        machine.list.dump(machine.application, withConfiguration);
-        const std::string dump = machine.platform.consoleFake.takeOutput();
+        const std::string dump = machine.list.dumpText(withConfiguration).c_str();
         EXPECT_EQ(dump, expected);
         EXPECT_EQ(dump.find("#### START Configuration dump ####\n") != std::string::npos,
                   withConfiguration);
     }
     Machine empty;
-    empty.list.dump(empty.application, true);
-    EXPECT_EQ(empty.platform.consoleFake.output, "");
+    EXPECT_EQ(empty.list.dumpText(true), "");
 }
 
 } // namespace

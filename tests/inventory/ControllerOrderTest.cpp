@@ -12,7 +12,7 @@ namespace zolex {
 namespace {
 
 RAIDController& add(ControllerList& list, std::int32_t type, std::int32_t subtype = -1) {
-    RAIDController& controller = *list.add(std::make_unique<RAIDController>());
+    RAIDController& controller = *list.add();
     controller.setType(type);
     controller.setSubtype(subtype);
     return controller;
@@ -35,7 +35,7 @@ TEST(ScanOrders, CountTheControllersOfEachUtilityFamily) {
     for (const std::int32_t type : {12, 1, 12, 2, 7, 3, 11, 4, 6, 8, 10, 9, 5, 10, 12, 5, 1}) {
         add(list, type);
     }
-    list.setControllerScanOrders(application);
+    list.setControllerScanOrders(application.report());
     EXPECT_EQ(scanOrdersOf(list),
               (std::vector<std::int32_t>{1, 1, 2, 1, 2, 1, 3, 2, 1, 3, 2, 4, 1, 3, 3, 2, 2}));
     EXPECT_EQ(platform.consoleFake.takeOutput(),
@@ -53,7 +53,7 @@ TEST(ScanOrders, ASixteenthControllerOfOneFamilyKeepsItsEarlierValue) {
     }
     list.controller(16)->setScanOrder(7);
     add(list, 5);
-    list.setControllerScanOrders(application);
+    list.setControllerScanOrders(application.report());
     EXPECT_EQ(scanOrdersOf(list), (std::vector<std::int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12,
                                                              13, 14, 15, 0, 7, 0, 1}));
 }

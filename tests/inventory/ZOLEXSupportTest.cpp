@@ -15,23 +15,30 @@ class HardwareInfo : public ::testing::Test {
     /// Asks a detector that ends with `exitCode` after printing `output`.
     bool ask(std::string output, std::uint32_t exitCode = 0) {
         platform.results.push_back(FakePlatform::ended(exitCode, std::move(output)));
-        return ZOLEXSupport::gatherHardwareInfo(application);
+        return ask();
+    }
+    bool ask() {
+        machine = ZOLEXSupport::gatherHardwareInfo(
+            std::make_unique<Tool>(platform, application.report(), limit), application.report());
+        return machine.has_value();
     }
 
     FakePlatform platform;
     Application application{platform};
+    std::chrono::milliseconds limit = Tool::defaultLimit;
+    std::optional<Machine> machine;
 };
 
 TEST_F(HardwareInfo, RunsTheDetector) {
     EXPECT_TRUE(ask("Machine_Type=8837\nSerial_Number=KD12345\n"));
     EXPECT_EQ(platform.children, std::vector<std::string>{"hwdetect.exe /i"});
-    EXPECT_EQ(application.machineType, "8837");
-    EXPECT_EQ(application.serialNumber, "KD12345");
+    EXPECT_EQ(machine->machineType, "8837");
+    EXPECT_EQ(machine->serialNumber, "KD12345");
     EXPECT_EQ(platform.consoleFake.output, "");
 }
 
 TEST_F(HardwareInfo, TheDetectorMayRunAsLongAsAnyChild) {
-    application.childLimit = std::chrono::milliseconds(100);
+    limit = std::chrono::milliseconds(100);
     EXPECT_TRUE(ask(""));
     EXPECT_EQ(platform.limits, std::vector{std::chrono::milliseconds(100)});
 }
@@ -66,11 +73,9 @@ TEST_F(HardwareInfo, ReadsTheSecondFieldOfTheLinesWithAKey) {
         {key + std::string(185, 'x') + "\r\nSerial_Number=1\n", std::string(185, 'x'), "1"},
     };
     for (const auto& row : rows) {
-        application.machineType.clear();
-        application.serialNumber.clear();
         EXPECT_TRUE(ask(row.output)) << row.output;
-        EXPECT_EQ(application.machineType.view(), row.machineType) << row.output;
-        EXPECT_EQ(application.serialNumber.view(), row.serialNumber) << row.output;
+        EXPECT_EQ(machine->machineType.view(), row.machineType) << row.output;
+        EXPECT_EQ(machine->serialNumber.view(), row.serialNumber) << row.output;
     }
 }
 
@@ -78,15 +83,14 @@ TEST_F(HardwareInfo, ReadsTheSecondFieldOfTheLinesWithAKey) {
 TEST_F(HardwareInfo, AValueIsTrimmedUpToItsFirstZeroByte) {
     using namespace std::string_literals;
     EXPECT_TRUE(ask("Machine_Type= 8837 \t\0x\nSerial_Number=KQ1\0\n"s));
-    EXPECT_EQ(application.machineType.view(), "8837");
-    EXPECT_EQ(application.serialNumber.view(), "KQ1");
+    EXPECT_EQ(machine->machineType.view(), "8837");
+    EXPECT_EQ(machine->serialNumber.view(), "KQ1");
 }
 
 TEST_F(HardwareInfo, AnotherExitCodeIsReported) {
     EXPECT_FALSE(ask("Machine_Type=8837\n", 7));
     EXPECT_EQ(platform.consoleFake.takeOutput(),
               "ZOLEXSupport.gatherHardwareInfo: Return code is 7.\n");
-    EXPECT_EQ(application.machineType, "");
     EXPECT_FALSE(ask("", 0xFFFFFFFF));
     EXPECT_EQ(platform.consoleFake.takeOutput(),
               "ZOLEXSupport.gatherHardwareInfo: Return code is -1.\n");
@@ -108,15 +112,13 @@ TEST_F(HardwareInfo, ADetectorThatCannotRunIsReported) {
     };
     for (const auto& row : rows) {
         platform.results.push_back({row.outcome, 0, "Machine_Type=8837\n"});
-        EXPECT_FALSE(ZOLEXSupport::gatherHardwareInfo(application));
+        EXPECT_FALSE(ask());
         EXPECT_EQ(platform.consoleFake.takeOutput(), row.printed);
-        EXPECT_EQ(application.machineType, "");
     }
 }
 
 TEST_F(HardwareInfo, ARunnerThatCannotBeMadeIsReported) {
-    EXPECT_FALSE(ZOLEXSupport::gatherHardwareInfo(
-        application, [](Application&) { return std::unique_ptr<Tool>(); }));
+    EXPECT_FALSE(ZOLEXSupport::gatherHardwareInfo(nullptr, application.report()));
     EXPECT_EQ(platform.consoleFake.output, "ZOLEXSupport.gatherHardwareInfo: util is NULL\n");
     EXPECT_TRUE(platform.children.empty());
 }

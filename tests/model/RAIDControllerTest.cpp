@@ -226,9 +226,10 @@ TEST(RAIDController, KeepsFourCapturedOutputs) {
 TEST(RAIDController, OwnsItsConfiguration) {
     RAIDController controller;
     auto configuration = std::make_unique<RAIDConfiguration>();
-    RAIDConfiguration* same = configuration.get();
+    configuration->policyName = "Policy.kept";
     EXPECT_TRUE(controller.setConfiguration(std::move(configuration)));
-    EXPECT_EQ(controller.configuration(), same);
+    ASSERT_NE(controller.configuration(), nullptr);
+    EXPECT_EQ(controller.configuration()->policyName, "Policy.kept");
     EXPECT_TRUE(controller.setConfiguration(nullptr));
     EXPECT_EQ(controller.configuration(), nullptr);
 }

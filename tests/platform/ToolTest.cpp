@@ -1,5 +1,6 @@
 #include "platform/Tool.h"
 
+#include "driver/PrinterReport.h"
 #include "foundation/Printer.h"
 #include "support/FakePlatform.h"
 
@@ -21,7 +22,8 @@ class ToolTest : public ::testing::Test {
 
     FakePlatform platform;
     Printer printer{platform.console()};
-    Tool tool{platform, printer};
+    PrinterReport report{printer};
+    Tool tool{platform, report};
 };
 
 TEST_F(ToolTest, CreatingOneStartsNothing) {
@@ -38,7 +40,7 @@ TEST_F(ToolTest, RunsTheCommandForAtMostFiveMinutes) {
 }
 
 TEST_F(ToolTest, TheLimitCanBeShortened) {
-    Tool impatient(platform, printer, std::chrono::milliseconds(100));
+    Tool impatient(platform, report, std::chrono::milliseconds(100));
     impatient.run(true);
     EXPECT_EQ(platform.limits, std::vector{std::chrono::milliseconds(100)});
 }
@@ -119,7 +121,8 @@ TEST(ToolOfTheSystem, AnExitCodeIsNoFailure) {
     const auto platform = makeSystemPlatform();
     test::FakeConsole console;
     Printer printer(console);
-    Tool tool(*platform, printer);
+    PrinterReport report(printer);
+    Tool tool(*platform, report);
     tool.setCommand(textAndExitWith3);
     EXPECT_TRUE(tool.run(true));
     EXPECT_EQ(tool.exitCode(), 3U);
@@ -133,7 +136,8 @@ TEST(ToolOfTheSystem, WhatDoesNotExistFailsWithoutAMessage) {
     const auto platform = makeSystemPlatform();
     test::FakeConsole console;
     Printer printer(console);
-    Tool tool(*platform, printer);
+    PrinterReport report(printer);
+    Tool tool(*platform, report);
     tool.setCommand(textAndExitWith3);
     ASSERT_TRUE(tool.run(true));
     tool.setCommand("zolex-no-such-program.exe /i");

@@ -70,13 +70,13 @@ struct Generation {
         application.settings.policiesFile = "p.ini";
         application.settings.tempDirectory = "tmp\\";
         application.settings.capture = true;
-        application.machineType = "8840-4AU";
-        application.serialNumber = "KQ1234";
+        application.machine->machineType = "8840-4AU";
+        application.machine->serialNumber = "KQ1234";
         application.printer().setVerbosity(level::progress);
     }
 
     RAIDController& add(std::int32_t type, std::int32_t subtype) {
-        return *controllers.add(makeController(type, subtype));
+        return *controllers.add(*makeController(type, subtype));
     }
     bool run() {
         PolicyGenerator generator(application);

@@ -186,7 +186,7 @@ struct FaultyGeneration {
         application.settings.policiesFile = "p.ini";
         application.settings.capture = true;
         application.printer().setVerbosity(level::always);
-        RAIDController& controller = *controllers.add(makeController(12, 2));
+        RAIDController& controller = *controllers.add(*makeController(12, 2));
         controller.setSizeAndTarget(1, 0, 1000, 8);
         controller.configuration()->addArray(makeArray({{1, 0}}));
         done = PolicyGenerator(application).generatePolicies(controllers);

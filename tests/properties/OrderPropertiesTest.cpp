@@ -2,6 +2,7 @@
 #include "platform/PciDeviceList.h"
 #include "properties/Generators.h"
 #include "properties/Property.h"
+#include "support/Scan.h"
 
 #include <algorithm>
 #include <map>
@@ -95,7 +96,7 @@ struct Slot {
 void fill(ControllerList& list, const std::vector<Slot>& slots) {
     int place = 0;
     for (const Slot& slot : slots) {
-        RAIDController& controller = *list.add(std::make_unique<RAIDController>());
+        RAIDController& controller = *list.add();
         controller.setType(slot.type);
         controller.setBusNumber(slot.bus);
         controller.setFirmwareVersion(CString::fromInt(slot.serial));
@@ -194,9 +195,9 @@ TEST(OrderProperties, ScanOrdersCountTheControllersOfAUtilityInSlotOrder) {
         ControllerList list;
         const int count = *number(0, 36);
         for (int i = 0; i < count; ++i) {
-            list.add(std::make_unique<RAIDController>())->setType(*number(1, 12));
+            list.add()->setType(*number(1, 12));
         }
-        list.setControllerScanOrders(application);
+        list.setControllerScanOrders(application.report());
         std::map<int, int> counted;
         for (std::size_t i = 0; i < list.count(); ++i) {
             const int order = ++counted[utilityOf(list.controller(i)->type())];
@@ -225,7 +226,7 @@ TEST(OrderProperties, AMachineGivesTheSameControllersInAnyOrderOfDiscovery) {
             platform.devices = found;
             Application application{platform};
             ControllerList list;
-            RC_ASSERT(list.initialize(application));
+            RC_ASSERT(test::scan(list, application));
             std::string text;
             for (std::size_t i = 0; i < list.count(); ++i) {
                 const RAIDController& controller = *list.controller(i);

@@ -26,7 +26,7 @@ std::string generate(std::unique_ptr<RAIDController> controller) {
     application.settings.policiesFile = "p.ini";
     application.settings.capture = true;
     ControllerList list;
-    list.add(std::move(controller));
+    list.add(std::move(*controller));
     PolicyGenerator generator(application);
     if (!generator.generatePolicies(list) || !generator.wrotePolicies()) {
         RC_FAIL("No policy was generated: " + platform.consoleFake.output);

@@ -1,6 +1,7 @@
 #include "properties/Generators.h"
 #include "properties/Property.h"
 #include "properties/VirtualMachine.h"
+#include "show/Dumps.h"
 
 #include <limits>
 #include <string>
@@ -156,7 +157,7 @@ TEST(ReaderProperties, WhateverAListingSaysTheModelStaysInRange) {
                 tally.count("configuration read");
             }
             // What was read can be planned on and written as a policy.
-            controller.dump(machine.application.printer(), true);
+            machine.application.printer().printAlways(show::dumpText(controller, true));
             Planner planner;
             static_cast<void>(
                 planner.plan(controller, parsePolicies("[Policy.x]\nAppliesTo.1 = ALL\n").front()));

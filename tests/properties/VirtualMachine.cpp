@@ -211,8 +211,8 @@ VirtualMachine::VirtualMachine(const VirtualServer& virtualServer) {
     application.printer().setVerbosity(level::progress);
     application.settings.policiesFile = "p.ini";
     controllers.initialize(application);
-    application.machineType = "8837";
-    application.serialNumber = "KQ12345";
+    application.machine->machineType = "8837";
+    application.machine->serialNumber = "KQ12345";
 }
 
 ChildResult VirtualMachine::respond(const std::string& commandLine) {

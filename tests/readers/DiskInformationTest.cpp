@@ -3,6 +3,7 @@
 #include "inventory/ControllerList.h"
 #include "readers/ConfigurationReader.h"
 #include "readers/MegaCliListings.h"
+#include "show/Dumps.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -78,7 +79,7 @@ class DiskInformationTest : public ::testing::Test {
             captured.push_back(std::make_shared<CapturedOutput>("\n"));
             controller->addCapturedOutput(captured.back());
         }
-        return *controllers.add(std::move(controller));
+        return *controllers.add(std::move(*controller));
     }
     bool read(bool creates = true) {
         ScriptedDiskInformation information(application, log, creates);
@@ -202,7 +203,7 @@ TEST_F(DiskInformationTest, VerboseOutputDumpsTheController) {
         controller.setConfiguration(std::make_unique<RAIDConfiguration>());
         application.settings.capture = capture;
         application.printer().setVerbosity(level::detail);
-        controller.dump(application.printer(), capture);
+        application.printer().printAlways(show::dumpText(controller, capture));
         const std::string dump = takeOutput();
         EXPECT_EQ(countOf(dump, "#### START Configuration dump ####\n"), capture ? 1U : 0U);
         EXPECT_TRUE(read());
@@ -219,7 +220,7 @@ TEST_F(DiskInformationTest, TracesOfASuccessfulRead) {
     controller.addCapturedOutput(std::make_shared<CapturedOutput>(""));
     controller.addCapturedOutput(std::make_shared<CapturedOutput>(""));
     application.printer().setVerbosity(level::traces);
-    controller.dump(application.printer(), false);
+    application.printer().printAlways(show::dumpText(controller, false));
     const std::string dump = takeOutput();
     EXPECT_TRUE(DiskInformation(application).readDiskInformation(controllers));
     EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
