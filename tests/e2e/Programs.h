@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -17,6 +18,7 @@ struct ProgramStart {
     std::filesystem::path input;                    ///< file that is its standard input
     std::filesystem::path output;                   ///< file for its standard output
     std::filesystem::path error;                    ///< file for its standard error
+    std::string closed; ///< numbers of standard streams that it is started without: "02"
 };
 
 /// Runs the program to its end. Its exit code, 128 and the number of the signal that ended it, or
@@ -29,5 +31,19 @@ bool plugIn(const std::filesystem::path& server);
 
 /// The number of this process.
 int processId();
+
+/// A file that this process has locked as the program locks its policies file.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::filesystem::path& path);
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+    ~LockedFile();
+    [[nodiscard]] bool isLocked() const { return locked_; }
+
+  private:
+    std::intptr_t file_ = -1;
+    bool locked_ = false;
+};
 
 } // namespace zolex::e2e

@@ -195,6 +195,30 @@ TEST_P(PosixChildRunner, WhatStandsInThePipeAtTheEndIsTakenUpBeyondTheBound) {
     EXPECT_EQ(result.output, std::string(5000, 'x'));
 }
 
+TEST_P(PosixChildRunner, AnOutputOfMoreThan32MiBIsGivenUpAtTheLimit) {
+    const std::string most = std::to_string(mostChildOutput);
+    const ChildResult whole = run("head -c " + most + " /dev/zero");
+    EXPECT_EQ(whole.outcome, ChildOutcome::ended);
+    EXPECT_EQ(whole.output.size(), std::size_t{32} << 20U);
+    // The last bytes stand in the pipe, so that the child ends.
+    const milliseconds limit{1500};
+    const ChildResult more =
+        run("head -c " + std::to_string(mostChildOutput + 1) + " /dev/zero", limit);
+    EXPECT_EQ(more.outcome, ChildOutcome::stillRunning);
+    EXPECT_EQ(more.output, "");
+    EXPECT_GE(taken, limit);
+}
+
+// Symptom: what the program ignores a utility ignored too.
+TEST_P(PosixChildRunner, TheSignalsThatTheProgramIgnoresHaveTheirEffectInTheChild) {
+    const auto platform = makeSystemPlatform();
+    EXPECT_EQ(run("/bin/sh -c \"kill -PIPE $$\"").exitCode, 128U + SIGPIPE);
+    EXPECT_EQ(run("/bin/sh -c \"kill -XFSZ $$\"").exitCode, 128U + SIGXFSZ);
+    struct sigaction action = {};
+    ASSERT_EQ(0, ::sigaction(SIGPIPE, nullptr, &action));
+    EXPECT_EQ(SIG_IGN, action.sa_handler);
+}
+
 TEST_P(PosixChildRunner, AChildThatWritesFarBeyondTheBoundStalls) {
     std::size_t takenUp = 0;
     // Within the first limit the child of a slow machine has not begun to write.

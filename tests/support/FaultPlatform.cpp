@@ -195,6 +195,24 @@ class FaultPlatform::Files : public FileSystem {
         auto file = files_.open(name, mode);
         return file ? std::make_unique<FaultFile>(platform_, std::move(file), name) : nullptr;
     }
+    std::unique_ptr<File> create(std::string_view name, std::string_view other,
+                                 WhenInterrupted interrupted) override {
+        const UncountedAllocations uncounted;
+        if (platform_.fails(Operation::create, name)) {
+            return nullptr;
+        }
+        auto file = files_.create(name, other, interrupted);
+        return file ? std::make_unique<FaultFile>(platform_, std::move(file), name) : nullptr;
+    }
+    LockResult lock(std::string_view name, std::chrono::milliseconds wait) override {
+        const UncountedAllocations uncounted;
+        if (platform_.fails(Operation::lock, name)) {
+            LockResult busy;
+            busy.isBusy = true;
+            return busy;
+        }
+        return files_.lock(name, wait);
+    }
     bool remove(std::string_view name) override {
         const UncountedAllocations uncounted;
         return !platform_.fails(Operation::remove, name) && files_.remove(name);

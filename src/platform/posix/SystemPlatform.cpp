@@ -1,6 +1,7 @@
 #include "platform/LocalTime.h"
 #include "platform/Platform.h"
 #include "platform/posix/ChildRunner.h"
+#include "platform/posix/ProcessStart.h"
 #include "platform/posix/SysfsPciDeviceList.h"
 
 #include <cerrno>
@@ -12,6 +13,8 @@ namespace {
 
 class PosixPlatform : public Platform {
   public:
+    PosixPlatform() { posix::prepareProcess(); }
+
     Console& console() override { return console_; }
     FileSystem& files() override { return files_; }
 

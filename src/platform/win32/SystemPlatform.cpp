@@ -2,6 +2,7 @@
 #include "platform/Platform.h"
 #include "platform/RegistryPciDeviceList.h"
 #include "platform/win32/ChildRunner.h"
+#include "platform/win32/ProcessStart.h"
 #include "platform/win32/SystemRegistry.h"
 
 #include <windows.h>
@@ -12,6 +13,8 @@ namespace {
 
 class WindowsPlatform : public Platform {
   public:
+    WindowsPlatform() { win32::prepareProcess(); }
+
     Console& console() override { return console_; }
     FileSystem& files() override { return files_; }
 

@@ -1,0 +1,48 @@
+#include "platform/win32/ProcessStart.h"
+
+#include "foundation/EndingFiles.h"
+
+#include <cstdio>
+#include <windows.h>
+
+namespace zolex::win32 {
+
+namespace {
+
+void removeFile(const char* name, EndingFile::Goes goes) {
+    if (goes == EndingFile::Goes::always) {
+        DeleteFileA(name);
+    }
+}
+
+/// Called in a thread of its own while the run goes on.
+BOOL WINAPI endByConsole(DWORD /*event*/) {
+    EndingFile::forEach(removeFile);
+    return FALSE; // the next handler is the system's, which ends the process
+}
+
+/// A handle that is none, or is one that this process did not inherit.
+bool isClosed(DWORD stream) {
+    HANDLE const handle = GetStdHandle(stream);
+    return handle == nullptr || handle == INVALID_HANDLE_VALUE ||
+           (GetFileType(handle) == FILE_TYPE_UNKNOWN && GetLastError() != NO_ERROR);
+}
+
+void openWhenClosed(DWORD number, std::FILE* stream, const char* mode) {
+    // What freopen gives back is the stream itself, or nothing where there are no devices.
+    if (isClosed(number) && std::freopen("NUL", mode, stream) == nullptr) {
+        std::clearerr(stream);
+    }
+}
+
+} // namespace
+
+void prepareProcess() {
+    openWhenClosed(STD_INPUT_HANDLE, stdin, "r");
+    openWhenClosed(STD_OUTPUT_HANDLE, stdout, "w");
+    openWhenClosed(STD_ERROR_HANDLE, stderr, "w");
+    SetConsoleCtrlHandler(endByConsole, FALSE); // entered once
+    SetConsoleCtrlHandler(endByConsole, TRUE);
+}
+
+} // namespace zolex::win32
