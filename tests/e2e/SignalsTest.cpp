@@ -136,11 +136,11 @@ TEST_F(SignalsTest, ALostReaderOfTheOutputEndsNothing) {
 }
 
 TEST_F(SignalsTest, AUtilityHasItsSignalsAsBefore) {
-    const std::string util = server.read("UTIL.BAT");
-    server.write(
-        "UTIL.BAT",
-        "for s in PIPE XFSZ TERM; do sh -c \"kill -$s \\$\\$\"; echo $? >>seen.txt; done\n" +
-            util.substr(util.find('\n') + 1));
+    server.write("UTIL.BAT", "for s in PIPE XFSZ TERM; do\n"
+                             "  sh -c \"kill -$s \\$\\$\"\n"
+                             "  echo $? >>seen.txt\n"
+                             "done\n" +
+                                 server.read("UTIL.BAT"));
     EXPECT_EQ(0, server.zolex({"/c", "/f:p.ini"}).exitCode);
     EXPECT_TRUE(server.read("seen.txt").starts_with("141\n153\n143\n")) << server.read("seen.txt");
 }
@@ -148,7 +148,10 @@ TEST_F(SignalsTest, AUtilityHasItsSignalsAsBefore) {
 // Symptom: the program was ended by the signal, the policies file was torn and the temp file
 // stayed.
 TEST_F(SignalsTest, AFileThatMayNotGrowIsAWriteThatFails) {
-    const std::string before = "; " + std::string(1996, '-') + "\n";
+    std::string before;
+    for (int i = 0; i < 40; ++i) {
+        before += "; a line of fifty bytes with its end, no policy  \n";
+    }
     // Blocks of 512 bytes. The first limit is one of the temporary file.
     server.write("p.ini", "; short\n");
     server.start("sh", {"-c", "(code=0; ulimit -f 1; '" ZOLEX_PROGRAM

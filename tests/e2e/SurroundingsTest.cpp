@@ -51,7 +51,7 @@ TEST_F(SurroundingsTest, AClosedStreamIsTheNullDevice) {
     for (const char* closed : {"0", "1", "2", "01", "02", "12", "012"}) {
         SCOPED_TRACE(closed);
         server.write("p.ini", mine);
-        const ProgramRun run = server.zolexWithout(closed, {"/c", "/f:p.ini"});
+        const ProgramRun run = server.zolexWithout(closed, {"/c", "/f:p.ini", "/v:5"});
         EXPECT_EQ(0, run.exitCode);
         EXPECT_EQ(withoutComments(mine) + wanted, captured("p.ini"));
         EXPECT_FALSE(server.exists(temporary));
@@ -233,7 +233,10 @@ TEST_F(SurroundingsTest, TheByte1AIsOneLikeAnyOther) {
     // In the other files too.
     server.write("p.ini", valid);
     server.write("params.txt", "/f:p.ini\n\x1A\n/fake\n");
-    EXPECT_EQ(4, server.zolex({"@params.txt"}).exitCode);
+    const ProgramRun parameters = server.zolex({"@params.txt"});
+    EXPECT_EQ(5, parameters.exitCode)
+        << parameters.output; // the name goes on, for want of a switch
+    EXPECT_TRUE(contains(parameters.output, "p.ini \x1A")) << parameters.output;
     server.write("contlist.ini", ";\x1A\n" + server.read("contlist.ini"));
     const ProgramRun fake = server.zolex({"/fake", "/f:p.ini"});
     EXPECT_TRUE(contains(fake.output, "Found 1 supported RAID controllers.\n")) << fake.output;
