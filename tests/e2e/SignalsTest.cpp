@@ -75,6 +75,22 @@ class SignalsTest : public testing::Test {
         return process;
     }
 
+    /// Lets a capture go on, which must end well, and gives what it has appended.
+    std::string appendedBy(pid_t process) {
+        const std::string pipe = server.folder().string() + "/p.ini";
+        const int reader = ::open(pipe.c_str(), O_RDONLY);
+        std::string appended(100'000, '\0');
+        std::size_t length = 0;
+        for (ssize_t n = 1; n > 0; length += static_cast<std::size_t>(n)) {
+            n = ::read(reader, appended.data() + length, appended.size() - length);
+        }
+        ::close(reader);
+        const int status = statusOf(process);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        appended.resize(length);
+        return appended;
+    }
+
     static int statusOf(pid_t process) {
         int status = -1;
         EXPECT_EQ(process, ::waitpid(process, &status, 0));
@@ -105,24 +121,23 @@ TEST_F(SignalsTest, ATemporaryFileThatIsKeptForDebuggingStays) {
     EXPECT_TRUE(server.exists(temporary));
 }
 
+// Symptom: two runs at once had one temp file, and one of them appended what the other had
+// captured.
+TEST_F(SignalsTest, ARunThatIsStoppedKeepsATemporaryFileOfItsOwn) {
+    const pid_t process = startCapture("/y", false);
+    EXPECT_EQ(0, server.zolex({"/c:c", "/f:other.ini"}).exitCode);
+    EXPECT_EQ(1U, linesAfter(server.read("other.ini"), "AppliesTo.1 = c:1").size());
+    EXPECT_EQ(withoutComments(server.read("wanted.ini")), withoutComments(appendedBy(process)));
+    EXPECT_FALSE(server.exists(temporary));
+}
+
 TEST_F(SignalsTest, ASignalThatIsIgnoredStaysIgnored) {
     const pid_t process = startCapture("/y", true);
     ::kill(process, SIGHUP);
     std::this_thread::sleep_for(100ms);
     EXPECT_EQ(0, ::waitpid(process, nullptr, WNOHANG)) << "it ended";
     EXPECT_TRUE(server.exists(temporary));
-    const std::string pipe = server.folder().string() + "/p.ini";
-    const int reader = ::open(pipe.c_str(), O_RDONLY);
-    std::string appended(100'000, '\0');
-    std::size_t length = 0;
-    for (ssize_t n = 1; n > 0; length += static_cast<std::size_t>(n)) {
-        n = ::read(reader, appended.data() + length, appended.size() - length);
-    }
-    ::close(reader);
-    const int status = statusOf(process);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    appended.resize(length);
-    EXPECT_EQ(withoutComments(server.read("wanted.ini")), withoutComments(appended));
+    EXPECT_EQ(withoutComments(server.read("wanted.ini")), withoutComments(appendedBy(process)));
     EXPECT_FALSE(server.exists(temporary));
 }
 
