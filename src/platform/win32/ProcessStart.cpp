@@ -28,11 +28,9 @@ bool isClosed(DWORD stream) {
            (GetFileType(handle) == FILE_TYPE_UNKNOWN && GetLastError() != NO_ERROR);
 }
 
-void openWhenClosed(DWORD number, std::FILE* stream, const char* mode) {
-    // What freopen gives back is the stream itself, or nothing where there are no devices.
-    if (isClosed(number) && std::freopen("NUL", mode, stream) == nullptr) {
-        std::clearerr(stream);
-    }
+/// Where there are no devices the stream stays closed; the runtime gives its number to no file.
+bool openWhenClosed(DWORD number, std::FILE* stream, const char* mode) {
+    return !isClosed(number) || std::freopen("NUL", mode, stream) != nullptr;
 }
 
 } // namespace
