@@ -100,7 +100,7 @@ bool plugIn(const std::filesystem::path& server) {
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SYSTEM\\CurrentControlSet\\Enum\\PCI");
     const std::filesystem::path nothing = server / "import.txt";
     const int exitCode = runProgram(
-        {"reg", {"import", "pci.reg"}, server, {}, server / "pci.reg", nothing, nothing});
+        {"reg", {"import", "pci.reg"}, server, {}, server / "pci.reg", nothing, nothing, {}});
     std::error_code ignored;
     std::filesystem::remove(nothing, ignored);
     return exitCode == 0;
