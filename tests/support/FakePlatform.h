@@ -44,6 +44,7 @@ class FakeFileSystem : public FileSystem {
     std::vector<std::string> refused; ///< "mode name" of calls that must fail
     /// Bytes that can still be written before the device is full; negative: no limit.
     long long spaceLeft = -1;
+    bool failFlush = false;
     bool failClose = false;
     bool failRewind = false;
     bool failRemove = false;
@@ -75,9 +76,12 @@ class FakePlatform : public Platform {
     LocalTime now{2026, 3, 9, 14, 5, 7};
     std::vector<PciDevice> devices;
     /// Answers in order; when they are used up, `respond` answers, and by default each child ends
-    /// with exit code 0 and no output.
+    /// with exit code 0 and no output. The output of a child that is not captured is lost.
     std::deque<ChildResult> results;
     std::function<ChildResult(const std::string& commandLine)> respond;
+
+  private:
+    ChildResult nextResult();
 };
 
 } // namespace zolex::test
