@@ -26,24 +26,27 @@ enum class Address {
     id,
 };
 
-/// One RAID level as a policy names it, with the numbers of drives that an array of it can have.
+/// One RAID level as a policy names it, with the numbers of drives that an array of it can have and
+/// the drives' worth of room that redundancy takes.
 struct Level {
+    static constexpr int half = -1;
     const char* name;
     int least;
     int step; ///< 0: no other number
+    int lost; ///< half: half of all
 };
-constexpr Level raid0{"0", 1, 1};
-constexpr Level raid0FromTwo{"0", 2, 1};
-constexpr Level raid1{"1", 2, 0};
-constexpr Level raid1E{"1E", 3, 1};
-constexpr Level raid5{"5", 3, 1};
-constexpr Level raid5E{"5E", 4, 1};
-constexpr Level raid5EE{"5EE", 4, 1};
-constexpr Level raid6{"6", 4, 1};
-constexpr Level raid10{"10", 4, 2};
-constexpr Level raid50{"50", 6, 2};
-constexpr Level raid60{"60", 8, 2};
-constexpr Level volume{"VOLUME", 1, 0};
+constexpr Level raid0{"0", 1, 1, 0};
+constexpr Level raid0FromTwo{"0", 2, 1, 0};
+constexpr Level raid1{"1", 2, 0, Level::half};
+constexpr Level raid1E{"1E", 3, 1, Level::half};
+constexpr Level raid5{"5", 3, 1, 1};
+constexpr Level raid5E{"5E", 4, 1, 2};
+constexpr Level raid5EE{"5EE", 4, 1, 2};
+constexpr Level raid6{"6", 4, 1, 2};
+constexpr Level raid10{"10", 4, 2, Level::half};
+constexpr Level raid50{"50", 6, 2, 2};
+constexpr Level raid60{"60", 8, 2, 4};
+constexpr Level volume{"VOLUME", 1, 0, 0};
 
 using Levels = std::vector<Level>;
 const Levels megaRaid = {raid0, raid1, raid5, raid6, raid10, raid50, raid60};
@@ -57,7 +60,7 @@ struct Loss {
     const char* lost;
 };
 // clang-format off
-constexpr std::array<Loss, 18> losses = {{
+constexpr std::array<Loss, 19> losses = {{
     {"MEGACLI",       "names of virtual disks"},
     {"MEGACLI",       "RAID 50 and 60 of more than two spans"},
     {"MEGACLI",       "several virtual disks on one array"},
@@ -69,6 +72,7 @@ constexpr std::array<Loss, 18> losses = {{
     {"ARCCONF",       "the stripe size of a mirror; of RAID 6 and 60 with many drives"},
     {"ARCCONF",       "a stripe size of 8 KB"},
     {"HRCONF",        "cache modes"},
+    {"HRCONF",        "the stripe size of a mirror"},
     {"HRCONF",        "a logical drive smaller than its array"},
     {"HRCONF",        "`SIMPLE VOLUME`"},
     {"QTCSEND",       "cache, read-ahead, stripe size, rebuild rate"},
@@ -230,6 +234,11 @@ class RandomServer {
                "Logical_Mode = CUSTOM\n" + logical;
     }
 
+    /// MB of the drive of this number, which a policy names it by.
+    [[nodiscard]] int sizeOf(int drive) const {
+        return sizes_.at(static_cast<std::size_t>(drive - 1));
+    }
+
   private:
     int number(int least, int most) { return std::uniform_int_distribution(least, most)(random_); }
 
@@ -252,6 +261,7 @@ class RandomServer {
             text += (text.empty() ? "{" : ", {") + place + R"(, "count": )" +
                     std::to_string(count) + R"(, "sizeMB": )" + std::to_string(size) + "}";
             drives_ += count;
+            sizes_.insert(sizes_.end(), static_cast<std::size_t>(count), size);
         };
         const int groups = number(1, family_.address == Address::enclosureSlot ? 4 : 3);
         switch (family_.address) {
@@ -316,6 +326,7 @@ class RandomServer {
     const Family& family_;
     std::mt19937 random_;
     int drives_ = 0;
+    std::vector<int> sizes_; ///< in the order of their numbers
 };
 
 /// The numbers of a list, or of each of several lists, in ascending order.
@@ -331,25 +342,103 @@ std::vector<int> numbersOf(const std::vector<std::string>& lists) {
     return numbers;
 }
 
-/// Array and RAID level of each `Logical.<n>`, and the write-cache mode when it is wanted. The size
-/// is left out: a capture writes MB.
-std::vector<std::string> logicalDrivesOf(const std::string& policies, bool withCache) {
-    std::vector<std::string> drives;
+/// The fields of a `Logical.<n>`.
+struct LogicalFields {
+    std::string array;
+    std::string size;
+    std::string level;
+    std::string cache;
+};
+
+std::vector<LogicalFields> logicalFieldsOf(const std::string& policies) {
+    std::vector<LogicalFields> drives;
     for (const char* key : {"Logical.1 = ", "Logical.2 = ", "Logical.3 = "}) {
         for (const std::string& value : linesAfter(policies, key)) {
             std::istringstream fields(value);
-            std::string array;
-            std::string size;
-            std::string level;
-            std::string cache;
-            std::getline(fields, array, ':');
-            std::getline(fields, size, ':');
-            std::getline(fields, level, ':');
-            std::getline(fields, cache, ':');
-            drives.push_back(array + " " + level + (withCache ? " " + cache : ""));
+            LogicalFields drive;
+            std::getline(fields, drive.array, ':');
+            std::getline(fields, drive.size, ':');
+            std::getline(fields, drive.level, ':');
+            std::getline(fields, drive.cache, ':');
+            drives.push_back(drive);
         }
     }
     return drives;
+}
+
+/// Array and RAID level of each `Logical.<n>`, and the write-cache mode when it is wanted.
+std::vector<std::string> logicalDrivesOf(const std::string& policies, bool withCache) {
+    std::vector<std::string> drives;
+    for (const LogicalFields& drive : logicalFieldsOf(policies)) {
+        drives.push_back(drive.array + " " + drive.level + (withCache ? " " + drive.cache : ""));
+    }
+    return drives;
+}
+
+/// Numbers of the drives of an array.
+std::vector<int> membersOf(const std::string& policies, const LogicalFields& drive) {
+    return numbersOf(linesAfter(policies, "Array." + drive.array + " = "));
+}
+
+/// Each captured size is the one that the policy asks for, reckoned from the drives.
+void expectSizes(const Family& family, const RandomServer& random, const std::string& policy,
+                 const std::string& captured) {
+    const std::vector<LogicalFields> wanted = logicalFieldsOf(policy);
+    const std::vector<LogicalFields> found = logicalFieldsOf(captured);
+    ASSERT_EQ(wanted.size(), found.size());
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        SCOPED_TRACE("Logical." + std::to_string(i + 1));
+        if (!family.settings.sizes) {
+            EXPECT_EQ("FILL", found[i].size);
+            continue;
+        }
+        const std::vector<int> members = membersOf(policy, wanted[i]);
+        int smallest = random.sizeOf(members.front());
+        for (const int member : members) {
+            smallest = std::min(smallest, random.sizeOf(member));
+        }
+        const auto level =
+            std::find_if(family.levels.begin(), family.levels.end(),
+                         [&](const Level& each) { return wanted[i].level == each.name; });
+        const auto count = static_cast<double>(members.size());
+        const double usable = level->lost == Level::half ? count / 2 : count - level->lost;
+        const double mb = usable * smallest * (wanted[i].size == "FILL" ? 1 : 0.4);
+        // Listings round to a thousandth of a TB.
+        EXPECT_NEAR(mb, std::atof(found[i].size.c_str()), 1 + mb / 1000);
+    }
+}
+
+/// The largest stripe in KB that ARCCONF makes of an array.
+int largestStripe(const std::string& level, std::size_t drives) {
+    if (level == "6") {
+        return drives >= 12 ? 64 : drives >= 9 ? 128 : drives >= 6 ? 256 : 512;
+    }
+    return level == "60" && drives >= 12 ? 256 : level == "60" && drives >= 10 ? 512 : 1024;
+}
+
+/// The captured stripe size is that of the last logical drive that has one.
+void expectStripe(const Family& family, const std::string& policy, const std::string& captured) {
+    const std::vector<std::string> wanted = linesAfter(policy, "StripeSize = ");
+    if (wanted.empty()) {
+        return; // the utility takes none
+    }
+    const std::string utility = family.utility;
+    std::string stripe;
+    for (const LogicalFields& drive : logicalFieldsOf(policy)) {
+        const bool plain = drive.level == "1" || drive.level == "VOLUME";
+        if (utility == "MEGACLI" || !plain) {
+            const int asked = std::stoi(wanted.front());
+            const std::size_t drives = membersOf(policy, drive).size();
+            stripe = std::to_string(
+                utility == "ARCCONF" ? std::min(asked, largestStripe(drive.level, drives)) : asked);
+        }
+    }
+    const std::vector<std::string> found = linesAfter(captured, "StripeSize = ");
+    if (!stripe.empty()) {
+        EXPECT_EQ(std::vector<std::string>{stripe}, found);
+    } else if (utility != "ARCCONF") { // which gives a mirror one of its own
+        EXPECT_EQ(std::vector<std::string>{}, found);
+    }
 }
 
 class RoundTripTest : public testing::TestWithParam<std::size_t> {};
@@ -382,12 +471,17 @@ void roundTrip(const Family& family, const Level& level, bool withHotspares, uns
     }
     EXPECT_EQ(numbersOf(linesAfter(policy, "Hotspares = ")),
               numbersOf(linesAfter(captured, "Hotspares = ")));
-    const bool keepsSettings = std::string(family.utility) == "MEGACLI";
-    EXPECT_EQ(logicalDrivesOf(policy, keepsSettings), logicalDrivesOf(captured, keepsSettings));
-    if (keepsSettings) {
+    const std::string utility = family.utility;
+    const bool keepsCache = utility == "MEGACLI" || utility == "ARCCONF" || utility == "HYPERWIN";
+    EXPECT_EQ(logicalDrivesOf(policy, keepsCache), logicalDrivesOf(captured, keepsCache));
+    if (utility == "MEGACLI") {
         EXPECT_EQ(linesAfter(policy, "StripeSize = "), linesAfter(captured, "StripeSize = "));
+    }
+    if (!family.settings.readAheads.empty()) {
         EXPECT_EQ(linesAfter(policy, "ReadAhead = "), linesAfter(captured, "ReadAhead = "));
     }
+    expectSizes(family, random, policy, captured);
+    expectStripe(family, policy, captured);
 }
 
 TEST_P(RoundTripTest, CaptureResetDeployCaptureGivesTheSameLayout) {

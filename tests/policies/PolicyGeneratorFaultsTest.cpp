@@ -63,6 +63,25 @@ TEST(PolicyGeneratorFaultsTest, AnEmptyTempFileIsNotKept) {
     EXPECT_FALSE(run.platform.fileFake.exists(temporaryFile));
 }
 
+TEST(PolicyGeneratorFaultsTest, ATempFileThatCannotBeFlushedIsKeptForDebuggingEmptyOrNot) {
+    for (const bool configured : {false, true}) {
+        for (const bool debug : {false, true}) {
+            Generation run;
+            run.application.settings.debug = debug;
+            run.platform.fileFake.failFlush = true;
+            if (configured) {
+                fillMegaRaid(run.add(12, 2));
+            } else {
+                run.add(12, 2).setConfiguration(nullptr);
+            }
+            EXPECT_FALSE(run.run());
+            EXPECT_TRUE(run.output().ends_with(noTempSpace));
+            EXPECT_FALSE(run.platform.fileFake.exists("p.ini"));
+            EXPECT_EQ(run.platform.fileFake.exists(temporaryFile), debug) << configured;
+        }
+    }
+}
+
 TEST(PolicyGeneratorFaultsTest, AFullDeviceIsReportedWhereverItFillsUp) {
     Generation whole;
     fillMegaRaid(whole.add(12, 2));

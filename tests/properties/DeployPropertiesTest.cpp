@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -211,7 +212,7 @@ class Comparison {
 TEST(DeployProperties, TheVirtualServerTakesEveryCommandOfAPlanAndBecomesThePlan) {
     checkProperty({{"deployed", 40},
                    {"controllers configured", 40},
-                   {"configured just as planned", 40},
+                   {"configured just as planned", 30},
                    {"refused by the machine", 3},
                    {"refused by the generator", 1},
                    {"configured MEGACLI", 10},
@@ -267,32 +268,55 @@ void compareSizes(const zolex_sim::Controller& first, const zolex_sim::Controlle
     }
 }
 
-TEST(DeployProperties, WhatIsDeployedAndCapturedIsDeployedTheSameAgain) {
-    checkProperty({{"captured", 20}, {"several controllers", 5}}, [](Tally& tally) {
-        const VirtualServer virtualServer = *virtualServers();
-        VirtualMachine machine(virtualServer);
-        if (machine.deploy(policiesFor(virtualServer, false)) != success ||
-            configuring(machine).size() == runCommands) {
-            tally.count("not deployed");
-            return;
+/// Deploys policies on a machine that is like this server. Ones that cannot be planned, or that no
+/// command comes of, show nothing: then others are tried on another such machine.
+std::unique_ptr<VirtualMachine> deployed(const VirtualServer& virtualServer, Tally& tally) {
+    constexpr int tries = 6;
+    std::unique_ptr<VirtualMachine> machine;
+    for (int i = 0; i < tries; ++i) {
+        machine = std::make_unique<VirtualMachine>(virtualServer);
+        const unsigned result = machine->deploy(policiesFor(virtualServer, false));
+        tally.count(result == success      ? "deployed"
+                    : result == planFailed ? "not planned"
+                                           : "refused");
+        const auto& made = machine->server.controllers;
+        if (std::any_of(made.begin(), made.end(), [](const zolex_sim::Controller& controller) {
+                return !controller.logicalDrives.empty();
+            })) {
+            break;
         }
+    }
+    return machine;
+}
+
+TEST(DeployProperties, WhatIsDeployedAndCapturedIsDeployedTheSameAgain) {
+    checkProperty({{"compared", 80}, {"several controllers", 30}}, [](Tally& tally) {
+        const VirtualServer virtualServer = *virtualServers();
+        const auto machine = deployed(virtualServer, tally);
         // By default the policy of one controller holds for the next of its model, too.
-        machine.application.settings.captureParameters = "t,c";
-        const std::string captured = machine.capturePolicies();
+        machine->application.settings.captureParameters = "t,c";
+        const std::string captured = machine->capturePolicies();
         if (captured.empty()) {
             tally.count("nothing configured");
+            for (const zolex_sim::Controller& controller : machine->server.controllers) {
+                RC_ASSERT(controller.logicalDrives.empty());
+            }
             return;
         }
         VirtualMachine another(virtualServer);
         const unsigned result = another.deploy(captured);
         RC_LOG() << captured << another.platform.consoleFake.output;
         RC_ASSERT(result == success);
-        tally.count("captured");
+        if (configuring(another).size() == runCommands) {
+            tally.count("as many commands as are run"); // perhaps more would have followed
+            return;
+        }
+        tally.count("compared");
         if (virtualServer.controllers.size() > 1) {
             tally.count("several controllers");
         }
-        for (std::size_t i = 0; i < machine.server.controllers.size(); ++i) {
-            const zolex_sim::Controller& first = machine.server.controllers[i];
+        for (std::size_t i = 0; i < machine->server.controllers.size(); ++i) {
+            const zolex_sim::Controller& first = machine->server.controllers[i];
             const zolex_sim::Controller& second = another.server.controllers[i];
             RC_ASSERT(layoutOf(second) == layoutOf(first));
             compareSizes(first, second);

@@ -305,7 +305,7 @@ void Forecast::noteDeviations(std::size_t array, const Places& members) {
 std::int64_t Forecast::restFor(std::size_t array, const LogicalDrive& drive) const {
     const RaidArray& members = plan().arrays().at(array);
     const auto part = [&members](const LogicalDrive& each) {
-        return static_cast<double>(usableFraction(each.raidLevel, members.drives().size()));
+        return static_cast<double>(partOf(each.raidLevel, members.drives().size()));
     };
     auto leftMb = static_cast<double>(members.capacityMb);
     for (const LogicalDrive* other : drivesOn(array)) {

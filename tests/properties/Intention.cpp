@@ -1,5 +1,7 @@
 #include "properties/Intention.h"
 
+#include "properties/Limits.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -107,7 +109,7 @@ bool Intention::addOnArray(std::size_t array, const LogicalDrive& drive) {
     }
     const RaidArray& members = plan().arrays()[array];
     const auto part = [&members](const LogicalDrive& each) {
-        return static_cast<double>(usableFraction(each.raidLevel, members.drives().size()));
+        return static_cast<double>(partOf(each.raidLevel, members.drives().size()));
     };
     zolex_sim::NewLogicalDrive request;
     request.level = *levelOf(drive);

@@ -115,4 +115,13 @@ const LevelShape* shapeOf(std::int32_t level) {
     return found == levelShapes.end() ? nullptr : found;
 }
 
+float partOf(std::int32_t level, std::size_t drives) {
+    const LevelShape* const shape = shapeOf(level);
+    if (shape == nullptr || shape->lost == 0) {
+        return 1;
+    }
+    const auto all = static_cast<float>(drives);
+    return shape->lost == LevelShape::halved ? 0.5F : (all - static_cast<float>(shape->lost)) / all;
+}
+
 } // namespace zolex::properties

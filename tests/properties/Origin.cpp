@@ -186,7 +186,7 @@ bool Origin::explains(Cause cause, const Forecast::Step& step) const {
 
 double Origin::usableMb(const LogicalDrive& drive) const {
     const RaidArray& array = plan_.arrays().at(static_cast<std::size_t>(drive.arrayIndex));
-    return static_cast<double>(usableFraction(drive.raidLevel, array.drives().size())) *
+    return static_cast<double>(partOf(drive.raidLevel, array.drives().size())) *
            static_cast<double>(array.capacityMb);
 }
 

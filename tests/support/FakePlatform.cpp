@@ -62,7 +62,7 @@ class FakeFile : public File {
         position_ = 0;
         return true;
     }
-    bool flush() override { return !failed_; }
+    bool flush() override { return !failed_ && !files_.failFlush; }
     bool close() override { return !files_.failClose; }
 
   private:
@@ -148,10 +148,18 @@ bool FakeFileSystem::remove(std::string_view name) {
 
 FakePlatform::FakePlatform() = default;
 
-ChildResult FakePlatform::runChild(std::string_view commandLine, bool /*capture*/,
+ChildResult FakePlatform::runChild(std::string_view commandLine, bool capture,
                                    std::chrono::milliseconds limit) {
     children.emplace_back(commandLine);
     limits.push_back(limit);
+    ChildResult result = nextResult();
+    if (!capture) {
+        result.output.clear();
+    }
+    return result;
+}
+
+ChildResult FakePlatform::nextResult() {
     if (!results.empty()) {
         ChildResult result = std::move(results.front());
         results.pop_front();

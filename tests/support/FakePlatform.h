@@ -51,6 +51,7 @@ class FakeFileSystem : public FileSystem {
     WhenInterrupted interrupted = WhenInterrupted::removed; ///< of the file created last
     /// Bytes that can still be written before the device is full; negative: no limit.
     long long spaceLeft = -1;
+    bool failFlush = false;
     bool failClose = false;
     bool failRewind = false;
     bool failRemove = false;
@@ -82,9 +83,12 @@ class FakePlatform : public Platform {
     LocalTime now{2026, 3, 9, 14, 5, 7};
     std::vector<PciDevice> devices;
     /// Answers in order; when they are used up, `respond` answers, and by default each child ends
-    /// with exit code 0 and no output.
+    /// with exit code 0 and no output. The output of a child that is not captured is lost.
     std::deque<ChildResult> results;
     std::function<ChildResult(const std::string& commandLine)> respond;
+
+  private:
+    ChildResult nextResult();
 };
 
 } // namespace zolex::test

@@ -73,13 +73,13 @@ class FaultPlatform : public Platform {
 
   private:
     class Files;
-    class UncountedConsole;
+    class FoldingConsole;
 
     FakePlatform& fake_;
     Fault fault_;
     std::array<int, operations> calls_{};
     std::unique_ptr<Files> files_;
-    std::unique_ptr<UncountedConsole> console_;
+    std::unique_ptr<FoldingConsole> console_;
 };
 
 } // namespace zolex::test
