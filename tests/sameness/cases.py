@@ -36,10 +36,13 @@ class _Maker:
                                        "sub/policies.ini", "sub\\policies.ini", "Policies", "a b/c d.ini"])
         self.mode = r.choices(
             ["deploy", "default", "capture", "restore", "restore and deploy", "restore and capture",
-             "detection", "illegal", "usage"], [42, 9, 24, 7, 3, 2, 2, 9, 1])[0]
+             "detection", "illegal", "usage"], [42, 9, 25, 7, 4, 2, 2, 8, 1])[0]
         chance = r.random()
         self.source = "fake" if chance < 0.13 else "definition" if chance < 0.2 else "bus"
-        self.controllers = servers.make_server(r)
+        # Half of the cases are without faults, so that enough of them come to an end.
+        self.calm = r.random() < 0.55 and self.mode != "illegal"
+        self.note("no faults" if self.calm else "faults")
+        self.controllers = servers.make_server(r, self.calm)
         if self.source != "bus":
             self.controllers = self.controllers or [servers.Controller(r)]
             servers.number_controllers(self.controllers)
@@ -66,17 +69,17 @@ class _Maker:
         r = self.r
         for name in ("UTIL.BAT", "hwdetect.exe", "fakeraid"):
             self.put(name, "player")
-        chance = r.random()
-        if chance < 0.01:
+        chance = 1 if self.calm else r.random()
+        if chance < 0.02:
             del self.case.files[r.choice(["UTIL.BAT", "hwdetect.exe", "fakeraid"])]
             self.note("a program is missing")
-        elif chance < 0.02:
+        elif chance < 0.04:
             self.put("UTIL.BAT", b'"$SAME_AS_PLAYER" UTIL.BAT "$@"\n')
             self.note("a utility for the shell")
         chance = r.random()
-        if chance < 0.82:
+        if chance < 0.8 or self.calm and chance < 0.9:
             machine = b"Machine_Type=8837\nSerial_Number=KQ0001\n"
-        elif chance < 0.9:
+        elif chance < 0.88 or self.calm:
             machine = b"Machine_Type=5941-AC1\nSerial_Number=KQ0001\n"
         else:
             machine = r.choice([
@@ -92,17 +95,17 @@ class _Maker:
             case.pci = servers.pci_files(r, self.controllers)
         if self.source == "fake" or r.random() < 0.02:
             text = servers.inventory(r, self.controllers).encode()
-            if r.random() < 0.25:
+            if not self.calm and r.random() < 0.5:
                 text = self.spoilt_settings(text)
                 self.note("spoilt inventory")
-            if r.random() < 0.98:
+            if self.calm or r.random() < 0.96:
                 self.put("contlist.ini", text)
         if self.source == "definition":
             text = servers.definition(r, self.controllers).encode()
-            if r.random() < 0.25:
+            if not self.calm and r.random() < 0.5:
                 text = self.spoilt_settings(text)
                 self.note("spoilt definition")
-            if r.random() < 0.97:
+            if self.calm or r.random() < 0.94:
                 self.put("controllers.ini", text)
 
     def spoilt_settings(self, text):
@@ -137,15 +140,15 @@ class _Maker:
             self.put(folder, None)
         if not needed and r.random() < (0.45 if "capture" in self.mode else 0.8):
             return
-        content, kind = policies.make(r, self.controllers)
+        content, kind = policies.make(r, self.controllers, self.calm)
         if "capture" in self.mode and r.random() < 0.5:
             content, kind = self.captured_before()
         if needed or "capture" in self.mode:
             self.note(kind)
-        chance = r.random()
-        if chance < 0.015:
+        chance = 1 if self.calm else r.random()
+        if chance < 0.03:
             self.note("no policies file")
-        elif chance < 0.02:
+        elif chance < 0.04:
             self.put(self.policies_file, None)
             self.note("a folder for a policies file")
         else:
@@ -167,7 +170,7 @@ class _Maker:
         for controller in self.controllers:
             self.note(f"controller of {controller.utility}")
             for name, text in listings.listings(r, controller).items():
-                chance = r.random()
+                chance = r.random() / 2 if not self.calm else 1
                 if chance < 0.1:
                     text = listings.spoil(r, text)
                     self.note("spoilt listing")
@@ -186,16 +189,16 @@ class _Maker:
                 # Where fakeraid is called instead, it tells all of the listings of the controller.
                 fake = f"1_{controller.name}".replace(" ", "_")
                 case.answers[fake] = case.answers.get(fake, b"") + text
-        if self.source == "fake" and r.random() < 0.05:
+        if self.source == "fake" and not self.calm and r.random() < 0.1:
             case.answers = {"_i": case.answers["_i"]}
 
     def make_calls(self):
         r, case = self.r, self.case
         chance = r.random()
-        if chance < 0.72:
+        if self.calm and chance < 0.9 or chance < 0.6:
             return
         calls = [[0, "-", "-"] for _ in range(r.randrange(1, 30))]
-        if chance < 0.9:
+        if chance < 0.8 or self.calm:
             one = r.choice(calls)
             one[0] = r.choice([1, 1, 2, 3, 5, 49, 49, 127, 255])
             self.note("a call fails")
@@ -258,7 +261,7 @@ class _Maker:
         r = self.r
         name = self.policies_file
         chance = r.random()
-        if chance < 0.02:
+        if chance < 0.03 and not self.calm:
             name = r.choice(["", "missing.ini", "no/such/folder.ini", ".", "ZOLEXM~~.TMP"])
         if " " in name and r.random() < 0.5:
             return ("/f:" + name).split(" ")
@@ -268,7 +271,7 @@ class _Maker:
         r = self.r
         if r.random() < 0.35:
             return ["/c"]
-        chosen = r.choice(CAPTURE_LISTS[:11]) if r.random() < 0.85 else r.choice(CAPTURE_LISTS)
+        chosen = r.choice(CAPTURE_LISTS[:11]) if r.random() < 0.8 or self.calm else r.choice(CAPTURE_LISTS)
         return ["/c:" + chosen]
 
     def restore_part(self):
@@ -304,7 +307,7 @@ class _Maker:
             level = "9"
         elif chance < 0.85:
             level = r.choice(["0", "3", "5", "5"])
-        elif chance < 0.97:
+        elif chance < 0.96 or self.calm:
             self.note("verbosity default")
             return
         else:
@@ -314,16 +317,16 @@ class _Maker:
 
     def add_options(self, parts):
         r = self.r
-        for switch, chance in (("/e1", 0.15), ("/e2", 0.15), ("/e3", 0.15), ("/y", 0.3), ("/debug", 0.15),
+        for switch, chance in (("/e1", 0.25), ("/e2", 0.15), ("/e3", 0.25), ("/debug", 0.15),
                                ("/b", 0.02), ("/a", 0.03), ("/error", 0.02), ("/step2", 0.02),
-                               ("/step3", 0.02), ("/noexecuteall", 0.03), ("/noexecutereset", 0.03),
+                               ("/step3", 0.02), ("/y", 0.75 if "restore" in self.mode else 0.1), ("/noexecuteall", 0.03), ("/noexecutereset", 0.03),
                                ("/noexecutecap", 0.03), ("/noexecutedeploy", 0.04)):
             if r.random() < chance:
                 parts.append([switch])
                 if switch.startswith("/noexecute") or switch == "/debug":
                     self.note(switch)
-        if r.random() < 0.05:
-            parts.append(["/s:" + r.choice(["1,2", "1", "1,2,3", "a,b", ",", ""])])
+        if r.random() < 0.03:
+            parts.append(["/s:" + r.choice(["1,2", "a,b"] + ([] if self.calm else ["1", "1,2,3", ",", ""]))])
         if r.random() < 0.04:
             parts.append(["/o:" + r.choice(["out.bat", "a b", ""])])
         if r.random() < 0.07:

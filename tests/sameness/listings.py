@@ -117,6 +117,13 @@ CONF_STATES = {"ready": "Ready", "online": "Online", "hotspare": "Hot Spare", "f
 PRODUCTS = {"Kestrix-B7": "Norvik Kestrix B7", "Kestrix-B8": "Norvik Kestrix B8"}
 
 
+# Words that a listing can tell as well: whole sets, so that each row of a reader's table is met.
+MORE_DRIVE_STATES = ["Verifying", "Global Hot-Spare", "Dedicated Hot-Spare", "Standby Hot Spare", "READY",
+                     "online", "Defunct", "Failed", "Rebuilding", "Ready", "Unknown", "Hot Spare Ready"]
+MORE_LOGICAL_STATES = ["Critical", "Impacted", "Clearing", "Critical Migrating", "Degraded Migrating",
+                       "Optimal", "OFFLINE", "okay", "Degraded", "Migrating", "Unknown"]
+
+
 def conf(r, controller):
     arc = controller.utility == "ARCCONF"
     later = arc and controller.later
@@ -171,6 +178,8 @@ def conf_logical(r, controller, logical, number, word, later, segments):
                          (["Spanned_volume"] if controller.utility == "ARCCONF" else []))
     state = {"okay": "Okay", "degraded": "Degraded", "offline": "Offline",
              "migrating": "Migrating"}[logical.state]
+    if r.random() < 0.15:
+        state = r.choice(MORE_LOGICAL_STATES)
     write = "Enabled (write-back)" if logical.cache == "wb" else "Disabled (write-through)"
     members = controller.arrays[logical.array]
     key = "RAID Level" if later else "RAID level"
@@ -210,6 +219,8 @@ def conf_drive(r, controller, drive, later):
         state = {"Hot Spare": "Hot-Spare", "Defunct": "Failed"}.get(state, state)
     elif state == "Hot Spare" and r.random() < 0.3:
         state = "Standby Hot Spare"
+    if r.random() < 0.06:
+        state = r.choice(MORE_DRIVE_STATES)
     place = f"Enclosure {drive.channel}, Slot {drive.id}"
     if later and r.random() < 0.2:
         place = f"Connector {drive.channel}, Device {drive.id}"
@@ -340,6 +351,8 @@ def hyperwin_array(r, controller):
     if controller.logicals:
         logical = controller.logicals[0]
         stripe = controller.stripe if controller.stripe >= 32 or r.random() < 0.1 else 32
+        if r.random() < 0.3:
+            stripe = r.choice([32, 64, 128, 256, 512, 1024, 2048, 4096])
         lines += ["LOGICAL_ARRAY                   : 0",
                   ("-" if logical.cache == "wt" else "+") + "WRITE_CACHE",
                   f"RAID_MODE                       : {'MIRROR' if logical.level == '1' else 'STRIPE'}",
@@ -416,7 +429,10 @@ def spoil(r, text):
                 one = r.choice(found)
                 lines[at] = lines[at][:one.start()] + new + lines[at][one.end():]
         elif kind == 8:
-            lines[at] += b" " + bytes([r.randrange(32, 127)]) * r.choice([50, 150, 197, 198, 199, 300, 5000])
+            length = r.choice([50, 150, 196, 197, 198, 199, 200, 300, 396, 397, 5000])
+            filler = bytes([r.randrange(32, 127)])
+            lines[at] = (lines[at] + b" ").ljust(length, filler) if r.random() < 0.5 \
+                else lines[at].rjust(length, b" ")
         elif kind == 9:
             lines.insert(at, r.choice(KEYS).encode())
         elif kind == 10:

@@ -62,7 +62,7 @@ def usable(level, count, smallest):
 
 def level_for(r, controller):
     # The controller's own levels most often; others are refused.
-    return r.choice(servers.LEVELS[controller.utility]) if r.random() < 0.88 else r.choice(LEVELS)
+    return r.choice(controller.planned_levels()) if r.random() < 0.94 else r.choice(LEVELS)
 
 
 def body(r, controller):
@@ -75,13 +75,13 @@ def body(r, controller):
     if r.random() < 0.4:
         likely = {"MEGACLI": STRIPES[:4], "QTCSEND": STRIPES[:3], "HRCONF": STRIPES[:3],
                   "HYPERWIN": STRIPES[1:]}.get(controller.utility, STRIPES[:7])
-        entries.append(("StripeSize", r.choice(likely if r.random() < 0.9 else STRIPES)))
+        entries.append(("StripeSize", r.choice(likely if r.random() < 0.95 else STRIPES)))
     if r.random() < 0.25:
         entries.append(("Init", r.choice(["QUICK", "BUILD"])))
     if r.random() < 0.1:
         entries.append(("Max_Logical_Drive_Size", r.choice(["0", "1000", "2147483647"])))
     if r.random() < 0.35:
-        spares = r.choice(["0", "0", "1", "1", "2", "3", "9"])
+        spares = r.choice(["0", "0", "0", "0", "1", "1", "2", "3", "9"])
         entries.append(("Array_Defaults", f"{r.choice(['0%', '5%', '10%', '100%'])}:{spares}"))
     if controller.utility == "HYPERWIN" or r.random() < 0.4:
         automatic(r, controller, entries)
@@ -118,12 +118,12 @@ def custom(r, controller, entries):
             members.pop()
         letter = chr(ord("A") + len(arrays))
         chance = r.random()
-        if chance < 0.1 and not r.random() < 0.1:
+        if chance < 0.1:
             entries.append((f"Array.{letter}", "ALL"))
             arrays.append((level, max(1, len(members) + len(free))))
             free = []
             break
-        if chance < 0.14:
+        if chance > 0.97:
             members = members + [r.choice([count + 1, count, 1, 99])]
         if chance > 0.995:
             members = members + [1] * 33
@@ -253,7 +253,7 @@ def render(r, policies, first_lines):
     lines = list(first_lines)
     for name, entries in policies:
         if not plain and r.random() < 0.3:
-            lines.append(r.choice(["; a comment", "", "   ", "  ; indented", ";" + "x" * 300]))
+            lines.append(r.choice(["; a comment", "", "   ", "  ; indented"] * 5 + [";" + "x" * 300]))
         lines.append(r.choice(["", "  "] if not plain else [""]) + f"[{name}]" +
                      r.choice(["", " trailing"] if not plain else [""]))
         for keyword, value in entries:
@@ -292,22 +292,26 @@ def spoil(r, data):
     return bytes(data)
 
 
-def make(r, controllers):
+def make(r, controllers, calm):
     """(content of a policies file, what kind it is)."""
     policies = []
     for number, controller in enumerate(controllers[:6], 1):
-        if r.random() < 0.92:
+        if calm or r.random() < 0.92:
             name = f"Policy.{r.choice(['web', 'db', 'AUTO-' + controller.name, 'x_1.y-z', 'A'])}-{number}"
             policies.append(policy(r, name.replace(" ", "_"), controller, number))
     if not policies or r.random() < 0.15:
         other = servers.Controller(r)
         policies.insert(r.randrange(len(policies) + 1), policy(r, "Policy.other", other, 1))
+    if calm:
+        return render(r, policies, []), "valid policies"
     if r.random() < 0.05:
         return render(r, policies, ["; nothing but comments"])[:r.choice([0, 5, 24])], "empty policies"
     chance = r.random()
-    if chance < 0.68:
+    if chance < 0.4:
         return render(r, policies, []), "valid policies"
-    if chance < 0.92:
+    if chance < 0.85:
         first_lines = fault(r, policies)
+        for _ in range(r.choice([0, 0, 1, 3])):  # the order of the checks shows where there are several
+            first_lines += fault(r, policies)
         return render(r, policies, first_lines), "policies with a fault"
     return spoil(r, render(r, policies, [])), "spoilt policies"

@@ -62,6 +62,13 @@ LEVELS = {
     "CFGGEN": ["0", "1", "1E"],
     "MEGACLI": ["0", "1", "5", "6", "10", "50", "60"],
 }
+# Type (and subtype, where that counts) -> what a plan accepts, where it is less than the utility's.
+PLANNED = {
+    2: ["0", "1", "5", "10", "VOLUME"], 3: ["0", "1"], 4: ["0", "1", "10"], 8: ["0", "1", "10"],
+    (10, 1): ["0", "1"], (11, 1): ["0", "1", "10", "VOLUME"],
+    (11, 2): ["0", "1", "1E", "5", "6", "10", "VOLUME"], (12, 8): ["0", "1", "10"],
+    (12, 1): ["0", "1", "5", "10", "50"], (12, 11): ["0", "1", "5", "10", "50"],
+}
 LEAST = {"0": 1, "1": 2, "1E": 3, "5": 3, "5E": 4, "5EE": 4, "6": 4, "10": 4, "50": 6, "60": 8,
          "VOLUME": 1}
 
@@ -97,6 +104,8 @@ class Controller:
         self.later = r.random() < 0.4
         self.segments = r.random() < 0.4
         self.stripe = r.choice([8, 16, 32, 64, 64, 64, 128, 256, 512, 1024])
+        if self.utility in ("HYPERWIN", "ARCCONF") and r.random() < 0.15:
+            self.stripe = r.choice([2048, 4096])
         self.read = r.choice(["adaptive", "on", "off"])
         self.rebuild = r.choice(["High", "Medium", "Low"])
         self.bus = r.randrange(0, 8)
@@ -185,6 +194,9 @@ class Controller:
             elif chance < 0.16:
                 drive.state = r.choice(["failed", "missing", "foreign"])
 
+    def planned_levels(self):
+        return PLANNED.get((self.type, self.subtype)) or PLANNED.get(self.type) or LEVELS[self.utility]
+
     def positions(self):
         """Where the model puts the drives: channel and id, in the order of the drive numbers."""
         if self.utility == "MEGACLI":
@@ -200,13 +212,13 @@ class Controller:
         return sorted(set(places))
 
 
-def make_server(r):
+def make_server(r, calm):
     chance = r.random()
-    count = 0 if chance < 0.03 else r.choice([1, 1, 1, 2, 2, 3, 4, 5])
-    if chance > 0.997:
+    count = 0 if chance < 0.02 and not calm else r.choice([1, 1, 1, 2, 2, 3, 4, 5])
+    if chance > 0.997 and not calm:
         count = r.randrange(35, 39)
     controllers = [Controller(r) for _ in range(count)]
-    if r.random() < 0.15 and count > 1:  # several of one utility, so that scan orders count
+    if r.random() < 0.25 and count > 1:  # several of one utility, so that scan orders count
         same = r.choice([m for m in MODELS if m[3] == controllers[0].utility])
         controllers = [Controller(r, same) for _ in controllers]
     number_controllers(controllers)
