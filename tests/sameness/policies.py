@@ -5,6 +5,7 @@ LEVELS = ["0", "1", "1E", "5", "5E", "5EE", "6", "10", "50", "60", "VOLUME", "SI
 CACHES = ["ON", "OFF", "AUTO"]
 STRIPES = ["16", "32", "64", "128", "256", "512", "1024", "2048", "4096"]
 MACHINES = ["8837", "5941-AC1", "5944", "88370", ""]
+RAW = "\n"  # in place of a keyword: the value is the whole line
 SERIALS = ["KQ0001", "kq0001", "KQ 0001", ""]
 
 
@@ -173,7 +174,7 @@ def fault(r, policies):
     """Gives the policies one fault; returns lines to put before the file's own."""
     chosen = r.choice(policies)
     entries = chosen[1]
-    kind = r.randrange(30)
+    kind = r.randrange(40)
 
     def put(keyword, value):
         for i, entry in enumerate(entries):
@@ -231,7 +232,7 @@ def fault(r, policies):
     elif kind == 25:
         return [r.choice(["stray = 1", "x", "  Array_Mode = CUSTOM", "]", "[Policy.a"])]
     elif kind == 26:
-        entries.append((None, r.choice(["no equals sign", "   words", "=", "= 1", "[", "[Policy.x"])))
+        entries.append((RAW, r.choice(["no equals sign", "   words", "=", "= 1", "[", "[Policy.x"])))
     elif kind == 27:
         while len(entries) < r.choice([49, 50, 51, 52]):
             entries.append((f"AppliesTo.{len(entries) + 20}", "ALL"))
@@ -239,6 +240,9 @@ def fault(r, policies):
         count = r.choice([99, 100, 101])
         while len(policies) < count:
             policies.append([f"Policy.more{len(policies)}", [("AppliesTo.1", "c:9")]])
+    elif kind >= 30:  # several wrong values: the first that is checked is told
+        for keyword, values in r.sample(wrong_values, r.randrange(2, 8)):
+            put(keyword, r.choice(values))
     else:
         for i, letter in enumerate("ABCDEFGH"):
             put(f"Array.{letter}", str(i + 1))
@@ -257,7 +261,7 @@ def render(r, policies, first_lines):
         lines.append(r.choice(["", "  "] if not plain else [""]) + f"[{name}]" +
                      r.choice(["", " trailing"] if not plain else [""]))
         for keyword, value in entries:
-            if keyword is None:
+            if keyword == RAW:
                 lines.append(value)
                 continue
             if not plain:
@@ -311,7 +315,7 @@ def make(r, controllers, calm):
         return render(r, policies, []), "valid policies"
     if chance < 0.85:
         first_lines = fault(r, policies)
-        for _ in range(r.choice([0, 0, 1, 3])):  # the order of the checks shows where there are several
+        for _ in range(r.choice([0, 0, 0, 1, 2])):
             first_lines += fault(r, policies)
         return render(r, policies, first_lines), "policies with a fault"
     return spoil(r, render(r, policies, [])), "spoilt policies"
