@@ -77,7 +77,9 @@ class _Maker:
             self.put("UTIL.BAT", b'"$SAME_AS_PLAYER" UTIL.BAT "$@"\n')
             self.note("a utility for the shell")
         chance = r.random()
-        if chance < 0.8 or self.calm and chance < 0.9:
+        if [c.type for c in self.controllers].count(10) > 1 and chance < 0.5:
+            machine = b"Machine_Type=5944\nSerial_Number=KQ0001\n"
+        elif chance < 0.8 or self.calm and chance < 0.9:
             machine = b"Machine_Type=8837\nSerial_Number=KQ0001\n"
         elif chance < 0.88 or self.calm:
             machine = b"Machine_Type=5941-AC1\nSerial_Number=KQ0001\n"
@@ -115,7 +117,7 @@ class _Maker:
         lines = text.split(b"\n")
         for _ in range(r.choice([1, 1, 2, 3])):
             at = r.randrange(len(lines))
-            kind = r.randrange(5)
+            kind = r.randrange(7)
             key = lines[at].split(b"=")[0]
             if kind == 0:
                 del lines[at]
@@ -126,6 +128,11 @@ class _Maker:
                                                     b"Kestrix-Z9", b"LSI-MegaRAID", b"2147483648", b" 7 x"])
             elif kind == 3:
                 lines[at] = r.choice([b"[", b"; ", b"", b"[System]"]) + lines[at]
+            elif kind > 4:  # a section again
+                headers = [i for i, line in enumerate(lines) if line.startswith(b"[")]
+                if headers:
+                    first = r.choice(headers)
+                    lines[at:at] = lines[first:first + r.choice([1, 3, 8])]
             else:
                 lines[at] = lines[at].swapcase()
             if not lines:
@@ -195,11 +202,12 @@ class _Maker:
     def make_calls(self):
         r, case = self.r, self.case
         chance = r.random()
-        if self.calm and chance < 0.9 or chance < 0.6:
+        restores = self.mode.startswith("restore")
+        if self.calm and chance < (0.7 if restores else 0.9) or chance < 0.6:
             return
-        calls = [[0, "-", "-"] for _ in range(r.randrange(1, 30))]
+        calls = [[0, "-", "-"] for _ in range(r.randrange(2, 30))]
         if chance < 0.8 or self.calm:
-            one = r.choice(calls)
+            one = r.choice(calls[1:4] if restores else calls)
             one[0] = r.choice([1, 1, 2, 3, 5, 49, 49, 127, 255])
             self.note("a call fails")
         else:
@@ -317,7 +325,8 @@ class _Maker:
 
     def add_options(self, parts):
         r = self.r
-        for switch, chance in (("/e1", 0.25), ("/e2", 0.15), ("/e3", 0.25), ("/debug", 0.15),
+        often = 0.2 if all(c.drives for c in self.controllers) else 0.75
+        for switch, chance in (("/e1", often), ("/e2", 0.15), ("/e3", often), ("/debug", 0.15),
                                ("/b", 0.02), ("/a", 0.03), ("/error", 0.02), ("/step2", 0.02),
                                ("/step3", 0.02), ("/y", 0.75 if "restore" in self.mode else 0.1), ("/noexecuteall", 0.03), ("/noexecutereset", 0.03),
                                ("/noexecutecap", 0.03), ("/noexecutedeploy", 0.04)):

@@ -351,7 +351,7 @@ def hyperwin_array(r, controller):
     if controller.logicals:
         logical = controller.logicals[0]
         stripe = controller.stripe if controller.stripe >= 32 or r.random() < 0.1 else 32
-        if r.random() < 0.3:
+        if r.random() < 0.7:
             stripe = r.choice([32, 64, 128, 256, 512, 1024, 2048, 4096])
         lines += ["LOGICAL_ARRAY                   : 0",
                   ("-" if logical.cache == "wt" else "+") + "WRITE_CACHE",
@@ -407,7 +407,7 @@ def spoil(r, text):
         if not lines:
             break
         at = r.randrange(len(lines))
-        kind = r.randrange(15)
+        kind = r.randrange(16)
         if kind == 0:
             del lines[at]
         elif kind == 1:
@@ -441,6 +441,9 @@ def spoil(r, text):
             lines[at] = lines[at].upper() if r.random() < 0.5 else lines[at].lower()
         elif kind == 12:
             lines[at] = lines[at][:r.randrange(len(lines[at]) + 1)]
+        elif kind == 15:  # a block is told twice
+            length = r.choice([5, 9, 12, 14, 20, 40, len(lines)])
+            lines[at:at] = lines[at:at + length]
         elif kind == 13:
             data = bytearray(b"\n".join(lines))
             for _ in range(r.randrange(1, 4)):

@@ -50,7 +50,7 @@ def size_text(r, room):
     if chance < 0.7:
         return f"{r.choice([1, 10, 25, 33, 50, 66, 90, 99, 100])}%"
     if chance < 0.95:
-        return str(max(1, room + r.choice([0, 0, -138, -139, -140, 139, 140, 1, -1, -1000, 10000])))
+        return str(max(1, room + r.choice([0, -138, -139, -139, -139, -140, 139, 139, 140, 1, -1000, 10000])))
     return str(r.choice([1, 100, 4096, 2147483647]))
 
 
@@ -150,7 +150,10 @@ def custom(r, controller, entries):
                     break
                 number += 1
                 room = usable(level, members, smallest) // several
-                text = f"{chr(ord('A') + index)}:{size_text(r, room)}:{level}"
+                if part > 0 and r.random() < 0.5:
+                    level = r.choice(controller.planned_levels())
+                size = "FILL" if part == several - 1 > 0 and r.random() < 0.6 else size_text(r, room)
+                text = f"{chr(ord('A') + index)}:{size}:{level}"
                 if r.random() < 0.6:
                     text += f":{r.choice(CACHES)}"
                 entries.append((f"Logical.{number}", text))
@@ -296,10 +299,26 @@ def spoil(r, data):
     return bytes(data)
 
 
+def many_commands(r, controllers):
+    """A policy of several mirrors for the controllers that can have them."""
+    count = max(min(8, len(c.drives) // 2) for c in controllers)
+    entries = [(f"AppliesTo.{n}", f"c:{number}") for n, number in enumerate(
+        [number for number, c in enumerate(controllers, 1) if len(c.drives) >= 2 * count], 1)][:15]
+    entries.append(("Array_Mode", "CUSTOM"))
+    entries += [(f"Array.{chr(ord('A') + i)}", f"{2 * i + 1},{2 * i + 2}") for i in range(count)]
+    entries.append(("Logical_Mode", "CUSTOM"))
+    entries += [(f"Logical.{i + 1}", f"{chr(ord('A') + i)}:FILL:1:{r.choice(CACHES)}") for i in range(count)]
+    return ["Policy.many", entries]
+
+
 def make(r, controllers, calm):
     """(content of a policies file, what kind it is)."""
     policies = []
+    if calm and r.random() < 0.04 and len(controllers) > 1:
+        return render(r, [many_commands(r, controllers)], []), "many commands"
     for number, controller in enumerate(controllers[:6], 1):
+        if not controller.drives and r.random() < 0.7:
+            continue
         if calm or r.random() < 0.92:
             name = f"Policy.{r.choice(['web', 'db', 'AUTO-' + controller.name, 'x_1.y-z', 'A'])}-{number}"
             policies.append(policy(r, name.replace(" ", "_"), controller, number))

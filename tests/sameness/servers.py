@@ -108,8 +108,8 @@ class Controller:
             self.stripe = r.choice([2048, 4096])
         self.read = r.choice(["adaptive", "on", "off"])
         self.rebuild = r.choice(["High", "Medium", "Low"])
-        self.bus = r.randrange(0, 8)
-        if r.random() < 0.03:
+        self.bus = r.choice([0, 1, 1, 2, 3, 10])
+        if r.random() < 0.05:
             drives = 0
         if self.utility == "HYPERWIN":
             count = r.choice([0, 1, 2, 2, 2]) if drives is None else drives
@@ -220,7 +220,8 @@ def make_server(r, calm):
     controllers = [Controller(r) for _ in range(count)]
     if r.random() < 0.25 and count > 1:  # several of one utility, so that scan orders count
         same = r.choice([m for m in MODELS if m[3] == controllers[0].utility])
-        controllers = [Controller(r, same) for _ in controllers]
+        alike = r.choice([None, None, None, 12, 16])
+        controllers = [Controller(r, same, alike) for _ in controllers]
     number_controllers(controllers)
     return controllers
 
