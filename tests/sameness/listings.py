@@ -60,6 +60,8 @@ def mega_drives(r, controller):
     lines = ["                                     ", f"Adapter #{controller.order - 1}", ""]
     for drive in controller.drives:
         lines += mega_drive(controller, drive)
+        if drive.state == "hotspare" and r.random() < 0.15:
+            lines += mega_drive(controller, drive)  # told twice
     return lines + ["", "Exit Code: 0x00"]
 
 

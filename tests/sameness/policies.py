@@ -141,7 +141,7 @@ def custom(r, controller, entries):
         number = 0
         for index, (level, members) in enumerate(arrays):
             several = 1
-            if r.random() < (0.25 if controller.utility == "QTCSEND" else 0.06):
+            if r.random() < (0.5 if controller.utility == "QTCSEND" else 0.06):
                 several = r.choice([2, 3])
             if r.random() < 0.03:
                 continue
@@ -153,6 +153,8 @@ def custom(r, controller, entries):
                 if part > 0 and r.random() < 0.5:
                     level = r.choice(controller.planned_levels())
                 size = "FILL" if part == several - 1 > 0 and r.random() < 0.6 else size_text(r, room)
+                if part < several - 1 and r.random() < 0.8:
+                    size = str(r.randrange(1, max(2, room)))
                 text = f"{chr(ord('A') + index)}:{size}:{level}"
                 if r.random() < 0.6:
                     text += f":{r.choice(CACHES)}"
@@ -177,7 +179,7 @@ def fault(r, policies):
     """Gives the policies one fault; returns lines to put before the file's own."""
     chosen = r.choice(policies)
     entries = chosen[1]
-    kind = r.randrange(40)
+    kind = r.randrange(50)
 
     def put(keyword, value):
         for i, entry in enumerate(entries):
@@ -186,21 +188,25 @@ def fault(r, policies):
                 return
         entries.append((keyword, value))
 
+    # In the order in which they are checked.
     wrong_values = [
+        ("AppliesTo.1", ["", "x:1", "t:Kestrix", "t:kestrix-c1", "c:0", "c:x", "d:-1", "o:", "o:0",
+                         "ALL,", "t", "m:", "c:1,c:2", "d:4294967296", "t:LSI-MegaRAID,q"]),
+        ("AppliesTo.2", ["", "z:1", "c:0"]),
         ("RebuildRate", ["FAST", "", "HIGHER"]), ("ReadAhead", ["YES", "ADAPT"]),
-        ("StripeSize", ["8", "65", "8192", "64KB"]), ("Init", ["SLOW", "FULL"]),
-        ("Array_Mode", ["AUTO", "custom1", ""]), ("Logical_Mode", ["AUTO", "MANUAL"]),
+        ("StripeSize", ["8", "65", "8192", "64KB"]),
+        ("Array_Mode", ["AUTO", "custom1", ""]),
         ("Array_Defaults", ["10%", "10%:1:2", "7%:1", "0%:x", "0%:-1", ":", "100:1"]),
         ("Max_Logical_Drive_Size", ["big", "-1", "1.5", ""]),
         ("Array.A", ["1,,2", "a", "1,1:2", "1:2,3", "0", "1:2:3", "", "1-3", "1:x"]),
-        ("Hotspares", ["x", "1,1:1", "0", "", ",".join(str(n) for n in range(1, 18))]),
+        ("Hotspares", ["x", "1,1:1", "0", ""] + [",".join(str(n) for n in range(1, last))
+                                                  for last in (17, 18, 18, 18)]),
+        ("Logical_Mode", ["AUTO", "MANUAL"]),
         ("Logical_Defaults", ["FILL", "FILL:0:ON:1", "0:0", "101%:0", "FILL:7", "FILL:0:YES", "x:0",
                               "-5:1", "FILL:", ":"]),
         ("Logical.1", ["A:FILL", "Z:FILL:0", "A:FILL:0:ON:1", "A:0:0", "A:FILL:11", "A:FILL:0:MAYBE",
                        "AA:FILL:0", ":FILL:0", "1:FILL:0", "H:FILL:0"]),
-        ("AppliesTo.1", ["", "x:1", "t:Kestrix", "t:kestrix-c1", "c:0", "c:x", "d:-1", "o:", "o:0",
-                         "ALL,", "t", "m:", "c:1,c:2", "d:4294967296", "t:LSI-MegaRAID,q"]),
-        ("AppliesTo.2", ["", "z:1", "c:0"]),
+        ("Init", ["SLOW", "FULL"]),
     ]
     if kind < len(wrong_values):
         keyword, values = wrong_values[kind]
@@ -244,7 +250,9 @@ def fault(r, policies):
         while len(policies) < count:
             policies.append([f"Policy.more{len(policies)}", [("AppliesTo.1", "c:9")]])
     elif kind >= 30:  # several wrong values: the first that is checked is told
-        for keyword, values in r.sample(wrong_values, r.randrange(2, 8)):
+        first = r.randrange(len(wrong_values) - 1)
+        several = wrong_values[first:first + 2] if r.random() < 0.7 else r.sample(wrong_values, 5)
+        for keyword, values in several:
             put(keyword, r.choice(values))
     else:
         for i, letter in enumerate("ABCDEFGH"):
