@@ -61,13 +61,13 @@ class ConfigurationReader {
     /// Starts a controller: the limits above count anew.
     void beginController(RAIDController& controller);
     [[nodiscard]] RAIDController& controller() const { return *controller_; }
+    [[nodiscard]] CString modelName() const;
 
   private:
     enum class Limit : unsigned { arrays = 1, logicalDrives = 2, members = 4, hotspares = 8 };
     /// Whether the limit is met for the first time on this controller.
     bool isFirst(Limit limit);
     bool keepsMember(bool added);
-    [[nodiscard]] CString modelName() const;
 
     Application& application_;
     RAIDController* controller_ = nullptr;
