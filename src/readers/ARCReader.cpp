@@ -159,12 +159,12 @@ ARCReader::ARCReader(Application& application) : HRReader(application, arcconf) 
 bool ARCReader::readConfiguration(RAIDController& controller,
                                   std::shared_ptr<CapturedOutput> output) {
     printer().trace("Entering ARCReader::readConfiguration\n");
-    readLocations(output);
     beginLines(controller, std::move(output));
     segmentForm_ = false;
     announcedLogicalDrives_ = 0;
     segments_.reset();
     hasDriveList_ = false;
+    locations_.reset();
     getControllerInfo();
     skipBlock();
     getFirmware();
@@ -190,14 +190,20 @@ std::string_view ARCReader::nextLine() {
     return line;
 }
 
-/// Reads where the drives are said to be, ahead of the logical drives: their segments name drives
-/// by these locations. Nothing is traced; the drives themselves are read in their turn.
-void ARCReader::readLocations(const std::shared_ptr<CapturedOutput>& output) {
-    locations_.clear();
-    if (!output || !application().settings.capture) {
-        return;
+/// Where the drives are said to be, read ahead when the first segment names a drive by that.
+/// Nothing is traced; the drives themselves are read in their turn.
+const std::vector<ARCReader::ReportedDrive>& ARCReader::locations() {
+    if (!locations_) {
+        locations_.emplace();
+        const std::shared_ptr<CapturedOutput> listing = output();
+        setOutput(std::make_shared<CapturedOutput>(*listing));
+        readLocations();
+        setOutput(listing);
     }
-    setOutput(std::make_shared<CapturedOutput>(*output));
+    return *locations_;
+}
+
+void ARCReader::readLocations() {
     std::string_view line = HRReader::nextLine();
     while (line != endOfOutput && !text::containsNoCase(line, physicalDeviceHeading)) {
         line = HRReader::nextLine();
@@ -226,7 +232,7 @@ std::string_view ARCReader::readLocation() {
         }
     }
     if (drive && !drive->location.isEmpty()) {
-        locations_.push_back(std::move(*drive));
+        locations_->push_back(std::move(*drive));
     }
     return line;
 }
@@ -360,7 +366,7 @@ void ARCReader::addSegment() {
 /// The drive that a segment names, numbered from channel 0: "Present (0,1)" by its position,
 /// "(Controller:1,Enclosure:0,Slot:1)" and "(Controller:1,Connector:0,Device:1)" by its reported
 /// location. Its two numbers are its position when no drive tells that location.
-std::optional<DrivePosition> ARCReader::segmentDrive(std::string_view value) const {
+std::optional<DrivePosition> ARCReader::segmentDrive(std::string_view value) {
     const auto location = inParentheses(value);
     if (!location) {
         return std::nullopt;
@@ -370,11 +376,12 @@ std::optional<DrivePosition> ARCReader::segmentDrive(std::string_view value) con
         if (!numbers) {
             continue;
         }
+        const std::vector<ReportedDrive>& drives = locations();
         const auto drive =
-            std::find_if(locations_.begin(), locations_.end(), [&](const ReportedDrive& each) {
+            std::find_if(drives.begin(), drives.end(), [&](const ReportedDrive& each) {
                 return numbersOf(each.location.view(), words) == numbers;
             });
-        return drive != locations_.end() ? drive->position : *numbers;
+        return drive != drives.end() ? drive->position : *numbers;
     }
     return parsePosition(*location, ",");
 }

@@ -48,7 +48,8 @@ class ARCReader : public HRReader {
         DrivePosition position{-1, -1}; ///< numbered from channel 0
     };
 
-    void readLocations(const std::shared_ptr<CapturedOutput>& output);
+    const std::vector<ReportedDrive>& locations();
+    void readLocations();
     std::string_view readLocation();
 
     void getControllerInfo();
@@ -63,11 +64,12 @@ class ARCReader : public HRReader {
 
     void beginSegments();
     void addSegment();
-    [[nodiscard]] std::optional<DrivePosition> segmentDrive(std::string_view value) const;
+    [[nodiscard]] std::optional<DrivePosition> segmentDrive(std::string_view value);
     void readWriteCacheMode();
     Exit readReadCacheMode();
 
-    std::vector<ReportedDrive> locations_;
+    /// None before they were needed.
+    std::optional<std::vector<ReportedDrive>> locations_;
     bool segmentForm_ = false;
     std::int32_t announcedLogicalDrives_ = 0;
     /// The members of the open logical drive that its segment lines gave so far; none before its

@@ -36,6 +36,7 @@ class ConfigurationReader {
         output_ = std::move(output);
         ended_ = false;
     }
+    [[nodiscard]] const std::shared_ptr<CapturedOutput>& output() const { return output_; }
     [[nodiscard]] bool hasOutput() const { return output_ != nullptr; }
     /// The next line, without its line end, or "EOF". At most 198 bytes; a longer line goes on as
     /// the next. An unterminated last line is lost. Nothing follows "EOF". Valid while the output
