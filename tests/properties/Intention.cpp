@@ -100,6 +100,9 @@ bool Intention::create(std::size_t array, const LogicalDrive& drive) {
                                                                       : WritePolicy::writeThrough;
         }
     }
+    if (const auto shared = isUtility("MEGACLI") ? target_.arrayOf(request.spans) : std::nullopt) {
+        return creation(addLogicalDrive(target_, *shared, request));
+    }
     return creation(createLogicalDrive(target_, request));
 }
 
@@ -147,6 +150,10 @@ bool Intention::carryOutHotspares() {
     std::vector<DriveLocation> locations;
     for (const Hotspare& hotspare : plan().hotspares()) {
         locations.push_back(locate(hotspare.channelNumber, hotspare.id));
+        if (isUtility("MEGACLI")) {
+            // Its command names an enclosure, always.
+            locations.back().enclosure = planned_.targetId(hotspare.channelNumber, hotspare.id);
+        }
     }
     if (isUtility("MEGACLI")) {
         return locations.empty() || steps_ == mostSteps_ || creation(addSpares(target_, locations));

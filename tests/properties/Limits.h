@@ -34,6 +34,7 @@ enum class Cause : std::uint8_t {
     size,
     sizeOfLeftOut,
     sizeOfFurther,
+    sizeOfShared,
     tooManyLogicalDrives,
     tooManyHotspares,
     notAlone,
