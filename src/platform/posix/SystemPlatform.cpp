@@ -1,7 +1,7 @@
 #include "platform/LocalTime.h"
 #include "platform/Platform.h"
 #include "platform/posix/ChildRunner.h"
-#include "platform/posix/SysfsPciDeviceList.h"
+#include "platform/posix/SystemPciFolders.h"
 
 #include <cerrno>
 #include <ctime>
@@ -21,7 +21,9 @@ class PosixPlatform : public Platform {
     }
 
     std::unique_ptr<PCI_DevList_VC> pciDevices() override {
-        return std::make_unique<posix::SysfsPciDeviceList>(console_);
+        const std::string named = namedPciRoot();
+        return std::make_unique<FolderPciDeviceList>(
+            console_, named.empty() ? posix::systemPciRoot : named, posix::makeSystemPciFolders());
     }
 
     void pauseOneSecond() override {
