@@ -8,9 +8,8 @@ namespace hwdetect {
 
 namespace {
 
-constexpr std::string_view banner = "hwdetect.exe, ZOLEX Version " HWDETECT_VERSION "\n";
-
-constexpr std::string_view usage =
+constexpr std::string_view help =
+    "hwdetect.exe, ZOLEX Version " HWDETECT_VERSION "\n"
     "Usage: hwdetect.exe /i [--machine-type TEXT] [--serial-number TEXT]\n"
     "Prints the machine type and the serial number of this machine, as the firmware tells them:\n"
     "  Machine_Type=TEXT\n"
@@ -22,6 +21,9 @@ constexpr std::string_view usage =
     "  --version              print the version\n"
     "ZOLEX_DMI_ROOT=FOLDER takes the values from product_name and product_serial in a folder.\n"
     "Exit codes: 0 printed, 1 command line, 2 a value cannot be had, 3 printing failed.\n";
+constexpr std::size_t bannerLength = help.find('\n') + 1;
+constexpr std::string_view banner = help.substr(0, bannerLength);
+constexpr std::string_view usage = help.substr(bannerLength);
 
 struct Request {
     bool detects = false;
@@ -80,7 +82,7 @@ std::optional<std::string> given(const std::optional<std::string>& option,
 
 Detection detect(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
     if (asksFor(arguments, "--help") || asksFor(arguments, "/?")) {
-        return {exit_code::success, std::string(banner) + std::string(usage), ""};
+        return {exit_code::success, std::string(help), ""};
     }
     if (asksFor(arguments, "--version")) {
         return {exit_code::success, std::string(banner), ""};
