@@ -1,6 +1,7 @@
 #include "Detector.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -102,7 +103,7 @@ Detection detect(const std::vector<std::string>& arguments, const Surroundings& 
     const auto settle = [&detection](const std::optional<std::string>& wanted,
                                      const std::string& found, const std::string& fault,
                                      std::string_view what, std::string_view remedy) {
-        const std::string value = printable(wanted.value_or(found));
+        std::string value = printable(wanted.value_or(found));
         const bool isFault = !wanted && !fault.empty();
         if (isFault || (!wanted && value.empty())) {
             detection.error +=
