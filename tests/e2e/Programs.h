@@ -25,10 +25,6 @@ struct ProgramStart {
 /// -1 when it cannot be started.
 int runProgram(const ProgramStart& start);
 
-/// Makes the devices of a laid-out server those of this machine, where that is not a matter of the
-/// environment. False when it cannot be done.
-bool plugIn(const std::filesystem::path& server);
-
 /// The number of this process.
 int processId();
 

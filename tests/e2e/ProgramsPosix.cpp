@@ -45,10 +45,6 @@ int runProgram(const ProgramStart& start) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-bool plugIn(const std::filesystem::path& server) {
-    return std::filesystem::is_directory(server); // ZOLEX_PCI_ROOT tells its devices, if it has any
-}
-
 int processId() {
     return ::getpid();
 }

@@ -92,20 +92,6 @@ int runProgram(const ProgramStart& start) {
     return static_cast<int>(exitCode);
 }
 
-bool plugIn(const std::filesystem::path& server) {
-    // Only the registry of an emulator is for tests to change.
-    if (GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") == nullptr) {
-        return false;
-    }
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SYSTEM\\CurrentControlSet\\Enum\\PCI");
-    const std::filesystem::path nothing = server / "import.txt";
-    const int exitCode = runProgram(
-        {"reg", {"import", "pci.reg"}, server, {}, server / "pci.reg", nothing, nothing, {}});
-    std::error_code ignored;
-    std::filesystem::remove(nothing, ignored);
-    return exitCode == 0;
-}
-
 int processId() {
     return _getpid();
 }

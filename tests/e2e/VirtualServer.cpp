@@ -78,12 +78,7 @@ ProgramRun VirtualServer::zolexWithout(const std::string& closed,
 }
 
 ProgramRun VirtualServer::simulator(const std::vector<std::string>& arguments) {
-    ProgramRun result = run(ZOLEX_SIMULATOR_PROGRAM, arguments, {});
-    if (result.exitCode == 0 && !arguments.empty() && arguments.front() == "init" &&
-        !plugIn(folder_)) {
-        result.exitCode = -1;
-    }
-    return result;
+    return run(ZOLEX_SIMULATOR_PROGRAM, arguments, {});
 }
 
 ProgramRun VirtualServer::run(const std::string& program, const std::vector<std::string>& arguments,

@@ -3,6 +3,7 @@
 #include "platform/RegistryPciDeviceList.h"
 #include "platform/win32/ChildRunner.h"
 #include "platform/win32/ProcessStart.h"
+#include "platform/win32/SystemPciFolders.h"
 #include "platform/win32/SystemRegistry.h"
 
 #include <windows.h>
@@ -24,6 +25,10 @@ class WindowsPlatform : public Platform {
     }
 
     std::unique_ptr<PCI_DevList_VC> pciDevices() override {
+        if (const std::string named = namedPciRoot(); !named.empty()) {
+            return std::make_unique<FolderPciDeviceList>(console_, named,
+                                                         win32::makeSystemPciFolders());
+        }
         return std::make_unique<RegistryPciDeviceList>(console_, win32::makeSystemRegistry());
     }
 
