@@ -22,6 +22,17 @@ if(ZOLEX_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# What is shipped for Linux: checks of buffers and of the stack, and nothing that can be written once
+# the program has started where the loader has put addresses. The tests, which are not optimized, have
+# none of it. tests/release/check-hardening looks at the programs.
+add_library(zolex_hardened INTERFACE)
+if(NOT WIN32 AND NOT ZOLEX_SANITIZE)
+  target_compile_options(zolex_hardened INTERFACE
+    $<$<CONFIG:Release>:-fPIE -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3>)
+  target_link_options(zolex_hardened INTERFACE
+    $<$<CONFIG:Release>:-pie -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack>)
+endif()
+
 if(WIN32)
   # One static executable that needs no DLL beside the system's own, the same bytes from every build.
   # The linker's target is NT 5.2, the oldest 64-bit Windows.

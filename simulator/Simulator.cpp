@@ -51,16 +51,50 @@ const Role* roleNamed(std::string_view word) {
     return nullptr;
 }
 
-/// The role of a program of this name; null for the simulator's own name.
-const Role* roleOfProgram(std::string_view program) {
+// The utilities that a program plays which has one of their usual names, so that a UTIL.BAT made
+// for the vendors' programs can be tried with copies of this one.
+struct UtilityProgram {
+    std::string_view name;
+    std::string_view utility;
+};
+// clang-format off
+constexpr std::array<UtilityProgram, 8> utilityPrograms = {{
+    {"MegaCli64",     "MEGACLI"},
+    {"MegaCli",       "MEGACLI"},
+    {"arcconf",       "ARCCONF"},
+    {"hrconf",        "HRCONF"},
+    {"qtcsend",       "QTCSEND"},
+    {"cfggen",        "CFGGEN"},
+    {"cfggen1.02.02", "CFGGEN1.02.02"},
+    {"hyperwin",      "HYPERWIN"},
+}};
+// clang-format on
+
+/// The name of a program without its folder and the suffix ".exe".
+std::string_view bareName(std::string_view program) {
     std::string_view name = program.substr(program.find_last_of("/\\") + 1);
     constexpr std::string_view suffix = ".exe";
     if (name.size() > suffix.size() &&
         equalsIgnoringCase(name.substr(name.size() - suffix.size()), suffix)) {
         name.remove_suffix(suffix.size());
     }
+    return name;
+}
+
+/// The role of a program of this name; null for the simulator's own name.
+const Role* roleOfProgram(std::string_view name) {
     const Role* role = roleNamed(name);
     return role != nullptr && role->byProgramName ? role : nullptr;
+}
+
+/// The utility that a program of this name plays; empty for none.
+std::string utilityOfProgram(std::string_view name) {
+    for (const UtilityProgram& program : utilityPrograms) {
+        if (equalsIgnoringCase(program.name, name)) {
+            return std::string(program.utility);
+        }
+    }
+    return {};
 }
 
 /// A command on a server that has been loaded.
@@ -128,8 +162,14 @@ int runSimulator(const std::vector<std::string>& arguments, const Environment& e
                  std::ostream& output, std::ostream& error) {
     Session session(environment, output, error);
     if (!arguments.empty()) {
-        if (const Role* role = roleOfProgram(arguments.front())) {
+        const std::string_view name = bareName(arguments.front());
+        if (const Role* role = roleOfProgram(name)) {
             return session.play(*role, {arguments.begin() + 1, arguments.end()});
+        }
+        if (const std::string utility = utilityOfProgram(name); !utility.empty()) {
+            std::vector<std::string> command = arguments;
+            command.front() = utility;
+            return session.play(*roleNamed("util"), command);
         }
     }
     if (arguments.size() < 2) {

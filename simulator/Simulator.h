@@ -19,8 +19,9 @@ struct Environment {
     StepFailure failsToSave; ///< fails steps of replacing the state file; for tests
 };
 
-/// The program. arguments[0] is its name: called "hwdetect" or "fakeraid" (".exe" may follow) it
-/// plays that role at once, else the next argument says what to do. Returns the exit code: that of
+/// The program. arguments[0] is its name: called "hwdetect", "fakeraid" or by the usual name of a
+/// utility ("MegaCli64", "arcconf", ...; ".exe" may follow) it plays that role at once, else the
+/// next argument says what to do. Returns the exit code: that of
 /// the role played; 1 for whatever the program itself cannot do, which is told on `error`.
 int runSimulator(const std::vector<std::string>& arguments, const Environment& environment,
                  std::ostream& output, std::ostream& error);

@@ -9,6 +9,7 @@ namespace {
 
 constexpr Wording early = {
     .drive = "drive",
+    .number = "number",
     .hotSpare = "Hot Spare",
     .failed = "Defunct",
     .critical = "Critical",
@@ -16,9 +17,11 @@ constexpr Wording early = {
     .spanned = "Spanned_volume",
     .placeMark = "",
     .namedPlaces = false,
+    .settings = false,
 };
 constexpr Wording later = {
     .drive = "device",
+    .number = "number",
     .hotSpare = "Hot-Spare",
     .failed = "Failed",
     .critical = "Critical",
@@ -26,7 +29,32 @@ constexpr Wording later = {
     .spanned = "Spanned_volume",
     .placeMark = "(T:L)",
     .namedPlaces = true,
+    .settings = false,
 };
+constexpr Wording newest = {
+    .drive = "Device",
+    .number = "Number",
+    .hotSpare = "Hot-Spare",
+    .failed = "Failed",
+    .critical = "Critical",
+    .raid6 = "6 Reed-Solomon",
+    .spanned = "Spanned_volume",
+    .placeMark = "(T:L)",
+    .namedPlaces = true,
+    .settings = true,
+};
+
+const Wording& wordingOf(Generation generation) {
+    switch (generation) {
+    case Generation::later:
+        return later;
+    case Generation::newest:
+        return newest;
+    case Generation::early:
+        break;
+    }
+    return early;
+}
 
 std::string versionBlocks(const ControllerIdentity& identity) {
     return blockHeading("Controller Version Information") + line(3, "BIOS", identity.bios) +
@@ -37,12 +65,12 @@ std::string versionBlocks(const ControllerIdentity& identity) {
 }
 
 std::string listing(const Controller& controller, std::size_t number) {
-    const Wording& wording = controller.identity.generation == Generation::later ? later : early;
+    const Wording& wording = wordingOf(controller.identity.generation);
     const std::string drive = wording.drive;
     return sectionHeading("Controller information") + controllerLines(controller, wording) +
            versionBlocks(controller.identity) + "\n" +
            sectionHeading("Logical " + drive + " information") +
-           (controller.identity.conf.failover.empty()
+           (controller.identity.conf.failover.empty() && !wording.settings
                 ? logicalDrivesWithLists(controller, wording)
                 : logicalDrivesWithSegments(controller, number, wording)) +
            "\n" + deviceSection(controller, "Physical Device information", wording, true);

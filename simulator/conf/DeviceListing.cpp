@@ -38,8 +38,14 @@ std::string placeLine(const DriveLocation& location, const Wording& wording) {
 /// Where the drive sits, and the device that watches over its enclosure.
 std::string bayLines(const Controller& controller, const Drive& drive) {
     const int enclosure = drive.bay.enclosure.value_or(0);
-    std::string text =
-        line(9, "Reported Location", formatted("Enclosure %d, Slot %d", enclosure, drive.bay.slot));
+    const ControllerIdentity& identity = controller.identity;
+    const bool direct = identity.generation == Generation::newest && !identity.conf.expander;
+    std::string text = line(9, "Reported Location",
+                            formatted(direct ? "Connector %d, Device %d" : "Enclosure %d, Slot %d",
+                                      enclosure, drive.bay.slot));
+    if (direct) {
+        return text;
+    }
     const std::vector<EnclosureDevice>& devices = controller.identity.conf.enclosureDevices;
     const auto found =
         std::find_if(devices.begin(), devices.end(),
@@ -61,8 +67,10 @@ std::string driveBlock(const Controller& controller, const Drive& drive, const W
            (bays ? bayLines(controller, drive) : "") + line(9, "Vendor", drive.vendor) +
            line(9, "Model", drive.model) + line(9, "Firmware", drive.revision) +
            line(9, "Serial number", drive.serial) +
+           (wording.settings ? line(9, "Block Size", "512 Bytes") : "") +
            line(9, "Size", formatted("%lld MB", static_cast<long long>(sizeMb))) +
            line(9, "Write Cache", "Disabled (write-through)") + line(9, "FRU", "None") +
+           (wording.settings ? line(9, "Power State", "Full rpm") : "") +
            line(9, "PFA", drive.predictiveFailures > 0 ? "Yes" : "No");
 }
 

@@ -9,6 +9,7 @@ namespace {
 
 constexpr Wording wording = {
     .drive = "drive",
+    .number = "number",
     .hotSpare = "Hot Spare",
     .failed = "Defunct",
     .critical = "Degraded",
@@ -16,6 +17,7 @@ constexpr Wording wording = {
     .spanned = "VOLUME",
     .placeMark = "",
     .namedPlaces = false,
+    .settings = false,
 };
 
 /// Unlike ARCCONF, the utility tells the versions along with the logical drives.

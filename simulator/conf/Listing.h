@@ -9,7 +9,8 @@ namespace zolex_sim::conf {
 
 /// How a utility of one generation words what others word in another way.
 struct Wording {
-    const char* drive;    ///< of a logical drive: "drive" or "device"
+    const char* drive;    ///< of a logical drive: "drive", "device" or "Device"
+    const char* number;   ///< in the key that begins a logical drive: "number" or "Number"
     const char* hotSpare; ///< state of a drive, and so below
     const char* failed;
     const char* critical;  ///< state of a logical drive that can bear no further loss
@@ -17,6 +18,7 @@ struct Wording {
     const char* spanned;   ///< level of a volume over several drives
     const char* placeMark; ///< after the key of a drive's place; empty: the place stands alone
     bool namedPlaces;      ///< members of segments are told by controller, connector and device
+    bool settings; ///< logical drives tell their cache settings, and their drives as devices
 };
 
 /// "   key      : value", the key at so many blanks. The colons of all lines stand below each

@@ -64,10 +64,12 @@ struct Block {
 /// What both forms begin with, from the name to the size.
 std::string head(const Block& block, std::size_t number) {
     const LogicalDrive& drive = block.drive;
-    return formatted("Logical %s number %zu\n", block.wording.drive, number) +
+    return formatted("Logical %s %s %zu\n", block.wording.drive, block.wording.number, number) +
            line(3, formatted("Logical %s name", block.wording.drive), drive.name) +
            line(3, "RAID level", levelText(drive, block.members.size(), block.wording)) +
-           line(3, formatted("Status of logical %s", block.wording.drive),
+           line(3,
+                formatted("Status of %s %s", block.wording.settings ? "Logical" : "logical",
+                          block.wording.drive),
                 stateText(block.controller.stateOf(drive), block.wording)) +
            line(3, "Size", formatted("%lld MB", static_cast<long long>(drive.sizeMb)));
 }
@@ -76,12 +78,44 @@ std::string stripeLine(const LogicalDrive& drive) {
     return line(3, "Stripe-unit size", formatted("%d KB", drive.stripeKb));
 }
 
+/// The newest listings tell the size of a whole stripe, too: what it holds of data.
+std::string fullStripeLine(const Block& block) {
+    const LogicalDrive& drive = block.drive;
+    std::int64_t member = block.members.front()->sizeMb;
+    for (const Drive* each : block.members) {
+        member = std::min(member, each->sizeMb);
+    }
+    const std::vector<std::vector<DriveLocation>>& spans =
+        block.controller.arrays[drive.array].spans;
+    const std::int64_t dataDrives = block.controller.capacity(drive.level, spans) / member;
+    return line(3, "Full Stripe Size",
+                formatted("%lld KB", static_cast<long long>(dataDrives * drive.stripeKb)));
+}
+
 std::string readCacheLine(const Block& block) {
     if (!block.controller.identity.conf.showsReadCache) {
         return {};
     }
-    return line(3, "Read-cache mode",
-                block.drive.readPolicy == ReadPolicy::none ? "Disabled" : "Enabled");
+    const bool off = block.drive.readPolicy == ReadPolicy::none;
+    if (block.wording.settings) {
+        return line(3, "Read-cache setting", off ? "Disabled" : "Enabled") +
+               line(3, "Read-cache status", off ? "Off" : "On");
+    }
+    return line(3, "Read-cache mode", off ? "Disabled" : "Enabled");
+}
+
+/// What the logical drive is set to, and, but in the newest listings, what holds now.
+std::string writeCacheLines(const Block& block) {
+    const LogicalDrive& drive = block.drive;
+    const std::string setting =
+        line(3, "Write-cache setting",
+             std::string(writeCacheText(drive)) +
+                 (drive.batteryProtected ? " when protected by battery" : ""));
+    if (block.wording.settings) {
+        const bool on = drive.writePolicy == WritePolicy::writeBack && !drive.batteryProtected;
+        return setting + line(3, "Write-cache status", on ? "On" : "Off");
+    }
+    return line(3, "Write-cache mode", writeCacheText(drive)) + setting;
 }
 
 bool hasDefunctMember(const Block& block) {
@@ -128,25 +162,51 @@ const char* segmentState(const Drive& drive) {
     }
 }
 
-std::string segmentLine(const Block& block, std::size_t index, std::size_t controllerNumber) {
-    const Drive& drive = *block.members[index];
+/// Where a member is, as its segment tells it.
+std::string memberPlace(const Block& block, const Drive& drive, std::size_t controllerNumber) {
     const int channel = drive.location.enclosure.value_or(0);
-    const std::string place = block.wording.namedPlaces
-                                  ? formatted("(Controller:%zu,Connector:%d,Device:%d)",
-                                              controllerNumber, channel, drive.location.slot)
-                                  : formatted("(%d,%d)", channel, drive.location.slot);
+    if (block.controller.identity.conf.expander) {
+        return formatted("(Controller:%zu,Enclosure:%d,Slot:%d)", controllerNumber,
+                         drive.bay.enclosure.value_or(0), drive.bay.slot);
+    }
+    return block.wording.namedPlaces ? formatted("(Controller:%zu,Connector:%d,Device:%d)",
+                                                 controllerNumber, channel, drive.location.slot)
+                                     : formatted("(%d,%d)", channel, drive.location.slot);
+}
+
+/// A line of the newest listings for a member; one that is failed is missing there.
+std::string deviceLine(const Block& block, std::size_t index) {
+    const Drive& drive = *block.members[index];
+    const std::string key = formatted("Device %zu", index);
+    if (drive.status == DriveStatus::failed) {
+        return line(3, key, "Missing");
+    }
+    const bool expander = block.controller.identity.conf.expander;
+    return line(3, key,
+                formatted("Present (%lldMB, %s, HDD, %s:%d, %s:%d) %s",
+                          static_cast<long long>(drive.nonCoercedSectors / sectorsPerMb),
+                          drive.interface.c_str(), expander ? "Enclosure" : "Connector",
+                          drive.bay.enclosure.value_or(0), expander ? "Slot" : "Device",
+                          drive.bay.slot, drive.serial.c_str()));
+}
+
+std::string segmentLine(const Block& block, std::size_t index, std::size_t controllerNumber) {
+    if (block.wording.settings) {
+        return deviceLine(block, index);
+    }
+    const Drive& drive = *block.members[index];
     return line(3, formatted("Segment %zu", index),
-                formatted("%s %s %s", segmentState(drive), place.c_str(), drive.serial.c_str()));
+                formatted("%s %s %s", segmentState(drive),
+                          memberPlace(block, drive, controllerNumber).c_str(),
+                          drive.serial.c_str()));
 }
 
 std::string segmentBlock(const Block& block, std::size_t index, std::size_t controllerNumber) {
     const LogicalDrive& drive = block.drive;
     std::string text =
         head(block, index) + (drive.level != RaidLevel::volume ? stripeLine(drive) : "") +
-        readCacheLine(block) + line(3, "Write-cache mode", writeCacheText(drive)) +
-        line(3, "Write-cache setting",
-             std::string(writeCacheText(drive)) +
-                 (drive.batteryProtected ? " when protected by battery" : "")) +
+        (block.wording.settings && drive.level != RaidLevel::volume ? fullStripeLine(block) : "") +
+        readCacheLine(block) + writeCacheLines(block) +
         line(3, "Partitioned", yesOrNo(drive.partitioned)) +
         line(3, "Protected by Hot-Spare", yesOrNo(isProtected(block))) +
         line(3, "Bootable", yesOrNo(index == 0)) +
@@ -162,7 +222,8 @@ template <typename BlockText>
 std::string eachLogicalDrive(const Controller& controller, const Wording& wording,
                              BlockText blockText) {
     if (controller.logicalDrives.empty()) {
-        return formatted("No logical %ss configured\n", wording.drive);
+        return formatted("No logical %ss configured\n",
+                         wording.settings ? "device" : wording.drive);
     }
     std::string text;
     for (std::size_t i = 0; i < controller.logicalDrives.size(); ++i) {

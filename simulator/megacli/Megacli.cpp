@@ -71,23 +71,18 @@ PlayResult refused(const Call& call, const std::string& what, const Refusal& ref
                      " Failed\n\nFW error description: \n  " + refusal.reason + "  \n");
 }
 
-/// Drives outside every enclosure are reached by an empty enclosure number, and by the number 0 as
-/// long as no enclosure has it.
-DriveLocation resolved(const Controller& controller, DriveLocation location) {
-    if (location.enclosure == 0 && controller.driveAt(location) == nullptr) {
-        DriveLocation outside = location;
-        outside.enclosure.reset();
-        if (controller.driveAt(outside) != nullptr) {
-            return outside;
+/// The array that the request asks to share: one of exactly its drives, none of which is failed.
+std::optional<std::size_t> sharedArray(const Controller& controller,
+                                       const NewLogicalDrive& request) {
+    for (const std::vector<DriveLocation>& span : request.spans) {
+        for (const DriveLocation& location : span) {
+            const Drive* drive = controller.driveAt(location);
+            if (drive == nullptr || drive->status != DriveStatus::online) {
+                return std::nullopt;
+            }
         }
     }
-    return location;
-}
-
-void resolve(const Controller& controller, std::vector<DriveLocation>& locations) {
-    for (DriveLocation& location : locations) {
-        location = resolved(controller, location);
-    }
+    return controller.arrayOf(request.spans);
 }
 
 PlayResult list(Call& call, std::string (*listing)(const Controller&, int)) {
@@ -188,17 +183,18 @@ PlayResult create(Call& call, NewLogicalDrive& request) {
     if (std::optional<PlayResult> result = findAdapter(call)) {
         return *result;
     }
-    for (std::vector<DriveLocation>& span : request.spans) {
-        resolve(*call.controller, span);
-    }
-    if (const std::optional<Refusal> refusal = createLogicalDrive(*call.controller, request)) {
+    Controller& controller = *call.controller;
+    const std::optional<std::size_t> array = sharedArray(controller, request);
+    if (const std::optional<Refusal> refusal =
+            array ? zolex_sim::addLogicalDrive(controller, *array, request)
+                  : createLogicalDrive(controller, request)) {
         return refused(call, "Configure Adapter", *refusal);
     }
     const auto adapter = static_cast<long long>(call.adapter);
     return ended(0,
                  formatted("Adapter %lld: Created VD %zu\n\nAdapter %lld: Configured the "
                            "Adapter!!\n",
-                           adapter, call.controller->logicalDrives.size() - 1, adapter),
+                           adapter, controller.logicalDrives.size() - 1, adapter),
                  true);
 }
 
@@ -231,7 +227,6 @@ PlayResult setSpares(Call& call) {
     if (std::optional<PlayResult> result = findAdapter(call)) {
         return *result;
     }
-    resolve(*call.controller, locations);
     if (const std::optional<Refusal> refusal = addSpares(*call.controller, locations)) {
         return refused(call, "Set Physical Drive as Hot Spare", *refusal);
     }

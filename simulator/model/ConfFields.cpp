@@ -48,6 +48,7 @@ ConfIdentity readConfIdentity(Fields& fields) {
     conf.driver = fields.text("driver", "1.2-0 (29000)");
     conf.battery = fields.text("battery", "Not Installed");
     conf.showsReadCache = fields.flag("showsReadCache", true);
+    conf.expander = fields.flag("expander", false);
     fields.list("enclosureDevices", [&](const Json& item, const std::string& path) {
         Fields device(item, path, fields.problem());
         conf.enclosureDevices.push_back(readEnclosureDevice(device));

@@ -24,6 +24,9 @@ std::optional<Generation> generationNamed(std::string_view word) {
     if (equalsIgnoringCase(word, "early")) {
         return Generation::early;
     }
+    if (equalsIgnoringCase(word, "newest")) {
+        return Generation::newest;
+    }
     return equalsIgnoringCase(word, "later") ? std::optional(Generation::later) : std::nullopt;
 }
 
@@ -275,6 +278,9 @@ Controller readController(Fields& fields, std::size_t number) {
         return controller; // the problem has been reported
     }
     identity.generation = fields.word<Generation>("generation", generationNamed, Generation::early);
+    if (identity.generation == Generation::newest && identity.utility != "ARCCONF") {
+        fields.complain("generation", "only ARCCONF has the newest");
+    }
     identity.model = fields.text("model");
     identity.productName = fields.text("productName", identity.model);
     identity.serialNumber = fields.text("serialNumber", formatted("%010zu", number + 1));

@@ -152,6 +152,20 @@ std::optional<MemberPlace> Controller::placeOf(const DriveLocation& location) co
     return std::nullopt;
 }
 
+std::optional<std::size_t>
+Controller::arrayOf(const std::vector<std::vector<DriveLocation>>& spans) const {
+    const auto sameDrives = [](const std::vector<DriveLocation>& a,
+                               const std::vector<DriveLocation>& b) {
+        return std::is_permutation(a.begin(), a.end(), b.begin(), b.end());
+    };
+    const auto found = std::find_if(arrays.begin(), arrays.end(), [&](const Array& array) {
+        return std::equal(array.spans.begin(), array.spans.end(), spans.begin(), spans.end(),
+                          sameDrives);
+    });
+    return found == arrays.end() ? std::nullopt
+                                 : std::optional(static_cast<std::size_t>(found - arrays.begin()));
+}
+
 std::vector<std::optional<int>> Controller::enclosures() const {
     std::vector<std::optional<int>> found;
     for (const Drive& drive : drives) {

@@ -105,8 +105,9 @@ struct PciFunction {
 /// The order in which a system lists its functions: bus, device, function.
 bool standsBefore(const PciFunction& a, const PciFunction& b);
 
-/// Two generations of a utility's firmware, which print different listings.
-enum class Generation : std::uint8_t { early, later };
+/// Generations of a utility's firmware, which print different listings. Only ARCCONF has the
+/// newest.
+enum class Generation : std::uint8_t { early, later, newest };
 
 /// A device on a channel that is no drive.
 struct EnclosureDevice {
@@ -131,6 +132,7 @@ struct ConfIdentity {
     std::string driver;   ///< version
     std::string battery;
     bool showsReadCache = true; ///< with the logical drives
+    bool expander = false;      ///< members are told by the enclosure and the slot where they sit
     std::vector<EnclosureDevice> enclosureDevices;
 };
 
@@ -201,6 +203,9 @@ class Controller {
     [[nodiscard]] const Drive* driveAt(const DriveLocation& location) const;
     [[nodiscard]] Drive* driveAt(const DriveLocation& location);
     [[nodiscard]] std::optional<MemberPlace> placeOf(const DriveLocation& location) const;
+    /// The array that has exactly these drives in each span, in whatever order within it.
+    [[nodiscard]] std::optional<std::size_t>
+    arrayOf(const std::vector<std::vector<DriveLocation>>& spans) const;
     /// The enclosures in the order in which drives name them; drives outside every enclosure count
     /// as one more.
     [[nodiscard]] std::vector<std::optional<int>> enclosures() const;

@@ -118,6 +118,7 @@ class FolderWriter {
     bool writeFiles(const Server& server, std::string_view definition) {
         std::vector<ServerFile> files = pciTree(server, target_);
         files.push_back(pciRegistry(server));
+        files.push_back(pciRegistryRemoval(server));
         files.push_back(inventory(server));
         files.push_back(samplePolicies(server));
         for (ServerFile& launcher : launchers(target_)) {
@@ -165,26 +166,48 @@ class FolderWriter {
     std::string failure_;
 };
 
-std::string nextSteps(const fs::path& folder, Target target) {
+/// A text as the shell of the system takes it as one word.
+std::string quoted(const std::string& text, Target target) {
+    if (target == Target::windows) {
+        return "\"" + text + "\""; // no name of a file has a double quote there
+    }
+    std::string result = "'";
+    for (const char c : text) {
+        result += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return result + "'";
+}
+
+/// How zolex is called: by its path where it stands beside the simulator, as in the release, or in
+/// the build tree; else by its name.
+std::string calledZolex(const fs::path& program, Target target) {
+    const std::string name = target == Target::windows ? "ZOLEX" : "zolex";
+    const std::string file = target == Target::windows ? "ZOLEX.EXE" : "zolex";
+    const fs::path folder = program.parent_path();
+    for (const fs::path& place : {folder / file, folder.parent_path() / "src" / file}) {
+        std::error_code error;
+        if (place.is_absolute() && fs::is_regular_file(place, error)) {
+            return quoted(place.string(), target);
+        }
+    }
+    return name;
+}
+
+std::string nextSteps(const fs::path& folder, const fs::path& program, Target target) {
     std::error_code error;
     const fs::path found = fs::weakly_canonical(folder, error);
-    const std::string place = (error ? folder : found).string();
+    const std::string place = fs::path(error ? folder : found).make_preferred().string();
+    const std::string zolex = calledZolex(program, target);
     if (target == Target::windows) {
         return "To run zolex on it:\n"
-               "  cd /d \"" +
-               place +
-               "\"\n"
-               "  regedit /s pci.reg\n"
-               "  ZOLEX /f:sample-policies.ini\n";
+               "  cd /d " +
+               quoted(place, target) + "\n  set \"ZOLEX_PCI_ROOT=" + place + "\\pci\"\n  " + zolex +
+               " /f:sample-policies.ini\n";
     }
     return "To run zolex on it:\n"
-           "  cd '" +
-           place +
-           "'\n"
-           "  export ZOLEX_PCI_ROOT='" +
-           place +
-           "/pci'\n"
-           "  zolex /f:sample-policies.ini\n";
+           "  cd " +
+           quoted(place, target) + "\n  export ZOLEX_PCI_ROOT=" + quoted(place + "/pci", target) +
+           "\n  " + zolex + " /f:sample-policies.ini\n";
 }
 
 } // namespace
@@ -229,7 +252,7 @@ int initialise(const std::vector<std::string>& arguments, const fs::path& progra
     }
     output << "Laid out a virtual server of machine type " << server.machineType << " in "
            << request->folder.string() << " (" << request->origin << ").\n"
-           << nextSteps(request->folder, target);
+           << nextSteps(request->folder, program, target);
     return 0;
 }
 

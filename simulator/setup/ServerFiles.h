@@ -15,12 +15,15 @@ struct ServerFile {
     bool executable = false;
 };
 
-/// The PCI functions as a tree of files ("pci/0000:02:0e.0/vendor" and so on). Empty for Windows,
-/// where no folder can have such a name.
+/// The PCI functions as a tree of files ("pci/0000:02:0e.0/vendor" and so on; for Windows, where no
+/// name has a ":", "pci/0000-02-0e.0/vendor").
 std::vector<ServerFile> pciTree(const Server& server, Target target);
 
 /// The PCI functions as a registry file, "pci.reg".
 ServerFile pciRegistry(const Server& server);
+
+/// A registry file that removes what pciRegistry enters, "pci-remove.reg".
+ServerFile pciRegistryRemoval(const Server& server);
 
 /// The inventory of the same controllers and drives, "contlist.ini".
 ServerFile inventory(const Server& server);

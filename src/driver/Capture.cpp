@@ -23,9 +23,9 @@ unsigned ZOLEX::captureConfiguration(ControllerList& controllers) {
     if (!source) {
         return resourcesMissing;
     }
-    // What an earlier capture of this run has read is no longer true. The drives of an inventory
-    // file were not read by a capture and stay.
-    if (captured_ && !settings.fake) {
+    // What an earlier capture of this run has read is no longer true. There is none under /fake:
+    // only machines that the hardware detector has named are captured twice.
+    if (captured_) {
         for (std::size_t i = 0; i < controllers.count(); ++i) {
             controllers.controller(i)->forgetReadings();
         }

@@ -5,15 +5,17 @@
 
 namespace zolex {
 
-TemporaryFile::TemporaryFile(FileSystem& files, CString name)
-    : files_(files), name_(std::move(name)) {}
+TemporaryFile::TemporaryFile(FileSystem& files, CString name, CString other)
+    : files_(files), name_(std::move(name)), other_(std::move(other)) {}
 
 TemporaryFile::~TemporaryFile() {
     processEnds();
 }
 
 bool TemporaryFile::open() {
-    file_ = files_.open(name_, "w+");
+    file_ = files_.create(name_, other_,
+                          kept_ ? FileSystem::WhenInterrupted::kept
+                                : FileSystem::WhenInterrupted::removed);
     made_ = file_ != nullptr;
     return made_;
 }
@@ -22,8 +24,10 @@ bool TemporaryFile::finish() {
     if (!made_) {
         return true;
     }
-    file_.reset();
-    const bool done = kept_ || files_.remove(name_);
+    if (kept_) {
+        file_.reset();
+    }
+    const bool done = kept_ || files_.discard(std::move(file_), name_);
     made_ = false; // until here, memory may have run out
     return done;
 }

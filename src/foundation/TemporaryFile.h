@@ -9,13 +9,14 @@
 namespace zolex {
 
 /// A file for the time of one operation. However that ends, with this object or with the process,
-/// the file is closed and, unless it is kept, removed.
+/// or by a signal, the file is closed and, unless it is kept, removed.
 class TemporaryFile : private EndingTask {
   public:
-    TemporaryFile(FileSystem& files, CString name);
+    /// It cannot be opened when it would be the file `other`.
+    TemporaryFile(FileSystem& files, CString name, CString other = {});
     ~TemporaryFile() override;
 
-    /// Makes the file and opens it for writing and reading; false when that fails.
+    /// Makes the file, a new one, and opens it for writing and reading; false when that fails.
     bool open();
     /// The open file; null before open and after finish.
     [[nodiscard]] File* file() const { return file_.get(); }
@@ -31,6 +32,7 @@ class TemporaryFile : private EndingTask {
 
     FileSystem& files_;
     CString name_;
+    CString other_;
     std::unique_ptr<File> file_;
     bool made_ = false;
     bool kept_ = false;

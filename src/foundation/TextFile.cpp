@@ -10,7 +10,7 @@ bool TextFile::open(const CString& name, const char* mode) {
     name_ = name;
     file_ = files_.open(name, mode);
     next_ = end_ = 0;
-    atEnd_ = false;
+    atEnd_ = lineTooLong_ = false;
     return isOpen();
 }
 
@@ -22,8 +22,12 @@ bool TextFile::fill() {
 }
 
 bool TextFile::readLine(CString& line) {
+    if (lineTooLong_) {
+        line = CString();
+        return false;
+    }
     std::string text;
-    while (next_ < end_ || fill()) {
+    while (!lineTooLong_ && (next_ < end_ || fill())) {
         const char* start = buffer_.data() + next_;
         const void* newline = std::memchr(start, '\n', end_ - next_);
         if (newline != nullptr) {
@@ -37,6 +41,11 @@ bool TextFile::readLine(CString& line) {
         }
         text.append(start, end_ - next_);
         next_ = end_;
+        lineTooLong_ = text.size() > longestLine + 1; // a carriage return may have to go yet
+    }
+    lineTooLong_ = text.size() > longestLine + (text.ends_with('\n') ? 1 : 0);
+    if (lineTooLong_) {
+        text.clear();
     }
     // No string can hold a NUL: it must neither end the line early nor look like the end of the
     // file.

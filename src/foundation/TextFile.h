@@ -18,12 +18,15 @@ class TextFile {
     bool open(const CString& name, const char* mode);
     /// Puts the next line, up to and including its newline or up to the end of the file, into
     /// `line`. A carriage return before the newline and NUL bytes are dropped. True when the line
-    /// is not empty.
+    /// is not empty; false for good after a line that was too long.
     bool readLine(CString& line);
     /// Whether the end of the file was met.
     [[nodiscard]] bool atEnd() const { return atEnd_; }
-    /// Whether reading or writing the open file failed. Reading then met no end of the file.
-    [[nodiscard]] bool failed() const { return file_ != nullptr && file_->failed(); }
+    /// Whether reading or writing the open file failed, or a line was longer than longestLine.
+    /// Reading then met no end of the file.
+    [[nodiscard]] bool failed() const {
+        return file_ != nullptr && (lineTooLong_ || file_->failed());
+    }
     /// Writes the text and a newline; false on a write error.
     bool writeLine(const CString& text);
     /// False when buffered text could not be written. True when nothing was open.
@@ -41,6 +44,7 @@ class TextFile {
     std::size_t next_ = 0;
     std::size_t end_ = 0;
     bool atEnd_ = false;
+    bool lineTooLong_ = false;
 };
 
 } // namespace zolex

@@ -61,7 +61,7 @@ std::uint32_t fileNumber(std::string_view content, std::uint32_t highest) noexce
 }
 
 bool parseFolderName(std::string_view name, PciDevice& device) noexcept {
-    // The last eight bytes are ":BB:DD.F"; the domain stands before them.
+    // The last eight bytes are ":BB:DD.F" or "-BB-DD.F"; the domain stands before them.
     constexpr std::size_t tailLength = 8;
     constexpr std::size_t domainLength = 4;
     if (name.size() < domainLength + tailLength) {
@@ -72,7 +72,8 @@ bool parseFolderName(std::string_view name, PciDevice& device) noexcept {
     const std::string_view bus = tail.substr(1, 2);
     const std::string_view slot = tail.substr(4, 2);
     const std::string_view function = tail.substr(7, 1);
-    const bool marksFit = tail[0] == ':' && tail[3] == ':' && tail[6] == '.';
+    const bool marksFit =
+        (tail[0] == ':' || tail[0] == '-') && tail[3] == tail[0] && tail[6] == '.';
     if (!marksFit || !isHex(domain) || !isHex(bus) || !isHex(slot) || !isHex(function)) {
         return false;
     }

@@ -30,9 +30,9 @@ struct ChildResult {
     std::string output;         ///< standard output and standard error, in the order written
 };
 
-/// Bytes of output that are taken up from one child. One that writes more stalls at the full pipe
-/// until the limit, rather than filling the memory.
-inline constexpr std::size_t mostChildOutput = std::size_t{256} << 20U;
+/// Bytes of the longest output that a child may have. One that writes more counts as still running
+/// at the limit of its time, whether it stalls at the full pipe or ends.
+inline constexpr std::size_t mostChildOutput = std::size_t{32} << 20U;
 
 /// A moment of local time. month 1 to 12, day 1 to 31, hour 0 to 23, minute and second 0 to 59.
 struct LocalTime {
@@ -67,7 +67,9 @@ class Platform {
     virtual LocalTime localTime() = 0;
 };
 
-/// The platform of the system that this program was built for.
+/// The platform of the system that this program was built for. Making it also makes the process fit
+/// for the run: closed standard streams become the null device, and signals that end the process
+/// remove its temporary files first. It comes before any file is opened.
 std::unique_ptr<Platform> makeSystemPlatform();
 
 } // namespace zolex

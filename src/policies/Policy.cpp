@@ -36,7 +36,7 @@ bool AppliesTo::matches(const MatchValues& values) const {
 
 bool Policy::isGenerated() const {
     const std::string_view prefix = generatedPolicyPrefix;
-    return text::equalsNoCase(name.view().substr(0, prefix.size()), prefix);
+    return customArrays && text::equalsNoCase(name.view().substr(0, prefix.size()), prefix);
 }
 
 bool PolicyList::add(Policy policy) {

@@ -65,8 +65,9 @@ struct Policy {
     CString name;
     std::vector<AppliesTo> appliesTo;
 
-    /// Whether the policy bears the name of a captured one (letter case ignored). Such a policy
-    /// lists all that its controller had: without `Hotspares` the controller had none.
+    /// Whether the policy bears the name of a captured one (letter case ignored) and lists its
+    /// arrays. Such a policy lists all that its controller had: without `Hotspares` the controller
+    /// had none.
     [[nodiscard]] bool isGenerated() const;
 
     // Accepted texts as they were read; empty when absent.

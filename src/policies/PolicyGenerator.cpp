@@ -1,6 +1,7 @@
 #include "policies/PolicyGenerator.h"
 
 #include "controllers/Application.h"
+#include "foundation/EndingTask.h"
 #include "foundation/TemporaryFile.h"
 #include "inventory/ControllerList.h"
 #include "policies/PolicyReader.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +22,28 @@ namespace {
 
 constexpr const char* temporaryFileName = "ZOLEXM~~.TMP";
 constexpr const char* defaultParameters = "t,d";
+
+/// The lock of the policies file, from here to the end of the object or of the process.
+class PoliciesLock : private EndingTask {
+  public:
+    PoliciesLock(FileSystem& files, const CString& name) {
+        constexpr std::chrono::seconds longestWait{10};
+        LockResult result = files.lock(name, longestWait);
+        state_ = result.isBusy                            ? PoliciesFile::busy
+                 : result.lock && result.lock->madeFile() ? PoliciesFile::missing
+                                                          : PoliciesFile::asItIs;
+        lock_ = std::move(result.lock);
+    }
+
+    /// The file as it was before.
+    [[nodiscard]] PoliciesFile state() const { return state_; }
+
+  private:
+    void processEnds() noexcept override { lock_.reset(); }
+
+    std::unique_ptr<FileLock> lock_;
+    PoliciesFile state_ = PoliciesFile::asItIs;
+};
 
 bool write(File& file, std::string_view text) {
     return file.write(text) == text.size();
@@ -40,15 +64,17 @@ bool PolicyGenerator::generatePolicies(ControllerList& controllers) {
     printer.trace("Entering PolicyGenerator::generatePolicies\n");
     printer.printf(level::progress, "Checking syntax of current policies file: %s ...\n",
                    settings.policiesFile.c_str());
+    FileSystem& files = application_.platform().files();
+    const PoliciesLock lock(files, settings.policiesFile);
     PolicyReader current(application_);
-    if (!current.read()) {
+    if (!current.read(lock.state())) {
         printer.trace("Exiting PolicyGenerator::generatePolicies(1), returning false\n");
         return false;
     }
     printer.print("Generating policies from captured configurations ...\n", level::progress);
 
-    TemporaryFile temporary(application_.platform().files(),
-                            settings.tempDirectory + temporaryFileName);
+    TemporaryFile temporary(files, settings.tempDirectory + temporaryFileName,
+                            settings.policiesFile);
     temporary.setKept(settings.debug);
     if (!temporary.open()) {
         reportTempSpace();

@@ -37,9 +37,10 @@ std::size_t PolicyLines::takeRun(std::size_t length) {
 
 bool PolicyLines::next(std::string_view& line) {
     std::size_t length = 0;
-    while (length < maxLength) {
+    while (length < maxLength && wholeLength_ <= longestLine) {
         if (const std::size_t run = takeRun(length); run > 0) {
             length += run;
+            wholeLength_ += run;
             continue;
         }
         const int character = get();
@@ -47,8 +48,10 @@ bool PolicyLines::next(std::string_view& line) {
             break;
         }
         line_[length++] = static_cast<char>(character);
+        ++wholeLength_;
         if (character == '\n') {
             ++number_;
+            wholeLength_ = 0;
             break;
         }
     }

@@ -28,8 +28,8 @@ class PolicyLines {
     /// Newlines read so far: the number of the line that was read last, counted from 1. A line
     /// that did not end in a newline has the number of the line before it.
     [[nodiscard]] std::int64_t number() const { return number_; }
-    /// Whether the file could not be read.
-    [[nodiscard]] bool failed() const { return file_.failed(); }
+    /// Whether the file could not be read, or has a line that is longer than longestLine.
+    [[nodiscard]] bool failed() const { return wholeLength_ > longestLine || file_.failed(); }
 
   private:
     static constexpr int endOfFile = -1;
@@ -46,6 +46,7 @@ class PolicyLines {
     std::size_t filled_ = 0;
     std::array<char, maxLength> line_{};
     std::int64_t number_ = 0;
+    std::size_t wholeLength_ = 0; ///< of the line of the file, as far as it was read
 };
 
 /// The line from its first character that is no space (tabs are none).

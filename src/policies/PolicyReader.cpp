@@ -53,7 +53,7 @@ PolicyReader::PolicyReader(Application& application)
 
 PolicyReader::~PolicyReader() = default;
 
-bool PolicyReader::read() {
+bool PolicyReader::read(PoliciesFile state) {
     Application& application = state_->application;
     Printer& printer = application.printer();
     printer.trace("Entering PolicyReader::read\n");
@@ -63,7 +63,7 @@ bool PolicyReader::read() {
         printer.trace("Exiting PolicyReader::read(1), returning true\n");
         return true;
     }
-    if (!scan()) {
+    if (!scan(state)) {
         printer.trace("Exiting PolicyReader::read(2), returning false\n");
         return false;
     }
@@ -82,18 +82,20 @@ bool PolicyReader::read() {
     return true;
 }
 
-bool PolicyReader::scan() {
+bool PolicyReader::scan(PoliciesFile state) {
     Application& application = state_->application;
     Printer& printer = application.printer();
     const Settings& settings = application.settings;
     printer.trace("Entering PolicyReader::scan\n");
     state_->sections.clear();
 
+    FileSystem& files = application.platform().files();
     const std::unique_ptr<File> file =
-        application.platform().files().open(settings.policiesFile, "r");
-    if (!file) {
+        state == PoliciesFile::busy ? nullptr : files.open(settings.policiesFile, "r");
+    if (!file || state == PoliciesFile::missing) {
         // A file that is there but cannot be read may hold the very names of the new policies.
-        if (settings.capture && !application.platform().files().isFile(settings.policiesFile)) {
+        if (state == PoliciesFile::missing ||
+            (settings.capture && !files.isFile(settings.policiesFile))) {
             printer.trace("Exiting PolicyReader::scan(1), returning true\n");
             return true;
         }

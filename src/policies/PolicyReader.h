@@ -9,6 +9,13 @@ namespace zolex {
 
 class Application;
 
+/// What is known of the policies file before it is read.
+enum class PoliciesFile {
+    asItIs,  ///< nothing
+    missing, ///< it was missing; what is there now has no policies
+    busy,    ///< another run has it: it counts as one that cannot be opened
+};
+
 /// Reads and validates the policies file named in the settings. The first fault ends the read; it
 /// has then been reported.
 class PolicyReader {
@@ -17,9 +24,9 @@ class PolicyReader {
     ~PolicyReader();
 
     /// Scan and, when there are policies, validate; with "/d" only the built-in policy is made.
-    bool read();
+    bool read(PoliciesFile state = PoliciesFile::asItIs);
     /// First pass: the file's shape and the policies' names.
-    bool scan();
+    bool scan(PoliciesFile state = PoliciesFile::asItIs);
     /// Second pass: keywords and values, into the policy list.
     bool validate();
     /// The trimmed value of `keyword` in policy `policyName`, letter case ignored; `defaultValue`

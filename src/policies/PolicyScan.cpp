@@ -37,7 +37,7 @@ const std::string* findRepeated(const std::vector<PolicyEntry>& entries) {
 std::optional<std::string_view> headerName(std::string_view line) noexcept {
     const std::string_view header = withoutLeadingSpaces(line);
     const std::size_t end = header.find(']');
-    if (end == std::string_view::npos || end == 0) {
+    if (end == std::string_view::npos) {
         return std::nullopt;
     }
     return header.substr(1, end - 1);

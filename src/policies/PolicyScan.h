@@ -40,7 +40,7 @@ class PolicyScan {
     std::vector<PolicySection> sections_;
 };
 
-/// The text between "[" and the first "]" of a section header; nothing without a "]".
+/// The text between "[" and the first "]" of a line that begins with "["; nothing without a "]".
 [[nodiscard]] std::optional<std::string_view> headerName(std::string_view line) noexcept;
 /// Whether a policy may have this name: "Policy." (letter case ignored), then at least one
 /// character, all of them letters, digits, ".", "_" or "-".

@@ -4,6 +4,7 @@
 #include "foundation/Text.h"
 #include "readers/StateTranslation.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -12,12 +13,11 @@ namespace zolex {
 
 namespace {
 
-constexpr std::string_view separator = "--------";
-
 constexpr std::array<std::string_view, 2> logicalDriveHeadings = {"logical drive information",
                                                                   "logical device information"};
-constexpr std::array<std::string_view, 3> logicalDriveNumber = {
-    "Logical drive number", "Logical device number", "Logical Device number"};
+constexpr std::array<std::string_view, 6> logicalDriveNumber = {
+    "Logical drive number", "Logical device number", "Logical Device number",
+    "Logical drive Number", "Logical device Number", "Logical Device Number"};
 constexpr std::array<std::string_view, 3> logicalDriveStatus = {
     "Status of logical drive", "Status of logical device", "Status of Logical Device"};
 constexpr std::array<std::string_view, 3> logicalDriveCount = {"Logical drives", "Logical devices",
@@ -25,11 +25,13 @@ constexpr std::array<std::string_view, 3> logicalDriveCount = {"Logical drives",
 constexpr std::array<std::string_view, 3> segmentHeadings = {
     "Logical drive segment", "Logical device segment", "Logical Device segment"};
 constexpr std::array<std::string_view, 2> raidLevelKeys = {"RAID level", "RAID Level"};
+constexpr std::array<std::string_view, 2> writeCacheKeys = {"Write-cache mode",
+                                                            "Write-cache setting"};
 constexpr std::array<std::string_view, 2> hotSpareMarks = {"Hot Spare", "Hot-Spare"};
 constexpr std::array<std::string_view, 2> defunctMarks = {"Defunct", "Failed"};
 
-/// Labels of the channel and of the id in a segment's location.
-struct LocationLabels {
+/// The words that name the two numbers of a drive's location.
+struct LocationWords {
     std::string_view channel;
     std::string_view id;
 };
@@ -89,10 +91,10 @@ constexpr auto logicalStates = std::to_array<StateWord>({
 });
 static_assert(logicalStates.size() == 9 && hasDistinctWords<StateWord>(logicalStates));
 
-// Columns: the two labels. The first row of which both are there is taken.
-constexpr std::array<LocationLabels, 2> locationLabels = {{
-    {"Enclosure:", "Slot:"},
-    {"Connector:", "Device:"},
+// Columns: the two words. The first row of which both are there is taken.
+constexpr std::array<LocationWords, 2> locationWords = {{
+    {"Enclosure", "Slot"},
+    {"Connector", "Device"},
 }};
 // clang-format on
 
@@ -106,28 +108,48 @@ constexpr ListingDialect arcconf = {
     .moreRaidLevels = moreRaidLevels,
 };
 
-/// The position in the first parentheses of a segment's value, numbered from channel 0: "(0,1)",
-/// "(Controller:1,Enclosure:0,Slot:1)" or "(Controller:1,Connector:0,Device:1)".
-std::optional<DrivePosition> segmentPosition(std::string_view value) {
+/// The number that stands behind the word, after blanks and ":" at most; none when no number does.
+std::optional<std::int32_t> numberAfter(std::string_view text, std::string_view word) {
+    for (std::size_t at = text.find(word); at != std::string_view::npos;
+         at = text.find(word, at + 1)) {
+        std::string_view rest = text.substr(at + word.size());
+        rest.remove_prefix(std::min(rest.find_first_not_of(" :"), rest.size()));
+        if (!rest.empty() && (rest[0] == '-' || (rest[0] >= '0' && rest[0] <= '9'))) {
+            return text::leadingInt(rest);
+        }
+    }
+    return std::nullopt;
+}
+
+/// The numbers that a location gives behind the two words; none when one of them is missing.
+std::optional<DrivePosition> numbersOf(std::string_view location, const LocationWords& words) {
+    const auto channel = numberAfter(location, words.channel);
+    const auto id = numberAfter(location, words.id);
+    return channel && id ? std::optional(DrivePosition{*channel, *id}) : std::nullopt;
+}
+
+/// The text in the first parentheses of a segment's value; none without any.
+std::optional<std::string_view> inParentheses(std::string_view value) {
     const std::size_t open = value.find('(');
     if (open == std::string_view::npos) {
         return std::nullopt;
     }
     value.remove_prefix(open + 1);
     const std::size_t close = value.find(')');
-    if (close == std::string_view::npos) {
-        return std::nullopt;
+    return close == std::string_view::npos ? std::nullopt : std::optional(value.substr(0, close));
+}
+
+/// Whether the line is one such as "Device 0 : Present (...)".
+bool isPresentDevice(std::string_view line) {
+    constexpr std::string_view key = "Device ";
+    line = text::trim(line);
+    if (!line.starts_with(key)) {
+        return false;
     }
-    const std::string_view location = value.substr(0, close);
-    for (const LocationLabels& labels : locationLabels) {
-        const std::size_t channel = location.find(labels.channel);
-        const std::size_t id = location.find(labels.id);
-        if (channel != std::string_view::npos && id != std::string_view::npos) {
-            return DrivePosition{text::leadingInt(location.substr(channel + labels.channel.size())),
-                                 text::leadingInt(location.substr(id + labels.id.size()))};
-        }
-    }
-    return parsePosition(location, ",");
+    line = text::trim(line.substr(key.size()));
+    const std::size_t digits = std::min(line.find_first_not_of("0123456789"), line.size());
+    line = digits > 0 ? text::trim(line.substr(digits)) : std::string_view();
+    return line.starts_with(':') && text::trim(line.substr(1)).starts_with("Present");
 }
 
 } // namespace
@@ -142,6 +164,7 @@ bool ARCReader::readConfiguration(RAIDController& controller,
     announcedLogicalDrives_ = 0;
     segments_.reset();
     hasDriveList_ = false;
+    locations_.reset();
     getControllerInfo();
     skipBlock();
     getFirmware();
@@ -164,6 +187,53 @@ std::string_view ARCReader::nextLine() {
     }
     const std::string_view line = HRReader::nextLine();
     printer().tracef("ARCReader::nextLine:%s\n", CString(line).c_str());
+    return line;
+}
+
+/// Where the drives are said to be, read ahead when the first segment names a drive by that.
+/// Nothing is traced; the drives themselves are read in their turn.
+const std::vector<ARCReader::ReportedDrive>& ARCReader::locations() {
+    if (!locations_) {
+        locations_.emplace();
+        const std::shared_ptr<CapturedOutput> listing = output();
+        setOutput(std::make_shared<CapturedOutput>(*listing));
+        readLocations();
+        setOutput(listing);
+    }
+    return *locations_;
+}
+
+void ARCReader::readLocations() {
+    std::string_view line = HRReader::nextLine();
+    while (line != endOfOutput && !text::containsNoCase(line, physicalDeviceHeading)) {
+        line = HRReader::nextLine();
+    }
+    while (line != endOfOutput && !text::contains(line, separator)) {
+        line = HRReader::nextLine();
+    }
+    while (line != endOfOutput) {
+        line = text::contains(line, deviceHeading) ? readLocation() : HRReader::nextLine();
+    }
+}
+
+/// Reads one device block from the line after its "Device #", and returns the line that ends it.
+std::string_view ARCReader::readLocation() {
+    std::optional<ReportedDrive> drive;
+    std::string_view line = HRReader::nextLine();
+    for (; line != endOfOutput && !text::contains(line, "PFA") &&
+           !text::contains(line, deviceHeading);
+         line = HRReader::nextLine()) {
+        if (text::contains(line, "Device is")) {
+            drive = isDiskLine(line) ? std::optional(ReportedDrive()) : std::nullopt;
+        } else if (drive && text::contains(line, "Reported Location")) {
+            drive->location = text::valueAfterColon(line);
+        } else if (drive && text::contains(line, "Channel,Device")) {
+            drive->position = parsePosition(valueOf(line), ",").value_or(drive->position);
+        }
+    }
+    if (drive && !drive->location.isEmpty()) {
+        locations_->push_back(std::move(*drive));
+    }
     return line;
 }
 
@@ -247,12 +317,15 @@ bool ARCReader::endsLogicalDrives() const {
 HRReader::Exit ARCReader::readLogicalDriveLine() {
     if (holdsAny(line(), segmentHeadings)) {
         beginSegments();
-    } else if (text::contains(line(), "Segment")) {
+    } else if (text::contains(line(), "Segment") || isPresentDevice(line())) {
         addSegment();
-    } else if (text::contains(line(), "Write-cache mode")) {
+    } else if (holdsAny(line(), writeCacheKeys)) {
         readWriteCacheMode();
     } else if (text::contains(line(), "Read-cache mode")) {
         return readReadCacheMode();
+    } else if (text::contains(line(), "Read-cache setting")) {
+        configuration()->readAhead =
+            findCode(readCacheModes, value()).value_or(configuration()->readAhead);
     } else {
         return readLayoutLine();
     }
@@ -284,10 +357,33 @@ void ARCReader::beginSegments() {
 }
 
 void ARCReader::addSegment() {
-    const auto position = segmentPosition(value());
+    const auto position = segmentDrive(value());
     if (segments_ && position) {
         segments_->push_back(*position);
     }
+}
+
+/// The drive that a segment names, numbered from channel 0: "Present (0,1)" by its position,
+/// "(Controller:1,Enclosure:0,Slot:1)" and "(Controller:1,Connector:0,Device:1)" by its reported
+/// location. Its two numbers are its position when no drive tells that location.
+std::optional<DrivePosition> ARCReader::segmentDrive(std::string_view value) {
+    const auto location = inParentheses(value);
+    if (!location) {
+        return std::nullopt;
+    }
+    for (const LocationWords& words : locationWords) {
+        const auto numbers = numbersOf(*location, words);
+        if (!numbers) {
+            continue;
+        }
+        const std::vector<ReportedDrive>& drives = locations();
+        const auto drive =
+            std::find_if(drives.begin(), drives.end(), [&](const ReportedDrive& each) {
+                return numbersOf(each.location.view(), words) == numbers;
+            });
+        return drive != drives.end() ? drive->position : *numbers;
+    }
+    return parsePosition(*location, ",");
 }
 
 void ARCReader::finishLogicalDrive() {

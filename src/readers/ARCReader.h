@@ -42,6 +42,16 @@ class ARCReader : public HRReader {
   private:
     static constexpr Exit unknownReadCacheMode = 3;
 
+    /// Where a drive of the listing says that it is.
+    struct ReportedDrive {
+        CString location;
+        DrivePosition position{-1, -1}; ///< numbered from channel 0
+    };
+
+    const std::vector<ReportedDrive>& locations();
+    void readLocations();
+    std::string_view readLocation();
+
     void getControllerInfo();
     /// False when the current line holds none of the controller information's keys.
     bool readControllerLine();
@@ -54,9 +64,12 @@ class ARCReader : public HRReader {
 
     void beginSegments();
     void addSegment();
+    [[nodiscard]] std::optional<DrivePosition> segmentDrive(std::string_view value);
     void readWriteCacheMode();
     Exit readReadCacheMode();
 
+    /// None before they were needed.
+    std::optional<std::vector<ReportedDrive>> locations_;
     bool segmentForm_ = false;
     std::int32_t announcedLogicalDrives_ = 0;
     /// The members of the open logical drive that its segment lines gave so far; none before its

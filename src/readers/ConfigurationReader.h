@@ -36,6 +36,7 @@ class ConfigurationReader {
         output_ = std::move(output);
         ended_ = false;
     }
+    [[nodiscard]] const std::shared_ptr<CapturedOutput>& output() const { return output_; }
     [[nodiscard]] bool hasOutput() const { return output_ != nullptr; }
     /// The next line, without its line end, or "EOF". At most 198 bytes; a longer line goes on as
     /// the next. An unterminated last line is lost. Nothing follows "EOF". Valid while the output
@@ -61,13 +62,13 @@ class ConfigurationReader {
     /// Starts a controller: the limits above count anew.
     void beginController(RAIDController& controller);
     [[nodiscard]] RAIDController& controller() const { return *controller_; }
+    [[nodiscard]] CString modelName() const;
 
   private:
     enum class Limit : unsigned { arrays = 1, logicalDrives = 2, members = 4, hotspares = 8 };
     /// Whether the limit is met for the first time on this controller.
     bool isFirst(Limit limit);
     bool keepsMember(bool added);
-    [[nodiscard]] CString modelName() const;
 
     Application& application_;
     RAIDController* controller_ = nullptr;

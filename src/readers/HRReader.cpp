@@ -12,10 +12,6 @@ namespace zolex {
 
 namespace {
 
-constexpr std::string_view separator = "--------";
-constexpr std::string_view physicalDeviceHeading = "physical device information";
-constexpr std::string_view deviceHeading = "Device #";
-
 constexpr std::array<std::string_view, 2> diskWords = {"Hard drive", "Hard disk"};
 
 constexpr std::array<std::string_view, 1> logicalDriveHeadings = {"logical drive information"};
@@ -104,13 +100,16 @@ std::string_view withoutKb(std::string_view size) {
     return size;
 }
 
+/// Keys that hold "State" or "Size" and tell something else.
+constexpr std::array<std::string_view, 4> otherKeys = {"Power State", "Block Size", "Unused Size",
+                                                       "Stripe Size"};
+
 bool isStateLine(std::string_view line) {
-    return text::contains(line, "State") && !text::contains(line, "Power State");
+    return text::contains(line, "State") && !holdsAny(line, otherKeys);
 }
 
 bool isSizeLine(std::string_view line) {
-    return text::contains(line, "Size") && !text::contains(line, "Block Size") &&
-           !text::contains(line, "Unused Size");
+    return text::contains(line, "Size") && !holdsAny(line, otherKeys);
 }
 
 } // namespace
@@ -150,11 +149,11 @@ bool HRReader::advance() {
     return line_ != endOfOutput;
 }
 
-CString HRReader::value() const {
+CString HRReader::valueOf(std::string_view line) {
     constexpr std::string_view mark = "(T:L)";
-    const std::size_t at = line_.find(mark);
-    const bool marked = at != std::string_view::npos && line_.find(':') > at;
-    return text::valueAfterColon(marked ? line_.substr(at + mark.size()) : line_);
+    const std::size_t at = line.find(mark);
+    const bool marked = at != std::string_view::npos && line.find(':') > at;
+    return text::valueAfterColon(marked ? line.substr(at + mark.size()) : line);
 }
 
 bool HRReader::getArraysAndLogicalDrive() {
@@ -322,10 +321,14 @@ void HRReader::readDevice() {
     }
 }
 
+bool HRReader::isDiskLine(std::string_view line) {
+    return holdsAny(line, diskWords);
+}
+
 void HRReader::readDeviceLine(Device& device) {
     if (text::contains(line(), "Device is")) {
         device = {};
-        if (holdsAny(line(), diskWords)) {
+        if (isDiskLine(line())) {
             device.disk.emplace();
         }
     } else if (!device.disk) {

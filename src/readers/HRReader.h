@@ -39,6 +39,12 @@ class HRReader : public LayoutReader {
     static constexpr Exit unknownRaidLevel = 1;
     static constexpr Exit unknownStripeSize = 2;
 
+    // What parts a listing, on every utility.
+    static constexpr std::string_view separator = "--------";
+    static constexpr std::string_view physicalDeviceHeading =
+        "physical device information"; ///< letter case ignored
+    static constexpr std::string_view deviceHeading = "Device #";
+
     /// What has been read of one "Device #" block.
     struct Device {
         std::optional<RaidDisk> disk; ///< none as long as the block is not known to be a disk's
@@ -56,8 +62,9 @@ class HRReader : public LayoutReader {
     /// Makes the next advance() stay at the current line.
     void putBack() { stay_ = true; }
     [[nodiscard]] std::string_view line() const { return line_; }
-    /// The text after the first ":"; the one in "(T:L)" belongs to the key.
-    [[nodiscard]] CString value() const;
+    /// The text after the line's first ":"; the one in "(T:L)" belongs to the key.
+    [[nodiscard]] static CString valueOf(std::string_view line);
+    [[nodiscard]] CString value() const { return valueOf(line_); }
 
     // The logical drives.
     /// Reads to the heading and on to the end of the section. What ends it is put back.
@@ -82,6 +89,8 @@ class HRReader : public LayoutReader {
     /// Handles one device block from the line after its "Device #"; always true here.
     virtual bool addDevice();
     void readDevice();
+    /// Whether a "Device is" line says that the device is a disk.
+    [[nodiscard]] static bool isDiskLine(std::string_view line);
     virtual void readDeviceLine(Device& device);
 
     // What the utilities' readers trace in their own words.

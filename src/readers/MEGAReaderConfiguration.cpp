@@ -53,15 +53,25 @@ struct MEGAReader::VirtualDisk {
     std::string_view spanLine;        ///< the latest "Number of PDs" line
     std::int32_t membersExpected = 0; ///< what it announces
     std::int32_t membersSeen = 0;     ///< since that line
+    std::int64_t drivesExpected = 0;  ///< what "Number Of Drives" announces
+    bool drivesPerSpan = false;       ///< for each span
+    std::int64_t drivesSeen = 0;
 
     void closeSpan() {
         isWhole = isWhole && membersSeen >= membersExpected;
+        drivesSeen += membersSeen;
         membersSeen = 0;
+    }
+
+    /// Whether members that the listing announces are not there; known once the last span is
+    /// closed.
+    [[nodiscard]] bool hasMissingDrives() const {
+        return !isWhole || drivesSeen < drivesExpected * (drivesPerSpan ? spans : 1);
     }
 
     /// Whether it can be captured. A listing that breaks off must not pass for fewer spans.
     [[nodiscard]] bool isComplete() const {
-        return drive.raidLevel != raid_level::none && !array.drives().empty() && isWhole &&
+        return drive.raidLevel != raid_level::none && !array.drives().empty() &&
                (listingClosed || spansSeen == 0 || spansSeen >= spans);
     }
 };
@@ -106,7 +116,12 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     disk.listingClosed = disk.listingClosed || line != endOfOutput;
     closeMember(disk);
     disk.closeSpan();
-    if (!disk.isComplete()) {
+    if (disk.hasMissingDrives()) {
+        printer.errorBlockf("Controller %s has a logical drive with missing drives; its "
+                            "configuration is not captured.\n",
+                            modelName().c_str());
+    }
+    if (disk.hasMissingDrives() || !disk.isComplete()) {
         printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(2)\n");
         return false;
     }
@@ -124,6 +139,9 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
                                      RAIDConfiguration& configuration) {
     if (contains(line, "Number of PDs")) {
         readNumberOfPds(line, disk);
+    } else if (contains(line, "Number Of Drives")) {
+        disk.drivesExpected = text::leadingInt(valueAfterColon(line));
+        disk.drivesPerSpan = contains(line, "per span");
     } else if (contains(line, "RAID Level")) {
         disk.drive.raidLevel = megacli::raidLevelOf(line);
         return disk.drive.raidLevel != raid_level::none;

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 namespace zolex::e2e {
 namespace {
@@ -228,6 +231,32 @@ TEST(FilesTest, AReadOnlyPoliciesFileStaysAsItWas) {
     EXPECT_EQ(0, server.zolex({"/f:p.ini", "/fake"}).exitCode);
     std::filesystem::permissions(server.folder() / "p.ini", std::filesystem::perms::owner_write,
                                  std::filesystem::perm_options::add);
+}
+
+/// Hours and minutes of a clock that is `minutes` ahead of Greenwich.
+std::string clockText(std::time_t moment, int minutes) {
+    const int minute = static_cast<int>((moment / 60 + minutes) % (24 * 60));
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "%02d:%02d", minute / 60 % 24, minute % 60);
+    return text.data();
+}
+
+TEST(FilesTest, ThePoliciesTellTheTimeOfTheTimeZone) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    const std::pair<const char*, int> zones[] = {{"AAA-9:30", 570}, {"BBB-13", 780}};
+    for (const auto& [zone, minutes] : zones) {
+        server.environment["TZ"] = zone;
+        const std::string name = std::string(zone).substr(0, 3) + ".ini";
+        const std::time_t before = std::time(nullptr);
+        ASSERT_EQ(0, server.zolex({"/c", "/f:" + name}).exitCode);
+        const std::time_t after = std::time(nullptr);
+        const auto shown = linesAfter(server.read(name), "; * System time (hh:mm:ss):   ");
+        ASSERT_FALSE(shown.empty());
+        EXPECT_TRUE(shown[0].starts_with(clockText(before, minutes)) ||
+                    shown[0].starts_with(clockText(after, minutes)))
+            << zone << ": " << shown[0] << " is not " << clockText(after, minutes);
+    }
 }
 
 } // namespace

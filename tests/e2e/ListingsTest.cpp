@@ -120,6 +120,40 @@ TEST_F(ListingsTest, ArcconfWithSegments) {
               capture(serverWith("0x9005", "0x0286"), {{"*", "arcconf-getconfig-segments.txt"}}));
 }
 
+// Behind an expander the slots are unlike the device numbers: drives 1 and 2 stand in slots 1 and
+// 0.
+TEST_F(ListingsTest, ArcconfWithAnExpander) {
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-Kestrix-B7-1]\n\n"
+              "AppliesTo.1 = t:Kestrix-B7,d:6\n\n"
+              "StripeSize = 256\n"
+              "RebuildRate = HIGH\n"
+              "ReadAhead = ON\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 2,1\n"
+              "Array.B = 5,4,3\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:139889:1\n"
+              "Logical.2 = B:279900:5\n\n",
+              capture(serverWith("0x9005", "0x0286"), {{"*", "arcconf-getconfig-expander.txt"}}));
+}
+
+TEST_F(ListingsTest, ArcconfOfTheNewestLayout) {
+    EXPECT_EQ("\n\n\n"
+              "[Policy.AUTO-Kestrix-B8-1]\n\n"
+              "AppliesTo.1 = t:Kestrix-B8,d:4\n\n"
+              "StripeSize = 256\n"
+              "RebuildRate = HIGH\n"
+              "ReadAhead = OFF\n\n"
+              "Array_Mode = CUSTOM\n"
+              "Array.A = 2,1\n"
+              "Array.B = 4,3\n\n"
+              "Logical_Mode = CUSTOM\n"
+              "Logical.1 = A:139889:1\n"
+              "Logical.2 = B:279900:0:OFF\n\n",
+              capture(serverWith("0x9005", "0x0286"), {{"*", "arcconf-getconfig-newer.txt"}}));
+}
+
 TEST_F(ListingsTest, Cfggen) {
     // The members are named by target ids 1 and 4, which are the drives of slots 1 and 0.
     EXPECT_EQ("\n\n\n"

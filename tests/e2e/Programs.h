@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -17,17 +18,28 @@ struct ProgramStart {
     std::filesystem::path input;                    ///< file that is its standard input
     std::filesystem::path output;                   ///< file for its standard output
     std::filesystem::path error;                    ///< file for its standard error
+    std::string closed; ///< numbers of standard streams that it is started without: "02"
 };
 
 /// Runs the program to its end. Its exit code, 128 and the number of the signal that ended it, or
 /// -1 when it cannot be started.
 int runProgram(const ProgramStart& start);
 
-/// Makes the devices of a laid-out server those of this machine, where that is not a matter of the
-/// environment. False when it cannot be done.
-bool plugIn(const std::filesystem::path& server);
-
 /// The number of this process.
 int processId();
+
+/// A file that this process has locked as the program locks its policies file.
+class LockedFile {
+  public:
+    explicit LockedFile(const std::filesystem::path& path);
+    LockedFile(const LockedFile&) = delete;
+    LockedFile& operator=(const LockedFile&) = delete;
+    ~LockedFile();
+    [[nodiscard]] bool isLocked() const { return locked_; }
+
+  private:
+    std::intptr_t file_ = -1;
+    bool locked_ = false;
+};
 
 } // namespace zolex::e2e

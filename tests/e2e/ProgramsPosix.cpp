@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,16 +38,24 @@ int runProgram(const ProgramStart& start) {
     }
     command += " < " + quoted(start.input.string()) + " > " + quoted(start.output.string()) +
                " 2> " + quoted(start.error.string());
+    for (const char stream : start.closed) {
+        command += std::string(" ") + stream + (stream == '0' ? "<&-" : ">&-");
+    }
     const int status = std::system(command.c_str()); // NOLINT(cert-env33-c)
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-bool plugIn(const std::filesystem::path& server) {
-    return std::filesystem::is_directory(server); // ZOLEX_PCI_ROOT tells its devices, if it has any
-}
-
 int processId() {
     return ::getpid();
+}
+
+LockedFile::LockedFile(const std::filesystem::path& path)
+    : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
+    locked_ = file_ >= 0 && ::flock(static_cast<int>(file_), LOCK_EX | LOCK_NB) == 0;
+}
+
+LockedFile::~LockedFile() {
+    ::close(static_cast<int>(file_));
 }
 
 } // namespace zolex::e2e

@@ -2,6 +2,7 @@
 
 #include "Programs.h"
 
+#include <mutex>
 #include <process.h>
 #include <windows.h>
 
@@ -42,6 +43,23 @@ class InheritedFile {
     HANDLE handle_;
 };
 
+/// Starts the command line; false when it cannot be started. Tests start programs in several
+/// threads, and the environment is that of the process.
+bool startWith(const ProgramStart& start, std::string& command, STARTUPINFOA& startup,
+               PROCESS_INFORMATION& process) {
+    static std::mutex environment;
+    const std::lock_guard<std::mutex> alone(environment);
+    for (const auto& [name, value] : start.environment) {
+        SetEnvironmentVariableA(name.c_str(), value.c_str());
+    }
+    const BOOL started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                        start.folder.string().c_str(), &startup, &process);
+    for (const auto& [name, value] : start.environment) {
+        SetEnvironmentVariableA(name.c_str(), nullptr);
+    }
+    return started != 0;
+}
+
 } // namespace
 
 int runProgram(const ProgramStart& start) {
@@ -54,20 +72,16 @@ int runProgram(const ProgramStart& start) {
     startup.hStdInput = input.get();
     startup.hStdOutput = output.get();
     startup.hStdError = error.get();
+    HANDLE* const streams[] = {&startup.hStdInput, &startup.hStdOutput, &startup.hStdError};
+    for (const char stream : start.closed) {
+        *streams[stream - '0'] = nullptr;
+    }
     std::string command = quoted(systemPath(start.program));
     for (const std::string& argument : start.arguments) {
         command += " " + quoted(argument);
     }
-    for (const auto& [name, value] : start.environment) {
-        SetEnvironmentVariableA(name.c_str(), value.c_str());
-    }
     PROCESS_INFORMATION process{};
-    const BOOL started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                        start.folder.string().c_str(), &startup, &process);
-    for (const auto& [name, value] : start.environment) {
-        SetEnvironmentVariableA(name.c_str(), nullptr);
-    }
-    if (started == 0) {
+    if (!startWith(start, command, startup, process)) {
         return -1;
     }
     DWORD exitCode = static_cast<DWORD>(-1);
@@ -78,22 +92,21 @@ int runProgram(const ProgramStart& start) {
     return static_cast<int>(exitCode);
 }
 
-bool plugIn(const std::filesystem::path& server) {
-    // Only the registry of an emulator is for tests to change.
-    if (GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") == nullptr) {
-        return false;
-    }
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SYSTEM\\CurrentControlSet\\Enum\\PCI");
-    const std::filesystem::path nothing = server / "import.txt";
-    const int exitCode = runProgram(
-        {"reg", {"import", "pci.reg"}, server, {}, server / "pci.reg", nothing, nothing});
-    std::error_code ignored;
-    std::filesystem::remove(nothing, ignored);
-    return exitCode == 0;
-}
-
 int processId() {
     return _getpid();
+}
+
+LockedFile::LockedFile(const std::filesystem::path& path) {
+    constexpr DWORD high = 0x40000000; // behind the end of any file
+    HANDLE const file = CreateFileA(path.string().c_str(), GENERIC_READ | GENERIC_WRITE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    file_ = reinterpret_cast<std::intptr_t>(file);
+    locked_ = file != INVALID_HANDLE_VALUE && LockFile(file, 0, high, 1, 0) != 0;
+}
+
+LockedFile::~LockedFile() {
+    CloseHandle(reinterpret_cast<HANDLE>(file_));
 }
 
 } // namespace zolex::e2e

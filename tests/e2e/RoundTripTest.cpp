@@ -26,24 +26,27 @@ enum class Address {
     id,
 };
 
-/// One RAID level as a policy names it, with the numbers of drives that an array of it can have.
+/// One RAID level as a policy names it, with the numbers of drives that an array of it can have and
+/// the drives' worth of room that redundancy takes.
 struct Level {
+    static constexpr int half = -1;
     const char* name;
     int least;
     int step; ///< 0: no other number
+    int lost; ///< half: half of all
 };
-constexpr Level raid0{"0", 1, 1};
-constexpr Level raid0FromTwo{"0", 2, 1};
-constexpr Level raid1{"1", 2, 0};
-constexpr Level raid1E{"1E", 3, 1};
-constexpr Level raid5{"5", 3, 1};
-constexpr Level raid5E{"5E", 4, 1};
-constexpr Level raid5EE{"5EE", 4, 1};
-constexpr Level raid6{"6", 4, 1};
-constexpr Level raid10{"10", 4, 2};
-constexpr Level raid50{"50", 6, 2};
-constexpr Level raid60{"60", 8, 2};
-constexpr Level volume{"VOLUME", 1, 0};
+constexpr Level raid0{"0", 1, 1, 0};
+constexpr Level raid0FromTwo{"0", 2, 1, 0};
+constexpr Level raid1{"1", 2, 0, Level::half};
+constexpr Level raid1E{"1E", 3, 1, Level::half};
+constexpr Level raid5{"5", 3, 1, 1};
+constexpr Level raid5E{"5E", 4, 1, 2};
+constexpr Level raid5EE{"5EE", 4, 1, 2};
+constexpr Level raid6{"6", 4, 1, 2};
+constexpr Level raid10{"10", 4, 2, Level::half};
+constexpr Level raid50{"50", 6, 2, 2};
+constexpr Level raid60{"60", 8, 2, 4};
+constexpr Level volume{"VOLUME", 1, 0, 0};
 
 using Levels = std::vector<Level>;
 const Levels megaRaid = {raid0, raid1, raid5, raid6, raid10, raid50, raid60};
@@ -57,10 +60,10 @@ struct Loss {
     const char* lost;
 };
 // clang-format off
-constexpr std::array<Loss, 18> losses = {{
+constexpr std::array<Loss, 19> losses = {{
     {"MEGACLI",       "names of virtual disks"},
     {"MEGACLI",       "RAID 50 and 60 of more than two spans"},
-    {"MEGACLI",       "several virtual disks on one array"},
+    {"MEGACLI",       "hot spares in no enclosure"},
     {"MEGACLI",       "a stripe size of 8 KB, or of 1 MB and more"},
     {"MEGACLI",       "a stripe size of 256 or 512 KB"},
     {"MEGACLI",       "drives in enclosures beside drives in none"},
@@ -69,6 +72,7 @@ constexpr std::array<Loss, 18> losses = {{
     {"ARCCONF",       "the stripe size of a mirror; of RAID 6 and 60 with many drives"},
     {"ARCCONF",       "a stripe size of 8 KB"},
     {"HRCONF",        "cache modes"},
+    {"HRCONF",        "the stripe size of a mirror"},
     {"HRCONF",        "a logical drive smaller than its array"},
     {"HRCONF",        "`SIMPLE VOLUME`"},
     {"QTCSEND",       "cache, read-ahead, stripe size, rebuild rate"},
@@ -112,8 +116,15 @@ struct Family {
     Address address;
     Levels levels;
     Settings settings;
+    /// What tells it from another family of its model. Then its drives have a slot unlike their
+    /// device number, too.
+    const char* variant = "";
 };
 
+constexpr const char* withExpander =
+    R"("productName": "Norvik Kestrix B7", "automaticFailover": "Enabled", "expander": true,)";
+constexpr const char* newest = R"("generation": "newest",)";
+constexpr const char* newestWithExpander = R"("generation": "newest", "expander": true,)";
 constexpr const char* withFailover =
     R"("productName": "Norvik Kestrix B7", "automaticFailover": "Enabled",)";
 constexpr const char* b8 = R"("productName": "Norvik Kestrix B8",)";
@@ -172,6 +183,9 @@ const std::vector<Family>& families() {
         {"LSI-SAS-1078-IR", "CFGGEN", ids[14].c_str(), "", Address::smallEnclosure, {raid0, raid1}, cfggen1078Settings},
         {"LSI-SCSI-RAID", "CFGGEN1.02.02", ids[15].c_str(), "", Address::id, {raid1}, cfggenScsiSettings},
         {"LSI-IDEal-RAID", "HYPERWIN", R"("vendorId": "0x1166", "deviceId": "0x0213")", "", Address::id, {raid0FromTwo, raid1}, hyperwinSettings},
+        {"Kestrix-B7", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0286")", withExpander, Address::channelDevice, {raid0, raid1, raid1E, raid5, raid6, raid10, volume}, arcconfSettings, "expander"},
+        {"Kestrix-B2", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0285", "subsystemVendorId": "0x1F3D", "subsystemId": "0x034D")", newest, Address::channelDevice, {raid0, raid1, raid1E, raid5, raid5EE, raid6, raid10, raid50, raid60, volume}, arcconfSettings, "newest"},
+        {"Kestrix-B2", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0285", "subsystemVendorId": "0x1F3D", "subsystemId": "0x034D")", newestWithExpander, Address::channelDevice, {raid0, raid1, raid1E, raid5, raid5EE, raid6, raid10, raid50, raid60, volume}, arcconfSettings, "newest_expander"},
     };
     return all;
 }
@@ -207,18 +221,26 @@ class RandomServer {
         int made = 0;
         for (int wanted = number(1, most); wanted > 0; --wanted) {
             if (const int n = drivesFor(*wish, static_cast<int>(free.size())); n > 0) {
-                const char letter = static_cast<char>('A' + made++);
-                arrays += std::string("Array.") + letter + " = " + take(free, n) + "\n";
-                const std::string cache = pick(family_.settings.caches);
+                const std::string drives = take(free, n);
+                const auto add = [&](const char* size) {
+                    const char letter = static_cast<char>('A' + made++);
+                    arrays += std::string("Array.") + letter + " = " + drives + "\n";
+                    const std::string cache = pick(family_.settings.caches);
+                    logical += "Logical." + std::to_string(made) + " = " + letter + size +
+                               wish->name + (cache.empty() ? "" : ":" + cache) + "\n";
+                };
                 const bool smaller = family_.settings.sizes && number(0, 2) == 0;
-                logical += "Logical." + std::to_string(made) + " = " + letter +
-                           (smaller ? ":40%:" : ":FILL:") + wish->name +
-                           (cache.empty() ? "" : ":" + cache) + "\n";
+                add(smaller ? ":40%:" : ":FILL:");
+                // A further array of the same drives is a further logical drive on them.
+                if (smaller && wanted > 1 && family_.address == Address::enclosureSlot) {
+                    add(":35%:");
+                    --wanted;
+                }
             }
             wish = &family_.levels[static_cast<std::size_t>(
                 number(0, static_cast<int>(family_.levels.size()) - 1))];
         }
-        const int spares = withHotspares && family_.settings.hotspares
+        const int spares = withHotspares && family_.settings.hotspares && !outside_
                                ? std::min<int>(number(1, 2), static_cast<int>(free.size()))
                                : 0;
         return std::string("[Policy.random]\nAppliesTo.1 = t:") + family_.model + "\n" +
@@ -228,6 +250,11 @@ class RandomServer {
                (spares > 0 ? "Hotspares = " + take(free, spares) + "\n"
                            : std::string("Array_Defaults = 0%:0\n")) +
                "Logical_Mode = CUSTOM\n" + logical;
+    }
+
+    /// MB of the drive of this number, which a policy names it by.
+    [[nodiscard]] int sizeOf(int drive) const {
+        return sizes_.at(static_cast<std::size_t>(drive - 1));
     }
 
   private:
@@ -252,12 +279,14 @@ class RandomServer {
             text += (text.empty() ? "{" : ", {") + place + R"(, "count": )" +
                     std::to_string(count) + R"(, "sizeMB": )" + std::to_string(size) + "}";
             drives_ += count;
+            sizes_.insert(sizes_.end(), static_cast<std::size_t>(count), size);
         };
         const int groups = number(1, family_.address == Address::enclosureSlot ? 4 : 3);
         switch (family_.address) {
         case Address::enclosureSlot:
             if (number(0, 5) == 0) { // drives that are in no enclosure
                 add(R"("slot": 0)", number(12, 36));
+                outside_ = true;
                 break;
             }
             for (int i = 0, enclosure = number(0, 60); i < groups; ++i) {
@@ -277,7 +306,7 @@ class RandomServer {
         case Address::channelDevice:
             for (int i = 0; i < groups; ++i) {
                 add(R"("channel": )" + std::to_string(i) + R"(, "device": )" +
-                        std::to_string(number(0, 3)),
+                        std::to_string(number(0, 3)) + bay(i),
                     i == 0 ? 12 : number(1, 6));
             }
             break;
@@ -292,6 +321,13 @@ class RandomServer {
             break;
         }
         return text;
+    }
+
+    /// Where the drives of a channel sit, for a family whose slots are unlike the device numbers.
+    std::string bay(int channel) {
+        return *family_.variant == '\0' ? ""
+                                        : R"(, "enclosure": )" + std::to_string(channel) +
+                                              R"(, "slot": )" + std::to_string(number(4, 9));
     }
 
     int drivesFor(const Level& level, int available) {
@@ -316,6 +352,8 @@ class RandomServer {
     const Family& family_;
     std::mt19937 random_;
     int drives_ = 0;
+    std::vector<int> sizes_; ///< in the order of their numbers
+    bool outside_ = false;   ///< the drives are in no enclosure
 };
 
 /// The numbers of a list, or of each of several lists, in ascending order.
@@ -331,25 +369,103 @@ std::vector<int> numbersOf(const std::vector<std::string>& lists) {
     return numbers;
 }
 
-/// Array and RAID level of each `Logical.<n>`, and the write-cache mode when it is wanted. The size
-/// is left out: a capture writes MB.
-std::vector<std::string> logicalDrivesOf(const std::string& policies, bool withCache) {
-    std::vector<std::string> drives;
+/// The fields of a `Logical.<n>`.
+struct LogicalFields {
+    std::string array;
+    std::string size;
+    std::string level;
+    std::string cache;
+};
+
+std::vector<LogicalFields> logicalFieldsOf(const std::string& policies) {
+    std::vector<LogicalFields> drives;
     for (const char* key : {"Logical.1 = ", "Logical.2 = ", "Logical.3 = "}) {
         for (const std::string& value : linesAfter(policies, key)) {
             std::istringstream fields(value);
-            std::string array;
-            std::string size;
-            std::string level;
-            std::string cache;
-            std::getline(fields, array, ':');
-            std::getline(fields, size, ':');
-            std::getline(fields, level, ':');
-            std::getline(fields, cache, ':');
-            drives.push_back(array + " " + level + (withCache ? " " + cache : ""));
+            LogicalFields drive;
+            std::getline(fields, drive.array, ':');
+            std::getline(fields, drive.size, ':');
+            std::getline(fields, drive.level, ':');
+            std::getline(fields, drive.cache, ':');
+            drives.push_back(drive);
         }
     }
     return drives;
+}
+
+/// Array and RAID level of each `Logical.<n>`, and the write-cache mode when it is wanted.
+std::vector<std::string> logicalDrivesOf(const std::string& policies, bool withCache) {
+    std::vector<std::string> drives;
+    for (const LogicalFields& drive : logicalFieldsOf(policies)) {
+        drives.push_back(drive.array + " " + drive.level + (withCache ? " " + drive.cache : ""));
+    }
+    return drives;
+}
+
+/// Numbers of the drives of an array.
+std::vector<int> membersOf(const std::string& policies, const LogicalFields& drive) {
+    return numbersOf(linesAfter(policies, "Array." + drive.array + " = "));
+}
+
+/// Each captured size is the one that the policy asks for, reckoned from the drives.
+void expectSizes(const Family& family, const RandomServer& random, const std::string& policy,
+                 const std::string& captured) {
+    const std::vector<LogicalFields> wanted = logicalFieldsOf(policy);
+    const std::vector<LogicalFields> found = logicalFieldsOf(captured);
+    ASSERT_EQ(wanted.size(), found.size());
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        SCOPED_TRACE("Logical." + std::to_string(i + 1));
+        if (!family.settings.sizes) {
+            EXPECT_EQ("FILL", found[i].size);
+            continue;
+        }
+        const std::vector<int> members = membersOf(policy, wanted[i]);
+        int smallest = random.sizeOf(members.front());
+        for (const int member : members) {
+            smallest = std::min(smallest, random.sizeOf(member));
+        }
+        const auto level =
+            std::find_if(family.levels.begin(), family.levels.end(),
+                         [&](const Level& each) { return wanted[i].level == each.name; });
+        const auto count = static_cast<double>(members.size());
+        const double usable = level->lost == Level::half ? count / 2 : count - level->lost;
+        const double mb = usable * smallest * (wanted[i].size == "FILL" ? 1 : 0.4);
+        // Listings round to a thousandth of a TB.
+        EXPECT_NEAR(mb, std::atof(found[i].size.c_str()), 1 + mb / 1000);
+    }
+}
+
+/// The largest stripe in KB that ARCCONF makes of an array.
+int largestStripe(const std::string& level, std::size_t drives) {
+    if (level == "6") {
+        return drives >= 12 ? 64 : drives >= 9 ? 128 : drives >= 6 ? 256 : 512;
+    }
+    return level == "60" && drives >= 12 ? 256 : level == "60" && drives >= 10 ? 512 : 1024;
+}
+
+/// The captured stripe size is that of the last logical drive that has one.
+void expectStripe(const Family& family, const std::string& policy, const std::string& captured) {
+    const std::vector<std::string> wanted = linesAfter(policy, "StripeSize = ");
+    if (wanted.empty()) {
+        return; // the utility takes none
+    }
+    const std::string utility = family.utility;
+    std::string stripe;
+    for (const LogicalFields& drive : logicalFieldsOf(policy)) {
+        const bool plain = drive.level == "1" || drive.level == "VOLUME";
+        if (utility == "MEGACLI" || !plain) {
+            const int asked = std::stoi(wanted.front());
+            const std::size_t drives = membersOf(policy, drive).size();
+            stripe = std::to_string(
+                utility == "ARCCONF" ? std::min(asked, largestStripe(drive.level, drives)) : asked);
+        }
+    }
+    const std::vector<std::string> found = linesAfter(captured, "StripeSize = ");
+    if (!stripe.empty()) {
+        EXPECT_EQ(std::vector<std::string>{stripe}, found);
+    } else if (utility != "ARCCONF") { // which gives a mirror one of its own
+        EXPECT_EQ(std::vector<std::string>{}, found);
+    }
 }
 
 class RoundTripTest : public testing::TestWithParam<std::size_t> {};
@@ -382,12 +498,17 @@ void roundTrip(const Family& family, const Level& level, bool withHotspares, uns
     }
     EXPECT_EQ(numbersOf(linesAfter(policy, "Hotspares = ")),
               numbersOf(linesAfter(captured, "Hotspares = ")));
-    const bool keepsSettings = std::string(family.utility) == "MEGACLI";
-    EXPECT_EQ(logicalDrivesOf(policy, keepsSettings), logicalDrivesOf(captured, keepsSettings));
-    if (keepsSettings) {
+    const std::string utility = family.utility;
+    const bool keepsCache = utility == "MEGACLI" || utility == "ARCCONF" || utility == "HYPERWIN";
+    EXPECT_EQ(logicalDrivesOf(policy, keepsCache), logicalDrivesOf(captured, keepsCache));
+    if (utility == "MEGACLI") {
         EXPECT_EQ(linesAfter(policy, "StripeSize = "), linesAfter(captured, "StripeSize = "));
+    }
+    if (!family.settings.readAheads.empty()) {
         EXPECT_EQ(linesAfter(policy, "ReadAhead = "), linesAfter(captured, "ReadAhead = "));
     }
+    expectSizes(family, random, policy, captured);
+    expectStripe(family, policy, captured);
 }
 
 TEST_P(RoundTripTest, CaptureResetDeployCaptureGivesTheSameLayout) {
@@ -415,6 +536,67 @@ TEST_P(MoreRoundTripsTest, MoreServersGiveTheSameLayout) {
             roundTrip(family, level, withHotspares, seed);
         }
     }
+}
+
+/// Captures a configured server, resets it, deploys the captured policies and captures again.
+void expectDeployedWhole(VirtualServer& server, std::size_t commands) {
+    ASSERT_EQ(0, server.zolex({"/c", "/f:captured.ini"}).exitCode);
+    const std::string before = server.simulator({"show"}).output;
+    ASSERT_EQ(0, server.zolex({"/r", "/y"}).exitCode);
+    ASSERT_NE(before, server.simulator({"show"}).output);
+    const ProgramRun deploy = server.zolex({"/f:captured.ini", "/v:5"});
+    EXPECT_EQ(0, deploy.exitCode) << deploy.output << server.read("captured.ini");
+    EXPECT_EQ(before, server.simulator({"show"}).output) << server.read("captured.ini");
+    EXPECT_EQ(commands, linesAfter(server.read("captured.ini"), "Array.").size());
+    ASSERT_EQ(0, server.zolex({"/c", "/f:again.ini"}).exitCode);
+    EXPECT_EQ(withoutComments(server.read("captured.ini")),
+              withoutComments(server.read("again.ini")));
+}
+
+std::string megaRaidServer(const std::string& drives, const std::string& disks) {
+    return R"({"machineType": "8837", "serialNumber": "KQ12345", "controllers": [{
+        "utility": "MEGACLI", "model": "Kestrix-C1", "pci": {"bus": 2, "device": 1,
+        "class": "0x010400", )" +
+           lsi("0x0060", "0x1F3D", "0x0364") + R"(}, "drives": [)" + drives +
+           R"(], "virtualDisks": [)" + disks + "]}]}";
+}
+
+// A server with several virtual disks on a group of drives was deployed half: the second command
+// was refused.
+TEST(RoundTrip, SeveralVirtualDisksOnOneGroupOfDrives) {
+    VirtualServer server(megaRaidServer(
+        R"({"enclosure": 32, "slot": 0, "count": 8, "sizeMB": 70006})",
+        R"({"level": "RAID5", "spans": [["32:0", "32:1", "32:2", "32:3"]], "sizeMB": 60000,
+            "writePolicy": "WB"},
+           {"level": "RAID5", "array": 0, "sizeMB": 100000, "writePolicy": "WT"},
+           {"level": "RAID5", "array": 0, "writePolicy": "WB"},
+           {"level": "RAID10", "spans": [["32:4", "32:5"], ["32:6", "32:7"]], "sizeMB": 50000,
+            "writePolicy": "WB"},
+           {"level": "RAID10", "array": 1, "writePolicy": "WT"})"));
+    ASSERT_TRUE(server.isReady());
+    expectDeployedWhole(server, 5);
+}
+
+// The utility knows drives in no enclosure by ":S". A hot spare's command names an enclosure, and
+// enclosure 0 is none of theirs.
+TEST(RoundTrip, DrivesInNoEnclosure) {
+    const std::string disk = R"({"level": "RAID1", "spans": [[":0", ":1"]], "writePolicy": "WB"})";
+    const std::string members = R"({"slot": 0, "count": 2, "sizeMB": 70006})";
+    VirtualServer server(megaRaidServer(members, disk));
+    ASSERT_TRUE(server.isReady());
+    expectDeployedWhole(server, 1);
+
+    VirtualServer withSpare(
+        megaRaidServer(members + R"(, {"slot": 2, "sizeMB": 70006, "status": "hotspare"})", disk));
+    ASSERT_TRUE(withSpare.isReady());
+    ASSERT_EQ(0, withSpare.zolex({"/c", "/f:captured.ini"}).exitCode);
+    EXPECT_EQ(std::vector<std::string>{"3"},
+              linesAfter(withSpare.read("captured.ini"), "Hotspares = "));
+    ASSERT_EQ(0, withSpare.zolex({"/r", "/y"}).exitCode);
+    const ProgramRun deploy = withSpare.zolex({"/f:captured.ini"});
+    EXPECT_EQ(11, deploy.exitCode) << deploy.output;
+    EXPECT_NE(std::string::npos, deploy.output.find("There is no physical disk at 0:2."))
+        << deploy.output;
 }
 
 TEST(RoundTripLosses, TheReadmeNamesEachLossOfEachUtility) {
@@ -455,7 +637,9 @@ std::vector<std::size_t> moreFamilyNumbers() {
 }
 
 std::string modelOf(const testing::TestParamInfo<std::size_t>& tested) {
-    std::string name = families()[tested.param].model;
+    const Family& family = families()[tested.param];
+    std::string name =
+        std::string(family.model) + (*family.variant == '\0' ? "" : "_") + family.variant;
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 }

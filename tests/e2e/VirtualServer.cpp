@@ -72,23 +72,23 @@ ProgramRun VirtualServer::shippedZolex(const std::vector<std::string>& arguments
     return record(arguments, run(ZOLEX_PROGRAM, arguments, input));
 }
 
+ProgramRun VirtualServer::zolexWithout(const std::string& closed,
+                                       const std::vector<std::string>& arguments) {
+    return record(arguments, run(ZOLEX_PROGRAM, arguments, {}, closed));
+}
+
 ProgramRun VirtualServer::simulator(const std::vector<std::string>& arguments) {
-    ProgramRun result = run(ZOLEX_SIMULATOR_PROGRAM, arguments, {});
-    if (result.exitCode == 0 && !arguments.empty() && arguments.front() == "init" &&
-        !plugIn(folder_)) {
-        result.exitCode = -1;
-    }
-    return result;
+    return run(ZOLEX_SIMULATOR_PROGRAM, arguments, {});
 }
 
 ProgramRun VirtualServer::run(const std::string& program, const std::vector<std::string>& arguments,
-                              const std::string& input) {
+                              const std::string& input, const std::string& closed) {
     const std::filesystem::path streams = folder_.string() + "-streams";
     std::filesystem::create_directories(streams);
     std::ofstream(streams / "in", std::ios::binary) << input;
     ProgramRun result;
     result.exitCode = runProgram({program, arguments, folder_, environment, streams / "in",
-                                  streams / "out", streams / "err"});
+                                  streams / "out", streams / "err", closed});
     result.output = foldLineEnds(readWhole(streams / "out"));
     result.error = foldLineEnds(readWhole(streams / "err"));
     // A child that outlasts its run can still hold them.

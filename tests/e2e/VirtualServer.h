@@ -33,6 +33,8 @@ class VirtualServer {
                             const std::string& input = {});
     /// Runs the virtual server's own program.
     ProgramRun simulator(const std::vector<std::string>& arguments);
+    /// Runs the program as it is shipped, without the standard streams of these numbers.
+    ProgramRun zolexWithout(const std::string& closed, const std::vector<std::string>& arguments);
     /// Runs any program in the server's folder.
     ProgramRun start(const std::string& program, const std::vector<std::string>& arguments) {
         return run(program, arguments, {});
@@ -51,7 +53,7 @@ class VirtualServer {
     /// CFGGEN.
     [[nodiscard]] bool needsNoPauses(const std::vector<std::string>& arguments) const;
     ProgramRun run(const std::string& program, const std::vector<std::string>& arguments,
-                   const std::string& input);
+                   const std::string& input, const std::string& closed = {});
     /// Adds the run to the transcript of the test, when transcripts are kept.
     ProgramRun record(const std::vector<std::string>& arguments, ProgramRun run) const;
 

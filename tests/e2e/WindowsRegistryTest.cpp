@@ -1,20 +1,42 @@
 #ifdef _WIN32
 
-// The devices that a registry file written by hand describes.
+// Devices in the machine's registry, where ZOLEX_PCI_ROOT names no folder.
 
 #include "Programs.h"
 #include "VirtualServer.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
+#include <windows.h>
 
 namespace zolex::e2e {
 namespace {
 
 constexpr const char* noController =
     R"({"machineType": "8837", "serialNumber": "1", "controllers": []})";
+
+bool importFile(const std::filesystem::path& server, const std::string& name) {
+    const std::filesystem::path nothing = server / "import.txt";
+    const int exitCode =
+        runProgram({"reg", {"import", name}, server, {}, server / name, nothing, nothing});
+    std::error_code ignored;
+    std::filesystem::remove(nothing, ignored);
+    return exitCode == 0;
+}
+
+/// Makes the devices of a server's pci.reg those of this machine, the only ones.
+bool plugIn(VirtualServer& server) {
+    // Only the registry of an emulator is for tests to change.
+    if (GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") == nullptr) {
+        return false;
+    }
+    server.environment.erase("ZOLEX_PCI_ROOT");
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, "SYSTEM\\CurrentControlSet\\Enum\\PCI");
+    return importFile(server.folder(), "pci.reg");
+}
 
 /// The key of one instance, with what stands in it.
 std::string instance(const std::string& name, const std::string& values) {
@@ -41,7 +63,7 @@ TEST(WindowsRegistryTest, TheFormsOfALocationAreFoundInTheRegistry) {
                                 instance("2", "") +
                                 instance("3", controllerAt("PCI bus 2, device 1, function 0")) +
                                 instance("4", controllerAt("x, bus 256, device 0, function 0")));
-    ASSERT_TRUE(plugIn(server.folder()));
+    ASSERT_TRUE(plugIn(server));
     const ProgramRun run = server.zolex({"/c", "/f:c.ini", "/v:9"});
     EXPECT_EQ((std::vector<std::string>{"0:1:0:1000:0411:1000:1002", "5:6:7:1000:0411:1000:1002"}),
               linesAfter(run.output, "Creating new RAIDController with: "));
@@ -50,6 +72,23 @@ TEST(WindowsRegistryTest, TheFormsOfALocationAreFoundInTheRegistry) {
                               "\tController 2:  LSI-MegaRAID-8480\n"),
               std::string::npos)
         << run.output;
+}
+
+TEST(WindowsRegistryTest, TheFilesOfALaidOutServerEnterItsDevicesAndRemoveThem) {
+    VirtualServer server;
+    ASSERT_TRUE(server.isReady());
+    ASSERT_EQ(server.simulator({"init", ".", "--sample", "mixed"}).exitCode, 0);
+    const auto controllers = [&server] {
+        const ProgramRun run = server.zolex({"/c", "/f:c.ini", "/v:9"});
+        EXPECT_EQ(run.exitCode, 0);
+        return linesAfter(run.output, "Creating new RAIDController with: ");
+    };
+    const std::vector<std::string> inFolder = controllers();
+    EXPECT_EQ(inFolder.size(), 7U);
+    ASSERT_TRUE(plugIn(server));
+    EXPECT_EQ(controllers(), inFolder);
+    ASSERT_TRUE(importFile(server.folder(), "pci-remove.reg"));
+    EXPECT_EQ(server.zolex({"/e2"}).exitCode, 2);
 }
 
 } // namespace

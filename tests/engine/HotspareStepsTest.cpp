@@ -70,20 +70,28 @@ TEST(AutoHotspares, ThePolicyCountReplacesTheClassDefault) {
 TEST(AutoHotspares, ACapturedLayoutWithoutHotSparesGetsNone) {
     struct Row {
         const char* name;
+        bool listed; ///< whether the policy lists the drives of its array
         std::int32_t count;
         const char* plan;
     };
     const std::vector<Row> rows{
-        {"Policy.AUTO-Kestrix-C1-1", -25, "A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
-        {"policy.auto-mine", -25, "A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
-        {"Policy.AUTO-Kestrix-C1-1", 1, "H 1:3; A 1:0 1:1 1:2 =300; L A 5 FILL 1; "},
-        {"Policy.AUTO", -25, "H 1:3; A 1:0 1:1 1:2 =300; L A 5 FILL 1; "},
+        {"Policy.AUTO-Kestrix-C1-1", true, -25, "A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
+        {"policy.auto-mine", true, -25, "A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
+        {"Policy.AUTO-Kestrix-C1-1", true, 1, "H 1:3; A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
+        {"Policy.AUTO", true, -25, "H 1:3; A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
+        // Any other policy of such a name is somebody's own.
+        {"Policy.AUTO-Kestrix-C1-1", false, -25, "H 1:3; A 1:0 1:1 1:2 =300; L A 5 FILL 1; "},
+        {"Policy.AUTO-Kestrix-C1-1", false, 0, "A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; "},
     };
     for (const Row& row : rows) {
         Bench bench;
         const auto controller = makeController(12, 2, equalDrives(4, 100));
         Policy policy = policyWithHotspareCount(row.count);
         policy.name = row.name;
+        if (row.listed) {
+            policy.customArrays = true;
+            policy.arrays = {arrayOfNumbers(numbersTo(4))};
+        }
         EXPECT_TRUE(plan(bench, *controller, policy)) << row.name;
         EXPECT_EQ(describe(*controller), row.plan) << row.name;
     }

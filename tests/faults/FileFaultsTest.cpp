@@ -17,8 +17,10 @@ struct Row {
     Operation operation;
     const char* name;
 };
-constexpr std::array<Row, 9> fileOperations{{
+constexpr std::array<Row, 11> fileOperations{{
     {Operation::open, "open"},
+    {Operation::create, "create"},
+    {Operation::lock, "lock"},
     {Operation::read, "read"},
     {Operation::readInPart, "read in part"},
     {Operation::write, "write"},

@@ -1,8 +1,20 @@
 #include "foundation/Console.h"
 
+#include "support/TemporaryDirectory.h"
+
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace zolex {
 namespace {
@@ -18,6 +30,70 @@ TEST(StandardConsole, TextsReachTheirStreams) {
     // Captured through the descriptors: what was not flushed would be missing.
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "error %d\n");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string("out %s\na\0b", 10));
+}
+
+#ifdef _WIN32
+int duplicate(int descriptor) {
+    return ::_dup(descriptor);
+}
+void replaceDescriptor(int descriptor, int by) {
+    ::_dup2(by, descriptor);
+    ::_close(by);
+}
+int openForWriting(const char* name) {
+    return ::_open(name, _O_CREAT | _O_TRUNC | _O_WRONLY | _O_TEXT, _S_IREAD | _S_IWRITE);
+}
+#else
+int duplicate(int descriptor) {
+    return ::dup(descriptor);
+}
+void replaceDescriptor(int descriptor, int by) {
+    ::dup2(by, descriptor);
+    ::close(by);
+}
+int openForWriting(const char* name) {
+    return ::open(name, O_CREAT | O_TRUNC | O_WRONLY, 0600);
+}
+#endif
+
+/// Sends a standard stream to a file while it lives. Nothing is flushed meanwhile.
+class Redirection {
+  public:
+    Redirection(std::FILE* stream, int descriptor, const char* name)
+        : stream_(stream), descriptor_(descriptor) {
+        std::fflush(stream);
+        before_ = duplicate(descriptor);
+        replaceDescriptor(descriptor, openForWriting(name));
+    }
+    Redirection(const Redirection&) = delete;
+    Redirection& operator=(const Redirection&) = delete;
+    ~Redirection() {
+        std::fflush(stream_);
+        replaceDescriptor(descriptor_, before_);
+    }
+
+  private:
+    std::FILE* stream_;
+    int descriptor_;
+    int before_ = -1;
+};
+
+TEST(StandardConsole, EachTextIsVisibleWhenTheCallReturns) {
+    const test::TemporaryDirectory directory;
+    std::vector<std::string> seen;
+    {
+        StandardConsole console;
+        const Redirection output(stdout, 1, "out.txt");
+        const Redirection error(stderr, 2, "err.txt");
+        for (const char* text : {"one", " two", "; three"}) {
+            console.writeOutput(text);
+            seen.push_back(test::TemporaryDirectory::read("out.txt"));
+            console.writeError(text);
+            seen.push_back(test::TemporaryDirectory::read("err.txt"));
+        }
+    }
+    EXPECT_EQ(seen, (std::vector<std::string>{"one", "one", "one two", "one two", "one two; three",
+                                              "one two; three"}));
 }
 
 TEST(StandardConsole, LineEndsOfAnotherKindStay) {

@@ -140,6 +140,32 @@ TEST(EndingTaskTest, TheTasksOfTheLivingAreRunOnceTheYoungestFirst) {
     EXPECT_EQ(said, "dca");
 }
 
+/// Ends the process once more while it ends, as a task does that runs out of memory.
+class EndsAgain : public EndingTask {
+  public:
+    explicit EndsAgain(std::string& said) : said_(said) {}
+
+  private:
+    void processEnds() noexcept override {
+        said_ += '!';
+        if (said_.size() < 5) {
+            runAll();
+        }
+    }
+
+    std::string& said_;
+};
+
+TEST(EndingTaskTest, ATaskThatEndsTheProcessAgainLeavesOnlyTheOlderOnes) {
+    std::string said;
+    said.reserve(10);
+    const Letter a(said, 'a');
+    const EndsAgain again(said);
+    const Letter b(said, 'b');
+    EndingTask::runAll();
+    EXPECT_EQ(said, "b!a");
+}
+
 #if GTEST_HAS_DEATH_TEST
 /// Says on standard error what has become of the file when the process ends.
 class Witness : public test::FakeFileSystem {

@@ -246,5 +246,31 @@ TEST(TextFile, ReadsBlocksNotBytes) {
     EXPECT_LE(files.reads, 120000 / 4096 + 2);
 }
 
+// Symptom: a file without line ends was read into memory without bound.
+TEST(TextFile, ALineMayHave16MiBAndNoMore) {
+    const std::string longest(longestLine, 'x');
+    EXPECT_EQ(readLines("a\n" + longest + "\nb"), (Lines{"a\n", longest + "\n", "b"}));
+    EXPECT_EQ(readLines(longest + "\r\n"), Lines{longest + "\n"});
+    EXPECT_EQ(readLines(longest), Lines{longest});
+    for (const char* rest : {"x\nb\n", "x", "xxxx"}) {
+        test::FakeFileSystem files;
+        files.files[name] = "a\n" + longest + rest;
+        TextFile file(files);
+        ASSERT_TRUE(file.open(name, "r"));
+        CString line;
+        EXPECT_TRUE(file.readLine(line));
+        EXPECT_FALSE(file.failed());
+        for (int i = 0; i < 2; ++i) { // and nothing after it
+            EXPECT_FALSE(file.readLine(line));
+            EXPECT_TRUE(line.isEmpty());
+            EXPECT_TRUE(file.failed());
+        }
+        files.files[name] = "a\n";
+        ASSERT_TRUE(file.open(name, "r"));
+        EXPECT_FALSE(file.failed());
+        EXPECT_TRUE(file.readLine(line));
+    }
+}
+
 } // namespace
 } // namespace zolex

@@ -195,6 +195,30 @@ TEST_P(PosixChildRunner, WhatStandsInThePipeAtTheEndIsTakenUpBeyondTheBound) {
     EXPECT_EQ(result.output, std::string(5000, 'x'));
 }
 
+TEST_P(PosixChildRunner, AnOutputOfMoreThan32MiBIsGivenUpAtTheLimit) {
+    const std::string most = std::to_string(mostChildOutput);
+    const ChildResult whole = run("head -c " + most + " /dev/zero");
+    EXPECT_EQ(whole.outcome, ChildOutcome::ended);
+    EXPECT_EQ(whole.output.size(), std::size_t{32} << 20U);
+    // The last bytes stand in the pipe, so that the child ends.
+    const milliseconds limit{1500};
+    const ChildResult more =
+        run("head -c " + std::to_string(mostChildOutput + 1) + " /dev/zero", limit);
+    EXPECT_EQ(more.outcome, ChildOutcome::stillRunning);
+    EXPECT_EQ(more.output, "");
+    EXPECT_GE(taken, limit);
+}
+
+// Symptom: what the program ignores a utility ignored too.
+TEST_P(PosixChildRunner, TheSignalsThatTheProgramIgnoresHaveTheirEffectInTheChild) {
+    const auto platform = makeSystemPlatform();
+    EXPECT_EQ(run("/bin/sh -c \"kill -PIPE $$\"").exitCode, 128U + SIGPIPE);
+    EXPECT_EQ(run("/bin/sh -c \"kill -XFSZ $$\"").exitCode, 128U + SIGXFSZ);
+    struct sigaction action = {};
+    ASSERT_EQ(0, ::sigaction(SIGPIPE, nullptr, &action));
+    EXPECT_EQ(SIG_IGN, action.sa_handler);
+}
+
 TEST_P(PosixChildRunner, AChildThatWritesFarBeyondTheBoundStalls) {
     std::size_t takenUp = 0;
     // Within the first limit the child of a slow machine has not begun to write.
@@ -237,6 +261,28 @@ TEST_P(PosixChildRunner, AChildThatClosesItsOutputIsWaitedFor) {
     EXPECT_EQ(result.outcome, ChildOutcome::ended);
     EXPECT_EQ(result.exitCode, 6U);
     EXPECT_EQ(result.output, "x\n");
+}
+
+/// Time of the processor that this process has used.
+std::chrono::microseconds processorTime() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return std::chrono::seconds(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           std::chrono::microseconds(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+}
+
+TEST_P(PosixChildRunner, TheEndOfASilentChildIsNoticedSoonAndWithoutBusyWaiting) {
+    constexpr milliseconds length(1200);
+    milliseconds best = milliseconds::max();
+    // A busy machine may start one child late, but not each of them.
+    for (int i = 0; i < 5 && best >= length + milliseconds(400); ++i) {
+        const auto before = processorTime();
+        EXPECT_EQ(run("/bin/sh -c \"exec >&- 2>&-; exec sleep 1.2\"").outcome, ChildOutcome::ended);
+        EXPECT_LT(processorTime() - before, milliseconds(300));
+        EXPECT_GE(taken, length);
+        best = std::min(best, taken);
+    }
+    EXPECT_LT(best, length + milliseconds(400));
 }
 
 TEST_P(PosixChildRunner, FiveMegabytesKeepTheirOrder) {
@@ -307,6 +353,20 @@ TEST_P(PosixChildRunner, TheCurrentDirectoryComesBeforeThePath) {
     EXPECT_EQ(run("echo found").output, "found\n");
     directory.write("echo", "printf 'own\\n'\n", true);
     EXPECT_EQ(run("echo found").output, "own\n");
+}
+
+TEST_P(PosixChildRunner, WithoutAPathInTheEnvironmentTheSystemsFoldersAreSearched) {
+    const std::string path = std::getenv("PATH");
+    ::unsetenv("PATH");
+    const ChildResult found = run("echo found");
+    const ChildResult none = run("zolex-no-such-program");
+    ::setenv("PATH", "", 1);
+    const ChildResult hidden = run("echo found");
+    ::setenv("PATH", path.c_str(), 1);
+    EXPECT_EQ(found.outcome, ChildOutcome::ended);
+    EXPECT_EQ(found.output, "found\n");
+    EXPECT_EQ(none.outcome, ChildOutcome::notStarted);
+    EXPECT_EQ(hidden.outcome, ChildOutcome::notStarted) << "an empty path names no folder";
 }
 
 TEST_P(PosixChildRunner, WhatIsNoProgramHidesNothingFurtherAlong) {

@@ -6,8 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <fcntl.h>
+#include <future>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace zolex {
 namespace {
@@ -59,6 +64,19 @@ TEST_F(PosixPciDeviceList, WhatIsMissingOrNoNumberIsZero) {
     directory.write("0000:00:04.0/vendor/deeper", "0x1000\n");
     EXPECT_EQ(collect(), "4: 0.1.0=0,0,0,0,0,0 0.2.0=0,0,0,0,0,0 0.3.0=0,1,0,0,0,0 "
                          "0.4.0=0,0,0,0,0,0");
+}
+
+TEST_F(PosixPciDeviceList, APipeThatNobodyWritesIsNotWaitedFor) {
+    addDevice("0000:00:01.0", "0x1", "0x2");
+    const std::string pipe = directory.path() + "/0000:00:01.0/class";
+    ASSERT_EQ(0, ::mkfifo(pipe.c_str(), 0600));
+    auto found = std::async(std::launch::async, [this] { return collect(); });
+    const bool waits = found.wait_for(std::chrono::seconds(20)) != std::future_status::ready;
+    if (waits) {
+        ::close(::open(pipe.c_str(), O_WRONLY | O_NONBLOCK)); // lets it go on
+    }
+    EXPECT_FALSE(waits);
+    EXPECT_EQ(found.get(), "1: 0.1.0=1,2,0,0,0,0");
 }
 
 TEST_F(PosixPciDeviceList, IsInOrderAndCountsWhatDropsOut) {

@@ -56,6 +56,15 @@ TEST_F(ToolTest, KeepsExitCodeAndOutput) {
     EXPECT_EQ(tool.output()->nextPiece(capturedLineLimit), "");
 }
 
+TEST_F(ToolTest, AnOutputThatIsNotWantedIsNotKept) {
+    platform.results.push_back(FakePlatform::ended(3, "text\n"));
+    tool.setCommand("UTIL.BAT X 1");
+    EXPECT_TRUE(tool.run(false));
+    EXPECT_EQ(tool.exitCode(), 3U);
+    ASSERT_NE(tool.output(), nullptr);
+    EXPECT_EQ(tool.output()->nextPiece(capturedLineLimit), "");
+}
+
 TEST_F(ToolTest, AnOutputOutlivesTheNextRun) {
     runWith(FakePlatform::ended(0, "first"));
     const auto first = tool.output();

@@ -63,6 +63,25 @@ TEST(PolicyGeneratorFaultsTest, AnEmptyTempFileIsNotKept) {
     EXPECT_FALSE(run.platform.fileFake.exists(temporaryFile));
 }
 
+TEST(PolicyGeneratorFaultsTest, ATempFileThatCannotBeFlushedIsKeptForDebuggingEmptyOrNot) {
+    for (const bool configured : {false, true}) {
+        for (const bool debug : {false, true}) {
+            Generation run;
+            run.application.settings.debug = debug;
+            run.platform.fileFake.failFlush = true;
+            if (configured) {
+                fillMegaRaid(run.add(12, 2));
+            } else {
+                run.add(12, 2).setConfiguration(nullptr);
+            }
+            EXPECT_FALSE(run.run());
+            EXPECT_TRUE(run.output().ends_with(noTempSpace));
+            EXPECT_FALSE(run.platform.fileFake.exists("p.ini"));
+            EXPECT_EQ(run.platform.fileFake.exists(temporaryFile), debug) << configured;
+        }
+    }
+}
+
 TEST(PolicyGeneratorFaultsTest, AFullDeviceIsReportedWhereverItFillsUp) {
     Generation whole;
     fillMegaRaid(whole.add(12, 2));
@@ -162,6 +181,22 @@ class CountedFiles : public FileSystem {
         auto file = files_.open(name, mode);
         return file ? std::make_unique<CountedFile>(std::move(file), countdown_) : nullptr;
     }
+    std::unique_ptr<File> create(std::string_view name, std::string_view other,
+                                 WhenInterrupted interrupted) override {
+        if (countdown_.fails()) {
+            return nullptr;
+        }
+        auto file = files_.create(name, other, interrupted);
+        return file ? std::make_unique<CountedFile>(std::move(file), countdown_) : nullptr;
+    }
+    LockResult lock(std::string_view name, std::chrono::milliseconds wait) override {
+        if (countdown_.fails()) {
+            LockResult busy;
+            busy.isBusy = true;
+            return busy;
+        }
+        return files_.lock(name, wait);
+    }
     bool remove(std::string_view name) override { return files_.remove(name); }
 
   private:
@@ -217,6 +252,80 @@ TEST(PolicyGeneratorFaultsTest, WhicheverFileOperationFailsTheRunEndsWithAReport
         } else if (!partial) {
             EXPECT_EQ(content, before) << n << output;
         }
+    }
+}
+
+// Symptom: two captures at once into one file chose the same names.
+TEST(PolicyGeneratorFaultsTest, ThePoliciesFileIsLockedFromItsReadingToTheEndOfTheAppend) {
+    class Watch : public FakePlatform {
+      public:
+        class Files : public FakeFileSystem {
+          public:
+            std::unique_ptr<File> open(std::string_view name, const char* mode) override {
+                EXPECT_EQ(locked, "p.ini") << mode << name;
+                return FakeFileSystem::open(name, mode);
+            }
+        };
+        FileSystem& files() override { return watched; }
+        Files watched;
+    };
+    for (const bool isThere : {false, true}) {
+        Watch platform;
+        if (isThere) {
+            platform.watched.files["p.ini"] = before;
+        }
+        Application application(platform);
+        application.settings.policiesFile = "p.ini";
+        application.settings.capture = true;
+        ControllerList controllers;
+        fillMegaRaid(*controllers.add(makeController(12, 2)));
+        EXPECT_TRUE(PolicyGenerator(application).generatePolicies(controllers));
+        EXPECT_EQ(platform.watched.opened.size(), 3U);
+        EXPECT_EQ(platform.watched.lockCalls, std::vector<std::string>{"p.ini 10000"});
+        EXPECT_EQ(platform.watched.locked, "");
+    }
+}
+
+TEST(PolicyGeneratorFaultsTest, APoliciesFileThatAnotherRunHasCannotBeOpened) {
+    Generation run;
+    run.platform.fileFake.files["p.ini"] = before;
+    run.platform.fileFake.busy = true;
+    fillMegaRaid(run.add(12, 2));
+    EXPECT_FALSE(run.run());
+    EXPECT_EQ(run.output(), checkingLine + errorBlock("Could not open policies file:  p.ini\n"));
+    EXPECT_EQ(run.file(), before);
+    EXPECT_TRUE(run.platform.fileFake.opened.empty());
+}
+
+TEST(PolicyGeneratorFaultsTest, AFileThatWasMadeToBeLockedGoesWithTheFailure) {
+    Generation run;
+    run.application.settings.captureParameters = "z";
+    fillMegaRaid(run.add(12, 2));
+    EXPECT_FALSE(run.run());
+    EXPECT_FALSE(run.platform.fileFake.exists("p.ini"));
+    Generation empty;
+    empty.add(12, 2).setConfiguration(nullptr);
+    EXPECT_TRUE(empty.run());
+    EXPECT_FALSE(empty.platform.fileFake.exists("p.ini"));
+}
+
+TEST(PolicyGeneratorFaultsTest, ThePoliciesFileIsNotTheTempFile) {
+    Generation run;
+    run.application.settings.policiesFile = temporaryFile;
+    fillMegaRaid(run.add(12, 2));
+    EXPECT_FALSE(run.run());
+    EXPECT_NE(run.output().find(noTempSpace), std::string::npos);
+    EXPECT_FALSE(run.platform.fileFake.exists(temporaryFile));
+}
+
+TEST(PolicyGeneratorFaultsTest, TheTempFileOutlastsASignalForDebuggingOnly) {
+    for (const bool debug : {false, true}) {
+        Generation run;
+        run.application.settings.debug = debug;
+        fillMegaRaid(run.add(12, 2));
+        EXPECT_TRUE(run.run());
+        EXPECT_EQ(run.platform.fileFake.interrupted,
+                  debug ? FileSystem::WhenInterrupted::kept : FileSystem::WhenInterrupted::removed);
     }
 }
 

@@ -73,5 +73,21 @@ TEST(PolicyLinesTest, TheRestOfALongCommentIsNoComment) {
     EXPECT_EQ(linesOf(";" + std::string(254, '-') + "rest\n", true), Lines{"1:rest$"});
 }
 
+// Symptom: an endless line of spaces was read for ever.
+TEST(PolicyLinesTest, ALineOfTheFileMayHave16MiBAndNoMore) {
+    const std::string longest(longestLine, ' ');
+    EXPECT_EQ(linesOf(longest + "\r\na\n", true), Lines{"2:a$"});
+    EXPECT_EQ(linesOf("a\n" + longest + " \nb\n", true), Lines{"1:a$"});
+    for (const bool isTooLong : {false, true}) {
+        test::FakeFileSystem files;
+        files.files["f"] = longest + (isTooLong ? " " : "") + "\nb\n";
+        const auto file = files.open("f", "r");
+        PolicyLines lines(*file);
+        std::string_view line;
+        EXPECT_EQ(lines.nextMeaningful(line), !isTooLong);
+        EXPECT_EQ(lines.failed(), isTooLong);
+    }
+}
+
 } // namespace
 } // namespace zolex

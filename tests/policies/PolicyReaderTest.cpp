@@ -218,6 +218,71 @@ TEST(PolicyReaderTest, LookUpInAMissingFile) {
     EXPECT_EQ(reading.output(), "File not found:  p.ini \n");
 }
 
+TEST(PolicyReaderTest, AReadErrorWithinASectionIsNoFaultOfTheSection) {
+    /// Gives its text in whole reads, behind comments, then the error.
+    class TornFile : public File {
+      public:
+        explicit TornFile(const std::string& text) {
+            while ((text_.size() + text.size()) % 65536 != 0) {
+                text_ += text_.size() % 64 == 63 ? '\n' : ';';
+            }
+            text_.back() = '\n';
+            text_ += text;
+        }
+        std::size_t read(std::span<char> bytes) override {
+            const std::size_t n = std::min(bytes.size(), text_.size() - at_);
+            std::copy_n(text_.begin() + static_cast<std::ptrdiff_t>(at_), n, bytes.begin());
+            at_ += n;
+            failed_ = n < bytes.size();
+            return n;
+        }
+        std::size_t write(std::string_view /*bytes*/) override { return 0; }
+        bool failed() const override { return failed_; }
+        bool rewind() override { return true; }
+        bool flush() override { return true; }
+        bool close() override { return true; }
+
+      private:
+        std::string text_;
+        std::size_t at_ = 0;
+        bool failed_ = false;
+    };
+    class TornFiles : public FileSystem {
+      public:
+        std::unique_ptr<File> open(std::string_view /*name*/, const char* /*mode*/) override {
+            return std::make_unique<TornFile>(text);
+        }
+        bool remove(std::string_view /*name*/) override { return false; }
+        std::string text;
+    };
+    class TornPlatform : public test::FakePlatform {
+      public:
+        FileSystem& files() override { return torn; }
+        TornFiles torn;
+    };
+    const char* const texts[] = {
+        "[Policy.A]\n",
+        "[Policy.A]\nInit = QUICK\n",
+        "[Policy.A]\nInit = QUICK\nINIT = BUILD\n",
+        "[Policy.A]\nAppliesTo.1 = ALL\nInit = QUICK\n",
+        "[Policy.A]\nAppliesTo.1 = ALL\n[Policy.B]\n",
+    };
+    for (const char* text : texts) {
+        for (const bool capture : {false, true}) {
+            TornPlatform platform;
+            platform.torn.text = text;
+            Application application(platform);
+            application.settings.policiesFile = "torn.ini";
+            application.settings.capture = capture;
+            PolicyReader reader(application);
+            EXPECT_FALSE(reader.read());
+            EXPECT_EQ(platform.consoleFake.output,
+                      errorBlock("Could not open policies file:  torn.ini\n"))
+                << text;
+        }
+    }
+}
+
 // A file that can be opened but not read, such as a folder, was taken for an empty one.
 TEST(PolicyReaderTest, AFileThatCannotBeReadIsReportedInEveryMode) {
     class UnreadableFile : public File {

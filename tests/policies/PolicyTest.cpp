@@ -91,11 +91,15 @@ TEST(PolicyListTest, TakesAHundredPolicies) {
     EXPECT_EQ(list.count(), 100U);
 }
 
-TEST(GeneratedPolicyTest, IsKnownByTheBeginningOfItsName) {
+TEST(GeneratedPolicyTest, IsKnownByTheBeginningOfItsNameAndItsListedArrays) {
     Policy policy;
+    policy.customArrays = true;
     for (const char* name : {"Policy.AUTO-Kestrix-C1-1", "policy.auto-x", "Policy.AUTO-"}) {
         policy.name = name;
         EXPECT_TRUE(policy.isGenerated()) << name;
+        Policy automatic = policy;
+        automatic.customArrays = false;
+        EXPECT_FALSE(automatic.isGenerated()) << name;
     }
     for (const char* name : {"", "Policy.", "Policy.AUTO", "Policy.AUTO_1", "Policy.A.AUTO-1",
                              "Policy.default", " Policy.AUTO-1"}) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -59,6 +60,8 @@ std::string policiesFor(const VirtualServer& virtualServer, bool wild) {
         context.mostArrays = 3;
         context.wild = wild;
         context.several = wild;
+        context.repeats = families().at(virtualServer.controllers[i].family).utility ==
+                          std::string_view("MEGACLI");
         text += *policyTexts(context);
     }
     return text;
@@ -191,6 +194,10 @@ class Comparison {
     void countConfigured(const Family& family, const Forecast& forecast) {
         tally_.count("controllers configured");
         tally_.count(std::string("configured ") + family.utility);
+        if (std::any_of(forecast.steps().begin(), forecast.steps().end(),
+                        [](const Forecast::Step& step) { return step.shared; })) {
+            tally_.count("configured with logical drives that share an array");
+        }
         for (const std::string& deviation : forecast.deviations()) {
             tally_.count("configured, but " + deviation);
         }
@@ -210,11 +217,12 @@ class Comparison {
 
 TEST(DeployProperties, TheVirtualServerTakesEveryCommandOfAPlanAndBecomesThePlan) {
     checkProperty({{"deployed", 40},
-                   {"controllers configured", 40},
-                   {"configured just as planned", 40},
+                   {"controllers configured", 33},
+                   {"configured just as planned", 30},
                    {"refused by the machine", 3},
                    {"refused by the generator", 1},
                    {"configured MEGACLI", 10},
+                   {"configured with logical drives that share an array", 0.5},
                    {"configured ARCCONF", 8},
                    {"configured HRCONF", 6},
                    {"configured QTCSEND", 2.5},
@@ -267,37 +275,68 @@ void compareSizes(const zolex_sim::Controller& first, const zolex_sim::Controlle
     }
 }
 
+/// Deploys policies on a machine that is like this server. Ones that cannot be planned, or that no
+/// command comes of, show nothing: then others are tried on another such machine.
+std::unique_ptr<VirtualMachine> deployed(const VirtualServer& virtualServer, Tally& tally) {
+    constexpr int tries = 6;
+    std::unique_ptr<VirtualMachine> machine;
+    for (int i = 0; i < tries; ++i) {
+        machine = std::make_unique<VirtualMachine>(virtualServer);
+        const unsigned result = machine->deploy(policiesFor(virtualServer, false));
+        tally.count(result == success      ? "deployed"
+                    : result == planFailed ? "not planned"
+                                           : "refused");
+        const auto& made = machine->server.controllers;
+        if (std::any_of(made.begin(), made.end(), [](const zolex_sim::Controller& controller) {
+                return !controller.logicalDrives.empty();
+            })) {
+            break;
+        }
+    }
+    return machine;
+}
+
 TEST(DeployProperties, WhatIsDeployedAndCapturedIsDeployedTheSameAgain) {
-    checkProperty({{"captured", 20}, {"several controllers", 5}}, [](Tally& tally) {
-        const VirtualServer virtualServer = *virtualServers();
-        VirtualMachine machine(virtualServer);
-        if (machine.deploy(policiesFor(virtualServer, false)) != success ||
-            configuring(machine).size() == runCommands) {
-            tally.count("not deployed");
-            return;
-        }
-        // By default the policy of one controller holds for the next of its model, too.
-        machine.application.settings.captureParameters = "t,c";
-        const std::string captured = machine.capturePolicies();
-        if (captured.empty()) {
-            tally.count("nothing configured");
-            return;
-        }
-        VirtualMachine another(virtualServer);
-        const unsigned result = another.deploy(captured);
-        RC_LOG() << captured << another.platform.consoleFake.output;
-        RC_ASSERT(result == success);
-        tally.count("captured");
-        if (virtualServer.controllers.size() > 1) {
-            tally.count("several controllers");
-        }
-        for (std::size_t i = 0; i < machine.server.controllers.size(); ++i) {
-            const zolex_sim::Controller& first = machine.server.controllers[i];
-            const zolex_sim::Controller& second = another.server.controllers[i];
-            RC_ASSERT(layoutOf(second) == layoutOf(first));
-            compareSizes(first, second);
-        }
-    });
+    checkProperty(
+        {{"compared", 80}, {"several controllers", 30}, {"several on an array of MEGACLI", 0.3}},
+        [](Tally& tally) {
+            const VirtualServer virtualServer = *virtualServers();
+            const auto machine = deployed(virtualServer, tally);
+            // By default the policy of one controller holds for the next of its model, too.
+            machine->application.settings.captureParameters = "t,c";
+            const std::string captured = machine->capturePolicies();
+            if (captured.empty()) {
+                tally.count("nothing configured");
+                for (const zolex_sim::Controller& controller : machine->server.controllers) {
+                    RC_ASSERT(controller.logicalDrives.empty());
+                }
+                return;
+            }
+            VirtualMachine another(virtualServer);
+            const unsigned result = another.deploy(captured);
+            RC_LOG() << captured << another.platform.consoleFake.output;
+            RC_ASSERT(result == success);
+            if (configuring(another).size() == runCommands) {
+                tally.count("as many commands as are run"); // perhaps more would have followed
+                return;
+            }
+            tally.count("compared");
+            for (const zolex_sim::Controller& controller : machine->server.controllers) {
+                if (controller.logicalDrives.size() > controller.arrays.size() &&
+                    controller.identity.utility == "MEGACLI") {
+                    tally.count("several on an array of MEGACLI");
+                }
+            }
+            if (virtualServer.controllers.size() > 1) {
+                tally.count("several controllers");
+            }
+            for (std::size_t i = 0; i < machine->server.controllers.size(); ++i) {
+                const zolex_sim::Controller& first = machine->server.controllers[i];
+                const zolex_sim::Controller& second = another.server.controllers[i];
+                RC_ASSERT(layoutOf(second) == layoutOf(first));
+                compareSizes(first, second);
+            }
+        });
 }
 
 } // namespace

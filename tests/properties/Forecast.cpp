@@ -135,6 +135,36 @@ Forecast::Places Forecast::membersOf(std::size_t array, const LogicalDrive& driv
     return members;
 }
 
+/// The members as a level groups them: in pairs, in two halves, or all together.
+template <typename Place>
+std::vector<std::set<Place>> spansOf(std::int32_t level, const std::vector<Place>& members) {
+    const bool halves = level == raid_level::raid50 || level == raid_level::raid60;
+    const std::size_t perSpan = level == raid_level::raid10 ? 2
+                                : halves                    ? (members.size() + 1) / 2
+                                                            : members.size();
+    std::vector<std::set<Place>> spans;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        if (i % perSpan == 0) {
+            spans.emplace_back();
+        }
+        spans.back().insert(members[i]);
+    }
+    return spans;
+}
+
+// MEGACLI takes a further logical drive on an array by the names of exactly its drives.
+std::optional<std::size_t> Forecast::sharedArray(std::int32_t level, const Places& members) const {
+    const std::vector<std::set<Place>> spans = spansOf(level, members);
+    std::size_t named = 0;
+    for (const std::set<Place>& span : spans) {
+        named += span.size();
+    }
+    const auto found = std::find(spans_.begin(), spans_.end(), spans);
+    return isUtility("MEGACLI") && named == members.size() && found != spans_.end()
+               ? std::optional(static_cast<std::size_t>(found - spans_.begin()))
+               : std::nullopt;
+}
+
 // As large as the smallest member allows; a volume takes its drives one after another.
 double Forecast::roomOf(std::int32_t level, const Places& members) const {
     double smallest = std::numeric_limits<double>::max();
@@ -212,7 +242,8 @@ void Forecast::checkSize(Step& step, std::int64_t sizeMb, double room) const {
     step.roomMb = room;
     const bool whole = sizeMb == sizeFill;
     if (whole ? room < 1 : sizeMb < 1 || static_cast<double>(sizeMb) > room) {
-        step.causes.insert(!step.first    ? Cause::sizeOfFurther
+        step.causes.insert(step.shared    ? Cause::sizeOfShared
+                           : !step.first  ? Cause::sizeOfFurther
                            : step.leftOut ? Cause::sizeOfLeftOut
                                           : Cause::size);
     }
@@ -239,17 +270,25 @@ void Forecast::carryOut() {
 bool Forecast::carryOutArray(std::size_t array) {
     const std::vector<const LogicalDrive*> onArray = drivesOn(array);
     const Places members = membersOf(array, *onArray.front());
-    arrays_.push_back(members);
+    const std::int32_t level = onArray.front()->raidLevel;
+    const std::optional<std::size_t> shared = sharedArray(level, members);
+    const std::size_t place = shared.value_or(arrays_.size());
+    if (!shared) {
+        arrays_.push_back(members);
+        spans_.push_back(spansOf(level, members));
+    }
     for (const LogicalDrive* drive : onArray) {
         Step step;
         step.drive = drive;
         step.array = array;
         step.first = drive == onArray.front();
+        step.shared = shared.has_value();
         step.leftOut =
             !isUtility("HYPERWIN") && members.size() < plan().arrays().at(array).drives().size();
-        if (step.first) {
+        if (step.first && !step.shared) {
             checkPlaces(members, step.causes);
-        } else if (std::any_of(onArray.begin(), onArray.end(), [](const LogicalDrive* each) {
+        } else if (!step.first &&
+                   std::any_of(onArray.begin(), onArray.end(), [](const LogicalDrive* each) {
                        return takesArrayAlone(each->raidLevel);
                    })) {
             step.causes.insert(Cause::notAlone);
@@ -262,14 +301,14 @@ bool Forecast::carryOutArray(std::size_t array) {
         // An array that cannot be has no room.
         const auto has = [&step](Cause cause) { return step.causes.count(cause) > 0; };
         if (!has(Cause::missing) && !has(Cause::level) && !has(Cause::tooFewDrives)) {
-            checkSize(step, sizeMb, roomOn(array, drive->raidLevel));
+            checkSize(step, sizeMb, roomOn(place, drive->raidLevel));
         }
         const auto room = static_cast<std::int64_t>(step.roomMb);
         if (!finish(std::move(step))) {
             return false;
         }
         taken_.insert(members.begin(), members.end());
-        made_.push_back({array, drive->raidLevel, sizeMb == sizeFill ? room : sizeMb});
+        made_.push_back({place, drive->raidLevel, sizeMb == sizeFill ? room : sizeMb});
         if (!isUtility("QTCSEND")) {
             break; // MEGACLI gets a command for the first one alone, the others have one each
         }
@@ -305,7 +344,7 @@ void Forecast::noteDeviations(std::size_t array, const Places& members) {
 std::int64_t Forecast::restFor(std::size_t array, const LogicalDrive& drive) const {
     const RaidArray& members = plan().arrays().at(array);
     const auto part = [&members](const LogicalDrive& each) {
-        return static_cast<double>(usableFraction(each.raidLevel, members.drives().size()));
+        return static_cast<double>(partOf(each.raidLevel, members.drives().size()));
     };
     auto leftMb = static_cast<double>(members.capacityMb);
     for (const LogicalDrive* other : drivesOn(array)) {
@@ -332,6 +371,8 @@ bool Forecast::carryOutHotspares() {
         }
         return true;
     }
+    // Its command names hot spares in an enclosure, always.
+    const bool lost = isUtility("MEGACLI") && !places.empty() && machine_.drives.front().group == 0;
     std::vector<Places> commands;
     if (isUtility("MEGACLI") && !places.empty()) {
         commands.push_back(places);
@@ -340,8 +381,12 @@ bool Forecast::carryOutHotspares() {
             commands.push_back({place});
         }
     }
-    return std::all_of(commands.begin(), commands.end(), [this](const Places& command) {
+    return std::all_of(commands.begin(), commands.end(), [this, lost](const Places& command) {
         Step step;
+        if (lost) {
+            step.causes.insert(Cause::missing);
+            return finish(std::move(step));
+        }
         checkPlaces(command, step.causes);
         if (spares_.size() + command.size() > limitsOf(family_.utility).hotspares) {
             step.causes.insert(Cause::tooManyHotspares);

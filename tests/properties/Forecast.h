@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -32,6 +33,7 @@ class Forecast {
         const LogicalDrive* drive = nullptr; ///< null: hot spares
         std::size_t array = 0;
         bool first = true;    ///< of its array
+        bool shared = false;  ///< of exactly the drives of an array that is there already
         bool leftOut = false; ///< an odd member of RAID 10, which MEGACLI takes in pairs
         double roomMb = 0;
         std::set<Cause> causes; ///< empty: the machine accepts
@@ -65,6 +67,8 @@ class Forecast {
     void carryOut();
     bool carryOutArray(std::size_t array);
     bool carryOutHotspares();
+    [[nodiscard]] std::optional<std::size_t> sharedArray(std::int32_t level,
+                                                         const Places& members) const;
     bool finish(Step step);
     void noteDeviations(std::size_t array, const Places& members);
     void checkPlaces(const Places& places, std::set<Cause>& causes) const;
@@ -89,6 +93,7 @@ class Forecast {
     std::vector<Step> steps_;
     std::set<Place> taken_;
     std::vector<Places> arrays_;
+    std::vector<std::vector<std::set<Place>>> spans_; ///< of each of them
     std::vector<Made> made_;
     std::set<Place> spares_;
     std::set<std::string> deviations_;

@@ -8,6 +8,7 @@
 #include <numeric>
 #include <ostream>
 #include <random>
+#include <set>
 
 namespace zolex::properties {
 
@@ -136,11 +137,20 @@ class PolicyWriter {
 
     void writeArrays() {
         std::string lines;
+        std::string last;
         const int wanted = *number(1, static_cast<int>(context_.mostArrays));
         while (static_cast<int>(arrays_.size()) < wanted) {
-            const std::string name = level(false);
-            const std::string drives = context_.wild && oneIn(2) ? wildList(6) : listFor(name);
-            const bool all = drives.empty() || oneIn(12);
+            const bool again = context_.repeats && !last.empty() && oneIn(3);
+            const std::string name = again ? arrays_.back() : level(false);
+            const std::string drives = again                       ? last
+                                       : context_.wild && oneIn(2) ? wildList(6)
+                                                                   : listFor(name);
+            if (again) {
+                repeated_.insert(arrays_.size() - 1);
+                repeated_.insert(arrays_.size());
+            }
+            const bool all = drives.empty() || (!again && oneIn(12));
+            last = drives;
             if (drives.empty() && !(context_.wild && oneIn(2))) {
                 break;
             }
@@ -193,7 +203,9 @@ class PolicyWriter {
                                   shared ? (i > 1      ? "33%"
                                             : oneIn(2) ? "FILL"
                                                        : "20%")
-                                         : size(),
+                                  : repeated_.count(array) > 0 && !(context_.wild && oneIn(2))
+                                      ? std::to_string(*number(20, 33)) + "%"
+                                      : size(),
                                   name);
             }
         }
@@ -212,6 +224,7 @@ class PolicyWriter {
     const PolicyContext& context_;
     std::vector<int> free_;
     std::vector<std::string> arrays_; ///< the level that each is meant for
+    std::set<std::size_t> repeated_;  ///< those that share their drives
     int logicalDrives_ = 0;
     std::string text_;
     std::string entries_;

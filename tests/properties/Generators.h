@@ -73,6 +73,7 @@ struct PolicyContext {
     /// of any number of MB.
     bool wild = false;
     bool several = false;    ///< several logical drives on an array
+    bool repeats = false;    ///< arrays of the drives of the array before, with room for both
     std::vector<int> nearMb; ///< numbers of MB that a size can be close to
     std::size_t mostArrays = 4;
     bool custom = true; ///< custom arrays and logical drives, besides automatic ones

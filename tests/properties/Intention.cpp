@@ -1,5 +1,7 @@
 #include "properties/Intention.h"
 
+#include "properties/Limits.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -98,6 +100,9 @@ bool Intention::create(std::size_t array, const LogicalDrive& drive) {
                                                                       : WritePolicy::writeThrough;
         }
     }
+    if (const auto shared = isUtility("MEGACLI") ? target_.arrayOf(request.spans) : std::nullopt) {
+        return creation(addLogicalDrive(target_, *shared, request));
+    }
     return creation(createLogicalDrive(target_, request));
 }
 
@@ -107,7 +112,7 @@ bool Intention::addOnArray(std::size_t array, const LogicalDrive& drive) {
     }
     const RaidArray& members = plan().arrays()[array];
     const auto part = [&members](const LogicalDrive& each) {
-        return static_cast<double>(usableFraction(each.raidLevel, members.drives().size()));
+        return static_cast<double>(partOf(each.raidLevel, members.drives().size()));
     };
     zolex_sim::NewLogicalDrive request;
     request.level = *levelOf(drive);
@@ -145,6 +150,10 @@ bool Intention::carryOutHotspares() {
     std::vector<DriveLocation> locations;
     for (const Hotspare& hotspare : plan().hotspares()) {
         locations.push_back(locate(hotspare.channelNumber, hotspare.id));
+        if (isUtility("MEGACLI")) {
+            // Its command names an enclosure, always.
+            locations.back().enclosure = planned_.targetId(hotspare.channelNumber, hotspare.id);
+        }
     }
     if (isUtility("MEGACLI")) {
         return locations.empty() || steps_ == mostSteps_ || creation(addSpares(target_, locations));

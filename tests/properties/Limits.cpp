@@ -22,7 +22,7 @@ constexpr int kindNumber(RefusalKind kind) {
     return static_cast<int>(kind);
 }
 // clang-format off
-constexpr std::array<CauseRow, 24> causeRows{{
+constexpr std::array<CauseRow, 25> causeRows{{
     {Cause::none,                     byGenerator, ""},
     {Cause::noArray,                  byGenerator, "no array"},
     {Cause::arrayWithoutLogicalDrive, byGenerator, "an array without logical drive"},
@@ -44,6 +44,7 @@ constexpr std::array<CauseRow, 24> causeRows{{
     {Cause::size,                     kindNumber(RefusalKind::badSize), "more MB than the array has"},
     {Cause::sizeOfLeftOut,            kindNumber(RefusalKind::badSize), "a size that counts the odd drive of RAID 10"},
     {Cause::sizeOfFurther,            kindNumber(RefusalKind::badSize), "a further logical drive without room"},
+    {Cause::sizeOfShared,             kindNumber(RefusalKind::badSize), "more MB than the array has left that is listed again"},
     {Cause::tooManyLogicalDrives,     kindNumber(RefusalKind::tooMany), "more logical drives than the controller takes"},
     {Cause::tooManyHotspares,         kindNumber(RefusalKind::tooMany), "more hot spares than the controller takes"},
     {Cause::notAlone,                 kindNumber(RefusalKind::tooMany), "5E or 5EE beside another logical drive"},
@@ -113,6 +114,15 @@ const LevelShape* shapeOf(std::int32_t level) {
         std::find_if(levelShapes.begin(), levelShapes.end(),
                      [level](const LevelShape& shape) { return shape.level == level; });
     return found == levelShapes.end() ? nullptr : found;
+}
+
+float partOf(std::int32_t level, std::size_t drives) {
+    const LevelShape* const shape = shapeOf(level);
+    if (shape == nullptr || shape->lost == 0) {
+        return 1;
+    }
+    const auto all = static_cast<float>(drives);
+    return shape->lost == LevelShape::halved ? 0.5F : (all - static_cast<float>(shape->lost)) / all;
 }
 
 } // namespace zolex::properties

@@ -34,6 +34,7 @@ enum class Cause : std::uint8_t {
     size,
     sizeOfLeftOut,
     sizeOfFurther,
+    sizeOfShared,
     tooManyLogicalDrives,
     tooManyHotspares,
     notAlone,
@@ -66,5 +67,9 @@ struct LevelShape {
 };
 /// Null for what is no level of a logical drive.
 const LevelShape* shapeOf(std::int32_t level);
+
+/// The part of an array's room that logical drives of this level can hold, in single precision as
+/// plans have it; all of it for what is no level.
+float partOf(std::int32_t level, std::size_t drives);
 
 } // namespace zolex::properties

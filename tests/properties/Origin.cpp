@@ -159,6 +159,13 @@ bool Origin::explains(Cause cause, const Forecast::Step& step) const {
     case Cause::foreign:
         // By takesOnlyWhatIsFreeOrListed().
         return true;
+    case Cause::missing:
+        // The command names hot spares in an enclosure where the controller has none.
+        return step.drive == nullptr && planned_.type() == controller_type::megaRaid &&
+               !planned_.channelReassignment();
+    case Cause::sizeOfShared:
+        // By repeatsOnlyWhatIsListed().
+        return isListed(step.array);
     case Cause::tooFewDrives:
         // HYPERWIN has one drive only, and the list has it twice, or as a hot spare too.
         return planned_.type() == controller_type::lsiIde && planned_.numberOfDrives() == 1 &&
@@ -186,7 +193,7 @@ bool Origin::explains(Cause cause, const Forecast::Step& step) const {
 
 double Origin::usableMb(const LogicalDrive& drive) const {
     const RaidArray& array = plan_.arrays().at(static_cast<std::size_t>(drive.arrayIndex));
-    return static_cast<double>(usableFraction(drive.raidLevel, array.drives().size())) *
+    return static_cast<double>(partOf(drive.raidLevel, array.drives().size())) *
            static_cast<double>(array.capacityMb);
 }
 

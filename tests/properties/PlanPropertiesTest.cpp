@@ -1,4 +1,5 @@
 #include "properties/Generators.h"
+#include "properties/Limits.h"
 #include "properties/Property.h"
 
 #include <algorithm>
@@ -379,6 +380,75 @@ TEST(PlanProperties, ANumberOfMbThatFitsStaysAndNoneIsPlannedThatTheRestEquals) 
             RC_ASSERT(drive.sizeMb == (std::abs(rest) < 139 ? sizeFill : defaults->sizeMb));
         }
     });
+}
+
+/// What the policy asks of the array, in the order in which it is planned.
+std::vector<std::int32_t> sizesAsked(const Policy& policy, std::size_t array) {
+    std::vector<std::int32_t> sizes;
+    if (!policy.customLogicalDrives) {
+        return {policy.logicalDefaults ? policy.logicalDefaults->sizeMb : sizeFill};
+    }
+    for (const LogicalSpecification& drive : policy.logicalDrives) {
+        if (static_cast<std::size_t>(drive.arrayIndex) == array) {
+            sizes.push_back(drive.sizeMb);
+        }
+    }
+    return sizes;
+}
+
+/// The room of an array by the drives that it is made of.
+double roomOf(const ControllerSpec& spec, const RaidArray& array) {
+    double smallest = 0;
+    for (const DrivePosition& member : array.drives()) {
+        for (const DriveSpec& drive : spec.drives) {
+            if (drive.channel == member.channel && drive.id == member.id) {
+                smallest = smallest == 0 ? drive.sizeMb : std::min<double>(smallest, drive.sizeMb);
+            }
+        }
+    }
+    return smallest * static_cast<double>(array.drives().size());
+}
+
+TEST(PlanProperties, EachSizeIsThatOfThePolicyOrTheRestOfItsArray) {
+    checkProperty(
+        {{"planned", 20}, {"percentage", 4}, {"number of MB", 4}, {"rest", 15}}, [](Tally& tally) {
+            constexpr double closeMb = 139;
+            const Planned planned = planAny(Mode::any);
+            if (!tallyPlan(tally, planned)) {
+                return;
+            }
+            const RAIDConfiguration& plan = *planned.plan();
+            for (std::size_t i = 0; i < plan.arrays().size(); ++i) {
+                const RaidArray& array = plan.arrays()[i];
+                const std::vector<std::int32_t> asked = sizesAsked(planned.policy, i);
+                double left = roomOf(planned.spec, array);
+                std::size_t k = 0;
+                for (const LogicalDrive& drive : plan.logicalDrives()) {
+                    if (static_cast<std::size_t>(drive.arrayIndex) != i) {
+                        continue;
+                    }
+                    const auto part =
+                        static_cast<double>(partOf(drive.raidLevel, array.drives().size()));
+                    const std::int32_t entry = asked.at(k++);
+                    const double size =
+                        entry > 0 ? entry : roomOf(planned.spec, array) * part * -entry / 100;
+                    const double rest = std::abs(left * part - size);
+                    const double precision = 1 + size * 1e-6;
+                    if (entry == sizeFill) {
+                        tally.count("rest");
+                        RC_ASSERT(drive.sizeMb == sizeFill);
+                    } else if (rest > closeMb + precision && size < 2e9) {
+                        tally.count(entry > 0 ? "number of MB" : "percentage");
+                        RC_ASSERT(std::abs(drive.sizeMb - size) <= precision);
+                    } else if (rest < closeMb - precision) {
+                        tally.count("close to the rest");
+                        RC_ASSERT(drive.sizeMb == sizeFill);
+                    }
+                    left = drive.sizeMb == sizeFill ? 0 : left - drive.sizeMb / part;
+                }
+                RC_ASSERT(k == asked.size());
+            }
+        });
 }
 
 TEST(PlanProperties, PlanningTwiceGivesTheSamePlan) {

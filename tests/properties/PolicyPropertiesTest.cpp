@@ -1,6 +1,7 @@
 #include "inventory/ControllerList.h"
 #include "policies/PolicyGenerator.h"
 #include "properties/Generators.h"
+#include "properties/Limits.h"
 #include "properties/Property.h"
 
 #include <algorithm>
@@ -66,9 +67,8 @@ std::unique_ptr<RAIDConfiguration> asCaptured(const RAIDController& controller,
     for (LogicalDrive drive : plan.logicalDrives()) {
         const RaidArray& array = plan.arrays().at(static_cast<std::size_t>(drive.arrayIndex));
         if (withSizes && drive.sizeMb == sizeFill && drivesOn(plan, drive.arrayIndex) == 1) {
-            const double mb =
-                static_cast<double>(array.capacityMb) *
-                static_cast<double>(usableFraction(drive.raidLevel, array.driveCount()));
+            const double mb = static_cast<double>(array.capacityMb) *
+                              static_cast<double>(partOf(drive.raidLevel, array.driveCount()));
             drive.sizeMb = mb >= 1 && mb < 2e9 ? static_cast<std::int32_t>(mb) : sizeFill;
         }
         captured->addLogicalDrive(drive);

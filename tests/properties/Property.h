@@ -18,29 +18,46 @@ class Tally {
   public:
     /// One more case; all cases are counted.
     void begin() { ++cases_; }
-    /// The case at hand is one of these.
-    void count(const std::string& kind) { ++kinds_[kind]; }
+    /// The current case holds one of these. A case that holds several is one case of them.
+    void count(const std::string& kind) {
+        Count& found = kinds_[kind];
+        ++found.times;
+        if (found.latest != cases_) {
+            found.latest = cases_;
+            ++found.cases;
+        }
+    }
 
+    /// Cases of this kind.
+    [[nodiscard]] int casesOf(const std::string& kind) const {
+        const auto found = kinds_.find(kind);
+        return found == kinds_.end() ? 0 : found->second.cases;
+    }
     /// At least `percent` of the cases are of this kind.
     void expectShare(const std::string& kind, double percent) const {
-        EXPECT_GE(100.0 * kinds(kind), percent * cases_)
-            << kind << ": " << kinds(kind) << " of " << cases_ << " cases";
+        EXPECT_GE(100.0 * casesOf(kind), percent * cases_)
+            << kind << ": " << casesOf(kind) << " of " << cases_ << " cases";
     }
 
     void print(std::ostream& out) const {
-        for (const auto& [kind, number] : kinds_) {
-            out << "  " << kind << ": " << number << " of " << cases_ << "\n";
+        for (const auto& [kind, found] : kinds_) {
+            out << "  " << kind << ": " << found.cases << " of " << cases_;
+            if (found.times > found.cases) {
+                out << ", " << found.times << " times";
+            }
+            out << "\n";
         }
     }
 
   private:
-    [[nodiscard]] int kinds(const std::string& kind) const {
-        const auto found = kinds_.find(kind);
-        return found == kinds_.end() ? 0 : found->second;
-    }
+    struct Count {
+        int cases = 0;
+        int times = 0;
+        int latest = 0; ///< number of the case that was counted last
+    };
 
     int cases_ = 0;
-    std::map<std::string, int> kinds_;
+    std::map<std::string, Count> kinds_;
 };
 
 /// Share of the cases, in percent, that a kind must have.

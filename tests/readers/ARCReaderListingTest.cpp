@@ -239,6 +239,46 @@ TEST(ARCReader, BothFormsGiveTheSameArraysAndLogicalDrives) {
     }
 }
 
+// The logical drives of a server with an expander were captured onto other drives.
+TEST(ARCReader, AnExpandersListingGivesWhatAPersonReadsInIt) {
+    const std::string text = readTestData("arcconf-getconfig-expander.txt");
+    const ListingResult result = readListing(arcconf, text);
+    EXPECT_EQ(result.summary(), "true d=6 a=2 l=2 s=0");
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.lines.front(), "controller subtype=2 slot=2 bios=5.2-0 (18000) "
+                                    "firmware=5.2-0 (18000) driver=1.2-1 (40000)");
+    EXPECT_EQ(result.of("drive").front(),
+              "1:8 140014 [1:8 140014] NV9A0008 Online/GOOD in Enclosure 0, Slot 1");
+    EXPECT_EQ(result.of("array"), (Lines{"A: 1:9 1:8", "B: 1:12 1:11 1:10"}));
+    EXPECT_EQ(result.of("logical"), (Lines{"level=1 size=139889 array=0 cache=2 Okay/GOOD",
+                                           "level=3 size=279900 array=1 cache=2 Okay/GOOD"}));
+    EXPECT_EQ(result.of("settings"), Lines{"rebuild=0 readahead=1 stripe=5"});
+    expectSameWithCrLf(arcconf, text);
+    // The logical drives are known wherever the drives break off; who is meant is not.
+    EXPECT_EQ(readListing(arcconf, text.substr(0, text.find("Device #3"))).of("array"),
+              (Lines{"A: 1:9 1:8", "B: 1:2 1:3 1:10"}));
+    EXPECT_EQ(readListing(drivesOnly, text).summary(), "true d=6 a=0 l=0 s=0");
+}
+
+TEST(ARCReader, ANewerListingGivesWhatAPersonReadsInIt) {
+    const std::string text = readTestData("arcconf-getconfig-newer.txt");
+    const ListingResult result = readListing(arcconf, text);
+    EXPECT_EQ(result.summary(), "true d=4 a=2 l=2 s=0");
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.of("drive").back(),
+              "1:7 140014 [1:7 140014] NV9B0007 Online/GOOD in Connector 1, Device 1");
+    EXPECT_EQ(result.of("array"), (Lines{"A: 1:5 1:4", "B: 1:7 1:6"}));
+    EXPECT_EQ(result.of("logical"), (Lines{"level=1 size=139889 array=0 cache=2 Okay/GOOD",
+                                           "level=0 size=279900 array=1 cache=0 Okay/GOOD"}));
+    EXPECT_EQ(result.of("settings"), Lines{"rebuild=0 readahead=2 stripe=5"});
+    expectSameWithCrLf(arcconf, text);
+    // With automatic failover the same members stand there.
+    const std::string inSegmentForm = replaced(text, "   Copyback",
+                                               "   Automatic Failover : "
+                                               "Enabled\n   Copyback");
+    EXPECT_EQ(readListing(arcconf, inSegmentForm).lines, result.lines);
+}
+
 TEST(ARCReader, TheNumberOfLogicalDrivesIsNoted) {
     FakePlatform platform;
     Application application(platform);

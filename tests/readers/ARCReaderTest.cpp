@@ -190,6 +190,38 @@ TEST(ARCReader, ReadCacheModes) {
     }
 }
 
+// Newer listings tell the setting; the word of a setting that is not known leaves what was read
+// before, where that of a mode fails the read.
+TEST(ARCReader, ReadCacheSettings) {
+    const std::vector<std::pair<std::string, std::string>> settings = {
+        {"   Read-cache setting : Enabled\n", "1"},
+        {"   Read-cache setting : Disabled\n", "2"},
+        {"   Read-cache setting : Adaptive\n", "0"},
+        {"   Read-cache setting : \n", "0"},
+        {"   Read-cache setting : Disabled\n   Read-cache setting : Not applicable\n", "2"},
+        {"   Read-cache mode : Enabled\n   Read-cache setting : disabled\n", "1"}};
+    for (const auto& [lines, code] : settings) {
+        const ListingResult result = readListing(arcconf, plainListing(logicalDrive(lines)));
+        EXPECT_TRUE(result.read) << lines;
+        EXPECT_EQ(result.of("settings"), Lines{"rebuild=0 readahead=" + code + " stripe=10"})
+            << lines;
+        EXPECT_EQ(result.output, "") << lines;
+    }
+}
+
+// "Full Stripe Size : 512 KB" was taken for the size of the logical drive.
+TEST(ARCReader, SizesAndStatesOfOtherThings) {
+    EXPECT_EQ(logicalDriveOf("   Size : 1000 MB\n   Full Stripe Size : 512 KB\n"
+                             "   Stripe Size : 256 KB\n   Block Size : 512 Bytes\n"),
+              "level=-1 size=1000 array=0 cache=2");
+    const std::string device =
+        replaced(disk("0,0", "Hot Spare"), "         PFA",
+                 "         Stripe Size of State : Online\n         Block Size State : Online\n"
+                 "         Power State Size : 7 MB\n         PFA");
+    const ListingResult result = readListing(arcconf, plainListing(logicalDrive(""), device));
+    EXPECT_EQ(result.of("drive"), Lines{"1:0 70006 [1:0 70006] Hot Spare/GOOD"});
+}
+
 TEST(ARCReader, WriteCacheModes) {
     const std::vector<std::pair<std::string, std::string>> modes = {
         {"   Write-cache mode : Enabled (write-back)\n", "2"},
@@ -197,7 +229,9 @@ TEST(ARCReader, WriteCacheModes) {
         {"   Write-cache mode : disabled\n", "2"},
         {"   Write-cache mode : \n", "2"},
         {"", "2"},
-        {"   Write-cache setting : Disabled\n", "2"}};
+        {"   Write-cache setting : Disabled (write-through)\n", "0"},
+        {"   Write-cache setting : Enabled (write-back) when protected by battery\n", "2"},
+        {"   Write-cache status : Disabled\n", "2"}};
     for (const auto& [line, code] : modes) {
         const std::string expected = "level=-1 size=-101 array=0 cache=" + code;
         EXPECT_EQ(logicalDriveOf(line), expected) << line;
@@ -278,6 +312,94 @@ TEST(ARCReader, MembersOfSegments) {
             const ListingResult result = readListing(arcconf, listing(info, drives, ""));
             EXPECT_EQ(result.of("array"), Lines{"A: 1:0" + member + " 1:35"}) << value;
             EXPECT_EQ(result.of("logical"), Lines{"level=-1 size=-101 array=0 cache=2"});
+        }
+    }
+}
+
+/// A disk of this position and reported location.
+std::string diskAt(const std::string& position, const std::string& location) {
+    return replaced(disk(position), "         PFA",
+                    "         Reported Location : " + location + "\n         PFA");
+}
+
+// Drives behind an expander have a device number unlike their slot: the members of a logical drive
+// were taken for the drives whose device number was the slot.
+TEST(ARCReader, SegmentsNameDrivesByTheirReportedLocation) {
+    const std::string devices =
+        diskAt("0,8", "Enclosure 0, Slot 3") + diskAt("0,9", "Enclosure 0, Slot 30") +
+        diskAt("1,10", "Enclosure 1, Slot 3(Connector 0)") +
+        diskAt("0,11", "Connector 0, Device 3") + diskAt("0,12", "Connector 1 near Device 3") +
+        diskAt("0,13", "Direct Attached, Slot 5") + diskAt("0,14", "Enclosure 0, Slot 3") +
+        diskAt("0,36", "Enclosure 3, Slot 1") +
+        replaced(diskAt("0,15", "Enclosure 0, Slot 9"), "a Hard drive", "an Enclosure");
+    // Columns: the value of a segment line, the member it adds.
+    const std::vector<std::pair<std::string, std::string>> values = {
+        {"Present (Controller:1,Enclosure:0,Slot:3) SN", " 1:8"},
+        {"Present (Controller:1,Enclosure:0,Slot:30) SN", " 1:9"},
+        {"Present (140014MB, SAS, HDD, Enclosure:1, Slot:3) SN", " 2:10"},
+        {"Rebuilding (Controller:1,Connector:0,Device:3)", " 1:11"},
+        {"Present (Controller:1,Connector:1,Device:3)", " 1:12"},
+        // No drive tells these locations.
+        {"Present (Controller:1,Enclosure:0,Slot:5)", " 1:5"},
+        {"Present (Controller:1,Enclosure:0,Slot:9)", " 1:9"},
+        {"Present (Controller:1,Enclosure:2,Slot:3)", " 3:3"},
+        {"Present (Controller:1,Connector:2,Device:4)", " 3:4"},
+        // A position is one as it stands.
+        {"Present (0,3)", " 1:3"},
+    };
+    for (const auto& [value, member] : values) {
+        const std::string drives = "Logical drive number 0\n   Logical drive segment information\n"
+                                   "   Segment 0 : Present (3,0) SN\n   Segment 1 : " +
+                                   value + "\n";
+        for (const std::string info : {"", failover}) {
+            const ListingResult result = readListing(arcconf, listing(info, drives, devices));
+            EXPECT_EQ(result.of("array"), Lines{"A: 4:0" + member}) << value;
+        }
+    }
+}
+
+// A drive that cannot be stored is still the one that a segment names: no other takes its place.
+TEST(ARCReader, AMemberOutOfRangeIsNotReplacedByAnotherDrive) {
+    const std::string drives = "Logical drive number 0\n   Logical drive segment information\n"
+                               "   Segment 0 : Present (Controller:1,Enclosure:0,Slot:0)\n"
+                               "   Segment 1 : Present (Controller:1,Enclosure:0,Slot:1)\n";
+    const std::string error = "\n#### ERROR\n\tDrive position out of range for controller "
+                              "Kestrix-B1:  channel=1, id=40\n\n";
+    const ListingResult result =
+        readListing(arcconf, listing(failover, drives,
+                                     diskAt("0,40", "Enclosure 0, Slot 0") +
+                                         diskAt("0,0", "Enclosure 0, Slot 1")));
+    EXPECT_EQ(result.of("array"), Lines{"A: 1:0"});
+    EXPECT_EQ(result.output, error + error);
+}
+
+TEST(ARCReader, PresentDevicesAreSegments) {
+    // Columns: a line among the segments, the member it adds.
+    const std::vector<std::pair<std::string, std::string>> lines = {
+        {"Device 1 : Present (0,3) SN", " 1:3"},
+        {"   Device 12       : Present (Controller:1,Enclosure:1,Slot:4) SN", " 2:4"},
+        {"Device 1 : Missing (0,3)", ""},
+        {"Device 1 : Present", ""},
+        {"Device 1", ""},
+        {"Device one : Present (0,3)", ""},
+        {"Device : Present (0,3)", ""},
+        {"Devices 1 : Present (0,3)", ""},
+        {"Hot-Spare Device 1 : Present (0,3)", ""},
+    };
+    for (const auto& [line, member] : lines) {
+        const std::string heading = "Logical drive number 0\n";
+        const std::string segments = "   Logical drive segment information\n"
+                                     "   Device 0 : Present (0,1)\n" +
+                                     line + "\n";
+        for (const std::string info : {"", failover}) {
+            EXPECT_EQ(readListing(arcconf, listing(info, heading + segments, "")).of("array"),
+                      Lines{"A: 1:1" + member})
+                << line;
+            // Before the heading of the segments they are nothing.
+            EXPECT_EQ(readListing(arcconf, listing(info, heading + line + "\n" + segments, ""))
+                          .of("array"),
+                      Lines{"A: 1:1" + member})
+                << line;
         }
     }
 }
@@ -375,6 +497,16 @@ TEST(ARCReader, OtherSpellings) {
     ListingOptions hrconf = arcconf;
     hrconf.type = controller_type::hrconf3;
     EXPECT_EQ(readListing(hrconf, text).summary(), "true d=1 a=0 l=0 s=0");
+}
+
+TEST(ARCReader, KeysThatBeginALogicalDrive) {
+    for (const std::string key :
+         {"Logical drive number 0", "Logical device number 0", "Logical Device number 0",
+          "Logical drive Number 0", "Logical device Number 0", "Logical Device Number 0"}) {
+        const std::string drives =
+            key + "\n   Channel,Device : 0,0\n" + key + "\n   Channel,Device : 0,1\n";
+        EXPECT_EQ(readListing(arcconf, plainListing(drives)).of("logical").size(), 2U) << key;
+    }
 }
 
 TEST(ARCReader, VersionLinesOfTheLogicalDriveSectionAreNotRead) {

@@ -307,6 +307,13 @@ TEST(HRReader, KeysAndHeadings) {
               "level=-1 size=500 array=0 cache=2");
 }
 
+TEST(HRReader, ALineWithBothStateAndSizeIsAStateLine) {
+    const std::string both = "         Size State                         : Ready\n         PFA";
+    EXPECT_EQ(
+        readListing(hrconf, listing("", replaced(disk("0,0"), "         PFA", both))).of("drive"),
+        Lines{"1:0 70006 [1:0 70006] SN0,0 Ready/GOOD"});
+}
+
 TEST(HRReader, BlocksThatAreNoDiskAreNotStored) {
     for (const std::string kind : {"an Enclosure services device", "a hard drive", "a CD-ROM"}) {
         const std::string block = replaced(disk("0,0"), "a Hard drive", kind);

@@ -130,6 +130,12 @@ TEST(KXReader, WhatALineOfABlockHasToldStands) {
               Lines{scsiDrive10});
 }
 
+TEST(KXReader, ALineWithBothStateAndSizeIsAStateLine) {
+    const std::string block = "Channel #1\n" + scsiDrive("0");
+    EXPECT_EQ(drivesOf(qtcsend, replaced(block, "Serial", "Size State : Ready (RDY)\nSerial")),
+              Lines{"1:0 17357 t0 [1:0 17357] SN0 Ready (RDY)/GOOD"});
+}
+
 TEST(KXReader, ADriveWithoutAPositionFailsTheRead) {
     struct Case {
         ListingOptions options;

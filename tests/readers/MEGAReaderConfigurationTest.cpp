@@ -305,7 +305,55 @@ TEST_F(MEGAReaderConfigurationTest, AMemberOutOfRangeIsNamed) {
     read(configurationListing({disk}), "");
     EXPECT_EQ(layout(), "none");
     EXPECT_EQ(takeOutput(), "\n#### ERROR\n\tDrive position out of range for controller "
-                            "LSI-MegaRAID-8480:  channel=1, id=40\n\n");
+                            "LSI-MegaRAID-8480:  channel=1, id=40\n\n" +
+                                std::string(missingDrives));
+}
+
+// A configuration with a missing member was dropped without a word.
+TEST_F(MEGAReaderConfigurationTest, MissingMembersAreNamed) {
+    VdText good;
+    good.spans = {drivesOf("32", 0, 2)};
+    VdText other = good;
+    other.spans = {drivesOf("32", 2, 2), drivesOf("32", 4, 2)};
+    const std::string two = configurationListing({good, other});
+    const auto replaced = [&two](const std::string& what, const std::string& by,
+                                 std::size_t from = 0) {
+        std::string text = two;
+        return text.replace(text.find(what, from), what.size(), by);
+    };
+    const std::size_t second = two.find("Virtual Disk: 1");
+    const struct {
+        const char* fault;
+        std::string listing;
+        bool missing;
+    } rows[] = {
+        {"fewer than the first says", replaced("Number of PDs: 2", "Number of PDs: 3"), true},
+        {"fewer than the second says", replaced("Number of PDs: 2", "Number of PDs: 3", second),
+         true},
+        {"fewer than the whole says", replaced("Number Of Drives:2", "Number Of Drives: 3"), true},
+        {"blanks before the colon", replaced("Number Of Drives:2", "Number Of Drives    : 3"),
+         true},
+        {"fewer than all spans say",
+         replaced("Number Of Drives:2", "Number Of Drives per span:3", second), true},
+        {"no member", configurationListing({VdText()}), true},
+        {"a member without slot", replaced("Slot Number: 1", "Slot: 1"), true},
+        {"a level without code", replaced("Primary-1", "Primary-3"), false},
+        {"more announced than listed", replaced("Disks: 2", "Disks: 3"), false},
+        {"no level", replaced("RAID Level: Primary-1, Secondary-0, RAID Level Qualifier-0", ""),
+         false},
+    };
+    for (const auto& row : rows) {
+        read(row.listing, driveListing(drivesOf("32", 0, 5)));
+        EXPECT_EQ(layout(), "none") << row.fault;
+        EXPECT_EQ(controller->numberOfDrives(), 5) << row.fault;
+        EXPECT_EQ(takeOutput(), row.missing ? missingDrives : "") << row.fault;
+    }
+    for (const std::string enough : {"Number Of Drives:1", "Number Of Drives per span:2"}) {
+        read(replaced("Number Of Drives:2", enough, second), "");
+        EXPECT_EQ(layout(), "A=1:0,1:1 B=1:2,1:3,1:4,1:5 1=A/69376/1/1/Optimal/GOOD "
+                            "2=B/69376/7/1/Optimal/GOOD stripe=3 ra=0");
+        EXPECT_EQ(takeOutput(), "");
+    }
 }
 
 TEST_F(MEGAReaderConfigurationTest, ListingsThatBreakOffBetweenSpansAreDropped) {

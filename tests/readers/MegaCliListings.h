@@ -56,6 +56,11 @@ std::string describeLayout(const RAIDController& controller);
 /// One entry for each drive: "1:0 69376 t32 Online GOOD SERIAL", with " used" behind it when it is.
 std::vector<std::string> describeDrives(const RAIDController& controller);
 
+/// What the reader prints about a logical drive with missing drives on a controller of subtype 1.
+inline constexpr const char* missingDrives =
+    "\n#### ERROR\n\tController LSI-MegaRAID-8480 has a logical drive with missing drives; its "
+    "configuration is not captured.\n\n";
+
 /// A MegaRAID controller and the application around it. The capture flag is set.
 class MEGAReaderFixture : public ::testing::Test {
   protected:

@@ -189,6 +189,72 @@ TEST(ConfListing, LaterGenerationWordsItInItsOwnWay) {
               "         Reported Location                  : Enclosure 3, Slot 7\n");
 }
 
+// Behind an expander members are told by enclosure and slot, which are unlike channel and device.
+TEST(ConfListing, ExpandersTellMembersByEnclosureAndSlot) {
+    const std::string fields = R"("expander": true, "automaticFailover": "Enabled",)";
+    for (const std::string generation : {"", R"("generation": "later",)"}) {
+        const std::string listing = mixedListing("ARCCONF", fields + generation);
+        EXPECT_EQ(excerpt(listing, "Segment 3", "-----"),
+                  "   Segment 3                                : Rebuilding "
+                  "(Controller:1,Enclosure:3,Slot:7) CC\n\n\n");
+        EXPECT_NE(listing.find("Reported Location                  : Enclosure 3, Slot 7\n"),
+                  std::string::npos);
+    }
+}
+
+TEST(ConfListing, NewestGenerationTellsSettingsAndDevices) {
+    const std::string newest = R"("generation": "newest",)";
+    const std::string listing = mixedListing("ARCCONF", newest);
+    EXPECT_EQ(excerpt(listing, "Logical Device information", "Logical Device Number 0"),
+              "Logical Device information\n"
+              "----------------------------------------------------------------------\n");
+    EXPECT_EQ(excerpt(listing, "Logical Device Number 1", "\n\n----"),
+              "Logical Device Number 1\n"
+              "   Logical Device name                      : second\n"
+              "   RAID level                               : 6 Reed-Solomon\n"
+              "   Status of Logical Device                 : Critical\n"
+              "   Size                                     : 1500 MB\n"
+              "   Stripe-unit size                         : 16 KB\n"
+              "   Full Stripe Size                         : 32 KB\n"
+              "   Read-cache setting                       : Disabled\n"
+              "   Read-cache status                        : Off\n"
+              "   Write-cache setting                      : Enabled (write-back)\n"
+              "   Write-cache status                       : On\n"
+              "   Partitioned                              : No\n"
+              "   Protected by Hot-Spare                   : No\n"
+              "   Bootable                                 : No\n"
+              "   Defunct stripes                          : Yes\n"
+              "   --------------------------------------------------------\n"
+              "   Logical Device segment information\n"
+              "   --------------------------------------------------------\n"
+              "   Device 0                                 : Present (1000MB, SAS, HDD, "
+              "Connector:0, Device:2) AA002\n"
+              "   Device 1                                 : Present (1000MB, SAS, HDD, "
+              "Connector:0, Device:3) AA003\n"
+              "   Device 2                                 : Missing\n"
+              "   Device 3                                 : Present (1000MB, SAS, HDD, "
+              "Connector:3, Device:7) CC\n\n");
+    EXPECT_EQ(excerpt(listing, ": 1,12(12:0)", "         Vendor"),
+              "         Reported Channel,Device(T:L)       : 1,12(12:0)\n"
+              "         Reported Location                  : Connector 3, Device 7\n");
+    EXPECT_EQ(excerpt(listing, "Block Size", "         PFA"),
+              "         Block Size                         : 512 Bytes\n"
+              "         Size                               : 1000 MB\n"
+              "         Write Cache                        : Disabled (write-through)\n"
+              "         FRU                                : None\n"
+              "         Power State                        : Full rpm\n");
+    const std::string behind = mixedListing("ARCCONF", newest + R"("expander": true,)");
+    EXPECT_EQ(excerpt(behind, "Enclosure:3", "\n\n----"),
+              "   Device 3                                 : Present (1000MB, SAS, HDD, "
+              "Enclosure:3, Slot:7) CC\n\n");
+    EXPECT_NE(behind.find("Reported Location                  : Enclosure 3, Slot 7\n"),
+              std::string::npos);
+    Server empty = ConfServer{"ARCCONF", sampleDrives, newest}.server();
+    EXPECT_NE(
+        playLine(empty, "ARCCONF GETCONFIG 1 AL").output.find("\nNo logical devices configured\n"),
+        std::string::npos);
+}
+
 TEST(ConfListing, PlacesOfMembersTellTheControllersNumber) {
     const char* controller = R"({"utility": "ARCCONF", "model": "M", "generation": "later",
         "automaticFailover": "Enabled",

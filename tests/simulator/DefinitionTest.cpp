@@ -130,6 +130,8 @@ TEST(Definition, FaultsNameTheField) {
          "otherDevices[0].bus: must be a whole number from 0 to 255"},
         {withController(R"("generation": "middle")"),
          "controllers[0].generation: unknown word \"middle\""},
+        {withController(R"("generation": "newest")"),
+         "controllers[0].generation: only ARCCONF has the newest"},
         {withController(R"("drives": [])"), "controllers[0].pci: is missing"},
         {withController(R"("pci": {"bus": 1})"), "controllers[0].pci.device: is missing"},
         {withController(R"("pci": {"bus": 1, "device": 1, "vendorId": "1000h", "deviceId": 1})"),

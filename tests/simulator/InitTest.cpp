@@ -51,9 +51,10 @@ TEST_F(Init, LaysOutAFolderOnPosix) {
         names.push_back(entry.path().filename().string());
     }
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{
-                         "UTIL.BAT", "contlist.ini", "fakeraid", "hwdetect.exe", "pci", "pci.reg",
-                         "sample-policies.ini", "server.json", "state.json", "zolex-sim"}));
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"UTIL.BAT", "contlist.ini", "fakeraid", "hwdetect.exe",
+                                        "pci", "pci-remove.reg", "pci.reg", "sample-policies.ini",
+                                        "server.json", "state.json", "zolex-sim"}));
     EXPECT_EQ(read("server.json"), samples().front().definition);
     EXPECT_EQ(read("zolex-sim"), "the program's bytes");
     EXPECT_EQ(read("pci/0000:02:0e.0/vendor"), "0x1000\n");
@@ -93,9 +94,40 @@ TEST_F(Init, LaysOutAFolderForWindows) {
         EXPECT_EQ(read(program), "the program's bytes") << program;
         EXPECT_FALSE(fs::is_symlink(fs::path(place()) / program));
     }
-    EXPECT_FALSE(exists("pci"));
+    EXPECT_EQ(read("pci/0000-06-00.0/vendor"), "0x1000\n");
+    EXPECT_EQ(read("pci/0000-06-00.0/class"), "0x010400\n");
     EXPECT_TRUE(exists("pci.reg"));
-    EXPECT_NE(result.output.find("regedit /s pci.reg"), std::string::npos);
+    EXPECT_TRUE(exists("pci-remove.reg"));
+    std::string canonical = fs::canonical(place()).make_preferred().string();
+    EXPECT_EQ(result.output.substr(result.output.find('\n') + 1),
+              "To run zolex on it:\n  cd /d \"" + canonical + "\"\n  set \"ZOLEX_PCI_ROOT=" +
+                  canonical + "\\pci\"\n  ZOLEX /f:sample-policies.ini\n");
+}
+
+TEST_F(Init, ZolexIsCalledByItsPathWhereItStandsWithTheSimulator) {
+    const auto lastLine = [this](Target target) {
+        const std::string output = init({place()}, target).output;
+        return output.substr(output.rfind("\n  ") + 1);
+    };
+    const fs::path folder = parent_.path();
+    fs::create_directory(folder / "ZOLEX.EXE"); // a folder is no program
+    EXPECT_EQ(lastLine(Target::windows), "  ZOLEX /f:sample-policies.ini\n");
+    fs::remove(folder / "ZOLEX.EXE");
+    parent_.write("ZOLEX.EXE", "");
+    EXPECT_EQ(lastLine(Target::windows),
+              "  \"" + (folder / "ZOLEX.EXE").string() + "\" /f:sample-policies.ini\n");
+    fs::remove(folder / "ZOLEX.EXE");
+    parent_.write("zolex", "");
+    EXPECT_EQ(lastLine(Target::posix),
+              "  '" + (folder / "zolex").string() + "' /f:sample-policies.ini\n");
+}
+
+TEST_F(Init, ThePrintedCommandsHoldFolderNamesWithQuotesAndBlanks) {
+    const Outcome result = init({(parent_.path() / "Bob's server").string()});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_NE(result.output.find("Bob'\\''s server'\n  export ZOLEX_PCI_ROOT='"),
+              std::string::npos);
+    EXPECT_NE(result.output.find("Bob'\\''s server/pci'\n"), std::string::npos);
 }
 
 /// The texts of a multi-string as the registry file writes it.
@@ -107,17 +139,26 @@ std::string hexadecimal(const std::string& bytes) {
     return join(parts, ",");
 }
 
+/// What follows the comment that a registry file begins with.
+std::string afterComment(const std::string& text) {
+    const std::size_t key = text.find("\r\n[");
+    for (std::size_t at = 12; at < key; at = text.find("\r\n", at) + 2) {
+        EXPECT_TRUE(text[at] == ';' || text[at] == '\r') << text.substr(at, 20);
+    }
+    return text.substr(key + 2);
+}
+
 TEST_F(Init, PciRegistry) {
     const Server server = serverOf(definitionWith("", "", R"(, "otherDevices": [
         {"bus": 18, "device": 3, "function": 5, "vendorId": "0x8086", "deviceId": "0x25ab",
          "subsystemVendorId": "0x1f3d", "subsystemId": "0x0363", "class": "0x060001",
          "revision": "0xb1", "description": "A \"quoted\" \\ bridge"}])"));
     const std::string text = pciRegistry(server).content;
-    const std::string start = "REGEDIT4\r\n\r\n"
-                              "[HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\"
+    EXPECT_EQ(text.substr(0, 12), "REGEDIT4\r\n\r\n");
+    const std::string start = "[HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\"
                               "VEN_1000&DEV_0411&SUBSYS_00000000&REV_00\\4&1a2b3c4d&0&0208]\r\n"
                               "\"DeviceDesc\"=\"PCI device\"\r\n";
-    EXPECT_EQ(text.substr(0, start.size()), start);
+    EXPECT_EQ(afterComment(text).substr(0, start.size()), start);
     using namespace std::string_literals;
     const std::string second =
         "[HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\"
@@ -135,6 +176,24 @@ TEST_F(Init, PciRegistry) {
         "device %2, function %3;(18,3,5)\"\r\n\r\n";
     ASSERT_GT(text.size(), second.size());
     EXPECT_EQ(text.substr(text.size() - second.size()), second);
+}
+
+TEST_F(Init, TheRegistryFileOfRemovalNamesTheKeysThatAreEnteredAndNoOther) {
+    for (const Sample& sample : samples()) {
+        Problem problem;
+        const Server server = readDefinition(sample.definition, problem);
+        std::string entered;
+        std::istringstream lines(pciRegistry(server).content);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("[")) {
+                entered += "[-" + line.substr(1) + "\n\r\n";
+            }
+        }
+        const ServerFile removal = pciRegistryRemoval(server);
+        EXPECT_EQ(removal.name, "pci-remove.reg");
+        EXPECT_EQ(removal.content.substr(0, 12), "REGEDIT4\r\n\r\n");
+        EXPECT_EQ(afterComment(removal.content), entered) << sample.name;
+    }
 }
 
 TEST_F(Init, Inventory) {

@@ -52,8 +52,7 @@ TEST(MegacliCommand, Creates) {
         {"-CfgLdAdd R1 [8:0,8:1] -sz1000 -a0", "RAID1 [8:0,8:1] 1000MB 64kB WT NORA"},
         // Drives outside every enclosure.
         {"-CfgLdAdd R1 [:0,:1] -a0", "RAID1 [:0,:1] 500MB 64kB WT NORA"},
-        {"-CfgLdAdd R1 [0:0,0:1] -a0", "RAID1 [:0,:1] 500MB 64kB WT NORA"},
-        {"-CfgLdAdd R1 [0:0,8:1] -a0", "RAID1 [:0,8:1] 500MB 64kB WT NORA"},
+        {"-CfgLdAdd R1 [:0,8:1] -a0", "RAID1 [:0,8:1] 500MB 64kB WT NORA"},
     };
     for (const auto& row : rows) {
         Server server = testServer();
@@ -76,10 +75,12 @@ TEST(MegacliCommand, RefusesWithAReasonAndChangesNothing) {
     } rows[] = {
         {"-CfgLdAdd R1 [8:0,8:9] -a0", 0x0c, "There is no physical disk at 8:9."},
         {"-CfgLdAdd R1 [8:0,:2] -a0", 0x0c, "There is no physical disk at :2."},
-        {"-CfgLdAdd R1 [8:0,0:2] -a0", 0x0c, "There is no physical disk at 0:2."},
+        // Drives outside every enclosure are in no enclosure 0.
+        {"-CfgLdAdd R1 [8:0,0:0] -a0", 0x0c, "There is no physical disk at 0:0."},
+        {"-CfgLdAdd R1 [0:0,0:1] -a0", 0x0c, "There is no physical disk at 0:0."},
         {"-CfgLdAdd R1 [8:0,:8] -a0", 0x0c, "There is no physical disk at :8."},
         {"-CfgLdAdd R1 [8:0,8:0] -a0", 0x03, "The physical disk at 8:0 is named twice."},
-        {"-CfgLdAdd R1 [0:0,:0] -a0", 0x03, "The physical disk at :0 is named twice."},
+        {"-CfgLdAdd R1 [:0,:0] -a0", 0x03, "The physical disk at :0 is named twice."},
         {"-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:1,8:2] -a0", 0x03,
          "The physical disk at 8:1 is named twice."},
         {"-CfgLdAdd R1 [8:0,9:0] -a0", 0x26, "The physical disk at 9:0 is not free: it is bad."},
@@ -243,7 +244,7 @@ TEST(MegacliCommand, RefusesWhatItDoesNotUnderstand) {
 
 TEST(MegacliCommand, HotSpares) {
     Server server = testServer();
-    const PlayResult result = megacli(server, "-PDHSP { -Set } -PhysDrv[ 8:0,0:1 ] -a0");
+    const PlayResult result = megacli(server, "-PDHSP { -Set } -PhysDrv[ 8:0,:1 ] -a0");
     EXPECT_EQ(result.output,
               std::string(37, ' ') +
                   "\nAdapter: 0: Set Physical Drive at EnclId-8 SlotId-0 as Hot Spare Success.\n"
@@ -257,7 +258,11 @@ TEST(MegacliCommand, HotSpares) {
     const struct {
         const char* list;
         int exitCode;
-    } rows[] = {{"8:1,8:0", 0x26}, {"8:1,8:11", 0x0c}, {"8:1,8:1", 0x03}, {"8:1,9:2", 0x26}};
+    } rows[] = {{"8:1,8:0", 0x26},
+                {"8:1,8:11", 0x0c},
+                {"8:1,0:0", 0x0c},
+                {"8:1,8:1", 0x03},
+                {"8:1,9:2", 0x26}};
     for (const auto& row : rows) {
         const PlayResult refused =
             megacli(server, formatted("-PDHSP -Set -PhysDrv [%s] -a0", row.list));
@@ -273,6 +278,59 @@ TEST(MegacliCommand, ZeroIsAnEnclosureWhereThereIsOne) {
         definitionWith(R"({"slot": 0, "sizeMB": 10}, {"enclosure": 0, "slot": 0, "sizeMB": 20})"));
     EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [0:0] -a0").exitCode, 0);
     EXPECT_EQ(logicalDrivesOf(server), "RAID0 [0:0] 20MB 64kB WT NORA");
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [:0] -a0").exitCode, 0);
+    EXPECT_EQ(logicalDrivesOf(server),
+              "RAID0 [0:0] 20MB 64kB WT NORA | RAID0 [:0] 10MB 64kB WT NORA");
+}
+
+// Most servers have several virtual disks on one group of drives. A second one was refused, and a
+// deployment of a captured server stopped half built.
+TEST(MegacliCommand, FurtherVirtualDisksOnAnArray) {
+    Server server = testServer();
+    const auto add = [&server](const char* options) { return megacli(server, options).exitCode; };
+    EXPECT_EQ(add("-CfgLdAdd R5 [8:0,8:1,8:2] -sz500 -a0"), 0);
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:2,8:0,8:1] WB {-sz600} -a0").output,
+              std::string(37, ' ') + "\nAdapter 0: Created VD 1\n\n"
+                                     "Adapter 0: Configured the Adapter!!\n\nExit Code: 0x00\n");
+    // Room for 900 MB is left.
+    const PlayResult refused = megacli(server, "-CfgLdAdd R5 [8:0,8:1,8:2] -sz901 -a0");
+    EXPECT_EQ(refused.exitCode, 0x1d);
+    EXPECT_FALSE(refused.changed);
+    EXPECT_NE(refused.output.find("A size of 901 MB does not fit: the array has room for 900 MB."),
+              std::string::npos);
+    // Other drives than all of the array's are taken.
+    for (const char* others : {"8:0,8:1", "8:0,8:1,8:3", "8:0,8:1,8:2,8:3"}) {
+        EXPECT_EQ(add(formatted("-CfgLdAdd R0 [%s] -sz10 -a0", others).c_str()), 0x26) << others;
+    }
+    EXPECT_EQ(add("-CfgLdAdd R5 [8:0,8:1,8:2] -strpsz 4 -a0"), 0x1c);
+    EXPECT_EQ(add("-CfgLdAdd R5 [8:0,8:1,8:2] -a0"), 0);
+    EXPECT_EQ(add("-CfgLdAdd R5 [8:0,8:1,8:2] -a0"), 0x1d);
+    EXPECT_EQ(add("-CfgLdAdd R5 [8:0,8:1,8:2] -sz1 -a0"), 0x1d);
+    const Controller& controller = server.controllers.front();
+    EXPECT_EQ(controller.arrays.size(), 1U);
+    std::string sizes;
+    for (const LogicalDrive& drive : controller.logicalDrives) {
+        sizes += std::to_string(drive.array) + ":" + std::to_string(drive.sizeMb) + " ";
+    }
+    EXPECT_EQ(sizes, "0:500 0:600 0:900 ");
+}
+
+TEST(MegacliCommand, FurtherVirtualDisksOverSpans) {
+    Server server = testServer();
+    const auto add = [&server](const char* options) { return megacli(server, options).exitCode; };
+    EXPECT_EQ(add("-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:2,8:3] -sz500 -a0"), 0);
+    EXPECT_EQ(add("-CfgSpanAdd R10 -Array0[8:1,8:0] -Array1[8:2,8:3] -sz600 -a0"), 0);
+    // The same drives in other spans are no further virtual disk of the array.
+    EXPECT_EQ(add("-CfgSpanAdd R10 -Array0[8:0,8:2] -Array1[8:1,8:3] -sz10 -a0"), 0x26);
+    EXPECT_EQ(add("-CfgLdAdd R0 [8:0,8:1,8:2,8:3] -sz10 -a0"), 0x26);
+    EXPECT_EQ(server.controllers.front().arrays.size(), 1U);
+    EXPECT_EQ(server.controllers.front().logicalDrives.size(), 2U);
+}
+
+TEST(MegacliCommand, AnArrayWithAFailedDriveTakesNoFurtherVirtualDisk) {
+    Server server = testServer(R"("virtualDisks": [{"level": "RAID5",
+        "spans": [["8:0", "8:1", "9:1"]], "sizeMB": 100}],)");
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:0,8:1,9:1] -sz10 -a0").exitCode, 0x26);
 }
 
 TEST(MegacliCommand, ClearsTheConfiguration) {

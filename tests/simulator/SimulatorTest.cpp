@@ -89,6 +89,14 @@ TEST_F(Simulator, ItsNameSaysWhatItPlays) {
         {"fakeraid2", {"hwdetect", "/i"}, 0, "Hardware detection\n"},
         {"/fakeraid/sim", {"hwdetect", "/i"}, 0, "Hardware detection\n"},
         {"show", {"hwdetect", "/i"}, 0, "Hardware detection\n"},
+        {"MegaCli64", {"-pdList", "-a0"}, 0, "                                     \nAdapter #0\n"},
+        {"C:\\tools\\MEGACLI.EXE",
+         {"-pdList", "-a0"},
+         0,
+         "                                     \nAdapter #0\n"},
+        {"/opt/cfggen1.02.02", {"0", "DISPLAY"}, 1, "LSI"},
+        {"cfggen1.02", {"show"}, 0, "Machine type"},
+        {"MegaCli64.bat", {"show"}, 0, "Machine type"},
     };
     for (const auto& row : rows) {
         const Outcome result = run_(row.arguments, row.program);

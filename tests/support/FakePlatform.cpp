@@ -62,7 +62,7 @@ class FakeFile : public File {
         position_ = 0;
         return true;
     }
-    bool flush() override { return !failed_; }
+    bool flush() override { return !failed_ && !files_.failFlush; }
     bool close() override { return !files_.failClose; }
 
   private:
@@ -72,6 +72,29 @@ class FakeFile : public File {
     bool canRead_;
     bool canWrite_;
     bool failed_ = false;
+};
+
+class FakeLock : public FileLock {
+  public:
+    FakeLock(FakeFileSystem& files, std::string name)
+        : files_(files), name_(std::move(name)), made_(!files.exists(name_)) {
+        files_.files[name_];
+        files_.locked = name_;
+    }
+    FakeLock(const FakeLock&) = delete;
+    FakeLock& operator=(const FakeLock&) = delete;
+    ~FakeLock() override {
+        files_.locked.clear();
+        if (made_ && files_.files[name_].empty()) {
+            files_.files.erase(name_);
+        }
+    }
+    [[nodiscard]] bool madeFile() const override { return made_; }
+
+  private:
+    FakeFileSystem& files_;
+    std::string name_;
+    bool made_;
 };
 
 class FakePciDeviceList : public OrderedPciDeviceList {
@@ -101,6 +124,23 @@ std::unique_ptr<File> FakeFileSystem::open(std::string_view name, const char* mo
     return std::make_unique<FakeFile>(*this, files[key], mode);
 }
 
+std::unique_ptr<File> FakeFileSystem::create(std::string_view name, std::string_view other,
+                                             WhenInterrupted whenInterrupted) {
+    interrupted = whenInterrupted;
+    return name == other ? nullptr : open(name, "w+");
+}
+
+LockResult FakeFileSystem::lock(std::string_view name, std::chrono::milliseconds wait) {
+    lockCalls.push_back(std::string(name) + " " + std::to_string(wait.count()));
+    LockResult result;
+    result.isBusy = busy;
+    if (!busy && std::find(refused.begin(), refused.end(), "a " + std::string(name)) ==
+                     refused.end()) { // where nothing can be appended nothing is locked
+        result.lock = std::make_unique<FakeLock>(*this, std::string(name));
+    }
+    return result;
+}
+
 bool FakeFileSystem::remove(std::string_view name) {
     removed.emplace_back(name);
     return !failRemove && files.erase(std::string(name)) != 0;
@@ -108,10 +148,18 @@ bool FakeFileSystem::remove(std::string_view name) {
 
 FakePlatform::FakePlatform() = default;
 
-ChildResult FakePlatform::runChild(std::string_view commandLine, bool /*capture*/,
+ChildResult FakePlatform::runChild(std::string_view commandLine, bool capture,
                                    std::chrono::milliseconds limit) {
     children.emplace_back(commandLine);
     limits.push_back(limit);
+    ChildResult result = nextResult();
+    if (!capture) {
+        result.output.clear();
+    }
+    return result;
+}
+
+ChildResult FakePlatform::nextResult() {
     if (!results.empty()) {
         ChildResult result = std::move(results.front());
         results.pop_front();

@@ -33,17 +33,25 @@ class FakeConsole : public Console {
 class FakeFileSystem : public FileSystem {
   public:
     std::unique_ptr<File> open(std::string_view name, const char* mode) override;
+    std::unique_ptr<File> create(std::string_view name, std::string_view other,
+                                 WhenInterrupted interrupted) override;
+    LockResult lock(std::string_view name, std::chrono::milliseconds wait) override;
     bool remove(std::string_view name) override;
     bool isFile(std::string_view name) override { return exists(std::string(name)); }
 
     [[nodiscard]] bool exists(const std::string& name) const { return files.count(name) != 0; }
 
     std::map<std::string, std::string> files;
-    std::vector<std::string> opened; ///< "mode name" of every call of open
+    std::vector<std::string> opened; ///< "mode name" of every call of open; "w+" for create
     std::vector<std::string> removed;
-    std::vector<std::string> refused; ///< "mode name" of calls that must fail
+    std::vector<std::string> refused;   ///< "mode name" of calls that must fail
+    std::vector<std::string> lockCalls; ///< "name milliseconds" of every call of lock
+    std::string locked;                 ///< the file that is locked; empty: none
+    bool busy = false;                  ///< another run has every file locked
+    WhenInterrupted interrupted = WhenInterrupted::removed; ///< of the file created last
     /// Bytes that can still be written before the device is full; negative: no limit.
     long long spaceLeft = -1;
+    bool failFlush = false;
     bool failClose = false;
     bool failRewind = false;
     bool failRemove = false;
@@ -75,9 +83,12 @@ class FakePlatform : public Platform {
     LocalTime now{2026, 3, 9, 14, 5, 7};
     std::vector<PciDevice> devices;
     /// Answers in order; when they are used up, `respond` answers, and by default each child ends
-    /// with exit code 0 and no output.
+    /// with exit code 0 and no output. The output of a child that is not captured is lost.
     std::deque<ChildResult> results;
     std::function<ChildResult(const std::string& commandLine)> respond;
+
+  private:
+    ChildResult nextResult();
 };
 
 } // namespace zolex::test

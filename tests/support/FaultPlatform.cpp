@@ -195,6 +195,24 @@ class FaultPlatform::Files : public FileSystem {
         auto file = files_.open(name, mode);
         return file ? std::make_unique<FaultFile>(platform_, std::move(file), name) : nullptr;
     }
+    std::unique_ptr<File> create(std::string_view name, std::string_view other,
+                                 WhenInterrupted interrupted) override {
+        const UncountedAllocations uncounted;
+        if (platform_.fails(Operation::create, name)) {
+            return nullptr;
+        }
+        auto file = files_.create(name, other, interrupted);
+        return file ? std::make_unique<FaultFile>(platform_, std::move(file), name) : nullptr;
+    }
+    LockResult lock(std::string_view name, std::chrono::milliseconds wait) override {
+        const UncountedAllocations uncounted;
+        if (platform_.fails(Operation::lock, name)) {
+            LockResult busy;
+            busy.isBusy = true;
+            return busy;
+        }
+        return files_.lock(name, wait);
+    }
     bool remove(std::string_view name) override {
         const UncountedAllocations uncounted;
         return !platform_.fails(Operation::remove, name) && files_.remove(name);
@@ -209,14 +227,18 @@ class FaultPlatform::Files : public FileSystem {
     FakeFileSystem& files_;
 };
 
-class FaultPlatform::UncountedConsole : public Console {
+/// Asks for the memory that the console of a system with other line ends asks for, so that a text
+/// may find none. A text that finds it arrives.
+class FaultPlatform::FoldingConsole : public Console {
   public:
-    explicit UncountedConsole(Console& console) : console_(console) {}
+    explicit FoldingConsole(Console& console) : console_(console) {}
     void writeOutput(std::string_view text) override {
+        output_.fold(text);
         const UncountedAllocations uncounted;
         console_.writeOutput(text);
     }
     void writeError(std::string_view text) override {
+        error_.fold(text);
         const UncountedAllocations uncounted;
         console_.writeError(text);
     }
@@ -224,11 +246,13 @@ class FaultPlatform::UncountedConsole : public Console {
 
   private:
     Console& console_;
+    LineEndFolder output_;
+    LineEndFolder error_;
 };
 
 FaultPlatform::FaultPlatform(FakePlatform& fake, Fault fault)
     : fake_(fake), fault_(fault), files_(std::make_unique<Files>(*this, fake.fileFake)),
-      console_(std::make_unique<UncountedConsole>(fake.consoleFake)) {}
+      console_(std::make_unique<FoldingConsole>(fake.consoleFake)) {}
 
 FaultPlatform::~FaultPlatform() = default;
 

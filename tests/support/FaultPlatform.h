@@ -14,6 +14,8 @@ namespace zolex::test {
 /// What a run asks of its platform and what may fail there.
 enum class Operation {
     open,
+    create, ///< a new file cannot be made
+    lock,   ///< another run has the file locked
     read,
     readInPart, ///< half of the bytes come, then the error
     write,
@@ -31,7 +33,7 @@ enum class Operation {
     registrySubkey,
     registryValue,
 };
-inline constexpr std::size_t operations = 17;
+inline constexpr std::size_t operations = 19;
 
 /// An exit code that no controller type accepts.
 inline constexpr std::uint32_t refusedExitCode = 77;
@@ -71,13 +73,13 @@ class FaultPlatform : public Platform {
 
   private:
     class Files;
-    class UncountedConsole;
+    class FoldingConsole;
 
     FakePlatform& fake_;
     Fault fault_;
     std::array<int, operations> calls_{};
     std::unique_ptr<Files> files_;
-    std::unique_ptr<UncountedConsole> console_;
+    std::unique_ptr<FoldingConsole> console_;
 };
 
 } // namespace zolex::test

@@ -3,6 +3,7 @@
 #include "platform/CommandLineSplit.h"
 #include "platform/ProgramLookup.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/ProcessStart.h"
 
 #include <algorithm>
 #include <array>
@@ -19,6 +20,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -92,6 +94,26 @@ class ChildStreams {
     bool ready_ = false;
 };
 
+/// The signals that the program ignores have their default action in the child.
+class ChildSignals {
+  public:
+    ChildSignals() {
+        const sigset_t signals = signalsOfChildren();
+        ready_ = ::posix_spawnattr_init(&attributes_) == 0 &&
+                 ::posix_spawnattr_setsigdefault(&attributes_, &signals) == 0 &&
+                 ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF) == 0;
+    }
+    ChildSignals(const ChildSignals&) = delete;
+    ChildSignals& operator=(const ChildSignals&) = delete;
+    ~ChildSignals() { ::posix_spawnattr_destroy(&attributes_); }
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return ready_ ? &attributes_ : nullptr; }
+
+  private:
+    posix_spawnattr_t attributes_{};
+    bool ready_ = false;
+};
+
 bool isRegularFile(const std::string& path) {
     struct stat status = {};
     return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
@@ -140,7 +162,9 @@ int spawn(const std::string& path, std::vector<std::string>& arguments, const Ch
         pointers.push_back(argument.data());
     }
     pointers.push_back(nullptr);
-    return ::posix_spawn(&child, path.c_str(), streams.get(), nullptr, pointers.data(), ::environ);
+    const ChildSignals signals;
+    return ::posix_spawn(&child, path.c_str(), streams.get(), signals.get(), pointers.data(),
+                         ::environ);
 }
 
 /// Starts the command line; nothing when it cannot be started.
@@ -202,6 +226,10 @@ class Watch {
             const ChildState state = askForEnd(child_, result.exitCode);
             if (state == ChildState::ended) {
                 drain(result.output);
+                if (result.output.size() > mostChildOutput) {
+                    std::this_thread::sleep_until(deadline_);
+                    return {ChildOutcome::stillRunning, 0, {}};
+                }
                 result.outcome = ChildOutcome::ended;
                 return result;
             }

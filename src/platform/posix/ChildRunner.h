@@ -17,7 +17,8 @@ enum class Notice {
 /// Platform::runChild. The command line is split into arguments and the program looked up; a file
 /// that is neither a binary nor begins with "#!" is run by /bin/sh. A child that a signal ended has
 /// exit code 128 plus the signal's number. `most` bounds what is taken up while the child runs;
-/// when it has ended, what still stands in the pipe is taken up too.
+/// when it has ended, what still stands in the pipe is taken up too, as far as it is no more than
+/// mostChildOutput.
 ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit,
                      Notice notice = Notice::byDescriptor, std::size_t most = mostChildOutput);
 

@@ -1,7 +1,8 @@
 #include "platform/LocalTime.h"
 #include "platform/Platform.h"
 #include "platform/posix/ChildRunner.h"
-#include "platform/posix/SysfsPciDeviceList.h"
+#include "platform/posix/ProcessStart.h"
+#include "platform/posix/SystemPciFolders.h"
 
 #include <cerrno>
 #include <ctime>
@@ -12,6 +13,8 @@ namespace {
 
 class PosixPlatform : public Platform {
   public:
+    PosixPlatform() { posix::prepareProcess(); }
+
     Console& console() override { return console_; }
     FileSystem& files() override { return files_; }
 
@@ -21,7 +24,9 @@ class PosixPlatform : public Platform {
     }
 
     std::unique_ptr<PCI_DevList_VC> pciDevices() override {
-        return std::make_unique<posix::SysfsPciDeviceList>(console_);
+        const std::string named = namedPciRoot();
+        return std::make_unique<FolderPciDeviceList>(
+            console_, named.empty() ? posix::systemPciRoot : named, posix::makeSystemPciFolders());
     }
 
     void pauseOneSecond() override {

@@ -82,15 +82,19 @@ bool takeUp(HANDLE readEnd, std::size_t most, std::string& output) {
     return any;
 }
 
+DWORD inMilliseconds(std::chrono::milliseconds limit) {
+    // The system's count of milliseconds starts anew after 49 days, which the difference of two
+    // counts does not see. Windows before 6.0 has no longer one.
+    constexpr long long longestLimit = 24LL * 24 * 60 * 60 * 1000;
+    return static_cast<DWORD>(std::clamp(limit.count(), 0LL, longestLimit));
+}
+
 /// Waits for the process in slices, which are short while output flows, and takes the output up
 /// between them, at most `mostTaken` bytes. True when the process ended within the limit.
 bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
                 std::size_t mostTaken, std::string& output) {
     constexpr DWORD longestSlice = 20;
-    // The system's count of milliseconds starts anew after 49 days, which the difference of two
-    // counts does not see. Windows before 6.0 has no longer one.
-    constexpr long long longestLimit = 24LL * 24 * 60 * 60 * 1000;
-    const auto most = static_cast<DWORD>(std::clamp(limit.count(), 0LL, longestLimit));
+    const DWORD most = inMilliseconds(limit);
     const DWORD start = GetTickCount();
     DWORD slice = 0;
     for (;;) {
@@ -120,6 +124,7 @@ ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::mi
         return {ChildOutcome::notStarted, 0, {}};
     }
     ChildResult result;
+    const DWORD start = GetTickCount();
     if (!waitForEnd(child.process.get(), pipe.readEnd.get(), limit, most, result.output)) {
         // The run is abandoned, not killed: the child goes on, and no handle is closed, so that it
         // can go on writing.
@@ -136,6 +141,11 @@ ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::mi
     child.thread.close();
     result.outcome = pipe.writeEnd.close() ? ChildOutcome::ended : ChildOutcome::notClosed;
     takeUp(pipe.readEnd.get(), result.output.max_size(), result.output);
+    if (result.output.size() > mostChildOutput) {
+        const DWORD passed = GetTickCount() - start;
+        Sleep(inMilliseconds(limit) - std::min(passed, inMilliseconds(limit)));
+        return {ChildOutcome::stillRunning, 0, {}};
+    }
     return result;
 }
 

@@ -9,7 +9,7 @@
 namespace zolex::win32 {
 
 /// Platform::runChild. `most` bounds what is taken up while the child runs; when it has ended, what
-/// still stands in the pipe is taken up too.
+/// still stands in the pipe is taken up too, as far as it is no more than mostChildOutput.
 ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit,
                      std::size_t most = mostChildOutput);
 

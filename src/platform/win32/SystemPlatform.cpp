@@ -2,6 +2,8 @@
 #include "platform/Platform.h"
 #include "platform/RegistryPciDeviceList.h"
 #include "platform/win32/ChildRunner.h"
+#include "platform/win32/ProcessStart.h"
+#include "platform/win32/SystemPciFolders.h"
 #include "platform/win32/SystemRegistry.h"
 
 #include <windows.h>
@@ -12,6 +14,8 @@ namespace {
 
 class WindowsPlatform : public Platform {
   public:
+    WindowsPlatform() { win32::prepareProcess(); }
+
     Console& console() override { return console_; }
     FileSystem& files() override { return files_; }
 
@@ -21,6 +25,10 @@ class WindowsPlatform : public Platform {
     }
 
     std::unique_ptr<PCI_DevList_VC> pciDevices() override {
+        if (const std::string named = namedPciRoot(); !named.empty()) {
+            return std::make_unique<FolderPciDeviceList>(console_, named,
+                                                         win32::makeSystemPciFolders());
+        }
         return std::make_unique<RegistryPciDeviceList>(console_, win32::makeSystemRegistry());
     }
 
