@@ -3,6 +3,7 @@
 #include "controllers/Application.h"
 #include "foundation/IniFile.h"
 #include "inventory/ZOLEXSupport.h"
+#include "model/TypeTraits.h"
 #include "show/Dumps.h"
 
 #include <algorithm>
@@ -34,11 +35,11 @@ bool rowMatches(const PciRow& row, const PciDevice& device) {
 }
 
 /// The first matching row of the catalogue; the end row (type -1) when there is none.
-PciRow findRow(ControllerCatalogue& catalogue, const PciDevice& device) {
-    catalogue.resetPciRowCursor();
-    PciRow row = catalogue.nextPciRow();
+PciRow findRow(const PciDevice& device) {
+    PciRowCursor cursor;
+    PciRow row = cursor.nextPciRow();
     while (row.type != controller_type::none && !rowMatches(row, device)) {
-        row = catalogue.nextPciRow();
+        row = cursor.nextPciRow();
     }
     return row;
 }
@@ -214,7 +215,7 @@ bool ControllerList::initialize(Application& application) {
     printer.tracef("Total number of PCI devices=%d\n", static_cast<int>(devices->count()));
     bool tooMany = false;
     while (const PciDevice* device = devices->next()) {
-        const PciRow row = findRow(application.catalogue(), *device);
+        const PciRow row = findRow(*device);
         if (row.type != controller_type::none && !addFromPci(application, *device, row)) {
             tooMany = true;
         }
@@ -296,7 +297,7 @@ void ControllerList::setControllerScanOrders(Application& application) {
 void ControllerList::reorderByBusNumber() {
     std::vector<std::size_t> slots;
     for (std::size_t i = 0; i < count_; ++i) {
-        if (controllers_[i]->type() == controller_type::lsiSas) {
+        if (traitsOf(controllers_[i]->type()).orderedByBus) {
             slots.push_back(i);
         }
     }
