@@ -1,11 +1,17 @@
 #include "show/FloorFaultTexts.h"
 
+#include <utility>
+
 namespace zolex::show {
 
 namespace {
 
 std::vector<FaultText> errorBlock(CString text) {
-    return {{FaultText::Place::errorBlock, std::move(text)}};
+    return {FaultText{.place = FaultText::Place::errorBlock, .text = std::move(text)}};
+}
+
+std::vector<FaultText> output(CString text) {
+    return {FaultText{.place = FaultText::Place::output, .text = std::move(text)}};
 }
 
 } // namespace
@@ -42,8 +48,7 @@ std::optional<std::vector<FaultText>> commandFaultTexts(const Fault& fault) {
                                      "controllers.\n",
                                      policy, model));
     case FaultKind::levelWithoutSpans:
-        return {{{FaultText::Place::output,
-                  formatText("Invalid RAID level specified=%d\n", fault.number)}}};
+        return output(formatText("Invalid RAID level specified=%d\n", fault.number));
     case FaultKind::hotspareOutsidePositions:
         return errorBlock(formatText("An internal error has occurred.\n"
                                      "Controller=%s\n",
