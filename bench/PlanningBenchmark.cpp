@@ -3,7 +3,7 @@
 #include "CpuTime.h"
 #include "MemoryPlatform.h"
 
-#include "commands/CommandGenerator.h"
+#include "commands/CommandLines.h"
 #include "controllers/Application.h"
 #include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
@@ -136,20 +136,18 @@ void generateCommands(benchmark::State& state) {
         return;
     }
     for (auto _ : state) {
-        Application application(platform);
-        bool generated = true;
+        std::size_t generated = 0;
         {
             const CpuTime time(state);
             for (std::size_t i = 0; i < controllers.count(); ++i) {
-                RAIDController& controller = *controllers.controller(i);
-                const std::int32_t type = controller.type();
-                const auto generator = findGenerator(type)->create(application);
-                generator->start(controller, static_cast<std::int32_t>(i + 1),
-                                 application.catalogue().getUtilityCommand(type));
-                generated = generator->generate() && generated;
+                const RAIDController& controller = *controllers.controller(i);
+                const CommandLines lines =
+                    commandLines(controller, static_cast<std::int32_t>(i + 1),
+                                 *controller.configuration(), {}, planner.report());
+                generated += lines.fault ? 0 : 1;
             }
         }
-        if (!generated || application.commands().get(0) == nullptr) {
+        if (generated != controllers.count()) {
             state.SkipWithError("no commands were generated");
             break;
         }

@@ -1,11 +1,12 @@
 #include "commands/ARCCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
+#include "model/TypeTraits.h"
 
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace zolex {
 
@@ -52,10 +53,6 @@ const CommandGenerator::Traces& ARCCommands::hotspareTraces() const {
     return traces;
 }
 
-std::int32_t ARCCommands::defaultStripeSize() const {
-    return stripe::kb256;
-}
-
 std::int32_t ARCCommands::stripeSize(const LogicalDrive& logical, const RaidArray& members) const {
     const std::int32_t code = configuration().stripeSize;
     const std::size_t drives = members.drives().size();
@@ -100,26 +97,24 @@ void ARCCommands::addCacheCommand(std::size_t array, const char* mode) {
                               logicalDriveNumber);
     line.append(formatText("%s ", mode));
     line.append("NOPROMPT ");
-    addCommand(line);
+    addCommand(std::move(line));
 }
 
 const char* ARCCommands::writeCacheWord(std::int32_t code) const {
-    constexpr std::int32_t plainSubtype = 1;
     if (code == write_cache::off) {
         return "wt";
     }
     if (code != write_cache::on) {
         return "wb";
     }
-    const std::int32_t type = controller().type();
-    const bool plain = type == controller_type::arcconf2 ||
-                       ((type == controller_type::arcconf7 || type == controller_type::arcconf11) &&
-                        controller().subtype() == plainSubtype);
+    const PlainWriteBack words = traitsOf(controller().type()).plainWriteBack;
+    const bool plain = words == PlainWriteBack::always ||
+                       (words == PlainWriteBack::ofSubtype1 && controller().subtype() == 1);
     return plain ? "wb" : "wbb";
 }
 
-void ARCCommands::reportSecondLogicalDrive() {
-    reportNoLogicalDrive();
+FaultKind ARCCommands::secondLogicalDriveFault() const {
+    return FaultKind::secondLogicalDrive;
 }
 
 } // namespace zolex

@@ -12,14 +12,13 @@ class ARCCommands : public CONFCommands {
   protected:
     [[nodiscard]] const Traces& arrayTraces() const override;
     [[nodiscard]] const Traces& hotspareTraces() const override;
-    [[nodiscard]] std::int32_t defaultStripeSize() const override;
     [[nodiscard]] std::int32_t stripeSize(const LogicalDrive& logical,
                                           const RaidArray& members) const override;
     [[nodiscard]] CString initText(const LogicalDrive& logical) const override;
     [[nodiscard]] CString sizeText(const LogicalDrive& logical) const override;
     [[nodiscard]] const char* hotspareEnd() const override;
     void addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
-    void reportSecondLogicalDrive() override;
+    [[nodiscard]] FaultKind secondLogicalDriveFault() const override;
 
   private:
     void addCacheCommand(std::size_t array, const char* mode);

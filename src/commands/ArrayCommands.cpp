@@ -1,24 +1,22 @@
 #include "commands/ArrayCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
 
 namespace zolex {
 
-bool ArrayCommands::generate() {
+bool ArrayCommands::makeLines() {
     return doArraysAndLogicalDrives() && doHotspareDrives();
 }
 
 CommandGenerator::Exit ArrayCommands::makeArrays() {
     if (configuration().arrays().empty()) {
-        reportNoArray();
+        fail(faultOf(FaultKind::layoutWithoutArray));
         return exitNoArray;
     }
-    replaceStripeSize();
     for (std::size_t array = 0; array < configuration().arrays().size(); ++array) {
         const std::optional<std::size_t> drive = findLogicalDrive(array);
         if (!drive) {
-            reportNoLogicalDrive();
+            fail(faultOf(FaultKind::arrayWithoutLogicalDrive, array));
             return exitNoLogicalDrive;
         }
         if (const Exit exit = makeArray(array, *drive); exit != done) {
@@ -29,7 +27,7 @@ CommandGenerator::Exit ArrayCommands::makeArrays() {
 }
 
 bool ArrayCommands::doHotspareDrives() {
-    printer().trace(hotspareTraces().entering);
+    report().trace(hotspareTraces().entering);
     return traceExit(hotspareTraces(), makeHotspares());
 }
 

@@ -11,9 +11,9 @@ struct Hotspare;
 class ArrayCommands : public CommandGenerator {
   public:
     using CommandGenerator::CommandGenerator;
-    bool generate() override;
 
   protected:
+    bool makeLines() override;
     [[nodiscard]] virtual const Traces& hotspareTraces() const = 0;
 
     /// The lines of every array, in order.

@@ -1,7 +1,9 @@
 #include "commands/CFGGENCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
+#include "model/TypeTraits.h"
+
+#include <utility>
 
 namespace zolex {
 
@@ -42,12 +44,8 @@ const CommandGenerator::Traces& CFGGENCommands::hotspareTraces() const {
     return traces;
 }
 
-std::int32_t CFGGENCommands::defaultStripeSize() const {
-    return stripe::none;
-}
-
 CommandGenerator::Exit CFGGENCommands::makeArrays() {
-    printer().tracef("Processing controller type: %d\n", controller().type());
+    report().tracef("Processing controller type: %d\n", controller().type());
     return ArrayCommands::makeArrays();
 }
 
@@ -67,16 +65,16 @@ CommandGenerator::Exit CFGGENCommands::makeArray(std::size_t array, std::size_t 
         line.append("qsync ");
     }
     line.append("NOPROMPT");
-    addCommand(line);
+    addCommand(std::move(line));
     if (findLogicalDrive(array, drive + 1)) {
-        reportNoLogicalDrive();
+        fail(faultOf(FaultKind::secondLogicalDrive, array));
         return exitSecondLogicalDrive;
     }
     return done;
 }
 
 CommandGenerator::Exit CFGGENCommands::makeHotspares() {
-    printer().tracef("Processing controller type: %d\n", controller().type());
+    report().tracef("Processing controller type: %d\n", controller().type());
     return ArrayCommands::makeHotspares();
 }
 
@@ -87,16 +85,16 @@ CString CFGGENCommands::hotspareText(const Hotspare& hotspare) const {
 }
 
 CString CFGGENCommands::driveText(std::int32_t channel, std::int32_t id) const {
-    if (controller().type() == controller_type::lsiScsi) {
+    if (traitsOf(controller().type()).drivesByTargetId) {
         return formatText("%d ", controller().targetId(channel, id));
     }
     return formatText("%d:%d ", channel, id);
 }
 
 const char* CFGGENCommands::translateRAIDLevelLSI(std::int32_t level) const {
-    printer().tracef("Entering CFGGENCommands::translateRAIDLevelLSI, level=%d\n", level);
+    report().tracef("Entering CFGGENCommands::translateRAIDLevelLSI, level=%d\n", level);
     const char* word = translate(level);
-    printer().tracef("Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=%s\n", word);
+    report().tracef("Exiting CFGGENCommands::translateRAIDLevelLSI, returnValue=%s\n", word);
     return word;
 }
 

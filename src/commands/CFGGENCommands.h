@@ -16,7 +16,6 @@ class CFGGENCommands : public ArrayCommands {
   protected:
     [[nodiscard]] const Traces& arrayTraces() const override;
     [[nodiscard]] const Traces& hotspareTraces() const override;
-    [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
     Exit makeHotspares() override;

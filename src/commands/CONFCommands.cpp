@@ -1,6 +1,5 @@
 #include "commands/CONFCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
 
 namespace zolex {
@@ -18,7 +17,7 @@ CommandGenerator::Exit CONFCommands::makeArray(std::size_t array, std::size_t dr
     addCommand(createLine(array, drive));
     addCacheCommands(array, logicalDriveAt(drive));
     if (findLogicalDrive(array, drive + 1)) {
-        reportSecondLogicalDrive();
+        fail(faultOf(secondLogicalDriveFault(), array));
         return exitSecondLogicalDrive;
     }
     return done;

@@ -26,7 +26,8 @@ class CONFCommands : public ArrayCommands {
     [[nodiscard]] virtual const char* hotspareEnd() const = 0;
     /// Adds the lines that follow the creation of array `array`'s logical drive.
     virtual void addCacheCommands(std::size_t array, const LogicalDrive& logical) = 0;
-    virtual void reportSecondLogicalDrive() = 0;
+    /// The fault of a second logical drive of an array.
+    [[nodiscard]] virtual FaultKind secondLogicalDriveFault() const = 0;
 
     /// Whether the logical drive is asked to be initialised quickly.
     [[nodiscard]] bool isQuick(const LogicalDrive& logical) const;

@@ -1,34 +1,51 @@
 #include "commands/CommandGenerator.h"
 
-#include "controllers/Application.h"
+#include "model/ControllerCatalogue.h"
 #include "model/RAIDController.h"
+#include "model/TypeTraits.h"
+
+#include <utility>
 
 namespace zolex {
 
-void CommandGenerator::start(RAIDController& controller, std::int32_t number,
-                             const CString& prefix) {
-    controller_ = &controller;
-    number_ = number;
-    prefix_ = prefix;
+namespace {
+
+RAIDConfiguration withFinalStripeSize(RAIDConfiguration layout, std::int32_t controllerType) {
+    layout.stripeSize = finalStripeSize(controllerType, layout.stripeSize);
+    return layout;
+}
+
+} // namespace
+
+CommandGenerator::CommandGenerator(const GeneratorInput& input)
+    : controller_(input.controller), number_(input.number),
+      layout_(withFinalStripeSize(input.layout, input.controller.type())),
+      prefix_(CString::concatenate(input.style.pathPrefix,
+                                   traitsOf(input.controller.type()).utilityCommand)),
+      report_(input.report) {}
+
+CommandLines CommandGenerator::generate() {
+    made_ = {};
+    static_cast<void>(makeLines());
+    return std::exchange(made_, {});
 }
 
 bool CommandGenerator::doArraysAndLogicalDrives() {
-    printer().trace(arrayTraces().entering);
+    report().trace(arrayTraces().entering);
     return traceExit(arrayTraces(), makeArrays());
 }
 
 bool CommandGenerator::traceExit(const Traces& traces, Exit exit) {
     if (exit != done) {
-        printer().tracef("%s%d)\n", traces.failed, exit);
+        report().tracef("%s%d)\n", traces.failed, exit);
         return false;
     }
-    printer().trace(traces.succeeded);
+    report().trace(traces.succeeded);
     return true;
 }
 
-void CommandGenerator::addCommand(const CString& line) {
-    static_assert(CommandList::fetchable * 2 == CommandList::slots, "the first half is fetched");
-    static_cast<void>(application_.commands().add(line));
+void CommandGenerator::addCommand(CString line) {
+    made_.lines.push_back(std::move(line));
 }
 
 std::optional<std::size_t> CommandGenerator::findLogicalDrive(std::size_t array,
@@ -42,37 +59,25 @@ std::optional<std::size_t> CommandGenerator::findLogicalDrive(std::size_t array,
     return std::nullopt;
 }
 
-void CommandGenerator::replaceStripeSize() {
-    RAIDConfiguration& plan = *controller_->configuration();
-    if (plan.stripeSize == stripe::none) {
-        plan.stripeSize = defaultStripeSize();
-    }
+Fault CommandGenerator::faultOf(FaultKind kind) const {
+    Fault fault;
+    fault.kind = kind;
+    fault.place.section = layout_.policyName;
+    fault.place.model =
+        ControllerCatalogue::getControllerName(controller_.type(), controller_.subtype());
+    fault.place.controller = number_;
+    return fault;
 }
 
-void CommandGenerator::reportNoArray() {
-    printer().errorBlockf("Each controller must have at least one array.\n"
-                          "Could not configure %s, controller %d.\n",
-                          modelName().c_str(), number());
+Fault CommandGenerator::faultOf(FaultKind kind, std::size_t array) const {
+    Fault fault = faultOf(kind);
+    fault.place.array = static_cast<std::int32_t>(array);
+    return fault;
 }
 
-void CommandGenerator::reportNoLogicalDrive() {
-    printer().errorBlockf("Each array must have at least one logical drive.\n"
-                          "Could not configure %s, controller %d.\n",
-                          modelName().c_str(), number());
-}
-
-void CommandGenerator::reportOneLogicalDriveOnly() {
-    printer().errorBlockf("Error in %s:  Only one logical drive may be created per array on %s "
-                          "controllers.\n",
-                          configuration().policyName.c_str(), modelName().c_str());
-}
-
-Printer& CommandGenerator::printer() const {
-    return application_.printer();
-}
-
-const RAIDConfiguration& CommandGenerator::configuration() const {
-    return *controller_->configuration();
+void CommandGenerator::fail(const Fault& fault) {
+    made_.fault = fault;
+    report().fault(fault);
 }
 
 const RaidArray& CommandGenerator::arrayAt(std::size_t index) const {
@@ -84,11 +89,7 @@ const LogicalDrive& CommandGenerator::logicalDriveAt(std::size_t index) const {
 }
 
 std::int32_t CommandGenerator::adapter() const {
-    return controller_->scanOrder() - 1;
-}
-
-CString CommandGenerator::modelName() const {
-    return application_.controllerName(controller_->type(), controller_->subtype());
+    return controller_.scanOrder() - 1;
 }
 
 } // namespace zolex

@@ -1,25 +1,32 @@
 #pragma once
 
+#include "commands/CommandLines.h"
 #include "foundation/CString.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
+#include <utility>
 
 namespace zolex {
 
-class Application;
 class File;
 class RAIDController;
+class Report;
 
-/// Whether the utility command of type 5 is one of the two whose commands are CFGGEN's: that of
-/// type 10 or "UTIL.BAT CFGGEN1.02.02". Another one is addressed like HRCONF and ARCCONF.
-[[nodiscard]] bool usesCfggenSyntax(std::string_view utility, std::string_view sasUtility);
+/// What the lines of capture and restore depend on besides the controller.
+struct SourceOptions {
+    CommandStyle style;
+    bool remarks = false;    ///< the controllers come from an inventory file: no line can run
+    bool withLayout = false; ///< the listings of logical drives are taken too
+    CString scriptPrefix;    ///< stands before the name of the error script
+    friend bool operator==(const SourceOptions&, const SourceOptions&) = default;
+};
 
 /// Where the capture and the restore mode take their command lines from.
 class CommandSource {
   public:
-    explicit CommandSource(Application& application) : application_(application) {}
+    CommandSource(SourceOptions options, Report& report)
+        : options_(std::move(options)), report_(report) {}
     virtual ~CommandSource() = default;
     CommandSource(const CommandSource&) = delete;
     CommandSource& operator=(const CommandSource&) = delete;
@@ -34,12 +41,12 @@ class CommandSource {
     virtual bool writeErrorSection(File& script) = 0;
 
   protected:
-    [[nodiscard]] Application& application() const { return application_; }
-    /// Whether the type's utility takes the number of the adapter and CFGGEN's commands.
-    [[nodiscard]] bool takesAdapterNumber(std::int32_t type) const;
+    [[nodiscard]] const SourceOptions& options() const { return options_; }
+    [[nodiscard]] Report& report() const { return report_; }
 
   private:
-    Application& application_;
+    SourceOptions options_;
+    Report& report_;
 };
 
 /// The command lines that dump each controller's configuration. Each ends in a newline.

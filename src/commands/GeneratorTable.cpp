@@ -5,7 +5,7 @@
 #include "commands/HYPERWINCommands.h"
 #include "commands/MEGAWinCommands.h"
 #include "commands/QTCSENDCommands.h"
-#include "model/Codes.h"
+#include "model/TypeTraits.h"
 
 #include <algorithm>
 #include <array>
@@ -15,8 +15,8 @@ namespace zolex {
 namespace {
 
 template <typename Generator>
-std::unique_ptr<CommandGenerator> make(Application& application) {
-    return std::make_unique<Generator>(application);
+std::unique_ptr<CommandGenerator> make(const GeneratorInput& input) {
+    return std::make_unique<Generator>(input);
 }
 
 // Controller type, the line that the creation logs, the generator. Order does not matter.
@@ -36,6 +36,7 @@ constexpr std::array<GeneratorEntry, controller_type::last> generators = {{
     {controller_type::megaRaid,  "Creating MEGAWinCommands\n",  make<MEGAWinCommands>},
 }};
 // clang-format on
+static_assert(coversEveryType(generators));
 
 } // namespace
 

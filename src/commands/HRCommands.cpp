@@ -1,6 +1,5 @@
 #include "commands/HRCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
 
 namespace zolex {
@@ -21,10 +20,6 @@ const CommandGenerator::Traces& HRCommands::hotspareTraces() const {
         "Exiting HRCommands::doHotspareDrives, returning false(",
     };
     return traces;
-}
-
-std::int32_t HRCommands::defaultStripeSize() const {
-    return stripe::kb64;
 }
 
 std::int32_t HRCommands::stripeSize(const LogicalDrive& /*logical*/,
@@ -50,8 +45,8 @@ const char* HRCommands::hotspareEnd() const {
 
 void HRCommands::addCacheCommands(std::size_t /*array*/, const LogicalDrive& /*logical*/) {}
 
-void HRCommands::reportSecondLogicalDrive() {
-    reportOneLogicalDriveOnly();
+FaultKind HRCommands::secondLogicalDriveFault() const {
+    return FaultKind::oneLogicalDriveOnly;
 }
 
 } // namespace zolex

@@ -12,7 +12,6 @@ class HRCommands : public CONFCommands {
   protected:
     [[nodiscard]] const Traces& arrayTraces() const override;
     [[nodiscard]] const Traces& hotspareTraces() const override;
-    [[nodiscard]] std::int32_t defaultStripeSize() const override;
     [[nodiscard]] std::int32_t stripeSize(const LogicalDrive& logical,
                                           const RaidArray& members) const override;
     [[nodiscard]] CString initText(const LogicalDrive& logical) const override;
@@ -20,7 +19,7 @@ class HRCommands : public CONFCommands {
     [[nodiscard]] const char* hotspareEnd() const override;
     /// Adds nothing: the utility has no cache commands.
     void addCacheCommands(std::size_t array, const LogicalDrive& logical) override;
-    void reportSecondLogicalDrive() override;
+    [[nodiscard]] FaultKind secondLogicalDriveFault() const override;
 };
 
 } // namespace zolex

@@ -1,7 +1,8 @@
 #include "commands/HYPERWINCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
+
+#include <utility>
 
 namespace zolex {
 
@@ -14,7 +15,7 @@ constexpr int exitSecondHotspare = 6;
 
 } // namespace
 
-bool HYPERWINCommands::generate() {
+bool HYPERWINCommands::makeLines() {
     return doArraysAndLogicalDrives();
 }
 
@@ -27,15 +28,10 @@ const CommandGenerator::Traces& HYPERWINCommands::arrayTraces() const {
     return traces;
 }
 
-std::int32_t HYPERWINCommands::defaultStripeSize() const {
-    return stripe::kb64;
-}
-
 CommandGenerator::Exit HYPERWINCommands::makeArrays() {
     if (const Exit exit = checkPlan(); exit != done) {
         return exit;
     }
-    replaceStripeSize();
     const LogicalDrive& logical = logicalDriveAt(0);
     if (const Exit exit = checkHotspares(logical); exit != done) {
         return exit;
@@ -44,7 +40,7 @@ CommandGenerator::Exit HYPERWINCommands::makeArrays() {
     if (logical.writeCache != write_cache::notGiven) {
         CString line = formatText("%s /O", prefix());
         line.append(logical.writeCache == write_cache::off ? "WR" : "W");
-        addCommand(line);
+        addCommand(std::move(line));
     }
     return done;
 }
@@ -52,21 +48,21 @@ CommandGenerator::Exit HYPERWINCommands::makeArrays() {
 CommandGenerator::Exit HYPERWINCommands::checkPlan() {
     const std::vector<LogicalDrive>& drives = configuration().logicalDrives();
     if (configuration().arrays().empty()) {
-        reportNoArray();
+        fail(faultOf(FaultKind::layoutWithoutArray));
         return exitNoArray;
     }
     if (drives.empty()) {
-        reportNoLogicalDrive();
+        fail(faultOf(FaultKind::arrayWithoutLogicalDrive, 0));
         return exitNoLogicalDrive;
     }
     if (drives.size() > 1 || drives.front().arrayIndex != 0) {
-        reportOneLogicalDriveOnly();
+        fail(faultOf(FaultKind::oneLogicalDriveOnly, 0));
         return exitNotOneLogicalDrive;
     }
     if (drives.front().sizeMb != sizeFill) {
-        printer().errorBlockf("Error in %s:  You may only specify FILL or 100%% for 'size' on %s "
-                              "controllers.\n",
-                              configuration().policyName.c_str(), modelName().c_str());
+        Fault fault = faultOf(FaultKind::fillOnly, 0);
+        fault.number = drives.front().sizeMb;
+        fail(fault);
         return exitSize;
     }
     return done;
@@ -75,15 +71,13 @@ CommandGenerator::Exit HYPERWINCommands::checkPlan() {
 CommandGenerator::Exit HYPERWINCommands::checkHotspares(const LogicalDrive& logical) {
     const std::size_t hotspares = configuration().hotspares().size();
     if (logical.raidLevel == raid_level::raid1 && hotspares > 0) {
-        printer().errorBlockf("Error in %s:  Hot-spare drives are not supported with mirroring on "
-                              "%s controllers.\n",
-                              configuration().policyName.c_str(), modelName().c_str());
+        fail(faultOf(FaultKind::hotspareBesideMirror));
         return exitMirrorHotspare;
     }
     if (logical.raidLevel == raid_level::raid0 && hotspares > 1) {
-        printer().errorBlockf(
-            "Error in %s:  You may only create one hot-spare drive on %s controllers.\n",
-            configuration().policyName.c_str(), modelName().c_str());
+        Fault fault = faultOf(FaultKind::oneHotspareOnly);
+        fault.number = static_cast<std::int32_t>(hotspares);
+        fail(fault);
         return exitSecondHotspare;
     }
     return done;

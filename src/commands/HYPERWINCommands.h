@@ -9,11 +9,10 @@ namespace zolex {
 class HYPERWINCommands : public CommandGenerator {
   public:
     using CommandGenerator::CommandGenerator;
-    bool generate() override;
 
   protected:
+    bool makeLines() override;
     [[nodiscard]] const Traces& arrayTraces() const override;
-    [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
 
   private:

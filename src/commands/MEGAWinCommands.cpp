@@ -1,10 +1,10 @@
 #include "commands/MEGAWinCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zolex {
 
@@ -33,8 +33,8 @@ constexpr std::array<CommandRow, 7> commandRows = {{
 // clang-format on
 constexpr CommandRow noCommand = {raid_level::none, "ERROR", DriveList::none};
 
-const CommandRow& determineCommand(Printer& printer, std::int32_t raidLevel) {
-    printer.tracef("Entering MEGAWinCommands::determineCommand, raidLevel=%d\n", raidLevel);
+const CommandRow& determineCommand(Report& report, std::int32_t raidLevel) {
+    report.tracef("Entering MEGAWinCommands::determineCommand, raidLevel=%d\n", raidLevel);
     const auto row = std::find_if(commandRows.begin(), commandRows.end(),
                                   [&](const auto& each) { return each.raidLevel == raidLevel; });
     return row != commandRows.end() ? *row : noCommand;
@@ -76,7 +76,7 @@ constexpr int exitNoPosition = 1;
 
 } // namespace
 
-bool MEGAWinCommands::generate() {
+bool MEGAWinCommands::makeLines() {
     return doArraysAndLogicalDrives();
 }
 
@@ -98,18 +98,17 @@ const CommandGenerator::Traces& MEGAWinCommands::hotspareTraces() const {
     return traces;
 }
 
-std::int32_t MEGAWinCommands::defaultStripeSize() const {
-    return stripe::kb64;
-}
-
 CommandGenerator::Exit MEGAWinCommands::makeArrays() {
     if (const Exit exit = ArrayCommands::makeArrays(); exit != done) {
         return exit;
     }
     if (!doHotspareDrives()) {
-        printer().errorBlockf("An internal error has occurred.\n"
-                              "Controller=%s\n",
-                              modelName().c_str());
+        Fault fault = faultOf(FaultKind::hotspareOutsidePositions);
+        if (const Hotspare* misplaced = misplacedHotspare(); misplaced != nullptr) {
+            fault.place.channel = misplaced->channelNumber;
+            fault.place.id = misplaced->id;
+        }
+        fail(fault);
         return exitHotspares;
     }
     return done;
@@ -119,7 +118,7 @@ CommandGenerator::Exit MEGAWinCommands::makeArray(std::size_t array, std::size_t
     const RaidArray& members = arrayAt(array);
     const LogicalDrive& logical = logicalDriveAt(drive);
     CString line = formatText("%s ", prefix());
-    const CommandRow& command = determineCommand(printer(), logical.raidLevel);
+    const CommandRow& command = determineCommand(report(), logical.raidLevel);
     line.append(formatText("%s ", command.option));
 
     CString list;
@@ -138,14 +137,13 @@ CommandGenerator::Exit MEGAWinCommands::makeArray(std::size_t array, std::size_t
     }
     appendStripeSize(command.drives, configuration().stripeSize, line);
     line.append(formatText(" -a%d", adapter()));
-    printer().tracef("Command buffer=%s, length=%d\n", line.c_str(),
-                     static_cast<int>(line.length()));
-    addCommand(line);
+    report().tracef("Command buffer=%s, length=%d\n", line.c_str(),
+                    static_cast<int>(line.length()));
+    addCommand(std::move(line));
     return done;
 }
 
-bool MEGAWinCommands::appendSpans(std::int32_t raidLevel, const RaidArray& members,
-                                  CString& list) const {
+bool MEGAWinCommands::appendSpans(std::int32_t raidLevel, const RaidArray& members, CString& list) {
     constexpr std::size_t drivesOfMirror = 2;
     constexpr std::size_t parts = 2;
     const std::size_t drives = members.drives().size();
@@ -159,9 +157,12 @@ bool MEGAWinCommands::appendSpans(std::int32_t raidLevel, const RaidArray& membe
     case raid_level::raid50:
     case raid_level::raid60:
         break;
-    default:
-        printer().printfAlways("Invalid RAID level specified=%d\n", raidLevel);
+    default: {
+        Fault fault = faultOf(FaultKind::levelWithoutSpans);
+        fault.number = raidLevel;
+        fail(fault);
         return false;
+    }
     }
     for (std::size_t span = 0; span < spans; ++span) {
         list.append(formatText(" -Array%d", static_cast<int>(span)));
@@ -190,19 +191,27 @@ CommandGenerator::Exit MEGAWinCommands::makeHotspares() {
     if (configuration().hotspares().empty()) {
         return done;
     }
+    if (misplacedHotspare() != nullptr) {
+        return exitNoPosition;
+    }
     CString line = formatText("%s -PDHSP { -Set } -PhysDrv[ ", prefix());
     const char* separator = "";
     for (const Hotspare& hotspare : configuration().hotspares()) {
-        if (!RAIDController::isPosition(hotspare.channelNumber, hotspare.id)) {
-            return exitNoPosition;
-        }
         line.append(separator);
         line.append(hotspareText(hotspare));
         separator = ",";
     }
     line.append(formatText(" ] -a%d", adapter()));
-    addCommand(line);
+    addCommand(std::move(line));
     return done;
+}
+
+const Hotspare* MEGAWinCommands::misplacedHotspare() const {
+    const std::vector<Hotspare>& hotspares = configuration().hotspares();
+    const auto found = std::find_if(hotspares.begin(), hotspares.end(), [](const Hotspare& each) {
+        return !RAIDController::isPosition(each.channelNumber, each.id);
+    });
+    return found != hotspares.end() ? &*found : nullptr;
 }
 
 CString MEGAWinCommands::hotspareText(const Hotspare& hotspare) const {

@@ -9,16 +9,15 @@ namespace zolex {
 class MEGAWinCommands : public ArrayCommands {
   public:
     using ArrayCommands::ArrayCommands;
-    bool generate() override;
 
     /// The drives of an array split into the spans of a spanned RAID level, appended to `list`:
-    /// pairs for RAID 10, two halves for RAID 50 and 60. False, with a message, for another level.
-    bool appendSpans(std::int32_t raidLevel, const RaidArray& members, CString& list) const;
+    /// pairs for RAID 10, two halves for RAID 50 and 60. False, with a fault, for another level.
+    bool appendSpans(std::int32_t raidLevel, const RaidArray& members, CString& list);
 
   protected:
+    bool makeLines() override;
     [[nodiscard]] const Traces& arrayTraces() const override;
     [[nodiscard]] const Traces& hotspareTraces() const override;
-    [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArrays() override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
     /// Fails, adding no line, for a hot spare outside the drive positions: it has no target id.
@@ -27,6 +26,8 @@ class MEGAWinCommands : public ArrayCommands {
     [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
 
   private:
+    /// The first hot spare outside the drive positions.
+    [[nodiscard]] const Hotspare* misplacedHotspare() const;
     void appendDrives(const RaidArray& members, std::size_t first, std::size_t count,
                       CString& list) const;
 };

@@ -1,6 +1,5 @@
 #include "commands/QTCSENDCommands.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
 
 #include <cmath>
@@ -23,10 +22,6 @@ const CommandGenerator::Traces& QTCSENDCommands::hotspareTraces() const {
         "Exiting QTCSENDCommands::doHotspareDrives, returning false(",
     };
     return traces;
-}
-
-std::int32_t QTCSENDCommands::defaultStripeSize() const {
-    return stripe::kb8;
 }
 
 CommandGenerator::Exit QTCSENDCommands::makeArray(std::size_t array, std::size_t drive) {

@@ -13,7 +13,6 @@ class QTCSENDCommands : public ArrayCommands {
   protected:
     [[nodiscard]] const Traces& arrayTraces() const override;
     [[nodiscard]] const Traces& hotspareTraces() const override;
-    [[nodiscard]] std::int32_t defaultStripeSize() const override;
     Exit makeArray(std::size_t array, std::size_t drive) override;
     [[nodiscard]] CString hotspareText(const Hotspare& hotspare) const override;
 

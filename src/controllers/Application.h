@@ -29,8 +29,6 @@ class Application {
     [[nodiscard]] Printer& printer() { return printer_; }
     [[nodiscard]] Report& report() { return report_; }
     [[nodiscard]] ControllerCatalogue& catalogue() { return catalogue_; }
-    /// The commands of the current deploy run.
-    [[nodiscard]] CommandList& commands() { return catalogue_.commandList(); }
     /// Model name of a controller's type and subtype.
     [[nodiscard]] CString controllerName(std::int32_t type, std::int32_t subtype) const {
         return catalogue_.getControllerName(type, subtype);

@@ -4,7 +4,7 @@
 #include "engine/PolicyInterpreter.h"
 #include "policies/PolicyReader.h"
 
-#include <memory>
+#include <utility>
 
 namespace zolex {
 
@@ -91,33 +91,46 @@ unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) 
     return success;
 }
 
-unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, std::int32_t number,
-                                    std::size_t& nextCommand) {
+unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t number) {
     const CString model = modelName(controller);
-    if (controller.configuration() == nullptr) {
-        printer().printf(level::progress, "\tSkipped %s controller.\n", model.c_str());
+    if (const GeneratorEntry* entry = findGenerator(controller.type()); entry != nullptr) {
+        printer().trace(entry->creationTrace);
+        printer().printf(level::detail, "\tGenerating commands for controller %d: %s ...\n", number,
+                         model.c_str());
+        printer().printf(level::progress, "        Controller %d:  %s ...", number, model.c_str());
+        printer().print("\n", level::progress);
+    }
+    CommandLines generated = commandLines(controller, number, *controller.configuration(),
+                                          {.pathPrefix = settings.commandPathPrefix}, report());
+    // A line that finds no room is dropped without a message: the run fetches only the first half
+    // of the list, so that no line is lost that would have been run.
+    static_assert(CommandList::fetchable * 2 == CommandList::slots, "the first half is fetched");
+    for (CString& line : generated.lines) {
+        static_cast<void>(commands_.add(std::move(line)));
+    }
+    if (!generated.fault) {
         return success;
     }
-    const GeneratorEntry* entry = findGenerator(controller.type());
-    if (entry == nullptr) {
-        printer().errorBlockf("Internal error.  Controller type not found:  %s", model.c_str());
+    if (generated.fault->kind == FaultKind::typeWithoutGenerator) {
         printer().trace("Exiting ZOLEX::deployConfiguration(1)\n");
         return resourcesMissing;
     }
-    printer().trace(entry->creationTrace);
-    const std::unique_ptr<CommandGenerator> generator = entry->create(*this);
-    printer().printf(level::detail, "\tGenerating commands for controller %d: %s ...\n", number,
-                     model.c_str());
-    printer().printf(level::progress, "        Controller %d:  %s ...", number, model.c_str());
-    printer().print("\n", level::progress);
-    generator->start(controller, number,
-                     settings.commandPathPrefix + catalogue().getUtilityCommand(controller.type()));
-    if (!generator->generate()) {
-        printer().print("An internal error has occurred.\n", level::detail);
-        printer().trace("Exiting ZOLEX::deployConfiguration(2)\n");
-        return commandFailed;
+    printer().print("An internal error has occurred.\n", level::detail);
+    printer().trace("Exiting ZOLEX::deployConfiguration(2)\n");
+    return commandFailed;
+}
+
+unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, std::int32_t number,
+                                    std::size_t& nextCommand) {
+    if (controller.configuration() == nullptr) {
+        printer().printf(level::progress, "\tSkipped %s controller.\n",
+                         modelName(controller).c_str());
+        return success;
     }
-    while (const CString* command = commands().get(nextCommand)) {
+    if (const unsigned result = generateCommands(controller, number); result != success) {
+        return result;
+    }
+    while (const CString* command = commands_.get(nextCommand)) {
         ++nextCommand;
         if (!deployCommand(runner, controller, number, *command)) {
             return commandFailed;

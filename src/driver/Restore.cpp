@@ -2,6 +2,7 @@
 
 #include "commands/CommandSource.h"
 #include "foundation/Text.h"
+#include "model/TypeTraits.h"
 
 #include <string_view>
 
@@ -12,11 +13,6 @@ namespace {
 constexpr unsigned restoreFailed = 7;
 constexpr unsigned resourcesMissing = 10;
 constexpr std::int32_t everyController = -1;
-
-/// Types whose reset is tried a second time when the first try is not accepted.
-bool retriesReset(std::int32_t type) {
-    return type == controller_type::arcconf7 || type == controller_type::arcconf11;
-}
 
 } // namespace
 
@@ -104,7 +100,7 @@ bool ZOLEX::restoreCommand(Tool& runner, RAIDController& controller, std::int32_
     if (printer().isVerbose()) {
         traceOutput(runner);
     }
-    if (retriesReset(controller.type()) && !isAccepted(controller, runner.exitCode())) {
+    if (traitsOf(controller.type()).retriesReset && !isAccepted(controller, runner.exitCode())) {
         printer().printfAlways("Executing:%s\n", command.c_str());
         if (!runner.run(true)) {
             printer().trace("Exiting restoreDefaults(6)\n");

@@ -1,5 +1,7 @@
 #include "driver/ZOLEX.h"
 
+#include "model/TypeTraits.h"
+
 #include <string_view>
 
 namespace zolex {
@@ -70,11 +72,10 @@ CString ZOLEX::fakeCommand(const RAIDController& controller, Mode mode) {
 }
 
 bool ZOLEX::runCommand(Tool& runner, const RAIDController& controller, const CString& command) {
-    constexpr int secondsBeforeLsiSas = 15;
     runner.setCommand(command);
     printer().printfAlways("Executing:%s\n", command.c_str());
-    if (controller.type() == controller_type::lsiSas) {
-        pauseWithDots(secondsBeforeLsiSas);
+    if (const int seconds = traitsOf(controller.type()).secondsBeforeCommand; seconds > 0) {
+        pauseWithDots(seconds);
     }
     return runner.run(true);
 }

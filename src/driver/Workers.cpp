@@ -30,12 +30,19 @@ std::unique_ptr<Tool> ZOLEX::makeRunner() {
     return make<Tool>(*this, "ZOLEX::makeRunner", platform(), report(), childLimit);
 }
 
+SourceOptions ZOLEX::sourceOptions() const {
+    return {.style = {.pathPrefix = settings.commandPathPrefix},
+            .remarks = settings.fake,
+            .withLayout = settings.capture,
+            .scriptPrefix = settings.tempDirectory};
+}
+
 std::unique_ptr<CommandSource> ZOLEX::makeCaptureSource() {
-    return make<GetConfigFiles>(*this, "ZOLEX::makeCaptureSource", *this);
+    return make<GetConfigFiles>(*this, "ZOLEX::makeCaptureSource", sourceOptions(), report());
 }
 
 std::unique_ptr<CommandSource> ZOLEX::makeRestoreSource() {
-    return make<RestoreDefaults>(*this, "ZOLEX::makeRestoreSource", *this);
+    return make<RestoreDefaults>(*this, "ZOLEX::makeRestoreSource", sourceOptions(), report());
 }
 
 std::unique_ptr<DiskInformation> ZOLEX::makeDiskInformation() {

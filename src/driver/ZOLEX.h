@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controllers/Application.h"
+#include "driver/CommandList.h"
 #include "inventory/ControllerList.h"
 
 #include <cstddef>
@@ -11,6 +12,7 @@ namespace zolex {
 
 class CapturedOutput;
 class CommandSource;
+struct SourceOptions;
 class DiskInformation;
 class ParameterParser;
 class PolicyGenerator;
@@ -100,6 +102,8 @@ class ZOLEX : public Application {
     void traceOutput(Tool& runner);
 
     // Deploy
+    /// Generates the controller's command lines and keeps those that find room: 0, 10 or 11.
+    unsigned generateCommands(const RAIDController& controller, std::int32_t number);
     unsigned planConfigurations(ControllerList& controllers);
     unsigned configureControllers(Tool& runner, ControllerList& controllers);
     unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
@@ -108,6 +112,7 @@ class ZOLEX : public Application {
                        CString command);
 
     // Shared by the modes
+    [[nodiscard]] SourceOptions sourceOptions() const;
     /// Whether this machine's controllers of type 10 are put in order of bus number.
     [[nodiscard]] bool reordersByBusNumber() const;
     void pauseWithDots(int seconds);
@@ -115,13 +120,14 @@ class ZOLEX : public Application {
     CString fakeCommand(const RAIDController& controller, Mode mode);
     /// Prints the rest of the runner's output line by line, as it came.
     void printOutput(Tool& runner);
-    /// Shows and runs one command line with its output captured, after the pause that controllers
-    /// of type 10 need; false when it could not run or did not end.
+    /// Shows and runs one command line with its output captured, after the pause that the type
+    /// needs; false when it could not run or did not end.
     bool runCommand(Tool& runner, const RAIDController& controller, const CString& command);
     void printFailure(const RAIDController& controller, Mode mode);
     bool isAccepted(const RAIDController& controller, std::uint32_t exitCode);
     CString modelName(const RAIDController& controller) const;
 
+    CommandList commands_;  ///< the commands of the deploy run
     bool captured_ = false; ///< a capture ran before in this run
 };
 

@@ -39,6 +39,16 @@ enum class FaultKind : std::int32_t {
     // Planning
 
     // Command lines of a utility
+    typeWithoutGenerator, ///< number: the type
+    layoutWithoutArray,
+    arrayWithoutLogicalDrive,
+    secondLogicalDrive,  ///< an array has two where the utility makes one
+    oneLogicalDriveOnly, ///< the same, told with the policy's name
+    fillOnly,            ///< number: size in MB, or -p for p percent
+    hotspareBesideMirror,
+    oneHotspareOnly,          ///< number: hot spares
+    levelWithoutSpans,        ///< number: RAID level code
+    hotspareOutsidePositions, ///< the utility cannot be told the drive
 
     // Command line of the program
 };

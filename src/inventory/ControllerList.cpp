@@ -4,6 +4,7 @@
 #include "foundation/Report.h"
 #include "inventory/ZOLEXSupport.h"
 #include "model/ControllerCatalogue.h"
+#include "model/TypeTraits.h"
 #include "platform/PciDeviceList.h"
 #include "show/Dumps.h"
 
@@ -34,11 +35,11 @@ bool rowMatches(const PciRow& row, const PciDevice& device) {
 }
 
 /// The first matching row of the catalogue; the end row (type -1) when there is none.
-PciRow findRow(ControllerCatalogue& catalogue, const PciDevice& device) {
-    catalogue.resetPciRowCursor();
-    PciRow row = catalogue.nextPciRow();
+PciRow findRow(const PciDevice& device) {
+    PciRowCursor cursor;
+    PciRow row = cursor.nextPciRow();
     while (row.type != controller_type::none && !rowMatches(row, device)) {
-        row = catalogue.nextPciRow();
+        row = cursor.nextPciRow();
     }
     return row;
 }
@@ -211,10 +212,9 @@ std::optional<Machine> ControllerList::initialize(PCI_DevList_VC& devices,
     }
     devices.reset();
     report.tracef("Total number of PCI devices=%d\n", static_cast<int>(devices.count()));
-    ControllerCatalogue catalogue;
     bool tooMany = false;
     while (const PciDevice* device = devices.next()) {
-        const PciRow row = findRow(catalogue, *device);
+        const PciRow row = findRow(*device);
         if (row.type != controller_type::none && !addFromPci(*device, row, report)) {
             tooMany = true;
         }
@@ -290,7 +290,7 @@ void ControllerList::setControllerScanOrders(Report& report) {
 void ControllerList::reorderByBusNumber() {
     std::vector<std::size_t> slots;
     for (std::size_t i = 0; i < controllers_.size(); ++i) {
-        if (controllers_[i].type() == controller_type::lsiSas) {
+        if (traitsOf(controllers_[i].type()).orderedByBus) {
             slots.push_back(i);
         }
     }

@@ -1,6 +1,7 @@
 #include "model/ControllerCatalogue.h"
 
 #include "model/Codes.h"
+#include "model/TypeTraits.h"
 
 #include <algorithm>
 #include <array>
@@ -12,35 +13,10 @@ namespace {
 constexpr std::int32_t anySubtype = -2;
 constexpr std::uint16_t anyId = 0xFFFF;
 constexpr std::uint16_t maker = ZOLEX_MAKER_PCI_VENDOR_ID;
-/// Rows of the PCI table, from the first, whose models a policy may name.
-constexpr std::size_t rowsOfValidNames = 21;
 
 constexpr std::string_view noController = "ERROR-NO-CONTROLLER";
 
-// What each type is driven by. Columns: type; command prefix of its utility; exit codes that count
-// as success besides 0 (-1: none). Order: by type, looked up by position.
-struct TypeRow {
-    std::int32_t type;
-    const char* utilityCommand;
-    std::int32_t accepted2;
-    std::int32_t accepted3;
-};
 // clang-format off
-constexpr std::array<TypeRow, 12> typeRows{{
-    {1,  "UTIL.BAT QTCSEND",       -1, -1},
-    {2,  "UTIL.BAT ARCCONF",       -1, -1},
-    {3,  "UTIL.BAT HRCONF",        -1, -1},
-    {4,  "UTIL.BAT HRCONF",        -1, -1},
-    {5,  "UTIL.BAT CFGGEN1.02.02",  2, -1},
-    {6,  "UTIL.BAT HYPERWIN",      -1, -1},
-    {7,  "UTIL.BAT ARCCONF",       -1, -1},
-    {8,  "UTIL.BAT HRCONF",        -1, -1},
-    {9,  "UTIL.BAT HRCONF",        -1, -1},
-    {10, "UTIL.BAT CFGGEN",        -1, -1},
-    {11, "UTIL.BAT ARCCONF",       -1, -1},
-    {12, "UTIL.BAT MEGACLI",       -1, 49},
-}};
-
 // Model name of a type and subtype. Order matters: the first row whose type is equal and whose
 // subtype is equal or any (-2) gives the name.
 struct NameRow {
@@ -140,72 +116,49 @@ constexpr std::array<ModelRow, 38> modelRows{{
     {"Kestrix-D4",         12, 14, true},
 }};
 
-// PCI identification: vendor, device, subsystem vendor, subsystem id (0xFFFF: any), type, subtype.
-// Order matters: the table is walked from its last row to its first, so that the rows with an exact
-// subsystem come before the generic ones. Row 0 is the end marker.
+// PCI identification: vendor, device, subsystem vendor, subsystem id (0xFFFF: any), type, subtype,
+// whether a policy may name the row's model. Order matters: the table is walked from its last row
+// to its first, so that the rows with an exact subsystem come before the generic ones. Row 0 is the
+// end marker.
 constexpr std::array<PciRow, 36> pciRows{{
-    {0x0000, 0x0000, anyId,  anyId,  -1, -1},
-    {maker,  0x002E, anyId,  anyId,  1,  1},
-    {maker,  0x01BD, anyId,  anyId,  1,  -1},
-    {0x9005, 0x0250, anyId,  anyId,  1,  -1},
-    {0x9005, 0x0285, 0x9005, 0x0290, 2,  -1},
-    {0x8086, 0x25B0, anyId,  anyId,  3,  -1},
-    {0x8086, 0x24DF, anyId,  anyId,  3,  -1},
-    {0x9005, 0x808F, anyId,  anyId,  4,  1},
-    {0x9005, 0x809D, anyId,  anyId,  4,  1},
-    {0x1000, 0x0030, anyId,  anyId,  5,  1},
-    {0x1166, 0x0213, anyId,  anyId,  6,  1},
-    {0x9005, 0x0285, maker,  0x02F2, 7,  7},
-    {0x9005, 0x043F, anyId,  anyId,  8,  -1},
-    {0x8086, 0x27C3, anyId,  anyId,  9,  -1},
-    {0x1000, 0x0050, anyId,  anyId,  10, -1},
-    {0x1000, 0x0056, anyId,  anyId,  10, -1},
-    {0x1000, 0x005C, anyId,  anyId,  10, -1},
-    {0x8086, 0x2682, anyId,  anyId,  9,  -1},
-    {0x9005, 0x0286, anyId,  anyId,  11, 2},
-    {0x1000, 0x0058, anyId,  anyId,  10, -1},
-    {0x1000, 0x0054, anyId,  anyId,  10, -1},
-    {0x1000, 0x0062, anyId,  anyId,  10, 1},
-    {0x1000, 0x0073, anyId,  anyId,  12, 10},
-    {0x1000, 0x0079, anyId,  anyId,  12, 14},
-    {0x1000, 0x0411, 0x1000, 0x1002, 12, 1},
-    {0x1000, 0x0060, maker,  0x0363, 12, 6},
-    {0x1000, 0x0060, maker,  0x0364, 12, 2},
-    {0x1000, 0x0060, maker,  0x0379, 12, 7},
-    {0x9005, 0x0285, maker,  0x034D, 7,  1},
-    {0x1000, 0x0060, maker,  0x0365, 12, 5},
-    {0x1000, 0x0060, maker,  0x03A2, 12, 4},
-    {0x1000, 0x0060, maker,  0x03AC, 12, 3},
-    {0x1000, 0x0079, maker,  0x03C7, 12, 11},
-    {0x1000, 0x0079, maker,  0x03B2, 12, 12},
-    {0x1000, 0x0073, maker,  0x03B1, 12, 8},
-    {0x1000, 0x0079, maker,  0x03B3, 12, 13},
-}};
-
-// Utility families by which scan orders are counted. Columns: type whose utility command is
-// compared; index of the family. Order matters: the first equal command decides. A command that
-// equals none of them counts in family 6.
-struct FamilyRow {
-    std::int32_t type;
-    std::int32_t family;
-};
-constexpr std::array<FamilyRow, 6> familyRows{{
-    {1,  1},
-    {5,  5},
-    {6,  6},
-    {12, 12},
-    {7,  7},
-    {4,  4},
+    {0x0000, 0x0000, anyId,  anyId,  -1, -1,  true},
+    {maker,  0x002E, anyId,  anyId,  1,  1,   true},
+    {maker,  0x01BD, anyId,  anyId,  1,  -1,  true},
+    {0x9005, 0x0250, anyId,  anyId,  1,  -1,  true},
+    {0x9005, 0x0285, 0x9005, 0x0290, 2,  -1,  true},
+    {0x8086, 0x25B0, anyId,  anyId,  3,  -1,  true},
+    {0x8086, 0x24DF, anyId,  anyId,  3,  -1,  true},
+    {0x9005, 0x808F, anyId,  anyId,  4,  1,   true},
+    {0x9005, 0x809D, anyId,  anyId,  4,  1,   true},
+    {0x1000, 0x0030, anyId,  anyId,  5,  1,   true},
+    {0x1166, 0x0213, anyId,  anyId,  6,  1,   true},
+    {0x9005, 0x0285, maker,  0x02F2, 7,  7,   true},
+    {0x9005, 0x043F, anyId,  anyId,  8,  -1,  true},
+    {0x8086, 0x27C3, anyId,  anyId,  9,  -1,  true},
+    {0x1000, 0x0050, anyId,  anyId,  10, -1,  true},
+    {0x1000, 0x0056, anyId,  anyId,  10, -1,  true},
+    {0x1000, 0x005C, anyId,  anyId,  10, -1,  true},
+    {0x8086, 0x2682, anyId,  anyId,  9,  -1,  true},
+    {0x9005, 0x0286, anyId,  anyId,  11, 2,   true},
+    {0x1000, 0x0058, anyId,  anyId,  10, -1,  true},
+    {0x1000, 0x0054, anyId,  anyId,  10, -1,  true},
+    {0x1000, 0x0062, anyId,  anyId,  10, 1,   false},
+    {0x1000, 0x0073, anyId,  anyId,  12, 10,  false},
+    {0x1000, 0x0079, anyId,  anyId,  12, 14,  false},
+    {0x1000, 0x0411, 0x1000, 0x1002, 12, 1,   false},
+    {0x1000, 0x0060, maker,  0x0363, 12, 6,   false},
+    {0x1000, 0x0060, maker,  0x0364, 12, 2,   false},
+    {0x1000, 0x0060, maker,  0x0379, 12, 7,   false},
+    {0x9005, 0x0285, maker,  0x034D, 7,  1,   false},
+    {0x1000, 0x0060, maker,  0x0365, 12, 5,   false},
+    {0x1000, 0x0060, maker,  0x03A2, 12, 4,   false},
+    {0x1000, 0x0060, maker,  0x03AC, 12, 3,   false},
+    {0x1000, 0x0079, maker,  0x03C7, 12, 11,  false},
+    {0x1000, 0x0079, maker,  0x03B2, 12, 12,  false},
+    {0x1000, 0x0073, maker,  0x03B1, 12, 8,   false},
+    {0x1000, 0x0079, maker,  0x03B3, 12, 13,  false},
 }};
 // clang-format on
-constexpr std::int32_t familyOfOthers = 6;
-
-const TypeRow* findType(std::int32_t type) {
-    if (type < controller_type::first || type > controller_type::last) {
-        return nullptr;
-    }
-    return &typeRows[static_cast<std::size_t>(type - controller_type::first)];
-}
 
 const ModelRow* findModel(std::string_view name) {
     const auto* row = std::find_if(modelRows.begin(), modelRows.end(),
@@ -222,92 +175,91 @@ constexpr std::string_view nameOf(std::int32_t type, std::int32_t subtype) {
     return noController;
 }
 
-constexpr auto namesOfFirstRows = [] {
-    std::array<std::string_view, rowsOfValidNames> names;
+constexpr bool everyTypeHasAName() {
+    for (std::int32_t type = controller_type::first; type <= controller_type::last; ++type) {
+        if (nameOf(type, subtypeNotSet) == noController) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(everyTypeHasAName());
+
+constexpr auto namesOfPciRows = [] {
+    std::array<std::string_view, pciRows.size()> names;
     for (std::size_t row = 0; row < names.size(); ++row) {
         names[row] = nameOf(pciRows[row].type, pciRows[row].subtype);
     }
     return names;
 }();
 
+bool isNamedByPciRow(std::string_view name) {
+    for (std::size_t row = 0; row < pciRows.size(); ++row) {
+        if (pciRows[row].namedInPolicies && namesOfPciRows[row] == name) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
-CString ControllerCatalogue::getControllerName(std::int32_t type, std::int32_t subtype) const {
+PciRowCursor::PciRowCursor() : row_(pciRows.size() - 1) {}
+
+void PciRowCursor::resetPciRowCursor() {
+    *this = PciRowCursor();
+}
+
+PciRow PciRowCursor::nextPciRow() {
+    const PciRow row = pciRows[row_];
+    if (row_ > 0) {
+        --row_;
+    }
+    return row;
+}
+
+CString ControllerCatalogue::getControllerName(std::int32_t type, std::int32_t subtype) {
     return nameOf(type, subtype);
 }
 
-CString ControllerCatalogue::getUtilityCommand(std::int32_t type) const {
-    const TypeRow* row = findType(type);
-    return row == nullptr ? CString() : CString(row->utilityCommand);
+CString ControllerCatalogue::getUtilityCommand(std::int32_t type) {
+    return traitsOf(type).utilityCommand;
 }
 
-std::int32_t ControllerCatalogue::getUtilityFamily(std::int32_t type) const {
-    const CString command = getUtilityCommand(type);
-    for (const FamilyRow& row : familyRows) {
-        if (command == getUtilityCommand(row.type)) {
-            return row.family;
-        }
-    }
-    return familyOfOthers;
+std::int32_t ControllerCatalogue::getUtilityFamily(std::int32_t type) {
+    return traitsOf(type).scanFamily;
 }
 
-std::int32_t ControllerCatalogue::getAcceptedReturnCode(std::int32_t type,
-                                                        std::int32_t slot) const {
+std::int32_t ControllerCatalogue::getAcceptedReturnCode(std::int32_t type, std::int32_t slot) {
     constexpr std::int32_t never = -1;
-    const TypeRow* row = findType(type);
     switch (slot) {
     case 1:
         return 0;
     case 2:
-        return row == nullptr ? never : row->accepted2;
     case 3:
-        return row == nullptr ? never : row->accepted3;
+        return traitsOf(type).acceptedCodes[static_cast<std::size_t>(slot - 2)];
     default:
         return never;
     }
 }
 
-std::int32_t ControllerCatalogue::getControllerType(const CString& name) const {
+std::int32_t ControllerCatalogue::getControllerType(const CString& name) {
     const ModelRow* model = findModel(name);
     return model == nullptr ? controller_type::none : model->type;
 }
 
-std::int32_t ControllerCatalogue::getControllerSubtype(const CString& name) const {
+std::int32_t ControllerCatalogue::getControllerSubtype(const CString& name) {
     const ModelRow* model = findModel(name);
     return model == nullptr ? subtypeNotSet : model->subtype;
 }
 
-bool ControllerCatalogue::isValidControllerName(std::string_view name) const {
+bool ControllerCatalogue::isValidControllerName(std::string_view name) {
     const ModelRow* model = findModel(name);
-    return (model != nullptr && model->namedInPolicies) ||
-           std::find(namesOfFirstRows.begin(), namesOfFirstRows.end(), name) !=
-               namesOfFirstRows.end();
+    return (model != nullptr && model->namedInPolicies) || isNamedByPciRow(name);
 }
 
-bool ControllerCatalogue::acceptsExplicitSize(std::int32_t type) const {
-    switch (type) {
-    case controller_type::hrconf3:
-    case controller_type::hrconf4:
-    case controller_type::lsiScsi:
-    case controller_type::lsiIde:
-    case controller_type::hrconf8:
-    case controller_type::hrconf9:
-        return false;
-    default:
-        return true;
-    }
-}
-
-void ControllerCatalogue::resetPciRowCursor() {
-    pciRowCursor_ = pciRows.size() - 1;
-}
-
-PciRow ControllerCatalogue::nextPciRow() {
-    const PciRow row = pciRows[pciRowCursor_];
-    if (pciRowCursor_ > 0) {
-        --pciRowCursor_;
-    }
-    return row;
+bool ControllerCatalogue::acceptsExplicitSize(std::int32_t type) {
+    return traitsOf(type).explicitSizes;
 }
 
 } // namespace zolex

@@ -1,10 +1,10 @@
 #include "policies/PolicyText.h"
 
 #include "foundation/Text.h"
+#include "model/TypeTraits.h"
 #include "policies/PolicyValues.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <iterator>
 #include <vector>
@@ -12,40 +12,6 @@
 namespace zolex {
 
 namespace {
-
-/// Which settings a generated policy names, by controller type. A type outside the table names all.
-struct WrittenSettings {
-    bool stripeSize;
-    bool rebuildRate;
-    bool readAhead;
-    bool writeCache;
-};
-
-// clang-format off
-constexpr std::array<WrittenSettings, controller_type::last> writtenSettings = {{
-    // stripe, rebuild, read-ahead, write cache
-    {true,  true,  true,  true},  // 1
-    {true,  false, true,  true},  // 2
-    {true,  false, false, false}, // 3
-    {true,  false, false, false}, // 4
-    {false, false, false, false}, // 5
-    {true,  false, false, true},  // 6
-    {true,  true,  true,  true},  // 7
-    {true,  false, false, true},  // 8
-    {true,  false, false, false}, // 9
-    {false, false, false, false}, // 10
-    {true,  true,  true,  true},  // 11
-    {true,  false, true,  true},  // 12
-}};
-// clang-format on
-static_assert(writtenSettings.size() == 12);
-
-WrittenSettings writtenSettingsOf(std::int32_t type) {
-    if (type < controller_type::first || type > controller_type::last) {
-        return {true, true, true, true};
-    }
-    return writtenSettings[static_cast<std::size_t>(type - controller_type::first)];
-}
 
 /// A drive of a captured list; `known` is false when no drive stands at its position.
 struct ListedDrive {
@@ -125,7 +91,7 @@ void appendEntry(CString& text, const char* keyword, std::string_view value) {
 
 void appendSettings(CString& text, const RAIDController& controller) {
     const RAIDConfiguration& configuration = *controller.configuration();
-    const WrittenSettings written = writtenSettingsOf(controller.type());
+    const WrittenSettings written = traitsOf(controller.type()).writes;
     const bool stripeSize = written.stripeSize && configuration.stripeSize != stripe::none;
     if (stripeSize) {
         appendEntry(text, "StripeSize", stripeSizeWord(configuration.stripeSize));
@@ -175,7 +141,7 @@ CString logicalDriveText(const LogicalDrive& drive, bool explicitSizes, bool wit
 
 void appendLogicalDrives(CString& text, const CapturedFacts& facts,
                          const RAIDController& controller) {
-    const bool withWriteCache = writtenSettingsOf(controller.type()).writeCache;
+    const bool withWriteCache = traitsOf(controller.type()).writes.writeCache;
     appendEntry(text, "Logical_Mode", "CUSTOM");
     int number = 0;
     for (const LogicalDrive& drive : controller.configuration()->logicalDrives()) {

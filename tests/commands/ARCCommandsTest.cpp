@@ -9,17 +9,10 @@ class ARCCommandsTest : public GeneratorFixture {
   protected:
     void SetUp() override { makeController(controller_type::arcconf7, 7, 2); }
 
-    /// The command list of a fresh application for the plan at hand.
+    /// The lines of the plan at hand.
     Lines generateFresh() {
-        Application fresh(platform);
-        ARCCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT ARCCONF");
-        EXPECT_TRUE(generator.generate());
-        Lines all;
-        for (std::size_t i = 0; fresh.commands().get(i) != nullptr; ++i) {
-            all.emplace_back(fresh.commands().get(i)->view());
-        }
-        return all;
+        EXPECT_TRUE(generate());
+        return lines();
     }
 };
 
@@ -218,7 +211,7 @@ TEST_F(ARCCommandsTest, WriteCacheWordDependsOnTheModel) {
 }
 
 TEST_F(ARCCommandsTest, CacheLinesFollowTheirArrayAndCountFromOne) {
-    application.settings.commandPathPrefix = "C:\\U\\";
+    style.pathPrefix = "C:\\U\\";
     addArray({{1, 0}, {2, 3}});
     addArray({{4, 35}});
     addLogicalDrive(1, raid_level::raid0, sizeFill, write_cache::off);
@@ -240,11 +233,12 @@ TEST_F(ARCCommandsTest, CacheLinesFollowTheirArrayAndCountFromOne) {
                      "C:\\U\\UTIL.BAT ARCCONF SETSTATE 2 DEVICE 2 9 HSP"}));
 }
 
-TEST_F(ARCCommandsTest, StripeSizeNoneIsReplacedInThePlan) {
+TEST_F(ARCCommandsTest, StripeSizeNoneIsReplacedForTheLinesAndStaysInThePlan) {
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1);
     EXPECT_TRUE(generate());
-    EXPECT_EQ(plan().stripeSize, stripe::kb256);
+    EXPECT_EQ(plan().stripeSize, stripe::none);
+    EXPECT_EQ(finalStripeSize(controller.type(), plan().stripeSize), stripe::kb256);
 }
 
 TEST_F(ARCCommandsTest, TracesStandAtTheirPlaces) {

@@ -33,16 +33,13 @@ TEST_F(CFGGENCommandsTest, LevelsGiveTheirWord) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::lsiSas, 2, 2);
         addArrayOf(3);
         addLogicalDrive(0, row.level);
-        CFGGENCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT CFGGEN");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
-        EXPECT_EQ(fresh.commands().get(1), nullptr);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], row.line);
+        EXPECT_EQ(lines().size(), 1U);
     }
 }
 
@@ -89,10 +86,11 @@ TEST_F(CFGGENCommandsTest, StripeSizeNoneStays) {
     addLogicalDrive(0, raid_level::raid1);
     EXPECT_TRUE(generate());
     EXPECT_EQ(plan().stripeSize, stripe::none);
+    EXPECT_EQ(finalStripeSize(controller.type(), plan().stripeSize), stripe::none);
 }
 
 TEST_F(CFGGENCommandsTest, PathPrefixStandsBeforeTheUtilityCommand) {
-    application.settings.commandPathPrefix = "D:\\";
+    style.pathPrefix = "D:\\";
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1);
     addHotspare(1, 2);

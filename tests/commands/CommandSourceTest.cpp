@@ -1,8 +1,9 @@
 #include "commands/CommandSource.h"
 
-#include "controllers/Application.h"
+#include "driver/PrinterReport.h"
 #include "foundation/FileSystem.h"
 #include "model/RAIDController.h"
+#include "model/TypeTraits.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -16,10 +17,10 @@ namespace {
 class CommandSourceTest : public ::testing::Test {
   protected:
     CString capture(std::int32_t type, std::int32_t scanOrder, std::size_t index = 0) {
-        return GetConfigFiles(application).getCommand(controllerOf(type, scanOrder), 1, index);
+        return GetConfigFiles(options, report).getCommand(controllerOf(type, scanOrder), 1, index);
     }
     CString restore(std::int32_t type, std::int32_t scanOrder, std::size_t index = 0) {
-        return RestoreDefaults(application).getCommand(controllerOf(type, scanOrder), 1, index);
+        return RestoreDefaults(options, report).getCommand(controllerOf(type, scanOrder), 1, index);
     }
     const RAIDController& controllerOf(std::int32_t type, std::int32_t scanOrder) {
         controller.setType(type);
@@ -28,7 +29,9 @@ class CommandSourceTest : public ::testing::Test {
     }
 
     FakePlatform platform;
-    Application application{platform};
+    Printer printer{platform.console()};
+    PrinterReport report{printer};
+    SourceOptions options;
     RAIDController controller;
 };
 
@@ -91,7 +94,7 @@ TEST_F(CommandSourceTest, RestoreLineOfEveryType) {
 }
 
 TEST_F(CommandSourceTest, LinesOfAnInventoryAreRemarks) {
-    application.settings.fake = true;
+    options.remarks = true;
     EXPECT_EQ(capture(1, 1), "REM * UTIL.BAT QTCSEND GETCONFIG 1 AL\n");
     EXPECT_EQ(capture(5, 1), "REM * UTIL.BAT CFGGEN1.02.02 0 DISPLAY \n");
     EXPECT_EQ(capture(6, 1), "REM * UTIL.BAT HYPERWIN /L /D10 \n");
@@ -104,19 +107,13 @@ TEST_F(CommandSourceTest, LinesOfAnInventoryAreRemarks) {
     EXPECT_EQ(restore(13, 1), "");
 }
 
-TEST_F(CommandSourceTest, LinesOfAControllerDefinitionFileAreNoRemarks) {
-    application.settings.controllerDefinitionFile = "controllers.txt";
-    EXPECT_EQ(capture(12, 1), "UTIL.BAT MEGACLI -pdList -a0 \n");
-    EXPECT_EQ(restore(12, 1), "UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT");
-}
-
 TEST_F(CommandSourceTest, PathPrefixStandsBeforeTheUtilityCommand) {
-    application.settings.commandPathPrefix = "C:\\RAID\\";
+    options.style.pathPrefix = "C:\\RAID\\";
     EXPECT_EQ(capture(4, 1), "C:\\RAID\\UTIL.BAT HRCONF GETCONFIG 1 AL\n");
     EXPECT_EQ(capture(6, 1, 1), "C:\\RAID\\UTIL.BAT HYPERWIN /L /D20 \n");
     EXPECT_EQ(capture(12, 1, 1), "C:\\RAID\\UTIL.BAT MEGACLI -adpallinfo -a0 \n");
     EXPECT_EQ(restore(5, 3), "C:\\RAID\\UTIL.BAT CFGGEN1.02.02 2 DELETE NOPROMPT");
-    application.settings.fake = true;
+    options.remarks = true;
     EXPECT_EQ(capture(4, 1), "REM * C:\\RAID\\UTIL.BAT HRCONF GETCONFIG 1 AL\n");
 }
 
@@ -137,7 +134,7 @@ TEST_F(CommandSourceTest, MegaCliListingsByCommandNumber) {
     for (std::size_t i = 0; i < std::size(drivesOnly); ++i) {
         EXPECT_EQ(capture(12, 1, i), drivesOnly[i]) << i;
     }
-    application.settings.capture = true;
+    options.withLayout = true;
     for (std::size_t i = 0; i < std::size(withLogicalDrives); ++i) {
         EXPECT_EQ(capture(12, 1, i), withLogicalDrives[i]) << i;
     }
@@ -146,7 +143,7 @@ TEST_F(CommandSourceTest, MegaCliListingsByCommandNumber) {
 TEST_F(CommandSourceTest, HyperwinDrivesByCommandNumber) {
     EXPECT_EQ(capture(6, 1, 0), "UTIL.BAT HYPERWIN /L /D10 \n");
     EXPECT_EQ(capture(6, 1, 1), "UTIL.BAT HYPERWIN /L /D20 \n");
-    application.settings.capture = true;
+    options.withLayout = true;
     EXPECT_EQ(capture(6, 1, 0), "UTIL.BAT HYPERWIN /L /D00 \n");
     EXPECT_EQ(capture(6, 1, 1), "UTIL.BAT HYPERWIN /L /D10 \n");
     EXPECT_EQ(capture(6, 1, 2), "UTIL.BAT HYPERWIN /L /D20 \n");
@@ -159,10 +156,10 @@ TEST_F(CommandSourceTest, ForeignConfigurationsAreClearedByTheSecondMegaCliComma
 }
 
 TEST_F(CommandSourceTest, NumberOfCommandsOfEveryType) {
-    GetConfigFiles getConfig(application);
-    RestoreDefaults restoreDefaults(application);
     for (const bool capturing : {false, true}) {
-        application.settings.capture = capturing;
+        options.withLayout = capturing;
+        const GetConfigFiles getConfig(options, report);
+        const RestoreDefaults restoreDefaults(options, report);
         for (std::int32_t type = -1; type <= 13; ++type) {
             const bool several = type == 6 || type == 12;
             const std::size_t captures = !several ? 1U : capturing ? 3U : 2U;
@@ -174,15 +171,15 @@ TEST_F(CommandSourceTest, NumberOfCommandsOfEveryType) {
 }
 
 TEST_F(CommandSourceTest, CaptureLogsItsEntry) {
-    application.printer().setVerbosity(level::traces);
-    GetConfigFiles source(application);
+    printer.setVerbosity(level::traces);
+    GetConfigFiles source(options, report);
     static_cast<void>(source.getCommand(controllerOf(12, 1), 3, 1));
     EXPECT_EQ(platform.consoleFake.takeOutput(),
               "Entering GetConfigFiles::getCommand, controller type=12, num=3, comandNum=1\n");
     static_cast<void>(source.getCommand(controllerOf(-1, 1), 36, 0));
     EXPECT_EQ(platform.consoleFake.takeOutput(),
               "Entering GetConfigFiles::getCommand, controller type=-1, num=36, comandNum=0\n");
-    application.printer().setVerbosity(level::detail);
+    printer.setVerbosity(level::detail);
     static_cast<void>(source.getCommand(controllerOf(12, 1), 3, 1));
     EXPECT_EQ(platform.consoleFake.takeOutput(), "");
 }
@@ -220,15 +217,15 @@ constexpr const char* restoreSection =
 
 TEST_F(CommandSourceTest, CaptureErrorSection) {
     const std::unique_ptr<File> script = platform.fileFake.open("x.bat", "w");
-    EXPECT_TRUE(GetConfigFiles(application).writeErrorSection(*script));
+    EXPECT_TRUE(GetConfigFiles(options, report).writeErrorSection(*script));
     EXPECT_EQ(platform.fileFake.files["x.bat"], captureSection);
 }
 
 TEST_F(CommandSourceTest, RestoreErrorSection) {
-    application.settings.tempDirectory = "T:\\TEMP\\";
-    application.settings.commandPathPrefix = "C:\\RAID\\";
+    options.scriptPrefix = "T:\\TEMP\\";
+    options.style.pathPrefix = "C:\\RAID\\";
     const std::unique_ptr<File> script = platform.fileFake.open("x.bat", "w");
-    EXPECT_TRUE(RestoreDefaults(application).writeErrorSection(*script));
+    EXPECT_TRUE(RestoreDefaults(options, report).writeErrorSection(*script));
     EXPECT_EQ(platform.fileFake.files["x.bat"], restoreSection);
 }
 
@@ -266,8 +263,8 @@ TEST_F(CommandSourceTest, FailedWriteOfTheErrorSectionClosesTheFile) {
         int writes;
     };
     for (const Row row : {Row{false, 8}, Row{true, 9}}) {
-        GetConfigFiles captureSource(application);
-        RestoreDefaults restoreSource(application);
+        GetConfigFiles captureSource(options, report);
+        RestoreDefaults restoreSource(options, report);
         CommandSource& source = row.restore ? static_cast<CommandSource&>(restoreSource)
                                             : static_cast<CommandSource&>(captureSource);
         FailingFile good;

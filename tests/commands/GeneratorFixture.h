@@ -1,8 +1,10 @@
 #pragma once
 
 #include "commands/CommandGenerator.h"
-#include "controllers/Application.h"
+#include "driver/CommandList.h"
+#include "driver/PrinterReport.h"
 #include "model/RAIDController.h"
+#include "model/TypeTraits.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +17,8 @@
 
 namespace zolex::test {
 
-/// One controller with a plan, and the generator of its type. Tests fill the plan and compare the
-/// command list and the whole of what was printed.
+/// One controller with a plan. Tests fill the plan, generate, and compare the lines and the whole
+/// of what was printed.
 class GeneratorFixture : public ::testing::Test {
   protected:
     /// Gives the controller an identity and an empty plan of policy "Policy.1".
@@ -68,35 +70,40 @@ class GeneratorFixture : public ::testing::Test {
         ASSERT_TRUE(plan().addHotspare(hotspare));
     }
 
-    /// Runs the generator of the controller's type for list position 4.
+    /// Makes the lines of the controller at list position 4; false after a fault.
     bool generate() {
-        const GeneratorEntry* entry = findGenerator(controller.type());
-        if (entry == nullptr) {
-            ADD_FAILURE() << "no generator for type " << controller.type();
-            return false;
-        }
-        const std::unique_ptr<CommandGenerator> generator = entry->create(application);
-        generator->start(controller, 4,
-                         application.settings.commandPathPrefix +
-                             application.catalogue().getUtilityCommand(controller.type()));
-        return generator->generate();
+        generated = commandLines(controller, 4, plan(), style, report);
+        return !generated.fault;
+    }
+    [[nodiscard]] FaultKind faultKind() const {
+        return generated.fault ? generated.fault->kind : FaultKind::none;
     }
 
-    /// The command list, as far as it can be fetched.
-    std::vector<std::string> lines() {
+    /// The lines that were made last.
+    [[nodiscard]] std::vector<std::string> lines() const {
         std::vector<std::string> all;
-        for (std::size_t i = 0; application.commands().get(i) != nullptr; ++i) {
-            all.emplace_back(application.commands().get(i)->view());
+        for (const CString& line : generated.lines) {
+            all.emplace_back(line.view());
         }
         return all;
     }
 
-    void showTraces() { application.printer().setVerbosity(level::traces); }
+    /// Puts the lines into a list as far as they find room.
+    void keep(CommandList& list) const {
+        for (const CString& line : generated.lines) {
+            static_cast<void>(list.add(line));
+        }
+    }
+
+    void showTraces() { printer.setVerbosity(level::traces); }
     std::string output() { return platform.consoleFake.takeOutput(); }
 
     FakePlatform platform;
-    Application application{platform};
+    Printer printer{platform.console()};
+    PrinterReport report{printer};
+    CommandStyle style;
     RAIDController controller;
+    CommandLines generated;
 };
 
 using Lines = std::vector<std::string>;

@@ -5,6 +5,7 @@
 #include "commands/HYPERWINCommands.h"
 #include "commands/MEGAWinCommands.h"
 #include "commands/QTCSENDCommands.h"
+#include "driver/CommandList.h"
 
 #include <typeinfo>
 
@@ -31,14 +32,17 @@ TEST(GeneratorTable, EveryTypeHasTheGeneratorOfItsUtility) {
         {11, typeid(ARCCommands), "Creating ARCCommands\n"},
         {12, typeid(MEGAWinCommands), "Creating MEGAWinCommands\n"},
     };
-    FakePlatform platform;
-    Application application(platform);
+    const RAIDController controller;
+    const RAIDConfiguration layout;
+    const CommandStyle style;
+    SilentReport report;
     for (const Row& row : rows) {
         const GeneratorEntry* entry = findGenerator(row.type);
         ASSERT_NE(entry, nullptr) << row.type;
         EXPECT_EQ(entry->controllerType, row.type);
         EXPECT_STREQ(entry->creationTrace, row.trace);
-        const std::unique_ptr<CommandGenerator> generator = entry->create(application);
+        const std::unique_ptr<CommandGenerator> generator =
+            entry->create({controller, 1, layout, style, report});
         ASSERT_NE(generator, nullptr);
         const CommandGenerator& made = *generator;
         EXPECT_TRUE(typeid(made) == row.generator) << row.type;
@@ -54,6 +58,7 @@ TEST(GeneratorTable, OtherTypesHaveNone) {
 using GeneratorsTogether = GeneratorFixture;
 
 TEST_F(GeneratorsTogether, AppendToOneListOfWhichSixteenCanBeFetched) {
+    CommandList list;
     for (std::int32_t run = 0; run < 2; ++run) {
         makeController(controller_type::family, 1, run + 1);
         for (std::int32_t i = 0; i < 8; ++i) {
@@ -63,8 +68,12 @@ TEST_F(GeneratorsTogether, AppendToOneListOfWhichSixteenCanBeFetched) {
         addHotspare(1, 10);
         addHotspare(1, 11);
         EXPECT_TRUE(generate());
+        keep(list);
     }
-    const Lines fetched = lines();
+    Lines fetched;
+    while (const CString* line = list.get(fetched.size())) {
+        fetched.emplace_back(line->view());
+    }
     ASSERT_EQ(fetched.size(), 16U);
     EXPECT_EQ(fetched[9], "UTIL.BAT QTCSEND SETSTATE 1 1 11 HSP");
     EXPECT_EQ(fetched[10], "UTIL.BAT QTCSEND CREATE 2 LOGICALDRIVE NEWARRAY MAX 0 1 0 NOPROMPT");
@@ -117,43 +126,66 @@ TEST_F(FullCommandList, FourControllersWithMoreLinesThanItHoldsAreGeneratedWitho
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
-        const GeneratorEntry* entry = findGenerator(row.type);
-        ASSERT_NE(entry, nullptr);
+        CommandList list;
+        std::size_t made = 0;
         for (std::int32_t number = 1; number <= 4; ++number) {
             makeLargestPlan(row.type, number);
-            const std::unique_ptr<CommandGenerator> generator = entry->create(fresh);
-            generator->start(controller, number, fresh.catalogue().getUtilityCommand(row.type));
-            EXPECT_TRUE(generator->generate()) << row.type << " " << number;
+            EXPECT_TRUE(generate()) << row.type << " " << number;
+            keep(list);
+            made += lines().size();
         }
         EXPECT_EQ(output(), "") << row.type;
-        EXPECT_FALSE(fresh.commands().add("one more")) << row.type;
-        ASSERT_NE(fresh.commands().get(15), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.first);
-        EXPECT_EQ(fresh.commands().get(15)->view(), row.sixteenth);
-        EXPECT_EQ(fresh.commands().get(16), nullptr);
+        EXPECT_GT(made, CommandList::slots) << row.type;
+        EXPECT_FALSE(list.add("one more")) << row.type;
+        ASSERT_NE(list.get(15), nullptr);
+        EXPECT_EQ(list.get(0)->view(), row.first);
+        EXPECT_EQ(list.get(15)->view(), row.sixteenth);
+        EXPECT_EQ(list.get(16), nullptr);
     }
 }
 
-TEST_F(FullCommandList, LinesThatFindItFullLeaveEveryTraceInItsPlace) {
-    for (std::int32_t type = controller_type::first; type <= controller_type::last; ++type) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
-        const GeneratorEntry* entry = findGenerator(type);
-        ASSERT_NE(entry, nullptr);
-        const std::unique_ptr<CommandGenerator> generator = entry->create(fresh);
-        const auto tracesOfGenerating = [&] {
-            makeLargestPlan(type, 1);
-            generator->start(controller, 1, fresh.catalogue().getUtilityCommand(type));
-            EXPECT_TRUE(generator->generate()) << type;
-            return output();
-        };
-        const std::string whileThereIsRoom = tracesOfGenerating();
-        while (fresh.commands().add("earlier")) {
-        }
-        EXPECT_EQ(tracesOfGenerating(), whileThereIsRoom) << type;
-        EXPECT_EQ(whileThereIsRoom.find("#### ERROR"), std::string::npos) << type;
+TEST_F(FullCommandList, IsNoLimitOfTheLinesThatAreMade) {
+    CommandList list;
+    for (std::int32_t number = 1; number <= 3; ++number) {
+        makeLargestPlan(controller_type::arcconf7, number);
+        EXPECT_TRUE(generate());
+        keep(list);
+        // A line and two for the caches for each of eight drives, and eight hot spares.
+        ASSERT_EQ(lines().size(), 32U) << number;
+        EXPECT_EQ(lines().back(),
+                  "UTIL.BAT ARCCONF SETSTATE " + std::to_string(number) + " DEVICE 1 7 HSP");
     }
+    EXPECT_FALSE(list.add("one more"));
+}
+
+TEST_F(FullCommandList, GeneratingTwiceGivesEqualLinesAndTracesAndLeavesTheArguments) {
+    showTraces();
+    style.pathPrefix = "C:\\R\\";
+    for (std::int32_t type = controller_type::first; type <= controller_type::last; ++type) {
+        makeLargestPlan(type, 1);
+        ASSERT_EQ(plan().stripeSize, stripe::none);
+        const RAIDController record = controller;
+        const CommandStyle given = style;
+        EXPECT_TRUE(generate()) << type;
+        const CommandLines first = generated;
+        const std::string traces = output();
+        EXPECT_TRUE(generate()) << type;
+        EXPECT_EQ(generated, first) << type;
+        EXPECT_EQ(output(), traces) << type;
+        EXPECT_EQ(controller, record) << type;
+        EXPECT_EQ(style, given) << type;
+        EXPECT_FALSE(first.lines.empty()) << type;
+        EXPECT_EQ(traces.find("#### ERROR"), std::string::npos) << type;
+    }
+}
+
+TEST_F(FullCommandList, ALayoutIsTakenFromTheArgumentAndNotFromTheRecord) {
+    makeLargestPlan(controller_type::megaRaid, 1);
+    const RAIDConfiguration layout = plan();
+    EXPECT_TRUE(generate());
+    const CommandLines first = generated;
+    controller.setConfiguration(nullptr);
+    EXPECT_EQ(commandLines(controller, 4, layout, style, report), first);
 }
 
 } // namespace

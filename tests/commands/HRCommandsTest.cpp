@@ -61,17 +61,14 @@ TEST_F(HRCommandsTest, LevelsGiveTheirLine) {
     for (const std::int32_t type : {controller_type::hrconf3, controller_type::hrconf4,
                                     controller_type::hrconf8, controller_type::hrconf9}) {
         for (const Row& row : rows) {
-            Application fresh(platform);
             makeController(type, 1, 3);
             addArrayOf(2);
             addLogicalDrive(0, row.level, 4000, write_cache::on);
             plan().readAhead = read_ahead::off;
-            HRCommands generator(fresh);
-            generator.start(controller, 1, "UTIL.BAT HRCONF");
-            EXPECT_TRUE(generator.generate());
-            ASSERT_NE(fresh.commands().get(0), nullptr);
-            EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
-            EXPECT_EQ(fresh.commands().get(1), nullptr);
+            EXPECT_TRUE(generate());
+            ASSERT_GT(lines().size(), 0U);
+            EXPECT_EQ(lines()[0], row.line);
+            EXPECT_EQ(lines().size(), 1U);
         }
     }
 }
@@ -99,17 +96,14 @@ TEST_F(HRCommandsTest, RebuildRateAndStripeSizeAreWritten) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::hrconf4, 1, 3);
         addArrayOf(4);
         addLogicalDrive(0, raid_level::raid10);
         plan().rebuildRate = row.rebuildRate;
         plan().stripeSize = row.stripeSize;
-        HRCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT HRCONF");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], row.line);
     }
 }
 
@@ -123,7 +117,7 @@ TEST_F(HRCommandsTest, BuildInitialisationLeavesTheMethodOut) {
 }
 
 TEST_F(HRCommandsTest, ArraysAndHotsparesFollowEachOther) {
-    application.settings.commandPathPrefix = "C:\\";
+    style.pathPrefix = "C:\\";
     addArray({{1, 0}, {2, 3}});
     addArray({{2, 4}, {4, 35}});
     addLogicalDrive(1, raid_level::raid1);
@@ -139,11 +133,12 @@ TEST_F(HRCommandsTest, ArraysAndHotsparesFollowEachOther) {
                               "C:\\UTIL.BAT HRCONF SETSTATE 3 DEVICE 1 9 HSP noprompt"}));
 }
 
-TEST_F(HRCommandsTest, StripeSizeNoneIsReplacedInThePlan) {
+TEST_F(HRCommandsTest, StripeSizeNoneIsReplacedForTheLinesAndStaysInThePlan) {
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1);
     EXPECT_TRUE(generate());
-    EXPECT_EQ(plan().stripeSize, stripe::kb64);
+    EXPECT_EQ(plan().stripeSize, stripe::none);
+    EXPECT_EQ(finalStripeSize(controller.type(), plan().stripeSize), stripe::kb64);
 }
 
 TEST_F(HRCommandsTest, TracesStandAtTheirPlaces) {

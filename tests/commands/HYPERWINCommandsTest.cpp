@@ -42,7 +42,6 @@ TEST_F(HYPERWINCommandsTest, LevelsGiveTheirLine) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::lsiIde, 1, 1);
         addArrayOf(2);
         addLogicalDrive(0, row.level);
@@ -50,12 +49,10 @@ TEST_F(HYPERWINCommandsTest, LevelsGiveTheirLine) {
         if (row.hotspare) {
             addHotspare(1, 2);
         }
-        HYPERWINCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT HYPERWIN");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
-        EXPECT_EQ(fresh.commands().get(1), nullptr);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], row.line);
+        EXPECT_EQ(lines().size(), 1U);
     }
 }
 
@@ -70,22 +67,19 @@ TEST_F(HYPERWINCommandsTest, WriteCacheGivesASecondLine) {
         {3, "UTIL.BAT HYPERWIN /OW"},
     };
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::lsiIde, 1, 1);
         addArrayOf(2);
         addLogicalDrive(0, raid_level::raid1, sizeFill, row.writeCache);
-        HYPERWINCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT HYPERWIN");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(1), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), "UTIL.BAT HYPERWIN /AM  /S ");
-        EXPECT_EQ(fresh.commands().get(1)->view(), row.line);
-        EXPECT_EQ(fresh.commands().get(2), nullptr);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 1U);
+        EXPECT_EQ(lines()[0], "UTIL.BAT HYPERWIN /AM  /S ");
+        EXPECT_EQ(lines()[1], row.line);
+        EXPECT_EQ(lines().size(), 2U);
     }
 }
 
 TEST_F(HYPERWINCommandsTest, PathPrefixStandsBeforeTheUtilityCommand) {
-    application.settings.commandPathPrefix = "C:\\R\\";
+    style.pathPrefix = "C:\\R\\";
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1, sizeFill, write_cache::off);
     EXPECT_TRUE(generate());
@@ -102,11 +96,12 @@ TEST_F(HYPERWINCommandsTest, TracesStandAtTheirPlaces) {
                         "Exiting HYPERWINCommands::doArraysAndLogicalDrives, returning true\n");
 }
 
-TEST_F(HYPERWINCommandsTest, StripeSizeNoneIsReplacedInThePlan) {
+TEST_F(HYPERWINCommandsTest, StripeSizeNoneIsReplacedForTheLinesAndStaysInThePlan) {
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1);
     EXPECT_TRUE(generate());
-    EXPECT_EQ(plan().stripeSize, stripe::kb64);
+    EXPECT_EQ(plan().stripeSize, stripe::none);
+    EXPECT_EQ(finalStripeSize(controller.type(), plan().stripeSize), stripe::kb64);
 }
 
 TEST_F(HYPERWINCommandsTest, NoArrayFails) {

@@ -57,17 +57,14 @@ TEST_F(MEGAWinCommandsTest, LevelsGiveTheirCommandAndDriveList) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::megaRaid, 1, 1);
         addArrayOf(row.drives);
         addLogicalDrive(0, row.level, sizeFill, write_cache::on);
         plan().stripeSize = stripe::kb64;
-        MEGAWinCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT MEGACLI");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
-        EXPECT_EQ(fresh.commands().get(1), nullptr);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], row.line);
+        EXPECT_EQ(lines().size(), 1U);
     }
 }
 
@@ -75,17 +72,12 @@ TEST_F(MEGAWinCommandsTest, LevelsWithoutCommandGiveErrorWithoutDrivesAndStripe)
     for (const std::int32_t level :
          {raid_level::raid1E, raid_level::raid5E, raid_level::raid5EE, raid_level::volume,
           raid_level::simpleVolume, raid_level::none, raid_level::notGiven}) {
-        Application fresh(platform);
         makeController(controller_type::megaRaid, 1, 1);
         addArrayOf(4);
         addLogicalDrive(0, level, 500, write_cache::on);
-        MEGAWinCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT MEGACLI");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(),
-                  "UTIL.BAT MEGACLI ERROR    WB   ADRA   { -sz500 }  -a0")
-            << level;
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], "UTIL.BAT MEGACLI ERROR    WB   ADRA   { -sz500 }  -a0") << level;
     }
 }
 
@@ -112,16 +104,13 @@ TEST_F(MEGAWinCommandsTest, CacheAndReadAheadOptionsKeepTheirBlankWhenEmpty) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::megaRaid, 1, 1);
         addArrayOf(1);
         addLogicalDrive(0, raid_level::raid0, sizeFill, row.writeCache);
         plan().readAhead = row.readAhead;
-        MEGAWinCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT MEGACLI");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], row.line);
     }
 }
 
@@ -148,33 +137,31 @@ TEST_F(MEGAWinCommandsTest, StripeSizesAreWrittenUpTo128) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::megaRaid, 1, 1);
         addArrayOf(2);
         addArrayOf(2, 1, 2);
         addLogicalDrive(0, raid_level::raid1, sizeFill, write_cache::on);
         addLogicalDrive(1, raid_level::raid10, sizeFill, write_cache::on);
         plan().stripeSize = row.code;
-        MEGAWinCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT MEGACLI");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(1), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(),
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 1U);
+        EXPECT_EQ(lines()[0],
                   std::string("UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 252:0,252:1 ]   WB   ADRA ") +
                       row.plainEnd);
-        EXPECT_EQ(fresh.commands().get(1)->view(),
+        EXPECT_EQ(lines()[1],
                   std::string(
                       "UTIL.BAT MEGACLI  -CfgSpanAdd R10    -Array0[ 252:2,252:3 ]   WB   ADRA ") +
                       row.spanEnd);
     }
 }
 
-TEST_F(MEGAWinCommandsTest, StripeSizeNoneIsReplacedInThePlan) {
+TEST_F(MEGAWinCommandsTest, StripeSizeNoneIsReplacedForTheLinesAndStaysInThePlan) {
     addArrayOf(1);
     addLogicalDrive(0, raid_level::raid0);
     EXPECT_EQ(plan().stripeSize, stripe::none);
     EXPECT_TRUE(generate());
-    EXPECT_EQ(plan().stripeSize, stripe::kb64);
+    EXPECT_EQ(plan().stripeSize, stripe::none);
+    EXPECT_EQ(finalStripeSize(controller.type(), plan().stripeSize), stripe::kb64);
 }
 
 TEST_F(MEGAWinCommandsTest, SizeIsWrittenUnlessFill) {
@@ -243,7 +230,7 @@ TEST_F(MEGAWinCommandsTest, TheFirstLogicalDriveOfAnArrayIsWritten) {
 }
 
 TEST_F(MEGAWinCommandsTest, PathPrefixStandsBeforeTheUtilityCommand) {
-    application.settings.commandPathPrefix = "C:\\RAID\\";
+    style.pathPrefix = "C:\\RAID\\";
     addArrayOf(1);
     addLogicalDrive(0, raid_level::raid0, sizeFill, write_cache::on);
     addHotspare(1, 1);
@@ -277,7 +264,7 @@ TEST_F(MEGAWinCommandsTest, TheLevelIsLoggedAsItsCode) {
 }
 
 TEST_F(MEGAWinCommandsTest, NothingIsPrintedBelowTheTraceLevel) {
-    application.printer().setVerbosity(level::detail);
+    printer.setVerbosity(level::detail);
     addArrayOf(1);
     addLogicalDrive(0, raid_level::raid0);
     addHotspare(1, 1);
@@ -320,16 +307,13 @@ TEST_F(MEGAWinCommandsTest, ArrayWithoutLogicalDriveLogsItsExit) {
 
 TEST_F(MEGAWinCommandsTest, HotspareOutsideTheDrivePositionsFailsWithoutALine) {
     for (const DrivePosition position : {DrivePosition{5, 0}, DrivePosition{1, 36}}) {
-        Application fresh(platform);
-        fresh.printer().setVerbosity(level::traces);
+        showTraces();
         makeController(controller_type::megaRaid, 1, 1);
         addArrayOf(1);
         addLogicalDrive(0, raid_level::raid0, sizeFill, write_cache::on);
         addHotspare(1, 1);
         addHotspare(position.channel, position.id);
-        MEGAWinCommands generator(fresh);
-        generator.start(controller, 4, "UTIL.BAT MEGACLI");
-        EXPECT_FALSE(generator.generate());
+        EXPECT_FALSE(generate());
         EXPECT_EQ(output(),
                   "Entering MEGAWinCommands::doArraysAndLogicalDrives\n"
                   "Entering MEGAWinCommands::determineCommand, raidLevel=0\n"
@@ -340,8 +324,8 @@ TEST_F(MEGAWinCommandsTest, HotspareOutsideTheDrivePositionsFailsWithoutALine) {
                   "\n#### ERROR\n\tAn internal error has occurred.\n"
                   "Controller=LSI-MegaRAID-8480\n\n"
                   "Exiting MEGAWinCommands::doArraysAndLogicalDrives, returning false(4)\n");
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(1), nullptr);
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines().size(), 1U);
     }
 }
 
@@ -359,8 +343,7 @@ TEST_F(MEGAWinCommandsTest, HotsparesKeepTheirTargetIdWithoutAValidTargetIdTable
 
 TEST_F(MEGAWinCommandsTest, SpansOfAnotherLevelAreRefused) {
     addArrayOf(4);
-    MEGAWinCommands generator(application);
-    generator.start(controller, 4, "UTIL.BAT MEGACLI");
+    MEGAWinCommands generator({controller, 4, plan(), style, report});
     CString list;
     EXPECT_FALSE(generator.appendSpans(raid_level::raid5, plan().arrays().front(), list));
     EXPECT_EQ(list, "");

@@ -47,16 +47,13 @@ TEST_F(QTCSENDCommandsTest, FirstLogicalDriveOfAnArrayListsTheDrives) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::family, 1, 2);
         addArrayOf(3);
         addLogicalDrive(0, row.level, row.sizeMb);
-        QTCSENDCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT QTCSEND");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(0), nullptr);
-        EXPECT_EQ(fresh.commands().get(0)->view(), row.line);
-        EXPECT_EQ(fresh.commands().get(1), nullptr);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 0U);
+        EXPECT_EQ(lines()[0], row.line);
+        EXPECT_EQ(lines().size(), 1U);
     }
 }
 
@@ -131,16 +128,13 @@ TEST_F(QTCSENDCommandsTest, FillIsRoundedToTheNearestMegabyte) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        Application fresh(platform);
         makeController(controller_type::family, 1, 2);
         addArrayOf(3, 1, 0, row.capacityMb);
         addLogicalDrive(0, raid_level::raid0, 100);
         addLogicalDrive(0, row.level, sizeFill);
-        QTCSENDCommands generator(fresh);
-        generator.start(controller, 1, "UTIL.BAT QTCSEND");
-        EXPECT_TRUE(generator.generate());
-        ASSERT_NE(fresh.commands().get(1), nullptr);
-        EXPECT_EQ(fresh.commands().get(1)->view(), row.line);
+        EXPECT_TRUE(generate());
+        ASSERT_GT(lines().size(), 1U);
+        EXPECT_EQ(lines()[1], row.line);
     }
 }
 
@@ -174,7 +168,7 @@ TEST_F(QTCSENDCommandsTest, LevelWithoutUsableSpaceLeavesNothing) {
 }
 
 TEST_F(QTCSENDCommandsTest, HotsparesGetALineEach) {
-    application.settings.commandPathPrefix = "C:\\T\\";
+    style.pathPrefix = "C:\\T\\";
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1);
     addHotspare(1, 3);
@@ -187,11 +181,12 @@ TEST_F(QTCSENDCommandsTest, HotsparesGetALineEach) {
                "C:\\T\\UTIL.BAT QTCSEND SETSTATE 2 4 15 HSP"}));
 }
 
-TEST_F(QTCSENDCommandsTest, StripeSizeNoneIsReplacedInThePlan) {
+TEST_F(QTCSENDCommandsTest, StripeSizeNoneIsReplacedForTheLinesAndStaysInThePlan) {
     addArrayOf(2);
     addLogicalDrive(0, raid_level::raid1);
     EXPECT_TRUE(generate());
-    EXPECT_EQ(plan().stripeSize, stripe::kb8);
+    EXPECT_EQ(plan().stripeSize, stripe::none);
+    EXPECT_EQ(finalStripeSize(controller.type(), plan().stripeSize), stripe::kb8);
 }
 
 TEST_F(QTCSENDCommandsTest, GivenStripeSizeStays) {

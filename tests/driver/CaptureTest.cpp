@@ -1,3 +1,5 @@
+#include "commands/CommandSource.h"
+#include "support/FakePlatform.h"
 #include "support/ModeRun.h"
 #include "support/Scan.h"
 
@@ -220,6 +222,48 @@ TEST_F(CaptureTest, TheChildLimitIsTheRunners) {
     application.childLimit = std::chrono::milliseconds(7);
     EXPECT_EQ(0U, application.captureConfiguration(controllers));
     EXPECT_EQ(std::chrono::milliseconds(7), platform.limits.back());
+}
+
+/// A run whose sources of command lines are looked at.
+class OpenSources : public ZOLEX {
+  public:
+    using ZOLEX::makeCaptureSource;
+    using ZOLEX::makeRestoreSource;
+    using ZOLEX::ZOLEX;
+};
+
+class SourcesOfARun : public testing::Test {
+  protected:
+    void SetUp() override {
+        controller.setType(controller_type::megaRaid);
+        controller.setScanOrder(1);
+    }
+
+    test::FakePlatform platform;
+    OpenSources run{platform};
+    RAIDController controller;
+};
+
+TEST_F(SourcesOfARun, GiveNoRemarksForAControllerDefinitionFile) {
+    run.settings.controllerDefinitionFile = "controllers.txt";
+    EXPECT_EQ(run.makeCaptureSource()->getCommand(controller, 1, 0),
+              "UTIL.BAT MEGACLI -pdList -a0 \n");
+    EXPECT_EQ(run.makeRestoreSource()->getCommand(controller, 1, 0),
+              "UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT");
+}
+
+TEST_F(SourcesOfARun, FollowTheSettings) {
+    run.settings.fake = true;
+    run.settings.capture = true;
+    run.settings.commandPathPrefix = "C:\\RAID\\";
+    run.settings.tempDirectory = "T:\\";
+    const auto source = run.makeCaptureSource();
+    EXPECT_EQ(source->getCommand(controller, 1, 0),
+              "REM * C:\\RAID\\UTIL.BAT MEGACLI -LdPdInfo -a0 \n");
+    const auto script = platform.fileFake.open("x.bat", "w");
+    EXPECT_TRUE(source->writeErrorSection(*script));
+    EXPECT_NE(platform.fileFake.files["x.bat"].find("\nT:\\ZLXERR.BAT /error\n"),
+              std::string::npos);
 }
 
 } // namespace

@@ -203,10 +203,9 @@ std::pair<std::int32_t, std::int32_t> kindOf(const Ids& ids) {
 using Kind = std::pair<std::int32_t, std::int32_t>;
 
 TEST(ControllerList, RecognisesADeviceOfEveryRow) {
-    ControllerCatalogue catalogue;
-    catalogue.resetPciRowCursor();
+    PciRowCursor cursor;
     int rows = 0;
-    for (PciRow row = catalogue.nextPciRow(); row.type != -1; row = catalogue.nextPciRow()) {
+    for (PciRow row = cursor.nextPciRow(); row.type != -1; row = cursor.nextPciRow()) {
         ++rows;
         const bool generic = row.subsystemVendorId == 0xFFFF;
         const Ids ids = {row.vendorId, row.deviceId,

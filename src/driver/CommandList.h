@@ -7,7 +7,7 @@
 
 namespace zolex {
 
-/// The commands generated in a deploy run. 32 can be added, the first 16 can be fetched; the list
+/// The commands that a deploy run keeps. 32 can be added, the first 16 can be fetched; the list
 /// is never cleared during a run.
 class CommandList {
   public:

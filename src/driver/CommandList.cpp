@@ -1,4 +1,4 @@
-#include "controllers/CommandList.h"
+#include "driver/CommandList.h"
 
 #include <utility>
 
