@@ -1,8 +1,8 @@
 #include "engine/PolicyInterpreter.h"
 
 #include "engine/PlanningFixture.h"
-#include "show/Dumps.h"
 #include "inventory/ControllerList.h"
+#include "show/Dumps.h"
 
 #include <gtest/gtest.h>
 
