@@ -39,11 +39,8 @@ class Application {
     CString serialNumber;
     /// Whether the hardware detector was asked and failed.
     bool machineInformationMissing = false;
-    /// A controller matched no policy (set by planning, read with "/e1").
-    bool noPolicyFound = false;
-    /// A controller has no drives (set by planning, read with "/e3").
-    bool noDrives = false;
-    /// 12: too few drives for hot spares; 13: the drives do not fit the plan; 0: none of these.
+    /// Of the plans: 12: too few drives for hot spares; 13: the drives do not fit the plan; 0: none
+    /// of these.
     std::int32_t returnCode = 0;
     /// How long a child may run.
     std::chrono::milliseconds childLimit = Tool::defaultLimit;

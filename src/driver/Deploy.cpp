@@ -1,7 +1,7 @@
 #include "driver/ZOLEX.h"
 
 #include "commands/CommandGenerator.h"
-#include "engine/PolicyInterpreter.h"
+#include "driver/KnownMachine.h"
 #include "policies/PolicyReader.h"
 
 #include <memory>
@@ -39,10 +39,10 @@ ZOLEX::Result ZOLEX::deployConfiguration(ControllerList& controllers) {
     if (const unsigned result = configureControllers(*runner, controllers); result != success) {
         return {result, false};
     }
-    if (noPolicyFound && settings.e1) {
+    if (planning_.noPolicyFound && settings.e1) {
         return {noPolicyForController, false};
     }
-    if (noDrives && settings.e3) {
+    if (planning_.noDrives && settings.e3) {
         return {controllerWithoutDrives, false};
     }
     printer().print("All configuration commands succeeded.\n", level::progress);
@@ -68,8 +68,12 @@ unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
         return resourcesMissing;
     }
     printer().print("Interpreting policies and determining configurations ...\n", level::progress);
-    PolicyInterpreter interpreter(*this, *policies->policies());
-    if (!interpreter.createConfigurations(controllers)) {
+    PolicyInterpreter interpreter(*policies->policies(), {.reportUnmatched = settings.e1},
+                                  report());
+    planning_ =
+        interpreter.createConfigurations(controllers, [this] { return knownMachine(*this); });
+    if (planning_.fault) {
+        returnCode = planningCodeOf(planning_.fault->kind);
         printer().trace("Received an error from interpreter\n");
         return policiesInvalid;
     }
@@ -83,7 +87,7 @@ unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) 
     std::size_t nextCommand = 0;
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         if (const unsigned result = configureController(runner, *controllers.controller(i),
-                                                        static_cast<int>(i + 1), nextCommand);
+                                                        planning_.plans.at(i), nextCommand);
             result != success) {
             return result;
         }
@@ -91,10 +95,11 @@ unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) 
     return success;
 }
 
-unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, std::int32_t number,
-                                    std::size_t& nextCommand) {
+unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller,
+                                    const ControllerPlan& plan, std::size_t& nextCommand) {
+    const std::int32_t number = plan.number;
     const CString model = modelName(controller);
-    if (controller.configuration() == nullptr) {
+    if (!plan.layout) {
         printer().printf(level::progress, "\tSkipped %s controller.\n", model.c_str());
         return success;
     }
@@ -110,6 +115,8 @@ unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, st
                      model.c_str());
     printer().printf(level::progress, "        Controller %d:  %s ...", number, model.c_str());
     printer().print("\n", level::progress);
+    // Generators read the layout from the controller's record.
+    controller.setConfiguration(std::make_unique<RAIDConfiguration>(*plan.layout));
     generator->start(controller, number,
                      settings.commandPathPrefix + catalogue().getUtilityCommand(controller.type()));
     if (!generator->generate()) {

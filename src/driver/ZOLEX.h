@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controllers/Application.h"
+#include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
 
 #include <cstddef>
@@ -100,8 +101,8 @@ class ZOLEX : public Application {
     // Deploy
     unsigned planConfigurations(ControllerList& controllers);
     unsigned configureControllers(Tool& runner, ControllerList& controllers);
-    unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
-                                 std::size_t& nextCommand);
+    unsigned configureController(Tool& runner, RAIDController& controller,
+                                 const ControllerPlan& plan, std::size_t& nextCommand);
     bool deployCommand(Tool& runner, RAIDController& controller, std::int32_t number,
                        CString command);
 
@@ -121,6 +122,7 @@ class ZOLEX : public Application {
     CString modelName(const RAIDController& controller) const;
 
     bool captured_ = false; ///< a capture ran before in this run
+    PolicyInterpreter::Result planning_;
 };
 
 } // namespace zolex
