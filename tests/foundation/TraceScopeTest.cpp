@@ -9,7 +9,7 @@ namespace {
 
 class Traces : public SilentReport {
   public:
-    void trace(std::string_view text) override { this->text += text; }
+    void trace(std::string_view line) override { text += line; }
     [[nodiscard]] bool shows(std::int32_t level) const override { return level == level::traces; }
     std::string text;
 };
