@@ -72,6 +72,15 @@ unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
                                   report());
     planning_ =
         interpreter.createConfigurations(controllers, [this] { return knownMachine(*this); });
+    // Generators read the layout from the controller's record. A controller without a policy keeps
+    // what it has.
+    for (const ControllerPlan& plan : planning_.plans) {
+        if (plan.outcome != Outcome::noPolicy) {
+            controllers.controller(static_cast<std::size_t>(plan.number - 1))
+                ->setConfiguration(plan.layout ? std::make_unique<RAIDConfiguration>(*plan.layout)
+                                               : nullptr);
+        }
+    }
     if (planning_.fault) {
         returnCode = planningCodeOf(planning_.fault->kind);
         printer().trace("Received an error from interpreter\n");
@@ -87,7 +96,7 @@ unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) 
     std::size_t nextCommand = 0;
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         if (const unsigned result = configureController(runner, *controllers.controller(i),
-                                                        planning_.plans.at(i), nextCommand);
+                                                        static_cast<int>(i + 1), nextCommand);
             result != success) {
             return result;
         }
@@ -95,11 +104,10 @@ unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) 
     return success;
 }
 
-unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller,
-                                    const ControllerPlan& plan, std::size_t& nextCommand) {
-    const std::int32_t number = plan.number;
+unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, std::int32_t number,
+                                    std::size_t& nextCommand) {
     const CString model = modelName(controller);
-    if (!plan.layout) {
+    if (controller.configuration() == nullptr) {
         printer().printf(level::progress, "\tSkipped %s controller.\n", model.c_str());
         return success;
     }
@@ -115,8 +123,6 @@ unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller,
                      model.c_str());
     printer().printf(level::progress, "        Controller %d:  %s ...", number, model.c_str());
     printer().print("\n", level::progress);
-    // Generators read the layout from the controller's record.
-    controller.setConfiguration(std::make_unique<RAIDConfiguration>(*plan.layout));
     generator->start(controller, number,
                      settings.commandPathPrefix + catalogue().getUtilityCommand(controller.type()));
     if (!generator->generate()) {

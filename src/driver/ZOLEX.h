@@ -101,8 +101,8 @@ class ZOLEX : public Application {
     // Deploy
     unsigned planConfigurations(ControllerList& controllers);
     unsigned configureControllers(Tool& runner, ControllerList& controllers);
-    unsigned configureController(Tool& runner, RAIDController& controller,
-                                 const ControllerPlan& plan, std::size_t& nextCommand);
+    unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
+                                 std::size_t& nextCommand);
     bool deployCommand(Tool& runner, RAIDController& controller, std::int32_t number,
                        CString command);
 
