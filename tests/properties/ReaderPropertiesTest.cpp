@@ -181,9 +181,7 @@ TEST(ReaderProperties, TheLayoutThatWasReadDoesNotMatterToThePlans) {
             planControllers(machine.controllers, policies, Machine(), report);
         for (std::size_t i = 0; i < machine.controllers.count(); ++i) {
             const RAIDController& controller = *machine.controllers.controller(i);
-            // Of HYPERWIN the listing with a layout shows the members alone.
-            if (controller.type() == controller_type::lsiIde ||
-                controller.configuration() == nullptr) {
+            if (controller.configuration() == nullptr) {
                 continue;
             }
             tally.count("configuration read");
