@@ -2,6 +2,7 @@
 
 #include "controllers/Application.h"
 #include "driver/CommandList.h"
+#include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
 
 #include <cstddef>
@@ -103,7 +104,8 @@ class ZOLEX : public Application {
 
     // Deploy
     /// Generates the controller's command lines and keeps those that find room: 0, 10 or 11.
-    unsigned generateCommands(const RAIDController& controller, std::int32_t number);
+    unsigned generateCommands(const RAIDController& controller, std::int32_t number,
+                              const RAIDConfiguration& layout);
     unsigned planConfigurations(ControllerList& controllers);
     unsigned configureControllers(Tool& runner, ControllerList& controllers);
     unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
@@ -129,6 +131,7 @@ class ZOLEX : public Application {
 
     CommandList commands_;  ///< the commands of the deploy run
     bool captured_ = false; ///< a capture ran before in this run
+    PolicyInterpreter::Result planning_;
 };
 
 } // namespace zolex

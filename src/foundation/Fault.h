@@ -37,6 +37,20 @@ enum class FaultKind : std::int32_t {
     // Listings
 
     // Planning
+    planMachineFileUnreadable, ///< `file`: the inventory file
+    planMachineUnknown,
+    planControllerTypeUnknown, ///< `number`: the type
+    planHotspareShortage,      ///< `number`: hot spares asked for
+    planHotspareDriveMissing,  ///< `wanted`: drive number or position
+    planTooManyHotspares,      ///< `number`: how many a plan holds; so for all that are too many
+    planArrayDriveMissing,     ///< `wanted`: drive number or position
+    planTooManyArrays,         ///< `number`: see above
+    planTooManyArrayDrives,    ///< `number`: see above
+    planArrayUnknown,          ///< `array`: index of the array that there is not
+    planRaidLevelUnsupported,  ///< `wanted`: the level; `possible`: those that there are
+    planRaidLevelDriveCount,   ///< `wanted`: the level; `number`: drives of the array
+    planTooManyLogicalDrives,  ///< `number`: see above
+    planStripeSizeUnsupported, ///< `wanted`: KB; `possible`: those that there are
 
     // Command lines of a utility
     typeWithoutGenerator, ///< number: the type

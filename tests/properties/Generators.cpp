@@ -1,6 +1,7 @@
 #include "properties/Generators.h"
 
 #include "engine/ConfigClasses.h"
+#include "engine/PlanController.h"
 #include "policies/PolicyReader.h"
 
 #include <algorithm>
@@ -348,18 +349,22 @@ std::vector<Policy> parsePolicies(const std::string& text) {
 }
 
 bool Planner::plan(RAIDController& controller, const Policy& policy) {
-    const bool done =
-        findConfigClass(controller.type())->create(application)->createConfig(controller, policy);
-    platform.consoleFake.output.clear();
-    return done;
+    SilentReport report;
+    const ControllerPlan made = planByPolicy(controller, 1, policy, PlanOptions(), report);
+    controller.setConfiguration(made.layout ? std::make_unique<RAIDConfiguration>(*made.layout)
+                                            : nullptr);
+    for (const Reason& reason : made.reasons) {
+        if (reason.drive != DrivePosition()) {
+            controller.setUsed(reason.drive.channel, reason.drive.id);
+        }
+    }
+    return made.outcome != Outcome::refused;
 }
 
-bool Planner::hasLevels(RAIDController& controller, const RAIDConfiguration& plan) {
-    const auto configClass = findConfigClass(controller.type())->create(application);
-    configClass->setController(controller);
-    return std::all_of(
-        plan.logicalDrives().begin(), plan.logicalDrives().end(),
-        [&](const LogicalDrive& drive) { return configClass->supportsRAIDLevel(drive.raidLevel); });
+bool Planner::hasLevels(const RAIDController& controller, const RAIDConfiguration& plan) {
+    const CodeSet& levels = rulesFor(controller.type(), controller.subtype())->raidLevels;
+    return std::all_of(plan.logicalDrives().begin(), plan.logicalDrives().end(),
+                       [&](const LogicalDrive& drive) { return levels.contains(drive.raidLevel); });
 }
 
 std::string describe(const RAIDConfiguration* configuration) {
