@@ -5,10 +5,10 @@
 
 #include "commands/CommandGenerator.h"
 #include "controllers/Application.h"
+#include "driver/PolicyArguments.h"
 #include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
 #include "model/RAIDController.h"
-#include "policies/PolicyReader.h"
 
 #include <benchmark/benchmark.h>
 
@@ -97,8 +97,8 @@ void planAll(benchmark::State& state, const Types& types, const std::string& ent
     MemoryPlatform platform(policiesWith(entries));
     Application application(platform);
     application.settings.policiesFile = "policies.ini";
-    PolicyReader reader(application);
-    if (!reader.read()) {
+    PolicyReader reader(platform.files(), application.catalogue(), application.report());
+    if (!reader.read(policySource(application.settings))) {
         state.SkipWithError("the policies were refused");
         return;
     }
@@ -129,9 +129,10 @@ void generateCommands(benchmark::State& state) {
     MemoryPlatform platform(policiesWith(listedDrives()));
     Application planner(platform);
     planner.settings.policiesFile = "policies.ini";
-    PolicyReader reader(planner);
+    PolicyReader reader(platform.files(), planner.catalogue(), planner.report());
     ControllerList controllers = largestServer(threeUtilities);
-    if (!reader.read() || !plan(planner, *reader.policies(), controllers)) {
+    if (!reader.read(policySource(planner.settings)) ||
+        !plan(planner, *reader.policies(), controllers)) {
         state.SkipWithError("a controller was not planned");
         return;
     }

@@ -1,8 +1,8 @@
 #include "driver/ZOLEX.h"
 
 #include "commands/CommandGenerator.h"
+#include "driver/PolicyArguments.h"
 #include "engine/PolicyInterpreter.h"
-#include "policies/PolicyReader.h"
 
 #include <memory>
 
@@ -61,7 +61,7 @@ unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
     if (!policies) {
         return resourcesMissing;
     }
-    if (!policies->read()) {
+    if (!policies->read(policySource(settings))) {
         return policiesInvalid;
     }
     if (policies->policies() == nullptr) {

@@ -1,6 +1,5 @@
 #include "policies/PolicyScan.h"
 
-#include "controllers/Application.h"
 #include "foundation/Text.h"
 #include "policies/Policy.h"
 #include "policies/PolicyKeywords.h"
@@ -20,13 +19,15 @@ bool isNameCharacter(char c) noexcept {
            c == '-';
 }
 
-/// A keyword that equals an earlier one of the section, in the earlier spelling; null without one.
-const std::string* findRepeated(const std::vector<PolicyEntry>& entries) {
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        for (std::size_t k = i + 1; k < entries.size(); ++k) {
-            if (text::equalsNoCase(entries[i].keyword, entries[k].keyword)) {
-                return &entries[i].keyword;
-            }
+bool hasNamePrefix(std::string_view name) noexcept {
+    return text::equalsNoCase(name.substr(0, namePrefix.size()), namePrefix);
+}
+
+/// The first entry after this one that has the same keyword, letter case ignored; null without one.
+const PolicyEntry* findRepeat(const std::vector<PolicyEntry>& entries, std::size_t index) {
+    for (std::size_t k = index + 1; k < entries.size(); ++k) {
+        if (text::equalsNoCase(entries[index].keyword, entries[k].keyword)) {
+            return &entries[k];
         }
     }
     return nullptr;
@@ -44,34 +45,36 @@ std::optional<std::string_view> headerName(std::string_view line) noexcept {
 }
 
 bool isValidPolicyName(std::string_view name) noexcept {
-    return name.size() > namePrefix.size() &&
-           text::equalsNoCase(name.substr(0, namePrefix.size()), namePrefix) &&
+    return name.size() > namePrefix.size() && hasNamePrefix(name) &&
            std::all_of(name.begin() + namePrefix.size(), name.end(), isNameCharacter);
 }
 
 bool PolicyScan::run() {
     advance();
     while (haveLine_) {
-        if (!readSection()) {
+        if (!readSection() && !faults_.goOn()) {
             return false;
         }
     }
     if (lines_.failed()) {
-        const CString& name = application_.settings.policiesFile;
-        return fail(CString::concatenate("Could not open policies file:  ", name, "\n"));
+        return fail(FaultKind::policiesUnreadable, {}, {});
     }
-    return true;
+    return faults_.list().empty();
 }
 
-/// Takes the next line that is neither blank nor a comment.
+/// Takes the next line that is neither blank nor a comment. Of a line of the file with a fault,
+/// what stands beyond 255 characters is left out.
 bool PolicyScan::advance() {
-    haveLine_ = lines_.nextMeaningful(line_);
+    do {
+        haveLine_ = lines_.nextMeaningful(line_);
+    } while (haveLine_ && lines_.line() == faultyLine_);
     return haveLine_;
 }
 
 /// Reads one section, from its header to the line after its last entry.
 bool PolicyScan::readSection() {
     if (!readHeader()) {
+        skipSection();
         return false;
     }
     PolicySection& section = sections_.back();
@@ -79,9 +82,10 @@ bool PolicyScan::readSection() {
         return false;
     }
     if (lines_.failed()) {
-        return true; // what was read is no whole section
+        section.isIncomplete = true;
+        return true;
     }
-    if (!checkKeywords(section)) {
+    if (!checkKeywords(section) && !faults_.goOn()) {
         return false;
     }
     if (section.entries.size() == PolicySection::maxEntries) {
@@ -90,25 +94,44 @@ bool PolicyScan::readSection() {
     return true;
 }
 
+/// False when there is no section to read.
 bool PolicyScan::readHeader() {
     const std::string_view body = withoutLeadingSpaces(line_);
     if (body[0] != '[') {
-        return failAtLine(" -- Invalid character:  ", body.substr(0, 1), "\n");
+        if (!sections_.empty()) {
+            sections_.back().isIncomplete = true; // it has too many entries
+        }
+        return failAtLine(FaultKind::policyCharacterInvalid, body.substr(0, 1), "[");
     }
     const std::optional<std::string_view> name = headerName(line_);
     if (!name) {
-        return failAtLine(" -- Invalid policy declaration.\n", {}, {});
+        return failAtLine(FaultKind::policyDeclarationInvalid, body.substr(0, 0),
+                          "[Policy.<name>]");
     }
     if (!isValidPolicyName(*name) || !isNewName(*name)) {
-        return failAtLine(" -- Invalid or duplicate policy name:  ", *name, "\n");
+        failAtLine(FaultKind::policyNameInvalid, *name);
+        if (!faults_.goOn() || !hasNamePrefix(*name)) {
+            return false;
+        }
     }
     if (sections_.size() == PolicyList::maxPolicies) {
-        return failAtLine(" -- Too many policies specified.\n",
-                          "\tThe maximum number of policies that you may specify is 100\n", {});
+        failAtLine(FaultKind::policiesTooMany, body.substr(0, 0));
+        haveLine_ = false;
+        return false;
     }
-    sections_.push_back({*name, {}});
-    application_.printer().printf(level::detail, "\t%s\n", sections_.back().name.c_str());
+    PolicySection section;
+    section.name = *name;
+    section.line = static_cast<std::int32_t>(lines_.line());
+    section.column = static_cast<std::int32_t>(lines_.column() + line_.size() - body.size());
+    sections_.push_back(std::move(section));
+    report_.notef(level::detail, "\t%s\n", sections_.back().name.c_str());
     return true;
+}
+
+/// Goes on to the next header when the read goes on.
+void PolicyScan::skipSection() {
+    while (faults_.goOn() && haveLine_ && advance() && !isSectionHeader(line_)) {
+    }
 }
 
 /// Stops with the line at hand being the next header, with no line at the end of the file, or after
@@ -118,28 +141,61 @@ bool PolicyScan::readEntries(PolicySection& section) {
         if (isSectionHeader(line_)) {
             return true;
         }
-        if (!section.addEntry(line_)) {
-            return failAtLine(" -- Line not in keyword = value format:  ", line_, {});
-        }
-        const std::string& keyword = section.entries.back().keyword;
-        if (!keyword::isValid(keyword)) {
-            return failAtLine(" -- Invalid keyword:  ", keyword, "\n");
+        if (!readEntry(section)) {
+            leaveOutEntry(section);
+            if (!faults_.goOn()) {
+                return false;
+            }
         }
     }
     return true;
 }
 
-bool PolicyScan::checkKeywords(const PolicySection& section) {
-    if (const std::string* repeated = findRepeated(section.entries)) {
-        return fail(
-            CString::concatenate(section.name, " -- Duplicate keywords found:  ", *repeated));
+bool PolicyScan::readEntry(PolicySection& section) {
+    if (!section.addEntry(line_, static_cast<std::int32_t>(lines_.line()),
+                          static_cast<std::int32_t>(lines_.column()))) {
+        return failAtLine(FaultKind::policyLineInvalid, line_, "keyword = value");
     }
-    const bool applies =
-        std::any_of(section.entries.begin(), section.entries.end(), [](const PolicyEntry& entry) {
-            return text::equalsNoCase(entry.keyword, "AppliesTo.1");
-        });
-    return applies ||
-           fail(CString::concatenate(section.name, " -- Each policy must have an AppliesTo.1"));
+    const std::string& keyword = section.entries.back().keyword;
+    return keyword::isValid(keyword) || failAtLine(FaultKind::policyKeywordInvalid,
+                                                   text::trim(line_.substr(0, line_.find('='))));
+}
+
+/// Drops the entries of the line at fault: one that stands before its 256th character is cut short.
+void PolicyScan::leaveOutEntry(PolicySection& section) {
+    section.isIncomplete = true;
+    while (!section.entries.empty() && section.entries.back().line == faultyLine_) {
+        section.entries.pop_back();
+    }
+}
+
+bool PolicyScan::checkKeywords(PolicySection& section) {
+    FaultPlace place;
+    place.section = section.name;
+    std::vector<const PolicyEntry*> repeats;
+    for (std::size_t i = 0; i < section.entries.size(); ++i) {
+        const PolicyEntry* repeat = findRepeat(section.entries, i);
+        const PolicyEntry* entry = &section.entries[i];
+        const bool isTold = std::find(repeats.begin(), repeats.end(), entry) != repeats.end();
+        repeats.push_back(repeat);
+        if (repeat == nullptr || isTold) {
+            continue;
+        }
+        place.line = repeat->line;
+        place.column = repeat->keywordColumn;
+        place.keyword = repeat->keyword;
+        fail(FaultKind::policyKeywordRepeated, place, entry->keyword);
+        if (!faults_.goOn()) {
+            return false;
+        }
+    }
+    if (section.find("AppliesTo.1") != nullptr || section.isIncomplete) {
+        return true;
+    }
+    place.line = section.line;
+    place.column = section.column;
+    place.keyword = "AppliesTo.1";
+    return fail(FaultKind::policyWithoutAppliesTo, place, {});
 }
 
 bool PolicyScan::isNewName(std::string_view name) const {
@@ -148,14 +204,30 @@ bool PolicyScan::isNewName(std::string_view name) const {
     });
 }
 
-bool PolicyScan::failAtLine(std::string_view head, std::string_view value, std::string_view tail) {
-    CString message = "Line ";
-    message.append(CString::fromInt(lines_.number())).append(head).append(value).append(tail);
-    return fail(message);
+/// Reports a fault of `piece`, which is part of the line at hand. Always false.
+bool PolicyScan::failAtLine(FaultKind kind, std::string_view piece, std::string_view possible) {
+    faultyLine_ = lines_.line();
+    Fault fault;
+    fault.kind = kind;
+    fault.place.line = static_cast<std::int32_t>(faultyLine_);
+    fault.place.column = static_cast<std::int32_t>(lines_.column()) +
+                         static_cast<std::int32_t>(piece.data() - line_.data());
+    fault.place.section =
+        sections_.empty() || isSectionHeader(line_) ? CString() : sections_.back().name;
+    fault.number = static_cast<std::int32_t>(lines_.number());
+    fault.wanted = piece;
+    fault.possible = possible;
+    faults_.add(std::move(fault));
+    return false;
 }
 
-bool PolicyScan::fail(std::string_view message) {
-    application_.printer().errorBlock(message);
+/// Reports another fault. Always false.
+bool PolicyScan::fail(FaultKind kind, const FaultPlace& place, std::string_view wanted) {
+    Fault fault;
+    fault.kind = kind;
+    fault.place = place;
+    fault.wanted = wanted;
+    faults_.add(std::move(fault));
     return false;
 }
 

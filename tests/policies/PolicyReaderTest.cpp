@@ -254,7 +254,7 @@ TEST(PolicyReaderTest, AFileThatCannotBeReadIsReportedInEveryMode) {
         Application application(platform);
         application.settings.policiesFile = "folder";
         application.settings.capture = capture;
-        PolicyReader reader(application);
+        test::SettingsReader reader(application);
         EXPECT_FALSE(reader.read());
         EXPECT_EQ(platform.consoleFake.output,
                   errorBlock("Could not open policies file:  folder\n"));
