@@ -2,10 +2,21 @@
 
 #include "foundation/Report.h"
 
+#include <cstdint>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace zolex {
+
+/// Where a fault is in a policies file.
+struct PolicySpot {
+    std::int32_t line = 0;
+    std::int32_t column = 0;
+    std::string_view section;
+    std::string_view keyword;
+    std::int32_t number = 0; ///< newlines before the fault
+};
 
 /// The faults of one read, reported and kept as they are found.
 class PolicyFaults {
@@ -14,13 +25,12 @@ class PolicyFaults {
     PolicyFaults(CString file, bool goOn, Report& report)
         : file_(std::move(file)), goOn_(goOn), report_(report) {}
 
-    void add(Fault fault) {
-        fault.place.file = file_;
-        report_.fault(fault);
-        list_.push_back(std::move(fault));
-    }
+    /// Always false.
+    bool add(FaultKind kind, const PolicySpot& spot = {}, std::string_view wanted = {},
+             std::string_view possible = {});
     [[nodiscard]] bool goOn() const { return goOn_; }
-    [[nodiscard]] const std::vector<Fault>& list() const { return list_; }
+    [[nodiscard]] bool areNone() const { return list_.empty(); }
+    [[nodiscard]] std::vector<Fault> take() { return std::move(list_); }
 
   private:
     CString file_;

@@ -46,7 +46,7 @@ class PolicyRead {
     PolicyFile run(File* file, bool isNew) {
         report_.trace("Entering PolicyReader::read\n");
         const char* exit = readAll(file, isNew);
-        result_.faults = faults_.list();
+        result_.faults = faults_.take();
         report_.trace(exit);
         return std::move(result_);
     }
@@ -82,7 +82,7 @@ class PolicyRead {
                 report_.trace("Exiting PolicyReader::scan(1), returning true\n");
                 return true;
             }
-            faults_.add({FaultKind::policiesUnreadable, {}, {}, 0, {}});
+            faults_.add(FaultKind::policiesUnreadable);
             report_.trace("Exiting PolicyReader::scan(2), returning false\n");
             return false;
         }
@@ -99,7 +99,7 @@ class PolicyRead {
             return false;
         }
         if (result_.sections.empty() && !options_.mayBeEmpty) {
-            faults_.add({FaultKind::policiesMissing, {}, {}, 0, {}});
+            faults_.add(FaultKind::policiesMissing);
             report_.trace("Exiting PolicyReader::scan(4), returning false\n");
             return false;
         }
@@ -123,7 +123,7 @@ class PolicyRead {
                 break;
             }
         }
-        if (!faults_.list().empty()) {
+        if (!faults_.areNone()) {
             report_.trace("Exiting PolicyReader::validate(1), returning false\n");
             return false;
         }

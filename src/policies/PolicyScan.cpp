@@ -57,9 +57,9 @@ bool PolicyScan::run() {
         }
     }
     if (lines_.failed()) {
-        return fail(FaultKind::policiesUnreadable, {}, {});
+        return faults_.add(FaultKind::policiesUnreadable);
     }
-    return faults_.list().empty();
+    return faults_.areNone();
 }
 
 /// Takes the next line that is neither blank nor a comment. Of a line of the file with a fault,
@@ -169,33 +169,29 @@ void PolicyScan::leaveOutEntry(PolicySection& section) {
     }
 }
 
-bool PolicyScan::checkKeywords(PolicySection& section) {
-    FaultPlace place;
-    place.section = section.name;
-    std::vector<const PolicyEntry*> repeats;
-    for (std::size_t i = 0; i < section.entries.size(); ++i) {
-        const PolicyEntry* repeat = findRepeat(section.entries, i);
-        const PolicyEntry* entry = &section.entries[i];
-        const bool isTold = std::find(repeats.begin(), repeats.end(), entry) != repeats.end();
-        repeats.push_back(repeat);
-        if (repeat == nullptr || isTold) {
+bool PolicyScan::checkKeywords(const PolicySection& section) {
+    const std::vector<PolicyEntry>& entries = section.entries;
+    std::vector<const PolicyEntry*> repeats; // that are told
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const PolicyEntry* repeat = findRepeat(entries, i);
+        if (repeat == nullptr) {
             continue;
         }
-        place.line = repeat->line;
-        place.column = repeat->keywordColumn;
-        place.keyword = repeat->keyword;
-        fail(FaultKind::policyKeywordRepeated, place, entry->keyword);
+        const bool isTold = std::find(repeats.begin(), repeats.end(), &entries[i]) != repeats.end();
+        repeats.push_back(repeat);
+        if (isTold) {
+            continue;
+        }
+        faults_.add(FaultKind::policyKeywordRepeated,
+                    {repeat->line, repeat->keywordColumn, section.name, repeat->keyword, 0},
+                    entries[i].keyword);
         if (!faults_.goOn()) {
             return false;
         }
     }
-    if (section.find("AppliesTo.1") != nullptr || section.isIncomplete) {
-        return true;
-    }
-    place.line = section.line;
-    place.column = section.column;
-    place.keyword = "AppliesTo.1";
-    return fail(FaultKind::policyWithoutAppliesTo, place, {});
+    return section.find("AppliesTo.1") != nullptr || section.isIncomplete ||
+           faults_.add(FaultKind::policyWithoutAppliesTo,
+                       {section.line, section.column, section.name, "AppliesTo.1", 0});
 }
 
 bool PolicyScan::isNewName(std::string_view name) const {
@@ -207,28 +203,15 @@ bool PolicyScan::isNewName(std::string_view name) const {
 /// Reports a fault of `piece`, which is part of the line at hand. Always false.
 bool PolicyScan::failAtLine(FaultKind kind, std::string_view piece, std::string_view possible) {
     faultyLine_ = lines_.line();
-    Fault fault;
-    fault.kind = kind;
-    fault.place.line = static_cast<std::int32_t>(faultyLine_);
-    fault.place.column = static_cast<std::int32_t>(lines_.column()) +
-                         static_cast<std::int32_t>(piece.data() - line_.data());
-    fault.place.section =
-        sections_.empty() || isSectionHeader(line_) ? CString() : sections_.back().name;
-    fault.number = static_cast<std::int32_t>(lines_.number());
-    fault.wanted = piece;
-    fault.possible = possible;
-    faults_.add(std::move(fault));
-    return false;
-}
-
-/// Reports another fault. Always false.
-bool PolicyScan::fail(FaultKind kind, const FaultPlace& place, std::string_view wanted) {
-    Fault fault;
-    fault.kind = kind;
-    fault.place = place;
-    fault.wanted = wanted;
-    faults_.add(std::move(fault));
-    return false;
+    PolicySpot spot;
+    spot.line = static_cast<std::int32_t>(faultyLine_);
+    spot.column = static_cast<std::int32_t>(lines_.column()) +
+                  static_cast<std::int32_t>(piece.data() - line_.data());
+    if (!sections_.empty() && !isSectionHeader(line_)) {
+        spot.section = sections_.back().name;
+    }
+    spot.number = static_cast<std::int32_t>(lines_.number());
+    return faults_.add(kind, spot, piece, possible);
 }
 
 } // namespace zolex

@@ -34,10 +34,9 @@ class PolicyScan {
     bool readEntries(PolicySection& section);
     bool readEntry(PolicySection& section);
     void leaveOutEntry(PolicySection& section);
-    bool checkKeywords(PolicySection& section);
+    bool checkKeywords(const PolicySection& section);
     [[nodiscard]] bool isNewName(std::string_view name) const;
     bool failAtLine(FaultKind kind, std::string_view piece, std::string_view possible = {});
-    bool fail(FaultKind kind, const FaultPlace& place, std::string_view wanted);
 
     PolicyFaults& faults_;
     Report& report_;

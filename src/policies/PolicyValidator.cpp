@@ -418,17 +418,8 @@ bool PolicyValidator::failMissing(FaultKind kind) {
 
 bool PolicyValidator::add(FaultKind kind, std::int32_t line, std::int32_t column,
                           std::string_view wanted, std::string_view possible) {
-    Fault fault;
-    fault.kind = kind;
-    fault.place.line = line;
-    fault.place.column = column;
-    fault.place.section = section_.name;
-    fault.place.keyword = keyword_;
-    fault.wanted = wanted;
-    fault.possible = possible;
-    faults_.add(std::move(fault));
     isFaulty_ = true;
-    return false;
+    return faults_.add(kind, {line, column, section_.name, keyword_, 0}, wanted, possible);
 }
 
 } // namespace zolex

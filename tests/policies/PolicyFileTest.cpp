@@ -155,7 +155,7 @@ const OneMistake mistakesOfOneFault[] = {
      "3:1 Line 2 -- Line not in keyword = value format:  " + std::string(255, 'x')},
     {begin + "Array_Mode = CUSTOM\nArray A = 1\nArray.B = 2\nArray.D = 3\nLogical.1 = D:FILL:0\n"
              "Logical.2 = H:FILL:0\n",
-     "4:1 Line 4 -- Line not in keyword = value format:  Array A = 1"},
+     "4:1 Line 4 -- Invalid keyword:  Array A"},
     {begin + "Array_Mode = CUSTOM\nArray.B = 1\nArray.D = 1\nLogical.1 = D:FILL:0\n"
              "Logical.2 = E:FILL:0\n",
      "1:1 Policy.A -- Missing required entry in policies file:  Array.A"},

@@ -183,7 +183,7 @@ TEST(PolicyReaderTest, LookUpFindsTheFirstSectionAndTheFirstKeyword) {
                                                "Late = x\n"
                                                "[Policy.B]\n"
                                                "Init = b";
-    PolicyReader& reader = reading.reader;
+    test::SettingsReader& reader = reading.reader;
     EXPECT_EQ(reader.lookUp("Policy.A", "Init", "^~"), "first = second");
     EXPECT_EQ(reader.lookUp("POLICY.A", "iNIT", "^~"), "first = second");
     EXPECT_EQ(reader.lookUp("Policy.A", "Empty", "^~"), "");

@@ -42,7 +42,8 @@ const std::vector<std::string> pieces = {
 
 std::string validText() {
     std::string text;
-    for (int policy = 1; policy <= *number(1, 3); ++policy) {
+    const int policies = *number(1, 3);
+    for (int policy = 1; policy <= policies; ++policy) {
         PolicyContext context;
         context.name = "Policy." + std::to_string(policy);
         context.drives = 12;
