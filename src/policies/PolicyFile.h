@@ -26,6 +26,9 @@ struct PolicyOptions {
     ///   "]" or whose name does not begin with "Policy.", or the 101st with all after it;
     /// - an entry line that is at fault is left out, with all of its line in the file, and then
     ///   nothing is said of what the section lacks;
+    /// - of a section with two AppliesTo.1, which has lost a header, only the first repeated
+    /// keyword
+    ///   is reported;
     /// - a value ends at its first fault, but counts as given;
     /// - the order of arrays, the order of logical drives, an array letter and an array shared with
     ///   5E or 5EE are each reported once a policy.

@@ -33,6 +33,13 @@ const PolicyEntry* findRepeat(const std::vector<PolicyEntry>& entries, std::size
     return nullptr;
 }
 
+/// Whether the entries look like those of two policies, the second one's header being lost.
+bool isTwoSections(const std::vector<PolicyEntry>& entries) {
+    return std::count_if(entries.begin(), entries.end(), [](const PolicyEntry& entry) {
+               return text::equalsNoCase(entry.keyword, "AppliesTo.1");
+           }) > 1;
+}
+
 } // namespace
 
 std::optional<std::string_view> headerName(std::string_view line) noexcept {
@@ -185,7 +192,7 @@ bool PolicyScan::checkKeywords(const PolicySection& section) {
         faults_.add(FaultKind::policyKeywordRepeated,
                     {repeat->line, repeat->keywordColumn, section.name, repeat->keyword, 0},
                     entries[i].keyword);
-        if (!faults_.goOn()) {
+        if (!faults_.goOn() || isTwoSections(entries)) {
             return false;
         }
     }

@@ -146,6 +146,9 @@ const OneMistake mistakesOfOneFault[] = {
     {"[Policy.A]\nAppliesTo.1 = ^~\n", "1:1 Policy.A -- Each policy must have an AppliesTo.1"},
     {begin + "Init=QUICK\nINIT=BUILD\ninit=BUILD\n",
      "4:1 Policy.A -- Duplicate keywords found:  Init"},
+    {begin + "Init=QUICK\nReadAhead=ON\n" + begin.substr(begin.find('A', 10)) +
+         "Init=BUILD\nReadAhead=ON\n",
+     "5:1 Policy.A -- Duplicate keywords found:  AppliesTo.1"},
     {"[Policy.A]\n" + entries(50) + "a\nb\nArray.A = x\n[Policy.B]\nAppliesTo.1 = ALL\n",
      "52:1 Line 52 -- Invalid character:  a"},
     {"[Policy.A]\n" + entries(49) + "Array_Mode = CUSTOM\nArray.A = 1\n",

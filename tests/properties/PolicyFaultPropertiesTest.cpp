@@ -54,9 +54,9 @@ std::string validText() {
 }
 
 /// A policies file in which some bytes, lines or pieces were lost, added or repeated.
-std::string mutatedText() {
+std::string mutatedText(int mistakes) {
     std::string text = validText();
-    for (int mistakes = *number(0, 6); mistakes > 0; --mistakes) {
+    for (; mistakes > 0; --mistakes) {
         const auto at = static_cast<std::size_t>(*number(0, static_cast<int>(text.size())));
         const std::size_t lineEnd = std::min(text.find('\n', at), text.size());
         switch (*number(0, 4)) {
@@ -104,7 +104,7 @@ bool standsInText(const Fault& fault, const std::string& text) {
 
 TEST(PolicyFaultProperties, TheFirstOfAllFaultsIsTheOneThatEndsARead) {
     checkProperty({{"valid", 5}, {"one fault", 10}, {"several faults", 20}}, [](Tally& tally) {
-        const std::string text = mutatedText();
+        const std::string text = mutatedText(*number(0, 6));
         const PolicyFile first = readWith(text, false);
         const PolicyFile all = readWith(text, true);
         RC_LOG() << text;
@@ -122,9 +122,26 @@ TEST(PolicyFaultProperties, TheFirstOfAllFaultsIsTheOneThatEndsARead) {
     });
 }
 
+TEST(PolicyFaultProperties, OneMistakeIsNotManyFaults) {
+    checkProperty({{"faults", 30}}, [](Tally& tally) {
+        const std::string text = mutatedText(1);
+        const PolicyFile all = readWith(text, true);
+        RC_LOG() << text;
+        for (const Fault& fault : all.faults) {
+            RC_LOG() << fault.place.line << ":" << fault.place.column << " kind "
+                     << static_cast<int>(fault.kind) << "\n";
+        }
+        // The rest of a line repeated within it makes three wrong lines.
+        RC_ASSERT(all.faults.size() <= 3U);
+        if (!all.faults.empty()) {
+            tally.count("faults");
+        }
+    });
+}
+
 TEST(PolicyFaultProperties, EveryFaultHasItsPlaceAndItsText) {
     checkProperty({{"faults", 50}}, [](Tally& tally) {
-        const std::string text = mutatedText();
+        const std::string text = mutatedText(*number(0, 6));
         const PolicyFile all = readWith(text, true);
         RC_LOG() << text;
         for (const Fault& fault : all.faults) {
