@@ -26,10 +26,9 @@ struct PolicyOptions {
     ///   "]" or whose name does not begin with "Policy.", or the 101st with all after it;
     /// - an entry line that is at fault is left out, with all of its line in the file, and then
     ///   nothing is said of what the section lacks;
-    /// - of a section with two AppliesTo.1, which has lost a header, only the first repeated
-    /// keyword
-    ///   is reported;
-    /// - a value ends at its first fault, but counts as given;
+    /// - of a section with two AppliesTo.1, which has lost a header, only the first of the repeated
+    ///   keywords is reported;
+    /// - the rest of a value at fault is not looked at, and the value counts as given;
     /// - the order of arrays, the order of logical drives, an array letter and an array shared with
     ///   5E or 5EE are each reported once a policy.
     bool goOn = false;
@@ -53,8 +52,8 @@ struct PolicyFile {
 /// found. `catalogue` knows the model names.
 [[nodiscard]] PolicyFile readPolicies(std::string_view text, const ControllerCatalogue& catalogue,
                                       const PolicyOptions& options, Report& report);
-/// The same from a file, read from where it stands. A null `file` is one that could not be opened:
-/// a fault, unless there is none yet.
+/// The same from a file, read from where it stands. A null `file` is one that could not be opened,
+/// a fault unless it `isNew`: to be made, and without policies so far.
 [[nodiscard]] PolicyFile readPolicies(File* file, bool isNew, const ControllerCatalogue& catalogue,
                                       const PolicyOptions& options, Report& report);
 
