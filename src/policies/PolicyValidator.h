@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -77,7 +78,7 @@ class PolicyValidator {
     Report& report_;
     Policy policy_;
     bool isFaulty_ = false;
-    CString keyword_;            ///< looked up last
+    std::string keyword_;        ///< looked up last
     std::size_t arrayCount_ = 0; ///< array letters up to the last one given
     std::vector<Told> told_;     ///< faults that are reported once a policy
 };
