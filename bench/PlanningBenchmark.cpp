@@ -6,10 +6,10 @@
 #include "commands/CommandLines.h"
 #include "controllers/Application.h"
 #include "driver/KnownMachine.h"
+#include "driver/PolicyArguments.h"
 #include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
 #include "model/RAIDController.h"
-#include "policies/PolicyReader.h"
 
 #include <benchmark/benchmark.h>
 
@@ -100,8 +100,8 @@ void planAll(benchmark::State& state, const Types& types, const std::string& ent
     MemoryPlatform platform(policiesWith(entries));
     Application application(platform);
     application.settings.policiesFile = "policies.ini";
-    PolicyReader reader(application);
-    if (!reader.read()) {
+    PolicyReader reader(platform.files(), application.catalogue(), application.report());
+    if (!reader.read(policySource(application.settings))) {
         state.SkipWithError("the policies were refused");
         return;
     }
@@ -132,9 +132,9 @@ void generateCommands(benchmark::State& state) {
     MemoryPlatform platform(policiesWith(listedDrives()));
     Application planner(platform);
     planner.settings.policiesFile = "policies.ini";
-    PolicyReader reader(planner);
+    PolicyReader reader(platform.files(), planner.catalogue(), planner.report());
     ControllerList controllers = largestServer(threeUtilities);
-    const std::vector<ControllerPlan> plans = reader.read()
+    const std::vector<ControllerPlan> plans = reader.read(policySource(planner.settings))
                                                   ? plan(planner, *reader.policies(), controllers)
                                                   : std::vector<ControllerPlan>();
     if (plans.empty()) {

@@ -2,7 +2,7 @@
 
 #include "commands/CommandGenerator.h"
 #include "driver/KnownMachine.h"
-#include "policies/PolicyReader.h"
+#include "driver/PolicyArguments.h"
 
 #include <utility>
 
@@ -61,7 +61,7 @@ unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
     if (!policies) {
         return resourcesMissing;
     }
-    if (!policies->read()) {
+    if (!policies->read(policySource(settings))) {
         return policiesInvalid;
     }
     if (policies->policies() == nullptr) {

@@ -11,6 +11,7 @@ namespace zolex::show {
 
 [[nodiscard]] std::optional<std::vector<FaultText>> inventoryFaultTexts(const Fault& fault);
 [[nodiscard]] std::optional<std::vector<FaultText>> planningFaultTexts(const Fault& fault);
+[[nodiscard]] std::optional<std::vector<FaultText>> policyFaultTexts(const Fault& fault);
 [[nodiscard]] std::optional<std::vector<FaultText>> commandFaultTexts(const Fault& fault);
 
 } // namespace zolex::show

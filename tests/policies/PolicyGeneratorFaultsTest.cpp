@@ -224,7 +224,7 @@ struct FaultyGeneration {
         RAIDController& controller = *controllers.add(*makeController(12, 2));
         controller.setSizeAndTarget(1, 0, 1000, 8);
         controller.configuration()->addArray(makeArray({{1, 0}}));
-        done = PolicyGenerator(application).generatePolicies(controllers);
+        done = makeGenerator(application).generatePolicies(controllers);
     }
 
     CountedPlatform platform;

@@ -1,8 +1,8 @@
 #include "properties/Generators.h"
 
+#include "driver/PolicyArguments.h"
 #include "engine/ConfigClasses.h"
 #include "engine/PlanController.h"
-#include "policies/PolicyReader.h"
 
 #include <algorithm>
 #include <array>
@@ -341,8 +341,8 @@ std::vector<Policy> parsePolicies(const std::string& text) {
     application.settings.policiesFile = "p.ini";
     application.printer().setVerbosity(level::always);
     platform.fileFake.files["p.ini"] = text;
-    PolicyReader reader(application);
-    if (!reader.read()) {
+    PolicyReader reader(platform.files(), application.catalogue(), application.report());
+    if (!reader.read(policySource(application.settings))) {
         RC_FAIL("The policies are not valid: " + platform.consoleFake.output + text);
     }
     return reader.policies()->policies();

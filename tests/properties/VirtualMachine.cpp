@@ -1,8 +1,8 @@
 #include "properties/VirtualMachine.h"
 
+#include "driver/PolicyArguments.h"
 #include "model/Definition.h"
 #include "platform/CommandLineSplit.h"
-#include "policies/PolicyGenerator.h"
 #include "properties/Generators.h"
 #include "roles/Roles.h"
 
@@ -240,7 +240,8 @@ std::string VirtualMachine::capturePolicies() {
     RC_ASSERT(capture(true) == 0U);
     application.settings.capture = true;
     application.settings.policiesFile = "captured.ini";
-    PolicyGenerator generator(application);
+    PolicyGenerator generator(platform, application.catalogue(), appending(application.settings),
+                              captureOptions(application), application.report());
     RC_ASSERT(generator.generatePolicies(controllers));
     application.settings.capture = false;
     application.settings.policiesFile = "p.ini";
