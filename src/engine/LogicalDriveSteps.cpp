@@ -3,6 +3,7 @@
 #include "foundation/TraceScope.h"
 #include "policies/PolicyKeywords.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -42,13 +43,36 @@ constexpr std::array<DriveCountRule, 14> driveCountRules{{
 }};
 // clang-format on
 
-bool takesDrives(std::int32_t raidLevel, std::int32_t type, std::size_t drives) {
-    for (const DriveCountRule& rule : driveCountRules) {
-        if (rule.raidLevel == raidLevel && (rule.type == anyCode || rule.type == type)) {
-            return drives >= rule.least && drives <= rule.most && (!rule.even || drives % 2 == 0);
-        }
+/// Null for a level that takes no number of drives.
+const DriveCountRule* findDriveCountRule(std::int32_t raidLevel, std::int32_t type) {
+    const auto* const found = std::find_if(
+        driveCountRules.begin(), driveCountRules.end(), [&](const DriveCountRule& rule) {
+            return rule.raidLevel == raidLevel && (rule.type == anyCode || rule.type == type);
+        });
+    return found == driveCountRules.end() ? nullptr : found;
+}
+
+bool takesDrives(const DriveCountRule& rule, std::size_t drives) {
+    return drives >= rule.least && drives <= rule.most && (!rule.even || drives % 2 == 0);
+}
+
+/// "2", "1 to 4", "3 or more", "6 or more, even".
+CString driveCountWords(const DriveCountRule& rule) {
+    const auto textOf = [](std::size_t number) {
+        return CString::fromInt(static_cast<std::int64_t>(number));
+    };
+    CString words = textOf(rule.least);
+    if (rule.most == noLimit) {
+        words.append(rule.even ? " or more, even" : " or more");
+    } else if (rule.most != rule.least) {
+        words.append(" to ").append(textOf(rule.most));
     }
-    return false;
+    return words;
+}
+
+/// Empty when no level fits.
+CString wantedLevel(std::int32_t raidLevel) {
+    return raidLevel == raid_level::none ? CString() : CString(raidLevelWord(raidLevel));
 }
 
 bool isPercentage(std::int32_t sizeMb) {
@@ -143,7 +167,7 @@ bool RAIDConfigCreator::doCUSTOMLogicalDrives() {
     for (const LogicalSpecification& entry : policy_.logicalDrives) {
         const auto arrayIndex = static_cast<std::size_t>(entry.arrayIndex);
         if (arrayIndex >= layout_.arrays().size()) {
-            Fault fault = makeCustomFault(FaultKind::planArrayUnknown, entry);
+            Fault fault = makeLogicalFault(FaultKind::planArrayUnknown, entry.arrayIndex);
             refuse(std::move(fault));
             return failed(1);
         }
@@ -154,8 +178,8 @@ bool RAIDConfigCreator::doCUSTOMLogicalDrives() {
                               : rules_.defaultRAIDLevel(layout_.arrays()[arrayIndex].driveCount());
         drive.writeCache = entry.writeCache;
         if (!rules_.raidLevels.contains(drive.raidLevel)) {
-            Fault fault = makeCustomFault(FaultKind::planRaidLevelUnsupported, entry);
-            fault.wanted = raidLevelWord(drive.raidLevel);
+            Fault fault = makeLogicalFault(FaultKind::planRaidLevelUnsupported, entry.arrayIndex);
+            fault.wanted = wantedLevel(drive.raidLevel);
             fault.possible = raidLevelWords(rules_.raidLevels);
             refuse(std::move(fault));
             return failed(2);
@@ -201,10 +225,14 @@ CString RAIDConfigCreator::logicalKeyword() const {
            CString::fromInt(static_cast<std::int64_t>(layout_.logicalDrives().size() + 1));
 }
 
-Fault RAIDConfigCreator::makeCustomFault(FaultKind kind, const LogicalSpecification& entry) const {
+Fault RAIDConfigCreator::makeLogicalFault(FaultKind kind, std::int32_t arrayIndex) const {
     Fault fault = makeFault(kind);
-    fault.place.keyword = logicalKeyword();
-    fault.place.array = entry.arrayIndex;
+    if (policy_.customLogicalDrives) {
+        fault.place.keyword = logicalKeyword();
+    } else if (policy_.logicalDefaults) {
+        fault.place.keyword = keyword::logicalDefaults;
+    }
+    fault.place.array = arrayIndex;
     return fault;
 }
 
@@ -212,8 +240,7 @@ bool RAIDConfigCreator::addLogicalDrive(const LogicalDrive& drive) {
     if (layout_.addLogicalDrive(drive)) {
         return true;
     }
-    Fault fault = makeFault(FaultKind::planTooManyLogicalDrives);
-    fault.place.array = drive.arrayIndex;
+    Fault fault = makeLogicalFault(FaultKind::planTooManyLogicalDrives, drive.arrayIndex);
     fault.number = static_cast<std::int32_t>(RAIDConfiguration::maxLogicalDrives);
     return refuse(std::move(fault));
 }
@@ -259,12 +286,13 @@ bool RAIDConfigCreator::isRAIDLevelOK(const LogicalDrive& drive) {
     const std::size_t drives = layout_.arrays()[arrayIndex].driveCount();
     report_.tracef("Number of drives=%d, RAID level=%d, Controller type=%d\n",
                    static_cast<int>(drives), drive.raidLevel, controller_.type());
-    if (takesDrives(drive.raidLevel, controller_.type(), drives)) {
+    const DriveCountRule* const rule = findDriveCountRule(drive.raidLevel, controller_.type());
+    if (rule != nullptr && takesDrives(*rule, drives)) {
         return scope.returning(true);
     }
-    Fault fault = makeFault(FaultKind::planRaidLevelDriveCount);
-    fault.place.array = drive.arrayIndex;
-    fault.wanted = raidLevelWord(drive.raidLevel);
+    Fault fault = makeLogicalFault(FaultKind::planRaidLevelDriveCount, drive.arrayIndex);
+    fault.possible = rule != nullptr ? driveCountWords(*rule) : CString();
+    fault.wanted = wantedLevel(drive.raidLevel);
     fault.number = static_cast<std::int32_t>(drives);
     return scope.returning(refuse(std::move(fault)));
 }

@@ -78,7 +78,8 @@ class RAIDConfigCreator {
     void explainCustom(const LogicalSpecification& entry, const LogicalDrive& drive);
     /// "Logical.1" for the first.
     [[nodiscard]] CString logicalKeyword() const;
-    [[nodiscard]] Fault makeCustomFault(FaultKind kind, const LogicalSpecification& entry) const;
+    /// A fault of the next logical drive, which is for this array.
+    [[nodiscard]] Fault makeLogicalFault(FaultKind kind, std::int32_t arrayIndex) const;
     /// The size that is planned for `sizeMb` of a policy: MB, or FILL.
     [[nodiscard]] std::int32_t plannedSize(std::int32_t sizeMb, std::int32_t raidLevel,
                                            std::size_t arrayIndex) const;

@@ -88,7 +88,7 @@ enum class FaultKind : std::int32_t {
     planTooManyArrayDrives,    ///< `number`: see above
     planArrayUnknown,          ///< `array`: index of the array that there is not
     planRaidLevelUnsupported,  ///< `wanted`: the level; `possible`: those that there are
-    planRaidLevelDriveCount,   ///< `wanted`: the level; `number`: drives of the array
+    planRaidLevelDriveCount,   ///< `wanted`: the level; `number`: drives; `possible`: drives
     planTooManyLogicalDrives,  ///< `number`: see above
     planStripeSizeUnsupported, ///< `wanted`: KB; `possible`: those that there are
 

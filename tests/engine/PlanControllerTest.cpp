@@ -200,7 +200,14 @@ std::vector<Refused> refusedPolicies() {
         {"a level of others", custom({0, -101, raid_level::raid1E, 2}),
          FaultKind::planRaidLevelUnsupported, "Logical.2", "1E", 0, "0, 1, 5, 6, 10, 50, 60", 0},
         {"a level for other numbers", custom({0, -101, raid_level::raid6, 2}),
-         FaultKind::planRaidLevelDriveCount, "", "6", 3, "", 13},
+         FaultKind::planRaidLevelDriveCount, "Logical.2", "6", 3, "4 or more", 13},
+        {"a default level for other numbers", with([](Policy& p) {
+             p.logicalDefaults =
+                 LogicalSpecification{-1, sizeFill, raid_level::raid1, write_cache::notGiven};
+             p.customArrays = true;
+             p.arrays = {arrayOfNumbers({1, 2, 3})};
+         }),
+         FaultKind::planRaidLevelDriveCount, "Logical_Defaults", "1", 3, "2", 13},
         {"a stripe size of others", with([](Policy& p) { p.stripeSize = "4096"; }),
          FaultKind::planStripeSizeUnsupported, "StripeSize", "4096", 0, "8, 16, 32, 64, 128", 0},
     };
