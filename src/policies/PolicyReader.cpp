@@ -17,11 +17,11 @@ bool PolicyReader::read(const PolicySource& source, PoliciesFile state) {
     options.notesWhenEmpty = source.capture && !source.fake;
     options.debug = source.debug;
     const std::unique_ptr<File> file =
-        state == PoliciesFile::asItIs ? files_.open(source.file, "r") : nullptr;
+        state == PoliciesFile::busy ? nullptr : files_.open(source.file, "r");
     // A file that is there but cannot be read may hold the very names of the new policies.
     const bool isNew =
         state == PoliciesFile::missing || (!file && source.capture && !files_.isFile(source.file));
-    file_ = readPolicies(file.get(), isNew, catalogue_, options, report_);
+    file_ = readPolicies(isNew ? nullptr : file.get(), isNew, catalogue_, options, report_);
     return file_.policies.has_value();
 }
 

@@ -131,7 +131,7 @@ TEST(PlanController, ReasonsAreLeftOutOnRequest) {
 TEST(PlanControllers, GoOnAfterARefusal) {
     ControllerList controllers;
     for (int i = 0; i < 4; ++i) {
-        controllers.add(makeController(12, 2, equalDrives(12, 1000)));
+        controllers.add(*makeController(12, 2, equalDrives(12, 1000)));
     }
     Policy missing = policyWithArrays({arrayOfNumbers({1, 13})});
     const PolicyList policies =
@@ -263,7 +263,7 @@ class MirroredMachine {
         };
         auto controller = makeController(12, 2);
         controller->setScanOrder(1);
-        controllers_.add(std::move(controller));
+        controllers_.add(std::move(*controller));
     }
 
     /// The controller as a capture reads it.

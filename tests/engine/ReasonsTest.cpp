@@ -94,6 +94,8 @@ TEST(ValueReasons, OfTheNumberOfHotSpares) {
     };
     for (const Row& row : rows) {
         Policy policy = makePolicy(row.name);
+        policy.customArrays = true; // as captured policies have it
+        policy.arrays = {arrayOfNumbers({1, 2})};
         policy.arrayDefaults.hotspareCount = row.count;
         EXPECT_EQ(valuesOf(planOf(policy, equalDrives(5, 1000)), Reason::Subject::hotspareCount),
                   row.reason)

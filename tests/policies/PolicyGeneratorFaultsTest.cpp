@@ -278,8 +278,8 @@ TEST(PolicyGeneratorFaultsTest, ThePoliciesFileIsLockedFromItsReadingToTheEndOfT
         application.settings.policiesFile = "p.ini";
         application.settings.capture = true;
         ControllerList controllers;
-        fillMegaRaid(*controllers.add(makeController(12, 2)));
-        EXPECT_TRUE(PolicyGenerator(application).generatePolicies(controllers));
+        fillMegaRaid(*controllers.add(*makeController(12, 2)));
+        EXPECT_TRUE(makeGenerator(application).generatePolicies(controllers));
         EXPECT_EQ(platform.watched.opened.size(), 3U);
         EXPECT_EQ(platform.watched.lockCalls, std::vector<std::string>{"p.ini 10000"});
         EXPECT_EQ(platform.watched.locked, "");

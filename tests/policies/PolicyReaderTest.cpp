@@ -274,7 +274,7 @@ TEST(PolicyReaderTest, AReadErrorWithinASectionIsNoFaultOfTheSection) {
             Application application(platform);
             application.settings.policiesFile = "torn.ini";
             application.settings.capture = capture;
-            PolicyReader reader(application);
+            test::SettingsReader reader(application);
             EXPECT_FALSE(reader.read());
             EXPECT_EQ(platform.consoleFake.output,
                       errorBlock("Could not open policies file:  torn.ini\n"))

@@ -5,6 +5,7 @@
 #include "platform/CommandLineSplit.h"
 #include "properties/Generators.h"
 #include "roles/Roles.h"
+#include "support/Scan.h"
 
 #include <algorithm>
 #include <ostream>
@@ -210,7 +211,7 @@ VirtualMachine::VirtualMachine(const VirtualServer& virtualServer) {
     platform.respond = [this](const std::string& line) { return respond(line); };
     application.printer().setVerbosity(level::progress);
     application.settings.policiesFile = "p.ini";
-    controllers.initialize(application);
+    test::scan(controllers, application);
     application.machine->machineType = "8837";
     application.machine->serialNumber = "KQ12345";
 }
