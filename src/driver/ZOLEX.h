@@ -49,6 +49,8 @@ class ZOLEX : public Application {
     /// Plans and configures every controller: 0, 1, 3, 5, 10, 11, or the result of the capture that
     /// it begins with.
     Result deployConfiguration(ControllerList& controllers);
+    /// The plans of the latest deployment.
+    [[nodiscard]] const PolicyInterpreter::Result& planning() const { return planning_; }
     /// Dumps every controller and reads the dumps into the model: 0, 8 or 10.
     unsigned captureConfiguration(ControllerList& controllers);
     /// Returns every controller (`number` -1), or the one numbered `number` from 1, to factory

@@ -252,7 +252,16 @@ std::string VirtualMachine::capturePolicies() {
 unsigned VirtualMachine::deploy(const std::string& policies) {
     commands.clear();
     platform.fileFake.files["p.ini"] = policies;
-    return application.deployConfiguration(controllers).code;
+    const unsigned result = application.deployConfiguration(controllers).code;
+    // What was planned is put into the records, for those who hold the machine against it.
+    for (const ControllerPlan& plan : application.planning().plans) {
+        if (plan.outcome != Outcome::noPolicy) {
+            controllers.controller(static_cast<std::size_t>(plan.number - 1))
+                ->setConfiguration(plan.layout ? std::make_unique<RAIDConfiguration>(*plan.layout)
+                                               : nullptr);
+        }
+    }
+    return result;
 }
 
 } // namespace zolex::properties
