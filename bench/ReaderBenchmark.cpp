@@ -7,7 +7,6 @@
 
 #include "controllers/Application.h"
 #include "model/RAIDController.h"
-#include "platform/CapturedOutput.h"
 #include "readers/ConfigurationReader.h"
 
 #include <benchmark/benchmark.h>
@@ -28,7 +27,6 @@ void read(benchmark::State& state, std::int32_t type, const std::vector<std::str
           std::pair<std::int32_t, std::size_t> expected) {
     MemoryPlatform platform;
     Application application(platform);
-    application.settings.capture = true;
     std::size_t bytes = 0;
     for (const std::string& listing : listings) {
         bytes += listing.size();
@@ -37,16 +35,12 @@ void read(benchmark::State& state, std::int32_t type, const std::vector<std::str
     std::pair<std::int32_t, std::size_t> found;
     bool isRead = true;
     for (auto _ : state) {
-        // Copying the texts is the capture's work.
         RAIDController controller;
         controller.setType(type);
-        for (const std::string& listing : listings) {
-            controller.addCapturedOutput(std::make_shared<CapturedOutput>(listing));
-        }
         {
             const CpuTime time(state);
-            const auto reader = entry->create(application);
-            isRead = reader->readConfiguration(controller, controller.capturedOutput(0)) && isRead;
+            const auto reader = entry->create({.layout = true}, application.report());
+            isRead = reader->readConfiguration(controller, listings) && isRead;
         }
         const RAIDConfiguration* const configuration = controller.configuration();
         found = {controller.numberOfDrives(),

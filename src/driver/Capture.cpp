@@ -3,12 +3,19 @@
 #include "commands/CommandSource.h"
 #include "readers/DiskInformation.h"
 
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace zolex {
 
 namespace {
 
 constexpr unsigned captureFailed = 8;
 constexpr unsigned resourcesMissing = 10;
+
+/// Listings of a controller that are kept; a fifth is dropped.
+constexpr std::size_t mostListings = 4;
 
 } // namespace
 
@@ -31,9 +38,10 @@ unsigned ZOLEX::captureConfiguration(ControllerList& controllers) {
         }
     }
     captured_ = true;
+    std::vector<std::vector<std::string>> listings(controllers.count());
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         if (!captureController(*runner, *source, *controllers.controller(i),
-                               static_cast<int>(i + 1))) {
+                               static_cast<int>(i + 1), listings[i])) {
             return captureFailed;
         }
     }
@@ -43,7 +51,13 @@ unsigned ZOLEX::captureConfiguration(ControllerList& controllers) {
     if (!information) {
         return resourcesMissing;
     }
-    if (!information->readDiskInformation(controllers)) {
+    const CString& definition = settings.controllerDefinitionFile;
+    const bool read =
+        definition.isEmpty()
+            ? information->readDiskInformation(controllers, listings)
+            : information->readDefinition(controllers, platform().files(), definition);
+    listings.clear();
+    if (!read) {
         return captureFailed;
     }
     if (settings.debug) {
@@ -54,20 +68,21 @@ unsigned ZOLEX::captureConfiguration(ControllerList& controllers) {
     return 0;
 }
 
-bool ZOLEX::captureController(Tool& runner, CommandSource& source, RAIDController& controller,
-                              std::int32_t number) {
+bool ZOLEX::captureController(Tool& runner, CommandSource& source, const RAIDController& controller,
+                              std::int32_t number, std::vector<std::string>& listings) {
     printer().tracef("Number of commmands required for controller %d = %d\n", number,
                      static_cast<int>(source.numberOfCommands(controller)));
     for (std::size_t i = 0; i < source.numberOfCommands(controller); ++i) {
-        if (!captureCommand(runner, controller, number, source.getCommand(controller, number, i))) {
+        if (!captureCommand(runner, controller, number, source.getCommand(controller, number, i),
+                            listings)) {
             return false;
         }
     }
     return true;
 }
 
-bool ZOLEX::captureCommand(Tool& runner, RAIDController& controller, std::int32_t number,
-                           CString command) {
+bool ZOLEX::captureCommand(Tool& runner, const RAIDController& controller, std::int32_t number,
+                           CString command, std::vector<std::string>& listings) {
     printer().printfAlways("Capture Command=%s\n", command.c_str());
     if (settings.fake || settings.noExecuteAll || settings.noExecuteCapture) {
         command = fakeCommand(controller, Mode::capture);
@@ -76,12 +91,14 @@ bool ZOLEX::captureCommand(Tool& runner, RAIDController& controller, std::int32_
         printFailure(controller, Mode::capture);
         return false;
     }
-    // The readers parse it later; a fifth output finds no slot and is dropped.
-    controller.addCapturedOutput(runner.output());
     if (!checkForErrors(controller, number, runner.exitCode(), Mode::capture)) {
         printer().printAlways("Capture Command Standard Output:\n");
         printOutput(runner);
         return false;
+    }
+    // The readers parse it later.
+    if (listings.size() < mostListings) {
+        listings.push_back(runner.output()->take());
     }
     return true;
 }

@@ -7,10 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace zolex {
 
-class CapturedOutput;
 class CommandSource;
 struct SourceOptions;
 class DiskInformation;
@@ -90,10 +91,10 @@ class ZOLEX : public Application {
     void printCompleted();
 
     // Capture and restore
-    bool captureController(Tool& runner, CommandSource& source, RAIDController& controller,
-                           std::int32_t number);
-    bool captureCommand(Tool& runner, RAIDController& controller, std::int32_t number,
-                        CString command);
+    bool captureController(Tool& runner, CommandSource& source, const RAIDController& controller,
+                           std::int32_t number, std::vector<std::string>& listings);
+    bool captureCommand(Tool& runner, const RAIDController& controller, std::int32_t number,
+                        CString command, std::vector<std::string>& listings);
     bool confirmRestore();
     unsigned restoreController(Tool& runner, CommandSource& source, RAIDController& controller,
                                std::int32_t number);

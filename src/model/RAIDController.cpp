@@ -116,6 +116,15 @@ bool RAIDController::setUsed(std::int32_t channel, std::int32_t id, bool used) {
     Drive* drive = at(channel, id);
     if (drive != nullptr) {
         drive->used = used;
+        drive->member = drive->member && used;
+    }
+    return drive != nullptr;
+}
+
+bool RAIDController::setMember(std::int32_t channel, std::int32_t id) {
+    Drive* drive = at(channel, id);
+    if (drive != nullptr) {
+        drive->member = true;
     }
     return drive != nullptr;
 }
@@ -126,20 +135,6 @@ bool RAIDController::setConfiguration(std::unique_ptr<RAIDConfiguration> configu
         configuration_ = std::move(*configuration);
     }
     return true;
-}
-
-bool RAIDController::addCapturedOutput(std::shared_ptr<CapturedOutput> output) {
-    for (auto& slot : capturedOutputs_) {
-        if (!slot) {
-            slot = std::move(output);
-            return true;
-        }
-    }
-    return false;
-}
-
-void RAIDController::clearCapturedOutputs() {
-    capturedOutputs_.fill(nullptr);
 }
 
 bool RAIDController::clearChannelReassignment() {
@@ -170,7 +165,12 @@ std::int32_t RAIDController::targetId(std::int32_t channel, std::int32_t id) con
 
 bool RAIDController::isUsed(std::int32_t channel, std::int32_t id) const {
     const Drive* drive = at(channel, id);
-    return drive != nullptr && drive->used;
+    return drive != nullptr && (drive->used || drive->member);
+}
+
+bool RAIDController::usable(DrivePosition position) const {
+    const Drive* drive = at(position.channel, position.id);
+    return drive != nullptr && !drive->used;
 }
 
 const std::optional<CString>& RAIDController::driveType(std::int32_t channel,
@@ -184,10 +184,6 @@ const RaidDisk& RAIDController::driveRecord(std::int32_t channel, std::int32_t i
     static const RaidDisk absent;
     const Drive* drive = at(channel, id);
     return drive == nullptr ? absent : drive->record;
-}
-
-std::shared_ptr<CapturedOutput> RAIDController::capturedOutput(std::size_t i) const {
-    return i < capturedOutputs_.size() ? capturedOutputs_[i] : nullptr;
 }
 
 std::int32_t RAIDController::numberOfDrives() const {

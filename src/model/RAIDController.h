@@ -3,7 +3,6 @@
 #include "foundation/CString.h"
 #include "model/Codes.h"
 #include "model/Configuration.h"
-#include "platform/CapturedOutput.h"
 
 #include <array>
 #include <cstddef>
@@ -36,7 +35,6 @@ class RAIDController {
     static constexpr std::int32_t ids = 36;
     static constexpr std::int32_t firstChannel = 1; ///< first channel that counts
     static constexpr std::int32_t noDrive = -1;     ///< size at a position without a drive
-    static constexpr std::size_t maxCapturedOutputs = 4;
     static constexpr std::int32_t maxScanOrder = 15;
 
     [[nodiscard]] static bool isPosition(std::int32_t channel, std::int32_t id) {
@@ -64,14 +62,13 @@ class RAIDController {
     bool addDrive(std::int32_t channel, std::int32_t id, std::int32_t sizeMb, const CString& type,
                   std::int32_t targetId);
     bool setDriveRecord(std::int32_t channel, std::int32_t id, RaidDisk disk);
+    /// The drive cannot be taken by a plan, or (false) it can, and is no member.
     bool setUsed(std::int32_t channel, std::int32_t id, bool used = true);
+    /// The drive is a member of the layout that was captured; a plan may still take it.
+    bool setMember(std::int32_t channel, std::int32_t id);
 
     /// Takes the configuration; null for none.
     bool setConfiguration(std::unique_ptr<RAIDConfiguration> configuration);
-    /// Puts the output into the first empty of four slots; false when all are taken.
-    bool addCapturedOutput(std::shared_ptr<CapturedOutput> output);
-    /// Closes the captured outputs and empties their slots.
-    void clearCapturedOutputs();
     bool clearChannelReassignment();
     /// Exchanges subtype and PCI location text with `other`: what stays with a slot when the
     /// records of two slots change places.
@@ -93,7 +90,10 @@ class RAIDController {
     [[nodiscard]] std::int32_t size(std::int32_t channel, std::int32_t id) const;
     /// The drive's id as its utility numbers it; -1 when none was given.
     [[nodiscard]] std::int32_t targetId(std::int32_t channel, std::int32_t id) const;
+    /// Whether the drive cannot be taken, or is a member of the captured layout.
     [[nodiscard]] bool isUsed(std::int32_t channel, std::int32_t id) const;
+    /// Whether a plan may take a drive here; whether there is one does not matter.
+    [[nodiscard]] bool usable(DrivePosition position) const;
     [[nodiscard]] const std::optional<CString>& driveType(std::int32_t channel,
                                                           std::int32_t id) const;
     [[nodiscard]] const RaidDisk& driveRecord(std::int32_t channel, std::int32_t id) const;
@@ -103,8 +103,6 @@ class RAIDController {
     [[nodiscard]] RAIDConfiguration* configuration() {
         return configuration_ ? &*configuration_ : nullptr;
     }
-    /// Null for an empty slot and for i above 3.
-    [[nodiscard]] std::shared_ptr<CapturedOutput> capturedOutput(std::size_t i) const;
     [[nodiscard]] bool channelReassignment() const { return channelReassignment_; }
     /// Positions on channels 1 to 4 that hold a drive.
     [[nodiscard]] std::int32_t numberOfDrives() const;
@@ -127,7 +125,8 @@ class RAIDController {
     struct Drive {
         std::int32_t sizeMb = noDrive;
         std::int32_t targetId = -1;
-        bool used = false;
+        bool used = false;   ///< cannot be taken
+        bool member = false; ///< of the captured layout
         std::optional<CString> type;
         RaidDisk record;
         friend bool operator==(const Drive&, const Drive&) = default;
@@ -149,7 +148,6 @@ class RAIDController {
     std::optional<CString> driverVersion_;
     CString pciLocation_;
     bool channelReassignment_ = true;
-    std::array<std::shared_ptr<CapturedOutput>, maxCapturedOutputs> capturedOutputs_;
 };
 
 } // namespace zolex

@@ -12,12 +12,11 @@ namespace zolex {
 /// configurations are captured, then the drives.
 class ARCReader : public HRReader {
   public:
-    explicit ARCReader(Application& application);
+    explicit ARCReader(Detail detail, Report& report);
 
     /// A configuration that holds at least one array becomes the controller's. False when a RAID
     /// level, a stripe size or a read-cache mode is not known.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
     /// Number of logical drives that the controller information of the last listing named; 0 when
     /// it named none.

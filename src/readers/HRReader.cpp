@@ -1,6 +1,6 @@
 #include "readers/HRReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "readers/StateTranslation.h"
 
@@ -114,30 +114,29 @@ bool isSizeLine(std::string_view line) {
 
 } // namespace
 
-HRReader::HRReader(Application& application) : HRReader(application, hrconf) {}
+HRReader::HRReader(Detail detail, Report& report) : HRReader(detail, report, hrconf) {}
 
-HRReader::HRReader(Application& application, const ListingDialect& dialect)
-    : LayoutReader(application), dialect_(dialect) {}
+HRReader::HRReader(Detail detail, Report& report, const ListingDialect& dialect)
+    : LayoutReader(detail, report), dialect_(dialect) {}
 
-bool HRReader::readConfiguration(RAIDController& controller,
-                                 std::shared_ptr<CapturedOutput> output) {
-    printer().trace("Entering HRReader::readConfiguration\n");
-    beginLines(controller, std::move(output));
+bool HRReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering HRReader::readConfiguration\n");
+    beginLines(controller, listings);
     if (configuration() != nullptr && !getArraysAndLogicalDrive()) {
-        printer().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
+        report().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
         return false;
     }
     if (!getDrives()) {
-        printer().trace("Exiting HRReader::readConfiguration, returning false(2)\n");
+        report().trace("Exiting HRReader::readConfiguration, returning false(2)\n");
         return false;
     }
     keepConfiguration();
-    printer().trace("Exiting HRReader::readConfiguration, returning true\n");
+    report().trace("Exiting HRReader::readConfiguration, returning true\n");
     return true;
 }
 
-void HRReader::beginLines(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
-    beginListing(controller, std::move(output));
+void HRReader::beginLines(RAIDController& controller, Listings listings) {
+    beginListing(controller, listings);
     line_ = {};
     stay_ = false;
 }
@@ -157,13 +156,13 @@ CString HRReader::valueOf(std::string_view line) {
 }
 
 bool HRReader::getArraysAndLogicalDrive() {
-    printer().trace("Entering HRReader::getArraysAndLogicalDrive\n");
+    report().trace("Entering HRReader::getArraysAndLogicalDrive\n");
     const Exit exit = readLogicalDriveSection();
     if (exit != success) {
-        printer().tracef("Exiting HRReader::getArraysAndLogicalDrive, returning false(%d)\n", exit);
+        report().tracef("Exiting HRReader::getArraysAndLogicalDrive, returning false(%d)\n", exit);
         return false;
     }
-    printer().trace("Exiting HRReader::getArraysAndLogicalDrive, returning true\n");
+    report().trace("Exiting HRReader::getArraysAndLogicalDrive, returning true\n");
     return true;
 }
 
@@ -229,14 +228,14 @@ void HRReader::readLogicalDriveState() {
     LogicalDrive& drive = logicalDrive();
     drive.state = value();
     drive.derivedState = translateLogicalState(drive.state);
-    printer().tracef("Setting the state of the logical drive=%s\n", drive.state.c_str());
+    report().tracef("Setting the state of the logical drive=%s\n", drive.state.c_str());
 }
 
 HRReader::Exit HRReader::readStripeSize() {
     const CString size = value();
     const auto code = findCode(stripeSizes, withoutKb(size));
     if (!code) {
-        printer().tracef("Stripe size not recognized:  %s\n", size.c_str());
+        report().tracef("Stripe size not recognized:  %s\n", size.c_str());
         return unknownStripeSize;
     }
     configuration()->stripeSize = *code;
@@ -278,12 +277,12 @@ void HRReader::addArrayOf(const std::vector<DrivePosition>& drives) {
 }
 
 bool HRReader::getDrives() {
-    printer().trace("Entering HRReader::getDrives\n");
+    report().trace("Entering HRReader::getDrives\n");
     if (!readDevices()) {
-        printer().trace("Entering HRReader::getDrives, returning false\n");
+        report().trace("Entering HRReader::getDrives, returning false\n");
         return false;
     }
-    printer().trace("Entering HRReader::getDrives, returning true\n");
+    report().trace("Entering HRReader::getDrives, returning true\n");
     return true;
 }
 
@@ -301,9 +300,9 @@ bool HRReader::readDevices() {
 }
 
 bool HRReader::addDevice() {
-    printer().trace("Entering HRReader::addDevice\n");
+    report().trace("Entering HRReader::addDevice\n");
     readDevice();
-    printer().trace("Exiting HRReader::addDevice, returning true\n");
+    report().trace("Exiting HRReader::addDevice, returning true\n");
     return true;
 }
 
@@ -350,24 +349,24 @@ void HRReader::readDeviceLine(Device& device) {
 void HRReader::readDeviceState(Device& device) {
     device.disk->state = value();
     device.disk->derivedState = translatePhysicalState(device.disk->state);
-    printer().tracef("Setting the state of the physical drive=%s\n", device.disk->state.c_str());
+    report().tracef("Setting the state of the physical drive=%s\n", device.disk->state.c_str());
     if (holdsAny(line(), dialect_.hotSpare)) {
         device.hotSpare = true;
     }
     if (!holdsAny(line(), dialect_.defunct)) {
         device.usable = true;
-    } else if (application().settings.capture) {
+    } else if (detail().layout) {
         constexpr const char* warning =
             "Warning:  One or more controller have a defunct disk drive.\n";
-        printer().print("\n", level::progress);
-        printer().print(warning, level::progress);
-        printer().print(warning, level::progress);
-        printer().print("\n", level::progress);
+        report().note(level::progress, "\n");
+        report().note(level::progress, warning);
+        report().note(level::progress, warning);
+        report().note(level::progress, "\n");
     }
     if (text::contains(line(), "Partitioned")) {
-        printer().print("\n", level::progress);
-        printer().print("Drive is partitioned and cannot be used in raid configuration.\n",
-                        level::progress);
+        report().note(level::progress, "\n");
+        report().note(level::progress,
+                      "Drive is partitioned and cannot be used in raid configuration.\n");
         device.usable = false;
     }
 }
@@ -391,23 +390,23 @@ void HRReader::storeDevice(const Device& device) {
 }
 
 CString HRReader::translatePhysicalState(const CString& state) {
-    printer().trace("Entering HRReader::translatePhysicalState\n");
-    CString derived = deriveState(physicalStates, state, printer());
-    printer().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
-                     derived.c_str());
+    report().trace("Entering HRReader::translatePhysicalState\n");
+    CString derived = deriveState(physicalStates, state, report());
+    report().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
+                    derived.c_str());
     return derived;
 }
 
 CString HRReader::translateLogicalState(const CString& state) {
-    printer().trace("Entering HRReader::translateLogicalState\n");
-    CString derived = deriveState(logicalStates, state, printer());
-    printer().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
-                     derived.c_str());
+    report().trace("Entering HRReader::translateLogicalState\n");
+    CString derived = deriveState(logicalStates, state, report());
+    report().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
+                    derived.c_str());
     return derived;
 }
 
 void HRReader::traceUnknownRaidLevel(const CString& value) {
-    printer().tracef("RAID level not recognized:  %s\n", value.c_str());
+    report().tracef("RAID level not recognized:  %s\n", value.c_str());
 }
 
 } // namespace zolex

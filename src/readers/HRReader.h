@@ -27,13 +27,12 @@ struct ListingDialect {
 /// It is built of steps, so that a listing of nearly the same blocks can be read with them.
 class HRReader : public LayoutReader {
   public:
-    explicit HRReader(Application& application);
+    explicit HRReader(Detail detail, Report& report);
 
     /// A configuration that holds at least one array becomes the controller's. False when a RAID
     /// level or a stripe size is not known; the controller then gets neither a configuration nor
     /// drives.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   protected:
     static constexpr Exit unknownRaidLevel = 1;
@@ -52,11 +51,11 @@ class HRReader : public LayoutReader {
         bool hotSpare = false;
     };
 
-    HRReader(Application& application, const ListingDialect& dialect);
+    HRReader(Detail detail, Report& report, const ListingDialect& dialect);
 
     // The current line.
     /// Takes up a listing in front of its first line.
-    void beginLines(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    void beginLines(RAIDController& controller, Listings listings);
     /// Goes to the next line; false at "EOF", behind which there is nothing.
     bool advance();
     /// Makes the next advance() stay at the current line.

@@ -1,6 +1,7 @@
 #include "readers/IDEReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
 #include "readers/ListingValues.h"
@@ -52,29 +53,28 @@ CString valueOf(std::string_view line, std::string_view key) {
 
 } // namespace
 
-bool IDEReader::readConfiguration(RAIDController& controller,
-                                  std::shared_ptr<CapturedOutput> output) {
-    Printer& printer = application().printer();
-    printer.trace("Entering IDEReader::readConfiguration\n");
+bool IDEReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering IDEReader::readConfiguration\n");
     beginController(controller);
-    setOutput(std::move(output));
-    nextOutput_ = 1;
+    setListing(listings, 0);
+    listings_ = listings;
+    nextListing_ = 1;
     layout_ = {};
-    if (!application().settings.capture) {
+    if (!detail().layout) {
         readDrives();
     } else if (const Exit exit = readLayout(); exit != success) {
         layout_.configuration.reset();
-        printer.tracef("Exiting IDEReader::readConfiguration, returning false(%d)\n", exit);
+        report().tracef("Exiting IDEReader::readConfiguration, returning false(%d)\n", exit);
         return false;
     }
-    printer.trace("Exiting IDEReader::readConfiguration, returning true\n");
+    report().trace("Exiting IDEReader::readConfiguration, returning true\n");
     return true;
 }
 
 std::string_view IDEReader::nextLine() {
     std::string_view line = ConfigurationReader::nextLine();
-    while (line == endOfOutput && nextOutput_ < outputs) {
-        setOutput(controller().capturedOutput(nextOutput_++));
+    while (line == endOfOutput && nextListing_ < outputs) {
+        setListing(listings_, nextListing_++);
         line = ConfigurationReader::nextLine();
     }
     return line;
@@ -131,8 +131,7 @@ IDEReader::Exit IDEReader::readLayoutLine(std::string_view line) {
 IDEReader::Exit IDEReader::readRaidMode(const CString& value) {
     const auto code = findCode(raidModes, value);
     if (!code) {
-        application().printer().printfAlways("Error: Could not recognize RAID level:  %s\n",
-                                             value.c_str());
+        failWith(FaultKind::listingLevelUnknown, value);
         return 1;
     }
     layout_.drive.raidLevel = *code;
@@ -142,12 +141,17 @@ IDEReader::Exit IDEReader::readRaidMode(const CString& value) {
 IDEReader::Exit IDEReader::readStripeSize(const CString& value) {
     const auto code = findCode(stripeSizes, value);
     if (!code) {
-        application().printer().printfAlways("Error:  Could not recognize stripe size:  %s\n",
-                                             value.c_str());
+        failWith(FaultKind::listingStripeUnknown, value);
         return 2;
     }
     layout_.stripeSize = *code;
     return success;
+}
+
+void IDEReader::failWith(FaultKind kind, const CString& value) const {
+    Fault fault = faultOf(kind);
+    fault.wanted = value;
+    report().fault(fault);
 }
 
 void IDEReader::readDriveCount(const CString& value) {

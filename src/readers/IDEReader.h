@@ -20,8 +20,7 @@ class IDEReader : public ConfigurationReader {
 
     /// Without configurations to capture only the drives are read. False when a RAID level or a
     /// stripe size is not known; the controller then gets no configuration.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   protected:
     std::string_view nextLine() override;
@@ -53,8 +52,10 @@ class IDEReader : public ConfigurationReader {
     void readErrorCode(const CString& value);
     void storeDrive(std::int32_t id);
     void finishLayout();
+    void failWith(FaultKind kind, const CString& value) const;
 
-    std::size_t nextOutput_ = 1; ///< captured output that follows the current one
+    Listings listings_;
+    std::size_t nextListing_ = 1; ///< the one that follows the current one
     Layout layout_;
 };
 

@@ -21,8 +21,7 @@ class KXReader : public LayoutReader {
     /// An empty listing is no error and changes nothing. A configuration that holds at least one
     /// array becomes the controller's. False when the listing ends inside a block that must be
     /// there or holds a value that is not known; the controller then gets no configuration.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   private:
     /// What has been read of one "Target on" block. The record's disk number is the slot.
@@ -35,7 +34,7 @@ class KXReader : public LayoutReader {
         bool controllersOwn = false;
     };
 
-    void begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    void begin(RAIDController& controller, Listings listings);
 
     using ConfigurationReader::nextLine;
     /// Reads lines up to one that holds `separator`, giving each before it to `take`; false when

@@ -1,11 +1,12 @@
 #include "readers/KXReader.h"
 
-#include "show/Dumps.h"
-
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
+#include "model/TypeTraits.h"
 #include "readers/ListingValues.h"
 #include "readers/StateTranslation.h"
+#include "show/Dumps.h"
 
 #include <array>
 
@@ -16,6 +17,10 @@ namespace {
 constexpr std::array<std::string_view, 2> initiatorKeys = {"Initiator at ID",
                                                            "Initiator at SCSI ID"};
 constexpr std::array<std::string_view, 2> idKeys = {"SCSI ID", "Target ID"};
+
+CString utilityOf(std::int32_t type) {
+    return traitsOf(type).utilityCommand;
+}
 
 bool endsDrives(std::string_view line) {
     return line == endOfOutput || line.empty();
@@ -37,27 +42,26 @@ std::optional<DrivePosition> findTarget(const RAIDController& controller, std::i
 } // namespace
 
 bool KXReader::getDrives() {
-    printer().trace("Entering KXReader::getDrives\n");
+    report().trace("Entering KXReader::getDrives\n");
     std::int32_t channel = 0;
     for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
         if (text::contains(line, "Channel #") || (isCfggen_ && holdsAny(line, initiatorKeys))) {
             ++channel;
         } else if (text::contains(line, "Target on") && !addDevice(channel)) {
-            printer().trace("Exiting KXReader::getDrives, returning false\n");
+            report().trace("Exiting KXReader::getDrives, returning false\n");
             return false;
         }
     }
-    printer().trace("Exiting KXReader::getDrives, returning true\n");
+    report().trace("Exiting KXReader::getDrives, returning true\n");
     return true;
 }
 
 bool KXReader::addDevice(std::int32_t channel) {
-    const ControllerCatalogue& catalogue = application().catalogue();
-    printer().trace("Entering KXReader::addDevice\n");
-    if (printer().shows(level::traces)) {
-        printer().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
-                         catalogue.getUtilityCommand(controller().type()).c_str(),
-                         catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
+    report().trace("Entering KXReader::addDevice\n");
+    if (report().shows(level::traces)) {
+        report().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
+                        utilityOf(controller().type()).c_str(),
+                        utilityOf(controller_type::lsiSas).c_str());
     }
     const std::string_view endingKey = isCfggen_ ? "Drive Type" : "Device ID";
     Device device;
@@ -68,10 +72,10 @@ bool KXReader::addDevice(std::int32_t channel) {
         }
     }
     if (const Exit exit = storeDevice(device); exit != success) {
-        printer().tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
+        report().tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
         return false;
     }
-    printer().trace("Exiting KXReader::addDevice, returning true\n");
+    report().trace("Exiting KXReader::addDevice, returning true\n");
     return true;
 }
 
@@ -113,13 +117,13 @@ bool KXReader::readDriveLocation(std::string_view line, RaidDisk& disk) {
     const std::int32_t number = text::leadingInt(valueBetweenColons(line));
     if (namesEnclosure) {
         disk.channelNumber = number;
-        printer().tracef("Found 'Enclosure', setting channel=%d\n", number);
+        report().tracef("Found 'Enclosure', setting channel=%d\n", number);
     } else if (namesSlot) {
         disk.diskNumber = number;
-        printer().tracef("Found 'Slot', setting ID=%d\n", number);
+        report().tracef("Found 'Slot', setting ID=%d\n", number);
     } else {
         disk.id = number;
-        printer().tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
+        report().tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
     }
     return true;
 }
@@ -131,9 +135,9 @@ void KXReader::readDeviceState(const CString& value, Device& device) {
     device.failed = device.failed || failed;
     device.online = device.online || (!hotSpare && !failed && !value.contains("(MIS)"));
     device.disk->state = value;
-    printer().tracef("Found 'State', setting state=%s\n", value.c_str());
+    report().tracef("Found 'State', setting state=%s\n", value.c_str());
     device.disk->derivedState = failed && configuration() != nullptr ? badState : goodState;
-    printer().tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
+    report().tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
 }
 
 KXReader::Exit KXReader::storeDevice(const Device& device) {
@@ -147,15 +151,15 @@ KXReader::Exit KXReader::storeDevice(const Device& device) {
     }
     const RaidDisk& disk = *device.disk;
     if (disk.channelNumber < 0) {
-        printer().printAlways("Enclosure/Channel not found. channel<0\n");
+        fail(FaultKind::listingChannelMissing);
         return noChannel;
     }
     if (disk.id < 0) {
-        printer().printAlways("SCSIID not found. scsiID<0\n");
+        fail(FaultKind::listingIdMissing);
         return noId;
     }
     if (placesBySlot_ && disk.diskNumber < 0) {
-        printer().printAlways("Slot not found. slot<0\n");
+        fail(FaultKind::listingSlotMissing);
         return noSlot;
     }
     storeDrive(device);
@@ -173,9 +177,9 @@ void KXReader::storeDrive(const Device& device) {
     if (device.failed) {
         controller().setUsed(disk.channelNumber, id);
     }
-    const bool debug = application().settings.debug;
+    const bool debug = detail().dumpRecords;
     if (debug) {
-        printer().printAlways(show::dumpText(disk));
+        report().note(level::ungated, show::dumpText(disk));
     }
     if (device.hotSpare && configuration() != nullptr) {
         const Hotspare hotspare = {.channelNumber = disk.channelNumber,
@@ -183,7 +187,7 @@ void KXReader::storeDrive(const Device& device) {
                                    .diskNumber = placesBySlot_ ? disk.id : -1};
         addHotspare(*configuration(), hotspare);
         if (debug) {
-            printer().printAlways(show::dumpText(hotspare));
+            report().note(level::ungated, show::dumpText(hotspare));
         }
     }
 }

@@ -19,8 +19,7 @@ class MEGAReader : public ConfigurationReader {
 
     /// Always true. A configuration that cannot be read whole is dropped; the drives are still
     /// filled.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   private:
     /// Where a drive block says that its drive is.
@@ -35,7 +34,7 @@ class MEGAReader : public ConfigurationReader {
     struct VirtualDisk;
 
     // Enclosures and channels
-    void numberEnclosures(const std::shared_ptr<CapturedOutput>& driveListing);
+    void numberEnclosures();
     std::int32_t channelOf(std::int32_t enclosure);
     [[nodiscard]] std::int32_t reAssignChannelID(std::int32_t enclosure);
     bool readLocationLine(std::string_view line, DriveLocation& location);

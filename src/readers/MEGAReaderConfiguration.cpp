@@ -1,6 +1,7 @@
 // The configuration listing: virtual disks and their members.
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
 #include "readers/MEGAReader.h"
@@ -102,14 +103,13 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
 /// Reads one virtual disk, from the line after its name, and adds it to the configuration; false
 /// when it cannot be captured whole.
 bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
-    Printer& printer = application().printer();
-    printer.trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
+    report().trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
     VirtualDisk disk;
     std::string_view line = nextLine();
     for (; !endsVirtualDisk(line); line = nextLine()) {
         const bool taken = disk.inMember && readMemberLine(line, disk);
         if (!taken && !readVirtualDiskLine(line, disk, configuration)) {
-            printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(1)\n");
+            report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(1)\n");
             return false;
         }
     }
@@ -117,12 +117,10 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     closeMember(disk);
     disk.closeSpan();
     if (disk.hasMissingDrives()) {
-        printer.errorBlockf("Controller %s has a logical drive with missing drives; its "
-                            "configuration is not captured.\n",
-                            modelName().c_str());
+        fail(FaultKind::listingDrivesMissing);
     }
     if (disk.hasMissingDrives() || !disk.isComplete()) {
-        printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(2)\n");
+        report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(2)\n");
         return false;
     }
     // An array without its logical drive could not be configured again.
@@ -130,7 +128,7 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     if (addLogicalDrive(configuration, std::move(disk.drive))) {
         addArray(configuration, std::move(disk.array));
     }
-    printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning true\n");
+    report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning true\n");
     return true;
 }
 
@@ -149,7 +147,7 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
         disk.hasSize = true;
         const std::int32_t sizeMb =
             megacli::sizeInMb(valueAfterColon(line), megacli::Rounding::down);
-        application().printer().tracef("Setting size=%d\n", sizeMb);
+        report().tracef("Setting size=%d\n", sizeMb);
         disk.drive.sizeMb = sizeMb > 0 ? sizeMb : sizeFill;
     } else if (!disk.hasState && isStateLine(line)) {
         disk.hasState = true;
@@ -180,7 +178,7 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
 void MEGAReader::readNumberOfPds(std::string_view line, VirtualDisk& disk) {
     const std::int32_t announced =
         text::leadingInt(valueAfterColon(line.substr(line.find("Number of PDs"))));
-    application().printer().tracef("Number of PDs=%d \n", announced);
+    report().tracef("Number of PDs=%d \n", announced);
     if (line == disk.spanLine) {
         return;
     }
@@ -195,8 +193,7 @@ void MEGAReader::readStripeSize(std::string_view line, RAIDConfiguration& config
     std::string_view value = valueAfterColon(line);
     const std::size_t unit = value.find(contains(value, "kB") ? "kB" : "KB");
     value = text::trim(value.substr(0, unit));
-    application().printer().tracef("Stripe size value=%.*s\n", static_cast<int>(value.size()),
-                                   value.data());
+    report().tracef("Stripe size value=%.*s\n", static_cast<int>(value.size()), value.data());
     configuration.stripeSize = megacli::stripeSizeOf(value, configuration.stripeSize);
 }
 
@@ -225,7 +222,7 @@ void MEGAReader::closeMember(VirtualDisk& disk) {
         return;
     }
     ++disk.membersSeen;
-    controller().setUsed(member.channel, member.slot);
+    controller().setMember(member.channel, member.slot);
     addMember(disk.array, {member.channel, member.slot});
 }
 

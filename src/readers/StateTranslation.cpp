@@ -1,16 +1,16 @@
 #include "readers/StateTranslation.h"
 
-#include "foundation/Printer.h"
+#include "foundation/Report.h"
 
 namespace zolex {
 
-CString deriveState(std::span<const StateWord> words, const CString& state, Printer& printer) {
+CString deriveState(std::span<const StateWord> words, const CString& state, Report& report) {
     for (const StateWord& row : words) {
         if (state.equalsNoCase(row.word)) {
             return row.derived;
         }
     }
-    printer.tracef("***** Unable to recognize input state: %s\n", state.c_str());
+    report.tracef("***** Unable to recognize input state: %s\n", state.c_str());
     return unknownState;
 }
 

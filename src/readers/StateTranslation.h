@@ -7,7 +7,7 @@
 
 namespace zolex {
 
-class Printer;
+class Report;
 
 /// A state word that a utility prints, and the state that is derived from it.
 struct StateWord {
@@ -23,6 +23,6 @@ inline constexpr const char* unknownState = "????";
 /// The state derived from the row whose word is `state`, letter case ignored. Without such a row
 /// the word is traced and the result is "????".
 [[nodiscard]] CString deriveState(std::span<const StateWord> words, const CString& state,
-                                  Printer& printer);
+                                  Report& report);
 
 } // namespace zolex

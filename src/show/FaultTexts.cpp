@@ -10,6 +10,7 @@ namespace zolex::show {
 std::vector<FaultText> faultTexts(const Fault& fault) {
     static constexpr std::array floors = {
         inventoryFaultTexts,
+        listingFaultTexts,
         commandFaultTexts,
     };
     for (const auto& floor : floors) {

@@ -10,6 +10,7 @@
 namespace zolex::show {
 
 [[nodiscard]] std::optional<std::vector<FaultText>> inventoryFaultTexts(const Fault& fault);
+[[nodiscard]] std::optional<std::vector<FaultText>> listingFaultTexts(const Fault& fault);
 [[nodiscard]] std::optional<std::vector<FaultText>> commandFaultTexts(const Fault& fault);
 
 } // namespace zolex::show
