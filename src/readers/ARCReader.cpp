@@ -185,7 +185,7 @@ std::string_view ARCReader::nextLine() {
         report().note(level::ungated, "***************configInfo = NULL******************");
     }
     const std::string_view line = HRReader::nextLine();
-    if (report().shows(level::traces)) {
+    if (traces()) {
         report().tracef("ARCReader::nextLine:%s\n", CString(line).c_str());
     }
     return line;
@@ -231,8 +231,8 @@ std::string_view ARCReader::readLocation() {
             drive->position = parsePosition(valueOf(line), ",").value_or(drive->position);
         }
     }
-    if (drive && !drive->location.isEmpty()) {
-        locations_->push_back(std::move(*drive));
+    if (drive && !drive->location.empty()) {
+        locations_->push_back(*drive);
     }
     return line;
 }
@@ -254,9 +254,9 @@ bool ARCReader::readControllerLine() {
     } else if (text::contains(line(), "Automatic Failover")) {
         segmentForm_ = true;
     } else if (holdsAny(line(), logicalDriveCount)) {
-        announcedLogicalDrives_ = value().toInt();
+        announcedLogicalDrives_ = text::leadingInt(value());
     } else if (text::contains(line(), "Physical Slot")) {
-        controller().setSlotNumber(value().toInt());
+        controller().setSlotNumber(text::leadingInt(value()));
     } else {
         return false;
     }
@@ -379,7 +379,7 @@ std::optional<DrivePosition> ARCReader::segmentDrive(std::string_view value) {
         const std::vector<ReportedDrive>& drives = locations();
         const auto drive =
             std::find_if(drives.begin(), drives.end(), [&](const ReportedDrive& each) {
-                return numbersOf(each.location.view(), words) == numbers;
+                return numbersOf(each.location, words) == numbers;
             });
         return drive != drives.end() ? drive->position : *numbers;
     }
@@ -398,7 +398,7 @@ void ARCReader::finishLogicalDrive() {
 void ARCReader::readWriteCacheMode() {
     report().trace("Processing write-cache mode info\n");
     logicalDrive().writeCache =
-        value().contains("Disabled") ? write_cache::off : write_cache::notGiven;
+        text::contains(value(), "Disabled") ? write_cache::off : write_cache::notGiven;
 }
 
 HRReader::Exit ARCReader::readReadCacheMode() {
@@ -429,27 +429,31 @@ bool ARCReader::addDevice() {
     return true;
 }
 
-void ARCReader::readDeviceLine(Device& device) {
-    if (device.disk && text::contains(line(), "Reported Location")) {
+void ARCReader::readDeviceLine(Device& device, const KeyedLine& keyed) {
+    if (device.disk && keyed.holds(locationLine)) {
         device.disk->reportedLocation = value();
     } else {
-        HRReader::readDeviceLine(device);
+        HRReader::readDeviceLine(device, keyed);
     }
 }
 
-CString ARCReader::translatePhysicalState(const CString& state) {
+std::string_view ARCReader::translatePhysicalState(std::string_view state) {
     report().trace("Entering ARCReader::translatePhysicalState\n");
-    CString derived = deriveState(physicalStates, state, report());
-    report().tracef("Exitinging ARCReader::translatePhysicalState, derivedState=%s\n",
-                    derived.c_str());
+    const std::string_view derived = deriveState(physicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging ARCReader::translatePhysicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 
-CString ARCReader::translateLogicalState(const CString& state) {
+std::string_view ARCReader::translateLogicalState(std::string_view state) {
     report().trace("Entering ARCReader::translateLogicalState\n");
-    CString derived = deriveState(logicalStates, state, report());
-    report().tracef("Exitinging ARCReader::translateLogicalState, derivedState=%s\n",
-                    derived.c_str());
+    const std::string_view derived = deriveState(logicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging ARCReader::translateLogicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 

@@ -20,6 +20,7 @@ std::string_view ConfigurationReader::skipTo(std::string_view wanted) {
 void ConfigurationReader::beginController(RAIDController& controller) {
     controller_ = &controller;
     reportedLimits_ = 0;
+    traces_ = report_.shows(level::traces);
 }
 
 bool ConfigurationReader::addArray(RAIDConfiguration& configuration, RaidArray array) {

@@ -41,6 +41,8 @@ class ConfigurationReader {
   protected:
     [[nodiscard]] const Detail& detail() const { return detail_; }
     [[nodiscard]] Report& report() const { return report_; }
+    /// Whether traces are shown. Without, those of each line are not even asked for.
+    [[nodiscard]] bool traces() const { return traces_; }
 
     /// Lines come from the front of this listing; none when there is no such listing.
     void setListing(Listings listings, std::size_t index) {
@@ -87,6 +89,7 @@ class ConfigurationReader {
     RAIDController* controller_ = nullptr;
     ListingCursor lines_;
     unsigned reportedLimits_ = 0;
+    bool traces_ = false;
 };
 
 /// One row for each controller type: the reader of its utility's output and the line that its

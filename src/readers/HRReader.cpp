@@ -100,13 +100,29 @@ std::string_view withoutKb(std::string_view size) {
     return size;
 }
 
+constexpr std::array<std::string_view, 8> deviceKeys = {
+    "PFA",   "Device #", "Device is",     "Channel,Device",
+    "State", "Size",     "Serial number", "Reported Location"};
+
+/// What the lines of logical drives that count begin with or hold, on every utility, and what ends
+/// them. Letter case is ignored.
+constexpr std::array<std::string_view, 12> layoutKeys = {
+    "physical device", "logical d", "bios",    "driver",      "raid level", "status of", "size",
+    "channel,device",  "segment",   "present", "write-cache", "read-cache"};
+
+const KeyFilter& deviceFilter() {
+    static const KeyFilter filter(deviceKeys);
+    return filter;
+}
+
+const KeyFilter& layoutFilter() {
+    static const KeyFilter filter(layoutKeys);
+    return filter;
+}
+
 /// Keys that hold "State" or "Size" and tell something else.
 constexpr std::array<std::string_view, 4> otherKeys = {"Power State", "Block Size", "Unused Size",
                                                        "Stripe Size"};
-
-bool isStateLine(std::string_view line) {
-    return text::contains(line, "State") && !holdsAny(line, otherKeys);
-}
 
 bool isSizeLine(std::string_view line) {
     return text::contains(line, "Size") && !holdsAny(line, otherKeys);
@@ -148,11 +164,17 @@ bool HRReader::advance() {
     return line_ != endOfOutput;
 }
 
-CString HRReader::valueOf(std::string_view line) {
+std::string_view HRReader::valueOf(std::string_view line) {
     constexpr std::string_view mark = "(T:L)";
-    const std::size_t at = line.find(mark);
-    const bool marked = at != std::string_view::npos && line.find(':') > at;
-    return text::valueAfterColon(marked ? line.substr(at + mark.size()) : line);
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) {
+        return {};
+    }
+    constexpr std::size_t colonInMark = mark.find(':');
+    if (colon < colonInMark || line.substr(colon - colonInMark, mark.size()) != mark) {
+        return text::trim(line.substr(colon + 1));
+    }
+    return text::valueAfterColon(line.substr(colon - colonInMark + mark.size()));
 }
 
 bool HRReader::getArraysAndLogicalDrive() {
@@ -168,7 +190,13 @@ bool HRReader::getArraysAndLogicalDrive() {
 
 HRReader::Exit HRReader::readLogicalDriveSection() {
     bool inSection = false;
-    while (advance() && !text::containsNoCase(line(), physicalDeviceHeading)) {
+    while (advance()) {
+        if (layoutFilter().candidates(line()) == 0) {
+            continue;
+        }
+        if (text::containsNoCase(line(), physicalDeviceHeading)) {
+            break;
+        }
         if (!inSection) {
             inSection = holdsAnyNoCase(line(), dialect_.logicalDriveHeadings);
         } else if (endsLogicalDrives()) {
@@ -201,7 +229,7 @@ HRReader::Exit HRReader::readLayoutLine() {
     } else if (holdsAny(line(), dialect_.logicalDriveStatus)) {
         readLogicalDriveState();
     } else if (isSizeLine(line())) {
-        logicalDrive().sizeMb = value().toInt();
+        logicalDrive().sizeMb = text::leadingInt(value());
     } else if (text::contains(line(), "Stripe-unit size")) {
         return readStripeSize();
     } else if (text::contains(line(), "Channel,Device")) {
@@ -242,7 +270,7 @@ HRReader::Exit HRReader::readStripeSize() {
     return success;
 }
 
-CString HRReader::driveListValue() const {
+std::string_view HRReader::driveListValue() const {
     constexpr std::string_view mark = "DDD";
     const std::size_t at = line_.find(mark);
     if (at == std::string_view::npos) {
@@ -287,7 +315,8 @@ bool HRReader::getDrives() {
 }
 
 bool HRReader::readDevices() {
-    while (advance() && !text::containsNoCase(line(), physicalDeviceHeading)) {
+    while (advance() && (layoutFilter().candidates(line()) == 0 ||
+                         !text::containsNoCase(line(), physicalDeviceHeading))) {
     }
     while (advance() && !text::contains(line(), separator)) {
     }
@@ -307,13 +336,21 @@ bool HRReader::addDevice() {
 }
 
 void HRReader::readDevice() {
+    const KeyFilter& filter = deviceFilter();
     Device device;
-    while (advance() && !text::contains(line(), "PFA")) {
-        if (text::contains(line(), deviceHeading)) {
+    while (advance()) {
+        const KeyedLine keyed(line(), filter);
+        if (keyed.holdsNone()) {
+            continue;
+        }
+        if (keyed.holds(deviceEnd)) {
+            break;
+        }
+        if (keyed.holds(nextDevice)) {
             putBack();
             break;
         }
-        readDeviceLine(device);
+        readDeviceLine(device, keyed);
     }
     if (device.disk) {
         storeDevice(device);
@@ -324,24 +361,24 @@ bool HRReader::isDiskLine(std::string_view line) {
     return holdsAny(line, diskWords);
 }
 
-void HRReader::readDeviceLine(Device& device) {
-    if (text::contains(line(), "Device is")) {
+void HRReader::readDeviceLine(Device& device, const KeyedLine& keyed) {
+    if (keyed.holds(deviceKind)) {
         device = {};
         if (isDiskLine(line())) {
             device.disk.emplace();
         }
     } else if (!device.disk) {
         return;
-    } else if (text::contains(line(), "Channel,Device")) {
+    } else if (keyed.holds(positionLine)) {
         if (const auto position = parsePosition(value(), ",")) {
             device.disk->channelNumber = toModel(*position).channel;
             device.disk->id = position->id;
         }
-    } else if (isStateLine(line())) {
+    } else if (keyed.holds(stateLine) && !holdsAny(line(), otherKeys)) {
         readDeviceState(device);
-    } else if (isSizeLine(line())) {
-        device.disk->sizeMb = value().toInt();
-    } else if (text::contains(line(), "Serial number")) {
+    } else if (keyed.holds(sizeLine) && !holdsAny(line(), otherKeys)) {
+        device.disk->sizeMb = text::leadingInt(value());
+    } else if (keyed.holds(serialLine)) {
         device.disk->serialNumber = value();
     }
 }
@@ -371,37 +408,42 @@ void HRReader::readDeviceState(Device& device) {
     }
 }
 
-void HRReader::storeDevice(const Device& device) {
-    const RaidDisk& disk = *device.disk;
+void HRReader::storeDevice(Device& device) {
+    const DrivePosition at = {device.disk->channelNumber, device.disk->id};
+    RaidDisk& disk = *device.disk;
     if (!checkPosition(disk.channelNumber, disk.id) ||
         !checkSize(disk.channelNumber, disk.id, disk.sizeMb)) {
         return;
     }
     controller().setSize(disk.channelNumber, disk.id, disk.sizeMb);
-    controller().setDriveRecord(disk.channelNumber, disk.id, disk);
     const bool used = !device.usable && !device.hotSpare;
     if (used) {
-        controller().setUsed(disk.channelNumber, disk.id);
+        controller().setUsed(at.channel, at.id);
     }
     traceStored(disk, used);
+    controller().setDriveRecord(at.channel, at.id, std::move(disk));
     if (device.hotSpare && configuration() != nullptr) {
-        addHotspare(*configuration(), {.channelNumber = disk.channelNumber, .id = disk.id});
+        addHotspare(*configuration(), {.channelNumber = at.channel, .id = at.id});
     }
 }
 
-CString HRReader::translatePhysicalState(const CString& state) {
+std::string_view HRReader::translatePhysicalState(std::string_view state) {
     report().trace("Entering HRReader::translatePhysicalState\n");
-    CString derived = deriveState(physicalStates, state, report());
-    report().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
-                    derived.c_str());
+    const std::string_view derived = deriveState(physicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 
-CString HRReader::translateLogicalState(const CString& state) {
+std::string_view HRReader::translateLogicalState(std::string_view state) {
     report().trace("Entering HRReader::translateLogicalState\n");
-    CString derived = deriveState(logicalStates, state, report());
-    report().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
-                    derived.c_str());
+    const std::string_view derived = deriveState(logicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 

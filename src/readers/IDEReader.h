@@ -12,6 +12,8 @@
 
 namespace zolex {
 
+class KeyedLine;
+
 /// Reads what HYPERWIN prints: status codes and keywords, in the captured outputs 0, 1 and 2 as one
 /// stream. There are at most two drives on one channel, whose sizes the utility does not tell.
 class IDEReader : public ConfigurationReader {
@@ -45,11 +47,11 @@ class IDEReader : public ConfigurationReader {
 
     void readDrives();
     Exit readLayout();
-    Exit readLayoutLine(std::string_view line);
+    Exit readLayoutLine(const KeyedLine& keyed);
     Exit readRaidMode(const CString& value);
     Exit readStripeSize(const CString& value);
     void readDriveCount(const CString& value);
-    void readErrorCode(const CString& value);
+    void readErrorCode(const KeyedLine& keyed);
     void storeDrive(std::int32_t id);
     void finishLayout();
     void failWith(FaultKind kind, const CString& value) const;

@@ -136,7 +136,7 @@ void KXReader::begin(RAIDController& controller, Listings listings) {
 
 bool KXReader::nextLine(std::string_view ending, void (KXReader::*take)(std::string_view)) {
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
-        if (report().shows(level::traces)) {
+        if (traces()) {
             report().tracef("KXReader::nextLine: %s\n", CString(line).c_str());
         }
         if (text::contains(line, ending)) {

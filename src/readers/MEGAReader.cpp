@@ -3,6 +3,7 @@
 #include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
+#include "readers/KeyFilter.h"
 #include "readers/MegaCliText.h"
 #include "show/Dumps.h"
 
@@ -32,6 +33,24 @@ bool isDriveLine(std::string_view line) {
     return megacli::isEnclosureLine(line) || contains(line, "Slot Number") ||
            isCoercedSizeLine(line) || contains(line, "Firmware state") ||
            contains(line, "Inquiry Data");
+}
+
+constexpr std::array<std::string_view, 7> driveKeys = {
+    "Adapter #",    "Enclosure Device ID", "Enclosure Number", "Slot Number",
+    "Coerced Size", "Firmware state",      "Inquiry Data"};
+constexpr std::array<std::string_view, 4> adapterKeys = {"Adapter #", "FW Version", "BIOS Version",
+                                                         "RAID Level Supported"};
+
+/// Whether the line of a drive listing says nothing. Most lines do not.
+bool isIdle(std::string_view line) {
+    static const KeyFilter filter(driveKeys);
+    return filter.candidates(line) == 0 && line != endOfOutput;
+}
+
+/// The same of an adapter listing.
+bool isIdleOfAdapter(std::string_view line) {
+    static const KeyFilter filter(adapterKeys);
+    return filter.candidates(line) == 0 && line != endOfOutput;
 }
 
 bool endsDrives(std::string_view line) {
@@ -78,10 +97,16 @@ bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings
 /// has to mean the same drive there.
 void MEGAReader::numberEnclosures() {
     std::string_view line = nextLine();
-    while (line != endOfOutput && !isDriveLine(line)) {
+    while (line != endOfOutput && (isIdle(line) || !isDriveLine(line))) {
         line = nextLine();
     }
-    for (; !endsDrives(line); line = nextLine()) {
+    for (;; line = nextLine()) {
+        if (isIdle(line)) {
+            continue;
+        }
+        if (endsDrives(line)) {
+            break;
+        }
         if (megacli::isEnclosureLine(line)) {
             channelOf(megacli::enclosureOf(line));
         }
@@ -133,7 +158,7 @@ bool MEGAReader::readLocationLine(std::string_view line, DriveLocation& location
 void MEGAReader::getDrives(RAIDConfiguration* configuration) {
     report().trace("Entering MEGAReader::getDrives\n");
     std::string_view line = nextLine();
-    while (line != endOfOutput && !isDriveLine(line)) {
+    while (line != endOfOutput && (isIdle(line) || !isDriveLine(line))) {
         line = nextLine();
     }
     while (!endsDrives(line)) {
@@ -148,14 +173,22 @@ void MEGAReader::getDrives(RAIDConfiguration* configuration) {
 /// Reads the block that begins with `line`, and returns the first line behind it.
 std::string_view MEGAReader::readDriveBlock(std::string_view line, DriveBlock& block,
                                             RAIDConfiguration* configuration) {
-    for (; !endsDrives(line); line = nextLine()) {
-        report().tracef("p_lines: %.*s\n", static_cast<int>(line.size()), line.data());
+    for (;; line = nextLine()) {
+        const bool idle = isIdle(line);
+        if (!idle && endsDrives(line)) {
+            return line;
+        }
+        if (traces()) {
+            report().tracef("p_lines: %.*s\n", static_cast<int>(line.size()), line.data());
+        }
+        if (idle) {
+            continue;
+        }
         readDriveLine(line, block, configuration);
         if (contains(line, "Inquiry Data")) {
             return nextLine();
         }
     }
-    return line;
 }
 
 void MEGAReader::readDriveLine(std::string_view line, DriveBlock& block,
@@ -215,12 +248,12 @@ void MEGAReader::addCapturedHotspare(const DriveLocation& location,
     addHotspare(configuration, hotspare);
 }
 
-void MEGAReader::storeDrive(const DriveBlock& block) {
+void MEGAReader::storeDrive(DriveBlock& block) {
     const auto [enclosure, channel, slot, hasEnclosure, hasSlot] = block.location;
-    if (block.mark != DriveBlock::Mark::none && block.record.sizeMb > 0 &&
-        checkPosition(channel, slot)) {
+    const bool stored = block.mark != DriveBlock::Mark::none && block.record.sizeMb > 0 &&
+                        checkPosition(channel, slot);
+    if (stored) {
         controller().setSizeAndTarget(channel, slot, block.record.sizeMb, enclosure);
-        controller().setDriveRecord(channel, slot, block.record);
         if (block.mark == DriveBlock::Mark::bad) {
             controller().setUsed(channel, slot);
             report().tracef("Inserted new instance of RaidDisk(2) at location %d:%d\n", channel,
@@ -234,16 +267,19 @@ void MEGAReader::storeDrive(const DriveBlock& block) {
     if (detail().dumpRecords && (hasEnclosure || hasSlot)) {
         report().note(level::ungated, show::dumpText(block.record));
     }
+    if (stored) {
+        controller().setDriveRecord(channel, slot, std::move(block.record));
+    }
 }
 
 void MEGAReader::getAdapterInfo() {
     report().trace("Entering MEGAReader::getAdapterInfo\n");
     std::string_view line = nextLine();
-    while (!endsDrives(line)) {
+    while (isIdleOfAdapter(line) || !endsDrives(line)) {
         line = nextLine();
     }
     // Behind "EOF" there is nothing.
-    for (line = nextLine(); !endsDrives(line); line = nextLine()) {
+    for (line = nextLine(); isIdleOfAdapter(line) || !endsDrives(line); line = nextLine()) {
         readAdapterLine(line);
     }
     report().trace("Exiting MEGAReader::getAdapterInfo\n");

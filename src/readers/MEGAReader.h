@@ -47,7 +47,7 @@ class MEGAReader : public ConfigurationReader {
     void readFirmwareState(std::string_view line, DriveBlock& block,
                            RAIDConfiguration* configuration);
     void addCapturedHotspare(const DriveLocation& location, RAIDConfiguration& configuration);
-    void storeDrive(const DriveBlock& block);
+    void storeDrive(DriveBlock& block);
 
     // Adapter listing
     void getAdapterInfo();

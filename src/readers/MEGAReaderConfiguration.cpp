@@ -4,9 +4,12 @@
 #include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
+#include "readers/KeyFilter.h"
 #include "readers/MEGAReader.h"
 #include "readers/MegaCliText.h"
 
+#include <array>
+#include <span>
 #include <utility>
 
 namespace zolex {
@@ -37,6 +40,25 @@ bool endsVirtualDisk(std::string_view line) {
             (megacli::holdsKey(line, "Virtual Disk") || megacli::holdsKey(line, "Virtual Drive")));
 }
 
+/// The keys that count until the size and the state of a virtual disk are known, and thereafter.
+/// The shorter two make finding them slower. "PD" is a key besides.
+constexpr std::array<std::string_view, 15> diskKeys = {"Size",
+                                                       "State",
+                                                       "Adapter #",
+                                                       "Virtual D",
+                                                       "Number of PDs",
+                                                       "Stripe Size",
+                                                       "Strip Size",
+                                                       "RAID Level",
+                                                       "Exit Code",
+                                                       "Current Cache Policy",
+                                                       "Inquiry Data",
+                                                       "Number Of Drives",
+                                                       "Number of Spans",
+                                                       "Enclosure ",
+                                                       "Slot Number"};
+constexpr auto memberKeys = std::span(diskKeys).subspan<2>();
+
 } // namespace
 
 /// One virtual disk while it is read.
@@ -57,6 +79,14 @@ struct MEGAReader::VirtualDisk {
     std::int64_t drivesExpected = 0;  ///< what "Number Of Drives" announces
     bool drivesPerSpan = false;       ///< for each span
     std::int64_t drivesSeen = 0;
+
+    /// Whether the line says nothing. Most lines do not.
+    [[nodiscard]] bool isIdle(std::string_view line) const {
+        static const KeyFilter wholeFilter(diskKeys);
+        static const KeyFilter memberFilter(memberKeys);
+        const KeyFilter& filter = hasSize && hasState ? memberFilter : wholeFilter;
+        return filter.candidates(line) == 0 && line != endOfOutput && !contains(line, "PD");
+    }
 
     void closeSpan() {
         isWhole = isWhole && membersSeen >= membersExpected;
@@ -106,7 +136,13 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     report().trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
     VirtualDisk disk;
     std::string_view line = nextLine();
-    for (; !endsVirtualDisk(line); line = nextLine()) {
+    for (;; line = nextLine()) {
+        if (disk.isIdle(line)) {
+            continue;
+        }
+        if (endsVirtualDisk(line)) {
+            break;
+        }
         const bool taken = disk.inMember && readMemberLine(line, disk);
         if (!taken && !readVirtualDiskLine(line, disk, configuration)) {
             report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(1)\n");
