@@ -100,9 +100,11 @@ std::string_view withoutKb(std::string_view size) {
     return size;
 }
 
-constexpr std::array<std::string_view, 8> deviceKeys = {
-    "PFA",   "Device #", "Device is",     "Channel,Device",
-    "State", "Size",     "Serial number", "Reported Location"};
+/// What ends the block of a device.
+constexpr std::string_view deviceEnd = "PFA";
+constexpr std::array<std::string_view, 7> deviceKeys = {
+    "Device #", "Device is",     "Channel,Device",   "State",
+    "Size",     "Serial number", "Reported Location"};
 
 /// What the lines of logical drives that count begin with or hold, on every utility, and what ends
 /// them. Letter case is ignored.
@@ -337,14 +339,15 @@ bool HRReader::addDevice() {
 
 void HRReader::readDevice() {
     const KeyFilter& filter = deviceFilter();
+    KeyAhead endKey(deviceEnd);
     Device device;
     while (advance()) {
+        if (endKey.canBeIn(line(), lines()) && text::contains(line(), deviceEnd)) {
+            break;
+        }
         const KeyedLine keyed(line(), filter);
         if (keyed.holdsNone()) {
             continue;
-        }
-        if (keyed.holds(deviceEnd)) {
-            break;
         }
         if (keyed.holds(nextDevice)) {
             putBack();

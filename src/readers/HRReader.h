@@ -86,7 +86,6 @@ class HRReader : public LayoutReader {
     // The drives.
     /// The keys of a device's lines, on every utility.
     enum DeviceKey : std::size_t {
-        deviceEnd,
         nextDevice,
         deviceKind,
         positionLine,

@@ -67,7 +67,7 @@ std::optional<DrivePosition> findTarget(const RAIDController& controller, std::i
 bool KXReader::getDrives() {
     report().trace("Entering KXReader::getDrives\n");
     std::int32_t channel = 0;
-    for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
+    for (std::string_view line = lines().nextLine(); !endsDrives(line); line = lines().nextLine()) {
         if (text::contains(line, "Channel #") || (isCfggen_ && holdsAny(line, initiatorKeys))) {
             ++channel;
         } else if (text::contains(line, "Target on") && !addDevice(channel)) {
@@ -89,7 +89,7 @@ bool KXReader::addDevice(std::int32_t channel) {
     const DeviceKey ending = isCfggen_ ? driveType : deviceId;
     const KeyFilter& filter = deviceFilter();
     Device device;
-    for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
+    for (std::string_view line = lines().nextLine(); !endsDrives(line); line = lines().nextLine()) {
         const KeyedLine keyed(line, filter);
         if (keyed.holdsNone()) {
             continue;

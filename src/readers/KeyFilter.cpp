@@ -1,7 +1,6 @@
 #include "readers/KeyFilter.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zolex {
 
@@ -14,16 +13,6 @@ constexpr std::size_t shortestForWide = 7;
 } // namespace
 
 template <typename Block>
-std::size_t KeyFilter::slotOf(const char* at) noexcept {
-    Block block{};
-    std::memcpy(&block, at, sizeof block);
-    // This bit is all that the two cases of a letter differ in.
-    constexpr std::uint32_t folded = 0x20202020;
-    constexpr std::uint32_t spread = 0x9E3779B1; // 2^32 by the golden ratio
-    return ((block | static_cast<Block>(folded)) * spread) >> (32U - tableBits);
-}
-
-template <typename Block>
 void KeyFilter::enter(std::size_t shortest) {
     step_ = shortest - sizeof(Block) + 1;
     for (std::size_t i = 0; i < keys_.size(); ++i) {
@@ -31,15 +20,6 @@ void KeyFilter::enter(std::size_t shortest) {
             table_[slotOf<Block>(keys_[i].data() + at)] |= 1U << i;
         }
     }
-}
-
-template <typename Block>
-std::uint32_t KeyFilter::look(std::string_view line) const noexcept {
-    std::uint32_t found = 0;
-    for (std::size_t at = 0; at + sizeof(Block) <= line.size(); at += step_) {
-        found |= table_[slotOf<Block>(line.data() + at)];
-    }
-    return found;
 }
 
 KeyFilter::KeyFilter(std::span<const std::string_view> keys)
@@ -55,8 +35,5 @@ KeyFilter::KeyFilter(std::span<const std::string_view> keys)
         enter<std::uint16_t>(shortest);
     }
 }
-
-template std::uint32_t KeyFilter::look<std::uint16_t>(std::string_view line) const noexcept;
-template std::uint32_t KeyFilter::look<std::uint32_t>(std::string_view line) const noexcept;
 
 } // namespace zolex

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -45,24 +46,53 @@ class KeyFilter {
     std::array<std::uint32_t, std::size_t{1} << tableBits> table_{};
 };
 
+template <typename Block>
+std::size_t KeyFilter::slotOf(const char* at) noexcept {
+    Block block{};
+    std::memcpy(&block, at, sizeof block);
+    // This bit is all that the two cases of a letter differ in.
+    constexpr std::uint32_t folded = 0x20202020;
+    constexpr std::uint32_t spread = 0x9E3779B1; // 2^32 by the golden ratio
+    return ((block | static_cast<Block>(folded)) * spread) >> (32U - tableBits);
+}
+
+template <typename Block>
+std::uint32_t KeyFilter::look(std::string_view line) const noexcept {
+    std::uint32_t found = 0;
+    for (std::size_t at = 0; at + sizeof(Block) <= line.size(); at += step_) {
+        found |= table_[slotOf<Block>(line.data() + at)];
+    }
+    return found;
+}
+
 /// A line, and which keys of a filter it can hold.
 class KeyedLine {
   public:
     KeyedLine(std::string_view line, const KeyFilter& filter)
-        : line_(line), filter_(filter), candidates_(filter.candidates(line)) {}
+        : line_(line), filter_(filter), candidates_(filter.candidates(line)) {
+        while (start_ < line.size() && line[start_] == ' ') {
+            ++start_;
+        }
+    }
 
     [[nodiscard]] std::string_view text() const { return line_; }
     /// Whether it certainly holds none of the keys.
     [[nodiscard]] bool holdsNone() const { return candidates_ == 0; }
     /// Whether it holds the key of this index, exact case.
     [[nodiscard]] bool holds(std::size_t key) const {
-        return ((candidates_ >> key) & 1U) != 0 && text::contains(line_, filter_.key(key));
+        if (((candidates_ >> key) & 1U) == 0) {
+            return false;
+        }
+        // Most keys that a line holds begin it.
+        const std::string_view text = filter_.key(key);
+        return line_.substr(start_).starts_with(text) || text::contains(line_, text);
     }
 
   private:
     std::string_view line_;
     const KeyFilter& filter_;
     std::uint32_t candidates_;
+    std::size_t start_ = 0; ///< of what is no blank
 };
 
 } // namespace zolex

@@ -16,7 +16,7 @@ ListingCursor::ListingCursor(std::string_view text)
     : rest_(text), hasListing_(true), hasTextEnds_(text.find('\0') != std::string_view::npos ||
                                                    text.find('\r') != std::string_view::npos) {}
 
-std::string_view ListingCursor::nextLine() {
+std::string_view ListingCursor::nextOddLine() {
     const std::string_view piece = rest_.substr(0, longestListingLine);
     const std::size_t newline = piece.find('\n');
     if (newline == std::string_view::npos && piece.size() < longestListingLine) {

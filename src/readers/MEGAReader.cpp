@@ -41,16 +41,19 @@ constexpr std::array<std::string_view, 7> driveKeys = {
 constexpr std::array<std::string_view, 4> adapterKeys = {"Adapter #", "FW Version", "BIOS Version",
                                                          "RAID Level Supported"};
 
-/// Whether the line of a drive listing says nothing. Most lines do not.
-bool isIdle(std::string_view line) {
-    static const KeyFilter filter(driveKeys);
+/// Whether a line says nothing. Most lines do not.
+bool isIdle(std::string_view line, const KeyFilter& filter) {
     return filter.candidates(line) == 0 && line != endOfOutput;
 }
 
-/// The same of an adapter listing.
-bool isIdleOfAdapter(std::string_view line) {
+const KeyFilter& driveFilter() {
+    static const KeyFilter filter(driveKeys);
+    return filter;
+}
+
+const KeyFilter& adapterFilter() {
     static const KeyFilter filter(adapterKeys);
-    return filter.candidates(line) == 0 && line != endOfOutput;
+    return filter;
 }
 
 bool endsDrives(std::string_view line) {
@@ -72,6 +75,8 @@ bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings
     report().trace("Entering MEGAReader::readConfiguration\n");
     beginController(controller);
     channelTable_.fill(channelFree);
+    driveLines_.reset();
+    nextDriveLine_ = 0;
     std::unique_ptr<RAIDConfiguration> configuration;
     std::size_t driveListing = 0;
     if (detail().layout) {
@@ -96,21 +101,34 @@ bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings
 /// configuration listing: a deploy run sees the drive listing alone, and a captured drive number
 /// has to mean the same drive there.
 void MEGAReader::numberEnclosures() {
-    std::string_view line = nextLine();
-    while (line != endOfOutput && (isIdle(line) || !isDriveLine(line))) {
-        line = nextLine();
-    }
-    for (;; line = nextLine()) {
-        if (isIdle(line)) {
+    const KeyFilter& filter = driveFilter();
+    driveLines_.emplace();
+    bool begun = false;
+    std::string_view line;
+    do {
+        line = lines().nextLine();
+        const bool idle = isIdle(line, filter);
+        begun = begun || (!idle && isDriveLine(line));
+        if (begun && (!idle || traces())) {
+            driveLines_->push_back(line);
+        }
+        if (idle || !begun) {
             continue;
         }
-        if (endsDrives(line)) {
+        if (megacli::isAdapterLine(line)) {
             break;
         }
         if (megacli::isEnclosureLine(line)) {
             channelOf(megacli::enclosureOf(line));
         }
+    } while (line != endOfOutput);
+}
+
+std::string_view MEGAReader::nextDriveLine() {
+    if (!driveLines_) {
+        return lines().nextLine();
     }
+    return nextDriveLine_ < driveLines_->size() ? (*driveLines_)[nextDriveLine_++] : endOfOutput;
 }
 
 /// The channel that belongs to the enclosure or else the first free one, which it takes; -1 when
@@ -157,9 +175,10 @@ bool MEGAReader::readLocationLine(std::string_view line, DriveLocation& location
 
 void MEGAReader::getDrives(RAIDConfiguration* configuration) {
     report().trace("Entering MEGAReader::getDrives\n");
-    std::string_view line = nextLine();
-    while (line != endOfOutput && (isIdle(line) || !isDriveLine(line))) {
-        line = nextLine();
+    const KeyFilter& filter = driveFilter();
+    std::string_view line = nextDriveLine();
+    while (line != endOfOutput && (isIdle(line, filter) || !isDriveLine(line))) {
+        line = nextDriveLine();
     }
     while (!endsDrives(line)) {
         report().trace("Creating new instance of RaidDisk\n");
@@ -173,8 +192,9 @@ void MEGAReader::getDrives(RAIDConfiguration* configuration) {
 /// Reads the block that begins with `line`, and returns the first line behind it.
 std::string_view MEGAReader::readDriveBlock(std::string_view line, DriveBlock& block,
                                             RAIDConfiguration* configuration) {
-    for (;; line = nextLine()) {
-        const bool idle = isIdle(line);
+    const KeyFilter& filter = driveFilter();
+    for (;; line = nextDriveLine()) {
+        const bool idle = isIdle(line, filter);
         if (!idle && endsDrives(line)) {
             return line;
         }
@@ -186,7 +206,7 @@ std::string_view MEGAReader::readDriveBlock(std::string_view line, DriveBlock& b
         }
         readDriveLine(line, block, configuration);
         if (contains(line, "Inquiry Data")) {
-            return nextLine();
+            return nextDriveLine();
         }
     }
 }
@@ -274,12 +294,14 @@ void MEGAReader::storeDrive(DriveBlock& block) {
 
 void MEGAReader::getAdapterInfo() {
     report().trace("Entering MEGAReader::getAdapterInfo\n");
-    std::string_view line = nextLine();
-    while (isIdleOfAdapter(line) || !endsDrives(line)) {
-        line = nextLine();
+    const KeyFilter& filter = adapterFilter();
+    std::string_view line = lines().nextLine();
+    while (isIdle(line, filter) || !endsDrives(line)) {
+        line = lines().nextLine();
     }
     // Behind "EOF" there is nothing.
-    for (line = nextLine(); isIdleOfAdapter(line) || !endsDrives(line); line = nextLine()) {
+    for (line = lines().nextLine(); isIdle(line, filter) || !endsDrives(line);
+         line = lines().nextLine()) {
         readAdapterLine(line);
     }
     report().trace("Exiting MEGAReader::getAdapterInfo\n");

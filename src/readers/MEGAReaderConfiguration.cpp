@@ -80,12 +80,12 @@ struct MEGAReader::VirtualDisk {
     bool drivesPerSpan = false;       ///< for each span
     std::int64_t drivesSeen = 0;
 
-    /// Whether the line says nothing. Most lines do not.
+    /// Whether the line says nothing, but for "PD". Most lines do not.
     [[nodiscard]] bool isIdle(std::string_view line) const {
         static const KeyFilter wholeFilter(diskKeys);
         static const KeyFilter memberFilter(memberKeys);
         const KeyFilter& filter = hasSize && hasState ? memberFilter : wholeFilter;
-        return filter.candidates(line) == 0 && line != endOfOutput && !contains(line, "PD");
+        return filter.candidates(line) == 0 && line != endOfOutput;
     }
 
     void closeSpan() {
@@ -109,9 +109,9 @@ struct MEGAReader::VirtualDisk {
 
 /// Null when no virtual disk is announced, or when one that is cannot be captured whole.
 std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
-    std::string_view line = nextLine();
+    std::string_view line = lines().nextLine();
     while (line != endOfOutput && !contains(line, "Enclosure") && !isNumberOfVirtualDisks(line)) {
-        line = nextLine();
+        line = lines().nextLine();
     }
     const std::int32_t announced =
         isNumberOfVirtualDisks(line) ? text::leadingInt(valueAfterColon(line)) : 0;
@@ -121,7 +121,7 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
     auto configuration = std::make_unique<RAIDConfiguration>();
     for (std::int32_t i = 0; i < announced; ++i) {
         do {
-            line = nextLine();
+            line = lines().nextLine();
         } while (line != endOfOutput && !megacli::holdsKey(line, "Name"));
         if (line == endOfOutput || !getArraysAndLogicalDrives(*configuration)) {
             return nullptr;
@@ -135,9 +135,10 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
 bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     report().trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
     VirtualDisk disk;
-    std::string_view line = nextLine();
-    for (;; line = nextLine()) {
-        if (disk.isIdle(line)) {
+    KeyAhead memberKey("PD");
+    std::string_view line = lines().nextLine();
+    for (;; line = lines().nextLine()) {
+        if (disk.isIdle(line) && !memberKey.canBeIn(line, lines())) {
             continue;
         }
         if (endsVirtualDisk(line)) {
