@@ -69,30 +69,20 @@ std::uint32_t KeyFilter::look(std::string_view line) const noexcept {
 class KeyedLine {
   public:
     KeyedLine(std::string_view line, const KeyFilter& filter)
-        : line_(line), filter_(filter), candidates_(filter.candidates(line)) {
-        while (start_ < line.size() && line[start_] == ' ') {
-            ++start_;
-        }
-    }
+        : line_(line), filter_(filter), candidates_(filter.candidates(line)) {}
 
     [[nodiscard]] std::string_view text() const { return line_; }
     /// Whether it certainly holds none of the keys.
     [[nodiscard]] bool holdsNone() const { return candidates_ == 0; }
     /// Whether it holds the key of this index, exact case.
     [[nodiscard]] bool holds(std::size_t key) const {
-        if (((candidates_ >> key) & 1U) == 0) {
-            return false;
-        }
-        // Most keys that a line holds begin it.
-        const std::string_view text = filter_.key(key);
-        return line_.substr(start_).starts_with(text) || text::contains(line_, text);
+        return ((candidates_ >> key) & 1U) != 0 && text::contains(line_, filter_.key(key));
     }
 
   private:
     std::string_view line_;
     const KeyFilter& filter_;
     std::uint32_t candidates_;
-    std::size_t start_ = 0; ///< of what is no blank
 };
 
 } // namespace zolex
