@@ -30,12 +30,13 @@ class ListingCursor {
     std::string_view nextLine() {
         const std::size_t most = std::min(rest_.size(), longestListingLine);
         const void* const newline = most == 0 ? nullptr : std::memchr(rest_.data(), '\n', most);
-        if (newline == nullptr || hasTextEnds_) {
+        if (newline == nullptr || hasOddLines_) {
             return nextOddLine();
         }
         const auto length =
             static_cast<std::size_t>(static_cast<const char*>(newline) - rest_.data());
-        const std::string_view line = rest_.substr(0, length);
+        const bool carriageReturn = length > 0 && rest_[length - 1] == '\r';
+        const std::string_view line = rest_.substr(0, carriageReturn ? length - 1 : length);
         rest_.remove_prefix(length + 1);
         if (line == endOfOutput) {
             rest_ = {};
@@ -49,7 +50,8 @@ class ListingCursor {
 
     std::string_view rest_;
     bool hasListing_ = false;
-    bool hasTextEnds_ = false; ///< there is a carriage return or a zero byte somewhere
+    /// There is a zero byte somewhere, or a carriage return that stands before no newline.
+    bool hasOddLines_ = false;
 };
 
 /// Where a short key stands next in a listing, looked for once and not in each line again.
