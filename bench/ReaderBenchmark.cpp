@@ -7,13 +7,13 @@
 
 #include "controllers/Application.h"
 #include "model/RAIDController.h"
-#include "platform/CapturedOutput.h"
 #include "readers/ConfigurationReader.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -28,7 +28,6 @@ void read(benchmark::State& state, std::int32_t type, const std::vector<std::str
           std::pair<std::int32_t, std::size_t> expected) {
     MemoryPlatform platform;
     Application application(platform);
-    application.settings.capture = true;
     std::size_t bytes = 0;
     for (const std::string& listing : listings) {
         bytes += listing.size();
@@ -37,16 +36,12 @@ void read(benchmark::State& state, std::int32_t type, const std::vector<std::str
     std::pair<std::int32_t, std::size_t> found;
     bool isRead = true;
     for (auto _ : state) {
-        // Copying the texts is the capture's work.
         RAIDController controller;
         controller.setType(type);
-        for (const std::string& listing : listings) {
-            controller.addCapturedOutput(std::make_shared<CapturedOutput>(listing));
-        }
         {
             const CpuTime time(state);
-            const auto reader = entry->create(application);
-            isRead = reader->readConfiguration(controller, controller.capturedOutput(0)) && isRead;
+            const auto reader = entry->create({.layout = true}, application.report());
+            isRead = reader->readConfiguration(controller, listings) && isRead;
         }
         const RAIDConfiguration* const configuration = controller.configuration();
         found = {controller.numberOfDrives(),
@@ -54,6 +49,30 @@ void read(benchmark::State& state, std::int32_t type, const std::vector<std::str
     }
     if (!isRead || found != expected) {
         state.SkipWithError("drives or arrays are missing");
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                            static_cast<std::int64_t>(bytes));
+}
+
+/// Looks for line ends in the same bytes, and for nothing else: no reader can be faster.
+void findLineEnds(benchmark::State& state, const std::vector<std::string>& listings) {
+    std::size_t bytes = 0;
+    for (const std::string& listing : listings) {
+        bytes += listing.size();
+    }
+    for (auto _ : state) {
+        const CpuTime time(state);
+        std::size_t lines = 0;
+        for (const std::string& listing : listings) {
+            const char* at = listing.data();
+            const char* const end = at + listing.size();
+            while (const void* newline =
+                       std::memchr(at, '\n', static_cast<std::size_t>(end - at))) {
+                at = static_cast<const char*>(newline) + 1;
+                ++lines;
+            }
+        }
+        benchmark::DoNotOptimize(lines);
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
                             static_cast<std::int64_t>(bytes));
@@ -79,11 +98,21 @@ void readMegacli(benchmark::State& state) {
 }
 BENCHMARK(readMegacli)->Apply(sizes);
 
+void lineEndsOfMegacli(benchmark::State& state) {
+    findLineEnds(state, megaCliListings(drivesOf(state)));
+}
+BENCHMARK(lineEndsOfMegacli)->Apply(sizes);
+
 // Bound by the search of about ten keys in each of 16 lines a drive, and the texts kept of a drive.
 void readArcconf(benchmark::State& state) {
     read(state, controller_type::arcconf11, {arcconfListing(drivesOf(state))}, allOf(state));
 }
 BENCHMARK(readArcconf)->Apply(sizes);
+
+void lineEndsOfArcconf(benchmark::State& state) {
+    findLineEnds(state, {arcconfListing(drivesOf(state))});
+}
+BENCHMARK(lineEndsOfArcconf)->Apply(sizes);
 
 // Bound by the search of about ten keys in each of 15 lines a drive, and the texts kept of a drive.
 void readHrconf(benchmark::State& state) {
@@ -91,11 +120,21 @@ void readHrconf(benchmark::State& state) {
 }
 BENCHMARK(readHrconf)->Apply(sizes);
 
+void lineEndsOfHrconf(benchmark::State& state) {
+    findLineEnds(state, {hrconfListing(drivesOf(state))});
+}
+BENCHMARK(lineEndsOfHrconf)->Apply(sizes);
+
 // Bound by the search of about ten keys in each of 7 lines a drive, and the texts kept of a drive.
 void readQtcsend(benchmark::State& state) {
     read(state, controller_type::family, {qtcsendListing(drivesOf(state))}, allOf(state));
 }
 BENCHMARK(readQtcsend)->Apply(sizes);
+
+void lineEndsOfQtcsend(benchmark::State& state) {
+    findLineEnds(state, {qtcsendListing(drivesOf(state))});
+}
+BENCHMARK(lineEndsOfQtcsend)->Apply(sizes);
 
 // Bound by the search of about ten keys in each of 12 lines a drive, and the texts kept of a drive.
 void readCfggen(benchmark::State& state) {
@@ -103,11 +142,21 @@ void readCfggen(benchmark::State& state) {
 }
 BENCHMARK(readCfggen)->Apply(sizes);
 
+void lineEndsOfCfggen(benchmark::State& state) {
+    findLineEnds(state, {cfggenListing(drivesOf(state))});
+}
+BENCHMARK(lineEndsOfCfggen)->Apply(sizes);
+
 // Bound by the search of eight keys in each line; there is little to keep.
 void readHyperwin(benchmark::State& state) {
     read(state, controller_type::lsiIde, hyperwinListings(drivesOf(state)), {2, 1});
 }
 BENCHMARK(readHyperwin)->Apply(sizes);
+
+void lineEndsOfHyperwin(benchmark::State& state) {
+    findLineEnds(state, hyperwinListings(drivesOf(state)));
+}
+BENCHMARK(lineEndsOfHyperwin)->Apply(sizes);
 
 } // namespace
 } // namespace zolex::bench

@@ -24,7 +24,9 @@ void readControllers(Input input) {
     if (isDefinition) {
         application.settings.controllerDefinitionFile = "file.ini";
         check(test::scan(controllers, application), "a definition is always taken");
-        check(DiskInformation(application).readDiskInformation(controllers), "its drives too");
+        check(DiskInformation({}, application.report())
+                  .readDefinition(controllers, platform.files(), "file.ini"),
+              "its drives too");
     } else {
         IniFile inventory(platform.files(), "file.ini", true);
         const bool read = controllers.initialize(inventory, application.report());

@@ -2,6 +2,7 @@
 
 #include "model/RAIDController.h"
 #include "policies/Policy.h"
+#include "readers/ListingCursor.h"
 #include "support/Check.h"
 
 #include <string_view>
@@ -10,7 +11,7 @@ namespace zolex::fuzz {
 
 namespace {
 
-constexpr std::size_t longestText = capturedLineLimit;
+constexpr std::size_t longestText = longestListingLine;
 
 bool isWithin(std::int64_t value, std::int64_t lowest, std::int64_t highest) {
     return value >= lowest && value <= highest;
@@ -54,10 +55,9 @@ void checkConfiguration(const RAIDConfiguration& configuration, std::int32_t con
         checkLogicalDrive(drive);
     }
     for (const Hotspare& spare : configuration.hotspares()) {
-        // The channel number of a MegaRAID controller's spare is an enclosure id.
-        check(controllerType == controller_type::megaRaid ||
-                  RAIDController::isPosition(spare.channelNumber, spare.id),
-              "position of a hot spare");
+        check(RAIDController::isPosition(spare.channelNumber, spare.id), "position of a hot spare");
+        check((controllerType == controller_type::megaRaid) == spare.enclosure.has_value(),
+              "enclosure of a hot spare");
     }
 }
 
@@ -73,9 +73,6 @@ void checkController(const RAIDController& controller) {
     check(isWithin(controller.numberOfDrives(), 0,
                    (RAIDController::channels - RAIDController::firstChannel) * RAIDController::ids),
           "number of drives");
-    for (std::size_t i = 0; i < RAIDController::maxCapturedOutputs; ++i) {
-        check(controller.capturedOutput(i) == nullptr, "captured outputs are closed");
-    }
     if (controller.configuration() != nullptr) {
         checkConfiguration(*controller.configuration(), controller.type());
     }

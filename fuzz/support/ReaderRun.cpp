@@ -10,8 +10,9 @@
 #include "support/ModelCheck.h"
 
 #include <array>
-#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace zolex::fuzz {
 
@@ -36,8 +37,7 @@ void readListings(std::span<const std::int32_t> types, Input input) {
     const unsigned choice = input.choice();
     test::FakePlatform platform;
     Application application(platform);
-    application.settings.capture = (choice & 1U) != 0;
-    application.settings.debug = (choice & 2U) != 0;
+    const Detail detail{.layout = (choice & 1U) != 0, .dumpRecords = (choice & 2U) != 0};
     application.printer().setVerbosity(verbosities[(choice >> 2U) & 3U]);
 
     ControllerList controllers;
@@ -45,16 +45,22 @@ void readListings(std::span<const std::int32_t> types, Input input) {
     controller.setType(types[((choice >> 4U) & 3U) % types.size()]);
     controller.setSubtype(static_cast<std::int32_t>(choice >> 6U));
     controllers.setControllerScanOrders(application.report());
-    // One more than there are slots.
-    for (std::size_t i = 0; i <= RAIDController::maxCapturedOutputs; ++i) {
-        if (i == 0 || !input.atEnd()) {
-            controller.addCapturedOutput(
-                std::make_shared<CapturedOutput>(std::string(input.text())));
-        }
+    // One more than a run keeps.
+    constexpr std::size_t mostListings = 5;
+    std::vector<std::vector<std::string>> listings(1);
+    while (listings[0].empty() || (listings[0].size() < mostListings && !input.atEnd())) {
+        listings[0].emplace_back(input.text());
     }
 
-    DiskInformation(application).readDiskInformation(controllers);
+    const RAIDController before = controller;
+    const auto given = listings;
+    DiskInformation information(detail, application.report());
+    const bool read = information.readDiskInformation(controllers, listings);
     checkController(controller);
+    check(listings == given, "listings stay as they are");
+    const RAIDController first = std::exchange(controller, before);
+    check(information.readDiskInformation(controllers, listings) == read && controller == first,
+          "reading twice gives the same");
     application.printer().printAlways(show::dumpText(controller, true));
     if (controller.configuration() != nullptr) {
         CapturedFacts facts;

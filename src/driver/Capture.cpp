@@ -4,7 +4,18 @@
 #include "driver/ZOLEX.h"
 #include "readers/DiskInformation.h"
 
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace zolex {
+
+namespace {
+
+/// Listings of a controller that are kept; a fifth is dropped.
+constexpr std::size_t mostListings = 4;
+
+} // namespace
 
 ExitCode Capture::run(ControllerList& controllers) {
     Printer& printer = application_.printer();
@@ -28,9 +39,10 @@ ExitCode Capture::run(ControllerList& controllers) {
         }
     }
     captured_ = true;
+    std::vector<std::vector<std::string>> listings(controllers.count());
     for (std::size_t i = 0; i < controllers.count(); ++i) {
         if (!captureController(commands, *source, *controllers.controller(i),
-                               static_cast<int>(i + 1))) {
+                               static_cast<int>(i + 1), listings[i])) {
             return ExitCode::captureFailed;
         }
     }
@@ -40,7 +52,13 @@ ExitCode Capture::run(ControllerList& controllers) {
     if (!information) {
         return ExitCode::resources;
     }
-    if (!information->readDiskInformation(controllers)) {
+    const CString& definition = settings.controllerDefinitionFile;
+    const bool read =
+        definition.isEmpty()
+            ? information->readDiskInformation(controllers, listings)
+            : information->readDefinition(controllers, application_.platform().files(), definition);
+    listings.clear();
+    if (!read) {
         return ExitCode::captureFailed;
     }
     if (settings.debug) {
@@ -52,20 +70,22 @@ ExitCode Capture::run(ControllerList& controllers) {
 }
 
 bool Capture::captureController(CommandRun& commands, CommandSource& source,
-                                RAIDController& controller, std::int32_t number) {
+                                const RAIDController& controller, std::int32_t number,
+                                std::vector<std::string>& listings) {
     application_.printer().tracef("Number of commmands required for controller %d = %d\n", number,
                                   static_cast<int>(source.numberOfCommands(controller)));
     for (std::size_t i = 0; i < source.numberOfCommands(controller); ++i) {
-        if (!captureCommand(commands, controller, number,
-                            source.getCommand(controller, number, i))) {
+        if (!captureCommand(commands, controller, number, source.getCommand(controller, number, i),
+                            listings)) {
             return false;
         }
     }
     return true;
 }
 
-bool Capture::captureCommand(CommandRun& commands, RAIDController& controller, std::int32_t number,
-                             CString command) {
+bool Capture::captureCommand(CommandRun& commands, const RAIDController& controller,
+                             std::int32_t number, CString command,
+                             std::vector<std::string>& listings) {
     Printer& printer = application_.printer();
     const Settings& settings = application_.settings;
     printer.printfAlways("Capture Command=%s\n", command.c_str());
@@ -76,12 +96,14 @@ bool Capture::captureCommand(CommandRun& commands, RAIDController& controller, s
         commands.printFailure(controller);
         return false;
     }
-    // The readers parse it later; a fifth output finds no slot and is dropped.
-    controller.addCapturedOutput(commands.output());
     if (!commands.succeeded(controller, number)) {
         printer.printAlways("Capture Command Standard Output:\n");
         commands.printOutput();
         return false;
+    }
+    // The readers parse it later.
+    if (listings.size() < mostListings) {
+        listings.push_back(commands.output()->take());
     }
     return true;
 }

@@ -5,6 +5,8 @@
 #include "inventory/ControllerList.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace zolex {
 
@@ -22,10 +24,11 @@ class Capture {
     ExitCode run(ControllerList& controllers);
 
   private:
-    bool captureController(CommandRun& commands, CommandSource& source, RAIDController& controller,
-                           std::int32_t number);
-    bool captureCommand(CommandRun& commands, RAIDController& controller, std::int32_t number,
-                        CString command);
+    bool captureController(CommandRun& commands, CommandSource& source,
+                           const RAIDController& controller, std::int32_t number,
+                           std::vector<std::string>& listings);
+    bool captureCommand(CommandRun& commands, const RAIDController& controller, std::int32_t number,
+                        CString command, std::vector<std::string>& listings);
 
     ZOLEX& application_;
     bool& captured_;

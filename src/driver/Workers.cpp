@@ -45,7 +45,9 @@ std::unique_ptr<CommandSource> ZOLEX::makeRestoreSource() {
 }
 
 std::unique_ptr<DiskInformation> ZOLEX::makeDiskInformation() {
-    return make<DiskInformation>(*this, "ZOLEX::makeDiskInformation", *this);
+    return make<DiskInformation>(*this, "ZOLEX::makeDiskInformation",
+                                 Detail{.layout = settings.capture, .dumpRecords = settings.debug},
+                                 report());
 }
 
 std::unique_ptr<PolicyReader> ZOLEX::makePolicyReader() {

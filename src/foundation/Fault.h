@@ -75,6 +75,22 @@ enum class FaultKind : std::int32_t {
     policiesWrittenInPart,     ///< writing the policies file failed on the way
 
     // Listings
+    typeWithoutReader,           ///< number: the type
+    listingMissing,              ///< there is none, or no reader for it
+    listingFormat,               ///< it is not the utility's
+    listingPositionInvalid,      ///< place: channel, id; the drive is left out
+    listingSizeInvalid,          ///< place: channel, id; number: size in MB; the drive is left out
+    listingTooManyArrays,        ///< those beyond the limit are left out
+    listingTooManyLogicalDrives, ///< the same
+    listingTooManyHotspares,     ///< the same
+    listingTooManyMembers,       ///< the same, of an array's drives
+    listingDrivesMissing,        ///< of a logical drive; the layout is left out
+    listingLevelUnsupported,     ///< wanted: the RAID level
+    listingLevelUnknown,         ///< wanted: the RAID level
+    listingStripeUnknown,        ///< wanted: the stripe size
+    listingChannelMissing,       ///< a drive without channel or enclosure
+    listingIdMissing,            ///< a drive without id
+    listingSlotMissing,          ///< a drive without slot
 
     // Planning
     planMachineFileUnreadable, ///< `file`: the inventory file

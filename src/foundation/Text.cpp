@@ -31,9 +31,16 @@ bool equalsNoCase(std::string_view a, std::string_view b) noexcept {
 }
 
 bool containsNoCase(std::string_view line, std::string_view key) noexcept {
-    const auto found = std::search(line.begin(), line.end(), key.begin(), key.end(),
-                                   [](char x, char y) { return lower(x) == lower(y); });
-    return found != line.end() || key.empty();
+    if (key.empty()) {
+        return true;
+    }
+    const char first = lower(key.front());
+    for (std::size_t at = 0; at + key.size() <= line.size(); ++at) {
+        if (lower(line[at]) == first && equalsNoCase(line.substr(at, key.size()), key)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::string_view trim(std::string_view text, std::string_view set) noexcept {

@@ -27,7 +27,20 @@ namespace zolex::text {
 }
 
 /// `text` without leading and trailing bytes of `set`.
-[[nodiscard]] std::string_view trim(std::string_view text, std::string_view set = " \t\n") noexcept;
+[[nodiscard]] std::string_view trim(std::string_view text, std::string_view set) noexcept;
+/// `text` without leading and trailing blanks, tabs and newlines.
+[[nodiscard]] inline std::string_view trim(std::string_view text) noexcept {
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
+    std::size_t first = 0;
+    std::size_t end = text.size();
+    while (first < end && isBlank(text[first])) {
+        ++first;
+    }
+    while (end > first && isBlank(text[end - 1])) {
+        --end;
+    }
+    return first == end ? text.substr(0, 0) : text.substr(first, end - first);
+}
 
 /// The text after the first ":" to the end of the line, trimmed of blanks, tabs and newlines; empty
 /// when there is no ":".

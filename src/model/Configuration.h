@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace zolex {
@@ -61,12 +62,14 @@ struct LogicalDrive {
     friend bool operator==(const LogicalDrive&, const LogicalDrive&) = default;
 };
 
-/// A hot-spare drive.
+/// A hot-spare drive: where it stands and, when it was captured, what its utility calls it.
 struct Hotspare {
     std::int32_t channelNumber = -1;
     std::int32_t id = -1;
     std::int32_t third = -1;
     std::int32_t diskNumber = -1;
+    /// The utility's own id of its enclosure; none of a utility that tells the channel.
+    std::optional<std::int32_t> enclosure{};
     friend bool operator==(const Hotspare&, const Hotspare&) = default;
 };
 

@@ -137,20 +137,6 @@ bool RAIDController::setConfiguration(std::unique_ptr<RAIDConfiguration> configu
     return true;
 }
 
-bool RAIDController::addCapturedOutput(std::shared_ptr<CapturedOutput> output) {
-    for (auto& slot : capturedOutputs_) {
-        if (!slot) {
-            slot = std::move(output);
-            return true;
-        }
-    }
-    return false;
-}
-
-void RAIDController::clearCapturedOutputs() {
-    capturedOutputs_.fill(nullptr);
-}
-
 bool RAIDController::clearChannelReassignment() {
     channelReassignment_ = false;
     return true;
@@ -198,10 +184,6 @@ const RaidDisk& RAIDController::driveRecord(std::int32_t channel, std::int32_t i
     static const RaidDisk absent;
     const Drive* drive = at(channel, id);
     return drive == nullptr ? absent : drive->record;
-}
-
-std::shared_ptr<CapturedOutput> RAIDController::capturedOutput(std::size_t i) const {
-    return i < capturedOutputs_.size() ? capturedOutputs_[i] : nullptr;
 }
 
 std::int32_t RAIDController::numberOfDrives() const {

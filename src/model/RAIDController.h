@@ -3,7 +3,6 @@
 #include "foundation/CString.h"
 #include "model/Codes.h"
 #include "model/Configuration.h"
-#include "platform/CapturedOutput.h"
 
 #include <array>
 #include <cstddef>
@@ -36,7 +35,6 @@ class RAIDController {
     static constexpr std::int32_t ids = 36;
     static constexpr std::int32_t firstChannel = 1; ///< first channel that counts
     static constexpr std::int32_t noDrive = -1;     ///< size at a position without a drive
-    static constexpr std::size_t maxCapturedOutputs = 4;
     static constexpr std::int32_t maxScanOrder = 15;
 
     [[nodiscard]] static bool isPosition(std::int32_t channel, std::int32_t id) {
@@ -71,10 +69,6 @@ class RAIDController {
 
     /// Takes the configuration; null for none.
     bool setConfiguration(std::unique_ptr<RAIDConfiguration> configuration);
-    /// Puts the output into the first empty of four slots; false when all are taken.
-    bool addCapturedOutput(std::shared_ptr<CapturedOutput> output);
-    /// Closes the captured outputs and empties their slots.
-    void clearCapturedOutputs();
     bool clearChannelReassignment();
     /// Exchanges subtype and PCI location text with `other`: what stays with a slot when the
     /// records of two slots change places.
@@ -109,8 +103,6 @@ class RAIDController {
     [[nodiscard]] RAIDConfiguration* configuration() {
         return configuration_ ? &*configuration_ : nullptr;
     }
-    /// Null for an empty slot and for i above 3.
-    [[nodiscard]] std::shared_ptr<CapturedOutput> capturedOutput(std::size_t i) const;
     [[nodiscard]] bool channelReassignment() const { return channelReassignment_; }
     /// Positions on channels 1 to 4 that hold a drive.
     [[nodiscard]] std::int32_t numberOfDrives() const;
@@ -156,7 +148,6 @@ class RAIDController {
     std::optional<CString> driverVersion_;
     CString pciLocation_;
     bool channelReassignment_ = true;
-    std::array<std::shared_ptr<CapturedOutput>, maxCapturedOutputs> capturedOutputs_;
 };
 
 } // namespace zolex

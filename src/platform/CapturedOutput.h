@@ -21,6 +21,12 @@ class CapturedOutput {
     /// when neither comes; empty at the end. Valid as long as this object.
     std::string_view nextPiece(std::size_t limit);
 
+    /// The whole of it, which is then gone from here.
+    [[nodiscard]] std::string take() {
+        position_ = 0;
+        return std::exchange(bytes_, {});
+    }
+
   private:
     std::string bytes_;
     std::size_t position_ = 0;

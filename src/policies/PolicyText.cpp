@@ -60,9 +60,10 @@ std::vector<ListedDrive> membersOf(const RAIDController& controller, const RaidA
     return drives;
 }
 
-/// Hot spares of type 12 are captured with their enclosure's id in place of the channel.
+/// Hot spares of type 12 are written by their enclosure: they are at the drive of that target id.
 ListedDrive locateHotspare(const RAIDController& controller, const Hotspare& hotspare) {
-    const DrivePosition captured = {hotspare.channelNumber, hotspare.id};
+    const std::int32_t channelOrEnclosure = hotspare.enclosure.value_or(hotspare.channelNumber);
+    const DrivePosition captured = {channelOrEnclosure, hotspare.id};
     if (controller.type() != controller_type::megaRaid) {
         return {captured, holdsDrive(controller, captured)};
     }
@@ -70,7 +71,7 @@ ListedDrive locateHotspare(const RAIDController& controller, const Hotspare& hot
          ++channel) {
         const DrivePosition position = {channel, hotspare.id};
         if (holdsDrive(controller, position) &&
-            controller.targetId(channel, hotspare.id) == hotspare.channelNumber) {
+            controller.targetId(channel, hotspare.id) == channelOrEnclosure) {
             return {position, true};
         }
     }

@@ -1,6 +1,6 @@
 #include "readers/ARCReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "readers/StateTranslation.h"
 
@@ -154,12 +154,11 @@ bool isPresentDevice(std::string_view line) {
 
 } // namespace
 
-ARCReader::ARCReader(Application& application) : HRReader(application, arcconf) {}
+ARCReader::ARCReader(Detail detail, Report& report) : HRReader(detail, report, arcconf) {}
 
-bool ARCReader::readConfiguration(RAIDController& controller,
-                                  std::shared_ptr<CapturedOutput> output) {
-    printer().trace("Entering ARCReader::readConfiguration\n");
-    beginLines(controller, std::move(output));
+bool ARCReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering ARCReader::readConfiguration\n");
+    beginLines(controller, listings);
     segmentForm_ = false;
     announcedLogicalDrives_ = 0;
     segments_.reset();
@@ -169,24 +168,26 @@ bool ARCReader::readConfiguration(RAIDController& controller,
     skipBlock();
     getFirmware();
     if (configuration() != nullptr && !getLogicalDrives()) {
-        printer().trace("Exiting ARCReader::readConfiguration, returning false(1)\n");
+        report().trace("Exiting ARCReader::readConfiguration, returning false(1)\n");
         return false;
     }
     if (!getDrives()) {
-        printer().trace("Exiting ARCReader::readConfiguration, returning false(2)\n");
+        report().trace("Exiting ARCReader::readConfiguration, returning false(2)\n");
         return false;
     }
     keepConfiguration();
-    printer().trace("Exiting ARCReader::readConfiguration\n");
+    report().trace("Exiting ARCReader::readConfiguration\n");
     return true;
 }
 
 std::string_view ARCReader::nextLine() {
-    if (!hasOutput()) {
-        printer().printAlways("***************configInfo = NULL******************");
+    if (!hasListing()) {
+        report().note(level::ungated, "***************configInfo = NULL******************");
     }
     const std::string_view line = HRReader::nextLine();
-    printer().tracef("ARCReader::nextLine:%s\n", CString(line).c_str());
+    if (traces()) {
+        report().tracef("ARCReader::nextLine:%s\n", CString(line).c_str());
+    }
     return line;
 }
 
@@ -195,10 +196,9 @@ std::string_view ARCReader::nextLine() {
 const std::vector<ARCReader::ReportedDrive>& ARCReader::locations() {
     if (!locations_) {
         locations_.emplace();
-        const std::shared_ptr<CapturedOutput> listing = output();
-        setOutput(std::make_shared<CapturedOutput>(*listing));
+        const ListingCursor here = lines();
         readLocations();
-        setOutput(listing);
+        lines() = here;
     }
     return *locations_;
 }
@@ -231,19 +231,19 @@ std::string_view ARCReader::readLocation() {
             drive->position = parsePosition(valueOf(line), ",").value_or(drive->position);
         }
     }
-    if (drive && !drive->location.isEmpty()) {
-        locations_->push_back(std::move(*drive));
+    if (drive && !drive->location.empty()) {
+        locations_->push_back(*drive);
     }
     return line;
 }
 
 void ARCReader::getControllerInfo() {
-    printer().trace("Entering ARCReader::getControllerInfo\n");
+    report().trace("Entering ARCReader::getControllerInfo\n");
     bool begun = false;
     while (advance() && !(begun && text::contains(line(), separator))) {
         begun = readControllerLine() || begun;
     }
-    printer().trace("Exiting ARCReader::getControllerInfo\n");
+    report().trace("Exiting ARCReader::getControllerInfo\n");
 }
 
 bool ARCReader::readControllerLine() {
@@ -254,9 +254,9 @@ bool ARCReader::readControllerLine() {
     } else if (text::contains(line(), "Automatic Failover")) {
         segmentForm_ = true;
     } else if (holdsAny(line(), logicalDriveCount)) {
-        announcedLogicalDrives_ = value().toInt();
+        announcedLogicalDrives_ = text::leadingInt(value());
     } else if (text::contains(line(), "Physical Slot")) {
-        controller().setSlotNumber(value().toInt());
+        controller().setSlotNumber(text::leadingInt(value()));
     } else {
         return false;
     }
@@ -269,7 +269,7 @@ void ARCReader::skipBlock() {
 }
 
 void ARCReader::getFirmware() {
-    printer().trace("Entering ARCReader::getFirmware\n");
+    report().trace("Entering ARCReader::getFirmware\n");
     while (advance() && !text::contains(line(), separator)) {
         if (text::contains(line(), "BIOS")) {
             controller().setBiosVersion(value());
@@ -279,7 +279,7 @@ void ARCReader::getFirmware() {
             controller().setDriverVersion(value());
         }
     }
-    printer().trace("Exiting ARCReader::getFirmware\n");
+    report().trace("Exiting ARCReader::getFirmware\n");
 }
 
 bool ARCReader::getLogicalDrives() {
@@ -287,26 +287,26 @@ bool ARCReader::getLogicalDrives() {
 }
 
 bool ARCReader::getArraysAndLogicalDrives() {
-    printer().trace("Entering ARCReader::getArraysAndLogicalDrives\n");
+    report().trace("Entering ARCReader::getArraysAndLogicalDrives\n");
     const Exit exit = readLogicalDriveSection();
     if (exit != success) {
-        printer().tracef("Exiting ARCReader::getArraysAndLogicalDrives, returning false(%d)\n",
-                         exit);
+        report().tracef("Exiting ARCReader::getArraysAndLogicalDrives, returning false(%d)\n",
+                        exit);
         return false;
     }
-    printer().trace("Exiting ARCReader::getArraysAndLogicalDrives, returning true\n");
+    report().trace("Exiting ARCReader::getArraysAndLogicalDrives, returning true\n");
     return true;
 }
 
 bool ARCReader::getSegmentsAndLogicalDrives() {
-    printer().trace("Entering ARCReader::getSegmentsAndLogicalDrives\n");
+    report().trace("Entering ARCReader::getSegmentsAndLogicalDrives\n");
     const Exit exit = readLogicalDriveSection();
     if (exit != success) {
-        printer().tracef("Exiting ARCReader::getSegmentsAndLogicalDrives, returning false(%d)\n",
-                         exit);
+        report().tracef("Exiting ARCReader::getSegmentsAndLogicalDrives, returning false(%d)\n",
+                        exit);
         return false;
     }
-    printer().trace("Exiting ARCReader::getSegmentsAndLogicalDrives, returning true\n");
+    report().trace("Exiting ARCReader::getSegmentsAndLogicalDrives, returning true\n");
     return true;
 }
 
@@ -333,14 +333,14 @@ HRReader::Exit ARCReader::readLogicalDriveLine() {
 }
 
 void ARCReader::readDriveList() {
-    printer().trace("Processing channel/device info\n");
+    report().trace("Processing channel/device info\n");
     const CString list = driveListValue();
     const std::vector<DrivePosition> drives = parsePositions(list, ",");
-    printer().tracef("Found channel/device value='%s', number of drives=%d\n", list.c_str(),
-                     static_cast<int>(drives.size()));
+    report().tracef("Found channel/device value='%s', number of drives=%d\n", list.c_str(),
+                    static_cast<int>(drives.size()));
     for (const DrivePosition& drive : drives) {
         const DrivePosition member = toModel(drive);
-        printer().tracef("Setting channel=%d, scsiID=%d\n", member.channel, member.id);
+        report().tracef("Setting channel=%d, scsiID=%d\n", member.channel, member.id);
     }
     if (drives.empty() || (segments_ && !segments_->empty())) {
         return; // no members, or those that the segments have named already
@@ -379,7 +379,7 @@ std::optional<DrivePosition> ARCReader::segmentDrive(std::string_view value) {
         const std::vector<ReportedDrive>& drives = locations();
         const auto drive =
             std::find_if(drives.begin(), drives.end(), [&](const ReportedDrive& each) {
-                return numbersOf(each.location.view(), words) == numbers;
+                return numbersOf(each.location, words) == numbers;
             });
         return drive != drives.end() ? drive->position : *numbers;
     }
@@ -396,16 +396,16 @@ void ARCReader::finishLogicalDrive() {
 }
 
 void ARCReader::readWriteCacheMode() {
-    printer().trace("Processing write-cache mode info\n");
+    report().trace("Processing write-cache mode info\n");
     logicalDrive().writeCache =
-        value().contains("Disabled") ? write_cache::off : write_cache::notGiven;
+        text::contains(value(), "Disabled") ? write_cache::off : write_cache::notGiven;
 }
 
 HRReader::Exit ARCReader::readReadCacheMode() {
     const CString mode = value();
     const auto code = findCode(readCacheModes, mode);
     if (!code) {
-        printer().tracef("Read cache mode not recognized:  %s\n", mode.c_str());
+        report().tracef("Read cache mode not recognized:  %s\n", mode.c_str());
         return unknownReadCacheMode;
     }
     configuration()->readAhead = *code;
@@ -413,57 +413,61 @@ HRReader::Exit ARCReader::readReadCacheMode() {
 }
 
 bool ARCReader::getDrives() {
-    printer().trace("Entering ARCReader::getDrives\n");
+    report().trace("Entering ARCReader::getDrives\n");
     if (!readDevices()) {
-        printer().trace("Entering ARCReader::getDrives, returning false\n");
+        report().trace("Entering ARCReader::getDrives, returning false\n");
         return false;
     }
-    printer().trace("Entering ARCReader::getDrives, returning true\n");
+    report().trace("Entering ARCReader::getDrives, returning true\n");
     return true;
 }
 
 bool ARCReader::addDevice() {
-    printer().trace("Entering ARCReader::addDevice\n");
+    report().trace("Entering ARCReader::addDevice\n");
     readDevice();
-    printer().trace("Exiting ARCReader::addDevice, returning true\n");
+    report().trace("Exiting ARCReader::addDevice, returning true\n");
     return true;
 }
 
-void ARCReader::readDeviceLine(Device& device) {
-    if (device.disk && text::contains(line(), "Reported Location")) {
+void ARCReader::readDeviceLine(Device& device, const KeyedLine& keyed) {
+    if (device.disk && keyed.holds(locationLine)) {
         device.disk->reportedLocation = value();
     } else {
-        HRReader::readDeviceLine(device);
+        HRReader::readDeviceLine(device, keyed);
     }
 }
 
-CString ARCReader::translatePhysicalState(const CString& state) {
-    printer().trace("Entering ARCReader::translatePhysicalState\n");
-    CString derived = deriveState(physicalStates, state, printer());
-    printer().tracef("Exitinging ARCReader::translatePhysicalState, derivedState=%s\n",
-                     derived.c_str());
+std::string_view ARCReader::translatePhysicalState(std::string_view state) {
+    report().trace("Entering ARCReader::translatePhysicalState\n");
+    const std::string_view derived = deriveState(physicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging ARCReader::translatePhysicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 
-CString ARCReader::translateLogicalState(const CString& state) {
-    printer().trace("Entering ARCReader::translateLogicalState\n");
-    CString derived = deriveState(logicalStates, state, printer());
-    printer().tracef("Exitinging ARCReader::translateLogicalState, derivedState=%s\n",
-                     derived.c_str());
+std::string_view ARCReader::translateLogicalState(std::string_view state) {
+    report().trace("Entering ARCReader::translateLogicalState\n");
+    const std::string_view derived = deriveState(logicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging ARCReader::translateLogicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 
 void ARCReader::traceUnknownRaidLevel(const CString& value) {
-    printer().tracef("RAID level not recognized:  %s \n", value.c_str());
+    report().tracef("RAID level not recognized:  %s \n", value.c_str());
 }
 
 void ARCReader::traceStored(const RaidDisk& disk, bool used) {
     if (used) {
-        printer().tracef("Setting the channel: %d, sid: %d, and size: %d **\n", disk.channelNumber,
-                         disk.id, disk.sizeMb);
+        report().tracef("Setting the channel: %d, sid: %d, and size: %d **\n", disk.channelNumber,
+                        disk.id, disk.sizeMb);
     } else {
-        printer().tracef("Setting the channel: %d, sid: %d, and size: %d\n", disk.channelNumber,
-                         disk.id, disk.sizeMb);
+        report().tracef("Setting the channel: %d, sid: %d, and size: %d\n", disk.channelNumber,
+                        disk.id, disk.sizeMb);
     }
 }
 

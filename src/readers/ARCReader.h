@@ -12,12 +12,11 @@ namespace zolex {
 /// configurations are captured, then the drives.
 class ARCReader : public HRReader {
   public:
-    explicit ARCReader(Application& application);
+    explicit ARCReader(Detail detail, Report& report);
 
     /// A configuration that holds at least one array becomes the controller's. False when a RAID
     /// level, a stripe size or a read-cache mode is not known.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
     /// Number of logical drives that the controller information of the last listing named; 0 when
     /// it named none.
@@ -32,10 +31,10 @@ class ARCReader : public HRReader {
     void finishLogicalDrive() override;
 
     bool addDevice() override;
-    void readDeviceLine(Device& device) override;
+    void readDeviceLine(Device& device, const KeyedLine& keyed) override;
 
-    CString translatePhysicalState(const CString& state) override;
-    CString translateLogicalState(const CString& state) override;
+    std::string_view translatePhysicalState(std::string_view state) override;
+    std::string_view translateLogicalState(std::string_view state) override;
     void traceUnknownRaidLevel(const CString& value) override;
     void traceStored(const RaidDisk& disk, bool used) override;
 
@@ -44,7 +43,7 @@ class ARCReader : public HRReader {
 
     /// Where a drive of the listing says that it is.
     struct ReportedDrive {
-        CString location;
+        std::string_view location;      ///< in the listing
         DrivePosition position{-1, -1}; ///< numbered from channel 0
     };
 

@@ -1,39 +1,13 @@
 #include "readers/ConfigurationReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
+#include "model/ControllerCatalogue.h"
 #include "model/RAIDController.h"
 
 #include <utility>
 
 namespace zolex {
-
-namespace {
-
-/// Ends a line at its first carriage return or zero byte.
-std::string_view cutAtStringEnd(std::string_view line) {
-    line = line.substr(0, line.find('\0'));
-    return line.substr(0, line.find('\r'));
-}
-
-/// The line that a piece of at most `capturedLineLimit` bytes of the output makes.
-std::string_view lineOf(std::string_view piece) {
-    if (!piece.empty() && piece.back() == '\n') {
-        return cutAtStringEnd(piece.substr(0, piece.size() - 1));
-    }
-    // A full piece is a line of its own; anything shorter is a last line that never ended.
-    return piece.size() == capturedLineLimit ? cutAtStringEnd(piece) : endOfOutput;
-}
-
-} // namespace
-
-std::string_view ConfigurationReader::nextLine() {
-    if (!output_ || ended_) {
-        return endOfOutput;
-    }
-    const std::string_view line = lineOf(output_->nextPiece(capturedLineLimit));
-    ended_ = line == endOfOutput;
-    return line;
-}
 
 std::string_view ConfigurationReader::skipTo(std::string_view wanted) {
     std::string_view line = nextLine();
@@ -46,51 +20,38 @@ std::string_view ConfigurationReader::skipTo(std::string_view wanted) {
 void ConfigurationReader::beginController(RAIDController& controller) {
     controller_ = &controller;
     reportedLimits_ = 0;
+    traces_ = report_.shows(level::traces);
 }
 
 bool ConfigurationReader::addArray(RAIDConfiguration& configuration, RaidArray array) {
-    const bool added = configuration.addArray(std::move(array));
-    if (!added && isFirst(Limit::arrays)) {
-        application_.printer().errorBlockf(
-            "Controller %s has more than 16 arrays; the rest is not captured.\n",
-            modelName().c_str());
-    }
-    return added;
+    return keeps(configuration.addArray(std::move(array)), Limit::arrays,
+                 FaultKind::listingTooManyArrays);
 }
 
 bool ConfigurationReader::addLogicalDrive(RAIDConfiguration& configuration, LogicalDrive drive) {
-    const bool added = configuration.addLogicalDrive(std::move(drive));
-    if (!added && isFirst(Limit::logicalDrives)) {
-        application_.printer().errorBlockf(
-            "Controller %s has more than 8 logical drives; the rest is not captured.\n",
-            modelName().c_str());
-    }
-    return added;
+    return keeps(configuration.addLogicalDrive(std::move(drive)), Limit::logicalDrives,
+                 FaultKind::listingTooManyLogicalDrives);
 }
 
 bool ConfigurationReader::addHotspare(RAIDConfiguration& configuration, Hotspare hotspare) {
-    const bool added = configuration.addHotspare(hotspare);
-    if (!added && isFirst(Limit::hotspares)) {
-        application_.printer().errorBlockf(
-            "Controller %s has more than 8 hot-spare drives; the rest is not captured.\n",
-            modelName().c_str());
-    }
-    return added;
+    return keeps(configuration.addHotspare(hotspare), Limit::hotspares,
+                 FaultKind::listingTooManyHotspares);
 }
 
 bool ConfigurationReader::addMember(RaidArray& array, DrivePosition position) {
-    return keepsMember(array.addDrive(position));
+    return keeps(array.addDrive(position), Limit::members, FaultKind::listingTooManyMembers);
 }
 
 bool ConfigurationReader::addMemberNumber(RaidArray& array, std::int32_t driveNumber) {
-    return keepsMember(array.addDriveNumber(driveNumber));
+    return keeps(array.addDriveNumber(driveNumber), Limit::members,
+                 FaultKind::listingTooManyMembers);
 }
 
-bool ConfigurationReader::keepsMember(bool added) {
-    if (!added && isFirst(Limit::members)) {
-        application_.printer().errorBlockf(
-            "Controller %s has more than 32 drives in an array; the rest is not captured.\n",
-            modelName().c_str());
+bool ConfigurationReader::keeps(bool added, Limit limit, FaultKind kind) {
+    const auto bit = static_cast<unsigned>(limit);
+    if (!added && (reportedLimits_ & bit) == 0) {
+        reportedLimits_ |= bit;
+        fail(kind);
     }
     return added;
 }
@@ -99,9 +60,10 @@ bool ConfigurationReader::checkPosition(std::int32_t channel, std::int32_t id) {
     if (RAIDController::isPosition(channel, id)) {
         return true;
     }
-    application_.printer().errorBlockf(
-        "Drive position out of range for controller %s:  channel=%d, id=%d\n", modelName().c_str(),
-        channel, id);
+    Fault fault = faultOf(FaultKind::listingPositionInvalid);
+    fault.place.channel = channel;
+    fault.place.id = id;
+    report_.fault(fault);
     return false;
 }
 
@@ -109,21 +71,24 @@ bool ConfigurationReader::checkSize(std::int32_t channel, std::int32_t id, std::
     if (sizeMb >= RAIDController::noDrive) {
         return true;
     }
-    application_.printer().errorBlockf(
-        "Drive size out of range for controller %s:  channel=%d, id=%d, size=%d MB\n",
-        modelName().c_str(), channel, id, sizeMb);
+    Fault fault = faultOf(FaultKind::listingSizeInvalid);
+    fault.place.channel = channel;
+    fault.place.id = id;
+    fault.number = sizeMb;
+    report_.fault(fault);
     return false;
 }
 
-bool ConfigurationReader::isFirst(Limit limit) {
-    const auto bit = static_cast<unsigned>(limit);
-    const bool first = (reportedLimits_ & bit) == 0;
-    reportedLimits_ |= bit;
-    return first;
+CString ConfigurationReader::modelName() const {
+    return ControllerCatalogue::getControllerName(controller_->type(), controller_->subtype());
 }
 
-CString ConfigurationReader::modelName() const {
-    return application_.controllerName(controller_->type(), controller_->subtype());
+Fault ConfigurationReader::faultOf(FaultKind kind) const {
+    return {.kind = kind, .place = {.model = modelName()}};
+}
+
+void ConfigurationReader::fail(FaultKind kind) const {
+    report_.fault(faultOf(kind));
 }
 
 } // namespace zolex

@@ -1,101 +1,102 @@
 #include "readers/DiskInformation.h"
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
 #include "foundation/IniFile.h"
+#include "foundation/Report.h"
 #include "inventory/ControllerList.h"
+#include "model/ControllerCatalogue.h"
 #include "model/RAIDController.h"
-#include "readers/ConfigurationReader.h"
 #include "show/Dumps.h"
 
 #include <cstddef>
-#include <utility>
 
 namespace zolex {
 
-bool DiskInformation::readDiskInformation(ControllerList& controllers) {
-    application_.printer().trace("Entering DiskInformation::readDiskInformation\n");
-    bool read = true;
-    if (application_.settings.controllerDefinitionFile.isEmpty()) {
-        read = readControllers(controllers);
-    } else {
-        read = readDrivesFromDefinition(controllers);
-    }
-    for (std::size_t i = 0; i < controllers.count(); ++i) {
-        controllers.controller(i)->clearCapturedOutputs();
-    }
-    return read;
+namespace {
+
+CString nameOf(const RAIDController& controller) {
+    return ControllerCatalogue::getControllerName(controller.type(), controller.subtype());
 }
 
-bool DiskInformation::readControllers(ControllerList& controllers) {
+void readDrives(IniFile& definition, const CString& section, RAIDController& controller) {
+    for (std::int32_t channel = RAIDController::firstChannel; channel < RAIDController::channels;
+         ++channel) {
+        for (std::int32_t id = 0; id < RAIDController::ids; ++id) {
+            const CString key = formatText("C%dS%d", channel, id);
+            if (!definition.readString(section, key, "").isEmpty()) {
+                controller.setSize(channel, id, definition.readInteger(section, key, 0));
+            }
+        }
+    }
+}
+
+} // namespace
+
+bool DiskInformation::readDiskInformation(ControllerList& controllers,
+                                          std::span<const std::vector<std::string>> listings) {
+    report_.trace("Entering DiskInformation::readDiskInformation\n");
     for (std::size_t i = 0; i < controllers.count(); ++i) {
-        if (!readController(*controllers.controller(i), static_cast<std::int32_t>(i + 1))) {
+        const Listings own = i < listings.size() ? Listings(listings[i]) : Listings();
+        if (!readController(*controllers.controller(i), static_cast<std::int32_t>(i + 1), own)) {
             return false;
         }
     }
-    application_.printer().trace("Exiting DiskInformation::readDiskInformation(4)\n");
+    report_.trace("Exiting DiskInformation::readDiskInformation(4)\n");
     return true;
 }
 
-bool DiskInformation::readController(RAIDController& controller, std::int32_t number) {
-    Printer& printer = application_.printer();
-    const CString name = application_.controllerName(controller.type(), controller.subtype());
-    printer.printf(level::progress, "\tController %d:  %s\n", number, name.c_str());
+bool DiskInformation::readController(RAIDController& controller, std::int32_t number,
+                                     Listings listings) {
+    report_.notef(level::progress, "\tController %d:  %s\n", number, nameOf(controller).c_str());
     const ReaderEntry* entry = findReader(controller.type());
     if (entry == nullptr) {
-        printer.errorBlock("An internal error has occurred.\n");
-        printer.trace("Exiting DiskInformation::readDiskInformation(1)\n");
+        report_.fault({.kind = FaultKind::typeWithoutReader, .number = controller.type()});
+        report_.trace("Exiting DiskInformation::readDiskInformation(1)\n");
         return false;
     }
-    std::unique_ptr<ConfigurationReader> reader = createReader(*entry);
+    const std::unique_ptr<ConfigurationReader> reader = createReader(*entry);
     if (!reader) {
-        printer.errorBlockf("Could not read a config file for the following controller:  %s",
-                            name.c_str());
-        printer.trace("Exiting DiskInformation::readDiskInformation(2)\n");
+        fail(FaultKind::listingMissing, controller);
+        report_.trace("Exiting DiskInformation::readDiskInformation(2)\n");
         return false;
     }
-    if (!parseDiskInfo(std::move(reader), controller)) {
-        printer.trace("Exiting DiskInformation::readDiskInformation(3)\n");
+    if (!parseDiskInfo(*reader, controller, listings)) {
+        report_.trace("Exiting DiskInformation::readDiskInformation(3)\n");
         return false;
     }
     return true;
 }
 
 std::unique_ptr<ConfigurationReader> DiskInformation::createReader(const ReaderEntry& entry) {
-    application_.printer().trace(entry.creationTrace);
-    return entry.create(application_);
+    report_.trace(entry.creationTrace);
+    return entry.create(detail_, report_);
 }
 
-bool DiskInformation::parseDiskInfo(std::unique_ptr<ConfigurationReader> reader,
-                                    RAIDController& controller) {
-    Printer& printer = application_.printer();
-    printer.trace("Entering DiskInformation::parseDiskInfo\n");
-    std::shared_ptr<CapturedOutput> output = controller.capturedOutput(0);
-    if (!output) {
-        printer.errorBlockf(
-            "Could not read a config file for the following controller:  %s",
-            application_.controllerName(controller.type(), controller.subtype()).c_str());
+bool DiskInformation::parseDiskInfo(ConfigurationReader& reader, RAIDController& controller,
+                                    Listings listings) {
+    report_.trace("Entering DiskInformation::parseDiskInfo\n");
+    if (listings.empty()) {
+        fail(FaultKind::listingMissing, controller);
         return false;
     }
-    if (!reader->readConfiguration(controller, std::move(output))) {
-        printer.errorBlockf(
-            "Format error in config file for the following controller:  %s",
-            application_.controllerName(controller.type(), controller.subtype()).c_str());
+    if (!reader.readConfiguration(controller, listings)) {
+        fail(FaultKind::listingFormat, controller);
         return false;
     }
-    if (printer.isVerbose()) {
-        printer.printAlways(show::dumpText(controller, application_.settings.capture));
+    if (report_.shows(level::detail)) {
+        report_.note(level::detail, show::dumpText(controller, detail_.layout));
     }
-    printer.trace("Exiting DiskInformation::parseDiskInfo, returning true\n");
+    report_.trace("Exiting DiskInformation::parseDiskInfo, returning true\n");
     return true;
 }
 
-bool DiskInformation::readDrivesFromDefinition(ControllerList& controllers) {
-    Printer& printer = application_.printer();
-    const CString& fileName = application_.settings.controllerDefinitionFile;
-    printer.printf(level::detail, "Reading drives from file:  %s\n", fileName.c_str());
-    IniFile definition(application_.platform().files(), fileName, true);
+bool DiskInformation::readDefinition(ControllerList& controllers, FileSystem& files,
+                                     const CString& fileName) {
+    report_.trace("Entering DiskInformation::readDiskInformation\n");
+    report_.notef(level::detail, "Reading drives from file:  %s\n", fileName.c_str());
+    IniFile definition(files, fileName, true);
     if (definition.loading() != IniFile::Loading::whole) {
-        printer.errorBlockf("Could not read controller-definition file:  %s\n", fileName.c_str());
+        report_.fault({.kind = FaultKind::definitionUnreadable, .place = {.file = fileName}});
         return false;
     }
     for (std::size_t i = 0; i < controllers.count(); ++i) {
@@ -105,20 +106,15 @@ bool DiskInformation::readDrivesFromDefinition(ControllerList& controllers) {
             break;
         }
         RAIDController& controller = *controllers.controller(i);
-        printer.printf(
-            level::detail, "\tController %d:  %s\n", number + 1,
-            application_.controllerName(controller.type(), controller.subtype()).c_str());
-        for (std::int32_t channel = RAIDController::firstChannel;
-             channel < RAIDController::channels; ++channel) {
-            for (std::int32_t id = 0; id < RAIDController::ids; ++id) {
-                const CString key = formatText("C%dS%d", channel, id);
-                if (!definition.readString(section, key, "").isEmpty()) {
-                    controller.setSize(channel, id, definition.readInteger(section, key, 0));
-                }
-            }
-        }
+        report_.notef(level::detail, "\tController %d:  %s\n", number + 1,
+                      nameOf(controller).c_str());
+        readDrives(definition, section, controller);
     }
     return true;
+}
+
+void DiskInformation::fail(FaultKind kind, const RAIDController& controller) {
+    report_.fault({.kind = kind, .place = {.model = nameOf(controller)}});
 }
 
 } // namespace zolex

@@ -1,6 +1,6 @@
 #include "readers/HRReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "readers/StateTranslation.h"
 
@@ -100,13 +100,31 @@ std::string_view withoutKb(std::string_view size) {
     return size;
 }
 
+/// What ends the block of a device.
+constexpr std::string_view deviceEnd = "PFA";
+constexpr std::array<std::string_view, 7> deviceKeys = {
+    "Device #", "Device is",     "Channel,Device",   "State",
+    "Size",     "Serial number", "Reported Location"};
+
+/// What the lines of logical drives that count begin with or hold, on every utility, and what ends
+/// them. Letter case is ignored.
+constexpr std::array<std::string_view, 12> layoutKeys = {
+    "physical device", "logical d", "bios",    "driver",      "raid level", "status of", "size",
+    "channel,device",  "segment",   "present", "write-cache", "read-cache"};
+
+const KeyFilter& deviceFilter() {
+    static const KeyFilter filter(deviceKeys);
+    return filter;
+}
+
+const KeyFilter& layoutFilter() {
+    static const KeyFilter filter(layoutKeys);
+    return filter;
+}
+
 /// Keys that hold "State" or "Size" and tell something else.
 constexpr std::array<std::string_view, 4> otherKeys = {"Power State", "Block Size", "Unused Size",
                                                        "Stripe Size"};
-
-bool isStateLine(std::string_view line) {
-    return text::contains(line, "State") && !holdsAny(line, otherKeys);
-}
 
 bool isSizeLine(std::string_view line) {
     return text::contains(line, "Size") && !holdsAny(line, otherKeys);
@@ -114,30 +132,29 @@ bool isSizeLine(std::string_view line) {
 
 } // namespace
 
-HRReader::HRReader(Application& application) : HRReader(application, hrconf) {}
+HRReader::HRReader(Detail detail, Report& report) : HRReader(detail, report, hrconf) {}
 
-HRReader::HRReader(Application& application, const ListingDialect& dialect)
-    : LayoutReader(application), dialect_(dialect) {}
+HRReader::HRReader(Detail detail, Report& report, const ListingDialect& dialect)
+    : LayoutReader(detail, report), dialect_(dialect) {}
 
-bool HRReader::readConfiguration(RAIDController& controller,
-                                 std::shared_ptr<CapturedOutput> output) {
-    printer().trace("Entering HRReader::readConfiguration\n");
-    beginLines(controller, std::move(output));
+bool HRReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering HRReader::readConfiguration\n");
+    beginLines(controller, listings);
     if (configuration() != nullptr && !getArraysAndLogicalDrive()) {
-        printer().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
+        report().trace("Exiting HRReader::readConfiguration, returning false(1)\n");
         return false;
     }
     if (!getDrives()) {
-        printer().trace("Exiting HRReader::readConfiguration, returning false(2)\n");
+        report().trace("Exiting HRReader::readConfiguration, returning false(2)\n");
         return false;
     }
     keepConfiguration();
-    printer().trace("Exiting HRReader::readConfiguration, returning true\n");
+    report().trace("Exiting HRReader::readConfiguration, returning true\n");
     return true;
 }
 
-void HRReader::beginLines(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
-    beginListing(controller, std::move(output));
+void HRReader::beginLines(RAIDController& controller, Listings listings) {
+    beginListing(controller, listings);
     line_ = {};
     stay_ = false;
 }
@@ -149,27 +166,39 @@ bool HRReader::advance() {
     return line_ != endOfOutput;
 }
 
-CString HRReader::valueOf(std::string_view line) {
+std::string_view HRReader::valueOf(std::string_view line) {
     constexpr std::string_view mark = "(T:L)";
-    const std::size_t at = line.find(mark);
-    const bool marked = at != std::string_view::npos && line.find(':') > at;
-    return text::valueAfterColon(marked ? line.substr(at + mark.size()) : line);
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) {
+        return {};
+    }
+    constexpr std::size_t colonInMark = mark.find(':');
+    if (colon < colonInMark || line.substr(colon - colonInMark, mark.size()) != mark) {
+        return text::trim(line.substr(colon + 1));
+    }
+    return text::valueAfterColon(line.substr(colon - colonInMark + mark.size()));
 }
 
 bool HRReader::getArraysAndLogicalDrive() {
-    printer().trace("Entering HRReader::getArraysAndLogicalDrive\n");
+    report().trace("Entering HRReader::getArraysAndLogicalDrive\n");
     const Exit exit = readLogicalDriveSection();
     if (exit != success) {
-        printer().tracef("Exiting HRReader::getArraysAndLogicalDrive, returning false(%d)\n", exit);
+        report().tracef("Exiting HRReader::getArraysAndLogicalDrive, returning false(%d)\n", exit);
         return false;
     }
-    printer().trace("Exiting HRReader::getArraysAndLogicalDrive, returning true\n");
+    report().trace("Exiting HRReader::getArraysAndLogicalDrive, returning true\n");
     return true;
 }
 
 HRReader::Exit HRReader::readLogicalDriveSection() {
     bool inSection = false;
-    while (advance() && !text::containsNoCase(line(), physicalDeviceHeading)) {
+    while (advance()) {
+        if (layoutFilter().candidates(line()) == 0) {
+            continue;
+        }
+        if (text::containsNoCase(line(), physicalDeviceHeading)) {
+            break;
+        }
         if (!inSection) {
             inSection = holdsAnyNoCase(line(), dialect_.logicalDriveHeadings);
         } else if (endsLogicalDrives()) {
@@ -202,7 +231,7 @@ HRReader::Exit HRReader::readLayoutLine() {
     } else if (holdsAny(line(), dialect_.logicalDriveStatus)) {
         readLogicalDriveState();
     } else if (isSizeLine(line())) {
-        logicalDrive().sizeMb = value().toInt();
+        logicalDrive().sizeMb = text::leadingInt(value());
     } else if (text::contains(line(), "Stripe-unit size")) {
         return readStripeSize();
     } else if (text::contains(line(), "Channel,Device")) {
@@ -229,21 +258,21 @@ void HRReader::readLogicalDriveState() {
     LogicalDrive& drive = logicalDrive();
     drive.state = value();
     drive.derivedState = translateLogicalState(drive.state);
-    printer().tracef("Setting the state of the logical drive=%s\n", drive.state.c_str());
+    report().tracef("Setting the state of the logical drive=%s\n", drive.state.c_str());
 }
 
 HRReader::Exit HRReader::readStripeSize() {
     const CString size = value();
     const auto code = findCode(stripeSizes, withoutKb(size));
     if (!code) {
-        printer().tracef("Stripe size not recognized:  %s\n", size.c_str());
+        report().tracef("Stripe size not recognized:  %s\n", size.c_str());
         return unknownStripeSize;
     }
     configuration()->stripeSize = *code;
     return success;
 }
 
-CString HRReader::driveListValue() const {
+std::string_view HRReader::driveListValue() const {
     constexpr std::string_view mark = "DDD";
     const std::size_t at = line_.find(mark);
     if (at == std::string_view::npos) {
@@ -278,17 +307,18 @@ void HRReader::addArrayOf(const std::vector<DrivePosition>& drives) {
 }
 
 bool HRReader::getDrives() {
-    printer().trace("Entering HRReader::getDrives\n");
+    report().trace("Entering HRReader::getDrives\n");
     if (!readDevices()) {
-        printer().trace("Entering HRReader::getDrives, returning false\n");
+        report().trace("Entering HRReader::getDrives, returning false\n");
         return false;
     }
-    printer().trace("Entering HRReader::getDrives, returning true\n");
+    report().trace("Entering HRReader::getDrives, returning true\n");
     return true;
 }
 
 bool HRReader::readDevices() {
-    while (advance() && !text::containsNoCase(line(), physicalDeviceHeading)) {
+    while (advance() && (layoutFilter().candidates(line()) == 0 ||
+                         !text::containsNoCase(line(), physicalDeviceHeading))) {
     }
     while (advance() && !text::contains(line(), separator)) {
     }
@@ -301,20 +331,29 @@ bool HRReader::readDevices() {
 }
 
 bool HRReader::addDevice() {
-    printer().trace("Entering HRReader::addDevice\n");
+    report().trace("Entering HRReader::addDevice\n");
     readDevice();
-    printer().trace("Exiting HRReader::addDevice, returning true\n");
+    report().trace("Exiting HRReader::addDevice, returning true\n");
     return true;
 }
 
 void HRReader::readDevice() {
+    const KeyFilter& filter = deviceFilter();
+    KeyAhead endKey(deviceEnd);
     Device device;
-    while (advance() && !text::contains(line(), "PFA")) {
-        if (text::contains(line(), deviceHeading)) {
+    while (advance()) {
+        if (endKey.canBeIn(line(), lines()) && text::contains(line(), deviceEnd)) {
+            break;
+        }
+        const KeyedLine keyed(line(), filter);
+        if (keyed.holdsNone()) {
+            continue;
+        }
+        if (keyed.holds(nextDevice)) {
             putBack();
             break;
         }
-        readDeviceLine(device);
+        readDeviceLine(device, keyed);
     }
     if (device.disk) {
         storeDevice(device);
@@ -325,24 +364,24 @@ bool HRReader::isDiskLine(std::string_view line) {
     return holdsAny(line, diskWords);
 }
 
-void HRReader::readDeviceLine(Device& device) {
-    if (text::contains(line(), "Device is")) {
+void HRReader::readDeviceLine(Device& device, const KeyedLine& keyed) {
+    if (keyed.holds(deviceKind)) {
         device = {};
         if (isDiskLine(line())) {
             device.disk.emplace();
         }
     } else if (!device.disk) {
         return;
-    } else if (text::contains(line(), "Channel,Device")) {
+    } else if (keyed.holds(positionLine)) {
         if (const auto position = parsePosition(value(), ",")) {
             device.disk->channelNumber = toModel(*position).channel;
             device.disk->id = position->id;
         }
-    } else if (isStateLine(line())) {
+    } else if (keyed.holds(stateLine) && !holdsAny(line(), otherKeys)) {
         readDeviceState(device);
-    } else if (isSizeLine(line())) {
-        device.disk->sizeMb = value().toInt();
-    } else if (text::contains(line(), "Serial number")) {
+    } else if (keyed.holds(sizeLine) && !holdsAny(line(), otherKeys)) {
+        device.disk->sizeMb = text::leadingInt(value());
+    } else if (keyed.holds(serialLine)) {
         device.disk->serialNumber = value();
     }
 }
@@ -350,64 +389,69 @@ void HRReader::readDeviceLine(Device& device) {
 void HRReader::readDeviceState(Device& device) {
     device.disk->state = value();
     device.disk->derivedState = translatePhysicalState(device.disk->state);
-    printer().tracef("Setting the state of the physical drive=%s\n", device.disk->state.c_str());
+    report().tracef("Setting the state of the physical drive=%s\n", device.disk->state.c_str());
     if (holdsAny(line(), dialect_.hotSpare)) {
         device.hotSpare = true;
     }
     if (!holdsAny(line(), dialect_.defunct)) {
         device.usable = true;
-    } else if (application().settings.capture) {
+    } else if (detail().layout) {
         constexpr const char* warning =
             "Warning:  One or more controller have a defunct disk drive.\n";
-        printer().print("\n", level::progress);
-        printer().print(warning, level::progress);
-        printer().print(warning, level::progress);
-        printer().print("\n", level::progress);
+        report().note(level::progress, "\n");
+        report().note(level::progress, warning);
+        report().note(level::progress, warning);
+        report().note(level::progress, "\n");
     }
     if (text::contains(line(), "Partitioned")) {
-        printer().print("\n", level::progress);
-        printer().print("Drive is partitioned and cannot be used in raid configuration.\n",
-                        level::progress);
+        report().note(level::progress, "\n");
+        report().note(level::progress,
+                      "Drive is partitioned and cannot be used in raid configuration.\n");
         device.usable = false;
     }
 }
 
-void HRReader::storeDevice(const Device& device) {
-    const RaidDisk& disk = *device.disk;
+void HRReader::storeDevice(Device& device) {
+    const DrivePosition at = {device.disk->channelNumber, device.disk->id};
+    RaidDisk& disk = *device.disk;
     if (!checkPosition(disk.channelNumber, disk.id) ||
         !checkSize(disk.channelNumber, disk.id, disk.sizeMb)) {
         return;
     }
     controller().setSize(disk.channelNumber, disk.id, disk.sizeMb);
-    controller().setDriveRecord(disk.channelNumber, disk.id, disk);
     const bool used = !device.usable && !device.hotSpare;
     if (used) {
-        controller().setUsed(disk.channelNumber, disk.id);
+        controller().setUsed(at.channel, at.id);
     }
     traceStored(disk, used);
+    controller().setDriveRecord(at.channel, at.id, std::move(disk));
     if (device.hotSpare && configuration() != nullptr) {
-        addHotspare(*configuration(), {.channelNumber = disk.channelNumber, .id = disk.id});
+        addHotspare(*configuration(), {.channelNumber = at.channel, .id = at.id});
     }
 }
 
-CString HRReader::translatePhysicalState(const CString& state) {
-    printer().trace("Entering HRReader::translatePhysicalState\n");
-    CString derived = deriveState(physicalStates, state, printer());
-    printer().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
-                     derived.c_str());
+std::string_view HRReader::translatePhysicalState(std::string_view state) {
+    report().trace("Entering HRReader::translatePhysicalState\n");
+    const std::string_view derived = deriveState(physicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging HRReader::translatePhysicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 
-CString HRReader::translateLogicalState(const CString& state) {
-    printer().trace("Entering HRReader::translateLogicalState\n");
-    CString derived = deriveState(logicalStates, state, printer());
-    printer().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
-                     derived.c_str());
+std::string_view HRReader::translateLogicalState(std::string_view state) {
+    report().trace("Entering HRReader::translateLogicalState\n");
+    const std::string_view derived = deriveState(logicalStates, state, report());
+    if (traces()) {
+        report().tracef("Exitinging HRReader::translateLogicalState, derivedState=%s\n",
+                        CString(derived).c_str());
+    }
     return derived;
 }
 
 void HRReader::traceUnknownRaidLevel(const CString& value) {
-    printer().tracef("RAID level not recognized:  %s\n", value.c_str());
+    report().tracef("RAID level not recognized:  %s\n", value.c_str());
 }
 
 } // namespace zolex

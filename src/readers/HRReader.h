@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/RAIDController.h"
+#include "readers/KeyFilter.h"
 #include "readers/LayoutReader.h"
 #include "readers/ListingValues.h"
 
@@ -27,13 +28,12 @@ struct ListingDialect {
 /// It is built of steps, so that a listing of nearly the same blocks can be read with them.
 class HRReader : public LayoutReader {
   public:
-    explicit HRReader(Application& application);
+    explicit HRReader(Detail detail, Report& report);
 
     /// A configuration that holds at least one array becomes the controller's. False when a RAID
     /// level or a stripe size is not known; the controller then gets neither a configuration nor
     /// drives.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   protected:
     static constexpr Exit unknownRaidLevel = 1;
@@ -52,19 +52,19 @@ class HRReader : public LayoutReader {
         bool hotSpare = false;
     };
 
-    HRReader(Application& application, const ListingDialect& dialect);
+    HRReader(Detail detail, Report& report, const ListingDialect& dialect);
 
     // The current line.
     /// Takes up a listing in front of its first line.
-    void beginLines(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    void beginLines(RAIDController& controller, Listings listings);
     /// Goes to the next line; false at "EOF", behind which there is nothing.
     bool advance();
     /// Makes the next advance() stay at the current line.
     void putBack() { stay_ = true; }
     [[nodiscard]] std::string_view line() const { return line_; }
     /// The text after the line's first ":"; the one in "(T:L)" belongs to the key.
-    [[nodiscard]] static CString valueOf(std::string_view line);
-    [[nodiscard]] CString value() const { return valueOf(line_); }
+    [[nodiscard]] static std::string_view valueOf(std::string_view line);
+    [[nodiscard]] std::string_view value() const { return valueOf(line_); }
 
     // The logical drives.
     /// Reads to the heading and on to the end of the section. What ends it is put back.
@@ -76,7 +76,7 @@ class HRReader : public LayoutReader {
     Exit readLayoutLine();
     virtual void readDriveList();
     /// The members that the current "Channel,Device" line lists after its key.
-    [[nodiscard]] CString driveListValue() const;
+    [[nodiscard]] std::string_view driveListValue() const;
     /// The utilities count channels from 0, the model from 1.
     [[nodiscard]] static DrivePosition toModel(DrivePosition position);
     /// Adds an array of these drives, numbered from channel 0, and ties the open logical drive to
@@ -84,6 +84,17 @@ class HRReader : public LayoutReader {
     void addArrayOf(const std::vector<DrivePosition>& drives);
 
     // The drives.
+    /// The keys of a device's lines, on every utility.
+    enum DeviceKey : std::size_t {
+        nextDevice,
+        deviceKind,
+        positionLine,
+        stateLine,
+        sizeLine,
+        serialLine,
+        locationLine,
+    };
+
     /// Reads to the heading and then every device block; false when one of them fails.
     bool readDevices();
     /// Handles one device block from the line after its "Device #"; always true here.
@@ -91,11 +102,12 @@ class HRReader : public LayoutReader {
     void readDevice();
     /// Whether a "Device is" line says that the device is a disk.
     [[nodiscard]] static bool isDiskLine(std::string_view line);
-    virtual void readDeviceLine(Device& device);
+    /// Takes the current line, of which is known which of deviceKeys it can hold.
+    virtual void readDeviceLine(Device& device, const KeyedLine& keyed);
 
     // What the utilities' readers trace in their own words.
-    virtual CString translatePhysicalState(const CString& state);
-    virtual CString translateLogicalState(const CString& state);
+    virtual std::string_view translatePhysicalState(std::string_view state);
+    virtual std::string_view translateLogicalState(std::string_view state);
     virtual void traceUnknownRaidLevel(const CString& value);
     virtual void traceStored(const RaidDisk& /*disk*/, bool /*used*/) {}
 
@@ -106,7 +118,7 @@ class HRReader : public LayoutReader {
     void readLogicalDriveState();
     Exit readStripeSize();
     void readDeviceState(Device& device);
-    void storeDevice(const Device& device);
+    void storeDevice(Device& device);
 
     const ListingDialect& dialect_;
     std::string_view line_;

@@ -1,8 +1,10 @@
 #include "readers/IDEReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
+#include "readers/KeyFilter.h"
 #include "readers/ListingValues.h"
 
 #include <array>
@@ -41,40 +43,55 @@ constexpr auto stripeSizes = std::to_array<WordCode>({
 static_assert(stripeSizes.size() == 8 && hasDistinctWords<WordCode>(stripeSizes));
 // clang-format on
 
+/// The keys of a listing with its layout.
+enum LayoutKey : std::size_t {
+    cacheOn,
+    cacheOff,
+    spare,
+    raidMode,
+    stripeSize,
+    driveCount,
+    errorCode,
+    logicalArray,
+};
+constexpr std::array<std::string_view, 8> layoutKeys = {
+    "+WRITE_CACHE",          "-WRITE_CACHE",     "SPARE",        "RAID_MODE", "STRIPE_SIZE",
+    "TOTAL_PHYSICAL_DRIVES", "Error Code (hex)", "LOGICAL_ARRAY"};
+
 /// The text after the first ":" or "=" or, without one, after the key.
-CString valueOf(std::string_view line, std::string_view key) {
+std::string_view valueOf(const KeyedLine& keyed, LayoutKey key) {
+    const std::string_view line = keyed.text();
     const std::size_t mark = line.find_first_of(":=");
     if (mark != std::string_view::npos) {
         return text::trim(line.substr(mark + 1));
     }
-    return text::trim(line.substr(line.find(key) + key.size()));
+    return text::trim(line.substr(line.find(layoutKeys[key]) + layoutKeys[key].size()));
 }
 
 } // namespace
 
-bool IDEReader::readConfiguration(RAIDController& controller,
-                                  std::shared_ptr<CapturedOutput> output) {
-    Printer& printer = application().printer();
-    printer.trace("Entering IDEReader::readConfiguration\n");
+bool IDEReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering IDEReader::readConfiguration\n");
     beginController(controller);
-    setOutput(std::move(output));
-    nextOutput_ = 1;
+    setListing(listings, 0);
+    listings_ = listings;
+    nextListing_ = 1;
     layout_ = {};
-    if (!application().settings.capture) {
+    if (!detail().layout) {
         readDrives();
     } else if (const Exit exit = readLayout(); exit != success) {
         layout_.configuration.reset();
-        printer.tracef("Exiting IDEReader::readConfiguration, returning false(%d)\n", exit);
+        report().tracef("Exiting IDEReader::readConfiguration, returning false(%d)\n", exit);
         return false;
     }
-    printer.trace("Exiting IDEReader::readConfiguration, returning true\n");
+    report().trace("Exiting IDEReader::readConfiguration, returning true\n");
     return true;
 }
 
 std::string_view IDEReader::nextLine() {
     std::string_view line = ConfigurationReader::nextLine();
-    while (line == endOfOutput && nextOutput_ < outputs) {
-        setOutput(controller().capturedOutput(nextOutput_++));
+    while (line == endOfOutput && nextListing_ < outputs) {
+        setListing(listings_, nextListing_++);
         line = ConfigurationReader::nextLine();
     }
     return line;
@@ -92,10 +109,15 @@ void IDEReader::readDrives() {
 }
 
 IDEReader::Exit IDEReader::readLayout() {
+    static const KeyFilter filter(layoutKeys);
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
-        if (!layout_.configuration && text::contains(line, "LOGICAL_ARRAY")) {
+        const KeyedLine keyed(line, filter);
+        if (keyed.holdsNone()) {
+            continue;
+        }
+        if (!layout_.configuration && keyed.holds(logicalArray)) {
             layout_.configuration = std::make_unique<RAIDConfiguration>();
-        } else if (const Exit exit = readLayoutLine(line); exit != success) {
+        } else if (const Exit exit = readLayoutLine(keyed); exit != success) {
             return exit;
         }
     }
@@ -103,27 +125,23 @@ IDEReader::Exit IDEReader::readLayout() {
     return success;
 }
 
-IDEReader::Exit IDEReader::readLayoutLine(std::string_view line) {
-    constexpr std::string_view raidMode = "RAID_MODE";
-    constexpr std::string_view stripeSize = "STRIPE_SIZE";
-    constexpr std::string_view driveCount = "TOTAL_PHYSICAL_DRIVES";
-    constexpr std::string_view errorCode = "Error Code (hex)";
-    if (text::contains(line, "+WRITE_CACHE")) {
+IDEReader::Exit IDEReader::readLayoutLine(const KeyedLine& keyed) {
+    if (keyed.holds(cacheOn)) {
         layout_.drive.writeCache = write_cache::on;
-    } else if (text::contains(line, "-WRITE_CACHE")) {
+    } else if (keyed.holds(cacheOff)) {
         layout_.drive.writeCache = write_cache::off;
-    } else if (text::contains(line, "SPARE")) {
+    } else if (keyed.holds(spare)) {
         if (layout_.configuration) {
             addHotspare(*layout_.configuration, {.channelNumber = channel, .id = 1});
         }
-    } else if (text::contains(line, raidMode) && !std::exchange(layout_.hasRaidMode, true)) {
-        return readRaidMode(valueOf(line, raidMode));
-    } else if (text::contains(line, stripeSize) && !std::exchange(layout_.hasStripeSize, true)) {
-        return readStripeSize(valueOf(line, stripeSize));
-    } else if (text::contains(line, driveCount) && !std::exchange(layout_.hasDriveCount, true)) {
-        readDriveCount(valueOf(line, driveCount));
-    } else if (text::contains(line, errorCode)) {
-        readErrorCode(valueOf(line, errorCode));
+    } else if (keyed.holds(raidMode) && !std::exchange(layout_.hasRaidMode, true)) {
+        return readRaidMode(valueOf(keyed, raidMode));
+    } else if (keyed.holds(stripeSize) && !std::exchange(layout_.hasStripeSize, true)) {
+        return readStripeSize(valueOf(keyed, stripeSize));
+    } else if (keyed.holds(driveCount) && !std::exchange(layout_.hasDriveCount, true)) {
+        readDriveCount(valueOf(keyed, driveCount));
+    } else if (keyed.holds(errorCode)) {
+        readErrorCode(keyed);
     }
     return success;
 }
@@ -131,8 +149,7 @@ IDEReader::Exit IDEReader::readLayoutLine(std::string_view line) {
 IDEReader::Exit IDEReader::readRaidMode(const CString& value) {
     const auto code = findCode(raidModes, value);
     if (!code) {
-        application().printer().printfAlways("Error: Could not recognize RAID level:  %s\n",
-                                             value.c_str());
+        failWith(FaultKind::listingLevelUnknown, value);
         return 1;
     }
     layout_.drive.raidLevel = *code;
@@ -142,12 +159,17 @@ IDEReader::Exit IDEReader::readRaidMode(const CString& value) {
 IDEReader::Exit IDEReader::readStripeSize(const CString& value) {
     const auto code = findCode(stripeSizes, value);
     if (!code) {
-        application().printer().printfAlways("Error:  Could not recognize stripe size:  %s\n",
-                                             value.c_str());
+        failWith(FaultKind::listingStripeUnknown, value);
         return 2;
     }
     layout_.stripeSize = *code;
     return success;
+}
+
+void IDEReader::failWith(FaultKind kind, const CString& value) const {
+    Fault fault = faultOf(kind);
+    fault.wanted = value;
+    report().fault(fault);
 }
 
 void IDEReader::readDriveCount(const CString& value) {
@@ -160,9 +182,10 @@ void IDEReader::readDriveCount(const CString& value) {
     }
 }
 
-void IDEReader::readErrorCode(const CString& value) {
+void IDEReader::readErrorCode(const KeyedLine& keyed) {
     ++layout_.errorCodes;
-    if (layout_.errorCodes > 1 && !layout_.configuration && value.contains(drivePresent)) {
+    if (layout_.errorCodes > 1 && !layout_.configuration &&
+        text::contains(valueOf(keyed, errorCode), drivePresent)) {
         storeDrive(layout_.errorCodes - 2);
     }
 }

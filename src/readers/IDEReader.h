@@ -12,6 +12,8 @@
 
 namespace zolex {
 
+class KeyedLine;
+
 /// Reads what HYPERWIN prints: status codes and keywords, in the captured outputs 0, 1 and 2 as one
 /// stream. There are at most two drives on one channel, whose sizes the utility does not tell.
 class IDEReader : public ConfigurationReader {
@@ -20,8 +22,7 @@ class IDEReader : public ConfigurationReader {
 
     /// Without configurations to capture only the drives are read. False when a RAID level or a
     /// stripe size is not known; the controller then gets no configuration.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   protected:
     std::string_view nextLine() override;
@@ -46,15 +47,17 @@ class IDEReader : public ConfigurationReader {
 
     void readDrives();
     Exit readLayout();
-    Exit readLayoutLine(std::string_view line);
+    Exit readLayoutLine(const KeyedLine& keyed);
     Exit readRaidMode(const CString& value);
     Exit readStripeSize(const CString& value);
     void readDriveCount(const CString& value);
-    void readErrorCode(const CString& value);
+    void readErrorCode(const KeyedLine& keyed);
     void storeDrive(std::int32_t id);
     void finishLayout();
+    void failWith(FaultKind kind, const CString& value) const;
 
-    std::size_t nextOutput_ = 1; ///< captured output that follows the current one
+    Listings listings_;
+    std::size_t nextListing_ = 1; ///< the one that follows the current one
     Layout layout_;
 };
 

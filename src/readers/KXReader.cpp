@@ -1,7 +1,9 @@
 #include "readers/KXReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
+#include "model/TypeTraits.h"
 #include "readers/ListingValues.h"
 #include "readers/StateTranslation.h"
 
@@ -94,51 +96,49 @@ bool endsBlock(std::string_view line) {
 
 } // namespace
 
-bool KXReader::readConfiguration(RAIDController& controller,
-                                 std::shared_ptr<CapturedOutput> output) {
-    printer().trace("Entering KXReader::readConfiguration\n");
-    if (application().settings.debug) {
-        printer().printAlways("kxread:Start readConfiguration \n");
+bool KXReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering KXReader::readConfiguration\n");
+    if (detail().dumpRecords) {
+        report().note(level::ungated, "kxread:Start readConfiguration \n");
     }
-    begin(controller, std::move(output));
+    begin(controller, listings);
     if (!nextLine(separator)) {
-        printer().trace("Exiting KXReader::readConfiguration, returning true\n");
+        report().trace("Exiting KXReader::readConfiguration, returning true\n");
         return true;
     }
     if (const Exit exit = readBlocks(); exit != success) {
-        printer().tracef("Exiting KXReader::readConfiguration, returning false(%d)\n", exit);
+        report().tracef("Exiting KXReader::readConfiguration, returning false(%d)\n", exit);
         return false;
     }
     if (!nextLine(separator)) {
         keepConfiguration();
-        printer().trace("Exiting KXReader::readConfiguration, returning true(2)\n");
+        report().trace("Exiting KXReader::readConfiguration, returning true(2)\n");
         return true;
     }
     if (!getDrives()) {
-        printer().trace("Exiting KXReader::readConfiguration, returning false(8)\n");
+        report().trace("Exiting KXReader::readConfiguration, returning false(8)\n");
         return false;
     }
     if (isCfggen_ && configuration() != nullptr) {
         locateMembers();
     }
     keepConfiguration();
-    printer().trace("Exiting KXReader::readConfiguration, returning true(3)\n");
+    report().trace("Exiting KXReader::readConfiguration, returning true(3)\n");
     return true;
 }
 
-void KXReader::begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output) {
-    beginListing(controller, std::move(output));
-    const ControllerCatalogue& catalogue = application().catalogue();
-    const CString command = catalogue.getUtilityCommand(controller.type());
-    isCfggen_ = command == "UTIL.BAT CFGGEN1.02.02" ||
-                command == catalogue.getUtilityCommand(controller_type::lsiSas);
+void KXReader::begin(RAIDController& controller, Listings listings) {
+    beginListing(controller, listings);
+    isCfggen_ = traitsOf(controller.type()).dialect == Dialect::cfggen;
     placesBySlot_ = isCfggen_ && controller.type() != controller_type::lsiScsi;
     array_.reset();
 }
 
 bool KXReader::nextLine(std::string_view ending, void (KXReader::*take)(std::string_view)) {
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
-        printer().tracef("KXReader::nextLine: %s\n", CString(line).c_str());
+        if (traces()) {
+            report().tracef("KXReader::nextLine: %s\n", CString(line).c_str());
+        }
         if (text::contains(line, ending)) {
             return true;
         }
@@ -146,7 +146,7 @@ bool KXReader::nextLine(std::string_view ending, void (KXReader::*take)(std::str
             (this->*take)(line);
         }
     }
-    printer().trace("KXReader::nextLine, returning EOF\n");
+    report().trace("KXReader::nextLine, returning EOF\n");
     return false;
 }
 
@@ -177,49 +177,49 @@ KXReader::Exit KXReader::readBlocks() {
 }
 
 bool KXReader::setControllerType() {
-    printer().trace("Entering KXReader::setControllerType\n");
+    report().trace("Entering KXReader::setControllerType\n");
     for (std::string_view line = nextLine(); line != endOfOutput; line = nextLine()) {
         if (text::contains(line, "Controller type")) {
             if (!readControllerType(valueBetweenColons(line))) {
-                printer().trace("Exiting KXReader::setControllerType, returning false(1)\n");
+                report().trace("Exiting KXReader::setControllerType, returning false(1)\n");
                 return false;
             }
         } else if (text::contains(line, "BIOS version")) {
             const CString version = valueBetweenColons(line);
             controller().setBiosVersion(version);
-            printer().tracef("Setting BIOS version = %s\n", version.c_str());
+            report().tracef("Setting BIOS version = %s\n", version.c_str());
         } else if (text::contains(line, "Firmware version")) {
             const CString version = valueBetweenColons(line);
             controller().setFirmwareVersion(version);
-            printer().tracef("Setting Firmware version = %s\n", version.c_str());
+            report().tracef("Setting Firmware version = %s\n", version.c_str());
         } else if (readSlot(line)) {
             continue;
         } else if (readBus(line)) {
-            printer().trace("Exiting KXReader::setControllerType, returning true(1)\n");
+            report().trace("Exiting KXReader::setControllerType, returning true(1)\n");
             return true;
         } else if (text::contains(line, "Controller name")) {
-            printer().trace("Exiting KXReader::setControllerType, returning true(2)\n");
+            report().trace("Exiting KXReader::setControllerType, returning true(2)\n");
             return true;
         } else if (text::contains(line, "Concurrent commands")) {
-            printer().trace("Exiting KXReader::setControllerType, returning true(3)\n");
+            report().trace("Exiting KXReader::setControllerType, returning true(3)\n");
             return true;
         }
     }
-    printer().trace("Exiting KXReader::setControllerType, returning false(2)\n");
+    report().trace("Exiting KXReader::setControllerType, returning false(2)\n");
     return false;
 }
 
 bool KXReader::readControllerType(const CString& value) {
     if (controller().type() == controller_type::family) {
-        printer().tracef("Found controller type KESTRIX, value = %s\n", value.c_str());
+        report().tracef("Found controller type KESTRIX, value = %s\n", value.c_str());
         const auto subtype = findCode(kestrixModels, value);
         if (!subtype) {
-            printer().tracef("Kestrix type not recognized:  %s\n", value.c_str());
+            report().tracef("Kestrix type not recognized:  %s\n", value.c_str());
             return false;
         }
         controller().setSubtype(*subtype);
     } else if (controller().type() == controller_type::lsiScsi) {
-        printer().tracef("Found controller type LSI-SCSI, value = %s\n", value.c_str());
+        report().tracef("Found controller type LSI-SCSI, value = %s\n", value.c_str());
         controller().setSubtype(lsiScsiSubtype);
     }
     return true;
@@ -231,7 +231,7 @@ bool KXReader::readSlot(std::string_view line) {
     }
     const CString slot = valueBetweenColons(line);
     controller().setSlotNumber(slot.toInt());
-    printer().tracef("Setting Slot number = %s\n", slot.c_str());
+    report().tracef("Setting Slot number = %s\n", slot.c_str());
     return true;
 }
 
@@ -241,7 +241,7 @@ bool KXReader::readBus(std::string_view line) {
     }
     const CString bus = valueBetweenColons(line);
     controller().setBusNumber(bus.toInt());
-    printer().tracef("Setting Bus number = %s\n", bus.c_str());
+    report().tracef("Setting Bus number = %s\n", bus.c_str());
     return true;
 }
 
@@ -252,16 +252,15 @@ void KXReader::readLocation(std::string_view line) {
 }
 
 bool KXReader::setControllerSettings() {
-    printer().trace("Entering KXReader::setControllerSettings\n");
+    report().trace("Entering KXReader::setControllerSettings\n");
     for (std::string_view line = nextLine(); !endsBlock(line); line = nextLine()) {
         if (const Exit exit = readSetting(line); exit != success) {
-            printer().tracef("Exiting KXReader::setControllerSettings, returning false(%d)\n",
-                             exit);
+            report().tracef("Exiting KXReader::setControllerSettings, returning false(%d)\n", exit);
             return false;
         }
         readLocation(line);
     }
-    printer().trace("Exiting KXReader::setControllerSettings, returning true\n");
+    report().trace("Exiting KXReader::setControllerSettings, returning true\n");
     return true;
 }
 
@@ -275,7 +274,7 @@ KXReader::Exit KXReader::readSetting(std::string_view line) {
         const CString value = valueBetweenColons(line);
         const auto code = findCode(row.words, value);
         if (!code) {
-            printer().tracef(row.unknown, value.c_str());
+            report().tracef(row.unknown, value.c_str());
             return exit;
         }
         configuration()->*row.setting = *code;
@@ -285,17 +284,17 @@ KXReader::Exit KXReader::readSetting(std::string_view line) {
 }
 
 bool KXReader::getArraysAndLogicalDrives() {
-    printer().trace("Entering KXReader::getArraysAndLogicalDrives\n");
+    report().trace("Entering KXReader::getArraysAndLogicalDrives\n");
     for (std::string_view line = nextLine(); !endsBlock(line); line = nextLine()) {
         if (const Exit exit = readLayoutLine(line); exit != success) {
-            printer().tracef("Exiting KXReader::getArraysAndLogicalDrives, returning false(%d)\n",
-                             exit);
+            report().tracef("Exiting KXReader::getArraysAndLogicalDrives, returning false(%d)\n",
+                            exit);
             return false;
         }
     }
     finishArray();
     finishLogicalDrive();
-    printer().trace("Exiting KXReader::getArraysAndLogicalDrives, returning true\n");
+    report().trace("Exiting KXReader::getArraysAndLogicalDrives, returning true\n");
     return true;
 }
 
@@ -328,10 +327,10 @@ KXReader::Exit KXReader::readLayoutLine(std::string_view line) {
 
 void KXReader::readLogicalDriveState(const CString& value) {
     logicalDrive().state = value;
-    printer().tracef("Found 'State', setting logical volume state=%s\n", value.c_str());
+    report().tracef("Found 'State', setting logical volume state=%s\n", value.c_str());
     logicalDrive().derivedState = value.contains("Degraded") ? badState : goodState;
-    printer().tracef("Setting logical volume derived state=%s\n",
-                     logicalDrive().derivedState.c_str());
+    report().tracef("Setting logical volume derived state=%s\n",
+                    logicalDrive().derivedState.c_str());
 }
 
 KXReader::Exit KXReader::readRaidLevel(const CString& value) {
@@ -339,14 +338,15 @@ KXReader::Exit KXReader::readRaidLevel(const CString& value) {
     constexpr Exit unknownLevel = 2;
     for (const std::string_view level : unsupportedRaidLevels) {
         if (value == level) {
-            printer().errorBlock(
-                "ZOLEX cannot create RAID-10 or RAID-50 drives on this controller type.\n");
+            Fault fault = faultOf(FaultKind::listingLevelUnsupported);
+            fault.wanted = value;
+            report().fault(fault);
             return cannotCreate;
         }
     }
     const auto code = findCode(raidLevels, value);
     if (!code) {
-        printer().tracef("RAID level not recognized:  %s\n", value.c_str());
+        report().tracef("RAID level not recognized:  %s\n", value.c_str());
         return unknownLevel;
     }
     logicalDrive().raidLevel = *code;

@@ -12,6 +12,8 @@
 
 namespace zolex {
 
+class KeyedLine;
+
 /// Reads the listing of the family utility and those of the two CFGGEN utilities: blocks between
 /// separators for the controller, its settings, the arrays and logical drives, and the drives.
 class KXReader : public LayoutReader {
@@ -21,8 +23,7 @@ class KXReader : public LayoutReader {
     /// An empty listing is no error and changes nothing. A configuration that holds at least one
     /// array becomes the controller's. False when the listing ends inside a block that must be
     /// there or holds a value that is not known; the controller then gets no configuration.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   private:
     /// What has been read of one "Target on" block. The record's disk number is the slot.
@@ -35,7 +36,7 @@ class KXReader : public LayoutReader {
         bool controllersOwn = false;
     };
 
-    void begin(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    void begin(RAIDController& controller, Listings listings);
 
     using ConfigurationReader::nextLine;
     /// Reads lines up to one that holds `separator`, giving each before it to `take`; false when
@@ -64,12 +65,12 @@ class KXReader : public LayoutReader {
 
     bool getDrives();
     bool addDevice(std::int32_t channel);
-    void readDeviceLine(std::string_view line, std::int32_t channel, Device& device);
+    void readDeviceLine(const KeyedLine& keyed, std::int32_t channel, Device& device);
     /// False when the line holds none of the keys that say where the drive stands.
-    bool readDriveLocation(std::string_view line, RaidDisk& disk);
-    void readDeviceState(const CString& value, Device& device);
-    Exit storeDevice(const Device& device);
-    void storeDrive(const Device& device);
+    bool readDriveLocation(const KeyedLine& keyed, RaidDisk& disk);
+    void readDeviceState(std::string_view value, Device& device);
+    Exit storeDevice(Device& device);
+    void storeDrive(Device& device);
     /// Enters the positions of the members that arrays hold as the utility's drive numbers.
     void locateMembers();
 

@@ -1,13 +1,16 @@
 #include "readers/KXReader.h"
 
-#include "show/Dumps.h"
-
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
+#include "model/TypeTraits.h"
+#include "readers/KeyFilter.h"
 #include "readers/ListingValues.h"
 #include "readers/StateTranslation.h"
+#include "show/Dumps.h"
 
 #include <array>
+#include <utility>
 
 namespace zolex {
 
@@ -15,7 +18,32 @@ namespace {
 
 constexpr std::array<std::string_view, 2> initiatorKeys = {"Initiator at ID",
                                                            "Initiator at SCSI ID"};
-constexpr std::array<std::string_view, 2> idKeys = {"SCSI ID", "Target ID"};
+
+CString utilityOf(std::int32_t type) {
+    return traitsOf(type).utilityCommand;
+}
+
+/// The keys of a drive's lines.
+enum DeviceKey : std::size_t {
+    deviceKind,
+    state,
+    size,
+    driveType,
+    serialNumber,
+    deviceId,
+    enclosure,
+    slot,
+    scsiId,
+    targetId,
+};
+constexpr std::array<std::string_view, 10> deviceKeys = {
+    "Device is", "State",     "Size", "Drive Type", "Serial No",
+    "Device ID", "Enclosure", "Slot", "SCSI ID",    "Target ID"};
+
+const KeyFilter& deviceFilter() {
+    static const KeyFilter filter(deviceKeys);
+    return filter;
+}
 
 bool endsDrives(std::string_view line) {
     return line == endOfOutput || line.empty();
@@ -37,47 +65,53 @@ std::optional<DrivePosition> findTarget(const RAIDController& controller, std::i
 } // namespace
 
 bool KXReader::getDrives() {
-    printer().trace("Entering KXReader::getDrives\n");
+    report().trace("Entering KXReader::getDrives\n");
     std::int32_t channel = 0;
-    for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
+    for (std::string_view line = lines().nextLine(); !endsDrives(line); line = lines().nextLine()) {
         if (text::contains(line, "Channel #") || (isCfggen_ && holdsAny(line, initiatorKeys))) {
             ++channel;
         } else if (text::contains(line, "Target on") && !addDevice(channel)) {
-            printer().trace("Exiting KXReader::getDrives, returning false\n");
+            report().trace("Exiting KXReader::getDrives, returning false\n");
             return false;
         }
     }
-    printer().trace("Exiting KXReader::getDrives, returning true\n");
+    report().trace("Exiting KXReader::getDrives, returning true\n");
     return true;
 }
 
 bool KXReader::addDevice(std::int32_t channel) {
-    const ControllerCatalogue& catalogue = application().catalogue();
-    printer().trace("Entering KXReader::addDevice\n");
-    if (printer().shows(level::traces)) {
-        printer().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
-                         catalogue.getUtilityCommand(controller().type()).c_str(),
-                         catalogue.getUtilityCommand(controller_type::lsiSas).c_str());
+    report().trace("Entering KXReader::addDevice\n");
+    if (traces()) {
+        report().tracef("currentCommand=%s, LSI_SAS_command=%s\n",
+                        utilityOf(controller().type()).c_str(),
+                        utilityOf(controller_type::lsiSas).c_str());
     }
-    const std::string_view endingKey = isCfggen_ ? "Drive Type" : "Device ID";
+    const DeviceKey ending = isCfggen_ ? driveType : deviceId;
+    const KeyFilter& filter = deviceFilter();
     Device device;
-    for (std::string_view line = nextLine(); !endsDrives(line); line = nextLine()) {
-        readDeviceLine(line, channel, device);
-        if (text::contains(line, endingKey)) {
+    for (std::string_view line = lines().nextLine(); !endsDrives(line); line = lines().nextLine()) {
+        const KeyedLine keyed(line, filter);
+        if (keyed.holdsNone()) {
+            continue;
+        }
+        readDeviceLine(keyed, channel, device);
+        if (keyed.holds(ending)) {
             break;
         }
     }
     if (const Exit exit = storeDevice(device); exit != success) {
-        printer().tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
+        report().tracef("Exiting KXReader::addDevice, returning false(%d)\n", exit);
         return false;
     }
-    printer().trace("Exiting KXReader::addDevice, returning true\n");
+    report().trace("Exiting KXReader::addDevice, returning true\n");
     return true;
 }
 
-void KXReader::readDeviceLine(std::string_view line, std::int32_t channel, Device& device) {
-    constexpr std::string_view kindKey = "Device is";
-    if (const std::size_t kind = line.find(kindKey); kind != std::string_view::npos) {
+void KXReader::readDeviceLine(const KeyedLine& keyed, std::int32_t channel, Device& device) {
+    const std::string_view line = keyed.text();
+    if (keyed.holds(deviceKind)) {
+        const std::string_view kindKey = deviceKeys[deviceKind];
+        const std::size_t kind = line.find(kindKey);
         device = {};
         if (text::contains(line.substr(kind + kindKey.size()), "Hard disk")) {
             device.disk.emplace().channelNumber = placesBySlot_ ? -1 : channel;
@@ -88,55 +122,55 @@ void KXReader::readDeviceLine(std::string_view line, std::int32_t channel, Devic
         return;
     }
     RaidDisk& disk = *device.disk;
-    if (readDriveLocation(line, disk)) {
+    if (readDriveLocation(keyed, disk)) {
         return;
     }
     const std::string_view value = valueBetweenColons(line);
-    if (text::contains(line, "State")) {
+    if (keyed.holds(state)) {
         readDeviceState(value, device);
-    } else if (text::contains(line, "Size")) {
+    } else if (keyed.holds(size)) {
         disk.sizeMb = text::leadingInt(value);
-    } else if (text::contains(line, "Drive Type")) {
+    } else if (keyed.holds(driveType)) {
         device.type = value;
-    } else if (text::contains(line, "Serial No")) {
+    } else if (keyed.holds(serialNumber)) {
         disk.serialNumber = value;
         device.controllersOwn = device.controllersOwn || text::contains(value, "LSIInternalUse");
     }
 }
 
-bool KXReader::readDriveLocation(std::string_view line, RaidDisk& disk) {
-    const bool namesEnclosure = placesBySlot_ && text::contains(line, "Enclosure");
-    const bool namesSlot = placesBySlot_ && text::contains(line, "Slot");
-    if (!namesEnclosure && !namesSlot && !holdsAny(line, idKeys)) {
+bool KXReader::readDriveLocation(const KeyedLine& keyed, RaidDisk& disk) {
+    const bool namesEnclosure = placesBySlot_ && keyed.holds(enclosure);
+    const bool namesSlot = placesBySlot_ && keyed.holds(slot);
+    if (!namesEnclosure && !namesSlot && !keyed.holds(scsiId) && !keyed.holds(targetId)) {
         return false;
     }
-    const std::int32_t number = text::leadingInt(valueBetweenColons(line));
+    const std::int32_t number = text::leadingInt(valueBetweenColons(keyed.text()));
     if (namesEnclosure) {
         disk.channelNumber = number;
-        printer().tracef("Found 'Enclosure', setting channel=%d\n", number);
+        report().tracef("Found 'Enclosure', setting channel=%d\n", number);
     } else if (namesSlot) {
         disk.diskNumber = number;
-        printer().tracef("Found 'Slot', setting ID=%d\n", number);
+        report().tracef("Found 'Slot', setting ID=%d\n", number);
     } else {
         disk.id = number;
-        printer().tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
+        report().tracef("Found 'SCSI ID' or 'Target ID', setting ID=%d\n", number);
     }
     return true;
 }
 
-void KXReader::readDeviceState(const CString& value, Device& device) {
-    const bool hotSpare = value.contains("(HSP)");
-    const bool failed = value.contains("(DDD)");
+void KXReader::readDeviceState(std::string_view value, Device& device) {
+    const bool hotSpare = text::contains(value, "(HSP)");
+    const bool failed = text::contains(value, "(DDD)");
     device.hotSpare = device.hotSpare || hotSpare;
     device.failed = device.failed || failed;
-    device.online = device.online || (!hotSpare && !failed && !value.contains("(MIS)"));
+    device.online = device.online || (!hotSpare && !failed && !text::contains(value, "(MIS)"));
     device.disk->state = value;
-    printer().tracef("Found 'State', setting state=%s\n", value.c_str());
+    report().tracef("Found 'State', setting state=%s\n", device.disk->state.c_str());
     device.disk->derivedState = failed && configuration() != nullptr ? badState : goodState;
-    printer().tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
+    report().tracef("Setting derived state=%s\n", device.disk->derivedState.c_str());
 }
 
-KXReader::Exit KXReader::storeDevice(const Device& device) {
+KXReader::Exit KXReader::storeDevice(Device& device) {
     constexpr Exit noChannel = 1;
     constexpr Exit noId = 2;
     constexpr Exit noSlot = 3;
@@ -147,43 +181,44 @@ KXReader::Exit KXReader::storeDevice(const Device& device) {
     }
     const RaidDisk& disk = *device.disk;
     if (disk.channelNumber < 0) {
-        printer().printAlways("Enclosure/Channel not found. channel<0\n");
+        fail(FaultKind::listingChannelMissing);
         return noChannel;
     }
     if (disk.id < 0) {
-        printer().printAlways("SCSIID not found. scsiID<0\n");
+        fail(FaultKind::listingIdMissing);
         return noId;
     }
     if (placesBySlot_ && disk.diskNumber < 0) {
-        printer().printAlways("Slot not found. slot<0\n");
+        fail(FaultKind::listingSlotMissing);
         return noSlot;
     }
     storeDrive(device);
     return success;
 }
 
-void KXReader::storeDrive(const Device& device) {
-    const RaidDisk& disk = *device.disk;
+void KXReader::storeDrive(Device& device) {
+    RaidDisk& disk = *device.disk;
+    const std::int32_t channel = disk.channelNumber;
+    const std::int32_t targetNumber = disk.id;
     const std::int32_t id = placesBySlot_ ? disk.diskNumber : disk.id;
     if (!checkPosition(disk.channelNumber, id) || !checkSize(disk.channelNumber, id, disk.sizeMb)) {
         return;
     }
     controller().addDrive(disk.channelNumber, id, disk.sizeMb, device.type, disk.id);
-    controller().setDriveRecord(disk.channelNumber, id, disk);
     if (device.failed) {
         controller().setUsed(disk.channelNumber, id);
     }
-    const bool debug = application().settings.debug;
+    const bool debug = detail().dumpRecords;
     if (debug) {
-        printer().printAlways(show::dumpText(disk));
+        report().note(level::ungated, show::dumpText(disk));
     }
+    controller().setDriveRecord(channel, id, std::move(disk));
     if (device.hotSpare && configuration() != nullptr) {
-        const Hotspare hotspare = {.channelNumber = disk.channelNumber,
-                                   .id = id,
-                                   .diskNumber = placesBySlot_ ? disk.id : -1};
+        const Hotspare hotspare = {
+            .channelNumber = channel, .id = id, .diskNumber = placesBySlot_ ? targetNumber : -1};
         addHotspare(*configuration(), hotspare);
         if (debug) {
-            printer().printAlways(show::dumpText(hotspare));
+            report().note(level::ungated, show::dumpText(hotspare));
         }
     }
 }

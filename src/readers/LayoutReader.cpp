@@ -1,22 +1,15 @@
 #include "readers/LayoutReader.h"
 
-#include "controllers/Application.h"
 #include "model/RAIDController.h"
 
 #include <utility>
 
 namespace zolex {
 
-Printer& LayoutReader::printer() const {
-    return application().printer();
-}
-
-void LayoutReader::beginListing(RAIDController& controller,
-                                std::shared_ptr<CapturedOutput> output) {
+void LayoutReader::beginListing(RAIDController& controller, Listings listings) {
     beginController(controller);
-    setOutput(std::move(output));
-    configuration_ =
-        application().settings.capture ? std::make_unique<RAIDConfiguration>() : nullptr;
+    setListing(listings, 0);
+    configuration_ = detail().layout ? std::make_unique<RAIDConfiguration>() : nullptr;
     drive_ = {};
     driveOpen_ = false;
 }

@@ -8,8 +8,6 @@
 
 namespace zolex {
 
-class Printer;
-
 /// A reader that collects one controller's arrays and logical drives while it goes through a
 /// listing.
 class LayoutReader : public ConfigurationReader {
@@ -21,11 +19,9 @@ class LayoutReader : public ConfigurationReader {
     using Exit = int;
     static constexpr Exit success = 0;
 
-    [[nodiscard]] Printer& printer() const;
-
     /// Forgets what was read before and takes up a listing; makes an empty configuration when they
     /// are captured.
-    void beginListing(RAIDController& controller, std::shared_ptr<CapturedOutput> output);
+    void beginListing(RAIDController& controller, Listings listings);
     /// Null when configurations are not captured. What follows needs one, but for keeping.
     [[nodiscard]] RAIDConfiguration* configuration() const { return configuration_.get(); }
     /// Hands the configuration, if there is one, over to the controller when it holds an array. One

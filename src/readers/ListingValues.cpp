@@ -35,7 +35,12 @@ bool holdsAnyNoCase(std::string_view line, std::span<const std::string_view> key
 }
 
 std::string_view valueBetweenColons(std::string_view line) {
-    return text::trim(text::token(line, ":", 1));
+    const std::size_t first = line.find(':');
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    line.remove_prefix(first + 1);
+    return text::trim(line.substr(0, line.find(':')));
 }
 
 std::optional<DrivePosition> parsePosition(std::string_view text, std::string_view delimiter) {

@@ -1,8 +1,9 @@
 #include "readers/MEGAReader.h"
 
-#include "controllers/Application.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
+#include "readers/KeyFilter.h"
 #include "readers/MegaCliText.h"
 #include "show/Dumps.h"
 
@@ -34,6 +35,27 @@ bool isDriveLine(std::string_view line) {
            contains(line, "Inquiry Data");
 }
 
+constexpr std::array<std::string_view, 7> driveKeys = {
+    "Adapter #",    "Enclosure Device ID", "Enclosure Number", "Slot Number",
+    "Coerced Size", "Firmware state",      "Inquiry Data"};
+constexpr std::array<std::string_view, 4> adapterKeys = {"Adapter #", "FW Version", "BIOS Version",
+                                                         "RAID Level Supported"};
+
+/// Whether a line says nothing. Most lines do not.
+bool isIdle(std::string_view line, const KeyFilter& filter) {
+    return filter.candidates(line) == 0 && line != endOfOutput;
+}
+
+const KeyFilter& driveFilter() {
+    static const KeyFilter filter(driveKeys);
+    return filter;
+}
+
+const KeyFilter& adapterFilter() {
+    static const KeyFilter filter(adapterKeys);
+    return filter;
+}
+
 bool endsDrives(std::string_view line) {
     return line == endOfOutput || megacli::isAdapterLine(line);
 }
@@ -49,50 +71,64 @@ struct MEGAReader::DriveBlock {
     Mark mark = Mark::none;
 };
 
-bool MEGAReader::readConfiguration(RAIDController& controller,
-                                   std::shared_ptr<CapturedOutput> output) {
-    Printer& printer = application().printer();
-    printer.trace("Entering MEGAReader::readConfiguration\n");
+bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings) {
+    report().trace("Entering MEGAReader::readConfiguration\n");
     beginController(controller);
     channelTable_.fill(channelFree);
+    driveLines_.reset();
+    nextDriveLine_ = 0;
     std::unique_ptr<RAIDConfiguration> configuration;
-    std::size_t adapterListing = 1;
-    if (application().settings.capture) {
-        numberEnclosures(controller.capturedOutput(1));
-        setOutput(std::move(output));
+    std::size_t driveListing = 0;
+    if (detail().layout) {
+        driveListing = 1;
+        setListing(listings, driveListing);
+        numberEnclosures();
+        setListing(listings, 0);
         configuration = readVirtualDisks();
-        output = controller.capturedOutput(1);
-        adapterListing = 2;
     }
-    setOutput(std::move(output));
+    setListing(listings, driveListing);
     getDrives(configuration.get());
-    setOutput(controller.capturedOutput(adapterListing));
+    setListing(listings, driveListing + 1);
     getAdapterInfo();
-    setOutput(nullptr);
     if (configuration) {
         controller.setConfiguration(std::move(configuration));
     }
-    printer.trace("Exitng MEGAReader::readConfiguration, returning true\n");
+    report().trace("Exitng MEGAReader::readConfiguration, returning true\n");
     return true;
 }
 
 /// Gives the enclosures their channels in the order of the drive listing, ahead of reading the
 /// configuration listing: a deploy run sees the drive listing alone, and a captured drive number
 /// has to mean the same drive there.
-void MEGAReader::numberEnclosures(const std::shared_ptr<CapturedOutput>& driveListing) {
-    if (!driveListing) {
-        return;
-    }
-    setOutput(std::make_shared<CapturedOutput>(*driveListing));
-    std::string_view line = nextLine();
-    while (line != endOfOutput && !isDriveLine(line)) {
-        line = nextLine();
-    }
-    for (; !endsDrives(line); line = nextLine()) {
+void MEGAReader::numberEnclosures() {
+    const KeyFilter& filter = driveFilter();
+    driveLines_.emplace();
+    bool begun = false;
+    std::string_view line;
+    do {
+        line = lines().nextLine();
+        const bool idle = isIdle(line, filter);
+        begun = begun || (!idle && isDriveLine(line));
+        if (begun && (!idle || traces())) {
+            driveLines_->push_back(line);
+        }
+        if (idle || !begun) {
+            continue;
+        }
+        if (megacli::isAdapterLine(line)) {
+            break;
+        }
         if (megacli::isEnclosureLine(line)) {
             channelOf(megacli::enclosureOf(line));
         }
+    } while (line != endOfOutput);
+}
+
+std::string_view MEGAReader::nextDriveLine() {
+    if (!driveLines_) {
+        return lines().nextLine();
     }
+    return nextDriveLine_ < driveLines_->size() ? (*driveLines_)[nextDriveLine_++] : endOfOutput;
 }
 
 /// The channel that belongs to the enclosure or else the first free one, which it takes; -1 when
@@ -110,16 +146,14 @@ std::int32_t MEGAReader::channelOf(std::int32_t enclosure) {
 }
 
 std::int32_t MEGAReader::reAssignChannelID(std::int32_t enclosure) {
-    Printer& printer = application().printer();
-    printer.tracef("Entering MEGAReader::reAssignChannelID, trueChannelID=%d\n", enclosure);
+    report().tracef("Entering MEGAReader::reAssignChannelID, trueChannelID=%d\n", enclosure);
     const std::int32_t channel = channelOf(enclosure);
-    printer.tracef("Exiting MEGAReader::reAssignChannelID, iterator=%d\n", channel);
+    report().tracef("Exiting MEGAReader::reAssignChannelID, iterator=%d\n", channel);
     return channel;
 }
 
 /// Takes an enclosure or slot line of a drive's block; false for any other line.
 bool MEGAReader::readLocationLine(std::string_view line, DriveLocation& location) {
-    Printer& printer = application().printer();
     if (megacli::isEnclosureLine(line)) {
         location.enclosure = megacli::enclosureOf(line);
         location.hasEnclosure = true;
@@ -127,62 +161,70 @@ bool MEGAReader::readLocationLine(std::string_view line, DriveLocation& location
             controller().clearChannelReassignment();
         }
         location.channel = reAssignChannelID(location.enclosure);
-        printer.tracef("Setting enclosure number=%d\n", location.enclosure);
+        report().tracef("Setting enclosure number=%d\n", location.enclosure);
         return true;
     }
     if (contains(line, "Slot Number")) {
         location.slot = text::leadingInt(valueAfterColon(line));
         location.hasSlot = true;
-        printer.tracef("Setting slot number=%d\n", location.slot);
+        report().tracef("Setting slot number=%d\n", location.slot);
         return true;
     }
     return false;
 }
 
 void MEGAReader::getDrives(RAIDConfiguration* configuration) {
-    application().printer().trace("Entering MEGAReader::getDrives\n");
-    std::string_view line = nextLine();
-    while (line != endOfOutput && !isDriveLine(line)) {
-        line = nextLine();
+    report().trace("Entering MEGAReader::getDrives\n");
+    const KeyFilter& filter = driveFilter();
+    std::string_view line = nextDriveLine();
+    while (line != endOfOutput && (isIdle(line, filter) || !isDriveLine(line))) {
+        line = nextDriveLine();
     }
     while (!endsDrives(line)) {
-        application().printer().trace("Creating new instance of RaidDisk\n");
+        report().trace("Creating new instance of RaidDisk\n");
         DriveBlock block;
         line = readDriveBlock(line, block, configuration);
         storeDrive(block);
     }
-    application().printer().trace("Exiting MEGAReader::getDrives\n");
+    report().trace("Exiting MEGAReader::getDrives\n");
 }
 
 /// Reads the block that begins with `line`, and returns the first line behind it.
 std::string_view MEGAReader::readDriveBlock(std::string_view line, DriveBlock& block,
                                             RAIDConfiguration* configuration) {
-    for (; !endsDrives(line); line = nextLine()) {
-        application().printer().tracef("p_lines: %.*s\n", static_cast<int>(line.size()),
-                                       line.data());
+    const KeyFilter& filter = driveFilter();
+    for (;; line = nextDriveLine()) {
+        const bool idle = isIdle(line, filter);
+        if (!idle && endsDrives(line)) {
+            return line;
+        }
+        if (traces()) {
+            report().tracef("p_lines: %.*s\n", static_cast<int>(line.size()), line.data());
+        }
+        if (idle) {
+            continue;
+        }
         readDriveLine(line, block, configuration);
         if (contains(line, "Inquiry Data")) {
-            return nextLine();
+            return nextDriveLine();
         }
     }
-    return line;
 }
 
 void MEGAReader::readDriveLine(std::string_view line, DriveBlock& block,
                                RAIDConfiguration* configuration) {
-    Printer& printer = application().printer();
     if (readLocationLine(line, block.location)) {
         block.record.channelNumber = block.location.enclosure;
         block.record.id = block.location.slot;
     } else if (isCoercedSizeLine(line)) {
         block.record.sizeMb = megacli::sizeInMb(valueAfterColon(line), megacli::Rounding::up);
-        printer.tracef("Setting Coerced size=%d\n", block.record.sizeMb);
+        report().tracef("Setting Coerced size=%d\n", block.record.sizeMb);
     } else if (contains(line, "Firmware state")) {
         readFirmwareState(line, block, configuration);
     } else if (contains(line, "Inquiry Data")) {
         block.record.serialNumber = valueAfterColon(line);
-        printer.tracef("Found 'Inquiry Data', value=%s\n", block.record.serialNumber.c_str());
-        printer.tracef("Setting serial number=%s\n", block.record.serialNumber.c_str());
+        report().tracef("Found 'Inquiry Data', value=%s\n", block.record.serialNumber.c_str());
+        report().tracef("Setting serial number=%s\n", block.record.serialNumber.c_str());
     }
 }
 
@@ -195,7 +237,7 @@ void MEGAReader::readFirmwareState(std::string_view line, DriveBlock& block,
         contains(line, "Rebuild")) {
         block.mark = DriveBlock::Mark::present;
     } else if (contains(line, "Hotspare")) {
-        application().printer().trace("Found a Hotspare\n");
+        report().trace("Found a Hotspare\n");
         block.mark = DriveBlock::Mark::present;
         if (configuration != nullptr) {
             addCapturedHotspare(block.location, *configuration);
@@ -213,66 +255,70 @@ void MEGAReader::addCapturedHotspare(const DriveLocation& location,
     const auto& hotspares = configuration.hotspares();
     const bool known =
         std::any_of(hotspares.begin(), hotspares.end(), [&location](const Hotspare& hotspare) {
-            return hotspare.channelNumber == location.enclosure && hotspare.id == location.slot;
+            return hotspare.enclosure == location.enclosure && hotspare.id == location.slot;
         });
     if (known || !RAIDController::isPosition(location.channel, location.slot)) {
         return;
     }
     Hotspare hotspare;
-    hotspare.channelNumber = location.enclosure;
+    hotspare.channelNumber = location.channel;
+    hotspare.enclosure = location.enclosure;
     hotspare.id = location.slot;
     hotspare.diskNumber = location.slot;
     addHotspare(configuration, hotspare);
 }
 
-void MEGAReader::storeDrive(const DriveBlock& block) {
-    Printer& printer = application().printer();
+void MEGAReader::storeDrive(DriveBlock& block) {
     const auto [enclosure, channel, slot, hasEnclosure, hasSlot] = block.location;
-    if (block.mark != DriveBlock::Mark::none && block.record.sizeMb > 0 &&
-        checkPosition(channel, slot)) {
+    const bool stored = block.mark != DriveBlock::Mark::none && block.record.sizeMb > 0 &&
+                        checkPosition(channel, slot);
+    if (stored) {
         controller().setSizeAndTarget(channel, slot, block.record.sizeMb, enclosure);
-        controller().setDriveRecord(channel, slot, block.record);
         if (block.mark == DriveBlock::Mark::bad) {
             controller().setUsed(channel, slot);
-            printer.tracef("Inserted new instance of RaidDisk(2) at location %d:%d\n", channel,
-                           slot);
+            report().tracef("Inserted new instance of RaidDisk(2) at location %d:%d\n", channel,
+                            slot);
         } else {
-            printer.tracef("Inserted new instance of RaidDisk(1) at location %d:%d\n", channel,
-                           slot);
+            report().tracef("Inserted new instance of RaidDisk(1) at location %d:%d\n", channel,
+                            slot);
         }
     }
     // What stands behind the last drive is no drive.
-    if (application().settings.debug && (hasEnclosure || hasSlot)) {
-        printer.printAlways(show::dumpText(block.record));
+    if (detail().dumpRecords && (hasEnclosure || hasSlot)) {
+        report().note(level::ungated, show::dumpText(block.record));
+    }
+    if (stored) {
+        controller().setDriveRecord(channel, slot, std::move(block.record));
     }
 }
 
 void MEGAReader::getAdapterInfo() {
-    application().printer().trace("Entering MEGAReader::getAdapterInfo\n");
-    std::string_view line = nextLine();
-    while (!endsDrives(line)) {
-        line = nextLine();
+    report().trace("Entering MEGAReader::getAdapterInfo\n");
+    const KeyFilter& filter = adapterFilter();
+    std::string_view line = lines().nextLine();
+    while (isIdle(line, filter) || !endsDrives(line)) {
+        line = lines().nextLine();
     }
     // Behind "EOF" there is nothing.
-    for (line = nextLine(); !endsDrives(line); line = nextLine()) {
+    for (line = lines().nextLine(); isIdle(line, filter) || !endsDrives(line);
+         line = lines().nextLine()) {
         readAdapterLine(line);
     }
-    application().printer().trace("Exiting MEGAReader::getAdapterInfo\n");
+    report().trace("Exiting MEGAReader::getAdapterInfo\n");
 }
 
 void MEGAReader::readAdapterLine(std::string_view line) {
-    Printer& printer = application().printer();
     if (contains(line, "FW Version")) {
         const CString value(valueAfterColon(line));
-        printer.tracef("Found 'FW Version' value: %s\n", value.c_str());
+        report().tracef("Found 'FW Version' value: %s\n", value.c_str());
         controller().setFirmwareVersion(value);
     } else if (contains(line, "BIOS Version") && !contains(line, "WebBIOS Version")) {
         const CString value(valueAfterColon(line));
-        printer.tracef("Found 'BIOS Version' or 'WebBIOS Version' value: %s\n", value.c_str());
+        report().tracef("Found 'BIOS Version' or 'WebBIOS Version' value: %s\n", value.c_str());
         controller().setBiosVersion(value);
     } else if (contains(line, "RAID Level Supported")) {
         const CString value(valueAfterColon(line));
-        printer.tracef("Found 'RAID Level Supported' value: %s\n", value.c_str());
+        report().tracef("Found 'RAID Level Supported' value: %s\n", value.c_str());
         if (controller().subtype() == subtypeWithoutRaid5 && value.contains("RAID5")) {
             controller().setSubtype(subtypeWithRaid5);
         }

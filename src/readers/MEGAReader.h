@@ -6,7 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace zolex {
 
@@ -19,8 +21,7 @@ class MEGAReader : public ConfigurationReader {
 
     /// Always true. A configuration that cannot be read whole is dropped; the drives are still
     /// filled.
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   private:
     /// Where a drive block says that its drive is.
@@ -35,7 +36,10 @@ class MEGAReader : public ConfigurationReader {
     struct VirtualDisk;
 
     // Enclosures and channels
-    void numberEnclosures(const std::shared_ptr<CapturedOutput>& driveListing);
+    void numberEnclosures();
+    /// The next line of the drive listing, from what numbering the enclosures has kept of it when
+    /// it went through it before.
+    std::string_view nextDriveLine();
     std::int32_t channelOf(std::int32_t enclosure);
     [[nodiscard]] std::int32_t reAssignChannelID(std::int32_t enclosure);
     bool readLocationLine(std::string_view line, DriveLocation& location);
@@ -48,7 +52,7 @@ class MEGAReader : public ConfigurationReader {
     void readFirmwareState(std::string_view line, DriveBlock& block,
                            RAIDConfiguration* configuration);
     void addCapturedHotspare(const DriveLocation& location, RAIDConfiguration& configuration);
-    void storeDrive(const DriveBlock& block);
+    void storeDrive(DriveBlock& block);
 
     // Adapter listing
     void getAdapterInfo();
@@ -66,6 +70,10 @@ class MEGAReader : public ConfigurationReader {
 
     /// The enclosure id that owns channel 1, 2, 3 and 4; -1 for a free channel.
     std::array<std::int32_t, 4> channelTable_{};
+    /// The lines of the drive listing that tell something, up to the one that ends it; none before
+    /// they are known.
+    std::optional<std::vector<std::string_view>> driveLines_;
+    std::size_t nextDriveLine_ = 0;
 };
 
 } // namespace zolex

@@ -1,11 +1,15 @@
 // The configuration listing: virtual disks and their members.
 
-#include "controllers/Application.h"
+#include "foundation/Fault.h"
+#include "foundation/Report.h"
 #include "foundation/Text.h"
 #include "model/RAIDController.h"
+#include "readers/KeyFilter.h"
 #include "readers/MEGAReader.h"
 #include "readers/MegaCliText.h"
 
+#include <array>
+#include <span>
 #include <utility>
 
 namespace zolex {
@@ -36,6 +40,25 @@ bool endsVirtualDisk(std::string_view line) {
             (megacli::holdsKey(line, "Virtual Disk") || megacli::holdsKey(line, "Virtual Drive")));
 }
 
+/// The keys that count until the size and the state of a virtual disk are known, and thereafter.
+/// The shorter two make finding them slower. "PD" is a key besides.
+constexpr std::array<std::string_view, 15> diskKeys = {"Size",
+                                                       "State",
+                                                       "Adapter #",
+                                                       "Virtual D",
+                                                       "Number of PDs",
+                                                       "Stripe Size",
+                                                       "Strip Size",
+                                                       "RAID Level",
+                                                       "Exit Code",
+                                                       "Current Cache Policy",
+                                                       "Inquiry Data",
+                                                       "Number Of Drives",
+                                                       "Number of Spans",
+                                                       "Enclosure ",
+                                                       "Slot Number"};
+constexpr auto memberKeys = std::span(diskKeys).subspan<2>();
+
 } // namespace
 
 /// One virtual disk while it is read.
@@ -56,6 +79,14 @@ struct MEGAReader::VirtualDisk {
     std::int64_t drivesExpected = 0;  ///< what "Number Of Drives" announces
     bool drivesPerSpan = false;       ///< for each span
     std::int64_t drivesSeen = 0;
+
+    /// Whether the line says nothing, but for "PD". Most lines do not.
+    [[nodiscard]] bool isIdle(std::string_view line) const {
+        static const KeyFilter wholeFilter(diskKeys);
+        static const KeyFilter memberFilter(memberKeys);
+        const KeyFilter& filter = hasSize && hasState ? memberFilter : wholeFilter;
+        return filter.candidates(line) == 0 && line != endOfOutput;
+    }
 
     void closeSpan() {
         isWhole = isWhole && membersSeen >= membersExpected;
@@ -78,9 +109,9 @@ struct MEGAReader::VirtualDisk {
 
 /// Null when no virtual disk is announced, or when one that is cannot be captured whole.
 std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
-    std::string_view line = nextLine();
+    std::string_view line = lines().nextLine();
     while (line != endOfOutput && !contains(line, "Enclosure") && !isNumberOfVirtualDisks(line)) {
-        line = nextLine();
+        line = lines().nextLine();
     }
     const std::int32_t announced =
         isNumberOfVirtualDisks(line) ? text::leadingInt(valueAfterColon(line)) : 0;
@@ -90,7 +121,7 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
     auto configuration = std::make_unique<RAIDConfiguration>();
     for (std::int32_t i = 0; i < announced; ++i) {
         do {
-            line = nextLine();
+            line = lines().nextLine();
         } while (line != endOfOutput && !megacli::holdsKey(line, "Name"));
         if (line == endOfOutput || !getArraysAndLogicalDrives(*configuration)) {
             return nullptr;
@@ -102,14 +133,20 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
 /// Reads one virtual disk, from the line after its name, and adds it to the configuration; false
 /// when it cannot be captured whole.
 bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
-    Printer& printer = application().printer();
-    printer.trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
+    report().trace("Entering MEGAReader::getArraysAndLogicalDrives\n");
     VirtualDisk disk;
-    std::string_view line = nextLine();
-    for (; !endsVirtualDisk(line); line = nextLine()) {
+    KeyAhead memberKey("PD");
+    std::string_view line = lines().nextLine();
+    for (;; line = lines().nextLine()) {
+        if (disk.isIdle(line) && !memberKey.canBeIn(line, lines())) {
+            continue;
+        }
+        if (endsVirtualDisk(line)) {
+            break;
+        }
         const bool taken = disk.inMember && readMemberLine(line, disk);
         if (!taken && !readVirtualDiskLine(line, disk, configuration)) {
-            printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(1)\n");
+            report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(1)\n");
             return false;
         }
     }
@@ -117,12 +154,10 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     closeMember(disk);
     disk.closeSpan();
     if (disk.hasMissingDrives()) {
-        printer.errorBlockf("Controller %s has a logical drive with missing drives; its "
-                            "configuration is not captured.\n",
-                            modelName().c_str());
+        fail(FaultKind::listingDrivesMissing);
     }
     if (disk.hasMissingDrives() || !disk.isComplete()) {
-        printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(2)\n");
+        report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning false(2)\n");
         return false;
     }
     // An array without its logical drive could not be configured again.
@@ -130,7 +165,7 @@ bool MEGAReader::getArraysAndLogicalDrives(RAIDConfiguration& configuration) {
     if (addLogicalDrive(configuration, std::move(disk.drive))) {
         addArray(configuration, std::move(disk.array));
     }
-    printer.trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning true\n");
+    report().trace("Exiting MEGAReader::getArraysAndLogicalDrives, returning true\n");
     return true;
 }
 
@@ -149,7 +184,7 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
         disk.hasSize = true;
         const std::int32_t sizeMb =
             megacli::sizeInMb(valueAfterColon(line), megacli::Rounding::down);
-        application().printer().tracef("Setting size=%d\n", sizeMb);
+        report().tracef("Setting size=%d\n", sizeMb);
         disk.drive.sizeMb = sizeMb > 0 ? sizeMb : sizeFill;
     } else if (!disk.hasState && isStateLine(line)) {
         disk.hasState = true;
@@ -180,7 +215,7 @@ bool MEGAReader::readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
 void MEGAReader::readNumberOfPds(std::string_view line, VirtualDisk& disk) {
     const std::int32_t announced =
         text::leadingInt(valueAfterColon(line.substr(line.find("Number of PDs"))));
-    application().printer().tracef("Number of PDs=%d \n", announced);
+    report().tracef("Number of PDs=%d \n", announced);
     if (line == disk.spanLine) {
         return;
     }
@@ -195,8 +230,7 @@ void MEGAReader::readStripeSize(std::string_view line, RAIDConfiguration& config
     std::string_view value = valueAfterColon(line);
     const std::size_t unit = value.find(contains(value, "kB") ? "kB" : "KB");
     value = text::trim(value.substr(0, unit));
-    application().printer().tracef("Stripe size value=%.*s\n", static_cast<int>(value.size()),
-                                   value.data());
+    report().tracef("Stripe size value=%.*s\n", static_cast<int>(value.size()), value.data());
     configuration.stripeSize = megacli::stripeSizeOf(value, configuration.stripeSize);
 }
 

@@ -6,6 +6,7 @@
 #include "readers/MEGAReader.h"
 
 #include "model/Codes.h"
+#include "model/TypeTraits.h"
 
 #include <algorithm>
 #include <array>
@@ -16,8 +17,8 @@ namespace zolex {
 namespace {
 
 template <typename Reader>
-std::unique_ptr<ConfigurationReader> create(Application& application) {
-    return std::unique_ptr<ConfigurationReader>(new (std::nothrow) Reader(application));
+std::unique_ptr<ConfigurationReader> create(Detail detail, Report& report) {
+    return std::unique_ptr<ConfigurationReader>(new (std::nothrow) Reader(detail, report));
 }
 
 // Controller type; what is traced when its reader is created; the reader. Order does not matter.
@@ -37,7 +38,7 @@ constexpr std::array<ReaderEntry, 12> readers{{
     {controller_type::megaRaid,  "Creating MEGAReader\n", create<MEGAReader>},
 }};
 // clang-format on
-static_assert(readers.size() == controller_type::last);
+static_assert(coversEveryType(readers));
 
 } // namespace
 

@@ -1,16 +1,18 @@
 #include "readers/StateTranslation.h"
 
-#include "foundation/Printer.h"
+#include "foundation/Report.h"
+#include "foundation/Text.h"
 
 namespace zolex {
 
-CString deriveState(std::span<const StateWord> words, const CString& state, Printer& printer) {
+std::string_view deriveState(std::span<const StateWord> words, std::string_view state,
+                             Report& report) {
     for (const StateWord& row : words) {
-        if (state.equalsNoCase(row.word)) {
+        if (text::equalsNoCase(state, row.word)) {
             return row.derived;
         }
     }
-    printer.tracef("***** Unable to recognize input state: %s\n", state.c_str());
+    report.tracef("***** Unable to recognize input state: %s\n", CString(state).c_str());
     return unknownState;
 }
 

@@ -47,7 +47,8 @@ void appendLogicalDrive(CString& text, const LogicalDrive& drive) {
 
 CString dumpText(const Hotspare& hotspare) {
     CString text = "Contents of Hotspare:\n";
-    text.append(formatText("  Channel Number:    %d\n", hotspare.channelNumber));
+    text.append(formatText("  Channel Number:    %d\n",
+                           hotspare.enclosure.value_or(hotspare.channelNumber)));
     text.append(formatText("  ID:                %d\n", hotspare.id));
     text.append(formatText("  Disk Number:       %d\n", hotspare.diskNumber));
     return text;

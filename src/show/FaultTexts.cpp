@@ -9,8 +9,8 @@ namespace zolex::show {
 
 std::vector<FaultText> faultTexts(const Fault& fault) {
     static constexpr std::array floors = {
-        inventoryFaultTexts, policyFaultTexts,      planningFaultTexts,
-        commandFaultTexts,   commandLineFaultTexts,
+        inventoryFaultTexts, listingFaultTexts, policyFaultTexts,
+        planningFaultTexts,  commandFaultTexts, commandLineFaultTexts,
     };
     for (const auto& floor : floors) {
         if (std::optional<std::vector<FaultText>> texts = floor(fault)) {

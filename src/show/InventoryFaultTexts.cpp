@@ -1,4 +1,5 @@
 #include "show/FloorFaultTexts.h"
+#include "show/TextPieces.h"
 
 namespace zolex::show {
 

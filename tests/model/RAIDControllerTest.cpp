@@ -42,9 +42,6 @@ TEST(RAIDController, AFreshControllerHoldsItsInitialValues) {
     EXPECT_FALSE(controller.driverVersion().has_value());
     EXPECT_TRUE(controller.channelReassignment());
     EXPECT_EQ(controller.numberOfDrives(), 0);
-    for (std::size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(controller.capturedOutput(i), nullptr);
-    }
     for (std::int32_t channel = 0; channel < 5; ++channel) {
         for (std::int32_t id = 0; id < 36; ++id) {
             EXPECT_EQ(controller.size(channel, id), -1);
@@ -200,27 +197,18 @@ TEST(RAIDController, VisitsItsDrivesInAscendingOrder) {
                            {1, 2}, {1, 35}, {3, 0}, {4, 7}}));
 }
 
-TEST(RAIDController, KeepsFourCapturedOutputs) {
+TEST(RAIDController, AMemberOfTheLayoutIsUsedAndCanBeTaken) {
     RAIDController controller;
-    std::vector<std::shared_ptr<CapturedOutput>> outputs;
-    for (std::size_t i = 0; i < 4; ++i) {
-        outputs.push_back(std::make_shared<CapturedOutput>("output"));
-        EXPECT_TRUE(controller.addCapturedOutput(outputs.back())) << i;
-        EXPECT_EQ(controller.capturedOutput(i + 1), nullptr);
-    }
-    EXPECT_FALSE(controller.addCapturedOutput(std::make_shared<CapturedOutput>("fifth")));
-    for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(controller.capturedOutput(i), outputs[i]) << i;
-    }
-    EXPECT_EQ(controller.capturedOutput(4), nullptr);
-    EXPECT_EQ(controller.capturedOutput(std::numeric_limits<std::size_t>::max()), nullptr);
-    const std::weak_ptr<CapturedOutput> first = outputs[0];
-    outputs.clear();
-    controller.clearCapturedOutputs();
-    EXPECT_TRUE(first.expired());
-    EXPECT_EQ(controller.capturedOutput(0), nullptr);
-    EXPECT_TRUE(controller.addCapturedOutput(std::make_shared<CapturedOutput>("later")));
-    EXPECT_NE(controller.capturedOutput(0), nullptr);
+    EXPECT_TRUE(controller.setMember(1, 2));
+    EXPECT_FALSE(controller.setMember(5, 0));
+    EXPECT_TRUE(controller.isUsed(1, 2));
+    EXPECT_TRUE(controller.usable({1, 2}));
+    EXPECT_TRUE(controller.setUsed(1, 2));
+    EXPECT_FALSE(controller.usable({1, 2}));
+    EXPECT_TRUE(controller.setUsed(1, 2, false));
+    EXPECT_FALSE(controller.isUsed(1, 2));
+    EXPECT_TRUE(controller.usable({1, 3}));
+    EXPECT_FALSE(controller.usable({1, 36}));
 }
 
 TEST(RAIDController, OwnsItsConfiguration) {

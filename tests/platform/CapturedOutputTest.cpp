@@ -68,5 +68,13 @@ TEST(CapturedOutput, AnEmptyOneIsAtItsEnd) {
     EXPECT_EQ(output.nextPiece(capturedLineLimit), "");
 }
 
+TEST(CapturedOutput, TakingTheTextLeavesNothing) {
+    CapturedOutput output("abc\nd");
+    EXPECT_EQ(output.nextPiece(capturedLineLimit), "abc\n");
+    EXPECT_EQ(output.take(), "abc\nd");
+    EXPECT_EQ(output.nextPiece(capturedLineLimit), "");
+    EXPECT_EQ(output.take(), "");
+}
+
 } // namespace
 } // namespace zolex

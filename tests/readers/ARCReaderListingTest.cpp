@@ -282,11 +282,11 @@ TEST(ARCReader, ANewerListingGivesWhatAPersonReadsInIt) {
 TEST(ARCReader, TheNumberOfLogicalDrivesIsNoted) {
     FakePlatform platform;
     Application application(platform);
-    ARCReader reader(application);
+    ARCReader reader({}, application.report());
     RAIDController controller;
     controller.setType(controller_type::arcconf11);
     const auto read = [&](const std::string& text) {
-        EXPECT_TRUE(reader.readConfiguration(controller, std::make_shared<CapturedOutput>(text)));
+        EXPECT_TRUE(reader.readConfiguration(controller, Lines{text}));
         return reader.announcedLogicalDrives();
     };
     EXPECT_EQ(read(plain.text()), 1);

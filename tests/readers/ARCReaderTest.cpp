@@ -612,13 +612,12 @@ TEST(ARCReader, AFailingDeviceBlockFailsTheRead) {
     };
     FakePlatform platform;
     Application application(platform);
-    application.settings.capture = true;
     application.printer().setVerbosity(9);
     RAIDController controller;
     controller.setType(controller_type::arcconf7);
-    FailingReader reader(application);
-    EXPECT_FALSE(reader.readConfiguration(
-        controller, std::make_shared<CapturedOutput>(plainListing(logicalDrive(""), disk("0,0")))));
+    FailingReader reader({.layout = true}, application.report());
+    EXPECT_FALSE(
+        reader.readConfiguration(controller, Lines{plainListing(logicalDrive(""), disk("0,0"))}));
     EXPECT_EQ(controller.configuration(), nullptr);
     EXPECT_TRUE(withoutLineTraces(platform.consoleFake.takeOutput())
                     .ends_with("Entering ARCReader::getDrives\n"
@@ -629,13 +628,10 @@ TEST(ARCReader, AFailingDeviceBlockFailsTheRead) {
 TEST(ARCReader, ReadsOneControllerAfterAnother) {
     FakePlatform platform;
     Application application(platform);
-    application.settings.capture = true;
-    ARCReader reader(application);
+    ARCReader reader({.layout = true}, application.report());
     RAIDController first;
     first.setType(controller_type::arcconf2);
-    const auto output = [](const std::string& text) {
-        return std::make_shared<CapturedOutput>(text);
-    };
+    const auto output = [](const std::string& text) { return Lines{text}; };
     // A listing that fails within a logical drive's segments leaves nothing behind for the next.
     EXPECT_FALSE(reader.readConfiguration(
         first, output(listing(failover,

@@ -21,13 +21,12 @@ class OpenReader : public ConfigurationReader {
     using ConfigurationReader::beginController;
     using ConfigurationReader::checkPosition;
     using ConfigurationReader::ConfigurationReader;
-    using ConfigurationReader::hasOutput;
+    using ConfigurationReader::hasListing;
     using ConfigurationReader::nextLine;
-    using ConfigurationReader::setOutput;
+    using ConfigurationReader::setListing;
     using ConfigurationReader::skipTo;
 
-    bool readConfiguration(RAIDController& /*controller*/,
-                           std::shared_ptr<CapturedOutput> /*output*/) override {
+    bool readConfiguration(RAIDController& /*controller*/, Listings /*listings*/) override {
         return true;
     }
 };
@@ -41,7 +40,8 @@ class ConfigurationReaderTest : public ::testing::Test {
     }
 
     void give(const std::string& bytes) {
-        reader.setOutput(std::make_shared<CapturedOutput>(bytes));
+        listing = {bytes};
+        reader.setListing(listing, 0);
     }
     std::vector<std::string> linesOf(const std::string& bytes) {
         give(bytes);
@@ -54,7 +54,8 @@ class ConfigurationReaderTest : public ::testing::Test {
 
     FakePlatform platform;
     Application application{platform};
-    OpenReader reader{application};
+    std::vector<std::string> listing;
+    OpenReader reader{{}, application.report()};
     RAIDController controller;
     RAIDConfiguration configuration;
 };
@@ -113,12 +114,12 @@ TEST_F(ConfigurationReaderTest, ARealEofLineEndsTheOutput) {
 }
 
 TEST_F(ConfigurationReaderTest, WithoutOutputThereIsOnlyTheEnd) {
-    EXPECT_FALSE(reader.hasOutput());
+    EXPECT_FALSE(reader.hasListing());
     EXPECT_EQ(reader.nextLine(), "EOF");
     give("");
-    EXPECT_TRUE(reader.hasOutput());
-    reader.setOutput(nullptr);
-    EXPECT_FALSE(reader.hasOutput());
+    EXPECT_TRUE(reader.hasListing());
+    reader.setListing(listing, 1);
+    EXPECT_FALSE(reader.hasListing());
     EXPECT_EQ(reader.nextLine(), "EOF");
 }
 

@@ -25,16 +25,14 @@ struct ReaderLog {
 
 class ScriptedReader : public ConfigurationReader {
   public:
-    ScriptedReader(Application& application, ReaderLog& log)
-        : ConfigurationReader(application), log_(log) {
+    ScriptedReader(Report& report, ReaderLog& log) : ConfigurationReader({}, report), log_(log) {
         ++log_.created;
         ++log_.alive;
     }
     ~ScriptedReader() override { --log_.alive; }
 
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override {
-        EXPECT_EQ(output, controller.capturedOutput(0));
+    bool readConfiguration(RAIDController& controller, Listings listings) override {
+        EXPECT_EQ(listings[0], "\n");
         ++log_.reads;
         if (log_.newSubtype != subtypeNotSet) {
             controller.setSubtype(log_.newSubtype);
@@ -49,20 +47,20 @@ class ScriptedReader : public ConfigurationReader {
 /// Creates scripted readers, or none.
 class ScriptedDiskInformation : public DiskInformation {
   public:
-    ScriptedDiskInformation(Application& application, ReaderLog& log, bool creates = true)
-        : DiskInformation(application), application_(application), log_(log), creates_(creates) {}
+    ScriptedDiskInformation(Detail detail, Report& report, ReaderLog& log, bool creates = true)
+        : DiskInformation(detail, report), report_(report), log_(log), creates_(creates) {}
 
   protected:
     std::unique_ptr<ConfigurationReader> createReader(const ReaderEntry& entry) override {
         types += std::to_string(entry.controllerType) + " ";
-        return creates_ ? std::make_unique<ScriptedReader>(application_, log_) : nullptr;
+        return creates_ ? std::make_unique<ScriptedReader>(report_, log_) : nullptr;
     }
 
   public:
     std::string types;
 
   private:
-    Application& application_;
+    Report& report_;
     ReaderLog& log_;
     bool creates_;
 };
@@ -75,36 +73,30 @@ class DiskInformationTest : public ::testing::Test {
         auto controller = std::make_unique<RAIDController>();
         controller->setType(type);
         controller->setSubtype(subtype);
-        for (int i = 0; i < outputs; ++i) {
-            captured.push_back(std::make_shared<CapturedOutput>("\n"));
-            controller->addCapturedOutput(captured.back());
-        }
+        listings.emplace_back(static_cast<std::size_t>(outputs), "\n");
         return *controllers.add(std::move(*controller));
     }
     bool read(bool creates = true) {
-        ScriptedDiskInformation information(application, log, creates);
-        const bool result = information.readDiskInformation(controllers);
+        ScriptedDiskInformation information(detail, application.report(), log, creates);
+        const auto before = listings;
+        const bool result = information.readDiskInformation(controllers, listings);
+        EXPECT_EQ(listings, before);
         types = information.types;
         return result;
     }
-    std::string takeOutput() { return platform.consoleFake.takeOutput(); }
-    /// No controller holds an output any more, and nobody else holds one.
-    void expectOutputsClosed() {
-        for (std::size_t i = 0; i < controllers.count(); ++i) {
-            for (std::size_t slot = 0; slot < 4; ++slot) {
-                EXPECT_EQ(controllers.controller(i)->capturedOutput(slot), nullptr);
-            }
-        }
-        for (const auto& output : captured) {
-            EXPECT_EQ(output.use_count(), 1);
-        }
-        EXPECT_EQ(log.alive, 0);
+    bool readDefinition() {
+        ScriptedDiskInformation information(detail, application.report(), log);
+        return information.readDefinition(controllers, platform.files(), "some.ini");
     }
+    std::string takeOutput() { return platform.consoleFake.takeOutput(); }
+    /// No reader is kept.
+    void expectReadersGone() const { EXPECT_EQ(log.alive, 0); }
 
     FakePlatform platform;
     Application application{platform};
     ControllerList controllers;
-    std::vector<std::shared_ptr<CapturedOutput>> captured;
+    std::vector<std::vector<std::string>> listings;
+    Detail detail;
     ReaderLog log;
     std::string types;
 };
@@ -125,7 +117,7 @@ TEST_F(DiskInformationTest, EveryControllerIsReadByTheReaderOfItsType) {
     EXPECT_EQ(log.created, 2);
     EXPECT_EQ(takeOutput(), "\tController 1:  LSI-MegaRAID-8480\n\tController 2:  " +
                                 std::string(application.controllerName(4, 0).c_str()) + "\n");
-    expectOutputsClosed();
+    expectReadersGone();
 }
 
 TEST_F(DiskInformationTest, TheControllerLineIsAtLevel3) {
@@ -138,6 +130,7 @@ TEST_F(DiskInformationTest, TheControllerLineIsAtLevel3) {
 TEST_F(DiskInformationTest, TypesWithoutReaderAreAnInternalError) {
     for (const std::int32_t type : {13, 0, -1}) {
         controllers = ControllerList();
+        listings.clear();
         add(type, 1, 1);
         application.printer().setVerbosity(level::traces);
         EXPECT_FALSE(read());
@@ -145,7 +138,7 @@ TEST_F(DiskInformationTest, TypesWithoutReaderAreAnInternalError) {
                                 "\tController 1:  ERROR-NO-CONTROLLER\n"
                                 "\n#### ERROR\n\tAn internal error has occurred.\n\n"
                                 "Exiting DiskInformation::readDiskInformation(1)\n");
-        expectOutputsClosed();
+        expectReadersGone();
     }
 }
 
@@ -159,7 +152,7 @@ TEST_F(DiskInformationTest, AReaderThatCannotBeCreatedIsReported) {
               "\n#### ERROR\n\tCould not read a config file for the following controller:  "
               "LSI-MegaRAID-8480\n"
               "Exiting DiskInformation::readDiskInformation(2)\n");
-    expectOutputsClosed();
+    expectReadersGone();
 }
 
 TEST_F(DiskInformationTest, AControllerWithoutOutputIsReported) {
@@ -174,7 +167,7 @@ TEST_F(DiskInformationTest, AControllerWithoutOutputIsReported) {
               "LSI-MegaRAID-8480\n"
               "Exiting DiskInformation::readDiskInformation(3)\n");
     EXPECT_EQ(log.reads, 0);
-    expectOutputsClosed();
+    expectReadersGone();
 }
 
 TEST_F(DiskInformationTest, TheFirstFormatErrorEndsTheRead) {
@@ -192,16 +185,17 @@ TEST_F(DiskInformationTest, TheFirstFormatErrorEndsTheRead) {
               "LSI-MegaRAID-8480\n"
               "Exiting DiskInformation::readDiskInformation(3)\n");
     EXPECT_EQ(log.reads, 1);
-    expectOutputsClosed();
+    expectReadersGone();
 }
 
 TEST_F(DiskInformationTest, VerboseOutputDumpsTheController) {
     for (const bool capture : {false, true}) {
         controllers = ControllerList();
+        listings.clear();
         RAIDController& controller = add(12, 1, 3);
         controller.setSize(1, 2, 1000);
         controller.setConfiguration(std::make_unique<RAIDConfiguration>());
-        application.settings.capture = capture;
+        detail.layout = capture;
         application.printer().setVerbosity(level::detail);
         application.printer().printAlways(show::dumpText(controller, capture));
         const std::string dump = takeOutput();
@@ -209,7 +203,6 @@ TEST_F(DiskInformationTest, VerboseOutputDumpsTheController) {
         EXPECT_TRUE(read());
         EXPECT_EQ(takeOutput(), "\tController 1:  LSI-MegaRAID-8480\n" + dump);
         application.printer().setVerbosity(4);
-        EXPECT_TRUE(controller.addCapturedOutput(std::make_shared<CapturedOutput>("")));
         EXPECT_TRUE(read());
         EXPECT_EQ(takeOutput(), "\tController 1:  LSI-MegaRAID-8480\n");
     }
@@ -217,12 +210,12 @@ TEST_F(DiskInformationTest, VerboseOutputDumpsTheController) {
 
 TEST_F(DiskInformationTest, TracesOfASuccessfulRead) {
     RAIDController& controller = add(12, 1, 0);
-    controller.addCapturedOutput(std::make_shared<CapturedOutput>(""));
-    controller.addCapturedOutput(std::make_shared<CapturedOutput>(""));
+    listings[0] = {"", ""};
     application.printer().setVerbosity(level::traces);
     application.printer().printAlways(show::dumpText(controller, false));
     const std::string dump = takeOutput();
-    EXPECT_TRUE(DiskInformation(application).readDiskInformation(controllers));
+    EXPECT_TRUE(
+        DiskInformation(detail, application.report()).readDiskInformation(controllers, listings));
     EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
                             "\tController 1:  LSI-MegaRAID-8480\n"
                             "Creating MEGAReader\n"
@@ -236,32 +229,36 @@ TEST_F(DiskInformationTest, TracesOfASuccessfulRead) {
                                 dump +
                                 "Exiting DiskInformation::parseDiskInfo, returning true\n"
                                 "Exiting DiskInformation::readDiskInformation(4)\n");
-    expectOutputsClosed();
+    expectReadersGone();
 }
 
-// The second capture of one run (capture after restore, deploy after restore) found the slots of
-// the outputs taken and read the outputs of the first one again.
+// The second capture of one run (capture after restore, deploy after restore) read the listings of
+// the first one again.
 TEST_F(DiskInformationTest, ALaterCaptureStartsAfresh) {
-    RAIDController& controller = add(12, 1, 4);
-    EXPECT_FALSE(controller.addCapturedOutput(std::make_shared<CapturedOutput>("")));
-    EXPECT_TRUE(read());
-    const auto later = std::make_shared<CapturedOutput>("");
-    EXPECT_TRUE(controller.addCapturedOutput(later));
-    EXPECT_EQ(controller.capturedOutput(0), later);
+    RAIDController& controller = add(6, 1, 0);
+    const auto drivesAfter = [&](const std::string& listing) {
+        controller.forgetReadings();
+        listings[0] = {listing};
+        EXPECT_TRUE(DiskInformation(detail, application.report())
+                        .readDiskInformation(controllers, listings));
+        return controller.numberOfDrives();
+    };
+    EXPECT_EQ(drivesAfter("0000\n0000\n"), 2);
+    EXPECT_EQ(drivesAfter("0000\n"), 1);
+    EXPECT_EQ(drivesAfter(""), 0);
 }
 
 TEST_F(DiskInformationTest, DrivesComeFromTheDefinitionFile) {
     add(12, 1, 2);
     add(10, 1, 0);
     add(12, 1, 0);
-    application.settings.controllerDefinitionFile = "some.ini";
     platform.fileFake.files["some.ini"] = "[Controller.0]\nType=12\nSubType=1\n"
                                           "C1S0=70000\nc4s35=1\nC2S7=x\nC3S1=\nC0S0=9\nC1S36=9\n"
                                           "C5S0=9\n"
                                           "[Controller.1]\nType=10\nC2S3=36000\n"
                                           "[Controller.2]\nSubType=1\nC1S0=5\n";
     application.printer().setVerbosity(level::traces);
-    EXPECT_TRUE(read());
+    EXPECT_TRUE(readDefinition());
     EXPECT_EQ(takeOutput(), "Entering DiskInformation::readDiskInformation\n"
                             "Reading drives from file:  some.ini\n"
                             "\tController 1:  LSI-MegaRAID-8480\n"
@@ -279,16 +276,15 @@ TEST_F(DiskInformationTest, DrivesComeFromTheDefinitionFile) {
     EXPECT_EQ(sizes(1), "2:3=36000 ");
     EXPECT_EQ(sizes(2), ""); // no "Type"
     EXPECT_EQ(log.created, 0);
-    expectOutputsClosed();
+    expectReadersGone();
 }
 
 TEST_F(DiskInformationTest, TheDefinitionEndsAtTheFirstSectionWithoutType) {
     add(12, 1, 0);
     add(12, 1, 0);
-    application.settings.controllerDefinitionFile = "some.ini";
     platform.fileFake.files["some.ini"] = "[Controller.0]\nType=\nC1S0=1\n"
                                           "[Controller.1]\nType=12\nC1S0=1\n";
-    EXPECT_TRUE(read());
+    EXPECT_TRUE(readDefinition());
     EXPECT_EQ(takeOutput(), "");
     EXPECT_EQ(controllers.controller(0)->numberOfDrives(), 0);
     EXPECT_EQ(controllers.controller(1)->numberOfDrives(), 0);
@@ -298,8 +294,7 @@ TEST_F(DiskInformationTest, TheDefinitionEndsAtTheFirstSectionWithoutType) {
 // without drives, and the run went on.
 TEST_F(DiskInformationTest, ADefinitionFileThatIsNotThereAnyMoreFails) {
     add(12, 1, 0);
-    application.settings.controllerDefinitionFile = "some.ini";
-    EXPECT_FALSE(read());
+    EXPECT_FALSE(readDefinition());
     EXPECT_EQ(takeOutput(),
               "\n#### ERROR\n\tCould not read controller-definition file:  some.ini\n\n");
     EXPECT_EQ(controllers.controller(0)->numberOfDrives(), 0);

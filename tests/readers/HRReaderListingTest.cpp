@@ -194,13 +194,11 @@ TEST(HRReader, AFailingDeviceBlockFailsTheRead) {
     };
     FakePlatform platform;
     Application application(platform);
-    application.settings.capture = true;
     application.printer().setVerbosity(9);
     RAIDController controller;
     controller.setType(controller_type::hrconf4);
-    FailingReader reader(application);
-    EXPECT_FALSE(reader.readConfiguration(
-        controller, std::make_shared<CapturedOutput>(readTestData("hrconf-getconfig.txt"))));
+    FailingReader reader({.layout = true}, application.report());
+    EXPECT_FALSE(reader.readConfiguration(controller, Lines{readTestData("hrconf-getconfig.txt")}));
     EXPECT_EQ(controller.configuration(), nullptr);
     const std::string output = platform.consoleFake.takeOutput();
     const std::string end = "Entering HRReader::getDrives\n"
@@ -213,21 +211,19 @@ TEST(HRReader, AFailingDeviceBlockFailsTheRead) {
 TEST(HRReader, ReadsOneControllerAfterAnother) {
     FakePlatform platform;
     Application application(platform);
-    application.settings.capture = true;
-    HRReader reader(application);
+    HRReader reader({.layout = true}, application.report());
     RAIDController first;
     first.setType(controller_type::hrconf4);
     // A failed read leaves nothing behind for the next.
-    EXPECT_FALSE(reader.readConfiguration(
-        first, std::make_shared<CapturedOutput>("Logical drive information\n"
-                                                "Logical drive number 1\nChannel,Device : 0,0\n"
-                                                "RAID level : ?\n")));
+    EXPECT_FALSE(
+        reader.readConfiguration(first, Lines{"Logical drive information\n"
+                                              "Logical drive number 1\nChannel,Device : 0,0\n"
+                                              "RAID level : ?\n"}));
     EXPECT_EQ(first.configuration(), nullptr);
     RAIDController second;
     second.setType(controller_type::hrconf4);
-    EXPECT_TRUE(reader.readConfiguration(
-        second, std::make_shared<CapturedOutput>("Logical drive information\nSize : 5\n"
-                                                 "Channel,Device : 0,1\n")));
+    EXPECT_TRUE(reader.readConfiguration(second, Lines{"Logical drive information\nSize : 5\n"
+                                                       "Channel,Device : 0,1\n"}));
     ASSERT_NE(second.configuration(), nullptr);
     EXPECT_EQ(second.configuration()->arrays().size(), 1U);
     EXPECT_EQ(second.configuration()->logicalDrives().size(), 0U);

@@ -245,18 +245,14 @@ TEST(IDEReader, TracesItsStartAndItsEnd) {
 TEST(IDEReader, ReadsOneControllerAfterAnother) {
     FakePlatform platform;
     Application application(platform);
-    application.settings.capture = true;
-    IDEReader reader(application);
+    IDEReader reader({.layout = true}, application.report());
     RAIDController first;
     first.setType(controller_type::lsiIde);
-    EXPECT_FALSE(reader.readConfiguration(
-        first, std::make_shared<CapturedOutput>("LOGICAL_ARRAY\nRAID_MODE ?\n")));
+    EXPECT_FALSE(reader.readConfiguration(first, Outputs{"LOGICAL_ARRAY\nRAID_MODE ?\n"}));
     RAIDController second;
     second.setType(controller_type::lsiIde);
-    second.addCapturedOutput(std::make_shared<CapturedOutput>("Error Code (hex) 0000\n"));
-    second.addCapturedOutput(
-        std::make_shared<CapturedOutput>("RAID_MODE MIRROR\nError Code (hex) 0000\n"));
-    EXPECT_TRUE(reader.readConfiguration(second, second.capturedOutput(0)));
+    EXPECT_TRUE(reader.readConfiguration(
+        second, Outputs{"Error Code (hex) 0000\n", "RAID_MODE MIRROR\nError Code (hex) 0000\n"}));
     EXPECT_EQ(first.configuration(), nullptr);
     EXPECT_EQ(second.configuration(), nullptr);
     EXPECT_EQ(second.numberOfDrives(), 1);
@@ -265,14 +261,11 @@ TEST(IDEReader, ReadsOneControllerAfterAnother) {
 TEST(IDEReader, ReadsAllOutputsOfEachController) {
     FakePlatform platform;
     Application application(platform);
-    IDEReader reader(application);
+    IDEReader reader({}, application.report());
     for (int i = 0; i < 2; ++i) {
         RAIDController controller;
         controller.setType(controller_type::lsiIde);
-        for (int output = 0; output < 3; ++output) {
-            controller.addCapturedOutput(std::make_shared<CapturedOutput>("0000\n"));
-        }
-        EXPECT_TRUE(reader.readConfiguration(controller, controller.capturedOutput(0)));
+        EXPECT_TRUE(reader.readConfiguration(controller, Outputs(3, "0000\n")));
         EXPECT_EQ(controller.numberOfDrives(), 3);
     }
 }

@@ -187,18 +187,15 @@ std::string ListingResult::summary() const {
 ListingResult readListing(const ListingOptions& options, const std::vector<std::string>& outputs) {
     FakePlatform platform;
     Application application(platform);
-    application.settings.capture = options.capture;
-    application.settings.debug = options.debug;
     application.printer().setVerbosity(options.verbosity);
     RAIDController controller;
     controller.setType(options.type);
-    for (const std::string& output : outputs) {
-        controller.addCapturedOutput(std::make_shared<CapturedOutput>(output));
-    }
     const std::unique_ptr<ConfigurationReader> reader =
-        findReader(options.type)->create(application);
+        findReader(options.type)
+            ->create({.layout = options.capture, .dumpRecords = options.debug},
+                     application.report());
     ListingResult result;
-    result.read = reader->readConfiguration(controller, controller.capturedOutput(0));
+    result.read = reader->readConfiguration(controller, outputs);
     result.output = platform.consoleFake.takeOutput();
     result.lines = describe(controller);
     EXPECT_EQ(platform.consoleFake.error, "");

@@ -83,12 +83,12 @@ TEST(StateTranslation, IgnoresLetterCaseAndTracesWhatItDoesNotKnow) {
     FakePlatform platform;
     Application application(platform);
     application.printer().setVerbosity(9);
-    EXPECT_EQ(deriveState(states, "Defunct", application.printer()), "BAD");
-    EXPECT_EQ(deriveState(states, "HOT SPARE", application.printer()), "GOOD");
+    EXPECT_EQ(deriveState(states, "Defunct", application.report()), "BAD");
+    EXPECT_EQ(deriveState(states, "HOT SPARE", application.report()), "GOOD");
     EXPECT_EQ(platform.consoleFake.takeOutput(), "");
-    EXPECT_EQ(deriveState(states, "hot", application.printer()), "????");
+    EXPECT_EQ(deriveState(states, "hot", application.report()), "????");
     EXPECT_EQ(platform.consoleFake.takeOutput(), "***** Unable to recognize input state: hot\n");
-    EXPECT_EQ(deriveState(states, "", application.printer()), "????");
+    EXPECT_EQ(deriveState(states, "", application.report()), "????");
     EXPECT_EQ(platform.consoleFake.takeOutput(), "***** Unable to recognize input state: \n");
 }
 

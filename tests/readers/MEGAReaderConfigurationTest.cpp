@@ -57,7 +57,7 @@ TEST_F(MEGAReaderConfigurationTest, EachVirtualDiskIsAnArrayWithALogicalDrive) {
 }
 
 TEST_F(MEGAReaderConfigurationTest, WithoutTheCaptureFlagThereIsNoConfiguration) {
-    application.settings.capture = false;
+    detail.layout = false;
     read("", driveListing({{.slot = 0}, {.slot = 1, .state = "Hotspare"}}));
     EXPECT_EQ(layout(), "none");
     EXPECT_EQ(controller->numberOfDrives(), 2);
@@ -115,7 +115,7 @@ TEST_F(MEGAReaderConfigurationTest, CaptureAndDeployNumberTheEnclosuresAlike) {
                                                   "2:1 69376 t0 Online GOOD SERIAL",
                                                   "3:2 69376 t64 Online GOOD SERIAL used",
                                                   "3:3 69376 t64 Online GOOD SERIAL used"}));
-    application.settings.capture = false;
+    detail.layout = false;
     read("", listed);
     const std::vector<std::string> deployed = drives();
     ASSERT_EQ(deployed.size(), captured.size());

@@ -133,7 +133,7 @@ TEST_P(MEGAReaderSamplesTest, GivesWhatAPersonReadsInIt) {
 }
 
 TEST_P(MEGAReaderSamplesTest, WithoutTheCaptureFlagTheDrivesAreRead) {
-    application.settings.capture = false;
+    detail.layout = false;
     read("", drivesText(), readTestData("megacli-adpallinfo.txt"));
     EXPECT_EQ(layout(), "none");
     EXPECT_EQ(drives(), allDrives(false));
@@ -141,7 +141,7 @@ TEST_P(MEGAReaderSamplesTest, WithoutTheCaptureFlagTheDrivesAreRead) {
 }
 
 TEST_P(MEGAReaderSamplesTest, DriveListingsThatBreakOff) {
-    application.settings.capture = false;
+    detail.layout = false;
     for (const bool crLf : {false, true}) {
         const std::string text = crLf ? withCrLf(drivesText()) : drivesText();
         std::vector<std::size_t> stateEnds;

@@ -14,7 +14,7 @@ using Drives = std::vector<std::string>;
 /// The drive listing and the adapter listing, read as a deploy run reads them.
 class MEGAReaderTest : public MEGAReaderFixture {
   protected:
-    MEGAReaderTest() { application.settings.capture = false; }
+    MEGAReaderTest() { detail.layout = false; }
 
     /// The places of drives with these enclosures, one drive each at slot 0, 1, ...: the channels,
     /// "-" for a drive that was left out.
@@ -161,13 +161,12 @@ TEST_F(MEGAReaderTest, DrivesWithoutEnclosureShareEnclosure0) {
 TEST_F(MEGAReaderTest, TheChannelTableStartsAnewWithEveryRead) {
     EXPECT_EQ(channelsOf({"1", "2", "3", "4"}), "1234");
     EXPECT_EQ(channelsOf({"4", "3"}), "12");
-    MEGAReader reader(application);
+    MEGAReader reader(detail, application.report());
     for (const char* enclosure : {"1", "2", "3", "4", "5"}) {
         RAIDController fresh;
         fresh.setType(controller_type::megaRaid);
-        fresh.addCapturedOutput(
-            std::make_shared<CapturedOutput>(driveListing({{.enclosure = enclosure}})));
-        EXPECT_TRUE(reader.readConfiguration(fresh, fresh.capturedOutput(0)));
+        const std::vector<std::string> listings = {driveListing({{.enclosure = enclosure}})};
+        EXPECT_TRUE(reader.readConfiguration(fresh, listings));
         EXPECT_EQ(describeDrives(fresh).size(), 1U) << enclosure;
     }
 }
@@ -273,8 +272,8 @@ TEST_F(MEGAReaderTest, RaidLevel5MakesSubtype9OfSubtype8) {
 TEST_F(MEGAReaderTest, MissingOutputsReadAsEmpty) {
     controller = std::make_unique<RAIDController>();
     for (const bool capture : {false, true}) {
-        application.settings.capture = capture;
-        EXPECT_TRUE(MEGAReader(application).readConfiguration(*controller, nullptr));
+        detail.layout = capture;
+        EXPECT_TRUE(MEGAReader(detail, application.report()).readConfiguration(*controller, {}));
         EXPECT_EQ(controller->configuration(), nullptr);
         EXPECT_EQ(controller->numberOfDrives(), 0);
     }
@@ -363,7 +362,7 @@ TEST_F(MEGAReaderTest, TracesOfADriveListing) {
 }
 
 TEST_F(MEGAReaderTest, DebugOutputDumpsEveryRecord) {
-    application.settings.debug = true;
+    detail.dumpRecords = true;
     readDrives({{.enclosure = "32", .slot = 3, .size = "5MB", .inquiry = "A"},
                 {.enclosure = "33", .slot = 4, .size = "6MB", .state = "Failed", .inquiry = "B"}});
     EXPECT_EQ(takeOutput(), "Contents of RaidDisk:\n"

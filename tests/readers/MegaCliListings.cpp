@@ -102,8 +102,8 @@ std::string describeLayout(const RAIDController& controller) {
                 drive.derivedState.c_str() + " ";
     }
     for (const Hotspare& hotspare : configuration->hotspares()) {
-        text += "hs=" + std::to_string(hotspare.channelNumber) + ":" + std::to_string(hotspare.id) +
-                ":" + std::to_string(hotspare.diskNumber) + " ";
+        text += "hs=" + std::to_string(hotspare.enclosure.value_or(-1)) + ":" +
+                std::to_string(hotspare.id) + ":" + std::to_string(hotspare.diskNumber) + " ";
     }
     return text + "stripe=" + std::to_string(configuration->stripeSize) +
            " ra=" + std::to_string(configuration->readAhead);
@@ -128,7 +128,6 @@ std::vector<std::string> describeDrives(const RAIDController& controller) {
 }
 
 MEGAReaderFixture::MEGAReaderFixture() {
-    application.settings.capture = true;
     application.printer().setVerbosity(level::progress);
 }
 
@@ -137,13 +136,12 @@ void MEGAReaderFixture::read(const std::string& configuration, const std::string
     controller = std::make_unique<RAIDController>();
     controller->setType(controller_type::megaRaid);
     controller->setSubtype(subtype);
-    if (application.settings.capture) {
-        controller->addCapturedOutput(std::make_shared<CapturedOutput>(configuration));
+    std::vector<std::string> listings = {drives, adapter};
+    if (detail.layout) {
+        listings.insert(listings.begin(), configuration);
     }
-    controller->addCapturedOutput(std::make_shared<CapturedOutput>(drives));
-    controller->addCapturedOutput(std::make_shared<CapturedOutput>(adapter));
-    MEGAReader reader(application);
-    EXPECT_TRUE(reader.readConfiguration(*controller, controller->capturedOutput(0)));
+    MEGAReader reader(detail, application.report());
+    EXPECT_TRUE(reader.readConfiguration(*controller, listings));
 }
 
 } // namespace zolex::test

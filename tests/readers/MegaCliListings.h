@@ -51,7 +51,7 @@ std::string driveListing(const std::vector<PdText>& drives);
 
 /// "A=1:0,1:1 1=A/69376/10/1/Optimal/GOOD hs=32:4:4 stripe=3 ra=0"; "none" without a configuration.
 /// A logical drive is array, MB, RAID level code, write-cache code, state, derived state; a hot
-/// spare channel number, id, disk number.
+/// spare enclosure id, id, disk number.
 std::string describeLayout(const RAIDController& controller);
 /// One entry for each drive: "1:0 69376 t32 Online GOOD SERIAL", with " used" behind it when it is.
 std::vector<std::string> describeDrives(const RAIDController& controller);
@@ -77,6 +77,7 @@ class MEGAReaderFixture : public ::testing::Test {
 
     FakePlatform platform;
     Application application{platform};
+    Detail detail{.layout = true};
     std::int32_t subtype = 1;
     std::unique_ptr<RAIDController> controller;
 };

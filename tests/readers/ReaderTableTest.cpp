@@ -44,7 +44,7 @@ TEST(ReaderTableTest, EveryTypeHasItsReader) {
         ASSERT_NE(entry, nullptr) << row.type;
         EXPECT_EQ(entry->controllerType, row.type);
         EXPECT_STREQ(entry->creationTrace, row.creationTrace) << row.type;
-        const auto reader = entry->create(application);
+        const auto reader = entry->create({}, application.report());
         ASSERT_NE(reader, nullptr);
         const ConfigurationReader& created = *reader;
         EXPECT_EQ(std::string(typeid(created).name()), row.reader.name()) << row.type;
