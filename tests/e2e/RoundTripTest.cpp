@@ -429,7 +429,8 @@ void expectSizes(const Family& family, const RandomServer& random, const std::st
                          [&](const Level& each) { return wanted[i].level == each.name; });
         const auto count = static_cast<double>(members.size());
         const double usable = level->lost == Level::half ? count / 2 : count - level->lost;
-        const double mb = usable * smallest * (wanted[i].size == "FILL" ? 1 : 0.4);
+        const double share = wanted[i].size == "FILL" ? 1 : std::atof(wanted[i].size.c_str()) / 100;
+        const double mb = usable * smallest * share;
         // Listings round to a thousandth of a TB.
         EXPECT_NEAR(mb, std::atof(found[i].size.c_str()), 1 + mb / 1000);
     }
