@@ -152,6 +152,10 @@ std::optional<MemberPlace> Controller::placeOf(const DriveLocation& location) co
     return std::nullopt;
 }
 
+bool Controller::isFree(const Drive& drive) const {
+    return drive.status == DriveStatus::good && !placeOf(drive.location);
+}
+
 std::optional<std::size_t>
 Controller::arrayOf(const std::vector<std::vector<DriveLocation>>& spans) const {
     const auto sameDrives = [](const std::vector<DriveLocation>& a,

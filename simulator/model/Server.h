@@ -203,6 +203,8 @@ class Controller {
     [[nodiscard]] const Drive* driveAt(const DriveLocation& location) const;
     [[nodiscard]] Drive* driveAt(const DriveLocation& location);
     [[nodiscard]] std::optional<MemberPlace> placeOf(const DriveLocation& location) const;
+    /// Whether a new array can take the drive: it is good, in no array and no hot spare.
+    [[nodiscard]] bool isFree(const Drive& drive) const;
     /// The array that has exactly these drives in each span, in whatever order within it.
     [[nodiscard]] std::optional<std::size_t>
     arrayOf(const std::vector<std::vector<DriveLocation>>& spans) const;

@@ -193,21 +193,31 @@ std::string calledZolex(const fs::path& program, Target target) {
     return name;
 }
 
-std::string nextSteps(const fs::path& folder, const fs::path& program, Target target) {
+/// The commands to type, of which the last runs zolex with these parameters.
+std::string commandLines(const std::string& place, const std::string& zolex,
+                         const std::string& parameters, Target target) {
+    if (target == Target::windows) {
+        return "  cd /d " + quoted(place, target) + "\n  set \"ZOLEX_PCI_ROOT=" + place +
+               "\\pci\"\n  " + zolex + " " + parameters + "\n";
+    }
+    return "  cd " + quoted(place, target) +
+           "\n  export ZOLEX_PCI_ROOT=" + quoted(place + "/pci", target) + "\n  " + zolex + " " +
+           parameters + "\n";
+}
+
+std::string nextSteps(const fs::path& folder, const fs::path& program, const Server& server,
+                      Target target) {
     std::error_code error;
     const fs::path found = fs::weakly_canonical(folder, error);
     const std::string place = fs::path(error ? folder : found).make_preferred().string();
     const std::string zolex = calledZolex(program, target);
-    if (target == Target::windows) {
-        return "To run zolex on it:\n"
-               "  cd /d " +
-               quoted(place, target) + "\n  set \"ZOLEX_PCI_ROOT=" + place + "\\pci\"\n  " + zolex +
-               " /f:sample-policies.ini\n";
+    if (samplePoliciesNeedReset(server)) {
+        return "It is configured already. To write its arrays as policies:\n" +
+               commandLines(place, zolex, "/c /f:captured.ini", target) +
+               "To erase its arrays and make those of the sample policies:\n  " + zolex +
+               " /r /f:sample-policies.ini\n";
     }
-    return "To run zolex on it:\n"
-           "  cd " +
-           quoted(place, target) + "\n  export ZOLEX_PCI_ROOT=" + quoted(place + "/pci", target) +
-           "\n  " + zolex + " /f:sample-policies.ini\n";
+    return "To run zolex on it:\n" + commandLines(place, zolex, "/f:sample-policies.ini", target);
 }
 
 } // namespace
@@ -252,7 +262,7 @@ int initialise(const std::vector<std::string>& arguments, const fs::path& progra
     }
     output << "Laid out a virtual server of machine type " << server.machineType << " in "
            << request->folder.string() << " (" << request->origin << ").\n"
-           << nextSteps(request->folder, program, target);
+           << nextSteps(request->folder, program, server, target);
     return 0;
 }
 

@@ -25,16 +25,40 @@ constexpr const char* introduction =
     ";   Array_Defaults = 10%:1\n"
     ";   Logical_Defaults = 100%:AUTO:ON\n";
 
-/// Drives of the array as numbers, first to last.
-std::string numbers(std::size_t first, std::size_t last) {
+/// Numbers of drives, as policies count them.
+using Numbers = std::vector<std::size_t>;
+
+/// The drives of the array, first to last of those that the policy uses (from 1).
+std::string numbers(const Numbers& used, std::size_t first, std::size_t last) {
     std::vector<std::string> items;
     for (std::size_t i = first; i <= last; ++i) {
-        items.push_back(std::to_string(i));
+        items.push_back(std::to_string(used.at(i - 1)));
     }
     return join(items, ",");
 }
 
-/// One array with its logical drive, as it is collected for a policy.
+/// The numbers of the drives that a new array can take.
+Numbers freeDrives(const Controller& controller, const std::vector<const Drive*>& counted) {
+    Numbers found;
+    for (std::size_t i = 0; i < counted.size(); ++i) {
+        if (controller.isFree(*counted[i])) {
+            found.push_back(i + 1);
+        }
+    }
+    return found;
+}
+
+/// 1 to `count`.
+Numbers allDrives(std::size_t count) {
+    Numbers found;
+    for (std::size_t number = 1; number <= count; ++number) {
+        found.push_back(number);
+    }
+    return found;
+}
+
+/// One array with its logical drive, as it is collected for a policy. The drives are counted among
+/// those that the policy uses, from 1.
 struct Part {
     std::size_t first;
     std::size_t last;
@@ -91,22 +115,43 @@ Layout layoutFor(const Controller& controller, std::size_t drives) {
     return layout;
 }
 
-std::string policy(const Controller& controller, std::size_t number, std::size_t drives) {
-    const Layout layout = layoutFor(controller, drives);
+/// What a policy says of drives that are in arrays already.
+std::string noteOnConfigured(std::size_t free, std::size_t drives) {
+    if (free == drives) {
+        return "";
+    }
+    if (free > 0) {
+        return "; The other drives are in arrays already, or not to be used: they stay as they "
+               "are.\n";
+    }
+    return "; It is configured already: no drive is free. This policy is for zolex /r /f:..., "
+           "which\n"
+           "; first erases all arrays of every controller, and their data.\n";
+}
+
+std::string policy(const Controller& controller, std::size_t number,
+                   const std::vector<const Drive*>& counted) {
+    const Numbers free = freeDrives(controller, counted);
+    const Numbers used = free.empty() ? allDrives(counted.size()) : free;
+    const Layout layout = layoutFor(controller, used.size());
     std::string text = formatted("\n[Policy.sample-%zu]\n\n"
-                                 "; Controller %zu: %s with %zu drives.\n"
-                                 "AppliesTo.1 = c:%zu\n\n"
-                                 "StripeSize = 64\nReadAhead = ADAPTIVE\n\nArray_Mode = CUSTOM\n",
-                                 number, number, controller.identity.model.c_str(), drives, number);
+                                 "; Controller %zu: %s with %zu drives.\n",
+                                 number, number, controller.identity.model.c_str(), counted.size());
+    text += noteOnConfigured(free.size(), counted.size());
+    text += formatted("AppliesTo.1 = c:%zu\n\n"
+                      "StripeSize = 64\nReadAhead = ADAPTIVE\n\nArray_Mode = CUSTOM\n",
+                      number);
     for (std::size_t i = 0; i < layout.parts.size(); ++i) {
         const Part& part = layout.parts[i];
         text +=
             formatted("; Array %c: %s.\nArray.%c = %s\n", static_cast<int>('A' + i), part.comment,
-                      static_cast<int>('A' + i), numbers(part.first, part.last).c_str());
+                      static_cast<int>('A' + i), numbers(used, part.first, part.last).c_str());
     }
     if (layout.spare != 0) {
-        text += formatted("\n; It takes over when a drive of any array fails.\nHotspares = %zu\n",
-                          layout.spare);
+        text += formatted("\n; It takes over when a drive of any array fails.\nHotspares = %s\n",
+                          numbers(used, layout.spare, layout.spare).c_str());
+    } else if (used.size() != counted.size()) {
+        text += "\n; No hot spare, neither by the controller's default.\nArray_Defaults = 0%:0\n";
     }
     text += "\nLogical_Mode = CUSTOM\n";
     for (std::size_t i = 0; i < layout.parts.size(); ++i) {
@@ -123,12 +168,20 @@ ServerFile samplePolicies(const Server& server) {
     std::size_t number = 0;
     for (const Controller* controller : server.controllersInPciOrder()) {
         ++number;
-        const std::size_t drives = countedDrives(*controller).size();
-        if (drives > 0) {
-            text += policy(*controller, number, drives);
+        const std::vector<const Drive*> counted = countedDrives(*controller);
+        if (!counted.empty()) {
+            text += policy(*controller, number, counted);
         }
     }
     return {"sample-policies.ini", text};
+}
+
+bool samplePoliciesNeedReset(const Server& server) {
+    const auto& all = server.controllers;
+    return std::any_of(all.begin(), all.end(), [](const Controller& controller) {
+        const std::vector<const Drive*> counted = countedDrives(controller);
+        return !counted.empty() && freeDrives(controller, counted).empty();
+    });
 }
 
 } // namespace zolex_sim

@@ -28,8 +28,12 @@ ServerFile pciRegistryRemoval(const Server& server);
 /// The inventory of the same controllers and drives, "contlist.ini".
 ServerFile inventory(const Server& server);
 
-/// Policies that fit this server, "sample-policies.ini".
+/// Policies that fit this server, "sample-policies.ini": those of a controller use its free drives,
+/// or all of them where none is free.
 ServerFile samplePolicies(const Server& server);
+
+/// Whether they ask for drives that are free only after a reset: a controller has no other.
+bool samplePoliciesNeedReset(const Server& server);
 
 /// The scripts that start the program in its roles. None is needed on Windows for a role whose
 /// program is a copy of this one.

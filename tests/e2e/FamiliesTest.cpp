@@ -104,6 +104,22 @@ TEST(FamiliesTest, DefaultPoliciesOfEachSample) {
     }
 }
 
+#ifndef _WIN32 // twelve servers take too long in an emulator
+TEST(FamiliesTest, SamplePoliciesOfEachSampleAreDeployed) {
+    for (const char* sample : {"single", "enclosures", "two-controllers", "later", "arcconf",
+                               "hrconf", "qtcsend", "cfggen", "cfggen-scsi", "hyperwin", "mixed"}) {
+        VirtualServer server;
+        ASSERT_EQ(0, server.simulator({"init", ".", "--sample", sample}).exitCode);
+        const ProgramRun run = server.zolex({"/f:sample-policies.ini"});
+        EXPECT_EQ(0, run.exitCode) << sample << "\n" << run.output;
+    }
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    EXPECT_EQ(11, server.zolex({"/f:sample-policies.ini"}).exitCode);
+    EXPECT_EQ(0, server.zolex({"/r", "/y", "/f:sample-policies.ini"}).exitCode);
+}
+#endif
+
 TEST(FamiliesTest, DrivesThatFailedOrAreForeignAreNotUsed) {
     const std::string arcconfDrives =
         R"({"channel": 0, "device": 0, "sizeMB": 70006},

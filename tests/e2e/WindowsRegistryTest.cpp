@@ -21,7 +21,7 @@ constexpr const char* noController =
 bool importFile(const std::filesystem::path& server, const std::string& name) {
     const std::filesystem::path nothing = server / "import.txt";
     const int exitCode =
-        runProgram({"reg", {"import", name}, server, {}, server / name, nothing, nothing});
+        runProgram({"reg", {"import", name}, server, {}, server / name, nothing, nothing, {}});
     std::error_code ignored;
     std::filesystem::remove(nothing, ignored);
     return exitCode == 0;

@@ -3,6 +3,8 @@
 #include "setup/ServerFiles.h"
 #include "simulator/SimulatorSupport.h"
 
+#include <algorithm>
+
 namespace zolex_sim::test {
 namespace {
 
@@ -264,6 +266,62 @@ TEST_F(Init, SamplePoliciesFitTheDrives) {
         EXPECT_EQ(found, row.policy) << row.drives;
         EXPECT_EQ(text.find("[Policy.sample-1]") != std::string::npos, row.drives > 0);
     }
+}
+
+std::vector<std::string> linesOf(const std::string& text, const std::vector<const char*>& keys) {
+    std::istringstream lines(text);
+    std::vector<std::string> found;
+    for (std::string line; std::getline(lines, line);) {
+        if (std::any_of(keys.begin(), keys.end(),
+                        [&line](const char* key) { return line.rfind(key, 0) == 0; })) {
+            found.push_back(line);
+        }
+    }
+    return found;
+}
+
+TEST_F(Init, SamplePoliciesUseTheDrivesThatAreFree) {
+    const std::vector<const char*> keys = {"Array", "Hotspares", "Logical."};
+    const auto policiesOf = [](const char* sample) {
+        return samplePolicies(serverOf(std::string(sampleNamed(sample)->definition))).content;
+    };
+    // Drives 1 to 3 are an array.
+    const std::string partly = policiesOf("qtcsend");
+    EXPECT_EQ(linesOf(partly, keys),
+              (std::vector<std::string>{"Array_Mode = CUSTOM", "Array.A = 4,5,6,7", "Hotspares = 8",
+                                        "Logical.1 = A:FILL:5:ON"}));
+    EXPECT_NE(partly.find("; The other drives are in arrays already"), std::string::npos);
+    // None is free.
+    const std::string whole = policiesOf("configured");
+    EXPECT_EQ(linesOf(whole, {"Array.", "Hotspares"}),
+              (std::vector<std::string>{"Array.A = 1,2", "Array.B = 3,4,5,6,7", "Hotspares = 8"}));
+    EXPECT_NE(whole.find("erases all arrays"), std::string::npos);
+    for (const Sample& sample : samples()) {
+        const Server server = serverOf(std::string(sample.definition));
+        EXPECT_EQ(samplePoliciesNeedReset(server), sample.name == "configured") << sample.name;
+        EXPECT_EQ(samplePolicies(server).content.find("erases") != std::string::npos,
+                  sample.name == "configured")
+            << sample.name;
+    }
+}
+
+TEST_F(Init, AFewFreeDrivesGetNoHotSpareOfTheControllersDefault) {
+    const std::string definition =
+        definitionWith(R"({"enclosure": 1, "slot": 0, "count": 2, "sizeMB": 9},
+                          {"enclosure": 1, "slot": 2, "sizeMB": 9, "status": "hotspare"},
+                          {"enclosure": 1, "slot": 3, "sizeMB": 9, "status": "foreign"})");
+    EXPECT_EQ(linesOf(samplePolicies(serverOf(definition)).content, {"Array", "Hotspares"}),
+              (std::vector<std::string>{"Array_Mode = CUSTOM", "Array.A = 1,2",
+                                        "Array_Defaults = 0%:0"}));
+}
+
+TEST_F(Init, AServerWithoutFreeDrivesIsCapturedFirst) {
+    const std::string output = init({place(), "--sample", "configured"}, Target::posix).output;
+    EXPECT_NE(output.find("To write its arrays as policies:\n  cd "), std::string::npos) << output;
+    EXPECT_NE(output.find("\n  zolex /c /f:captured.ini\nTo erase its arrays and make those of the "
+                          "sample policies:\n  zolex /r /f:sample-policies.ini\n"),
+              std::string::npos)
+        << output;
 }
 
 TEST_F(Init, TakesADefinitionFile) {
