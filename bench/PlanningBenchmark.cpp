@@ -5,19 +5,22 @@
 
 #include "commands/CommandLines.h"
 #include "controllers/Application.h"
+#include "driver/KnownMachine.h"
+#include "driver/PolicyArguments.h"
 #include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
 #include "model/RAIDController.h"
-#include "policies/PolicyReader.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace zolex::bench {
 namespace {
@@ -80,32 +83,32 @@ std::string listedDrives() {
 
 constexpr const char* chosenDrives = "Array_Defaults = 5%:8\n";
 
-/// Plans for all controllers; false when one has got no plan.
-bool plan(Application& application, const PolicyList& policies, ControllerList& controllers) {
-    if (!PolicyInterpreter(application, policies).createConfigurations(controllers)) {
-        return false;
-    }
-    for (std::size_t i = 0; i < controllers.count(); ++i) {
-        if (controllers.controller(i)->configuration() == nullptr) {
-            return false;
-        }
-    }
-    return true;
+/// The plans of all controllers; none when one has got no layout.
+std::vector<ControllerPlan> plan(Application& application, const PolicyList& policies,
+                                 const ControllerList& controllers) {
+    PolicyInterpreter interpreter(policies, {}, application.report());
+    PolicyInterpreter::Result result = interpreter.createConfigurations(
+        controllers, [&application] { return knownMachine(application); });
+    const bool whole = result.done() && std::all_of(result.plans.begin(), result.plans.end(),
+                                                    [](const ControllerPlan& plan) {
+                                                        return plan.layout.has_value();
+                                                    });
+    return whole ? std::move(result.plans) : std::vector<ControllerPlan>();
 }
 
 void planAll(benchmark::State& state, const Types& types, const std::string& entries) {
     MemoryPlatform platform(policiesWith(entries));
     Application application(platform);
     application.settings.policiesFile = "policies.ini";
-    PolicyReader reader(application);
-    if (!reader.read()) {
+    PolicyReader reader(platform.files(), application.catalogue(), application.report());
+    if (!reader.read(policySource(application.settings))) {
         state.SkipWithError("the policies were refused");
         return;
     }
     for (auto _ : state) {
         ControllerList controllers = largestServer(types);
         const CpuTime time(state);
-        if (!plan(application, *reader.policies(), controllers)) {
+        if (plan(application, *reader.policies(), controllers).empty()) {
             state.SkipWithError("a controller was not planned");
             break;
         }
@@ -129,11 +132,18 @@ void generateCommands(benchmark::State& state) {
     MemoryPlatform platform(policiesWith(listedDrives()));
     Application planner(platform);
     planner.settings.policiesFile = "policies.ini";
-    PolicyReader reader(planner);
+    PolicyReader reader(platform.files(), planner.catalogue(), planner.report());
     ControllerList controllers = largestServer(threeUtilities);
-    if (!reader.read() || !plan(planner, *reader.policies(), controllers)) {
+    const std::vector<ControllerPlan> plans = reader.read(policySource(planner.settings))
+                                                  ? plan(planner, *reader.policies(), controllers)
+                                                  : std::vector<ControllerPlan>();
+    if (plans.empty()) {
         state.SkipWithError("a controller was not planned");
         return;
+    }
+    for (std::size_t i = 0; i < plans.size(); ++i) {
+        controllers.controller(i)->setConfiguration(
+            std::make_unique<RAIDConfiguration>(*plans[i].layout));
     }
     for (auto _ : state) {
         std::size_t generated = 0;

@@ -4,7 +4,7 @@
 #include "MemoryPlatform.h"
 
 #include "controllers/Application.h"
-#include "policies/PolicyReader.h"
+#include "driver/PolicyArguments.h"
 
 #include <benchmark/benchmark.h>
 
@@ -63,8 +63,8 @@ void readPolicies(benchmark::State& state) {
     application.printer().setVerbosity(level::progress);
     for (auto _ : state) {
         const CpuTime time(state);
-        PolicyReader reader(application);
-        if (!reader.read() ||
+        PolicyReader reader(platform.files(), application.catalogue(), application.report());
+        if (!reader.read(policySource(application.settings)) ||
             reader.policies()->count() != static_cast<std::size_t>(state.range(0))) {
             state.SkipWithError("the file was refused");
             break;

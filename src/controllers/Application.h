@@ -38,11 +38,8 @@ class Application {
     /// What the hardware detector told; nothing when it failed. It is not asked in a run from a
     /// controller-definition or an inventory file: then the texts are empty.
     std::optional<Machine> machine = Machine{};
-    /// A controller matched no policy (set by planning, read with "/e1").
-    bool noPolicyFound = false;
-    /// A controller has no drives (set by planning, read with "/e3").
-    bool noDrives = false;
-    /// 12: too few drives for hot spares; 13: the drives do not fit the plan; 0: none of these.
+    /// Of the plans: 12: too few drives for hot spares; 13: the drives do not fit the plan; 0: none
+    /// of these.
     std::int32_t returnCode = 0;
     /// How long a child may run.
     std::chrono::milliseconds childLimit = Tool::defaultLimit;

@@ -1,8 +1,8 @@
 #include "driver/ZOLEX.h"
 
 #include "commands/CommandGenerator.h"
-#include "engine/PolicyInterpreter.h"
-#include "policies/PolicyReader.h"
+#include "driver/KnownMachine.h"
+#include "driver/PolicyArguments.h"
 
 #include <utility>
 
@@ -39,10 +39,10 @@ ZOLEX::Result ZOLEX::deployConfiguration(ControllerList& controllers) {
     if (const unsigned result = configureControllers(*runner, controllers); result != success) {
         return {result, false};
     }
-    if (noPolicyFound && settings.e1) {
+    if (planning_.noPolicyFound && settings.e1) {
         return {noPolicyForController, false};
     }
-    if (noDrives && settings.e3) {
+    if (planning_.noDrives && settings.e3) {
         return {controllerWithoutDrives, false};
     }
     printer().print("All configuration commands succeeded.\n", level::progress);
@@ -61,15 +61,19 @@ unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
     if (!policies) {
         return resourcesMissing;
     }
-    if (!policies->read()) {
+    if (!policies->read(policySource(settings))) {
         return policiesInvalid;
     }
     if (policies->policies() == nullptr) {
         return resourcesMissing;
     }
     printer().print("Interpreting policies and determining configurations ...\n", level::progress);
-    PolicyInterpreter interpreter(*this, *policies->policies());
-    if (!interpreter.createConfigurations(controllers)) {
+    PolicyInterpreter interpreter(*policies->policies(), {.reportUnmatched = settings.e1},
+                                  report());
+    planning_ =
+        interpreter.createConfigurations(controllers, [this] { return knownMachine(*this); });
+    if (planning_.fault) {
+        returnCode = planningCodeOf(planning_.fault->kind);
         printer().trace("Received an error from interpreter\n");
         return policiesInvalid;
     }
@@ -91,7 +95,8 @@ unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) 
     return success;
 }
 
-unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t number) {
+unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t number,
+                                 const RAIDConfiguration& layout) {
     const CString model = modelName(controller);
     if (const GeneratorEntry* entry = findGenerator(controller.type()); entry != nullptr) {
         printer().trace(entry->creationTrace);
@@ -100,7 +105,7 @@ unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t 
         printer().printf(level::progress, "        Controller %d:  %s ...", number, model.c_str());
         printer().print("\n", level::progress);
     }
-    CommandLines generated = commandLines(controller, number, *controller.configuration(),
+    CommandLines generated = commandLines(controller, number, layout,
                                           {.pathPrefix = settings.commandPathPrefix}, report());
     // A line that finds no room is dropped without a message: the run fetches only the first half
     // of the list, so that no line is lost that would have been run.
@@ -122,12 +127,14 @@ unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t 
 
 unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, std::int32_t number,
                                     std::size_t& nextCommand) {
-    if (controller.configuration() == nullptr) {
+    const ControllerPlan& plan = planning_.plans.at(static_cast<std::size_t>(number - 1));
+    if (!plan.layout) {
         printer().printf(level::progress, "\tSkipped %s controller.\n",
                          modelName(controller).c_str());
         return success;
     }
-    if (const unsigned result = generateCommands(controller, number); result != success) {
+    if (const unsigned result = generateCommands(controller, number, *plan.layout);
+        result != success) {
         return result;
     }
     while (const CString* command = commands_.get(nextCommand)) {

@@ -1,9 +1,8 @@
 #include "driver/ZOLEX.h"
 
 #include "commands/CommandSource.h"
+#include "driver/PolicyArguments.h"
 #include "foundation/ErrorReporter.h"
-#include "policies/PolicyGenerator.h"
-#include "policies/PolicyReader.h"
 #include "readers/DiskInformation.h"
 
 #include <new>
@@ -50,11 +49,13 @@ std::unique_ptr<DiskInformation> ZOLEX::makeDiskInformation() {
 }
 
 std::unique_ptr<PolicyReader> ZOLEX::makePolicyReader() {
-    return make<PolicyReader>(*this, "ZOLEX::makePolicyReader", *this);
+    return make<PolicyReader>(*this, "ZOLEX::makePolicyReader", platform().files(), catalogue(),
+                              report());
 }
 
 std::unique_ptr<PolicyGenerator> ZOLEX::makePolicyGenerator() {
-    return make<PolicyGenerator>(*this, "ZOLEX::makePolicyGenerator", *this);
+    return make<PolicyGenerator>(*this, "ZOLEX::makePolicyGenerator", platform(), catalogue(),
+                                 appending(settings), captureOptions(*this), report());
 }
 
 } // namespace zolex

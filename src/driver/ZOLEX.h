@@ -2,6 +2,7 @@
 
 #include "controllers/Application.h"
 #include "driver/CommandList.h"
+#include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
 
 #include <cstddef>
@@ -48,6 +49,8 @@ class ZOLEX : public Application {
     /// Plans and configures every controller: 0, 1, 3, 5, 10, 11, or the result of the capture that
     /// it begins with.
     Result deployConfiguration(ControllerList& controllers);
+    /// The plans of the latest deployment.
+    [[nodiscard]] const PolicyInterpreter::Result& planning() const { return planning_; }
     /// Dumps every controller and reads the dumps into the model: 0, 8 or 10.
     unsigned captureConfiguration(ControllerList& controllers);
     /// Returns every controller (`number` -1), or the one numbered `number` from 1, to factory
@@ -103,7 +106,8 @@ class ZOLEX : public Application {
 
     // Deploy
     /// Generates the controller's command lines and keeps those that find room: 0, 10 or 11.
-    unsigned generateCommands(const RAIDController& controller, std::int32_t number);
+    unsigned generateCommands(const RAIDController& controller, std::int32_t number,
+                              const RAIDConfiguration& layout);
     unsigned planConfigurations(ControllerList& controllers);
     unsigned configureControllers(Tool& runner, ControllerList& controllers);
     unsigned configureController(Tool& runner, RAIDController& controller, std::int32_t number,
@@ -129,6 +133,7 @@ class ZOLEX : public Application {
 
     CommandList commands_;  ///< the commands of the deploy run
     bool captured_ = false; ///< a capture ran before in this run
+    PolicyInterpreter::Result planning_;
 };
 
 } // namespace zolex

@@ -1,7 +1,7 @@
-#include "controllers/Application.h"
 #include "engine/Planning.h"
 #include "engine/RAIDConfigCreator.h"
-#include "model/RAIDController.h"
+#include "foundation/TraceScope.h"
+#include "policies/PolicyKeywords.h"
 
 #include <algorithm>
 #include <array>
@@ -37,35 +37,8 @@ constexpr std::array<LevelLimit, 13> levelLimits{{
 }};
 // clang-format on
 
-/// Most drives of an array when no RAID level is given. Columns: type; subtype (anyCode: every
-/// other); most drives. The first row that fits counts.
-struct TypeLimit {
-    std::int32_t type;
-    std::int32_t subtype;
-    std::size_t most;
-};
-// clang-format off
-constexpr std::array<TypeLimit, 9> typeLimits{{
-    {controller_type::family,    anyCode, 16},
-    {controller_type::arcconf2,  anyCode,  4},
-    {controller_type::hrconf4,   anyCode,  4},
-    {controller_type::arcconf7,  anyCode, 16},
-    {controller_type::hrconf8,   anyCode,  4},
-    {controller_type::lsiSas,    1,        2},
-    {controller_type::lsiSas,    anyCode,  6},
-    {controller_type::arcconf11, anyCode, 16},
-    {controller_type::megaRaid,  anyCode, 32},
-}};
-// clang-format on
-
-/// Most drives of an array where neither table has a row.
+/// Most drives of an array whose RAID level is not in the table.
 constexpr std::size_t leastLimit = 2;
-
-/// The types that get exactly one automatic array; the others go on until no free drive remains.
-constexpr std::array<std::int32_t, 7> oneArrayTypes{
-    controller_type::hrconf3, controller_type::hrconf4, controller_type::lsiScsi,
-    controller_type::lsiIde,  controller_type::hrconf8, controller_type::hrconf9,
-    controller_type::lsiSas};
 
 std::size_t mostForLevel(std::int32_t raidLevel, std::int32_t type) {
     for (const LevelLimit& row : levelLimits) {
@@ -76,29 +49,25 @@ std::size_t mostForLevel(std::int32_t raidLevel, std::int32_t type) {
     return leastLimit;
 }
 
-std::size_t mostForType(std::int32_t type, std::int32_t subtype) {
-    for (const TypeLimit& row : typeLimits) {
-        if (row.type == type && (row.subtype == anyCode || row.subtype == subtype)) {
-            return row.most;
-        }
-    }
-    return leastLimit;
+/// "Array.A" for index 0.
+CString arrayKeyword(std::size_t index) {
+    return keyword::array + CString(arrayLetter(index), 1);
 }
 
-bool hasOneArray(std::int32_t type) {
-    return std::find(oneArrayTypes.begin(), oneArrayTypes.end(), type) != oneArrayTypes.end();
-}
+} // namespace
 
-/// Collects the drives of one array and marks them used.
-class ArrayBuilder {
+/// Collects the drives of one array and takes them.
+class RAIDConfigCreator::ArrayBuilder {
   public:
-    explicit ArrayBuilder(RAIDController& controller) : controller_(controller) {}
+    explicit ArrayBuilder(RAIDConfigCreator& planner) : planner_(planner) {}
 
     /// The caller adds at most 32 drives.
-    void add(DrivePosition position) {
+    void add(DrivePosition position, Reason::Kind why) {
         array_.addDrive(position);
-        controller_.setUsed(position.channel, position.id);
-        smallest_ = std::min(smallest_, controller_.size(position.channel, position.id));
+        planner_.take(position);
+        const std::int32_t size = planner_.sizeAt(position);
+        smallest_ = std::min(smallest_, size);
+        planner_.explain([&] { return reasonFor(position, why, size); });
     }
     [[nodiscard]] std::size_t count() const { return array_.drives().size(); }
     /// The array, with number of drives times smallest size as its capacity.
@@ -108,23 +77,32 @@ class ArrayBuilder {
     }
 
   private:
-    RAIDController& controller_;
+    [[nodiscard]] Reason reasonFor(DrivePosition position, Reason::Kind why,
+                                   std::int32_t size) const {
+        const std::size_t index = planner_.layout_.arrays().size();
+        const bool listed = why == Reason::Kind::listed || why == Reason::Kind::allRemaining;
+        const bool like = why == Reason::Kind::likeFirst;
+        return {.kind = why,
+                .subject = Reason::Subject::array,
+                .index = static_cast<std::int32_t>(index),
+                .keyword = listed ? arrayKeyword(index) : CString(),
+                .drive = position,
+                .asked = like ? planner_.policy_.arrayDefaults.variancePercent : 0,
+                .value = size};
+    }
+
+    RAIDConfigCreator& planner_;
     RaidArray array_;
     std::int32_t smallest_ = std::numeric_limits<std::int32_t>::max();
 };
 
-} // namespace
-
 bool RAIDConfigCreator::doArrays() {
-    printer().trace("Entering RAIDConfigCreator::doArrays\n");
-    const bool done = policy_->customArrays ? doCUSTOMArrays() : doAUTOArrays();
-    printer().tracef("Exiting RAIDConfigCreator::doArrays, returnValue=%s\n", resultWord(done));
-    return done;
+    const TraceScope scope(report_, "RAIDConfigCreator::doArrays");
+    return scope.returnValue(policy_.customArrays ? doCUSTOMArrays() : doAUTOArrays());
 }
 
 bool RAIDConfigCreator::doAUTOArrays() {
-    printer().trace("Entering RAIDConfigCreator::doAUTOArrays\n");
-    const bool one = hasOneArray(controller_->type());
+    const TraceScope scope(report_, "RAIDConfigCreator::doAUTOArrays");
     const auto isFreeDrive = [this](DrivePosition position) { return isFree(position); };
     bool done = true;
     for (;;) {
@@ -133,26 +111,25 @@ bool RAIDConfigCreator::doAUTOArrays() {
             break;
         }
         done = addArray(collectLikeDrives(*first));
-        if (one || !done) {
+        if (rules_.oneArray || !done) {
             break;
         }
     }
-    printer().tracef("Exiting RAIDConfigCreator::doAUTOArrays, returning %s\n", resultWord(done));
-    return done;
+    return scope.returning(done);
 }
 
 RaidArray RAIDConfigCreator::collectLikeDrives(DrivePosition first) {
     const std::int64_t size = sizeAt(first);
-    const auto tolerance = static_cast<std::int64_t>(policy_->arrayDefaults.variancePercent /
-                                                     100.0 * static_cast<double>(size));
+    const auto tolerance = static_cast<std::int64_t>(policy_.arrayDefaults.variancePercent / 100.0 *
+                                                     static_cast<double>(size));
     // The channels of a type 4 controller do not share arrays.
-    const std::int32_t lastChannel = controller_->type() == controller_type::hrconf4
+    const std::int32_t lastChannel = controller_.type() == controller_type::hrconf4
                                          ? first.channel
                                          : RAIDController::channels - 1;
     const std::size_t most = maximumDrivesPerArray(raid_level::none);
 
-    ArrayBuilder builder(*controller_);
-    builder.add(first);
+    ArrayBuilder builder(*this);
+    builder.add(first, Reason::Kind::firstFree);
     // No free drive stands before the first, so the scan may start over.
     for (const DrivePosition position : planningOrder) {
         if (builder.count() >= most || position.channel > lastChannel) {
@@ -160,16 +137,16 @@ RaidArray RAIDConfigCreator::collectLikeDrives(DrivePosition first) {
         }
         if (isFree(position) && sizeAt(position) >= size - tolerance &&
             sizeAt(position) <= size + tolerance) {
-            builder.add(position);
+            builder.add(position, Reason::Kind::likeFirst);
         }
     }
     return builder.finish();
 }
 
 bool RAIDConfigCreator::doCUSTOMArrays() {
-    printer().trace("Entering RAIDConfigCreator::doCUSTOMArrays\n");
+    const TraceScope scope(report_, "RAIDConfigCreator::doCUSTOMArrays");
     bool done = true;
-    for (const RaidArray& entry : policy_->arrays) {
+    for (const RaidArray& entry : policy_.arrays) {
         if (entry.allRemaining) {
             done = doArrayByAllRemaining();
             break;
@@ -180,108 +157,94 @@ bool RAIDConfigCreator::doCUSTOMArrays() {
             break;
         }
     }
-    printer().tracef("Exiting RAIDConfigCreator::doCUSTOMArrays, returnValue=%s\n",
-                     resultWord(done));
-    return done;
+    return scope.returnValue(done);
 }
 
 // A drive that is named twice, or that is a hot spare already, is taken again, and sizes are not
 // compared: a custom list is planned as it was written.
 bool RAIDConfigCreator::doArrayByNumber(const RaidArray& entry) {
-    printer().trace("Entering RAIDConfigCreator::doArrayByNumber\n");
-    ArrayBuilder builder(*controller_);
-    bool done = true;
+    const TraceScope scope(report_, "RAIDConfigCreator::doArrayByNumber");
+    ArrayBuilder builder(*this);
     for (const std::int32_t number : entry.driveNumbers()) {
         if (number < 1) {
             break;
         }
         const std::optional<DrivePosition> position = getDriveNumber(number);
         if (!position) {
-            reportMissingDrive(CString::fromInt(number));
-            done = false;
-            break;
+            return scope.returning(refuseMissingDrive(CString::fromInt(number), {}));
         }
-        builder.add(*position);
+        builder.add(*position, Reason::Kind::listed);
     }
-    done = done && addListedArray(entry, builder.finish());
-    printer().tracef("Exiting RAIDConfigCreator::doArrayByNumber, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(addListedArray(entry, builder.finish()));
 }
 
 bool RAIDConfigCreator::doArrayByLocation(const RaidArray& entry) {
-    printer().trace("Entering RAIDConfigCreator::doArrayByLocation\n");
-    ArrayBuilder builder(*controller_);
-    bool done = true;
+    const TraceScope scope(report_, "RAIDConfigCreator::doArrayByLocation");
+    ArrayBuilder builder(*this);
     for (const DrivePosition position : entry.drives()) {
         if (sizeAt(position) < 1) {
-            reportMissingDrive(formatText("%d:%d", position.channel, position.id));
-            done = false;
-            break;
+            return scope.returning(
+                refuseMissingDrive(formatText("%d:%d", position.channel, position.id), position));
         }
-        builder.add(position);
+        builder.add(position, Reason::Kind::listed);
     }
-    done = done && addListedArray(entry, builder.finish());
-    printer().tracef("Exiting RAIDConfigCreator::doArrayByLocation, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(addListedArray(entry, builder.finish()));
 }
 
 bool RAIDConfigCreator::doArrayByAllRemaining() {
-    printer().trace("Entering RAIDConfigCreator::doArrayByAllRemaining\n");
-    const std::size_t most = maximumDrivesPerArray(getArrayRAIDLevel(plan_->arrays().size()));
-    ArrayBuilder builder(*controller_);
+    const TraceScope scope(report_, "RAIDConfigCreator::doArrayByAllRemaining");
+    const std::size_t most = maximumDrivesPerArray(getArrayRAIDLevel(layout_.arrays().size()));
+    ArrayBuilder builder(*this);
     for (const DrivePosition position : planningOrder) {
         if (builder.count() >= most) {
             break;
         }
         if (isFree(position)) {
-            builder.add(position);
+            builder.add(position, Reason::Kind::allRemaining);
         }
     }
-    const bool done = builder.count() == 0 || addArray(builder.finish());
-    printer().tracef("Exiting RAIDConfigCreator::doArrayByAllRemaining, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(builder.count() == 0 || addArray(builder.finish()));
 }
 
 bool RAIDConfigCreator::addArray(RaidArray array) {
-    if (plan_->addArray(std::move(array))) {
+    if (layout_.addArray(std::move(array))) {
         return true;
     }
-    printer().errorBlockf("Error in %s -- %s does not support more than 16 arrays.\n", policyName(),
-                          modelName().c_str());
-    application_.returnCode = planning_code::drivesDoNotFit;
-    return false;
-}
-
-void RAIDConfigCreator::reportMissingDrive(const CString& drive) {
-    printer().errorBlockf(
-        "%s, Array.%c -- The following drive does not exist:  %s\n\t%s controller.\n", policyName(),
-        arrayLetter(plan_->arrays().size()), drive.c_str(), modelName().c_str());
-    application_.returnCode = planning_code::drivesDoNotFit;
-    printer().print("Not enough same size drives to accommodate requested configuration\n",
-                    level::shortage);
+    Fault fault = makeFault(FaultKind::planTooManyArrays);
+    fault.number = static_cast<std::int32_t>(RAIDConfiguration::maxArrays);
+    return refuse(std::move(fault));
 }
 
 bool RAIDConfigCreator::addListedArray(const RaidArray& entry, RaidArray array) {
     if (!entry.tooManyDrives) {
         return addArray(std::move(array));
     }
-    printer().errorBlockf("Error in %s -- %s does not support more than 32 drives per array.\n",
-                          policyName(), modelName().c_str());
-    application_.returnCode = planning_code::drivesDoNotFit;
-    return false;
+    const std::size_t index = layout_.arrays().size();
+    Fault fault = makeFault(FaultKind::planTooManyArrayDrives);
+    fault.place.keyword = arrayKeyword(index);
+    fault.place.array = static_cast<std::int32_t>(index);
+    fault.number = static_cast<std::int32_t>(RaidArray::maxDrives);
+    return refuse(std::move(fault));
+}
+
+bool RAIDConfigCreator::refuseMissingDrive(const CString& drive, DrivePosition position) {
+    const std::size_t index = layout_.arrays().size();
+    Fault fault = makeFault(FaultKind::planArrayDriveMissing);
+    fault.place.keyword = arrayKeyword(index);
+    fault.place.array = static_cast<std::int32_t>(index);
+    fault.place.channel = position.channel;
+    fault.place.id = position.id;
+    fault.wanted = drive;
+    return refuse(std::move(fault));
 }
 
 std::size_t RAIDConfigCreator::maximumDrivesPerArray(std::int32_t raidLevel) const {
     std::int32_t asked = raidLevel;
     if (asked == raid_level::none) {
-        asked =
-            policy_->logicalDefaults ? policy_->logicalDefaults->raidLevel : raid_level::notGiven;
+        asked = policy_.logicalDefaults ? policy_.logicalDefaults->raidLevel : raid_level::notGiven;
     }
-    return asked == raid_level::notGiven ? mostForType(controller_->type(), controller_->subtype())
-                                         : mostForLevel(asked, controller_->type());
+    return asked == raid_level::notGiven ? rules_.mostArrayDrives
+                                         : mostForLevel(asked, controller_.type());
 }
 
 } // namespace zolex

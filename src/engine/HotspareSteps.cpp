@@ -1,44 +1,54 @@
-#include "controllers/Application.h"
 #include "engine/Planning.h"
 #include "engine/RAIDConfigCreator.h"
-#include "model/RAIDController.h"
+#include "foundation/TraceScope.h"
+#include "policies/PolicyKeywords.h"
 
 #include <algorithm>
 
 namespace zolex {
 
 bool RAIDConfigCreator::doHotspares() {
-    printer().trace("Entering RAIDConfigCreator::doHotspares\n");
-    const bool done = policy_->hotspares ? doCUSTOMHotspares() : doAUTOHotspares();
-    printer().tracef("Exiting RAIDConfigCreator::doHotspares, returnValue=%s\n", resultWord(done));
-    return done;
+    const TraceScope scope(report_, "RAIDConfigCreator::doHotspares");
+    return scope.returnValue(policy_.hotspares ? doCUSTOMHotspares() : doAUTOHotspares());
 }
 
 bool RAIDConfigCreator::doAUTOHotspares() {
-    printer().trace("Entering RAIDConfigCreator::doAUTOHotspares\n");
-    // A captured layout without hot spares must not get one: a spare taken here could be a drive
-    // that one of its arrays lists.
-    const std::int32_t standing = policy_->isGenerated() ? 0 : defaultHotspareCount();
-    const std::int32_t asked = policy_->arrayDefaults.hotspareCount;
-    const std::int32_t count = asked == notGiven ? standing : asked;
-    bool done = true;
-    for (std::int32_t made = 0; done && made < count; ++made) {
+    const TraceScope scope(report_, "RAIDConfigCreator::doAUTOHotspares");
+    const std::int32_t count = automaticHotspareCount();
+    for (std::int32_t made = 0; made < count; ++made) {
         const std::optional<DrivePosition> drive = largestFreeDrive();
-        if (drive) {
-            done = addHotspare(*drive);
-        } else {
-            printer().errorBlockf("%s, Hotspares -- Not enough drives available to create %d "
-                                  "hot-spare drives.\n\t%s controller.\n",
-                                  policyName(), count, modelName().c_str());
-            application_.returnCode = planning_code::tooFewForHotspares;
-            printer().print("Not enough available drives to allocate hot spares\n",
-                            level::shortage);
-            done = false;
+        if (!drive) {
+            Fault fault = makeFault(FaultKind::planHotspareShortage);
+            fault.place.keyword = keyword::arrayDefaults;
+            fault.number = count;
+            return scope.returning(refuse(std::move(fault)));
+        }
+        if (!addHotspare(*drive, Reason::Kind::largestLast)) {
+            return scope.returning(false);
         }
     }
-    printer().tracef("Exiting RAIDConfigCreator::doAUTOHotspares, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(true);
+}
+
+std::int32_t RAIDConfigCreator::automaticHotspareCount() {
+    Reason reason{.subject = Reason::Subject::hotspareCount};
+    const std::int32_t asked = policy_.arrayDefaults.hotspareCount;
+    if (asked != notGiven) {
+        reason.kind = Reason::Kind::policyDefault;
+        reason.keyword = keyword::arrayDefaults;
+        reason.asked = asked;
+        reason.value = std::max(asked, 0);
+    } else if (policy_.isGenerated()) {
+        // A captured layout without hot spares must not get one: a spare taken here could be a
+        // drive that one of its arrays lists.
+        reason.kind = Reason::Kind::capturedPolicy;
+    } else {
+        reason.kind = Reason::Kind::classDefault;
+        reason.value = rules_.defaultHotspareCount(controller_.numberOfDrives());
+    }
+    const std::int32_t count = reason.value;
+    explain([&] { return std::move(reason); });
+    return count;
 }
 
 std::optional<DrivePosition> RAIDConfigCreator::largestFreeDrive() const {
@@ -52,66 +62,73 @@ std::optional<DrivePosition> RAIDConfigCreator::largestFreeDrive() const {
 }
 
 bool RAIDConfigCreator::doCUSTOMHotspares() {
-    printer().trace("Entering RAIDConfigCreator::doCUSTOMHotspares\n");
-    const RaidArray& list = *policy_->hotspares;
+    const TraceScope scope(report_, "RAIDConfigCreator::doCUSTOMHotspares");
+    const RaidArray& list = *policy_.hotspares;
+    const std::size_t listed = list.driveNumbers().size() + list.drives().size();
+    explain([&] {
+        const auto count = static_cast<std::int32_t>(listed);
+        return Reason{.kind = Reason::Kind::given,
+                      .subject = Reason::Subject::hotspareCount,
+                      .keyword = keyword::hotspares,
+                      .asked = count,
+                      .value = count};
+    });
     const auto byNumber = [this](std::int32_t number) { return doHotspareByNumber(number); };
     const auto byLocation = [this](DrivePosition position) {
         return doHotspareByLocation(position);
     };
     // The list is of one kind; the first fault ends it.
-    const bool done =
+    return scope.returning(
         std::all_of(list.driveNumbers().begin(), list.driveNumbers().end(), byNumber) &&
-        std::all_of(list.drives().begin(), list.drives().end(), byLocation);
-    printer().tracef("Exiting RAIDConfigCreator::doCUSTOMHotspares, returning %s\n",
-                     resultWord(done));
-    return done;
+        std::all_of(list.drives().begin(), list.drives().end(), byLocation));
 }
 
 bool RAIDConfigCreator::doHotspareByNumber(std::int32_t number) {
-    printer().trace("Entering RAIDConfigCreator::doHotspareByNumber\n");
+    const TraceScope scope(report_, "RAIDConfigCreator::doHotspareByNumber");
     const std::optional<DrivePosition> position = getDriveNumber(number);
-    if (!position) {
-        reportMissingHotspare(CString::fromInt(number));
-    }
-    const bool done = position && addHotspare(*position);
-    printer().tracef("Exiting RAIDConfigCreator::doHotspareByNumber, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(position ? addHotspare(*position, Reason::Kind::listed)
+                                    : refuseMissingHotspare(CString::fromInt(number), {}));
 }
 
 bool RAIDConfigCreator::doHotspareByLocation(DrivePosition position) {
-    printer().trace("Entering RAIDConfigCreator::doHotspareByLocation\n");
+    const TraceScope scope(report_, "RAIDConfigCreator::doHotspareByLocation");
     // A drive of unknown size (0) is good enough as a hot spare.
     const bool exists = sizeAt(position) >= 0;
-    if (!exists) {
-        reportMissingHotspare(formatText("%d:%d", position.channel, position.id));
-    }
-    const bool done = exists && addHotspare(position);
-    printer().tracef("Exiting RAIDConfigCreator::doHotspareByLocation, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(
+        exists
+            ? addHotspare(position, Reason::Kind::listed)
+            : refuseMissingHotspare(formatText("%d:%d", position.channel, position.id), position));
 }
 
-bool RAIDConfigCreator::addHotspare(DrivePosition position) {
+bool RAIDConfigCreator::addHotspare(DrivePosition position, Reason::Kind why) {
+    take(position);
+    explain([&] {
+        return Reason{.kind = why,
+                      .subject = Reason::Subject::hotspare,
+                      .index = static_cast<std::int32_t>(layout_.hotspares().size()),
+                      .keyword = why == Reason::Kind::listed ? keyword::hotspares : "",
+                      .drive = position,
+                      .value = sizeAt(position)};
+    });
     Hotspare hotspare;
     hotspare.channelNumber = position.channel;
     hotspare.id = position.id;
-    controller_->setUsed(position.channel, position.id);
-    if (plan_->addHotspare(hotspare)) {
+    if (layout_.addHotspare(hotspare)) {
         return true;
     }
-    printer().errorBlockf("Error in %s -- %s does not support more than 8 hot-spare drives.\n",
-                          policyName(), modelName().c_str());
-    application_.returnCode = planning_code::drivesDoNotFit;
-    return false;
+    Fault fault = makeFault(FaultKind::planTooManyHotspares);
+    fault.place.keyword = policy_.hotspares ? keyword::hotspares : keyword::arrayDefaults;
+    fault.number = static_cast<std::int32_t>(RAIDConfiguration::maxHotspares);
+    return refuse(std::move(fault));
 }
 
-void RAIDConfigCreator::reportMissingHotspare(const CString& drive) {
-    printer().errorBlockf(
-        "%s, Hotspares -- The following drive does not exist:  %s\n\t%s controller.\n",
-        policyName(), drive.c_str(), modelName().c_str());
-    application_.returnCode = planning_code::tooFewForHotspares;
-    printer().print("Not enough available drives to allocate hot spares\n", level::shortage);
+bool RAIDConfigCreator::refuseMissingHotspare(const CString& drive, DrivePosition position) {
+    Fault fault = makeFault(FaultKind::planHotspareDriveMissing);
+    fault.place.keyword = keyword::hotspares;
+    fault.place.channel = position.channel;
+    fault.place.id = position.id;
+    fault.wanted = drive;
+    return refuse(std::move(fault));
 }
 
 } // namespace zolex

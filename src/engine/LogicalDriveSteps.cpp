@@ -1,8 +1,9 @@
-#include "controllers/Application.h"
 #include "engine/Planning.h"
 #include "engine/RAIDConfigCreator.h"
-#include "model/RAIDController.h"
+#include "foundation/TraceScope.h"
+#include "policies/PolicyKeywords.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -42,13 +43,36 @@ constexpr std::array<DriveCountRule, 14> driveCountRules{{
 }};
 // clang-format on
 
-bool takesDrives(std::int32_t raidLevel, std::int32_t type, std::size_t drives) {
-    for (const DriveCountRule& rule : driveCountRules) {
-        if (rule.raidLevel == raidLevel && (rule.type == anyCode || rule.type == type)) {
-            return drives >= rule.least && drives <= rule.most && (!rule.even || drives % 2 == 0);
-        }
+/// Null for a level that takes no number of drives.
+const DriveCountRule* findDriveCountRule(std::int32_t raidLevel, std::int32_t type) {
+    const auto* const found = std::find_if(
+        driveCountRules.begin(), driveCountRules.end(), [&](const DriveCountRule& rule) {
+            return rule.raidLevel == raidLevel && (rule.type == anyCode || rule.type == type);
+        });
+    return found == driveCountRules.end() ? nullptr : found;
+}
+
+bool takesDrives(const DriveCountRule& rule, std::size_t drives) {
+    return drives >= rule.least && drives <= rule.most && (!rule.even || drives % 2 == 0);
+}
+
+/// "2", "1 to 4", "3 or more", "6 or more, even".
+CString driveCountWords(const DriveCountRule& rule) {
+    const auto textOf = [](std::size_t number) {
+        return CString::fromInt(static_cast<std::int64_t>(number));
+    };
+    CString words = textOf(rule.least);
+    if (rule.most == noLimit) {
+        words.append(rule.even ? " or more, even" : " or more");
+    } else if (rule.most != rule.least) {
+        words.append(" to ").append(textOf(rule.most));
     }
-    return false;
+    return words;
+}
+
+/// Empty when no level fits.
+CString wantedLevel(std::int32_t raidLevel) {
+    return raidLevel == raid_level::none ? CString() : CString(raidLevelWord(raidLevel));
 }
 
 bool isPercentage(std::int32_t sizeMb) {
@@ -63,98 +87,162 @@ std::int32_t storedMb(double mb) {
                          : 0;
 }
 
+/// The words of the supported RAID levels.
+CString raidLevelWords(const CodeSet& codes) {
+    CString words;
+    for (std::int32_t code = raid_level::raid0; code <= raid_level::simpleVolume; ++code) {
+        if (code != raid_level::notGiven && codes.contains(code)) {
+            words.append(words.isEmpty() ? "" : ", ");
+            words.append(raidLevelWord(code));
+        }
+    }
+    return words;
+}
+
+/// Where a value comes from: an entry of the policy, or else the default. `kind` is that of the
+/// entry.
+Reason sourceOf(Reason::Subject subject, std::size_t logicalDrive, Reason::Kind kind,
+                const CString& keyword, bool isGiven, std::int32_t asked, std::int32_t value) {
+    Reason reason{.kind = isGiven ? kind : Reason::Kind::classDefault,
+                  .subject = subject,
+                  .index = static_cast<std::int32_t>(logicalDrive),
+                  .value = value};
+    if (isGiven) {
+        reason.keyword = keyword;
+        reason.asked = asked;
+    }
+    return reason;
+}
+
 } // namespace
 
 bool RAIDConfigCreator::doLogicalDrives() {
-    printer().trace("Entering RAIDConfigCreator::doLogicalDrives\n");
-    const bool done =
-        policy_->customLogicalDrives ? doCUSTOMLogicalDrives() : doAUTOLogicalDrives();
-    printer().tracef("Exiting RAIDConfigCreator::doLogicalDrives, returnValue=%s\n",
-                     resultWord(done));
-    return done;
+    const TraceScope scope(report_, "RAIDConfigCreator::doLogicalDrives");
+    return scope.returnValue(policy_.customLogicalDrives ? doCUSTOMLogicalDrives()
+                                                         : doAUTOLogicalDrives());
 }
 
 bool RAIDConfigCreator::doAUTOLogicalDrives() {
-    printer().trace("Entering RAIDConfigCreator::doAUTOLogicalDrives\n");
+    const TraceScope scope(report_, "RAIDConfigCreator::doAUTOLogicalDrives");
     bool done = true;
-    for (std::size_t i = 0; done && i < plan_->arrays().size(); ++i) {
+    for (std::size_t i = 0; done && i < layout_.arrays().size(); ++i) {
         const LogicalDrive drive = automaticLogicalDrive(i);
-        done = isRAIDLevelOK(drive, *plan_) && addLogicalDrive(drive);
+        done = isRAIDLevelOK(drive) && addLogicalDrive(drive);
     }
-    printer().tracef("Exiting RAIDConfigCreator::doAUTOLogicalDrives, returning %s\n",
-                     resultWord(done));
-    return done;
+    return scope.returning(done);
 }
 
-LogicalDrive RAIDConfigCreator::automaticLogicalDrive(std::size_t arrayIndex) const {
-    const RaidArray& array = plan_->arrays()[arrayIndex];
+LogicalDrive RAIDConfigCreator::automaticLogicalDrive(std::size_t arrayIndex) {
+    const LogicalSpecification defaults = policy_.logicalDefaults.value_or(LogicalSpecification());
+    const bool givesLevel = defaults.raidLevel != raid_level::notGiven;
+    const bool givesCache = defaults.writeCache != write_cache::notGiven;
     LogicalDrive drive;
     drive.arrayIndex = static_cast<std::int32_t>(arrayIndex);
-    drive.sizeMb = defaultLogicalDriveSize(array);
-    drive.raidLevel = defaultRAIDLevel(array);
-    drive.writeCache = defaultWriteCache(array);
-    if (!policy_->logicalDefaults) {
-        return drive;
-    }
-    const LogicalSpecification& defaults = *policy_->logicalDefaults;
-    if (defaults.raidLevel != raid_level::notGiven) {
-        drive.raidLevel = defaults.raidLevel;
-    }
+    drive.raidLevel = givesLevel
+                          ? defaults.raidLevel
+                          : rules_.defaultRAIDLevel(layout_.arrays()[arrayIndex].driveCount());
     drive.sizeMb = plannedSize(defaults.sizeMb, drive.raidLevel, arrayIndex);
-    if (defaults.writeCache != write_cache::notGiven) {
-        drive.writeCache = defaults.writeCache;
-    }
+    drive.writeCache = givesCache ? defaults.writeCache : rules_.writeCache;
+    const auto source = [&](Reason::Subject subject, bool isGiven, std::int32_t asked,
+                            std::int32_t value) {
+        explain([&] {
+            return sourceOf(subject, layout_.logicalDrives().size(), Reason::Kind::policyDefault,
+                            keyword::logicalDefaults, isGiven, asked, value);
+        });
+    };
+    source(Reason::Subject::raidLevel, givesLevel, defaults.raidLevel, drive.raidLevel);
+    source(Reason::Subject::size, policy_.logicalDefaults.has_value(), defaults.sizeMb,
+           drive.sizeMb);
+    source(Reason::Subject::writeCache, givesCache, defaults.writeCache, drive.writeCache);
     return drive;
 }
 
 bool RAIDConfigCreator::doCUSTOMLogicalDrives() {
-    printer().trace("Entering RAIDConfigCreator::doCUSTOMLogicalDrives\n");
-    for (const LogicalSpecification& entry : policy_->logicalDrives) {
+    const TraceScope scope(report_, "RAIDConfigCreator::doCUSTOMLogicalDrives");
+    const auto failed = [this](int exit) {
+        report_.tracef("Exiting RAIDConfigCreator::doCUSTOMLogicalDrives, returning false(%d)\n",
+                       exit);
+        return false;
+    };
+    for (const LogicalSpecification& entry : policy_.logicalDrives) {
         const auto arrayIndex = static_cast<std::size_t>(entry.arrayIndex);
-        if (arrayIndex >= plan_->arrays().size()) {
-            printer().errorBlockf("%s -- Invalid array letter specified:  %c\n", policyName(),
-                                  arrayLetter(arrayIndex));
-            printer().trace(
-                "Exiting RAIDConfigCreator::doCUSTOMLogicalDrives, returning false(1)\n");
-            return false;
+        if (arrayIndex >= layout_.arrays().size()) {
+            Fault fault = makeLogicalFault(FaultKind::planArrayUnknown, entry.arrayIndex);
+            refuse(std::move(fault));
+            return failed(1);
         }
         LogicalDrive drive;
         drive.arrayIndex = entry.arrayIndex;
         drive.raidLevel = entry.raidLevel != raid_level::notGiven
                               ? entry.raidLevel
-                              : defaultRAIDLevel(plan_->arrays()[arrayIndex]);
+                              : rules_.defaultRAIDLevel(layout_.arrays()[arrayIndex].driveCount());
         drive.writeCache = entry.writeCache;
-        if (!supportsRAIDLevel(drive.raidLevel)) {
-            printer().errorBlockf("Error in %s -- %s does not support the RAID level specified.\n",
-                                  policyName(), modelName().c_str());
-            printer().trace(
-                "Exiting RAIDConfigCreator::doCUSTOMLogicalDrives, returning false(2)\n");
-            return false;
+        if (!rules_.raidLevels.contains(drive.raidLevel)) {
+            Fault fault = makeLogicalFault(FaultKind::planRaidLevelUnsupported, entry.arrayIndex);
+            fault.wanted = wantedLevel(drive.raidLevel);
+            fault.possible = raidLevelWords(rules_.raidLevels);
+            refuse(std::move(fault));
+            return failed(2);
         }
         drive.sizeMb = plannedSize(entry.sizeMb, drive.raidLevel, arrayIndex);
-        if (!isRAIDLevelOK(drive, *plan_)) {
-            printer().trace(
-                "Exiting RAIDConfigCreator::doCUSTOMLogicalDrives, returning false(3)\n");
-            return false;
+        explainCustom(entry, drive);
+        if (!isRAIDLevelOK(drive)) {
+            return failed(3);
         }
         if (!addLogicalDrive(drive)) {
-            printer().trace(
-                "Exiting RAIDConfigCreator::doCUSTOMLogicalDrives, returning false(4)\n");
-            return false;
+            return failed(4);
         }
     }
-    printer().trace("Exiting RAIDConfigCreator::doCUSTOMLogicalDrives, returning true\n");
-    return true;
+    return scope.returning(true);
+}
+
+void RAIDConfigCreator::explainCustom(const LogicalSpecification& entry,
+                                      const LogicalDrive& drive) {
+    const auto given = [&](Reason::Subject subject, bool isGiven, std::int32_t asked,
+                           std::int32_t value) {
+        return sourceOf(subject, layout_.logicalDrives().size(), Reason::Kind::given,
+                        logicalKeyword(), isGiven, asked, value);
+    };
+    explain([&] {
+        return given(Reason::Subject::raidLevel, entry.raidLevel != raid_level::notGiven,
+                     entry.raidLevel, drive.raidLevel);
+    });
+    explain([&] { return given(Reason::Subject::size, true, entry.sizeMb, drive.sizeMb); });
+    explain([&] {
+        const bool isGiven = entry.writeCache != write_cache::notGiven;
+        Reason reason =
+            given(Reason::Subject::writeCache, isGiven, entry.writeCache, drive.writeCache);
+        if (!isGiven) {
+            reason.kind = Reason::Kind::leftToController;
+        }
+        return reason;
+    });
+}
+
+CString RAIDConfigCreator::logicalKeyword() const {
+    // Each entry before this one has become a logical drive.
+    return keyword::logical +
+           CString::fromInt(static_cast<std::int64_t>(layout_.logicalDrives().size() + 1));
+}
+
+Fault RAIDConfigCreator::makeLogicalFault(FaultKind kind, std::int32_t arrayIndex) const {
+    Fault fault = makeFault(kind);
+    if (policy_.customLogicalDrives) {
+        fault.place.keyword = logicalKeyword();
+    } else if (policy_.logicalDefaults) {
+        fault.place.keyword = keyword::logicalDefaults;
+    }
+    fault.place.array = arrayIndex;
+    return fault;
 }
 
 bool RAIDConfigCreator::addLogicalDrive(const LogicalDrive& drive) {
-    if (plan_->addLogicalDrive(drive)) {
+    if (layout_.addLogicalDrive(drive)) {
         return true;
     }
-    printer().errorBlockf("Error in %s -- %s does not support more than 8 logical drives.\n",
-                          policyName(), modelName().c_str());
-    application_.returnCode = planning_code::drivesDoNotFit;
-    return false;
+    Fault fault = makeLogicalFault(FaultKind::planTooManyLogicalDrives, drive.arrayIndex);
+    fault.number = static_cast<std::int32_t>(RAIDConfiguration::maxLogicalDrives);
+    return refuse(std::move(fault));
 }
 
 std::int32_t RAIDConfigCreator::plannedSize(std::int32_t sizeMb, std::int32_t raidLevel,
@@ -162,7 +250,7 @@ std::int32_t RAIDConfigCreator::plannedSize(std::int32_t sizeMb, std::int32_t ra
     // A size this close to what is left takes all that is left.
     constexpr double closeMb = 139.0;
 
-    const RaidArray& array = plan_->arrays()[arrayIndex];
+    const RaidArray& array = layout_.arrays()[arrayIndex];
     if (sizeMb == sizeFill) {
         return sizeFill;
     }
@@ -177,9 +265,9 @@ std::int32_t RAIDConfigCreator::plannedSize(std::int32_t sizeMb, std::int32_t ra
 }
 
 double RAIDConfigCreator::remainingMb(double fraction, std::size_t arrayIndex) const {
-    const RaidArray& array = plan_->arrays()[arrayIndex];
+    const RaidArray& array = layout_.arrays()[arrayIndex];
     auto rawMb = static_cast<double>(array.capacityMb);
-    for (const LogicalDrive& planned : plan_->logicalDrives()) {
+    for (const LogicalDrive& planned : layout_.logicalDrives()) {
         if (static_cast<std::size_t>(planned.arrayIndex) != arrayIndex) {
             continue;
         }
@@ -192,39 +280,35 @@ double RAIDConfigCreator::remainingMb(double fraction, std::size_t arrayIndex) c
     return fraction * rawMb;
 }
 
-bool RAIDConfigCreator::isRAIDLevelOK(const LogicalDrive& drive,
-                                      const RAIDConfiguration& configuration) {
-    printer().trace("Entering RAIDConfigCreator::isRAIDLevelOK\n");
+bool RAIDConfigCreator::isRAIDLevelOK(const LogicalDrive& drive) {
+    const TraceScope scope(report_, "RAIDConfigCreator::isRAIDLevelOK");
     const auto arrayIndex = static_cast<std::size_t>(drive.arrayIndex);
-    const std::size_t drives = configuration.arrays()[arrayIndex].driveCount();
-    printer().tracef("Number of drives=%d, RAID level=%d, Controller type=%d\n",
-                     static_cast<int>(drives), drive.raidLevel, controller_->type());
-    if (takesDrives(drive.raidLevel, controller_->type(), drives)) {
-        printer().trace("Exiting RAIDConfigCreator::isRAIDLevelOK, returning true\n");
-        return true;
+    const std::size_t drives = layout_.arrays()[arrayIndex].driveCount();
+    report_.tracef("Number of drives=%d, RAID level=%d, Controller type=%d\n",
+                   static_cast<int>(drives), drive.raidLevel, controller_.type());
+    const DriveCountRule* const rule = findDriveCountRule(drive.raidLevel, controller_.type());
+    if (rule != nullptr && takesDrives(*rule, drives)) {
+        return scope.returning(true);
     }
-    printer().errorBlockf("Could not use %s to configure %s controller.\nThe number of drives in "
-                          "the Array.%c cannot accommodate the RAID level specified.\n",
-                          policyName(), modelName().c_str(), arrayLetter(arrayIndex));
-    application_.returnCode = planning_code::drivesDoNotFit;
-    printer().print("Not enough same size drives to accommodate requested configuration\n",
-                    level::shortage);
-    printer().trace("Exiting RAIDConfigCreator::isRAIDLevelOK, returning false\n");
-    return false;
+    Fault fault = makeLogicalFault(FaultKind::planRaidLevelDriveCount, drive.arrayIndex);
+    fault.possible = rule != nullptr ? driveCountWords(*rule) : CString();
+    fault.wanted = wantedLevel(drive.raidLevel);
+    fault.number = static_cast<std::int32_t>(drives);
+    return scope.returning(refuse(std::move(fault)));
 }
 
 std::int32_t RAIDConfigCreator::getArrayRAIDLevel(std::size_t arrayIndex) {
-    printer().trace("Entering RAIDConfigCreator::getArrayRAIDLevel\n");
+    report_.trace("Entering RAIDConfigCreator::getArrayRAIDLevel\n");
     std::int32_t found = raid_level::none;
-    if (policy_->customLogicalDrives) {
-        for (const LogicalSpecification& entry : policy_->logicalDrives) {
+    if (policy_.customLogicalDrives) {
+        for (const LogicalSpecification& entry : policy_.logicalDrives) {
             if (static_cast<std::size_t>(entry.arrayIndex) == arrayIndex) {
                 found = entry.raidLevel;
                 break;
             }
         }
     }
-    printer().tracef("Exiting RAIDConfigCreator::getArrayRAIDLevel, returning %d\n", found);
+    report_.tracef("Exiting RAIDConfigCreator::getArrayRAIDLevel, returning %d\n", found);
     return found;
 }
 

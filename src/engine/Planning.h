@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/CString.h"
 #include "model/Configuration.h"
 #include "model/RAIDController.h"
 
@@ -13,12 +14,6 @@ namespace zolex {
 
 /// In a row of a table: holds for every type, or for every subtype.
 inline constexpr std::int32_t anyCode = std::numeric_limits<std::int32_t>::min();
-
-/// The program's return codes that planning sets.
-namespace planning_code {
-inline constexpr std::int32_t tooFewForHotspares = 12;
-inline constexpr std::int32_t drivesDoNotFit = 13;
-} // namespace planning_code
 
 inline constexpr std::size_t planningPositions =
     static_cast<std::size_t>(RAIDController::channels - RAIDController::firstChannel) *
@@ -37,14 +32,12 @@ inline constexpr std::array<DrivePosition, planningPositions> planningOrder = []
     return order;
 }();
 
-/// The word that traces show for a result.
-[[nodiscard]] constexpr const char* resultWord(bool result) {
-    return result ? "true" : "false";
-}
-
-/// The letter that messages show for an array, 'A' for index 0.
+/// The letter of an array, 'A' for index 0.
 [[nodiscard]] constexpr char arrayLetter(std::size_t arrayIndex) {
     return static_cast<char>('A' + static_cast<int>(arrayIndex));
 }
+
+/// Model name of the controller's type and subtype.
+[[nodiscard]] CString modelNameOf(const RAIDController& controller);
 
 } // namespace zolex

@@ -1,31 +1,74 @@
 #include "engine/RAIDConfigCreator.h"
 
-#include "controllers/Application.h"
 #include "engine/Planning.h"
 #include "foundation/Text.h"
-#include "model/RAIDController.h"
+#include "foundation/TraceScope.h"
+#include "policies/PolicyKeywords.h"
 
 #include <array>
-#include <utility>
 
 namespace zolex {
 
 namespace {
 
-/// The code below `codes` whose word is `text`, letter case ignored; `otherwise` when none is.
-std::int32_t codeOfWord(const CString& text, const char* (*word)(std::int32_t), std::int32_t codes,
-                        std::int32_t otherwise) {
+constexpr std::int32_t noWord = -1;
+
+/// The code below `codes` whose word is `text`, letter case ignored; -1 when none is.
+std::int32_t codeOfWord(const CString& text, const char* (*word)(std::int32_t),
+                        std::int32_t codes) {
     for (std::int32_t code = 0; code < codes; ++code) {
         if (text::equalsNoCase(text, word(code))) {
             return code;
         }
     }
-    return otherwise;
+    return noWord;
+}
+
+/// The supported stripe sizes in KB.
+CString stripeSizeWords(const CodeSet& codes) {
+    CString words;
+    for (std::int32_t code = stripe::kb8; code < stripe::none; ++code) {
+        if (codes.contains(code)) {
+            words.append(words.isEmpty() ? "" : ", ");
+            words.append(stripeSizeWord(code));
+        }
+    }
+    return words;
+}
+
+std::size_t placeOf(DrivePosition position) {
+    return static_cast<std::size_t>(position.channel) *
+               static_cast<std::size_t>(RAIDController::ids) +
+           static_cast<std::size_t>(position.id);
 }
 
 } // namespace
 
-bool RAIDConfigCreator::createConfig(RAIDController& controller, const Policy& policy) {
+RAIDConfigCreator::RAIDConfigCreator(const RAIDController& controller, std::int32_t number,
+                                     const ConfigDefaults& rules, const Policy& policy,
+                                     bool explains, Report& report)
+    : controller_(controller), rules_(rules), policy_(policy), explains_(explains), report_(report),
+      modelName_(modelNameOf(controller)) {
+    result_.number = number;
+    result_.outcome = Outcome::refused;
+    result_.policy = policy.name;
+    layout_.policyName = policy.name;
+}
+
+ControllerPlan RAIDConfigCreator::plan() {
+    report_.trace("Entering RAIDConfigCreator::createConfig\n");
+    if (!rules_.canConfigure(controller_.numberOfDrives())) {
+        report_.trace("Exiting RAIDConfigCreator::createConfig(1)\n");
+        result_.outcome = Outcome::tooFewDrives;
+    } else if (createConfig()) {
+        report_.trace("Exiting RAIDConfigCreator::createConfig(9)\n");
+        result_.outcome = Outcome::planned;
+        result_.layout = std::move(layout_);
+    }
+    return std::move(result_);
+}
+
+bool RAIDConfigCreator::createConfig() {
     struct Step {
         bool (RAIDConfigCreator::*run)();
         const char* failureTrace;
@@ -41,77 +84,78 @@ bool RAIDConfigCreator::createConfig(RAIDController& controller, const Policy& p
         {&RAIDConfigCreator::doRebuildRate, "Exiting RAIDConfigCreator::createConfig(7)\n"},
         {&RAIDConfigCreator::doInit, "Exiting RAIDConfigCreator::createConfig(8)\n"},
     }};
-
-    printer().trace("Entering RAIDConfigCreator::createConfig\n");
-    controller_ = &controller;
-    policy_ = &policy;
-    controller.setConfiguration(nullptr);
-    if (!canConfigure()) {
-        printer().trace("Exiting RAIDConfigCreator::createConfig(1)\n");
-        return true;
-    }
-    plan_ = std::make_unique<RAIDConfiguration>();
-    plan_->policyName = policy.name;
     for (const Step& step : steps) {
         if (!(this->*step.run)()) {
-            plan_.reset();
-            printer().trace(step.failureTrace);
+            report_.trace(step.failureTrace);
             return false;
         }
     }
-    controller.setConfiguration(std::move(plan_));
-    printer().trace("Exiting RAIDConfigCreator::createConfig(9)\n");
     return true;
-}
-
-std::int32_t RAIDConfigCreator::defaultLogicalDriveSize(const RaidArray& /*array*/) const {
-    return sizeFill;
-}
-
-std::int32_t RAIDConfigCreator::defaultRebuildRate() const {
-    return rebuild_rate::high;
 }
 
 bool RAIDConfigCreator::doStripeSize() {
-    printer().trace("Entering RAIDConfigCreator::doStripeSize\n");
-    plan_->stripeSize =
-        codeOfWord(policy_->stripeSize, stripeSizeWord, stripe::none, defaultStripeSize());
-    const bool supported = supportsStripeSize(plan_->stripeSize);
-    if (!supported) {
-        printer().errorBlockf("Error in %s -- %s does not support the stripe size specified.\n",
-                              policyName(), modelName().c_str());
+    const TraceScope scope(report_, "RAIDConfigCreator::doStripeSize");
+    layout_.stripeSize = chooseSetting(
+        Reason::Subject::stripeSize, keyword::stripeSize, policy_.stripeSize,
+        codeOfWord(policy_.stripeSize, stripeSizeWord, stripe::none), rules_.stripeSize);
+    if (rules_.stripeSizes.contains(layout_.stripeSize)) {
+        return scope.returning(true);
     }
-    printer().tracef("Exiting RAIDConfigCreator::doStripeSize, returning %s\n",
-                     resultWord(supported));
-    return supported;
+    Fault fault = makeFault(FaultKind::planStripeSizeUnsupported);
+    fault.place.keyword = keyword::stripeSize;
+    fault.wanted = policy_.stripeSize;
+    fault.possible = stripeSizeWords(rules_.stripeSizes);
+    return scope.returning(refuse(std::move(fault)));
 }
 
 bool RAIDConfigCreator::doReadAhead() {
-    printer().trace("Entering RAIDConfigCreator::doReadAhead\n");
-    plan_->readAhead =
-        codeOfWord(policy_->readAhead, readAheadWord, read_ahead::off + 1, defaultReadAhead());
-    printer().trace("Exiting RAIDConfigCreator::doReadAhead, returning true\n");
-    return true;
+    const TraceScope scope(report_, "RAIDConfigCreator::doReadAhead");
+    layout_.readAhead = chooseSetting(
+        Reason::Subject::readAhead, keyword::readAhead, policy_.readAhead,
+        codeOfWord(policy_.readAhead, readAheadWord, read_ahead::off + 1), rules_.readAhead);
+    return scope.returning(true);
 }
 
 bool RAIDConfigCreator::doRebuildRate() {
-    printer().trace("Entering RAIDConfigCreator::doRebuildRate\n");
-    plan_->rebuildRate = codeOfWord(policy_->rebuildRate, rebuildRateWord, rebuild_rate::low + 1,
-                                    defaultRebuildRate());
-    printer().trace("Exiting RAIDConfigCreator::doRebuildRate, returning true\n");
-    return true;
+    const TraceScope scope(report_, "RAIDConfigCreator::doRebuildRate");
+    layout_.rebuildRate =
+        chooseSetting(Reason::Subject::rebuildRate, keyword::rebuildRate, policy_.rebuildRate,
+                      codeOfWord(policy_.rebuildRate, rebuildRateWord, rebuild_rate::low + 1),
+                      rebuild_rate::high);
+    return scope.returning(true);
 }
 
 bool RAIDConfigCreator::doInit() {
-    printer().trace("Entering RAIDConfigCreator::doInit\n");
-    plan_->init =
-        text::equalsNoCase(policy_->init, "BUILD") ? init_choice::build : init_choice::quick;
-    printer().trace("Exiting RAIDConfigCreator::doInit, returning true\n");
-    return true;
+    const TraceScope scope(report_, "RAIDConfigCreator::doInit");
+    const bool quick = text::equalsNoCase(policy_.init, "QUICK");
+    const bool build = text::equalsNoCase(policy_.init, "BUILD");
+    layout_.init = chooseSetting(Reason::Subject::init, keyword::init, policy_.init,
+                                 build   ? init_choice::build
+                                 : quick ? init_choice::quick
+                                         : noWord,
+                                 init_choice::quick);
+    return scope.returning(true);
+}
+
+std::int32_t RAIDConfigCreator::chooseSetting(Reason::Subject subject, const char* keyword,
+                                              const CString& given, std::int32_t code,
+                                              std::int32_t otherwise) {
+    const std::int32_t chosen = code == noWord ? otherwise : code;
+    explain([&] {
+        Reason reason{.kind = Reason::Kind::classDefault, .subject = subject, .value = chosen};
+        if (code != noWord) {
+            reason.kind = Reason::Kind::given;
+            reason.keyword = keyword;
+            reason.wanted = given;
+            reason.asked = code;
+        }
+        return reason;
+    });
+    return chosen;
 }
 
 std::optional<DrivePosition> RAIDConfigCreator::getDriveNumber(std::int32_t number) {
-    printer().tracef("Entering RAIDConfigCreator::getDriveNumber, number=%d\n", number);
+    report_.tracef("Entering RAIDConfigCreator::getDriveNumber, number=%d\n", number);
     std::optional<DrivePosition> found;
     std::int32_t counted = 0;
     for (const DrivePosition position : planningOrder) {
@@ -120,25 +164,36 @@ std::optional<DrivePosition> RAIDConfigCreator::getDriveNumber(std::int32_t numb
             break;
         }
     }
-    printer().tracef("Exiting RAIDConfigCreator::getDriveNumber, returning %s\n",
-                     resultWord(found.has_value()));
+    report_.tracef("Exiting RAIDConfigCreator::getDriveNumber, returning %s\n",
+                   resultWord(found.has_value()));
     return found;
 }
 
 bool RAIDConfigCreator::isFree(DrivePosition position) const {
-    return sizeAt(position) > 0 && !controller_->isUsed(position.channel, position.id);
+    return sizeAt(position) > 0 && controller_.usable(position) && !taken_[placeOf(position)];
+}
+
+void RAIDConfigCreator::take(DrivePosition position) {
+    taken_.set(placeOf(position));
 }
 
 std::int32_t RAIDConfigCreator::sizeAt(DrivePosition position) const {
-    return controller_->size(position.channel, position.id);
+    return controller_.size(position.channel, position.id);
 }
 
-Printer& RAIDConfigCreator::printer() const {
-    return application_.printer();
+Fault RAIDConfigCreator::makeFault(FaultKind kind) const {
+    Fault fault;
+    fault.kind = kind;
+    fault.place.section = policy_.name;
+    fault.place.model = modelName_;
+    fault.place.controller = result_.number;
+    return fault;
 }
 
-CString RAIDConfigCreator::modelName() const {
-    return application_.controllerName(controller_->type(), controller_->subtype());
+bool RAIDConfigCreator::refuse(Fault fault) {
+    report_.fault(fault);
+    result_.fault = std::move(fault);
+    return false;
 }
 
 } // namespace zolex

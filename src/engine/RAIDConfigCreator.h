@@ -1,58 +1,41 @@
 #pragma once
 
+#include "engine/ConfigClasses.h"
+#include "engine/ControllerPlan.h"
 #include "foundation/CString.h"
 #include "model/Configuration.h"
+#include "model/RAIDController.h"
 #include "policies/Policy.h"
 
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
+#include <utility>
 
 namespace zolex {
 
-class Application;
-class Printer;
-class RAIDController;
+class Report;
 
-/// Plans the configuration of one controller from one policy. The steps are written here once; the
-/// classes that derive from it answer what differs by controller kind. Planning reads and changes
-/// only the controller record and the application's return code: it marks the drives that it takes
-/// as used and stores the plan.
+/// Plans the configuration of one controller from one policy by the rules of its class. It reads
+/// the controller only; the drives that the plan takes are marked in here.
 class RAIDConfigCreator {
   public:
-    explicit RAIDConfigCreator(Application& application) : application_(application) {}
-    virtual ~RAIDConfigCreator() = default;
+    /// Controller `number` is counted from 1. All references must outlive the object; `rules` are
+    /// those of the controller's type and subtype. `explains`: the plan gives its reasons.
+    RAIDConfigCreator(const RAIDController& controller, std::int32_t number,
+                      const ConfigDefaults& rules, const Policy& policy, bool explains,
+                      Report& report);
     RAIDConfigCreator(const RAIDConfigCreator&) = delete;
     RAIDConfigCreator& operator=(const RAIDConfigCreator&) = delete;
 
-    /// True with a configuration stored in the controller, or with none when the controller cannot
-    /// be configured; false, with none, after a planning fault, which has been reported. Drives
-    /// that were taken before a fault stay marked as used.
-    bool createConfig(RAIDController& controller, const Policy& policy);
-
-    // What differs by controller kind. They answer for the controller at hand.
-    [[nodiscard]] virtual std::int32_t defaultHotspareCount() const = 0;
-    /// MB or a negative code; FILL for every class.
-    [[nodiscard]] virtual std::int32_t defaultLogicalDriveSize(const RaidArray& array) const;
-    /// RAID level code; -1 when no level fits.
-    [[nodiscard]] virtual std::int32_t defaultRAIDLevel(const RaidArray& array) const = 0;
-    [[nodiscard]] virtual std::int32_t defaultWriteCache(const RaidArray& array) const = 0;
-    /// HIGH for every class.
-    [[nodiscard]] virtual std::int32_t defaultRebuildRate() const;
-    [[nodiscard]] virtual std::int32_t defaultReadAhead() const = 0;
-    [[nodiscard]] virtual std::int32_t defaultStripeSize() const = 0;
-    [[nodiscard]] virtual bool canConfigure() const = 0;
-    [[nodiscard]] virtual bool supportsStripeSize(std::int32_t code) const = 0;
-    [[nodiscard]] virtual bool supportsRAIDLevel(std::int32_t code) const = 0;
-
-    /// Makes `controller` the one at hand, as createConfig does. It must outlive the questions.
-    void setController(RAIDController& controller) { controller_ = &controller; }
-
-  protected:
-    [[nodiscard]] const RAIDController& controller() const { return *controller_; }
+    /// The plan, to be asked for once. Its outcome is `planned`; `tooFewDrives` when the controller
+    /// cannot be configured; or `refused` after a fault, which has been reported.
+    [[nodiscard]] ControllerPlan plan();
 
   private:
+    bool createConfig();
+
     // The steps, each true unless it reported a fault.
     bool doHotspares();
     bool doArrays();
@@ -66,28 +49,37 @@ class RAIDConfigCreator {
     bool doCUSTOMHotspares();
     bool doHotspareByNumber(std::int32_t number);
     bool doHotspareByLocation(DrivePosition position);
+    /// How many automatic hot spares there shall be.
+    [[nodiscard]] std::int32_t automaticHotspareCount();
     /// The largest free drive; of equal ones the last in scan order.
     [[nodiscard]] std::optional<DrivePosition> largestFreeDrive() const;
-    bool addHotspare(DrivePosition position);
-    void reportMissingHotspare(const CString& drive);
+    bool addHotspare(DrivePosition position, Reason::Kind why);
+    bool refuseMissingHotspare(const CString& drive, DrivePosition position);
 
+    class ArrayBuilder;
     bool doAUTOArrays();
     bool doCUSTOMArrays();
     bool doArrayByNumber(const RaidArray& entry);
     bool doArrayByLocation(const RaidArray& entry);
     bool doArrayByAllRemaining();
-    /// A new array of `first` and the free drives of like size, all marked used.
+    /// A new array of `first` and the free drives of like size, all of them taken.
     [[nodiscard]] RaidArray collectLikeDrives(DrivePosition first);
     bool addArray(RaidArray array);
     /// Adds the array of a policy's list, unless the list names more drives than an array holds.
     bool addListedArray(const RaidArray& entry, RaidArray array);
-    void reportMissingDrive(const CString& drive);
+    bool refuseMissingDrive(const CString& drive, DrivePosition position);
 
     bool doAUTOLogicalDrives();
     bool doCUSTOMLogicalDrives();
     bool addLogicalDrive(const LogicalDrive& drive);
     /// The logical drive of an array by the policy's defaults, or else by those of the class.
-    [[nodiscard]] LogicalDrive automaticLogicalDrive(std::size_t arrayIndex) const;
+    [[nodiscard]] LogicalDrive automaticLogicalDrive(std::size_t arrayIndex);
+    /// The reasons for the next logical drive, which is planned as the policy's entry says.
+    void explainCustom(const LogicalSpecification& entry, const LogicalDrive& drive);
+    /// "Logical.1" for the first.
+    [[nodiscard]] CString logicalKeyword() const;
+    /// A fault of the next logical drive, which is for this array.
+    [[nodiscard]] Fault makeLogicalFault(FaultKind kind, std::int32_t arrayIndex) const;
     /// The size that is planned for `sizeMb` of a policy: MB, or FILL.
     [[nodiscard]] std::int32_t plannedSize(std::int32_t sizeMb, std::int32_t raidLevel,
                                            std::size_t arrayIndex) const;
@@ -95,7 +87,7 @@ class RAIDConfigCreator {
     [[nodiscard]] double remainingMb(double fraction, std::size_t arrayIndex) const;
     /// Whether the logical drive's array has a number of drives that its RAID level takes; if not,
     /// that has been reported.
-    bool isRAIDLevelOK(const LogicalDrive& drive, const RAIDConfiguration& configuration);
+    bool isRAIDLevelOK(const LogicalDrive& drive);
 
     /// The RAID level of the first custom logical drive on the array; -1 when there is none.
     std::int32_t getArrayRAIDLevel(std::size_t arrayIndex);
@@ -105,15 +97,36 @@ class RAIDConfigCreator {
     [[nodiscard]] std::size_t maximumDrivesPerArray(std::int32_t raidLevel) const;
 
     [[nodiscard]] bool isFree(DrivePosition position) const;
+    void take(DrivePosition position);
     [[nodiscard]] std::int32_t sizeAt(DrivePosition position) const;
-    [[nodiscard]] Printer& printer() const;
-    [[nodiscard]] const char* policyName() const { return policy_->name.c_str(); }
-    [[nodiscard]] CString modelName() const;
 
-    Application& application_;
-    RAIDController* controller_ = nullptr;
-    const Policy* policy_ = nullptr;
-    std::unique_ptr<RAIDConfiguration> plan_;
+    /// Code of a word of the policy, or the default when it is none, with the reason for it.
+    [[nodiscard]] std::int32_t chooseSetting(Reason::Subject subject, const char* keyword,
+                                             const CString& given, std::int32_t code,
+                                             std::int32_t otherwise);
+    /// A fault with its place: policy, controller and its model.
+    [[nodiscard]] Fault makeFault(FaultKind kind) const;
+    /// Reports the fault and keeps it for the plan. Always false.
+    bool refuse(Fault fault);
+    /// Keeps the reason that `make()` returns, when reasons are wanted.
+    template <typename Make>
+    void explain(Make make) {
+        if (explains_) {
+            result_.reasons.push_back(make());
+        }
+    }
+
+    const RAIDController& controller_;
+    const ConfigDefaults& rules_;
+    const Policy& policy_;
+    const bool explains_;
+    Report& report_;
+    const CString modelName_;
+    std::bitset<static_cast<std::size_t>(RAIDController::channels) *
+                static_cast<std::size_t>(RAIDController::ids)>
+        taken_;
+    RAIDConfiguration layout_;
+    ControllerPlan result_;
 };
 
 } // namespace zolex

@@ -32,11 +32,65 @@ enum class FaultKind : std::int32_t {
     detectorNotRun,              ///< the hardware detector could not be run
     detectorFailed,              ///< number: its exit code
 
-    // Policies
+    // Policies. Place: file, line, column and, in a section, section and keyword
+    policiesUnreadable,       ///< the file could not be opened or read to its end
+    policiesMissing,          ///< the file holds no policy
+    policyCharacterInvalid,   ///< a section should begin here; number: newlines before the fault
+    policyDeclarationInvalid, ///< a header without "]"; number as above
+    policyNameInvalid,        ///< invalid or used before; number as above
+    policiesTooMany,          ///< number as above
+    policyLineInvalid,        ///< not "keyword = value"; number as above
+    policyKeywordInvalid,     ///< number as above
+    policyKeywordRepeated,    ///< place: the later one; wanted: the earlier one as written
+    policyWithoutAppliesTo,   ///< no entry AppliesTo.1
+    policyAppliesToAbsent,    ///< AppliesTo.1 that reads as absent
+    policyWordInvalid,        ///< not one of the words of its keyword
+    policySpecifierInvalid,   ///< of AppliesTo
+    policyControllerNumberInvalid,
+    policyScanOrderInvalid,
+    policyControllerTypeInvalid,
+    policyDriveCountInvalid,
+    policyArrayDefaultsInvalid, ///< not "variance:hotspares"
+    policyHotspareCountInvalid,
+    policyMaxSizeInvalid,
+    policyArrayMissing,      ///< Array_Mode = CUSTOM without Array.A
+    policyDriveListInvalid,  ///< of Array.<letter> or Hotspares
+    policyArrayOrderInvalid, ///< an array after one that is absent
+    policyArrayAfterAll,     ///< an array after one that takes all drives; wanted: its keyword
+    policyArraysTooMany,
+    policyHotsparesTooMany,
+    policyLogicalDefaultsInvalid, ///< not "size:raidlevel(:writecmode)"
+    policyLogicalMissing,         ///< Logical_Mode = CUSTOM without Logical.1
+    policyLogicalInvalid,         ///< not "array:size:raidlevel(:writecmode)"
+    policyArrayLetterInvalid,     ///< no letter, or of no array of the policy
+    policyWriteCacheInvalid,
+    policyRaidLevelInvalid,
+    policySizeInvalid,
+    policyArrayShared,         ///< 5E or 5EE beside another logical drive
+    policyLogicalOrderInvalid, ///< a logical drive after one that is absent
+    captureParametersInvalid,  ///< wanted: the parameters
+    temporaryUnwritable,       ///< no room for temporary files
+    temporaryNotRemoved,       ///< place: file; the run goes on
+    policiesUnwritable,        ///< the policies file cannot be opened for writing
+    policiesWrittenInPart,     ///< writing the policies file failed on the way
 
     // Listings
 
     // Planning
+    planMachineFileUnreadable, ///< `file`: the inventory file
+    planMachineUnknown,
+    planControllerTypeUnknown, ///< `number`: the type
+    planHotspareShortage,      ///< `number`: hot spares asked for
+    planHotspareDriveMissing,  ///< `wanted`: drive number or position
+    planTooManyHotspares,      ///< `number`: how many a plan holds; so for all that are too many
+    planArrayDriveMissing,     ///< `wanted`: drive number or position
+    planTooManyArrays,         ///< `number`: see above
+    planTooManyArrayDrives,    ///< `number`: see above
+    planArrayUnknown,          ///< `array`: index of the array that there is not
+    planRaidLevelUnsupported,  ///< `wanted`: the level; `possible`: those that there are
+    planRaidLevelDriveCount,   ///< `wanted`: the level; `number`: drives; `possible`: drives
+    planTooManyLogicalDrives,  ///< `number`: see above
+    planStripeSizeUnsupported, ///< `wanted`: KB; `possible`: those that there are
 
     // Command lines of a utility
     typeWithoutGenerator, ///< number: the type
@@ -57,6 +111,7 @@ enum class FaultKind : std::int32_t {
 struct FaultPlace {
     CString file{};              ///< name as it was given
     std::int32_t line = 0;       ///< from 1
+    std::int32_t column = 0;     ///< from 1, in bytes
     CString section{};           ///< name of the policy, or of another section, without brackets
     CString keyword{};           ///< entry of the section
     CString model{};             ///< model name of the controller

@@ -317,9 +317,4 @@ CString ControllerList::dumpText(bool withConfiguration) const {
     return text;
 }
 
-Machine machineOf(IniFile& inventory) {
-    return {inventory.readString("System", "machType", ""),
-            inventory.readString("System", "serial", "")};
-}
-
 } // namespace zolex

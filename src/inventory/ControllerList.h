@@ -65,7 +65,4 @@ class ControllerList {
     std::vector<RAIDController> controllers_;
 };
 
-/// The machine that an inventory file names.
-[[nodiscard]] Machine machineOf(IniFile& inventory);
-
 } // namespace zolex

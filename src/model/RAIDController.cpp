@@ -116,6 +116,15 @@ bool RAIDController::setUsed(std::int32_t channel, std::int32_t id, bool used) {
     Drive* drive = at(channel, id);
     if (drive != nullptr) {
         drive->used = used;
+        drive->member = drive->member && used;
+    }
+    return drive != nullptr;
+}
+
+bool RAIDController::setMember(std::int32_t channel, std::int32_t id) {
+    Drive* drive = at(channel, id);
+    if (drive != nullptr) {
+        drive->member = true;
     }
     return drive != nullptr;
 }
@@ -170,7 +179,12 @@ std::int32_t RAIDController::targetId(std::int32_t channel, std::int32_t id) con
 
 bool RAIDController::isUsed(std::int32_t channel, std::int32_t id) const {
     const Drive* drive = at(channel, id);
-    return drive != nullptr && drive->used;
+    return drive != nullptr && (drive->used || drive->member);
+}
+
+bool RAIDController::usable(DrivePosition position) const {
+    const Drive* drive = at(position.channel, position.id);
+    return drive != nullptr && !drive->used;
 }
 
 const std::optional<CString>& RAIDController::driveType(std::int32_t channel,

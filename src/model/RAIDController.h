@@ -64,7 +64,10 @@ class RAIDController {
     bool addDrive(std::int32_t channel, std::int32_t id, std::int32_t sizeMb, const CString& type,
                   std::int32_t targetId);
     bool setDriveRecord(std::int32_t channel, std::int32_t id, RaidDisk disk);
+    /// The drive cannot be taken by a plan, or (false) it can, and is no member.
     bool setUsed(std::int32_t channel, std::int32_t id, bool used = true);
+    /// The drive is a member of the layout that was captured; a plan may still take it.
+    bool setMember(std::int32_t channel, std::int32_t id);
 
     /// Takes the configuration; null for none.
     bool setConfiguration(std::unique_ptr<RAIDConfiguration> configuration);
@@ -93,7 +96,10 @@ class RAIDController {
     [[nodiscard]] std::int32_t size(std::int32_t channel, std::int32_t id) const;
     /// The drive's id as its utility numbers it; -1 when none was given.
     [[nodiscard]] std::int32_t targetId(std::int32_t channel, std::int32_t id) const;
+    /// Whether the drive cannot be taken, or is a member of the captured layout.
     [[nodiscard]] bool isUsed(std::int32_t channel, std::int32_t id) const;
+    /// Whether a plan may take a drive here; whether there is one does not matter.
+    [[nodiscard]] bool usable(DrivePosition position) const;
     [[nodiscard]] const std::optional<CString>& driveType(std::int32_t channel,
                                                           std::int32_t id) const;
     [[nodiscard]] const RaidDisk& driveRecord(std::int32_t channel, std::int32_t id) const;
@@ -127,7 +133,8 @@ class RAIDController {
     struct Drive {
         std::int32_t sizeMb = noDrive;
         std::int32_t targetId = -1;
-        bool used = false;
+        bool used = false;   ///< cannot be taken
+        bool member = false; ///< of the captured layout
         std::optional<CString> type;
         RaidDisk record;
         friend bool operator==(const Drive&, const Drive&) = default;

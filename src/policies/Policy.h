@@ -38,12 +38,29 @@ struct AppliesTo {
     [[nodiscard]] bool matches(const MatchValues& values) const;
     /// Whether no text and no number is given.
     [[nodiscard]] bool givesNothing() const;
+
+    friend bool operator==(const AppliesTo&, const AppliesTo&) = default;
 };
 
 /// `Array_Defaults`.
 struct ArrayDefaults {
     std::int32_t variancePercent = 0;      ///< 0, 5, 10 or 100
     std::int32_t hotspareCount = notGiven; ///< -25: the class default
+
+    friend bool operator==(const ArrayDefaults&, const ArrayDefaults&) = default;
+};
+
+/// How large a logical drive shall be.
+struct DriveSize {
+    enum class Kind {
+        mb,      ///< `value` MB
+        percent, ///< `value` percent of its array
+        rest,    ///< what is left of its array
+    };
+    Kind kind = Kind::rest;
+    std::int32_t value = 0; ///< above 0; 0 for the rest
+
+    friend bool operator==(const DriveSize&, const DriveSize&) = default;
 };
 
 /// Size, RAID level and write-cache mode of `Logical_Defaults` and `Logical.<n>`.
@@ -52,6 +69,11 @@ struct LogicalSpecification {
     std::int32_t sizeMb = sizeFill;
     std::int32_t raidLevel = raid_level::notGiven;
     std::int32_t writeCache = write_cache::notGiven;
+
+    /// What `sizeMb` says.
+    [[nodiscard]] DriveSize size() const;
+
+    friend bool operator==(const LogicalSpecification&, const LogicalSpecification&) = default;
 };
 
 /// How the names of captured policies begin.
@@ -77,6 +99,13 @@ struct Policy {
     CString init;
     CString maxLogicalDriveSize;
 
+    // The same as codes; nothing when absent.
+    std::optional<std::int32_t> rebuildRateCode; ///< rebuild_rate
+    std::optional<std::int32_t> readAheadCode;   ///< read_ahead
+    std::optional<std::int32_t> stripeSizeCode;  ///< stripe
+    std::optional<std::int32_t> initCode;        ///< init_choice
+    std::optional<std::int32_t> maxLogicalDriveSizeMb;
+
     bool customArrays = false;        ///< `Array_Mode = CUSTOM`
     bool customLogicalDrives = false; ///< `Logical_Mode = CUSTOM`
     ArrayDefaults arrayDefaults;
@@ -86,6 +115,8 @@ struct Policy {
     std::vector<LogicalSpecification> logicalDrives; ///< `Logical.1`, `Logical.2`, ...
     /// `Hotspares`: drive numbers or positions; absent when the keyword is.
     std::optional<RaidArray> hotspares;
+
+    friend bool operator==(const Policy&, const Policy&) = default;
 };
 
 /// Policies in file order.
@@ -99,6 +130,8 @@ class PolicyList {
     [[nodiscard]] std::size_t count() const { return policies_.size(); }
     /// The first policy one of whose entries matches; null when none does.
     [[nodiscard]] const Policy* find(const MatchValues& values) const;
+
+    friend bool operator==(const PolicyList&, const PolicyList&) = default;
 
   private:
     std::vector<Policy> policies_;

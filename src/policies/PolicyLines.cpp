@@ -56,6 +56,9 @@ bool PolicyLines::next(std::string_view& line) {
         }
     }
     line = std::string_view(line_.data(), length);
+    isTerminated_ = line.ends_with('\n');
+    column_ = nextColumn_;
+    nextColumn_ = isTerminated_ ? 1 : nextColumn_ + length;
     return length != 0 && !failed();
 }
 

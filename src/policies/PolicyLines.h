@@ -28,6 +28,10 @@ class PolicyLines {
     /// Newlines read so far: the number of the line that was read last, counted from 1. A line
     /// that did not end in a newline has the number of the line before it.
     [[nodiscard]] std::int64_t number() const { return number_; }
+    /// Where the line that was read last begins in the file: the line there, from 1, and the column
+    /// of its first byte, from 1, which is more than 1 for what stands beyond 255 characters.
+    [[nodiscard]] std::int64_t line() const { return number_ + (isTerminated_ ? 0 : 1); }
+    [[nodiscard]] std::size_t column() const { return column_; }
     /// Whether the file could not be read, or has a line that is longer than longestLine.
     [[nodiscard]] bool failed() const { return wholeLength_ > longestLine || file_.failed(); }
 
@@ -47,6 +51,9 @@ class PolicyLines {
     std::array<char, maxLength> line_{};
     std::int64_t number_ = 0;
     std::size_t wholeLength_ = 0; ///< of the line of the file, as far as it was read
+    bool isTerminated_ = true;    ///< whether the line ended in a newline
+    std::size_t column_ = 1;
+    std::size_t nextColumn_ = 1; ///< of what is read next
 };
 
 /// The line from its first character that is no space (tabs are none).

@@ -1,24 +1,27 @@
 #pragma once
 
+#include "foundation/Report.h"
+#include "policies/PolicyFaults.h"
 #include "policies/PolicyLines.h"
 #include "policies/PolicySection.h"
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 namespace zolex {
 
-class Application;
-
 /// The first pass over a policies file: its shape, the names of its policies and their keywords.
 /// Values are kept as they stand.
 class PolicyScan {
   public:
-    /// `file` is open for reading and must outlive this object.
-    PolicyScan(Application& application, File& file) : application_(application), lines_(file) {}
+    /// `file` is open for reading. All must outlive this object.
+    PolicyScan(File& file, PolicyFaults& faults, Report& report)
+        : faults_(faults), report_(report), lines_(file) {}
 
-    /// Reads the file to its end; false after the first fault, which has been reported.
+    /// Reads the file to its end or, unless the read goes on, to the first fault; whether there was
+    /// none.
     bool run();
     /// The policies in file order.
     [[nodiscard]] std::vector<PolicySection>& sections() { return sections_; }
@@ -27,16 +30,20 @@ class PolicyScan {
     bool advance();
     bool readSection();
     bool readHeader();
+    void skipSection();
     bool readEntries(PolicySection& section);
+    bool readEntry(PolicySection& section);
+    void leaveOutEntry(PolicySection& section);
     bool checkKeywords(const PolicySection& section);
     [[nodiscard]] bool isNewName(std::string_view name) const;
-    bool failAtLine(std::string_view head, std::string_view value, std::string_view tail);
-    bool fail(std::string_view message);
+    bool failAtLine(FaultKind kind, std::string_view piece, std::string_view possible = {});
 
-    Application& application_;
+    PolicyFaults& faults_;
+    Report& report_;
     PolicyLines lines_;
     std::string_view line_; ///< the line at hand
     bool haveLine_ = false;
+    std::int64_t faultyLine_ = 0; ///< line of the file with the latest fault
     std::vector<PolicySection> sections_;
 };
 

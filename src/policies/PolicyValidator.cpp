@@ -1,23 +1,19 @@
 #include "policies/PolicyValidator.h"
 
-#include "controllers/Application.h"
 #include "foundation/Text.h"
 #include "policies/PolicyKeywords.h"
 #include "policies/PolicyValues.h"
 
-#include <array>
+#include <algorithm>
 #include <utility>
 
 namespace zolex {
 
 namespace {
 
-constexpr std::array<std::string_view, 3> rebuildRateWords = {"HIGH", "MED", "LOW"};
-constexpr std::array<std::string_view, 3> readAheadWords = {"ADAPTIVE", "ON", "OFF"};
-constexpr std::array<std::string_view, 9> stripeSizeWords = {
-    "16", "32", "64", "128", "256", "512", "1024", "2048", "4096",
-};
-constexpr std::array<std::string_view, 2> initWords = {"QUICK", "BUILD"};
+constexpr const char* possibleNumber = "a whole number above 0";
+constexpr const char* possibleDrives =
+    "numbers above 0 or positions channel:id, separated by commas";
 
 /// "Array." and the letter of an index.
 CString arrayKeyword(std::size_t index) {
@@ -31,165 +27,175 @@ CString arrayKeyword(std::size_t index) {
 /// A keyword with one of a few words as its value.
 struct PolicyValidator::WordRow {
     const char* keyword;
-    std::span<const std::string_view> words;
-    const char* hint;
+    const char* words;
+    std::optional<std::int32_t> (*parse)(std::string_view);
     CString Policy::*value; ///< where the text as read goes
+    std::optional<std::int32_t> Policy::*code;
 };
 
 std::optional<Policy> PolicyValidator::validate() {
-    const WordRow rebuildRate = {keyword::rebuildRate, rebuildRateWords,
-                                 "\tValid values are:  HIGH MED LOW\n", &Policy::rebuildRate};
-    const WordRow readAhead = {keyword::readAhead, readAheadWords,
-                               "\tValid values are:  ADAPTIVE ON OFF\n", &Policy::readAhead};
-    const WordRow stripeSize = {keyword::stripeSize, stripeSizeWords,
-                                "\tValid values are:  16 32 64 128 256 512 1024 2048 4096\n",
-                                &Policy::stripeSize};
-    const WordRow init = {keyword::init, initWords, "\tValid values are:  QUICK BUILD\n",
-                          &Policy::init};
-
     policy_ = Policy();
     policy_.name = section_.name;
-    const bool valid = readAppliesTo() && readWord(rebuildRate) && readWord(readAhead) &&
-                       readWord(stripeSize) && readMode(keyword::arrayMode, policy_.customArrays) &&
-                       readArrayDefaults() && readMaxLogicalDriveSize() && readArrays() &&
-                       readHotspares() &&
-                       readMode(keyword::logicalMode, policy_.customLogicalDrives) &&
-                       readLogicalDefaults() && readLogicalDrives() && readWord(init);
+    const bool valid = readAll() && !isFaulty_;
     return valid ? std::optional(std::move(policy_)) : std::nullopt;
+}
+
+bool PolicyValidator::readAll() {
+    // clang-format off
+    static constexpr WordRow rebuildRate = {keyword::rebuildRate, "HIGH MED LOW",
+        policy_value::rebuildRate, &Policy::rebuildRate, &Policy::rebuildRateCode};
+    static constexpr WordRow readAhead = {keyword::readAhead, "ADAPTIVE ON OFF",
+        policy_value::readAhead, &Policy::readAhead, &Policy::readAheadCode};
+    static constexpr WordRow stripeSize = {keyword::stripeSize, "16 32 64 128 256 512 1024 2048 4096",
+        policy_value::stripeSize, &Policy::stripeSize, &Policy::stripeSizeCode};
+    static constexpr WordRow init = {keyword::init, "QUICK BUILD",
+        policy_value::initChoice, &Policy::init, &Policy::initCode};
+    // clang-format on
+    return goesOnAfter(readAppliesTo()) && goesOnAfter(readWord(rebuildRate)) &&
+           goesOnAfter(readWord(readAhead)) && goesOnAfter(readWord(stripeSize)) &&
+           goesOnAfter(readMode(keyword::arrayMode, policy_.customArrays)) &&
+           goesOnAfter(readArrayDefaults()) && goesOnAfter(readMaxLogicalDriveSize()) &&
+           readArrays() && goesOnAfter(readHotspares()) &&
+           goesOnAfter(readMode(keyword::logicalMode, policy_.customLogicalDrives)) &&
+           goesOnAfter(readLogicalDefaults()) && readLogicalDrives() && goesOnAfter(readWord(init));
 }
 
 void PolicyValidator::printUnused() const {
     for (const PolicyEntry& entry : section_.entries) {
         if (keyword::isNeverLookedUp(entry.keyword)) {
-            application_.printer().printf(level::progress, "\tNote:  %s, %s has no effect.\n",
-                                          section_.name.c_str(), entry.keyword.c_str());
+            report_.notef(level::progress, "\tNote:  %s, %s has no effect.\n",
+                          section_.name.c_str(), entry.keyword.c_str());
         }
     }
 }
 
 bool PolicyValidator::readWord(const WordRow& row) {
-    const auto value = find(row.keyword);
-    if (value && !policy_value::isOneOf(*value, row.words)) {
-        return fail(row.keyword, " -- Invalid specifier:  ", *value, row.hint);
+    const PolicyEntry* entry = find(row.keyword);
+    if (entry == nullptr) {
+        return true;
     }
-    if (value) {
-        policy_.*row.value = *value;
+    const auto code = row.parse(entry->value);
+    if (!code) {
+        return fail(FaultKind::policyWordInvalid, *entry, entry->value, row.words);
     }
+    policy_.*row.value = entry->value;
+    policy_.*row.code = code;
     return true;
 }
 
 bool PolicyValidator::readMode(const char* keyword, bool& custom) {
-    const auto value = find(keyword);
-    if (value && !text::equalsNoCase(*value, "CUSTOM")) {
-        return fail(keyword, " -- Invalid specifier:  ", *value, "\tValid values are:  CUSTOM\n");
+    const PolicyEntry* entry = find(keyword);
+    if (entry != nullptr && !text::equalsNoCase(entry->value, "CUSTOM")) {
+        return fail(FaultKind::policyWordInvalid, *entry, entry->value, "CUSTOM");
     }
-    custom = value.has_value();
+    custom = entry != nullptr;
     return true;
 }
 
 bool PolicyValidator::readAppliesTo() {
     for (std::int32_t n = 1; n <= keyword::lastAppliesTo; ++n) {
-        const CString keyword = keyword::appliesTo + CString::fromInt(n);
-        const auto value = find(keyword);
-        if (!value && n == 1) {
-            return failPolicy(" -- Each policy must have an AppliesTo.1\n");
+        const PolicyEntry* entry = find(keyword::appliesTo + CString::fromInt(n));
+        // Without any such entry the scan has reported it.
+        if (entry == nullptr && n == 1 && (!faults_.goOn() || section_.find(keyword_) != nullptr) &&
+            !goesOnAfter(failMissing(FaultKind::policyAppliesToAbsent))) {
+            return false;
         }
-        if (value && !readSpecifiers(keyword, *value)) {
+        if (entry != nullptr && !goesOnAfter(readSpecifiers(*entry))) {
             return false;
         }
     }
     return true;
 }
 
-bool PolicyValidator::readSpecifiers(std::string_view keyword, std::string_view value) {
-    AppliesTo entry;
-    for (const std::string_view specifier : policy_value::splitAndTrim(value, ',')) {
-        if (!readSpecifier(keyword, specifier, entry)) {
+bool PolicyValidator::readSpecifiers(const PolicyEntry& entry) {
+    AppliesTo given;
+    for (const std::string_view specifier : policy_value::splitAndTrim(entry.value, ',')) {
+        if (!readSpecifier(entry, specifier, given)) {
             return false;
         }
     }
-    policy_.appliesTo.push_back(std::move(entry));
+    policy_.appliesTo.push_back(std::move(given));
     return true;
 }
 
-bool PolicyValidator::readSpecifier(std::string_view keyword, std::string_view specifier,
-                                    AppliesTo& entry) {
+bool PolicyValidator::readSpecifier(const PolicyEntry& entry, std::string_view specifier,
+                                    AppliesTo& given) {
     if (text::equalsNoCase(specifier, "ALL")) {
-        entry.all = true;
+        given.all = true;
         return true;
     }
     const bool hasLetter = specifier.size() >= 2 && specifier[1] == ':';
     const std::string_view value = hasLetter ? specifier.substr(2) : std::string_view();
     switch (hasLetter ? text::lower(specifier[0]) : '\0') {
     case 'm':
-        entry.machineType = value;
+        given.machineType = value;
         return true;
     case 's':
-        entry.serialNumber = value;
+        given.serialNumber = value;
         return true;
     case 'c':
-        return readSpecifierNumber(keyword, " -- Invalid controller number specified:  ", value,
-                                   entry.controllerNumber);
+        return readSpecifierNumber(entry, FaultKind::policyControllerNumberInvalid, value,
+                                   given.controllerNumber);
     case 'o':
-        return readSpecifierNumber(keyword, " -- Invalid scan order:  ", value, entry.scanOrder);
+        return readSpecifierNumber(entry, FaultKind::policyScanOrderInvalid, value,
+                                   given.scanOrder);
     case 'd':
-        return readSpecifierNumber(keyword, " -- Invalid number of drives specified:  ", value,
-                                   entry.numberOfDrives);
+        return readSpecifierNumber(entry, FaultKind::policyDriveCountInvalid, value,
+                                   given.numberOfDrives);
     case 't':
-        entry.controllerType = value;
-        return application_.catalogue().isValidControllerName(value) ||
-               fail(keyword, " -- Invalid controller type:  ", value, {});
+        given.controllerType = value;
+        return catalogue_.isValidControllerName(value) ||
+               fail(FaultKind::policyControllerTypeInvalid, entry, value);
     default:
-        return fail(keyword, " -- Invalid specifier:  ", specifier, {});
+        return fail(FaultKind::policySpecifierInvalid, entry, specifier, "ALL m: s: c: o: t: d:");
     }
 }
 
-bool PolicyValidator::readSpecifierNumber(std::string_view keyword, std::string_view head,
+bool PolicyValidator::readSpecifierNumber(const PolicyEntry& entry, FaultKind kind,
                                           std::string_view value, std::int32_t& number) {
     const auto parsed = policy_value::nonZeroNumber(value);
     number = parsed.value_or(notGiven);
-    return parsed || fail(keyword, head, value, {});
+    return parsed || fail(kind, entry, value, possibleNumber);
 }
 
 bool PolicyValidator::readArrayDefaults() {
-    const auto value = find(keyword::arrayDefaults);
-    if (!value) {
+    const PolicyEntry* entry = find(keyword::arrayDefaults);
+    if (entry == nullptr) {
         return true;
     }
-    const auto fields = policy_value::split(*value, ':');
+    const auto fields = policy_value::split(entry->value, ':');
     if (fields.size() != 2) {
-        // The message names Array_Mode, not the keyword at hand.
-        return fail(keyword::arrayMode, " -- Invalid format:  ", *value,
-                    "\tValid format is:  variance:hotspares.  Example: 10%:2.\n");
+        return fail(FaultKind::policyArrayDefaultsInvalid, *entry, entry->value,
+                    "variance:hotspares");
     }
     const auto hotspareCount = text::wholeNumber(fields[1]);
     if (!hotspareCount) {
-        return fail(keyword::arrayDefaults, " -- Invalid specifier:  ", fields[1],
-                    "\tValid values for hotspares are:  integers greater than or equal to zero.\n");
+        return fail(FaultKind::policyHotspareCountInvalid, *entry, fields[1],
+                    "integers greater than or equal to zero");
     }
     const auto variance = policy_value::variance(fields[0]);
     if (!variance) {
-        return fail(keyword::arrayDefaults, " -- Invalid specifier:  ", fields[0],
-                    "\tValid values are:  0% 5% 10% 100%\n");
+        return fail(FaultKind::policyWordInvalid, *entry, fields[0], "0% 5% 10% 100%");
     }
     policy_.arrayDefaults = {*variance, *hotspareCount};
     return true;
 }
 
 bool PolicyValidator::readMaxLogicalDriveSize() {
-    const auto value = find(keyword::maxLogicalDriveSize);
-    if (!value) {
+    const PolicyEntry* entry = find(keyword::maxLogicalDriveSize);
+    if (entry == nullptr) {
         return true;
     }
-    const auto size = text::wholeNumber(*value);
+    const auto size = text::wholeNumber(entry->value);
     if (!size) {
-        return fail(keyword::maxLogicalDriveSize, " -- Invalid specifier:  ", *value, {});
+        return fail(FaultKind::policyMaxSizeInvalid, *entry, entry->value, "a whole number");
     }
-    if (application_.settings.debug) {
-        application_.printer().printfAlways("DEBUG:plyreadr:readArrays:MaxLogical=%ld\n",
-                                            static_cast<long>(*size));
+    if (debug_) {
+        report_.notef(level::ungated, "DEBUG:plyreadr:readArrays:MaxLogical=%ld\n",
+                      static_cast<long>(*size));
     }
-    policy_.maxLogicalDriveSize = *value;
+    policy_.maxLogicalDriveSize = entry->value;
+    policy_.maxLogicalDriveSizeMb = size;
     return true;
 }
 
@@ -198,77 +204,83 @@ bool PolicyValidator::readArrays() {
     constexpr std::size_t lookedUp = Policy::maxArrays + 1;
     bool afterGap = false;
     for (std::size_t i = 0; i < lookedUp; ++i) {
-        const CString keyword = arrayKeyword(i);
-        const auto value = find(keyword);
-        if (!value && i == 0 && policy_.customArrays) {
-            return failPolicy(" -- Missing required entry in policies file:  Array.A\n"
-                              "\tThis entry is required when Array_Mode = CUSTOM\n");
-        }
-        if (value && !readArray(keyword, *value, afterGap)) {
+        const PolicyEntry* entry = find(arrayKeyword(i));
+        if (entry == nullptr && i == 0 && policy_.customArrays &&
+            isToBeTold(FaultKind::policyArrayMissing) &&
+            !goesOnAfter(failMissing(FaultKind::policyArrayMissing))) {
             return false;
         }
-        afterGap = afterGap || !value;
+        arrayCount_ = entry != nullptr ? i + 1 : arrayCount_;
+        if (entry != nullptr && !goesOnAfter(readArray(*entry, afterGap))) {
+            return false;
+        }
+        afterGap = afterGap || entry == nullptr;
     }
     return true;
 }
 
-bool PolicyValidator::readArray(std::string_view keyword, std::string_view value, bool afterGap) {
+/// A list at fault still has its place among the arrays.
+bool PolicyValidator::readArray(const PolicyEntry& entry, bool afterGap) {
     RaidArray array;
-    if (text::equalsNoCase(value, "ALL")) {
+    const auto drives = policy_value::driveList(entry.value);
+    if (text::equalsNoCase(entry.value, "ALL")) {
         array.allRemaining = true;
-        array.text = value;
-    } else if (const auto drives = policy_value::driveList(value)) {
+        array.text = entry.value;
+    } else if (drives) {
         array = drives->toArray();
-    } else {
-        return fail(keyword, " -- Invalid format:  ", value, {});
+    } else if (!goesOnAfter(
+                   fail(FaultKind::policyDriveListInvalid, entry, entry.value, possibleDrives))) {
+        return false;
     }
-    if (afterGap) {
-        return failPolicy(" -- Arrays must be specified in sequential-alphabetical order.\n"
-                          "Array.A = ...\nArray.B = ...\nArray.C = ...\n");
-    }
-    if (!policy_.arrays.empty() && policy_.arrays.back().allRemaining) {
-        CString text = " -- Invalid array specified:  ";
-        text.append(keyword).append("\n");
-        text.append("\tThe ALL keyword was specified for a previous array.\n");
-        return failPolicy(text);
-    }
-    if (policy_.arrays.size() == Policy::maxArrays) {
-        return failPolicy(" -- Too many arrays specified.\n"
-                          "\tThe maximum number of arrays that you may specify is 16\n");
+    if (!goesOnAfter(checkPlaceOfArray(entry, afterGap))) {
+        return false;
     }
     policy_.arrays.push_back(std::move(array));
     return true;
 }
 
+bool PolicyValidator::checkPlaceOfArray(const PolicyEntry& entry, bool afterGap) {
+    if (afterGap && !wasTold(FaultKind::policyArrayMissing) &&
+        isToBeTold(FaultKind::policyArrayOrderInvalid)) {
+        return failEntry(FaultKind::policyArrayOrderInvalid, entry);
+    }
+    if (!policy_.arrays.empty() && policy_.arrays.back().allRemaining) {
+        return failEntry(FaultKind::policyArrayAfterAll, entry, keyword_);
+    }
+    if (policy_.arrays.size() == Policy::maxArrays) {
+        return failEntry(FaultKind::policyArraysTooMany, entry);
+    }
+    return true;
+}
+
 bool PolicyValidator::readHotspares() {
-    const auto value = find(keyword::hotspares);
-    if (!value) {
+    const PolicyEntry* entry = find(keyword::hotspares);
+    if (entry == nullptr) {
         return true;
     }
-    const auto drives = policy_value::driveList(*value);
+    const auto drives = policy_value::driveList(entry->value);
     if (!drives) {
-        return fail(keyword::hotspares, " -- Invalid format:  ", *value, {});
+        return fail(FaultKind::policyDriveListInvalid, *entry, entry->value, possibleDrives);
     }
     if (drives->count() > Policy::maxHotspares) {
-        return fail(keyword::hotspares, " -- Too many hot-spare drives specified.", {},
-                    "\tThe maximum number of hot-spare drives that you may specify is 16\n");
+        return fail(FaultKind::policyHotsparesTooMany, *entry, entry->value);
     }
     policy_.hotspares = drives->toArray();
     return true;
 }
 
 bool PolicyValidator::readLogicalDefaults() {
-    const auto value = find(keyword::logicalDefaults);
-    if (!value) {
+    const PolicyEntry* entry = find(keyword::logicalDefaults);
+    if (entry == nullptr) {
         return true;
     }
-    const auto fields = policy_value::split(*value, ':');
+    const auto fields = policy_value::split(entry->value, ':');
     if (fields.size() != 2 && fields.size() != 3) {
-        return fail(keyword::logicalDefaults, " -- Invalid format:  ", *value,
-                    "\tValid format is:  size:raidlevel(:writecmode).  Example: 4096:0:AUTO.\n");
+        return fail(FaultKind::policyLogicalDefaultsInvalid, *entry, entry->value,
+                    "size:raidlevel(:writecmode)");
     }
     LogicalSpecification defaults;
-    if (!readSpecification(keyword::logicalDefaults, fields, defaults)) {
+    if (!readSpecification(*entry, fields, defaults)) {
         return false;
     }
     policy_.logicalDefaults = defaults;
@@ -278,68 +290,72 @@ bool PolicyValidator::readLogicalDefaults() {
 bool PolicyValidator::readLogicalDrives() {
     bool afterGap = false;
     for (std::int32_t n = 1; n <= keyword::lastLogical; ++n) {
-        const CString keyword = keyword::logical + CString::fromInt(n);
-        const auto value = find(keyword);
-        if (!value && n == 1 && policy_.customLogicalDrives) {
-            return failPolicy(" -- Missing required entry in policies file:  Logical.1\n"
-                              "\tThis entry is required when Logical_Mode = CUSTOM\n");
-        }
-        if (value && !readLogicalDrive(keyword, *value, afterGap)) {
+        const PolicyEntry* entry = find(keyword::logical + CString::fromInt(n));
+        if (entry == nullptr && n == 1 && policy_.customLogicalDrives &&
+            isToBeTold(FaultKind::policyLogicalMissing) &&
+            !goesOnAfter(failMissing(FaultKind::policyLogicalMissing))) {
             return false;
         }
-        afterGap = afterGap || !value;
+        if (entry != nullptr && !goesOnAfter(readLogicalDrive(*entry, afterGap))) {
+            return false;
+        }
+        afterGap = afterGap || entry == nullptr;
     }
     return true;
 }
 
-bool PolicyValidator::readLogicalDrive(std::string_view keyword, std::string_view value,
-                                       bool afterGap) {
-    const auto fields = policy_value::split(value, ':');
+bool PolicyValidator::readLogicalDrive(const PolicyEntry& entry, bool afterGap) {
+    const auto fields = policy_value::split(entry.value, ':');
     if (fields.size() != 3 && fields.size() != 4) {
-        return fail(
-            keyword, " -- Invalid format:  ", value,
-            "\tValid format is:  array:size:raidlevel(:writecmode).  Example: A:4096:0:AUTO.\n");
-    }
-    const auto index = policy_value::arrayIndex(fields[0]);
-    if (!index || static_cast<std::size_t>(*index) >= policy_.arrays.size()) {
-        return fail(keyword, " -- Invalid array letter specified:  ", fields[0], {});
+        return fail(FaultKind::policyLogicalInvalid, entry, entry.value,
+                    "array:size:raidlevel(:writecmode)");
     }
     LogicalSpecification drive;
-    drive.arrayIndex = *index;
-    if (!readSpecification(keyword, std::span(fields).subspan(1), drive)) {
+    if (!readArrayLetter(entry, fields[0], drive.arrayIndex) ||
+        !readSpecification(entry, std::span(fields).subspan(1), drive)) {
         return false;
     }
-    if (sharesArrayWith5E(drive)) {
-        return fail(keyword, " -- RAID levels 5E and 5EE only permit one logical drive per array.",
-                    {}, {});
+    if (sharesArrayWith5E(drive) && isToBeTold(FaultKind::policyArrayShared, drive.arrayIndex)) {
+        return failEntry(FaultKind::policyArrayShared, entry);
     }
-    if (afterGap) {
-        return fail(keyword, " -- Logical drives must be specified in sequential order.", {},
-                    "Logical.1 = ...\nLogical.2 = ...\netc.\n");
+    if (afterGap && !wasTold(FaultKind::policyLogicalMissing) &&
+        isToBeTold(FaultKind::policyLogicalOrderInvalid)) {
+        return failEntry(FaultKind::policyLogicalOrderInvalid, entry);
     }
     policy_.logicalDrives.push_back(drive);
     return true;
 }
 
+bool PolicyValidator::readArrayLetter(const PolicyEntry& entry, std::string_view letter,
+                                      std::int32_t& index) {
+    const auto parsed = policy_value::arrayIndex(letter);
+    index = parsed.value_or(-1);
+    const bool isKnown = parsed && static_cast<std::size_t>(index) < arrayCount_;
+    if (isKnown || (parsed && (wasTold(FaultKind::policyArrayMissing) ||
+                               !isToBeTold(FaultKind::policyArrayLetterInvalid, index)))) {
+        return true;
+    }
+    return fail(FaultKind::policyArrayLetterInvalid, entry, letter, "the letter of an array");
+}
+
 /// `fields` are the size, the RAID level and, when there is a third, the write-cache mode.
-bool PolicyValidator::readSpecification(std::string_view keyword,
+bool PolicyValidator::readSpecification(const PolicyEntry& entry,
                                         std::span<const std::string_view> fields,
                                         LogicalSpecification& specification) {
     const auto cache =
         fields.size() > 2 ? policy_value::writeCache(fields[2]) : write_cache::notGiven;
     if (!cache) {
-        return fail(keyword, " -- Invalid write-cache mode specified:  ", fields[2],
-                    "\tValid values are:  OFF ON\n");
+        return fail(FaultKind::policyWriteCacheInvalid, entry, fields[2], "OFF ON AUTO");
     }
     const auto level = policy_value::raidLevel(fields[1]);
     if (!level) {
-        return fail(keyword, " -- Invalid RAID level specified:  ", fields[1],
-                    "\tValid values are:  1E 5E 5EE 10 VOLUME\n");
+        return fail(FaultKind::policyRaidLevelInvalid, entry, fields[1],
+                    "0 1 1E 5 5E 5EE 6 10 50 60 VOLUME, SIMPLE VOLUME, AUTO");
     }
     const auto size = policy_value::logicalDriveSize(fields[0]);
     if (!size) {
-        return fail(keyword, " -- Invalid size specified:  ", fields[0],
-                    "\tValid values are:  a percentage, a size in MB, or FILL\n");
+        return fail(FaultKind::policySizeInvalid, entry, fields[0],
+                    "a percentage, a size in MB, or FILL");
     }
     specification.writeCache = *cache;
     specification.raidLevel = *level;
@@ -361,25 +377,49 @@ bool PolicyValidator::sharesArrayWith5E(const LogicalSpecification& specificatio
     return false;
 }
 
-/// The value of a keyword; nothing when it is absent.
-std::optional<std::string_view> PolicyValidator::find(std::string_view keyword) const {
-    const std::string_view value = section_.lookUp(keyword);
-    return value == absentKeyword ? std::nullopt : std::optional(value);
+/// The entry of a keyword; null when it is absent or reads so.
+const PolicyEntry* PolicyValidator::find(std::string_view keyword) {
+    keyword_ = keyword;
+    const PolicyEntry* entry = section_.find(keyword);
+    return entry == nullptr || entry->value == absentKeyword ? nullptr : entry;
 }
 
-/// Reports a fault of one keyword, in one line and the further lines of `hint`. Always false.
-bool PolicyValidator::fail(std::string_view keyword, std::string_view head, std::string_view value,
-                           std::string_view hint) {
-    CString message = CString::concatenate(section_.name, ", ", keyword);
-    message.append(head).append(value).append("\n").append(hint);
-    application_.printer().errorBlock(message);
-    return false;
+bool PolicyValidator::wasTold(FaultKind kind, std::int32_t array) const {
+    return std::find(told_.begin(), told_.end(), Told{kind, array}) != told_.end();
 }
 
-/// Reports a fault of the policy as a whole. Always false.
-bool PolicyValidator::failPolicy(std::string_view text) {
-    application_.printer().errorBlock(CString::concatenate(section_.name, text));
-    return false;
+/// Whether a fault that is reported once a policy (and array) is to be reported now. What a section
+/// seems to lack may stand in the lines that were left out.
+bool PolicyValidator::isToBeTold(FaultKind kind, std::int32_t array) {
+    const bool lacks = kind != FaultKind::policyArrayShared;
+    if ((lacks && section_.isIncomplete) || wasTold(kind, array)) {
+        return false;
+    }
+    told_.push_back({kind, array});
+    return true;
+}
+
+/// Reports a fault of `piece`, a part of the entry's value. Always false.
+bool PolicyValidator::fail(FaultKind kind, const PolicyEntry& entry, std::string_view piece,
+                           std::string_view possible) {
+    const auto before = static_cast<std::int32_t>(piece.data() - entry.value.data());
+    return add(kind, entry.line, entry.valueColumn + before, piece, possible);
+}
+
+/// Reports a fault of the place or the number of an entry. Always false.
+bool PolicyValidator::failEntry(FaultKind kind, const PolicyEntry& entry, std::string_view wanted) {
+    return add(kind, entry.line, entry.keywordColumn, wanted, {});
+}
+
+/// Reports that the keyword looked up last is missing. Always false.
+bool PolicyValidator::failMissing(FaultKind kind) {
+    return add(kind, section_.line, section_.column, {}, {});
+}
+
+bool PolicyValidator::add(FaultKind kind, std::int32_t line, std::int32_t column,
+                          std::string_view wanted, std::string_view possible) {
+    isFaulty_ = true;
+    return faults_.add(kind, {line, column, section_.name, keyword_, 0}, wanted, possible);
 }
 
 } // namespace zolex

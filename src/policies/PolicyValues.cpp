@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace zolex::policy_value {
 
@@ -30,6 +31,39 @@ constexpr std::array<CodeWord, 13> raidLevelWords = {{
     {"VOLUME",        raid_level::volume},
     {"SIMPLE VOLUME", raid_level::simpleVolume},
     {"AUTO",          raid_level::notGiven},
+}};
+
+/// Words of the rebuild rates and their codes.
+constexpr std::array<CodeWord, 3> rebuildRateWords = {{
+    {"HIGH", rebuild_rate::high},
+    {"MED",  rebuild_rate::medium},
+    {"LOW",  rebuild_rate::low},
+}};
+
+/// Words of the read-ahead modes and their codes.
+constexpr std::array<CodeWord, 3> readAheadWords = {{
+    {"ADAPTIVE", read_ahead::adaptive},
+    {"ON",       read_ahead::on},
+    {"OFF",      read_ahead::off},
+}};
+
+/// Stripe sizes in KB and their codes.
+constexpr std::array<CodeWord, 9> stripeSizeWords = {{
+    {"16",   stripe::kb16},
+    {"32",   stripe::kb32},
+    {"64",   stripe::kb64},
+    {"128",  stripe::kb128},
+    {"256",  stripe::kb256},
+    {"512",  stripe::kb512},
+    {"1024", stripe::kb1024},
+    {"2048", stripe::kb2048},
+    {"4096", stripe::kb4096},
+}};
+
+/// Words of the ways to initialise and their codes.
+constexpr std::array<CodeWord, 2> initWords = {{
+    {"QUICK", init_choice::quick},
+    {"BUILD", init_choice::build},
 }};
 
 /// Words of the write-cache modes and their codes.
@@ -96,11 +130,6 @@ std::vector<std::string_view> splitAndTrim(std::string_view text, char separator
     return parts;
 }
 
-bool isOneOf(std::string_view text, std::span<const std::string_view> words) noexcept {
-    return std::any_of(words.begin(), words.end(),
-                       [text](std::string_view word) { return text::equalsNoCase(word, text); });
-}
-
 std::optional<std::int32_t> nonZeroNumber(std::string_view text) noexcept {
     const std::optional<std::int32_t> number = text::wholeNumber(text);
     return number.value_or(0) > 0 ? number : std::nullopt;
@@ -119,6 +148,22 @@ std::optional<std::int32_t> logicalDriveSize(std::string_view text) noexcept {
         return std::nullopt;
     }
     return -*percent;
+}
+
+std::optional<std::int32_t> rebuildRate(std::string_view text) noexcept {
+    return findCode(rebuildRateWords, text);
+}
+
+std::optional<std::int32_t> readAhead(std::string_view text) noexcept {
+    return findCode(readAheadWords, text);
+}
+
+std::optional<std::int32_t> stripeSize(std::string_view text) noexcept {
+    return findCode(stripeSizeWords, text);
+}
+
+std::optional<std::int32_t> initChoice(std::string_view text) noexcept {
+    return findCode(initWords, text);
 }
 
 std::optional<std::int32_t> raidLevel(std::string_view text) noexcept {

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -18,12 +17,18 @@ namespace zolex::policy_value {
 /// The same, each part trimmed of blanks, tabs and newlines.
 [[nodiscard]] std::vector<std::string_view> splitAndTrim(std::string_view text, char separator);
 
-[[nodiscard]] bool isOneOf(std::string_view text, std::span<const std::string_view> words) noexcept;
-
 /// A whole number above 0.
 [[nodiscard]] std::optional<std::int32_t> nonZeroNumber(std::string_view text) noexcept;
 /// "1%" to "100%": -1 to -100; "FILL": -101; a whole number above 0: MB.
 [[nodiscard]] std::optional<std::int32_t> logicalDriveSize(std::string_view text) noexcept;
+/// "HIGH", "MED", "LOW": the code.
+[[nodiscard]] std::optional<std::int32_t> rebuildRate(std::string_view text) noexcept;
+/// "ADAPTIVE", "ON", "OFF": the code.
+[[nodiscard]] std::optional<std::int32_t> readAhead(std::string_view text) noexcept;
+/// "16", "32", ... "4096" (KB): the code.
+[[nodiscard]] std::optional<std::int32_t> stripeSize(std::string_view text) noexcept;
+/// "QUICK", "BUILD": the code.
+[[nodiscard]] std::optional<std::int32_t> initChoice(std::string_view text) noexcept;
 /// RAID level code; "AUTO" is 12.
 [[nodiscard]] std::optional<std::int32_t> raidLevel(std::string_view text) noexcept;
 /// "OFF", "ON", "AUTO": 0, 1, 2.

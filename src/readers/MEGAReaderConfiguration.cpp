@@ -225,7 +225,7 @@ void MEGAReader::closeMember(VirtualDisk& disk) {
         return;
     }
     ++disk.membersSeen;
-    controller().setUsed(member.channel, member.slot);
+    controller().setMember(member.channel, member.slot);
     addMember(disk.array, {member.channel, member.slot});
 }
 

@@ -10,6 +10,8 @@ namespace zolex::show {
 std::vector<FaultText> faultTexts(const Fault& fault) {
     static constexpr std::array floors = {
         inventoryFaultTexts,
+        policyFaultTexts,
+        planningFaultTexts,
         commandFaultTexts,
     };
     for (const auto& floor : floors) {

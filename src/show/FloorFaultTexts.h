@@ -10,6 +10,8 @@
 namespace zolex::show {
 
 [[nodiscard]] std::optional<std::vector<FaultText>> inventoryFaultTexts(const Fault& fault);
+[[nodiscard]] std::optional<std::vector<FaultText>> planningFaultTexts(const Fault& fault);
+[[nodiscard]] std::optional<std::vector<FaultText>> policyFaultTexts(const Fault& fault);
 [[nodiscard]] std::optional<std::vector<FaultText>> commandFaultTexts(const Fault& fault);
 
 } // namespace zolex::show

@@ -104,26 +104,6 @@ TEST_F(DeployTest, OnSomeMachinesTypeTenControllersAreOrderedByBus) {
     }
 }
 
-TEST_F(DeployTest, AnUnknownTypeIsExitCode10) {
-    platform.fileFake.files["c.ini"] = "[Controller.0]\nType=99\n";
-    platform.fileFake.files["p.ini"] = "[Policy.x]\nAppliesTo.1 = c:2\n";
-    ZOLEX application(platform);
-    application.settings.controllerDefinitionFile = "c.ini";
-    application.settings.policiesFile = "p.ini";
-    ControllerList controllers;
-    ASSERT_TRUE(test::scan(controllers, application));
-    controllers.controller(0)->setConfiguration(std::make_unique<RAIDConfiguration>());
-    application.printer().setVerbosity(level::traces);
-    const ZOLEX::Result result = application.deployConfiguration(controllers);
-    EXPECT_EQ(10U, result.code);
-    EXPECT_FALSE(result.endsProcess);
-    EXPECT_TRUE(output.ends_with("Configuring RAID controllers ...\n\n#### ERROR\n\t"
-                                 "Internal error.  Controller type not found:  "
-                                 "ERROR-NO-CONTROLLER\n"
-                                 "Exiting ZOLEX::deployConfiguration(1)\n"))
-        << output;
-}
-
 TEST_F(DeployTest, DefaultsUseTheBuiltInPolicy) {
     addMegaRaid();
     EXPECT_EQ(0, run({"/d", "/v:5"}));

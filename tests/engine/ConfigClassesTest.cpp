@@ -5,15 +5,16 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <typeinfo>
 
 namespace zolex::test {
 namespace {
 
-std::unique_ptr<RAIDConfigCreator> makeClass(Bench& bench, RAIDController& controller) {
-    auto creator = findConfigClass(controller.type())->create(bench.application);
-    creator->setController(controller);
-    return creator;
+const ConfigDefaults& rulesOf(const RAIDController& controller) {
+    return *rulesFor(controller.type(), controller.subtype());
+}
+
+bool canConfigure(const RAIDController& controller) {
+    return rulesOf(controller).canConfigure(controller.numberOfDrives());
 }
 
 std::string title(std::int32_t type, std::int32_t subtype) {
@@ -58,28 +59,26 @@ TEST(ConfigClasses, HotsparesAndConfigurabilityByNumberOfDrives) {
         { 1,  7, "0000111111", "0111111111"},
     };
     // clang-format on
-    Bench bench;
     for (const ByDriveCount& row : rows) {
         std::string hotspares;
-        std::string canConfigure;
+        std::string configurable;
         for (std::int32_t drives = 0; drives < 10; ++drives) {
             const auto controller = makeController(row.type, row.subtype, equalDrives(drives));
-            const auto creator = makeClass(bench, *controller);
-            hotspares += std::to_string(creator->defaultHotspareCount());
-            canConfigure += creator->canConfigure() ? "1" : "0";
+            hotspares += std::to_string(
+                rulesOf(*controller).defaultHotspareCount(controller->numberOfDrives()));
+            configurable += canConfigure(*controller) ? "1" : "0";
         }
         EXPECT_EQ(hotspares, row.hotspares) << title(row.type, row.subtype);
-        EXPECT_EQ(canConfigure, row.canConfigure) << title(row.type, row.subtype);
+        EXPECT_EQ(configurable, row.canConfigure) << title(row.type, row.subtype);
     }
 }
 
 // Channel 0 is not counted; a drive of size 0 is.
 TEST(ConfigClasses, DrivesAreCountedAsTheControllerCountsThem) {
-    Bench bench;
     const auto uncounted = makeController(12, 3, {{0, 0, 70000}, {0, 1, 70000}});
-    EXPECT_FALSE(makeClass(bench, *uncounted)->canConfigure());
+    EXPECT_FALSE(canConfigure(*uncounted));
     const auto empty = makeController(12, 3, {{1, 0, 0}});
-    EXPECT_TRUE(makeClass(bench, *empty)->canConfigure());
+    EXPECT_TRUE(canConfigure(*empty));
 }
 
 struct FixedAnswers {
@@ -133,22 +132,24 @@ TEST(ConfigClasses, FixedDefaultsAndSupportedCodes) {
     Bench bench;
     for (const FixedAnswers& row : rows) {
         const auto controller = makeController(row.type, row.subtype, equalDrives(4));
-        const auto creator = makeClass(bench, *controller);
-        const RaidArray array = arrayOfNumbers({1, 2});
+        const ConfigDefaults& rules = rulesOf(*controller);
         const std::string at = title(row.type, row.subtype);
-        EXPECT_EQ(creator->defaultWriteCache(array), row.writeCache) << at;
-        EXPECT_EQ(creator->defaultReadAhead(), row.readAhead) << at;
-        EXPECT_EQ(creator->defaultStripeSize(), row.stripeSize) << at;
-        EXPECT_EQ(creator->defaultLogicalDriveSize(array), -101) << at;
-        EXPECT_EQ(creator->defaultRebuildRate(), 0) << at;
+        EXPECT_EQ(rules.writeCache, row.writeCache) << at;
+        EXPECT_EQ(rules.readAhead, row.readAhead) << at;
+        EXPECT_EQ(rules.stripeSize, row.stripeSize) << at;
+        const auto two = makeController(row.type, row.subtype, equalDrives(2));
+        const auto made = planOf(bench, *two, makePolicy()).layout;
+        ASSERT_TRUE(made && made->logicalDrives().size() == 1) << at;
+        EXPECT_EQ(made->logicalDrives().front().sizeMb, -101) << at;
+        EXPECT_EQ(made->rebuildRate, 0) << at;
         std::string stripeSizes;
         for (std::int32_t code = -1; code <= 11; ++code) {
-            stripeSizes += creator->supportsStripeSize(code) ? "1" : "0";
+            stripeSizes += rules.stripeSizes.contains(code) ? "1" : "0";
         }
         EXPECT_EQ(stripeSizes, row.stripeSizes) << at;
         std::string raidLevels;
         for (std::int32_t code = -1; code <= 40; ++code) {
-            raidLevels += creator->supportsRAIDLevel(code) ? std::to_string(code) + " " : "";
+            raidLevels += rules.raidLevels.contains(code) ? std::to_string(code) + " " : "";
         }
         EXPECT_EQ(raidLevels, row.raidLevels) << at;
     }
@@ -189,14 +190,11 @@ TEST(ConfigClasses, DefaultRAIDLevelByDrivesOfTheArray) {
         { 1,  6, "-1 0 1 3 3 3 3 3 3 3 "},
     };
     // clang-format on
-    Bench bench;
     for (const DefaultLevels& row : rows) {
-        const auto controller = makeController(row.type, row.subtype, equalDrives(12));
-        const auto creator = makeClass(bench, *controller);
         std::string levels;
-        for (std::int32_t drives = 0; drives < 10; ++drives) {
-            const RaidArray array = arrayOfNumbers(numbersTo(drives));
-            levels += std::to_string(creator->defaultRAIDLevel(array)) + " ";
+        for (std::size_t drives = 0; drives < 10; ++drives) {
+            const ConfigDefaults& rules = *rulesFor(row.type, row.subtype);
+            levels += std::to_string(rules.defaultRAIDLevel(drives)) + " ";
         }
         EXPECT_EQ(levels, row.levels) << title(row.type, row.subtype);
     }
@@ -205,35 +203,34 @@ TEST(ConfigClasses, DefaultRAIDLevelByDrivesOfTheArray) {
 TEST(ConfigClasses, EveryTypeHasItsClassAndItsTrace) {
     struct Row {
         std::int32_t type;
-        const std::type_info& kind;
+        ConfigClass kind;
         const char* trace;
     };
     const std::vector<Row> rows{
-        {1, typeid(KXConfig), "Creating KXConfig\n"},
-        {2, typeid(KXTConfig), "Creating KXTConfig\n"},
-        {3, typeid(SATAConfig), "Creating SATAConfig\n"},
-        {4, typeid(SCSIConfig), "Creating SCSIConfig\n"},
-        {5, typeid(LSIConfig), "Creating LSIConfig\n"},
-        {6, typeid(IDEConfig), ""},
-        {7, typeid(KXTConfig), "Creating KXTConfig\n"},
-        {8, typeid(SATAConfig), "Creating SATAConfig\n"},
-        {9, typeid(SATAConfig), "Creating SATAConfig\n"},
-        {10, typeid(LSIConfig), "Creating LSIConfig\n"},
-        {11, typeid(KXTConfig), "Creating KXTConfig\n"},
-        {12, typeid(MEGAConfig), "Creating MEGAConfig\n"},
+        {1, ConfigClass::KXConfig, "Creating KXConfig\n"},
+        {2, ConfigClass::KXTConfig, "Creating KXTConfig\n"},
+        {3, ConfigClass::SATAConfig, "Creating SATAConfig\n"},
+        {4, ConfigClass::SCSIConfig, "Creating SCSIConfig\n"},
+        {5, ConfigClass::LSIConfig, "Creating LSIConfig\n"},
+        {6, ConfigClass::IDEConfig, ""},
+        {7, ConfigClass::KXTConfig, "Creating KXTConfig\n"},
+        {8, ConfigClass::SATAConfig, "Creating SATAConfig\n"},
+        {9, ConfigClass::SATAConfig, "Creating SATAConfig\n"},
+        {10, ConfigClass::LSIConfig, "Creating LSIConfig\n"},
+        {11, ConfigClass::KXTConfig, "Creating KXTConfig\n"},
+        {12, ConfigClass::MEGAConfig, "Creating MEGAConfig\n"},
     };
-    Bench bench;
     for (const Row& row : rows) {
-        const ConfigClassEntry* entry = findConfigClass(row.type);
-        ASSERT_NE(entry, nullptr) << row.type;
-        EXPECT_EQ(entry->controllerType, row.type);
-        EXPECT_STREQ(entry->creationTrace, row.trace) << row.type;
-        const std::unique_ptr<RAIDConfigCreator> creator = entry->create(bench.application);
-        const RAIDConfigCreator& made = *creator;
-        EXPECT_EQ(typeid(made), row.kind) << row.type;
+        for (const std::int32_t subtype : {-1, 0, 1, 2, 8, 99}) {
+            const ConfigDefaults* rules = rulesFor(row.type, subtype);
+            ASSERT_NE(rules, nullptr) << title(row.type, subtype);
+            EXPECT_EQ(rules->type, row.type);
+            EXPECT_EQ(rules->configClass, row.kind) << title(row.type, subtype);
+        }
+        EXPECT_STREQ(creationTrace(row.kind), row.trace) << row.type;
     }
     for (const std::int32_t type : {-1, 0, 13, 100}) {
-        EXPECT_EQ(findConfigClass(type), nullptr) << type;
+        EXPECT_EQ(rulesFor(type, -1), nullptr) << type;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "controllers/Application.h"
 #include "engine/ConfigClasses.h"
+#include "engine/RAIDConfigCreator.h"
 #include "model/RAIDController.h"
 #include "policies/Policy.h"
 #include "support/FakePlatform.h"
@@ -105,11 +106,32 @@ inline std::vector<std::int32_t> numbersTo(std::int32_t count) {
     return numbers;
 }
 
-/// Plans `controller` with the class of its type.
+/// The plan of `controller` by the rules of its type.
+inline ControllerPlan planOf(Bench& bench, const RAIDController& controller, const Policy& policy) {
+    return RAIDConfigCreator(controller, 1, *rulesFor(controller.type(), controller.subtype()),
+                             policy, true, bench.application.report())
+        .plan();
+}
+
+/// Keeps a plan in the record: the layout, and as used the drives that the plan says it took.
+inline void keepPlan(RAIDController& controller, const ControllerPlan& plan) {
+    controller.setConfiguration(plan.layout ? std::make_unique<RAIDConfiguration>(*plan.layout)
+                                            : nullptr);
+    for (const Reason& reason : plan.reasons) {
+        if (reason.drive != DrivePosition()) {
+            controller.setUsed(reason.drive.channel, reason.drive.id);
+        }
+    }
+}
+
+/// Plans `controller` and keeps the plan in it.
 inline bool plan(Bench& bench, RAIDController& controller, const Policy& policy) {
-    return findConfigClass(controller.type())
-        ->create(bench.application)
-        ->createConfig(controller, policy);
+    const ControllerPlan made = planOf(bench, controller, policy);
+    keepPlan(controller, made);
+    if (made.fault) {
+        bench.application.returnCode = planningCodeOf(made.fault->kind);
+    }
+    return made.outcome != Outcome::refused;
 }
 
 inline std::string positionText(std::int32_t channel, std::int32_t id) {

@@ -1,5 +1,6 @@
 #include "engine/PolicyInterpreter.h"
 
+#include "driver/KnownMachine.h"
 #include "engine/PlanningFixture.h"
 #include "inventory/ControllerList.h"
 #include "show/Dumps.h"
@@ -45,12 +46,26 @@ struct Machine : Bench {
     RAIDController& add(std::int32_t type, std::int32_t subtype, std::vector<DriveAt> drives) {
         return *controllers.add(*makeController(type, subtype, drives));
     }
+    /// Plans the controllers and keeps the plans in them.
     bool interpret(const PolicyList& policies, std::int32_t verbosity = level::progress) {
         application.printer().setVerbosity(verbosity);
-        return PolicyInterpreter(application, policies).createConfigurations(controllers);
+        PolicyInterpreter interpreter(policies,
+                                      {.reportUnmatched = application.settings.e1, .reasons = true},
+                                      application.report());
+        result = interpreter.createConfigurations(controllers,
+                                                  [this] { return knownMachine(application); });
+        for (std::size_t i = 0; i < result.plans.size(); ++i) {
+            EXPECT_EQ(result.plans[i].number, static_cast<std::int32_t>(i + 1));
+            keepPlan(*controllers.controller(i), result.plans[i]);
+        }
+        return result.done();
+    }
+    [[nodiscard]] std::int32_t returnCode() const {
+        return result.fault ? planningCodeOf(result.fault->kind) : planning_code::none;
     }
 
     ControllerList controllers;
+    PolicyInterpreter::Result result;
 };
 
 TEST(MachineInformation, ComesFromTheDetector) {
@@ -132,7 +147,7 @@ TEST(CreateConfigurations, NoControllerAtAll) {
     EXPECT_EQ(machine.takeOutput(), "Entering PolicyInterpreter::createConfigurations\n"
                                     "Machine type = 8837, serial number = ABC1234\n"
                                     "Exiting PolicyInterpreter::createConfigurations(4)\n");
-    EXPECT_FALSE(machine.application.noDrives);
+    EXPECT_FALSE(machine.result.noDrives);
 }
 
 TEST(CreateConfigurations, TwoControllersOfOneModelAreToldApart) {
@@ -226,7 +241,7 @@ TEST(CreateConfigurations, NoMatchIsReportedAsTheSettingsSay) {
         EXPECT_TRUE(machine.interpret(listOf({policyFor("Policy.a", ofType("Kestrix-B1"))}),
                                       row.verbosity));
         EXPECT_EQ(machine.takeOutput(), row.output);
-        EXPECT_EQ(machine.application.noPolicyFound, row.e1);
+        EXPECT_EQ(machine.result.noPolicyFound, row.e1);
         EXPECT_EQ(machine.controllers.controller(0)->configuration(), nullptr);
         EXPECT_EQ(describeUsed(*machine.controllers.controller(0)), "");
     }
@@ -262,7 +277,7 @@ TEST(CreateConfigurations, ControllersWithoutDrivesSetTheFlag) {
         Machine machine;
         machine.add(12, 2, row.drives);
         EXPECT_TRUE(machine.interpret(listOf({policyFor("Policy.a", ofType(row.model))})));
-        EXPECT_EQ(machine.application.noDrives, row.flag) << row.title;
+        EXPECT_EQ(machine.result.noDrives, row.flag) << row.title;
     }
 }
 
@@ -270,7 +285,7 @@ TEST(CreateConfigurations, TheFlagStandsEvenWhenTheControllerCannotBePlanned) {
     Machine machine;
     machine.add(13, -1, {});
     EXPECT_FALSE(machine.interpret(listOf({policyFor("Policy.a", everything())})));
-    EXPECT_TRUE(machine.application.noDrives);
+    EXPECT_TRUE(machine.result.noDrives);
 }
 
 TEST(CreateConfigurations, AnUnknownTypeIsAnInternalError) {
@@ -303,7 +318,7 @@ TEST(CreateConfigurations, APlanningFaultEndsTheRun) {
     EXPECT_TRUE(output.ends_with("Exiting RAIDConfigCreator::createConfig(2)\n"
                                  "Exiting PolicyInterpreter::createConfigurations(3)\n"))
         << output;
-    EXPECT_EQ(machine.application.returnCode, 12);
+    EXPECT_EQ(machine.returnCode(), 12);
     EXPECT_EQ(after.configuration(), nullptr);
     EXPECT_EQ(describeUsed(after), "");
 }

@@ -160,14 +160,13 @@ TEST(CreateConfig, AFailedPlanRemovesAnEarlierConfiguration) {
     EXPECT_EQ(controller->configuration(), nullptr);
 }
 
-TEST(CreateConfig, OneCreatorPlansSeveralControllers) {
+TEST(CreateConfig, OnePolicyPlansSeveralControllers) {
     Bench bench;
-    const auto creator = findConfigClass(12)->create(bench.application);
     const auto first = makeController(12, 2, equalDrives(3, 100));
     const auto second = makeController(12, 8, equalDrives(3, 100));
     const Policy policy = makePolicy();
-    EXPECT_TRUE(creator->createConfig(*first, policy));
-    EXPECT_TRUE(creator->createConfig(*second, policy));
+    EXPECT_TRUE(plan(bench, *first, policy));
+    EXPECT_TRUE(plan(bench, *second, policy));
     EXPECT_EQ(describe(*first), "A 1:0 1:1 1:2 =300; L A 5 FILL 1; ");
     EXPECT_EQ(describe(*second), "A 1:0 1:1 1:2 =300; L A 0 FILL 1; ");
 }

@@ -29,7 +29,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string before = "; of the operator\n[Policy.mine]\nAppliesTo.1 = m:0000\n";
+const std::string before =
+    "; of the operator\n[Policy.mine]\nAppliesTo.1 = m:0000\nHotspares = 1,2\n";
 
 /// A fake server over the files of the system, in the current directory.
 class RealFiles : public Platform {

@@ -64,6 +64,12 @@ inline void fillMegaRaid(RAIDController& controller) {
     configuration.addHotspare(makeHotspare(8, 7));
 }
 
+/// The generator of an application.
+inline PolicyGenerator makeGenerator(Application& application) {
+    return {application.platform(), application.catalogue(), appending(application.settings),
+            captureOptions(application), application.report()};
+}
+
 /// A capture run up to its generator.
 struct Generation {
     Generation() {
@@ -79,7 +85,7 @@ struct Generation {
         return *controllers.add(*makeController(type, subtype));
     }
     bool run() {
-        PolicyGenerator generator(application);
+        PolicyGenerator generator = makeGenerator(application);
         const bool done = generator.generatePolicies(controllers);
         wrote = generator.wrotePolicies();
         return done;

@@ -224,7 +224,7 @@ struct FaultyGeneration {
         RAIDController& controller = *controllers.add(*makeController(12, 2));
         controller.setSizeAndTarget(1, 0, 1000, 8);
         controller.configuration()->addArray(makeArray({{1, 0}}));
-        done = PolicyGenerator(application).generatePolicies(controllers);
+        done = makeGenerator(application).generatePolicies(controllers);
     }
 
     CountedPlatform platform;
@@ -278,8 +278,8 @@ TEST(PolicyGeneratorFaultsTest, ThePoliciesFileIsLockedFromItsReadingToTheEndOfT
         application.settings.policiesFile = "p.ini";
         application.settings.capture = true;
         ControllerList controllers;
-        fillMegaRaid(*controllers.add(makeController(12, 2)));
-        EXPECT_TRUE(PolicyGenerator(application).generatePolicies(controllers));
+        fillMegaRaid(*controllers.add(*makeController(12, 2)));
+        EXPECT_TRUE(makeGenerator(application).generatePolicies(controllers));
         EXPECT_EQ(platform.watched.opened.size(), 3U);
         EXPECT_EQ(platform.watched.lockCalls, std::vector<std::string>{"p.ini 10000"});
         EXPECT_EQ(platform.watched.locked, "");

@@ -69,6 +69,19 @@ TEST(PolicyLinesTest, BlankLinesCommentsAndSpacesAreLeftOut) {
     EXPECT_EQ(linesOf("a\n   ", true), Lines{"1:a$"});
 }
 
+TEST(PolicyLinesTest, EachLineKnowsWhereItBeginsInTheFile) {
+    test::FakeFileSystem files;
+    files.files["f"] = "a\r\n" + std::string(600, 'x') + "\n" + std::string(255, 'y') + "\nend";
+    const auto file = files.open("f", "r");
+    PolicyLines lines(*file);
+    std::string places;
+    std::string_view line;
+    while (lines.next(line)) {
+        places += std::to_string(lines.line()) + ":" + std::to_string(lines.column()) + " ";
+    }
+    EXPECT_EQ(places, "1:1 2:1 2:256 2:511 3:1 3:256 4:1 ");
+}
+
 TEST(PolicyLinesTest, TheRestOfALongCommentIsNoComment) {
     EXPECT_EQ(linesOf(";" + std::string(254, '-') + "rest\n", true), Lines{"1:rest$"});
 }

@@ -183,7 +183,7 @@ TEST(PolicyReaderTest, LookUpFindsTheFirstSectionAndTheFirstKeyword) {
                                                "Late = x\n"
                                                "[Policy.B]\n"
                                                "Init = b";
-    PolicyReader& reader = reading.reader;
+    test::SettingsReader& reader = reading.reader;
     EXPECT_EQ(reader.lookUp("Policy.A", "Init", "^~"), "first = second");
     EXPECT_EQ(reader.lookUp("POLICY.A", "iNIT", "^~"), "first = second");
     EXPECT_EQ(reader.lookUp("Policy.A", "Empty", "^~"), "");
@@ -274,7 +274,7 @@ TEST(PolicyReaderTest, AReadErrorWithinASectionIsNoFaultOfTheSection) {
             Application application(platform);
             application.settings.policiesFile = "torn.ini";
             application.settings.capture = capture;
-            PolicyReader reader(application);
+            test::SettingsReader reader(application);
             EXPECT_FALSE(reader.read());
             EXPECT_EQ(platform.consoleFake.output,
                       errorBlock("Could not open policies file:  torn.ini\n"))
@@ -319,7 +319,7 @@ TEST(PolicyReaderTest, AFileThatCannotBeReadIsReportedInEveryMode) {
         Application application(platform);
         application.settings.policiesFile = "folder";
         application.settings.capture = capture;
-        PolicyReader reader(application);
+        test::SettingsReader reader(application);
         EXPECT_FALSE(reader.read());
         EXPECT_EQ(platform.consoleFake.output,
                   errorBlock("Could not open policies file:  folder\n"));

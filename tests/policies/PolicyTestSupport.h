@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controllers/Application.h"
+#include "driver/PolicyArguments.h"
 #include "policies/PolicyReader.h"
 #include "support/FakePlatform.h"
 
@@ -13,6 +14,26 @@ namespace zolex::test {
 inline std::string errorBlock(const std::string& message) {
     return "\n#### ERROR\n\t" + message + "\n";
 }
+
+/// The reader of an application, which reads what the settings say at that time.
+class SettingsReader {
+  public:
+    explicit SettingsReader(Application& application)
+        : application_(application),
+          reader_(application.platform().files(), application.catalogue(), application.report()) {}
+
+    bool read() { return reader_.read(policySource(application_.settings)); }
+    CString lookUp(const CString& policyName, const CString& keyword, const CString& defaultValue) {
+        return reader_.lookUp(application_.settings.policiesFile, policyName, keyword,
+                              defaultValue);
+    }
+    [[nodiscard]] const PolicyList* policies() const { return reader_.policies(); }
+    [[nodiscard]] bool hasPolicy(const CString& name) const { return reader_.hasPolicy(name); }
+
+  private:
+    Application& application_;
+    PolicyReader reader_;
+};
 
 /// A reader over a policies file in memory.
 struct PolicyReading {
@@ -34,7 +55,7 @@ struct PolicyReading {
 
     FakePlatform platform;
     Application application{platform};
-    PolicyReader reader{application};
+    SettingsReader reader{application};
 };
 
 } // namespace zolex::test

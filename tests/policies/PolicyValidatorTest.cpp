@@ -396,11 +396,17 @@ PolicySection sectionWithArrays(int count) {
 TEST(PolicyValidatorTest, SixteenArraysAreTheMost) {
     PolicyReading reading;
     const PolicySection sixteen = sectionWithArrays(16);
-    const auto policy = PolicyValidator(reading.application, sixteen).validate();
+    const auto validate = [&reading](const PolicySection& section) {
+        Report& report = reading.application.report();
+        PolicyFaults faults("p.ini", false, report);
+        return PolicyValidator(section, reading.application.catalogue(), false, faults, report)
+            .validate();
+    };
+    const auto policy = validate(sixteen);
     ASSERT_TRUE(policy.has_value());
     EXPECT_EQ(policy->arrays.size(), 16U);
     const PolicySection seventeen = sectionWithArrays(17);
-    EXPECT_FALSE(PolicyValidator(reading.application, seventeen).validate().has_value());
+    EXPECT_FALSE(validate(seventeen).has_value());
     EXPECT_EQ(reading.output(),
               errorBlock("Policy.A -- Too many arrays specified.\n"
                          "\tThe maximum number of arrays that you may specify is 16\n"));

@@ -1,7 +1,8 @@
 #include "properties/Generators.h"
 
+#include "driver/PolicyArguments.h"
 #include "engine/ConfigClasses.h"
-#include "policies/PolicyReader.h"
+#include "engine/PlanController.h"
 
 #include <algorithm>
 #include <array>
@@ -340,26 +341,30 @@ std::vector<Policy> parsePolicies(const std::string& text) {
     application.settings.policiesFile = "p.ini";
     application.printer().setVerbosity(level::always);
     platform.fileFake.files["p.ini"] = text;
-    PolicyReader reader(application);
-    if (!reader.read()) {
+    PolicyReader reader(platform.files(), application.catalogue(), application.report());
+    if (!reader.read(policySource(application.settings))) {
         RC_FAIL("The policies are not valid: " + platform.consoleFake.output + text);
     }
     return reader.policies()->policies();
 }
 
 bool Planner::plan(RAIDController& controller, const Policy& policy) {
-    const bool done =
-        findConfigClass(controller.type())->create(application)->createConfig(controller, policy);
-    platform.consoleFake.output.clear();
-    return done;
+    SilentReport report;
+    const ControllerPlan made = planByPolicy(controller, 1, policy, PlanOptions(), report);
+    controller.setConfiguration(made.layout ? std::make_unique<RAIDConfiguration>(*made.layout)
+                                            : nullptr);
+    for (const Reason& reason : made.reasons) {
+        if (reason.drive != DrivePosition()) {
+            controller.setUsed(reason.drive.channel, reason.drive.id);
+        }
+    }
+    return made.outcome != Outcome::refused;
 }
 
-bool Planner::hasLevels(RAIDController& controller, const RAIDConfiguration& plan) {
-    const auto configClass = findConfigClass(controller.type())->create(application);
-    configClass->setController(controller);
-    return std::all_of(
-        plan.logicalDrives().begin(), plan.logicalDrives().end(),
-        [&](const LogicalDrive& drive) { return configClass->supportsRAIDLevel(drive.raidLevel); });
+bool Planner::hasLevels(const RAIDController& controller, const RAIDConfiguration& plan) {
+    const CodeSet& levels = rulesFor(controller.type(), controller.subtype())->raidLevels;
+    return std::all_of(plan.logicalDrives().begin(), plan.logicalDrives().end(),
+                       [&](const LogicalDrive& drive) { return levels.contains(drive.raidLevel); });
 }
 
 std::string describe(const RAIDConfiguration* configuration) {

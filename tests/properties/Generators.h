@@ -90,15 +90,12 @@ const std::vector<std::string>& allLevels();
 
 // Planning
 
-/// Plans `controller` with the class of its type, as deployment does. The output is dropped.
+/// Plans controllers by the rules of their type, without a word.
 struct Planner {
-    Planner() { application.printer().setVerbosity(level::always); }
+    /// Keeps the plan in the record: the layout, and as used the drives that it takes.
     bool plan(RAIDController& controller, const Policy& policy);
     /// Whether the controller's class has every level of the plan.
-    bool hasLevels(RAIDController& controller, const RAIDConfiguration& plan);
-
-    test::FakePlatform platform;
-    Application application{platform};
+    bool hasLevels(const RAIDController& controller, const RAIDConfiguration& plan);
 };
 
 /// Settings, hot spares, arrays and logical drives in one line; "none" for null.

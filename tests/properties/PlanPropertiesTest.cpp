@@ -1,3 +1,4 @@
+#include "engine/PlanController.h"
 #include "properties/Generators.h"
 #include "properties/Limits.h"
 #include "properties/Property.h"
@@ -37,16 +38,14 @@ std::vector<std::string> positionsOf(const ControllerSpec& spec) {
 
 enum class Mode { automatic, any };
 
-Planned planAny(Mode mode) {
-    Planned planned;
-    planned.spec = *controllers();
+PolicyContext contextFor(const ControllerSpec& spec, Mode mode) {
     PolicyContext context;
-    context.drives = planned.spec.numberedDrives();
-    context.positions = positionsOf(planned.spec);
+    context.drives = spec.numberedDrives();
+    context.positions = positionsOf(spec);
     context.custom = mode == Mode::any;
     context.wild = oneIn(2);
     context.several = true;
-    for (const DriveSpec& drive : planned.spec.drives) {
+    for (const DriveSpec& drive : spec.drives) {
         // What the rest of an array comes to on one, two or four of them.
         if (drive.sizeMb > 0 && drive.sizeMb < 1'000'000 && context.nearMb.size() < 12) {
             context.nearMb.insert(context.nearMb.end(),
@@ -58,7 +57,13 @@ Planned planAny(Mode mode) {
     if (oneIn(8)) {
         context.name = "Policy.AUTO-x";
     }
-    planned.policy = parsePolicies(*policyTexts(context)).front();
+    return context;
+}
+
+Planned planAny(Mode mode) {
+    Planned planned;
+    planned.spec = *controllers();
+    planned.policy = parsePolicies(*policyTexts(contextFor(planned.spec, mode))).front();
     planned.controller = planned.spec.make();
     Planner planner;
     planned.done = planner.plan(*planned.controller, planned.policy);
@@ -457,7 +462,7 @@ TEST(PlanProperties, PlanningTwiceGivesTheSamePlan) {
         if (tallyPlan(tally, planned) && planned.policy.customArrays) {
             tally.count("custom");
         }
-        // Another record of the same controller, and the same class object again.
+        // Another record of the same controller.
         const auto again = planned.spec.make();
         Planner planner;
         RC_ASSERT(planner.plan(*again, planned.policy) == planned.done);
@@ -466,6 +471,52 @@ TEST(PlanProperties, PlanningTwiceGivesTheSamePlan) {
             RC_ASSERT(again->isUsed(drive.channel, drive.id) ==
                       planned.controller->isUsed(drive.channel, drive.id));
         }
+    });
+}
+
+TEST(PlanProperties, PlanningReadsOnly) {
+    checkProperty({{"planned", 15}, {"refused", 5}, {"no policy", 5}}, [](Tally& tally) {
+        const ControllerSpec spec = *controllers();
+        std::string text;
+        for (int i = 1; i <= 2; ++i) {
+            PolicyContext context = contextFor(spec, Mode::any);
+            context.name += std::to_string(i);
+            context.appliesTo = oneOf<std::string>({"ALL", "c:2", "d:4", "m:8837,o:1", "s:other"});
+            text += *policyTexts(context);
+        }
+        PolicyList policies;
+        for (Policy& policy : parsePolicies(text)) {
+            policies.add(std::move(policy));
+        }
+        const Machine machine{"8837", "KQ12345"};
+        const auto controller = spec.make();
+        const RAIDController before = *controller;
+        SilentReport report;
+        const ControllerPlan plan = planController(*controller, 1, policies, machine, report);
+        RC_ASSERT(planController(*controller, 1, policies, machine, report) == plan);
+        RC_ASSERT(*controller == before);
+        RC_ASSERT(machine == (Machine{"8837", "KQ12345"}));
+        switch (plan.outcome) {
+        case Outcome::noPolicy:
+            tally.count("no policy");
+            break;
+        case Outcome::tooFewDrives:
+            tally.count("too few drives");
+            break;
+        case Outcome::refused:
+            tally.count("refused");
+            break;
+        case Outcome::planned:
+            tally.count("planned");
+            break;
+        }
+        RC_ASSERT(plan.layout.has_value() == (plan.outcome == Outcome::planned));
+        RC_ASSERT(plan.fault.has_value() == (plan.outcome == Outcome::refused));
+        // Whatever is kept of a plan, the next one is the same.
+        const auto kept = spec.make();
+        kept->setConfiguration(std::make_unique<RAIDConfiguration>());
+        kept->setMember(1, 0);
+        RC_ASSERT(planController(*kept, 1, policies, machine, report) == plan);
     });
 }
 

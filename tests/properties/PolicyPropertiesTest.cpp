@@ -1,5 +1,5 @@
+#include "driver/PolicyArguments.h"
 #include "inventory/ControllerList.h"
-#include "policies/PolicyGenerator.h"
 #include "properties/Generators.h"
 #include "properties/Limits.h"
 #include "properties/Property.h"
@@ -28,7 +28,8 @@ std::string generate(std::unique_ptr<RAIDController> controller) {
     application.settings.capture = true;
     ControllerList list;
     list.add(std::move(*controller));
-    PolicyGenerator generator(application);
+    PolicyGenerator generator(platform, application.catalogue(), appending(application.settings),
+                              captureOptions(application), application.report());
     if (!generator.generatePolicies(list) || !generator.wrotePolicies()) {
         RC_FAIL("No policy was generated: " + platform.consoleFake.output);
     }

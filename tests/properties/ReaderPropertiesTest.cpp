@@ -1,3 +1,4 @@
+#include "engine/PlanController.h"
 #include "properties/Generators.h"
 #include "properties/Property.h"
 #include "properties/VirtualMachine.h"
@@ -157,10 +158,37 @@ TEST(ReaderProperties, WhateverAListingSaysTheModelStaysInRange) {
                 tally.count("configuration read");
             }
             // What was read can be planned on and written as a policy.
-            machine.application.printer().printAlways(show::dumpText(controller, true));
+            RC_ASSERT(!show::dumpText(controller, true).isEmpty());
             Planner planner;
             static_cast<void>(
                 planner.plan(controller, parsePolicies("[Policy.x]\nAppliesTo.1 = ALL\n").front()));
+        }
+    });
+}
+
+TEST(ReaderProperties, TheLayoutThatWasReadDoesNotMatterToThePlans) {
+    checkProperty({{"planned", 30}, {"configuration read", 30}}, [](Tally& tally) {
+        VirtualMachine machine(*virtualServers());
+        static_cast<void>(machine.deploy("[Policy.x]\nAppliesTo.1 = ALL\n"
+                                         "Array_Defaults = 100%:1\n"));
+        PolicyList policies = makeDefaultPolicyList();
+        SilentReport report;
+        RC_ASSERT(machine.capture(false) == 0U);
+        const std::vector<ControllerPlan> wanted =
+            planControllers(machine.controllers, policies, Machine(), report);
+        RC_ASSERT(machine.capture(true) == 0U);
+        const std::vector<ControllerPlan> plans =
+            planControllers(machine.controllers, policies, Machine(), report);
+        for (std::size_t i = 0; i < machine.controllers.count(); ++i) {
+            const RAIDController& controller = *machine.controllers.controller(i);
+            if (controller.configuration() == nullptr) {
+                continue;
+            }
+            tally.count("configuration read");
+            RC_ASSERT(plans.at(i) == wanted.at(i));
+            if (plans[i].layout) {
+                tally.count("planned");
+            }
         }
     });
 }

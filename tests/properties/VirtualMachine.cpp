@@ -1,10 +1,11 @@
 #include "properties/VirtualMachine.h"
 
+#include "driver/PolicyArguments.h"
 #include "model/Definition.h"
 #include "platform/CommandLineSplit.h"
-#include "policies/PolicyGenerator.h"
 #include "properties/Generators.h"
 #include "roles/Roles.h"
+#include "support/Scan.h"
 
 #include <algorithm>
 #include <ostream>
@@ -210,7 +211,7 @@ VirtualMachine::VirtualMachine(const VirtualServer& virtualServer) {
     platform.respond = [this](const std::string& line) { return respond(line); };
     application.printer().setVerbosity(level::progress);
     application.settings.policiesFile = "p.ini";
-    controllers.initialize(application);
+    test::scan(controllers, application);
     application.machine->machineType = "8837";
     application.machine->serialNumber = "KQ12345";
 }
@@ -240,7 +241,8 @@ std::string VirtualMachine::capturePolicies() {
     RC_ASSERT(capture(true) == 0U);
     application.settings.capture = true;
     application.settings.policiesFile = "captured.ini";
-    PolicyGenerator generator(application);
+    PolicyGenerator generator(platform, application.catalogue(), appending(application.settings),
+                              captureOptions(application), application.report());
     RC_ASSERT(generator.generatePolicies(controllers));
     application.settings.capture = false;
     application.settings.policiesFile = "p.ini";
@@ -250,7 +252,16 @@ std::string VirtualMachine::capturePolicies() {
 unsigned VirtualMachine::deploy(const std::string& policies) {
     commands.clear();
     platform.fileFake.files["p.ini"] = policies;
-    return application.deployConfiguration(controllers).code;
+    const unsigned result = application.deployConfiguration(controllers).code;
+    // What was planned is put into the records, for those who hold the machine against it.
+    for (const ControllerPlan& plan : application.planning().plans) {
+        if (plan.outcome != Outcome::noPolicy) {
+            controllers.controller(static_cast<std::size_t>(plan.number - 1))
+                ->setConfiguration(plan.layout ? std::make_unique<RAIDConfiguration>(*plan.layout)
+                                               : nullptr);
+        }
+    }
+    return result;
 }
 
 } // namespace zolex::properties

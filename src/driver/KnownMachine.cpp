@@ -1,0 +1,15 @@
+#include "driver/KnownMachine.h"
+
+#include "controllers/Application.h"
+#include "inventory/MachineInformation.h"
+
+namespace zolex {
+
+std::optional<Machine> knownMachine(Application& application) {
+    if (application.settings.fake) {
+        return machineOfInventoryFile(application.platform().files(), application.report());
+    }
+    return application.machine;
+}
+
+} // namespace zolex

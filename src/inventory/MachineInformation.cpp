@@ -1,0 +1,23 @@
+#include "inventory/MachineInformation.h"
+
+#include "foundation/IniFile.h"
+#include "foundation/Report.h"
+#include "inventory/ControllerList.h"
+
+namespace zolex {
+
+std::optional<Machine> machineOfInventoryFile(FileSystem& files, Report& report) {
+    report.notef(level::detail, "Getting machine information from file:  %s\n", inventoryFileName);
+    IniFile inventory(files, inventoryFileName, true);
+    if (inventory.loading() != IniFile::Loading::whole) {
+        Fault fault;
+        fault.kind = FaultKind::planMachineFileUnreadable;
+        fault.place.file = inventoryFileName;
+        report.fault(fault);
+        return std::nullopt;
+    }
+    return Machine{inventory.readString("System", "machType", ""),
+                   inventory.readString("System", "serial", "")};
+}
+
+} // namespace zolex
