@@ -34,7 +34,8 @@ void runCommandLine(Input input) {
     platform.fileFake.files["params"] = input.text();
     platform.fileFake.files["contlist.ini"] = input.rest();
     ZOLEX parsed(platform);
-    const unsigned code = parsed.parseCommandLine(static_cast<int>(argv.size()), argv.data());
+    const auto code =
+        static_cast<unsigned>(parsed.parseCommandLine(static_cast<int>(argv.size()), argv.data()));
     check(code == 0 || code == 4, "result of the command line");
     const Settings& settings = parsed.settings;
     check(code != 0 || settings.captureParameters.isEmpty() || settings.capture,

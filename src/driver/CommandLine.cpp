@@ -1,12 +1,14 @@
-#include "driver/ParameterParser.h"
-#include "driver/ZOLEX.h"
+#include "driver/CommandLine.h"
 
+#include "driver/ParameterParser.h"
+#include "foundation/Report.h"
 #include "foundation/TextFile.h"
 #include "platform/CommandLineSplit.h"
 
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zolex {
@@ -94,9 +96,6 @@ constexpr std::array<FlagSetting, 18> flagSettings{{
 }};
 // clang-format on
 
-constexpr unsigned success = 0;
-constexpr unsigned commandLineError = 4;
-
 /// The parameters that an open text file holds; nothing when reading it failed.
 std::optional<std::vector<CString>> readParameters(TextFile& file) {
     std::string content;
@@ -110,130 +109,187 @@ std::optional<std::vector<CString>> readParameters(TextFile& file) {
     return std::vector<CString>(parameters.begin(), parameters.end());
 }
 
-/// Adds the parameters of the file that "@" names to those of the command line; nothing when they
-/// could not be read, which has been reported.
-std::optional<ParameterParser::Result> parseParameterFile(Application& application,
-                                                          ParameterParser& parser) {
-    CString name;
-    if (!parser.lookUp("@", name) || name.isEmpty()) {
-        return ParameterParser::Result::success;
-    }
-    TextFile file(application.platform().files());
-    if (!file.open(name, "r")) {
-        application.platform().console().writeError(
-            formatText("Could not open parameter file:  %s\n", name.c_str()));
-        return ParameterParser::Result::success;
-    }
-    const auto parameters = readParameters(file);
-    if (!parameters) {
-        application.printer().errorBlockf("Could not read parameter file:  %s\n", name.c_str());
-        return std::nullopt;
-    }
-    return parser.parseMore(*parameters, true);
-}
+/// Reads a command line into its record.
+class CommandLineRead {
+  public:
+    CommandLineRead(ParameterParser& parser, FileSystem& files, Report& report)
+        : parser_(parser), files_(files), report_(report) {}
 
-void endInBackslash(CString& directory) {
-    if (!directory.isEmpty() && !directory.endsWith("\\")) {
-        directory.append("\\");
+    CommandLine run(int argc, const char* const* argv) {
+        report_.trace("Entering ZOLEX::parseCommandLine\n");
+        ParameterParser::Result result = parser_.parse(argc, argv, false, true);
+        if (result == ParameterParser::Result::success) {
+            result = parseParameterFile();
+            if (line_.fault) {
+                report_.trace("Exiting ZOLEX::parseCommandLine(4)\n");
+                return std::move(line_);
+            }
+        }
+        switch (result) {
+        case ParameterParser::Result::success:
+            report_.trace("Exiting ZOLEX::parseCommandLine(3)\n");
+            storeSettings();
+            break;
+        case ParameterParser::Result::unknownOrInvalid:
+            line_.wantsUsage = true;
+            fail(FaultKind::parameterUnknown, parser_.faultArgument());
+            break;
+        case ParameterParser::Result::internalError:
+            line_.wantsUsage = true;
+            fail(FaultKind::switchesInvalid, {});
+            break;
+        }
+        return std::move(line_);
     }
-}
 
-unsigned storeVerbosity(Printer& printer, const ParameterParser& parser) {
-    CString value;
-    parser.lookUp("/v:", value);
-    if (value.isEmpty()) {
-        return success;
+  private:
+    /// Adds the parameters of the file that "@" names to those of the command line. One that cannot
+    /// be opened is reported, and the rest counts.
+    ParameterParser::Result parseParameterFile() {
+        CString name;
+        if (!parser_.lookUp("@", name) || name.isEmpty()) {
+            return ParameterParser::Result::success;
+        }
+        TextFile file(files_);
+        if (!file.open(name, "r")) {
+            report_.fault({.kind = FaultKind::parameterFileMissing, .place = {.file = name}});
+            return ParameterParser::Result::success;
+        }
+        const auto parameters = readParameters(file);
+        if (!parameters) {
+            line_.fault =
+                Fault{.kind = FaultKind::parameterFileUnreadable, .place = {.file = name}};
+            report_.fault(*line_.fault);
+            return ParameterParser::Result::success;
+        }
+        return parser_.parseMore(*parameters, true);
     }
-    const std::int32_t wanted = value.toInt();
-    const bool isSilent = wanted == level::always && value == "0";
-    if (!isSilent && wanted != level::progress && wanted != level::detail &&
-        wanted != level::traces) {
-        printer.errorBlockf("Verbose level not supported:  %s\n", value.c_str());
-        return commandLineError;
-    }
-    printer.setVerbosity(wanted);
-    return success;
-}
 
-unsigned storeSValues(Printer& printer, const ParameterParser& parser, Settings& settings) {
-    CString value;
-    parser.lookUp("/s:", value);
-    if (value.isEmpty()) {
-        return success;
+    void storeSettings() {
+        Settings& settings = line_.settings;
+        for (const TextSetting& setting : textSettings) {
+            parser_.lookUp(setting.name, settings.*setting.field);
+        }
+        for (const FlagSetting& setting : flagSettings) {
+            settings.*setting.field = parser_.isFound(setting.name);
+        }
+        if (parser_.isFound("/step2")) {
+            settings.step = 2;
+        } else if (parser_.isFound("/step3")) {
+            settings.step = 3;
+        }
+        if (!storeVerbosity()) {
+            return;
+        }
+        if (CString number; parser_.lookUp("/r:", number)) {
+            settings.restoreNumber = number.toInt();
+        }
+        if (!storeSValues()) {
+            return;
+        }
+        if (!settings.captureParameters.isEmpty()) {
+            settings.capture = true;
+        }
+        endInBackslash(settings.commandPathPrefix);
+        endInBackslash(settings.tempDirectory);
     }
-    if (value.tokenCount(",") != 2) {
-        printer.errorBlockf("Improper syntax for the following parameter:  %s\n", value.c_str());
-        return commandLineError;
-    }
-    settings.sValueA = value.token(",", 0).toInt();
-    settings.sValueB = value.token(",", 1).toInt();
-    return success;
-}
 
-unsigned storeSettings(Printer& printer, const ParameterParser& parser, Settings& settings) {
-    for (const TextSetting& setting : textSettings) {
-        parser.lookUp(setting.name, settings.*setting.field);
+    bool storeVerbosity() {
+        CString value;
+        parser_.lookUp("/v:", value);
+        if (value.isEmpty()) {
+            return true;
+        }
+        const std::int32_t wanted = value.toInt();
+        const bool isSilent = wanted == level::always && value == "0";
+        if (!isSilent && wanted != level::progress && wanted != level::detail &&
+            wanted != level::traces) {
+            return fail(FaultKind::verbosityUnsupported, value, "0 3 5 9");
+        }
+        line_.verbosity = wanted;
+        return true;
     }
-    for (const FlagSetting& setting : flagSettings) {
-        settings.*setting.field = parser.isFound(setting.name);
+
+    bool storeSValues() {
+        CString value;
+        parser_.lookUp("/s:", value);
+        if (value.isEmpty()) {
+            return true;
+        }
+        if (value.tokenCount(",") != 2) {
+            return fail(FaultKind::parameterSyntax, value, "a,b");
+        }
+        line_.settings.sValueA = value.token(",", 0).toInt();
+        line_.settings.sValueB = value.token(",", 1).toInt();
+        return true;
     }
-    if (parser.isFound("/step2")) {
-        settings.step = 2;
-    } else if (parser.isFound("/step3")) {
-        settings.step = 3;
+
+    static void endInBackslash(CString& directory) {
+        if (!directory.isEmpty() && !directory.endsWith("\\")) {
+            directory.append("\\");
+        }
     }
-    if (const unsigned result = storeVerbosity(printer, parser); result != success) {
-        return result;
+
+    /// Always false.
+    bool fail(FaultKind kind, const CString& wanted, const char* possible = "") {
+        line_.fault = Fault{.kind = kind, .wanted = wanted, .possible = possible};
+        report_.fault(*line_.fault);
+        return false;
     }
-    if (CString number; parser.lookUp("/r:", number)) {
-        settings.restoreNumber = number.toInt();
-    }
-    if (const unsigned result = storeSValues(printer, parser, settings); result != success) {
-        return result;
-    }
-    if (!settings.captureParameters.isEmpty()) {
-        settings.capture = true;
-    }
-    endInBackslash(settings.commandPathPrefix);
-    endInBackslash(settings.tempDirectory);
-    return success;
+
+    ParameterParser& parser_;
+    FileSystem& files_;
+    Report& report_;
+    CommandLine line_;
+};
+
+Fault conflict(const char* parameters) {
+    return {.kind = FaultKind::parametersConflict, .wanted = parameters};
 }
 
 } // namespace
 
-void ZOLEX::addSwitches(ParameterParser& parser) {
+void addSwitches(ParameterParser& parser) {
     for (const Switch& entry : switches) {
         parser.add(entry.name, entry.kind, false, true);
     }
 }
 
-unsigned ZOLEX::parseCommandLine(int argc, const char* const* argv) {
-    printer().trace("Entering ZOLEX::parseCommandLine\n");
-    ParameterParser parser;
-    addSwitches(parser);
-    auto result = parser.parse(argc, argv, false, true);
-    if (result == ParameterParser::Result::success) {
-        const auto more = parseParameterFile(*this, parser);
-        if (!more) {
-            printer().trace("Exiting ZOLEX::parseCommandLine(4)\n");
-            return commandLineError;
+CommandLine readCommandLine(ParameterParser& parser, int argc, const char* const* argv,
+                            FileSystem& files, Report& report) {
+    return CommandLineRead(parser, files, report).run(argc, argv);
+}
+
+Combination checkCombinations(const Settings& settings) {
+    const Settings& s = settings;
+    const bool hasFile = !s.policiesFile.isEmpty();
+    Combination result;
+    if (!hasFile && !s.defaults && !s.restore) {
+        if (!s.restoreWithNumber) {
+            if (s.e2) {
+                result.detectionCheck = true;
+            } else {
+                result.fault = Fault{.kind = FaultKind::parameterMissing, .wanted = "/f:"};
+            }
+            return result;
         }
-        result = *more;
+        // Only the last two rules hold for "/r:" alone.
+    } else if (s.restore && s.capture) {
+        result.fault = conflict("/r /c");
+    } else if (s.restoreWithNumber && s.defaults) {
+        result.fault = conflict("/r: /d");
+    } else if (!s.restoreWithNumber && s.capture && s.defaults) {
+        result.fault = conflict("/c /d");
+    } else if (s.restore && s.restoreWithNumber) {
+        result.fault = conflict("/r /r:");
     }
-    if (result == ParameterParser::Result::unknownOrInvalid) {
-        printer().errorBlock("Unknown parameter.\n");
-        printUsage();
-        printer().trace("Exiting ZOLEX::parseCommandLine(1)\n");
-        return commandLineError;
+    if (!result.fault && hasFile && s.defaults) {
+        result.fault = conflict("/f: /d");
     }
-    if (result == ParameterParser::Result::internalError) {
-        printer().errorBlock("Internal error processing command-line switches.\n");
-        printUsage();
-        printer().trace("Exiting ZOLEX::parseCommandLine(2)\n");
-        return commandLineError;
+    if (!result.fault && (s.e1 || s.e3) && s.runAutomatically) {
+        result.fault = conflict("/e1 or /e3 with /a");
     }
-    printer().trace("Exiting ZOLEX::parseCommandLine(3)\n");
-    return storeSettings(printer(), parser, settings);
+    return result;
 }
 
 } // namespace zolex

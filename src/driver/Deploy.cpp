@@ -1,112 +1,111 @@
-#include "driver/ZOLEX.h"
+#include "driver/Deploy.h"
 
 #include "commands/CommandGenerator.h"
 #include "driver/KnownMachine.h"
 #include "driver/PolicyArguments.h"
+#include "driver/ZOLEX.h"
 
 #include <utility>
 
 namespace zolex {
 
-namespace {
-
-constexpr unsigned success = 0;
-constexpr unsigned noPolicyForController = 1;
-constexpr unsigned controllerWithoutDrives = 3;
-constexpr unsigned policiesInvalid = 5;
-constexpr unsigned resourcesMissing = 10;
-constexpr unsigned commandFailed = 11;
-
-} // namespace
-
-ZOLEX::Result ZOLEX::deployConfiguration(ControllerList& controllers) {
+ModeResult Deploy::run(ControllerList& controllers) {
     constexpr int secondsBeforeDeploy = 10;
-    printer().trace("Entering ZOLEX::deployConfiguration\n");
-    const auto runner = makeRunner();
-    if (!runner) {
-        return {resourcesMissing, false};
+    application_.printer().trace("Entering ZOLEX::deployConfiguration\n");
+    auto tool = application_.makeRunner();
+    if (!tool) {
+        return {ExitCode::resources, false};
     }
-    pauseWithDots(secondsBeforeDeploy);
-    if (const unsigned result = captureConfiguration(controllers); result != success) {
+    CommandRun commands(application_, Mode::deploy, std::move(tool));
+    commands.pause(secondsBeforeDeploy);
+    if (const ExitCode result = application_.captureConfiguration(controllers);
+        result != ExitCode::success) {
         return {result, true};
     }
-    if (reordersByBusNumber()) {
+    if (application_.reordersByBusNumber()) {
         controllers.reorderByBusNumber();
     }
-    if (const unsigned result = planConfigurations(controllers); result != success) {
+    if (const ExitCode result = plan(controllers); result != ExitCode::success) {
         return {result, false};
     }
-    if (const unsigned result = configureControllers(*runner, controllers); result != success) {
+    if (const ExitCode result = configureControllers(commands, controllers);
+        result != ExitCode::success) {
         return {result, false};
     }
-    if (planning_.noPolicyFound && settings.e1) {
-        return {noPolicyForController, false};
+    if (planning_.noPolicyFound && application_.settings.e1) {
+        return {ExitCode::noPolicy, false};
     }
-    if (planning_.noDrives && settings.e3) {
-        return {controllerWithoutDrives, false};
+    if (planning_.noDrives && application_.settings.e3) {
+        return {ExitCode::noDrives, false};
     }
-    printer().print("All configuration commands succeeded.\n", level::progress);
-    printer().trace("Exiting ZOLEX::deployConfiguration(5)\n");
+    application_.printer().print("All configuration commands succeeded.\n", level::progress);
+    application_.printer().trace("Exiting ZOLEX::deployConfiguration(5)\n");
     return {};
 }
 
-unsigned ZOLEX::planConfigurations(ControllerList& controllers) {
-    if (settings.defaults) {
-        printer().print("Using default policy for all RAID controllers.\n", level::progress);
+ExitCode Deploy::plan(ControllerList& controllers) {
+    if (application_.settings.defaults) {
+        application_.printer().print("Using default policy for all RAID controllers.\n",
+                                     level::progress);
     } else {
-        printer().printf(level::progress, "Checking policies file syntax: %s ...\n",
-                         settings.policiesFile.c_str());
+        application_.printer().printf(level::progress, "Checking policies file syntax: %s ...\n",
+                                      application_.settings.policiesFile.c_str());
     }
-    const auto policies = makePolicyReader();
+    const auto policies = application_.makePolicyReader();
     if (!policies) {
-        return resourcesMissing;
+        return ExitCode::resources;
     }
-    if (!policies->read(policySource(settings))) {
-        return policiesInvalid;
+    if (!policies->read(policySource(application_.settings))) {
+        return ExitCode::policies;
     }
     if (policies->policies() == nullptr) {
-        return resourcesMissing;
+        return ExitCode::resources;
     }
-    printer().print("Interpreting policies and determining configurations ...\n", level::progress);
-    PolicyInterpreter interpreter(*policies->policies(), {.reportUnmatched = settings.e1},
-                                  report());
-    planning_ =
-        interpreter.createConfigurations(controllers, [this] { return knownMachine(*this); });
+    application_.printer().print("Interpreting policies and determining configurations ...\n",
+                                 level::progress);
+    PolicyInterpreter interpreter(*policies->policies(),
+                                  {.reportUnmatched = application_.settings.e1},
+                                  application_.report());
+    planning_ = interpreter.createConfigurations(controllers,
+                                                 [this] { return knownMachine(application_); });
     if (planning_.fault) {
-        returnCode = planningCodeOf(planning_.fault->kind);
-        printer().trace("Received an error from interpreter\n");
-        return policiesInvalid;
+        application_.returnCode = planningCodeOf(planning_.fault->kind);
+        application_.printer().trace("Received an error from interpreter\n");
+        return ExitCode::policies;
     }
-    return success;
+    return ExitCode::success;
 }
 
-unsigned ZOLEX::configureControllers(Tool& runner, ControllerList& controllers) {
-    printer().print("Configuring RAID controllers ...", level::progress);
-    printer().print("\n", level::progress);
+ExitCode Deploy::configureControllers(CommandRun& commands, ControllerList& controllers) {
+    application_.printer().print("Configuring RAID controllers ...", level::progress);
+    application_.printer().print("\n", level::progress);
     // Counts over all controllers: the generated commands are one list.
     std::size_t nextCommand = 0;
     for (std::size_t i = 0; i < controllers.count(); ++i) {
-        if (const unsigned result = configureController(runner, *controllers.controller(i),
-                                                        static_cast<int>(i + 1), nextCommand);
-            result != success) {
+        if (const ExitCode result = configureController(commands, *controllers.controller(i),
+                                                        planning_.plans.at(i), nextCommand);
+            result != ExitCode::success) {
             return result;
         }
     }
-    return success;
+    return ExitCode::success;
 }
 
-unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t number,
-                                 const RAIDConfiguration& layout) {
-    const CString model = modelName(controller);
+ExitCode Deploy::generateCommands(const RAIDController& controller, std::int32_t number,
+                                  const RAIDConfiguration& layout) {
+    const CString model = application_.controllerName(controller.type(), controller.subtype());
     if (const GeneratorEntry* entry = findGenerator(controller.type()); entry != nullptr) {
-        printer().trace(entry->creationTrace);
-        printer().printf(level::detail, "\tGenerating commands for controller %d: %s ...\n", number,
-                         model.c_str());
-        printer().printf(level::progress, "        Controller %d:  %s ...", number, model.c_str());
-        printer().print("\n", level::progress);
+        application_.printer().trace(entry->creationTrace);
+        application_.printer().printf(level::detail,
+                                      "\tGenerating commands for controller %d: %s ...\n", number,
+                                      model.c_str());
+        application_.printer().printf(level::progress, "        Controller %d:  %s ...", number,
+                                      model.c_str());
+        application_.printer().print("\n", level::progress);
     }
     CommandLines generated = commandLines(controller, number, layout,
-                                          {.pathPrefix = settings.commandPathPrefix}, report());
+                                          {.pathPrefix = application_.settings.commandPathPrefix},
+                                          application_.report());
     // A line that finds no room is dropped without a message: the run fetches only the first half
     // of the list, so that no line is lost that would have been run.
     static_assert(CommandList::fetchable * 2 == CommandList::slots, "the first half is fetched");
@@ -114,59 +113,59 @@ unsigned ZOLEX::generateCommands(const RAIDController& controller, std::int32_t 
         static_cast<void>(commands_.add(std::move(line)));
     }
     if (!generated.fault) {
-        return success;
+        return ExitCode::success;
     }
     if (generated.fault->kind == FaultKind::typeWithoutGenerator) {
-        printer().trace("Exiting ZOLEX::deployConfiguration(1)\n");
-        return resourcesMissing;
+        application_.printer().trace("Exiting ZOLEX::deployConfiguration(1)\n");
+        return ExitCode::resources;
     }
-    printer().print("An internal error has occurred.\n", level::detail);
-    printer().trace("Exiting ZOLEX::deployConfiguration(2)\n");
-    return commandFailed;
+    application_.printer().print("An internal error has occurred.\n", level::detail);
+    application_.printer().trace("Exiting ZOLEX::deployConfiguration(2)\n");
+    return ExitCode::commandFailed;
 }
 
-unsigned ZOLEX::configureController(Tool& runner, RAIDController& controller, std::int32_t number,
-                                    std::size_t& nextCommand) {
-    const ControllerPlan& plan = planning_.plans.at(static_cast<std::size_t>(number - 1));
+ExitCode Deploy::configureController(CommandRun& commands, RAIDController& controller,
+                                     const ControllerPlan& plan, std::size_t& nextCommand) {
     if (!plan.layout) {
-        printer().printf(level::progress, "\tSkipped %s controller.\n",
-                         modelName(controller).c_str());
-        return success;
+        application_.printer().printf(
+            level::progress, "\tSkipped %s controller.\n",
+            application_.controllerName(controller.type(), controller.subtype()).c_str());
+        return ExitCode::success;
     }
-    if (const unsigned result = generateCommands(controller, number, *plan.layout);
-        result != success) {
+    if (const ExitCode result = generateCommands(controller, plan.number, *plan.layout);
+        result != ExitCode::success) {
         return result;
     }
     while (const CString* command = commands_.get(nextCommand)) {
         ++nextCommand;
-        if (!deployCommand(runner, controller, number, *command)) {
-            return commandFailed;
+        if (!deployCommand(commands, controller, plan.number, *command)) {
+            return ExitCode::commandFailed;
         }
     }
-    return success;
+    return ExitCode::success;
 }
 
-bool ZOLEX::deployCommand(Tool& runner, RAIDController& controller, std::int32_t number,
-                          CString command) {
-    printer().printfAlways("Deploy Command=%s\n", command.c_str());
-    if (settings.fake) {
-        command = fakeCommand(controller, Mode::deploy);
+bool Deploy::deployCommand(CommandRun& commands, RAIDController& controller, std::int32_t number,
+                           CString command) {
+    application_.printer().printfAlways("Deploy Command=%s\n", command.c_str());
+    if (application_.settings.fake) {
+        command = commands.fakeCommand(controller);
     }
-    if (settings.noExecuteAll || settings.noExecuteDeploy) {
-        return checkForErrors(controller, number, 0, Mode::deploy);
+    if (application_.settings.noExecuteAll || application_.settings.noExecuteDeploy) {
+        return checkForErrors(application_, controller, number, 0, Mode::deploy);
     }
-    if (!runCommand(runner, controller, command)) {
-        printFailure(controller, Mode::deploy);
-        printer().trace("Exiting ZOLEX::deployConfiguration(3)\n");
+    if (!commands.run(controller, command)) {
+        commands.printFailure(controller);
+        application_.printer().trace("Exiting ZOLEX::deployConfiguration(3)\n");
         return false;
     }
-    if (printer().isVerbose()) {
-        printOutput(runner);
+    if (application_.printer().isVerbose()) {
+        commands.printOutput();
     }
-    if (!checkForErrors(controller, number, runner.exitCode(), Mode::deploy)) {
-        printer().printAlways("Deploy Command Standard Output:\n");
-        printOutput(runner);
-        printer().trace("Exiting ZOLEX::deployConfiguration(4)\n");
+    if (!commands.succeeded(controller, number)) {
+        application_.printer().printAlways("Deploy Command Standard Output:\n");
+        commands.printOutput();
+        application_.printer().trace("Exiting ZOLEX::deployConfiguration(4)\n");
         return false;
     }
     return true;

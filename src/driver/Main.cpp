@@ -1,5 +1,10 @@
 #include "driver/ZOLEX.h"
 
+#include "driver/Capture.h"
+#include "driver/CommandLine.h"
+#include "driver/Deploy.h"
+#include "driver/ParameterParser.h"
+#include "driver/Restore.h"
 #include "foundation/ErrorReporter.h"
 #include "foundation/IniFile.h"
 #include "policies/PolicyGenerator.h"
@@ -7,23 +12,12 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace zolex {
 
-namespace {
-
-namespace exit_code {
-constexpr int success = 0;
-constexpr int noControllers = 2;
-constexpr int commandLine = 4;
-constexpr int policyGeneratorFailed = 9;
-constexpr int resources = 10;
-} // namespace exit_code
-
-} // namespace
-
 void ZOLEX::main(int argc, const char* const* argv, Platform& platform) {
-    int code = exit_code::resources;
+    int code = static_cast<int>(ExitCode::resources);
     try {
         code = run(argc, argv, platform);
     } catch (const std::bad_alloc&) {
@@ -43,83 +37,80 @@ int ZOLEX::run(int argc, const char* const* argv) {
     if (argc > 0) {
         settings.programPath = argv[0];
     }
-    if (argc < 2) {
+    if (argc >= 2) {
+        if (const ExitCode result = parseCommandLine(argc, argv); result != ExitCode::success) {
+            return static_cast<int>(result);
+        }
+    }
+    if (argc < 2 || settings.help) {
         printer().setVerbosity(level::detail);
         printUsage();
-        return exit_code::success;
-    }
-    if (const unsigned result = parseCommandLine(argc, argv); result != 0) {
-        return static_cast<int>(result);
-    }
-    if (settings.help) {
-        printer().setVerbosity(level::detail);
-        printUsage();
-        return exit_code::success;
+        return static_cast<int>(ExitCode::success);
     }
     printer().trace("Entering ZOLEX::main\n");
-    switch (checkCombinations()) {
-    case Combination::refused:
-        return exit_code::commandLine;
-    case Combination::detectionCheck:
-        return checkDetection(controllers);
-    case Combination::allowed:
-        break;
+    const Combination combination = checkCombinations(settings);
+    if (combination.fault) {
+        report().fault(*combination.fault);
+        return static_cast<int>(ExitCode::commandLine);
     }
-    return runModes(controllers);
+    return static_cast<int>(combination.detectionCheck ? checkDetection(controllers)
+                                                       : runModes(controllers));
 }
 
-bool ZOLEX::refuse(const char* heading, const char* parameters) {
-    printer().errorBlockf("%s%s\n", heading, parameters);
-    return true;
+ExitCode ZOLEX::parseCommandLine(int argc, const char* const* argv) {
+    ParameterParser parser;
+    addSwitches(parser);
+    CommandLine line = readCommandLine(parser, argc, argv, platform().files(), report());
+    line.settings.programPath = settings.programPath;
+    settings = std::move(line.settings);
+    if (line.verbosity) {
+        printer().setVerbosity(*line.verbosity);
+    }
+    if (line.wantsUsage) {
+        printUsage();
+        printer().trace(line.fault->kind == FaultKind::parameterUnknown
+                            ? "Exiting ZOLEX::parseCommandLine(1)\n"
+                            : "Exiting ZOLEX::parseCommandLine(2)\n");
+    }
+    return line.fault ? ExitCode::commandLine : ExitCode::success;
 }
 
-ZOLEX::Combination ZOLEX::checkCombinations() {
-    const auto conflict = [this](const char* parameters) {
-        return refuse("The following parameters cannot be used in combination:  ", parameters);
-    };
-    const Settings& s = settings;
-    const bool hasFile = !s.policiesFile.isEmpty();
-    const bool hasSource = hasFile || s.defaults;
-    bool refused = false;
-    if (!hasSource && !s.restore) {
-        if (!s.restoreWithNumber) {
-            if (s.e2) {
-                return Combination::detectionCheck;
-            }
-            refuse("Required parameter missing:  ", "/f:");
-            return Combination::refused;
-        }
-        // Only the last two rules hold for "/r:" alone.
-    } else if (s.restore && s.capture) {
-        refused = conflict("/r /c");
-    } else if (s.restoreWithNumber && s.defaults) {
-        refused = conflict("/r: /d");
-    } else if (!s.restoreWithNumber && s.capture && s.defaults) {
-        refused = conflict("/c /d");
-    } else if (s.restore && s.restoreWithNumber) {
-        refused = conflict("/r /r:");
-    }
-    if (!refused && hasFile && s.defaults) {
-        refused = conflict("/f: /d");
-    }
-    if (!refused && (s.e1 || s.e3) && s.runAutomatically) {
-        refused = conflict("/e1 or /e3 with /a");
-    }
-    return refused ? Combination::refused : Combination::allowed;
+void ZOLEX::addSwitches(ParameterParser& parser) {
+    zolex::addSwitches(parser);
 }
 
-int ZOLEX::checkDetection(ControllerList& controllers) {
+ModeResult ZOLEX::deployConfiguration(ControllerList& controllers) {
+    Deploy mode(*this);
+    const ModeResult result = mode.run(controllers);
+    planning_ = mode.planning();
+    return result;
+}
+
+ExitCode ZOLEX::captureConfiguration(ControllerList& controllers) {
+    return Capture(*this, captured_).run(controllers);
+}
+
+ModeResult ZOLEX::restoreDefaults(ControllerList& controllers, std::int32_t number) {
+    return Restore(*this).run(controllers, number);
+}
+
+bool ZOLEX::reordersByBusNumber() const {
+    return machine &&
+           (machine->machineType.contains("5941") || machine->machineType.contains("5944"));
+}
+
+ExitCode ZOLEX::checkDetection(ControllerList& controllers) {
     printer().setVerbosity(level::progress);
     if (!scanControllers(controllers)) {
-        return exit_code::resources;
+        return ExitCode::resources;
     }
     if (controllers.count() == 0) {
         printer().print("No supported RAID controllers found.\n", level::progress);
-        return exit_code::noControllers;
+        return ExitCode::noControllers;
     }
     printer().printf(level::progress, "Found %d supported RAID controllers.\n",
                      static_cast<int>(controllers.count()));
-    return exit_code::success;
+    return ExitCode::success;
 }
 
 void ZOLEX::applyDefaults() {
@@ -164,70 +155,73 @@ void ZOLEX::printControllers(const ControllerList& controllers) {
     printer().printf(level::progress, "Found %d supported RAID controllers.\n",
                      static_cast<int>(controllers.count()));
     for (std::size_t i = 0; i < controllers.count(); ++i) {
-        printer().printf(level::detail, "\tController %d:  %s\n", static_cast<int>(i + 1),
-                         modelName(*controllers.controller(i)).c_str());
+        printer().printf(
+            level::detail, "\tController %d:  %s\n", static_cast<int>(i + 1),
+            controllerName(controllers.controller(i)->type(), controllers.controller(i)->subtype())
+                .c_str());
     }
 }
 
-void ZOLEX::printFailed(unsigned code) {
+void ZOLEX::printFailed(ExitCode code) {
     printer().printf(level::progress, "\nZOLEX failed with RC=%d \n", static_cast<int>(code));
 }
 
 void ZOLEX::printCompleted() {
-    printer().printf(level::progress, "\nZOLEX completed with RC=%d \n", exit_code::success);
+    printer().printf(level::progress, "\nZOLEX completed with RC=%d \n",
+                     static_cast<int>(ExitCode::success));
 }
 
-int ZOLEX::runModes(ControllerList& controllers) {
+ExitCode ZOLEX::runModes(ControllerList& controllers) {
     applyDefaults();
     if (!findControllers(controllers)) {
-        return exit_code::resources;
+        return ExitCode::resources;
     }
     if (controllers.count() == 0) {
         printer().print("No supported RAID controllers found.\n", level::progress);
         if (settings.e2) {
             printer().trace("Exiting ZOLEX::main(1)\n");
-            return exit_code::noControllers;
+            return ExitCode::noControllers;
         }
         printer().trace("Exiting ZOLEX::main(2)\n");
-        return exit_code::success;
+        return ExitCode::success;
     }
     printControllers(controllers);
     const bool hasSource = settings.defaults || !settings.policiesFile.isEmpty();
     if (settings.restore || settings.restoreWithNumber) {
         printer().trace("Calling restoreDefaults\n");
-        const Result result = restoreDefaults(controllers, settings.restoreNumber);
+        const ModeResult result = restoreDefaults(controllers, settings.restoreNumber);
         if (result.endsProcess) {
-            return static_cast<int>(result.code);
+            return result.code;
         }
         printer().trace("Return from restoreDefaults\n");
-        if (result.code != 0) {
-            return static_cast<int>(result.code); // without a summary
+        if (result.code != ExitCode::success) {
+            return result.code; // without a summary
         }
         printCompleted();
         if (!hasSource) {
             printer().trace("Exiting ZOLEX::main(3)\n");
-            return exit_code::success;
+            return ExitCode::success;
         }
     }
     return settings.capture ? runCapture(controllers) : runDeploy(controllers, hasSource);
 }
 
-int ZOLEX::runCapture(ControllerList& controllers) {
-    if (const unsigned result = captureConfiguration(controllers); result != 0) {
+ExitCode ZOLEX::runCapture(ControllerList& controllers) {
+    if (const ExitCode result = captureConfiguration(controllers); result != ExitCode::success) {
         printFailed(result);
         printer().trace("Exiting ZOLEX::main(4)\n");
-        return static_cast<int>(result);
+        return result;
     }
     const auto generator = makePolicyGenerator();
     if (!generator) {
-        printFailed(exit_code::resources);
+        printFailed(ExitCode::resources);
         printer().trace("Exiting ZOLEX::main(5)\n");
-        return exit_code::resources;
+        return ExitCode::resources;
     }
     if (!generator->generatePolicies(controllers)) {
-        printFailed(exit_code::policyGeneratorFailed);
+        printFailed(ExitCode::policiesNotMade);
         printer().trace("Exiting ZOLEX::main(6)\n");
-        return exit_code::policyGeneratorFailed;
+        return ExitCode::policiesNotMade;
     }
     printer().print(generator->wrotePolicies()
                         ? "ZOLEX complete.  Wrote policies file.\n"
@@ -238,28 +232,24 @@ int ZOLEX::runCapture(ControllerList& controllers) {
         printer().printAlways(controllers.dumpText(true));
     }
     printer().trace("Exiting ZOLEX::main(7)\n");
-    return exit_code::success;
+    return ExitCode::success;
 }
 
-int ZOLEX::runDeploy(ControllerList& controllers, bool hasSource) {
-    Result result;
+ExitCode ZOLEX::runDeploy(ControllerList& controllers, bool hasSource) {
+    ModeResult result;
     if (hasSource) {
         result = deployConfiguration(controllers);
         if (result.endsProcess) {
-            return static_cast<int>(result.code);
+            return result.code;
         }
     }
-    if (result.code != 0) {
+    if (result.code != ExitCode::success) {
         printFailed(result.code);
     } else {
         printCompleted();
     }
     printer().trace("Exiting ZOLEX::main(8)\n");
-    return static_cast<int>(result.code);
-}
-
-CString ZOLEX::modelName(const RAIDController& controller) const {
-    return controllerName(controller.type(), controller.subtype());
+    return result.code;
 }
 
 } // namespace zolex

@@ -105,6 +105,14 @@ enum class FaultKind : std::int32_t {
     hotspareOutsidePositions, ///< the utility cannot be told the drive
 
     // Command line of the program
+    parameterUnknown,        ///< wanted: the argument, where one is known
+    switchesInvalid,         ///< the table of switches itself is at fault
+    parameterFileMissing,    ///< place: file; the run goes on
+    parameterFileUnreadable, ///< place: file
+    verbosityUnsupported,    ///< wanted: the value
+    parameterSyntax,         ///< wanted: the value
+    parameterMissing,        ///< wanted: the switch
+    parametersConflict,      ///< wanted: the switches
 };
 
 /// Where a fault is. Fields that say nothing for its kind are empty, 0 or -1.

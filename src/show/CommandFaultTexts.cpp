@@ -1,20 +1,6 @@
 #include "show/FloorFaultTexts.h"
 
-#include <utility>
-
 namespace zolex::show {
-
-namespace {
-
-std::vector<FaultText> errorBlock(CString text) {
-    return {FaultText{.place = FaultText::Place::errorBlock, .text = std::move(text)}};
-}
-
-std::vector<FaultText> output(CString text) {
-    return {FaultText{.place = FaultText::Place::output, .text = std::move(text)}};
-}
-
-} // namespace
 
 std::optional<std::vector<FaultText>> commandFaultTexts(const Fault& fault) {
     const char* policy = fault.place.section.c_str();

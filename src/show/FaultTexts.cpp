@@ -9,10 +9,8 @@ namespace zolex::show {
 
 std::vector<FaultText> faultTexts(const Fault& fault) {
     static constexpr std::array floors = {
-        inventoryFaultTexts,
-        policyFaultTexts,
-        planningFaultTexts,
-        commandFaultTexts,
+        inventoryFaultTexts, policyFaultTexts,      planningFaultTexts,
+        commandFaultTexts,   commandLineFaultTexts,
     };
     for (const auto& floor : floors) {
         if (std::optional<std::vector<FaultText>> texts = floor(fault)) {

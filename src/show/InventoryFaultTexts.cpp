@@ -6,14 +6,6 @@ namespace {
 
 using Texts = std::vector<FaultText>;
 
-Texts block(CString text) {
-    return {{FaultText::Place::errorBlock, std::move(text), level::ungated}};
-}
-
-Texts line(CString text) {
-    return {{FaultText::Place::output, std::move(text), level::ungated}};
-}
-
 CString missingText(const FaultPlace& place) {
     return formatText("ReadString for section='%s', item='%s' returned value=%s\n",
                       place.section.c_str(), place.keyword.c_str(), "");
@@ -30,46 +22,44 @@ std::optional<Texts> inventoryFaultTexts(const Fault& fault) {
     const FaultPlace& place = fault.place;
     switch (fault.kind) {
     case FaultKind::childPipe:
-        return line("CreatePipe Faield:Tool::Tool()\n");
+        return output("CreatePipe Faield:Tool::Tool()\n");
     case FaultKind::childStillRunning:
-        return line(formatText("\n### Process %s has failed to execute within the five minute "
-                               "limit.\nProcess cancelled.\n",
-                               fault.wanted.c_str()));
+        return output(formatText("\n### Process %s has failed to execute within the five minute "
+                                 "limit.\nProcess cancelled.\n",
+                                 fault.wanted.c_str()));
     case FaultKind::inventoryUnreadable:
-        return block(formatText("Could not read inventory file:  %s\n", place.file.c_str()));
+        return errorBlock(formatText("Could not read inventory file:  %s\n", place.file.c_str()));
     case FaultKind::inventoryWithoutControllers:
-        return block("No Controllers Found in Inventory File\n");
+        return errorBlock("No Controllers Found in Inventory File\n");
     case FaultKind::inventoryTooManyControllers:
-        return block("More than 36 controllers found in Inventory File\n");
+        return errorBlock("More than 36 controllers found in Inventory File\n");
     case FaultKind::inventoryModelMissing:
     case FaultKind::inventorySizeMissing:
-        return line(missingText(place));
+        return output(missingText(place));
     case FaultKind::inventoryModelUnknown:
-        return block("Non-supported Controller Found in Inventory File\n");
+        return errorBlock("Non-supported Controller Found in Inventory File\n");
     case FaultKind::inventoryChannelMissing:
-        return line(missingNumber(fault, "channel"));
+        return output(missingNumber(fault, "channel"));
     case FaultKind::inventoryIdMissing:
-        return line(missingNumber(fault, "id"));
+        return output(missingNumber(fault, "id"));
     case FaultKind::inventoryPositionInvalid:
-        return block(
+        return errorBlock(
             formatText("Drive position out of range in Inventory File:  channel=%d, id=%d\n",
                        place.channel, place.id));
     case FaultKind::definitionUnreadable:
-        return block(
+        return errorBlock(
             formatText("Could not read controller-definition file:  %s\n", place.file.c_str()));
     case FaultKind::definitionMissing:
-        return Texts{
-            {FaultText::Place::error,
-             formatText("Could not open controller-definition file:  %s\n", place.file.c_str()),
-             level::ungated}};
+        return errorStream(
+            formatText("Could not open controller-definition file:  %s\n", place.file.c_str()));
     case FaultKind::tooManyControllers:
-        return block("More than 36 RAID controllers found; only the first 36 are used.\n");
+        return errorBlock("More than 36 RAID controllers found; only the first 36 are used.\n");
     case FaultKind::detectorRunnerMissing:
-        return line("ZOLEXSupport.gatherHardwareInfo: util is NULL\n");
+        return output("ZOLEXSupport.gatherHardwareInfo: util is NULL\n");
     case FaultKind::detectorNotRun:
-        return line("ZOLEXSupport.gatherHardwareInfo:Execution failed.\n");
+        return output("ZOLEXSupport.gatherHardwareInfo:Execution failed.\n");
     case FaultKind::detectorFailed:
-        return line(
+        return output(
             formatText("ZOLEXSupport.gatherHardwareInfo: Return code is %d.\n", fault.number));
     default:
         return std::nullopt;

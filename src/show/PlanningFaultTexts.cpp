@@ -12,13 +12,11 @@ char arrayLetter(const Fault& fault) {
     return static_cast<char>('A' + fault.place.array);
 }
 
-std::vector<FaultText> block(CString text) {
-    return {{FaultText::Place::errorBlock, std::move(text), level::ungated}};
-}
+using show::errorBlock;
 
 /// With a line of its own at verbosity 1.
-std::vector<FaultText> block(CString text, const char* shortage) {
-    std::vector<FaultText> texts = block(std::move(text));
+std::vector<FaultText> errorBlock(CString text, const char* shortage) {
+    std::vector<FaultText> texts = errorBlock(std::move(text));
     texts.push_back({FaultText::Place::output, shortage, level::shortage});
     return texts;
 }
@@ -31,53 +29,57 @@ std::optional<std::vector<FaultText>> planningFaultTexts(const Fault& fault) {
     const char* const wanted = fault.wanted.c_str();
     switch (fault.kind) {
     case FaultKind::planMachineFileUnreadable:
-        return block(formatText("Could not read inventory file:  %s\n", fault.place.file.c_str()));
+        return errorBlock(
+            formatText("Could not read inventory file:  %s\n", fault.place.file.c_str()));
     case FaultKind::planMachineUnknown:
-        return block("Could not detect the system machine type or serial number.\n");
+        return errorBlock("Could not detect the system machine type or serial number.\n");
     case FaultKind::planControllerTypeUnknown:
-        return block(formatText("Internal error.  Controller type not found:  %d", fault.number));
+        return errorBlock(
+            formatText("Internal error.  Controller type not found:  %d", fault.number));
     case FaultKind::planHotspareShortage:
-        return block(formatText("%s, Hotspares -- Not enough drives available to create %d "
-                                "hot-spare drives.\n\t%s controller.\n",
-                                policy, fault.number, model),
-                     hotspareShortage);
+        return errorBlock(formatText("%s, Hotspares -- Not enough drives available to create %d "
+                                     "hot-spare drives.\n\t%s controller.\n",
+                                     policy, fault.number, model),
+                          hotspareShortage);
     case FaultKind::planHotspareDriveMissing:
-        return block(formatText("%s, Hotspares -- The following drive does not exist:  %s\n\t%s "
-                                "controller.\n",
-                                policy, wanted, model),
-                     hotspareShortage);
+        return errorBlock(
+            formatText("%s, Hotspares -- The following drive does not exist:  %s\n\t%s "
+                       "controller.\n",
+                       policy, wanted, model),
+            hotspareShortage);
     case FaultKind::planTooManyHotspares:
-        return block(formatText(
+        return errorBlock(formatText(
             "Error in %s -- %s does not support more than 8 hot-spare drives.\n", policy, model));
     case FaultKind::planArrayDriveMissing:
-        return block(formatText("%s, Array.%c -- The following drive does not exist:  %s\n\t%s "
-                                "controller.\n",
-                                policy, arrayLetter(fault), wanted, model),
-                     arrayShortage);
+        return errorBlock(
+            formatText("%s, Array.%c -- The following drive does not exist:  %s\n\t%s "
+                       "controller.\n",
+                       policy, arrayLetter(fault), wanted, model),
+            arrayShortage);
     case FaultKind::planTooManyArrays:
-        return block(
+        return errorBlock(
             formatText("Error in %s -- %s does not support more than 16 arrays.\n", policy, model));
     case FaultKind::planTooManyArrayDrives:
-        return block(formatText(
+        return errorBlock(formatText(
             "Error in %s -- %s does not support more than 32 drives per array.\n", policy, model));
     case FaultKind::planArrayUnknown:
-        return block(
+        return errorBlock(
             formatText("%s -- Invalid array letter specified:  %c\n", policy, arrayLetter(fault)));
     case FaultKind::planRaidLevelUnsupported:
-        return block(formatText("Error in %s -- %s does not support the RAID level specified.\n",
-                                policy, model));
+        return errorBlock(formatText(
+            "Error in %s -- %s does not support the RAID level specified.\n", policy, model));
     case FaultKind::planRaidLevelDriveCount:
-        return block(
+        return errorBlock(
             formatText("Could not use %s to configure %s controller.\nThe number of drives in "
                        "the Array.%c cannot accommodate the RAID level specified.\n",
                        policy, model, arrayLetter(fault)),
             arrayShortage);
     case FaultKind::planTooManyLogicalDrives:
-        return block(formatText("Error in %s -- %s does not support more than 8 logical drives.\n",
-                                policy, model));
+        return errorBlock(formatText(
+            "Error in %s -- %s does not support more than 8 logical drives.\n", policy, model));
     case FaultKind::planStripeSizeUnsupported:
-        return block(formatText("Error in %s -- %s does not support the stripe size specified.\n",
-                                policy, model));
+        return errorBlock(formatText(
+            "Error in %s -- %s does not support the stripe size specified.\n", policy, model));
     default:
         return std::nullopt;
     }

@@ -19,7 +19,7 @@ class CaptureTest : public testing::Test, protected test::ModeRun {
     unsigned capture() {
         EXPECT_TRUE(test::scan(controllers, application));
         platform.consoleFake.takeOutput();
-        return application.captureConfiguration(controllers);
+        return static_cast<unsigned>(application.captureConfiguration(controllers));
     }
 
     ZOLEX application{platform};
@@ -71,7 +71,7 @@ TEST_F(CaptureTest, UnderTheseFlagsTheTestDoubleRunsInsteadOfTheUtility) {
         tested.settings.*flag = true;
         ControllerList list;
         ASSERT_TRUE(test::scan(list, tested));
-        EXPECT_EQ(0U, tested.captureConfiguration(list));
+        EXPECT_EQ(0, static_cast<int>(tested.captureConfiguration(list)));
         EXPECT_NE(std::string::npos,
                   run.output.find(std::string(pdListLine) +
                                   "FakeRAID Command=fakeraid 1 LSI-MegaRAID-8480\n"
@@ -105,7 +105,7 @@ TEST_F(CaptureTest, ACommandThatCannotRunOrDoesNotEndIsExitCode8) {
         tested.printer().setVerbosity(level::progress);
         ControllerList list;
         ASSERT_TRUE(test::scan(list, tested));
-        EXPECT_EQ(8U, tested.captureConfiguration(list));
+        EXPECT_EQ(8, static_cast<int>(tested.captureConfiguration(list)));
         EXPECT_TRUE(run.output.ends_with(
             "     Error gathering information from controller LSI-MegaRAID-8480.\n"))
             << run.output;
@@ -203,7 +203,7 @@ TEST_F(CaptureTest, ASecondCaptureOfARunStartsAfresh) {
     addMegaRaid();
     EXPECT_EQ(0U, capture());
     driveList = test::megaCliDrives(2);
-    EXPECT_EQ(0U, application.captureConfiguration(controllers));
+    EXPECT_EQ(0, static_cast<int>(application.captureConfiguration(controllers)));
     EXPECT_EQ(2, controllers.controller(0)->numberOfDrives());
     EXPECT_EQ(2, controllers.controller(1)->numberOfDrives());
 }
@@ -220,7 +220,7 @@ TEST_F(CaptureTest, TheChildLimitIsTheRunners) {
     EXPECT_EQ(0U, capture());
     EXPECT_EQ(std::chrono::milliseconds(300000), platform.limits.back());
     application.childLimit = std::chrono::milliseconds(7);
-    EXPECT_EQ(0U, application.captureConfiguration(controllers));
+    EXPECT_EQ(0, static_cast<int>(application.captureConfiguration(controllers)));
     EXPECT_EQ(std::chrono::milliseconds(7), platform.limits.back());
 }
 

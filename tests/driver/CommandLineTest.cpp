@@ -16,7 +16,8 @@ unsigned parseInto(ZOLEX& application, const std::vector<std::string>& arguments
     for (const std::string& argument : arguments) {
         argv.push_back(argument.c_str());
     }
-    return application.parseCommandLine(static_cast<int>(argv.size()), argv.data());
+    return static_cast<unsigned>(
+        application.parseCommandLine(static_cast<int>(argv.size()), argv.data()));
 }
 
 class CommandLineTest : public testing::Test {

@@ -99,7 +99,7 @@ TEST_F(DeployTest, OnSomeMachinesTypeTenControllersAreOrderedByBus) {
         application.settings.defaults = true;
         ControllerList controllers;
         ASSERT_TRUE(test::scan(controllers, application));
-        EXPECT_EQ(0U, application.deployConfiguration(controllers).code);
+        EXPECT_EQ(0, static_cast<int>(application.deployConfiguration(controllers).code));
         EXPECT_EQ(row.firstBus, controllers.controller(0)->busNumber());
     }
 }

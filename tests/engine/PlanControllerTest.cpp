@@ -269,7 +269,7 @@ class MirroredMachine {
     /// The controller as a capture reads it.
     const RAIDController& capture(bool withLayout) {
         application_.settings.capture = withLayout;
-        EXPECT_EQ(application_.captureConfiguration(controllers_), 0U);
+        EXPECT_EQ(application_.captureConfiguration(controllers_), ExitCode::success);
         return *controllers_.controller(0);
     }
 

@@ -232,7 +232,7 @@ ChildResult VirtualMachine::respond(const std::string& commandLine) {
 unsigned VirtualMachine::capture(bool withConfiguration) {
     commands.clear();
     application.settings.capture = withConfiguration;
-    const unsigned result = application.captureConfiguration(controllers);
+    const auto result = static_cast<unsigned>(application.captureConfiguration(controllers));
     application.settings.capture = false;
     return result;
 }
@@ -252,7 +252,7 @@ std::string VirtualMachine::capturePolicies() {
 unsigned VirtualMachine::deploy(const std::string& policies) {
     commands.clear();
     platform.fileFake.files["p.ini"] = policies;
-    const unsigned result = application.deployConfiguration(controllers).code;
+    const auto result = static_cast<unsigned>(application.deployConfiguration(controllers).code);
     // What was planned is put into the records, for those who hold the machine against it.
     for (const ControllerPlan& plan : application.planning().plans) {
         if (plan.outcome != Outcome::noPolicy) {
