@@ -122,7 +122,7 @@ bool isCaptureWhole() {
     return policies == all && lastArrays == all;
 }
 
-// Bound by the loading of the program and of the system's libraries.
+// Bound by the start of a process; /bin/true loads the C library, the program loads nothing.
 void usageAgainstTrue(benchmark::State& state) {
     Pairs pairs;
     for (auto _ : state) {
@@ -139,34 +139,47 @@ void usageAgainstTrue(benchmark::State& state) {
 }
 BENCHMARK(usageAgainstTrue)->Iterations(200)->UseManualTime()->Unit(benchmark::kMillisecond);
 
-// Bound by the start of 67 children; with 144 drives, by the reading of 7 MB that they print.
-void captureAgainstBareChildren(benchmark::State& state) {
+// With children that print at once, bound by their start and, with 144 drives, by the reading of
+// the 7 MB that they print; with children that take their time, by that. The parameters are the
+// drives of a controller and the milliseconds of a child.
+void captureAgainstRunner(benchmark::State& state) {
     const WorkingFolder folder;
     layOutServer(static_cast<int>(state.range(0)));
     ::setenv("ZOLEX_PCI_ROOT", (folder.path() / "pci").c_str(), 1);
+    ::unsetenv("ZOLEX_BENCH_DELAY");
     constexpr std::size_t children = 1 + 4 * controllersOfOneUtility + otherControllers;
     if (recordCommands() != children || !isCaptureWhole()) {
         state.SkipWithError("the capture is not whole");
         return;
     }
+    if (state.range(1) > 0) {
+        ::setenv("ZOLEX_BENCH_DELAY", std::to_string(state.range(1)).c_str(), 1);
+    }
     Pairs pairs;
     for (auto _ : state) {
         const Run whole = capture();
-        const Run bare = run({ZOLEX_BENCH_BARE});
-        if (whole.exitCode != 0 || bare.exitCode != 0) {
+        const Run runner = run({ZOLEX_BENCH_RUNNER});
+        if (whole.exitCode != 0 || runner.exitCode != 0) {
             state.SkipWithError("a program failed");
             return;
         }
         state.SetIterationTime(whole.seconds);
-        pairs.add(whole, bare);
+        pairs.add(whole, runner);
     }
     pairs.report(state);
 }
-BENCHMARK(captureAgainstBareChildren)
-    ->Arg(10)
-    ->Arg(36)
-    ->Arg(144)
+BENCHMARK(captureAgainstRunner)
+    ->ArgNames({"drives", "ms"})
+    ->Args({10, 0})
+    ->Args({36, 0})
+    ->Args({144, 0})
     ->Iterations(30)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(captureAgainstRunner)
+    ->ArgNames({"drives", "ms"})
+    ->Args({36, 20})
+    ->Iterations(10)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 

@@ -1,9 +1,12 @@
 // Stands in for a utility: types the file that its arguments name, joined by "_" ("/" as "-"), from
-// the folder "listings" of the current directory. Links no library of C++, so that starting it
-// costs as little as starting a program can.
+// the folder "listings" of the current directory, after the milliseconds that the environment
+// variable ZOLEX_BENCH_DELAY names. Links no library of C++, so that starting it costs as little as
+// starting a program can.
 
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -17,6 +20,11 @@ int main(int argc, char** argv) {
         for (const char* at = argv[i]; *at != '\0' && length + 1 < sizeof name; ++at) {
             name[length++] = *at == '/' ? '-' : *at;
         }
+    }
+    if (const char* const delay = std::getenv("ZOLEX_BENCH_DELAY"); delay != nullptr) {
+        const int milliseconds = std::atoi(delay);
+        const timespec time{milliseconds / 1000, milliseconds % 1000 * 1000000L};
+        ::nanosleep(&time, nullptr);
     }
     const int file = ::open(name, O_RDONLY);
     if (file < 0) {

@@ -259,5 +259,27 @@ TEST(FilesTest, ThePoliciesTellTheTimeOfTheTimeZone) {
     }
 }
 
+#ifndef _WIN32
+TEST(FilesTest, ThePoliciesTellTheTimeOfAPosixZoneFile) {
+    VirtualServer server;
+    ASSERT_EQ(0, server.simulator({"init", ".", "--sample", "configured"}).exitCode);
+    // Zones that have had no summer time for decades.
+    const std::pair<const char*, int> zones[] = {{"Asia/Tokyo", 540}, {"Asia/Kolkata", 330}};
+    for (const auto& [zone, minutes] : zones) {
+        ASSERT_TRUE(std::filesystem::exists(std::string("/usr/share/zoneinfo/") + zone));
+        server.environment["TZ"] = zone;
+        const std::string name = std::string(zone).substr(5) + ".ini";
+        const std::time_t before = std::time(nullptr);
+        ASSERT_EQ(0, server.zolex({"/c", "/f:" + name}).exitCode);
+        const std::time_t after = std::time(nullptr);
+        const auto shown = linesAfter(server.read(name), "; * System time (hh:mm:ss):   ");
+        ASSERT_FALSE(shown.empty());
+        EXPECT_TRUE(shown[0].starts_with(clockText(before, minutes)) ||
+                    shown[0].starts_with(clockText(after, minutes)))
+            << zone << ": " << shown[0] << " is not " << clockText(after, minutes);
+    }
+}
+#endif
+
 } // namespace
 } // namespace zolex::e2e

@@ -2,6 +2,8 @@
 
 #include "platform/posix/ChildRunner.h"
 
+#include "platform/ChildOutput.h"
+
 #include "platform/WrittenProcess.h"
 #include "support/TemporaryDirectory.h"
 
@@ -193,6 +195,13 @@ TEST_P(PosixChildRunner, WhatStandsInThePipeAtTheEndIsTakenUpBeyondTheBound) {
     EXPECT_EQ(result.outcome, ChildOutcome::ended);
     EXPECT_EQ(result.exitCode, 5U);
     EXPECT_EQ(result.output, std::string(5000, 'x'));
+}
+
+TEST_P(PosixChildRunner, AnOutputHoldsLittleBeyondItsText) {
+    const std::size_t size = (std::size_t{4} << 20U) + 1; // doubling holds almost twice as much
+    const ChildResult result = run("head -c " + std::to_string(size) + " /dev/zero");
+    EXPECT_EQ(result.output.size(), size);
+    EXPECT_LE(result.output.capacity(), size + mostUnusedOutput);
 }
 
 TEST_P(PosixChildRunner, AnOutputOfMoreThan32MiBIsGivenUpAtTheLimit) {

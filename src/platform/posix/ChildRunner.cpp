@@ -1,5 +1,6 @@
 #include "platform/posix/ChildRunner.h"
 
+#include "platform/ChildOutput.h"
 #include "platform/CommandLineSplit.h"
 #include "platform/ProgramLookup.h"
 #include "platform/posix/FileDescriptor.h"
@@ -231,6 +232,7 @@ class Watch {
                     return {ChildOutcome::stillRunning, 0, {}};
                 }
                 result.outcome = ChildOutcome::ended;
+                giveBackUnused(result.output);
                 return result;
             }
             const milliseconds left = std::chrono::ceil<milliseconds>(deadline_ - Clock::now());
@@ -263,15 +265,15 @@ class Watch {
     /// Appends up to `most` bytes to `output`; called only when there are some or the pipe has met
     /// its end, so that it does not wait. Bytes taken; 0 when interrupted; nothing at the end.
     std::optional<std::size_t> takeUp(std::string& output, std::size_t most) {
-        const ssize_t taken =
-            ::read(readEnd_.get(), buffer_.data(), std::min(most, buffer_.size()));
+        std::array<char, bufferSize> buffer; // not filled: each child would pay for that
+        const ssize_t taken = ::read(readEnd_.get(), buffer.data(), std::min(most, buffer.size()));
         if (taken < 0 && errno == EINTR) {
             return 0;
         }
         if (taken <= 0) {
             return std::nullopt;
         }
-        output.append(buffer_.data(), static_cast<std::size_t>(taken));
+        output.append(buffer.data(), static_cast<std::size_t>(taken));
         return static_cast<std::size_t>(taken);
     }
 
@@ -292,6 +294,7 @@ class Watch {
 
     static constexpr milliseconds shortestSlice{1};
     static constexpr milliseconds longestSlice{20};
+    static constexpr std::size_t bufferSize = 65536; // what a pipe holds
 
     pid_t child_;
     FileDescriptor process_;
@@ -300,7 +303,6 @@ class Watch {
     std::size_t most_;
     bool listening_;
     milliseconds slice_ = shortestSlice;
-    std::array<char, 65536> buffer_{};
 };
 
 } // namespace

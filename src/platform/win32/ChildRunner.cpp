@@ -1,5 +1,6 @@
 #include "platform/win32/ChildRunner.h"
 
+#include "platform/ChildOutput.h"
 #include "platform/win32/Handle.h"
 
 #include <algorithm>
@@ -68,7 +69,7 @@ bool takeUp(HANDLE readEnd, std::size_t most, std::string& output) {
     }
     std::size_t left = std::min<std::size_t>(waiting, most);
     bool any = false;
-    std::array<char, 16384> buffer{};
+    std::array<char, 16384> buffer; // not filled: each look at the pipe would pay for that
     while (left > 0) {
         DWORD taken = 0;
         const auto wanted = static_cast<DWORD>(std::min(left, buffer.size()));
@@ -146,6 +147,7 @@ ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::mi
         Sleep(inMilliseconds(limit) - std::min(passed, inMilliseconds(limit)));
         return {ChildOutcome::stillRunning, 0, {}};
     }
+    giveBackUnused(result.output);
     return result;
 }
 
