@@ -21,10 +21,9 @@ static_assert(hasDistinctWords<WordCode>(levels));
 
 } // namespace
 
-bool LANYARDReader::readConfiguration(RAIDController& controller,
-                                      std::shared_ptr<CapturedOutput> output) {
+bool LANYARDReader::readConfiguration(RAIDController& controller, Listings listings) {
     beginController(controller);
-    setOutput(std::move(output));
+    setListing(listings, 0);
     auto configuration = std::make_unique<RAIDConfiguration>();
     configuration->stripeSize = stripe::kb64;
     for (std::string_view line = nextLine(); line != "END"; line = nextLine()) {

@@ -13,8 +13,7 @@ class LANYARDReader : public ConfigurationReader {
   public:
     using ConfigurationReader::ConfigurationReader;
 
-    bool readConfiguration(RAIDController& controller,
-                           std::shared_ptr<CapturedOutput> output) override;
+    bool readConfiguration(RAIDController& controller, Listings listings) override;
 
   private:
     /// False when the line is none of the utility's.
