@@ -4,7 +4,7 @@
 #include "MemoryPlatform.h"
 
 #include "commands/CommandLines.h"
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "driver/KnownMachine.h"
 #include "driver/PolicyArguments.h"
 #include "engine/PolicyInterpreter.h"

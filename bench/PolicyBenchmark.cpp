@@ -3,7 +3,7 @@
 #include "CpuTime.h"
 #include "MemoryPlatform.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "driver/PolicyArguments.h"
 
 #include <benchmark/benchmark.h>

@@ -5,7 +5,7 @@
 #include "Listings.h"
 #include "MemoryPlatform.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "model/RAIDController.h"
 #include "readers/ConfigurationReader.h"
 

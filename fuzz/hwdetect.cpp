@@ -1,4 +1,4 @@
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "inventory/ZOLEXSupport.h"
 #include "support/Check.h"
 #include "support/FakePlatform.h"

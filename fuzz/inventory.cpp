@@ -1,4 +1,4 @@
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "foundation/IniFile.h"
 #include "inventory/ControllerList.h"
 #include "readers/DiskInformation.h"

@@ -1,4 +1,4 @@
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "driver/PolicyArguments.h"
 #include "policies/PolicyReader.h"
 #include "policies/PolicySection.h"

@@ -1,7 +1,7 @@
 #include "support/ReaderRun.h"
 #include "show/Dumps.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "inventory/ControllerList.h"
 #include "policies/PolicyText.h"
 #include "readers/DiskInformation.h"

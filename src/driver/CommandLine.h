@@ -1,7 +1,7 @@
 #pragma once
 
+#include "driver/Settings.h"
 #include "foundation/Fault.h"
-#include "foundation/Settings.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "driver/CommandRun.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "model/RAIDController.h"
 
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "driver/KnownMachine.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "inventory/MachineInformation.h"
 
 namespace zolex {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controllers/Application.h"
-#include "foundation/Settings.h"
+#include "driver/Application.h"
+#include "driver/Settings.h"
 #include "policies/PolicyGenerator.h"
 #include "policies/PolicyReader.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/Printer.h"
+#include "driver/Printer.h"
 #include "foundation/Report.h"
 
 namespace zolex {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "driver/CommandRun.h"
 #include "driver/ExitCode.h"
 #include "engine/PolicyInterpreter.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "engine/ConfigClasses.h"
 #include "engine/RAIDConfigCreator.h"
 #include "model/RAIDController.h"

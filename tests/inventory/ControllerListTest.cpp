@@ -1,6 +1,6 @@
 #include "inventory/ControllerList.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "show/Dumps.h"
 #include "support/FakePlatform.h"
 #include "support/Scan.h"

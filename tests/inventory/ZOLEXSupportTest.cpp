@@ -1,6 +1,6 @@
 #include "inventory/ZOLEXSupport.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "model/RAIDController.h"
 
-#include "foundation/Printer.h"
+#include "driver/Printer.h"
 #include "show/Dumps.h"
 #include "support/FakePlatform.h"
 

@@ -1,7 +1,7 @@
 #include "platform/Tool.h"
 
+#include "driver/Printer.h"
 #include "driver/PrinterReport.h"
-#include "foundation/Printer.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>

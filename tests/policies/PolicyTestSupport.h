@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "driver/PolicyArguments.h"
 #include "policies/PolicyReader.h"
 #include "support/FakePlatform.h"

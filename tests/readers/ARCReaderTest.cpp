@@ -1,6 +1,6 @@
 #include "readers/ARCReader.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "model/RAIDController.h"
 #include "readers/ListingSupport.h"
 #include "readers/MegaCliListings.h"

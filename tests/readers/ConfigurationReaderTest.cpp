@@ -1,5 +1,5 @@
 #include "readers/ConfigurationReader.h"
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "model/RAIDController.h"
 #include "support/FakePlatform.h"
 

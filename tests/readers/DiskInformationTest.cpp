@@ -1,5 +1,5 @@
 #include "readers/DiskInformation.h"
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "inventory/ControllerList.h"
 #include "readers/ConfigurationReader.h"
 #include "readers/MegaCliListings.h"

@@ -1,6 +1,6 @@
 #include "readers/HRReader.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "readers/ListingSupport.h"
 #include "readers/MegaCliListings.h"
 #include "support/FakePlatform.h"

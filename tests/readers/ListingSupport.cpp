@@ -1,6 +1,6 @@
 #include "readers/ListingSupport.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "model/RAIDController.h"
 #include "readers/ConfigurationReader.h"
 #include "readers/MegaCliListings.h"

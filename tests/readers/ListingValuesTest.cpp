@@ -1,6 +1,6 @@
 #include "readers/ListingValues.h"
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "readers/StateTranslation.h"
 #include "support/FakePlatform.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "model/RAIDController.h"
 #include "readers/MEGAReader.h"
 #include "support/FakePlatform.h"

@@ -1,4 +1,4 @@
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "readers/ARCReader.h"
 #include "readers/ConfigurationReader.h"
 #include "readers/HRReader.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "controllers/Application.h"
+#include "driver/Application.h"
 #include "inventory/ControllerList.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "foundation/Printer.h"
+#include "driver/Printer.h"
 
 #include <cstdarg>
 

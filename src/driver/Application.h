@@ -1,10 +1,10 @@
 #pragma once
 
+#include "driver/Printer.h"
 #include "driver/PrinterReport.h"
+#include "driver/Settings.h"
 #include "foundation/CString.h"
-#include "foundation/Printer.h"
 #include "foundation/Report.h"
-#include "foundation/Settings.h"
 #include "model/ControllerCatalogue.h"
 #include "model/Machine.h"
 #include "platform/Platform.h"
