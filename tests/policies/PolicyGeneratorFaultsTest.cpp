@@ -278,7 +278,7 @@ TEST(PolicyGeneratorFaultsTest, ThePoliciesFileIsLockedFromItsReadingToTheEndOfT
         application.settings.policiesFile = "p.ini";
         application.settings.capture = true;
         ControllerList controllers;
-        fillMegaRaid(*controllers.add(makeController(12, 2)));
+        fillMegaRaid(*controllers.add(*makeController(12, 2)));
         EXPECT_TRUE(PolicyGenerator(application).generatePolicies(controllers));
         EXPECT_EQ(platform.watched.opened.size(), 3U);
         EXPECT_EQ(platform.watched.lockCalls, std::vector<std::string>{"p.ini 10000"});

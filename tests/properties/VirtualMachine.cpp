@@ -5,6 +5,7 @@
 #include "policies/PolicyGenerator.h"
 #include "properties/Generators.h"
 #include "roles/Roles.h"
+#include "support/Scan.h"
 
 #include <algorithm>
 #include <ostream>
@@ -210,9 +211,8 @@ VirtualMachine::VirtualMachine(const VirtualServer& virtualServer) {
     platform.respond = [this](const std::string& line) { return respond(line); };
     application.printer().setVerbosity(level::progress);
     application.settings.policiesFile = "p.ini";
-    controllers.initialize(application);
-    application.machine->machineType = "8837";
-    application.machine->serialNumber = "KQ12345";
+    test::scan(controllers, application);
+    application.machine = Machine{.machineType = "8837", .serialNumber = "KQ12345"};
 }
 
 ChildResult VirtualMachine::respond(const std::string& commandLine) {
