@@ -92,7 +92,8 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->Arg(10)->Arg(144)->Arg(5000)->UseManualTime()->Unit(benchmark::kMicrosecond);
 }
 
-// Bound by the search of about 15 keys in each of some 50 lines a drive.
+// Bound by finding the newline of each of some 50 lines a drive and the looks whether it holds a
+// key.
 void readMegacli(benchmark::State& state) {
     read(state, controller_type::megaRaid, megaCliListings(drivesOf(state)), allOf(state));
 }
@@ -103,7 +104,8 @@ void lineEndsOfMegacli(benchmark::State& state) {
 }
 BENCHMARK(lineEndsOfMegacli)->Apply(sizes);
 
-// Bound by the search of about ten keys in each of 16 lines a drive, and the texts kept of a drive.
+// Bound by the looks and searches in 16 lines a drive, half of which hold a key, taking their
+// values apart, and the texts kept of a drive.
 void readArcconf(benchmark::State& state) {
     read(state, controller_type::arcconf11, {arcconfListing(drivesOf(state))}, allOf(state));
 }
@@ -114,7 +116,8 @@ void lineEndsOfArcconf(benchmark::State& state) {
 }
 BENCHMARK(lineEndsOfArcconf)->Apply(sizes);
 
-// Bound by the search of about ten keys in each of 15 lines a drive, and the texts kept of a drive.
+// Bound by the looks and searches in 15 lines a drive, half of which hold a key, taking their
+// values apart, and the texts kept of a drive.
 void readHrconf(benchmark::State& state) {
     read(state, controller_type::hrconf8, {hrconfListing(drivesOf(state))}, allOf(state));
 }
@@ -125,7 +128,8 @@ void lineEndsOfHrconf(benchmark::State& state) {
 }
 BENCHMARK(lineEndsOfHrconf)->Apply(sizes);
 
-// Bound by the search of about ten keys in each of 7 lines a drive, and the texts kept of a drive.
+// Bound by the looks and searches in 7 lines a drive, half of which hold a key, taking their values
+// apart, and the texts kept of a drive.
 void readQtcsend(benchmark::State& state) {
     read(state, controller_type::family, {qtcsendListing(drivesOf(state))}, allOf(state));
 }
@@ -136,7 +140,8 @@ void lineEndsOfQtcsend(benchmark::State& state) {
 }
 BENCHMARK(lineEndsOfQtcsend)->Apply(sizes);
 
-// Bound by the search of about ten keys in each of 12 lines a drive, and the texts kept of a drive.
+// Bound by the looks and searches in 12 lines a drive, half of which hold a key, taking their
+// values apart, and the texts kept of a drive.
 void readCfggen(benchmark::State& state) {
     read(state, controller_type::lsiSas, {cfggenListing(drivesOf(state))}, {allOf(state).first, 1});
 }
@@ -147,7 +152,7 @@ void lineEndsOfCfggen(benchmark::State& state) {
 }
 BENCHMARK(lineEndsOfCfggen)->Apply(sizes);
 
-// Bound by the search of eight keys in each line; there is little to keep.
+// Bound by the looks and the search in each line; there is little to keep.
 void readHyperwin(benchmark::State& state) {
     read(state, controller_type::lsiIde, hyperwinListings(drivesOf(state)), {2, 1});
 }

@@ -102,9 +102,11 @@ std::string_view withoutKb(std::string_view size) {
 
 /// What ends the block of a device.
 constexpr std::string_view deviceEnd = "PFA";
-constexpr std::array<std::string_view, 7> deviceKeys = {
-    "Device #", "Device is",     "Channel,Device",   "State",
-    "Size",     "Serial number", "Reported Location"};
+constexpr std::array<std::string_view, 16> deviceKeys = {
+    "Device #",      "Device is",         "Channel,Device", "State",      "Size",
+    "Serial number", "Reported Location", "Power State",    "Block Size", "Unused Size",
+    "Stripe Size",   "Hot Spare",         "Hot-Spare",      "Defunct",    "Failed",
+    "Partitioned"};
 
 /// What the lines of logical drives that count begin with or hold, on every utility, and what ends
 /// them. Letter case is ignored.
@@ -377,23 +379,30 @@ void HRReader::readDeviceLine(Device& device, const KeyedLine& keyed) {
             device.disk->channelNumber = toModel(*position).channel;
             device.disk->id = position->id;
         }
-    } else if (keyed.holds(stateLine) && !holdsAny(line(), otherKeys)) {
-        readDeviceState(device);
-    } else if (keyed.holds(sizeLine) && !holdsAny(line(), otherKeys)) {
+    } else if (keyed.holds(stateLine) && !tellsSomethingElse(keyed)) {
+        readDeviceState(device, keyed);
+    } else if (keyed.holds(sizeLine) && !tellsSomethingElse(keyed)) {
         device.disk->sizeMb = text::leadingInt(value());
     } else if (keyed.holds(serialLine)) {
         device.disk->serialNumber = value();
     }
 }
 
-void HRReader::readDeviceState(Device& device) {
+bool HRReader::tellsSomethingElse(const KeyedLine& keyed) {
+    return keyed.holds(powerState) || keyed.holds(blockSize) || keyed.holds(unusedSize) ||
+           keyed.holds(stripeSize);
+}
+
+void HRReader::readDeviceState(Device& device, const KeyedLine& keyed) {
+    const bool canBeSpare = keyed.canHold(hotSpareWord) || keyed.canHold(hotSpareJoined);
+    const bool canBeDefunct = keyed.canHold(defunctWord) || keyed.canHold(failedWord);
     device.disk->state = value();
     device.disk->derivedState = translatePhysicalState(device.disk->state);
     report().tracef("Setting the state of the physical drive=%s\n", device.disk->state.c_str());
-    if (holdsAny(line(), dialect_.hotSpare)) {
+    if (canBeSpare && holdsAny(line(), dialect_.hotSpare)) {
         device.hotSpare = true;
     }
-    if (!holdsAny(line(), dialect_.defunct)) {
+    if (!canBeDefunct || !holdsAny(line(), dialect_.defunct)) {
         device.usable = true;
     } else if (detail().layout) {
         constexpr const char* warning =
@@ -403,7 +412,7 @@ void HRReader::readDeviceState(Device& device) {
         report().note(level::progress, warning);
         report().note(level::progress, "\n");
     }
-    if (text::contains(line(), "Partitioned")) {
+    if (keyed.holds(partitionedWord)) {
         report().note(level::progress, "\n");
         report().note(level::progress,
                       "Drive is partitioned and cannot be used in raid configuration.\n");

@@ -84,7 +84,7 @@ class HRReader : public LayoutReader {
     void addArrayOf(const std::vector<DrivePosition>& drives);
 
     // The drives.
-    /// The keys of a device's lines, on every utility.
+    /// The keys of a device's lines and the words of its state, on every utility.
     enum DeviceKey : std::size_t {
         nextDevice,
         deviceKind,
@@ -93,6 +93,15 @@ class HRReader : public LayoutReader {
         sizeLine,
         serialLine,
         locationLine,
+        powerState,
+        blockSize,
+        unusedSize,
+        stripeSize,
+        hotSpareWord,
+        hotSpareJoined,
+        defunctWord,
+        failedWord,
+        partitionedWord,
     };
 
     /// Reads to the heading and then every device block; false when one of them fails.
@@ -117,7 +126,8 @@ class HRReader : public LayoutReader {
     Exit readRaidLevel();
     void readLogicalDriveState();
     Exit readStripeSize();
-    void readDeviceState(Device& device);
+    void readDeviceState(Device& device, const KeyedLine& keyed);
+    [[nodiscard]] static bool tellsSomethingElse(const KeyedLine& keyed);
     void storeDevice(Device& device);
 
     const ListingDialect& dialect_;

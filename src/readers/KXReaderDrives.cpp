@@ -9,6 +9,7 @@
 #include "readers/StateTranslation.h"
 #include "show/Dumps.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -16,8 +17,15 @@ namespace zolex {
 
 namespace {
 
-constexpr std::array<std::string_view, 2> initiatorKeys = {"Initiator at ID",
-                                                           "Initiator at SCSI ID"};
+/// The keys of the lines between drives.
+enum PlaceKey : std::size_t { channelHeading, initiatorAtId, initiatorAtScsiId, driveHeading };
+constexpr std::array<std::string_view, 4> placeKeys = {"Channel #", "Initiator at ID",
+                                                       "Initiator at SCSI ID", "Target on"};
+
+const KeyFilter& placeFilter() {
+    static const KeyFilter filter(placeKeys);
+    return filter;
+}
 
 CString utilityOf(std::int32_t type) {
     return traitsOf(type).utilityCommand;
@@ -66,11 +74,14 @@ std::optional<DrivePosition> findTarget(const RAIDController& controller, std::i
 
 bool KXReader::getDrives() {
     report().trace("Entering KXReader::getDrives\n");
+    const KeyFilter& filter = placeFilter();
     std::int32_t channel = 0;
     for (std::string_view line = lines().nextLine(); !endsDrives(line); line = lines().nextLine()) {
-        if (text::contains(line, "Channel #") || (isCfggen_ && holdsAny(line, initiatorKeys))) {
+        const KeyedLine keyed(line, filter);
+        if (keyed.holds(channelHeading) ||
+            (isCfggen_ && (keyed.holds(initiatorAtId) || keyed.holds(initiatorAtScsiId)))) {
             ++channel;
-        } else if (text::contains(line, "Target on") && !addDevice(channel)) {
+        } else if (keyed.holds(driveHeading) && !addDevice(channel)) {
             report().trace("Exiting KXReader::getDrives, returning false\n");
             return false;
         }
@@ -159,11 +170,13 @@ bool KXReader::readDriveLocation(const KeyedLine& keyed, RaidDisk& disk) {
 }
 
 void KXReader::readDeviceState(std::string_view value, Device& device) {
-    const bool hotSpare = text::contains(value, "(HSP)");
-    const bool failed = text::contains(value, "(DDD)");
+    // Each of the marks begins with a parenthesis.
+    const std::string_view marks = value.substr(std::min(value.find('('), value.size()));
+    const bool hotSpare = text::contains(marks, "(HSP)");
+    const bool failed = text::contains(marks, "(DDD)");
     device.hotSpare = device.hotSpare || hotSpare;
     device.failed = device.failed || failed;
-    device.online = device.online || (!hotSpare && !failed && !text::contains(value, "(MIS)"));
+    device.online = device.online || (!hotSpare && !failed && !text::contains(marks, "(MIS)"));
     device.disk->state = value;
     report().tracef("Found 'State', setting state=%s\n", device.disk->state.c_str());
     device.disk->derivedState = failed && configuration() != nullptr ? badState : goodState;

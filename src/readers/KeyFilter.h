@@ -74,9 +74,11 @@ class KeyedLine {
     [[nodiscard]] std::string_view text() const { return line_; }
     /// Whether it certainly holds none of the keys.
     [[nodiscard]] bool holdsNone() const { return candidates_ == 0; }
+    /// Whether it may hold the key of this index.
+    [[nodiscard]] bool canHold(std::size_t key) const { return ((candidates_ >> key) & 1U) != 0; }
     /// Whether it holds the key of this index, exact case.
     [[nodiscard]] bool holds(std::size_t key) const {
-        return ((candidates_ >> key) & 1U) != 0 && text::contains(line_, filter_.key(key));
+        return canHold(key) && text::contains(line_, filter_.key(key));
     }
 
   private:

@@ -90,6 +90,7 @@ bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings
     getDrives(configuration.get());
     setListing(listings, driveListing + 1);
     getAdapterInfo();
+    driveLines_.reset();
     if (configuration) {
         controller.setConfiguration(std::move(configuration));
     }
