@@ -120,7 +120,7 @@ const KeyFilter& deviceFilter() {
 }
 
 const KeyFilter& layoutFilter() {
-    static const KeyFilter filter(layoutKeys);
+    static const KeyFilter filter(layoutKeys, KeyFilter::LetterCase::ignored);
     return filter;
 }
 

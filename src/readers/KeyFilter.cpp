@@ -22,8 +22,10 @@ void KeyFilter::enter(std::size_t shortest) {
     }
 }
 
-KeyFilter::KeyFilter(std::span<const std::string_view> keys)
-    : keys_(keys.first(std::min(keys.size(), mostKeys))) {
+KeyFilter::KeyFilter(std::span<const std::string_view> keys, LetterCase letterCase)
+    : keys_(keys.first(std::min(keys.size(), mostKeys))),
+      // This bit is all that the two cases of a letter differ in.
+      folded_(letterCase == LetterCase::ignored ? 0x20202020 : 0) {
     std::size_t shortest = std::string_view::npos;
     for (const std::string_view key : keys_) {
         shortest = std::min(shortest, key.size());

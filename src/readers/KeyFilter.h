@@ -15,26 +15,28 @@ namespace zolex {
 /// listing need no search at all, and the others one. It only ever errs on the side of a search.
 ///
 /// A line is looked at in steps so wide that no key fits between two looks. Each look takes a block
-/// of bytes, letter case ignored; the table says which keys begin with text that holds the block.
+/// of bytes; the table says which keys begin with text that holds the block.
 class KeyFilter {
   public:
     static constexpr std::size_t mostKeys = 32;
 
+    enum class LetterCase { exact, ignored };
+
     /// Keys of 3 bytes at least, which stay where they are.
-    explicit KeyFilter(std::span<const std::string_view> keys);
+    explicit KeyFilter(std::span<const std::string_view> keys,
+                       LetterCase letterCase = LetterCase::exact);
 
     [[nodiscard]] std::string_view key(std::size_t index) const { return keys_[index]; }
-    /// One bit for each key, the lowest for the first: 0 when the line does not hold it, in
-    /// whatever letter case.
+    /// One bit for each key, the lowest for the first: 0 when the line does not hold it.
     [[nodiscard]] std::uint32_t candidates(std::string_view line) const noexcept {
         return wide_ ? look<std::uint32_t>(line) : look<std::uint16_t>(line);
     }
 
   private:
-    static constexpr unsigned tableBits = 11;
+    static constexpr unsigned tableBits = 12;
 
     template <typename Block>
-    [[nodiscard]] static std::size_t slotOf(const char* at) noexcept;
+    [[nodiscard]] std::size_t slotOf(const char* at) const noexcept;
     template <typename Block>
     [[nodiscard]] std::uint32_t look(std::string_view line) const noexcept;
     template <typename Block>
@@ -42,18 +44,17 @@ class KeyFilter {
 
     std::span<const std::string_view> keys_;
     std::size_t step_ = 1;
+    std::uint32_t folded_ = 0; ///< the bits that letter case is in
     bool wide_ = false;
     std::array<std::uint32_t, std::size_t{1} << tableBits> table_{};
 };
 
 template <typename Block>
-std::size_t KeyFilter::slotOf(const char* at) noexcept {
+std::size_t KeyFilter::slotOf(const char* at) const noexcept {
     Block block{};
     std::memcpy(&block, at, sizeof block);
-    // This bit is all that the two cases of a letter differ in.
-    constexpr std::uint32_t folded = 0x20202020;
     constexpr std::uint32_t spread = 0x9E3779B1; // 2^32 by the golden ratio
-    return ((block | static_cast<Block>(folded)) * spread) >> (32U - tableBits);
+    return ((block | static_cast<Block>(folded_)) * spread) >> (32U - tableBits);
 }
 
 template <typename Block>
