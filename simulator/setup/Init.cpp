@@ -8,6 +8,7 @@
 #include "setup/Samples.h"
 #include "setup/ServerFiles.h"
 
+#include <algorithm>
 #include <optional>
 #include <ostream>
 #include <string_view>
@@ -68,7 +69,8 @@ class FolderWriter {
 
     /// False at the first thing that could not be written; see failure().
     bool write(const Server& server, std::string_view definition) {
-        return prepare() && writeFiles(server, definition) && placePrograms();
+        const std::vector<ServerFile> files = filesOf(server, definition);
+        return prepare(files) && writeFiles(files) && placePrograms();
     }
 
     /// What could not be done.
@@ -80,23 +82,34 @@ class FolderWriter {
         return false;
     }
 
-    /// Makes the folder and takes the PCI tree of an earlier server away. A folder "pci" that is
-    /// not such a tree stays untouched.
-    bool prepare() {
+    /// Makes the folder and takes the PCI tree of an earlier server away. In a folder that is not a
+    /// server's a folder "pci" and files of somebody else's stay untouched.
+    bool prepare(const std::vector<ServerFile>& files) {
         std::error_code error;
         fs::create_directories(folder_, error);
         if (!fs::is_directory(folder_, error)) {
             return fail("cannot make the folder", folder_);
         }
         const fs::path pci = folder_ / "pci";
-        if (!fs::exists(pci, error)) {
-            return true;
+        if (fs::exists(folder_ / "server.json", error)) {
+            fs::remove_all(pci, error);
+            return error ? fail("cannot remove", pci) : true;
         }
-        if (!fs::exists(folder_ / "server.json", error)) {
+        if (fs::exists(pci, error)) {
             return fail("this is not a server's folder, but it has a folder", pci);
         }
-        fs::remove_all(pci, error);
-        return error ? fail("cannot remove", pci) : true;
+        for (const ServerFile& file : files) {
+            if (fs::exists(fs::symlink_status(folder_ / file.name, error))) {
+                return fail("this is not a server's folder, but it has a file",
+                            folder_ / file.name);
+            }
+        }
+        for (const std::string& name : rolePrograms()) {
+            if (fs::exists(fs::symlink_status(folder_ / name, error))) {
+                return fail("this is not a server's folder, but it has a file", folder_ / name);
+            }
+        }
+        return true;
     }
 
     bool writeFile(const ServerFile& file) {
@@ -115,7 +128,8 @@ class FolderWriter {
         return true;
     }
 
-    bool writeFiles(const Server& server, std::string_view definition) {
+    [[nodiscard]] std::vector<ServerFile> filesOf(const Server& server,
+                                                  std::string_view definition) const {
         std::vector<ServerFile> files = pciTree(server, target_);
         files.push_back(pciRegistry(server));
         files.push_back(pciRegistryRemoval(server));
@@ -126,12 +140,12 @@ class FolderWriter {
         }
         files.push_back({"server.json", std::string(definition)});
         files.push_back({"state.json", writeState(server)});
-        for (const ServerFile& file : files) {
-            if (!writeFile(file)) {
-                return false;
-            }
-        }
-        return true;
+        return files;
+    }
+
+    bool writeFiles(const std::vector<ServerFile>& files) {
+        return std::all_of(files.begin(), files.end(),
+                           [this](const ServerFile& file) { return writeFile(file); });
     }
 
     /// Puts this program into the folder: a link where that is usual, else a copy.
@@ -152,12 +166,17 @@ class FolderWriter {
         return error ? fail("cannot write", path) : true;
     }
 
+    /// The roles that are played by a copy of this program under another name.
+    [[nodiscard]] std::vector<std::string> rolePrograms() const {
+        return target_ == Target::windows ? std::vector<std::string>{"hwdetect.exe", "fakeraid.exe"}
+                                          : std::vector<std::string>();
+    }
+
     bool placePrograms() {
-        if (target_ == Target::posix) {
-            return placeProgram("zolex-sim");
-        }
-        return placeProgram("ZOLEX-SIM.EXE") && placeProgram("hwdetect.exe") &&
-               placeProgram("fakeraid.exe");
+        const std::vector<std::string> roles = rolePrograms();
+        return placeProgram(target_ == Target::windows ? "ZOLEX-SIM.EXE" : "zolex-sim") &&
+               std::all_of(roles.begin(), roles.end(),
+                           [this](const std::string& name) { return placeProgram(name); });
     }
 
     fs::path folder_;

@@ -60,7 +60,7 @@ struct Loss {
     const char* lost;
 };
 // clang-format off
-constexpr std::array<Loss, 19> losses = {{
+constexpr std::array<Loss, 20> losses = {{
     {"MEGACLI",       "names of virtual disks"},
     {"MEGACLI",       "RAID 50 and 60 of more than two spans"},
     {"MEGACLI",       "hot spares in no enclosure"},
@@ -71,6 +71,7 @@ constexpr std::array<Loss, 19> losses = {{
     {"ARCCONF",       "read-ahead on where the controller's own mode is off"},
     {"ARCCONF",       "the stripe size of a mirror; of RAID 6 and 60 with many drives"},
     {"ARCCONF",       "a stripe size of 8 KB"},
+    {"ARCCONF",       "members that the listing calls missing"},
     {"HRCONF",        "cache modes"},
     {"HRCONF",        "the stripe size of a mirror"},
     {"HRCONF",        "a logical drive smaller than its array"},

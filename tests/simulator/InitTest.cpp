@@ -377,6 +377,32 @@ TEST_F(Init, LeavesAFolderOfSomebodyElseAlone) {
     EXPECT_FALSE(exists("server.json"));
 }
 
+TEST_F(Init, LeavesFilesOfSomebodyElseAlone) {
+    for (const Target target : {Target::posix, Target::windows}) {
+        for (const std::string& name : {std::string("UTIL.BAT"), std::string("hwdetect.exe"),
+                                        std::string("sample-policies.ini")}) {
+            SCOPED_TRACE(name);
+            fs::create_directory(place());
+            parent_.write("server/" + name, "mine");
+            const Outcome result = init({place()}, target);
+            EXPECT_EQ(result.exitCode, 1);
+            EXPECT_EQ(result.error, "zolex-sim: this is not a server's folder, but it has a file " +
+                                        (fs::path(place()) / name).string() + "\n");
+            EXPECT_EQ(read(name), "mine");
+            EXPECT_FALSE(exists("server.json"));
+            EXPECT_FALSE(exists("pci"));
+            fs::remove_all(place());
+        }
+    }
+}
+
+TEST_F(Init, FilesThatItDoesNotWriteMayBeThere) {
+    fs::create_directory(place());
+    parent_.write("server/policies.ini", "mine");
+    EXPECT_EQ(init({place()}).exitCode, 0);
+    EXPECT_EQ(read("policies.ini"), "mine");
+}
+
 TEST_F(Init, AFolderThatCannotBeMadeIsTold) {
     parent_.write("server", "a file");
     const Outcome result = init({place()});
