@@ -185,6 +185,20 @@ constexpr bool everyTypeHasAName() {
 }
 static_assert(everyTypeHasAName());
 
+/// Whether each controller type stands in a row of the table.
+template <typename Table>
+constexpr bool namesEveryType(const Table& table) {
+    for (std::int32_t type = controller_type::first; type <= controller_type::last; ++type) {
+        if (std::none_of(table.begin(), table.end(),
+                         [type](const auto& row) { return row.type == type; })) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(namesEveryType(modelRows));
+static_assert(namesEveryType(pciRows));
+
 constexpr auto namesOfPciRows = [] {
     std::array<std::string_view, pciRows.size()> names;
     for (std::size_t row = 0; row < names.size(); ++row) {

@@ -8,8 +8,7 @@ namespace {
 // lines that list the drives, list the layout, reset; seconds before a command; whether a reset is
 // tried again; whether ordered by bus.
 // Second line: whether drives are named by target id; plain write-back; stripe size in place of
-// "none"; whether sizes in MB are written; one automatic array; arrays within a channel; most
-// drives of subtype 1 and of the others; whether stripe size, rebuild rate, read-ahead and write
+// "none"; whether sizes in MB are written; whether stripe size, rebuild rate, read-ahead and write
 // cache are written. Order: by type, looked up by position.
 // clang-format off
 using namespace controller_type;
@@ -17,33 +16,33 @@ using enum Dialect;
 using enum PlainWriteBack;
 constexpr std::array<TypeTraits, controller_type::last> typeRows{{
     {family,    "UTIL.BAT QTCSEND",       {-1, -1}, 1,  conf,     {1, 0, 1}, 0,  false, false,
-     false, never,      stripe::kb8,   true,  false, false, {16, 16}, {true, true, true, true}},
+     false, never,      stripe::kb8,   true,  {true, true, true, true}},
     {arcconf2,  "UTIL.BAT ARCCONF",       {-1, -1}, 7,  conf,     {1, 0, 1}, 0,  false, false,
-     false, always,     stripe::kb256, true,  false, false, {4, 4},   {true, false, true, true}},
+     false, always,     stripe::kb256, true,  {true, false, true, true}},
     {hrconf3,   "UTIL.BAT HRCONF",        {-1, -1}, 4,  conf,     {1, 0, 1}, 0,  false, false,
-     false, never,      stripe::kb64,  false, true,  false, {2, 2},   {true, false, false, false}},
+     false, never,      stripe::kb64,  false, {true, false, false, false}},
     {hrconf4,   "UTIL.BAT HRCONF",        {-1, -1}, 4,  conf,     {1, 0, 1}, 0,  false, false,
-     false, never,      stripe::kb64,  false, true,  true,  {4, 4},   {true, false, false, false}},
+     false, never,      stripe::kb64,  false, {true, false, false, false}},
     {lsiScsi,   "UTIL.BAT CFGGEN1.02.02", {2, -1},  5,  cfggen,   {1, 0, 1}, 0,  false, false,
-     true,  never,      stripe::none,  false, true,  false, {2, 2},   {false, false, false, false}},
+     true,  never,      stripe::none,  false, {false, false, false, false}},
     {lsiIde,    "UTIL.BAT HYPERWIN",      {-1, -1}, 6,  hyperwin, {2, 1, 1}, 0,  false, false,
-     false, never,      stripe::kb64,  false, true,  false, {2, 2},   {true, false, false, true}},
+     false, never,      stripe::kb64,  false, {true, false, false, true}},
     {arcconf7,  "UTIL.BAT ARCCONF",       {-1, -1}, 7,  conf,     {1, 0, 1}, 0,  true,  false,
-     false, ofSubtype1, stripe::kb256, true,  false, false, {16, 16}, {true, true, true, true}},
+     false, ofSubtype1, stripe::kb256, true,  {true, true, true, true}},
     {hrconf8,   "UTIL.BAT HRCONF",        {-1, -1}, 4,  conf,     {1, 0, 1}, 0,  false, false,
-     false, never,      stripe::kb64,  false, true,  false, {4, 4},   {true, false, false, true}},
+     false, never,      stripe::kb64,  false, {true, false, false, true}},
     {hrconf9,   "UTIL.BAT HRCONF",        {-1, -1}, 4,  conf,     {1, 0, 1}, 0,  false, false,
-     false, never,      stripe::kb64,  false, true,  false, {2, 2},   {true, false, false, false}},
+     false, never,      stripe::kb64,  false, {true, false, false, false}},
     {lsiSas,    "UTIL.BAT CFGGEN",        {-1, -1}, 6,  cfggen,   {1, 0, 1}, 15, false, true,
-     false, never,      stripe::none,  true,  true,  false, {2, 6},   {false, false, false, false}},
+     false, never,      stripe::none,  true,  {false, false, false, false}},
     {arcconf11, "UTIL.BAT ARCCONF",       {-1, -1}, 7,  conf,     {1, 0, 1}, 0,  true,  false,
-     false, ofSubtype1, stripe::kb256, true,  false, false, {16, 16}, {true, true, true, true}},
+     false, ofSubtype1, stripe::kb256, true,  {true, true, true, true}},
     {megaRaid,  "UTIL.BAT MEGACLI",       {-1, 49}, 12, megaCli,  {2, 1, 2}, 0,  false, false,
-     false, never,      stripe::kb64,  true,  false, false, {32, 32}, {true, false, true, true}},
+     false, never,      stripe::kb64,  true,  {true, false, true, true}},
 }};
 constexpr TypeTraits otherType =
     {none,      "",                       {-1, -1}, 6,  conf,     {1, 0, 1}, 0,  false, false,
-     false, never,      stripe::none,  true,  false, false, {2, 2},   {true, true, true, true}};
+     false, never,      stripe::none,  true,  {true, true, true, true}};
 // clang-format on
 
 constexpr const TypeTraits& rowOf(std::int32_t type) {
@@ -88,11 +87,6 @@ const TypeTraits& traitsOf(std::int32_t controllerType) {
 
 std::int32_t finalStripeSize(std::int32_t controllerType, std::int32_t stripeSize) {
     return stripeSize == stripe::none ? rowOf(controllerType).stripeSize : stripeSize;
-}
-
-std::size_t mostDrivesWithoutLevel(std::int32_t controllerType, std::int32_t subtype) {
-    const DriveLimit& limit = rowOf(controllerType).mostDrives;
-    return subtype == 1 ? limit.ofSubtype1 : limit.ofOthers;
 }
 
 } // namespace zolex

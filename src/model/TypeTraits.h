@@ -28,12 +28,6 @@ struct LineCounts {
 /// For which subtypes a write cache that is on is "wb"; it is "wbb" for the others.
 enum class PlainWriteBack { never, ofSubtype1, always };
 
-/// Most drives of an array whose RAID level is not given.
-struct DriveLimit {
-    std::size_t ofSubtype1;
-    std::size_t ofOthers;
-};
-
 /// Which settings a generated policy names.
 struct WrittenSettings {
     bool stripeSize;
@@ -42,7 +36,8 @@ struct WrittenSettings {
     bool writeCache;
 };
 
-/// What a controller type is known by, besides its models. One row for each type.
+/// What a controller type is known by, besides its models and the rules by which it is planned
+/// (engine/ConfigClasses.h). One row for each type.
 struct TypeTraits {
     std::int32_t controllerType;
     std::string_view utilityCommand;           ///< command prefix of the utility
@@ -58,22 +53,16 @@ struct TypeTraits {
     PlainWriteBack plainWriteBack; ///< ARCCONF
     std::int32_t stripeSize;       ///< code that takes the place of "none"
     bool explicitSizes;            ///< generated policies may give sizes in MB
-    bool oneAutomaticArray;        ///< automatic planning makes one array only
-    bool arraysWithinChannel;      ///< automatic arrays do not span channels
-    DriveLimit mostDrives;
     WrittenSettings writes;
 };
 
 /// The row of a controller type. Any other value has a row too, of type -1: no utility, 0 alone is
-/// accepted, no limits but that of drives.
+/// accepted.
 [[nodiscard]] const TypeTraits& traitsOf(std::int32_t controllerType);
 
 /// The stripe-size code that the utility of a type is given: that of the layout or, for "none", the
 /// type's own, which may be "none" again.
 [[nodiscard]] std::int32_t finalStripeSize(std::int32_t controllerType, std::int32_t stripeSize);
-
-/// Most drives of an array of the controller when no RAID level is given.
-[[nodiscard]] std::size_t mostDrivesWithoutLevel(std::int32_t controllerType, std::int32_t subtype);
 
 /// Whether the utility command of type 5 is one of the two whose commands are CFGGEN's: that of
 /// type 10 or "UTIL.BAT CFGGEN1.02.02". Another one is addressed like HRCONF and ARCCONF.

@@ -17,23 +17,21 @@ TEST(TypeTraits, EveryTypeHasItsRow) {
         std::int32_t seconds;
         bool retries;
         std::int32_t stripeSize;
-        bool oneArray;
-        std::size_t most;
     };
     // clang-format off
     const Row rows[] = {
-        {1,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb8,   false, 16},
-        {2,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb256, false, 4},
-        {3,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64,  true,  2},
-        {4,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64,  true,  4},
-        {5,  Dialect::cfggen,   {1, 0, 1}, 0,  false, stripe::none,  true,  2},
-        {6,  Dialect::hyperwin, {2, 1, 1}, 0,  false, stripe::kb64,  true,  2},
-        {7,  Dialect::conf,     {1, 0, 1}, 0,  true,  stripe::kb256, false, 16},
-        {8,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64,  true,  4},
-        {9,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64,  true,  2},
-        {10, Dialect::cfggen,   {1, 0, 1}, 15, false, stripe::none,  true,  6},
-        {11, Dialect::conf,     {1, 0, 1}, 0,  true,  stripe::kb256, false, 16},
-        {12, Dialect::megaCli,  {2, 1, 2}, 0,  false, stripe::kb64,  false, 32},
+        {1,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb8},
+        {2,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb256},
+        {3,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64},
+        {4,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64},
+        {5,  Dialect::cfggen,   {1, 0, 1}, 0,  false, stripe::none},
+        {6,  Dialect::hyperwin, {2, 1, 1}, 0,  false, stripe::kb64},
+        {7,  Dialect::conf,     {1, 0, 1}, 0,  true,  stripe::kb256},
+        {8,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64},
+        {9,  Dialect::conf,     {1, 0, 1}, 0,  false, stripe::kb64},
+        {10, Dialect::cfggen,   {1, 0, 1}, 15, false, stripe::none},
+        {11, Dialect::conf,     {1, 0, 1}, 0,  true,  stripe::kb256},
+        {12, Dialect::megaCli,  {2, 1, 2}, 0,  false, stripe::kb64},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -47,12 +45,7 @@ TEST(TypeTraits, EveryTypeHasItsRow) {
         EXPECT_EQ(traits.retriesReset, row.retries) << row.type;
         EXPECT_EQ(finalStripeSize(row.type, stripe::none), row.stripeSize) << row.type;
         EXPECT_EQ(finalStripeSize(row.type, stripe::kb16), stripe::kb16) << row.type;
-        EXPECT_EQ(traits.oneAutomaticArray, row.oneArray) << row.type;
-        EXPECT_EQ(traits.arraysWithinChannel, row.type == 4) << row.type;
         EXPECT_EQ(traits.orderedByBus, row.type == 10) << row.type;
-        EXPECT_EQ(mostDrivesWithoutLevel(row.type, 2), row.most) << row.type;
-        EXPECT_EQ(mostDrivesWithoutLevel(row.type, -1), row.most) << row.type;
-        EXPECT_EQ(mostDrivesWithoutLevel(row.type, 1), row.type == 10 ? 2U : row.most) << row.type;
     }
 }
 
@@ -68,10 +61,8 @@ TEST(TypeTraits, AnyOtherValueHasTheRowOfNoType) {
         EXPECT_EQ(traits.secondsBeforeCommand, 0) << type;
         EXPECT_FALSE(traits.retriesReset) << type;
         EXPECT_FALSE(traits.orderedByBus) << type;
-        EXPECT_FALSE(traits.oneAutomaticArray) << type;
         EXPECT_TRUE(traits.writes.rebuildRate) << type;
         EXPECT_EQ(finalStripeSize(type, stripe::none), stripe::none) << type;
-        EXPECT_EQ(mostDrivesWithoutLevel(type, 1), 2U) << type;
     }
 }
 
