@@ -106,8 +106,10 @@ class WindowsLock : public FileLock {
             UnlockFile(file_.get(), lockedLow, lockedHigh, 1, 0);
         }
         file_.close();
-        if (goes) {
-            DeleteFileA(name_.c_str()); // fails when another run has opened it, which then has it
+        // Nobody else has it open, so that nobody can have written it before it goes.
+        if (goes && file_.open(name_, GENERIC_READ, FILE_SHARE_DELETE, OPEN_EXISTING) &&
+            isEmpty()) {
+            DeleteFileA(name_.c_str());
         }
     }
     [[nodiscard]] bool madeFile() const override { return made_; }
