@@ -75,8 +75,13 @@ CString wantedLevel(std::int32_t raidLevel) {
     return raidLevel == raid_level::none ? CString() : CString(raidLevelWord(raidLevel));
 }
 
-bool isPercentage(std::int32_t sizeMb) {
-    return sizeMb < 0 && sizeMb >= -100;
+/// "A, B" for two.
+CString arrayLetters(std::size_t arrays) {
+    CString letters;
+    for (std::size_t i = 0; i < arrays; ++i) {
+        letters.append(i == 0 ? "" : ", ").append(arrayLetter(i));
+    }
+    return letters;
 }
 
 /// Whole MB, kept within the range of a size.
@@ -141,7 +146,7 @@ LogicalDrive RAIDConfigCreator::automaticLogicalDrive(std::size_t arrayIndex) {
     drive.raidLevel = givesLevel
                           ? defaults.raidLevel
                           : rules_.defaultRAIDLevel(layout_.arrays()[arrayIndex].driveCount());
-    drive.sizeMb = plannedSize(defaults.sizeMb, drive.raidLevel, arrayIndex);
+    drive.sizeMb = plannedSize(defaults.size(), drive.raidLevel, arrayIndex);
     drive.writeCache = givesCache ? defaults.writeCache : rules_.writeCache;
     const auto source = [&](Reason::Subject subject, bool isGiven, std::int32_t asked,
                             std::int32_t value) {
@@ -168,6 +173,8 @@ bool RAIDConfigCreator::doCUSTOMLogicalDrives() {
         const auto arrayIndex = static_cast<std::size_t>(entry.arrayIndex);
         if (arrayIndex >= layout_.arrays().size()) {
             Fault fault = makeLogicalFault(FaultKind::planArrayUnknown, entry.arrayIndex);
+            fault.wanted.append(arrayLetter(arrayIndex));
+            fault.possible = arrayLetters(layout_.arrays().size());
             refuse(std::move(fault));
             return failed(1);
         }
@@ -184,7 +191,7 @@ bool RAIDConfigCreator::doCUSTOMLogicalDrives() {
             refuse(std::move(fault));
             return failed(2);
         }
-        drive.sizeMb = plannedSize(entry.sizeMb, drive.raidLevel, arrayIndex);
+        drive.sizeMb = plannedSize(entry.size(), drive.raidLevel, arrayIndex);
         explainCustom(entry, drive);
         if (!isRAIDLevelOK(drive)) {
             return failed(3);
@@ -245,19 +252,20 @@ bool RAIDConfigCreator::addLogicalDrive(const LogicalDrive& drive) {
     return refuse(std::move(fault));
 }
 
-std::int32_t RAIDConfigCreator::plannedSize(std::int32_t sizeMb, std::int32_t raidLevel,
+std::int32_t RAIDConfigCreator::plannedSize(const DriveSize& wanted, std::int32_t raidLevel,
                                             std::size_t arrayIndex) const {
     // A size this close to what is left takes all that is left.
     constexpr double closeMb = 139.0;
 
     const RaidArray& array = layout_.arrays()[arrayIndex];
-    if (sizeMb == sizeFill) {
+    if (wanted.kind == DriveSize::Kind::rest) {
         return sizeFill;
     }
     const double fraction = usableFraction(raidLevel, array.driveCount());
-    double size = sizeMb;
-    if (isPercentage(sizeMb)) {
-        const double exact = fraction * static_cast<double>(array.capacityMb) * -sizeMb / 100.0;
+    double size = wanted.value;
+    if (wanted.kind == DriveSize::Kind::percent) {
+        const double exact =
+            fraction * static_cast<double>(array.capacityMb) * wanted.value / 100.0;
         size = std::trunc(std::floor(exact + 0.5) + 0.0001);
     }
     const double difference = remainingMb(fraction, arrayIndex) - size;

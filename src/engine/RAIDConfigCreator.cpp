@@ -1,7 +1,6 @@
 #include "engine/RAIDConfigCreator.h"
 
 #include "engine/Planning.h"
-#include "foundation/Text.h"
 #include "foundation/TraceScope.h"
 #include "policies/PolicyKeywords.h"
 
@@ -10,19 +9,6 @@
 namespace zolex {
 
 namespace {
-
-constexpr std::int32_t noWord = -1;
-
-/// The code below `codes` whose word is `text`, letter case ignored; -1 when none is.
-std::int32_t codeOfWord(const CString& text, const char* (*word)(std::int32_t),
-                        std::int32_t codes) {
-    for (std::int32_t code = 0; code < codes; ++code) {
-        if (text::equalsNoCase(text, word(code))) {
-            return code;
-        }
-    }
-    return noWord;
-}
 
 /// The supported stripe sizes in KB.
 CString stripeSizeWords(const CodeSet& codes) {
@@ -95,59 +81,49 @@ bool RAIDConfigCreator::createConfig() {
 
 bool RAIDConfigCreator::doStripeSize() {
     const TraceScope scope(report_, "RAIDConfigCreator::doStripeSize");
-    layout_.stripeSize = chooseSetting(
-        Reason::Subject::stripeSize, keyword::stripeSize, policy_.stripeSize,
-        codeOfWord(policy_.stripeSize, stripeSizeWord, stripe::none), rules_.stripeSize);
+    layout_.stripeSize = chooseSetting(Reason::Subject::stripeSize, keyword::stripeSize,
+                                       policy_.stripeSize, rules_.stripeSize);
     if (rules_.stripeSizes.contains(layout_.stripeSize)) {
         return scope.returning(true);
     }
     Fault fault = makeFault(FaultKind::planStripeSizeUnsupported);
     fault.place.keyword = keyword::stripeSize;
-    fault.wanted = policy_.stripeSize;
+    fault.wanted = stripeSizeWord(layout_.stripeSize);
     fault.possible = stripeSizeWords(rules_.stripeSizes);
     return scope.returning(refuse(std::move(fault)));
 }
 
 bool RAIDConfigCreator::doReadAhead() {
     const TraceScope scope(report_, "RAIDConfigCreator::doReadAhead");
-    layout_.readAhead = chooseSetting(
-        Reason::Subject::readAhead, keyword::readAhead, policy_.readAhead,
-        codeOfWord(policy_.readAhead, readAheadWord, read_ahead::off + 1), rules_.readAhead);
+    layout_.readAhead = chooseSetting(Reason::Subject::readAhead, keyword::readAhead,
+                                      policy_.readAhead, rules_.readAhead);
     return scope.returning(true);
 }
 
 bool RAIDConfigCreator::doRebuildRate() {
     const TraceScope scope(report_, "RAIDConfigCreator::doRebuildRate");
-    layout_.rebuildRate =
-        chooseSetting(Reason::Subject::rebuildRate, keyword::rebuildRate, policy_.rebuildRate,
-                      codeOfWord(policy_.rebuildRate, rebuildRateWord, rebuild_rate::low + 1),
-                      rebuild_rate::high);
+    layout_.rebuildRate = chooseSetting(Reason::Subject::rebuildRate, keyword::rebuildRate,
+                                        policy_.rebuildRate, rebuild_rate::high);
     return scope.returning(true);
 }
 
 bool RAIDConfigCreator::doInit() {
     const TraceScope scope(report_, "RAIDConfigCreator::doInit");
-    const bool quick = text::equalsNoCase(policy_.init, "QUICK");
-    const bool build = text::equalsNoCase(policy_.init, "BUILD");
-    layout_.init = chooseSetting(Reason::Subject::init, keyword::init, policy_.init,
-                                 build   ? init_choice::build
-                                 : quick ? init_choice::quick
-                                         : noWord,
-                                 init_choice::quick);
+    layout_.init =
+        chooseSetting(Reason::Subject::init, keyword::init, policy_.init, init_choice::quick);
     return scope.returning(true);
 }
 
 std::int32_t RAIDConfigCreator::chooseSetting(Reason::Subject subject, const char* keyword,
-                                              const CString& given, std::int32_t code,
+                                              std::optional<std::int32_t> given,
                                               std::int32_t otherwise) {
-    const std::int32_t chosen = code == noWord ? otherwise : code;
+    const std::int32_t chosen = given.value_or(otherwise);
     explain([&] {
         Reason reason{.kind = Reason::Kind::classDefault, .subject = subject, .value = chosen};
-        if (code != noWord) {
+        if (given) {
             reason.kind = Reason::Kind::given;
             reason.keyword = keyword;
-            reason.wanted = given;
-            reason.asked = code;
+            reason.asked = *given;
         }
         return reason;
     });

@@ -80,8 +80,8 @@ class RAIDConfigCreator {
     [[nodiscard]] CString logicalKeyword() const;
     /// A fault of the next logical drive, which is for this array.
     [[nodiscard]] Fault makeLogicalFault(FaultKind kind, std::int32_t arrayIndex) const;
-    /// The size that is planned for `sizeMb` of a policy: MB, or FILL.
-    [[nodiscard]] std::int32_t plannedSize(std::int32_t sizeMb, std::int32_t raidLevel,
+    /// The size that is planned for a logical drive: MB, or FILL.
+    [[nodiscard]] std::int32_t plannedSize(const DriveSize& wanted, std::int32_t raidLevel,
                                            std::size_t arrayIndex) const;
     /// What is left of an array, in MB of a logical drive whose usable part is `fraction`.
     [[nodiscard]] double remainingMb(double fraction, std::size_t arrayIndex) const;
@@ -100,9 +100,9 @@ class RAIDConfigCreator {
     void take(DrivePosition position);
     [[nodiscard]] std::int32_t sizeAt(DrivePosition position) const;
 
-    /// Code of a word of the policy, or the default when it is none, with the reason for it.
+    /// The code that the policy gives, or else the default, with the reason for it.
     [[nodiscard]] std::int32_t chooseSetting(Reason::Subject subject, const char* keyword,
-                                             const CString& given, std::int32_t code,
+                                             std::optional<std::int32_t> given,
                                              std::int32_t otherwise);
     /// A fault with its place: policy, controller and its model.
     [[nodiscard]] Fault makeFault(FaultKind kind) const;

@@ -17,23 +17,24 @@ enum class FaultKind : std::int32_t {
 
     // Inventory
     inventoryUnreadable,         ///< place: file
-    inventoryWithoutControllers, ///< number: the count that the file gives
-    inventoryTooManyControllers, ///< number: the count that the file gives
+    inventoryWithoutControllers, ///< place: section, keyword; number: the count that the file gives
+    inventoryTooManyControllers, ///< the same
     inventoryModelMissing,       ///< place: section, keyword
     inventoryModelUnknown,       ///< place: section, keyword; wanted: the model
     inventoryChannelMissing,     ///< place: section, keyword; number: the channel read
     inventoryIdMissing,          ///< place: section, keyword; number: the id read
     inventorySizeMissing,        ///< place: section, keyword
-    inventoryPositionInvalid,    ///< place: section, channel, id
+    inventoryPositionInvalid,    ///< place: section, keyword of the channel, channel, id
     definitionUnreadable,        ///< place: file
     definitionMissing,           ///< place: file; the run goes on
-    tooManyControllers,          ///< those after the 36th are left out
+    tooManyControllers,          ///< number: how many are kept; the others are left out
     detectorRunnerMissing,       ///< no runner for the hardware detector
-    detectorNotRun,              ///< the hardware detector could not be run
-    detectorFailed,              ///< number: its exit code
+    detectorNotRun,              ///< wanted: the command line of the hardware detector
+    detectorFailed,              ///< wanted: the same; number: its exit code
 
     // Policies. Place: file, line, column and, in a section, section and keyword
     policiesUnreadable,       ///< the file could not be opened or read to its end
+    policyLookUpUnreadable,   ///< the file of a look-up could not be opened
     policiesMissing,          ///< the file holds no policy
     policyCharacterInvalid,   ///< a section should begin here; number: newlines before the fault
     policyDeclarationInvalid, ///< a header without "]"; number as above
@@ -74,7 +75,7 @@ enum class FaultKind : std::int32_t {
     policiesUnwritable,        ///< the policies file cannot be opened for writing
     policiesWrittenInPart,     ///< writing the policies file failed on the way
 
-    // Listings
+    // Listings. Place: model and number of the controller
     typeWithoutReader,           ///< number: the type
     listingMissing,              ///< there is none, or no reader for it
     listingFormat,               ///< it is not the utility's

@@ -51,6 +51,10 @@ CString locationText(const PciDevice& device) {
                       id(device.subsystemId));
 }
 
+CString rangeWords(std::int32_t first, std::int32_t last) {
+    return formatText("%d to %d", first, last);
+}
+
 /// Reads the sections of one controller of an inventory file. Each step is false after a fault that
 /// it has reported.
 class InventoryReader {
@@ -130,7 +134,11 @@ class InventoryReader {
         }
         const CString type = inventory_.readString(section, formatText("Type.%d", j), "");
         if (!controller.addDrive(channel, id, size.toInt(), type)) {
-            Fault fault{.kind = FaultKind::inventoryPositionInvalid, .place = at(section, {})};
+            Fault fault{.kind = FaultKind::inventoryPositionInvalid,
+                        .place = at(section, channelKey)};
+            fault.possible =
+                formatText("channel %s, id %s", rangeWords(0, RAIDController::channels - 1).c_str(),
+                           rangeWords(0, RAIDController::ids - 1).c_str());
             fault.place.channel = channel;
             fault.place.id = id;
             return fail(8, fault);
@@ -155,6 +163,8 @@ class InventoryReader {
     std::int32_t subtype_ = subtypeNotSet;
 };
 
+constexpr auto mostControllers = static_cast<std::int32_t>(ControllerList::maxControllers);
+
 } // namespace
 
 RAIDController* ControllerList::controller(std::size_t i) {
@@ -175,20 +185,29 @@ RAIDController* ControllerList::add(RAIDController controller) {
 
 bool ControllerList::initialize(IniFile& inventory, Report& report) {
     report.trace("Entering ControllerList::initialize(2)\n");
-    const auto fail = [&](int exit, FaultKind kind, std::int32_t number = 0) {
-        report.fault({.kind = kind, .place = {.file = inventory.name()}, .number = number});
+    const auto fail = [&](int exit, const Fault& fault) {
+        report.fault(fault);
         report.tracef("Exiting ControllerList::initialize(2), returning false(%d)\n", exit);
         return false;
     };
     if (inventory.loading() == IniFile::Loading::inPart) {
-        return fail(9, FaultKind::inventoryUnreadable);
+        return fail(9,
+                    {.kind = FaultKind::inventoryUnreadable, .place = {.file = inventory.name()}});
     }
-    const std::int32_t total = inventory.readInteger("System", "Total_Number_Of_Controllers", 0);
+    const FaultPlace place{
+        .file = inventory.name(), .section = "System", .keyword = "Total_Number_Of_Controllers"};
+    const std::int32_t total = inventory.readInteger(place.section, place.keyword, 0);
+    const auto wrongTotal = [&](FaultKind kind) {
+        return Fault{.kind = kind,
+                     .place = place,
+                     .number = total,
+                     .possible = rangeWords(1, mostControllers)};
+    };
     if (total < 1) {
-        return fail(1, FaultKind::inventoryWithoutControllers, total);
+        return fail(1, wrongTotal(FaultKind::inventoryWithoutControllers));
     }
     if (total > static_cast<std::int32_t>(maxControllers)) {
-        return fail(7, FaultKind::inventoryTooManyControllers, total);
+        return fail(7, wrongTotal(FaultKind::inventoryTooManyControllers));
     }
     for (std::size_t n = 1; n <= static_cast<std::size_t>(total); ++n) {
         InventoryReader reader(inventory, report, n);
@@ -220,7 +239,7 @@ std::optional<Machine> ControllerList::initialize(PCI_DevList_VC& devices,
         }
     }
     if (tooMany) {
-        report.fault({.kind = FaultKind::tooManyControllers});
+        report.fault({.kind = FaultKind::tooManyControllers, .number = mostControllers});
     }
     setControllerScanOrders(report);
     report.trace("Exiting ControllerList::initialize\n");
@@ -263,7 +282,9 @@ bool ControllerList::initialize(FileSystem& files, const CString& definitionFile
         }
         RAIDController* controller = add();
         if (controller == nullptr) {
-            report.fault({.kind = FaultKind::tooManyControllers});
+            report.fault({.kind = FaultKind::tooManyControllers,
+                          .place = {.file = definitionFile, .section = section},
+                          .number = mostControllers});
             break;
         }
         controller->setType(file.readInteger(section, "Type", 0));

@@ -33,18 +33,24 @@ void storeValue(std::string_view line, std::string_view key, CString& field) {
     }
 }
 
+constexpr const char* detectorCommand = "hwdetect.exe /i";
+
 } // namespace
 
 std::optional<Machine> ZOLEXSupport::gatherHardwareInfo(std::unique_ptr<Tool> runner,
                                                         Report& report) {
     const auto failed = [&report](FaultKind kind, std::int32_t number = 0) {
-        report.fault({.kind = kind, .number = number});
+        Fault fault;
+        fault.kind = kind;
+        fault.wanted = detectorCommand;
+        fault.number = number;
+        report.fault(fault);
         return std::nullopt;
     };
     if (!runner) {
         return failed(FaultKind::detectorRunnerMissing);
     }
-    runner->setCommand("hwdetect.exe /i");
+    runner->setCommand(detectorCommand);
     if (!runner->run(true)) {
         return failed(FaultKind::detectorNotRun);
     }

@@ -92,18 +92,11 @@ struct Policy {
     /// had none.
     [[nodiscard]] bool isGenerated() const;
 
-    // Accepted texts as they were read; empty when absent.
-    CString rebuildRate;
-    CString readAhead;
-    CString stripeSize;
-    CString init;
-    CString maxLogicalDriveSize;
-
-    // The same as codes; nothing when absent.
-    std::optional<std::int32_t> rebuildRateCode; ///< rebuild_rate
-    std::optional<std::int32_t> readAheadCode;   ///< read_ahead
-    std::optional<std::int32_t> stripeSizeCode;  ///< stripe
-    std::optional<std::int32_t> initCode;        ///< init_choice
+    // Nothing when absent.
+    std::optional<std::int32_t> rebuildRate; ///< rebuild_rate
+    std::optional<std::int32_t> readAhead;   ///< read_ahead
+    std::optional<std::int32_t> stripeSize;  ///< stripe
+    std::optional<std::int32_t> init;        ///< init_choice
     std::optional<std::int32_t> maxLogicalDriveSizeMb;
 
     bool customArrays = false;        ///< `Array_Mode = CUSTOM`

@@ -30,7 +30,7 @@ CString PolicyReader::lookUp(const CString& name, const CString& policyName, con
     report_.trace("Entering PolicyReader::lookUp\n");
     const std::unique_ptr<File> opened = files_.open(name, "r");
     if (!opened) {
-        report_.notef(level::ungated, "File not found:  %s \n", name.c_str());
+        report_.fault({.kind = FaultKind::policyLookUpUnreadable, .place = {.file = name}});
         report_.trace("Exiting PolicyReader::lookUp(1)\n");
         return "File not found";
     }

@@ -29,8 +29,7 @@ struct PolicyValidator::WordRow {
     const char* keyword;
     const char* words;
     std::optional<std::int32_t> (*parse)(std::string_view);
-    CString Policy::*value; ///< where the text as read goes
-    std::optional<std::int32_t> Policy::*code;
+    std::optional<std::int32_t> Policy::*value;
 };
 
 std::optional<Policy> PolicyValidator::validate() {
@@ -43,13 +42,13 @@ std::optional<Policy> PolicyValidator::validate() {
 bool PolicyValidator::readAll() {
     // clang-format off
     static constexpr WordRow rebuildRate = {keyword::rebuildRate, "HIGH MED LOW",
-        policy_value::rebuildRate, &Policy::rebuildRate, &Policy::rebuildRateCode};
+        policy_value::rebuildRate, &Policy::rebuildRate};
     static constexpr WordRow readAhead = {keyword::readAhead, "ADAPTIVE ON OFF",
-        policy_value::readAhead, &Policy::readAhead, &Policy::readAheadCode};
+        policy_value::readAhead, &Policy::readAhead};
     static constexpr WordRow stripeSize = {keyword::stripeSize, "16 32 64 128 256 512 1024 2048 4096",
-        policy_value::stripeSize, &Policy::stripeSize, &Policy::stripeSizeCode};
+        policy_value::stripeSize, &Policy::stripeSize};
     static constexpr WordRow init = {keyword::init, "QUICK BUILD",
-        policy_value::initChoice, &Policy::init, &Policy::initCode};
+        policy_value::initChoice, &Policy::init};
     // clang-format on
     return goesOnAfter(readAppliesTo()) && goesOnAfter(readWord(rebuildRate)) &&
            goesOnAfter(readWord(readAhead)) && goesOnAfter(readWord(stripeSize)) &&
@@ -78,8 +77,7 @@ bool PolicyValidator::readWord(const WordRow& row) {
     if (!code) {
         return fail(FaultKind::policyWordInvalid, *entry, entry->value, row.words);
     }
-    policy_.*row.value = entry->value;
-    policy_.*row.code = code;
+    policy_.*row.value = code;
     return true;
 }
 
@@ -194,7 +192,6 @@ bool PolicyValidator::readMaxLogicalDriveSize() {
         report_.notef(level::ungated, "DEBUG:plyreadr:readArrays:MaxLogical=%ld\n",
                       static_cast<long>(*size));
     }
-    policy_.maxLogicalDriveSize = entry->value;
     policy_.maxLogicalDriveSizeMb = size;
     return true;
 }

@@ -84,7 +84,7 @@ CString ConfigurationReader::modelName() const {
 }
 
 Fault ConfigurationReader::faultOf(FaultKind kind) const {
-    return {.kind = kind, .place = {.model = modelName()}};
+    return {.kind = kind, .place = {.model = modelName(), .controller = detail_.number}};
 }
 
 void ConfigurationReader::fail(FaultKind kind) const {

@@ -21,6 +21,7 @@ class Report;
 struct Detail {
     bool layout = false;      ///< arrays, logical drives and hot spares too
     bool dumpRecords = false; ///< records are shown as they are made
+    std::int32_t number = 0;  ///< of the controller, from 1, for its faults; 0: not known
 };
 
 /// What a utility printed about one controller, in the order of the commands that asked for it.

@@ -50,10 +50,13 @@ bool DiskInformation::readController(RAIDController& controller, std::int32_t nu
     report_.notef(level::progress, "\tController %d:  %s\n", number, nameOf(controller).c_str());
     const ReaderEntry* entry = findReader(controller.type());
     if (entry == nullptr) {
-        report_.fault({.kind = FaultKind::typeWithoutReader, .number = controller.type()});
+        report_.fault({.kind = FaultKind::typeWithoutReader,
+                       .place = {.model = nameOf(controller), .controller = number},
+                       .number = controller.type()});
         report_.trace("Exiting DiskInformation::readDiskInformation(1)\n");
         return false;
     }
+    detail_.number = number;
     const std::unique_ptr<ConfigurationReader> reader = createReader(*entry);
     if (!reader) {
         fail(FaultKind::listingMissing, controller);
@@ -114,7 +117,8 @@ bool DiskInformation::readDefinition(ControllerList& controllers, FileSystem& fi
 }
 
 void DiskInformation::fail(FaultKind kind, const RAIDController& controller) {
-    report_.fault({.kind = kind, .place = {.model = nameOf(controller)}});
+    report_.fault(
+        {.kind = kind, .place = {.model = nameOf(controller), .controller = detail_.number}});
 }
 
 } // namespace zolex

@@ -1,4 +1,5 @@
 #include "show/FloorFaultTexts.h"
+#include "show/TextPieces.h"
 
 #include <algorithm>
 #include <array>
@@ -107,6 +108,9 @@ std::string_view valueOf(Middle middle, const Fault& fault) {
 } // namespace
 
 std::optional<std::vector<FaultText>> policyFaultTexts(const Fault& fault) {
+    if (fault.kind == FaultKind::policyLookUpUnreadable) {
+        return output(formatText("File not found:  %s \n", fault.place.file.c_str()));
+    }
     const auto row = std::find_if(rows.begin(), rows.end(),
                                   [&fault](const Row& one) { return one.kind == fault.kind; });
     if (row == rows.end()) {

@@ -1,6 +1,7 @@
 #include "commands/GeneratorFixture.h"
 #include "commands/MEGAWinCommands.h"
 #include "model/ControllerCatalogue.h"
+#include "support/FaultList.h"
 
 namespace zolex::test {
 namespace {
@@ -38,11 +39,7 @@ class CommandFaults : public GeneratorFixture {
         return !generated.fault;
     }
 
-    struct Keeper : SilentReport {
-        void fault(const Fault& fault) override { faults.push_back(fault); }
-        std::vector<Fault> faults;
-    };
-    Keeper keeper;
+    FaultList keeper;
 };
 
 TEST_F(CommandFaults, OfATypeWithoutGenerator) {

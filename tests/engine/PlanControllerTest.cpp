@@ -2,6 +2,7 @@
 
 #include "engine/PlanningFixture.h"
 #include "inventory/ControllerList.h"
+#include "support/FaultList.h"
 #include "support/ModeRun.h"
 #include "support/TestData.h"
 
@@ -11,13 +12,6 @@ namespace zolex::test {
 namespace {
 
 const zolex::Machine thisMachine{"8837", "ABC1234"};
-
-/// Keeps the faults that it is told.
-class FaultList : public SilentReport {
-  public:
-    void fault(const Fault& fault) override { faults.push_back(fault); }
-    std::vector<Fault> faults;
-};
 
 Policy policyForAll(Policy policy = makePolicy()) {
     AppliesTo entry;
@@ -196,7 +190,7 @@ std::vector<Refused> refusedPolicies() {
         {"a long list", policyWithArrays({many}), FaultKind::planTooManyArrayDrives, "Array.A", "",
          32, "", 13},
         {"no such array", custom({1, -101, raid_level::raid0, 2}), FaultKind::planArrayUnknown,
-         "Logical.2", "", 0, "", 0},
+         "Logical.2", "B", 0, "A", 0},
         {"a level of others", custom({0, -101, raid_level::raid1E, 2}),
          FaultKind::planRaidLevelUnsupported, "Logical.2", "1E", 0, "0, 1, 5, 6, 10, 50, 60", 0},
         {"a level for other numbers", custom({0, -101, raid_level::raid6, 2}),
@@ -208,7 +202,7 @@ std::vector<Refused> refusedPolicies() {
              p.arrays = {arrayOfNumbers({1, 2, 3})};
          }),
          FaultKind::planRaidLevelDriveCount, "Logical_Defaults", "1", 3, "2", 13},
-        {"a stripe size of others", with([](Policy& p) { p.stripeSize = "4096"; }),
+        {"a stripe size of others", with([](Policy& p) { p.stripeSize = stripe::kb4096; }),
          FaultKind::planStripeSizeUnsupported, "StripeSize", "4096", 0, "8, 16, 32, 64, 128", 0},
     };
 }

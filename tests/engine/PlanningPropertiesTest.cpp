@@ -51,7 +51,9 @@ Policy randomAutomaticPolicy(Random& random) {
         defaults.writeCache = pick(random, 0, 2);
         policy.logicalDefaults = defaults;
     }
-    policy.stripeSize = pick(random, 0, 3) == 0 ? "256" : "";
+    if (pick(random, 0, 3) == 0) {
+        policy.stripeSize = stripe::kb256;
+    }
     return policy;
 }
 

@@ -10,35 +10,61 @@ namespace {
 struct SettingsRow {
     std::int32_t type;
     std::int32_t subtype;
-    const char* stripeSize;
-    const char* readAhead;
-    const char* rebuildRate;
-    const char* init;
+    std::optional<std::int32_t> stripeSize;
+    std::optional<std::int32_t> readAhead;
+    std::optional<std::int32_t> rebuildRate;
+    std::optional<std::int32_t> init;
     std::vector<std::int32_t> codes; // stripe size, read-ahead, rebuild rate, init
 };
 
-TEST(ControllerSettings, WordsOfThePolicyAndDefaultsOfTheClass) {
+TEST(ControllerSettings, CodesOfThePolicyAndDefaultsOfTheClass) {
     const std::vector<SettingsRow> rows{
-        {12, 2, "", "", "", "", {3, 0, 0, 0}},
-        {1, 1, "", "", "", "", {0, 0, 0, 0}},
-        {2, -1, "", "", "", "", {3, 1, 0, 0}},
-        {7, 1, "", "", "", "", {5, 1, 0, 0}},
-        {10, -1, "", "", "", "", {10, 0, 0, 0}},
-        {4, 1, "", "", "", "", {3, 1, 0, 0}},
-        {12, 2, "8", "ADAPTIVE", "HIGH", "QUICK", {0, 0, 0, 0}},
-        {12, 2, "16", "ON", "MED", "BUILD", {1, 1, 1, 1}},
-        {12, 2, "32", "OFF", "LOW", "build", {2, 2, 2, 1}},
-        {12, 2, "64", "adaptive", "high", "quick", {3, 0, 0, 0}},
-        {12, 2, "128", "on", "med", "Build", {4, 1, 1, 1}},
-        {10, -1, "256", "off", "low", "QUICK", {5, 2, 2, 0}},
-        {10, -1, "512", "", "", "", {6, 0, 0, 0}},
-        {10, -1, "1024", "", "", "", {7, 0, 0, 0}},
-        {10, -1, "2048", "", "", "", {8, 0, 0, 0}},
-        {10, -1, "4096", "", "", "", {9, 0, 0, 0}},
-        // What is no word leaves the class default.
-        {7, 1, "8192", "SOMETIMES", "FASTER", "NEVER", {5, 1, 0, 0}},
-        {7, 1, "064", "ERROR", "ERROR", "", {5, 1, 0, 0}},
-        {7, 1, "ERROR", "", "", "", {5, 1, 0, 0}},
+        {12, 2, {}, {}, {}, {}, {3, 0, 0, 0}},
+        {1, 1, {}, {}, {}, {}, {0, 0, 0, 0}},
+        {2, -1, {}, {}, {}, {}, {3, 1, 0, 0}},
+        {7, 1, {}, {}, {}, {}, {5, 1, 0, 0}},
+        {10, -1, {}, {}, {}, {}, {10, 0, 0, 0}},
+        {4, 1, {}, {}, {}, {}, {3, 1, 0, 0}},
+        {12,
+         2,
+         stripe::kb8,
+         read_ahead::adaptive,
+         rebuild_rate::high,
+         init_choice::quick,
+         {0, 0, 0, 0}},
+        {12,
+         2,
+         stripe::kb16,
+         read_ahead::on,
+         rebuild_rate::medium,
+         init_choice::build,
+         {1, 1, 1, 1}},
+        {12, 2, stripe::kb32, read_ahead::off, rebuild_rate::low, init_choice::build, {2, 2, 2, 1}},
+        {12,
+         2,
+         stripe::kb64,
+         read_ahead::adaptive,
+         rebuild_rate::high,
+         init_choice::quick,
+         {3, 0, 0, 0}},
+        {12,
+         2,
+         stripe::kb128,
+         read_ahead::on,
+         rebuild_rate::medium,
+         init_choice::build,
+         {4, 1, 1, 1}},
+        {10,
+         -1,
+         stripe::kb256,
+         read_ahead::off,
+         rebuild_rate::low,
+         init_choice::quick,
+         {5, 2, 2, 0}},
+        {10, -1, stripe::kb512, {}, {}, {}, {6, 0, 0, 0}},
+        {10, -1, stripe::kb1024, {}, {}, {}, {7, 0, 0, 0}},
+        {10, -1, stripe::kb2048, {}, {}, {}, {8, 0, 0, 0}},
+        {10, -1, stripe::kb4096, {}, {}, {}, {9, 0, 0, 0}},
     };
     for (const SettingsRow& row : rows) {
         Bench bench;
@@ -48,13 +74,13 @@ TEST(ControllerSettings, WordsOfThePolicyAndDefaultsOfTheClass) {
         policy.readAhead = row.readAhead;
         policy.rebuildRate = row.rebuildRate;
         policy.init = row.init;
-        const std::string at = std::string(row.stripeSize) + row.readAhead + row.rebuildRate;
+        const std::ptrdiff_t at = &row - rows.data();
         ASSERT_TRUE(plan(bench, *controller, policy)) << at;
         const RAIDConfiguration& made = *controller->configuration();
         EXPECT_EQ((std::vector<std::int32_t>{made.stripeSize, made.readAhead, made.rebuildRate,
                                              made.init}),
                   row.codes)
-            << row.type << ' ' << at;
+            << at;
         EXPECT_EQ(made.policyName, "Policy.test");
     }
 }
@@ -63,16 +89,20 @@ TEST(ControllerSettings, StripeSizesThatTheClassDoesNotSupport) {
     struct Row {
         std::int32_t type;
         std::int32_t subtype;
-        const char* accepted;
-        const char* refused;
+        std::int32_t accepted;
+        std::int32_t refused;
         const char* model;
     };
     const std::vector<Row> rows{
-        {1, 1, "64", "128", "Kestrix-A1"},    {12, 2, "128", "256", "Kestrix-C1"},
-        {2, -1, "64", "128", "Kestrix-A8"},   {7, 1, "16", "8", "Kestrix-B2"},
-        {7, 1, "1024", "2048", "Kestrix-B2"}, {11, 2, "1024", "4096", "Kestrix-B7"},
-        {6, 1, "32", "16", "LSI-IDEal-RAID"}, {4, 1, "16", "8", "Kestrix-A10"},
-        {9, -1, "64", "128", "Kestrix-B4"},
+        {1, 1, stripe::kb64, stripe::kb128, "Kestrix-A1"},
+        {12, 2, stripe::kb128, stripe::kb256, "Kestrix-C1"},
+        {2, -1, stripe::kb64, stripe::kb128, "Kestrix-A8"},
+        {7, 1, stripe::kb16, stripe::kb8, "Kestrix-B2"},
+        {7, 1, stripe::kb1024, stripe::kb2048, "Kestrix-B2"},
+        {11, 2, stripe::kb1024, stripe::kb4096, "Kestrix-B7"},
+        {6, 1, stripe::kb32, stripe::kb16, "LSI-IDEal-RAID"},
+        {4, 1, stripe::kb16, stripe::kb8, "Kestrix-A10"},
+        {9, -1, stripe::kb64, stripe::kb128, "Kestrix-B4"},
     };
     for (const Row& row : rows) {
         Bench bench;
@@ -122,7 +152,7 @@ TEST(CreateConfig, EveryExitHasItsNumber) {
     EXPECT_TRUE(logs(bench, *four, policy, "Exiting RAIDConfigCreator::createConfig(4)\n"));
     // (5): stripe size.
     policy = makePolicy();
-    policy.stripeSize = "4096";
+    policy.stripeSize = stripe::kb4096;
     const auto five = makeController(12, 2, equalDrives(2));
     EXPECT_TRUE(logs(bench, *five, policy, "Exiting RAIDConfigCreator::createConfig(5)\n"));
     // (9): planned.
@@ -155,7 +185,7 @@ TEST(CreateConfig, AFailedPlanRemovesAnEarlierConfiguration) {
     const auto controller = makeController(12, 2, equalDrives(2));
     controller->setConfiguration(std::make_unique<RAIDConfiguration>());
     Policy policy = makePolicy();
-    policy.stripeSize = "4096";
+    policy.stripeSize = stripe::kb4096;
     EXPECT_FALSE(plan(bench, *controller, policy));
     EXPECT_EQ(controller->configuration(), nullptr);
 }
@@ -220,7 +250,7 @@ TEST(CreateConfig, TheWholeTraceOfAPlan) {
 TEST(CreateConfig, TheStripeSizeFaultIsTraced) {
     Bench bench;
     Policy policy = makePolicy();
-    policy.stripeSize = "4096";
+    policy.stripeSize = stripe::kb4096;
     const auto controller = makeController(12, 2, equalDrives(2));
     EXPECT_TRUE(logs(bench, *controller, policy,
                      "Entering RAIDConfigCreator::doStripeSize\n\n#### ERROR\n\tError in "

@@ -150,10 +150,10 @@ TEST(ValueReasons, OfTheSettings) {
     EXPECT_EQ(valuesOf(byClass, Reason::Subject::rebuildRate), "-1 class default /0/0\n");
     EXPECT_EQ(valuesOf(byClass, Reason::Subject::init), "-1 class default /0/0\n");
 
-    policy.stripeSize = "64";
-    policy.readAhead = "off";
-    policy.rebuildRate = "MED";
-    policy.init = "BUILD";
+    policy.stripeSize = stripe::kb64;
+    policy.readAhead = read_ahead::off;
+    policy.rebuildRate = rebuild_rate::medium;
+    policy.init = init_choice::build;
     const ControllerPlan byPolicy = planOf(policy, equalDrives(3, 1000), 7);
     EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::stripeSize), "-1 given StripeSize/3/3\n");
     EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::readAhead), "-1 given ReadAhead/2/2\n");

@@ -222,19 +222,19 @@ TEST(PolicyFileTest, ValuesAreReadIntoCodes) {
                                  false);
     ASSERT_TRUE(file.policies.has_value());
     const Policy& policy = file.policies->policies().at(0);
-    EXPECT_EQ(policy.rebuildRateCode, rebuild_rate::low);
-    EXPECT_EQ(policy.readAheadCode, read_ahead::on);
-    EXPECT_EQ(policy.stripeSizeCode, stripe::kb1024);
-    EXPECT_EQ(policy.initCode, init_choice::build);
+    EXPECT_EQ(policy.rebuildRate, rebuild_rate::low);
+    EXPECT_EQ(policy.readAhead, read_ahead::on);
+    EXPECT_EQ(policy.stripeSize, stripe::kb1024);
+    EXPECT_EQ(policy.init, init_choice::build);
     EXPECT_EQ(policy.maxLogicalDriveSizeMb, 512);
-    EXPECT_EQ(read(begin, false).policies->policies().at(0).rebuildRateCode, std::nullopt);
+    EXPECT_EQ(read(begin, false).policies->policies().at(0).rebuildRate, std::nullopt);
 }
 
 TEST(PolicyFileTest, EveryStripeSizeHasTheCodeOfItsWord) {
     for (std::int32_t code = stripe::kb16; code <= stripe::kb4096; ++code) {
         const PolicyFile file = read(begin + "StripeSize = " + stripeSizeWord(code), false);
         ASSERT_TRUE(file.policies.has_value());
-        EXPECT_EQ(file.policies->policies().at(0).stripeSizeCode, code);
+        EXPECT_EQ(file.policies->policies().at(0).stripeSize, code);
     }
 }
 

@@ -115,15 +115,18 @@ void expectLogicalDrives(const RAIDController& controller, const Policy& policy)
     }
 }
 
+std::optional<std::int32_t> codeIf(bool written, std::int32_t code) {
+    return written ? std::optional(code) : std::nullopt;
+}
+
 void expectSettings(const RAIDController& controller, const Policy& policy) {
     const RAIDConfiguration& configuration = *controller.configuration();
     const std::int32_t type = controller.type();
     const bool stripe = !holdsType({5, 10}, type) && configuration.stripeSize != stripe::none;
-    EXPECT_EQ(policy.stripeSize, stripe ? stripeSizeWord(configuration.stripeSize) : "");
-    EXPECT_EQ(policy.rebuildRate,
-              holdsType({1, 7, 11}, type) ? rebuildRateWord(configuration.rebuildRate) : "");
+    EXPECT_EQ(policy.stripeSize, codeIf(stripe, configuration.stripeSize));
+    EXPECT_EQ(policy.rebuildRate, codeIf(holdsType({1, 7, 11}, type), configuration.rebuildRate));
     EXPECT_EQ(policy.readAhead,
-              holdsType({1, 2, 7, 11, 12}, type) ? readAheadWord(configuration.readAhead) : "");
+              codeIf(holdsType({1, 2, 7, 11, 12}, type), configuration.readAhead));
     EXPECT_TRUE(policy.customArrays);
     EXPECT_TRUE(policy.customLogicalDrives);
 }

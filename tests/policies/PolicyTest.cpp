@@ -126,7 +126,7 @@ TEST(DefaultPolicyTest, AppliesToEveryControllerAndLeavesEverythingOpen) {
     EXPECT_EQ(list.find(machine()), &policy);
     EXPECT_EQ(list.find(MatchValues()), &policy);
 
-    EXPECT_TRUE(policy.stripeSize.isEmpty());
+    EXPECT_FALSE(policy.stripeSize.has_value());
     EXPECT_FALSE(policy.customArrays);
     EXPECT_FALSE(policy.customLogicalDrives);
     EXPECT_FALSE(policy.logicalDefaults.has_value());

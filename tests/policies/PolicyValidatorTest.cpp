@@ -12,10 +12,6 @@ namespace {
 using test::errorBlock;
 using test::PolicyReading;
 
-std::string text(const CString& value) {
-    return std::string(value.view());
-}
-
 std::string dump(const RaidArray& array) {
     std::string result = array.allRemaining ? "ALL" : "";
     for (const std::int32_t number : array.driveNumbers()) {
@@ -40,11 +36,11 @@ std::string dump(const Policy& policy) {
             result += (result.empty() ? "" : " ") + name + "=" + value;
         }
     };
-    add("rebuild", text(policy.rebuildRate));
-    add("ahead", text(policy.readAhead));
-    add("stripe", text(policy.stripeSize));
-    add("init", text(policy.init));
-    add("max", text(policy.maxLogicalDriveSize));
+    add("rebuild", policy.rebuildRate ? rebuildRateWord(*policy.rebuildRate) : "");
+    add("ahead", policy.readAhead ? readAheadWord(*policy.readAhead) : "");
+    add("stripe", policy.stripeSize ? stripeSizeWord(*policy.stripeSize) : "");
+    add("init", policy.init ? (*policy.init == init_choice::quick ? "QUICK" : "BUILD") : "");
+    add("max", policy.maxLogicalDriveSizeMb ? std::to_string(*policy.maxLogicalDriveSizeMb) : "");
     add("arrays", policy.customArrays ? "CUSTOM" : "");
     add("logical", policy.customLogicalDrives ? "CUSTOM" : "");
     if (policy.arrayDefaults.variancePercent != 0 || policy.arrayDefaults.hotspareCount != -25) {
@@ -91,15 +87,15 @@ std::string repeat(int count, const std::string& item) {
 const Row accepts[] = {
     {"", ""},
     {"RebuildRate = HIGH", "rebuild=HIGH"},
-    {"RebuildRate = med", "rebuild=med"},
+    {"RebuildRate = med", "rebuild=MED"},
     {"rebuildrate=LOW", "rebuild=LOW"},
     {"ReadAhead = ADAPTIVE", "ahead=ADAPTIVE"},
-    {"ReadAhead = on", "ahead=on"},
+    {"ReadAhead = on", "ahead=ON"},
     {"ReadAhead = OFF", "ahead=OFF"},
     {"StripeSize = 16", "stripe=16"},
     {"StripeSize = 4096", "stripe=4096"},
     {"Init = QUICK", "init=QUICK"},
-    {"Init = Build", "init=Build"},
+    {"Init = Build", "init=BUILD"},
     {"Array_Defaults = 0%:0", "adef=0/0"},
     {"Array_Defaults = 5%:02", "adef=5/2"},
     {"Array_Defaults = 10%:2147483647", "adef=10/2147483647"},
@@ -154,7 +150,7 @@ TEST(PolicyValidatorTest, EveryStripeSizeOfTheListIsAccepted) {
     for (const char* size : {"16", "32", "64", "128", "256", "512", "1024", "2048", "4096"}) {
         PolicyReading reading;
         ASSERT_TRUE(reading.read(policyWith(std::string("StripeSize = ") + size))) << size;
-        EXPECT_EQ(reading.policy().stripeSize, size);
+        EXPECT_STREQ(stripeSizeWord(reading.policy().stripeSize.value()), size);
     }
 }
 
