@@ -66,7 +66,8 @@ void readPolicies(Input input) {
         check(reader.hasPolicy(policy.name), "a policy of the list is known");
         const CString stripeSize =
             reader.lookUp("policies.ini", policy.name, "STRIPESIZE", absentKeyword);
-        check((stripeSize == absentKeyword ? CString() : stripeSize) == policy.stripeSize,
+        check(stripeSize ==
+                  (policy.stripeSize ? stripeSizeWord(*policy.stripeSize) : absentKeyword),
               "a look-up finds what was validated");
         check(!reader.lookUp("policies.ini", policy.name, "AppliesTo.1", "").isEmpty(),
               "AppliesTo.1 is there");
