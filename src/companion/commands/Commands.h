@@ -1,0 +1,42 @@
+#pragma once
+
+#include "companion/commands/Context.h"
+
+#include <string>
+#include <vector>
+
+/// The commands of zolexctl. Each returns the exit code.
+namespace zolex::companion {
+
+struct ShowOptions {
+    std::string file;   ///< a recording instead of the machine; or empty
+    bool exact = false; ///< policies with sizes in MB where the drive is filled
+};
+int show(Context& context, const ShowOptions& options);
+
+struct CheckOptions {
+    std::vector<std::string> files;    ///< "-": standard input
+    std::vector<std::string> machines; ///< recordings or folders of them
+    std::vector<std::string> select;
+    std::vector<std::string> ignore;
+    bool asOld = false;
+    bool fix = false;
+};
+int check(Context& context, const CheckOptions& options);
+
+int doctor(Context& context);
+
+struct RecordOptions {
+    bool redact = false;
+};
+int record(Context& context, const RecordOptions& options);
+
+struct ReplayOptions {
+    std::string file;
+    std::vector<std::string> command; ///< behind "--"
+};
+int replay(Context& context, const ReplayOptions& options);
+
+int explain(Context& context, const std::string& code);
+
+} // namespace zolex::companion

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "companion/text/Terminal.h"
+#include "platform/Platform.h"
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolex::companion {
+
+/// Exit codes of zolexctl, the same for every command.
+namespace exit_code {
+inline constexpr int done = 0;
+inline constexpr int found = 1;       ///< findings, a difference
+inline constexpr int notPossible = 2; ///< bad option, unreadable file, a utility failed
+inline constexpr int refused = 3;     ///< apply: nothing was changed
+inline constexpr int stopped = 4;     ///< apply: something was changed
+inline constexpr int different = 5;   ///< apply: what stands is not what was planned
+} // namespace exit_code
+
+enum class Format { text, json, svg, html, policies, concise, sarif, github };
+
+/// The options that all commands which look at a machine have.
+struct MachineOptions {
+    std::string utilitiesFolder;                  ///< where UTIL.BAT and hwdetect.exe are; or empty
+    std::map<std::string, std::string> utilities; ///< "MEGACLI" -> path
+    std::string recording;                        ///< read instead of the machine; or empty
+    std::string record;                           ///< file that keeps the calls; or empty
+    std::vector<std::int32_t> controllers;        ///< numbers from 1; empty: all
+    std::chrono::seconds captureLimit{300};       ///< for each reading child
+    std::string machineType;                      ///< given instead of asked for; or empty
+    std::string serialNumber;                     ///< the same
+};
+
+/// What a command has to work with.
+struct Context {
+    Platform& platform; ///< of the system
+    MachineOptions machine;
+    Format format = Format::text;
+    std::string outputFile; ///< of -o; empty: standard output
+    TextStyle style;        ///< of what goes to standard output or the output file
+    TextStyle errorStyle;   ///< of what goes to standard error
+    bool quiet = false;
+    bool verbose = false;
+    std::vector<std::string> argv; ///< arguments without the program's name
+};
+
+/// Writes what the command gives: to standard output, or to the output file, which is replaced as a
+/// whole or, when that fails, stays as it was. False after a message on standard error.
+[[nodiscard]] bool deliver(Context& context, std::string_view output);
+
+/// "error: WHAT" and "  help: HELP" on standard error. Always exit_code::notPossible.
+int failWith(Context& context, std::string_view what, std::string_view help = {});
+
+} // namespace zolex::companion

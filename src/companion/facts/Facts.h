@@ -1,0 +1,138 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What a utility's listings say of one controller: all of it, read apart from the readers that the
+/// planner uses, so that the two can be held against each other.
+namespace zolex::companion {
+
+enum class Health { unknown, ok, warning, critical };
+
+/// What a drive does, whatever word its utility has for it.
+enum class DriveState {
+    unknown,
+    free,   ///< good, and in no array
+    member, ///< of an array, and good
+    hotspare,
+    rebuilding,
+    failed,  ///< failed, defunct, offline, unconfigured bad
+    missing, ///< named, but not there
+    foreign, ///< carries a layout of another controller
+    jbod,    ///< shown to the system as it is
+};
+
+enum class HotspareKind { none, global, dedicated };
+
+/// Where a record begins in the listings.
+struct ListingPlace {
+    std::size_t listing = 0; ///< index, from 0
+    std::int32_t line = 0;   ///< from 1
+    friend bool operator==(const ListingPlace&, const ListingPlace&) = default;
+};
+
+/// One physical drive. What its utility does not tell is empty.
+struct DriveFacts {
+    /// As the utility's commands name it: "32:4", ":3" for a drive in no enclosure, "0:1".
+    std::string location;
+    std::optional<std::int32_t> enclosure; ///< the utility's own id
+    std::optional<std::int32_t> slot;
+    std::optional<std::int32_t> channel; ///< as the utility numbers it
+    std::optional<std::int32_t> id;      ///< SCSI id, or device
+    std::optional<std::int32_t> number;  ///< the utility's own running number, device or target id
+    std::string serialNumber;
+    std::string manufacturer;
+    std::string model;
+    std::string revision;
+    std::string inquiry;   ///< the raw text that the four above come from, blanks trimmed
+    std::string protocol;  ///< "SAS", "SATA", "SCSI", "PATA" or empty
+    std::string mediaType; ///< "HDD", "SSD" or empty
+    std::optional<std::uint64_t> capacityBytes;
+    std::string reportedState; ///< the utility's own word
+    DriveState state = DriveState::unknown;
+    Health health = Health::unknown;
+    std::optional<std::uint64_t> mediaErrorCount;
+    std::optional<std::uint64_t> otherErrorCount;
+    std::optional<std::uint64_t> predictedFailureCount;
+    std::optional<std::int32_t> temperatureCelsius;
+    bool isForeign = false;
+    HotspareKind hotspare = HotspareKind::none;
+    ListingPlace place;
+    friend bool operator==(const DriveFacts&, const DriveFacts&) = default;
+};
+
+/// One logical drive and the drives that it lies on.
+struct LogicalDriveFacts {
+    std::string id; ///< as the utility numbers it
+    std::string name;
+    std::string array;    ///< id of its array; logical drives over the same drives share it
+    std::string raidType; ///< "RAID0", ..., "RAID60", "RAID5E", "RAID5EE", "None"; empty: unknown
+    std::string reportedLevel; ///< the utility's own words
+    /// Locations of its drives, span by span; one span for levels without spans. A member that is
+    /// not among the drives stands as the listing names it.
+    std::vector<std::vector<std::string>> spans;
+    std::optional<std::uint64_t> capacityBytes;
+    /// Half of the last digit of the listed size, in bytes: how far it may be off.
+    std::uint64_t capacityTolerance = 0;
+    std::optional<std::uint64_t> stripSizeBytes;
+    std::string
+        writeCache; ///< "WriteThrough", "ProtectedWriteBack", "UnprotectedWriteBack" or empty
+    std::string readCache; ///< "Off", "ReadAhead", "AdaptiveReadAhead" or empty
+    std::string reportedState;
+    Health health = Health::unknown;
+    ListingPlace place;
+    friend bool operator==(const LogicalDriveFacts&, const LogicalDriveFacts&) = default;
+};
+
+/// A block of a listing that could not be read to its end, or a line that cannot be true.
+struct BrokenBlock {
+    ListingPlace place;
+    std::string what; ///< for a reader: "physical drive without a slot number"
+    friend bool operator==(const BrokenBlock&, const BrokenBlock&) = default;
+};
+
+/// How one listing was read.
+struct ListingReading {
+    std::size_t blocks = 0;     ///< blocks that begin (drives, logical drives, segments, ...)
+    std::size_t blocksRead = 0; ///< of them those that became records
+    std::size_t keys = 0;       ///< lines "key : value"
+    std::size_t keysUsed = 0;   ///< of them those that a record holds
+    /// Keys that no table names, with the line where each stands first and how often it stands.
+    struct UnknownKey {
+        std::int32_t line = 0;
+        std::size_t count = 0;
+        friend bool operator==(const UnknownKey&, const UnknownKey&) = default;
+    };
+    std::map<std::string, UnknownKey, std::less<>> unknownKeys;
+    friend bool operator==(const ListingReading&, const ListingReading&) = default;
+};
+
+/// Everything that the listings of one controller say.
+struct Facts {
+    std::string productName;
+    std::string serialNumber;
+    std::string firmwareVersion;
+    std::string biosVersion;
+    std::string driverVersion;
+    std::string reportedState;
+    std::string pciIds;                 ///< "1000:0411:1000:1002" where the listing tells them
+    std::vector<std::string> raidTypes; ///< that it supports; empty: not told
+    std::optional<std::uint64_t> minStripSizeBytes;
+    std::optional<std::uint64_t> maxStripSizeBytes;
+    std::optional<std::int32_t> rebuildRatePercent;
+    std::vector<DriveFacts> drives; ///< in the order of the listings, one for each location
+    std::vector<LogicalDriveFacts> logicalDrives;
+    std::vector<std::string> foreignConfigurations; ///< one line each, as told
+    std::vector<BrokenBlock> broken;
+    std::vector<ListingReading> listings;
+
+    [[nodiscard]] const DriveFacts* drive(std::string_view location) const;
+    friend bool operator==(const Facts&, const Facts&) = default;
+};
+
+} // namespace zolex::companion
