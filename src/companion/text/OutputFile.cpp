@@ -10,12 +10,6 @@ namespace {
 
 using output_file::Standing;
 
-#ifdef _WIN32
-constexpr std::string_view folderEnds = "\\/:";
-#else
-constexpr std::string_view folderEnds = "/";
-#endif
-
 /// The name as the system takes it.
 std::string systemName(std::string_view name) {
     std::string own(name);
@@ -27,12 +21,10 @@ std::string systemName(std::string_view name) {
     return own;
 }
 
-/// A name in the folder of `name` that no file has.
+/// A name beside `name` that no file has.
 std::string nameBeside(const std::string& name) {
-    const std::size_t end = name.find_last_of(folderEnds);
-    const std::string folder = name.substr(0, end == std::string::npos ? 0 : end + 1);
     const std::string first =
-        folder + ".zolexctl-" + std::to_string(output_file::processNumber()) + "-";
+        name + ".zolexctl-" + std::to_string(output_file::processNumber()) + "-";
     for (int i = 0;; ++i) {
         std::string free = first + std::to_string(i);
         if (output_file::standing(free) == Standing::nothing) {

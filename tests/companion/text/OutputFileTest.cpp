@@ -115,7 +115,8 @@ TEST(OutputFile, RefusesAProtectedFile) {
 TEST(OutputFile, LeavesOtherFilesAlone) {
     const TemporaryDirectory directory;
     StandardFileSystem files;
-    const std::string taken = ".zolexctl-" + std::to_string(output_file::processNumber()) + "-0";
+    const std::string taken =
+        "a.txt.zolexctl-" + std::to_string(output_file::processNumber()) + "-0";
     directory.write(taken, "somebody's");
     EXPECT_EQ(replaceFile(files, "a.txt", "new"), "");
     EXPECT_EQ(TemporaryDirectory::read(taken), "somebody's");
