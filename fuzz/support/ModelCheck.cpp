@@ -73,8 +73,8 @@ void checkController(const RAIDController& controller) {
     check(isWithin(controller.numberOfDrives(), 0,
                    (RAIDController::channels - RAIDController::firstChannel) * RAIDController::ids),
           "number of drives");
-    if (controller.configuration() != nullptr) {
-        checkConfiguration(*controller.configuration(), controller.type());
+    if (controller.captured() != nullptr) {
+        checkConfiguration(*controller.captured(), controller.type());
     }
 }
 

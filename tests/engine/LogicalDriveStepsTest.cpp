@@ -410,7 +410,7 @@ TEST(LogicalDriveLimits, EightLogicalDrives) {
     const std::vector<LogicalSpecification> eight(8, specification(0, 100, raid_level::raid0));
     const auto fits = makeController(12, 2, equalDrives(2, 10000));
     EXPECT_TRUE(plan(bench, *fits, policyWithLogicalDrives(2, eight)));
-    EXPECT_EQ(fits->configuration()->logicalDrives().size(), 8U);
+    EXPECT_EQ(fits->captured()->logicalDrives().size(), 8U);
 
     std::vector<LogicalSpecification> nine = eight;
     nine.push_back(eight.front());

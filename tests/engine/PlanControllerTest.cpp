@@ -279,9 +279,9 @@ TEST(PlanController, TheLayoutThatWasReadDoesNotMatter) {
     MirroredMachine withLayout;
     const RAIDController& plain = withoutLayout.capture(false);
     const RAIDController& captured = withLayout.capture(true);
-    ASSERT_EQ(plain.configuration(), nullptr);
-    ASSERT_NE(captured.configuration(), nullptr);
-    ASSERT_EQ(captured.configuration()->arrays().size(), 1U);
+    ASSERT_EQ(plain.captured(), nullptr);
+    ASSERT_NE(captured.captured(), nullptr);
+    ASSERT_EQ(captured.captured()->arrays().size(), 1U);
 
     const PolicyList policies = listOf({policyForAll()});
     SilentReport report;

@@ -18,7 +18,7 @@ struct Planned {
     std::unique_ptr<RAIDController> controller;
     bool done = false;
 
-    [[nodiscard]] const RAIDConfiguration* plan() const { return controller->configuration(); }
+    [[nodiscard]] const RAIDConfiguration* plan() const { return controller->captured(); }
 };
 
 std::vector<std::string> positionsOf(const ControllerSpec& spec) {
@@ -466,7 +466,7 @@ TEST(PlanProperties, PlanningTwiceGivesTheSamePlan) {
         const auto again = planned.spec.make();
         Planner planner;
         RC_ASSERT(planner.plan(*again, planned.policy) == planned.done);
-        RC_ASSERT(describe(again->configuration()) == describe(planned.plan()));
+        RC_ASSERT(describe(again->captured()) == describe(planned.plan()));
         for (const DriveSpec& drive : planned.spec.drives) {
             RC_ASSERT(again->isUsed(drive.channel, drive.id) ==
                       planned.controller->isUsed(drive.channel, drive.id));
@@ -514,7 +514,7 @@ TEST(PlanProperties, PlanningReadsOnly) {
         RC_ASSERT(plan.fault.has_value() == (plan.outcome == Outcome::refused));
         // Whatever is kept of a plan, the next one is the same.
         const auto kept = spec.make();
-        kept->setConfiguration(std::make_unique<RAIDConfiguration>());
+        kept->setCaptured(RAIDConfiguration());
         kept->setMember(1, 0);
         RC_ASSERT(planController(*kept, 1, policies, machine, report) == plan);
     });
