@@ -5,6 +5,7 @@
 #include "engine/RAIDConfigCreator.h"
 #include "model/RAIDController.h"
 #include "policies/Policy.h"
+#include "support/DriveSizes.h"
 #include "support/FakePlatform.h"
 
 #include <initializer_list>

@@ -46,7 +46,7 @@ Policy randomAutomaticPolicy(Random& random) {
     policy.arrayDefaults.hotspareCount = pickOf(random, {-25, -25, -25, 0, 1, 2, 9});
     if (pick(random, 0, 1) == 1) {
         LogicalSpecification defaults;
-        defaults.sizeMb = pick(random, -101, -1);
+        defaults.size = driveSize(pick(random, -101, -1));
         defaults.raidLevel = pickOf(random, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 12, 12, 12, 13});
         defaults.writeCache = pick(random, 0, 2);
         policy.logicalDefaults = defaults;

@@ -147,7 +147,7 @@ TEST(CreateConfig, EveryExitHasItsNumber) {
                      "Exiting RAIDConfigCreator::createConfig(3)\n"));
     // (4): logical drives.
     policy = makePolicy();
-    policy.logicalDefaults = LogicalSpecification{-1, sizeFill, raid_level::raid60, 2};
+    policy.logicalDefaults = LogicalSpecification{-1, {}, raid_level::raid60, 2};
     const auto four = makeController(12, 2, equalDrives(2));
     EXPECT_TRUE(logs(bench, *four, policy, "Exiting RAIDConfigCreator::createConfig(4)\n"));
     // (5): stripe size.

@@ -1,4 +1,5 @@
 #include "policies/GeneratorTestSupport.h"
+#include "support/DriveSizes.h"
 
 #include <gtest/gtest.h>
 
@@ -110,7 +111,7 @@ void expectLogicalDrives(const RAIDController& controller, const Policy& policy)
         const LogicalSpecification& drive = policy.logicalDrives[i];
         EXPECT_EQ(drive.arrayIndex, captured[i].arrayIndex);
         EXPECT_EQ(drive.raidLevel, captured[i].raidLevel);
-        EXPECT_EQ(drive.sizeMb, withSize ? captured[i].sizeMb : sizeFill);
+        EXPECT_EQ(drive.size, driveSize(withSize ? captured[i].sizeMb : sizeFill));
         EXPECT_EQ(drive.writeCache, withCache ? captured[i].writeCache : write_cache::notGiven);
     }
 }
