@@ -20,4 +20,8 @@ std::optional<Machine> machineOfInventoryFile(FileSystem& files, Report& report)
                    inventory.readString("System", "serial", "")};
 }
 
+bool reordersByBusNumber(const Machine& machine) {
+    return machine.machineType.contains("5941") || machine.machineType.contains("5944");
+}
+
 } // namespace zolex
