@@ -85,8 +85,8 @@ FunctionIdentity functionOf(const RAIDController& controller) {
     FunctionIdentity identity;
     identity.type = controller.type();
     identity.subtype = controller.subtype();
-    const CString text = controller.pciLocation();
-    const std::string_view location = text;
+    const CString told = controller.pciLocation();
+    const std::string_view location = told;
     const auto number = [location](std::size_t i) {
         return static_cast<unsigned>(text::leadingInt(text::token(location, ":", i)));
     };
