@@ -8,6 +8,10 @@
 #include <string_view>
 #include <vector>
 
+namespace zolex {
+class FileSystem;
+}
+
 namespace zolex::companion {
 
 /// One of the utilities by which controllers are driven, and the programs that it is, usually.
@@ -30,8 +34,8 @@ struct ProgramFolders {
     std::function<bool(const std::string& path)> isProgram;
 };
 
-/// Those of this process.
-[[nodiscard]] ProgramFolders systemFolders(std::string utilitiesFolder);
+/// Those of this process; `files` tells what is a program.
+[[nodiscard]] ProgramFolders systemFolders(FileSystem& files, std::string utilitiesFolder);
 
 /// What was found.
 struct Utilities {

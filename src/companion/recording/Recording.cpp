@@ -10,7 +10,8 @@ constexpr std::string_view detectorName = "hwdetect.exe";
 
 /// Whether the key is that of a call of the hardware detector.
 bool isDetector(std::string_view key) {
-    return key == detectorName || (key.starts_with(detectorName) && key[detectorName.size()] == ' ');
+    return key == detectorName ||
+           (key.starts_with(detectorName) && key[detectorName.size()] == ' ');
 }
 
 /// Names a call.
@@ -19,7 +20,12 @@ struct NameOf {
     std::string operator()(const ChildCall& call) const { return call.command; }
     std::string operator()(const PauseCall& /*call*/) const { return "a pause of one second"; }
     std::string operator()(const LocalTimeCall& /*call*/) const { return "the local time"; }
-    std::string operator()(const QuestionCall& call) const { return call.question; }
+    std::string operator()(const FirmwareCall& /*call*/) const {
+        return "the names that the firmware tells";
+    }
+    std::string operator()(const UtilitiesCall& /*call*/) const {
+        return "the utilities that were found";
+    }
 };
 
 } // namespace
@@ -32,7 +38,8 @@ std::string callKey(std::string_view commandLine) {
     const std::string_view command = recordedCommand(commandLine);
     const bool isQuoted = command.starts_with('"');
     const std::size_t begin = isQuoted ? 1 : 0;
-    const std::size_t end = std::min(command.find_first_of(isQuoted ? "\"" : " \t", begin), command.size());
+    const std::size_t end =
+        std::min(command.find_first_of(isQuoted ? "\"" : " \t", begin), command.size());
     std::string_view program = command.substr(begin, end - begin);
     program.remove_prefix(program.find_last_of("/\\") + 1);
     std::string key(program);

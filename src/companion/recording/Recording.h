@@ -1,11 +1,11 @@
 #pragma once
 
+#include "companion/machine/Utilities.h"
 #include "platform/Platform.h"
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -44,13 +44,18 @@ struct LocalTimeCall {
     LocalTime time;
 };
 
-/// Anything else that the machine was asked for by name: a text of its firmware, a program.
-struct QuestionCall {
-    std::string question;              ///< "firmware product_name"
-    std::optional<std::string> answer; ///< nothing: the machine has none
+/// The firmware was asked for the names of the machine.
+struct FirmwareCall {
+    FirmwareNames names;
 };
 
-using CallKind = std::variant<PciCall, ChildCall, PauseCall, LocalTimeCall, QuestionCall>;
+/// The utilities were looked for.
+struct UtilitiesCall {
+    Utilities found;
+};
+
+using CallKind =
+    std::variant<PciCall, ChildCall, PauseCall, LocalTimeCall, FirmwareCall, UtilitiesCall>;
 
 struct RecordedCall {
     CallKind call;
@@ -59,7 +64,9 @@ struct RecordedCall {
 
 /// What a recording says of itself.
 struct RecordingHeader {
-    std::string madeAt; ///< RFC 3339
+    std::string toolVersion;       ///< of the zolexctl that made it
+    std::vector<std::string> argv; ///< its arguments
+    std::string madeAt;            ///< RFC 3339
     bool isRedacted = false;
     std::string system; ///< "linux", "windows"
 };

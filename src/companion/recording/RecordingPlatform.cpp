@@ -87,4 +87,10 @@ LocalTime RecordingPlatform::localTime() {
     return time;
 }
 
+FirmwareNames RecordingPlatform::firmware() {
+    FirmwareNames names = machine_.firmware();
+    keeper_.keep(FirmwareCall{names});
+    return names;
+}
+
 } // namespace zolex::companion

@@ -20,6 +20,7 @@ class RecordingPlatform : public Platform {
     std::unique_ptr<PCI_DevList_VC> pciDevices() override;
     void pauseOneSecond() override;
     LocalTime localTime() override;
+    FirmwareNames firmware() override;
 
   private:
     Platform& machine_;
