@@ -2,6 +2,7 @@
 #include "companion/lint/FindingSink.h"
 #include "companion/lint/Keywords.h"
 #include "companion/lint/PolicyDocument.h"
+#include "companion/lint/ValueChecks.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -24,13 +25,6 @@ constexpr std::size_t mostEntries = 50;
 constexpr std::size_t mostPolicies = 100;
 constexpr std::size_t longestLine = std::size_t{16} << 20U; ///< no file with a longer one is read
 constexpr std::string_view namePrefix = "Policy.";
-
-std::string quoted(std::string_view text) {
-    constexpr std::size_t longestShown = 40;
-    std::string result = "\"";
-    result += text.substr(0, longestShown);
-    return result + (text.size() > longestShown ? "...\"" : "\"");
-}
 
 bool isNameCharacter(char c) {
     const char lower = text::lower(c);
