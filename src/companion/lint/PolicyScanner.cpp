@@ -411,12 +411,12 @@ class Scanner {
             return;
         }
         const DocumentPolicy& ended = policy();
-        if (!ended.isQuiet) {
-            checkRepeats(ended);
-            if (!ended.isIncomplete && ended.effective("AppliesTo.1") == nullptr) {
-                sink_.add("ZX009", ended, "no AppliesTo.1 in " + ended.name.text,
-                          {"add AppliesTo.1 = ALL, or which controllers it is for"});
-            }
+        checkRepeats(ended);
+        const bool mayHaveIt = ended.isIncomplete && !ended.isQuiet;
+        if (!mayHaveIt && ended.effective("AppliesTo.1") == nullptr) {
+            sink_.add("ZX009", ended, "no AppliesTo.1 in " + ended.name.text,
+                      {ended.isQuiet ? "zolex must find it among the first 50 entries"
+                                     : "add AppliesTo.1 = ALL, or which controllers it is for"});
         }
         current_ = none;
     }
