@@ -76,8 +76,8 @@ void addCustomLists(Random& random, Policy& policy) {
     for (std::int32_t i = pick(random, 0, 9); i > 0; --i) {
         const std::int32_t size =
             pick(random, 0, 1) == 0 ? pick(random, -101, -1) : pick(random, 1, 40000);
-        policy.logicalDrives.push_back(
-            {pick(random, 0, 7), size, pickOf(random, {0, 0, 1, 3, 7, 12}), pick(random, 0, 2)});
+        policy.logicalDrives.push_back({pick(random, 0, 7), driveSize(size),
+                                        pickOf(random, {0, 0, 1, 3, 7, 12}), pick(random, 0, 2)});
     }
 }
 

@@ -140,7 +140,7 @@ TEST(ValueReasons, OfLogicalDrivesOnTheList) {
               "0 given Logical.1/500/500\n1 given Logical.2/2400/-101\n");
     EXPECT_EQ(valuesOf(plan, Reason::Subject::writeCache), "0 given Logical.1/1/1\n1 left /0/2\n");
 
-    policy.logicalDrives = {{0, sizeFill, raid_level::notGiven, write_cache::notGiven}};
+    policy.logicalDrives = {{0, {}, raid_level::notGiven, write_cache::notGiven}};
     EXPECT_EQ(valuesOf(planOf(policy, equalDrives(3, 1000)), Reason::Subject::raidLevel),
               "0 class default /0/3\n");
 }
