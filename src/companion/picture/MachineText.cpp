@@ -194,7 +194,10 @@ class Writer {
         for (const MachineDrive& drive : controller_.drives) {
             const std::string trouble = troubleOf(drive.facts);
             if (roleOf(drive) != Role::failed && !trouble.empty()) {
-                line("  ! ", printable(drive.facts.location) + "  " + trouble, Emphasis::warning);
+                line("  ! ",
+                     printable(drive.facts.location) + " has " + trouble +
+                         (drive.array.empty() ? "" : ", and is in array " + drive.array),
+                     Emphasis::warning);
             }
         }
     }
