@@ -32,15 +32,15 @@ TEST(Geometry, SlotsOfAnEnclosureStandSideBySide) {
     EXPECT_EQ(row.slots[1].box, (Box{74, 74, 56, 88}));
     EXPECT_EQ(row.slots[7].box, (Box{446, 74, 56, 88}));
     EXPECT_EQ(picture.width, 638);
-    EXPECT_EQ(picture.height, 306);
-    EXPECT_EQ(picture.legend, (Box{12, 236 + 10 - 10, 614, 58}));
+    EXPECT_EQ(picture.height, 316);
+    EXPECT_EQ(picture.legend, (Box{12, 246, 614, 58}));
 }
 
 TEST(Geometry, HeadsAndLegendCanBeLeftOut) {
     const Geometry picture = geometryOf(exampleSnapshot(), {0, false, false});
     EXPECT_EQ(picture.controllers[0].rows[0].titleBox, (Box{12, 12, 614, 18}));
     EXPECT_EQ(picture.legend.height, 0);
-    EXPECT_EQ(picture.height, 306 - 44 - 58);
+    EXPECT_EQ(picture.height, 316 - 44 - 58);
 }
 
 TEST(Geometry, BarsAreToScaleAndCutIntoLogicalDrives) {
@@ -84,7 +84,8 @@ TEST(Geometry, SegmentsFillTheirBarWhateverTheSizesAre) {
             controller.facts.logicalDrives[0].capacityBytes = logical;
             controller.facts.logicalDrives[1].capacityBytes.reset();
             controller.arrays[0].logicalDrives = {0, 1, 0};
-            for (const PlacedArray& array : geometryOf(snapshot).controllers[0].arrays) {
+            const Geometry picture = geometryOf(snapshot);
+            for (const PlacedArray& array : picture.controllers[0].arrays) {
                 std::int32_t x = array.bar.x;
                 for (const PlacedSegment& segment : array.segments) {
                     EXPECT_EQ(segment.box.x, x);
@@ -147,7 +148,8 @@ TEST(Geometry, RowsAreInTheOrderOfTheNumbersOfPolicies) {
     controller.drives.insert(controller.drives.end(), {loose, channel});
     snapshot.details.push_back(controller);
     std::string order;
-    for (const PlacedRow& row : geometryOf(snapshot).controllers[0].rows) {
+    const Geometry picture = geometryOf(snapshot);
+    for (const PlacedRow& row : picture.controllers[0].rows) {
         order += row.title + ":";
         for (const PlacedSlot& slot : row.slots) {
             order += slot.slot.drive ? " " + controller.drives[*slot.slot.drive].facts.serialNumber
