@@ -75,7 +75,7 @@ std::optional<LevelRefusal> askPlanner(const Kind& kind, std::int32_t level, std
     policy.customArrays = true;
     policy.arrays.push_back(arrayOf(drives));
     policy.hotspares = RaidArray();
-    policy.logicalDefaults = LogicalSpecification{-1, sizeFill, level, write_cache::notGiven};
+    policy.logicalDefaults = LogicalSpecification{-1, DriveSize{}, level, write_cache::notGiven};
     SilentReport silent;
     const ControllerPlan plan = planByPolicy(controllerOf(kind, RAIDController::ids), 1, policy,
                                              {.reasons = false}, silent);
@@ -151,9 +151,8 @@ bool Models::hasCommand(const Kind& kind, std::int32_t level) {
     const std::size_t drives = std::max<std::size_t>(leastDrives(kind, level), 1);
     const CommandLines made = lines(kind, level, drives, {});
     // A generator writes this word for a level that its utility has no word for.
-    return std::none_of(made.lines.begin(), made.lines.end(), [](const CString& line) {
-        return text::contains(line.view(), "ERROR");
-    });
+    return std::none_of(made.lines.begin(), made.lines.end(),
+                        [](const CString& line) { return text::contains(line.view(), "ERROR"); });
 }
 
 std::size_t Models::leastDrives(const Kind& kind, std::int32_t level) {
