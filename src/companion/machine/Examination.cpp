@@ -48,6 +48,21 @@ bool hasFailed(const Snapshot& snapshot, std::string_view utility) {
                        });
 }
 
+/// Whether it ran at least once: then it is there, wherever it was found.
+bool hasAnswered(const Snapshot& snapshot, std::string_view utility) {
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        if (controller.utility == utility &&
+            std::any_of(controller.commands.begin(), controller.commands.end(),
+                        [](const CapturedListing& command) {
+                            return command.outcome != ChildOutcome::notStarted &&
+                                   command.outcome != ChildOutcome::noPipe;
+                        })) {
+            return true;
+        }
+    }
+    return false;
+}
+
 UtilityCheck::State stateOf(const Snapshot& snapshot, const UtilityCheck& check, bool isThere) {
     using State = UtilityCheck::State;
     if (check.controllers.empty()) {
@@ -82,7 +97,7 @@ UtilityCheck checkUtility(std::string_view name, const Snapshot& snapshot,
     if (probe != probes.end()) {
         check.probe = *probe;
     }
-    check.state = stateOf(snapshot, check, !check.program.empty());
+    check.state = stateOf(snapshot, check, !check.program.empty() || hasAnswered(snapshot, name));
     return check;
 }
 
@@ -157,9 +172,22 @@ bool Examination::hasFaults() const {
     });
 }
 
+std::optional<bool> Examination::wrapperLosesCodes() const {
+    std::optional<bool> loses;
+    for (const UtilityCheck& check : utilities) {
+        if (check.usesWrapper && check.probe && check.probe->hasEnded()) {
+            loses = loses.value_or(false) || check.probe->isLost();
+        }
+    }
+    return loses;
+}
+
 Examination examine(const Snapshot& snapshot, const Utilities& utilities,
                     const std::vector<ExitCodeProbe>& probes, const Surroundings& surroundings) {
     Examination examination;
+    examination.wrapper = utilities.wrapper;
+    examination.detector = utilities.detector;
+    examination.surroundings = surroundings;
     std::vector<SubjectFinding>& findings = examination.findings;
     for (const UtilityNames& names : utilityNames()) {
         examination.utilities.push_back(checkUtility(names.utility, snapshot, utilities, probes));

@@ -22,9 +22,9 @@ struct ExitCodeProbe {
     std::uint32_t exitCode = 0;
 
     /// Whether the utility, or what starts it, ended it as if it had succeeded.
-    [[nodiscard]] bool isLost() const {
-        return (outcome == ChildOutcome::ended || outcome == ChildOutcome::notClosed) &&
-               exitCode == 0;
+    [[nodiscard]] bool isLost() const { return hasEnded() && exitCode == 0; }
+    [[nodiscard]] bool hasEnded() const {
+        return outcome == ChildOutcome::ended || outcome == ChildOutcome::notClosed;
     }
 };
 
@@ -64,11 +64,16 @@ struct Surroundings {
 
 /// Whether everything is there that zolexctl needs, and whether it is understood.
 struct Examination {
+    std::string wrapper;  ///< path of UTIL.BAT; empty: none
+    std::string detector; ///< path of hwdetect.exe; empty: none
+    Surroundings surroundings;
     std::vector<UtilityCheck> utilities;
     std::vector<SubjectFinding> findings; ///< of the machine, its controllers and all below
 
     /// Whether there is an error or a warning.
     [[nodiscard]] bool hasFaults() const;
+    /// Whether the exit codes that come through UTIL.BAT are lost; nothing: not known.
+    [[nodiscard]] std::optional<bool> wrapperLosesCodes() const;
 };
 
 [[nodiscard]] Examination examine(const Snapshot& snapshot, const Utilities& utilities,

@@ -78,18 +78,16 @@ std::string firstLines(std::string_view output) {
 }
 
 void judgeListings(const RAIDController& controller, ControllerSnapshot& snapshot) {
+    const std::vector<ListingReading>& readings = snapshot.facts.listings;
+    const bool tells = std::any_of(readings.begin(), readings.end(), isUnderstood) ||
+                       controller.numberOfDrives() > 0 || controller.firmwareVersion() ||
+                       controller.biosVersion();
     const std::size_t before = snapshot.findings.size();
     for (std::size_t i = 0; i < snapshot.listings.size(); ++i) {
         judge(i, snapshot);
     }
-    const std::vector<ListingReading>& readings = snapshot.facts.listings;
-    if (std::any_of(readings.begin(), readings.end(), isUnderstood) ||
-        controller.numberOfDrives() > 0 || controller.firmwareVersion() ||
-        controller.biosVersion()) {
-        return;
-    }
-    snapshot.failed = true;
-    if (snapshot.findings.size() == before && !snapshot.listings.empty()) {
+    snapshot.failed = !tells;
+    if (!tells && snapshot.findings.size() == before && !snapshot.listings.empty()) {
         snapshot.findings.push_back(problemFinding(problem::notAListing,
                                                    "what the utility printed is no listing",
                                                    firstLines(snapshot.listings.front())));
