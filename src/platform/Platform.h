@@ -44,6 +44,7 @@ struct FirmwareNames {
 };
 
 /// A moment of local time. month 1 to 12, day 1 to 31, hour 0 to 23, minute and second 0 to 59.
+/// offsetMinutes: how far it is ahead of UTC.
 struct LocalTime {
     int year = 1970;
     int month = 1;
@@ -51,6 +52,7 @@ struct LocalTime {
     int hour = 0;
     int minute = 0;
     int second = 0;
+    int offsetMinutes = 0;
 };
 
 /// Everything that the program asks of the operating system. Tests and recorders stand here.

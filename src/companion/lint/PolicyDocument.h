@@ -2,6 +2,7 @@
 
 #include "companion/findings/Finding.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -26,14 +27,26 @@ struct DocumentEntry {
 
 /// One policy as it is written.
 struct DocumentPolicy {
-    Piece name; ///< between "[" and "]"
-    std::vector<DocumentEntry> entries;
-    std::vector<std::string> ignored; ///< rule ids or beginnings of them, silenced for all of it
-    bool isQuiet = false;             ///< nothing more is to be said of it
+    Piece name;                         ///< between "[" and "]"
+    std::vector<DocumentEntry> entries; ///< unknown and repeated keywords too
+    TextPlace header;                   ///< of its "["
+    bool isQuiet = false;               ///< nothing more is to be said of it
+    /// Whether lines of it are at fault: what it seems to lack may stand there.
+    bool isIncomplete = false;
 
     /// The first entry of this keyword, letter case ignored; null without one.
     [[nodiscard]] const DocumentEntry* find(std::string_view keyword) const;
+    /// The entry that counts: as `find`, but null for the value "^~", which zolex takes as absent.
+    [[nodiscard]] const DocumentEntry* effective(std::string_view keyword) const;
     friend bool operator==(const DocumentPolicy&, const DocumentPolicy&) = default;
+};
+
+/// Findings that a comment "; zolexctl: ignore ZX411,ZX5" silences.
+struct IgnoredFindings {
+    std::vector<std::string> rules; ///< rule ids or beginnings of them
+    std::int32_t firstLine = 0;     ///< for findings that stand in these lines
+    std::int32_t lastLine = 0;
+    friend bool operator==(const IgnoredFindings&, const IgnoredFindings&) = default;
 };
 
 /// A policies file, read as far as it goes, whatever is wrong with it: text and places of all that
@@ -43,12 +56,19 @@ struct PolicyDocument {
     std::string text; ///< all bytes
     std::vector<DocumentPolicy> policies;
     std::vector<Finding> findings; ///< of its shape (ZX001 to ZX014), in the order of the file
+    std::vector<IgnoredFindings> ignored;
+    std::vector<std::size_t> lineStarts; ///< byte of each line's begin
 
-    /// The line, from 1, without its line end.
+    /// The line, from 1, without its line end; empty when there is none of this number.
     [[nodiscard]] std::string_view line(std::int32_t number) const;
+    /// The place of a byte, from 0, of the text.
+    [[nodiscard]] TextPlace placeOf(std::size_t byte) const;
 };
 
 [[nodiscard]] PolicyDocument scanPolicies(std::string file, std::string text);
+
+/// A part of a piece that holds no line end: `length` bytes from `first`, both bounded by its end.
+[[nodiscard]] Piece partOf(const Piece& piece, std::size_t first, std::size_t length);
 
 /// The fields of a value between `separator`, with blanks around them kept outside the pieces.
 /// An empty value has one empty field.

@@ -15,8 +15,8 @@ FirmwareNames askFirmware() {
     FirmwareNames names;
     names.machineType = std::move(answer.names.machineType);
     names.serialNumber = std::move(answer.names.serialNumber);
-    names.fault = answer.typeFault.empty() ? std::move(answer.serialFault)
-                                           : std::move(answer.typeFault);
+    names.fault =
+        answer.typeFault.empty() ? std::move(answer.serialFault) : std::move(answer.typeFault);
     return names;
 }
 

@@ -44,8 +44,8 @@ void Sha256::addBlock(const std::uint8_t* block) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::uint32_t first = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) +
                                     ((e & f) ^ (~e & g)) + roundConstants[i] + words[i];
-        const std::uint32_t second = (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) +
-                                     ((a & b) ^ (a & c) ^ (b & c));
+        const std::uint32_t second =
+            (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & b) ^ (a & c) ^ (b & c));
         h = g;
         g = f;
         f = e;

@@ -39,7 +39,8 @@ constexpr std::array<UtilityNames, 7> utilityRows = {{
 }};
 
 constexpr std::string_view wordOf(std::int32_t type, std::string_view command) {
-    return type == controller_type::none ? std::string_view() : command.substr(9);
+    return type == controller_type::none ? std::string_view()
+                                         : command.substr(wrapperName.size() + 1);
 }
 
 std::string inFolder(const std::string& folder, std::string_view name, bool isWindows) {

@@ -1,0 +1,152 @@
+#include "companion/lint/Keywords.h"
+
+#include "foundation/Text.h"
+#include "policies/PolicyKeywords.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace zolex::companion {
+
+namespace {
+
+/// Families that zolexctl alone knows. Order does not matter.
+constexpr std::array<std::string_view, 8> laterFamilies = {
+    "STORCLI", "STORCLI2", "SSACLI", "SASIRCU", "MVCLI", "MD", "IMSM", "ARCCONF",
+};
+/// How the names of their models begin.
+constexpr std::array<std::string_view, 3> laterModels = {"MegaRAID-", "PERC-", "HPE-"};
+
+/// Every keyword that zolex looks up.
+std::vector<std::string> makeUsualKeywords() {
+    std::vector<std::string> all = {
+        keyword::rebuildRate,     keyword::readAhead,
+        keyword::stripeSize,      keyword::init,
+        keyword::arrayMode,       keyword::arrayDefaults,
+        keyword::hotspares,       keyword::logicalMode,
+        keyword::logicalDefaults, keyword::maxLogicalDriveSize,
+    };
+    for (std::int32_t n = 1; n <= keyword::lastAppliesTo; ++n) {
+        all.push_back(keyword::appliesTo + std::to_string(n));
+    }
+    for (char letter = 'A'; letter <= 'H'; ++letter) {
+        all.push_back(std::string(keyword::array) + letter);
+    }
+    for (std::int32_t n = 1; n <= keyword::lastLogical; ++n) {
+        all.push_back(keyword::logical + std::to_string(n));
+    }
+    return all;
+}
+
+const std::vector<std::string>& usualKeywords() {
+    static const std::vector<std::string> all = makeUsualKeywords();
+    return all;
+}
+
+bool beginsWith(std::string_view text, std::string_view begin) {
+    return text::equalsNoCase(text.substr(0, begin.size()), begin);
+}
+
+/// How many letters must be added, taken out, changed or exchanged with their neighbour to make one
+/// text of the other; letter case counts nothing.
+std::size_t distance(std::string_view a, std::string_view b) {
+    std::vector<std::vector<std::size_t>> rows(a.size() + 1,
+                                               std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) {
+        for (std::size_t j = 0; j <= b.size(); ++j) {
+            if (i == 0 || j == 0) {
+                rows[i][j] = i + j;
+                continue;
+            }
+            const auto same = [&](std::size_t x, std::size_t y) {
+                return text::lower(a[x]) == text::lower(b[y]);
+            };
+            rows[i][j] = std::min({rows[i - 1][j] + 1, rows[i][j - 1] + 1,
+                                   rows[i - 1][j - 1] + (same(i - 1, j - 1) ? 0U : 1U)});
+            if (i > 1 && j > 1 && same(i - 1, j - 2) && same(i - 2, j - 1)) {
+                rows[i][j] = std::min(rows[i][j], rows[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return rows[a.size()][b.size()];
+}
+
+} // namespace
+
+bool isKnownKeyword(std::string_view keyword) {
+    return keyword::isValid(keyword);
+}
+
+bool isLaterKeyword(std::string_view keyword) {
+    if (text::equalsNoCase(keyword, "Spares")) {
+        return true;
+    }
+    const std::size_t dot = keyword.find('.');
+    if (dot == std::string_view::npos) {
+        return false;
+    }
+    const std::string_view name = keyword.substr(0, dot);
+    const std::string_view rest = keyword.substr(dot + 1);
+    const char letter = rest.size() == 1 ? text::upper(rest[0]) : '\0';
+    const bool isLetter = letter >= 'A' && letter <= 'Z';
+    return (text::equalsNoCase(name, "Drives") && isLetter) ||
+           (text::equalsNoCase(name, "Level") &&
+            (isLetter || text::wholeNumber(rest).value_or(0) > 0));
+}
+
+bool isLaterModel(std::string_view model) {
+    const auto isFamily = [model](std::string_view row) { return text::equalsNoCase(row, model); };
+    const auto isModel = [model](std::string_view row) {
+        return model.size() > row.size() && beginsWith(model, row);
+    };
+    return std::any_of(laterFamilies.begin(), laterFamilies.end(), isFamily) ||
+           std::any_of(laterModels.begin(), laterModels.end(), isModel);
+}
+
+std::optional<std::string> usualSpelling(std::string_view keyword) {
+    const std::vector<std::string>& all = usualKeywords();
+    const auto found = std::find_if(all.begin(), all.end(), [keyword](const std::string& row) {
+        return text::equalsNoCase(row, keyword);
+    });
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<std::string> nearestWord(std::string_view text,
+                                       const std::vector<std::string>& words) {
+    constexpr std::size_t longest = 40; // of a text that is worth comparing
+    if (text.empty() || text.size() > longest) {
+        return std::nullopt;
+    }
+    std::optional<std::string> nearest;
+    std::size_t best = std::max<std::size_t>(1, text.size() / 3) + 1;
+    for (const std::string& word : words) {
+        if (const std::size_t letters = distance(text, word); letters < best) {
+            best = letters;
+            nearest = word;
+        }
+    }
+    return nearest;
+}
+
+std::optional<std::string> nearestKeyword(std::string_view text) {
+    const bool hasOtherNumber = beginsWith(text, keyword::appliesTo) ||
+                                beginsWith(text, keyword::array) ||
+                                beginsWith(text, keyword::logical);
+    return hasOtherNumber ? std::nullopt : nearestWord(text, usualKeywords());
+}
+
+std::string keywordHelp(std::string_view keyword) {
+    if (beginsWith(keyword, keyword::array)) {
+        return "arrays are Array.A to Array.H";
+    }
+    if (beginsWith(keyword, keyword::appliesTo)) {
+        return "entries are AppliesTo.1 to AppliesTo.15";
+    }
+    if (beginsWith(keyword, keyword::logical)) {
+        return "logical drives are Logical.1 to Logical.9";
+    }
+    return "zolexctl explain ZX007 lists the keywords";
+}
+
+} // namespace zolex::companion

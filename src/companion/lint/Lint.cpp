@@ -1,0 +1,90 @@
+#include "companion/lint/Lint.h"
+
+#include "companion/lint/FindingSink.h"
+#include "companion/lint/RuleGroups.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace zolex::companion {
+
+namespace {
+
+using GroupCheck = void (*)(const PolicyDocument&, FindingSink&);
+
+constexpr std::array<GroupCheck, 9> groupChecks = {
+    checkGroup1, checkSpecifiers, checkGroup2, checkGroup3,         checkGroup4,
+    checkGroup5, checkGroup6,     checkGroup9, checkUnusedKeywords,
+};
+
+/// Whether a rule is one of the ids or begins with one of them, letter case ignored.
+bool isOneOf(std::string_view rule, const std::vector<std::string>& ids) {
+    return std::any_of(ids.begin(), ids.end(), [rule](const std::string& id) {
+        return text::equalsNoCase(rule.substr(0, id.size()), id);
+    });
+}
+
+bool isIgnored(const Finding& finding, const PolicyDocument& document) {
+    return std::any_of(document.ignored.begin(), document.ignored.end(),
+                       [&finding](const IgnoredFindings& ignored) {
+                           return finding.start.line >= ignored.firstLine &&
+                                  finding.start.line <= ignored.lastLine &&
+                                  isOneOf(finding.code, ignored.rules);
+                       });
+}
+
+/// A file that is no text has no finding but that one; it is an error where zolex refuses the file.
+void keepEncodingAlone(std::vector<Finding>& findings) {
+    const auto found = std::find_if(findings.begin(), findings.end(),
+                                    [](const Finding& row) { return row.code == "ZX002"; });
+    if (found == findings.end()) {
+        return;
+    }
+    const bool isRefused =
+        std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+            return finding.code != "ZX002" && finding.severity == Severity::error &&
+                   finding.refusedBy == RefusedBy::zolex;
+        });
+    Finding alone = std::move(*found);
+    if (!isRefused) {
+        alone.severity = Severity::warning;
+        alone.refusedBy = RefusedBy::nobody;
+    }
+    findings.clear();
+    findings.push_back(std::move(alone));
+}
+
+} // namespace
+
+void arrangeFindings(const PolicyDocument& document, const LintSelection& selection,
+                     std::vector<Finding>& findings) {
+    keepEncodingAlone(findings);
+    std::erase_if(findings, [&](const Finding& finding) {
+        return (!selection.select.empty() && !isOneOf(finding.code, selection.select)) ||
+               isOneOf(finding.code, selection.ignore) || isIgnored(finding, document);
+    });
+    std::stable_sort(findings.begin(), findings.end(), [](const Finding& a, const Finding& b) {
+        return a.start.byte != b.start.byte ? a.start.byte < b.start.byte : a.code < b.code;
+    });
+}
+
+std::vector<Finding> lintAll(const PolicyDocument& document) {
+    FindingSink sink(document.file);
+    for (const GroupCheck check : groupChecks) {
+        check(document, sink);
+    }
+    std::vector<Finding> findings = document.findings;
+    std::vector<Finding> more = sink.take();
+    std::move(more.begin(), more.end(), std::back_inserter(findings));
+    return findings;
+}
+
+std::vector<Finding> lint(const PolicyDocument& document, const LintSelection& selection) {
+    std::vector<Finding> findings = lintAll(document);
+    arrangeFindings(document, selection, findings);
+    return findings;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "companion/lint/FindingSink.h"
+#include "companion/lint/Lint.h"
+#include "companion/lint/PolicyDocument.h"
+#include "companion/lint/Rules.h"
+
+#include <span>
+#include <vector>
+
+/// The groups of rules: the second digit of an id. Each has its rows in RulesN.cpp and its checks
+/// in GroupN*.cpp; group 0 is checked while a file is scanned.
+namespace zolex::companion {
+
+[[nodiscard]] std::span<const Rule> rulesOfGroup0() noexcept; ///< shape
+[[nodiscard]] std::span<const Rule> rulesOfGroup1() noexcept; ///< values
+[[nodiscard]] std::span<const Rule> rulesOfGroup2() noexcept; ///< matching
+[[nodiscard]] std::span<const Rule> rulesOfGroup3() noexcept; ///< drives and arrays
+[[nodiscard]] std::span<const Rule> rulesOfGroup4() noexcept; ///< logical drives
+[[nodiscard]] std::span<const Rule> rulesOfGroup5() noexcept; ///< spares
+[[nodiscard]] std::span<const Rule> rulesOfGroup6() noexcept; ///< limits of zolex
+[[nodiscard]] std::span<const Rule> rulesOfGroup7() noexcept; ///< with a machine
+[[nodiscard]] std::span<const Rule> rulesOfGroup9() noexcept; ///< style
+
+/// The checks that need no machine. Policies that are quiet are left out by each.
+void checkGroup1(const PolicyDocument& document, FindingSink& sink);
+void checkGroup2(const PolicyDocument& document, FindingSink& sink);
+void checkGroup3(const PolicyDocument& document, FindingSink& sink);
+void checkGroup4(const PolicyDocument& document, FindingSink& sink);
+void checkGroup5(const PolicyDocument& document, FindingSink& sink);
+void checkGroup6(const PolicyDocument& document, FindingSink& sink);
+void checkGroup9(const PolicyDocument& document, FindingSink& sink);
+
+/// All findings of the file, in no order.
+[[nodiscard]] std::vector<Finding> lintAll(const PolicyDocument& document);
+/// Leaves out what is not wanted or ignored by a comment, and puts the rest in the order of the
+/// file.
+void arrangeFindings(const PolicyDocument& document, const LintSelection& selection,
+                     std::vector<Finding>& findings);
+
+/// ZX203, what zolex refuses of AppliesTo; a part of the values, in group 1.
+void checkSpecifiers(const PolicyDocument& document, FindingSink& sink);
+/// ZX603, keywords that zolex never looks up.
+void checkUnusedKeywords(const PolicyDocument& document, FindingSink& sink);
+
+} // namespace zolex::companion

@@ -1,0 +1,9 @@
+#include "companion/lint/RuleGroups.h"
+
+namespace zolex::companion {
+
+std::span<const Rule> rulesOfGroup7() noexcept {
+    return {};
+}
+
+} // namespace zolex::companion
