@@ -32,9 +32,8 @@ std::string Verdict::models() const {
 std::vector<Kind> kindsOfAll(const PolicyView& policy) {
     std::vector<Kind> all;
     for (const EntryView& entry : policy.entries) {
-        const std::vector<Kind> kinds = entry.isReadable
-                                            ? kindsOf(entry.given.controllerType.view())
-                                            : std::vector<Kind>();
+        const std::vector<Kind> kinds =
+            entry.isReadable ? kindsOf(entry.given.controllerType.view()) : std::vector<Kind>();
         if (kinds.empty()) {
             return {};
         }

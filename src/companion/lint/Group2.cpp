@@ -97,8 +97,8 @@ class Matching {
     void tellUntrue(const EntryView& entry) {
         const Untrue untrue = findUntrue(entry);
         sink_.add("ZX206", untrue.specifier->whole,
-                  entry.entry->keyword.text + " can hold for no controller: " +
-                      limitWords(entry, untrue));
+                  entry.entry->keyword.text +
+                      " can hold for no controller: " + limitWords(entry, untrue));
     }
 
     static std::string limitWords(const EntryView& entry, const Untrue& untrue) {
@@ -122,17 +122,17 @@ class Matching {
             const auto isSame = [&](const SpecifierView& each) {
                 return each.letter == all[i].letter && all[i].letter != '*';
             };
-            const auto next = std::find_if(all.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                                           all.end(), isSame);
+            const auto next =
+                std::find_if(all.begin() + static_cast<std::ptrdiff_t>(i) + 1, all.end(), isSame);
             if (next == all.end()) {
                 continue;
             }
-            Finding& finding = sink_.add(
-                "ZX204", next->whole,
-                std::string(1, next->letter) + ": stands twice in " + entry.entry->keyword.text +
-                    ": " + next->whole.text + " counts, " + all[i].whole.text + " does not",
-                {"for either of both write a further entry, such as " + freeEntry(entry) + " = " +
-                 all[i].whole.text});
+            Finding& finding = sink_.add("ZX204", next->whole,
+                                         std::string(1, next->letter) + ": stands twice in " +
+                                             entry.entry->keyword.text + ": " + next->whole.text +
+                                             " counts, " + all[i].whole.text + " does not",
+                                         {"for either of both write a further entry, such as " +
+                                          freeEntry(entry) + " = " + all[i].whole.text});
             finding.otherStart = all[i].whole.start;
             finding.otherEnd = all[i].whole.end;
             finding.other = "has no effect";
@@ -192,11 +192,11 @@ class Matching {
         for (const std::string& model : order) {
             const Named& named = models[model];
             if (!takesAll && !taken[model] && named.policies > 1 && named.first != nullptr) {
-                sink_.add("ZX207", named.first->whole,
-                          std::to_string(named.policies) + " policies name " + model +
-                              ", and none takes those that the others leave",
-                          {"such controllers are skipped; for all of them: AppliesTo.1 = t:" +
-                           model});
+                sink_.add(
+                    "ZX207", named.first->whole,
+                    std::to_string(named.policies) + " policies name " + model +
+                        ", and none takes those that the others leave",
+                    {"such controllers are skipped; for all of them: AppliesTo.1 = t:" + model});
             }
         }
     }
