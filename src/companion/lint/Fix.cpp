@@ -14,9 +14,8 @@ FixedText fixPolicies(std::string_view text, std::span<const Finding> findings) 
             wanted.push_back(&finding);
         }
     }
-    std::sort(wanted.begin(), wanted.end(), [](const Finding* a, const Finding* b) {
-        return a->start.byte < b->start.byte;
-    });
+    std::sort(wanted.begin(), wanted.end(),
+              [](const Finding* a, const Finding* b) { return a->start.byte < b->start.byte; });
     FixedText fixed;
     std::size_t copied = 0;
     for (const Finding* finding : wanted) {
