@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,16 @@ void pointTo(Finding& finding, const Piece& other, std::string what) {
 std::string levelName(std::int32_t level) {
     const bool isNumber = level != raid_level::volume && level != raid_level::simpleVolume;
     return std::string(isNumber ? "RAID " : "") + raidLevelWord(level);
+}
+
+/// "2 drives", "3 or more drives", "6 or more drives, an even number".
+std::string countWords(const std::string& possible) {
+    constexpr std::string_view even = ", even";
+    const std::size_t end = possible.size() - even.size();
+    if (possible.size() > even.size() && possible.substr(end) == even) {
+        return possible.substr(0, end) + " drives, an even number";
+    }
+    return possible + " drives";
 }
 
 bool is5E(std::int32_t level) {
@@ -174,9 +185,9 @@ class LogicalChecks {
         const std::string has = array + (isAll ? " gets " : " has ") + countOf(drives, "drive") +
                                 (isAll ? " at most" : "");
         const std::string summary =
-            refusal.level < 0
-                ? "no RAID level fits " + countOf(drives, "drive") + " of " + array
-                : levelName(refusal.level) + " takes " + refusal.possible + " drives, and " + has;
+            refusal.level < 0 ? "no RAID level fits " + countOf(drives, "drive") + " of " + array
+                              : levelName(refusal.level) + " takes " +
+                                    countWords(refusal.possible) + ", and " + has;
         Finding& finding = sink_.add("ZX402", place, summary);
         finding.severity = severity;
         if (drive.view != nullptr) {
