@@ -142,8 +142,7 @@ void generateCommands(benchmark::State& state) {
         return;
     }
     for (std::size_t i = 0; i < plans.size(); ++i) {
-        controllers.controller(i)->setConfiguration(
-            std::make_unique<RAIDConfiguration>(*plans[i].layout));
+        controllers.controller(i)->setCaptured(*plans[i].layout);
     }
     for (auto _ : state) {
         std::size_t generated = 0;
@@ -153,7 +152,7 @@ void generateCommands(benchmark::State& state) {
                 const RAIDController& controller = *controllers.controller(i);
                 const CommandLines lines =
                     commandLines(controller, static_cast<std::int32_t>(i + 1),
-                                 *controller.configuration(), {}, planner.report());
+                                 *controller.captured(), {}, planner.report());
                 generated += lines.fault ? 0 : 1;
             }
         }

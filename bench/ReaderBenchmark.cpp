@@ -43,7 +43,7 @@ void read(benchmark::State& state, std::int32_t type, const std::vector<std::str
             const auto reader = entry->create({.layout = true}, application.report());
             isRead = reader->readConfiguration(controller, listings) && isRead;
         }
-        const RAIDConfiguration* const configuration = controller.configuration();
+        const RAIDConfiguration* const configuration = controller.captured();
         found = {controller.numberOfDrives(),
                  configuration == nullptr ? 0 : configuration->arrays().size()};
     }

@@ -37,6 +37,19 @@ void checkLogicalDrive(const LogicalDrive& drive) {
     checkText(drive.state, "state of a logical drive");
 }
 
+/// Whether the value is within the bounds of its kind.
+bool isSize(const DriveSize& size) {
+    switch (size.kind) {
+    case DriveSize::Kind::mb:
+        return size.value > 0;
+    case DriveSize::Kind::percent:
+        return isWithin(size.value, 1, 100);
+    case DriveSize::Kind::rest:
+        return size.value == 0;
+    }
+    return false;
+}
+
 } // namespace
 
 void checkConfiguration(const RAIDConfiguration& configuration, std::int32_t controllerType) {
@@ -73,8 +86,8 @@ void checkController(const RAIDController& controller) {
     check(isWithin(controller.numberOfDrives(), 0,
                    (RAIDController::channels - RAIDController::firstChannel) * RAIDController::ids),
           "number of drives");
-    if (controller.configuration() != nullptr) {
-        checkConfiguration(*controller.configuration(), controller.type());
+    if (controller.captured() != nullptr) {
+        checkConfiguration(*controller.captured(), controller.type());
     }
 }
 
@@ -85,7 +98,7 @@ void checkPolicy(const Policy& policy) {
     for (const LogicalSpecification& drive : policy.logicalDrives) {
         check(isWithin(drive.arrayIndex, 0, static_cast<std::int64_t>(Policy::maxArrays) - 1),
               "array of a policy's logical drive");
-        check(drive.sizeMb >= sizeFill && drive.sizeMb != 0, "size of a policy's logical drive");
+        check(isSize(drive.size), "size of a policy's logical drive");
         check(isWithin(drive.raidLevel, raid_level::raid0, raid_level::notGiven),
               "RAID level of a policy's logical drive");
     }

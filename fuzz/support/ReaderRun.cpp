@@ -62,7 +62,7 @@ void readListings(std::span<const std::int32_t> types, Input input) {
     check(information.readDiskInformation(controllers, listings) == read && controller == first,
           "reading twice gives the same");
     application.printer().printAlways(show::dumpText(controller, true));
-    if (controller.configuration() != nullptr) {
+    if (controller.captured() != nullptr) {
         CapturedFacts facts;
         facts.policyName = "Policy.fuzz";
         facts.explicitSizes = application.catalogue().acceptsExplicitSize(controller.type());

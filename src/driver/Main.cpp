@@ -7,6 +7,7 @@
 #include "driver/Restore.h"
 #include "foundation/ErrorReporter.h"
 #include "foundation/IniFile.h"
+#include "inventory/MachineInformation.h"
 #include "policies/PolicyGenerator.h"
 
 #include <cstdlib>
@@ -95,8 +96,7 @@ ModeResult ZOLEX::restoreDefaults(ControllerList& controllers, std::int32_t numb
 }
 
 bool ZOLEX::reordersByBusNumber() const {
-    return machine &&
-           (machine->machineType.contains("5941") || machine->machineType.contains("5944"));
+    return machine && zolex::reordersByBusNumber(*machine);
 }
 
 ExitCode ZOLEX::checkDetection(ControllerList& controllers) {

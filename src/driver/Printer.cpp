@@ -53,11 +53,4 @@ void Printer::tracef(const char* format, ...) {
     va_end(values);
 }
 
-void Printer::errorBlockf(const char* format, ...) {
-    std::va_list values;
-    va_start(values, format);
-    errorBlock(formatTextV(format, values));
-    va_end(values);
-}
-
 } // namespace zolex

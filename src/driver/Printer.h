@@ -36,7 +36,6 @@ class Printer {
     ZOLEX_PRINTF(3, 4) void printf(std::int32_t messageLevel, const char* format, ...);
     ZOLEX_PRINTF(2, 3) void printfAlways(const char* format, ...);
     ZOLEX_PRINTF(2, 3) void tracef(const char* format, ...);
-    ZOLEX_PRINTF(2, 3) void errorBlockf(const char* format, ...);
 
     [[nodiscard]] Console& console() { return console_; }
 

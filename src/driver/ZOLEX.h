@@ -1,7 +1,6 @@
 #pragma once
 
 #include "driver/Application.h"
-#include "driver/CommandRun.h"
 #include "driver/ExitCode.h"
 #include "engine/PolicyInterpreter.h"
 #include "inventory/ControllerList.h"
@@ -44,12 +43,6 @@ class ZOLEX : public Application {
     ExitCode captureConfiguration(ControllerList& controllers);
     /// Returns controllers to factory defaults; see Restore.
     ModeResult restoreDefaults(ControllerList& controllers, std::int32_t number);
-    /// Whether the exit code is one of the three that the controller's type accepts; if not, the
-    /// failure has been printed.
-    bool checkForErrors(const RAIDController& controller, std::int32_t number,
-                        std::uint32_t exitCode, Mode mode) {
-        return zolex::checkForErrors(*this, controller, number, exitCode, mode);
-    }
     /// Whether this machine's controllers of type 10 are put in order of bus number.
     [[nodiscard]] bool reordersByBusNumber() const;
 

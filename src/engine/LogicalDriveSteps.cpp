@@ -146,7 +146,7 @@ LogicalDrive RAIDConfigCreator::automaticLogicalDrive(std::size_t arrayIndex) {
     drive.raidLevel = givesLevel
                           ? defaults.raidLevel
                           : rules_.defaultRAIDLevel(layout_.arrays()[arrayIndex].driveCount());
-    drive.sizeMb = plannedSize(defaults.size(), drive.raidLevel, arrayIndex);
+    drive.sizeMb = plannedSize(defaults.size, drive.raidLevel, arrayIndex);
     drive.writeCache = givesCache ? defaults.writeCache : rules_.writeCache;
     const auto source = [&](Reason::Subject subject, bool isGiven, std::int32_t asked,
                             std::int32_t value) {
@@ -156,8 +156,13 @@ LogicalDrive RAIDConfigCreator::automaticLogicalDrive(std::size_t arrayIndex) {
         });
     };
     source(Reason::Subject::raidLevel, givesLevel, defaults.raidLevel, drive.raidLevel);
-    source(Reason::Subject::size, policy_.logicalDefaults.has_value(), defaults.sizeMb,
-           drive.sizeMb);
+    explain([&] {
+        Reason reason = sourceOf(Reason::Subject::size, layout_.logicalDrives().size(),
+                                 Reason::Kind::policyDefault, keyword::logicalDefaults,
+                                 policy_.logicalDefaults.has_value(), 0, drive.sizeMb);
+        reason.askedSize = defaults.size;
+        return reason;
+    });
     source(Reason::Subject::writeCache, givesCache, defaults.writeCache, drive.writeCache);
     return drive;
 }
@@ -191,7 +196,7 @@ bool RAIDConfigCreator::doCUSTOMLogicalDrives() {
             refuse(std::move(fault));
             return failed(2);
         }
-        drive.sizeMb = plannedSize(entry.size(), drive.raidLevel, arrayIndex);
+        drive.sizeMb = plannedSize(entry.size, drive.raidLevel, arrayIndex);
         explainCustom(entry, drive);
         if (!isRAIDLevelOK(drive)) {
             return failed(3);
@@ -214,7 +219,11 @@ void RAIDConfigCreator::explainCustom(const LogicalSpecification& entry,
         return given(Reason::Subject::raidLevel, entry.raidLevel != raid_level::notGiven,
                      entry.raidLevel, drive.raidLevel);
     });
-    explain([&] { return given(Reason::Subject::size, true, entry.sizeMb, drive.sizeMb); });
+    explain([&] {
+        Reason reason = given(Reason::Subject::size, true, 0, drive.sizeMb);
+        reason.askedSize = entry.size;
+        return reason;
+    });
     explain([&] {
         const bool isGiven = entry.writeCache != write_cache::notGiven;
         Reason reason =

@@ -2,6 +2,7 @@
 
 #include "foundation/CString.h"
 #include "model/Configuration.h"
+#include "policies/Policy.h"
 
 #include <cstdint>
 
@@ -56,10 +57,13 @@ struct Reason {
     CString wanted{};         ///< its value
     CString actual{};         ///< the controller's value
     DrivePosition drive{};    ///< the drive that was taken
-    /// What the policy asks for: a code, a number, or a size in MB, percent or FILL. A size within
-    /// 139 MB of what is left of the array becomes FILL. The variance in percent for `likeFirst`.
+    /// What the policy asks for: a code or a number. The variance in percent for `likeFirst`.
     std::int32_t asked = 0;
-    /// What is planned: a code, a number or a size; the size of the drive in MB.
+    /// What the policy asks for when the subject is `size`. A size within 139 MB of what is left of
+    /// the array becomes the rest.
+    DriveSize askedSize{};
+    /// What is planned: a code, a number, or a size as in LogicalDrive; the size of the drive in
+    /// MB.
     std::int32_t value = 0;
 
     friend bool operator==(const Reason&, const Reason&) = default;

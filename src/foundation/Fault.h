@@ -94,7 +94,6 @@ enum class FaultKind : std::int32_t {
     listingSlotMissing,          ///< a drive without slot
 
     // Planning
-    planMachineFileUnreadable, ///< `file`: the inventory file
     planMachineUnknown,
     planControllerTypeUnknown, ///< `number`: the type
     planHotspareShortage,      ///< `number`: hot spares asked for

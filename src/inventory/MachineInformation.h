@@ -13,4 +13,7 @@ class Report;
 /// that has been reported, when the file cannot be read.
 [[nodiscard]] std::optional<Machine> machineOfInventoryFile(FileSystem& files, Report& report);
 
+/// Whether the machine's controllers of type 10 are put in order of bus number.
+[[nodiscard]] bool reordersByBusNumber(const Machine& machine);
+
 } // namespace zolex

@@ -33,8 +33,6 @@ void storeValue(std::string_view line, std::string_view key, CString& field) {
     }
 }
 
-constexpr const char* detectorCommand = "hwdetect.exe /i";
-
 } // namespace
 
 std::optional<Machine> ZOLEXSupport::gatherHardwareInfo(std::unique_ptr<Tool> runner,

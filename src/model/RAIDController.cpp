@@ -129,11 +129,8 @@ bool RAIDController::setMember(std::int32_t channel, std::int32_t id) {
     return drive != nullptr;
 }
 
-bool RAIDController::setConfiguration(std::unique_ptr<RAIDConfiguration> configuration) {
-    configuration_.reset();
-    if (configuration) {
-        configuration_ = std::move(*configuration);
-    }
+bool RAIDController::setCaptured(std::optional<RAIDConfiguration> layout) {
+    captured_ = std::move(layout);
     return true;
 }
 
@@ -149,7 +146,7 @@ void RAIDController::swapIdentity(RAIDController& other) {
 
 void RAIDController::forgetReadings() {
     drives_ = {};
-    configuration_.reset();
+    captured_.reset();
     channelReassignment_ = true;
 }
 

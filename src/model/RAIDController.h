@@ -7,7 +7,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 
 namespace zolex {
@@ -26,9 +25,9 @@ struct RaidDisk {
     friend bool operator==(const RaidDisk&, const RaidDisk&) = default;
 };
 
-/// One detected controller, its drives, and the configuration that was captured from it or planned
-/// for it. Positions are [channel][id], channel 0 to 4 and id 0 to 35; positions outside are
-/// refused. Channel 0 is stored but never counted, listed or dumped.
+/// One detected controller, its drives, and the layout that was captured from it. Positions are
+/// [channel][id], channel 0 to 4 and id 0 to 35; positions outside are refused. Channel 0 is stored
+/// but never counted, listed or dumped.
 class RAIDController {
   public:
     static constexpr std::int32_t channels = 5;
@@ -67,13 +66,13 @@ class RAIDController {
     /// The drive is a member of the layout that was captured; a plan may still take it.
     bool setMember(std::int32_t channel, std::int32_t id);
 
-    /// Takes the configuration; null for none.
-    bool setConfiguration(std::unique_ptr<RAIDConfiguration> configuration);
+    /// Takes the layout that was captured; nothing for none.
+    bool setCaptured(std::optional<RAIDConfiguration> layout);
     bool clearChannelReassignment();
     /// Exchanges subtype and PCI location text with `other`: what stays with a slot when the
     /// records of two slots change places.
     void swapIdentity(RAIDController& other);
-    /// Forgets what a capture has read: drives, configuration, channel table.
+    /// Forgets what a capture has read: drives, layout, channel table.
     void forgetReadings();
 
     [[nodiscard]] std::int32_t type() const { return type_; }
@@ -97,12 +96,11 @@ class RAIDController {
     [[nodiscard]] const std::optional<CString>& driveType(std::int32_t channel,
                                                           std::int32_t id) const;
     [[nodiscard]] const RaidDisk& driveRecord(std::int32_t channel, std::int32_t id) const;
-    [[nodiscard]] const RAIDConfiguration* configuration() const {
-        return configuration_ ? &*configuration_ : nullptr;
+    /// The captured layout; null for none. A planned one is in its ControllerPlan.
+    [[nodiscard]] const RAIDConfiguration* captured() const {
+        return captured_ ? &*captured_ : nullptr;
     }
-    [[nodiscard]] RAIDConfiguration* configuration() {
-        return configuration_ ? &*configuration_ : nullptr;
-    }
+    [[nodiscard]] RAIDConfiguration* captured() { return captured_ ? &*captured_ : nullptr; }
     [[nodiscard]] bool channelReassignment() const { return channelReassignment_; }
     /// Positions on channels 1 to 4 that hold a drive.
     [[nodiscard]] std::int32_t numberOfDrives() const;
@@ -135,7 +133,7 @@ class RAIDController {
     [[nodiscard]] Drive* at(std::int32_t channel, std::int32_t id);
     [[nodiscard]] const Drive* at(std::int32_t channel, std::int32_t id) const;
 
-    std::optional<RAIDConfiguration> configuration_;
+    std::optional<RAIDConfiguration> captured_;
     std::int32_t type_ = controller_type::none;
     std::int32_t subtype_ = subtypeNotSet;
     std::int32_t scanOrder_ = 0;

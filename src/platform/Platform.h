@@ -34,7 +34,17 @@ struct ChildResult {
 /// at the limit of its time, whether it stalls at the full pipe or ends.
 inline constexpr std::size_t mostChildOutput = std::size_t{32} << 20U;
 
+/// What the firmware tells of the machine. A text that it leaves out is empty.
+struct FirmwareNames {
+    std::string machineType;
+    std::string serialNumber;
+    /// What could not be read and why, a sentence without its full stop; empty when all could.
+    std::string fault;
+    friend bool operator==(const FirmwareNames&, const FirmwareNames&) = default;
+};
+
 /// A moment of local time. month 1 to 12, day 1 to 31, hour 0 to 23, minute and second 0 to 59.
+/// offsetMinutes: how far it is ahead of UTC.
 struct LocalTime {
     int year = 1970;
     int month = 1;
@@ -42,6 +52,7 @@ struct LocalTime {
     int hour = 0;
     int minute = 0;
     int second = 0;
+    int offsetMinutes = 0;
 };
 
 /// Everything that the program asks of the operating system. Tests and recorders stand here.
@@ -65,6 +76,9 @@ class Platform {
     virtual void pauseOneSecond() = 0;
 
     virtual LocalTime localTime() = 0;
+
+    /// Asks the firmware for the names of the machine. A platform that cannot ask it tells nothing.
+    virtual FirmwareNames firmware() { return {}; }
 };
 
 /// The platform of the system that this program was built for. Making it also makes the process fit

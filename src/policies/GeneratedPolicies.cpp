@@ -66,7 +66,7 @@ GeneratedPolicy generatePolicy(const RAIDController& controller, std::int32_t nu
 }
 
 bool isConfigured(const RAIDController& controller, std::int32_t number, Report& report) {
-    if (controller.configuration() != nullptr) {
+    if (controller.captured() != nullptr) {
         return true;
     }
     report.notef(level::progress, "\tSkipped controller %d -- controller is not configured.\n",

@@ -34,14 +34,6 @@ bool AppliesTo::matches(const MatchValues& values) const {
            holds(numberOfDrives, values.numberOfDrives);
 }
 
-DriveSize LogicalSpecification::size() const {
-    if (sizeMb == sizeFill) {
-        return {DriveSize::Kind::rest, 0};
-    }
-    return sizeMb < 0 ? DriveSize{DriveSize::Kind::percent, -sizeMb}
-                      : DriveSize{DriveSize::Kind::mb, sizeMb};
-}
-
 bool Policy::isGenerated() const {
     const std::string_view prefix = generatedPolicyPrefix;
     return customArrays && text::equalsNoCase(name.view().substr(0, prefix.size()), prefix);

@@ -66,12 +66,9 @@ struct DriveSize {
 /// Size, RAID level and write-cache mode of `Logical_Defaults` and `Logical.<n>`.
 struct LogicalSpecification {
     std::int32_t arrayIndex = -1; ///< 0 for "A"; -1 in `Logical_Defaults`
-    std::int32_t sizeMb = sizeFill;
+    DriveSize size;
     std::int32_t raidLevel = raid_level::notGiven;
     std::int32_t writeCache = write_cache::notGiven;
-
-    /// What `sizeMb` says.
-    [[nodiscard]] DriveSize size() const;
 
     friend bool operator==(const LogicalSpecification&, const LogicalSpecification&) = default;
 };

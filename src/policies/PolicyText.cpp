@@ -80,7 +80,7 @@ ListedDrive locateHotspare(const RAIDController& controller, const Hotspare& hot
 
 std::vector<ListedDrive> hotsparesOf(const RAIDController& controller) {
     std::vector<ListedDrive> drives;
-    for (const Hotspare& hotspare : controller.configuration()->hotspares()) {
+    for (const Hotspare& hotspare : controller.captured()->hotspares()) {
         drives.push_back(locateHotspare(controller, hotspare));
     }
     return drives;
@@ -91,7 +91,7 @@ void appendEntry(CString& text, const char* keyword, std::string_view value) {
 }
 
 void appendSettings(CString& text, const RAIDController& controller) {
-    const RAIDConfiguration& configuration = *controller.configuration();
+    const RAIDConfiguration& configuration = *controller.captured();
     const WrittenSettings written = traitsOf(controller.type()).writes;
     const bool stripeSize = written.stripeSize && configuration.stripeSize != stripe::none;
     if (stripeSize) {
@@ -111,7 +111,7 @@ void appendSettings(CString& text, const RAIDController& controller) {
 void appendArrays(CString& text, const RAIDController& controller) {
     appendEntry(text, "Array_Mode", "CUSTOM");
     char letter = 'A';
-    for (const RaidArray& array : controller.configuration()->arrays()) {
+    for (const RaidArray& array : controller.captured()->arrays()) {
         const CString keyword = formatText("Array.%c", letter++);
         appendEntry(text, keyword.c_str(), drivesText(controller, membersOf(controller, array)));
     }
@@ -145,7 +145,7 @@ void appendLogicalDrives(CString& text, const CapturedFacts& facts,
     const bool withWriteCache = traitsOf(controller.type()).writes.writeCache;
     appendEntry(text, "Logical_Mode", "CUSTOM");
     int number = 0;
-    for (const LogicalDrive& drive : controller.configuration()->logicalDrives()) {
+    for (const LogicalDrive& drive : controller.captured()->logicalDrives()) {
         const CString keyword = formatText("Logical.%d", ++number);
         appendEntry(text, keyword.c_str(),
                     logicalDriveText(drive, facts.explicitSizes, withWriteCache));

@@ -356,7 +356,7 @@ bool PolicyValidator::readSpecification(const PolicyEntry& entry,
     }
     specification.writeCache = *cache;
     specification.raidLevel = *level;
-    specification.sizeMb = *size;
+    specification.size = *size;
     return true;
 }
 

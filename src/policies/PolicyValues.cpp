@@ -135,19 +135,17 @@ std::optional<std::int32_t> nonZeroNumber(std::string_view text) noexcept {
     return number.value_or(0) > 0 ? number : std::nullopt;
 }
 
-std::optional<std::int32_t> logicalDriveSize(std::string_view text) noexcept {
+std::optional<DriveSize> logicalDriveSize(std::string_view text) noexcept {
     constexpr std::int32_t wholeArray = 100;
     if (text::equalsNoCase(text, "FILL")) {
-        return sizeFill;
+        return DriveSize{DriveSize::Kind::rest, 0};
     }
-    if (!text.ends_with('%')) {
-        return nonZeroNumber(text);
-    }
-    const auto percent = nonZeroNumber(text.substr(0, text.size() - 1));
-    if (!percent || *percent > wholeArray) {
+    const bool isPercent = text.ends_with('%');
+    const auto number = nonZeroNumber(text.substr(0, text.size() - (isPercent ? 1 : 0)));
+    if (!number || (isPercent && *number > wholeArray)) {
         return std::nullopt;
     }
-    return -*percent;
+    return DriveSize{isPercent ? DriveSize::Kind::percent : DriveSize::Kind::mb, *number};
 }
 
 std::optional<std::int32_t> rebuildRate(std::string_view text) noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Configuration.h"
+#include "policies/Policy.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,8 +20,8 @@ namespace zolex::policy_value {
 
 /// A whole number above 0.
 [[nodiscard]] std::optional<std::int32_t> nonZeroNumber(std::string_view text) noexcept;
-/// "1%" to "100%": -1 to -100; "FILL": -101; a whole number above 0: MB.
-[[nodiscard]] std::optional<std::int32_t> logicalDriveSize(std::string_view text) noexcept;
+/// "1%" to "100%", "FILL", or a whole number above 0 in MB.
+[[nodiscard]] std::optional<DriveSize> logicalDriveSize(std::string_view text) noexcept;
 /// "HIGH", "MED", "LOW": the code.
 [[nodiscard]] std::optional<std::int32_t> rebuildRate(std::string_view text) noexcept;
 /// "ADAPTIVE", "ON", "OFF": the code.

@@ -116,7 +116,7 @@ IDEReader::Exit IDEReader::readLayout() {
             continue;
         }
         if (!layout_.configuration && keyed.holds(logicalArray)) {
-            layout_.configuration = std::make_unique<RAIDConfiguration>();
+            layout_.configuration.emplace();
         } else if (const Exit exit = readLayoutLine(keyed); exit != success) {
             return exit;
         }
@@ -204,7 +204,7 @@ void IDEReader::finishLayout() {
     layout_.configuration->stripeSize = layout_.stripeSize;
     addArray(*layout_.configuration, std::move(layout_.array));
     addLogicalDrive(*layout_.configuration, layout_.drive);
-    controller().setConfiguration(std::move(layout_.configuration));
+    controller().setCaptured(std::move(layout_.configuration));
 }
 
 } // namespace zolex

@@ -7,7 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <string_view>
 
 namespace zolex {
@@ -34,8 +34,8 @@ class IDEReader : public ConfigurationReader {
 
     /// What has been read of a listing with its layout.
     struct Layout {
-        /// Null as long as no logical array was seen.
-        std::unique_ptr<RAIDConfiguration> configuration;
+        /// None as long as no logical array was seen.
+        std::optional<RAIDConfiguration> configuration;
         RaidArray array;
         LogicalDrive drive;
         std::int32_t stripeSize = stripe::none;

@@ -9,14 +9,17 @@ namespace zolex {
 void LayoutReader::beginListing(RAIDController& controller, Listings listings) {
     beginController(controller);
     setListing(listings, 0);
-    configuration_ = detail().layout ? std::make_unique<RAIDConfiguration>() : nullptr;
+    configuration_.reset();
+    if (detail().layout) {
+        configuration_.emplace();
+    }
     drive_ = {};
     driveOpen_ = false;
 }
 
 void LayoutReader::keepConfiguration() {
     if (configuration_ && !configuration_->arrays().empty()) {
-        controller().setConfiguration(std::move(configuration_));
+        controller().setCaptured(std::move(configuration_));
     }
     configuration_.reset();
 }

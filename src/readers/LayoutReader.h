@@ -3,7 +3,7 @@
 #include "model/Configuration.h"
 #include "readers/ConfigurationReader.h"
 
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace zolex {
@@ -23,7 +23,9 @@ class LayoutReader : public ConfigurationReader {
     /// are captured.
     void beginListing(RAIDController& controller, Listings listings);
     /// Null when configurations are not captured. What follows needs one, but for keeping.
-    [[nodiscard]] RAIDConfiguration* configuration() const { return configuration_.get(); }
+    [[nodiscard]] RAIDConfiguration* configuration() {
+        return configuration_ ? &*configuration_ : nullptr;
+    }
     /// Hands the configuration, if there is one, over to the controller when it holds an array. One
     /// that is not handed over is forgotten.
     void keepConfiguration();
@@ -41,7 +43,7 @@ class LayoutReader : public ConfigurationReader {
     void addArrayOfDrive(RaidArray array);
 
   private:
-    std::unique_ptr<RAIDConfiguration> configuration_;
+    std::optional<RAIDConfiguration> configuration_;
     LogicalDrive drive_;
     bool driveOpen_ = false;
 };

@@ -77,7 +77,7 @@ bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings
     channelTable_.fill(channelFree);
     driveLines_.reset();
     nextDriveLine_ = 0;
-    std::unique_ptr<RAIDConfiguration> configuration;
+    std::optional<RAIDConfiguration> configuration;
     std::size_t driveListing = 0;
     if (detail().layout) {
         driveListing = 1;
@@ -87,12 +87,12 @@ bool MEGAReader::readConfiguration(RAIDController& controller, Listings listings
         configuration = readVirtualDisks();
     }
     setListing(listings, driveListing);
-    getDrives(configuration.get());
+    getDrives(configuration ? &*configuration : nullptr);
     setListing(listings, driveListing + 1);
     getAdapterInfo();
     driveLines_.reset();
     if (configuration) {
-        controller.setConfiguration(std::move(configuration));
+        controller.setCaptured(std::move(configuration));
     }
     report().trace("Exitng MEGAReader::readConfiguration, returning true\n");
     return true;

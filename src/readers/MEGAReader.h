@@ -5,7 +5,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -59,7 +58,7 @@ class MEGAReader : public ConfigurationReader {
     void readAdapterLine(std::string_view line);
 
     // Configuration listing
-    [[nodiscard]] std::unique_ptr<RAIDConfiguration> readVirtualDisks();
+    [[nodiscard]] std::optional<RAIDConfiguration> readVirtualDisks();
     bool getArraysAndLogicalDrives(RAIDConfiguration& configuration);
     bool readVirtualDiskLine(std::string_view line, VirtualDisk& disk,
                              RAIDConfiguration& configuration);

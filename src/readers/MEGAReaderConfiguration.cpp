@@ -107,8 +107,8 @@ struct MEGAReader::VirtualDisk {
     }
 };
 
-/// Null when no virtual disk is announced, or when one that is cannot be captured whole.
-std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
+/// Nothing when no virtual disk is announced, or when one that is cannot be captured whole.
+std::optional<RAIDConfiguration> MEGAReader::readVirtualDisks() {
     std::string_view line = lines().nextLine();
     while (line != endOfOutput && !contains(line, "Enclosure") && !isNumberOfVirtualDisks(line)) {
         line = lines().nextLine();
@@ -116,15 +116,15 @@ std::unique_ptr<RAIDConfiguration> MEGAReader::readVirtualDisks() {
     const std::int32_t announced =
         isNumberOfVirtualDisks(line) ? text::leadingInt(valueAfterColon(line)) : 0;
     if (announced < 1) {
-        return nullptr;
+        return std::nullopt;
     }
-    auto configuration = std::make_unique<RAIDConfiguration>();
+    std::optional<RAIDConfiguration> configuration(std::in_place);
     for (std::int32_t i = 0; i < announced; ++i) {
         do {
             line = lines().nextLine();
         } while (line != endOfOutput && !megacli::holdsKey(line, "Name"));
         if (line == endOfOutput || !getArraysAndLogicalDrives(*configuration)) {
-            return nullptr;
+            return std::nullopt;
         }
     }
     return configuration;

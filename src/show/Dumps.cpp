@@ -106,8 +106,8 @@ CString dumpText(const RAIDController& controller, bool withConfiguration) {
                                static_cast<long>(controller.size(channel, id))));
     });
     text.append("\n");
-    if (withConfiguration && controller.configuration() != nullptr) {
-        text.append(dumpText(*controller.configuration()));
+    if (withConfiguration && controller.captured() != nullptr) {
+        text.append(dumpText(*controller.captured()));
     }
     text.append("\n");
     controller.forEachDrive([&](std::int32_t channel, std::int32_t id) {

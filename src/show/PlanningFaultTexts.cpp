@@ -29,9 +29,6 @@ std::optional<std::vector<FaultText>> planningFaultTexts(const Fault& fault) {
     const char* const model = fault.place.model.c_str();
     const char* const wanted = fault.wanted.c_str();
     switch (fault.kind) {
-    case FaultKind::planMachineFileUnreadable:
-        return errorBlock(
-            formatText("Could not read inventory file:  %s\n", fault.place.file.c_str()));
     case FaultKind::planMachineUnknown:
         return errorBlock("Could not detect the system machine type or serial number.\n");
     case FaultKind::planControllerTypeUnknown:

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,12 +25,11 @@ class GeneratorFixture : public ::testing::Test {
         controller.setType(type);
         controller.setSubtype(subtype);
         controller.setScanOrder(scanOrder);
-        auto empty = std::make_unique<RAIDConfiguration>();
-        empty->policyName = "Policy.1";
-        controller.setConfiguration(std::move(empty));
+        plan_ = RAIDConfiguration();
+        plan_.policyName = "Policy.1";
     }
 
-    RAIDConfiguration& plan() { return *controller.configuration(); }
+    RAIDConfiguration& plan() { return plan_; }
 
     void addArray(const std::vector<DrivePosition>& drives, std::int64_t capacityMb = -1) {
         RaidArray array;
@@ -104,6 +102,9 @@ class GeneratorFixture : public ::testing::Test {
     CommandStyle style;
     RAIDController controller;
     CommandLines generated;
+
+  private:
+    RAIDConfiguration plan_;
 };
 
 using Lines = std::vector<std::string>;

@@ -184,7 +184,7 @@ TEST_F(FullCommandList, ALayoutIsTakenFromTheArgumentAndNotFromTheRecord) {
     const RAIDConfiguration layout = plan();
     EXPECT_TRUE(generate());
     const CommandLines first = generated;
-    controller.setConfiguration(nullptr);
+    controller.setCaptured(RAIDConfiguration());
     EXPECT_EQ(commandLines(controller, 4, layout, style, report), first);
 }
 

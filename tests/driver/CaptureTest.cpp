@@ -1,4 +1,5 @@
 #include "commands/CommandSource.h"
+#include "driver/CommandRun.h"
 #include "support/FakePlatform.h"
 #include "support/ModeRun.h"
 #include "support/Scan.h"
@@ -149,7 +150,7 @@ TEST_F(CaptureTest, AcceptedExitCodesByType) {
         RAIDController controller;
         controller.setType(row.type);
         EXPECT_EQ(row.accepted,
-                  application.checkForErrors(controller, 1, row.exitCode, Mode::capture));
+                  checkForErrors(application, controller, 1, row.exitCode, Mode::capture));
     }
 }
 
@@ -165,14 +166,14 @@ TEST_F(CaptureTest, FailuresAreToldByMode) {
     };
     for (const auto& [mode, text] : rows) {
         platform.consoleFake.takeOutput();
-        EXPECT_FALSE(application.checkForErrors(controller, 2, 300, mode));
+        EXPECT_FALSE(checkForErrors(application, controller, 2, 300, mode));
         EXPECT_EQ(std::string("### ERROR\n") + text +
                       "     Received error return code 300 from the UTIL.BAT MEGACLI command.\n",
                   output);
     }
     platform.consoleFake.takeOutput();
     application.printer().setVerbosity(level::always);
-    EXPECT_FALSE(application.checkForErrors(controller, 2, 300, Mode::deploy));
+    EXPECT_FALSE(checkForErrors(application, controller, 2, 300, Mode::deploy));
     EXPECT_EQ("", output);
 }
 

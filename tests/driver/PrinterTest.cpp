@@ -109,10 +109,9 @@ TEST(Printer, AtVerbosityZeroOnlyLevelZeroAndTheUngatedTextsAppear) {
     printer.printAlways("Executing:x\n");
     printer.printfAlways("Deploy Command=%s\n", "y");
     printer.errorBlock("fault");
-    printer.errorBlockf("fault %d", 2);
     printer.debugLine("insight");
     EXPECT_EQ(console.output, "level 0\nExecuting:x\nDeploy Command=y\n\n#### ERROR\n\tfault\n"
-                              "\n#### ERROR\n\tfault 2\n#### DEBUG:  insight");
+                              "#### DEBUG:  insight");
     EXPECT_EQ(console.error, "");
 }
 

@@ -110,7 +110,7 @@ TEST(AutoArrays, NoFreeDriveLeavesAnEmptyPlan) {
     const auto controller = makeController(12, 2, equalDrives(1));
     controller->setUsed(1, 0);
     EXPECT_TRUE(plan(bench, *controller, automaticPolicy()));
-    ASSERT_NE(controller->configuration(), nullptr);
+    ASSERT_NE(controller->captured(), nullptr);
     EXPECT_EQ(describe(*controller), "");
 }
 
@@ -246,8 +246,8 @@ TEST(CustomArrays, AllStopsAtThirtyTwo) {
     Bench bench;
     const auto controller = makeController(12, 2, equalDrives(40, 100));
     ASSERT_TRUE(plan(bench, *controller, withoutHotspares(policyWithArrays({arrayOfAll()}))));
-    EXPECT_EQ(controller->configuration()->arrays().at(0).driveCount(), 32U);
-    EXPECT_EQ(controller->configuration()->arrays().at(0).capacityMb, 3200);
+    EXPECT_EQ(controller->captured()->arrays().at(0).driveCount(), 32U);
+    EXPECT_EQ(controller->captured()->arrays().at(0).capacityMb, 3200);
 }
 
 TEST(CustomArrays, NumbersAndPositionsAreTakenAsListed) {
@@ -363,7 +363,7 @@ TEST(ArrayLimits, SixteenArrays) {
         withoutHotspares(policyWithArrays(std::vector<RaidArray>(16, arrayOfNumbers({1}))));
     policy.customLogicalDrives = true;
     EXPECT_TRUE(plan(bench, *fits, policy));
-    EXPECT_EQ(fits->configuration()->arrays().size(), 16U);
+    EXPECT_EQ(fits->captured()->arrays().size(), 16U);
 }
 
 TEST(ArrayLimits, ThirtyTwoDrivesOfAList) {
@@ -375,7 +375,7 @@ TEST(ArrayLimits, ThirtyTwoDrivesOfAList) {
         Bench bench;
         const auto fits = makeController(12, 2, equalDrives(36, 100));
         EXPECT_TRUE(plan(bench, *fits, withoutHotspares(policyWithArrays({list}))));
-        EXPECT_EQ(fits->configuration()->arrays().at(0).driveCount(), 32U);
+        EXPECT_EQ(fits->captured()->arrays().at(0).driveCount(), 32U);
 
         list.tooManyDrives = true; // a 33rd was listed
         const auto controller = makeController(12, 2, equalDrives(36, 100));

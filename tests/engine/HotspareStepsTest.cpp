@@ -135,7 +135,7 @@ TEST(AutoHotspares, ThePlanHoldsEight) {
     Bench bench;
     const auto controller = makeController(12, 2, equalDrives(12, 100));
     EXPECT_TRUE(plan(bench, *controller, policyWithHotspareCount(8)));
-    EXPECT_EQ(controller->configuration()->hotspares().size(), 8U);
+    EXPECT_EQ(controller->captured()->hotspares().size(), 8U);
 
     const auto other = makeController(12, 2, equalDrives(12, 100));
     EXPECT_FALSE(plan(bench, *other, policyWithHotspareCount(9)));

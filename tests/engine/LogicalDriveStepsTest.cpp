@@ -8,18 +8,18 @@ namespace {
 constexpr const char* shortageLine =
     "Not enough same size drives to accommodate requested configuration\n";
 
-LogicalSpecification specification(std::int32_t arrayIndex, std::int32_t sizeMb,
+LogicalSpecification specification(std::int32_t arrayIndex, std::int32_t size,
                                    std::int32_t raidLevel,
                                    std::int32_t writeCache = write_cache::notGiven) {
-    return {arrayIndex, sizeMb, raidLevel, writeCache};
+    return {arrayIndex, driveSize(size), raidLevel, writeCache};
 }
 
 /// One array of the drives 1 to `drives`, automatic logical drives with these defaults.
-Policy policyWithDefaults(std::int32_t drives, std::int32_t sizeMb, std::int32_t raidLevel,
+Policy policyWithDefaults(std::int32_t drives, std::int32_t size, std::int32_t raidLevel,
                           std::int32_t writeCache = write_cache::notGiven) {
     Policy policy = policyWithArrays({arrayOfNumbers(numbersTo(drives))});
     policy.arrayDefaults.hotspareCount = 0;
-    policy.logicalDefaults = specification(-1, sizeMb, raidLevel, writeCache);
+    policy.logicalDefaults = specification(-1, size, raidLevel, writeCache);
     return policy;
 }
 
@@ -410,7 +410,7 @@ TEST(LogicalDriveLimits, EightLogicalDrives) {
     const std::vector<LogicalSpecification> eight(8, specification(0, 100, raid_level::raid0));
     const auto fits = makeController(12, 2, equalDrives(2, 10000));
     EXPECT_TRUE(plan(bench, *fits, policyWithLogicalDrives(2, eight)));
-    EXPECT_EQ(fits->configuration()->logicalDrives().size(), 8U);
+    EXPECT_EQ(fits->captured()->logicalDrives().size(), 8U);
 
     std::vector<LogicalSpecification> nine = eight;
     nine.push_back(eight.front());

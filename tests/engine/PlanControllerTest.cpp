@@ -163,7 +163,8 @@ std::vector<Refused> refusedPolicies() {
         Policy policy = policyWithArrays({arrayOfNumbers({1, 2, 3})});
         policy.arrayDefaults.hotspareCount = 0;
         policy.customLogicalDrives = true;
-        policy.logicalDrives = {{0, 100, raid_level::raid5, write_cache::notGiven}, entry};
+        policy.logicalDrives = {{0, driveSize(100), raid_level::raid5, write_cache::notGiven},
+                                entry};
         return policy;
     };
     const auto with = [](auto change) {
@@ -189,15 +190,15 @@ std::vector<Refused> refusedPolicies() {
          FaultKind::planArrayDriveMissing, "Array.A", "2:7", 0, "", 13},
         {"a long list", policyWithArrays({many}), FaultKind::planTooManyArrayDrives, "Array.A", "",
          32, "", 13},
-        {"no such array", custom({1, -101, raid_level::raid0, 2}), FaultKind::planArrayUnknown,
+        {"no such array", custom({1, {}, raid_level::raid0, 2}), FaultKind::planArrayUnknown,
          "Logical.2", "B", 0, "A", 0},
-        {"a level of others", custom({0, -101, raid_level::raid1E, 2}),
+        {"a level of others", custom({0, {}, raid_level::raid1E, 2}),
          FaultKind::planRaidLevelUnsupported, "Logical.2", "1E", 0, "0, 1, 5, 6, 10, 50, 60", 0},
-        {"a level for other numbers", custom({0, -101, raid_level::raid6, 2}),
+        {"a level for other numbers", custom({0, {}, raid_level::raid6, 2}),
          FaultKind::planRaidLevelDriveCount, "Logical.2", "6", 3, "4 or more", 13},
         {"a default level for other numbers", with([](Policy& p) {
              p.logicalDefaults =
-                 LogicalSpecification{-1, sizeFill, raid_level::raid1, write_cache::notGiven};
+                 LogicalSpecification{-1, {}, raid_level::raid1, write_cache::notGiven};
              p.customArrays = true;
              p.arrays = {arrayOfNumbers({1, 2, 3})};
          }),
@@ -279,9 +280,9 @@ TEST(PlanController, TheLayoutThatWasReadDoesNotMatter) {
     MirroredMachine withLayout;
     const RAIDController& plain = withoutLayout.capture(false);
     const RAIDController& captured = withLayout.capture(true);
-    ASSERT_EQ(plain.configuration(), nullptr);
-    ASSERT_NE(captured.configuration(), nullptr);
-    ASSERT_EQ(captured.configuration()->arrays().size(), 1U);
+    ASSERT_EQ(plain.captured(), nullptr);
+    ASSERT_NE(captured.captured(), nullptr);
+    ASSERT_EQ(captured.captured()->arrays().size(), 1U);
 
     const PolicyList policies = listOf({policyForAll()});
     SilentReport report;

@@ -5,6 +5,7 @@
 #include "engine/RAIDConfigCreator.h"
 #include "model/RAIDController.h"
 #include "policies/Policy.h"
+#include "support/DriveSizes.h"
 #include "support/FakePlatform.h"
 
 #include <initializer_list>
@@ -113,10 +114,10 @@ inline ControllerPlan planOf(Bench& bench, const RAIDController& controller, con
         .plan();
 }
 
-/// Keeps a plan in the record: the layout, and as used the drives that the plan says it took.
+/// Keeps a plan in the record as if its layout had been captured, and as used the drives that the
+/// plan says it took.
 inline void keepPlan(RAIDController& controller, const ControllerPlan& plan) {
-    controller.setConfiguration(plan.layout ? std::make_unique<RAIDConfiguration>(*plan.layout)
-                                            : nullptr);
+    controller.setCaptured(plan.layout);
     for (const Reason& reason : plan.reasons) {
         if (reason.drive != DrivePosition()) {
             controller.setUsed(reason.drive.channel, reason.drive.id);
@@ -141,7 +142,7 @@ inline std::string positionText(std::int32_t channel, std::int32_t id) {
 /// The plan in one line: hot spares, arrays with their capacity, logical drives with array letter,
 /// RAID level word, size and write-cache code; "no plan" when there is none.
 inline std::string describe(const RAIDController& controller) {
-    const RAIDConfiguration* plan = controller.configuration();
+    const RAIDConfiguration* plan = controller.captured();
     if (plan == nullptr) {
         return "no plan";
     }

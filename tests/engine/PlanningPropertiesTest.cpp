@@ -46,7 +46,7 @@ Policy randomAutomaticPolicy(Random& random) {
     policy.arrayDefaults.hotspareCount = pickOf(random, {-25, -25, -25, 0, 1, 2, 9});
     if (pick(random, 0, 1) == 1) {
         LogicalSpecification defaults;
-        defaults.sizeMb = pick(random, -101, -1);
+        defaults.size = driveSize(pick(random, -101, -1));
         defaults.raidLevel = pickOf(random, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 12, 12, 12, 13});
         defaults.writeCache = pick(random, 0, 2);
         policy.logicalDefaults = defaults;
@@ -76,8 +76,8 @@ void addCustomLists(Random& random, Policy& policy) {
     for (std::int32_t i = pick(random, 0, 9); i > 0; --i) {
         const std::int32_t size =
             pick(random, 0, 1) == 0 ? pick(random, -101, -1) : pick(random, 1, 40000);
-        policy.logicalDrives.push_back(
-            {pick(random, 0, 7), size, pickOf(random, {0, 0, 1, 3, 7, 12}), pick(random, 0, 2)});
+        policy.logicalDrives.push_back({pick(random, 0, 7), driveSize(size),
+                                        pickOf(random, {0, 0, 1, 3, 7, 12}), pick(random, 0, 2)});
     }
 }
 
@@ -88,8 +88,8 @@ std::string runOnce(Bench& bench, RAIDController& controller, const Policy& poli
     std::string text = (done ? "done " : "failed ") + std::to_string(bench.application.returnCode) +
                        "\n" + describe(controller) + "\n" + describeUsed(controller) + "\n" +
                        bench.takeOutput();
-    if (controller.configuration() != nullptr) {
-        bench.application.printer().printAlways(show::dumpText(*controller.configuration()));
+    if (controller.captured() != nullptr) {
+        bench.application.printer().printAlways(show::dumpText(*controller.captured()));
         text += bench.takeOutput();
     }
     return text;
@@ -114,7 +114,7 @@ Positions plannedDrives(const RAIDConfiguration& plan) {
 }
 
 void checkDrives(const RAIDController& before, const RAIDController& after) {
-    const Positions planned = plannedDrives(*after.configuration());
+    const Positions planned = plannedDrives(*after.captured());
     for (std::int32_t channel = 0; channel < RAIDController::channels; ++channel) {
         for (std::int32_t id = 0; id < RAIDController::ids; ++id) {
             const bool taken = planned.count({channel, id}) != 0;
@@ -175,20 +175,20 @@ TEST(PlanningProperties, AutomaticPlansAreSound) {
         const std::string output = bench.takeOutput();
         if (!done) {
             ++failed;
-            EXPECT_EQ(controller->configuration(), nullptr);
+            EXPECT_EQ(controller->captured(), nullptr);
             EXPECT_TRUE(output.starts_with("\n#### ERROR\n\t")) << output;
             continue;
         }
         EXPECT_EQ(output, "");
         EXPECT_EQ(bench.application.returnCode, 0);
-        if (controller->configuration() == nullptr) {
+        if (controller->captured() == nullptr) {
             ++skipped;
             EXPECT_LE(controller->numberOfDrives(), 1);
             EXPECT_EQ(describeUsed(*controller), describeUsed(*before));
             continue;
         }
         ++planned;
-        const RAIDConfiguration& made = *controller->configuration();
+        const RAIDConfiguration& made = *controller->captured();
         EXPECT_LE(made.arrays().size(), 16U);
         EXPECT_LE(made.hotspares().size(), 8U);
         EXPECT_LE(made.logicalDrives().size(), 8U);
@@ -233,7 +233,7 @@ TEST(PlanningProperties, PlanningTwiceGivesTheSamePlan) {
             }
             Bench bench;
             run = runOnce(bench, *controller, policy);
-            planned += controller->configuration() != nullptr ? 1 : 0;
+            planned += controller->captured() != nullptr ? 1 : 0;
         }
         ASSERT_EQ(runs[0], runs[1]);
     }
@@ -250,7 +250,7 @@ TEST(PlanningProperties, CustomPlansKeepToTheRecord) {
         addCustomLists(random, policy);
         Bench bench;
         const bool done = plan(bench, *controller, policy);
-        const RAIDConfiguration* made = controller->configuration();
+        const RAIDConfiguration* made = controller->captured();
         EXPECT_TRUE(done || made == nullptr);
         EXPECT_EQ(done, bench.takeOutput().empty());
         if (made == nullptr) {

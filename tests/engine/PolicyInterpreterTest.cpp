@@ -127,7 +127,7 @@ TEST(MachineInformation, CannotBeHadAfterAFailedDetector) {
               "Entering PolicyInterpreter::createConfigurations\n"
               "\n#### ERROR\n\tCould not detect the system machine type or serial number.\n\n"
               "Exiting PolicyInterpreter::createConfigurations(1)\n");
-    EXPECT_EQ(controller.configuration(), nullptr);
+    EXPECT_EQ(controller.captured(), nullptr);
 }
 
 // A run from a controller-definition file asks no detector: the empty texts count as had.
@@ -138,7 +138,7 @@ TEST(MachineInformation, EmptyTextsOfADefinitionRunCountAsHad) {
     machine.application.machine->serialNumber = "";
     machine.add(12, 2, equalDrives(2));
     EXPECT_TRUE(machine.interpret(listOf({policyFor("Policy.a", everything())})));
-    EXPECT_NE(machine.controllers.controller(0)->configuration(), nullptr);
+    EXPECT_NE(machine.controllers.controller(0)->captured(), nullptr);
 }
 
 TEST(CreateConfigurations, NoControllerAtAll) {
@@ -164,8 +164,8 @@ TEST(CreateConfigurations, TwoControllersOfOneModelAreToldApart) {
               std::string::npos);
     EXPECT_NE(output.find("\tKestrix-C1, controller 2 using policy:  Policy.second\n"),
               std::string::npos);
-    EXPECT_EQ(machine.controllers.controller(0)->configuration()->policyName, "Policy.any");
-    EXPECT_EQ(machine.controllers.controller(1)->configuration()->policyName, "Policy.second");
+    EXPECT_EQ(machine.controllers.controller(0)->captured()->policyName, "Policy.any");
+    EXPECT_EQ(machine.controllers.controller(1)->captured()->policyName, "Policy.second");
 }
 
 TEST(CreateConfigurations, EveryValueIsHandedToTheMatch) {
@@ -199,8 +199,8 @@ TEST(CreateConfigurations, EveryValueIsHandedToTheMatch) {
         controller.setScanOrder(7);
         ASSERT_TRUE(machine.interpret(
             listOf({policyFor("Policy.miss", row.miss), policyFor("Policy.hit", row.hit)})));
-        ASSERT_NE(controller.configuration(), nullptr) << row.title;
-        EXPECT_EQ(controller.configuration()->policyName, "Policy.hit") << row.title;
+        ASSERT_NE(controller.captured(), nullptr) << row.title;
+        EXPECT_EQ(controller.captured()->policyName, "Policy.hit") << row.title;
     }
 }
 
@@ -211,8 +211,8 @@ TEST(CreateConfigurations, ASkippedControllerDoesNotEndTheRun) {
     ASSERT_TRUE(machine.interpret(listOf({policyFor("Policy.a", everything())})));
     EXPECT_EQ(machine.takeOutput(),
               "\tSkipped LSI-SAS-RAID controller -- Not enough drives available.\n");
-    EXPECT_EQ(machine.controllers.controller(0)->configuration(), nullptr);
-    EXPECT_NE(machine.controllers.controller(1)->configuration(), nullptr);
+    EXPECT_EQ(machine.controllers.controller(0)->captured(), nullptr);
+    EXPECT_NE(machine.controllers.controller(1)->captured(), nullptr);
 
     Machine quiet;
     quiet.add(10, -1, equalDrives(1));
@@ -242,7 +242,7 @@ TEST(CreateConfigurations, NoMatchIsReportedAsTheSettingsSay) {
                                       row.verbosity));
         EXPECT_EQ(machine.takeOutput(), row.output);
         EXPECT_EQ(machine.result.noPolicyFound, row.e1);
-        EXPECT_EQ(machine.controllers.controller(0)->configuration(), nullptr);
+        EXPECT_EQ(machine.controllers.controller(0)->captured(), nullptr);
         EXPECT_EQ(describeUsed(*machine.controllers.controller(0)), "");
     }
 }
@@ -256,7 +256,7 @@ TEST(CreateConfigurations, AnUnmatchedControllerDoesNotEndTheRun) {
     ASSERT_TRUE(machine.interpret(listOf({policyFor("Policy.a", ofType("Kestrix-C1"))})));
     EXPECT_EQ(machine.takeOutput(), "\tNo policy match found for Kestrix-B1, controller 1.\n"
                                     "\tNo policy match found for Kestrix-B2, controller 3.\n");
-    EXPECT_NE(machine.controllers.controller(1)->configuration(), nullptr);
+    EXPECT_NE(machine.controllers.controller(1)->captured(), nullptr);
 }
 
 TEST(CreateConfigurations, ControllersWithoutDrivesSetTheFlag) {
@@ -319,7 +319,7 @@ TEST(CreateConfigurations, APlanningFaultEndsTheRun) {
                                  "Exiting PolicyInterpreter::createConfigurations(3)\n"))
         << output;
     EXPECT_EQ(machine.returnCode(), 12);
-    EXPECT_EQ(after.configuration(), nullptr);
+    EXPECT_EQ(after.captured(), nullptr);
     EXPECT_EQ(describeUsed(after), "");
 }
 
@@ -363,7 +363,7 @@ TEST(CreateConfigurations, APlannedControllerIsDumpedInVerboseMode) {
 
     Printer& printer = machine.application.printer();
     printer.setVerbosity(level::always);
-    printer.printAlways(show::dumpText(*controller.configuration()));
+    printer.printAlways(show::dumpText(*controller.captured()));
     const std::string dump = machine.takeOutput();
     const auto replan = [](std::int32_t verbosity) {
         Machine other;

@@ -76,7 +76,7 @@ TEST(ControllerSettings, CodesOfThePolicyAndDefaultsOfTheClass) {
         policy.init = row.init;
         const std::ptrdiff_t at = &row - rows.data();
         ASSERT_TRUE(plan(bench, *controller, policy)) << at;
-        const RAIDConfiguration& made = *controller->configuration();
+        const RAIDConfiguration& made = *controller->captured();
         EXPECT_EQ((std::vector<std::int32_t>{made.stripeSize, made.readAhead, made.rebuildRate,
                                              made.init}),
                   row.codes)
@@ -147,7 +147,7 @@ TEST(CreateConfig, EveryExitHasItsNumber) {
                      "Exiting RAIDConfigCreator::createConfig(3)\n"));
     // (4): logical drives.
     policy = makePolicy();
-    policy.logicalDefaults = LogicalSpecification{-1, sizeFill, raid_level::raid60, 2};
+    policy.logicalDefaults = LogicalSpecification{-1, {}, raid_level::raid60, 2};
     const auto four = makeController(12, 2, equalDrives(2));
     EXPECT_TRUE(logs(bench, *four, policy, "Exiting RAIDConfigCreator::createConfig(4)\n"));
     // (5): stripe size.
@@ -164,30 +164,30 @@ TEST(CreateConfig, AControllerThatCannotBeConfiguredKeepsNoConfiguration) {
     for (const std::int32_t type : {3, 4, 5, 8, 10}) {
         Bench bench;
         const auto controller = makeController(type, -1, equalDrives(1));
-        controller->setConfiguration(std::make_unique<RAIDConfiguration>());
+        controller->setCaptured(RAIDConfiguration());
         EXPECT_TRUE(plan(bench, *controller, makePolicy())) << type;
-        EXPECT_EQ(controller->configuration(), nullptr) << type;
+        EXPECT_EQ(controller->captured(), nullptr) << type;
         EXPECT_EQ(describeUsed(*controller), "") << type;
     }
     for (const std::int32_t type : {1, 2, 6, 7, 9, 11, 12}) {
         Bench bench;
         const auto controller = makeController(type, 1, equalDrives(1));
         EXPECT_TRUE(plan(bench, *controller, makePolicy())) << type;
-        EXPECT_NE(controller->configuration(), nullptr) << type;
+        EXPECT_NE(controller->captured(), nullptr) << type;
         const auto none = makeController(type, 1);
         EXPECT_TRUE(plan(bench, *none, makePolicy())) << type;
-        EXPECT_EQ(none->configuration(), nullptr) << type;
+        EXPECT_EQ(none->captured(), nullptr) << type;
     }
 }
 
 TEST(CreateConfig, AFailedPlanRemovesAnEarlierConfiguration) {
     Bench bench;
     const auto controller = makeController(12, 2, equalDrives(2));
-    controller->setConfiguration(std::make_unique<RAIDConfiguration>());
+    controller->setCaptured(RAIDConfiguration());
     Policy policy = makePolicy();
     policy.stripeSize = stripe::kb4096;
     EXPECT_FALSE(plan(bench, *controller, policy));
-    EXPECT_EQ(controller->configuration(), nullptr);
+    EXPECT_EQ(controller->captured(), nullptr);
 }
 
 TEST(CreateConfig, OnePolicyPlansSeveralControllers) {
@@ -207,7 +207,7 @@ TEST(CreateConfig, TheBuiltInPolicyLeavesEverythingToTheClass) {
     const PolicyList list = makeDefaultPolicyList();
     ASSERT_TRUE(plan(bench, *controller, list.policies().front()));
     EXPECT_EQ(describe(*controller), "H 1:4; A 1:0 1:1 1:2 1:3 =400; L A 5 FILL 1; ");
-    EXPECT_EQ(controller->configuration()->policyName, "Policy.default");
+    EXPECT_EQ(controller->captured()->policyName, "Policy.default");
 }
 
 TEST(CreateConfig, TheWholeTraceOfAPlan) {

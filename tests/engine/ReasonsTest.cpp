@@ -37,8 +37,10 @@ std::string valuesOf(const ControllerPlan& plan, Reason::Subject subject) {
     std::string text;
     for (const Reason& reason : plan.reasons) {
         if (reason.subject == subject) {
+            const bool isSize = subject == Reason::Subject::size;
             text += std::to_string(reason.index) + " " + wordOf(reason.kind) + " " +
-                    reason.keyword.c_str() + "/" + std::to_string(reason.asked) + "/" +
+                    reason.keyword.c_str() + "/" +
+                    (isSize ? sizeText(reason.askedSize) : std::to_string(reason.asked)) + "/" +
                     std::to_string(reason.value) + "\n";
         }
     }
@@ -111,15 +113,16 @@ TEST(ValueReasons, OfAutomaticLogicalDrives) {
     Policy policy = makePolicy();
     const ControllerPlan byClass = planOf(policy, equalDrives(3, 1000));
     EXPECT_EQ(valuesOf(byClass, Reason::Subject::raidLevel), "0 class default /0/3\n");
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::size), "0 class default /0/-101\n");
+    EXPECT_EQ(valuesOf(byClass, Reason::Subject::size), "0 class default /FILL/-101\n");
     EXPECT_EQ(valuesOf(byClass, Reason::Subject::writeCache), "0 class default /0/1\n");
 
-    policy.logicalDefaults = LogicalSpecification{-1, -50, raid_level::raid0, write_cache::off};
+    policy.logicalDefaults =
+        LogicalSpecification{-1, driveSize(-50), raid_level::raid0, write_cache::off};
     const ControllerPlan byPolicy = planOf(policy, equalDrives(3, 1000));
     EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::raidLevel),
               "0 policy default Logical_Defaults/0/0\n");
     EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::size),
-              "0 policy default Logical_Defaults/-50/1500\n");
+              "0 policy default Logical_Defaults/50%/1500\n");
     EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::writeCache),
               "0 policy default Logical_Defaults/0/0\n");
 }
@@ -128,8 +131,8 @@ TEST(ValueReasons, OfLogicalDrivesOnTheList) {
     Policy policy = policyWithArrays({arrayOfNumbers({1, 2, 3})});
     policy.customLogicalDrives = true;
     // The second takes all but 100 MB of what the first leaves: it becomes FILL.
-    policy.logicalDrives = {{0, 500, raid_level::raid0, write_cache::on},
-                            {0, 2400, raid_level::raid0, write_cache::notGiven}};
+    policy.logicalDrives = {{0, driveSize(500), raid_level::raid0, write_cache::on},
+                            {0, driveSize(2400), raid_level::raid0, write_cache::notGiven}};
     const ControllerPlan plan = planOf(policy, equalDrives(3, 1000));
     EXPECT_EQ(valuesOf(plan, Reason::Subject::raidLevel),
               "0 given Logical.1/0/0\n1 given Logical.2/0/0\n");
@@ -137,7 +140,7 @@ TEST(ValueReasons, OfLogicalDrivesOnTheList) {
               "0 given Logical.1/500/500\n1 given Logical.2/2400/-101\n");
     EXPECT_EQ(valuesOf(plan, Reason::Subject::writeCache), "0 given Logical.1/1/1\n1 left /0/2\n");
 
-    policy.logicalDrives = {{0, sizeFill, raid_level::notGiven, write_cache::notGiven}};
+    policy.logicalDrives = {{0, {}, raid_level::notGiven, write_cache::notGiven}};
     EXPECT_EQ(valuesOf(planOf(policy, equalDrives(3, 1000)), Reason::Subject::raidLevel),
               "0 class default /0/3\n");
 }

@@ -112,7 +112,7 @@ TEST(Inventory, ReadsControllersAndTheirDrives) {
     EXPECT_FALSE(run[0].isUsed(1, 0));
     EXPECT_EQ(run[0].size(4, 35), 139236);
     EXPECT_FALSE(run[0].driveType(4, 35).has_value());
-    EXPECT_EQ(run[0].configuration(), nullptr);
+    EXPECT_EQ(run[0].captured(), nullptr);
     EXPECT_TRUE(run[0].pciLocation().isEmpty());
     EXPECT_EQ(run[1].type(), 10);
     EXPECT_EQ(run[1].subtype(), -1);
@@ -306,7 +306,7 @@ TEST(Inventory, ArrayMembersNeverChangeTheResult) {
         EXPECT_TRUE(run.result) << arrays;
         EXPECT_EQ(run.output, entering + processing(12, 3) + scanOrders + exitingTrue) << arrays;
         ASSERT_EQ(run.list.count(), 1U);
-        EXPECT_EQ(run[0].configuration(), nullptr);
+        EXPECT_EQ(run[0].captured(), nullptr);
         EXPECT_EQ(run[0].numberOfDrives(), 1);
         EXPECT_FALSE(run[0].isUsed(1, 0));
     }

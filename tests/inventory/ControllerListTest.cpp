@@ -393,7 +393,7 @@ TEST(ControllerList, OnlyTheFirstThirtySixControllersOfADefinitionAreUsed) {
 TEST(ControllerList, DumpsEveryControllerBehindItsHeader) {
     Machine machine(-1);
     machine.list.add()->addDrive(1, 0, 500, "SAS");
-    machine.list.add()->setConfiguration(std::make_unique<RAIDConfiguration>());
+    machine.list.add()->setCaptured(RAIDConfiguration());
     for (const bool withConfiguration : {false, true}) {
         std::string expected;
         for (std::size_t i = 0; i < 2; ++i) {

@@ -29,7 +29,7 @@ std::string dumpOf(const RAIDController& controller, bool withConfiguration) {
 
 TEST(RAIDController, AFreshControllerHoldsItsInitialValues) {
     const RAIDController controller;
-    EXPECT_EQ(controller.configuration(), nullptr);
+    EXPECT_EQ(controller.captured(), nullptr);
     EXPECT_EQ(controller.type(), -1);
     EXPECT_EQ(controller.subtype(), -1);
     EXPECT_EQ(controller.scanOrder(), 0);
@@ -211,15 +211,15 @@ TEST(RAIDController, AMemberOfTheLayoutIsUsedAndCanBeTaken) {
     EXPECT_FALSE(controller.usable({1, 36}));
 }
 
-TEST(RAIDController, OwnsItsConfiguration) {
+TEST(RAIDController, KeepsTheCapturedLayout) {
     RAIDController controller;
-    auto configuration = std::make_unique<RAIDConfiguration>();
-    configuration->policyName = "Policy.kept";
-    EXPECT_TRUE(controller.setConfiguration(std::move(configuration)));
-    ASSERT_NE(controller.configuration(), nullptr);
-    EXPECT_EQ(controller.configuration()->policyName, "Policy.kept");
-    EXPECT_TRUE(controller.setConfiguration(nullptr));
-    EXPECT_EQ(controller.configuration(), nullptr);
+    RAIDConfiguration configuration;
+    configuration.policyName = "Policy.kept";
+    EXPECT_TRUE(controller.setCaptured(std::move(configuration)));
+    ASSERT_NE(controller.captured(), nullptr);
+    EXPECT_EQ(controller.captured()->policyName, "Policy.kept");
+    EXPECT_TRUE(controller.setCaptured(std::nullopt));
+    EXPECT_EQ(controller.captured(), nullptr);
 }
 
 TEST(RAIDController, ForgetsWhatACaptureHasRead) {
@@ -232,7 +232,7 @@ TEST(RAIDController, ForgetsWhatACaptureHasRead) {
     RaidDisk disk;
     disk.id = 0;
     controller.setDriveRecord(1, 0, disk);
-    controller.setConfiguration(std::make_unique<RAIDConfiguration>());
+    controller.setCaptured(RAIDConfiguration());
     controller.clearChannelReassignment();
     controller.forgetReadings();
     EXPECT_EQ(controller.numberOfDrives(), 0);
@@ -240,7 +240,7 @@ TEST(RAIDController, ForgetsWhatACaptureHasRead) {
     EXPECT_FALSE(controller.isUsed(1, 0));
     EXPECT_FALSE(controller.driveType(1, 0).has_value());
     EXPECT_EQ(controller.driveRecord(1, 0).id, -1);
-    EXPECT_EQ(controller.configuration(), nullptr);
+    EXPECT_EQ(controller.captured(), nullptr);
     EXPECT_TRUE(controller.channelReassignment());
     EXPECT_EQ(controller.type(), 12);
     EXPECT_EQ(controller.busNumber(), 3);
@@ -356,7 +356,7 @@ TEST(RAIDController, DumpsDrivesConfigurationAndRecords) {
                                 "  Derived State:     GOOD\n\n" +
                                 emptyRecord + emptyRecord;
     EXPECT_EQ(dumpOf(controller, true), head + records);
-    controller.setConfiguration(std::make_unique<RAIDConfiguration>());
+    controller.setCaptured(RAIDConfiguration());
     const std::string configuration = "#### START Configuration dump ####\n"
                                       "RebuildRate   = 0\n"
                                       "StripeSize    = 10\n"

@@ -69,6 +69,7 @@ TEST(LocalTimeTest, IsThatOfTheTimeZone) {
         for (std::time_t moment = before; moment <= after; ++moment) {
             found = found || shown == clockText(moment, row.ahead);
         }
+        EXPECT_EQ(currentLocalTime().offsetMinutes, row.ahead / 60) << row.zone;
         EXPECT_TRUE(found) << row.zone << ": " << shown << "is not " << clockText(after, row.ahead);
     }
 }

@@ -20,7 +20,7 @@ GeneratedPolicies generate(Generation& run, const PolicyFile& file = {}) {
 TEST(GeneratedPoliciesTest, TheTextIsWhatACaptureAppends) {
     Generation run;
     fillMegaRaid(run.add(12, 2));
-    run.add(12, 2).setConfiguration(nullptr);
+    run.add(12, 2).setCaptured(std::nullopt);
     fillMegaRaid(run.add(12, 2));
     const GeneratedPolicies policies = generate(run);
     EXPECT_EQ(policies.count, 2U);

@@ -16,7 +16,7 @@ inline std::unique_ptr<RAIDController> makeController(std::int32_t type, std::in
     controller->setType(type);
     controller->setSubtype(subtype);
     controller->setScanOrder(3);
-    controller->setConfiguration(std::make_unique<RAIDConfiguration>());
+    controller->setCaptured(RAIDConfiguration());
     return controller;
 }
 
@@ -53,7 +53,7 @@ inline void fillMegaRaid(RAIDController& controller) {
     }
     controller.setSizeAndTarget(2, 3, 69472, 8);
     controller.setSizeAndTarget(2, 7, 69472, 8);
-    RAIDConfiguration& configuration = *controller.configuration();
+    RAIDConfiguration& configuration = *controller.captured();
     configuration.stripeSize = stripe::kb64;
     configuration.readAhead = read_ahead::on;
     configuration.addArray(makeArray({{1, 0}, {1, 1}, {1, 3}}));

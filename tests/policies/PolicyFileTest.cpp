@@ -245,7 +245,7 @@ TEST(PolicyFileTest, SizesAreMegabytesPercentOrTheRest) {
     ASSERT_TRUE(file.policies.has_value());
     std::vector<DriveSize> sizes;
     for (const LogicalSpecification& drive : file.policies->policies().at(0).logicalDrives) {
-        sizes.push_back(drive.size());
+        sizes.push_back(drive.size);
     }
     EXPECT_EQ(sizes, (std::vector<DriveSize>{{DriveSize::Kind::mb, 4096},
                                              {DriveSize::Kind::percent, 25},

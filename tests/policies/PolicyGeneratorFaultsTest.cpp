@@ -58,7 +58,7 @@ TEST(PolicyGeneratorFaultsTest, TheTempFileIsKeptForDebugging) {
 TEST(PolicyGeneratorFaultsTest, AnEmptyTempFileIsNotKept) {
     Generation run;
     run.application.settings.debug = true;
-    run.add(12, 2).setConfiguration(nullptr);
+    run.add(12, 2).setCaptured(std::nullopt);
     ASSERT_TRUE(run.run());
     EXPECT_FALSE(run.platform.fileFake.exists(temporaryFile));
 }
@@ -72,7 +72,7 @@ TEST(PolicyGeneratorFaultsTest, ATempFileThatCannotBeFlushedIsKeptForDebuggingEm
             if (configured) {
                 fillMegaRaid(run.add(12, 2));
             } else {
-                run.add(12, 2).setConfiguration(nullptr);
+                run.add(12, 2).setCaptured(std::nullopt);
             }
             EXPECT_FALSE(run.run());
             EXPECT_TRUE(run.output().ends_with(noTempSpace));
@@ -223,7 +223,7 @@ struct FaultyGeneration {
         application.printer().setVerbosity(level::always);
         RAIDController& controller = *controllers.add(*makeController(12, 2));
         controller.setSizeAndTarget(1, 0, 1000, 8);
-        controller.configuration()->addArray(makeArray({{1, 0}}));
+        controller.captured()->addArray(makeArray({{1, 0}}));
         done = makeGenerator(application).generatePolicies(controllers);
     }
 
@@ -304,7 +304,7 @@ TEST(PolicyGeneratorFaultsTest, AFileThatWasMadeToBeLockedGoesWithTheFailure) {
     EXPECT_FALSE(run.run());
     EXPECT_FALSE(run.platform.fileFake.exists("p.ini"));
     Generation empty;
-    empty.add(12, 2).setConfiguration(nullptr);
+    empty.add(12, 2).setCaptured(std::nullopt);
     EXPECT_TRUE(empty.run());
     EXPECT_FALSE(empty.platform.fileFake.exists("p.ini"));
 }

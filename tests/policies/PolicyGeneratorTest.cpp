@@ -66,8 +66,8 @@ TEST(PolicyGeneratorTest, TheProgressIsToldInDetail) {
 
 TEST(PolicyGeneratorTest, NothingConfiguredLeavesThePoliciesFileAlone) {
     Generation run;
-    run.add(12, 2).setConfiguration(nullptr);
-    run.add(10, 0).setConfiguration(nullptr);
+    run.add(12, 2).setCaptured(std::nullopt);
+    run.add(10, 0).setCaptured(std::nullopt);
     EXPECT_TRUE(run.run());
     EXPECT_FALSE(run.wrote);
     EXPECT_EQ(run.output(), std::string(checkingLine) + noPoliciesLine + generatingLine +
@@ -79,7 +79,7 @@ TEST(PolicyGeneratorTest, NothingConfiguredLeavesThePoliciesFileAlone) {
 
 TEST(PolicyGeneratorTest, ControllersAreNumberedInListOrder) {
     Generation run;
-    run.add(12, 2).setConfiguration(nullptr);
+    run.add(12, 2).setCaptured(std::nullopt);
     fillMegaRaid(run.add(12, 2));
     ASSERT_TRUE(run.run());
     EXPECT_EQ(run.file(),
@@ -126,7 +126,7 @@ TEST(PolicyGeneratorTest, BlanksInTheTypeNameBecomeUnderscoresInTheNameAlone) {
     Generation run;
     RAIDController& controller = run.add(1, 99);
     controller.setSize(1, 0, 1000);
-    controller.configuration()->addArray(makeArray({{1, 0}}));
+    controller.captured()->addArray(makeArray({{1, 0}}));
     ASSERT_TRUE(run.run());
     EXPECT_NE(run.file().find("[Policy.AUTO-Kestrix_controller-1]\n\n"
                               "AppliesTo.1 = t:Kestrix controller,d:1\n"),
@@ -195,7 +195,7 @@ TEST(PolicyGeneratorTest, NoLogicalDriveAndNoHotSpare) {
     Generation run;
     RAIDController& controller = run.add(12, 2);
     controller.setSize(1, 5, 1000);
-    controller.configuration()->addArray(makeArray({{1, 5}}));
+    controller.captured()->addArray(makeArray({{1, 5}}));
     ASSERT_TRUE(run.run());
     EXPECT_EQ(run.file(), header("1", "Kestrix-C1") + "[Policy.AUTO-Kestrix-C1-1]\n\n"
                                                       "AppliesTo.1 = t:Kestrix-C1,d:1\n\n"

@@ -1,4 +1,5 @@
 #include "policies/GeneratorTestSupport.h"
+#include "support/DriveSizes.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +20,7 @@ class RandomController {
 
     void fill(RAIDController& controller) {
         std::vector<DrivePosition> drives = addDrives(controller);
-        RAIDConfiguration& configuration = *controller.configuration();
+        RAIDConfiguration& configuration = *controller.captured();
         configuration.stripeSize = between(stripe::kb16, stripe::none);
         configuration.readAhead = between(0, 2);
         configuration.rebuildRate = between(0, 2);
@@ -101,7 +102,7 @@ bool holdsType(std::initializer_list<std::int32_t> types, std::int32_t type) {
 }
 
 void expectLogicalDrives(const RAIDController& controller, const Policy& policy) {
-    const auto& captured = controller.configuration()->logicalDrives();
+    const auto& captured = controller.captured()->logicalDrives();
     const std::int32_t type = controller.type();
     const bool withSize = holdsType({1, 2, 7, 10, 11, 12}, type);
     const bool withCache = !holdsType({3, 4, 5, 9, 10}, type);
@@ -110,7 +111,7 @@ void expectLogicalDrives(const RAIDController& controller, const Policy& policy)
         const LogicalSpecification& drive = policy.logicalDrives[i];
         EXPECT_EQ(drive.arrayIndex, captured[i].arrayIndex);
         EXPECT_EQ(drive.raidLevel, captured[i].raidLevel);
-        EXPECT_EQ(drive.sizeMb, withSize ? captured[i].sizeMb : sizeFill);
+        EXPECT_EQ(drive.size, driveSize(withSize ? captured[i].sizeMb : sizeFill));
         EXPECT_EQ(drive.writeCache, withCache ? captured[i].writeCache : write_cache::notGiven);
     }
 }
@@ -120,7 +121,7 @@ std::optional<std::int32_t> codeIf(bool written, std::int32_t code) {
 }
 
 void expectSettings(const RAIDController& controller, const Policy& policy) {
-    const RAIDConfiguration& configuration = *controller.configuration();
+    const RAIDConfiguration& configuration = *controller.captured();
     const std::int32_t type = controller.type();
     const bool stripe = !holdsType({5, 10}, type) && configuration.stripeSize != stripe::none;
     EXPECT_EQ(policy.stripeSize, codeIf(stripe, configuration.stripeSize));
@@ -150,7 +151,7 @@ TEST(PolicyRoundTripTest, WhatIsGeneratedReadsBackAsWhatWasCaptured) {
         for (std::size_t i = 0; i < controllers; ++i) {
             const RAIDController& controller = *run.controllers.controller(i);
             const Policy& policy = reading.policy(i);
-            const auto& arrays = controller.configuration()->arrays();
+            const auto& arrays = controller.captured()->arrays();
             ASSERT_EQ(policy.arrays.size(), arrays.size());
             for (std::size_t a = 0; a < arrays.size(); ++a) {
                 EXPECT_EQ(positionsOf(controller, policy.arrays[a]), arrays[a].drives());
@@ -193,8 +194,8 @@ TEST(PolicyRoundTripTest, AValueWithoutAWordIsRefusedInDeploy) {
     Generation run;
     RAIDController& controller = run.add(12, 2);
     controller.setSizeAndTarget(1, 0, 1000, 8);
-    controller.configuration()->addArray(makeArray({{1, 0}}));
-    controller.configuration()->stripeSize = 42;
+    controller.captured()->addArray(makeArray({{1, 0}}));
+    controller.captured()->stripeSize = 42;
     ASSERT_TRUE(run.run());
     PolicyReading reading;
     EXPECT_FALSE(reading.read(run.file()));
@@ -207,8 +208,8 @@ TEST(PolicyRoundTripTest, TheSmallestStripeSizeIsWrittenButRefusedInDeploy) {
     Generation run;
     RAIDController& controller = run.add(12, 2);
     controller.setSizeAndTarget(1, 0, 1000, 8);
-    controller.configuration()->addArray(makeArray({{1, 0}}));
-    controller.configuration()->stripeSize = stripe::kb8;
+    controller.captured()->addArray(makeArray({{1, 0}}));
+    controller.captured()->stripeSize = stripe::kb8;
     ASSERT_TRUE(run.run());
     PolicyReading reading;
     EXPECT_FALSE(reading.read(run.file()));

@@ -16,7 +16,7 @@ std::string settingsOf(std::int32_t type, std::int32_t stripeSize, std::int32_t 
                        std::int32_t readAhead = 2) {
     Generation run;
     run.application.settings.captureParameters = "ALL";
-    RAIDConfiguration& configuration = *run.add(type, -1).configuration();
+    RAIDConfiguration& configuration = *run.add(type, -1).captured();
     configuration.stripeSize = stripeSize;
     configuration.rebuildRate = rebuildRate;
     configuration.readAhead = readAhead;
@@ -74,7 +74,7 @@ TEST(PolicyTextTest, CapturedCodesAreWrittenAsWords) {
 /// The text from "Logical_Mode" on, for one logical drive on a controller of `type`.
 std::string logicalTextOf(std::int32_t type, const LogicalDrive& drive) {
     Generation run;
-    run.add(type, -1).configuration()->addLogicalDrive(drive);
+    run.add(type, -1).captured()->addLogicalDrive(drive);
     EXPECT_TRUE(run.run());
     const std::string text = run.file();
     const std::string start = "Logical_Mode = CUSTOM\n";
@@ -140,15 +140,15 @@ TEST(PolicyTextTest, AFullRecordIsWrittenWhole) {
     std::string arrays;
     for (std::int32_t i = 0; i < 16; ++i) {
         controller.setSize(1, i, 1000);
-        controller.configuration()->addArray(makeArray({{1, i}}));
+        controller.captured()->addArray(makeArray({{1, i}}));
         arrays += std::string("Array.") + "ABCDEFGHIJKLMNOP"[i] + " = " + std::to_string(i + 1);
         arrays += "\n";
     }
     std::string hotspares;
     std::string logicalDrives;
     for (std::int32_t i = 0; i < 8; ++i) {
-        controller.configuration()->addHotspare(makeHotspare(1, i));
-        controller.configuration()->addLogicalDrive(makeLogicalDrive(i, 100 + i, 0, 1));
+        controller.captured()->addHotspare(makeHotspare(1, i));
+        controller.captured()->addLogicalDrive(makeLogicalDrive(i, 100 + i, 0, 1));
         hotspares += (i == 0 ? "" : ",") + std::to_string(i + 1);
         logicalDrives += "Logical." + std::to_string(i + 1) + " = " + "ABCDEFGH"[i] + ":" +
                          std::to_string(100 + i) + ":0\n";
@@ -178,9 +178,9 @@ TEST(PolicyTextTest, DrivesAreNumberedByChannelAndId) {
     controller.setSize(2, 9, 1000);
     controller.setSize(2, 0, 1000);
     controller.setSize(1, 35, 1000);
-    controller.configuration()->addArray(makeArray({{4, 35}, {2, 9}}));
-    controller.configuration()->addArray(makeArray({{1, 35}}));
-    controller.configuration()->addHotspare(makeHotspare(2, 0));
+    controller.captured()->addArray(makeArray({{4, 35}, {2, 9}}));
+    controller.captured()->addArray(makeArray({{1, 35}}));
+    controller.captured()->addHotspare(makeHotspare(2, 0));
     EXPECT_EQ(drivesOf(run), "Array.A = 4,3\nArray.B = 1\n\nHotspares = 2\n\n");
 }
 
@@ -191,7 +191,7 @@ TEST(PolicyTextTest, AListWithAMissingDriveIsWrittenAsPositions) {
     controller.setSize(1, 1, 1000);
     controller.setSize(0, 7, 1000);
     controller.setSize(1, 8, 0);
-    RAIDConfiguration& configuration = *controller.configuration();
+    RAIDConfiguration& configuration = *controller.captured();
     configuration.addArray(makeArray({{1, 1}, {1, 5}}));
     configuration.addArray(makeArray({{1, 1}}));
     configuration.addArray(makeArray({{0, 7}}));
@@ -213,8 +213,8 @@ TEST(PolicyTextTest, HotSparesOfType12AreFoundByTheirEnclosure) {
     controller.setSizeAndTarget(1, 4, 1000, 2); // enclosure 2 is channel 1
     controller.setSizeAndTarget(2, 4, 1000, 1); // enclosure 1 is channel 2
     controller.setSizeAndTarget(2, 5, 1000, 1);
-    controller.configuration()->addHotspare(makeHotspare(1, 4));
-    controller.configuration()->addHotspare(makeHotspare(2, 4));
+    controller.captured()->addHotspare(makeHotspare(1, 4));
+    controller.captured()->addHotspare(makeHotspare(2, 4));
     EXPECT_EQ(drivesOf(run), "\nHotspares = 2,1\n\n");
 }
 
@@ -223,8 +223,8 @@ TEST(PolicyTextTest, AnUnknownHotSpareOfType12MakesTheWholeListPositions) {
     RAIDController& controller = run.add(12, 2);
     controller.setSizeAndTarget(1, 4, 1000, 8);
     controller.setSizeAndTarget(3, 5, 1000, 9);
-    controller.configuration()->addHotspare(makeHotspare(8, 4));
-    controller.configuration()->addHotspare(makeHotspare(3, 5)); // no enclosure 3
+    controller.captured()->addHotspare(makeHotspare(8, 4));
+    controller.captured()->addHotspare(makeHotspare(3, 5)); // no enclosure 3
     EXPECT_EQ(drivesOf(run), "\nHotspares = 1:4,3:5\n\n");
 }
 
@@ -233,7 +233,7 @@ TEST(PolicyTextTest, HotSparesOfOtherTypesHaveTheirChannel) {
     RAIDController& controller = run.add(7, 1);
     controller.setSizeAndTarget(1, 4, 1000, 2);
     controller.setSizeAndTarget(2, 4, 1000, 1);
-    controller.configuration()->addHotspare(makeHotspare(1, 4));
+    controller.captured()->addHotspare(makeHotspare(1, 4));
     EXPECT_EQ(drivesOf(run), "\nHotspares = 1\n\n");
 }
 

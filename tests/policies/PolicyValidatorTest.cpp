@@ -1,6 +1,7 @@
 #include "policies/PolicyValidator.h"
 
 #include "policies/PolicyTestSupport.h"
+#include "support/DriveSizes.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ std::string dump(const RaidArray& array) {
 }
 
 std::string dump(const LogicalSpecification& drive) {
-    return "<" + std::to_string(drive.arrayIndex) + " " + std::to_string(drive.sizeMb) + " " +
+    return "<" + std::to_string(drive.arrayIndex) + " " + test::sizeText(drive.size) + " " +
            std::to_string(drive.raidLevel) + " " + std::to_string(drive.writeCache) + ">";
 }
 
@@ -116,23 +117,23 @@ const Row accepts[] = {
     {"Hotspares = 4", "spares=<4 >"},
     {"Hotspares = 1:4 , 0:5", "spares=<1:4 0:5 >"},
     {"Hotspares = " + list(16, "9"), "spares=<" + repeat(16, "9 ") + ">"},
-    {"Logical_Defaults = 100%:5", "ldef=<-1 -100 3 2>"},
-    {"Logical_Defaults = 1%:1E:OFF", "ldef=<-1 -1 2 0>"},
-    {"Logical_Defaults = fill:simple volume:on", "ldef=<-1 -101 13 1>"},
+    {"Logical_Defaults = 100%:5", "ldef=<-1 100% 3 2>"},
+    {"Logical_Defaults = 1%:1E:OFF", "ldef=<-1 1% 2 0>"},
+    {"Logical_Defaults = fill:simple volume:on", "ldef=<-1 FILL 13 1>"},
     {"Logical_Defaults = 4096:0:AUTO", "ldef=<-1 4096 0 2>"},
-    {"Logical_Defaults = 050%:auto:auto", "ldef=<-1 -50 12 2>"},
-    {"Array.A=1\nLogical.1 = A:FILL:0", "A=<1 > L=<0 -101 0 2>"},
+    {"Logical_Defaults = 050%:auto:auto", "ldef=<-1 50% 12 2>"},
+    {"Array.A=1\nLogical.1 = A:FILL:0", "A=<1 > L=<0 FILL 0 2>"},
     {"Array.A=1\nLogical_Mode=CUSTOM\nLogical.1 = a:2147483647:1:ON",
      "logical=CUSTOM A=<1 > L=<0 2147483647 1 1>"},
     {"Array.A=1\nArray.B=ALL\nLogical.1=B:20%:5:OFF\nLogical.2=A:30%:5\nLogical.3=B:FILL:6",
-     "A=<1 > A=<ALL> L=<1 -20 3 0> L=<0 -30 3 2> L=<1 -101 6 2>"},
+     "A=<1 > A=<ALL> L=<1 20% 3 0> L=<0 30% 3 2> L=<1 FILL 6 2>"},
     {"Array.A=1\nLogical.1=A:FILL:10\nLogical.2=A:FILL:50\nLogical.3=A:FILL:60\n"
      "Logical.4=A:FILL:VOLUME\nLogical.5=A:1:AUTO\nLogical.6=A:1:6\nLogical.7=A:1:5\n"
      "Logical.8=A:1:1e\nLogical.9=A:1:0",
-     "A=<1 > L=<0 -101 7 2> L=<0 -101 8 2> L=<0 -101 9 2> L=<0 -101 10 2> L=<0 1 12 2> "
+     "A=<1 > L=<0 FILL 7 2> L=<0 FILL 8 2> L=<0 FILL 9 2> L=<0 FILL 10 2> L=<0 1 12 2> "
      "L=<0 1 6 2> L=<0 1 3 2> L=<0 1 2 2> L=<0 1 0 2>"},
     {"Array.A=1\nArray.B=2\nLogical.1=A:FILL:5E\nLogical.2=B:FILL:5EE",
-     "A=<1 > A=<2 > L=<0 -101 4 2> L=<1 -101 5 2>"},
+     "A=<1 > A=<2 > L=<0 FILL 4 2> L=<1 FILL 5 2>"},
     // The text that stands for an absent keyword.
     {"RebuildRate = ^~", ""},
 };

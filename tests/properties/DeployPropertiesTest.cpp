@@ -93,7 +93,7 @@ class Comparison {
     void check(unsigned result) {
         bool stopped = false;
         for (std::size_t i = 0; i < machine_.controllers.count() && !stopped; ++i) {
-            if (machine_.controllers.controller(i)->configuration() != nullptr) {
+            if (machine_.controllers.controller(i)->captured() != nullptr) {
                 stopped = !carryOut(i);
             }
         }

@@ -77,7 +77,7 @@ class Forecast {
     [[nodiscard]] double roomOn(std::size_t array, std::int32_t level) const;
     [[nodiscard]] std::int64_t restFor(std::size_t array, const LogicalDrive& drive) const;
 
-    [[nodiscard]] const RAIDConfiguration& plan() const { return *planned_.configuration(); }
+    [[nodiscard]] const RAIDConfiguration& plan() const { return *planned_.captured(); }
     [[nodiscard]] bool isUtility(std::string_view name) const { return name == family_.utility; }
     [[nodiscard]] Place placeOf(std::int32_t channel, std::int32_t id) const;
     [[nodiscard]] Places membersOf(std::size_t array, const LogicalDrive& drive) const;

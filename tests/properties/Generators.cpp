@@ -351,8 +351,7 @@ std::vector<Policy> parsePolicies(const std::string& text) {
 bool Planner::plan(RAIDController& controller, const Policy& policy) {
     SilentReport report;
     const ControllerPlan made = planByPolicy(controller, 1, policy, PlanOptions(), report);
-    controller.setConfiguration(made.layout ? std::make_unique<RAIDConfiguration>(*made.layout)
-                                            : nullptr);
+    controller.setCaptured(made.layout);
     for (const Reason& reason : made.reasons) {
         if (reason.drive != DrivePosition()) {
             controller.setUsed(reason.drive.channel, reason.drive.id);

@@ -44,7 +44,7 @@ class Intention {
     bool carryOutHotspares();
     bool carryOutHyperwin();
 
-    [[nodiscard]] const RAIDConfiguration& plan() const { return *planned_.configuration(); }
+    [[nodiscard]] const RAIDConfiguration& plan() const { return *planned_.captured(); }
     [[nodiscard]] bool isUtility(std::string_view name) const { return utility_ == name; }
     [[nodiscard]] zolex_sim::DriveLocation locate(std::int32_t channel, std::int32_t id) const;
     [[nodiscard]] std::optional<zolex_sim::RaidLevel> levelOf(const LogicalDrive& drive) const;

@@ -10,6 +10,10 @@ namespace {
 
 constexpr double closeMb = 139; // what is left of an array counts as none
 
+bool asksForAll(const DriveSize& size) {
+    return size.kind == DriveSize::Kind::rest || size == DriveSize{DriveSize::Kind::percent, 100};
+}
+
 } // namespace
 
 bool Origin::isListed(std::size_t array) const {
@@ -130,8 +134,7 @@ bool Origin::explains(Cause generatorCause) const {
                                            : policy_.customArrays && policy_.arrays.size() > 1;
     case Cause::hyperwinSize:
         return (policy_.customLogicalDrives || policy_.logicalDefaults) &&
-               entryOf(plan_.logicalDrives().front()).sizeMb != sizeFill &&
-               entryOf(plan_.logicalDrives().front()).sizeMb != -100;
+               !asksForAll(entryOf(plan_.logicalDrives().front()).size);
     case Cause::hyperwinMirrorSpare:
         return asksForHotspares(0);
     case Cause::hyperwinSecondSpare:
@@ -199,21 +202,22 @@ double Origin::usableMb(const LogicalDrive& drive) const {
 
 // The part of its array that the policy asks for, at least.
 double Origin::shareOf(const LogicalDrive& drive) const {
-    const LogicalSpecification& entry = entryOf(drive);
-    return entry.sizeMb == sizeFill ? 1
-           : entry.sizeMb < 0       ? -entry.sizeMb / 100.0
-                                    : entry.sizeMb / usableMb(drive);
+    const DriveSize& size = entryOf(drive).size;
+    return size.kind == DriveSize::Kind::rest      ? 1
+           : size.kind == DriveSize::Kind::percent ? size.value / 100.0
+                                                   : size.value / usableMb(drive);
 }
 
 bool Origin::asksForTooMuch(const Forecast::Step& step) const {
     if (step.drive == nullptr || (!policy_.customLogicalDrives && !policy_.logicalDefaults)) {
         return false;
     }
-    const LogicalSpecification& entry = entryOf(*step.drive);
+    const DriveSize& size = entryOf(*step.drive).size;
     if (step.first) {
         // A number of MB is planned as it is written; a percentage counts the odd drive, too.
-        return entry.sizeMb > 0 ? entry.sizeMb > step.roomMb
-                                : step.leftOut && entry.sizeMb != sizeFill;
+        return size.kind == DriveSize::Kind::mb
+                   ? size.value > step.roomMb
+                   : step.leftOut && size.kind != DriveSize::Kind::rest;
     }
     // The logical drives of the array up to this one ask for more than there is, but for what is
     // too little to be left. The one that is to take the rest leaves room for those that follow.

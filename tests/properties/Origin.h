@@ -11,8 +11,7 @@ namespace zolex::properties {
 class Origin {
   public:
     Origin(const Policy& policy, const RAIDController& planned, const Forecast& forecast)
-        : policy_(policy), planned_(planned), plan_(*planned.configuration()), forecast_(forecast) {
-    }
+        : policy_(policy), planned_(planned), plan_(*planned.captured()), forecast_(forecast) {}
 
     /// Each drive that the plan has twice stands in a list of the policy the second time.
     [[nodiscard]] bool repeatsOnlyWhatIsListed() const;

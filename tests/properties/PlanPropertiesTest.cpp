@@ -18,7 +18,7 @@ struct Planned {
     std::unique_ptr<RAIDController> controller;
     bool done = false;
 
-    [[nodiscard]] const RAIDConfiguration* plan() const { return controller->configuration(); }
+    [[nodiscard]] const RAIDConfiguration* plan() const { return controller->captured(); }
 };
 
 std::vector<std::string> positionsOf(const ControllerSpec& spec) {
@@ -281,11 +281,11 @@ struct Asked {
     bool afterFill = false;
     bool fill = false;
 
-    void add(std::int32_t size) {
+    void add(const DriveSize& size) {
         afterFill = afterFill || fill;
-        fill = fill || size == sizeFill;
-        numbers = numbers || size > 0;
-        percent += size < 0 && size != sizeFill ? -size : 0;
+        fill = fill || size.kind == DriveSize::Kind::rest;
+        numbers = numbers || size.kind == DriveSize::Kind::mb;
+        percent += size.kind == DriveSize::Kind::percent ? size.value : 0;
     }
     [[nodiscard]] bool fits() const {
         return percent <= (fill ? 99 : 100) && !numbers && !afterFill;
@@ -297,11 +297,11 @@ std::vector<Asked> askedOf(const Planned& planned) {
     const Policy& policy = planned.policy;
     if (policy.customLogicalDrives) {
         for (const LogicalSpecification& drive : policy.logicalDrives) {
-            asked.at(static_cast<std::size_t>(drive.arrayIndex)).add(drive.sizeMb);
+            asked.at(static_cast<std::size_t>(drive.arrayIndex)).add(drive.size);
         }
     } else {
         for (Asked& array : asked) {
-            array.add(policy.logicalDefaults ? policy.logicalDefaults->sizeMb : sizeFill);
+            array.add(policy.logicalDefaults ? policy.logicalDefaults->size : DriveSize());
         }
     }
     return asked;
@@ -366,7 +366,7 @@ TEST(PlanProperties, ANumberOfMbThatFitsStaysAndNoneIsPlannedThatTheRestEquals) 
     checkProperty({{"planned", 10}, {"number of MB", 5}}, [](Tally& tally) {
         const Planned planned = planAny(Mode::automatic);
         const auto& defaults = planned.policy.logicalDefaults;
-        if (!tallyPlan(tally, planned) || !defaults || defaults->sizeMb <= 0) {
+        if (!tallyPlan(tally, planned) || !defaults || defaults->size.kind != DriveSize::Kind::mb) {
             return;
         }
         for (const LogicalDrive& drive : planned.plan()->logicalDrives()) {
@@ -377,25 +377,25 @@ TEST(PlanProperties, ANumberOfMbThatFitsStaysAndNoneIsPlannedThatTheRestEquals) 
             one.sizeMb = 1'000'000;
             const double usable = static_cast<double>(array.capacityMb) * 1'000'000 /
                                   rawRoom(one, static_cast<double>(array.drives().size()));
-            const double rest = usable - defaults->sizeMb;
+            const double rest = usable - defaults->size.value;
             const double precision = 1 + usable * 1e-6;
             if (std::abs(std::abs(rest) - 139) <= precision) {
                 continue; // on the border, where single precision decides
             }
-            RC_ASSERT(drive.sizeMb == (std::abs(rest) < 139 ? sizeFill : defaults->sizeMb));
+            RC_ASSERT(drive.sizeMb == (std::abs(rest) < 139 ? sizeFill : defaults->size.value));
         }
     });
 }
 
 /// What the policy asks of the array, in the order in which it is planned.
-std::vector<std::int32_t> sizesAsked(const Policy& policy, std::size_t array) {
-    std::vector<std::int32_t> sizes;
+std::vector<DriveSize> sizesAsked(const Policy& policy, std::size_t array) {
+    std::vector<DriveSize> sizes;
     if (!policy.customLogicalDrives) {
-        return {policy.logicalDefaults ? policy.logicalDefaults->sizeMb : sizeFill};
+        return {policy.logicalDefaults ? policy.logicalDefaults->size : DriveSize()};
     }
     for (const LogicalSpecification& drive : policy.logicalDrives) {
         if (static_cast<std::size_t>(drive.arrayIndex) == array) {
-            sizes.push_back(drive.sizeMb);
+            sizes.push_back(drive.size);
         }
     }
     return sizes;
@@ -425,7 +425,7 @@ TEST(PlanProperties, EachSizeIsThatOfThePolicyOrTheRestOfItsArray) {
             const RAIDConfiguration& plan = *planned.plan();
             for (std::size_t i = 0; i < plan.arrays().size(); ++i) {
                 const RaidArray& array = plan.arrays()[i];
-                const std::vector<std::int32_t> asked = sizesAsked(planned.policy, i);
+                const std::vector<DriveSize> asked = sizesAsked(planned.policy, i);
                 double left = roomOf(planned.spec, array);
                 std::size_t k = 0;
                 for (const LogicalDrive& drive : plan.logicalDrives()) {
@@ -434,16 +434,17 @@ TEST(PlanProperties, EachSizeIsThatOfThePolicyOrTheRestOfItsArray) {
                     }
                     const auto part =
                         static_cast<double>(partOf(drive.raidLevel, array.drives().size()));
-                    const std::int32_t entry = asked.at(k++);
+                    const DriveSize& entry = asked.at(k++);
+                    const bool isMb = entry.kind == DriveSize::Kind::mb;
                     const double size =
-                        entry > 0 ? entry : roomOf(planned.spec, array) * part * -entry / 100;
+                        isMb ? entry.value : roomOf(planned.spec, array) * part * entry.value / 100;
                     const double rest = std::abs(left * part - size);
                     const double precision = 1 + size * 1e-6;
-                    if (entry == sizeFill) {
+                    if (entry.kind == DriveSize::Kind::rest) {
                         tally.count("rest");
                         RC_ASSERT(drive.sizeMb == sizeFill);
                     } else if (rest > closeMb + precision && size < 2e9) {
-                        tally.count(entry > 0 ? "number of MB" : "percentage");
+                        tally.count(isMb ? "number of MB" : "percentage");
                         RC_ASSERT(std::abs(drive.sizeMb - size) <= precision);
                     } else if (rest < closeMb - precision) {
                         tally.count("close to the rest");
@@ -466,7 +467,7 @@ TEST(PlanProperties, PlanningTwiceGivesTheSamePlan) {
         const auto again = planned.spec.make();
         Planner planner;
         RC_ASSERT(planner.plan(*again, planned.policy) == planned.done);
-        RC_ASSERT(describe(again->configuration()) == describe(planned.plan()));
+        RC_ASSERT(describe(again->captured()) == describe(planned.plan()));
         for (const DriveSpec& drive : planned.spec.drives) {
             RC_ASSERT(again->isUsed(drive.channel, drive.id) ==
                       planned.controller->isUsed(drive.channel, drive.id));
@@ -514,7 +515,7 @@ TEST(PlanProperties, PlanningReadsOnly) {
         RC_ASSERT(plan.fault.has_value() == (plan.outcome == Outcome::refused));
         // Whatever is kept of a plan, the next one is the same.
         const auto kept = spec.make();
-        kept->setConfiguration(std::make_unique<RAIDConfiguration>());
+        kept->setCaptured(RAIDConfiguration());
         kept->setMember(1, 0);
         RC_ASSERT(planController(*kept, 1, policies, machine, report) == plan);
     });

@@ -107,7 +107,7 @@ void checkRange(const RAIDController& controller) {
             RC_ASSERT(controller.size(channel, id) >= RAIDController::noDrive);
         }
     }
-    const RAIDConfiguration* configuration = controller.configuration();
+    const RAIDConfiguration* configuration = controller.captured();
     if (configuration == nullptr) {
         return;
     }
@@ -154,7 +154,7 @@ TEST(ReaderProperties, WhateverAListingSaysTheModelStaysInRange) {
             if (controller.numberOfDrives() > 0) {
                 tally.count("read");
             }
-            if (controller.configuration() != nullptr) {
+            if (controller.captured() != nullptr) {
                 tally.count("configuration read");
             }
             // What was read can be planned on and written as a policy.
@@ -181,7 +181,7 @@ TEST(ReaderProperties, TheLayoutThatWasReadDoesNotMatterToThePlans) {
             planControllers(machine.controllers, policies, Machine(), report);
         for (std::size_t i = 0; i < machine.controllers.count(); ++i) {
             const RAIDController& controller = *machine.controllers.controller(i);
-            if (controller.configuration() == nullptr) {
+            if (controller.captured() == nullptr) {
                 continue;
             }
             tally.count("configuration read");

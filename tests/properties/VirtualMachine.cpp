@@ -257,8 +257,7 @@ unsigned VirtualMachine::deploy(const std::string& policies) {
     for (const ControllerPlan& plan : application.planning().plans) {
         if (plan.outcome != Outcome::noPolicy) {
             controllers.controller(static_cast<std::size_t>(plan.number - 1))
-                ->setConfiguration(plan.layout ? std::make_unique<RAIDConfiguration>(*plan.layout)
-                                               : nullptr);
+                ->setCaptured(plan.layout);
         }
     }
     return result;

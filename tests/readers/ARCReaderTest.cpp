@@ -618,7 +618,7 @@ TEST(ARCReader, AFailingDeviceBlockFailsTheRead) {
     FailingReader reader({.layout = true}, application.report());
     EXPECT_FALSE(
         reader.readConfiguration(controller, Lines{plainListing(logicalDrive(""), disk("0,0"))}));
-    EXPECT_EQ(controller.configuration(), nullptr);
+    EXPECT_EQ(controller.captured(), nullptr);
     EXPECT_TRUE(withoutLineTraces(platform.consoleFake.takeOutput())
                     .ends_with("Entering ARCReader::getDrives\n"
                                "Entering ARCReader::getDrives, returning false\n"
@@ -642,9 +642,9 @@ TEST(ARCReader, ReadsOneControllerAfterAnother) {
     second.setType(controller_type::arcconf2);
     EXPECT_TRUE(reader.readConfiguration(
         second, output(plainListing(logicalDrive("   Physical Device count : 2\n")))));
-    ASSERT_NE(second.configuration(), nullptr);
-    EXPECT_EQ(second.configuration()->arrays().size(), 1U);
-    EXPECT_EQ(second.configuration()->logicalDrives().size(), 1U);
+    ASSERT_NE(second.captured(), nullptr);
+    EXPECT_EQ(second.captured()->arrays().size(), 1U);
+    EXPECT_EQ(second.captured()->logicalDrives().size(), 1U);
 }
 
 } // namespace

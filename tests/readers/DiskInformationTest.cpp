@@ -194,7 +194,7 @@ TEST_F(DiskInformationTest, VerboseOutputDumpsTheController) {
         listings.clear();
         RAIDController& controller = add(12, 1, 3);
         controller.setSize(1, 2, 1000);
-        controller.setConfiguration(std::make_unique<RAIDConfiguration>());
+        controller.setCaptured(RAIDConfiguration());
         detail.layout = capture;
         application.printer().setVerbosity(level::detail);
         application.printer().printAlways(show::dumpText(controller, capture));

@@ -199,7 +199,7 @@ TEST(HRReader, AFailingDeviceBlockFailsTheRead) {
     controller.setType(controller_type::hrconf4);
     FailingReader reader({.layout = true}, application.report());
     EXPECT_FALSE(reader.readConfiguration(controller, Lines{readTestData("hrconf-getconfig.txt")}));
-    EXPECT_EQ(controller.configuration(), nullptr);
+    EXPECT_EQ(controller.captured(), nullptr);
     const std::string output = platform.consoleFake.takeOutput();
     const std::string end = "Entering HRReader::getDrives\n"
                             "Entering HRReader::getDrives, returning false\n"
@@ -219,14 +219,14 @@ TEST(HRReader, ReadsOneControllerAfterAnother) {
         reader.readConfiguration(first, Lines{"Logical drive information\n"
                                               "Logical drive number 1\nChannel,Device : 0,0\n"
                                               "RAID level : ?\n"}));
-    EXPECT_EQ(first.configuration(), nullptr);
+    EXPECT_EQ(first.captured(), nullptr);
     RAIDController second;
     second.setType(controller_type::hrconf4);
     EXPECT_TRUE(reader.readConfiguration(second, Lines{"Logical drive information\nSize : 5\n"
                                                        "Channel,Device : 0,1\n"}));
-    ASSERT_NE(second.configuration(), nullptr);
-    EXPECT_EQ(second.configuration()->arrays().size(), 1U);
-    EXPECT_EQ(second.configuration()->logicalDrives().size(), 0U);
+    ASSERT_NE(second.captured(), nullptr);
+    EXPECT_EQ(second.captured()->arrays().size(), 1U);
+    EXPECT_EQ(second.captured()->logicalDrives().size(), 0U);
 }
 
 } // namespace

@@ -253,8 +253,8 @@ TEST(IDEReader, ReadsOneControllerAfterAnother) {
     second.setType(controller_type::lsiIde);
     EXPECT_TRUE(reader.readConfiguration(
         second, Outputs{"Error Code (hex) 0000\n", "RAID_MODE MIRROR\nError Code (hex) 0000\n"}));
-    EXPECT_EQ(first.configuration(), nullptr);
-    EXPECT_EQ(second.configuration(), nullptr);
+    EXPECT_EQ(first.captured(), nullptr);
+    EXPECT_EQ(second.captured(), nullptr);
     EXPECT_EQ(second.numberOfDrives(), 1);
 }
 

@@ -118,8 +118,8 @@ Lines describe(const RAIDController& controller) {
             }
         }
     }
-    if (controller.configuration() != nullptr) {
-        addLayout(*controller.configuration(), lines);
+    if (controller.captured() != nullptr) {
+        addLayout(*controller.captured(), lines);
     }
     return lines;
 }

@@ -379,10 +379,10 @@ TEST_F(MEGAReaderConfigurationTest, MoreThanEightVirtualDisks) {
     EXPECT_EQ(takeOutput(), "\n#### ERROR\n\tController LSI-MegaRAID-8480 has more than 8 logical "
                             "drives; the rest is not captured.\n\n");
     // An array that has no logical drive could not be configured again.
-    ASSERT_NE(controller->configuration(), nullptr);
-    EXPECT_EQ(controller->configuration()->arrays().size(), 8U);
-    EXPECT_EQ(controller->configuration()->logicalDrives().size(), 8U);
-    EXPECT_EQ(controller->configuration()->logicalDrives().back().arrayIndex, 7);
+    ASSERT_NE(controller->captured(), nullptr);
+    EXPECT_EQ(controller->captured()->arrays().size(), 8U);
+    EXPECT_EQ(controller->captured()->logicalDrives().size(), 8U);
+    EXPECT_EQ(controller->captured()->logicalDrives().back().arrayIndex, 7);
     EXPECT_TRUE(controller->isUsed(1, 33));
 }
 
@@ -393,8 +393,8 @@ TEST_F(MEGAReaderConfigurationTest, MoreThan32Members) {
     read(configurationListing({disk}), "");
     EXPECT_EQ(takeOutput(), "\n#### ERROR\n\tController LSI-MegaRAID-8480 has more than 32 drives "
                             "in an array; the rest is not captured.\n\n");
-    ASSERT_NE(controller->configuration(), nullptr);
-    EXPECT_EQ(controller->configuration()->arrays().front().drives().size(), 32U);
+    ASSERT_NE(controller->captured(), nullptr);
+    EXPECT_EQ(controller->captured()->arrays().front().drives().size(), 32U);
 }
 
 TEST_F(MEGAReaderConfigurationTest, MoreThanEightHotSpares) {
@@ -403,8 +403,8 @@ TEST_F(MEGAReaderConfigurationTest, MoreThanEightHotSpares) {
     read(configurationListing({disk}), driveListing(drivesOf("32", 2, 10, "Hotspare")));
     EXPECT_EQ(takeOutput(), "\n#### ERROR\n\tController LSI-MegaRAID-8480 has more than 8 "
                             "hot-spare drives; the rest is not captured.\n\n");
-    ASSERT_NE(controller->configuration(), nullptr);
-    EXPECT_EQ(controller->configuration()->hotspares().size(), 8U);
+    ASSERT_NE(controller->captured(), nullptr);
+    EXPECT_EQ(controller->captured()->hotspares().size(), 8U);
     EXPECT_EQ(controller->numberOfDrives(), 10);
 }
 

@@ -417,7 +417,7 @@ TEST_F(MEGAReaderListingsTest, StrayLinesAndBytesDoNoHarm) {
         controller->forEachDrive([this](std::int32_t channel, std::int32_t id) {
             EXPECT_GT(controller->size(channel, id), 0);
         });
-        const RAIDConfiguration* configuration = controller->configuration();
+        const RAIDConfiguration* configuration = controller->captured();
         if (configuration == nullptr) {
             continue;
         }

@@ -274,7 +274,7 @@ TEST_F(MEGAReaderTest, MissingOutputsReadAsEmpty) {
     for (const bool capture : {false, true}) {
         detail.layout = capture;
         EXPECT_TRUE(MEGAReader(detail, application.report()).readConfiguration(*controller, {}));
-        EXPECT_EQ(controller->configuration(), nullptr);
+        EXPECT_EQ(controller->captured(), nullptr);
         EXPECT_EQ(controller->numberOfDrives(), 0);
     }
 }

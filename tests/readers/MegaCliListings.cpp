@@ -80,7 +80,7 @@ std::string driveListing(const std::vector<PdText>& drives) {
 }
 
 std::string describeLayout(const RAIDController& controller) {
-    const RAIDConfiguration* configuration = controller.configuration();
+    const RAIDConfiguration* configuration = controller.captured();
     if (configuration == nullptr) {
         return "none";
     }

@@ -128,7 +128,7 @@ TEST(PureReading, ACapturedHotSpareHasItsPositionAndItsEnclosure) {
     const Reading result = readWith(
         *reader, report,
         {controller_type::megaRaid, "", {configurationListing({disk}), driveListing(drives)}});
-    const RAIDConfiguration* layout = result.controller.configuration();
+    const RAIDConfiguration* layout = result.controller.captured();
     ASSERT_NE(layout, nullptr);
     ASSERT_EQ(layout->hotspares().size(), 1U);
     EXPECT_EQ(layout->hotspares()[0].channelNumber, 2);

@@ -1,12 +1,121 @@
 #include "companion/cli/Main.h"
 
-#include "companion/commands/Context.h"
+#include "companion/cli/CommandLine.h"
+#include "companion/cli/Help.h"
+#include "companion/commands/Commands.h"
+#include "companion/text/StreamState.h"
+#include "companion/text/StyleChoice.h"
 #include "platform/Platform.h"
+
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace zolex::companion {
 
-int runProgram(int /*argc*/, const char* const* /*argv*/, Platform& platform) {
-    platform.console().writeError("zolexctl: no command\n");
+namespace {
+
+TextStyle styleFor(StandardStream stream, const Request& request) {
+    StyleWishes wishes;
+    wishes.colours = request.colours;
+    wishes.width = request.width;
+    wishes.toFile = stream == StandardStream::output && !request.outputFile.empty() &&
+                    request.outputFile != "-";
+    wishes.stream = streamState(stream);
+    wishes.noColor = environmentVariable("NO_COLOR");
+    wishes.cliColorForce = environmentVariable("CLICOLOR_FORCE");
+    wishes.columns = environmentVariable("COLUMNS");
+    return chooseStyle(wishes);
+}
+
+Context makeContext(const Request& request, const std::vector<std::string>& arguments,
+                    Platform& platform) {
+    return {platform,
+            request.machine,
+            request.format,
+            request.outputFile,
+            styleFor(StandardStream::output, request),
+            styleFor(StandardStream::error, request),
+            request.quiet,
+            request.verbose,
+            arguments};
+}
+
+int runArguments(const std::vector<std::string>& arguments, Platform& platform);
+
+/// A command of zolexctl behind "--" runs as if the recording were among its own options; zolex is
+/// the command's own affair.
+int runReplay(Context& context, const Request& request) {
+    if (request.replay.command.front() == "zolex") {
+        return replay(context, request.replay);
+    }
+    std::vector<std::string> arguments{"--recording", request.replay.file};
+    arguments.insert(arguments.end(), request.replay.command.begin(), request.replay.command.end());
+    return runArguments(arguments, context.platform);
+}
+
+int runCommand(Context& context, const Request& request) {
+    switch (request.command) {
+    case Command::show:
+        return show(context, request.show);
+    case Command::check:
+        return check(context, request.check);
+    case Command::doctor:
+        return doctor(context);
+    case Command::record:
+        return record(context, request.record);
+    case Command::replay:
+        return runReplay(context, request);
+    case Command::explain:
+        return explain(context, request.code);
+    case Command::none:
+        break;
+    }
+    return exit_code::notPossible;
+}
+
+int answer(const Reading& reading, Context& context) {
+    if (!reading.fault.empty()) {
+        return failWith(context, reading.fault, reading.help);
+    }
+    if (reading.wantsHelp || reading.wantsVersion) {
+        context.platform.console().writeOutput(reading.wantsHelp ? helpText(reading.request.command)
+                                                                 : versionText());
+        return exit_code::done;
+    }
+    if (reading.request.command == Command::none) {
+        context.platform.console().writeError(helpText(Command::none));
+        return exit_code::notPossible;
+    }
+    return runCommand(context, reading.request);
+}
+
+int runArguments(const std::vector<std::string>& arguments, Platform& platform) {
+    const Reading reading = readArguments(arguments);
+    Context context = makeContext(reading.request, arguments, platform);
+    int code = exit_code::notPossible;
+    try {
+        code = answer(reading, context);
+    } catch (const std::bad_alloc&) {
+        failWith(context, "there is not enough memory", "nothing on the server was changed");
+    } catch (const std::exception& error) {
+        failWith(context, printable(error.what()), "nothing on the server was changed");
+    }
+    return outputIsWritten(context) ? code : exit_code::notPossible;
+}
+
+} // namespace
+
+int runProgram(int argc, const char* const* argv, Platform& platform) {
+    try {
+        return runArguments(argc > 1 ? std::vector<std::string>(argv + 1, argv + argc)
+                                     : std::vector<std::string>(),
+                            platform);
+    } catch (...) {
+        platform.console().writeError("error: there is not enough memory\n");
+    }
     return exit_code::notPossible;
 }
 

@@ -41,7 +41,7 @@ struct Context {
     Platform& platform; ///< of the system
     MachineOptions machine;
     Format format = Format::text;
-    std::string outputFile; ///< of -o; empty: standard output
+    std::string outputFile; ///< of -o; empty or "-": standard output
     TextStyle style;        ///< of what goes to standard output or the output file
     TextStyle errorStyle;   ///< of what goes to standard error
     bool quiet = false;
@@ -52,6 +52,10 @@ struct Context {
 /// Writes what the command gives: to standard output, or to the output file, which is replaced as a
 /// whole or, when that fails, stays as it was. False after a message on standard error.
 [[nodiscard]] bool deliver(Context& context, std::string_view output);
+
+/// Whether all that went to standard output so far was written; a message on standard error when it
+/// was not, once.
+[[nodiscard]] bool outputIsWritten(Context& context);
 
 /// "error: WHAT" and "  help: HELP" on standard error. Always exit_code::notPossible.
 int failWith(Context& context, std::string_view what, std::string_view help = {});

@@ -38,7 +38,9 @@ struct ListingPlace {
 
 /// One physical drive. What its utility does not tell is empty.
 struct DriveFacts {
-    /// As the utility's commands name it: "32:4", ":3" for a drive in no enclosure, "0:1".
+    /// As the utility's commands name it. MEGACLI: "32:4", ":3" for a drive in no enclosure.
+    /// CFGGEN: enclosure and slot, "1:0". CFGGEN1.02.02: the SCSI id, "3". ARCCONF, HRCONF and
+    /// QTCSEND: channel and device, "0:1". HYPERWIN: the number of the drive, "1" or "2".
     std::string location;
     std::optional<std::int32_t> enclosure; ///< the utility's own id
     std::optional<std::int32_t> slot;
@@ -52,12 +54,16 @@ struct DriveFacts {
     std::string inquiry;   ///< the raw text that the four above come from, blanks trimmed
     std::string protocol;  ///< "SAS", "SATA", "SCSI", "PATA" or empty
     std::string mediaType; ///< "HDD", "SSD" or empty
+    /// What arrays are built from.
     std::optional<std::uint64_t> capacityBytes;
+    /// One of the last digit of the listed size, in bytes: how far it may be off. 0: exact.
+    std::uint64_t capacityTolerance = 0;
     std::string reportedState; ///< the utility's own word
     DriveState state = DriveState::unknown;
     Health health = Health::unknown;
     std::optional<std::uint64_t> mediaErrorCount;
     std::optional<std::uint64_t> otherErrorCount;
+    /// 1 where the utility says no more than that the drive is about to fail.
     std::optional<std::uint64_t> predictedFailureCount;
     std::optional<std::int32_t> temperatureCelsius;
     bool isForeign = false;
@@ -74,10 +80,10 @@ struct LogicalDriveFacts {
     std::string raidType; ///< "RAID0", ..., "RAID60", "RAID5E", "RAID5EE", "None"; empty: unknown
     std::string reportedLevel; ///< the utility's own words
     /// Locations of its drives, span by span; one span for levels without spans. A member that is
-    /// not among the drives stands as the listing names it.
+    /// not among the drives stands as the listing names it, "Missing" too.
     std::vector<std::vector<std::string>> spans;
     std::optional<std::uint64_t> capacityBytes;
-    /// Half of the last digit of the listed size, in bytes: how far it may be off.
+    /// One of the last digit of the listed size, in bytes: how far it may be off.
     std::uint64_t capacityTolerance = 0;
     std::optional<std::uint64_t> stripSizeBytes;
     std::string
@@ -98,11 +104,12 @@ struct BrokenBlock {
 
 /// How one listing was read.
 struct ListingReading {
-    std::size_t blocks = 0;     ///< blocks that begin (drives, logical drives, segments, ...)
-    std::size_t blocksRead = 0; ///< of them those that became records
+    std::size_t blocks = 0;     ///< blocks that begin (drives, logical drives, members, ...)
+    std::size_t blocksRead = 0; ///< of them those that became records, or are known to be no drive
     std::size_t keys = 0;       ///< lines "key : value"
     std::size_t keysUsed = 0;   ///< of them those that a record holds
-    /// Keys that no table names, with the line where each stands first and how often it stands.
+    /// Keys that no table names, cut after 80 bytes, with the line where each stands first and how
+    /// often it stands.
     struct UnknownKey {
         std::int32_t line = 0;
         std::size_t count = 0;
@@ -121,13 +128,17 @@ struct Facts {
     std::string driverVersion;
     std::string reportedState;
     std::string pciIds;                 ///< "1000:0411:1000:1002" where the listing tells them
+    std::string pciAddress;             ///< "02:0e.0" where the listing tells it, in hexadecimal
     std::vector<std::string> raidTypes; ///< that it supports; empty: not told
     std::optional<std::uint64_t> minStripSizeBytes;
     std::optional<std::uint64_t> maxStripSizeBytes;
     std::optional<std::int32_t> rebuildRatePercent;
-    std::vector<DriveFacts> drives; ///< in the order of the listings, one for each location
+    std::string rebuildRate; ///< in the utility's own words: "30%", "High"
+    /// In the order of the listing that lists the drives, one for each location.
+    std::vector<DriveFacts> drives;
     std::vector<LogicalDriveFacts> logicalDrives;
-    std::vector<std::string> foreignConfigurations; ///< one line each, as told
+    /// One line each, as told. No listing of a capture tells them so far; foreign drives are told.
+    std::vector<std::string> foreignConfigurations;
     std::vector<BrokenBlock> broken;
     std::vector<ListingReading> listings;
 

@@ -24,15 +24,15 @@ static_assert(hasDistinctWords<WordCode>(levels));
 bool LANYARDReader::readConfiguration(RAIDController& controller, Listings listings) {
     beginController(controller);
     setListing(listings, 0);
-    auto configuration = std::make_unique<RAIDConfiguration>();
-    configuration->stripeSize = stripe::kb64;
+    RAIDConfiguration configuration;
+    configuration.stripeSize = stripe::kb64;
     for (std::string_view line = nextLine(); line != "END"; line = nextLine()) {
-        if (line == endOfOutput || !readLine(splitAtBlanks(line), *configuration)) {
+        if (line == endOfOutput || !readLine(splitAtBlanks(line), configuration)) {
             return false;
         }
     }
-    if (!configuration->arrays().empty()) {
-        controller.setConfiguration(std::move(configuration));
+    if (!configuration.arrays().empty()) {
+        controller.setCaptured(std::move(configuration));
     }
     return true;
 }

@@ -1,0 +1,483 @@
+#include "companion/cli/CommandLine.h"
+
+#include "companion/cli/Suggestion.h"
+#include "companion/cli/Values.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace zolex::companion {
+
+namespace {
+
+/// What is wrong with the arguments.
+struct ArgumentFault {
+    std::string what;
+    std::string help;
+};
+
+std::string helpOf(Command command) {
+    return command == Command::none ? "zolexctl --help"
+                                    : "zolexctl " + std::string(rowOf(command).name) + " --help";
+}
+
+/// One option of the program or of a command, as the library keeps it.
+struct KnownOption {
+    const OptionRow* row;
+    CLI::Option* option;
+};
+
+/// The program or one of its commands.
+struct Level {
+    CLI::App* app = nullptr;
+    std::vector<KnownOption> options;
+};
+
+std::string libraryNames(const OptionRow& row) {
+    std::string names(row.shortName);
+    return names.append(row.shortName.empty() ? "" : ",").append(row.name);
+}
+
+/// The library's view of the tables.
+class Parser {
+  public:
+    Parser() {
+        prepare(levelOf(Command::none), root_, anyCommand);
+        for (const CommandRow& row : commandRows()) {
+            prepare(levelOf(row.command), *root_.add_subcommand(std::string(row.name)),
+                    only(row.command));
+        }
+        root_.require_subcommand(0, 1);
+    }
+
+    /// Throws what the library throws.
+    void parse(std::vector<std::string> arguments) {
+        std::reverse(arguments.begin(), arguments.end());
+        root_.parse(std::move(arguments)); // takes them from the back
+    }
+
+    [[nodiscard]] Command command() const {
+        for (const CommandRow& row : commandRows()) {
+            if (levelOf(row.command).app->parsed()) {
+                return row.command;
+            }
+        }
+        return Command::none;
+    }
+
+    /// What no option took: unknown options and words.
+    [[nodiscard]] std::vector<std::string> rest(Command command) const {
+        return levelOf(command).app->remaining();
+    }
+
+    /// The values of an option that stands where options of `command` stand.
+    [[nodiscard]] std::vector<std::string> values(const OptionRow& row, Command command) const {
+        for (const KnownOption& known : levelOf(command).options) {
+            if (known.row == &row) {
+                return known.option->results();
+            }
+        }
+        return {};
+    }
+
+  private:
+    static void prepare(Level& level, CLI::App& app, CommandSet commands) {
+        level.app = &app;
+        app.set_help_flag();
+        app.allow_extras();
+        // A path begins with "/" on other systems.
+        app.allow_windows_style_options(false);
+        for (const OptionRow& row : optionRows()) {
+            if ((row.commands & commands) != 0) {
+                level.options.push_back({&row, add(app, row)});
+            }
+        }
+    }
+
+    static CLI::Option* add(CLI::App& app, const OptionRow& row) {
+        if (row.value.empty()) {
+            return app.add_flag(libraryNames(row));
+        }
+        return app.add_option(libraryNames(row))
+            ->expected(1)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    }
+
+    Level& levelOf(Command command) { return levels_.at(static_cast<std::size_t>(command)); }
+    [[nodiscard]] const Level& levelOf(Command command) const {
+        return levels_.at(static_cast<std::size_t>(command));
+    }
+
+    CLI::App root_{"", "zolexctl"};
+    std::array<Level, 7> levels_; ///< by command; the first is the program
+};
+
+bool looksLikeOption(const std::string& word) {
+    return word.size() > 1 && word.front() == '-';
+}
+
+std::vector<std::string_view> optionNames(Command command) {
+    std::vector<std::string_view> names;
+    const CommandSet commands = command == Command::none ? anyCommand : only(command);
+    for (const OptionRow& row : optionRows()) {
+        if ((row.commands & commands) != 0) {
+            names.push_back(row.name);
+        }
+    }
+    return names;
+}
+
+std::vector<std::string_view> commandNames() {
+    std::vector<std::string_view> names;
+    for (const CommandRow& row : commandRows()) {
+        names.push_back(row.name);
+    }
+    return names;
+}
+
+std::string didYouMean(std::string_view nearest) {
+    return nearest.empty() ? "" : "; did you mean " + std::string(nearest) + "?";
+}
+
+/// "show", or "zolexctl" without a command.
+std::string ownName(Command command) {
+    return command == Command::none ? "zolexctl" : std::string(rowOf(command).name);
+}
+
+[[noreturn]] void refuseOption(const std::string& option, Command command) {
+    const std::string name = option.substr(0, option.find('='));
+    const auto rows = optionRows();
+    const bool isOfOthers = std::any_of(rows.begin(), rows.end(), [&](const OptionRow& row) {
+        return row.name == name || (row.shortName == name && !name.empty());
+    });
+    if (isOfOthers) {
+        throw ArgumentFault{ownName(command) + " does not take " + name, helpOf(command)};
+    }
+    throw ArgumentFault{"there is no option " + inQuotes(name) +
+                            didYouMean(nearestWord(name, optionNames(command))),
+                        helpOf(command)};
+}
+
+[[noreturn]] void refuseCommand(const std::string& word) {
+    throw ArgumentFault{"there is no command " + inQuotes(word) +
+                            didYouMean(nearestWord(word, commandNames())),
+                        helpOf(Command::none)};
+}
+
+/// The options and words of one command line.
+class Arguments {
+  public:
+    explicit Arguments(const std::vector<std::string>& arguments) {
+        const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+        parse({arguments.begin(), mark});
+        command_ = parser_.command();
+        for (const std::string& word : parser_.rest(Command::none)) {
+            if (looksLikeOption(word)) {
+                refuseOption(word, command_);
+            }
+            refuseCommand(word);
+        }
+        if (command_ != Command::none) {
+            takeWords();
+        }
+        behindMark_.assign(mark == arguments.end() ? mark : mark + 1, arguments.end());
+        hasMark_ = mark != arguments.end();
+        checkOptions();
+    }
+
+    [[nodiscard]] Command command() const { return command_; }
+    /// Words behind the command's name, beside options.
+    [[nodiscard]] const std::vector<std::string>& words() const { return words_; }
+    /// What stands behind "--".
+    [[nodiscard]] const std::vector<std::string>& behindMark() const { return behindMark_; }
+    [[nodiscard]] bool hasMark() const { return hasMark_; }
+
+    /// All values of an option, those before the command's name first.
+    [[nodiscard]] std::vector<std::string> values(std::string_view name) const {
+        for (const OptionRow& row : optionRows()) {
+            if (row.name == name) {
+                return valuesOf(row);
+            }
+        }
+        return {};
+    }
+    [[nodiscard]] std::string value(std::string_view name) const {
+        const std::vector<std::string> all = values(name);
+        return all.empty() ? std::string() : all.front();
+    }
+    [[nodiscard]] bool has(std::string_view name) const { return !values(name).empty(); }
+    /// All parts of all values.
+    [[nodiscard]] std::vector<std::string> partsOf(std::string_view name) const {
+        std::vector<std::string> result;
+        for (const std::string& text : values(name)) {
+            std::vector<std::string> more = parts(text);
+            result.insert(result.end(), std::make_move_iterator(more.begin()),
+                          std::make_move_iterator(more.end()));
+        }
+        return result;
+    }
+
+  private:
+    void parse(const std::vector<std::string>& arguments) {
+        try {
+            parser_.parse(arguments);
+        } catch (const CLI::ArgumentMismatch& mismatch) {
+            // Its text begins with the option's name, as the table has it.
+            const std::string text = mismatch.what();
+            throw ArgumentFault{text.substr(0, text.find(':')) + " needs a value",
+                                helpOf(parser_.command())};
+        } catch (const CLI::Error& error) {
+            throw ArgumentFault{error.what(), helpOf(parser_.command())};
+        }
+    }
+
+    void takeWords() {
+        for (std::string& word : words_ = parser_.rest(command_)) {
+            if (looksLikeOption(word)) {
+                refuseOption(word, command_);
+            }
+            if (word.empty()) {
+                throw ArgumentFault{"an argument is empty", helpOf(command_)};
+            }
+        }
+    }
+
+    [[nodiscard]] std::vector<std::string> valuesOf(const OptionRow& row) const {
+        std::vector<std::string> result = parser_.values(row, Command::none);
+        if (command_ != Command::none) {
+            std::vector<std::string> more = parser_.values(row, command_);
+            result.insert(result.end(), std::make_move_iterator(more.begin()),
+                          std::make_move_iterator(more.end()));
+        }
+        return result;
+    }
+
+    void checkOptions() const {
+        for (const OptionRow& row : optionRows()) {
+            const std::vector<std::string> all = valuesOf(row);
+            if (!all.empty()) {
+                checkOption(row, all);
+            }
+        }
+    }
+
+    void checkOption(const OptionRow& row, const std::vector<std::string>& all) const {
+        const std::string name(row.name);
+        if (command_ != Command::none && (row.commands & only(command_)) == 0 &&
+            row.name != "--version") {
+            refuseOption(name, command_);
+        }
+        if (row.value.empty()) {
+            if (std::any_of(all.begin(), all.end(),
+                            [](const std::string& value) { return value != "true"; })) {
+                throw ArgumentFault{name + " takes no value", helpOf(command_)};
+            }
+            return;
+        }
+        if (!row.repeats && all.size() > 1) {
+            throw ArgumentFault{name + " is given twice", helpOf(command_)};
+        }
+        for (const std::string& value : all) {
+            // "-o --quiet": the value was forgotten.
+            if (value.size() > 2 && value.compare(0, 2, "--") == 0) {
+                throw ArgumentFault{name + " needs a value", helpOf(command_)};
+            }
+            const std::string fault = row.fault == nullptr ? std::string() : row.fault(value);
+            if (!fault.empty()) {
+                throw ArgumentFault{name + ": " + fault, helpOf(command_)};
+            }
+        }
+    }
+
+    Parser parser_;
+    Command command_ = Command::none;
+    std::vector<std::string> words_;
+    std::vector<std::string> behindMark_;
+    bool hasMark_ = false;
+};
+
+std::vector<std::string_view> formatsOf(Command command) {
+    std::vector<std::string_view> names;
+    std::string_view rest = rowOf(command).formats;
+    while (!rest.empty()) {
+        const std::size_t end = rest.find(' ');
+        names.push_back(rest.substr(0, end));
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    return names;
+}
+
+Format readFormat(const Arguments& arguments) {
+    const Command command = arguments.command();
+    const bool hasAs = arguments.has("--as");
+    if (hasAs && arguments.has("--format")) {
+        throw ArgumentFault{"--as and --format are the same; give one", helpOf(command)};
+    }
+    const std::string option = hasAs ? "--as" : "--format";
+    if (!arguments.has(option)) {
+        return Format::text;
+    }
+    const std::string given = arguments.value(option);
+    const std::vector<std::string_view> possible = formatsOf(command);
+    if (std::find(possible.begin(), possible.end(), given) != possible.end()) {
+        return formatNamed(given).value_or(Format::text);
+    }
+    std::string list;
+    for (const std::string_view name : possible) {
+        list.append(list.empty() ? "" : ", ").append(name);
+    }
+    throw ArgumentFault{option + ": " + inQuotes(given) + " is no format of " + ownName(command) +
+                            didYouMean(nearestWord(given, possible)),
+                        ownName(command) + " can write " + list};
+}
+
+MachineOptions readMachine(const Arguments& arguments) {
+    MachineOptions machine;
+    machine.utilitiesFolder = arguments.value("--utilities");
+    for (const std::string& text : arguments.values("--utility")) {
+        auto named = utilityPath(text);
+        if (named && !machine.utilities.insert(*std::move(named)).second) {
+            throw ArgumentFault{"--utility: " + inQuotes(text) + " names this utility again",
+                                helpOf(arguments.command())};
+        }
+    }
+    machine.recording = arguments.value("--recording");
+    machine.record = arguments.value("--record");
+    for (const std::string& text : arguments.values("--controller")) {
+        const std::vector<std::int32_t> numbers =
+            controllerNumbers(text).value_or(std::vector<std::int32_t>());
+        machine.controllers.insert(machine.controllers.end(), numbers.begin(), numbers.end());
+    }
+    std::sort(machine.controllers.begin(), machine.controllers.end());
+    machine.controllers.erase(std::unique(machine.controllers.begin(), machine.controllers.end()),
+                              machine.controllers.end());
+    if (arguments.has("--capture-limit-seconds")) {
+        machine.captureLimit = std::chrono::seconds(
+            wholeNumber(arguments.value("--capture-limit-seconds"), 1, longestCaptureLimit)
+                .value_or(1));
+    }
+    machine.machineType = arguments.value("--machine-type");
+    machine.serialNumber = arguments.value("--serial");
+    return machine;
+}
+
+void readGeneral(const Arguments& arguments, Request& request) {
+    const std::string colour = arguments.value("--color");
+    request.colours = colour == "always"  ? ColourWish::always
+                      : colour == "never" ? ColourWish::never
+                                          : ColourWish::automatic;
+    if (arguments.has("--width")) {
+        request.width = wholeNumber(arguments.value("--width"), smallestWidth, largestWidth);
+    }
+    request.quiet = arguments.has("--quiet");
+    request.verbose = arguments.has("--verbose");
+    if (request.quiet && request.verbose) {
+        throw ArgumentFault{"--quiet and --verbose exclude each other",
+                            helpOf(arguments.command())};
+    }
+    request.outputFile = arguments.value("--output");
+}
+
+/// The words behind the command's name, and those behind "--": at least and at most so many.
+std::vector<std::string> wordsOf(const Arguments& arguments, std::size_t least, std::size_t most,
+                                 std::string_view what) {
+    std::vector<std::string> words = arguments.words();
+    words.insert(words.end(), arguments.behindMark().begin(), arguments.behindMark().end());
+    const Command command = arguments.command();
+    if (words.size() < least) {
+        throw ArgumentFault{ownName(command) + " needs " + std::string(what), helpOf(command)};
+    }
+    if (words.size() > most) {
+        throw ArgumentFault{ownName(command) + " does not take " + inQuotes(words.at(most)) +
+                                (most == 0 ? "" : " besides " + inQuotes(words.front())),
+                            helpOf(command)};
+    }
+    return words;
+}
+
+void readShow(const Arguments& arguments, Request& request) {
+    const std::vector<std::string> words = wordsOf(arguments, 0, 1, "");
+    if (!words.empty() && arguments.has("--recording")) {
+        throw ArgumentFault{"show takes one recording, not " + inQuotes(words.front()) + " and " +
+                                inQuotes(request.machine.recording),
+                            helpOf(Command::show)};
+    }
+    request.show.file = words.empty() ? "" : words.front();
+    request.show.exact = arguments.has("--exact");
+    if (request.show.exact && request.format != Format::policies) {
+        throw ArgumentFault{"--exact is for policies", "zolexctl show --as policies --exact"};
+    }
+}
+
+void readCheck(const Arguments& arguments, Request& request) {
+    request.check.files = wordsOf(arguments, 1, ~std::size_t{0}, "a policies file");
+    request.check.machines = arguments.values("--machine");
+    request.check.select = arguments.partsOf("--select");
+    request.check.ignore = arguments.partsOf("--ignore");
+    request.check.asOld = arguments.has("--as-old");
+    request.check.fix = arguments.has("--fix");
+}
+
+void readReplay(const Arguments& arguments, Request& request) {
+    if (arguments.words().empty()) {
+        throw ArgumentFault{"replay needs a recording", helpOf(Command::replay)};
+    }
+    if (arguments.words().size() > 1) {
+        throw ArgumentFault{"replay does not take " + inQuotes(arguments.words().at(1)),
+                            "the command stands behind --: zolexctl replay FILE -- show"};
+    }
+    if (arguments.behindMark().empty()) {
+        throw ArgumentFault{"replay needs a command behind --", helpOf(Command::replay)};
+    }
+    request.replay.file = arguments.words().front();
+    request.replay.command = arguments.behindMark();
+}
+
+void readRequest(const Arguments& arguments, Request& request) {
+    readGeneral(arguments, request);
+    request.format = readFormat(arguments);
+    request.machine = readMachine(arguments);
+    switch (request.command) {
+    case Command::show:
+        return readShow(arguments, request);
+    case Command::check:
+        return readCheck(arguments, request);
+    case Command::doctor:
+        wordsOf(arguments, 0, 0, "");
+        return;
+    case Command::record:
+        wordsOf(arguments, 0, 0, "");
+        request.record.redact = arguments.has("--redact");
+        return;
+    case Command::replay:
+        return readReplay(arguments, request);
+    case Command::explain:
+        request.code = wordsOf(arguments, 1, 1, "a code, such as ZX411 or 11").front();
+        return;
+    case Command::none:
+        return;
+    }
+}
+
+} // namespace
+
+Reading readArguments(const std::vector<std::string>& arguments) {
+    Reading reading;
+    try {
+        const Arguments own(arguments);
+        reading.request.command = own.command();
+        reading.wantsVersion = own.has("--version");
+        reading.wantsHelp = own.has("--help");
+        if (!reading.wantsHelp && !reading.wantsVersion && own.command() != Command::none) {
+            readRequest(own, reading.request);
+        }
+    } catch (const ArgumentFault& fault) {
+        reading.fault = fault.what;
+        reading.help = fault.help;
+    }
+    return reading;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,127 @@
+#include "companion/cli/Options.h"
+
+#include "companion/cli/Values.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zolex::companion {
+
+namespace {
+
+constexpr CommandSet lookers = only(Command::show) | only(Command::doctor) | only(Command::record);
+constexpr CommandSet writers = lookers | only(Command::check) | only(Command::explain);
+
+// command, name, usage, summary, purpose, formats, examples
+constexpr std::array<CommandRow, 6> commands{{
+    {Command::show, "show", "show [FILE] [OPTIONS]", "what is in this server",
+     "Shows the controllers of this server, their drives, arrays, logical drives and hot spares. "
+     "The column \"no\" is the number that policies use for a drive. It only reads: nothing on the "
+     "server is changed. FILE is a recording, which is shown instead of this server.\n"
+     "Exit code: 0 it was shown, 1 (policies) something would not come back, 2 it could not be "
+     "read.",
+     "text json svg html policies",
+     "zolexctl show\n"
+     "zolexctl show --as html -o server.html\n"
+     "zolexctl show --as policies -o before.ini"},
+    {Command::check, "check", "check FILE... [OPTIONS]", "every fault of a policies file",
+     "Reads policies files and tells all their faults at once, each with its place and with what "
+     "to "
+     "do. No server is needed, and none is looked at. FILE is a policies file, or - for standard "
+     "input. With --machine the files are also held against recorded servers.\n"
+     "Exit code: 0 no error and no warning, 1 there are some, 2 a file could not be read.",
+     "text concise json sarif github",
+     "zolexctl check site.ini\n"
+     "zolexctl check site.ini --machine fleet/"},
+    {Command::doctor, "doctor", "doctor [OPTIONS]", "are the utilities there, are they read",
+     "Looks whether everything that zolex runs is there and tells the truth: the utilities, "
+     "whether "
+     "their exit codes arrive, whether each listing is read to its end, the machine's type and "
+     "serial number. It only reads: nothing on the server is changed.\n"
+     "Exit code: 0 all is well, 1 there are findings, 2 it could not look.",
+     "text json", "zolexctl doctor\nzolexctl doctor --utilities /opt/raid -v"},
+    {Command::record, "record", "record -o FILE [OPTIONS]", "keep every utility call of a capture",
+     "Looks at this server as show does, and keeps everything that was asked and answered in FILE. "
+     "Each command that reads can be run on it later, on any system: zolexctl show FILE. It only "
+     "reads: nothing on the server is changed.\n"
+     "Exit code: 0 it was recorded, 1 recorded, but a utility failed, 2 it could not be written.",
+     "text",
+     "zolexctl record -o server.zrec\n"
+     "zolexctl record --redact -o for-a-report.zrec"},
+    {Command::replay, "replay", "replay FILE -- COMMAND [ARGUMENTS]",
+     "run a command on a recording",
+     "Runs a command of zolexctl, or zolex itself, on a recording instead of this server. Of this "
+     "server nothing is read, and nothing is changed.\n"
+     "Exit code: that of the command, or 2 when the recording cannot be read or lacks what the "
+     "command asks for.",
+     "",
+     "zolexctl replay server.zrec -- show\nzolexctl replay server.zrec -- zolex /c:t,d /f:new.ini"},
+    {Command::explain, "explain", "explain CODE", "what a finding or an exit code means",
+     "Tells what a finding of check means, what it does to a server, and what to write instead. A "
+     "number is an exit code of zolex; exit-4 is exit code 4 of zolexctl.\n"
+     "Exit code: 0 it was told, 2 there is no such code.",
+     "text", "zolexctl explain ZX411\nzolexctl explain 11"},
+}};
+
+// name, short name, value, text, commands, whether it repeats, what is wrong with a value
+constexpr std::array<OptionRow, 24> options{{
+    {"--exact", "", "", "policies with the size of each logical drive in MB, not FILL",
+     only(Command::show)},
+    {"--machine", "", "PATH", "hold the files against this recording, or all of a folder",
+     only(Command::check), true, faultOfText},
+    {"--select", "", "IDS", "only these rules, such as ZX301,ZX5", only(Command::check), true,
+     faultOfRules},
+    {"--ignore", "", "IDS", "all but these rules", only(Command::check), true, faultOfRules},
+    {"--as-old", "", "", "say what zolex itself would say of the file", only(Command::check)},
+    {"--fix", "", "", "mend in the files what can be mended safely", only(Command::check)},
+    {"--redact", "", "", "replace serial numbers and names by made-up ones", only(Command::record)},
+    {"--format", "", "FORMAT", "how to write it", writers},
+    {"--as", "", "FORMAT", "the same as --format", only(Command::show)},
+    {"--output", "-o", "FILE", "write to FILE, which is replaced as a whole", writers, false,
+     faultOfText},
+    {"--recording", "", "FILE", "look at this recording instead of the server", lookers, false,
+     faultOfText},
+    {"--record", "", "FILE", "keep every call of a utility in FILE", lookers, false, faultOfText},
+    {"--controller", "", "N[,N]", "only these controllers, numbered from 1", lookers, true,
+     faultOfControllers},
+    {"--utilities", "", "DIR", "the folder of UTIL.BAT and the utilities", lookers, false,
+     faultOfText},
+    {"--utility", "", "NAME=PATH", "the program of a utility: MEGACLI=/opt/MegaCli64", lookers,
+     true, faultOfUtility},
+    {"--capture-limit-seconds", "", "N", "how long a utility may take (300)", lookers, false,
+     faultOfLimit},
+    {"--machine-type", "", "TEXT", "the type of the machine, instead of asking for it", lookers,
+     false, faultOfText},
+    {"--serial", "", "TEXT", "its serial number, instead of asking for it", lookers, false,
+     faultOfText},
+    {"--color", "", "WHEN", "colours: auto, always or never", anyCommand, false, faultOfColour},
+    {"--width", "", "N", "columns of the text, 40 to 1000", anyCommand, false, faultOfWidth},
+    {"--quiet", "-q", "", "tell only what is wrong", anyCommand},
+    {"--verbose", "-v", "", "tell more", anyCommand},
+    {"--help", "-h", "", "show this help", anyCommand},
+    {"--version", "", "", "show the version", only(Command::none)},
+}};
+
+} // namespace
+
+std::span<const CommandRow> commandRows() {
+    return commands;
+}
+
+std::span<const OptionRow> optionRows() {
+    return options;
+}
+
+const CommandRow* findCommand(std::string_view name) {
+    const auto* const found =
+        std::find_if(commands.begin(), commands.end(),
+                     [name](const CommandRow& row) { return row.name == name; });
+    return found == commands.end() ? nullptr : found;
+}
+
+const CommandRow& rowOf(Command command) {
+    return *std::find_if(commands.begin(), commands.end(),
+                         [command](const CommandRow& row) { return row.command == command; });
+}
+
+} // namespace zolex::companion

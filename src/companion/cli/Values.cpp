@@ -1,0 +1,159 @@
+#include "companion/cli/Values.h"
+
+#include "companion/cli/Suggestion.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace zolex::companion {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, Format>, 8> formats{{
+    {"text", Format::text},
+    {"json", Format::json},
+    {"svg", Format::svg},
+    {"html", Format::html},
+    {"policies", Format::policies},
+    {"concise", Format::concise},
+    {"sarif", Format::sarif},
+    {"github", Format::github},
+}};
+
+constexpr std::array<std::string_view, 7> utilities{
+    "MEGACLI", "ARCCONF", "HRCONF", "QTCSEND", "CFGGEN", "CFGGEN1.02.02", "HYPERWIN"};
+
+std::string faultOfNumber(std::string_view text, std::int32_t least, std::int32_t most) {
+    if (wholeNumber(text, least, most)) {
+        return {};
+    }
+    return inQuotes(text) + " is no number from " + std::to_string(least) + " to " +
+           std::to_string(most);
+}
+
+std::string upper(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+    return result;
+}
+
+} // namespace
+
+std::string inQuotes(std::string_view text) {
+    return "\"" + printable(text) + "\"";
+}
+
+std::optional<Format> formatNamed(std::string_view name) {
+    for (const auto& [own, format] : formats) {
+        if (own == name) {
+            return format;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::int32_t> wholeNumber(std::string_view text, std::int32_t least,
+                                        std::int32_t most) {
+    std::int32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const bool isNumber = error == std::errc() && stop == end;
+    return isNumber && number >= least && number <= most ? std::optional(number) : std::nullopt;
+}
+
+std::vector<std::string> parts(std::string_view text) {
+    std::vector<std::string> result;
+    for (;;) {
+        const std::size_t comma = text.find(',');
+        result.emplace_back(text.substr(0, comma));
+        if (comma == std::string_view::npos) {
+            return result;
+        }
+        text.remove_prefix(comma + 1);
+    }
+}
+
+std::optional<std::vector<std::int32_t>> controllerNumbers(std::string_view text) {
+    std::vector<std::int32_t> numbers;
+    for (const std::string& part : parts(text)) {
+        const auto number = wholeNumber(part, 1, largestControllerNumber);
+        if (!number) {
+            return std::nullopt;
+        }
+        numbers.push_back(*number);
+    }
+    return numbers;
+}
+
+std::optional<std::pair<std::string, std::string>> utilityPath(std::string_view text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos || equals + 1 == text.size()) {
+        return std::nullopt;
+    }
+    std::string name = upper(text.substr(0, equals));
+    if (std::find(utilities.begin(), utilities.end(), name) == utilities.end()) {
+        return std::nullopt;
+    }
+    return std::pair(std::move(name), std::string(text.substr(equals + 1)));
+}
+
+std::string faultOfText(std::string_view text) {
+    return text.empty() ? "the value is empty" : "";
+}
+
+std::string faultOfWidth(std::string_view text) {
+    return faultOfNumber(text, smallestWidth, largestWidth);
+}
+
+std::string faultOfColour(std::string_view text) {
+    const bool isKnown = text == "auto" || text == "always" || text == "never";
+    return isKnown ? "" : inQuotes(text) + " is none of auto, always and never";
+}
+
+std::string faultOfUtility(std::string_view text) {
+    if (utilityPath(text)) {
+        return {};
+    }
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos) {
+        return inQuotes(text) + " is not like MEGACLI=/opt/MegaRAID/MegaCli64";
+    }
+    if (equals + 1 == text.size()) {
+        return inQuotes(text) + " names no program behind the \"=\"";
+    }
+    std::string fault = inQuotes(text.substr(0, equals)) + " is no utility";
+    const std::string_view nearest = nearestWord(text.substr(0, equals), utilities);
+    if (!nearest.empty()) {
+        return fault.append("; did you mean ").append(nearest).append("?");
+    }
+    return fault + ": they are MEGACLI, ARCCONF, HRCONF, QTCSEND, CFGGEN, CFGGEN1.02.02, HYPERWIN";
+}
+
+std::string faultOfControllers(std::string_view text) {
+    return controllerNumbers(text)
+               ? ""
+               : inQuotes(text) + " is no list of numbers from 1 to " +
+                     std::to_string(largestControllerNumber) + ", such as 1 or 1,3";
+}
+
+std::string faultOfLimit(std::string_view text) {
+    return faultOfNumber(text, 1, longestCaptureLimit);
+}
+
+std::string faultOfRules(std::string_view text) {
+    for (const std::string& part : parts(text)) {
+        const std::string id = upper(part);
+        const bool isRule =
+            id.size() >= 2 && id.substr(0, 2) == "ZX" &&
+            std::all_of(id.begin() + 2, id.end(), [](char c) { return c >= '0' && c <= '9'; });
+        if (!isRule) {
+            return inQuotes(part) + " is no rule, nor the beginning of one, such as ZX301 or ZX5";
+        }
+    }
+    return {};
+}
+
+} // namespace zolex::companion

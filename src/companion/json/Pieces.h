@@ -1,0 +1,42 @@
+#pragma once
+
+#include "companion/facts/Facts.h"
+#include "companion/findings/Finding.h"
+#include "companion/json/DocumentHead.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the documents have in common; for the files of this folder alone.
+namespace zolex::companion {
+
+using Json = nlohmann::ordered_json;
+
+/// The beginning of a document: format, format_version, tool, made_at.
+[[nodiscard]] Json documentOf(std::string_view format, const DocumentHead& head);
+
+/// {code, severity, refused_by, summary, detail, help, range}; range is null without a place.
+[[nodiscard]] Json diagnosticOf(const Finding& finding);
+[[nodiscard]] Json diagnosticsOf(const std::vector<Finding>& findings);
+
+/// The text, null for an empty one.
+[[nodiscard]] Json orNull(std::string_view text);
+/// The number, null when there is none.
+template <typename Number>
+[[nodiscard]] Json orNull(const std::optional<Number>& number) {
+    return number ? Json(*number) : Json(nullptr);
+}
+
+/// "OK", "Warning", "Critical"; null when not known.
+[[nodiscard]] Json healthOf(Health health);
+
+/// The document as a text that ends with a newline. Bytes that are not UTF-8 become U+FFFD.
+[[nodiscard]] std::string textOf(const Json& document);
+/// The same in one line, without a newline: one of a file of JSON lines.
+[[nodiscard]] std::string lineOf(const Json& document);
+
+} // namespace zolex::companion

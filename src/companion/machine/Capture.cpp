@@ -1,0 +1,557 @@
+#include "companion/machine/Capture.h"
+
+#include "commands/CommandSource.h"
+#include "companion/facts/FactsReader.h"
+#include "companion/machine/CrossCheck.h"
+#include "companion/machine/Fingerprint.h"
+#include "companion/machine/Join.h"
+#include "companion/machine/ProblemCodes.h"
+#include "companion/machine/ReadOnlyPlatform.h"
+#include "companion/machine/Utilities.h"
+#include "companion/text/Terminal.h"
+#include "foundation/Report.h"
+#include "foundation/Text.h"
+#include "inventory/MachineInformation.h"
+#include "inventory/ZOLEXSupport.h"
+#include "model/ControllerCatalogue.h"
+#include "model/TypeTraits.h"
+#include "platform/Tool.h"
+#include "readers/ConfigurationReader.h"
+#include "run/Runner.h"
+#include "show/FaultTexts.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+/// Keeps what the core tells.
+class Collector : public Report {
+  public:
+    void fault(const Fault& fault) override {
+        faults.push_back(fault);
+        for (const FaultText& text : show::faultTexts(fault)) {
+            addMessage(text.text);
+        }
+    }
+    void note(std::int32_t level, std::string_view text) override {
+        if (level <= level::progress) {
+            addMessage(text);
+        }
+    }
+    void trace(std::string_view /*text*/) override {}
+    [[nodiscard]] bool shows(std::int32_t level) const override { return level <= level::progress; }
+
+    std::vector<Fault> faults;
+    std::vector<std::string> messages;
+
+  private:
+    void addMessage(std::string_view text) {
+        if (const std::string_view trimmed = text::trim(text); !trimmed.empty()) {
+            messages.emplace_back(trimmed);
+        }
+    }
+};
+
+/// Lets reading lines through and keeps how the latest child ended.
+class WatchedPlatform : public ReadOnlyPlatform {
+  public:
+    using ReadOnlyPlatform::ReadOnlyPlatform;
+
+    ChildResult runChild(std::string_view commandLine, bool capture,
+                         std::chrono::milliseconds limit) override {
+        ChildResult result = ReadOnlyPlatform::runChild(commandLine, capture, limit);
+        outcome = result.outcome;
+        exitCode = result.exitCode;
+        return result;
+    }
+
+    ChildOutcome outcome = ChildOutcome::notStarted;
+    std::uint32_t exitCode = 0;
+};
+
+/// What was captured of one controller, before it is put in its place.
+struct Captured {
+    bool isDone = false;
+    FunctionIdentity function;
+    ControllerSnapshot snapshot;
+    std::vector<Fault> faults;
+};
+
+FunctionIdentity functionOf(const RAIDController& controller) {
+    FunctionIdentity identity;
+    identity.type = controller.type();
+    identity.subtype = controller.subtype();
+    const CString told = controller.pciLocation();
+    const std::string_view location = told;
+    const auto number = [location](std::size_t i) {
+        return static_cast<unsigned>(text::leadingInt(text::token(location, ":", i)));
+    };
+    const auto id = [location](std::size_t i) {
+        std::string digits(text::token(location, ":", i));
+        std::transform(digits.begin(), digits.end(), digits.begin(), text::lower);
+        return digits;
+    };
+    if (!id(6).empty()) {
+        identity.pci = formatText("0000:%02x:%02x.%x", number(0), number(1), number(2)).view();
+        identity.pciIds = id(3) + ":" + id(4) + ":" + id(5) + ":" + id(6);
+    }
+    return identity;
+}
+
+/// The first lines that say something, for a reader.
+std::string firstLines(std::string_view output) {
+    constexpr int most = 3;
+    constexpr std::size_t longest = 200;
+    std::string lines;
+    for (int i = 0; i < most && !output.empty();) {
+        const std::size_t end = std::min(output.find('\n'), output.size());
+        std::string_view line = output.substr(0, end);
+        output.remove_prefix(std::min(end + 1, output.size()));
+        line = text::trim(line, " \t\r");
+        if (!line.empty()) {
+            lines.append(lines.empty() ? "" : "\n").append(printable(line.substr(0, longest)));
+            ++i;
+        }
+    }
+    return lines;
+}
+
+/// The line that sounds like a failure; empty for none.
+std::string_view failureLine(std::string_view output) {
+    constexpr std::array<std::string_view, 8> words = {
+        "error", "fail", "invalid", "not found", "unable", "cannot", "denied", "no controller"};
+    while (!output.empty()) {
+        const std::size_t end = std::min(output.find('\n'), output.size());
+        const std::string_view line = output.substr(0, end);
+        output.remove_prefix(std::min(end + 1, output.size()));
+        if (std::any_of(words.begin(), words.end(), [line](std::string_view word) {
+                return text::containsNoCase(line, word);
+            })) {
+            return text::trim(line, " \t\r");
+        }
+    }
+    return {};
+}
+
+std::string secondsText(std::chrono::milliseconds limit) {
+    return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(limit).count()) + " s";
+}
+
+class Capturer {
+  public:
+    Capturer(Platform& platform, const CaptureRequest& request)
+        : platform_(platform), request_(request),
+          source_({.style = {}, .withLayout = true, .scriptPrefix = {}}, report_) {}
+
+    Snapshot run() {
+        findControllers();
+        nameMachine();
+        checkRequest();
+        captured_.resize(snapshot_.controllers.count());
+        for (std::size_t i = 0; i < captured_.size(); ++i) {
+            if (isAsked(i) || decidesOrder(i)) {
+                capture(i);
+            }
+        }
+        putInOrder();
+        for (std::size_t i = 0; i < captured_.size(); ++i) {
+            if (isAsked(i)) {
+                finish(i);
+            }
+        }
+        checkSerialNumbers(snapshot_);
+        return std::move(snapshot_);
+    }
+
+  private:
+    void findControllers() {
+        Collector found;
+        const std::unique_ptr<PCI_DevList_VC> devices = platform_.pciDevices();
+        tell("hardware detector");
+        detected_ = snapshot_.controllers.initialize(
+            *devices, std::make_unique<Tool>(platform_, found, request_.limit), found);
+        detectorOutcome_ = platform_.outcome;
+        detectorCode_ = platform_.exitCode;
+        for (const Fault& fault : found.faults) {
+            // Of the detector is told below, where it matters.
+            if (fault.kind == FaultKind::tooManyControllers) {
+                report_.fault(fault);
+                snapshot_.findings.push_back(problemFinding(
+                    problem::tooManyControllers,
+                    "there are more than " + std::to_string(ControllerList::maxControllers) +
+                        " controllers; the others are left out"));
+            }
+        }
+    }
+
+    /// The user's own names first, then those of the hardware detector, then the firmware's.
+    void nameMachine() {
+        const bool needsType = request_.machineType.empty();
+        const bool needsSerial = request_.serialNumber.empty();
+        Machine detected = detected_.value_or(Machine());
+        if (!detected_ && detectorOutcome_ != ChildOutcome::notStarted &&
+            (needsType || needsSerial)) {
+            snapshot_.findings.push_back(problemFinding(problem::detectorFailed, detectorText()));
+        }
+        FirmwareNames firmware;
+        if ((needsType && detected.machineType.isEmpty()) ||
+            (needsSerial && detected.serialNumber.isEmpty())) {
+            firmware = platform_.firmware();
+        }
+        struct Source {
+            const char* name;
+            std::string_view type;
+            std::string_view serial;
+        };
+        const Source sources[] = {
+            {"options", request_.machineType, request_.serialNumber},
+            {"hwdetect.exe", detected.machineType, detected.serialNumber},
+            {"firmware", firmware.machineType, firmware.serialNumber},
+        };
+        Machine& machine = snapshot_.machine;
+        for (const Source& source : sources) {
+            const bool givesType = machine.machineType.isEmpty() && !source.type.empty();
+            const bool givesSerial = machine.serialNumber.isEmpty() && !source.serial.empty();
+            if (givesType) {
+                machine.machineType = source.type;
+            }
+            if (givesSerial) {
+                machine.serialNumber = source.serial;
+            }
+            if ((givesType || givesSerial) && snapshot_.machineSource.empty()) {
+                snapshot_.machineSource = source.name;
+            }
+        }
+        tellUnknownNames(firmware);
+    }
+
+    void tellUnknownNames(const FirmwareNames& firmware) {
+        const Machine& machine = snapshot_.machine;
+        if (machine.machineType.isEmpty()) {
+            snapshot_.findings.push_back(problemFinding(
+                problem::machineUnknown, "the machine type is not known", firmware.fault));
+        }
+        if (isPlaceholder(machine.serialNumber)) {
+            Finding finding;
+            finding.code = "ZX709";
+            finding.severity = Severity::note;
+            finding.summary = machine.serialNumber.isEmpty()
+                                  ? "the serial number of the machine is not known"
+                                  : "the serial number of the machine is a placeholder: " +
+                                        printable(machine.serialNumber);
+            finding.help = {"give it: --serial NUMBER"};
+            snapshot_.findings.push_back(std::move(finding));
+        }
+    }
+
+    [[nodiscard]] std::string detectorText() const {
+        const std::string line = ZOLEXSupport::detectorCommand;
+        return detectorOutcome_ == ChildOutcome::ended ||
+                       detectorOutcome_ == ChildOutcome::notClosed
+                   ? line + " ended with exit code " + std::to_string(detectorCode_)
+                   : line + " did not end within " + secondsText(request_.limit);
+    }
+
+    void checkRequest() const {
+        for (const std::int32_t number : request_.controllers) {
+            if (number < 1 || static_cast<std::size_t>(number) > snapshot_.controllers.count()) {
+                throw NoSuchController(number, snapshot_.controllers.count());
+            }
+        }
+    }
+
+    [[nodiscard]] bool isAsked(std::size_t index) const {
+        const auto& asked = request_.controllers;
+        return asked.empty() || std::find(asked.begin(), asked.end(),
+                                          static_cast<std::int32_t>(index) + 1) != asked.end();
+    }
+
+    [[nodiscard]] bool isReordered(std::size_t index) const {
+        return reordersByBusNumber(snapshot_.machine) &&
+               traitsOf(snapshot_.controllers.controller(index)->type()).orderedByBus;
+    }
+
+    /// Which of the controllers is the one asked for is known only when the listings of all that
+    /// may change places with it are.
+    [[nodiscard]] bool decidesOrder(std::size_t index) const {
+        if (!isReordered(index)) {
+            return false;
+        }
+        for (std::size_t i = 0; i < snapshot_.controllers.count(); ++i) {
+            if (isAsked(i) && isReordered(i)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void capture(std::size_t index) {
+        RAIDController& controller = *snapshot_.controllers.controller(index);
+        Captured& captured = captured_[index];
+        captured.isDone = true;
+        captured.function = functionOf(controller);
+        ControllerSnapshot& snapshot = captured.snapshot;
+        snapshot.adapter = adapterOf(controller);
+        if (controller.scanOrder() < 1) {
+            fail(snapshot, problem::notAddressed,
+                 "more controllers of " + std::string(utilityOfType(controller.type())) +
+                     " than zolex can name: this one is not asked");
+            return;
+        }
+        takeListings(controller, static_cast<std::int32_t>(index) + 1, snapshot);
+        snapshot.facts = readFacts(controller.type(), snapshot.listings);
+        if (!snapshot.failed) {
+            readWithCore(controller, static_cast<std::int32_t>(index) + 1, captured);
+            judgeListings(controller, snapshot);
+        }
+    }
+
+    static std::int32_t adapterOf(const RAIDController& controller) {
+        const Dialect dialect = traitsOf(controller.type()).dialect;
+        const bool fromZero = dialect == Dialect::cfggen || dialect == Dialect::megaCli;
+        return fromZero ? controller.scanOrder() - 1 : controller.scanOrder();
+    }
+
+    static void fail(ControllerSnapshot& snapshot, std::string_view code, std::string summary,
+                     std::string detail = {}) {
+        snapshot.failed = true;
+        snapshot.findings.push_back(problemFinding(code, std::move(summary), std::move(detail)));
+    }
+
+    void takeListings(const RAIDController& controller, std::int32_t number,
+                      ControllerSnapshot& snapshot) {
+        for (std::size_t i = 0; i < source_.numberOfCommands(controller); ++i) {
+            const CString line = source_.getCommand(controller, number, i);
+            if (!takeListing(controller.type(), line, snapshot)) {
+                return;
+            }
+        }
+    }
+
+    /// False when the listing cannot be had, which is told.
+    bool takeListing(std::int32_t type, const CString& line, ControllerSnapshot& snapshot) {
+        CapturedListing& command = snapshot.commands.emplace_back();
+        command.command = text::trim(line, "\r\n");
+        const std::string shown(text::trim(line));
+        tell(shown);
+        for (int second = 0; second < traitsOf(type).secondsBeforeCommand; ++second) {
+            platform_.pauseOneSecond();
+        }
+        const auto begin = std::chrono::steady_clock::now();
+        ChildResult result = platform_.runChild(line, true, request_.limit);
+        command.duration = std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now() - begin);
+        command.outcome = result.outcome;
+        command.exitCode = result.exitCode;
+        snapshot.listings.push_back(std::move(result.output));
+        return judgeResult(type, shown, command, snapshot);
+    }
+
+    bool judgeResult(std::int32_t type, const std::string& shown, const CapturedListing& command,
+                     ControllerSnapshot& snapshot) const {
+        switch (command.outcome) {
+        case ChildOutcome::noPipe:
+            fail(snapshot, problem::utilityNotStarted, "no pipe for the output of " + shown);
+            return false;
+        case ChildOutcome::notStarted:
+            fail(snapshot, problem::utilityNotStarted, shown + " cannot be started");
+            return false;
+        case ChildOutcome::stillRunning:
+            fail(snapshot, problem::utilityStillRuns,
+                 shown + " did not end within " + secondsText(request_.limit),
+                 "or it printed more than " + std::to_string(mostChildOutput >> 20U) +
+                     " MB; it goes on by itself");
+            return false;
+        case ChildOutcome::ended:
+        case ChildOutcome::notClosed:
+            break;
+        }
+        if (!isAccepted(type, command.exitCode)) {
+            fail(snapshot, problem::utilityFailed,
+                 shown + " ended with exit code " + std::to_string(command.exitCode),
+                 firstLines(snapshot.listings.back()));
+            return false;
+        }
+        return true;
+    }
+
+    void readWithCore(RAIDController& controller, std::int32_t number, Captured& captured) {
+        Collector found;
+        const ReaderEntry* const entry = findReader(controller.type());
+        const bool read =
+            entry != nullptr &&
+            entry->create({.layout = true, .dumpRecords = false, .number = number}, found)
+                ->readConfiguration(controller, captured.snapshot.listings);
+        captured.faults = found.faults;
+        if (!read) {
+            Finding finding =
+                problemFinding(problem::listingRefused, "zolex does not understand the listing");
+            finding.detail = found.messages.empty() ? "" : found.messages.back();
+            captured.snapshot.findings.push_back(std::move(finding));
+        }
+        for (const Fault& fault : found.faults) {
+            const std::vector<FaultText> texts = show::faultTexts(fault);
+            captured.snapshot.findings.push_back(
+                problemFinding(problem::listingLimit,
+                               texts.empty() ? std::string("zolex leaves a part of the listing out")
+                                             : withoutStop(text::trim(texts.front().text))));
+        }
+        snapshot_.faults.insert(snapshot_.faults.end(), found.faults.begin(), found.faults.end());
+        snapshot_.coreMessages.insert(snapshot_.coreMessages.end(), found.messages.begin(),
+                                      found.messages.end());
+    }
+
+    static std::string withoutStop(std::string_view text) {
+        return std::string(text.ends_with('.') ? text.substr(0, text.size() - 1) : text);
+    }
+
+    /// A utility may print an error and end with 0 all the same.
+    static void judgeListings(const RAIDController& controller, ControllerSnapshot& snapshot) {
+        bool tellsNothing = true;
+        for (std::size_t i = 0; i < snapshot.listings.size(); ++i) {
+            const std::string& listing = snapshot.listings[i];
+            const std::string shown(text::trim(snapshot.commands[i].command));
+            const bool isKnown =
+                i < snapshot.facts.listings.size() &&
+                (snapshot.facts.listings[i].blocks > 0 || snapshot.facts.listings[i].keysUsed > 0);
+            tellsNothing = tellsNothing && !isKnown;
+            if (text::trim(listing, " \t\r\n").empty()) {
+                snapshot.findings.push_back(problemFinding(
+                    problem::notAListing, shown + " printed nothing and ended with exit code " +
+                                              std::to_string(snapshot.commands[i].exitCode)));
+            } else if (const std::string_view line = failureLine(listing);
+                       !isKnown && !line.empty()) {
+                snapshot.findings.push_back(
+                    problemFinding(problem::notAListing,
+                                   shown + " ended with exit code " +
+                                       std::to_string(snapshot.commands[i].exitCode) +
+                                       ", but printed: " + printable(line.substr(0, 200)),
+                                   firstLines(listing)));
+            }
+        }
+        if (tellsNothing && controller.numberOfDrives() == 0 && !controller.firmwareVersion() &&
+            !controller.biosVersion()) {
+            snapshot.failed = true;
+            const bool told = std::any_of(
+                snapshot.findings.begin(), snapshot.findings.end(),
+                [](const Finding& finding) { return finding.code == problem::notAListing; });
+            if (!told) {
+                snapshot.findings.push_back(problemFinding(problem::notAListing,
+                                                           "what the utility printed is no listing",
+                                                           firstLines(snapshot.listings.front())));
+            }
+        }
+    }
+
+    /// Controllers change places as they do before zolex plans; what was captured goes with them.
+    void putInOrder() {
+        if (!reordersByBusNumber(snapshot_.machine)) {
+            return;
+        }
+        using Key = std::pair<std::int32_t, std::int32_t>;
+        const auto keyOf = [this](std::size_t i) {
+            const RAIDController& controller = *snapshot_.controllers.controller(i);
+            return Key(controller.type(), controller.scanOrder());
+        };
+        std::multimap<Key, std::size_t> before;
+        bool isSure = true;
+        bool reorders = false;
+        for (std::size_t i = 0; i < captured_.size(); ++i) {
+            before.emplace(keyOf(i), i);
+            if (isReordered(i) && captured_[i].isDone) {
+                reorders = true;
+                isSure = isSure && !captured_[i].snapshot.failed;
+            }
+        }
+        if (!reorders) {
+            return;
+        }
+        snapshot_.controllers.reorderByBusNumber();
+        std::vector<Captured> ordered(captured_.size());
+        for (std::size_t i = 0; i < captured_.size(); ++i) {
+            const auto entry = before.find(keyOf(i));
+            ordered[i] = std::move(captured_[entry->second]);
+            before.erase(entry);
+            // The slot keeps its PCI function.
+            const FunctionIdentity function = functionOf(*snapshot_.controllers.controller(i));
+            ordered[i].function.pci = function.pci;
+            ordered[i].function.pciIds = function.pciIds;
+        }
+        captured_ = std::move(ordered);
+        if (!isSure) {
+            snapshot_.findings.push_back(problemFinding(
+                problem::orderUnknown,
+                "the numbers of controllers are not sure: a listing that tells a bus is missing"));
+        }
+    }
+
+    void finish(std::size_t index) {
+        const RAIDController& controller = *snapshot_.controllers.controller(index);
+        Captured& captured = captured_[index];
+        ControllerSnapshot& snapshot = captured.snapshot;
+        snapshot.number = static_cast<std::int32_t>(index) + 1;
+        snapshot.index = index;
+        snapshot.model =
+            ControllerCatalogue::getControllerName(controller.type(), controller.subtype()).view();
+        snapshot.utility = utilityOfType(controller.type());
+        snapshot.pci = captured.function.pci;
+        snapshot.pciIds = captured.function.pciIds;
+        if (!snapshot.failed) {
+            join(controller, snapshot);
+            checkAgainstFunction(captured.function, snapshot);
+            for (const BrokenBlock& broken : snapshot.facts.broken) {
+                snapshot.findings.push_back(
+                    problemFinding(problem::brokenBlock,
+                                   commandOf(snapshot, broken.place.listing) + ", line " +
+                                       std::to_string(broken.place.line) + ": " + broken.what));
+            }
+        }
+        snapshot_.details.push_back(std::move(snapshot));
+    }
+
+    static std::string commandOf(const ControllerSnapshot& snapshot, std::size_t listing) {
+        return listing < snapshot.commands.size()
+                   ? std::string(text::trim(snapshot.commands[listing].command))
+                   : std::string("listing");
+    }
+
+    void tell(const std::string& text) const {
+        if (request_.progress) {
+            request_.progress(text);
+        }
+    }
+
+    WatchedPlatform platform_;
+    const CaptureRequest& request_;
+    SilentReport report_;
+    GetConfigFiles source_;
+    Snapshot snapshot_;
+    std::vector<Captured> captured_;
+    std::optional<Machine> detected_;
+    ChildOutcome detectorOutcome_ = ChildOutcome::notStarted;
+    std::uint32_t detectorCode_ = 0;
+};
+
+} // namespace
+
+NoSuchController::NoSuchController(std::int32_t number, std::size_t count)
+    : std::runtime_error("there is no controller " + std::to_string(number) +
+                         (count == 0   ? ": this machine has none"
+                          : count == 1 ? ": this machine has one, number 1"
+                                       : ": this machine has " + std::to_string(count))),
+      number_(number) {}
+
+bool Snapshot::isComplete() const {
+    return std::none_of(details.begin(), details.end(),
+                        [](const ControllerSnapshot& controller) { return controller.failed; });
+}
+
+Snapshot captureMachine(Platform& platform, const CaptureRequest& request) {
+    return Capturer(platform, request).run();
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "companion/machine/Snapshot.h"
+#include "platform/Platform.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace zolex::companion {
+
+/// What is captured of a machine.
+struct CaptureRequest {
+    std::string machineType;                 ///< given instead of asked for; or empty
+    std::string serialNumber;                ///< the same
+    std::vector<std::int32_t> controllers;   ///< numbers from 1; empty: all
+    std::chrono::milliseconds limit{300000}; ///< for each child
+    /// Told before each child: "controller 1 of 2: UTIL.BAT MEGACLI -pdList -a0". May be empty.
+    std::function<void(const std::string& text)> progress;
+};
+
+/// A controller was asked for that the machine does not have.
+class NoSuchController : public std::runtime_error {
+  public:
+    NoSuchController(std::int32_t number, std::size_t count);
+    [[nodiscard]] std::int32_t number() const { return number_; }
+
+  private:
+    std::int32_t number_;
+};
+
+/// Looks at the machine: its names, its controllers, and of each one asked for the listings with
+/// the layout, read twice. Nothing but reading command lines reach `platform`, as zolex writes them
+/// ("UTIL.BAT MEGACLI -pdList -a0"): a UtilityPlatform, a recording or what replays one. What fails
+/// is told in the snapshot and ends nothing else. NoSuchController is thrown before any utility is
+/// asked, or behind the capture where the controllers' numbers depend on it.
+[[nodiscard]] Snapshot captureMachine(Platform& platform, const CaptureRequest& request);
+
+} // namespace zolex::companion

@@ -1,0 +1,179 @@
+#include "companion/machine/Fingerprint.h"
+
+#include "companion/machine/NormalForm.h"
+#include "companion/machine/Sha256.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zolex::companion {
+
+namespace {
+
+// Texts, letters and digits in lower case, that firmware has in the place of a serial number.
+constexpr std::array<std::string_view, 24> placeholders = {"none",
+                                                           "null",
+                                                           "unknown",
+                                                           "na",
+                                                           "notspecified",
+                                                           "notapplicable",
+                                                           "notavailable",
+                                                           "notprovided",
+                                                           "tobefilledbyoem",
+                                                           "tobefilled",
+                                                           "defaultstring",
+                                                           "default",
+                                                           "systemserialnumber",
+                                                           "chassisserialnumber",
+                                                           "baseboardserialnumber",
+                                                           "serialnumber",
+                                                           "serial",
+                                                           "sn",
+                                                           "oem",
+                                                           "invalid",
+                                                           "empty",
+                                                           "0123456789",
+                                                           "1234567890",
+                                                           "123456789"};
+
+std::string squeezed(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        const char lower = text::lower(c);
+        if ((lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9')) {
+            result += lower;
+        }
+    }
+    return result;
+}
+
+/// A field of the text that is hashed: its length keeps the fields apart.
+void append(std::string& text, std::string_view field) {
+    text += std::to_string(field.size());
+    text += ':';
+    text += field;
+    text += '\n';
+}
+
+std::string_view toldSerial(std::string_view serial) {
+    return isPlaceholder(serial) ? std::string_view() : serial;
+}
+
+/// Good drives change between free, member and spare with the layout; what is wrong with one is a
+/// state of its own.
+std::string_view conditionOf(const DriveFacts& drive) {
+    switch (drive.state) {
+    case DriveState::failed:
+        return "failed";
+    case DriveState::missing:
+        return "missing";
+    case DriveState::foreign:
+        return "foreign";
+    case DriveState::rebuilding:
+        return "rebuilding";
+    default:
+        return drive.health == Health::critical ? "failed" : "good";
+    }
+}
+
+std::string stateText(const ControllerSnapshot& controller) {
+    std::vector<std::string> drives;
+    for (const MachineDrive& drive : controller.drives) {
+        const DriveFacts& facts = drive.facts;
+        constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
+        std::string text;
+        append(text, facts.location);
+        append(text, facts.serialNumber.empty() ? facts.inquiry : facts.serialNumber);
+        append(text, facts.capacityBytes ? std::to_string(*facts.capacityBytes / bytesOfMb) : "");
+        append(text, conditionOf(facts));
+        drives.push_back(std::move(text));
+    }
+    std::sort(drives.begin(), drives.end());
+    std::string all;
+    append(all, std::to_string(controller.number));
+    append(all, controller.failed ? "failed" : "captured");
+    append(all, std::to_string(drives.size()));
+    for (const std::string& drive : drives) {
+        all += drive;
+    }
+    append(all, normalForm(controller.facts));
+    return all;
+}
+
+Strength strengthOf(const Snapshot& snapshot) {
+    bool controllers = !snapshot.details.empty();
+    bool drives = false;
+    bool allDrives = true;
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        controllers = controllers && !isPlaceholder(controller.facts.serialNumber);
+        for (const MachineDrive& drive : controller.drives) {
+            const bool told = !isPlaceholder(drive.facts.serialNumber);
+            drives = drives || told;
+            allDrives = allDrives && told;
+        }
+    }
+    if (controllers && drives && allDrives) {
+        return Strength::serials;
+    }
+    if (drives && allDrives) {
+        return Strength::drives;
+    }
+    return isPlaceholder(snapshot.machine.serialNumber) ? Strength::positions : Strength::machine;
+}
+
+} // namespace
+
+bool isPlaceholder(std::string_view serialNumber) {
+    const std::string text = squeezed(serialNumber);
+    return text.empty() || text.find_first_not_of('0') == std::string::npos ||
+           text.find_first_not_of('x') == std::string::npos ||
+           text.find_first_not_of('f') == std::string::npos ||
+           std::find(placeholders.begin(), placeholders.end(), text) != placeholders.end();
+}
+
+std::string_view strengthWord(Strength strength) {
+    switch (strength) {
+    case Strength::serials:
+        return "serials";
+    case Strength::drives:
+        return "drives";
+    case Strength::machine:
+        return "machine";
+    case Strength::positions:
+        break;
+    }
+    return "positions";
+}
+
+Fingerprint fingerprintOf(const Snapshot& snapshot) {
+    Fingerprint print;
+    print.strength = strengthOf(snapshot);
+    print.machineType = snapshot.machine.machineType.view();
+    print.serialNumber = toldSerial(snapshot.machine.serialNumber);
+    std::string identity;
+    std::string state;
+    append(identity, Fingerprint::algorithm);
+    append(identity, print.machineType);
+    append(identity, print.serialNumber);
+    append(state, Fingerprint::algorithm);
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        Fingerprint::Controller& part = print.controllers.emplace_back();
+        part.number = controller.number;
+        part.pci = controller.pci;
+        part.ids = controller.pciIds;
+        part.model = controller.model;
+        part.serialNumber = toldSerial(controller.facts.serialNumber);
+        append(identity, std::to_string(part.number));
+        append(identity, part.pci);
+        append(identity, part.ids);
+        append(identity, part.model);
+        append(identity, part.serialNumber);
+        state += stateText(controller);
+    }
+    print.identity = sha256(identity);
+    print.state = sha256(state);
+    return print;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,110 @@
+#include "companion/machine/ProblemCodes.h"
+
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+using enum Severity;
+
+// Columns: id, severity, title, why, help. Order: by id.
+// clang-format off
+constexpr std::array<ProblemCode, 21> problemRows = {{
+    {problem::utilityMissing, error, "a utility that a controller needs is missing",
+     "Nothing is known of the controller, and nothing can be done with it.",
+     "install it, or name it: zolexctl --utility MEGACLI=/path/MegaCli64 doctor"},
+    {problem::utilityNotStarted, error, "a utility cannot be started",
+     "It is there, but the system does not run it: no right to, or not a program of this system.",
+     "start the command by hand to see why"},
+    {problem::utilityStillRuns, error, "a utility does not end, or prints without end",
+     "What it prints is not used. It goes on by itself and may hold the controller.",
+     "wait for it to end, or give it longer: --capture-limit-seconds 900"},
+    {problem::utilityFailed, error, "a utility ends with an exit code that means failure",
+     "zolex stops at it (exit code 4 when it captures), and nothing is known of the controller.",
+     "start the command by hand; what it printed tells why"},
+    {problem::notAListing, error, "what a utility printed is no listing, although it ended with 0",
+     "zolex takes it for a controller without drives and says that all is well.",
+     "start the command by hand; what it printed tells why"},
+    {problem::listingRefused, error, "zolex does not understand a listing",
+     "zolex stops at it, and policies have no drive numbers for this controller.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::otherModel, error, "the listing names another model than the PCI function",
+     "The utility numbers its controllers otherwise than zolex: commands would reach another one.",
+     "take one of the controllers out, or configure them by hand"},
+    {problem::otherPciFunction, error, "the listing is of another PCI function",
+     "The utility numbers its controllers otherwise than zolex: commands would reach another one.",
+     "take one of the controllers out, or configure them by hand"},
+    {problem::sameSerial, error, "two controllers have the same serial number",
+     "The utility shows one controller under two numbers: one of them cannot be reached.",
+     "start the listing commands by hand and compare them"},
+    {problem::notAddressed, error, "a controller has no number in its utility's commands",
+     "zolex counts 15 controllers of one utility; the commands for more would reach another one.",
+     "take the surplus controllers out, or configure them by hand"},
+    {problem::listingLimit, warning, "a listing has more than zolex can keep",
+     "What is beyond is left out by zolex, when it captures and when it plans.",
+     "zolexctl show has all of it"},
+    {problem::brokenBlock, warning, "a block of a listing cannot be read to its end",
+     "A drive or a logical drive in it may be missing or only half known.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::readingsDiffer, warning, "two readings of one listing differ",
+     "zolex plans by the first reading; the second one tells otherwise.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::exitCodesLost, error, "the wrapper loses exit codes",
+     "A command that fails would pass for one that succeeded, and nobody would know.",
+     "let UTIL.BAT end with the code of the program: exit /b %ERRORLEVEL%, or exec in a script"},
+    {problem::detectorFailed, warning, "hwdetect.exe fails",
+     "zolex ends with exit code 5 when it plans; zolexctl asks the firmware instead.",
+     "start hwdetect.exe /i by hand to see why"},
+    {problem::machineUnknown, note, "the machine type is not known",
+     "Policies that ask for a machine type (m:) match nothing.",
+     "give it: --machine-type TYPE"},
+    {problem::tooManyControllers, warning, "there are more controllers than zolex keeps",
+     "Those beyond are left out.",
+     "take the surplus controllers out"},
+    {problem::temporaryFolder, warning, "the folder for temporary files cannot be used",
+     "Utilities that write files there fail.",
+     "set TMPDIR (TEMP on Windows) to a folder that can be written"},
+    {problem::clockWrong, warning, "the clock of this machine is wrong",
+     "Records and journals carry wrong times.",
+     "set the clock"},
+    {problem::noControllers, error, "there is no RAID controller",
+     "No PCI function is one of a controller that zolex knows: it is not there, or switched off.",
+     "look at the list of PCI functions and at the firmware's settings"},
+    {problem::orderUnknown, warning, "the order of the controllers is not known for sure",
+     "This machine's controllers are put in order of the bus that their listings tell.",
+     "mend the listing that fails first; numbers of controllers may change then"},
+}};
+// clang-format on
+
+} // namespace
+
+std::span<const ProblemCode> problemCodes() {
+    return problemRows;
+}
+
+const ProblemCode* findProblemCode(std::string_view id) {
+    const auto* const row =
+        std::find_if(problemRows.begin(), problemRows.end(),
+                     [id](const ProblemCode& code) { return text::equalsNoCase(code.id, id); });
+    return row == problemRows.end() ? nullptr : row;
+}
+
+Finding problemFinding(std::string_view id, std::string summary, std::string detail) {
+    Finding finding;
+    finding.code = id;
+    finding.summary = std::move(summary);
+    finding.detail = std::move(detail);
+    if (const ProblemCode* const code = findProblemCode(id)) {
+        finding.severity = code->severity;
+        finding.help.emplace_back(code->help);
+    }
+    return finding;
+}
+
+} // namespace zolex::companion

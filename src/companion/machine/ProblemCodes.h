@@ -1,0 +1,53 @@
+#pragma once
+
+#include "companion/findings/Finding.h"
+
+#include <span>
+#include <string_view>
+
+namespace zolex::companion {
+
+/// What can be wrong with a machine, its utilities or their listings, where no rule of the linter
+/// says so.
+struct ProblemCode {
+    std::string_view id;    ///< "ZP101"
+    Severity severity;      ///< usual one
+    std::string_view title; ///< what it finds, in a few words
+    std::string_view why;   ///< what it means for what zolex and zolexctl do
+    std::string_view help;  ///< what to do
+};
+
+namespace problem {
+inline constexpr std::string_view utilityMissing = "ZP101";
+inline constexpr std::string_view utilityNotStarted = "ZP102";
+inline constexpr std::string_view utilityStillRuns = "ZP103";
+inline constexpr std::string_view utilityFailed = "ZP104";
+inline constexpr std::string_view notAListing = "ZP105";
+inline constexpr std::string_view listingRefused = "ZP106";
+inline constexpr std::string_view otherModel = "ZP107";
+inline constexpr std::string_view otherPciFunction = "ZP108";
+inline constexpr std::string_view sameSerial = "ZP109";
+inline constexpr std::string_view notAddressed = "ZP110";
+inline constexpr std::string_view listingLimit = "ZP111";
+inline constexpr std::string_view brokenBlock = "ZP112";
+inline constexpr std::string_view readingsDiffer = "ZP113";
+inline constexpr std::string_view exitCodesLost = "ZP114";
+inline constexpr std::string_view detectorFailed = "ZP115";
+inline constexpr std::string_view machineUnknown = "ZP116";
+inline constexpr std::string_view tooManyControllers = "ZP117";
+inline constexpr std::string_view temporaryFolder = "ZP118";
+inline constexpr std::string_view clockWrong = "ZP119";
+inline constexpr std::string_view noControllers = "ZP120";
+inline constexpr std::string_view orderUnknown = "ZP121";
+} // namespace problem
+
+/// All of them, in the order of their ids.
+[[nodiscard]] std::span<const ProblemCode> problemCodes();
+/// Null when there is none of this id; letter case is ignored.
+[[nodiscard]] const ProblemCode* findProblemCode(std::string_view id);
+
+/// A finding of this code, with the usual severity and help. The code is one of the table.
+[[nodiscard]] Finding problemFinding(std::string_view id, std::string summary,
+                                     std::string detail = {});
+
+} // namespace zolex::companion

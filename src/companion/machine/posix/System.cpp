@@ -1,0 +1,57 @@
+#include "companion/machine/System.h"
+
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <string_view>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace zolex::companion::system {
+
+std::string ownFolder() {
+    std::array<char, PATH_MAX> buffer{};
+    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+    if (length <= 0) {
+        return {};
+    }
+    const std::string path(buffer.data(), static_cast<std::size_t>(length));
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+std::vector<std::string> searchPath() {
+    const char* const path = std::getenv("PATH");
+    std::string_view rest = path == nullptr ? "/bin:/usr/bin" : path;
+    std::vector<std::string> folders;
+    for (;;) {
+        const std::size_t end = rest.find(':');
+        folders.emplace_back(rest.substr(0, end));
+        if (end == std::string_view::npos) {
+            break;
+        }
+        rest.remove_prefix(end + 1);
+    }
+    // Where the packages of the utilities put them.
+    for (const char* const folder : {"/opt/MegaRAID/MegaCli", "/usr/Arcconf", "/usr/StorMan"}) {
+        folders.emplace_back(folder);
+    }
+    return folders;
+}
+
+TemporaryFolder temporaryFolder() {
+    const char* const named = std::getenv("TMPDIR");
+    TemporaryFolder folder;
+    folder.name = named == nullptr || *named == '\0' ? "/tmp" : named;
+    folder.isWritable = ::access(folder.name.c_str(), W_OK | X_OK) == 0;
+    struct statvfs status = {};
+    if (::statvfs(folder.name.c_str(), &status) == 0) {
+        folder.freeBytes = static_cast<std::uint64_t>(status.f_bavail) * status.f_frsize;
+    }
+    return folder;
+}
+
+std::optional<std::uint32_t> codePage() {
+    return std::nullopt;
+}
+
+} // namespace zolex::companion::system

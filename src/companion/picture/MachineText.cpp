@@ -1,0 +1,423 @@
+#include "companion/picture/MachineText.h"
+
+#include "companion/picture/Roles.h"
+#include "companion/text/Sizes.h"
+#include "companion/text/Table.h"
+#include "companion/text/Utf8.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string_view>
+#include <vector>
+
+namespace zolex::companion {
+
+namespace {
+
+constexpr std::size_t headIndent = 14; ///< as wide as "Controller 1  "
+
+std::string joined(const std::vector<std::string>& pieces, std::string_view separator) {
+    std::string text;
+    for (const std::string& piece : pieces) {
+        text += (text.empty() ? "" : std::string(separator)) + piece;
+    }
+    return text;
+}
+
+class Writer {
+  public:
+    Writer(const ControllerSnapshot& controller, const TextStyle& style, bool verbose)
+        : controller_(controller), style_(style), width_(static_cast<std::size_t>(style.width)),
+          verbose_(verbose) {}
+
+    std::string write() {
+        head();
+        if (controller_.failed) {
+            line("  ! ", printable(controller_.utility) + " failed: nothing more is known",
+                 Emphasis::bad);
+        } else if (controller_.drives.empty()) {
+            out_ += "  No drives\n";
+        } else {
+            drives();
+        }
+        for (const Finding& finding : controller_.findings) {
+            this->finding(finding);
+        }
+        if (!controller_.failed) {
+            troubles();
+            layout();
+        }
+        if (verbose_ || controller_.failed) {
+            commands();
+        }
+        return std::move(out_);
+    }
+
+  private:
+    /// A text behind its sign, folded.
+    void line(std::string_view sign, const std::string& text, Emphasis emphasis) {
+        const std::size_t indent = sign.size();
+        std::string folded = foldedWords(text, indent, indent, width_);
+        out_ += emphasized(std::string(sign) + folded, emphasis, style_) + "\n";
+    }
+
+    void head() {
+        const std::string name = "Controller " + std::to_string(controller_.number) + "  ";
+        std::vector<std::string> first{productText(controller_)};
+        if (!controller_.facts.serialNumber.empty()) {
+            first.push_back("serial " + printable(controller_.facts.serialNumber));
+        }
+        std::vector<std::string> second;
+        if (const std::string pci = pciText(controller_); !pci.empty()) {
+            second.push_back(pci);
+        }
+        if (!controller_.facts.firmwareVersion.empty()) {
+            second.push_back("firmware " + printable(controller_.facts.firmwareVersion));
+        }
+        const std::string indent(headIndent, ' ');
+        out_ += emphasized(name, Emphasis::heading, style_);
+        out_ += emphasized(foldedText(first, "  ", name.size(), headIndent, width_), Emphasis::bold,
+                           style_) +
+                "\n";
+        if (!second.empty()) {
+            out_ += indent + foldedText(second, "  ", headIndent, headIndent, width_) + "\n";
+        }
+        if (const std::vector<std::string> abilities = abilitiesOf(controller_.facts);
+            !abilities.empty()) {
+            out_ += indent + foldedText(abilities, ", ", headIndent, headIndent, width_) + "\n";
+        }
+    }
+
+    [[nodiscard]] static Emphasis emphasisOf(const MachineDrive& drive) {
+        switch (roleOf(drive)) {
+        case Role::failed:
+            return Emphasis::bad;
+        case Role::foreign:
+        case Role::unknown:
+            return Emphasis::warning;
+        default:
+            return drive.facts.state == DriveState::rebuilding || !troubleOf(drive.facts).empty()
+                       ? Emphasis::warning
+                       : Emphasis::plain;
+        }
+    }
+
+    [[nodiscard]] static std::string driveName(const DriveFacts& facts, std::size_t columns) {
+        std::string model = modelOf(facts);
+        const std::string serial = printable(lastCharacters(facts.serialNumber, 4));
+        if (columnsOf(model) + columnsOf(serial) + 1 > columns) {
+            model = shortened(model, std::max(columns - columnsOf(serial) - 1, std::size_t{8}));
+        }
+        return model + (model.empty() || serial.empty() ? "" : " ") + serial;
+    }
+
+    /// The tables of the drives, with their titles before or above them.
+    [[nodiscard]] Table driveTable(const std::vector<DriveRow>& rows, bool stacked,
+                                   std::size_t driveColumns) const {
+        Table table(stacked ? 4 : 2);
+        const auto add = [&](const std::string& title, std::vector<TableCell> cells) {
+            if (!stacked) {
+                cells.insert(cells.begin(), {title, Emphasis::heading});
+            }
+            table.add(std::move(cells));
+        };
+        for (const DriveRow& row : rows) {
+            add(row.title, {{"no", Emphasis::dim, true},
+                            {"location", Emphasis::dim},
+                            {"size", Emphasis::dim, true},
+                            {"drive", Emphasis::dim},
+                            {"state", Emphasis::dim},
+                            {"in", Emphasis::dim}});
+            for (const DriveRow::Slot& slot : row.slots) {
+                if (!slot.drive) {
+                    continue;
+                }
+                const MachineDrive& drive = controller_.drives[*slot.drive];
+                const Emphasis emphasis = emphasisOf(drive);
+                const std::string state = printable(drive.facts.reportedState);
+                add("", {{numberOf(drive), emphasis == Emphasis::plain ? Emphasis::bold : emphasis,
+                          true},
+                         {printable(drive.facts.location), emphasis},
+                         {sizeText(drive.facts.capacityBytes), emphasis, true},
+                         {driveName(drive.facts, driveColumns), emphasis},
+                         {shortened(state, driveColumns), emphasis},
+                         {jobOf(drive), emphasis == Emphasis::plain ? Emphasis::bold : emphasis}});
+            }
+        }
+        return table;
+    }
+
+    /// The titles stand before the tables where there is room for it; else above them, and what is
+    /// still too wide is cut.
+    void drives() {
+        const std::vector<DriveRow> rows = driveRowsOf(controller_);
+        constexpr std::size_t whole = 48;
+        if (const Table table = driveTable(rows, false, whole); table.width() <= width_) {
+            out_ += table.text(style_);
+            return;
+        }
+        std::size_t columns = whole;
+        while (columns > 12 && driveTable(rows, true, columns).width() > width_) {
+            --columns;
+        }
+        const std::vector<std::string> lines = driveTable(rows, true, columns).lines(style_);
+        std::size_t next = 0;
+        for (const DriveRow& row : rows) {
+            out_ += "  " + emphasized(row.title, Emphasis::heading, style_) + "\n";
+            const auto drives = std::count_if(row.slots.begin(), row.slots.end(),
+                                              [](const auto& slot) { return slot.drive; });
+            for (std::size_t i = 0; i <= static_cast<std::size_t>(drives); ++i) {
+                out_ += lines[next++];
+            }
+        }
+    }
+
+    void finding(const Finding& finding) {
+        const Emphasis emphasis = finding.severity == Severity::error  ? Emphasis::bad
+                                  : finding.severity == Severity::note ? Emphasis::dim
+                                                                       : Emphasis::warning;
+        line(finding.severity == Severity::note ? "    " : "  ! ", printable(finding.summary),
+             emphasis);
+        if (verbose_ && !finding.detail.empty()) {
+            line("    ", printable(finding.detail), Emphasis::plain);
+        }
+        for (const std::string& help : finding.help) {
+            if (verbose_) {
+                line("    help: ", printable(help), Emphasis::dim);
+            }
+        }
+    }
+
+    /// What is wrong with drives that are not failed.
+    void troubles() {
+        for (const MachineDrive& drive : controller_.drives) {
+            const std::string trouble = troubleOf(drive.facts);
+            if (roleOf(drive) != Role::failed && !trouble.empty()) {
+                line("  ! ", printable(drive.facts.location) + "  " + trouble, Emphasis::warning);
+            }
+        }
+    }
+
+    /// One line of the layout: sign, drives, and what they are.
+    struct LayoutLine {
+        TableCell sign;
+        std::vector<std::string> drives;
+        std::vector<TableCell> what;
+    };
+
+    [[nodiscard]] static std::vector<TableCell> cellsOf(const LogicalDriveFacts& logicalDrive) {
+        const Emphasis state = logicalDrive.health == Health::critical  ? Emphasis::bad
+                               : logicalDrive.health == Health::warning ? Emphasis::warning
+                               : logicalDrive.health == Health::ok      ? Emphasis::good
+                                                                        : Emphasis::plain;
+        return {{"LD " + printable(logicalDrive.id)},
+                {levelOf(logicalDrive)},
+                {sizeText(logicalDrive.capacityBytes), Emphasis::plain, true},
+                {stateText(logicalDrive.reportedState), state},
+                {cacheOf(logicalDrive)},
+                {logicalDrive.stripSizeBytes ? sizeText(*logicalDrive.stripSizeBytes) : "",
+                 Emphasis::plain, true},
+                {logicalDrive.name.empty() ? "" : "\"" + printable(logicalDrive.name) + "\"",
+                 Emphasis::dim}};
+    }
+
+    [[nodiscard]] std::vector<LayoutLine> arrayLines() const {
+        std::vector<LayoutLine> lines;
+        for (const MachineArray& array : controller_.arrays) {
+            LayoutLine line{{array.letter, Emphasis::bold}, locationRanges(array.drives), {}};
+            for (const std::size_t index : array.logicalDrives) {
+                line.what = cellsOf(controller_.facts.logicalDrives.at(index));
+                lines.push_back(line);
+                line.sign.text.clear();
+                line.drives.clear();
+            }
+            if (array.logicalDrives.empty()) {
+                line.what = {{"no logical drive"}};
+                lines.push_back(line);
+            }
+        }
+        return lines;
+    }
+
+    /// Drives with one job, as a line of the layout; none where there are no such drives.
+    void addGroup(std::vector<LayoutLine>& lines, Role role, HotspareKind kind,
+                  std::string_view sign, Emphasis emphasis, const char* one,
+                  const char* many) const {
+        std::vector<std::string> locations;
+        std::uint64_t bytes = 0;
+        for (const MachineDrive& drive : controller_.drives) {
+            const bool isDedicated = drive.facts.hotspare == HotspareKind::dedicated;
+            if (roleOf(drive) == role &&
+                (role != Role::hotspare || isDedicated == (kind == HotspareKind::dedicated))) {
+                locations.push_back(drive.facts.location);
+                bytes += drive.facts.capacityBytes.value_or(0);
+            }
+        }
+        if (locations.empty()) {
+            return;
+        }
+        std::string text = countText(locations.size(), one, many);
+        text += bytes > 0 ? ", " + sizeText(bytes) : "";
+        lines.push_back(
+            {{std::string(sign), emphasis}, locationRanges(locations), {{text, emphasis}}});
+    }
+
+    /// Failed drives stand each for itself: whoever changes one needs its serial number.
+    void addFailed(std::vector<LayoutLine>& lines) const {
+        for (const MachineDrive& drive : controller_.drives) {
+            if (roleOf(drive) != Role::failed) {
+                continue;
+            }
+            const DriveFacts& facts = drive.facts;
+            std::string text = stateText(facts.reportedState);
+            text =
+                text.empty() ? (facts.state == DriveState::missing ? "missing" : "failed") : text;
+            text += facts.serialNumber.empty() ? "" : ", serial " + printable(facts.serialNumber);
+            text += drive.array.empty() ? "" : ", of array " + drive.array;
+            lines.push_back(
+                {{"x", Emphasis::bad}, {printable(facts.location)}, {{text, Emphasis::bad}}});
+        }
+    }
+
+    /// Drives that an array names and no listing has.
+    void addMissing(std::vector<LayoutLine>& lines) const {
+        std::set<std::string_view> known;
+        for (const MachineDrive& drive : controller_.drives) {
+            known.insert(drive.facts.location);
+        }
+        for (const MachineArray& array : controller_.arrays) {
+            for (const std::string& location : array.drives) {
+                if (known.find(location) == known.end()) {
+                    lines.push_back({{"x", Emphasis::bad},
+                                     {printable(location)},
+                                     {{"missing in array " + array.letter, Emphasis::bad}}});
+                }
+            }
+        }
+    }
+
+    void layout() {
+        const std::vector<LayoutLine> arrays = arrayLines();
+        std::vector<LayoutLine> others;
+        addFailed(others);
+        addMissing(others);
+        addGroup(others, Role::hotspare, HotspareKind::global, "*", Emphasis::plain, "hot spare",
+                 "hot spares");
+        addGroup(others, Role::hotspare, HotspareKind::dedicated, "*", Emphasis::plain,
+                 "dedicated hot spare", "dedicated hot spares");
+        addGroup(others, Role::foreign, {}, "~", Emphasis::warning, "foreign drive",
+                 "foreign drives");
+        addGroup(others, Role::jbod, {}, "=", Emphasis::plain,
+                 "drive that the system sees as it is", "drives that the system sees as they are");
+        addGroup(others, Role::unknown, {}, "?", Emphasis::warning, "drive in an unknown state",
+                 "drives in an unknown state");
+        addGroup(others, Role::free, {}, ".", Emphasis::good, "free drive", "free drives");
+
+        std::size_t driveColumns = 0;
+        const auto widen = [&](const std::vector<LayoutLine>& lines) {
+            for (const LayoutLine& line : lines) {
+                driveColumns = std::max(driveColumns, columnsOf(joined(line.drives, " ")));
+            }
+        };
+        widen(arrays);
+        widen(others);
+        Table side(0);
+        for (const LayoutLine& line : arrays) {
+            side.add(line.what);
+        }
+        std::size_t whatColumns = side.width();
+        for (const LayoutLine& line : others) {
+            whatColumns = std::max(whatColumns, columnsOf(line.what[0].text));
+        }
+        constexpr std::size_t signColumns = 5;
+        const bool beside = signColumns + driveColumns + 2 + whatColumns <= width_;
+        write(arrays, side.lines(style_), beside, driveColumns);
+        Table rest(0);
+        for (const LayoutLine& line : others) {
+            rest.add(line.what);
+        }
+        write(others, rest.lines(style_), beside, driveColumns);
+        for (const std::string& foreign : controller_.facts.foreignConfigurations) {
+            line("  ~  ", "foreign configuration: " + printable(foreign), Emphasis::warning);
+        }
+    }
+
+    void write(const std::vector<LayoutLine>& lines, const std::vector<std::string>& what,
+               bool beside, std::size_t driveColumns) {
+        constexpr std::size_t indent = 5;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const LayoutLine& line = lines[i];
+            const std::size_t sign = std::max<std::size_t>(columnsOf(line.sign.text), 1);
+            out_ += "  " + emphasized(line.sign.text, line.sign.emphasis, style_);
+            out_.append(line.sign.text.empty() ? 1 : 0, ' ');
+            out_.append(sign < 3 ? 3 - sign : 1, ' ');
+            if (beside) {
+                const std::string drives = joined(line.drives, " ");
+                out_ += drives + std::string(driveColumns + 2 - columnsOf(drives), ' ') + what[i];
+                continue;
+            }
+            if (!line.drives.empty()) {
+                out_ += foldedText(line.drives, " ", indent, indent, width_) + "\n     ";
+            }
+            out_ += what[i];
+        }
+    }
+
+    void commands() {
+        for (std::size_t i = 0; i < controller_.commands.size(); ++i) {
+            const CapturedListing& listing = controller_.commands[i];
+            out_ += "  " + emphasized(printable(listing.command), Emphasis::dim, style_) + "\n";
+            std::string end =
+                outcomeText(listing) + ", " + std::to_string(listing.duration.count()) + " ms";
+            if (i < controller_.facts.listings.size() && !controller_.failed) {
+                const ListingReading& reading = controller_.facts.listings[i];
+                end += ", " + std::to_string(reading.blocksRead) + " of " +
+                       countText(reading.blocks, "block", "blocks") + " read, " +
+                       std::to_string(reading.keysUsed) + " of " +
+                       countText(reading.keys, "key", "keys") + " used";
+            }
+            out_ += "      " + emphasized(end, Emphasis::dim, style_) + "\n";
+        }
+    }
+
+    const ControllerSnapshot& controller_;
+    const TextStyle& style_;
+    std::size_t width_;
+    bool verbose_;
+    std::string out_;
+};
+
+} // namespace
+
+std::string machineText(const Snapshot& snapshot, const TextStyle& style, bool verbose) {
+    std::string text = emphasized(machineTitle(snapshot), Emphasis::bold, style);
+    if (verbose && !snapshot.machineSource.empty()) {
+        text += emphasized(" (told by " + printable(snapshot.machineSource) + ")", Emphasis::dim,
+                           style);
+    }
+    text += "\n";
+    const auto width = static_cast<std::size_t>(style.width);
+    for (const Finding& finding : snapshot.findings) {
+        text += emphasized("! " + foldedWords(printable(finding.summary), 2, 2, width),
+                           finding.severity == Severity::error ? Emphasis::bad : Emphasis::warning,
+                           style) +
+                "\n";
+    }
+    for (std::size_t i = 0; i < snapshot.details.size(); ++i) {
+        text += i > 0 ? "\n" : "";
+        text += Writer(snapshot.details[i], style, verbose).write();
+    }
+    if (snapshot.details.empty()) {
+        text += "No RAID controller\n";
+    }
+    if (verbose && !snapshot.coreMessages.empty()) {
+        text += emphasized("\nMessages of the core", Emphasis::heading, style) + "\n";
+        for (const std::string& message : snapshot.coreMessages) {
+            text += "  " + foldedWords(printable(message), 2, 2, width) + "\n";
+        }
+    }
+    return text;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace zolex::companion {
+
+enum class StandardStream { output, error };
+
+/// What a standard stream of this process leads to.
+struct StreamState {
+    bool isTerminal = false;
+    bool takesColours = false; ///< a terminal that understands escape sequences
+    std::optional<std::int32_t> columns;
+};
+
+/// Asks the system. On Windows this makes a console understand escape sequences where it can.
+[[nodiscard]] StreamState streamState(StandardStream stream);
+
+} // namespace zolex::companion

@@ -1,0 +1,83 @@
+#include "companion/text/OutputFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zolex::companion {
+
+std::string lastSystemError() {
+    switch (errno) {
+    case ENOENT:
+        return "there is no such file or folder";
+    case ENOTDIR:
+        return "a part of its path is no folder";
+    case EACCES:
+    case EPERM:
+        return "it is not allowed";
+    case EROFS:
+        return "the device is read-only";
+    case ENOSPC:
+    case EDQUOT:
+        return "no space is left on the device";
+    case EPIPE:
+        return "nobody reads it any more";
+    default:
+        return std::strerror(errno);
+    }
+}
+
+namespace output_file {
+
+namespace {
+
+constexpr mode_t permissionBits = 07777;
+
+/// What is not on the disk yet could be lost with the power, and the old file with it.
+bool bringToDisk(const std::string& name) {
+    const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool done = ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
+    const int error = errno;
+    ::close(descriptor);
+    errno = error;
+    return done;
+}
+
+} // namespace
+
+Standing standing(const std::string& name) {
+    struct stat status = {};
+    if (::lstat(name.c_str(), &status) != 0) {
+        return Standing::nothing;
+    }
+    if (S_ISREG(status.st_mode)) {
+        return ::access(name.c_str(), W_OK) == 0 ? Standing::file : Standing::protectedFile;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return Standing::folder;
+    }
+    return S_ISLNK(status.st_mode) ? Standing::link : Standing::device;
+}
+
+bool moveOver(const std::string& from, const std::string& to) {
+    struct stat status = {};
+    const bool replaces = ::lstat(to.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    if (replaces && ::chmod(from.c_str(), status.st_mode & permissionBits) != 0) {
+        return false;
+    }
+    return bringToDisk(from) && std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+unsigned long processNumber() {
+    return static_cast<unsigned long>(::getpid());
+}
+
+} // namespace output_file
+
+} // namespace zolex::companion

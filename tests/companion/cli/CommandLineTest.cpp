@@ -1,0 +1,242 @@
+#include "companion/cli/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+namespace zolex::companion {
+namespace {
+
+using Words = std::vector<std::string>;
+
+/// What is said of arguments that cannot be taken, both lines.
+std::string faultOf(const Words& arguments) {
+    const Reading reading = readArguments(arguments);
+    return reading.fault + "\n" + reading.help;
+}
+
+Request requestOf(const Words& arguments) {
+    const Reading reading = readArguments(arguments);
+    EXPECT_EQ(reading.fault, "");
+    EXPECT_FALSE(reading.wantsHelp);
+    EXPECT_FALSE(reading.wantsVersion);
+    return reading.request;
+}
+
+TEST(CommandLine, ReadsEveryOptionOfALookAtTheMachine) {
+    const Request request = requestOf({"show",
+                                       "--as",
+                                       "policies",
+                                       "--exact",
+                                       "-o",
+                                       "a.ini",
+                                       "--record",
+                                       "a.zrec",
+                                       "--utilities",
+                                       "/opt/raid",
+                                       "--utility",
+                                       "megacli=/opt/M=1",
+                                       "--utility",
+                                       "CFGGEN1.02.02=c",
+                                       "--controller",
+                                       "3,1",
+                                       "--controller",
+                                       "3",
+                                       "--capture-limit-seconds",
+                                       "20",
+                                       "--machine-type",
+                                       "8837",
+                                       "--serial",
+                                       "KQ10Z7V",
+                                       "--color",
+                                       "always",
+                                       "--width",
+                                       "100",
+                                       "-v"});
+    EXPECT_EQ(request.command, Command::show);
+    EXPECT_EQ(request.format, Format::policies);
+    EXPECT_TRUE(request.show.exact);
+    EXPECT_EQ(request.outputFile, "a.ini");
+    EXPECT_EQ(request.machine.record, "a.zrec");
+    EXPECT_EQ(request.machine.utilitiesFolder, "/opt/raid");
+    const std::map<std::string, std::string> utilities{{"MEGACLI", "/opt/M=1"},
+                                                       {"CFGGEN1.02.02", "c"}};
+    EXPECT_EQ(request.machine.utilities, utilities);
+    EXPECT_EQ(request.machine.controllers, (std::vector<std::int32_t>{1, 3}));
+    EXPECT_EQ(request.machine.captureLimit, std::chrono::seconds(20));
+    EXPECT_EQ(request.machine.machineType, "8837");
+    EXPECT_EQ(request.machine.serialNumber, "KQ10Z7V");
+    EXPECT_EQ(request.colours, ColourWish::always);
+    EXPECT_EQ(request.width, 100);
+    EXPECT_TRUE(request.verbose);
+    EXPECT_FALSE(request.quiet);
+}
+
+TEST(CommandLine, TakesOptionsBeforeAndBehindTheCommand) {
+    const Request request =
+        requestOf({"--recording", "a.zrec", "-q", "--color=never", "show", "--format=json"});
+    EXPECT_EQ(request.command, Command::show);
+    EXPECT_EQ(request.machine.recording, "a.zrec");
+    EXPECT_TRUE(request.quiet);
+    EXPECT_EQ(request.colours, ColourWish::never);
+    EXPECT_EQ(request.format, Format::json);
+    const Request same =
+        requestOf({"--format", "json", "show", "--recording", "a.zrec", "--color", "never", "-q"});
+    EXPECT_EQ(same.machine.recording, "a.zrec");
+    EXPECT_EQ(same.format, Format::json);
+    EXPECT_TRUE(same.quiet);
+}
+
+TEST(CommandLine, HasUsualValues) {
+    const Request request = requestOf({"doctor"});
+    EXPECT_EQ(request.command, Command::doctor);
+    EXPECT_EQ(request.format, Format::text);
+    EXPECT_EQ(request.colours, ColourWish::automatic);
+    EXPECT_EQ(request.machine.captureLimit, std::chrono::seconds(300));
+    EXPECT_EQ(request.machine.controllers, std::vector<std::int32_t>());
+    EXPECT_EQ(request.width, std::nullopt);
+    EXPECT_EQ(request.outputFile, "");
+}
+
+TEST(CommandLine, TakesFilesOfAnyName) {
+    EXPECT_EQ(
+        requestOf({"check", "[a,b]", "show", "/f:x.ini", "-", "--", "--fix", "-x"}).check.files,
+        (Words{"[a,b]", "show", "/f:x.ini", "-", "--fix", "-x"}));
+    EXPECT_EQ(requestOf({"show", "check"}).show.file, "check");
+    EXPECT_EQ(requestOf({"show", "--", "-x"}).show.file, "-x");
+}
+
+TEST(CommandLine, ReadsTheOptionsOfCheck) {
+    const Request request =
+        requestOf({"check", "a.ini", "--machine", "fleet", "--machine", "b.zrec", "--select",
+                   "ZX5,zx301", "--ignore", "ZX", "--select", "ZX411", "--as-old", "--fix"});
+    EXPECT_EQ(request.check.files, Words{"a.ini"});
+    EXPECT_EQ(request.check.machines, (Words{"fleet", "b.zrec"}));
+    EXPECT_EQ(request.check.select, (Words{"ZX5", "zx301", "ZX411"}));
+    EXPECT_EQ(request.check.ignore, Words{"ZX"});
+    EXPECT_TRUE(request.check.asOld);
+    EXPECT_TRUE(request.check.fix);
+}
+
+TEST(CommandLine, ReadsRecordReplayAndExplain) {
+    EXPECT_TRUE(requestOf({"record", "--redact", "-oa.zrec"}).record.redact);
+    EXPECT_EQ(requestOf({"record", "-oa.zrec"}).outputFile, "a.zrec");
+    const Request replay =
+        requestOf({"replay", "a.zrec", "--", "zolex", "/c:t,d", "--", "show", "--help"});
+    EXPECT_EQ(replay.replay.file, "a.zrec");
+    EXPECT_EQ(replay.replay.command, (Words{"zolex", "/c:t,d", "--", "show", "--help"}));
+    EXPECT_EQ(requestOf({"explain", "exit-4"}).code, "exit-4");
+}
+
+TEST(CommandLine, KnowsHelpAndVersion) {
+    EXPECT_TRUE(readArguments({"--help"}).wantsHelp);
+    EXPECT_EQ(readArguments({"--help"}).request.command, Command::none);
+    EXPECT_TRUE(readArguments({"check", "-h"}).wantsHelp);
+    EXPECT_EQ(readArguments({"--help", "check"}).request.command, Command::check);
+    EXPECT_TRUE(readArguments({"--version"}).wantsVersion);
+    EXPECT_EQ(readArguments({}).request.command, Command::none);
+    EXPECT_FALSE(readArguments({}).wantsHelp);
+}
+
+TEST(CommandLine, NamesTheNearestRightWord) {
+    EXPECT_EQ(faultOf({"shwo"}), "there is no command \"shwo\"; did you mean show?\n"
+                                 "zolexctl --help");
+    EXPECT_EQ(faultOf({"shwo", "--as", "text", "x"}),
+              "there is no command \"shwo\"; did you mean show?\nzolexctl --help");
+    EXPECT_EQ(faultOf({"frobnicate"}), "there is no command \"frobnicate\"\nzolexctl --help");
+    EXPECT_EQ(faultOf({"apply"}), "there is no command \"apply\"\nzolexctl --help");
+    EXPECT_EQ(faultOf({"show", "--fromat", "json"}),
+              "there is no option \"--fromat\"; did you mean --format?\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"--fromat=json", "show"}),
+              "there is no option \"--fromat\"; did you mean --format?\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"--colour"}),
+              "there is no option \"--colour\"; did you mean --color?\nzolexctl --help");
+    EXPECT_EQ(faultOf({"show", "-x"}), "there is no option \"-x\"\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "a\033[2J", "-\033"}),
+              "there is no option \"-?\"\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--as", "jsn"}),
+              "--as: \"jsn\" is no format of show; did you mean json?\n"
+              "show can write text, json, svg, html, policies");
+    EXPECT_EQ(faultOf({"show", "--utility", "MEGACL=x"}),
+              "--utility: \"MEGACL\" is no utility; did you mean MEGACLI?\nzolexctl show --help");
+}
+
+TEST(CommandLine, SaysWhichCommandDoesNotTakeAnOption) {
+    EXPECT_EQ(faultOf({"show", "--fix"}), "show does not take --fix\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"--fix", "show"}), "show does not take --fix\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"explain", "ZX1", "--recording", "a"}),
+              "explain does not take --recording\nzolexctl explain --help");
+    EXPECT_EQ(faultOf({"replay", "-o", "a", "b", "--", "show"}),
+              "replay does not take -o\nzolexctl replay --help");
+    EXPECT_EQ(faultOf({"check", "a", "--format", "svg"}),
+              "--format: \"svg\" is no format of check\n"
+              "check can write text, concise, json, sarif, github");
+    EXPECT_EQ(faultOf({"show", "--format", "sarif"}),
+              "--format: \"sarif\" is no format of show\n"
+              "show can write text, json, svg, html, policies");
+}
+
+TEST(CommandLine, ChecksTheValues) {
+    for (const char* const width : {"39", "1001", "x", "", "-80", "80x", "99999999999999999999"}) {
+        EXPECT_EQ(faultOf({"show", "--width", width}),
+                  "--width: \"" + std::string(width) +
+                      "\" is no number from 40 to 1000\nzolexctl show --help");
+    }
+    EXPECT_EQ(requestOf({"show", "--width", "40"}).width, 40);
+    EXPECT_EQ(requestOf({"show", "--width", "1000"}).width, 1000);
+    EXPECT_EQ(faultOf({"show", "--color", "blue"}),
+              "--color: \"blue\" is none of auto, always and never\nzolexctl show --help");
+    for (const char* const list : {"0", "1,", "x", "1000", "", "1;2"}) {
+        EXPECT_EQ(faultOf({"show", "--controller", list}),
+                  "--controller: \"" + std::string(list) +
+                      "\" is no list of numbers from 1 to 999, such as 1 or 1,3\n"
+                      "zolexctl show --help");
+    }
+    EXPECT_EQ(faultOf({"doctor", "--capture-limit-seconds", "0"}),
+              "--capture-limit-seconds: \"0\" is no number from 1 to 86400\n"
+              "zolexctl doctor --help");
+    EXPECT_EQ(faultOf({"doctor", "--utility", "MEGACLI"}),
+              "--utility: \"MEGACLI\" is not like MEGACLI=/opt/MegaRAID/MegaCli64\n"
+              "zolexctl doctor --help");
+    EXPECT_EQ(faultOf({"doctor", "--utility", "MEGACLI="}),
+              "--utility: \"MEGACLI=\" names no program behind the \"=\"\nzolexctl doctor --help");
+    EXPECT_EQ(faultOf({"doctor", "--utility", "MEGACLI=a", "--utility", "megacli=b"}),
+              "--utility: \"megacli=b\" names this utility again\nzolexctl doctor --help");
+    EXPECT_EQ(faultOf({"check", "a", "--select", "X1"}),
+              "--select: \"X1\" is no rule, nor the beginning of one, such as ZX301 or ZX5\n"
+              "zolexctl check --help");
+    EXPECT_EQ(faultOf({"show", "-o", ""}), "--output: the value is empty\nzolexctl show --help");
+}
+
+TEST(CommandLine, SaysWhatIsMissingOrTooMuch) {
+    EXPECT_EQ(faultOf({"show", "-o"}), "--output needs a value\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--width"}), "--width needs a value\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--record", "--quiet"}),
+              "--record needs a value\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--width", "80", "--width", "81"}),
+              "--width is given twice\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"--width", "80", "show", "--width", "80"}),
+              "--width is given twice\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--quiet=5"}), "--quiet takes no value\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "-qv"}),
+              "--quiet and --verbose exclude each other\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--as", "json", "--format", "json"}),
+              "--as and --format are the same; give one\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "a", "b"}),
+              "show does not take \"b\" besides \"a\"\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "a", "--recording", "b"}),
+              "show takes one recording, not \"a\" and \"b\"\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", ""}), "an argument is empty\nzolexctl show --help");
+    EXPECT_EQ(faultOf({"show", "--exact"}),
+              "--exact is for policies\nzolexctl show --as policies --exact");
+    EXPECT_EQ(faultOf({"doctor", "a"}), "doctor does not take \"a\"\nzolexctl doctor --help");
+    EXPECT_EQ(faultOf({"check"}), "check needs a policies file\nzolexctl check --help");
+    EXPECT_EQ(faultOf({"explain"}),
+              "explain needs a code, such as ZX411 or 11\nzolexctl explain --help");
+    EXPECT_EQ(faultOf({"replay"}), "replay needs a recording\nzolexctl replay --help");
+    EXPECT_EQ(faultOf({"replay", "a"}), "replay needs a command behind --\nzolexctl replay --help");
+    EXPECT_EQ(faultOf({"replay", "a", "show"}),
+              "replay does not take \"show\"\n"
+              "the command stands behind --: zolexctl replay FILE -- show");
+}
+
+} // namespace
+} // namespace zolex::companion
