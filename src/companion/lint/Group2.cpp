@@ -98,7 +98,8 @@ class Matching {
         const Untrue untrue = findUntrue(entry);
         sink_.add("ZX206", untrue.specifier->whole,
                   entry.entry->keyword.text +
-                      " can hold for no controller: " + limitWords(entry, untrue));
+                      " can hold for no controller: " + limitWords(entry, untrue),
+                  {"zolexctl show tells number, model and drives of each controller"});
     }
 
     static std::string limitWords(const EntryView& entry, const Untrue& untrue) {

@@ -227,7 +227,7 @@ class Reading {
         if (!size || !level || !cache) {
             return std::nullopt;
         }
-        view.given.sizeMb = *size;
+        view.given.size = *size;
         view.given.raidLevel = *level;
         view.given.writeCache = *cache;
         return view;
