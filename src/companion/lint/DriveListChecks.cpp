@@ -1,6 +1,5 @@
 #include "companion/lint/ValueChecks.h"
 #include "foundation/Text.h"
-#include "policies/Policy.h"
 #include "policies/PolicyKeywords.h"
 #include "policies/PolicyValues.h"
 
@@ -123,19 +122,6 @@ void checkList(const DocumentEntry& entry, bool isArray, FindingSink& sink) {
     }
 }
 
-/// ZX503 where zolex refuses the file; what a plan can hold is another matter.
-void checkHotspareCount(const DocumentEntry& entry, FindingSink& sink) {
-    const auto list = policy_value::driveList(entry.value.text);
-    if (!list || list->count() <= Policy::maxHotspares) {
-        return;
-    }
-    Finding& finding =
-        sink.add("ZX503", fieldsOf(entry.value, ',')[Policy::maxHotspares],
-                 std::to_string(list->count()) + " hot spares: zolex reads at most 16",
-                 {"a controller takes at most 8"});
-    finding.refusedBy = RefusedBy::zolex;
-}
-
 std::string arrayKeyword(char letter) {
     return std::string(keyword::array) + letter;
 }
@@ -189,7 +175,6 @@ void checkDriveLists(const DocumentPolicy& policy, FindingSink& sink) {
     }
     if (const DocumentEntry* entry = policy.effective(keyword::hotspares)) {
         checkList(*entry, false, sink);
-        checkHotspareCount(*entry, sink);
     }
     checkOrder(policy, sink);
 }

@@ -106,7 +106,7 @@ struct ReadDrive {
     const DocumentEntry* entry = nullptr;
     ColonField sizeField;
     std::int32_t array = 0;
-    std::int32_t sizeMb = 0; ///< MB, or minus the percentage, or sizeFill
+    DriveSize size;
     std::int32_t level = 0;
 };
 
@@ -287,11 +287,11 @@ class LogicalDrives {
                 finding.other = "gets nothing";
                 return;
             }
-            if (drive.sizeMb == sizeFill) {
+            if (drive.size.kind == DriveSize::Kind::rest) {
                 fill = &drive;
-            } else if (drive.sizeMb < 0) {
+            } else if (drive.size.kind == DriveSize::Kind::percent) {
                 const bool wasFine = sum <= wholeArray;
-                sum -= drive.sizeMb;
+                sum += drive.size.value;
                 if (wasFine && sum > wholeArray) {
                     sink_.add("ZX110", drive.sizeField.piece(drive.entry->value),
                               "logical drives of " + std::to_string(sum) + "% on " + name,
