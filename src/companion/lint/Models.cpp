@@ -35,6 +35,12 @@ void addNew(std::vector<Kind>& kinds, const Kind& kind) {
     }
 }
 
+/// A kind, and what its model is called.
+struct NamedKind {
+    CString name;
+    Kind kind;
+};
+
 /// A controller with `drives` equal drives on channel 1.
 RAIDController controllerOf(const Kind& kind, std::size_t drives) {
     RAIDController controller;
@@ -69,13 +75,65 @@ LogicalDrive logicalDriveOf(std::int32_t level) {
     return drive;
 }
 
+CommandLines makeLines(const Kind& kind, std::int32_t level, std::size_t drives,
+                       const LineSettings& settings) {
+    RAIDConfiguration layout;
+    layout.stripeSize = settings.stripeSize;
+    layout.readAhead = settings.readAhead;
+    layout.rebuildRate = settings.rebuildRate;
+    layout.init = settings.init;
+    layout.addArray(arrayOf(drives));
+    LogicalDrive drive = logicalDriveOf(level);
+    drive.sizeMb = settings.sizeMb;
+    drive.writeCache = settings.writeCache;
+    layout.addLogicalDrive(drive);
+    return linesOf(kind, layout);
+}
+
+FurtherDrives askForFurther(const Kind& kind) {
+    constexpr std::int32_t someMb = 1000;
+    RAIDConfiguration layout;
+    layout.addArray(arrayOf(2));
+    LogicalDrive drive = logicalDriveOf(raid_level::raid1);
+    drive.sizeMb = someMb;
+    layout.addLogicalDrive(drive);
+    const CommandLines one = linesOf(kind, layout);
+    layout.addLogicalDrive(drive);
+    const CommandLines two = linesOf(kind, layout);
+    if (two.fault) {
+        return FurtherDrives::refused;
+    }
+    return two.lines.size() > one.lines.size() ? FurtherDrives::made : FurtherDrives::leftOut;
+}
+
+bool areDrivesNamed(const Kind& kind) {
+    const auto linesWith = [&kind](std::int32_t id) {
+        RAIDConfiguration layout;
+        layout.addArray(arrayOf(1, id));
+        layout.addLogicalDrive(logicalDriveOf(raid_level::raid0));
+        return linesOf(kind, layout).lines;
+    };
+    return linesWith(0) != linesWith(1);
+}
+
+bool isHotspareTaken(const Kind& kind, std::int32_t level, std::size_t drives) {
+    RAIDConfiguration layout;
+    layout.addArray(arrayOf(drives));
+    layout.addLogicalDrive(logicalDriveOf(level));
+    Hotspare spare;
+    spare.channelNumber = RAIDController::firstChannel;
+    spare.id = static_cast<std::int32_t>(drives);
+    layout.addHotspare(spare);
+    return !linesOf(kind, layout).fault;
+}
+
 std::optional<LevelRefusal> askPlanner(const Kind& kind, std::int32_t level, std::size_t drives) {
     Policy policy;
     policy.name = "Policy.question";
     policy.customArrays = true;
     policy.arrays.push_back(arrayOf(drives));
     policy.hotspares = RaidArray();
-    policy.logicalDefaults = LogicalSpecification{-1, DriveSize{}, level, write_cache::notGiven};
+    policy.logicalDefaults = LogicalSpecification{-1, DriveSize(), level, write_cache::notGiven};
     SilentReport silent;
     const ControllerPlan plan = planByPolicy(controllerOf(kind, RAIDController::ids), 1, policy,
                                              {.reasons = false}, silent);
@@ -88,12 +146,20 @@ std::optional<LevelRefusal> askPlanner(const Kind& kind, std::int32_t level, std
 } // namespace
 
 std::vector<Kind> kindsOf(std::string_view model) {
-    std::vector<Kind> kinds;
-    for (std::int32_t type = controller_type::first; type <= controller_type::last; ++type) {
-        for (std::int32_t subtype = subtypeNotSet; subtype <= lastSubtype; ++subtype) {
-            if (text::equalsNoCase(ControllerCatalogue::getControllerName(type, subtype), model)) {
-                addNew(kinds, makeKind(type, subtype));
+    static const std::vector<NamedKind> named = [] {
+        std::vector<NamedKind> rows;
+        for (std::int32_t type = controller_type::first; type <= controller_type::last; ++type) {
+            for (std::int32_t subtype = subtypeNotSet; subtype <= lastSubtype; ++subtype) {
+                rows.push_back({ControllerCatalogue::getControllerName(type, subtype),
+                                makeKind(type, subtype)});
             }
+        }
+        return rows;
+    }();
+    std::vector<Kind> kinds;
+    for (const NamedKind& row : named) {
+        if (text::equalsNoCase(row.name.view(), model)) {
+            addNew(kinds, row.kind);
         }
     }
     return kinds;
@@ -121,7 +187,7 @@ std::string utilityOf(std::int32_t controllerType) {
 const std::optional<LevelRefusal>& Models::refusal(const Kind& kind, std::int32_t level,
                                                    std::size_t drives) {
     const auto [place, isNew] =
-        refusals_.try_emplace(Question{kind.type, kind.subtype, level, drives});
+        refusals_.try_emplace(Question{{kind.type, kind.subtype}, level, drives});
     if (isNew && drives >= 1 && drives <= RaidArray::maxDrives) {
         place->second = askPlanner(kind, level, drives);
     }
@@ -132,24 +198,19 @@ std::int32_t Models::levelOf(const Kind& kind, std::int32_t level, std::size_t d
     return level == raid_level::notGiven ? kind.rules->defaultRAIDLevel(drives) : level;
 }
 
-CommandLines Models::lines(const Kind& kind, std::int32_t level, std::size_t drives,
-                           const LineSettings& settings) {
-    RAIDConfiguration layout;
-    layout.stripeSize = settings.stripeSize;
-    layout.readAhead = settings.readAhead;
-    layout.rebuildRate = settings.rebuildRate;
-    layout.init = settings.init;
-    layout.addArray(arrayOf(drives));
-    LogicalDrive drive = logicalDriveOf(level);
-    drive.sizeMb = settings.sizeMb;
-    drive.writeCache = settings.writeCache;
-    layout.addLogicalDrive(drive);
-    return linesOf(kind, layout);
+const CommandLines& Models::lines(const Kind& kind, std::int32_t level, std::size_t drives,
+                                  const LineSettings& settings) {
+    const auto [place, isNew] =
+        lines_.try_emplace({Question{{kind.type, kind.subtype}, level, drives}, settings});
+    if (isNew) {
+        place->second = makeLines(kind, level, drives, settings);
+    }
+    return place->second;
 }
 
 bool Models::hasCommand(const Kind& kind, std::int32_t level) {
     const std::size_t drives = std::max<std::size_t>(leastDrives(kind, level), 1);
-    const CommandLines made = lines(kind, level, drives, {});
+    const CommandLines& made = lines(kind, level, drives, {});
     // A generator writes this word for a level that its utility has no word for.
     return std::none_of(made.lines.begin(), made.lines.end(),
                         [](const CString& line) { return text::contains(line.view(), "ERROR"); });
@@ -165,41 +226,28 @@ std::size_t Models::leastDrives(const Kind& kind, std::int32_t level) {
 }
 
 FurtherDrives Models::furtherDrives(const Kind& kind) {
-    constexpr std::int32_t someMb = 1000;
-    RAIDConfiguration layout;
-    layout.addArray(arrayOf(2));
-    LogicalDrive drive = logicalDriveOf(raid_level::raid1);
-    drive.sizeMb = someMb;
-    layout.addLogicalDrive(drive);
-    const CommandLines one = linesOf(kind, layout);
-    layout.addLogicalDrive(drive);
-    const CommandLines two = linesOf(kind, layout);
-    if (two.fault) {
-        return FurtherDrives::refused;
+    const auto [place, isNew] = furtherDrives_.try_emplace({kind.type, kind.subtype});
+    if (isNew) {
+        place->second = askForFurther(kind);
     }
-    return two.lines.size() > one.lines.size() ? FurtherDrives::made : FurtherDrives::leftOut;
+    return place->second;
 }
 
 bool Models::namesDrives(const Kind& kind) {
-    const auto linesWith = [&kind](std::int32_t id) {
-        RAIDConfiguration layout;
-        layout.addArray(arrayOf(1, id));
-        layout.addLogicalDrive(logicalDriveOf(raid_level::raid0));
-        return linesOf(kind, layout).lines;
-    };
-    return linesWith(0) != linesWith(1);
+    const auto [place, isNew] = namesDrives_.try_emplace({kind.type, kind.subtype});
+    if (isNew) {
+        place->second = areDrivesNamed(kind);
+    }
+    return place->second;
 }
 
 bool Models::takesHotspare(const Kind& kind, std::int32_t level) {
-    RAIDConfiguration layout;
-    const std::size_t drives = std::max<std::size_t>(leastDrives(kind, level), 1);
-    layout.addArray(arrayOf(drives));
-    layout.addLogicalDrive(logicalDriveOf(level));
-    Hotspare spare;
-    spare.channelNumber = RAIDController::firstChannel;
-    spare.id = static_cast<std::int32_t>(drives);
-    layout.addHotspare(spare);
-    return !linesOf(kind, layout).fault;
+    const auto [place, isNew] = takesHotspare_.try_emplace({{kind.type, kind.subtype}, level});
+    if (isNew) {
+        place->second =
+            isHotspareTaken(kind, level, std::max<std::size_t>(leastDrives(kind, level), 1));
+    }
+    return place->second;
 }
 
 } // namespace zolex::companion

@@ -5,6 +5,7 @@
 #include "foundation/Fault.h"
 #include "model/Configuration.h"
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -12,10 +13,11 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
-/// What the planner and the command lines make of a controller model, found by asking them: policies
-/// of one array are planned for controllers that exist here alone.
+/// What the planner and the command lines make of a controller model, found by asking them:
+/// policies of one array are planned for controllers that exist here alone.
 namespace zolex::companion {
 
 /// A kind of controller that a model name stands for.
@@ -48,6 +50,7 @@ struct LineSettings {
     std::int32_t init = init_choice::quick;
     std::int32_t writeCache = write_cache::notGiven;
     std::int32_t sizeMb = sizeFill;
+    friend auto operator<=>(const LineSettings&, const LineSettings&) = default;
 };
 
 /// What happens to further logical drives of an array.
@@ -67,21 +70,26 @@ class Models {
     [[nodiscard]] static std::int32_t levelOf(const Kind& kind, std::int32_t level,
                                               std::size_t drives);
     /// The lines of one array of so many drives with one logical drive.
-    [[nodiscard]] static CommandLines lines(const Kind& kind, std::int32_t level,
-                                            std::size_t drives, const LineSettings& settings);
+    const CommandLines& lines(const Kind& kind, std::int32_t level, std::size_t drives,
+                              const LineSettings& settings);
     /// Whether the utility can be told to make this level.
-    [[nodiscard]] bool hasCommand(const Kind& kind, std::int32_t level);
+    bool hasCommand(const Kind& kind, std::int32_t level);
     /// The least number of drives that the level takes; 0 when it takes none.
-    [[nodiscard]] std::size_t leastDrives(const Kind& kind, std::int32_t level);
-    [[nodiscard]] static FurtherDrives furtherDrives(const Kind& kind);
+    std::size_t leastDrives(const Kind& kind, std::int32_t level);
+    FurtherDrives furtherDrives(const Kind& kind);
     /// Whether the lines say which drives an array is made of.
-    [[nodiscard]] static bool namesDrives(const Kind& kind);
+    bool namesDrives(const Kind& kind);
     /// Whether a hot spare may stand beside a logical drive of this level.
-    [[nodiscard]] bool takesHotspare(const Kind& kind, std::int32_t level);
+    bool takesHotspare(const Kind& kind, std::int32_t level);
 
   private:
-    using Question = std::tuple<std::int32_t, std::int32_t, std::int32_t, std::size_t>;
+    using KindKey = std::pair<std::int32_t, std::int32_t>; // type and subtype
+    using Question = std::tuple<KindKey, std::int32_t, std::size_t>;
     std::map<Question, std::optional<LevelRefusal>> refusals_;
+    std::map<std::tuple<Question, LineSettings>, CommandLines> lines_;
+    std::map<KindKey, FurtherDrives> furtherDrives_;
+    std::map<KindKey, bool> namesDrives_;
+    std::map<std::pair<KindKey, std::int32_t>, bool> takesHotspare_;
 };
 
 } // namespace zolex::companion

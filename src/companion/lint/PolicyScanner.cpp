@@ -421,32 +421,39 @@ class Scanner {
         current_ = none;
     }
 
-    /// ZX008. A policy with two AppliesTo.1 has lost a header: one finding tells it.
+    /// ZX008. A second AppliesTo.1 tells of a lost header; what repeats behind it is no fault of
+    /// its own, unless zolex tells of it.
     void checkRepeats(const DocumentPolicy& policy) {
-        const auto isRepeat = [&policy](const DocumentEntry& entry) {
-            return policy.find(entry.keyword.text) != &entry;
-        };
-        const bool isTwo = std::any_of(
-            policy.entries.begin(), policy.entries.end(), [&isRepeat](const DocumentEntry& entry) {
-                return text::equalsNoCase(entry.keyword.text, "AppliesTo.1") && isRepeat(entry);
-            });
-        for (const DocumentEntry& entry : policy.entries) {
-            if (!isRepeat(entry)) {
+        const std::vector<DocumentEntry>& all = policy.entries;
+        bool isLost = false;
+        for (const DocumentEntry& entry : all) {
+            const DocumentEntry* first = policy.find(entry.keyword.text);
+            if (first == &entry || (isLost && &entry != firstRepeat(all))) {
                 continue;
             }
-            const Piece& first = policy.find(entry.keyword.text)->keyword;
+            const bool isHeader = text::equalsNoCase(entry.keyword.text, "AppliesTo.1");
+            isLost = isLost || isHeader;
             Finding& finding =
                 sink_.add("ZX008", entry.keyword,
                           entry.keyword.text + " is in " + policy.name.text + " twice",
-                          {isTwo ? "is the [Policy.NAME] of a second policy missing before it?"
-                                 : "leave one of the two lines"});
-            finding.otherStart = first.start;
-            finding.otherEnd = first.end;
+                          {isHeader ? "is the [Policy.NAME] of a second policy missing before it?"
+                                    : "leave one of the two lines"});
+            finding.otherStart = first->keyword.start;
+            finding.otherEnd = first->keyword.end;
             finding.other = "first here";
-            if (isTwo) {
-                return;
+        }
+    }
+
+    /// The repeat that zolex tells of: that of the first keyword that is repeated.
+    static const DocumentEntry* firstRepeat(const std::vector<DocumentEntry>& all) {
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            for (std::size_t k = i + 1; k < all.size(); ++k) {
+                if (text::equalsNoCase(all[i].keyword.text, all[k].keyword.text)) {
+                    return &all[k];
+                }
             }
         }
+        return nullptr;
     }
 
     /// The ids of comments before this line hold for it, or for the policy that it opens.

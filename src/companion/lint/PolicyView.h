@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-/// The values of a policy with their places, as far as they can be read. What is at fault in its form
-/// is left out here: the checks of values tell it.
+/// The values of a policy with their places, as far as they can be read. What is at fault in its
+/// form is left out here: the checks of values tell it.
 namespace zolex::companion {
 
 /// One specifier of an AppliesTo entry.

@@ -33,10 +33,11 @@ struct EntryFate {
 };
 
 /// Of each entry of each policy.
-[[nodiscard]] std::vector<std::vector<EntryFate>> findFates(const std::vector<PolicyView>& policies);
+[[nodiscard]] std::vector<std::vector<EntryFate>>
+findFates(const std::vector<PolicyView>& policies);
 
-/// The specifier of the entry that no controller fulfils, the one that counts of its letter, and the
-/// most that it could say; null without one.
+/// The specifier of the entry that no controller fulfils, the one that counts of its letter, and
+/// the most that it could say; null without one.
 struct Untrue {
     const SpecifierView* specifier = nullptr;
     std::int32_t most = 0;
@@ -44,8 +45,8 @@ struct Untrue {
 };
 [[nodiscard]] Untrue findUntrue(const EntryView& entry);
 
-/// Whether the policy can never be used because of earlier ones: no entry is alive, and at least one
-/// is shadowed by an entry of another policy.
+/// Whether the policy can never be used because of earlier ones: no entry is alive, and at least
+/// one is shadowed by an entry of another policy.
 [[nodiscard]] bool isShadowed(const std::vector<EntryFate>& fates, std::size_t policy);
 
 } // namespace zolex::companion

@@ -7,17 +7,23 @@ namespace zolex::companion {
 
 namespace {
 
-void checkEntry(const DocumentEntry& entry, FindingSink& sink) {
+/// ZX610, of every entry: zolex refuses the file, whatever else is wrong with it.
+void checkLater(const DocumentEntry& entry, FindingSink& sink) {
     const std::string& keyword = entry.keyword.text;
-    if (entry.value.text == "^~") {
-        sink.add("ZX603", entry.value, keyword + " has no effect: ^~ counts as no value at all",
-                 {"take the line out"});
-    }
     if (isLaterKeyword(keyword)) {
         Finding& finding = sink.add("ZX610", entry.keyword,
                                     "zolex refuses this file: it does not know " + keyword);
         finding.severity = Severity::note;
         finding.refusedBy = RefusedBy::zolex;
+    }
+}
+
+/// ZX603.
+void checkEntry(const DocumentEntry& entry, FindingSink& sink) {
+    const std::string& keyword = entry.keyword.text;
+    if (entry.value.text == "^~") {
+        sink.add("ZX603", entry.value, keyword + " has no effect: ^~ counts as no value at all",
+                 {"take the line out"});
     }
     if (!keyword::isValid(keyword) || !keyword::isNeverLookedUp(keyword)) {
         return;
@@ -38,6 +44,7 @@ void checkEntry(const DocumentEntry& entry, FindingSink& sink) {
 void checkUnusedKeywords(const PolicyDocument& document, FindingSink& sink) {
     for (const DocumentPolicy& policy : document.policies) {
         for (const DocumentEntry& entry : policy.entries) {
+            checkLater(entry, sink);
             if (!policy.isQuiet) {
                 checkEntry(entry, sink);
             }

@@ -15,7 +15,10 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 21> problemRows = {{
+constexpr std::array<ProblemCode, 22> problemRows = {{
+    {problem::commandFailed, error, "a command of zolexctl could not do its work",
+     "Nothing was changed; what it could not do is in its summary.",
+     "do what its own help says, and run it again"},
     {problem::utilityMissing, error, "a utility that a controller needs is missing",
      "Nothing is known of the controller, and nothing can be done with it.",
      "install it, or name it: zolexctl --utility MEGACLI=/path/MegaCli64 doctor"},

@@ -18,6 +18,7 @@ struct ProblemCode {
 };
 
 namespace problem {
+inline constexpr std::string_view commandFailed = "ZP100";
 inline constexpr std::string_view utilityMissing = "ZP101";
 inline constexpr std::string_view utilityNotStarted = "ZP102";
 inline constexpr std::string_view utilityStillRuns = "ZP103";
