@@ -133,7 +133,7 @@ std::optional<LevelRefusal> askPlanner(const Kind& kind, std::int32_t level, std
     policy.customArrays = true;
     policy.arrays.push_back(arrayOf(drives));
     policy.hotspares = RaidArray();
-    policy.logicalDefaults = LogicalSpecification{-1, DriveSize(), level, write_cache::notGiven};
+    policy.logicalDefaults = LogicalSpecification{-1, DriveSize{}, level, write_cache::notGiven};
     SilentReport silent;
     const ControllerPlan plan = planByPolicy(controllerOf(kind, RAIDController::ids), 1, policy,
                                              {.reasons = false}, silent);

@@ -5,6 +5,7 @@
 #include "companion/machine/CrossCheck.h"
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/Join.h"
+#include "companion/machine/ListingCheck.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/machine/Utilities.h"
@@ -100,41 +101,6 @@ FunctionIdentity functionOf(const RAIDController& controller) {
         identity.pciIds = id(3) + ":" + id(4) + ":" + id(5) + ":" + id(6);
     }
     return identity;
-}
-
-/// The first lines that say something, for a reader.
-std::string firstLines(std::string_view output) {
-    constexpr int most = 3;
-    constexpr std::size_t longest = 200;
-    std::string lines;
-    for (int i = 0; i < most && !output.empty();) {
-        const std::size_t end = std::min(output.find('\n'), output.size());
-        std::string_view line = output.substr(0, end);
-        output.remove_prefix(std::min(end + 1, output.size()));
-        line = text::trim(line, " \t\r");
-        if (!line.empty()) {
-            lines.append(lines.empty() ? "" : "\n").append(printable(line.substr(0, longest)));
-            ++i;
-        }
-    }
-    return lines;
-}
-
-/// The line that sounds like a failure; empty for none.
-std::string_view failureLine(std::string_view output) {
-    constexpr std::array<std::string_view, 8> words = {
-        "error", "fail", "invalid", "not found", "unable", "cannot", "denied", "no controller"};
-    while (!output.empty()) {
-        const std::size_t end = std::min(output.find('\n'), output.size());
-        const std::string_view line = output.substr(0, end);
-        output.remove_prefix(std::min(end + 1, output.size()));
-        if (std::any_of(words.begin(), words.end(), [line](std::string_view word) {
-                return text::containsNoCase(line, word);
-            })) {
-            return text::trim(line, " \t\r");
-        }
-    }
-    return {};
 }
 
 std::string secondsText(std::chrono::milliseconds limit) {
@@ -407,44 +373,6 @@ class Capturer {
 
     static std::string withoutStop(std::string_view text) {
         return std::string(text.ends_with('.') ? text.substr(0, text.size() - 1) : text);
-    }
-
-    /// A utility may print an error and end with 0 all the same.
-    static void judgeListings(const RAIDController& controller, ControllerSnapshot& snapshot) {
-        bool tellsNothing = true;
-        for (std::size_t i = 0; i < snapshot.listings.size(); ++i) {
-            const std::string& listing = snapshot.listings[i];
-            const std::string shown(text::trim(snapshot.commands[i].command));
-            const bool isKnown =
-                i < snapshot.facts.listings.size() &&
-                (snapshot.facts.listings[i].blocks > 0 || snapshot.facts.listings[i].keysUsed > 0);
-            tellsNothing = tellsNothing && !isKnown;
-            if (text::trim(listing, " \t\r\n").empty()) {
-                snapshot.findings.push_back(problemFinding(
-                    problem::notAListing, shown + " printed nothing and ended with exit code " +
-                                              std::to_string(snapshot.commands[i].exitCode)));
-            } else if (const std::string_view line = failureLine(listing);
-                       !isKnown && !line.empty()) {
-                snapshot.findings.push_back(
-                    problemFinding(problem::notAListing,
-                                   shown + " ended with exit code " +
-                                       std::to_string(snapshot.commands[i].exitCode) +
-                                       ", but printed: " + printable(line.substr(0, 200)),
-                                   firstLines(listing)));
-            }
-        }
-        if (tellsNothing && controller.numberOfDrives() == 0 && !controller.firmwareVersion() &&
-            !controller.biosVersion()) {
-            snapshot.failed = true;
-            const bool told = std::any_of(
-                snapshot.findings.begin(), snapshot.findings.end(),
-                [](const Finding& finding) { return finding.code == problem::notAListing; });
-            if (!told) {
-                snapshot.findings.push_back(problemFinding(problem::notAListing,
-                                                           "what the utility printed is no listing",
-                                                           firstLines(snapshot.listings.front())));
-            }
-        }
     }
 
     /// Controllers change places as they do before zolex plans; what was captured goes with them.
