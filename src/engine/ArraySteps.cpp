@@ -122,10 +122,8 @@ RaidArray RAIDConfigCreator::collectLikeDrives(DrivePosition first) {
     const std::int64_t size = sizeAt(first);
     const auto tolerance = static_cast<std::int64_t>(policy_.arrayDefaults.variancePercent / 100.0 *
                                                      static_cast<double>(size));
-    // The channels of a type 4 controller do not share arrays.
-    const std::int32_t lastChannel = controller_.type() == controller_type::hrconf4
-                                         ? first.channel
-                                         : RAIDController::channels - 1;
+    const std::int32_t lastChannel =
+        rules_.channelsApart ? first.channel : RAIDController::channels - 1;
     const std::size_t most = maximumDrivesPerArray(raid_level::none);
 
     ArrayBuilder builder(*this);
