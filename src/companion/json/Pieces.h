@@ -18,6 +18,21 @@ namespace zolex::companion {
 
 using Json = nlohmann::ordered_json;
 
+/// Makes an object name by name, in this order. Each name is given once.
+class ObjectMaker {
+  public:
+    explicit ObjectMaker(std::size_t names) { object_.reserve(names); }
+    /// Adds a name with its value.
+    ObjectMaker& operator()(const char* name, Json value) {
+        object_.emplace_back(name, std::move(value));
+        return *this;
+    }
+    [[nodiscard]] Json make() { return Json(std::move(object_)); }
+
+  private:
+    Json::object_t object_;
+};
+
 /// The beginning of a document: format, format_version, tool, made_at.
 [[nodiscard]] Json documentOf(std::string_view format, const DocumentHead& head);
 
