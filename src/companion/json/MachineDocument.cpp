@@ -260,14 +260,11 @@ std::string machineDocument(const Snapshot& snapshot, const DocumentHead& head) 
     document["machine_type"] = orNull(snapshot.machine.machineType.view());
     document["serial_number"] = orNull(snapshot.machine.serialNumber.view());
     document["machine_source"] = orNull(snapshot.machineSource);
-    Json controllers = Json::array();
-    for (const ControllerSnapshot& controller : snapshot.details) {
-        controllers.push_back(controllerOf(controller));
-    }
-    document["controllers"] = std::move(controllers);
+    document["controllers"] = Json::array();
     document["core_messages"] = snapshot.coreMessages;
     document["diagnostics"] = diagnosticsOf(snapshot.findings);
-    return textOf(document);
+    return textOf(document, "controllers", snapshot.details.size(),
+                  [&](std::size_t i) { return controllerOf(snapshot.details[i]); });
 }
 
 std::string failedMachineDocument(const std::vector<Finding>& findings, const DocumentHead& head) {

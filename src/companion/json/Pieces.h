@@ -6,7 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -55,6 +57,10 @@ template <typename Number>
 
 /// The document as a text that ends with a newline. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string textOf(const Json& document);
+/// The same of a document whose array `name`, empty as yet, gets `count` elements. They are made
+/// one after another, so that a large document is never in memory but as its text.
+[[nodiscard]] std::string textOf(const Json& document, std::string_view name, std::size_t count,
+                                 const std::function<Json(std::size_t)>& element);
 /// The same in one line, without a newline: one of a file of JSON lines.
 [[nodiscard]] std::string lineOf(const Json& document);
 
