@@ -161,10 +161,18 @@ class Check {
                           countOf(options_.files.size(), "file", "files") + " (" +
                           countOf(policies_, "policy", "policies") + ").";
         if (!findings_.empty()) {
-            sum += " zolexctl explain " + findings_.front().code + " tells more.";
+            sum += " zolexctl explain " + mostTelling().code + " tells more.";
         }
         const auto width = static_cast<std::size_t>(context_.style.width);
         return all + (all.empty() ? "" : "\n") + foldedWords(sum, 0, 0, width) + "\n";
+    }
+
+    /// The first that is more than a note; the first note without one.
+    [[nodiscard]] const Finding& mostTelling() const {
+        const auto found =
+            std::find_if(findings_.begin(), findings_.end(),
+                         [](const Finding& finding) { return finding.severity != Severity::note; });
+        return found == findings_.end() ? findings_.front() : *found;
     }
 
     Context& context_;
