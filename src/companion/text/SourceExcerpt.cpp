@@ -73,7 +73,10 @@ Window windowOf(std::size_t cells, std::size_t from, std::size_t to, std::size_t
         return {0, room - dots.size()};
     }
     const std::size_t before = (inner - marked) / 2;
-    const std::size_t first = from - std::min(from, before);
+    // At the end of the line there is room for more before the mark.
+    const std::size_t behind = std::max(cells, to);
+    const std::size_t first =
+        std::min(from - std::min(from, before), behind - std::min(behind, inner));
     return {first, std::min(cells, first + inner)};
 }
 
