@@ -6,6 +6,7 @@
 #include "companion/recording/FolderEntries.h"
 #include "companion/recording/RecordingPlatform.h"
 #include "companion/recording/ReplayPlatform.h"
+#include "companion/text/OutputFile.h"
 #include "companion/text/Timestamp.h"
 #include "foundation/Text.h"
 
@@ -49,17 +50,15 @@ bool tellFindings(Context& context, const std::vector<Finding>& findings) {
 int lookRecorded(Context& context, Platform& machine, const Utilities& utilities,
                  const Look& look) {
     const std::string& name = context.machine.record;
-    FileSystem& files = context.platform.files();
-    std::unique_ptr<File> file = files.create(name, "", FileSystem::WhenInterrupted::kept);
-    if (file == nullptr) {
-        return failWith(context, printable(name) + ": the recording cannot be made",
-                        "name another file with --record");
+    const auto writer =
+        startRecording(context, name, recordingHeader(context, machine.localTime()));
+    if (writer == nullptr) {
+        return exit_code::notPossible;
     }
-    RecordingWriter writer(std::move(file), recordingHeader(context, machine.localTime()));
-    writer.keep(UtilitiesCall{utilities});
-    RecordingPlatform recorder(machine, writer);
+    writer->keep(UtilitiesCall{utilities});
+    RecordingPlatform recorder(machine, *writer);
     const int code = look(recorder, utilities);
-    if (!writer.finish()) {
+    if (!writer->finish()) {
         return failWith(context, printable(name) + ": the recording could not be written whole",
                         "free some space, or name another file with --record");
     }
@@ -117,6 +116,25 @@ RecordingHeader recordingHeader(Context& context, const LocalTime& now) {
     header.madeAt = timestampOf(now);
     header.system = system::isWindows ? "windows" : "linux";
     return header;
+}
+
+std::unique_ptr<RecordingWriter> startRecording(Context& context, const std::string& name,
+                                                const RecordingHeader& header) {
+    using output_file::Standing;
+    FileSystem& files = context.platform.files();
+    const Standing standing = output_file::standing(name);
+    std::unique_ptr<File> file;
+    if (standing == Standing::device) {
+        file = files.open(name, "w");
+    } else if (standing == Standing::nothing || standing == Standing::file) {
+        file = files.create(name, "", FileSystem::WhenInterrupted::kept);
+    }
+    if (file == nullptr) {
+        failWith(context, printable(name) + ": no recording can be made here",
+                 "name another file; nothing was asked of the machine");
+        return nullptr;
+    }
+    return std::make_unique<RecordingWriter>(std::move(file), header);
 }
 
 CaptureRequest captureRequest(const Context& context) {

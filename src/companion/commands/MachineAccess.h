@@ -1,7 +1,7 @@
 #pragma once
 
 #include "companion/commands/Context.h"
-#include "companion/json/RecordingLines.h"
+#include "companion/json/RecordingFile.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/Snapshot.h"
 #include "companion/machine/Utilities.h"
@@ -43,6 +43,11 @@ loadMachines(Context& context, const std::vector<std::string>& paths);
 
 /// What a recording that is made now says of itself.
 [[nodiscard]] RecordingHeader recordingHeader(Context& context, const LocalTime& now);
+
+/// Begins a recording in a file, which is made anew; null after a message. What a link or a folder
+/// of this name is stays.
+[[nodiscard]] std::unique_ptr<RecordingWriter>
+startRecording(Context& context, const std::string& name, const RecordingHeader& header);
 
 /// "note: server.zrec:7:1: the last line was cut and is left out [ZR107]", with its line end.
 [[nodiscard]] std::string findingLine(const Finding& finding, const TextStyle& style);

@@ -170,14 +170,10 @@ class Recorder {
         recording.header = recordingHeader(context_, machine.localTime());
         std::unique_ptr<RecordingWriter> writer;
         if (!options_.redact) {
-            std::unique_ptr<File> file = context_.platform.files().create(
-                context_.outputFile, "", FileSystem::WhenInterrupted::kept);
-            if (file == nullptr) {
-                return failWith(context_,
-                                printable(context_.outputFile) + ": the recording cannot be made",
-                                "name another file with -o");
+            writer = startRecording(context_, context_.outputFile, recording.header);
+            if (writer == nullptr) {
+                return exit_code::notPossible;
             }
-            writer = std::make_unique<RecordingWriter>(std::move(file), recording.header);
         }
         Keeper keeper(std::move(writer));
         keeper.keep(UtilitiesCall{utilities});

@@ -147,10 +147,13 @@ DriveFacts toldByArray(std::int32_t number, bool wasAsked, ListingPlace place) {
     return drive;
 }
 
-/// The array takes all drives but the spare.
+/// The array takes all drives but the spare. Where it is told to be of one, that is the one that
+/// answers.
 void placeMembers(Reading& reading) {
     LogicalDriveDraft* const draft = reading.logicalDrive();
     const std::int32_t total = draft == nullptr ? 0 : draft->announcedMembers.value_or(0);
+    const bool isSecond = total == 1 && driveOf(reading.facts, 1) == nullptr &&
+                          driveOf(reading.facts, mostDrives) != nullptr;
     if (draft != nullptr) {
         // No other state is told of an array that is sound.
         draft->facts.health = draft->facts.reportedState.empty() ? Health::ok : draft->facts.health;
@@ -160,7 +163,8 @@ void placeMembers(Reading& reading) {
     }
     for (std::int32_t number = 1; number <= mostDrives; ++number) {
         const bool isSpare = reading.spare == number;
-        const bool isMember = draft != nullptr && number <= total && !isSpare;
+        const bool isTaken = isSecond ? number == mostDrives : number <= total;
+        const bool isMember = draft != nullptr && isTaken && !isSpare;
         DriveFacts* drive = driveOf(reading.facts, number);
         if (drive == nullptr && isMember) {
             const bool wasAsked = reading.facts.listings.size() > static_cast<std::size_t>(number);
@@ -194,6 +198,9 @@ Facts readHyperwin(std::span<const std::string> listings) {
         drive.id = drive.number.value_or(1) - 1;
     }
     reading.finish();
+    // One that does not answer is told behind the others.
+    std::sort(reading.facts.drives.begin(), reading.facts.drives.end(),
+              [](const DriveFacts& a, const DriveFacts& b) { return a.location < b.location; });
     return std::move(reading.facts);
 }
 
