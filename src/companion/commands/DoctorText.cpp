@@ -204,10 +204,13 @@ class Writer {
                                            : ListingReading();
         const bool isWhole = reading.blocksRead >= reading.blocks;
         head(name, isWhole ? "ok" : "WARN");
-        out_ += duration +
-                (isWhole && reading.unknownKeys.empty()
-                     ? "read fully: " + blocks(reading)
-                     : std::to_string(reading.blocksRead) + " of " + blocks(reading) + " read");
+        out_ += duration;
+        if (!isWhole) {
+            out_ += std::to_string(reading.blocksRead) + " of " +
+                    countText(reading.blocks, "block", "blocks") + " read";
+        } else {
+            out_ += (reading.unknownKeys.empty() ? "read fully: " : "read: ") + amount(reading);
+        }
         if (!reading.unknownKeys.empty()) {
             out_ += ", " + countText(reading.unknownKeys.size(), "key", "keys") + " not known";
         }
@@ -217,8 +220,10 @@ class Writer {
         }
     }
 
-    static std::string blocks(const ListingReading& reading) {
-        return countText(reading.blocks, "block", "blocks");
+    static std::string amount(const ListingReading& reading) {
+        return reading.blocks > 0 ? countText(reading.blocks, "block", "blocks")
+                                  : std::to_string(reading.keysUsed) + " of " +
+                                        countText(reading.keys, "key", "keys") + " used";
     }
 
     void unknownKeys(const ListingReading& reading) {

@@ -224,7 +224,7 @@ class Comparison {
     }
 
     void compareLayout() {
-        const RAIDConfiguration* const layoutOfCore = core_.configuration();
+        const RAIDConfiguration* const layoutOfCore = core_.captured();
         if (layoutOfCore == nullptr) {
             tellNoLayout();
             return;

@@ -237,10 +237,9 @@ class EffectChecks {
     void checkSize(const PlannedDrive& drive) {
         constexpr std::int32_t someMb = 1000;
         constexpr std::int32_t otherMb = 2000;
-        constexpr std::int32_t all = 100;
+        constexpr DriveSize all{DriveSize::Kind::percent, 100};
         const DriveSize size = drive.view->given.size;
-        const bool isPercent = size.kind == DriveSize::Kind::percent;
-        if (size.kind == DriveSize::Kind::rest || (isPercent && size.value == all)) {
+        if (size.kind == DriveSize::Kind::rest || size == all) {
             return;
         }
         const auto sizes = [](const Kind& /*kind*/) {
@@ -252,7 +251,8 @@ class EffectChecks {
                           {"zolex ends with 11 here, and controllers before are "
                            "configured"});
             // What happens to be all of the array is taken.
-            finding.severity = isPercent ? Severity::error : Severity::warning;
+            finding.severity =
+                size.kind == DriveSize::Kind::percent ? Severity::error : Severity::warning;
             finding.refusedBy = RefusedBy::plan;
         } else if (effectOf(&LineSettings::sizeMb, sizes, someMb, &drive) == Effect::none) {
             tell(drive.view->size, "the size has no effect with " + utilities_,

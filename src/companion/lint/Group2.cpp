@@ -74,7 +74,7 @@ class Matching {
         }
         sink_.add("ZX201", *policies_[p].policy, policies_[p].name() + " can never be used",
                   {"each controller that it fits fits " + joinWords(before, " or ") + " before it",
-                   "put it before, or take it out"});
+                   "put it before that one, or take it out"});
     }
 
     void tellDeadEntry(std::size_t p, const EntryView& entry, const EntryPlace& shadow) {
@@ -98,7 +98,8 @@ class Matching {
         const Untrue untrue = findUntrue(entry);
         sink_.add("ZX206", untrue.specifier->whole,
                   entry.entry->keyword.text +
-                      " can hold for no controller: " + limitWords(entry, untrue));
+                      " can hold for no controller: " + limitWords(entry, untrue),
+                  {"zolexctl show tells number, model and drives of each controller"});
     }
 
     static std::string limitWords(const EntryView& entry, const Untrue& untrue) {

@@ -1,4 +1,5 @@
 #include "companion/lint/Entries.h"
+#include "companion/lint/Levels.h"
 #include "companion/lint/PolicyView.h"
 #include "companion/lint/RuleGroups.h"
 #include "model/Codes.h"
@@ -42,7 +43,8 @@ bool hasSameDrives(const DriveListView& one, const DriveListView& other) {
 /// Checks the drives and arrays of one policy.
 class DriveChecks {
   public:
-    DriveChecks(const PolicyView& policy, FindingSink& sink) : policy_(policy), sink_(sink) {}
+    DriveChecks(const PolicyView& policy, Models& models, FindingSink& sink)
+        : policy_(policy), models_(models), sink_(sink) {}
 
     void check() {
         checkMode();
@@ -53,6 +55,7 @@ class DriveChecks {
         }
         for (const DriveListView& array : policy_.countingArrays()) {
             checkLength(array);
+            checkRest(array);
         }
         checkSharedDrives();
         checkLogicalDrives();
@@ -154,8 +157,72 @@ class DriveChecks {
         if (list.drives.size() > RaidArray::maxDrives) {
             sink_.add("ZX305", list.drives[RaidArray::maxDrives].piece,
                       nameOf(list) + " lists " + std::to_string(list.drives.size()) +
-                          " drives, and an array holds " + std::to_string(RaidArray::maxDrives));
+                          " drives, and an array holds " + std::to_string(RaidArray::maxDrives),
+                      {"make two arrays of it"});
         }
+    }
+
+    /// An array of all that remain which leaves some over. What a default hot spare takes is none
+    /// of them; what a bad drive does is not known.
+    void checkRest(const DriveListView& array) {
+        if (!array.isAll) {
+            return;
+        }
+        std::size_t rest = 0;
+        std::size_t taken = 0;
+        const Verdict verdict = judgeEntries(policy_, [&](const EntryView& entry) {
+            if (entry.given.numberOfDrives <= 0) {
+                return Answer::notGiven;
+            }
+            const std::size_t spares = mostAutomaticHotspares(policy_, entry);
+            const std::size_t most =
+                mostRemaining(policy_, static_cast<std::size_t>(entry.given.numberOfDrives));
+            const std::size_t left = most > spares ? most - spares : 0;
+            const std::size_t used = mostTaken(entry, array, left);
+            if (used >= left) {
+                return Answer::fine;
+            }
+            if (taken == 0) {
+                rest = left;
+                taken = used;
+            }
+            return Answer::faulty;
+        });
+        if (verdict.severity()) {
+            Finding& finding = sink_.add(
+                "ZX305", array.entry->value,
+                nameOf(array) + " takes " + std::to_string(taken) + " of " + std::to_string(rest) +
+                    " drives that remain",
+                {std::to_string(rest - taken) + " are left over, and zolex does not say so",
+                 "list the drives, in two arrays"});
+            finding.severity = Severity::warning;
+            finding.refusedBy = RefusedBy::nobody;
+        }
+    }
+
+    /// The most that any controller of the entry takes for the array.
+    std::size_t mostTaken(const EntryView& entry, const DriveListView& array, std::size_t left) {
+        std::vector<Kind> kinds = kindsOf(entry.given.controllerType.view());
+        if (kinds.empty()) {
+            kinds = allKinds();
+        }
+        std::size_t most = 0;
+        for (const Kind& kind : kinds) {
+            most = std::max(most, models_.takenOfAll(kind, levelOfAll(array), left));
+        }
+        return most;
+    }
+
+    /// The level that decides how many drives ALL takes.
+    [[nodiscard]] std::int32_t levelOfAll(const DriveListView& array) const {
+        for (const LogicalView& view : policy_.logicalDrives) {
+            if (policy_.customLogicalDrives &&
+                view.given.arrayIndex == static_cast<std::int32_t>(array.index)) {
+                return view.given.raidLevel;
+            }
+        }
+        return policy_.logicalDefaults ? policy_.logicalDefaults->given.raidLevel
+                                       : raid_level::notGiven;
     }
 
     void checkSharedDrives() {
@@ -258,11 +325,18 @@ class DriveChecks {
         if (withoutCount == policy_.entries.end() || list == lists.end()) {
             return;
         }
+        std::vector<std::string> help = {
+            "when a drive is missing, each number behind it is the next drive's",
+            "add d: to " + placeOf(*withoutCount) + ", or write channel:id"};
+        const AppliesTo& given = withoutCount->given;
+        if (given.controllerNumber > 0 && given.controllerType.isEmpty()) {
+            const std::string number = "c:" + std::to_string(given.controllerNumber);
+            help.push_back(number + " is another controller when a card is added before it");
+        }
         sink_.add("ZX309", (*list)->drives.front().piece,
                   nameOf(**list) + " names drives by number, and " +
                       withoutCount->entry->keyword.text + " gives no d:",
-                  {"when a drive is missing, each number behind it is the next drive's",
-                   "add d: to " + placeOf(*withoutCount) + ", or write channel:id"});
+                  std::move(help));
     }
 
     void checkVariance() {
@@ -277,15 +351,17 @@ class DriveChecks {
     }
 
     const PolicyView& policy_;
+    Models& models_;
     FindingSink& sink_;
 };
 
 } // namespace
 
 void checkGroup3(const PolicyDocument& document, FindingSink& sink) {
+    Models models;
     for (const PolicyView& policy : viewPolicies(document)) {
         if (!policy.policy->isQuiet) {
-            DriveChecks(policy, sink).check();
+            DriveChecks(policy, models, sink).check();
         }
     }
 }

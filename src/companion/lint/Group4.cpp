@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,16 @@ void pointTo(Finding& finding, const Piece& other, std::string what) {
 std::string levelName(std::int32_t level) {
     const bool isNumber = level != raid_level::volume && level != raid_level::simpleVolume;
     return std::string(isNumber ? "RAID " : "") + raidLevelWord(level);
+}
+
+/// "2 drives", "3 or more drives", "6 or more drives, an even number".
+std::string countWords(const std::string& possible) {
+    constexpr std::string_view even = ", even";
+    const std::size_t end = possible.size() - even.size();
+    if (possible.size() > even.size() && possible.substr(end) == even) {
+        return possible.substr(0, end) + " drives, an even number";
+    }
+    return possible + " drives";
 }
 
 bool is5E(std::int32_t level) {
@@ -49,6 +60,7 @@ class LogicalChecks {
         checkSharedArrays();
         checkUnused();
         checkStriping();
+        checkCache();
     }
 
   private:
@@ -100,7 +112,7 @@ class LogicalChecks {
             .add("ZX407", view.level,
                  utilityOf(kind.type) + " has no command for " + levelName(view.given.raidLevel),
                  {"zolex writes ERROR in its place, and the utility refuses the line",
-                  model + " (" + placeOf(entry) + ") has " + levelWords(kind)})
+                  model + " has " + levelWords(kind), placeOf(entry) + " names this model"})
             .severity = *verdict.severity();
     }
 
@@ -141,7 +153,7 @@ class LogicalChecks {
             return answer ? Answer::faulty : Answer::fine;
         });
         if (const auto severity = verdict.severity(); severity && refusal) {
-            tellCount(drive, *refusal, drives, *severity);
+            tellCount(drive, *refusal, drives, *verdict.faulty().front(), *severity);
         }
     }
 
@@ -166,18 +178,35 @@ class LogicalChecks {
         return refusal;
     }
 
+    /// What the entry's model can make of so many drives, where it names one.
+    std::vector<std::string> possibleLevels(const EntryView& entry, std::size_t drives) {
+        const std::string model = entry.given.controllerType.c_str();
+        const std::vector<Kind> kinds = kindsOf(model);
+        std::vector<std::string> words;
+        for (std::int32_t level = raid_level::raid0; level <= raid_level::volume; ++level) {
+            if (!kinds.empty() && kinds.front().rules->raidLevels.contains(level) &&
+                !models_.refusal(kinds.front(), level, drives)) {
+                words.emplace_back(raidLevelWord(level));
+            }
+        }
+        if (words.empty()) {
+            return {"change the list of drives, or the level"};
+        }
+        return {model + " makes " + joinWords(words, " or ") + " of " + countOf(drives, "drive")};
+    }
+
     void tellCount(const PlannedDrive& drive, const LevelRefusal& refusal, std::size_t drives,
-                   Severity severity) {
+                   const EntryView& entry, Severity severity) {
         const Piece& place = drive.view == nullptr ? drive.array->entry->value : drive.view->level;
         const std::string array = drive.array->entry->keyword.text;
         const bool isAll = drive.array->isAll;
         const std::string has = array + (isAll ? " gets " : " has ") + countOf(drives, "drive") +
                                 (isAll ? " at most" : "");
         const std::string summary =
-            refusal.level < 0
-                ? "no RAID level fits " + countOf(drives, "drive") + " of " + array
-                : levelName(refusal.level) + " takes " + refusal.possible + " drives, and " + has;
-        Finding& finding = sink_.add("ZX402", place, summary);
+            refusal.level < 0 ? "no RAID level fits " + countOf(drives, "drive") + " of " + array
+                              : levelName(refusal.level) + " takes " +
+                                    countWords(refusal.possible) + ", and " + has;
+        Finding& finding = sink_.add("ZX402", place, summary, possibleLevels(entry, drives));
         finding.severity = severity;
         if (drive.view != nullptr) {
             pointTo(finding, drive.array->entry->value,
@@ -227,7 +256,7 @@ class LogicalChecks {
                 "RAID 10 is made of pairs, and " + array + " has " + countOf(drive.drives, "drive"),
                 {isForMegaCli() ? "MEGACLI leaves " + last + " out, without a word"
                                 : last + " is left out, or the utility refuses it all",
-                 "take it out of " + array + ", as Hotspares for example"});
+                 "take it out of " + array});
             pointTo(finding, drive.array->drives.back().piece, "left out");
         }
         const bool isWide = (level == raid_level::raid50 && drive.drives >= threeSpansOf50) ||
@@ -299,9 +328,9 @@ class LogicalChecks {
         if (refused.severity()) {
             Finding& finding =
                 sink_.add("ZX405", further.array,
-                          utility(refused) + " makes one logical drive " +
-                              (isShared ? "on an array, and " + array + " has a second" : "alone") +
-                              ", " + name,
+                          utility(refused) + " makes one logical drive" +
+                              (isShared ? " on an array: " + name + " is the second on " + array
+                                        : ": " + name + " is one too many"),
                           {"zolex ends with 11 here, and controllers before are configured"});
             finding.severity = *refused.severity();
             pointTo(finding, first.array, "first here");
@@ -355,7 +384,25 @@ class LogicalChecks {
             sink_.add("ZX411", drive.view->level,
                       drive.drives > 1 ? "RAID 0 over " + countOf(drive.drives, "drive") +
                                              ": one drive's failure loses all data"
-                                       : "RAID 0: one drive's failure loses all data");
+                                       : "RAID 0: one drive's failure loses all data",
+                      {"no hot spare helps; take 1, 10 or 5 where the data matters"});
+        }
+    }
+
+    /// Logical.<n> without a cache word where Logical_Defaults without one is written back.
+    void checkCache() {
+        const Verdict verdict = judgeKinds(
+            policy_, [](const Kind& kind) { return kind.rules->writeCache == write_cache::on; });
+        if (!verdict.severity() || !policy_.customLogicalDrives) {
+            return;
+        }
+        for (const LogicalView& view : policy_.logicalDrives) {
+            if (!view.cache) {
+                sink_.add("ZX412", view.entry->value,
+                          view.entry->keyword.text + " gives no write cache: " + verdict.models() +
+                              " keeps its own mode",
+                          {"that is write-through on most; add :ON for write-back, or :OFF"});
+            }
         }
     }
 

@@ -143,7 +143,7 @@ class HotspareChecks {
                 break;
             }
         }
-        const std::string what = drive + " becomes the hot spare, and is listed in " + array;
+        const std::string what = " and is listed in " + array;
         std::vector<std::string> help = {
             "the spare is the largest drive, of equal ones the last; the utility refuses it",
             taken > 0 ? "add Hotspares = " + std::to_string(taken) + " and take " +
@@ -152,8 +152,11 @@ class HotspareChecks {
         Finding& finding =
             policy_.arrayDefaults
                 ? sink_.add("ZX501", policy_.arrayDefaults->hotspares,
-                            "Array_Defaults asks for a hot spare: " + what, std::move(help))
-                : sink_.add("ZX501", *policy_.policy, "no Hotspares: " + what, std::move(help));
+                            "Array_Defaults asks for a hot spare: " + drive + " is taken," + what,
+                            std::move(help))
+                : sink_.add("ZX501", *policy_.policy,
+                            "no Hotspares: " + drive + " becomes the hot spare," + what,
+                            std::move(help));
         finding.severity = severity;
     }
 
@@ -211,9 +214,10 @@ class HotspareChecks {
         if (policy_.hotspares && policy_.hotspares->drives.size() > most) {
             const std::vector<DriveView>& drives = policy_.hotspares->drives;
             const bool isRefused = drives.size() > Policy::maxHotspares;
-            Finding& finding = sink_.add(
-                "ZX503", drives[isRefused ? Policy::maxHotspares : most].piece,
-                "Hotspares lists " + std::to_string(drives.size()) + " drives", {mostWords});
+            Finding& finding =
+                sink_.add("ZX503", drives[isRefused ? Policy::maxHotspares : most].piece,
+                          "Hotspares lists " + std::to_string(drives.size()) + " drives",
+                          {isRefused ? "zolex refuses the file; " + mostWords : mostWords});
             finding.refusedBy = isRefused ? RefusedBy::zolex : RefusedBy::plan;
         }
         if (isListed || !policy_.arrayDefaults) {

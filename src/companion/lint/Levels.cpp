@@ -63,6 +63,28 @@ std::size_t mostRemaining(const PolicyView& policy, std::size_t drives) {
     return drives > taken ? drives - taken : 0;
 }
 
+std::size_t mostAutomaticHotspares(const PolicyView& policy, const EntryView& entry) {
+    if (policy.policy->effective("Hotspares") != nullptr) {
+        return 0;
+    }
+    if (policy.arrayDefaults) {
+        return static_cast<std::size_t>(std::max(policy.arrayDefaults->given.hotspareCount, 0));
+    }
+    if (policy.isGenerated()) {
+        return 0;
+    }
+    std::vector<Kind> kinds = kindsOf(entry.given.controllerType.view());
+    if (kinds.empty()) {
+        kinds = allKinds();
+    }
+    std::size_t most = 0;
+    for (const Kind& kind : kinds) {
+        const std::int32_t count = kind.rules->defaultHotspareCount(entry.given.numberOfDrives);
+        most = std::max(most, static_cast<std::size_t>(count));
+    }
+    return most;
+}
+
 std::string levelWords(const Kind& kind) {
     std::vector<std::string> words;
     for (std::int32_t code = raid_level::raid0; code <= raid_level::simpleVolume; ++code) {

@@ -28,6 +28,9 @@ struct PlannedDrive {
 /// The most drives that are left for an array given as ALL on a controller of `drives` drives.
 [[nodiscard]] std::size_t mostRemaining(const PolicyView& policy, std::size_t drives);
 
+/// The most hot spares that a controller of the entry gets without being told which.
+[[nodiscard]] std::size_t mostAutomaticHotspares(const PolicyView& policy, const EntryView& entry);
+
 /// "0, 1, 10": the levels that a policy may ask of this kind.
 [[nodiscard]] std::string levelWords(const Kind& kind);
 /// "16, 32, 64": the strip sizes that a policy may ask of this kind.

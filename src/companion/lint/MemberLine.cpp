@@ -23,6 +23,7 @@ std::string memberLine(const std::vector<DrivePosition>& drives) {
     for (const DrivePosition drive : drives) {
         line += memberText(drive);
     }
+    line += ' ';
     return line;
 }
 

@@ -9,7 +9,7 @@
 
 namespace zolex::companion {
 
-/// The line in which ARCCONF and HRCONF list the members of a logical drive, without blanks at its
+/// The line in which ARCCONF and HRCONF list the members of a logical drive, with the blank at its
 /// end, for drives at these positions of a policy. Form and width of its key are those of the
 /// captured listings: "   Drive(s) (Channel,Device)                : 0,0 0,1".
 [[nodiscard]] std::string memberLine(const std::vector<DrivePosition>& drives);

@@ -41,15 +41,16 @@ struct NamedKind {
     Kind kind;
 };
 
-/// A controller with `drives` equal drives on channel 1.
+/// A controller with `drives` equal drives, channel by channel.
 RAIDController controllerOf(const Kind& kind, std::size_t drives) {
     RAIDController controller;
     controller.setType(kind.type);
     controller.setSubtype(kind.subtype);
     controller.setScanOrder(1);
-    for (std::size_t id = 0; id < drives; ++id) {
-        const auto number = static_cast<std::int32_t>(id);
-        controller.setSizeAndTarget(RAIDController::firstChannel, number, driveMb, number);
+    for (std::size_t i = 0; i < drives; ++i) {
+        const auto number = static_cast<std::int32_t>(i);
+        controller.setSizeAndTarget(RAIDController::firstChannel + number / RAIDController::ids,
+                                    number % RAIDController::ids, driveMb, number);
     }
     return controller;
 }
@@ -73,6 +74,28 @@ LogicalDrive logicalDriveOf(std::int32_t level) {
     drive.arrayIndex = 0;
     drive.raidLevel = level;
     return drive;
+}
+
+LogicalSpecification specificationOf(std::int32_t level) {
+    LogicalSpecification specification;
+    specification.raidLevel = level;
+    return specification;
+}
+
+std::size_t askForAll(const Kind& kind, std::int32_t level, std::size_t drives) {
+    Policy policy;
+    policy.name = "Policy.question";
+    policy.customArrays = true;
+    policy.arrays.emplace_back().allRemaining = true;
+    policy.hotspares = RaidArray();
+    policy.logicalDefaults = specificationOf(level);
+    SilentReport silent;
+    const ControllerPlan plan =
+        planByPolicy(controllerOf(kind, drives), 1, policy, {.reasons = true}, silent);
+    return static_cast<std::size_t>(
+        std::count_if(plan.reasons.begin(), plan.reasons.end(), [](const Reason& reason) {
+            return reason.kind == Reason::Kind::allRemaining;
+        }));
 }
 
 CommandLines makeLines(const Kind& kind, std::int32_t level, std::size_t drives,
@@ -133,7 +156,7 @@ std::optional<LevelRefusal> askPlanner(const Kind& kind, std::int32_t level, std
     policy.customArrays = true;
     policy.arrays.push_back(arrayOf(drives));
     policy.hotspares = RaidArray();
-    policy.logicalDefaults = LogicalSpecification{-1, DriveSize(), level, write_cache::notGiven};
+    policy.logicalDefaults = specificationOf(level);
     SilentReport silent;
     const ControllerPlan plan = planByPolicy(controllerOf(kind, RAIDController::ids), 1, policy,
                                              {.reasons = false}, silent);
@@ -223,6 +246,15 @@ std::size_t Models::leastDrives(const Kind& kind, std::int32_t level) {
         }
     }
     return 0;
+}
+
+std::size_t Models::takenOfAll(const Kind& kind, std::int32_t level, std::size_t drives) {
+    const auto [place, isNew] =
+        takenOfAll_.try_emplace(Question{{kind.type, kind.subtype}, level, drives});
+    if (isNew) {
+        place->second = askForAll(kind, level, drives);
+    }
+    return place->second;
 }
 
 FurtherDrives Models::furtherDrives(const Kind& kind) {

@@ -76,6 +76,8 @@ class Models {
     bool hasCommand(const Kind& kind, std::int32_t level);
     /// The least number of drives that the level takes; 0 when it takes none.
     std::size_t leastDrives(const Kind& kind, std::int32_t level);
+    /// How many of `drives` free ones an array takes that is given as ALL.
+    std::size_t takenOfAll(const Kind& kind, std::int32_t level, std::size_t drives);
     FurtherDrives furtherDrives(const Kind& kind);
     /// Whether the lines say which drives an array is made of.
     bool namesDrives(const Kind& kind);
@@ -87,6 +89,7 @@ class Models {
     using Question = std::tuple<KindKey, std::int32_t, std::size_t>;
     std::map<Question, std::optional<LevelRefusal>> refusals_;
     std::map<std::tuple<Question, LineSettings>, CommandLines> lines_;
+    std::map<Question, std::size_t> takenOfAll_;
     std::map<KindKey, FurtherDrives> furtherDrives_;
     std::map<KindKey, bool> namesDrives_;
     std::map<std::pair<KindKey, std::int32_t>, bool> takesHotspare_;

@@ -37,8 +37,9 @@ constexpr std::array<Rule, 9> rows = {{
      "erased before that.",
      "Numbers go from 1 to what d: says:\n"
      "  AppliesTo.1 = d:8\n  Array.A = 1,2,3,4,5,6,7\n  Hotspares = 8"},
-    {"ZX305", error, plan, "more than 32 drives in an array",
-     "An array holds 32 drives. No plan can be made: exit code 5.",
+    {"ZX305", error, plan, "more drives than an array takes",
+     "A list holds 32 drives: with more no plan can be made, exit code 5. ALL takes as many as the "
+     "level allows, 16 for most; the drives beyond are left over without a word.",
      "Make two arrays of it."},
     {"ZX307", warning, nobody, "Array.<x> without Array_Mode = CUSTOM",
      "The lists are read and then not used: zolex chooses the drives itself, and may make one "

@@ -1,6 +1,7 @@
 #include "companion/machine/Capture.h"
 
 #include "commands/CommandSource.h"
+#include "companion/facts/CompareReadings.h"
 #include "companion/facts/FactsReader.h"
 #include "companion/machine/CrossCheck.h"
 #include "companion/machine/Fingerprint.h"
@@ -79,7 +80,7 @@ struct Captured {
     bool isDone = false;
     FunctionIdentity function;
     ControllerSnapshot snapshot;
-    std::vector<Fault> faults;
+    bool isRead = false; ///< by zolex's own reader
 };
 
 FunctionIdentity functionOf(const RAIDController& controller) {
@@ -352,7 +353,7 @@ class Capturer {
             entry != nullptr &&
             entry->create({.layout = true, .dumpRecords = false, .number = number}, found)
                 ->readConfiguration(controller, captured.snapshot.listings);
-        captured.faults = found.faults;
+        captured.isRead = read;
         if (!read) {
             Finding finding =
                 problemFinding(problem::listingRefused, "zolex does not understand the listing");
@@ -360,6 +361,9 @@ class Capturer {
             captured.snapshot.findings.push_back(std::move(finding));
         }
         for (const Fault& fault : found.faults) {
+            if (isToldByComparison(fault.kind)) {
+                continue;
+            }
             const std::vector<FaultText> texts = show::faultTexts(fault);
             captured.snapshot.findings.push_back(
                 problemFinding(problem::listingLimit,
@@ -369,6 +373,14 @@ class Capturer {
         snapshot_.faults.insert(snapshot_.faults.end(), found.faults.begin(), found.faults.end());
         snapshot_.coreMessages.insert(snapshot_.coreMessages.end(), found.messages.begin(),
                                       found.messages.end());
+    }
+
+    static bool isToldByComparison(FaultKind kind) {
+        return kind == FaultKind::listingTooManyArrays ||
+               kind == FaultKind::listingTooManyLogicalDrives ||
+               kind == FaultKind::listingTooManyHotspares ||
+               kind == FaultKind::listingTooManyMembers ||
+               kind == FaultKind::listingPositionInvalid;
     }
 
     static std::string withoutStop(std::string_view text) {
@@ -430,6 +442,7 @@ class Capturer {
         snapshot.pciIds = captured.function.pciIds;
         if (!snapshot.failed) {
             join(controller, snapshot);
+            compare(controller, captured);
             checkAgainstFunction(captured.function, snapshot);
             for (const BrokenBlock& broken : snapshot.facts.broken) {
                 snapshot.findings.push_back(
@@ -439,6 +452,22 @@ class Capturer {
             }
         }
         snapshot_.details.push_back(std::move(snapshot));
+    }
+
+    /// What the two readings of the listings have to say of each other.
+    static void compare(const RAIDController& controller, Captured& captured) {
+        for (const ReadingDifference& difference :
+             compareReadings(captured.snapshot.facts, controller, captured.isRead)) {
+            const std::string text = difference.subject + ": " + difference.what;
+            if (isContradiction(difference.kind)) {
+                captured.snapshot.findings.push_back(problemFinding(problem::readingsDiffer, text));
+            } else if (difference.kind == DifferenceKind::namedOtherwise ||
+                       difference.kind == DifferenceKind::drivesAtOnePlace) {
+                captured.snapshot.findings.push_back(problemFinding(problem::namedOtherwise, text));
+            } else if (difference.kind == DifferenceKind::layoutLimit) {
+                captured.snapshot.findings.push_back(problemFinding(problem::listingLimit, text));
+            }
+        }
     }
 
     static std::string commandOf(const ControllerSnapshot& snapshot, std::size_t listing) {

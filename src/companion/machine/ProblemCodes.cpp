@@ -15,7 +15,7 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 22> problemRows = {{
+constexpr std::array<ProblemCode, 23> problemRows = {{
     {problem::commandFailed, error, "a command of zolexctl could not do its work",
      "Nothing was changed; what it could not do is in its summary.",
      "do what its own help says, and run it again"},
@@ -82,6 +82,9 @@ constexpr std::array<ProblemCode, 22> problemRows = {{
     {problem::orderUnknown, warning, "the order of the controllers is not known for sure",
      "This machine's controllers are put in order of the bus that their listings tell.",
      "mend the listing that fails first; numbers of controllers may change then"},
+    {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
+     "An array or a hot spare would be made of another drive than the one that was asked for.",
+     "use drives in one enclosure only, or configure this controller by hand"},
 }};
 // clang-format on
 

@@ -40,6 +40,7 @@ inline constexpr std::string_view temporaryFolder = "ZP118";
 inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
+inline constexpr std::string_view namedOtherwise = "ZP122";
 } // namespace problem
 
 /// All of them, in the order of their ids.

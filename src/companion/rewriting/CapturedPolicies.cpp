@@ -88,8 +88,12 @@ std::optional<Finding> whyNone(const ControllerSnapshot& details,
                               "its utility failed, so that there is no policy for it",
                               {"zolexctl doctor"});
     }
-    const RAIDConfiguration* const configuration = controller.configuration();
-    const bool hasSpares = configuration != nullptr && !configuration->hotspares().empty();
+    const RAIDConfiguration* const configuration = controller.captured();
+    const bool hasSpares =
+        (configuration != nullptr && !configuration->hotspares().empty()) ||
+        std::any_of(details.drives.begin(), details.drives.end(), [](const MachineDrive& drive) {
+            return drive.facts.hotspare != HotspareKind::none;
+        });
     if (configuration == nullptr || configuration->arrays().empty() ||
         configuration->logicalDrives().empty()) {
         const std::size_t told = details.facts.logicalDrives.size();
@@ -210,8 +214,10 @@ class Captured {
         for (const Chapter& chapter : chapters_) {
             text += "\n" + chapter.comments;
             for (const Finding& finding : chapter.findings) {
+                // The controller stands above.
+                const std::size_t who = finding.summary.find(": ") + 2;
                 text += commentLines(isLoss(finding) ? " !" : " -",
-                                     finding.summary + " [" + finding.code + "]");
+                                     finding.summary.substr(who) + " [" + finding.code + "]");
             }
             text += chapter.policy.empty() ? "" : "\n" + chapter.policy;
         }

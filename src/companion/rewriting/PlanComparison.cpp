@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::size_t plannedSpans = 2; ///< of RAID 50 and 60, as zolex makes them
 constexpr std::size_t mirrorDrives = 2;
+constexpr std::uint64_t smallestStripKb = 8; ///< code 0
 
 std::string locationsOf(const WantedLayout& layout, const std::vector<DrivePosition>& drives) {
     std::string text;
@@ -93,11 +94,42 @@ class Comparison {
             tell("ZC108", who + " of " + sizeText(wanted.sizeMb, false) + " would come back with " +
                               sizeText(made.sizeMb, fills));
         }
+        compareStripSize(wanted);
         if (traits_.writes.writeCache && wanted.writeCache != write_cache::notGiven &&
             made.writeCache != wanted.writeCache) {
             tell("ZC112", who + " with " + cacheText(wanted.writeCache) + " would come back with " +
                               cacheText(made.writeCache));
         }
+    }
+
+    /// In KB; 0 where it is not told, or says nothing.
+    [[nodiscard]] std::uint64_t stripSizeOf(const WantedLogicalDrive& drive) const {
+        constexpr std::uint64_t kilobyte = 1024;
+        const bool isMirror =
+            drive.raidLevel == raid_level::raid1 &&
+            (traits_.dialect == Dialect::conf || traits_.dialect == Dialect::hyperwin);
+        if (!traits_.writes.stripeSize || isMirror) {
+            return 0;
+        }
+        if (drive.facts != nullptr && drive.facts->stripSizeBytes) {
+            return *drive.facts->stripSizeBytes / kilobyte;
+        }
+        return layout_.stripeSize == stripe::none ? 0 : smallestStripKb << layout_.stripeSize;
+    }
+
+    void compareStripSize(const WantedLogicalDrive& wanted) {
+        const std::int32_t code = finalStripeSize(layout_.controller->type(), planned_.stripeSize);
+        const std::uint64_t kb = stripSizeOf(wanted);
+        if (kb == 0 || code == stripe::none || kb == smallestStripKb << code) {
+            return;
+        }
+        const bool isTaken = takesStripSize(*layout_.controller, layout_.stripeSize);
+        findings_.push_back(captureFinding(
+            details(), "ZC103", Severity::warning,
+            "logical drive " + wanted.id + " with a strip size of " + std::to_string(kb) +
+                " KB would come back with " + stripeSizeWord(code) + " KB",
+            {isTaken ? "a policy has one strip size for all its logical drives"
+                     : "zolex refuses policies with this strip size on a " + details().model}));
     }
 
     void compareHotspares() {
@@ -114,14 +146,6 @@ class Comparison {
     }
 
     void compareSettings() {
-        // What is not taken at all was told when the policy was written.
-        if (traits_.writes.stripeSize && layout_.stripeSize != stripe::none &&
-            takesStripSize(*layout_.controller, layout_.stripeSize) &&
-            planned_.stripeSize != layout_.stripeSize) {
-            tell("ZC103", std::string("the strip size ") + stripeSizeWord(layout_.stripeSize) +
-                              " KB would come back as " + stripeSizeWord(planned_.stripeSize) +
-                              " KB");
-        }
         if (traits_.writes.readAhead && planned_.readAhead != layout_.readAhead) {
             tell("ZC112", std::string("read-ahead ") + readAheadWord(layout_.readAhead) +
                               " would come back as " + readAheadWord(planned_.readAhead));
@@ -250,15 +274,6 @@ void tellLogicalDrive(const WantedLayout& layout, const WantedLogicalDrive& driv
                  ": the policy may not be what it was when it was well",
              {"mend it first, then capture again"});
     }
-    const std::int32_t own = layout.stripeSize;
-    constexpr std::uint64_t smallestStrip = 8192;
-    if (facts.stripSizeBytes && own != stripe::none &&
-        traitsOf(layout.controller->type()).writes.stripeSize &&
-        *facts.stripSizeBytes != smallestStrip << static_cast<unsigned>(own)) {
-        tell("ZC103", Severity::warning,
-             who + " has a strip size of " + std::to_string(*facts.stripSizeBytes / 1024) +
-                 " KB and would come back with that of the policy");
-    }
     if (!facts.name.empty()) {
         tell("ZC117", Severity::note,
              who + " is called \"" + printable(facts.name) + "\": policies give no names");
@@ -274,7 +289,7 @@ std::vector<Finding> comparePlan(const WantedLayout& layout, const ControllerPla
                                     ? "the controller has too few drives"
                                     : "the policy is not for it";
         return {captureFinding(*layout.details, "ZC107", Severity::warning,
-                               "zolex would refuse the policy: " + why)};
+                               "as the server is now, zolex would refuse the policy: " + why)};
     }
     return Comparison(layout, *plan.layout).compare();
 }

@@ -43,8 +43,9 @@ class Writer {
   private:
     std::string settings() {
         std::string text;
-        if (traits_.writes.stripeSize && layout_.stripeSize != stripe::none) {
-            text += stripSize();
+        // zolex refuses policies with one that it does not take: that of the plan is told instead.
+        if (traits_.writes.stripeSize && takesStripSize(*layout_.controller, layout_.stripeSize)) {
+            text += entry(keyword::stripeSize, stripeSizeWord(layout_.stripeSize));
         }
         if (traits_.writes.rebuildRate) {
             text += entry(keyword::rebuildRate, rebuildRateWord(layout_.rebuildRate));
@@ -53,22 +54,6 @@ class Writer {
             text += entry(keyword::readAhead, readAheadWord(layout_.readAhead));
         }
         return text.empty() ? text : text + "\n";
-    }
-
-    std::string stripSize() {
-        const std::string kb = stripeSizeWord(layout_.stripeSize);
-        if (takesStripSize(*layout_.controller, layout_.stripeSize)) {
-            return entry(keyword::stripeSize, kb);
-        }
-        const ConfigDefaults* const rules =
-            rulesFor(layout_.controller->type(), layout_.controller->subtype());
-        const std::string usual =
-            rules == nullptr ? "the controller's own" : stripeSizeWord(rules->stripeSize);
-        tell("ZC103",
-             "the strip size " + kb + " KB would come back as " + usual +
-                 " KB: no plan takes it on a " + layout_.details->model,
-             {"StripeSize is left out, because zolex refuses policies with it"});
-        return {};
     }
 
     [[nodiscard]] std::string drives(const std::vector<DrivePosition>& positions) const {
@@ -157,9 +142,8 @@ class Writer {
                                                                    : raidLevel);
     }
 
-    void tell(const char* code, const std::string& what, std::vector<std::string> help = {}) {
-        findings_.push_back(
-            captureFinding(*layout_.details, code, Severity::warning, what, std::move(help)));
+    void tell(const char* code, const std::string& what) {
+        findings_.push_back(captureFinding(*layout_.details, code, Severity::warning, what));
     }
 
     const WantedLayout& layout_;
@@ -199,7 +183,8 @@ std::string commentLines(std::string_view first, std::string_view text) {
 
 bool takesStripSize(const RAIDController& controller, std::int32_t stripeSize) {
     const ConfigDefaults* const rules = rulesFor(controller.type(), controller.subtype());
-    return rules != nullptr && rules->stripeSizes.contains(stripeSize) &&
+    return stripeSize != stripe::none && rules != nullptr &&
+           rules->stripeSizes.contains(stripeSize) &&
            policy_value::stripeSize(stripeSizeWord(stripeSize)).has_value();
 }
 

@@ -40,6 +40,17 @@ DrivePosition positionOf(const RAIDController& controller, const Hotspare& hotsp
     return captured;
 }
 
+/// The enclosure that the other drives of a channel of MEGACLI stand in; else the channel.
+std::int32_t enclosureOf(const RAIDController& controller, std::int32_t channel) {
+    std::int32_t enclosure = channel;
+    if (controller.type() == controller_type::megaRaid) {
+        controller.forEachDrive([&](std::int32_t other, std::int32_t id) {
+            enclosure = other == channel ? controller.targetId(other, id) : enclosure;
+        });
+    }
+    return enclosure;
+}
+
 const MachineDrive* driveAt(const ControllerSnapshot& details, const std::string& location) {
     const auto found =
         std::find_if(details.drives.begin(), details.drives.end(),
@@ -72,7 +83,7 @@ class Builder {
   public:
     Builder(const RAIDController& controller, const ControllerSnapshot& details,
             std::vector<Finding>& findings)
-        : controller_(controller), configuration_(*controller.configuration()), details_(details),
+        : controller_(controller), configuration_(*controller.captured()), details_(details),
           findings_(findings) {}
 
     WantedLayout build() {
@@ -214,7 +225,8 @@ std::string WantedLayout::locationOf(DrivePosition position) const {
             return drive.facts.location;
         }
     }
-    return std::to_string(position.channel) + ":" + std::to_string(position.id);
+    return std::to_string(enclosureOf(*controller, position.channel)) + ":" +
+           std::to_string(position.id);
 }
 
 std::int32_t WantedLayout::numberOf(DrivePosition position) const {
