@@ -69,7 +69,8 @@ bool isMegaCli(const RAIDController& controller) {
     return traitsOf(controller.type()).dialect == Dialect::megaCli;
 }
 
-/// The position that a drive would have in policies, were it counted; nothing where it cannot.
+} // namespace
+
 std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
                                              const DriveFacts& drive) {
     if (isMegaCli(controller)) {
@@ -89,6 +90,8 @@ std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
     }
     return std::nullopt;
 }
+
+namespace {
 
 bool isBefore(DrivePosition a, DrivePosition b) {
     return a.channel != b.channel ? a.channel < b.channel : a.id < b.id;
