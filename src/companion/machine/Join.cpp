@@ -70,8 +70,6 @@ bool isMegaCli(const RAIDController& controller) {
     return traitsOf(controller.type()).dialect == Dialect::megaCli;
 }
 
-<<<<<<< HEAD
-=======
 } // namespace
 
 std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
@@ -96,7 +94,6 @@ std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
 
 namespace {
 
->>>>>>> 053a1fce3225e8a5c7b4fdca9ec9ebea74b0e42b
 bool isBefore(DrivePosition a, DrivePosition b) {
     return a.channel != b.channel ? a.channel < b.channel : a.id < b.id;
 }
