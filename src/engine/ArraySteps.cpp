@@ -122,10 +122,8 @@ RaidArray RAIDConfigCreator::collectLikeDrives(DrivePosition first) {
     const std::int64_t size = sizeAt(first);
     const auto tolerance = static_cast<std::int64_t>(policy_.arrayDefaults.variancePercent / 100.0 *
                                                      static_cast<double>(size));
-    // The channels of a type 4 controller do not share arrays.
-    const std::int32_t lastChannel = controller_.type() == controller_type::hrconf4
-                                         ? first.channel
-                                         : RAIDController::channels - 1;
+    const std::int32_t lastChannel =
+        rules_.channelsApart ? first.channel : RAIDController::channels - 1;
     const std::size_t most = maximumDrivesPerArray(raid_level::none);
 
     ArrayBuilder builder(*this);
@@ -171,7 +169,8 @@ bool RAIDConfigCreator::doArrayByNumber(const RaidArray& entry) {
         }
         const std::optional<DrivePosition> position = getDriveNumber(number);
         if (!position) {
-            return scope.returning(refuseMissingDrive(CString::fromInt(number), {}));
+            return scope.returning(
+                refuseMissingDrive(makeArrayFault(FaultKind::planArrayDriveMissing), number));
         }
         builder.add(*position, Reason::Kind::listed);
     }
@@ -179,12 +178,13 @@ bool RAIDConfigCreator::doArrayByNumber(const RaidArray& entry) {
 }
 
 bool RAIDConfigCreator::doArrayByLocation(const RaidArray& entry) {
+    constexpr std::int32_t leastMb = 1;
     const TraceScope scope(report_, "RAIDConfigCreator::doArrayByLocation");
     ArrayBuilder builder(*this);
     for (const DrivePosition position : entry.drives()) {
-        if (sizeAt(position) < 1) {
-            return scope.returning(
-                refuseMissingDrive(formatText("%d:%d", position.channel, position.id), position));
+        if (sizeAt(position) < leastMb) {
+            return scope.returning(refuseMissingDrive(
+                makeArrayFault(FaultKind::planArrayDriveMissing), position, leastMb));
         }
         builder.add(position, Reason::Kind::listed);
     }
@@ -219,23 +219,17 @@ bool RAIDConfigCreator::addListedArray(const RaidArray& entry, RaidArray array) 
     if (!entry.tooManyDrives) {
         return addArray(std::move(array));
     }
-    const std::size_t index = layout_.arrays().size();
-    Fault fault = makeFault(FaultKind::planTooManyArrayDrives);
-    fault.place.keyword = arrayKeyword(index);
-    fault.place.array = static_cast<std::int32_t>(index);
+    Fault fault = makeArrayFault(FaultKind::planTooManyArrayDrives);
     fault.number = static_cast<std::int32_t>(RaidArray::maxDrives);
     return refuse(std::move(fault));
 }
 
-bool RAIDConfigCreator::refuseMissingDrive(const CString& drive, DrivePosition position) {
+Fault RAIDConfigCreator::makeArrayFault(FaultKind kind) const {
     const std::size_t index = layout_.arrays().size();
-    Fault fault = makeFault(FaultKind::planArrayDriveMissing);
+    Fault fault = makeFault(kind);
     fault.place.keyword = arrayKeyword(index);
     fault.place.array = static_cast<std::int32_t>(index);
-    fault.place.channel = position.channel;
-    fault.place.id = position.id;
-    fault.wanted = drive;
-    return refuse(std::move(fault));
+    return fault;
 }
 
 std::size_t RAIDConfigCreator::maximumDrivesPerArray(std::int32_t raidLevel) const {

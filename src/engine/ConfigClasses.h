@@ -81,6 +81,7 @@ struct ConfigDefaults {
     std::int32_t leastDrives;    ///< fewer drives on the controller cannot be configured
     std::size_t mostArrayDrives; ///< of an array whose RAID level is not given
     bool oneArray;       ///< one automatic array; else they go on until no free drive remains
+    bool channelsApart;  ///< an automatic array keeps to the channel of its first drive
     CodeSet stripeSizes; ///< supported
     CodeSet raidLevels;  ///< supported
     LevelsByDrives levels;

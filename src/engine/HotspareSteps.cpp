@@ -18,9 +18,10 @@ bool RAIDConfigCreator::doAUTOHotspares() {
     for (std::int32_t made = 0; made < count; ++made) {
         const std::optional<DrivePosition> drive = largestFreeDrive();
         if (!drive) {
-            Fault fault = makeFault(FaultKind::planHotspareShortage);
-            fault.place.keyword = keyword::arrayDefaults;
+            Fault fault =
+                makeHotspareFault(FaultKind::planHotspareShortage, keyword::arrayDefaults);
             fault.number = count;
+            fault.possible = CString::fromInt(made); // each drive that was free became one
             return scope.returning(refuse(std::move(fault)));
         }
         if (!addHotspare(*drive, Reason::Kind::largestLast)) {
@@ -86,18 +87,23 @@ bool RAIDConfigCreator::doCUSTOMHotspares() {
 bool RAIDConfigCreator::doHotspareByNumber(std::int32_t number) {
     const TraceScope scope(report_, "RAIDConfigCreator::doHotspareByNumber");
     const std::optional<DrivePosition> position = getDriveNumber(number);
-    return scope.returning(position ? addHotspare(*position, Reason::Kind::listed)
-                                    : refuseMissingHotspare(CString::fromInt(number), {}));
+    return scope.returning(
+        position ? addHotspare(*position, Reason::Kind::listed)
+                 : refuseMissingDrive(
+                       makeHotspareFault(FaultKind::planHotspareDriveMissing, keyword::hotspares),
+                       number));
 }
 
 bool RAIDConfigCreator::doHotspareByLocation(DrivePosition position) {
     const TraceScope scope(report_, "RAIDConfigCreator::doHotspareByLocation");
     // A drive of unknown size (0) is good enough as a hot spare.
-    const bool exists = sizeAt(position) >= 0;
+    constexpr std::int32_t leastMb = 0;
     return scope.returning(
-        exists
+        sizeAt(position) >= leastMb
             ? addHotspare(position, Reason::Kind::listed)
-            : refuseMissingHotspare(formatText("%d:%d", position.channel, position.id), position));
+            : refuseMissingDrive(
+                  makeHotspareFault(FaultKind::planHotspareDriveMissing, keyword::hotspares),
+                  position, leastMb));
 }
 
 bool RAIDConfigCreator::addHotspare(DrivePosition position, Reason::Kind why) {
@@ -116,19 +122,17 @@ bool RAIDConfigCreator::addHotspare(DrivePosition position, Reason::Kind why) {
     if (layout_.addHotspare(hotspare)) {
         return true;
     }
-    Fault fault = makeFault(FaultKind::planTooManyHotspares);
-    fault.place.keyword = policy_.hotspares ? keyword::hotspares : keyword::arrayDefaults;
+    Fault fault =
+        makeHotspareFault(FaultKind::planTooManyHotspares,
+                          policy_.hotspares ? keyword::hotspares : keyword::arrayDefaults);
     fault.number = static_cast<std::int32_t>(RAIDConfiguration::maxHotspares);
     return refuse(std::move(fault));
 }
 
-bool RAIDConfigCreator::refuseMissingHotspare(const CString& drive, DrivePosition position) {
-    Fault fault = makeFault(FaultKind::planHotspareDriveMissing);
-    fault.place.keyword = keyword::hotspares;
-    fault.place.channel = position.channel;
-    fault.place.id = position.id;
-    fault.wanted = drive;
-    return refuse(std::move(fault));
+Fault RAIDConfigCreator::makeHotspareFault(FaultKind kind, const char* keyword) const {
+    Fault fault = makeFault(kind);
+    fault.place.keyword = keyword;
+    return fault;
 }
 
 } // namespace zolex

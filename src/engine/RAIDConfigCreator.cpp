@@ -4,6 +4,7 @@
 #include "foundation/TraceScope.h"
 #include "policies/PolicyKeywords.h"
 
+#include <algorithm>
 #include <array>
 
 namespace zolex {
@@ -26,6 +27,36 @@ std::size_t placeOf(DrivePosition position) {
     return static_cast<std::size_t>(position.channel) *
                static_cast<std::size_t>(RAIDController::ids) +
            static_cast<std::size_t>(position.id);
+}
+
+CString textOf(DrivePosition position) {
+    return formatText("%d:%d", position.channel, position.id);
+}
+
+/// Where drives of at least `leastMb` MB are: "1:0 to 1:7, 2:3".
+CString positionsOfDrives(const RAIDController& controller, std::int32_t leastMb) {
+    CString words;
+    DrivePosition last{};
+    const auto closeRange = [&](bool isRange) {
+        if (isRange) {
+            words.append(" to ").append(textOf(last));
+        }
+    };
+    bool isRange = false;
+    for (const DrivePosition position : planningOrder) {
+        if (controller.size(position.channel, position.id) < leastMb) {
+            continue;
+        }
+        const bool follows = last == DrivePosition{position.channel, position.id - 1};
+        if (!follows) {
+            closeRange(isRange);
+            words.append(words.isEmpty() ? "" : ", ").append(textOf(position));
+        }
+        isRange = follows;
+        last = position;
+    }
+    closeRange(isRange);
+    return words.isEmpty() ? CString("none") : words;
 }
 
 } // namespace
@@ -170,6 +201,26 @@ bool RAIDConfigCreator::refuse(Fault fault) {
     report_.fault(fault);
     result_.fault = std::move(fault);
     return false;
+}
+
+bool RAIDConfigCreator::refuseMissingDrive(Fault fault, std::int32_t number) {
+    const auto drives =
+        std::count_if(planningOrder.begin(), planningOrder.end(),
+                      [this](DrivePosition position) { return sizeAt(position) > 0; });
+    fault.wanted = CString::fromInt(number);
+    fault.possible = drives == 0
+                         ? CString("none")
+                         : "1" + (drives == 1 ? CString() : " to " + CString::fromInt(drives));
+    return refuse(std::move(fault));
+}
+
+bool RAIDConfigCreator::refuseMissingDrive(Fault fault, DrivePosition position,
+                                           std::int32_t leastMb) {
+    fault.place.channel = position.channel;
+    fault.place.id = position.id;
+    fault.wanted = textOf(position);
+    fault.possible = positionsOfDrives(controller_, leastMb);
+    return refuse(std::move(fault));
 }
 
 } // namespace zolex

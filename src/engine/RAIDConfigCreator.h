@@ -54,7 +54,7 @@ class RAIDConfigCreator {
     /// The largest free drive; of equal ones the last in scan order.
     [[nodiscard]] std::optional<DrivePosition> largestFreeDrive() const;
     bool addHotspare(DrivePosition position, Reason::Kind why);
-    bool refuseMissingHotspare(const CString& drive, DrivePosition position);
+    [[nodiscard]] Fault makeHotspareFault(FaultKind kind, const char* keyword) const;
 
     class ArrayBuilder;
     bool doAUTOArrays();
@@ -67,7 +67,8 @@ class RAIDConfigCreator {
     bool addArray(RaidArray array);
     /// Adds the array of a policy's list, unless the list names more drives than an array holds.
     bool addListedArray(const RaidArray& entry, RaidArray array);
-    bool refuseMissingDrive(const CString& drive, DrivePosition position);
+    /// A fault of the next array of the policy's list.
+    [[nodiscard]] Fault makeArrayFault(FaultKind kind) const;
 
     bool doAUTOLogicalDrives();
     bool doCUSTOMLogicalDrives();
@@ -108,6 +109,10 @@ class RAIDConfigCreator {
     [[nodiscard]] Fault makeFault(FaultKind kind) const;
     /// Reports the fault and keeps it for the plan. Always false.
     bool refuse(Fault fault);
+    /// The same for a drive that there is not: the `number`-th, or the one at `position`, which is
+    /// of at least `leastMb` MB.
+    bool refuseMissingDrive(Fault fault, std::int32_t number);
+    bool refuseMissingDrive(Fault fault, DrivePosition position, std::int32_t leastMb);
     /// Keeps the reason that `make()` returns, when reasons are wanted.
     template <typename Make>
     void explain(Make make) {

@@ -20,7 +20,7 @@ enum class FaultKind : std::int32_t {
     inventoryWithoutControllers, ///< place: section, keyword; number: the count that the file gives
     inventoryTooManyControllers, ///< the same
     inventoryModelMissing,       ///< place: section, keyword
-    inventoryModelUnknown,       ///< place: section, keyword; wanted: the model
+    inventoryModelUnknown,       ///< place: section, keyword; wanted: the model; possible: names
     inventoryChannelMissing,     ///< place: section, keyword; number: the channel read
     inventoryIdMissing,          ///< place: section, keyword; number: the id read
     inventorySizeMissing,        ///< place: section, keyword
@@ -96,10 +96,10 @@ enum class FaultKind : std::int32_t {
     // Planning
     planMachineUnknown,
     planControllerTypeUnknown, ///< `number`: the type
-    planHotspareShortage,      ///< `number`: hot spares asked for
-    planHotspareDriveMissing,  ///< `wanted`: drive number or position
+    planHotspareShortage,      ///< `number`: hot spares asked for; `possible`: drives
+    planHotspareDriveMissing,  ///< `wanted`: drive number or position; `possible`: those that exist
     planTooManyHotspares,      ///< `number`: how many a plan holds; so for all that are too many
-    planArrayDriveMissing,     ///< `wanted`: drive number or position
+    planArrayDriveMissing,     ///< `wanted`, `possible`: see above
     planTooManyArrays,         ///< `number`: see above
     planTooManyArrayDrives,    ///< `number`: see above
     planArrayUnknown,          ///< `array`: index of the array that there is not

@@ -77,7 +77,8 @@ class InventoryReader {
             report_.trace("Non-supported Controller Found in Inventory File\n");
             return fail(3, {.kind = FaultKind::inventoryModelUnknown,
                             .place = at(section_, "Model"),
-                            .wanted = model});
+                            .wanted = model,
+                            .possible = ControllerCatalogue::modelNames()});
         }
         return true;
     }

@@ -267,6 +267,16 @@ std::int32_t ControllerCatalogue::getControllerSubtype(const CString& name) {
     return model == nullptr ? subtypeNotSet : model->subtype;
 }
 
+CString ControllerCatalogue::modelNames() {
+    CString names;
+    for (const ModelRow& model : modelRows) {
+        if (model.type != controller_type::none) {
+            names.append(names.isEmpty() ? "" : ", ").append(model.name);
+        }
+    }
+    return names;
+}
+
 bool ControllerCatalogue::isValidControllerName(std::string_view name) {
     const ModelRow* model = findModel(name);
     return (model != nullptr && model->namedInPolicies) || isNamedByPciRow(name);

@@ -51,6 +51,8 @@ class ControllerCatalogue {
     [[nodiscard]] static std::int32_t getControllerType(const CString& name);
     /// Subtype of a model name, exact case; -1 when unknown or not set.
     [[nodiscard]] static std::int32_t getControllerSubtype(const CString& name);
+    /// The model names that have a type, in the order of types: "Kestrix-A1, Kestrix-A2, ...".
+    [[nodiscard]] static CString modelNames();
     /// Whether a policy may name this model; exact case.
     [[nodiscard]] static bool isValidControllerName(std::string_view name);
     /// Whether the type takes an explicit size in MB in a generated policy: true for 1, 2, 7, 10,

@@ -59,6 +59,17 @@ constexpr std::array<std::string_view, 15> diskKeys = {"Size",
                                                        "Slot Number"};
 constexpr auto memberKeys = std::span(diskKeys).subspan<2>();
 
+// A filter in a function of a class would stand in the program file with its 16 KB of zeros.
+const KeyFilter& diskFilter() {
+    static const KeyFilter filter(diskKeys);
+    return filter;
+}
+
+const KeyFilter& memberFilter() {
+    static const KeyFilter filter(memberKeys);
+    return filter;
+}
+
 } // namespace
 
 /// One virtual disk while it is read.
@@ -82,9 +93,7 @@ struct MEGAReader::VirtualDisk {
 
     /// Whether the line says nothing, but for "PD". Most lines do not.
     [[nodiscard]] bool isIdle(std::string_view line) const {
-        static const KeyFilter wholeFilter(diskKeys);
-        static const KeyFilter memberFilter(memberKeys);
-        const KeyFilter& filter = hasSize && hasState ? memberFilter : wholeFilter;
+        const KeyFilter& filter = hasSize && hasState ? memberFilter() : diskFilter();
         return filter.candidates(line) == 0 && line != endOfOutput;
     }
 

@@ -177,17 +177,17 @@ std::vector<Refused> refusedPolicies() {
     many.tooManyDrives = true;
     return {
         {"too few for spares", with([](Policy& p) { p.arrayDefaults.hotspareCount = 9; }),
-         FaultKind::planHotspareShortage, "Array_Defaults", "", 9, "", 12},
+         FaultKind::planHotspareShortage, "Array_Defaults", "", 9, "8", 12},
         {"no such spare", with([](Policy& p) { p.hotspares = arrayOfNumbers({9}); }),
-         FaultKind::planHotspareDriveMissing, "Hotspares", "9", 0, "", 12},
+         FaultKind::planHotspareDriveMissing, "Hotspares", "9", 0, "1 to 8", 12},
         {"no spare there", with([](Policy& p) {
              p.hotspares = arrayOfPositions({{2, 7}});
          }),
-         FaultKind::planHotspareDriveMissing, "Hotspares", "2:7", 0, "", 12},
+         FaultKind::planHotspareDriveMissing, "Hotspares", "2:7", 0, "1:0 to 1:7", 12},
         {"no such drive", policyWithArrays({arrayOfNumbers({1}), arrayOfNumbers({9})}),
-         FaultKind::planArrayDriveMissing, "Array.B", "9", 0, "", 13},
+         FaultKind::planArrayDriveMissing, "Array.B", "9", 0, "1 to 8", 13},
         {"no drive there", policyWithArrays({arrayOfPositions({{2, 7}})}),
-         FaultKind::planArrayDriveMissing, "Array.A", "2:7", 0, "", 13},
+         FaultKind::planArrayDriveMissing, "Array.A", "2:7", 0, "1:0 to 1:7", 13},
         {"a long list", policyWithArrays({many}), FaultKind::planTooManyArrayDrives, "Array.A", "",
          32, "", 13},
         {"no such array", custom({1, {}, raid_level::raid0, 2}), FaultKind::planArrayUnknown,
@@ -227,6 +227,76 @@ TEST(PlanController, FaultsAreRecords) {
         EXPECT_EQ(planningCodeOf(plan.fault->kind), row.code) << row.title;
         ASSERT_EQ(report.faults.size(), 1U) << row.title;
         EXPECT_TRUE(report.faults.front() == *plan.fault) << row.title;
+    }
+}
+
+// Where the drives that can be named are, in a policy's words.
+TEST(PlanController, AFaultOfAMissingDriveNamesThoseThatExist) {
+    struct Row {
+        const char* title;
+        std::vector<DriveAt> drives;
+        const char* numbers;
+        const char* positions;         ///< for an array
+        const char* hotsparePositions; ///< of any size
+    };
+    const std::vector<Row> rows{
+        {"one", {{1, 7, 100}}, "1", "1:7", "1:7"},
+        {"two neighbours", {{1, 7, 100}, {1, 8, 100}}, "1 to 2", "1:7 to 1:8", "1:7 to 1:8"},
+        {"channels and gaps",
+         {{1, 0, 100},
+          {1, 1, 100},
+          {1, 2, 100},
+          {1, 5, 100},
+          {1, 35, 100},
+          {2, 0, 100},
+          {4, 34, 100},
+          {4, 35, 100}},
+         "1 to 8",
+         "1:0 to 1:2, 1:5, 1:35, 2:0, 4:34 to 4:35",
+         "1:0 to 1:2, 1:5, 1:35, 2:0, 4:34 to 4:35"},
+        {"a drive of unknown size is a hot spare at most",
+         {{1, 0, 100}, {1, 1, 0}, {1, 2, 100}},
+         "1 to 2",
+         "1:0, 1:2",
+         "1:0 to 1:2"},
+        {"no drive that has a size", {{3, 3, 0}}, "none", "none", "3:3"},
+    };
+    const auto possibleOf = [](const Row& row, const Policy& policy) {
+        FaultList report;
+        const ControllerPlan plan =
+            planController(*makeController(12, 2, row.drives), 1, listOf({policyForAll(policy)}),
+                           thisMachine, report);
+        return plan.fault ? std::string(plan.fault->possible.view()) : "no fault";
+    };
+    for (const Row& row : rows) {
+        Policy spare = makePolicy();
+        spare.hotspares = arrayOfNumbers({9});
+        EXPECT_EQ(possibleOf(row, spare), row.numbers) << row.title;
+        spare.hotspares = arrayOfPositions({{2, 7}});
+        EXPECT_EQ(possibleOf(row, spare), row.hotsparePositions) << row.title;
+        Policy array = policyWithArrays({arrayOfNumbers({9})});
+        array.arrayDefaults.hotspareCount = 0;
+        EXPECT_EQ(possibleOf(row, array), row.numbers) << row.title;
+        array.arrays = {arrayOfPositions({{2, 7}})};
+        EXPECT_EQ(possibleOf(row, array), row.positions) << row.title;
+    }
+}
+
+TEST(PlanController, AShortageOfHotsparesTellsHowManyDrivesAreFree) {
+    for (const std::int32_t used : {0, 1, 3}) {
+        const auto controller = makeController(12, 2, equalDrives(3, 1000));
+        for (std::int32_t id = 0; id < used; ++id) {
+            controller->setUsed(1, id);
+        }
+        Policy policy = makePolicy();
+        policy.arrayDefaults.hotspareCount = 5;
+        SilentReport report;
+        const ControllerPlan plan =
+            planController(*controller, 1, listOf({policyForAll(policy)}), thisMachine, report);
+        ASSERT_TRUE(plan.fault);
+        EXPECT_EQ(plan.fault->kind, FaultKind::planHotspareShortage);
+        EXPECT_EQ(plan.fault->number, 5);
+        EXPECT_EQ(plan.fault->possible, CString::fromInt(3 - used));
     }
 }
 

@@ -59,6 +59,25 @@ TEST(InventoryFaults, OfAPositionNameItsEntryAndTheRanges) {
               std::vector<Fault>{fault});
 }
 
+TEST(InventoryFaults, OfAModelNameTheModelsThatThereAre) {
+    Fault fault;
+    fault.kind = FaultKind::inventoryModelUnknown;
+    fault.place.file = "contlist.ini";
+    fault.place.section = "RAIDController.1";
+    fault.place.keyword = "Model";
+    fault.wanted = "Kestrix-A0";
+    fault.possible =
+        "Kestrix-A1, Kestrix-A2, Kestrix-A3, Kestrix-A4, Kestrix-A5, Kestrix-A6, Kestrix-A7, "
+        "Kestrix controller, Kestrix-A8, Kestrix-A9, Kestrix-A10, LSI-SCSI-RAID, LSI-IDEal-RAID, "
+        "Kestrix-B1, Kestrix-B2, Kestrix-B3, Kestrix-B4, LSI-SAS-RAID, Kestrix-B5, Kestrix-B6, "
+        "LSI-SAS-1078-IR, Kestrix-B7, Kestrix-B8, LSI-MegaRAID-8480, Kestrix-C1, Kestrix-C2, "
+        "Kestrix-C3, Kestrix-C4, Kestrix-C5, Kestrix-C6, Kestrix-C7, Kestrix-C8, Kestrix-C9, "
+        "Kestrix-D1, Kestrix-D2, Kestrix-D3, Kestrix-D4";
+    EXPECT_EQ(faultsOf("[System]\nTotal_Number_Of_Controllers=1\n"
+                       "[RAIDController.1]\nModel=Kestrix-A0\n"),
+              std::vector<Fault>{fault});
+}
+
 TEST(InventoryFaults, OfTheDetectorNameItsCommandLine) {
     FakePlatform platform;
     platform.results.push_back(FakePlatform::ended(7, ""));

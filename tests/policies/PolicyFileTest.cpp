@@ -1,6 +1,7 @@
 #include "policies/PolicyFile.h"
 
 #include "show/FaultTexts.h"
+#include "support/PolicyLines.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,9 @@
 
 namespace zolex {
 namespace {
+
+using test::entries;
+using test::policies;
 
 PolicyFile read(std::string_view text, bool goOn) {
     SilentReport report;
@@ -115,22 +119,6 @@ struct OneMistake {
     std::string text;
     std::string fault;
 };
-
-std::string entries(int count) {
-    std::string text;
-    for (int i = 1; i <= count; ++i) {
-        text += "AppliesTo." + std::to_string(i) + " = ALL\n";
-    }
-    return text;
-}
-
-std::string policies(int count) {
-    std::string text;
-    for (int i = 1; i <= count; ++i) {
-        text += "[Policy." + std::to_string(i) + "]\nAppliesTo.1 = ALL\n";
-    }
-    return text;
-}
 
 const std::string begin = "[Policy.A]\nAppliesTo.1 = ALL\n";
 

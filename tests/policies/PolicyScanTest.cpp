@@ -1,6 +1,7 @@
 #include "policies/PolicyScan.h"
 #include "policies/PolicyKeywords.h"
 #include "policies/PolicyTestSupport.h"
+#include "support/PolicyLines.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,9 @@
 namespace zolex {
 namespace {
 
+using test::entries;
 using test::errorBlock;
+using test::policies;
 using test::PolicyReading;
 
 struct ScanFault {
@@ -17,23 +20,6 @@ struct ScanFault {
     std::string content;
     std::string message;
 };
-
-/// `count` entry lines that differ.
-std::string entries(int count) {
-    std::string text;
-    for (int i = 1; i <= count; ++i) {
-        text += "AppliesTo." + std::to_string(i) + " = ALL\n";
-    }
-    return text;
-}
-
-std::string policies(int count) {
-    std::string text;
-    for (int i = 1; i <= count; ++i) {
-        text += "[Policy." + std::to_string(i) + "]\nAppliesTo.1 = ALL\n";
-    }
-    return text;
-}
 
 const std::string longPiece(255, 'x');
 

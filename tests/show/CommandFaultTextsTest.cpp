@@ -1,22 +1,14 @@
-#include "show/FaultTexts.h"
-
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "support/FaultTextRows.h"
 
 namespace zolex::show {
 namespace {
 
 using Place = FaultText::Place;
+using test::FaultTextRow;
 
 TEST(CommandFaultTexts, EveryKindHasItsText) {
-    struct Row {
-        FaultKind kind;
-        Place place;
-        const char* text;
-    };
     // clang-format off
-    const Row rows[] = {
+    const FaultTextRow rows[] = {
         {FaultKind::typeWithoutGenerator, Place::errorBlock,
          "Internal error.  Controller type not found:  Model-1"},
         {FaultKind::layoutWithoutArray, Place::errorBlock,
@@ -44,20 +36,13 @@ TEST(CommandFaultTexts, EveryKindHasItsText) {
          "An internal error has occurred.\nController=Model-1\n"},
     };
     // clang-format on
-    for (const Row& row : rows) {
-        Fault fault;
-        fault.kind = row.kind;
-        fault.place.section = "Policy.%d";
-        fault.place.model = "Model-1";
-        fault.place.controller = 3;
-        fault.place.array = 1;
-        fault.number = 8;
-        const std::vector<FaultText> texts = faultTexts(fault);
-        ASSERT_EQ(texts.size(), 1U) << row.text;
-        EXPECT_EQ(texts[0].place, row.place) << row.text;
-        EXPECT_EQ(texts[0].text.view(), row.text);
-        EXPECT_EQ(texts[0].level, level::ungated) << row.text;
-    }
+    Fault fault;
+    fault.place.section = "Policy.%d";
+    fault.place.model = "Model-1";
+    fault.place.controller = 3;
+    fault.place.array = 1;
+    fault.number = 8;
+    test::expectFaultTexts(rows, fault);
 }
 
 } // namespace

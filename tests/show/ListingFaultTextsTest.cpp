@@ -1,22 +1,14 @@
-#include "show/FaultTexts.h"
-
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "support/FaultTextRows.h"
 
 namespace zolex::show {
 namespace {
 
 using Place = FaultText::Place;
+using test::FaultTextRow;
 
 TEST(ListingFaultTexts, EveryKindHasItsText) {
-    struct Row {
-        FaultKind kind;
-        Place place;
-        const char* text;
-    };
     // clang-format off
-    const Row rows[] = {
+    const FaultTextRow rows[] = {
         {FaultKind::typeWithoutReader, Place::errorBlock, "An internal error has occurred.\n"},
         {FaultKind::listingMissing, Place::errorBlock,
          "Could not read a config file for the following controller:  Model-1"},
@@ -49,20 +41,13 @@ TEST(ListingFaultTexts, EveryKindHasItsText) {
         {FaultKind::listingSlotMissing, Place::output, "Slot not found. slot<0\n"},
     };
     // clang-format on
-    for (const Row& row : rows) {
-        Fault fault;
-        fault.kind = row.kind;
-        fault.place.model = "Model-1";
-        fault.place.channel = 5;
-        fault.place.id = 36;
-        fault.wanted = "%d";
-        fault.number = -8;
-        const std::vector<FaultText> texts = faultTexts(fault);
-        ASSERT_EQ(texts.size(), 1U) << row.text;
-        EXPECT_EQ(texts[0].place, row.place) << row.text;
-        EXPECT_EQ(texts[0].text.view(), row.text);
-        EXPECT_EQ(texts[0].level, level::ungated) << row.text;
-    }
+    Fault fault;
+    fault.place.model = "Model-1";
+    fault.place.channel = 5;
+    fault.place.id = 36;
+    fault.wanted = "%d";
+    fault.number = -8;
+    test::expectFaultTexts(rows, fault);
 }
 
 } // namespace

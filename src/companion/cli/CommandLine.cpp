@@ -463,8 +463,8 @@ void readRequest(const Arguments& arguments, Request& request) {
 
 } // namespace
 
-Reading readArguments(const std::vector<std::string>& arguments) {
-    Reading reading;
+ArgumentReading readArguments(const std::vector<std::string>& arguments) {
+    ArgumentReading reading;
     try {
         const Arguments own(arguments);
         reading.request.command = own.command();

@@ -28,7 +28,7 @@ struct Request {
 };
 
 /// A request, or what is to be said instead of doing anything.
-struct Reading {
+struct ArgumentReading {
     Request request;
     bool wantsHelp = false;    ///< of request.command
     bool wantsVersion = false; ///
@@ -37,6 +37,6 @@ struct Reading {
 };
 
 /// Reads the arguments behind the program's name.
-[[nodiscard]] Reading readArguments(const std::vector<std::string>& arguments);
+[[nodiscard]] ArgumentReading readArguments(const std::vector<std::string>& arguments);
 
 } // namespace zolex::companion

@@ -76,7 +76,7 @@ int runCommand(Context& context, const Request& request) {
     return exit_code::notPossible;
 }
 
-int answer(const Reading& reading, Context& context) {
+int answer(const ArgumentReading& reading, Context& context) {
     if (!reading.fault.empty()) {
         return failWith(context, reading.fault, reading.help);
     }
@@ -93,7 +93,7 @@ int answer(const Reading& reading, Context& context) {
 }
 
 int runArguments(const std::vector<std::string>& arguments, Platform& platform) {
-    const Reading reading = readArguments(arguments);
+    const ArgumentReading reading = readArguments(arguments);
     Context context = makeContext(reading.request, arguments, platform);
     int code = exit_code::notPossible;
     try {

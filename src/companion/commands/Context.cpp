@@ -1,8 +1,10 @@
 #include "companion/commands/Context.h"
 
+#include "companion/machine/ProblemCodes.h"
 #include "companion/text/OutputFile.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace zolex::companion {
 
@@ -36,6 +38,12 @@ bool deliver(Context& context, std::string_view output) {
 }
 
 int failWith(Context& context, std::string_view what, std::string_view help) {
+    Finding failure = problemFinding(problem::commandFailed, std::string(what));
+    failure.help.clear();
+    if (!help.empty()) {
+        failure.help.emplace_back(help);
+    }
+    context.failures.push_back(std::move(failure));
     std::string text = emphasized("error:", Emphasis::bad, context.errorStyle);
     text.append(" ").append(what).append("\n");
     if (!help.empty()) {

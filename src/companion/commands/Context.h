@@ -1,5 +1,6 @@
 #pragma once
 
+#include "companion/findings/Finding.h"
 #include "companion/text/Terminal.h"
 #include "platform/Platform.h"
 
@@ -46,7 +47,8 @@ struct Context {
     TextStyle errorStyle;   ///< of what goes to standard error
     bool quiet = false;
     bool verbose = false;
-    std::vector<std::string> argv; ///< arguments without the program's name
+    std::vector<std::string> argv;   ///< arguments without the program's name
+    std::vector<Finding> failures{}; ///< what failWith was told, for documents
 };
 
 /// Writes what the command gives: to standard output, or to the output file, which is replaced as a
@@ -57,7 +59,8 @@ struct Context {
 /// was not, once.
 [[nodiscard]] bool outputIsWritten(Context& context);
 
-/// "error: WHAT" and "  help: HELP" on standard error. Always exit_code::notPossible.
+/// "error: WHAT" and "  help: HELP" on standard error; it is kept in `failures` too. Always
+/// exit_code::notPossible.
 int failWith(Context& context, std::string_view what, std::string_view help = {});
 
 } // namespace zolex::companion

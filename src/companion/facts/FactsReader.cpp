@@ -1,8 +1,39 @@
 #include "companion/facts/FactsReader.h"
 
+#include "companion/facts/Utilities.h"
+#include "model/Codes.h"
+
 #include <algorithm>
+#include <array>
 
 namespace zolex::companion {
+
+namespace {
+
+struct UtilityRow {
+    std::int32_t controllerType;
+    Facts (*read)(std::span<const std::string> listings);
+};
+
+// Columns: controller type, what reads the listings of its utility. The order does not matter.
+// clang-format off
+constexpr std::array<UtilityRow, 12> utilities = {{
+    {controller_type::family,    readQtcsend},
+    {controller_type::arcconf2,  readArcconf},
+    {controller_type::hrconf3,   readHrconf},
+    {controller_type::hrconf4,   readHrconf},
+    {controller_type::lsiScsi,   readCfggenScsi},
+    {controller_type::lsiIde,    readHyperwin},
+    {controller_type::arcconf7,  readArcconf},
+    {controller_type::hrconf8,   readHrconf},
+    {controller_type::hrconf9,   readHrconf},
+    {controller_type::lsiSas,    readCfggen},
+    {controller_type::arcconf11, readArcconf},
+    {controller_type::megaRaid,  readMegacli},
+}};
+// clang-format on
+
+} // namespace
 
 const DriveFacts* Facts::drive(std::string_view location) const {
     const auto found = std::find_if(drives.begin(), drives.end(), [&](const DriveFacts& drive) {
@@ -11,8 +42,11 @@ const DriveFacts* Facts::drive(std::string_view location) const {
     return found == drives.end() ? nullptr : &*found;
 }
 
-Facts readFacts(std::int32_t /*controllerType*/, std::span<const std::string> listings) {
-    Facts facts;
+Facts readFacts(std::int32_t controllerType, std::span<const std::string> listings) {
+    const auto row = std::find_if(utilities.begin(), utilities.end(), [&](const UtilityRow& each) {
+        return each.controllerType == controllerType;
+    });
+    Facts facts = row == utilities.end() ? Facts() : row->read(listings);
     facts.listings.resize(listings.size());
     return facts;
 }

@@ -1,7 +1,6 @@
 #include "companion/json/RecordingLines.h"
 
 #include "companion/json/Base64.h"
-#include "companion/machine/Sha256.h"
 #include "companion/text/Utf8.h"
 
 #include <nlohmann/json.hpp>
@@ -784,7 +783,7 @@ class Reader {
         const std::int64_t calls =
             object.number("calls", 0, std::numeric_limits<std::int32_t>::max());
         const std::string wanted = object.text("sha256");
-        const std::string found = digits(hash_.finish());
+        const std::string found = hexDigits(hash_.finish());
         if (wanted != found || calls != calls_) {
             tell(Severity::warning,
                  {changed,
@@ -796,14 +795,6 @@ class Reader {
                             std::to_string(calls) + " calls, there are " + std::to_string(calls_),
                   {}});
         }
-    }
-
-    static std::string digits(const Sha256::Digest& digest) {
-        std::string text;
-        for (const std::uint8_t byte : digest) {
-            text += hex(byte, 2);
-        }
-        return text;
     }
 
     void tell(Severity severity, const LineFault& fault) {
@@ -865,6 +856,14 @@ std::string recordingEndLine(std::size_t calls, const std::string& sha256) {
     object["calls"] = calls;
     object["sha256"] = sha256;
     return object.dump();
+}
+
+std::string hexDigits(const Sha256::Digest& digest) {
+    std::string text;
+    for (const std::uint8_t byte : digest) {
+        text += hex(byte, 2);
+    }
+    return text;
 }
 
 std::string recordingText(const Recording& recording) {

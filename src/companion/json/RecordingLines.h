@@ -1,6 +1,7 @@
 #pragma once
 
 #include "companion/findings/Finding.h"
+#include "companion/machine/Sha256.h"
 #include "companion/recording/Recording.h"
 
 #include <cstddef>
@@ -18,6 +19,9 @@ namespace zolex::companion {
 [[nodiscard]] std::string recordingCallLine(std::size_t seq, const CallKind& call);
 /// `sha256` is that of all lines before, each with a LF.
 [[nodiscard]] std::string recordingEndLine(std::size_t calls, const std::string& sha256);
+
+/// The hash as the last line tells it: 64 hexadecimal digits.
+[[nodiscard]] std::string hexDigits(const Sha256::Digest& digest);
 
 /// The whole text, with its end.
 [[nodiscard]] std::string recordingText(const Recording& recording);

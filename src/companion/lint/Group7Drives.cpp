@@ -1,7 +1,7 @@
+#include "companion/facts/CompareReadings.h"
 #include "companion/lint/Entries.h"
 #include "companion/lint/MachineCase.h"
 #include "companion/lint/MemberLine.h"
-#include "companion/machine/Join.h"
 #include "companion/text/Sizes.h"
 #include "model/Codes.h"
 #include "model/TypeTraits.h"
@@ -89,9 +89,21 @@ class PlannedDrives {
 
     // ZX701
 
+    /// Where the drive would stand in policies, were it counted.
+    [[nodiscard]] std::optional<DrivePosition> wouldBePosition(const MachineDrive& drive) const {
+        const std::vector<DriveFacts>& all = machine_.detail.facts.drives;
+        const auto positions = corePositions(machine_.controller.type(), machine_.detail.facts);
+        for (std::size_t i = 0; i < positions.size(); ++i) {
+            if (all[i].location == drive.facts.location) {
+                return positions[i];
+            }
+        }
+        return std::nullopt;
+    }
+
     /// The first number that names another slot because this drive has none.
     [[nodiscard]] std::optional<std::int32_t> firstShifted(const MachineDrive& drive) const {
-        const auto place = wouldBePosition(machine_.controller, drive.facts);
+        const auto place = wouldBePosition(drive);
         for (const MachineDrive& other : machine_.detail.drives) {
             if (place && other.policyPosition && isBefore(*place, *other.policyPosition)) {
                 return other.policyNumber;

@@ -1,10 +1,12 @@
 #include "companion/machine/Capture.h"
 
 #include "commands/CommandSource.h"
+#include "companion/facts/CompareReadings.h"
 #include "companion/facts/FactsReader.h"
 #include "companion/machine/CrossCheck.h"
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/Join.h"
+#include "companion/machine/ListingCheck.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/machine/Utilities.h"
@@ -78,7 +80,7 @@ struct Captured {
     bool isDone = false;
     FunctionIdentity function;
     ControllerSnapshot snapshot;
-    std::vector<Fault> faults;
+    bool isRead = false; ///< by zolex's own reader
 };
 
 FunctionIdentity functionOf(const RAIDController& controller) {
@@ -100,41 +102,6 @@ FunctionIdentity functionOf(const RAIDController& controller) {
         identity.pciIds = id(3) + ":" + id(4) + ":" + id(5) + ":" + id(6);
     }
     return identity;
-}
-
-/// The first lines that say something, for a reader.
-std::string firstLines(std::string_view output) {
-    constexpr int most = 3;
-    constexpr std::size_t longest = 200;
-    std::string lines;
-    for (int i = 0; i < most && !output.empty();) {
-        const std::size_t end = std::min(output.find('\n'), output.size());
-        std::string_view line = output.substr(0, end);
-        output.remove_prefix(std::min(end + 1, output.size()));
-        line = text::trim(line, " \t\r");
-        if (!line.empty()) {
-            lines.append(lines.empty() ? "" : "\n").append(printable(line.substr(0, longest)));
-            ++i;
-        }
-    }
-    return lines;
-}
-
-/// The line that sounds like a failure; empty for none.
-std::string_view failureLine(std::string_view output) {
-    constexpr std::array<std::string_view, 8> words = {
-        "error", "fail", "invalid", "not found", "unable", "cannot", "denied", "no controller"};
-    while (!output.empty()) {
-        const std::size_t end = std::min(output.find('\n'), output.size());
-        const std::string_view line = output.substr(0, end);
-        output.remove_prefix(std::min(end + 1, output.size()));
-        if (std::any_of(words.begin(), words.end(), [line](std::string_view word) {
-                return text::containsNoCase(line, word);
-            })) {
-            return text::trim(line, " \t\r");
-        }
-    }
-    return {};
 }
 
 std::string secondsText(std::chrono::milliseconds limit) {
@@ -386,7 +353,7 @@ class Capturer {
             entry != nullptr &&
             entry->create({.layout = true, .dumpRecords = false, .number = number}, found)
                 ->readConfiguration(controller, captured.snapshot.listings);
-        captured.faults = found.faults;
+        captured.isRead = read;
         if (!read) {
             Finding finding =
                 problemFinding(problem::listingRefused, "zolex does not understand the listing");
@@ -394,6 +361,9 @@ class Capturer {
             captured.snapshot.findings.push_back(std::move(finding));
         }
         for (const Fault& fault : found.faults) {
+            if (isToldByComparison(fault.kind)) {
+                continue;
+            }
             const std::vector<FaultText> texts = show::faultTexts(fault);
             captured.snapshot.findings.push_back(
                 problemFinding(problem::listingLimit,
@@ -405,46 +375,16 @@ class Capturer {
                                       found.messages.end());
     }
 
-    static std::string withoutStop(std::string_view text) {
-        return std::string(text.ends_with('.') ? text.substr(0, text.size() - 1) : text);
+    static bool isToldByComparison(FaultKind kind) {
+        return kind == FaultKind::listingTooManyArrays ||
+               kind == FaultKind::listingTooManyLogicalDrives ||
+               kind == FaultKind::listingTooManyHotspares ||
+               kind == FaultKind::listingTooManyMembers ||
+               kind == FaultKind::listingPositionInvalid;
     }
 
-    /// A utility may print an error and end with 0 all the same.
-    static void judgeListings(const RAIDController& controller, ControllerSnapshot& snapshot) {
-        bool tellsNothing = true;
-        for (std::size_t i = 0; i < snapshot.listings.size(); ++i) {
-            const std::string& listing = snapshot.listings[i];
-            const std::string shown(text::trim(snapshot.commands[i].command));
-            const bool isKnown =
-                i < snapshot.facts.listings.size() &&
-                (snapshot.facts.listings[i].blocks > 0 || snapshot.facts.listings[i].keysUsed > 0);
-            tellsNothing = tellsNothing && !isKnown;
-            if (text::trim(listing, " \t\r\n").empty()) {
-                snapshot.findings.push_back(problemFinding(
-                    problem::notAListing, shown + " printed nothing and ended with exit code " +
-                                              std::to_string(snapshot.commands[i].exitCode)));
-            } else if (const std::string_view line = failureLine(listing);
-                       !isKnown && !line.empty()) {
-                snapshot.findings.push_back(
-                    problemFinding(problem::notAListing,
-                                   shown + " ended with exit code " +
-                                       std::to_string(snapshot.commands[i].exitCode) +
-                                       ", but printed: " + printable(line.substr(0, 200)),
-                                   firstLines(listing)));
-            }
-        }
-        if (tellsNothing && controller.numberOfDrives() == 0 && !controller.firmwareVersion() &&
-            !controller.biosVersion()) {
-            snapshot.failed = true;
-            const bool told = std::any_of(
-                snapshot.findings.begin(), snapshot.findings.end(),
-                [](const Finding& finding) { return finding.code == problem::notAListing; });
-            if (!told) {
-                snapshot.findings.push_back(problemFinding(problem::notAListing,
-                                                           "what the utility printed is no listing",
-                                                           firstLines(snapshot.listings.front())));
-            }
-        }
+    static std::string withoutStop(std::string_view text) {
+        return std::string(text.ends_with('.') ? text.substr(0, text.size() - 1) : text);
     }
 
     /// Controllers change places as they do before zolex plans; what was captured goes with them.
@@ -502,6 +442,7 @@ class Capturer {
         snapshot.pciIds = captured.function.pciIds;
         if (!snapshot.failed) {
             join(controller, snapshot);
+            compare(controller, captured);
             checkAgainstFunction(captured.function, snapshot);
             for (const BrokenBlock& broken : snapshot.facts.broken) {
                 snapshot.findings.push_back(
@@ -511,6 +452,22 @@ class Capturer {
             }
         }
         snapshot_.details.push_back(std::move(snapshot));
+    }
+
+    /// What the two readings of the listings have to say of each other.
+    static void compare(const RAIDController& controller, Captured& captured) {
+        for (const ReadingDifference& difference :
+             compareReadings(captured.snapshot.facts, controller, captured.isRead)) {
+            const std::string text = difference.subject + ": " + difference.what;
+            if (isContradiction(difference.kind)) {
+                captured.snapshot.findings.push_back(problemFinding(problem::readingsDiffer, text));
+            } else if (difference.kind == DifferenceKind::namedOtherwise ||
+                       difference.kind == DifferenceKind::drivesAtOnePlace) {
+                captured.snapshot.findings.push_back(problemFinding(problem::namedOtherwise, text));
+            } else if (difference.kind == DifferenceKind::layoutLimit) {
+                captured.snapshot.findings.push_back(problemFinding(problem::listingLimit, text));
+            }
+        }
     }
 
     static std::string commandOf(const ControllerSnapshot& snapshot, std::size_t listing) {

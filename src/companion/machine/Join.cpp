@@ -1,5 +1,6 @@
 #include "companion/machine/Join.h"
 
+#include "companion/facts/CompareReadings.h"
 #include "engine/Planning.h"
 #include "model/Codes.h"
 #include "model/RAIDController.h"
@@ -69,30 +70,6 @@ bool isMegaCli(const RAIDController& controller) {
     return traitsOf(controller.type()).dialect == Dialect::megaCli;
 }
 
-} // namespace
-
-std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
-                                             const DriveFacts& drive) {
-    if (isMegaCli(controller)) {
-        std::optional<DrivePosition> found;
-        controller.forEachDrive([&](std::int32_t channel, std::int32_t id) {
-            if (!found && drive.slot &&
-                controller.targetId(channel, id) == drive.enclosure.value_or(0)) {
-                found = DrivePosition{channel, *drive.slot};
-            }
-        });
-        return found;
-    }
-    for (const DrivePosition position : planningOrder) {
-        if (locationOf(controller, position) == drive.location) {
-            return position;
-        }
-    }
-    return std::nullopt;
-}
-
-namespace {
-
 bool isBefore(DrivePosition a, DrivePosition b) {
     return a.channel != b.channel ? a.channel < b.channel : a.id < b.id;
 }
@@ -101,15 +78,15 @@ std::string stateText(const DriveFacts& drive) {
     return drive.reportedState.empty() ? "not counted by zolex" : drive.reportedState;
 }
 
-/// What is to be said of a drive without a number.
-Finding numberless(const RAIDController& controller, const DriveFacts& drive,
+/// What is to be said of a drive without a number. `place` is where it would stand in policies,
+/// were it counted.
+Finding numberless(const DriveFacts& drive, std::optional<DrivePosition> place,
                    const std::vector<MachineDrive>& drives) {
     Finding finding;
     finding.code = "ZX701";
     finding.severity = Severity::warning;
     finding.summary = drive.location + " (" + stateText(drive) + ") has no number in policies";
     finding.help = {"name drives by channel:id, or take this drive out"};
-    const auto place = wouldBePosition(controller, drive);
     for (const MachineDrive& other : drives) {
         if (place && other.policyPosition && isBefore(*place, *other.policyPosition)) {
             finding.summary += ": drive " + std::to_string(*other.policyNumber) + " is " +
@@ -221,12 +198,18 @@ void join(const RAIDController& controller, ControllerSnapshot& snapshot) {
             letters.emplace(drive, array.letter);
         }
     }
+    const auto positions = corePositions(controller.type(), snapshot.facts);
+    std::map<std::string_view, std::optional<DrivePosition>> places;
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        places.emplace(snapshot.facts.drives[i].location, positions[i]);
+    }
     for (MachineDrive& drive : snapshot.drives) {
         if (const auto letter = letters.find(drive.facts.location); letter != letters.end()) {
             drive.array = letter->second;
         }
         if (!drive.policyNumber) {
-            snapshot.findings.push_back(numberless(controller, drive.facts, snapshot.drives));
+            snapshot.findings.push_back(
+                numberless(drive.facts, places[drive.facts.location], snapshot.drives));
         }
     }
 }

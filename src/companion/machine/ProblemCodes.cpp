@@ -15,7 +15,10 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 21> problemRows = {{
+constexpr std::array<ProblemCode, 23> problemRows = {{
+    {problem::commandFailed, error, "a command of zolexctl could not do its work",
+     "Nothing was changed; what it could not do is in its summary.",
+     "do what its own help says, and run it again"},
     {problem::utilityMissing, error, "a utility that a controller needs is missing",
      "Nothing is known of the controller, and nothing can be done with it.",
      "install it, or name it: zolexctl --utility MEGACLI=/path/MegaCli64 doctor"},
@@ -79,6 +82,9 @@ constexpr std::array<ProblemCode, 21> problemRows = {{
     {problem::orderUnknown, warning, "the order of the controllers is not known for sure",
      "This machine's controllers are put in order of the bus that their listings tell.",
      "mend the listing that fails first; numbers of controllers may change then"},
+    {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
+     "An array or a hot spare would be made of another drive than the one that was asked for.",
+     "use drives in one enclosure only, or configure this controller by hand"},
 }};
 // clang-format on
 

@@ -18,6 +18,7 @@ struct ProblemCode {
 };
 
 namespace problem {
+inline constexpr std::string_view commandFailed = "ZP100";
 inline constexpr std::string_view utilityMissing = "ZP101";
 inline constexpr std::string_view utilityNotStarted = "ZP102";
 inline constexpr std::string_view utilityStillRuns = "ZP103";
@@ -39,6 +40,7 @@ inline constexpr std::string_view temporaryFolder = "ZP118";
 inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
+inline constexpr std::string_view namedOtherwise = "ZP122";
 } // namespace problem
 
 /// All of them, in the order of their ids.

@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::string_view separators = " \t\r\n";
 
+/// What the command interpreter would take as its own.
+constexpr std::string_view interpreted = "&|<>^%\"!\r\n";
+
 bool holdsAnyOf(std::string_view text, std::string_view characters) {
     return text.find_first_of(characters) != std::string_view::npos;
 }
@@ -50,7 +53,6 @@ std::optional<std::string> quotedProgram(std::string_view program) {
 
 std::optional<std::string> quotedArgument(std::string_view argument, Splitting splitting,
                                           bool isForBatch) {
-    constexpr std::string_view interpreted = "&|<>^%\"!\r\n";
     if (isForBatch && holdsAnyOf(argument, interpreted)) {
         return std::nullopt;
     }
@@ -87,7 +89,7 @@ std::optional<std::string> commandLineOf(std::span<const std::string> arguments,
     }
     const bool isForBatch = splitting == Splitting::windows && isBatchFile(arguments.front());
     // The interpreter would expand variables in the name of the batch file, too.
-    if (isForBatch && holdsAnyOf(arguments.front(), "%^&!\r\n")) {
+    if (isForBatch && holdsAnyOf(arguments.front(), interpreted)) {
         return std::nullopt;
     }
     std::optional<std::string> line = quotedProgram(arguments.front());

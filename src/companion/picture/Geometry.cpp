@@ -212,13 +212,16 @@ std::optional<std::uint64_t> rawBytesOf(const LogicalDriveFacts& logicalDrive,
     return capacity / data * arrayDrives + capacity % data * arrayDrives / data;
 }
 
-Geometry geometryOf(const Snapshot& snapshot, std::optional<std::size_t> onlyController) {
+Geometry geometryOf(const Snapshot& snapshot, const PictureContent& content) {
     Geometry picture;
+    const auto isShown = [&](std::size_t i) {
+        return !content.onlyController || *content.onlyController == i;
+    };
     std::vector<std::vector<DriveRow>> rows;
     std::int32_t contentWidth = geometry::leastWidth;
     for (std::size_t i = 0; i < snapshot.details.size(); ++i) {
         rows.emplace_back();
-        if (onlyController && *onlyController != i) {
+        if (!isShown(i)) {
             continue;
         }
         rows.back() = driveRowsOf(snapshot.details[i]);
@@ -228,20 +231,23 @@ Geometry geometryOf(const Snapshot& snapshot, std::optional<std::size_t> onlyCon
     }
     std::int32_t y = geometry::margin;
     for (std::size_t i = 0; i < snapshot.details.size(); ++i) {
-        if (onlyController && *onlyController != i) {
+        if (!isShown(i)) {
             continue;
         }
         PlacedController controller;
         controller.index = i;
-        std::int32_t end = placeRows(controller, rows[i], y + geometry::headHeight, contentWidth);
+        std::int32_t end = placeRows(controller, rows[i],
+                                     y + (content.heads ? geometry::headHeight : 0), contentWidth);
         end = placeArrays(controller, snapshot.details[i], end, contentWidth);
         controller.box = {geometry::margin, y, contentWidth, end - y};
         picture.controllers.push_back(std::move(controller));
         y = end + geometry::rowGap;
     }
-    picture.legend = {geometry::margin, y, contentWidth, geometry::legendHeight};
+    picture.hasHeads = content.heads;
+    picture.legend = {geometry::margin, y, contentWidth,
+                      content.legend ? geometry::legendHeight : 0};
     picture.width = contentWidth + 2 * geometry::margin;
-    picture.height = y + geometry::legendHeight + geometry::margin;
+    picture.height = y + picture.legend.height + geometry::margin;
     return picture;
 }
 

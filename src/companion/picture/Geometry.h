@@ -87,12 +87,18 @@ struct Geometry {
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::vector<PlacedController> controllers;
-    Box legend;
+    bool hasHeads = true;
+    Box legend; ///< without height: none
 };
 
-/// The picture of all controllers, or of one (its index in Snapshot::details).
-[[nodiscard]] Geometry geometryOf(const Snapshot& snapshot,
-                                  std::optional<std::size_t> onlyController = std::nullopt);
+/// What a picture holds.
+struct PictureContent {
+    std::optional<std::size_t> onlyController; ///< index in Snapshot::details; none: all of them
+    bool heads = true;                         ///< the lines of text above each controller
+    bool legend = true;
+};
+
+[[nodiscard]] Geometry geometryOf(const Snapshot& snapshot, const PictureContent& content = {});
 
 /// Room on the drives of an array that a logical drive takes: its capacity, and what its level puts
 /// beside it. Nothing when its capacity is not known.

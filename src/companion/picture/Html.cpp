@@ -33,7 +33,7 @@ ul.findings .help{display:block;color:#555555;padding-left:1.2rem}
 .picture-box svg{display:block}
 table{border-collapse:collapse;margin:.6rem 0;font-variant-numeric:tabular-nums}
 caption{text-align:left;font-weight:bold;padding:.2rem 0}
-th,td{text-align:left;padding:.2rem .7rem;border-bottom:1px solid #c8c8c8;vertical-align:top}
+th,td{text-align:left;padding:.2rem .7rem;border-bottom:1px solid #c8c8c8;vertical-align:top;white-space:nowrap}
 th{color:#555555;font-weight:600}
 td.right,th.right{text-align:right}
 td.code,code{font-family:"DejaVu Sans Mono",Consolas,Menlo,monospace;font-size:.9em}
@@ -62,7 +62,7 @@ ul.findings,ul.findings.bad{background:#ffffff}
 .picture-box,.table-box{overflow:visible}
 .picture-box svg{max-width:100%;height:auto}
 table{font-size:8pt;max-width:100%}
-th,td{padding:.1rem .35rem;overflow-wrap:anywhere;border-color:#c8c8c8}
+th,td{padding:.1rem .35rem;white-space:normal;overflow-wrap:anywhere;border-color:#c8c8c8}
 tr,ul.findings,.picture-box{break-inside:avoid}
 h2{break-after:avoid}
 }
@@ -260,7 +260,8 @@ std::string controllerSection(const Snapshot& snapshot, std::size_t index) {
         out += "<p class=\"bad\">It could not be read: " + escaped(controller.utility) +
                " failed.</p>\n";
     } else {
-        out += "<div class=\"picture-box\">\n" + controllerSvg(snapshot, index) + "</div>\n";
+        out += "<div class=\"picture-box\">\n" + controllerSvg(snapshot, index, index == 0) +
+               "</div>\n";
         out += logicalDrivesTable(controller) + drivesTable(controller);
     }
     for (const std::string& foreign : controller.facts.foreignConfigurations) {

@@ -15,7 +15,8 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::size_t headIndent = 14; ///< as wide as "Controller 1  "
+constexpr std::size_t headIndent = 14;  ///< as wide as "Controller 1  "
+constexpr std::size_t layoutIndent = 5; ///< behind the sign of a line
 
 std::string joined(const std::vector<std::string>& pieces, std::string_view separator) {
     std::string text;
@@ -48,7 +49,7 @@ class Writer {
             troubles();
             layout();
         }
-        if (verbose_ || controller_.failed) {
+        if (verbose_) {
             commands();
         }
         return std::move(out_);
@@ -183,7 +184,7 @@ class Writer {
             line("    ", printable(finding.detail), Emphasis::plain);
         }
         for (const std::string& help : finding.help) {
-            if (verbose_) {
+            if (verbose_ || controller_.failed) {
                 line("    help: ", printable(help), Emphasis::dim);
             }
         }
@@ -194,7 +195,10 @@ class Writer {
         for (const MachineDrive& drive : controller_.drives) {
             const std::string trouble = troubleOf(drive.facts);
             if (roleOf(drive) != Role::failed && !trouble.empty()) {
-                line("  ! ", printable(drive.facts.location) + "  " + trouble, Emphasis::warning);
+                line("  ! ",
+                     printable(drive.facts.location) + " has " + trouble +
+                         (drive.array.empty() ? "" : ", and is in array " + drive.array),
+                     Emphasis::warning);
             }
         }
     }
@@ -232,12 +236,18 @@ class Writer {
                 line.sign.text.clear();
                 line.drives.clear();
             }
-            if (array.logicalDrives.empty()) {
-                line.what = {{"no logical drive"}};
-                lines.push_back(line);
-            }
         }
         return lines;
+    }
+
+    void addEmptyArrays(std::vector<LayoutLine>& lines) const {
+        for (const MachineArray& array : controller_.arrays) {
+            if (array.logicalDrives.empty()) {
+                lines.push_back({{array.letter, Emphasis::bold},
+                                 locationRanges(array.drives),
+                                 {{"no logical drive"}}});
+            }
+        }
     }
 
     /// Drives with one job, as a line of the layout; none where there are no such drives.
@@ -300,6 +310,7 @@ class Writer {
     void layout() {
         const std::vector<LayoutLine> arrays = arrayLines();
         std::vector<LayoutLine> others;
+        addEmptyArrays(others);
         addFailed(others);
         addMissing(others);
         addGroup(others, Role::hotspare, HotspareKind::global, "*", Emphasis::plain, "hot spare",
@@ -322,46 +333,48 @@ class Writer {
         };
         widen(arrays);
         widen(others);
-        Table side(0);
-        for (const LayoutLine& line : arrays) {
-            side.add(line.what);
-        }
-        std::size_t whatColumns = side.width();
-        for (const LayoutLine& line : others) {
-            whatColumns = std::max(whatColumns, columnsOf(line.what[0].text));
-        }
-        constexpr std::size_t signColumns = 5;
-        const bool beside = signColumns + driveColumns + 2 + whatColumns <= width_;
-        write(arrays, side.lines(style_), beside, driveColumns);
-        Table rest(0);
-        for (const LayoutLine& line : others) {
-            rest.add(line.what);
-        }
-        write(others, rest.lines(style_), beside, driveColumns);
+        writeLines(arrays, driveColumns);
+        writeLines(others, driveColumns);
         for (const std::string& foreign : controller_.facts.foreignConfigurations) {
             line("  ~  ", "foreign configuration: " + printable(foreign), Emphasis::warning);
         }
     }
 
-    void write(const std::vector<LayoutLine>& lines, const std::vector<std::string>& what,
-               bool beside, std::size_t driveColumns) {
-        constexpr std::size_t indent = 5;
+    /// What the drives are stands beside them, or below where there is no room, or folded.
+    void writeLines(const std::vector<LayoutLine>& lines, std::size_t driveColumns) {
+        Table table(0);
+        for (const LayoutLine& line : lines) {
+            table.add(line.what);
+        }
+        const std::vector<std::string> what = table.lines(style_);
+        const bool isBeside = layoutIndent + driveColumns + 2 + table.width() <= width_;
+        const bool isWhole = layoutIndent + table.width() <= width_;
         for (std::size_t i = 0; i < lines.size(); ++i) {
             const LayoutLine& line = lines[i];
-            const std::size_t sign = std::max<std::size_t>(columnsOf(line.sign.text), 1);
-            out_ += "  " + emphasized(line.sign.text, line.sign.emphasis, style_);
-            out_.append(line.sign.text.empty() ? 1 : 0, ' ');
-            out_.append(sign < 3 ? 3 - sign : 1, ' ');
-            if (beside) {
+            const std::string& sign = line.sign.text;
+            out_ += "  " + emphasized(sign, line.sign.emphasis, style_);
+            out_.append(sign.size() < 3 ? 3 - sign.size() : 1, ' ');
+            if (isBeside) {
                 const std::string drives = joined(line.drives, " ");
                 out_ += drives + std::string(driveColumns + 2 - columnsOf(drives), ' ') + what[i];
                 continue;
             }
             if (!line.drives.empty()) {
-                out_ += foldedText(line.drives, " ", indent, indent, width_) + "\n     ";
+                out_ += foldedText(line.drives, " ", layoutIndent, layoutIndent, width_) + "\n" +
+                        std::string(layoutIndent, ' ');
             }
-            out_ += what[i];
+            out_ += isWhole ? what[i] : foldedCells(line.what);
         }
+    }
+
+    [[nodiscard]] std::string foldedCells(const std::vector<TableCell>& cells) const {
+        std::vector<std::string> pieces;
+        for (const TableCell& cell : cells) {
+            if (!cell.text.empty()) {
+                pieces.push_back(emphasized(cell.text, cell.emphasis, style_));
+            }
+        }
+        return foldedText(pieces, "  ", layoutIndent, layoutIndent, width_) + "\n";
     }
 
     void commands() {
@@ -399,8 +412,12 @@ std::string machineText(const Snapshot& snapshot, const TextStyle& style, bool v
     text += "\n";
     const auto width = static_cast<std::size_t>(style.width);
     for (const Finding& finding : snapshot.findings) {
-        text += emphasized("! " + foldedWords(printable(finding.summary), 2, 2, width),
-                           finding.severity == Severity::error ? Emphasis::bad : Emphasis::warning,
+        const bool isNote = finding.severity == Severity::note;
+        text += emphasized((isNote ? "  " : "! ") +
+                               foldedWords(printable(finding.summary), 2, 2, width),
+                           finding.severity == Severity::error ? Emphasis::bad
+                           : isNote                            ? Emphasis::dim
+                                                               : Emphasis::warning,
                            style) +
                 "\n";
     }

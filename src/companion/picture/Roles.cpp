@@ -182,10 +182,10 @@ std::string troubleOf(const DriveFacts& drive) {
     add(drive.mediaErrorCount, "media error", "media errors");
     add(drive.predictedFailureCount, "predicted failure", "predicted failures");
     if (text.empty() && drive.health == Health::critical) {
-        text = "in critical health";
+        text = "critical health";
     } else if (text.empty() && drive.health == Health::warning &&
                drive.state != DriveState::rebuilding) {
-        text = "health gives a warning";
+        text = "a warning of its health";
     }
     return text;
 }
@@ -333,6 +333,8 @@ std::vector<std::string> abilitiesOf(const Facts& facts) {
     }
     if (facts.rebuildRatePercent) {
         abilities.push_back("rebuild rate " + std::to_string(*facts.rebuildRatePercent) + " %");
+    } else if (!facts.rebuildRate.empty()) {
+        abilities.push_back("rebuild rate " + stateText(facts.rebuildRate));
     }
     return abilities;
 }

@@ -92,7 +92,9 @@ class Writer {
         for (const PlacedController& placed : picture_.controllers) {
             controller(placed);
         }
-        legend();
+        if (picture_.legend.height > 0) {
+            legend();
+        }
         out_ += "</svg>\n";
         return std::move(out_);
     }
@@ -226,20 +228,9 @@ class Writer {
     void controller(const PlacedController& placed) {
         const ControllerSnapshot& controller = snapshot_.details[placed.index];
         out_ += "<g class=\"controller\">\n";
-        std::string head =
-            "Controller " + std::to_string(controller.number) + "  " + productText(controller);
-        fittingText(placed.box, 15, 14, "head ink", head);
-        std::string below = controller.facts.serialNumber.empty()
-                                ? std::string()
-                                : "serial " + printable(controller.facts.serialNumber) + "  ";
-        below += pciText(controller);
-        if (!controller.facts.firmwareVersion.empty()) {
-            below += "  firmware " + printable(controller.facts.firmwareVersion);
+        if (picture_.hasHeads) {
+            head(placed.box, controller);
         }
-        below = controller.failed
-                    ? "could not be read: " + printable(controller.utility) + " failed"
-                    : below;
-        fittingText(placed.box, 32, geometry::fontSize, "dim", below);
         const std::map<std::string, std::size_t> arrays = arrayIndices(controller);
         for (const PlacedRow& row : placed.rows) {
             if (!row.title.empty()) {
@@ -257,6 +248,23 @@ class Writer {
             bar(array, controller);
         }
         out_ += "</g>\n";
+    }
+
+    void head(const Box& box, const ControllerSnapshot& controller) {
+        const std::string title =
+            "Controller " + std::to_string(controller.number) + "  " + productText(controller);
+        fittingText(box, 15, 14, "head ink", title);
+        std::string below = controller.facts.serialNumber.empty()
+                                ? std::string()
+                                : "serial " + printable(controller.facts.serialNumber) + "  ";
+        below += pciText(controller);
+        if (!controller.facts.firmwareVersion.empty()) {
+            below += "  firmware " + printable(controller.facts.firmwareVersion);
+        }
+        below = controller.failed
+                    ? "could not be read: " + printable(controller.utility) + " failed"
+                    : below;
+        fittingText(box, 32, geometry::fontSize, "dim", below);
     }
 
     /// One line that is cut where the box ends.
@@ -501,8 +509,8 @@ std::string machineSvg(const Snapshot& snapshot) {
     return Writer(snapshot, picture, "").write(true);
 }
 
-std::string controllerSvg(const Snapshot& snapshot, std::size_t index) {
-    const Geometry picture = geometryOf(snapshot, index);
+std::string controllerSvg(const Snapshot& snapshot, std::size_t index, bool withLegend) {
+    const Geometry picture = geometryOf(snapshot, {index, false, withLegend});
     return Writer(snapshot, picture, "c" + std::to_string(index) + "-").write(false);
 }
 

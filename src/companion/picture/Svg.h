@@ -12,7 +12,9 @@ namespace zolex::companion {
 /// fonts.
 [[nodiscard]] std::string machineSvg(const Snapshot& snapshot);
 
-/// The same of one controller (its index in Snapshot::details), as an element for a page.
-[[nodiscard]] std::string controllerSvg(const Snapshot& snapshot, std::size_t index);
+/// The same of one controller (its index in Snapshot::details), as an element for a page that has
+/// its name above it.
+[[nodiscard]] std::string controllerSvg(const Snapshot& snapshot, std::size_t index,
+                                        bool withLegend);
 
 } // namespace zolex::companion

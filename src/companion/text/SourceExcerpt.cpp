@@ -195,14 +195,14 @@ std::string sourceExcerpt(const Finding& finding, std::string_view text, const T
         text, hasOther ? std::max(finding.start.line, finding.otherStart.line) : finding.start.line,
         style);
     const auto addOther = [&] {
-        excerpt.addLine(finding.otherStart, finding.otherEnd, '-', "- " + finding.other);
+        excerpt.addLine(finding.otherStart, finding.otherEnd, '-', finding.other);
     };
     if (hasOther && finding.otherStart.line < finding.start.line) {
         addOther();
     }
     excerpt.addLine(finding.start, finding.end, '^', {});
     if (isSameLine) {
-        excerpt.addMarksOf(finding.otherStart, finding.otherEnd, '-', "- " + finding.other);
+        excerpt.addMarksOf(finding.otherStart, finding.otherEnd, '-', finding.other);
     } else if (hasOther && finding.otherStart.line > finding.start.line) {
         addOther();
     }

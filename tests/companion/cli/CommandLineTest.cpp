@@ -9,12 +9,12 @@ using Words = std::vector<std::string>;
 
 /// What is said of arguments that cannot be taken, both lines.
 std::string faultOf(const Words& arguments) {
-    const Reading reading = readArguments(arguments);
+    const ArgumentReading reading = readArguments(arguments);
     return reading.fault + "\n" + reading.help;
 }
 
 Request requestOf(const Words& arguments) {
-    const Reading reading = readArguments(arguments);
+    const ArgumentReading reading = readArguments(arguments);
     EXPECT_EQ(reading.fault, "");
     EXPECT_FALSE(reading.wantsHelp);
     EXPECT_FALSE(reading.wantsVersion);

@@ -1,0 +1,202 @@
+#include "companion/commands/MachineAccess.h"
+
+#include "companion/json/RecordingFile.h"
+#include "companion/machine/System.h"
+#include "companion/machine/UtilityPlatform.h"
+#include "companion/recording/FolderEntries.h"
+#include "companion/recording/RecordingPlatform.h"
+#include "companion/recording/ReplayPlatform.h"
+#include "companion/text/OutputFile.h"
+#include "companion/text/Timestamp.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+using Look = std::function<int(Platform& machine, const Utilities& utilities)>;
+
+constexpr std::string_view recordAgain = "record the machine again: zolexctl record -o FILE.zrec";
+
+/// "server.zrec:3:17: "exit_code" is missing [ZR104]".
+std::string placedText(const Finding& finding) {
+    std::string text = printable(finding.file);
+    if (finding.start.line > 0) {
+        text +=
+            ":" + std::to_string(finding.start.line) + ":" + std::to_string(finding.start.column);
+    }
+    return text + ": " + printable(finding.summary) + " [" + finding.code + "]";
+}
+
+int failWithFinding(Context& context, const Finding& finding) {
+    return failWith(context, placedText(finding), finding.help.empty() ? "" : finding.help.front());
+}
+
+/// Tells notes and warnings; false after an error.
+bool tellFindings(Context& context, const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings) {
+        if (finding.severity == Severity::error) {
+            failWithFinding(context, finding);
+            return false;
+        }
+        context.platform.console().writeError(findingLine(finding, context.errorStyle));
+    }
+    return true;
+}
+
+int lookRecorded(Context& context, Platform& machine, const Utilities& utilities,
+                 const Look& look) {
+    const std::string& name = context.machine.record;
+    const auto writer =
+        startRecording(context, name, recordingHeader(context, machine.localTime()));
+    if (writer == nullptr) {
+        return exit_code::notPossible;
+    }
+    writer->keep(UtilitiesCall{utilities});
+    RecordingPlatform recorder(machine, *writer);
+    const int code = look(recorder, utilities);
+    if (!writer->finish()) {
+        return failWith(context, printable(name) + ": the recording could not be written whole",
+                        "free some space, or name another file with --record");
+    }
+    return code;
+}
+
+int lookAt(Context& context, Platform& machine, const Utilities& utilities, const Look& look) {
+    return context.machine.record.empty() ? look(machine, utilities)
+                                          : lookRecorded(context, machine, utilities, look);
+}
+
+bool endsInZrec(std::string_view name) {
+    constexpr std::string_view ending = ".zrec";
+    if (name.size() <= ending.size()) {
+        return false;
+    }
+    const std::string_view end = name.substr(name.size() - ending.size());
+    return std::equal(end.begin(), end.end(), ending.begin(),
+                      [](char a, char b) { return text::lower(a) == b; });
+}
+
+/// The recordings that a path names: itself, or those of a folder. None after a message.
+std::vector<std::string> recordingsOf(Context& context, const std::string& path) {
+    const auto entries = folderEntries(path);
+    if (!entries) {
+        return {path};
+    }
+    std::vector<std::string> names;
+    for (const std::string& entry : *entries) {
+        if (endsInZrec(entry)) {
+            names.push_back(path + (path.ends_with('/') ? "" : "/") + entry);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    if (names.empty()) {
+        failWith(context, printable(path) + ": no recording (*.zrec) is in this folder",
+                 recordAgain);
+    }
+    return names;
+}
+
+} // namespace
+
+std::string findingLine(const Finding& finding, const TextStyle& style) {
+    const bool isNote = finding.severity == Severity::note;
+    const std::string word = isNote ? emphasized("note:", Emphasis::heading, style)
+                                    : emphasized("warning:", Emphasis::warning, style);
+    return word + " " + placedText(finding) + "\n";
+}
+
+RecordingHeader recordingHeader(Context& context, const LocalTime& now) {
+    RecordingHeader header;
+    header.toolVersion = ZOLEX_VERSION;
+    header.argv = context.argv;
+    header.madeAt = timestampOf(now);
+    header.system = system::isWindows ? "windows" : "linux";
+    return header;
+}
+
+std::unique_ptr<RecordingWriter> startRecording(Context& context, const std::string& name,
+                                                const RecordingHeader& header) {
+    using output_file::Standing;
+    FileSystem& files = context.platform.files();
+    const Standing standing = output_file::standing(name);
+    std::unique_ptr<File> file;
+    if (standing == Standing::device) {
+        file = files.open(name, "w");
+    } else if (standing == Standing::nothing || standing == Standing::file) {
+        file = files.create(name, "", FileSystem::WhenInterrupted::kept);
+    }
+    if (file == nullptr) {
+        failWith(context, printable(name) + ": no recording can be made here",
+                 "name another file; nothing was asked of the machine");
+        return nullptr;
+    }
+    return std::make_unique<RecordingWriter>(std::move(file), header);
+}
+
+CaptureRequest captureRequest(const Context& context) {
+    CaptureRequest request;
+    request.machineType = context.machine.machineType;
+    request.serialNumber = context.machine.serialNumber;
+    request.controllers = context.machine.controllers;
+    request.limit = context.machine.captureLimit;
+    return request;
+}
+
+std::optional<Recording> loadRecording(Context& context, const std::string& file) {
+    RecordingReading reading = readRecordingFile(context.platform.files(), file);
+    if (!tellFindings(context, reading.findings)) {
+        return std::nullopt;
+    }
+    return std::move(reading.recording);
+}
+
+int lookAtMachine(Context& context, const Look& look) {
+    if (context.machine.recording.empty()) {
+        const Utilities utilities =
+            findUtilities(systemFolders(context.platform.files(), context.machine.utilitiesFolder),
+                          context.machine.utilities);
+        UtilityPlatform machine(context.platform, utilities);
+        return lookAt(context, machine, utilities, look);
+    }
+    const std::optional<Recording> recording = loadRecording(context, context.machine.recording);
+    if (!recording) {
+        return exit_code::notPossible;
+    }
+    ReplayPlatform machine(*recording, context.platform);
+    try {
+        return lookAt(context, machine, machine.utilities(), look);
+    } catch (const LackingCall& lacking) {
+        return failWith(context, printable(lacking.what()), recordAgain);
+    }
+}
+
+std::optional<std::vector<RecordedMachine>> loadMachines(Context& context,
+                                                         const std::vector<std::string>& paths) {
+    std::vector<RecordedMachine> machines;
+    for (const std::string& path : paths) {
+        const std::vector<std::string> files = recordingsOf(context, path);
+        if (files.empty()) {
+            return std::nullopt;
+        }
+        for (const std::string& file : files) {
+            const std::optional<Recording> recording = loadRecording(context, file);
+            if (!recording) {
+                return std::nullopt;
+            }
+            ReplayPlatform machine(*recording, context.platform);
+            try {
+                machines.push_back({file, captureMachine(machine, captureRequest(context))});
+            } catch (const LackingCall& lacking) {
+                failWith(context, printable(lacking.what()), recordAgain);
+                return std::nullopt;
+            }
+        }
+    }
+    return machines;
+}
+
+} // namespace zolex::companion

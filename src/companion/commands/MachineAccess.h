@@ -1,0 +1,55 @@
+#pragma once
+
+#include "companion/commands/Context.h"
+#include "companion/json/RecordingFile.h"
+#include "companion/machine/Capture.h"
+#include "companion/machine/Snapshot.h"
+#include "companion/machine/Utilities.h"
+#include "companion/recording/Recording.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zolex::companion {
+
+/// Looks at what the options name: at the machine, or at the recording in its place. `look` gets
+/// the platform that answers, in zolex's command lines, and the utilities that were found; its
+/// result is the exit code. With --record the calls are kept meanwhile. When the recording cannot
+/// be read or written, or lacks a call: a message, and exit_code::notPossible.
+int lookAtMachine(Context& context,
+                  const std::function<int(Platform& machine, const Utilities& utilities)>& look);
+
+/// What of the machine the options ask for; with a line of progress for each child when standard
+/// error is shown to somebody who wants it.
+[[nodiscard]] CaptureRequest captureRequest(const Context& context);
+
+/// A recording in the place of a machine, with the console and the files of `system`. Nothing,
+/// after a message, when it cannot be read. Notes and warnings about it go to standard error.
+[[nodiscard]] std::optional<Recording> loadRecording(Context& context, const std::string& file);
+
+/// A machine that was recorded.
+struct RecordedMachine {
+    std::string file;
+    Snapshot snapshot;
+};
+
+/// The machines of recordings, or of all files "*.zrec" of a folder in the order of their names.
+/// Nothing, after a message, when one of them cannot be read, or a folder has none.
+[[nodiscard]] std::optional<std::vector<RecordedMachine>>
+loadMachines(Context& context, const std::vector<std::string>& paths);
+
+/// What a recording that is made now says of itself.
+[[nodiscard]] RecordingHeader recordingHeader(Context& context, const LocalTime& now);
+
+/// Begins a recording in a file, which is made anew; null after a message. What a link or a folder
+/// of this name is stays.
+[[nodiscard]] std::unique_ptr<RecordingWriter>
+startRecording(Context& context, const std::string& name, const RecordingHeader& header);
+
+/// "note: server.zrec:7:1: the last line was cut and is left out [ZR107]", with its line end.
+[[nodiscard]] std::string findingLine(const Finding& finding, const TextStyle& style);
+
+} // namespace zolex::companion
