@@ -134,17 +134,18 @@ class PlannedDrives {
     }
 
     void checkNumbers(const DriveListView& list, std::int32_t first, const MachineDrive& cause) {
+        // A number that no drive has is a fault of the plan.
         const auto shifted =
-            std::find_if(list.drives.begin(), list.drives.end(),
-                         [first](const DriveView& view) { return view.number >= first; });
+            std::find_if(list.drives.begin(), list.drives.end(), [&](const DriveView& view) {
+                return view.number >= first && machine_.drive(view) != nullptr;
+            });
         if (shifted == list.drives.end()) {
             return;
         }
-        const MachineDrive* now = machine_.drive(*shifted);
         add("ZX701", &shifted->piece,
             "drive " + std::to_string(shifted->number) + " is " +
-                (now == nullptr ? std::string("none") : now->facts.location) + " now, as " +
-                driveWords(cause) + " has no number",
+                machine_.drive(*shifted)->facts.location + " now, as " + driveWords(cause) +
+                " has no number",
             {"each number from " + std::to_string(first) + " on names the next drive",
              "replace " + cause.facts.location + " first, or write channel:id"});
     }
@@ -170,7 +171,9 @@ class PlannedDrives {
             return;
         }
         if (isBad(*drive)) {
-            add("ZX702", place, driveWords(*drive) + " goes into " + where,
+            add("ZX702", place,
+                drive->facts.location + " is " + drive->facts.reportedState + ", and goes into " +
+                    where,
                 {"replace " + drive->facts.location + ", or take it out of the list"});
             return;
         }
