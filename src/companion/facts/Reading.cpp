@@ -33,17 +33,19 @@ class Reading::DriveIndex {
         for (std::size_t i = 0; i < facts.drives.size(); ++i) {
             const DriveFacts& drive = facts.drives[i];
             add(serials_, drive.serialNumber, i);
-            add(bays_, i < bays.size() ? bays[i] : std::string(), i);
+            if (i < bays.size()) {
+                add(bays_, bays[i], i);
+            }
             if (drive.number) {
                 numbers_.emplace(*drive.number, i);
             }
         }
     }
 
-    [[nodiscard]] std::optional<std::size_t> ofSerial(const std::string& serial) const {
+    [[nodiscard]] std::optional<std::size_t> ofSerial(std::string_view serial) const {
         return find(serials_, serial);
     }
-    [[nodiscard]] std::optional<std::size_t> ofBay(const std::string& bay) const {
+    [[nodiscard]] std::optional<std::size_t> ofBay(std::string_view bay) const {
         return find(bays_, bay);
     }
     [[nodiscard]] std::optional<std::size_t> ofNumber(std::int32_t number) const {
@@ -52,15 +54,15 @@ class Reading::DriveIndex {
     }
 
   private:
-    using Names = std::unordered_map<std::string, std::size_t>;
+    using Names = std::unordered_map<std::string_view, std::size_t>;
     static constexpr std::size_t several = static_cast<std::size_t>(-1);
 
-    static void add(Names& names, const std::string& name, std::size_t drive) {
+    static void add(Names& names, std::string_view name, std::size_t drive) {
         if (!name.empty() && !names.emplace(name, drive).second) {
             names[name] = several; // names nothing
         }
     }
-    static std::optional<std::size_t> find(const Names& names, const std::string& name) {
+    static std::optional<std::size_t> find(const Names& names, std::string_view name) {
         const auto found = names.find(name);
         return found == names.end() || found->second == several ? std::nullopt
                                                                 : std::optional(found->second);
@@ -76,20 +78,24 @@ void Reading::read(std::size_t index, std::string_view listing) {
     isListing_ = isClosed_ = isOver = hasHeading = false;
     block = Block::none;
     facts.listings.resize(std::max(facts.listings.size(), index + 1));
+    beginnings_.fill({});
     ListingLines lines(listing);
     std::optional<ListingLine> first;
     while (!isOver && lines.next()) {
-        const ListingLine& line = lines.line();
+        if (takeExpected(lines)) {
+            continue;
+        }
+        const ListingLine& line = lines.takeApart();
         if (line.text.empty()) {
             continue;
         }
         if (!first) {
-            first = line;
+            first = lines.complete();
         }
         if (line.hasKey) {
-            takeKey(line);
+            takeKey(lines);
         } else {
-            takePlain(line);
+            takePlain(lines.complete());
         }
     }
     if (!first) {
@@ -100,20 +106,59 @@ void Reading::read(std::size_t index, std::string_view listing) {
     endListing(lines.line());
 }
 
-void Reading::takeKey(const ListingLine& line) {
+/// Takes the line when it is the one that came here the last time: most are.
+bool Reading::takeExpected(ListingLines& lines) {
+    const std::uint8_t number = nextRow_[lastRow_];
+    const std::string_view beginning = beginnings_[number];
+    if (beginning.empty() || !lines.beginsWith(beginning)) {
+        return false;
+    }
+    const KeyRow& row = table_.keys.row(number);
+    if ((row.blocks & in(block)) == 0) {
+        return false;
+    }
+    lastRow_ = number;
+    if (row.take == nullptr) {
+        ++counts().keys;
+        isClosed_ = false;
+    } else {
+        lines.takeApart(beginning, row.key.size());
+        take(row, lines.complete());
+    }
+    return true;
+}
+
+void Reading::takeKey(ListingLines& lines) {
+    const KeyRow* const row = rowOf(lines);
+    if (row != nullptr) {
+        take(*row, lines.complete());
+    } else {
+        ++counts().keys;
+        isClosed_ = false;
+        noteUnknown(lines.line());
+    }
+}
+
+void Reading::take(const KeyRow& row, const ListingLine& line) {
     ++counts().keys;
     isClosed_ = false;
-    const KeyRow* row = table_.keys.find(block, line.key);
-    if (row == nullptr) {
-        row = numberedRow(line.key);
-    }
-    if (row == nullptr) {
-        noteUnknown(line);
-    } else if (row->take != nullptr) {
+    if (row.take != nullptr) {
         isListing_ = true;
         ++counts().keysUsed;
-        row->take(*this, line);
+        row.take(*this, line);
     }
+}
+
+const KeyRow* Reading::rowOf(const ListingLines& lines) {
+    const KeyRow* const row = table_.keys.find(block, lines.line().key);
+    if (row == nullptr) {
+        return numberedRow(lines.line().key);
+    }
+    const std::uint8_t number = table_.keys.numberOf(*row);
+    nextRow_[lastRow_] = number;
+    beginnings_[number] = lines.beginning();
+    lastRow_ = number;
+    return row;
 }
 
 const KeyRow* Reading::numberedRow(std::string_view key) const {

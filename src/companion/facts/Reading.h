@@ -5,6 +5,7 @@
 #include "companion/facts/KeyTable.h"
 #include "companion/facts/ListingLines.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -159,7 +160,10 @@ class Reading {
   private:
     class DriveIndex;
 
-    void takeKey(const ListingLine& line);
+    void takeKey(ListingLines& lines);
+    bool takeExpected(ListingLines& lines);
+    void take(const KeyRow& row, const ListingLine& line);
+    [[nodiscard]] const KeyRow* rowOf(const ListingLines& lines);
     void takePlain(const ListingLine& line);
     [[nodiscard]] const KeyRow* numberedRow(std::string_view key) const;
     void noteUnknown(const ListingLine& line);
@@ -176,6 +180,11 @@ class Reading {
     std::size_t listing_ = 0;
     bool isListing_ = false;
     bool isClosed_ = false;
+    /// Blocks are alike: the row that came behind each row the last time, and what the line of each
+    /// row began with. The number behind the last row stands for the beginning.
+    std::array<std::uint8_t, KeyLookup::noRow + 1> nextRow_{};
+    std::array<std::string_view, KeyLookup::noRow + 1> beginnings_{};
+    std::uint8_t lastRow_ = KeyLookup::noRow;
     bool isBlockBroken_ = false; ///< something is wrong with the block, and was told
     std::unordered_map<std::string, std::size_t> driveAt_; ///< index of a location
     std::vector<std::string> bays_;                        ///< beside `facts.drives`

@@ -106,6 +106,25 @@ std::vector<Finding> lintAll(const PolicyDocument& document) {
     return findings;
 }
 
+std::vector<Finding> lint(const PolicyDocument& document,
+                          const std::vector<const Snapshot*>& machines,
+                          const LintSelection& selection) {
+    std::vector<Finding> findings = lintAll(document);
+    FindingSink sink(document.file);
+    checkGroup7(document, machines, sink);
+    std::vector<Finding> more = sink.take();
+    // What the file alone shows is not told again for each machine.
+    std::erase_if(more, [&findings](const Finding& finding) {
+        return std::any_of(findings.begin(), findings.end(), [&finding](const Finding& told) {
+            return told.code == finding.code && told.start == finding.start &&
+                   told.severity >= finding.severity;
+        });
+    });
+    std::move(more.begin(), more.end(), std::back_inserter(findings));
+    arrangeFindings(document, selection, findings);
+    return findings;
+}
+
 std::vector<Finding> lint(const PolicyDocument& document, const LintSelection& selection) {
     std::vector<Finding> findings = lintAll(document);
     arrangeFindings(document, selection, findings);
