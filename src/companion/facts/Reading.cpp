@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t longestUnknownKey = 80;
 constexpr std::size_t longestQuote = 60;
+/// Of one controller. No utility has so many: what a listing can make grow is bounded.
+constexpr std::size_t mostLogicalDrives = 1024;
 /// What the core's readers take as one line.
 constexpr std::size_t longestCoreLine = 198;
 
@@ -275,13 +277,22 @@ void Reading::addDrive(DriveFacts found) {
     facts.drives.push_back(std::move(found));
 }
 
-LogicalDriveDraft& Reading::beginLogicalDrive(const ListingLine& line, std::string id) {
+LogicalDriveDraft* Reading::beginLogicalDrive(const ListingLine& line, std::string id) {
     leave(Block::logicalDrive);
     ++counts().blocks;
+    if (logicalDrives.size() == mostLogicalDrives) {
+        block = Block::other;
+        if (!hasTooMany_) {
+            broken(line, "more than " + std::to_string(mostLogicalDrives) +
+                             " logical drives: the others are not read");
+        }
+        hasTooMany_ = true;
+        return nullptr;
+    }
     LogicalDriveDraft& draft = logicalDrives.emplace_back();
     draft.facts.id = std::move(id);
     draft.facts.place = place(line);
-    return draft;
+    return &draft;
 }
 
 void Reading::beginSpan(std::int64_t announced) {
@@ -376,11 +387,9 @@ void Reading::finish() {
 /// Takes the members of an array that is listed by itself, and finds the drives.
 void Reading::finishMembers(LogicalDriveDraft& draft, const DriveIndex& index) {
     if (draft.spans.empty() && !draft.facts.array.empty()) {
-        const auto array = std::find_if(arrays.begin(), arrays.end(), [&](const ArrayDraft& each) {
-            return each.id == draft.facts.array;
-        });
-        if (array != arrays.end()) {
-            draft.spans.push_back(array->members);
+        const auto listed = arrays.find(draft.facts.array);
+        if (listed != arrays.end()) {
+            draft.spans.push_back(listed->second);
             draft.announcedInSpan.push_back(-1);
         }
     }
@@ -409,7 +418,7 @@ std::string Reading::locate(const MemberDraft& member, const DriveIndex& index) 
         broken(member.place, "member " + member.named + " is drive " +
                                  facts.drives[*byPlace].location + " by its place, and " +
                                  facts.drives[*bySerial].location + " by its serial number");
-    } else if (!bySerial && !byPlace && !member.isMissing) {
+    } else if (!byPlace && !member.isMissing && (!bySerial || !member.location.empty())) {
         broken(member.place, "member " + member.named + " is not among the physical drives");
     } else if (member.isBlock) {
         ++facts.listings[member.place.listing].blocksRead;
