@@ -384,21 +384,31 @@ void Reading::finish() {
         });
 }
 
-/// Takes the members of an array that is listed by itself, and finds the drives.
+/// Finds the drives, of an array that is listed by itself once for all of its logical drives.
 void Reading::finishMembers(LogicalDriveDraft& draft, const DriveIndex& index) {
     if (draft.spans.empty() && !draft.facts.array.empty()) {
-        const auto listed = arrays.find(draft.facts.array);
-        if (listed != arrays.end()) {
-            draft.spans.push_back(listed->second);
+        if (const auto listed = arrays.find(draft.facts.array); listed != arrays.end()) {
+            const auto [found, isNew] = locatedArrays_.try_emplace(listed->first);
+            if (isNew) {
+                found->second = locate(listed->second, index);
+            }
+            draft.facts.spans.push_back(found->second);
             draft.announcedInSpan.push_back(-1);
         }
     }
     for (const std::vector<MemberDraft>& span : draft.spans) {
-        std::vector<std::string>& locations = draft.facts.spans.emplace_back();
-        for (const MemberDraft& member : span) {
-            locations.push_back(locate(member, index));
-        }
+        draft.facts.spans.push_back(locate(span, index));
     }
+}
+
+std::vector<std::string> Reading::locate(const std::vector<MemberDraft>& span,
+                                         const DriveIndex& index) {
+    std::vector<std::string> locations;
+    locations.reserve(span.size());
+    for (const MemberDraft& each : span) {
+        locations.push_back(locate(each, index));
+    }
+    return locations;
 }
 
 /// The drive that a member is: the one with its serial number, or with its number, or where it is
@@ -434,8 +444,9 @@ std::string Reading::locate(const MemberDraft& member, const DriveIndex& index) 
 }
 
 std::string Reading::missingOf(const LogicalDriveDraft& draft) const {
+    const std::vector<std::vector<std::string>>& spans = draft.facts.spans;
     std::size_t members = 0;
-    for (const std::vector<MemberDraft>& span : draft.spans) {
+    for (const std::vector<std::string>& span : spans) {
         members += span.size();
     }
     if (draft.isBroken) {
@@ -452,24 +463,23 @@ std::string Reading::missingOf(const LogicalDriveDraft& draft) const {
     if (members == 0) {
         return "without members";
     }
-    for (std::size_t i = 0; i < draft.spans.size(); ++i) {
+    for (std::size_t i = 0; i < spans.size(); ++i) {
         const std::int64_t announced = draft.announcedInSpan[i];
-        if (announced >= 0 && static_cast<std::size_t>(announced) != draft.spans[i].size()) {
+        if (announced >= 0 && static_cast<std::size_t>(announced) != spans[i].size()) {
             return "announces " + std::to_string(announced) + " members in span " +
-                   std::to_string(i) + ", and " + std::to_string(draft.spans[i].size()) +
-                   (draft.spans[i].size() == 1 ? " is listed" : " are listed");
+                   std::to_string(i) + ", and " + std::to_string(spans[i].size()) +
+                   (spans[i].size() == 1 ? " is listed" : " are listed");
         }
     }
-    if (draft.announcedSpans &&
-        static_cast<std::size_t>(*draft.announcedSpans) != draft.spans.size()) {
+    if (draft.announcedSpans && static_cast<std::size_t>(*draft.announcedSpans) != spans.size()) {
         return "announces " +
                counted(static_cast<std::size_t>(*draft.announcedSpans), "span", "spans") +
-               ", and " + std::to_string(draft.spans.size()) +
-               (draft.spans.size() == 1 ? " is listed" : " are listed");
+               ", and " + std::to_string(spans.size()) +
+               (spans.size() == 1 ? " is listed" : " are listed");
     }
     if (draft.announcedMembers) {
         const auto announced = static_cast<std::size_t>(*draft.announcedMembers) *
-                               (draft.announcedPerSpan ? draft.spans.size() : 1);
+                               (draft.announcedPerSpan ? spans.size() : 1);
         if (announced != members) {
             return "announces " + counted(announced, "member", "members") + ", and " +
                    std::to_string(members) + (members == 1 ? " is listed" : " are listed");

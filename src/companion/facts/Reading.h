@@ -168,6 +168,8 @@ class Reading {
     [[nodiscard]] std::string_view missingOfDrive() const;
     void finishMembers(LogicalDriveDraft& draft, const DriveIndex& index);
     [[nodiscard]] std::string locate(const MemberDraft& member, const DriveIndex& index);
+    [[nodiscard]] std::vector<std::string> locate(const std::vector<MemberDraft>& span,
+                                                  const DriveIndex& index);
     [[nodiscard]] std::string missingOf(const LogicalDriveDraft& draft) const;
     void checkAnnouncements();
     void nameArrays();
@@ -181,6 +183,7 @@ class Reading {
     std::array<std::uint8_t, KeyLookup::noRow + 1> nextRow_{};
     std::array<std::string_view, KeyLookup::noRow + 1> beginnings_{};
     std::uint8_t lastRow_ = KeyLookup::noRow;
+    std::unordered_map<std::string, std::vector<std::string>> locatedArrays_;
     bool hasTooMany_ = false;
     bool isBlockBroken_ = false; ///< something is wrong with the block, and was told
     std::unordered_map<std::string, std::size_t> driveAt_; ///< index of a location
