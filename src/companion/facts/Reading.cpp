@@ -311,7 +311,7 @@ MemberDraft* Reading::addMember(const ListingLine& line, std::string named, bool
         beginSpan(-1);
     }
     MemberDraft& member = draft->spans.back().emplace_back();
-    member.named = std::move(named);
+    member.named = named.empty() ? cleanText(line.key.substr(0, longestQuote)) : std::move(named);
     member.place = place(line);
     member.isBlock = isBlock;
     counts().blocks += isBlock ? 1 : 0;
