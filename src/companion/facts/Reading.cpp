@@ -33,13 +33,13 @@ class Reading::DriveIndex {
   public:
     DriveIndex(const Facts& facts, const std::vector<std::string>& bays) {
         for (std::size_t i = 0; i < facts.drives.size(); ++i) {
-            const DriveFacts& drive = facts.drives[i];
-            add(serials_, drive.serialNumber, i);
+            const DriveFacts& each = facts.drives[i];
+            add(serials_, each.serialNumber, i);
             if (i < bays.size()) {
                 add(bays_, bays[i], i);
             }
-            if (drive.number) {
-                numbers_.emplace(*drive.number, i);
+            if (each.number) {
+                numbers_.emplace(*each.number, i);
             }
         }
     }
@@ -47,8 +47,8 @@ class Reading::DriveIndex {
     [[nodiscard]] std::optional<std::size_t> ofSerial(std::string_view serial) const {
         return find(serials_, serial);
     }
-    [[nodiscard]] std::optional<std::size_t> ofBay(std::string_view bay) const {
-        return find(bays_, bay);
+    [[nodiscard]] std::optional<std::size_t> ofBay(std::string_view place) const {
+        return find(bays_, place);
     }
     [[nodiscard]] std::optional<std::size_t> ofNumber(std::int32_t number) const {
         const auto found = numbers_.find(number);
