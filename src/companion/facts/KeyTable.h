@@ -53,6 +53,10 @@ class KeyLookup {
     constexpr KeyLookup(std::span<const KeyRow> rows, std::span<const std::uint8_t> buckets)
         : rows_(rows), buckets_(buckets) {}
 
+    [[nodiscard]] const KeyRow& row(std::uint8_t number) const noexcept { return rows_[number]; }
+    [[nodiscard]] std::uint8_t numberOf(const KeyRow& row) const noexcept {
+        return static_cast<std::uint8_t>(&row - rows_.data());
+    }
     /// Null when no row has the key in this block.
     [[nodiscard]] const KeyRow* find(Block block, std::string_view key) const noexcept {
         if (key.empty()) {

@@ -19,23 +19,25 @@ std::size_t find(std::string_view text, char wanted) {
                : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
 
-std::string_view withoutBlanksBehind(std::string_view text) {
+inline std::string_view withoutBlanksBehind(std::string_view text) {
     while (!text.empty() && isBlank(text.back())) {
         text.remove_suffix(1);
     }
     return text;
 }
 
-std::string_view withoutBlanksInFront(std::string_view text) {
+inline std::string_view withoutBlanksInFront(std::string_view text) {
     while (!text.empty() && isBlank(text.front())) {
         text.remove_prefix(1);
     }
     return text;
 }
 
-/// Where the value begins: at the first ":" outside parentheses. `first` is the first of all.
-std::size_t separatorOf(std::string_view text, std::size_t first) {
-    if (find(text.substr(0, first), '(') == std::string_view::npos) {
+/// Where the value begins: at the first ":" outside parentheses, or else at the first of all.
+std::size_t separatorOf(std::string_view text) {
+    const std::size_t first = find(text, ':');
+    if (first == std::string_view::npos ||
+        find(text.substr(0, first), '(') == std::string_view::npos) {
         return first;
     }
     std::size_t open = 0;
@@ -61,33 +63,46 @@ bool ListingLines::next() {
         return false;
     }
     const std::size_t end = find(rest_, '\n');
-    takeApart(rest_.substr(0, end));
+    whole_ = rest_.substr(0, end);
     rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+    if (!whole_.empty() && whole_.back() == '\r') {
+        whole_.remove_suffix(1);
+    }
+    line_.length = whole_.size();
+    line_.number += line_.number < std::numeric_limits<std::int32_t>::max() ? 1 : 0;
+    if (hasZeros_) {
+        whole_ = whole_.substr(0, find(whole_, '\0'));
+    }
     return true;
 }
 
-void ListingLines::takeApart(std::string_view whole) {
-    if (!whole.empty() && whole.back() == '\r') {
-        whole.remove_suffix(1);
+const ListingLine& ListingLines::takeApart() {
+    line_.text = withoutBlanksInFront(whole_);
+    line_.indent = whole_.size() - line_.text.size();
+    line_.key = line_.rest = line_.value = {};
+    const std::size_t separator = separatorOf(line_.text);
+    line_.hasKey = separator != std::string_view::npos;
+    if (line_.hasKey) {
+        line_.key = withoutBlanksBehind(line_.text.substr(0, separator));
+        line_.rest = line_.text.substr(separator + 1);
     }
-    line_.length = whole.size();
-    line_.number += line_.number < std::numeric_limits<std::int32_t>::max() ? 1 : 0;
-    if (hasZeros_) {
-        whole = whole.substr(0, find(whole, '\0'));
-    }
-    const std::string_view text = withoutBlanksInFront(whole);
-    line_.indent = whole.size() - text.size();
-    line_.text = withoutBlanksBehind(text);
-    const std::size_t first = find(text, ':');
-    line_.hasKey = first != std::string_view::npos;
-    if (!line_.hasKey) {
-        line_.key = line_.value = line_.rest = {};
-        return;
-    }
-    const std::size_t separator = separatorOf(text, first);
-    line_.key = withoutBlanksBehind(text.substr(0, separator));
-    line_.rest = text.substr(separator + 1);
+    return line_;
+}
+
+const ListingLine& ListingLines::takeApart(std::string_view beginning, std::size_t keyLength) {
+    line_.text = withoutBlanksInFront(whole_);
+    line_.indent = whole_.size() - line_.text.size();
+    line_.hasKey = true;
+    line_.key = line_.text.substr(0, keyLength);
+    line_.rest = whole_.substr(beginning.size());
+    line_.value = {};
+    return line_;
+}
+
+const ListingLine& ListingLines::complete() {
+    line_.text = withoutBlanksBehind(line_.text);
     line_.value = withoutBlanksBehind(withoutBlanksInFront(line_.rest));
+    return line_;
 }
 
 } // namespace zolex::companion

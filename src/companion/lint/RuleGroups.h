@@ -31,6 +31,10 @@ void checkGroup5(const PolicyDocument& document, FindingSink& sink);
 void checkGroup6(const PolicyDocument& document, FindingSink& sink);
 void checkGroup9(const PolicyDocument& document, FindingSink& sink);
 
+/// The rules that need machines; without findings for a file that zolex refuses.
+void checkGroup7(const PolicyDocument& document, const std::vector<const Snapshot*>& machines,
+                 FindingSink& sink);
+
 /// All findings of the file, in no order.
 [[nodiscard]] std::vector<Finding> lintAll(const PolicyDocument& document);
 /// Leaves out what is not wanted or ignored by a comment, and puts the rest in the order of the

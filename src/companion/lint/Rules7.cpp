@@ -14,7 +14,7 @@ constexpr auto utility = RefusedBy::utility;
 
 /// Group 7, what a machine shows, by id.
 // clang-format off
-constexpr std::array<Rule, 10> rows = {{
+constexpr std::array<Rule, 12> rows = {{
     {"ZX701", error, nobody, "drive numbers are shifted on this machine",
      "A drive has no number: it has failed, is missing, or is outside of what policies can name. "
      "Drives are counted without it, so each number at or behind its place names the next slot. "
@@ -29,9 +29,9 @@ constexpr std::array<Rule, 10> rows = {{
      "The drive counts media errors, or says itself that it will fail. It works today; under the "
      "load of a rebuild such drives are lost first.",
      "Replace it before the array is made."},
-    {"ZX704", warning, nobody, "unlike drives in one array",
+    {"ZX704", warning, nobody, "room of an array that is not used, or unlike drives",
      "Each drive of an array gives as much as the smallest: the rest of the larger ones is not "
-     "used by anything. SAS beside SATA and SSD beside HDD are as slow as the slower, and some "
+     "used by anything, nor is what sizes in MB leave over. SAS beside SATA and SSD beside HDD are as slow as the slower, and some "
      "controllers refuse them.",
      "Put like drives together; zolexctl show tells size and kind of each."},
     {"ZX705", warning, nobody, "all drives of a mirror in one enclosure",
@@ -58,6 +58,14 @@ constexpr std::array<Rule, 10> rows = {{
      "They come from another server and hold its arrays. zolex /r clears these too, without a "
      "question of its own; without /r the utility refuses the drives.",
      "Make sure that nobody needs what is on them, or take them out."},
+    {"ZX711", error, utility, "a drive that the command line does not name",
+     "MEGACLI is told enclosure and slot. Where one drive is in no enclosure, zolex names all "
+     "members without an enclosure, and hot spares with enclosure 0: other drives are taken than "
+     "the policy says, or the utility refuses the command.",
+     "Use drives of enclosures alone, or of none alone, and no hot spare that is in none."},
+    {"ZX712", note, nobody, "drives that get no job",
+     "The policy uses fewer drives than the controller has. They stay free, and nothing says so.",
+     "List them in an array or in Hotspares, or leave it so."},
 }};
 // clang-format on
 

@@ -87,6 +87,12 @@ Finding numberless(const DriveFacts& drive, std::optional<DrivePosition> place,
     finding.severity = Severity::warning;
     finding.summary = drive.location + " (" + stateText(drive) + ") has no number in policies";
     finding.help = {"name drives by channel:id, or take this drive out"};
+    if (!place) {
+        finding.detail = "policies can name drives of " +
+                         std::to_string(RAIDController::channels - RAIDController::firstChannel) +
+                         " enclosures or channels, with numbers up to " +
+                         std::to_string(RAIDController::ids - 1);
+    }
     for (const MachineDrive& other : drives) {
         if (place && other.policyPosition && isBefore(*place, *other.policyPosition)) {
             finding.summary += ": drive " + std::to_string(*other.policyNumber) + " is " +

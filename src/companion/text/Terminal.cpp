@@ -31,7 +31,7 @@ constexpr std::string_view colourOf(Emphasis emphasis) {
     return "";
 }
 
-/// Whether the text holds printable ASCII characters alone, as nearly all do.
+/// Whether every byte is a printable character of ASCII. Nearly all texts are.
 bool isPlain(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < '\x7F'; });
 }

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "companion/lint/FindingSink.h"
+#include "companion/lint/PolicyView.h"
+#include "companion/machine/Snapshot.h"
+#include "engine/ControllerPlan.h"
+#include "model/RAIDController.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zolex::companion {
+
+/// One controller of a machine, and what the policies make of it.
+struct MachineCase {
+    const Snapshot& snapshot;
+    const ControllerSnapshot& detail;
+    const RAIDController& controller;
+    const ControllerPlan& plan;
+    const std::vector<PolicyView>& policies;
+    const PolicyView* policy = nullptr; ///< that is used; null without one
+
+    /// "controller 1 of KQ10Z7V", or "controller 1" of a machine without a name.
+    [[nodiscard]] std::string name() const;
+    /// The drive at a position of policies; null when there is none.
+    [[nodiscard]] const MachineDrive* drive(DrivePosition position) const;
+    /// The drive that a list names; null when there is none.
+    [[nodiscard]] const MachineDrive* drive(const DriveView& view) const;
+    /// Where the policy names the drive as a member of the array, or else where it gives the array
+    /// its drives; null where arrays are chosen automatically.
+    [[nodiscard]] const Piece* place(std::size_t array, DrivePosition position) const;
+    /// The same of a hot spare.
+    [[nodiscard]] const Piece* placeOfHotspare(DrivePosition position) const;
+    /// Adds a finding at the piece, or at the policy's header. The controller is named first.
+    Finding& add(FindingSink& sink, std::string_view rule, const Piece* place,
+                 const std::string& summary, std::vector<std::string> help) const;
+};
+
+/// What the machines' names are in findings: the serial number, or else the machine type; or empty.
+[[nodiscard]] std::string machineName(const Snapshot& snapshot);
+/// "32:2 (Failed)".
+[[nodiscard]] std::string driveWords(const MachineDrive& drive);
+/// "32:0, 32:1, 32:2 and 5 more".
+[[nodiscard]] std::string someDrives(const std::vector<const MachineDrive*>& drives);
+
+/// ZX701 to ZX706 and ZX711, and the other rules on drives that need a machine.
+void checkDrives(const MachineCase& machine, FindingSink& sink);
+
+} // namespace zolex::companion
