@@ -32,7 +32,8 @@ std::string placedText(const Finding& finding) {
 }
 
 int failWithFinding(Context& context, const Finding& finding) {
-    return failWith(context, placedText(finding), finding.help.empty() ? "" : finding.help.front());
+    return failWith(context, placedText(finding),
+                    finding.help.empty() ? recordAgain : std::string_view(finding.help.front()));
 }
 
 /// Tells notes and warnings; false after an error.
