@@ -90,7 +90,8 @@ std::vector<std::string> recordingsOf(Context& context, const std::string& path)
     std::vector<std::string> names;
     for (const std::string& entry : *entries) {
         if (endsInZrec(entry)) {
-            names.push_back(path + (path.ends_with('/') ? "" : "/") + entry);
+            std::string& name = names.emplace_back(path);
+            name.append(path.ends_with('/') ? "" : "/").append(entry);
         }
     }
     std::sort(names.begin(), names.end());
