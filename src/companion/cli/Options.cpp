@@ -60,7 +60,7 @@ constexpr std::array<CommandRow, 6> commands{{
      "Tells what a finding of check means, what it does to a server, and what to write instead. A "
      "number is an exit code of zolex; exit-4 is exit code 4 of zolexctl.\n"
      "Exit code: 0 it was told, 2 there is no such code.",
-     "text", "zolexctl explain ZX411\nzolexctl explain 11"},
+     "text json", "zolexctl explain ZX411\nzolexctl explain 11"},
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value

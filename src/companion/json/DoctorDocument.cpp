@@ -11,18 +11,6 @@ namespace zolex::companion {
 
 namespace {
 
-std::string_view severityWord(Severity severity) {
-    switch (severity) {
-    case Severity::note:
-        return "note";
-    case Severity::warning:
-        return "warning";
-    case Severity::error:
-        return "error";
-    }
-    return {};
-}
-
 std::string_view stateWord(UtilityCheck::State state) {
     switch (state) {
     case UtilityCheck::State::ok:

@@ -2,8 +2,6 @@
 
 namespace zolex::companion {
 
-namespace {
-
 std::string_view severityWord(Severity severity) {
     switch (severity) {
     case Severity::note:
@@ -29,6 +27,8 @@ std::string_view refusedByWord(RefusedBy refusedBy) {
     }
     return {};
 }
+
+namespace {
 
 Json placeOf(const TextPlace& place) {
     return {{"line", place.line}, {"column", place.column}, {"byte", place.byte}};

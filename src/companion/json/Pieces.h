@@ -21,6 +21,11 @@ using Json = nlohmann::ordered_json;
 /// The beginning of a document: format, format_version, tool, made_at.
 [[nodiscard]] Json documentOf(std::string_view format, const DocumentHead& head);
 
+/// "note", "warning", "error".
+[[nodiscard]] std::string_view severityWord(Severity severity);
+/// "zolex", "plan", "utility"; empty for nobody.
+[[nodiscard]] std::string_view refusedByWord(RefusedBy refusedBy);
+
 /// {code, severity, refused_by, summary, detail, help, range}; range is null without a place.
 [[nodiscard]] Json diagnosticOf(const Finding& finding);
 [[nodiscard]] Json diagnosticsOf(const std::vector<Finding>& findings);

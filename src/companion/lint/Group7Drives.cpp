@@ -1,7 +1,7 @@
+#include "companion/facts/CompareReadings.h"
 #include "companion/lint/Entries.h"
 #include "companion/lint/MachineCase.h"
 #include "companion/lint/MemberLine.h"
-#include "companion/machine/Join.h"
 #include "companion/text/Sizes.h"
 #include "model/Codes.h"
 #include "model/TypeTraits.h"
@@ -89,9 +89,21 @@ class PlannedDrives {
 
     // ZX701
 
+    /// Where the drive would stand in policies, were it counted.
+    [[nodiscard]] std::optional<DrivePosition> wouldBePosition(const MachineDrive& drive) const {
+        const std::vector<DriveFacts>& all = machine_.detail.facts.drives;
+        const auto positions = corePositions(machine_.controller.type(), machine_.detail.facts);
+        for (std::size_t i = 0; i < positions.size(); ++i) {
+            if (all[i].location == drive.facts.location) {
+                return positions[i];
+            }
+        }
+        return std::nullopt;
+    }
+
     /// The first number that names another slot because this drive has none.
     [[nodiscard]] std::optional<std::int32_t> firstShifted(const MachineDrive& drive) const {
-        const auto place = wouldBePosition(machine_.controller, drive.facts);
+        const auto place = wouldBePosition(drive);
         for (const MachineDrive& other : machine_.detail.drives) {
             if (place && other.policyPosition && isBefore(*place, *other.policyPosition)) {
                 return other.policyNumber;
@@ -122,17 +134,18 @@ class PlannedDrives {
     }
 
     void checkNumbers(const DriveListView& list, std::int32_t first, const MachineDrive& cause) {
+        // A number that no drive has is a fault of the plan.
         const auto shifted =
-            std::find_if(list.drives.begin(), list.drives.end(),
-                         [first](const DriveView& view) { return view.number >= first; });
+            std::find_if(list.drives.begin(), list.drives.end(), [&](const DriveView& view) {
+                return view.number >= first && machine_.drive(view) != nullptr;
+            });
         if (shifted == list.drives.end()) {
             return;
         }
-        const MachineDrive* now = machine_.drive(*shifted);
         add("ZX701", &shifted->piece,
             "drive " + std::to_string(shifted->number) + " is " +
-                (now == nullptr ? std::string("none") : now->facts.location) + " now, as " +
-                driveWords(cause) + " has no number",
+                machine_.drive(*shifted)->facts.location + " now, as " + driveWords(cause) +
+                " has no number",
             {"each number from " + std::to_string(first) + " on names the next drive",
              "replace " + cause.facts.location + " first, or write channel:id"});
     }
@@ -158,7 +171,9 @@ class PlannedDrives {
             return;
         }
         if (isBad(*drive)) {
-            add("ZX702", place, driveWords(*drive) + " goes into " + where,
+            add("ZX702", place,
+                drive->facts.location + " is " + drive->facts.reportedState + ", and goes into " +
+                    where,
                 {"replace " + drive->facts.location + ", or take it out of the list"});
             return;
         }

@@ -5,7 +5,6 @@
 #include "model/Configuration.h"
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,10 +16,6 @@ namespace zolex::companion {
 
 /// The location of a position in policies, as the utility of the controller's type names it.
 [[nodiscard]] std::string locationOf(const RAIDController& controller, DrivePosition position);
-
-/// The position that a drive would have in policies, were it counted; nothing where it cannot.
-[[nodiscard]] std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
-                                                           const DriveFacts& drive);
 
 /// The drives of a controller: those that policies can name first, in the order of their numbers,
 /// which are those that planning counts; then the others in the order of the listings. A drive that
