@@ -13,10 +13,20 @@ put() {
     touch -d "@$commit_time" "$3"
 }
 
+# put_companion FOLDER: the description of zolexctl with its pictures.
+put_companion() {
+    local name
+    put 644 docs/companion.md "$1/companion.md"
+    for name in docs/pictures/*.svg; do
+        put 644 "$name" "$1/pictures/$(basename "$name")"
+    done
+}
+
 # lay_out_zip ROOT PROGRAMS: the files of the Windows archive, but SHA256SUMS, from a build tree.
 lay_out_zip() {
     local root=$1 programs=$2 name
     put 755 "$programs/src/ZOLEX.EXE" "$root/ZOLEX.EXE"
+    put 755 "$programs/src/companion/ZOLEXCTL.EXE" "$root/ZOLEXCTL.EXE"
     put 755 "$programs/simulator/ZOLEX-SIM.EXE" "$root/ZOLEX-SIM.EXE"
     # Not beside ZOLEX.EXE: found there first, it would stand before that of a virtual server.
     put 755 "$programs/hwdetect/hwdetect.exe" "$root/real-server/hwdetect.exe"
@@ -25,7 +35,11 @@ lay_out_zip() {
     put 644 README.md "$root/README.md"
     put 644 simulator/README.md "$root/docs/zolex-sim.md"
     put 644 packaging/THIRD-PARTY.txt "$root/docs/THIRD-PARTY.txt"
-    for name in zolex.1 zolex-sim.1 zolex-policies.5 hwdetect.exe.8; do
+    put_companion "$root/docs"
+    for name in schemas/*.json; do
+        put 644 "$name" "$root/$name"
+    done
+    for name in zolex.1 zolexctl.1 zolex-sim.1 zolex-policies.5 hwdetect.exe.8; do
         page "$name" >"$root/page.tmp"
         put 644 "$root/page.tmp" "$root/docs/${name%%.*}.txt"
     done
@@ -34,13 +48,13 @@ lay_out_zip() {
         put 644 "$name" "$root/samples/$(basename "$name")"
     done
     # The line ends of the system.
-    find "$root" -type f ! -iname '*.exe' -exec sed -i 's/$/\r/' {} +
+    find "$root" -type f ! -iname '*.exe' ! -name '*.svg' -exec sed -i 's/$/\r/' {} +
 }
 
 # lay_out_deb ROOT PROGRAMS: the files of the Debian package, but DEBIAN/, from a build tree.
 lay_out_deb() {
     local root=$1 programs=$2 doc=usr/share/doc/zolex name section
-    for name in src/zolex simulator/zolex-sim; do
+    for name in src/zolex src/companion/zolexctl simulator/zolex-sim; do
         put 755 "$programs/$name" "$root/usr/bin/$(basename "$name")"
         strip --strip-all --remove-section=.comment --remove-section=.note \
             "$root/usr/bin/$(basename "$name")"
@@ -48,7 +62,7 @@ lay_out_deb() {
     # Not beside zolex: found there first, it would stand before that of a virtual server.
     put 755 "$programs/hwdetect/hwdetect.exe" "$root/usr/sbin/hwdetect.exe"
     strip --strip-all --remove-section=.comment --remove-section=.note "$root/usr/sbin/hwdetect.exe"
-    for name in zolex.1 zolex-sim.1 zolex-policies.5 hwdetect.exe.8; do
+    for name in zolex.1 zolexctl.1 zolex-sim.1 zolex-policies.5 hwdetect.exe.8; do
         section=${name##*.}
         gzip -9nc "docs/man/$name" >"$root/text.tmp"
         put 644 "$root/text.tmp" "$root/usr/share/man/man$section/$name.gz"
@@ -61,6 +75,10 @@ lay_out_deb() {
     done
     put 644 README.md "$root/$doc/README.md"
     put 644 simulator/README.md "$root/$doc/zolex-sim.md"
+    put_companion "$root/$doc"
+    for name in schemas/*.json; do
+        put 644 "$name" "$root/usr/share/zolex/$name"
+    done
     cat packaging/debian/copyright >"$root/text.tmp"
     put 644 "$root/text.tmp" "$root/$doc/copyright"
     gzip -9nc packaging/debian/changelog >"$root/text.tmp"

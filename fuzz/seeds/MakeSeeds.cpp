@@ -139,8 +139,10 @@ void runOnSample(unsigned sample, SeedWriter& seeds) {
     for (const std::string& policies : {server.policies(), ""s}) {
         run("/c", "/f:captured.ini", true); // before and after its policies are deployed
         seeds.write("policies-reader", "\5" + files["captured.ini"]);
+        seeds.write("check", files["captured.ini"]);
         if (!policies.empty()) {
             seeds.write("policies-reader", "\xC"s + policies);
+            seeds.write("check", policies);
             run("/f:policies.ini", "/v:3", false);
         }
     }

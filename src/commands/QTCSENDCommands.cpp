@@ -2,8 +2,6 @@
 
 #include "model/RAIDController.h"
 
-#include <cmath>
-
 namespace zolex {
 
 const CommandGenerator::Traces& QTCSENDCommands::arrayTraces() const {
@@ -78,7 +76,7 @@ std::int64_t QTCSENDCommands::spaceLeft(std::size_t array, std::size_t drive) co
         raw -= static_cast<double>(logical.sizeMb) / usable;
     }
     const double left = raw * fraction(logicalDriveAt(drive));
-    return static_cast<std::int64_t>(std::floor(left + 0.5) + 0.0001);
+    return roundedMb(left);
 }
 
 CString QTCSENDCommands::hotspareText(const Hotspare& hotspare) const {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace zolex {
 
@@ -21,8 +22,8 @@ class Deploy {
     /// `success`, `noPolicy`, `noDrives`, `policies`, `resources`, `commandFailed`, or the result
     /// of the capture that it begins with.
     ModeResult run(ControllerList& controllers);
-    /// The plans of the run.
-    [[nodiscard]] const PolicyInterpreter::Result& planning() const { return planning_; }
+    /// The plans of the run, to be taken once.
+    [[nodiscard]] PolicyInterpreter::Result takePlanning() { return std::move(planning_); }
 
   private:
     ExitCode plan(ControllerList& controllers);

@@ -83,7 +83,7 @@ void ZOLEX::addSwitches(ParameterParser& parser) {
 ModeResult ZOLEX::deployConfiguration(ControllerList& controllers) {
     Deploy mode(*this);
     const ModeResult result = mode.run(controllers);
-    planning_ = mode.planning();
+    planning_ = mode.takePlanning();
     return result;
 }
 

@@ -275,7 +275,7 @@ std::int32_t RAIDConfigCreator::plannedSize(const DriveSize& wanted, std::int32_
     if (wanted.kind == DriveSize::Kind::percent) {
         const double exact =
             fraction * static_cast<double>(array.capacityMb) * wanted.value / 100.0;
-        size = std::trunc(std::floor(exact + 0.5) + 0.0001);
+        size = static_cast<double>(roundedMb(exact));
     }
     const double difference = remainingMb(fraction, arrayIndex) - size;
     return std::abs(difference) <= closeMb ? sizeFill : storedMb(size);

@@ -50,7 +50,7 @@ PolicyInterpreter::Result PolicyInterpreter::createConfigurations(const Controll
 }
 
 std::optional<Machine> PolicyInterpreter::getMachineInformation(const MachineSource& source) {
-    std::optional<Machine> machine = source();
+    std::optional<Machine> machine = source ? source() : std::nullopt;
     if (machine) {
         report_.notef(level::detail, "Machine type = %s, serial number = %s\n",
                       machine->machineType.c_str(), machine->serialNumber.c_str());

@@ -59,4 +59,10 @@ float usableFraction(std::int32_t raidLevel, std::size_t drives) {
     }
 }
 
+std::int64_t roundedMb(double mb) {
+    const double raised = mb + 0.5;
+    const auto whole = static_cast<std::int64_t>(raised);
+    return raised < 0 && raised == static_cast<double>(whole) ? whole + 1 : whole;
+}
+
 } // namespace zolex

@@ -109,4 +109,7 @@ class RAIDConfiguration {
 /// precision.
 [[nodiscard]] float usableFraction(std::int32_t raidLevel, std::size_t drives);
 
+/// The nearest whole number of MB, halves upwards; one more than that where it is below 0.
+[[nodiscard]] std::int64_t roundedMb(double mb);
+
 } // namespace zolex

@@ -6,9 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace zolex {
 namespace {
@@ -329,6 +331,34 @@ TEST(UsableFraction, DependsOnTheLevelAndTheNumberOfDrives) {
         // Single precision: the same number, not one close to it.
         EXPECT_EQ(usableFraction(row.level, row.drives), row.fraction)
             << row.level << ", " << row.drives;
+    }
+}
+
+TEST(RoundedMb, IsTheNearestAndOneMoreBelowZero) {
+    // Columns: MB, rounded.
+    constexpr std::pair<double, std::int64_t> rows[] = {
+        {0, 0},
+        {0.4999, 0},
+        {0.5, 1},
+        {1.4999, 1},
+        {1.5, 2},
+        {139.5, 140},
+        {68719476735.5, 68719476736},
+        {-0.25, 0},
+        {-0.5, 0},
+        {-0.75, 0},
+        {-1.25, 0},
+        {-1.5, 0},
+        {-1.75, -1},
+        {-2.5, -1},
+        {-3, -2},
+        {-3.25, -2},
+        {-3.5, -2},
+        {-3.75, -3},
+    };
+    for (const auto& [mb, rounded] : rows) {
+        EXPECT_EQ(roundedMb(mb), rounded) << mb;
+        EXPECT_EQ(roundedMb(mb), static_cast<std::int64_t>(std::floor(mb + 0.5) + 0.0001)) << mb;
     }
 }
 

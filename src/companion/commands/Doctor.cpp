@@ -11,41 +11,67 @@ namespace zolex::companion {
 
 namespace {
 
-/// A recording that was made otherwise than by `record` may not hold the verb.
-std::vector<ExitCodeProbe> probe(Context& context, Platform& machine, const Snapshot& snapshot) {
-    try {
-        return probeExitCodes(machine, snapshot, context.machine.captureLimit);
-    } catch (const LackingCall&) {
-        return {};
-    }
-}
+class Doctor {
+  public:
+    explicit Doctor(Context& context) : context_(context) {}
 
-int examineMachine(Context& context, Platform& machine, const Utilities& utilities) {
-    const Snapshot snapshot = captureMachine(machine, captureRequest(context));
-    const std::vector<ExitCodeProbe> probes = probe(context, machine, snapshot);
-    const Surroundings surroundings = {machine.localTime(), system::temporaryFolder()};
-    const Examination examination = examine(snapshot, utilities, probes, surroundings);
-    const std::string output =
-        context.format == Format::json
-            ? doctorDocument(examination, snapshot, context.errorStyle,
-                             {context.argv, timestampOf(context.platform.localTime())})
-            : doctorText(examination, snapshot, context.style, context.verbose);
-    if (!deliver(context, output)) {
-        return exit_code::notPossible;
+    int run() {
+        const int code =
+            lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
+                try {
+                    return look(machine, utilities);
+                } catch (const NoSuchController& missing) {
+                    return failWith(context_, missing.what(),
+                                    "zolexctl doctor looks at all that there are");
+                }
+            });
+        // Whoever asked for a document gets one.
+        if (!isDelivered_ && context_.format == Format::json) {
+            return deliver(context_, failedDoctorDocument(context_.failures, head()))
+                       ? code
+                       : exit_code::notPossible;
+        }
+        return code;
     }
-    return examination.hasFaults() ? exit_code::found : exit_code::done;
-}
+
+  private:
+    int look(Platform& machine, const Utilities& utilities) {
+        const Snapshot snapshot = captureMachine(machine, captureRequest(context_));
+        const std::vector<ExitCodeProbe> probes = probe(machine, snapshot);
+        const Surroundings surroundings = {machine.localTime(), system::temporaryFolder()};
+        const Examination examination = examine(snapshot, utilities, probes, surroundings);
+        isDelivered_ = true;
+        const std::string output =
+            context_.format == Format::json
+                ? doctorDocument(examination, snapshot, context_.errorStyle, head())
+                : doctorText(examination, snapshot, context_.style, context_.verbose);
+        if (!deliver(context_, output)) {
+            return exit_code::notPossible;
+        }
+        return examination.hasFaults() ? exit_code::found : exit_code::done;
+    }
+
+    /// A recording that was made otherwise than by `record` may not hold the verb.
+    std::vector<ExitCodeProbe> probe(Platform& machine, const Snapshot& snapshot) {
+        try {
+            return probeExitCodes(machine, snapshot, context_.machine.captureLimit);
+        } catch (const LackingCall&) {
+            return {};
+        }
+    }
+
+    [[nodiscard]] DocumentHead head() const {
+        return {context_.argv, timestampOf(context_.platform.localTime())};
+    }
+
+    Context& context_;
+    bool isDelivered_ = false;
+};
 
 } // namespace
 
 int doctor(Context& context) {
-    return lookAtMachine(context, [&context](Platform& machine, const Utilities& utilities) {
-        try {
-            return examineMachine(context, machine, utilities);
-        } catch (const NoSuchController& missing) {
-            return failWith(context, missing.what(), "zolexctl doctor looks at all of them");
-        }
-    });
+    return Doctor(context).run();
 }
 
 } // namespace zolex::companion

@@ -4,14 +4,16 @@
 #include "companion/commands/MachineAccess.h"
 #include "companion/json/RecordingFile.h"
 #include "companion/machine/Capture.h"
+#include "companion/machine/Examination.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/recording/RecordingPlatform.h"
 #include "companion/recording/Redaction.h"
+#include "companion/recording/ReplayPlatform.h"
 #include "companion/text/Sizes.h"
 #include "foundation/Report.h"
+#include "model/TypeTraits.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 namespace zolex::companion {
@@ -44,21 +46,16 @@ class FurtherCalls {
         : machine_(recorder), kept_(kept), limit_(limit) {}
 
     void ask(const Snapshot& snapshot) {
-        machine_.localTime();
+        tryTo([this] { machine_.localTime(); });
         if (!isKept<FirmwareCall>()) {
-            machine_.firmware();
+            tryTo([this] { machine_.firmware(); });
         }
         SilentReport silent;
         GetConfigFiles source({.style = {}, .withLayout = true, .scriptPrefix = {}}, silent);
         for (const ControllerSnapshot& controller : snapshot.details) {
             askListings(snapshot, controller, source);
         }
-        std::set<std::string> utilities;
-        for (const ControllerSnapshot& controller : snapshot.details) {
-            if (!controller.utility.empty() && utilities.insert(controller.utility).second) {
-                askOnce(nonsenseLine(controller.utility));
-            }
-        }
+        tryTo([&] { static_cast<void>(probeExitCodes(machine_, snapshot, limit_)); });
     }
 
   private:
@@ -70,19 +67,32 @@ class FurtherCalls {
             return;
         }
         for (std::size_t i = 0; i < source.numberOfCommands(*record); ++i) {
-            askOnce(source.getCommand(*record, controller.number, i).view());
+            const CString line = source.getCommand(*record, controller.number, i);
+            if (!isKeptLine(line.view())) {
+                for (int s = 0; s < traitsOf(record->type()).secondsBeforeCommand; ++s) {
+                    machine_.pauseOneSecond();
+                }
+                tryTo([&] { machine_.runChild(line.view(), true, limit_); });
+            }
         }
     }
 
-    void askOnce(std::string_view commandLine) {
+    [[nodiscard]] bool isKeptLine(std::string_view commandLine) const {
         const std::string key = callKey(commandLine);
-        const bool isKept =
-            std::any_of(kept_.calls.begin(), kept_.calls.end(), [&](const RecordedCall& recorded) {
-                const auto* const child = std::get_if<ChildCall>(&recorded.call);
-                return child != nullptr && callKey(child->command) == key;
-            });
-        if (!isKept) {
-            machine_.runChild(commandLine, true, limit_);
+        return std::any_of(kept_.calls.begin(), kept_.calls.end(),
+                           [&](const RecordedCall& recorded) {
+                               const auto* const child = std::get_if<ChildCall>(&recorded.call);
+                               return child != nullptr && callKey(child->command) == key;
+                           });
+    }
+
+    /// A recording that stands in for the machine has no more than it has.
+    template <typename Ask>
+    static void tryTo(Ask ask) {
+        try {
+            ask();
+        } catch (const LackingCall&) {
+            return;
         }
     }
 

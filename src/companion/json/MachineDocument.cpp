@@ -104,25 +104,22 @@ Json driveOf(const MachineDrive& drive) {
 }
 
 Json logicalDriveOf(const LogicalDriveFacts& logicalDrive) {
-    Json document{{"id", logicalDrive.id},
-                  {"name", orNull(logicalDrive.name)},
-                  {"array", orNull(logicalDrive.array)},
-                  {"raid_type", orNull(logicalDrive.raidType)}};
-    if (logicalDrive.raidType == "None") {
-        document["policy_level"] = "VOLUME";
-    }
-    document.update(
-        {{"reported_level", orNull(logicalDrive.reportedLevel)},
-         {"spans", logicalDrive.spans},
-         {"capacity_bytes", orNull(logicalDrive.capacityBytes)},
-         {"capacity_tolerance_bytes", logicalDrive.capacityTolerance},
-         {"strip_size_bytes", orNull(logicalDrive.stripSizeBytes)},
-         {"write_cache_policy", orNull(logicalDrive.writeCache)},
-         {"read_cache_policy", orNull(logicalDrive.readCache)},
-         {"status", statusOf(logicalDrive.health,
-                             logicalDrive.health == Health::critical ? "Disabled" : "Enabled")},
-         {"reported_state", orNull(logicalDrive.reportedState)}});
-    return document;
+    const bool isVolume = logicalDrive.raidType == "None";
+    return {{"id", logicalDrive.id},
+            {"name", orNull(logicalDrive.name)},
+            {"array", orNull(logicalDrive.array)},
+            {"raid_type", orNull(logicalDrive.raidType)},
+            {"policy_level", isVolume ? Json("VOLUME") : Json(nullptr)},
+            {"reported_level", orNull(logicalDrive.reportedLevel)},
+            {"spans", logicalDrive.spans},
+            {"capacity_bytes", orNull(logicalDrive.capacityBytes)},
+            {"capacity_tolerance_bytes", logicalDrive.capacityTolerance},
+            {"strip_size_bytes", orNull(logicalDrive.stripSizeBytes)},
+            {"write_cache_policy", orNull(logicalDrive.writeCache)},
+            {"read_cache_policy", orNull(logicalDrive.readCache)},
+            {"status", statusOf(logicalDrive.health,
+                                logicalDrive.health == Health::critical ? "Disabled" : "Enabled")},
+            {"reported_state", orNull(logicalDrive.reportedState)}};
 }
 
 Json layoutOf(const ControllerSnapshot& controller) {

@@ -6,9 +6,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// What the documents have in common; for the files of this folder alone.
@@ -30,10 +32,12 @@ using Json = nlohmann::ordered_json;
 
 /// The text, null for an empty one.
 [[nodiscard]] Json orNull(std::string_view text);
-/// The number, null when there is none.
+/// The number, null when there is none and when it is beyond 2^53: not every reader of JSON keeps
+/// such a number exact, and no size or count is one.
 template <typename Number>
 [[nodiscard]] Json orNull(const std::optional<Number>& number) {
-    return number ? Json(*number) : Json(nullptr);
+    constexpr auto most = std::int64_t{1} << 53U;
+    return number && !std::cmp_greater(*number, most) ? Json(*number) : Json(nullptr);
 }
 
 /// "OK", "Warning", "Critical"; null when not known.

@@ -156,16 +156,17 @@ struct LineFault {
 /// Bytes of the string whose content begins at `begin`: up to the quote that closes it, npos when
 /// there is none.
 std::size_t stringEnd(std::string_view line, std::size_t begin) {
-    for (;;) {
-        begin = line.find_first_of("\"\\", begin);
-        if (begin == std::string_view::npos || line[begin] == '"') {
-            return begin;
+    for (std::size_t at = line.find('"', begin); at != std::string_view::npos;
+         at = line.find('"', at + 1)) {
+        std::size_t escapes = 0;
+        while (at - escapes > begin && line[at - escapes - 1] == '\\') {
+            ++escapes;
         }
-        begin += 2;
-        if (begin >= line.size()) {
-            return std::string_view::npos;
+        if (escapes % 2 == 0) {
+            return at;
         }
     }
+    return std::string_view::npos;
 }
 
 constexpr std::string_view blanks = " \t";
@@ -240,26 +241,23 @@ bool isPlain(char c) {
 /// other. Nearly all of a recording is in such strings, and the library, which looks at each byte
 /// on its own, takes several times as long for them.
 std::optional<std::string> plainString(std::string_view content) {
-    std::string text;
-    text.reserve(content.size());
-    while (!content.empty()) {
-        const std::size_t run = std::min(content.find('\\'), content.size());
-        if (!std::all_of(content.begin(), content.begin() + static_cast<std::ptrdiff_t>(run),
-                         isPlain)) {
+    std::string text(content.size(), '\0');
+    std::size_t size = 0;
+    for (std::size_t at = 0; at < content.size(); ++at) {
+        char c = content[at];
+        if (c == '\\') {
+            ++at;
+            c = at < content.size() ? unescaped(content[at]) : '\0';
+            if (c == '\0') {
+                return std::nullopt;
+            }
+        } else if (!isPlain(c)) {
             return std::nullopt;
         }
-        text += content.substr(0, run);
-        content.remove_prefix(run);
-        if (content.empty()) {
-            break;
-        }
-        const char meant = content.size() > 1 ? unescaped(content[1]) : '\0';
-        if (meant == '\0') {
-            return std::nullopt;
-        }
-        text += meant;
-        content.remove_prefix(2);
+        text[size] = c;
+        ++size;
     }
+    text.resize(size);
     return text;
 }
 

@@ -54,6 +54,11 @@ std::string withoutBlanksAtColons(const Piece& item) {
 }
 
 std::vector<std::string> itemHelp(const Piece& item, bool isArray) {
+    std::string commas = item.text;
+    std::replace(commas.begin(), commas.end(), ';', ',');
+    if (commas != item.text && policy_value::driveList(commas)) {
+        return {"write " + commas};
+    }
     std::vector<std::string> help = commentHelp(item.text);
     if (const auto range = writtenRange(item.text)) {
         help.push_back("write " + *range);

@@ -230,16 +230,17 @@ class Scanner {
             return;
         }
         const ReadLine whole{line, start, false};
+        const bool isComment = bodyOf(line).kind == LineKind::comment;
         Finding& finding = sink_.add("ZX012", whole.place(longestRead), whole.place(line.size()),
                                      "line of " + std::to_string(line.size()) +
                                          " characters: what is beyond 255 is read as another line",
-                                     {"break it, or shorten it to 255 characters"});
+                                     {isComment ? "make two lines of the comment"
+                                                : "shorten it: no entry goes on in a second line"});
         if (!isFaulty_) {
-            finding.severity = Severity::warning;
             finding.refusedBy = RefusedBy::nobody;
-            if (isHarmless) {
-                finding.detail = "Nothing is lost: no policy is changed by what is beyond.";
-            }
+            finding.severity = isHarmless ? Severity::warning : Severity::error;
+            finding.detail = isHarmless ? "Nothing is lost: what is beyond is blank or a comment."
+                                        : "zolex takes the file, with what stands there.";
         } else if (current_ != none) {
             // The entry is cut: nothing is to be said of its value.
             std::vector<DocumentEntry>& entries = policy().entries;

@@ -86,9 +86,15 @@ std::string whatIsWrong(std::string_view keyword, std::string_view value) {
 
 std::string quoted(std::string_view text) {
     constexpr std::size_t longestShown = 40;
-    std::string result = "\"";
-    result += text.substr(0, longestShown);
-    return result + (text.size() > longestShown ? "...\"" : "\"");
+    if (text.size() <= longestShown) {
+        return "\"" + std::string(text) + "\"";
+    }
+    std::size_t end = longestShown;
+    // No character of several bytes is cut.
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) {
+        --end;
+    }
+    return "\"" + std::string(text.substr(0, end)) + "...\"";
 }
 
 std::vector<std::string> commentHelp(std::string_view value) {

@@ -444,12 +444,7 @@ class Capturer {
             join(controller, snapshot);
             compare(controller, captured);
             checkAgainstFunction(captured.function, snapshot);
-            for (const BrokenBlock& broken : snapshot.facts.broken) {
-                snapshot.findings.push_back(
-                    problemFinding(problem::brokenBlock,
-                                   commandOf(snapshot, broken.place.listing) + ", line " +
-                                       std::to_string(broken.place.line) + ": " + broken.what));
-            }
+            tellBroken(snapshot);
         }
         snapshot_.details.push_back(std::move(snapshot));
     }
@@ -466,6 +461,23 @@ class Capturer {
                 captured.snapshot.findings.push_back(problemFinding(problem::namedOtherwise, text));
             } else if (difference.kind == DifferenceKind::layoutLimit) {
                 captured.snapshot.findings.push_back(problemFinding(problem::listingLimit, text));
+            }
+        }
+    }
+
+    /// Of a listing that is none enough was told.
+    static void tellBroken(ControllerSnapshot& snapshot) {
+        for (const BrokenBlock& broken : snapshot.facts.broken) {
+            const std::string command = commandOf(snapshot, broken.place.listing);
+            const bool isTold = std::any_of(snapshot.findings.begin(), snapshot.findings.end(),
+                                            [&](const Finding& finding) {
+                                                return finding.code == problem::notAListing &&
+                                                       finding.summary.starts_with(command);
+                                            });
+            if (!isTold) {
+                snapshot.findings.push_back(problemFinding(
+                    problem::brokenBlock,
+                    command + ", line " + std::to_string(broken.place.line) + ": " + broken.what));
             }
         }
     }

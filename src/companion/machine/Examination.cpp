@@ -3,7 +3,6 @@
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "model/RAIDController.h"
-#include "model/TypeTraits.h"
 
 #include <algorithm>
 #include <string_view>
@@ -155,10 +154,6 @@ std::vector<ExitCodeProbe> probeExitCodes(Platform& platform, const Snapshot& sn
         ExitCodeProbe& probe = probes.emplace_back();
         probe.utility = controller.utility;
         probe.command = nonsenseLine(controller.utility);
-        const std::int32_t type = snapshot.controllers.controller(controller.index)->type();
-        for (int second = 0; second < traitsOf(type).secondsBeforeCommand; ++second) {
-            reading.pauseOneSecond();
-        }
         const ChildResult result = reading.runChild(probe.command, true, limit);
         probe.outcome = result.outcome;
         probe.exitCode = result.exitCode;

@@ -70,6 +70,30 @@ bool isMegaCli(const RAIDController& controller) {
     return traitsOf(controller.type()).dialect == Dialect::megaCli;
 }
 
+} // namespace
+
+std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
+                                             const DriveFacts& drive) {
+    if (isMegaCli(controller)) {
+        std::optional<DrivePosition> found;
+        controller.forEachDrive([&](std::int32_t channel, std::int32_t id) {
+            if (!found && drive.slot &&
+                controller.targetId(channel, id) == drive.enclosure.value_or(0)) {
+                found = DrivePosition{channel, *drive.slot};
+            }
+        });
+        return found;
+    }
+    for (const DrivePosition position : planningOrder) {
+        if (locationOf(controller, position) == drive.location) {
+            return position;
+        }
+    }
+    return std::nullopt;
+}
+
+namespace {
+
 bool isBefore(DrivePosition a, DrivePosition b) {
     return a.channel != b.channel ? a.channel < b.channel : a.id < b.id;
 }
@@ -87,6 +111,12 @@ Finding numberless(const DriveFacts& drive, std::optional<DrivePosition> place,
     finding.severity = Severity::warning;
     finding.summary = drive.location + " (" + stateText(drive) + ") has no number in policies";
     finding.help = {"name drives by channel:id, or take this drive out"};
+    if (!place) {
+        finding.detail = "policies can name drives of " +
+                         std::to_string(RAIDController::channels - RAIDController::firstChannel) +
+                         " enclosures or channels, with numbers up to " +
+                         std::to_string(RAIDController::ids - 1);
+    }
     for (const MachineDrive& other : drives) {
         if (place && other.policyPosition && isBefore(*place, *other.policyPosition)) {
             finding.summary += ": drive " + std::to_string(*other.policyNumber) + " is " +

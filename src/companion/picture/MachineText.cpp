@@ -104,18 +104,33 @@ class Writer {
         }
     }
 
-    [[nodiscard]] static std::string driveName(const DriveFacts& facts, std::size_t columns) {
-        std::string model = modelOf(facts);
+    /// How much of drives and states is written, so that the tables fit.
+    struct Brevity {
+        bool wholeStates = true;    ///< else up to the first comma
+        bool manufacturers = true;  ///< before the models
+        std::size_t columns = 1000; ///< of drives and of states
+    };
+
+    [[nodiscard]] static std::string driveName(const DriveFacts& facts, const Brevity& brevity) {
+        const bool bare = !brevity.manufacturers && !facts.model.empty();
+        std::string model = bare ? printable(facts.model) : modelOf(facts);
         const std::string serial = printable(lastCharacters(facts.serialNumber, 4));
-        if (columnsOf(model) + columnsOf(serial) + 1 > columns) {
-            model = shortened(model, std::max(columns - columnsOf(serial) - 1, std::size_t{8}));
-        }
+        const std::size_t room = std::max(brevity.columns - columnsOf(serial) - 1, std::size_t{8});
+        model = shortened(model, room);
         return model + (model.empty() || serial.empty() ? "" : " ") + serial;
+    }
+
+    [[nodiscard]] static std::string stateOf(const DriveFacts& facts, const Brevity& brevity) {
+        std::string state = printable(facts.reportedState);
+        if (!brevity.wholeStates) {
+            state.resize(std::min(state.find(','), state.size()));
+        }
+        return shortened(state, brevity.columns);
     }
 
     /// The tables of the drives, with their titles before or above them.
     [[nodiscard]] Table driveTable(const std::vector<DriveRow>& rows, bool stacked,
-                                   std::size_t driveColumns) const {
+                                   const Brevity& brevity) const {
         Table table(stacked ? 4 : 2);
         const auto add = [&](const std::string& title, std::vector<TableCell> cells) {
             if (!stacked) {
@@ -136,13 +151,12 @@ class Writer {
                 }
                 const MachineDrive& drive = controller_.drives[*slot.drive];
                 const Emphasis emphasis = emphasisOf(drive);
-                const std::string state = printable(drive.facts.reportedState);
                 add("", {{numberOf(drive), emphasis == Emphasis::plain ? Emphasis::bold : emphasis,
                           true},
                          {printable(drive.facts.location), emphasis},
                          {sizeText(drive.facts.capacityBytes), emphasis, true},
-                         {driveName(drive.facts, driveColumns), emphasis},
-                         {shortened(state, driveColumns), emphasis},
+                         {driveName(drive.facts, brevity), emphasis},
+                         {stateOf(drive.facts, brevity), emphasis},
                          {jobOf(drive), emphasis == Emphasis::plain ? Emphasis::bold : emphasis}});
             }
         }
@@ -153,16 +167,23 @@ class Writer {
     /// still too wide is cut.
     void drives() {
         const std::vector<DriveRow> rows = driveRowsOf(controller_);
-        constexpr std::size_t whole = 48;
-        if (const Table table = driveTable(rows, false, whole); table.width() <= width_) {
+        if (const Table table = driveTable(rows, false, {}); table.width() <= width_) {
             out_ += table.text(style_);
             return;
         }
-        std::size_t columns = whole;
-        while (columns > 12 && driveTable(rows, true, columns).width() > width_) {
-            --columns;
+        const auto fits = [&](const Brevity& brevity) {
+            return driveTable(rows, true, brevity).width() <= width_;
+        };
+        Brevity brevity;
+        brevity.wholeStates = fits(brevity);
+        brevity.manufacturers = fits(brevity);
+        if (!fits(brevity)) {
+            brevity.columns = 32;
+            while (brevity.columns > 12 && !fits(brevity)) {
+                --brevity.columns;
+            }
         }
-        const std::vector<std::string> lines = driveTable(rows, true, columns).lines(style_);
+        const std::vector<std::string> lines = driveTable(rows, true, brevity).lines(style_);
         std::size_t next = 0;
         for (const DriveRow& row : rows) {
             out_ += "  " + emphasized(row.title, Emphasis::heading, style_) + "\n";

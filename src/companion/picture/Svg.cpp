@@ -47,7 +47,7 @@ constexpr std::string_view style = R"(<style>
 constexpr std::string_view white = "#ffffff";
 constexpr std::string_view black = "#000000";
 constexpr std::string_view grey = "#c8c8c8";
-constexpr std::string_view red = "#b00020";
+constexpr std::string_view red = "#7a0016";
 constexpr std::string_view paleRed = "#f4b0b0";
 
 std::string number(std::int32_t value) {

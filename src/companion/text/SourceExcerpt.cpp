@@ -12,6 +12,7 @@ namespace zolex::companion {
 namespace {
 
 constexpr std::string_view dots = "...";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // nobody would see it
 
 /// A piece of one line, in bytes from the line's begin.
 struct Mark {
@@ -27,7 +28,9 @@ class Cells {
             const std::size_t length = std::max<std::size_t>(characterLength(line.substr(at)), 1);
             bytes_.push_back(at);
             const std::string_view character = line.substr(at, length);
-            cells_.push_back(character == "\t" ? " " : printable(character));
+            cells_.push_back(character == "\t"            ? " "
+                             : character == byteOrderMark ? "?"
+                                                          : printable(character));
             at += length;
         }
     }
@@ -72,8 +75,11 @@ Window windowOf(std::size_t cells, std::size_t from, std::size_t to, std::size_t
     if (from + marked <= room - dots.size()) {
         return {0, room - dots.size()};
     }
-    const std::size_t before = (inner - marked) / 2;
-    const std::size_t first = from - std::min(from, before);
+    const std::size_t before = std::max((inner - marked) / 2, inner / 4);
+    // At the end of the line there is room for more before the mark.
+    const std::size_t behind = std::max(cells, to);
+    const std::size_t first =
+        std::min(from - std::min(from, before), behind - std::min(behind, inner));
     return {first, std::min(cells, first + inner)};
 }
 
@@ -87,6 +93,11 @@ std::string_view lineAt(std::string_view text, const TextPlace& place) {
 bool isIn(std::string_view text, const TextPlace& place) {
     return place.line > 0 && place.column > 0 && place.byte >= place.column - 1 &&
            static_cast<std::size_t>(place.byte) <= text.size();
+}
+
+std::string_view byteAt(std::string_view text, const TextPlace& place) {
+    return isIn(text, place) ? text.substr(static_cast<std::size_t>(place.byte), 1)
+                             : std::string_view();
 }
 
 Mark markOf(const TextPlace& start, const TextPlace& end, std::string_view line) {
@@ -183,9 +194,8 @@ std::size_t styleWidth(const TextStyle& style) {
 
 std::string sourceExcerpt(const Finding& finding, std::string_view text, const TextStyle& style) {
     const bool isOfFile = finding.start.byte == 0 && finding.start == finding.end;
-    const bool isOfPolicy = isIn(text, finding.start) &&
-                            text.substr(static_cast<std::size_t>(finding.start.byte), 1) == "[" &&
-                            finding.end.byte > finding.start.byte + 1;
+    const bool isOfPolicy = isIn(text, finding.start) && byteAt(text, finding.start) == "[" &&
+                            byteAt(text, finding.end) == "]";
     if (!isIn(text, finding.start) || isOfFile || isOfPolicy) {
         return {};
     }

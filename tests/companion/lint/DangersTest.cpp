@@ -140,7 +140,7 @@ TEST(Dangers, TheTailOfALongCommentIsALiveLine) {
 AppliesTo.1 = ALL
 )"),
         R"(1:256 error zolex ZX012: line of 266 characters: what is beyond 255 is read as another line
-  help: break it, or shorten it to 255 characters
+  help: make two lines of the comment
 )");
 }
 

@@ -1,10 +1,11 @@
 #include "companion/commands/Commands.h"
 #include "companion/commands/MachineAccess.h"
 #include "companion/machine/Capture.h"
+#include "companion/recording/RecordedRuns.h"
 #include "companion/recording/Redaction.h"
 #include "companion/recording/ReplayPlatform.h"
+#include "companion/support/KeptDocument.h"
 #include "companion/support/SimulatedPlatform.h"
-#include "driver/ZOLEX.h"
 #include "model/ControllerCatalogue.h"
 #include "model/TypeTraits.h"
 #include "setup/ServerFiles.h"
@@ -23,78 +24,10 @@
 namespace zolex::companion {
 namespace {
 
-using test::SimulatedPlatform;
+using namespace test; // of this folder
 using zolex::test::FakePlatform;
 using zolex::test::readTestData;
 using zolex::test::TemporaryDirectory;
-
-/// What a run shows and leaves.
-struct Seen {
-    int exitCode = -1;
-    std::string output;
-    std::string error;
-    std::string file; ///< the policies file that it writes
-    friend bool operator==(const Seen&, const Seen&) = default;
-    friend void PrintTo(const Seen& seen, std::ostream* out) {
-        *out << "exit " << seen.exitCode << "\n--- output\n"
-             << seen.output << "\n--- error\n"
-             << seen.error << "\n--- file\n"
-             << seen.file;
-    }
-};
-
-/// A machine in memory over the files of the current folder.
-template <typename Machine>
-class WithFiles : public Machine {
-  public:
-    using Machine::Machine;
-    FileSystem& files() override { return files_; }
-
-  private:
-    StandardFileSystem files_;
-};
-
-using Server = WithFiles<SimulatedPlatform>;
-using Elsewhere = WithFiles<FakePlatform>;
-
-constexpr const char* writtenFile = "written.ini";
-
-template <typename Run>
-Seen seen(FakePlatform& platform, Run run) {
-    platform.consoleFake = {};
-    platform.files().remove(writtenFile);
-    const int exitCode = run();
-    return {exitCode, platform.consoleFake.output, platform.consoleFake.error,
-            TemporaryDirectory::read(writtenFile)};
-}
-
-Seen runZolex(FakePlatform& platform, const std::vector<std::string>& arguments) {
-    std::vector<const char*> argv;
-    for (const std::string& argument : arguments) {
-        argv.push_back(argument.c_str());
-    }
-    return seen(platform,
-                [&] { return ZOLEX::run(static_cast<int>(argv.size()), argv.data(), platform); });
-}
-
-Context contextOf(Platform& platform) {
-    return {platform, {}, Format::text, {}, {}, {}, false, false, {"record", "-o", "a.zrec"}};
-}
-
-Seen runRecord(FakePlatform& platform, const std::string& file, bool redact = false) {
-    Context context = contextOf(platform);
-    context.outputFile = file;
-    return seen(platform, [&] { return record(context, {redact}); });
-}
-
-Seen runReplay(const std::string& file, const std::vector<std::string>& command) {
-    Elsewhere system;
-    system.now.year = 1999;
-    Context context = contextOf(system);
-    Seen result = seen(system, [&] { return replay(context, {file, command}); });
-    EXPECT_TRUE(system.children.empty());
-    return result;
-}
 
 Snapshot captureRecorded(const std::string& file) {
     Elsewhere system;
@@ -103,18 +36,6 @@ Snapshot captureRecorded(const std::string& file) {
     EXPECT_TRUE(recording.has_value()) << system.consoleFake.error;
     ReplayPlatform machine(*recording, system);
     return captureMachine(machine, {});
-}
-
-/// A machine that finds its utilities in the current folder.
-void layOut(const TemporaryDirectory& folder) {
-    folder.write("UTIL.BAT", "", true);
-    folder.write("hwdetect.exe", "", true);
-}
-
-/// Makes the layout of the sample policies on the server.
-void configure(Server& server, const TemporaryDirectory& folder) {
-    folder.write("sample.ini", zolex_sim::samplePolicies(server.server).content);
-    runZolex(server, {"zolex", "/r", "/y", "/f:sample.ini"});
 }
 
 const std::vector<std::vector<std::string>>& readingRuns() {
@@ -136,6 +57,7 @@ void expectSameOnRecording(FakePlatform& machine, const std::string& name) {
     const Seen recorded = runRecord(machine, "a.zrec");
     ASSERT_EQ(0, recorded.exitCode) << name << recorded.error;
     EXPECT_EQ("", recorded.error) << name;
+    keepDocument("record-" + name + ".zrec", TemporaryDirectory::read("a.zrec"));
     for (const std::vector<std::string>& run : readingRuns()) {
         EXPECT_EQ(runZolex(machine, run), runReplay("a.zrec", run)) << name << " " << run.at(1);
     }
@@ -149,7 +71,7 @@ TEST(Record, ZolexDoesOnARecordingWhatItDoesOnTheServer) {
         folder.write("sample.ini", zolex_sim::samplePolicies(server.server).content);
         expectSameOnRecording(server, sample);
         configure(server, folder);
-        expectSameOnRecording(server, sample + ", configured");
+        expectSameOnRecording(server, sample + "-configured");
     }
 }
 
@@ -489,7 +411,7 @@ void expectRedacted(FakePlatform& machine, const std::vector<std::string>& seria
     const Seen recorded = runRecord(machine, "a.zrec", true);
     ASSERT_EQ(0, recorded.exitCode) << name << recorded.error;
     const std::string text = TemporaryDirectory::read("a.zrec");
-    const std::string plain = TemporaryDirectory::read("plain.zrec");
+    keepDocument("record-redacted-" + name + ".zrec", text);
     EXPECT_NE(std::string::npos, text.find("\"redacted\":true"));
     for (const std::string& serial : serials) {
         EXPECT_EQ(std::string::npos, text.find(serial)) << name << " " << serial;
