@@ -70,30 +70,6 @@ bool isMegaCli(const RAIDController& controller) {
     return traitsOf(controller.type()).dialect == Dialect::megaCli;
 }
 
-} // namespace
-
-std::optional<DrivePosition> wouldBePosition(const RAIDController& controller,
-                                             const DriveFacts& drive) {
-    if (isMegaCli(controller)) {
-        std::optional<DrivePosition> found;
-        controller.forEachDrive([&](std::int32_t channel, std::int32_t id) {
-            if (!found && drive.slot &&
-                controller.targetId(channel, id) == drive.enclosure.value_or(0)) {
-                found = DrivePosition{channel, *drive.slot};
-            }
-        });
-        return found;
-    }
-    for (const DrivePosition position : planningOrder) {
-        if (locationOf(controller, position) == drive.location) {
-            return position;
-        }
-    }
-    return std::nullopt;
-}
-
-namespace {
-
 bool isBefore(DrivePosition a, DrivePosition b) {
     return a.channel != b.channel ? a.channel < b.channel : a.id < b.id;
 }
