@@ -41,21 +41,23 @@ class SeedWriter {
     bool good_ = true;
 };
 
-// Which target reads the listings of a utility, and which of that target's controller types has it.
+// Which target reads the listings of a utility, and which of that target's controller types has it;
+// a controller type that has it.
 struct Utility {
     std::string_view name;
     const char* target;
     int type;
+    int controllerType;
 };
 // clang-format off
 constexpr std::array<Utility, 7> utilities = {{
-    {"MEGACLI",       "mega-reader", 0},
-    {"ARCCONF",       "arc-reader",  1},
-    {"HRCONF",        "hr-reader",   1},
-    {"QTCSEND",       "kx-reader",   0},
-    {"CFGGEN1.02.02", "kx-reader",   1},
-    {"CFGGEN",        "kx-reader",   2},
-    {"HYPERWIN",      "ide-reader",  0},
+    {"MEGACLI",       "mega-reader", 0, 12},
+    {"ARCCONF",       "arc-reader",  1, 7},
+    {"HRCONF",        "hr-reader",   1, 8},
+    {"QTCSEND",       "kx-reader",   0, 1},
+    {"CFGGEN1.02.02", "kx-reader",   1, 5},
+    {"CFGGEN",        "kx-reader",   2, 10},
+    {"HYPERWIN",      "ide-reader",  0, 6},
 }};
 // clang-format on
 
@@ -87,6 +89,7 @@ class Listings {
             for (const Utility& utility : utilities) {
                 if (word(key, 0) == utility.name) {
                     seeds.write(utility.target, readerChoice(capture, utility.type) + outputs);
+                    seeds.write("facts", static_cast<char>(utility.controllerType - 1) + outputs);
                 }
             }
         }

@@ -37,19 +37,31 @@ void takeWriteCache(Reading& reading, const ListingLine& line) {
     }
 }
 
+/// Adds to the array whose list is read.
+void addToArray(Reading& reading, const ListingLine& line, std::string_view list) {
+    constexpr std::size_t most = 256; // as each of its logical drives has them
+    std::vector<MemberDraft>& members = reading.arrays[reading.array];
+    appendMembers(reading, line, list, ',', members);
+    if (members.size() > most) {
+        members.resize(most);
+        reading.broken(line, "more than " + std::to_string(most) +
+                                 " drives in an array: the others are not read");
+    }
+}
+
 /// "Array A": "1,0 1,1 1,2".
 void takeArray(Reading& reading, const ListingLine& line) {
     constexpr std::string_view key = "Array ";
     reading.leave(Block::logicalDrive);
-    reading.arrays.push_back({cleanText(line.key.substr(key.size())), {}});
-    appendMembers(reading, line, line.value, ',', reading.arrays.back().members);
+    reading.array = cleanText(line.key.substr(key.size()));
+    addToArray(reading, line, line.value);
 }
 
 /// The list of an array goes on below its first line.
 void takeArrayLine(Reading& reading, const ListingLine& line) {
     constexpr std::size_t deepest = 14;
-    if (reading.block == Block::logicalDrive && !reading.arrays.empty() && line.indent >= deepest) {
-        appendMembers(reading, line, line.text, ',', reading.arrays.back().members);
+    if (reading.block == Block::logicalDrive && !reading.array.empty() && line.indent >= deepest) {
+        addToArray(reading, line, line.text);
     }
 }
 
@@ -212,7 +224,7 @@ constexpr auto qtcsendRows = std::to_array<KeyRow>({
     {"Device ID",                       ofDrive,      takeDeviceId},
 });
 constexpr std::array<KeyRow, 3> qtcsendNumbered = {{
-    {"Array ",              in(Block::none, Block::logicalDrive), takeArray},
+    {"Array ",              in(Block::none, Block::logicalDrive, Block::other), takeArray},
     {"Physical hard disks", ofLogical, takePhysicalDisks},
     {"Channel #",           anywhere,  beginChannel},
 }};

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t longestUnknownKey = 80;
 constexpr std::size_t longestQuote = 60;
+/// Of one controller. No utility has so many: what a listing can make grow is bounded.
+constexpr std::size_t mostLogicalDrives = 1024;
 /// What the core's readers take as one line.
 constexpr std::size_t longestCoreLine = 198;
 
@@ -31,13 +33,13 @@ class Reading::DriveIndex {
   public:
     DriveIndex(const Facts& facts, const std::vector<std::string>& bays) {
         for (std::size_t i = 0; i < facts.drives.size(); ++i) {
-            const DriveFacts& drive = facts.drives[i];
-            add(serials_, drive.serialNumber, i);
+            const DriveFacts& each = facts.drives[i];
+            add(serials_, each.serialNumber, i);
             if (i < bays.size()) {
                 add(bays_, bays[i], i);
             }
-            if (drive.number) {
-                numbers_.emplace(*drive.number, i);
+            if (each.number) {
+                numbers_.emplace(*each.number, i);
             }
         }
     }
@@ -45,8 +47,8 @@ class Reading::DriveIndex {
     [[nodiscard]] std::optional<std::size_t> ofSerial(std::string_view serial) const {
         return find(serials_, serial);
     }
-    [[nodiscard]] std::optional<std::size_t> ofBay(std::string_view bay) const {
-        return find(bays_, bay);
+    [[nodiscard]] std::optional<std::size_t> ofBay(std::string_view place) const {
+        return find(bays_, place);
     }
     [[nodiscard]] std::optional<std::size_t> ofNumber(std::int32_t number) const {
         const auto found = numbers_.find(number);
@@ -275,13 +277,22 @@ void Reading::addDrive(DriveFacts found) {
     facts.drives.push_back(std::move(found));
 }
 
-LogicalDriveDraft& Reading::beginLogicalDrive(const ListingLine& line, std::string id) {
+LogicalDriveDraft* Reading::beginLogicalDrive(const ListingLine& line, std::string id) {
     leave(Block::logicalDrive);
     ++counts().blocks;
+    if (logicalDrives.size() == mostLogicalDrives) {
+        block = Block::other;
+        if (!hasTooMany_) {
+            broken(line, "more than " + std::to_string(mostLogicalDrives) +
+                             " logical drives: the others are not read");
+        }
+        hasTooMany_ = true;
+        return nullptr;
+    }
     LogicalDriveDraft& draft = logicalDrives.emplace_back();
     draft.facts.id = std::move(id);
     draft.facts.place = place(line);
-    return draft;
+    return &draft;
 }
 
 void Reading::beginSpan(std::int64_t announced) {
@@ -300,7 +311,7 @@ MemberDraft* Reading::addMember(const ListingLine& line, std::string named, bool
         beginSpan(-1);
     }
     MemberDraft& member = draft->spans.back().emplace_back();
-    member.named = std::move(named);
+    member.named = named.empty() ? cleanText(line.key.substr(0, longestQuote)) : std::move(named);
     member.place = place(line);
     member.isBlock = isBlock;
     counts().blocks += isBlock ? 1 : 0;
@@ -373,23 +384,31 @@ void Reading::finish() {
         });
 }
 
-/// Takes the members of an array that is listed by itself, and finds the drives.
+/// Finds the drives, of an array that is listed by itself once for all of its logical drives.
 void Reading::finishMembers(LogicalDriveDraft& draft, const DriveIndex& index) {
     if (draft.spans.empty() && !draft.facts.array.empty()) {
-        const auto array = std::find_if(arrays.begin(), arrays.end(), [&](const ArrayDraft& each) {
-            return each.id == draft.facts.array;
-        });
-        if (array != arrays.end()) {
-            draft.spans.push_back(array->members);
+        if (const auto listed = arrays.find(draft.facts.array); listed != arrays.end()) {
+            const auto [found, isNew] = locatedArrays_.try_emplace(listed->first);
+            if (isNew) {
+                found->second = locate(listed->second, index);
+            }
+            draft.facts.spans.push_back(found->second);
             draft.announcedInSpan.push_back(-1);
         }
     }
     for (const std::vector<MemberDraft>& span : draft.spans) {
-        std::vector<std::string>& locations = draft.facts.spans.emplace_back();
-        for (const MemberDraft& member : span) {
-            locations.push_back(locate(member, index));
-        }
+        draft.facts.spans.push_back(locate(span, index));
     }
+}
+
+std::vector<std::string> Reading::locate(const std::vector<MemberDraft>& span,
+                                         const DriveIndex& index) {
+    std::vector<std::string> locations;
+    locations.reserve(span.size());
+    for (const MemberDraft& each : span) {
+        locations.push_back(locate(each, index));
+    }
+    return locations;
 }
 
 /// The drive that a member is: the one with its serial number, or with its number, or where it is
@@ -409,7 +428,7 @@ std::string Reading::locate(const MemberDraft& member, const DriveIndex& index) 
         broken(member.place, "member " + member.named + " is drive " +
                                  facts.drives[*byPlace].location + " by its place, and " +
                                  facts.drives[*bySerial].location + " by its serial number");
-    } else if (!bySerial && !byPlace && !member.isMissing) {
+    } else if (!byPlace && !member.isMissing && (!bySerial || !member.location.empty())) {
         broken(member.place, "member " + member.named + " is not among the physical drives");
     } else if (member.isBlock) {
         ++facts.listings[member.place.listing].blocksRead;
@@ -425,8 +444,9 @@ std::string Reading::locate(const MemberDraft& member, const DriveIndex& index) 
 }
 
 std::string Reading::missingOf(const LogicalDriveDraft& draft) const {
+    const std::vector<std::vector<std::string>>& spans = draft.facts.spans;
     std::size_t members = 0;
-    for (const std::vector<MemberDraft>& span : draft.spans) {
+    for (const std::vector<std::string>& span : spans) {
         members += span.size();
     }
     if (draft.isBroken) {
@@ -443,24 +463,23 @@ std::string Reading::missingOf(const LogicalDriveDraft& draft) const {
     if (members == 0) {
         return "without members";
     }
-    for (std::size_t i = 0; i < draft.spans.size(); ++i) {
+    for (std::size_t i = 0; i < spans.size(); ++i) {
         const std::int64_t announced = draft.announcedInSpan[i];
-        if (announced >= 0 && static_cast<std::size_t>(announced) != draft.spans[i].size()) {
+        if (announced >= 0 && static_cast<std::size_t>(announced) != spans[i].size()) {
             return "announces " + std::to_string(announced) + " members in span " +
-                   std::to_string(i) + ", and " + std::to_string(draft.spans[i].size()) +
-                   (draft.spans[i].size() == 1 ? " is listed" : " are listed");
+                   std::to_string(i) + ", and " + std::to_string(spans[i].size()) +
+                   (spans[i].size() == 1 ? " is listed" : " are listed");
         }
     }
-    if (draft.announcedSpans &&
-        static_cast<std::size_t>(*draft.announcedSpans) != draft.spans.size()) {
+    if (draft.announcedSpans && static_cast<std::size_t>(*draft.announcedSpans) != spans.size()) {
         return "announces " +
                counted(static_cast<std::size_t>(*draft.announcedSpans), "span", "spans") +
-               ", and " + std::to_string(draft.spans.size()) +
-               (draft.spans.size() == 1 ? " is listed" : " are listed");
+               ", and " + std::to_string(spans.size()) +
+               (spans.size() == 1 ? " is listed" : " are listed");
     }
     if (draft.announcedMembers) {
         const auto announced = static_cast<std::size_t>(*draft.announcedMembers) *
-                               (draft.announcedPerSpan ? draft.spans.size() : 1);
+                               (draft.announcedPerSpan ? spans.size() : 1);
         if (announced != members) {
             return "announces " + counted(announced, "member", "members") + ", and " +
                    std::to_string(members) + (members == 1 ? " is listed" : " are listed");

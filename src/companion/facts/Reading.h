@@ -70,12 +70,6 @@ struct LogicalDriveDraft {
     bool isBroken = false; ///< what is wrong was told
 };
 
-/// The members of an array that is listed by itself.
-struct ArrayDraft {
-    std::string id;
-    std::vector<MemberDraft> members;
-};
-
 /// A number of things that a listing announces.
 struct Announcement {
     enum class What : std::uint8_t { drives, logicalDrives, failedDrives };
@@ -96,7 +90,8 @@ class Reading {
     std::string bay;           ///< where it sits, when that is told too
     bool hasEnclosure = false; ///< that it is in none is told as well
     std::vector<LogicalDriveDraft> logicalDrives;
-    std::vector<ArrayDraft> arrays;
+    std::unordered_map<std::string, std::vector<MemberDraft>> arrays; ///< listed by themselves
+    std::string array; ///< the one whose list may go on
     std::vector<Announcement> announcements;
     std::optional<std::int32_t> channel; ///< that drives stand under
     std::optional<std::int32_t> pciBus, pciDevice, pciFunction;
@@ -135,7 +130,8 @@ class Reading {
     void beginDrive(const ListingLine& line);
     /// What began as a drive is another device.
     void dropDrive();
-    LogicalDriveDraft& beginLogicalDrive(const ListingLine& line, std::string id);
+    /// Null when there are too many, which is told.
+    LogicalDriveDraft* beginLogicalDrive(const ListingLine& line, std::string id);
     /// Null in front of the first logical drive.
     [[nodiscard]] LogicalDriveDraft* logicalDrive() {
         return logicalDrives.empty() ? nullptr : &logicalDrives.back();
@@ -172,6 +168,8 @@ class Reading {
     [[nodiscard]] std::string_view missingOfDrive() const;
     void finishMembers(LogicalDriveDraft& draft, const DriveIndex& index);
     [[nodiscard]] std::string locate(const MemberDraft& member, const DriveIndex& index);
+    [[nodiscard]] std::vector<std::string> locate(const std::vector<MemberDraft>& span,
+                                                  const DriveIndex& index);
     [[nodiscard]] std::string missingOf(const LogicalDriveDraft& draft) const;
     void checkAnnouncements();
     void nameArrays();
@@ -185,6 +183,8 @@ class Reading {
     std::array<std::uint8_t, KeyLookup::noRow + 1> nextRow_{};
     std::array<std::string_view, KeyLookup::noRow + 1> beginnings_{};
     std::uint8_t lastRow_ = KeyLookup::noRow;
+    std::unordered_map<std::string, std::vector<std::string>> locatedArrays_;
+    bool hasTooMany_ = false;
     bool isBlockBroken_ = false; ///< something is wrong with the block, and was told
     std::unordered_map<std::string, std::size_t> driveAt_; ///< index of a location
     std::vector<std::string> bays_;                        ///< beside `facts.drives`

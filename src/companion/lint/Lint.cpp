@@ -26,14 +26,31 @@ bool isOneOf(std::string_view rule, const std::vector<std::string>& ids) {
     });
 }
 
-bool isIgnored(const Finding& finding, const PolicyDocument& document) {
-    return std::any_of(document.ignored.begin(), document.ignored.end(),
-                       [&finding](const IgnoredFindings& ignored) {
-                           return finding.start.line >= ignored.firstLine &&
-                                  finding.start.line <= ignored.lastLine &&
-                                  isOneOf(finding.code, ignored.rules);
-                       });
-}
+/// What comments silence, asked for lines that only go up.
+class Ignored {
+  public:
+    explicit Ignored(const std::vector<IgnoredFindings>& all) : all_(all) {}
+
+    bool holds(const Finding& finding) {
+        const std::int32_t line = finding.start.line;
+        while (next_ < all_.size() && all_[next_].firstLine <= line) {
+            const IgnoredFindings& entered = all_[next_++];
+            (entered.firstLine == entered.lastLine ? ofLine_ : ofPolicy_) = &entered;
+        }
+        return silences(ofLine_, finding) || silences(ofPolicy_, finding);
+    }
+
+  private:
+    static bool silences(const IgnoredFindings* ignored, const Finding& finding) {
+        return ignored != nullptr && finding.start.line >= ignored->firstLine &&
+               finding.start.line <= ignored->lastLine && isOneOf(finding.code, ignored->rules);
+    }
+
+    const std::vector<IgnoredFindings>& all_;
+    std::size_t next_ = 0;
+    const IgnoredFindings* ofLine_ = nullptr;
+    const IgnoredFindings* ofPolicy_ = nullptr;
+};
 
 /// A file that is no text has no finding but that one; it is an error where zolex refuses the file.
 void keepEncodingAlone(std::vector<Finding>& findings) {
@@ -61,13 +78,21 @@ void keepEncodingAlone(std::vector<Finding>& findings) {
 void arrangeFindings(const PolicyDocument& document, const LintSelection& selection,
                      std::vector<Finding>& findings) {
     keepEncodingAlone(findings);
-    std::erase_if(findings, [&](const Finding& finding) {
+    std::erase_if(findings, [&selection](const Finding& finding) {
         return (!selection.select.empty() && !isOneOf(finding.code, selection.select)) ||
-               isOneOf(finding.code, selection.ignore) || isIgnored(finding, document);
+               isOneOf(finding.code, selection.ignore);
     });
     std::stable_sort(findings.begin(), findings.end(), [](const Finding& a, const Finding& b) {
         return a.start.byte != b.start.byte ? a.start.byte < b.start.byte : a.code < b.code;
     });
+    std::vector<Finding> kept;
+    Ignored ignored(document.ignored);
+    for (Finding& finding : findings) {
+        if (!ignored.holds(finding)) {
+            kept.push_back(std::move(finding));
+        }
+    }
+    findings = std::move(kept);
 }
 
 std::vector<Finding> lintAll(const PolicyDocument& document) {

@@ -43,7 +43,7 @@ struct DocumentPolicy {
 
 /// Findings that a comment "; zolexctl: ignore ZX411,ZX5" silences.
 struct IgnoredFindings {
-    std::vector<std::string> rules; ///< rule ids or beginnings of them
+    std::vector<std::string> rules; ///< rule ids or beginnings of them, in capitals, each once
     std::int32_t firstLine = 0;     ///< for findings that stand in these lines
     std::int32_t lastLine = 0;
     friend bool operator==(const IgnoredFindings&, const IgnoredFindings&) = default;
@@ -56,6 +56,8 @@ struct PolicyDocument {
     std::string text; ///< all bytes
     std::vector<DocumentPolicy> policies;
     std::vector<Finding> findings; ///< of its shape (ZX001 to ZX014), in the order of the file
+    /// In the order of their first lines, which all differ. Those of more than one line are each of
+    /// a policy, and do not overlap each other.
     std::vector<IgnoredFindings> ignored;
     std::vector<std::size_t> lineStarts; ///< byte of each line's begin
 

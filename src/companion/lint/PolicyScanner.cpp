@@ -2,6 +2,7 @@
 #include "companion/lint/FindingSink.h"
 #include "companion/lint/Keywords.h"
 #include "companion/lint/PolicyDocument.h"
+#include "companion/lint/Rules.h"
 #include "companion/lint/ValueChecks.h"
 #include "foundation/Text.h"
 
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -101,6 +103,18 @@ Body bodyOf(std::string_view line) {
     return body;
 }
 
+/// The id in capitals when there are rules that begin so; empty otherwise. A bare "ZX" would
+/// silence everything.
+std::string knownId(std::string_view text) {
+    std::string id(text);
+    std::transform(id.begin(), id.end(), id.begin(), text::upper);
+    const std::span<const Rule> all = rules();
+    const bool isKnown =
+        id.size() > 2 && std::any_of(all.begin(), all.end(),
+                                     [&id](const Rule& rule) { return rule.id.starts_with(id); });
+    return isKnown ? id : std::string();
+}
+
 /// The rule ids of "; zolexctl: ignore ZX411,ZX5"; none for any other comment.
 std::vector<std::string> ignoredRules(std::string_view comment) {
     const auto takeWord = [&comment](std::string_view word) {
@@ -120,9 +134,8 @@ std::vector<std::string> ignoredRules(std::string_view comment) {
         comment.remove_prefix(std::min(comment.find_first_not_of(" \t,"), comment.size()));
         const std::string_view id = comment.substr(0, comment.find_first_of(" \t,"));
         comment.remove_prefix(id.size());
-        // A bare "ZX" would silence everything.
-        if (id.size() > 2 && text::equalsNoCase(id.substr(0, 2), "ZX")) {
-            rules.emplace_back(id);
+        if (std::string known = knownId(id); !known.empty()) {
+            rules.push_back(std::move(known));
         }
     }
     return rules;
@@ -258,8 +271,7 @@ class Scanner {
         }
         if (body.kind == LineKind::comment) {
             if (!line.isRest) {
-                const auto rules = ignoredRules(line.text.substr(body.first));
-                pending_.insert(pending_.end(), rules.begin(), rules.end());
+                keepIgnored(ignoredRules(line.text.substr(body.first)));
             }
             return;
         }
@@ -455,6 +467,14 @@ class Scanner {
             }
         }
         return nullptr;
+    }
+
+    void keepIgnored(std::vector<std::string> rules) {
+        for (std::string& id : rules) {
+            if (std::find(pending_.begin(), pending_.end(), id) == pending_.end()) {
+                pending_.push_back(std::move(id));
+            }
+        }
     }
 
     /// The ids of comments before this line hold for it, or for the policy that it opens.

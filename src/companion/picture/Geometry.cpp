@@ -100,25 +100,29 @@ void placeSegments(PlacedArray& placed, const MachineArray& array, const ArraySi
     }
 }
 
-/// Puts the labels without room into lines below the bar; returns the height of these lines.
+/// Puts the labels without room behind the bar and, when there is none left, into lines below it;
+/// returns the height of these lines.
 std::int32_t placeLabels(PlacedArray& placed, const ControllerSnapshot& controller,
                          std::int32_t right) {
-    std::int32_t x = placed.bar.x;
-    std::int32_t y = placed.bar.y + placed.bar.height + 2;
+    constexpr std::int32_t gap = 8;
+    const Box& bar = placed.bar;
+    std::int32_t x = bar.x + bar.width + gap;
+    std::int32_t y = bar.y + (bar.height - geometry::lineHeight) / 2;
     for (const PlacedSegment& segment : placed.segments) {
         if (!segment.logicalDrive || segment.hasLabel) {
             continue;
         }
         const std::string label = labelOf(controller.facts.logicalDrives.at(*segment.logicalDrive));
         const std::int32_t width = geometry::textWidth(columnsOf(label), geometry::fontSize);
-        if (x > placed.bar.x && x + width > right) {
-            x = placed.bar.x;
-            y += geometry::lineHeight;
+        const bool isLineStart = x == bar.x;
+        if (!isLineStart && x + width > right) {
+            x = bar.x;
+            y = std::max(y + geometry::lineHeight, bar.y + bar.height + 2);
         }
         placed.labels.push_back({{x, y, width, geometry::lineHeight}, *segment.logicalDrive});
         x += width + 2 * geometry::fontSize;
     }
-    return placed.labels.empty() ? 0 : y + geometry::lineHeight - placed.bar.y - placed.bar.height;
+    return std::max(y + geometry::lineHeight - bar.y - bar.height, 0);
 }
 
 std::int32_t widthOfSlots(std::size_t slots) {

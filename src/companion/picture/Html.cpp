@@ -30,7 +30,7 @@ ul.findings{margin:.6rem 0;padding:.5rem .75rem;list-style:none;border-left:4px 
 ul.findings.bad{border-color:#a8001e;background:#fdecee}
 ul.findings .help{display:block;color:#555555;padding-left:1.2rem}
 .picture-box{overflow-x:auto;margin:.6rem 0}
-.picture-box svg{display:block}
+.picture-box svg{display:block;max-width:100%;height:auto}
 table{border-collapse:collapse;margin:.6rem 0;font-variant-numeric:tabular-nums}
 caption{text-align:left;font-weight:bold;padding:.2rem 0}
 th,td{text-align:left;padding:.2rem .7rem;border-bottom:1px solid #c8c8c8;vertical-align:top;white-space:nowrap}
@@ -58,11 +58,14 @@ body{background:#ffffff;color:#1a1a1a;padding:0;max-width:none;font-size:10pt}
 .dim,th,ul.findings .help{color:#555555}
 .warning{color:#7a4100}
 .bad{color:#a8001e}
-ul.findings,ul.findings.bad{background:#ffffff}
+ul.findings{border-color:#7a4100;background:#ffffff}
+ul.findings.bad{border-color:#a8001e;background:#ffffff}
+.chip{border-color:#404040}
 .picture-box,.table-box{overflow:visible}
-.picture-box svg{max-width:100%;height:auto}
-table{font-size:8pt;max-width:100%}
-th,td{padding:.1rem .35rem;white-space:normal;overflow-wrap:anywhere;border-color:#c8c8c8}
+.picture-box svg{min-width:0!important}
+table{font-size:7.5pt;max-width:100%}
+th,td{padding:.1rem .35rem;white-space:normal;overflow-wrap:break-word;border-color:#c8c8c8}
+.right,.code{white-space:nowrap}
 tr,ul.findings,.picture-box{break-inside:avoid}
 h2{break-after:avoid}
 }
@@ -127,6 +130,19 @@ std::string chip(const MachineDrive& drive, const std::map<std::string, std::siz
            ";color:" + std::string(colour.ink) + "\">" + escaped(drive.array) + "</span>";
 }
 
+/// The drives as they stand in their enclosures.
+std::vector<std::size_t> drivesInRows(const ControllerSnapshot& controller) {
+    std::vector<std::size_t> drives;
+    for (const DriveRow& row : driveRowsOf(controller)) {
+        for (const DriveRow::Slot& slot : row.slots) {
+            if (slot.drive) {
+                drives.push_back(*slot.drive);
+            }
+        }
+    }
+    return drives;
+}
+
 std::string drivesTable(const ControllerSnapshot& controller) {
     if (controller.drives.empty()) {
         return "<p>No drives.</p>\n";
@@ -144,7 +160,8 @@ std::string drivesTable(const ControllerSnapshot& controller) {
                                  {"state"},
                                  {"trouble"}}) +
                       "</thead>\n<tbody>\n";
-    for (const MachineDrive& drive : controller.drives) {
+    for (const std::size_t index : drivesInRows(controller)) {
+        const MachineDrive& drive = controller.drives[index];
         const DriveFacts& facts = drive.facts;
         std::string kind = facts.protocol;
         kind += (kind.empty() || facts.mediaType.empty() ? "" : " ") + facts.mediaType;

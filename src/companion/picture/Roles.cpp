@@ -181,10 +181,13 @@ std::string troubleOf(const DriveFacts& drive) {
     };
     add(drive.mediaErrorCount, "media error", "media errors");
     add(drive.predictedFailureCount, "predicted failure", "predicted failures");
-    if (text.empty() && drive.health == Health::critical) {
+    const bool isFailed = drive.state == DriveState::failed || drive.state == DriveState::missing;
+    if (!text.empty() || isFailed) {
+        return text; // that it failed is told anyway
+    }
+    if (drive.health == Health::critical) {
         text = "critical health";
-    } else if (text.empty() && drive.health == Health::warning &&
-               drive.state != DriveState::rebuilding) {
+    } else if (drive.health == Health::warning && drive.state != DriveState::rebuilding) {
         text = "a warning of its health";
     }
     return text;

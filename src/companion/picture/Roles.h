@@ -23,7 +23,7 @@ enum class Role { member, hotspare, free, failed, foreign, jbod, unknown };
 [[nodiscard]] std::string markOf(const MachineDrive& drive);
 /// "A", "spare", "free", "foreign", "JBOD"; "-" when it has no job.
 [[nodiscard]] std::string jobOf(const MachineDrive& drive);
-/// What a drive that is not failed has of bad signs: "12 media errors, 1 predicted failure"; or
+/// The bad signs of a drive, beside that it failed: "12 media errors, 1 predicted failure"; or
 /// empty.
 [[nodiscard]] std::string troubleOf(const DriveFacts& drive);
 /// "NORVIK NV73455S"; the inquiry text where there are no words of it.

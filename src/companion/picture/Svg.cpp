@@ -60,10 +60,12 @@ std::string at(const Box& box) {
            "\" height=\"" + number(box.height) + "\"";
 }
 
-/// What fills a slot, and what is written on it.
+/// What fills a slot, and what is written on it. Text stands on a plate where lines are drawn over
+/// the fill.
 struct Look {
     std::string fill;
     std::string_view ink = black;
+    std::string_view plate = {};
 };
 
 class Writer {
@@ -171,8 +173,10 @@ class Writer {
 
     [[nodiscard]] Look arrayLook(std::size_t array) const {
         const ArrayColour& colour = arrayColour(array);
-        return {isHatched(array) ? "url(#" + patternName(array) + ")" : std::string(colour.fill),
-                colour.ink};
+        if (isHatched(array)) {
+            return {"url(#" + patternName(array) + ")", colour.ink, colour.fill};
+        }
+        return {std::string(colour.fill), colour.ink};
     }
 
     /// Text in the middle of a box, its base line `down` units below the box's upper edge. `fill`
@@ -375,7 +379,7 @@ class Writer {
         if (role == Role::member && hasColour) {
             look = arrayLook(array->second);
         } else if (role == Role::hotspare) {
-            look.fill = "url(#" + prefix_ + "spare)";
+            look = {"url(#" + prefix_ + "spare)", black, white};
         } else if (role == Role::foreign || role == Role::jbod || role == Role::unknown) {
             look.fill = std::string(grey);
         }
@@ -386,6 +390,11 @@ class Writer {
         const bool failed = role == Role::failed;
         rect(box, failed ? "box" : "box frame", look.fill);
         out_ += failed ? " stroke=\"#b00020\" stroke-width=\"2\"/>\n" : "/>\n";
+        if (!look.plate.empty()) {
+            plate({box.x + 4, box.y + 4, box.width - 8, 59}, look.plate);
+            const std::int32_t side = bandText(drive).size() > 2 ? 4 : 16;
+            plate({box.x + side, box.y + 66, box.width - 2 * side, 18}, look.plate);
+        }
         std::string_view bandInk = look.ink;
         if (failed) {
             cross(box);
@@ -394,6 +403,9 @@ class Writer {
                 const Look band = arrayLook(array->second);
                 rect({box.x + 3, box.y + 65, box.width - 6, 20}, "band", band.fill);
                 out_ += "/>\n";
+                if (!band.plate.empty()) {
+                    plate({box.x + 6, box.y + 67, box.width - 12, 16}, band.plate);
+                }
                 bandInk = band.ink;
             }
         }
@@ -404,6 +416,11 @@ class Writer {
         text(box, 59, "", look.ink, lastCharacters(drive.facts.serialNumber, 4));
         text(box, 80, "mark", bandInk, bandText(drive), 15);
         out_ += "</g>\n";
+    }
+
+    void plate(const Box& box, std::string_view fill) {
+        rect(box, "plate", fill);
+        out_ += "/>\n";
     }
 
     void cross(const Box& box) {
@@ -447,7 +464,15 @@ class Writer {
             rect(segment.box, "box frame", look.fill);
             out_ += "/>\n";
             if (segment.hasLabel) {
-                text(segment.box, 16, "strong", look.ink, labelOf(logicalDrive));
+                const std::string label = labelOf(logicalDrive);
+                const std::int32_t width =
+                    geometry::textWidth(columnsOf(label), geometry::fontSize) + 4;
+                if (!look.plate.empty()) {
+                    plate({segment.box.x + (segment.box.width - width) / 2, segment.box.y + 4,
+                           width, segment.box.height - 8},
+                          look.plate);
+                }
+                text(segment.box, 16, "strong", look.ink, label);
             }
             out_ += "</g>\n";
         }
@@ -480,10 +505,13 @@ class Writer {
             const Box sample{x, box.y + 4, 16, 18};
             const bool isAbsent = entry.fill == "none";
             const bool isFailed = entry.sign == "x";
-            rect(sample, isFailed ? "" : "frame", entry.fill);
+            rect(sample, isFailed ? "sample" : "sample frame", entry.fill);
             out_ += isAbsent ? " stroke-dasharray=\"4 3\"" : "";
             out_ += isFailed ? " stroke=\"#b00020\" stroke-width=\"2\"" : "";
             out_ += "/>\n";
+            if (entry.sign == "*") {
+                plate({sample.x + 4, sample.y + 4, 8, 10}, white);
+            }
             text(sample, 13, "strong", isFailed ? red : black, entry.sign);
             textAt(x + 21, box.y + 17, "ink", entry.text);
             x += 21 + geometry::textWidth(entry.text.size(), geometry::fontSize) + 18;

@@ -2,6 +2,7 @@
 
 #include "companion/text/Utf8.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace zolex::companion {
@@ -30,6 +31,11 @@ constexpr std::string_view colourOf(Emphasis emphasis) {
     return "";
 }
 
+/// Whether every byte is a printable character of ASCII. Nearly all texts are.
+bool isPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < '\x7F'; });
+}
+
 } // namespace
 
 std::string emphasized(std::string_view text, Emphasis emphasis, const TextStyle& style) {
@@ -41,6 +47,9 @@ std::string emphasized(std::string_view text, Emphasis emphasis, const TextStyle
 }
 
 std::size_t columnsOf(std::string_view text) {
+    if (isPlain(text)) {
+        return text.size();
+    }
     std::size_t columns = 0;
     while (!text.empty()) {
         if (text.substr(0, 2) == "\033[") {
@@ -56,6 +65,9 @@ std::size_t columnsOf(std::string_view text) {
 }
 
 std::string printable(std::string_view text) {
+    if (isPlain(text)) {
+        return std::string(text);
+    }
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
