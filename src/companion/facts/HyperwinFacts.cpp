@@ -68,7 +68,7 @@ void takeErrorCode(Reading& reading, const ListingLine& line) {
     } else if (isDrive && line.value == notReady) {
         reading.dropDrive();
         reading.leave(Block::none);
-    } else if (line.value != success) {
+    } else if (line.value != success && reading.isListing()) {
         reading.broken(line, "the utility ended with error code " + cleanText(line.value));
     }
 }

@@ -331,7 +331,7 @@ void announceDisks(Reading& reading, const ListingLine& line) {
 void takeExitCode(Reading& reading, const ListingLine& line) {
     reading.leave(Block::none);
     reading.close();
-    if (line.value != "0x00") {
+    if (line.value != "0x00" && reading.isListing()) {
         reading.broken(line, "the utility ended with exit code " + cleanText(line.value));
     }
 }
