@@ -430,6 +430,8 @@ constexpr auto keyRows = std::to_array<KeyRow>({
     {"Stripe Size",                        ofDisk,    takeStripSize},
     {"Strip Size",                         ofDisk,    takeStripSize},
     {"Number Of Drives",                   ofDisk,    announceMembers},
+    {"Number of PDs",                      ofDisks,   announceMembers},
+    {"VD has Emulated PD",                 ofDisks},
     {"Number Of Drives per span",          ofDisk,    announceDrivesPerSpan},
     {"Number of Spans",                    ofDisk,    announceSpans},
     {"Span",                               ofDisks,   takeSpan},

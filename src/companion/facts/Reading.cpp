@@ -158,6 +158,19 @@ void Reading::take(const KeyRow& row, const ListingLine& line) {
     }
 }
 
+void Reading::takeOtherKey(const ListingLine& line, std::size_t mark) {
+    ListingLine other = line;
+    other.key = text::trim(line.text.substr(0, mark));
+    const KeyRow* const row = table_.keys.find(block, other.key);
+    if (row == nullptr) {
+        return;
+    }
+    other.hasKey = true;
+    other.rest = line.text.substr(std::min(mark, line.text.size() - 1) + 1);
+    other.value = text::trim(other.rest);
+    take(*row, other);
+}
+
 const KeyRow* Reading::rowOf(const ListingLines& lines) {
     const KeyRow* const row = table_.keys.find(block, lines.line().key);
     if (row == nullptr) {

@@ -125,6 +125,10 @@ class Reading {
     /// The listing's last line has come.
     void close() { isClosed_ = true; }
 
+    /// Takes a line whose value stands behind another mark than ":", at `mark`, when its key is
+    /// known.
+    void takeOtherKey(const ListingLine& line, std::size_t mark);
+
     // Blocks. Beginning one ends the one before.
     void leave(Block next);
     void beginDrive(const ListingLine& line);
