@@ -514,19 +514,20 @@ void Reading::checkAnnouncements() {
     }
     for (const Announcement& each : announcements) {
         std::size_t found = facts.drives.size();
-        std::string_view what = "physical drives";
+        std::string_view what = "physical drive";
         if (each.what == Announcement::What::logicalDrives) {
             found = facts.logicalDrives.size();
-            what = "logical drives";
+            what = "logical drive";
         } else if (each.what == Announcement::What::failedDrives) {
             found = static_cast<std::size_t>(
                 std::count_if(facts.drives.begin(), facts.drives.end(),
                               [](const DriveFacts& d) { return d.state == DriveState::failed; }));
-            what = "failed drives";
+            what = "failed drive";
         }
         if (found != static_cast<std::size_t>(each.count)) {
             broken(each.place, quoted(each.key) + " says " + std::to_string(each.count) + ", and " +
-                                   std::to_string(found) + " " + std::string(what) + " are listed");
+                                   std::to_string(found) + " " + std::string(what) +
+                                   (found == 1 ? " is listed" : "s are listed"));
         }
     }
 }

@@ -184,15 +184,15 @@ TEST(BrokenListings, CountsOfTheListing) {
                                              "Virtual Drives    : 1", "Virtual Drives    : 3"),
                                     "Disks           : 5", "Disks           : 6")});
     EXPECT_EQ(test::brokenLines(facts),
-              (Lines{"2:55 \"Virtual Drives\" says 3, and 1 logical drives are listed",
+              (Lines{"2:55 \"Virtual Drives\" says 3, and 1 logical drive is listed",
                      "2:59 \"Disks\" says 6, and 5 physical drives are listed"}));
     EXPECT_EQ(brokenIn(controller_type::arcconf7, replaced(arcconf(), ": 1/0/0", ": 2/0/0")),
-              Lines{"0:14 \"Logical drives/Offline/Critical\" says 2, and 1 logical drives are "
+              Lines{"0:14 \"Logical drives/Offline/Critical\" says 2, and 1 logical drive is "
                     "listed"});
     EXPECT_EQ(brokenIn(controller_type::arcconf7,
                        replaced(arcconf(), "State                              : Online",
                                 "State                              : Defunct")),
-              Lines{"0:13 \"Defunct disk drive count\" says 0, and 1 failed drives are listed"});
+              Lines{"0:13 \"Defunct disk drive count\" says 0, and 1 failed drive is listed"});
 }
 
 TEST(BrokenListings, MemberLinesThatZolexWouldCut) {
