@@ -192,13 +192,13 @@ void runOnSample(unsigned sample, SeedWriter& seeds) {
 /// A call of each kind.
 void writeCalls(SeedWriter& seeds) {
     companion::Recording recording;
-    companion::UtilitiesCall utilities;
-    utilities.found.wrapper = "UTIL.BAT";
-    utilities.found.programs["MEGACLI"] = "/opt/a\xFF";
+    companion::UtilitiesCall found;
+    found.found.wrapper = "UTIL.BAT";
+    found.found.programs["MEGACLI"] = "/opt/a\xFF";
     companion::ChildCall child;
     child.command = "hwdetect.exe /i";
     child.result = {ChildOutcome::ended, 0, "Serial_Number=KQ10Z7V\r\n\xFF\t\"\\"};
-    const std::array<companion::CallKind, 6> calls{utilities,
+    const std::array<companion::CallKind, 6> calls{found,
                                                    companion::PciCall{{PciDevice{}}, 2},
                                                    child,
                                                    companion::PauseCall{},

@@ -95,6 +95,7 @@ int answer(const ArgumentReading& reading, Context& context) {
 int runArguments(const std::vector<std::string>& arguments, Platform& platform) {
     const ArgumentReading reading = readArguments(arguments);
     Context context = makeContext(reading.request, arguments, platform);
+    context.showsProgress = !reading.request.quiet && streamState(StandardStream::error).isTerminal;
     int code = exit_code::notPossible;
     try {
         code = answer(reading, context);

@@ -49,6 +49,7 @@ struct Context {
     bool verbose = false;
     std::vector<std::string> argv;   ///< arguments without the program's name
     std::vector<Finding> failures{}; ///< what failWith was told, for documents
+    bool showsProgress = false;      ///< a line for each child of a capture on standard error
 };
 
 /// Writes what the command gives: to standard output, or to the output file, which is replaced as a

@@ -147,12 +147,19 @@ std::unique_ptr<RecordingWriter> startRecording(Context& context, const std::str
     return std::make_unique<RecordingWriter>(std::move(file), header);
 }
 
-CaptureRequest captureRequest(const Context& context) {
+CaptureRequest captureRequest(Context& context) {
     CaptureRequest request;
     request.machineType = context.machine.machineType;
     request.serialNumber = context.machine.serialNumber;
     request.controllers = context.machine.controllers;
     request.limit = context.machine.captureLimit;
+    // A recording answers at once.
+    if (context.showsProgress && context.machine.recording.empty()) {
+        request.progress = [&context](const std::string& text) {
+            context.platform.console().writeError(
+                emphasized(printable(text), Emphasis::dim, context.errorStyle) + "\n");
+        };
+    }
     return request;
 }
 
@@ -186,6 +193,8 @@ int lookAtMachine(Context& context, const Look& look) {
 
 std::optional<std::vector<RecordedMachine>> loadMachines(Context& context,
                                                          const std::vector<std::string>& paths) {
+    CaptureRequest request = captureRequest(context);
+    request.progress = nullptr;
     std::vector<RecordedMachine> machines;
     for (const std::string& path : paths) {
         const std::vector<std::string> files = recordingsOf(context, path);
@@ -199,7 +208,7 @@ std::optional<std::vector<RecordedMachine>> loadMachines(Context& context,
             }
             ReplayPlatform machine(*recording, context.platform);
             try {
-                machines.push_back({file, captureMachine(machine, captureRequest(context))});
+                machines.push_back({file, captureMachine(machine, request)});
             } catch (const LackingCall& lacking) {
                 failWith(context, printable(lacking.what()), recordAgain);
                 return std::nullopt;

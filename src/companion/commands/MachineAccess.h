@@ -22,9 +22,9 @@ namespace zolex::companion {
 int lookAtMachine(Context& context,
                   const std::function<int(Platform& machine, const Utilities& utilities)>& look);
 
-/// What of the machine the options ask for; with a line of progress for each child when standard
-/// error is shown to somebody who wants it.
-[[nodiscard]] CaptureRequest captureRequest(const Context& context);
+/// What of the machine the options ask for, with a line for each child where the context shows
+/// progress. `context` outlives what is returned.
+[[nodiscard]] CaptureRequest captureRequest(Context& context);
 
 /// A recording in the place of a machine, with the console and the files of `system`. Nothing,
 /// after a message, when it cannot be read. Notes and warnings about it go to standard error.

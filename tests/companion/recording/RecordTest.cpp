@@ -185,6 +185,26 @@ TEST(Record, OfARecordingIsTheSame) {
     }
 }
 
+TEST(Record, ShowsProgressOfTheMachineAlone) {
+    const TemporaryDirectory folder;
+    layOut(folder);
+    Server server("single");
+    Context context = contextOf(server);
+    context.outputFile = "a.zrec";
+    context.showsProgress = true;
+    EXPECT_EQ(0, record(context, {}));
+    EXPECT_EQ("hardware detector\n"
+              "UTIL.BAT MEGACLI -LdPdInfo -a0\n"
+              "UTIL.BAT MEGACLI -pdList -a0\n"
+              "UTIL.BAT MEGACLI -adpallinfo -a0\n",
+              server.consoleFake.error);
+    server.consoleFake = {};
+    context.machine.recording = "a.zrec";
+    context.outputFile = "b.zrec";
+    EXPECT_EQ(0, record(context, {}));
+    EXPECT_EQ("", server.consoleFake.error);
+}
+
 TEST(Record, NeedsAFile) {
     Server server("single");
     for (const std::string name : {"", "-"}) {
