@@ -560,6 +560,11 @@ TEST(Capture, NamesOfTheMachineComeFromOptionsTheDetectorAndTheFirmwareInThisOrd
             << row.about;
         EXPECT_EQ(platform.asked, row.asked) << row.about;
         EXPECT_EQ(texts(snapshot.findings), row.findings) << row.about;
+        if (row.firmware.machineType.empty()) {
+            ASSERT_EQ(snapshot.findings.size(), 2U);
+            EXPECT_EQ(snapshot.findings[0].detail, "cannot read it");
+            EXPECT_EQ(snapshot.findings[1].detail, "cannot read it");
+        }
     }
 }
 
