@@ -1,6 +1,8 @@
 // Writes the first inputs of every target into a folder: what the utilities of the virtual server
 // print before and after its policies are deployed, the files that fit it, and some texts by hand.
 
+#include "companion/json/RecordingLines.h"
+#include "companion/recording/RecordingPlatform.h"
 #include "driver/ZOLEX.h"
 #include "foundation/CString.h"
 #include "setup/Samples.h"
@@ -120,6 +122,27 @@ std::string pciTexts(const PciDevice& device) {
            "\f0x0104\n\f";
 }
 
+/// A recording of a capture, unless it is longer than inputs are.
+void writeRecording(test::FakePlatform& platform, SeedWriter& seeds) {
+    constexpr std::size_t most = 12000;
+    companion::CallList kept;
+    companion::RecordingPlatform recorder(platform, kept);
+    const std::array arguments = {"zolex", "/c", "/f:recorded.ini"};
+    ZOLEX::run(static_cast<int>(arguments.size()), arguments.data(), recorder);
+    companion::Recording recording;
+    recording.header.madeAt = "2026-11-21T21:05:00+00:00";
+    recording.header.system = "linux";
+    recording.calls = std::move(kept.calls);
+    for (companion::RecordedCall& recorded : recording.calls) {
+        if (auto* const child = std::get_if<companion::ChildCall>(&recorded.call)) {
+            child->duration = {}; // the same each time
+        }
+    }
+    if (const std::string text = companion::recordingText(recording); text.size() <= most) {
+        seeds.write("recording", text);
+    }
+}
+
 void runOnSample(unsigned sample, SeedWriter& seeds) {
     Input noTexts("");
     VirtualServer server(sample, "", noTexts);
@@ -149,6 +172,8 @@ void runOnSample(unsigned sample, SeedWriter& seeds) {
             run("/f:policies.ini", "/v:3", false);
         }
     }
+    platform.respond = [&](std::string_view command) { return server.run(command); };
+    writeRecording(platform, seeds);
     seeds.write("inventory", "\0"s + server.inventory());
     seeds.write("ini-file", "[Added]\nkey = value\f" + server.inventory());
     seeds.write("ini-file", "; comment\f" + server.policies());
@@ -164,7 +189,29 @@ void runOnSample(unsigned sample, SeedWriter& seeds) {
     }
 }
 
+/// A call of each kind.
+void writeCalls(SeedWriter& seeds) {
+    companion::Recording recording;
+    companion::UtilitiesCall utilities;
+    utilities.found.wrapper = "UTIL.BAT";
+    utilities.found.programs["MEGACLI"] = "/opt/a\xFF";
+    companion::ChildCall child;
+    child.command = "hwdetect.exe /i";
+    child.result = {ChildOutcome::ended, 0, "Serial_Number=KQ10Z7V\r\n\xFF\t\"\\"};
+    const std::array<companion::CallKind, 6> calls{utilities,
+                                                   companion::PciCall{{PciDevice{}}, 2},
+                                                   child,
+                                                   companion::PauseCall{},
+                                                   companion::LocalTimeCall{},
+                                                   companion::FirmwareCall{{"8837", "S1", ""}}};
+    for (const companion::CallKind& call : calls) {
+        recording.calls.push_back({call, 0});
+    }
+    seeds.write("recording", companion::recordingText(recording));
+}
+
 void writeByHand(SeedWriter& seeds) {
+    writeCalls(seeds);
     const std::string definition =
         "[Controller.0]\nType=12\nSubType=1\nC1S0=69376\nC1S1=69376\n[Controller.1]\nType=1\n";
     seeds.write("inventory", "\1" + definition);

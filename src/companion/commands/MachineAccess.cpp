@@ -1,6 +1,7 @@
 #include "companion/commands/MachineAccess.h"
 
 #include "companion/json/RecordingFile.h"
+#include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/machine/System.h"
 #include "companion/machine/UtilityPlatform.h"
 #include "companion/recording/FolderEntries.h"
@@ -32,7 +33,8 @@ std::string placedText(const Finding& finding) {
 }
 
 int failWithFinding(Context& context, const Finding& finding) {
-    return failWith(context, placedText(finding), finding.help.empty() ? "" : finding.help.front());
+    return failWith(context, placedText(finding),
+                    finding.help.empty() ? recordAgain : std::string_view(finding.help.front()));
 }
 
 /// Tells notes and warnings; false after an error.
@@ -47,6 +49,13 @@ bool tellFindings(Context& context, const std::vector<Finding>& findings) {
     return true;
 }
 
+/// Whoever looks can do nothing else: only reading command lines go through, and no file but the
+/// outputs is written.
+int lookReading(Context& context, Platform& machine, const Utilities& utilities, const Look& look) {
+    ReadOnlyPlatform reading(machine, {context.outputFile, context.machine.record});
+    return look(reading, utilities);
+}
+
 int lookRecorded(Context& context, Platform& machine, const Utilities& utilities,
                  const Look& look) {
     const std::string& name = context.machine.record;
@@ -57,7 +66,7 @@ int lookRecorded(Context& context, Platform& machine, const Utilities& utilities
     }
     writer->keep(UtilitiesCall{utilities});
     RecordingPlatform recorder(machine, *writer);
-    const int code = look(recorder, utilities);
+    const int code = lookReading(context, recorder, utilities, look);
     if (!writer->finish()) {
         return failWith(context, printable(name) + ": the recording could not be written whole",
                         "free some space, or name another file with --record");
@@ -66,7 +75,7 @@ int lookRecorded(Context& context, Platform& machine, const Utilities& utilities
 }
 
 int lookAt(Context& context, Platform& machine, const Utilities& utilities, const Look& look) {
-    return context.machine.record.empty() ? look(machine, utilities)
+    return context.machine.record.empty() ? lookReading(context, machine, utilities, look)
                                           : lookRecorded(context, machine, utilities, look);
 }
 
@@ -89,7 +98,8 @@ std::vector<std::string> recordingsOf(Context& context, const std::string& path)
     std::vector<std::string> names;
     for (const std::string& entry : *entries) {
         if (endsInZrec(entry)) {
-            names.push_back(path + (path.ends_with('/') ? "" : "/") + entry);
+            std::string& name = names.emplace_back(path);
+            name.append(path.ends_with('/') ? "" : "/").append(entry);
         }
     }
     std::sort(names.begin(), names.end());

@@ -1,5 +1,6 @@
 #include "companion/json/RecordingFile.h"
 
+#include "companion/text/OutputFile.h"
 #include "foundation/FileSystem.h"
 
 #include <utility>
@@ -25,7 +26,7 @@ RecordingReading readRecordingFile(FileSystem& files, const std::string& name) {
     constexpr std::size_t blockSize = std::size_t{1} << 20U;
     const std::unique_ptr<File> file = files.open(name, "r");
     if (file == nullptr) {
-        return notRead(name, unreadable, "the file cannot be opened");
+        return notRead(name, unreadable, "the file cannot be opened: " + lastSystemError());
     }
     std::string text;
     std::size_t size = 0;

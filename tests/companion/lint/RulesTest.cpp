@@ -385,6 +385,15 @@ Hotspares = 4
 Logical_Mode = CUSTOM
 Logical.1 = A:FILL:5:ON
 )"},
+        {"ZX712", megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+         R"([Policy.web]
+AppliesTo.1 = t:LSI-MegaRAID-8480,d:3
+Array_Mode = CUSTOM
+Array.A = 1,2
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:1:ON
+)"},
     };
 }
 

@@ -306,9 +306,11 @@ TEST(Replay, OfWhatIsNoRecordingTellsThePlace) {
     EXPECT_EQ(2, wrong.exitCode);
     EXPECT_EQ("", wrong.output);
     EXPECT_EQ("error: a.zrec:1:11: this is no recording: \"format\" is not \"zolex-recording\" "
-              "[ZR101]\n",
+              "[ZR101]\n"
+              "  help: record the machine again: zolexctl record -o FILE.zrec\n",
               wrong.error);
-    EXPECT_EQ("error: b.zrec: the file cannot be opened [ZR100]\n",
+    EXPECT_EQ("error: b.zrec: the file cannot be opened: there is no such file or folder [ZR100]\n"
+              "  help: record the machine again: zolexctl record -o FILE.zrec\n",
               runReplay("b.zrec", {"zolex", "/?"}).error);
 }
 
