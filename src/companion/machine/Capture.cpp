@@ -9,6 +9,7 @@
 #include "companion/machine/ListingCheck.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
+#include "companion/machine/System.h"
 #include "companion/machine/Utilities.h"
 #include "companion/text/Terminal.h"
 #include "foundation/Report.h"
@@ -309,10 +310,9 @@ class Capturer {
         for (int second = 0; second < traitsOf(type).secondsBeforeCommand; ++second) {
             platform_.pauseOneSecond();
         }
-        const auto begin = std::chrono::steady_clock::now();
+        const std::chrono::milliseconds begin = system::elapsed();
         ChildResult result = platform_.runChild(line, true, request_.limit);
-        command.duration = std::chrono::duration_cast<std::chrono::milliseconds>(
-            std::chrono::steady_clock::now() - begin);
+        command.duration = system::elapsed() - begin;
         command.outcome = result.outcome;
         command.exitCode = result.exitCode;
         snapshot.listings.push_back(std::move(result.output));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,5 +33,9 @@ struct TemporaryFolder {
 
 /// The code page of the console; nothing where there are none, and without a console.
 [[nodiscard]] std::optional<std::uint32_t> codePage();
+
+/// The time since some moment, which never goes back. Not the clock of the C++ library: on Windows
+/// that brings functions along which set the system's time.
+[[nodiscard]] std::chrono::milliseconds elapsed();
 
 } // namespace zolex::companion::system

@@ -1,5 +1,7 @@
 #include "companion/recording/RecordingPlatform.h"
 
+#include "companion/machine/System.h"
+
 #include <utility>
 
 namespace zolex::companion {
@@ -55,14 +57,13 @@ class KeptPciDeviceList : public PCI_DevList_VC {
 
 ChildResult RecordingPlatform::runChild(std::string_view commandLine, bool capture,
                                         std::chrono::milliseconds limit) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
+    const std::chrono::milliseconds start = system::elapsed();
     ChildCall call;
     call.command = recordedCommand(commandLine);
     call.capture = capture;
     call.limit = limit;
     call.result = machine_.runChild(commandLine, capture, limit);
-    call.duration = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+    call.duration = system::elapsed() - start;
     CallKind kept = std::move(call);
     keeper_.keep(kept);
     return std::move(std::get<ChildCall>(kept).result);

@@ -3,6 +3,7 @@
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/Sha256.h"
 #include "companion/machine/Snapshot.h"
+#include "companion/machine/System.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -409,7 +410,7 @@ void redact(Recording& recording, const Redactor& redactor) {
 
 std::string randomKey() {
     std::random_device device;
-    std::string key = std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
+    std::string key = std::to_string(system::elapsed().count());
     constexpr int words = 8;
     for (int i = 0; i < words; ++i) {
         key += "/" + std::to_string(device());

@@ -54,4 +54,9 @@ std::optional<std::uint32_t> codePage() {
     return std::nullopt;
 }
 
+std::chrono::milliseconds elapsed() {
+    using Clock = std::chrono::steady_clock;
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch());
+}
+
 } // namespace zolex::companion::system

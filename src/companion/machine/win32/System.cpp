@@ -64,4 +64,8 @@ std::optional<std::uint32_t> codePage() {
     return page == 0 ? std::nullopt : std::optional<std::uint32_t>(page);
 }
 
+std::chrono::milliseconds elapsed() {
+    return std::chrono::milliseconds(static_cast<long long>(GetTickCount64()));
+}
+
 } // namespace zolex::companion::system
