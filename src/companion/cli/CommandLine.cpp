@@ -284,9 +284,9 @@ class Arguments {
             if (value.size() > 2 && value.compare(0, 2, "--") == 0) {
                 throw ArgumentFault{name + " needs a value", helpOf(command_)};
             }
-            const std::string fault = row.fault == nullptr ? std::string() : row.fault(value);
+            std::string fault = row.fault == nullptr ? std::string() : row.fault(value);
             if (!fault.empty()) {
-                throw ArgumentFault{name + ": " + fault, helpOf(command_)};
+                throw ArgumentFault{fault.insert(0, ": ").insert(0, name), helpOf(command_)};
             }
         }
     }

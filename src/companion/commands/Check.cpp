@@ -61,7 +61,8 @@ class Check {
             // The reason stands on standard error; a document is a document all the same.
             Finding finding;
             finding.code = "ZX001";
-            finding.summary = "the recorded machines cannot be read";
+            finding.summary = "the recordings of --machine cannot be read";
+            finding.detail = "Standard error says why.";
             findings_.push_back(std::move(finding));
             const bool wantsDocument =
                 context_.format == Format::json || context_.format == Format::sarif;

@@ -44,7 +44,7 @@ class Doctor {
         const std::string output =
             context_.format == Format::json
                 ? doctorDocument(examination, snapshot, context_.errorStyle, head())
-                : doctorText(examination, snapshot, context_.style, context_.verbose);
+                : doctorText(examination, snapshot, context_.style, detail());
         if (!deliver(context_, output)) {
             return exit_code::notPossible;
         }
@@ -58,6 +58,12 @@ class Doctor {
         } catch (const LackingCall&) {
             return {};
         }
+    }
+
+    [[nodiscard]] DoctorDetail detail() const {
+        return context_.quiet     ? DoctorDetail::findings
+               : context_.verbose ? DoctorDetail::keys
+                                  : DoctorDetail::usual;
     }
 
     [[nodiscard]] DocumentHead head() const {

@@ -81,22 +81,30 @@ std::string namesText(const Snapshot& snapshot) {
 class Writer {
   public:
     Writer(const Examination& examination, const Snapshot& snapshot, const TextStyle& style,
-           bool verbose)
-        : examination_(examination), snapshot_(snapshot), style_(style), verbose_(verbose) {}
+           DoctorDetail detail)
+        : examination_(examination), snapshot_(snapshot), style_(style), detail_(detail) {}
 
     std::string write() {
+        if (detail_ != DoctorDetail::findings) {
+            table();
+        }
+        findings();
+        if (detail_ != DoctorDetail::findings || !examination_.findings.empty()) {
+            summary();
+        }
+        return std::move(out_);
+    }
+
+  private:
+    void table() {
         wrapper();
         detector();
         for (const UtilityCheck& check : examination_.utilities) {
             utility(check);
         }
         surroundings();
-        findings();
-        summary();
-        return std::move(out_);
     }
 
-  private:
     void head(const std::string& name, const std::string& word) {
         out_ += padded(name, nameColumns);
         out_ += padded(emphasized(word, emphasisOf(word), style_), wordColumns);
@@ -215,7 +223,7 @@ class Writer {
             out_ += ", " + countText(reading.unknownKeys.size(), "key", "keys") + " not known";
         }
         out_ += "\n";
-        if (verbose_) {
+        if (detail_ == DoctorDetail::keys) {
             unknownKeys(reading);
         }
     }
@@ -284,7 +292,7 @@ class Writer {
                                     finding.code + "]",
                                 word.size(), 2, width) +
                     "\n";
-            detail(finding.detail);
+            quoted(finding.detail);
             for (const std::string& help : finding.help) {
                 out_ += "  " + emphasized("help:", Emphasis::heading, style_) + " " +
                         foldedWords(help, 8, 8, width) + "\n";
@@ -292,7 +300,7 @@ class Writer {
         }
     }
 
-    void detail(std::string_view text) {
+    void quoted(std::string_view text) {
         while (!text.empty()) {
             const std::size_t end = std::min(text.find('\n'), text.size());
             out_ += "  | " + printable(text.substr(0, end)) + "\n";
@@ -310,15 +318,15 @@ class Writer {
     const Examination& examination_;
     const Snapshot& snapshot_;
     const TextStyle& style_;
-    bool verbose_;
+    DoctorDetail detail_;
     std::string out_;
 };
 
 } // namespace
 
 std::string doctorText(const Examination& examination, const Snapshot& snapshot,
-                       const TextStyle& style, bool verbose) {
-    return Writer(examination, snapshot, style, verbose).write();
+                       const TextStyle& style, DoctorDetail detail) {
+    return Writer(examination, snapshot, style, detail).write();
 }
 
 } // namespace zolex::companion

@@ -8,8 +8,15 @@
 
 namespace zolex::companion {
 
-/// What `doctor` writes on a terminal. `verbose` lists the keys that are not known.
+/// How much `doctor` tells.
+enum class DoctorDetail {
+    findings, ///< nothing but what is wrong
+    usual,
+    keys, ///< the keys that are not known, too
+};
+
+/// What `doctor` writes on a terminal.
 [[nodiscard]] std::string doctorText(const Examination& examination, const Snapshot& snapshot,
-                                     const TextStyle& style, bool verbose);
+                                     const TextStyle& style, DoctorDetail detail);
 
 } // namespace zolex::companion

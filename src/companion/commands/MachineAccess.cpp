@@ -1,6 +1,7 @@
 #include "companion/commands/MachineAccess.h"
 
 #include "companion/json/RecordingFile.h"
+#include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/machine/System.h"
 #include "companion/machine/UtilityPlatform.h"
 #include "companion/recording/FolderEntries.h"
@@ -48,6 +49,13 @@ bool tellFindings(Context& context, const std::vector<Finding>& findings) {
     return true;
 }
 
+/// Whoever looks can do nothing else: only reading command lines go through, and no file but the
+/// outputs is written.
+int lookReading(Context& context, Platform& machine, const Utilities& utilities, const Look& look) {
+    ReadOnlyPlatform reading(machine, {context.outputFile, context.machine.record});
+    return look(reading, utilities);
+}
+
 int lookRecorded(Context& context, Platform& machine, const Utilities& utilities,
                  const Look& look) {
     const std::string& name = context.machine.record;
@@ -58,7 +66,7 @@ int lookRecorded(Context& context, Platform& machine, const Utilities& utilities
     }
     writer->keep(UtilitiesCall{utilities});
     RecordingPlatform recorder(machine, *writer);
-    const int code = look(recorder, utilities);
+    const int code = lookReading(context, recorder, utilities, look);
     if (!writer->finish()) {
         return failWith(context, printable(name) + ": the recording could not be written whole",
                         "free some space, or name another file with --record");
@@ -67,7 +75,7 @@ int lookRecorded(Context& context, Platform& machine, const Utilities& utilities
 }
 
 int lookAt(Context& context, Platform& machine, const Utilities& utilities, const Look& look) {
-    return context.machine.record.empty() ? look(machine, utilities)
+    return context.machine.record.empty() ? lookReading(context, machine, utilities, look)
                                           : lookRecorded(context, machine, utilities, look);
 }
 

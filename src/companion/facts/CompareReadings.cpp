@@ -391,8 +391,8 @@ class Comparison {
             }));
         if (known < counted) {
             tell(hotspare, "layout",
-                 std::to_string(counted) + " hot spares to zolex, of which " +
-                     std::to_string(known) + " are listed");
+                 std::to_string(counted) + (counted == 1 ? " hot spare" : " hot spares") +
+                     " to zolex, of which " + std::to_string(known) + " are listed");
         }
     }
 

@@ -57,7 +57,7 @@ void takeReadCache(Reading& reading, const ListingLine& line) {
     }
 }
 
-/// "0,0 0,1 0,2".
+/// "0,0 0,1 0,2". Behind a "DDD" in the key or the value stand the members that are left.
 void takeDriveList(Reading& reading, const ListingLine& line) {
     LogicalDriveDraft* const draft = reading.logicalDrive();
     if (draft == nullptr) {
@@ -66,7 +66,13 @@ void takeDriveList(Reading& reading, const ListingLine& line) {
     if (draft->spans.empty()) {
         reading.beginSpan(-1);
     }
-    appendMembers(reading, line, line.value, ',', draft->spans.back());
+    constexpr std::string_view mark = "DDD";
+    std::string_view list = line.value;
+    if (const std::size_t at = line.text.find(mark); at != std::string_view::npos) {
+        list = line.text.substr(at + mark.size());
+        list.remove_prefix(list.starts_with(':') ? 1 : 0);
+    }
+    appendMembers(reading, line, list, ',', draft->spans.back());
 }
 
 /// The number behind the word, as in "Enclosure:0" and "Enclosure 0".
@@ -218,6 +224,7 @@ constexpr auto keyRows = std::to_array<KeyRow>({
     {"Write-cache setting",          ofLogical,    takeWriteCacheSetting},
     {"Number of segments",           ofLogical,    announceMembers},
     {"Drive(s) (Channel,Device)",    ofLogical,    takeDriveList},
+    {"Drive(s) (Channel,Device) DDD", ofLogical,   takeDriveList},
     {"Full Stripe Size",             ofLogical},
     {"Read-cache status",            ofLogical},
     {"Write-cache status",           ofLogical},

@@ -22,8 +22,18 @@ std::size_t digitsAt(std::string_view text) {
     return digits;
 }
 
+constexpr bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
 std::string_view withoutBlanks(std::string_view text) {
-    return text::trim(text, " \t\r\n");
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 bool holds(std::string_view text, std::string_view word) {

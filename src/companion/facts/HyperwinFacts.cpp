@@ -18,7 +18,8 @@ constexpr std::string_view success = "0000";
 constexpr std::string_view notReady = "000a";
 
 void takeArray(Reading& reading, const ListingLine& line) {
-    reading.beginLogicalDrive(line, cleanText(line.value));
+    const std::string number = cleanText(line.value);
+    reading.beginLogicalDrive(line, number.empty() ? "0" : number); // there is one
 }
 
 void takeStripe(Reading& reading, const ListingLine& line) {
@@ -68,18 +69,21 @@ void takeErrorCode(Reading& reading, const ListingLine& line) {
     } else if (isDrive && line.value == notReady) {
         reading.dropDrive();
         reading.leave(Block::none);
-    } else if (line.value != success) {
+    } else if (line.value != success && reading.isListing()) {
         reading.broken(line, "the utility ended with error code " + cleanText(line.value));
     }
 }
 
-/// "+WRITE_CACHE" and "-WRITE_CACHE".
-void takeWriteCache(Reading& reading, const ListingLine& line) {
+/// "+WRITE_CACHE" and "-WRITE_CACHE", and keys whose value stands behind a "=" or a blank.
+void takePlain(Reading& reading, const ListingLine& line) {
     LogicalDriveDraft* const draft = reading.logicalDrive();
     if (draft != nullptr && line.text == "+WRITE_CACHE") {
         draft->facts.writeCache = "UnprotectedWriteBack";
     } else if (draft != nullptr && line.text == "-WRITE_CACHE") {
         draft->facts.writeCache = "WriteThrough";
+    } else {
+        const std::size_t mark = line.text.find('=');
+        reading.takeOtherKey(line, std::min(mark, line.text.find_last_of(" \t")));
     }
 }
 
@@ -99,7 +103,7 @@ constexpr Blocks ofArray = in(Block::logicalDrive);
 // clang-format off
 constexpr auto keyRows = std::to_array<KeyRow>({
     {"Error Code (hex)",      anywhere,              takeErrorCode},
-    {"LOGICAL_ARRAY",         in(Block::controller), takeArray},
+    {"LOGICAL_ARRAY",         in(Block::none, Block::controller), takeArray},
     {"ARRAY_STATUS",          ofArray,               takeLogicalState},
     {"RAID_MODE",             ofArray,               takeLogicalLevel},
     {"STRIPE_SIZE",           ofArray,               takeStripe},
@@ -119,7 +123,7 @@ constexpr UtilityTable table = {
     .keys = keyTable.lookup(),
     .numberedKeys = {},
     .headings = headings,
-    .takePlain = takeWriteCache,
+    .takePlain = takePlain,
     .endsListing = endsListing,
     .location = location,
     .locationMissing = "drive with a number that is neither 1 nor 2",

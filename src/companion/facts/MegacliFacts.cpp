@@ -331,7 +331,7 @@ void announceDisks(Reading& reading, const ListingLine& line) {
 void takeExitCode(Reading& reading, const ListingLine& line) {
     reading.leave(Block::none);
     reading.close();
-    if (line.value != "0x00") {
+    if (line.value != "0x00" && reading.isListing()) {
         reading.broken(line, "the utility ended with exit code " + cleanText(line.value));
     }
 }
@@ -430,6 +430,8 @@ constexpr auto keyRows = std::to_array<KeyRow>({
     {"Stripe Size",                        ofDisk,    takeStripSize},
     {"Strip Size",                         ofDisk,    takeStripSize},
     {"Number Of Drives",                   ofDisk,    announceMembers},
+    {"Number of PDs",                      ofDisks,   announceMembers},
+    {"VD has Emulated PD",                 ofDisks},
     {"Number Of Drives per span",          ofDisk,    announceDrivesPerSpan},
     {"Number of Spans",                    ofDisk,    announceSpans},
     {"Span",                               ofDisks,   takeSpan},

@@ -22,6 +22,11 @@ std::string quoted(std::string_view text, std::size_t most = longestQuote) {
     return "\"" + cleanText(text.substr(0, most)) + (isWhole ? "\"" : "...\"");
 }
 
+bool holdsError(std::string_view text) {
+    return text::containsNoCase(text, "error") || text::containsNoCase(text, "fail") ||
+           text::containsNoCase(text, " not ");
+}
+
 std::string counted(std::size_t count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
@@ -82,7 +87,8 @@ void Reading::read(std::size_t index, std::string_view listing) {
     facts.listings.resize(std::max(facts.listings.size(), index + 1));
     beginnings_.fill({});
     ListingLines lines(listing);
-    std::optional<ListingLine> first;
+    std::optional<ListingLine> first; // or the first that tells of an error, of what is no listing
+    bool tellsError = false;
     while (!isOver && lines.next()) {
         if (takeExpected(lines)) {
             continue;
@@ -91,8 +97,9 @@ void Reading::read(std::size_t index, std::string_view listing) {
         if (line.text.empty()) {
             continue;
         }
-        if (!first) {
+        if (!first || (!isListing_ && !tellsError && holdsError(line.text))) {
             first = lines.complete();
+            tellsError = holdsError(line.text);
         }
         if (line.hasKey) {
             takeKey(lines);
@@ -145,10 +152,23 @@ void Reading::take(const KeyRow& row, const ListingLine& line) {
     ++counts().keys;
     isClosed_ = false;
     if (row.take != nullptr) {
-        isListing_ = true;
         ++counts().keysUsed;
         row.take(*this, line);
+        isListing_ = isListing_ || !isClosed_; // a last line alone is no listing
     }
+}
+
+void Reading::takeOtherKey(const ListingLine& line, std::size_t mark) {
+    ListingLine other = line;
+    other.key = text::trim(line.text.substr(0, mark));
+    const KeyRow* const row = table_.keys.find(block, other.key);
+    if (row == nullptr) {
+        return;
+    }
+    other.hasKey = true;
+    other.rest = line.text.substr(std::min(mark, line.text.size() - 1) + 1);
+    other.value = text::trim(other.rest);
+    take(*row, other);
 }
 
 const KeyRow* Reading::rowOf(const ListingLines& lines) {
@@ -271,7 +291,7 @@ void Reading::endDrive() {
     addDrive(std::move(drive));
 }
 
-void Reading::addDrive(DriveFacts found) {
+void Reading::addDrive(DriveFacts&& found) {
     driveAt_.emplace(found.location, facts.drives.size());
     bays_.push_back(std::move(bay));
     facts.drives.push_back(std::move(found));
@@ -494,19 +514,20 @@ void Reading::checkAnnouncements() {
     }
     for (const Announcement& each : announcements) {
         std::size_t found = facts.drives.size();
-        std::string_view what = "physical drives";
+        std::string_view what = "physical drive";
         if (each.what == Announcement::What::logicalDrives) {
             found = facts.logicalDrives.size();
-            what = "logical drives";
+            what = "logical drive";
         } else if (each.what == Announcement::What::failedDrives) {
             found = static_cast<std::size_t>(
                 std::count_if(facts.drives.begin(), facts.drives.end(),
                               [](const DriveFacts& d) { return d.state == DriveState::failed; }));
-            what = "failed drives";
+            what = "failed drive";
         }
         if (found != static_cast<std::size_t>(each.count)) {
             broken(each.place, quoted(each.key) + " says " + std::to_string(each.count) + ", and " +
-                                   std::to_string(found) + " " + std::string(what) + " are listed");
+                                   std::to_string(found) + " " + std::string(what) +
+                                   (found == 1 ? " is listed" : "s are listed"));
         }
     }
 }

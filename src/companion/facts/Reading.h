@@ -104,7 +104,7 @@ class Reading {
 
     /// Reads one listing.
     void read(std::size_t index, std::string_view listing);
-    void addDrive(DriveFacts found);
+    void addDrive(DriveFacts&& found);
     /// Takes the drives that another reading has found.
     void takeDrives(Reading& other);
     /// Puts together what the listings said.
@@ -120,10 +120,14 @@ class Reading {
     void broken(ListingPlace where, std::string what) {
         facts.broken.push_back({where, std::move(what)});
     }
-    /// Something of this utility was read: it is a listing.
-    void recognise() { isListing_ = true; }
+    /// Whether something of this utility was read.
+    [[nodiscard]] bool isListing() const { return isListing_; }
     /// The listing's last line has come.
     void close() { isClosed_ = true; }
+
+    /// Takes a line whose value stands behind another mark than ":", at `mark`, when its key is
+    /// known.
+    void takeOtherKey(const ListingLine& line, std::size_t mark);
 
     // Blocks. Beginning one ends the one before.
     void leave(Block next);

@@ -4,6 +4,8 @@
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/NormalForm.h"
 
+#include <utility>
+
 namespace zolex::companion {
 
 namespace {
@@ -66,7 +68,7 @@ std::string_view hotspareType(HotspareKind kind) {
 }
 
 Json statusOf(Health health, std::string_view state) {
-    return {{"health", healthOf(health)}, {"state", orNull(state)}};
+    return ObjectMaker(2)("health", healthOf(health))("state", orNull(state)).make();
 }
 
 Json driveOf(const MachineDrive& drive) {
@@ -76,50 +78,54 @@ Json driveOf(const MachineDrive& drive) {
         position = std::to_string(drive.policyPosition->channel) + ":" +
                    std::to_string(drive.policyPosition->id);
     }
-    return {{"location", facts.location},
-            {"enclosure", orNull(facts.enclosure)},
-            {"slot", orNull(facts.slot)},
-            {"channel", orNull(facts.channel)},
-            {"id", orNull(facts.id)},
-            {"policy_number", orNull(drive.policyNumber)},
-            {"policy_position", position},
-            {"array", orNull(drive.array)},
-            {"serial_number", orNull(facts.serialNumber)},
-            {"manufacturer", orNull(facts.manufacturer)},
-            {"model", orNull(facts.model)},
-            {"revision", orNull(facts.revision)},
-            {"protocol", orNull(facts.protocol)},
-            {"media_type", orNull(facts.mediaType)},
-            {"capacity_bytes", orNull(facts.capacityBytes)},
-            {"capacity_tolerance_bytes", facts.capacityTolerance},
-            {"status", statusOf(facts.health, driveStatus(facts.state))},
-            {"drive_state", stateWord(facts.state)},
-            {"reported_state", orNull(facts.reportedState)},
-            {"media_error_count", orNull(facts.mediaErrorCount)},
-            {"other_error_count", orNull(facts.otherErrorCount)},
-            {"predicted_failure_count", orNull(facts.predictedFailureCount)},
-            {"temperature_celsius", orNull(facts.temperatureCelsius)},
-            {"hotspare_type", hotspareType(facts.hotspare)},
-            {"foreign", facts.isForeign}};
+    ObjectMaker object(25);
+    object("location", facts.location);
+    object("enclosure", orNull(facts.enclosure));
+    object("slot", orNull(facts.slot));
+    object("channel", orNull(facts.channel));
+    object("id", orNull(facts.id));
+    object("policy_number", orNull(drive.policyNumber));
+    object("policy_position", std::move(position));
+    object("array", orNull(drive.array));
+    object("serial_number", orNull(facts.serialNumber));
+    object("manufacturer", orNull(facts.manufacturer));
+    object("model", orNull(facts.model));
+    object("revision", orNull(facts.revision));
+    object("protocol", orNull(facts.protocol));
+    object("media_type", orNull(facts.mediaType));
+    object("capacity_bytes", orNull(facts.capacityBytes));
+    object("capacity_tolerance_bytes", facts.capacityTolerance);
+    object("status", statusOf(facts.health, driveStatus(facts.state)));
+    object("drive_state", stateWord(facts.state));
+    object("reported_state", orNull(facts.reportedState));
+    object("media_error_count", orNull(facts.mediaErrorCount));
+    object("other_error_count", orNull(facts.otherErrorCount));
+    object("predicted_failure_count", orNull(facts.predictedFailureCount));
+    object("temperature_celsius", orNull(facts.temperatureCelsius));
+    object("hotspare_type", hotspareType(facts.hotspare));
+    object("foreign", facts.isForeign);
+    return object.make();
 }
 
 Json logicalDriveOf(const LogicalDriveFacts& logicalDrive) {
     const bool isVolume = logicalDrive.raidType == "None";
-    return {{"id", logicalDrive.id},
-            {"name", orNull(logicalDrive.name)},
-            {"array", orNull(logicalDrive.array)},
-            {"raid_type", orNull(logicalDrive.raidType)},
-            {"policy_level", isVolume ? Json("VOLUME") : Json(nullptr)},
-            {"reported_level", orNull(logicalDrive.reportedLevel)},
-            {"spans", logicalDrive.spans},
-            {"capacity_bytes", orNull(logicalDrive.capacityBytes)},
-            {"capacity_tolerance_bytes", logicalDrive.capacityTolerance},
-            {"strip_size_bytes", orNull(logicalDrive.stripSizeBytes)},
-            {"write_cache_policy", orNull(logicalDrive.writeCache)},
-            {"read_cache_policy", orNull(logicalDrive.readCache)},
-            {"status", statusOf(logicalDrive.health,
-                                logicalDrive.health == Health::critical ? "Disabled" : "Enabled")},
-            {"reported_state", orNull(logicalDrive.reportedState)}};
+    const bool isLost = logicalDrive.health == Health::critical;
+    ObjectMaker object(14);
+    object("id", logicalDrive.id);
+    object("name", orNull(logicalDrive.name));
+    object("array", orNull(logicalDrive.array));
+    object("raid_type", orNull(logicalDrive.raidType));
+    object("policy_level", isVolume ? Json("VOLUME") : Json(nullptr));
+    object("reported_level", orNull(logicalDrive.reportedLevel));
+    object("spans", logicalDrive.spans);
+    object("capacity_bytes", orNull(logicalDrive.capacityBytes));
+    object("capacity_tolerance_bytes", logicalDrive.capacityTolerance);
+    object("strip_size_bytes", orNull(logicalDrive.stripSizeBytes));
+    object("write_cache_policy", orNull(logicalDrive.writeCache));
+    object("read_cache_policy", orNull(logicalDrive.readCache));
+    object("status", statusOf(logicalDrive.health, isLost ? "Disabled" : "Enabled"));
+    object("reported_state", orNull(logicalDrive.reportedState));
+    return object.make();
 }
 
 Json layoutOf(const ControllerSnapshot& controller) {
@@ -145,11 +151,11 @@ Json layoutOf(const ControllerSnapshot& controller) {
                                  {"hotspare_type", hotspareType(drive.facts.hotspare)}});
         }
     }
-    return {{"arrays", arrays},
-            {"logical_drives", logicalDrives},
-            {"hotspares", hotspares},
-            {"foreign_configurations", controller.facts.foreignConfigurations},
-            {"layout_sha256", layoutHash(controller.facts)}};
+    return ObjectMaker(5)("arrays", std::move(arrays))("logical_drives", std::move(logicalDrives))(
+               "hotspares", std::move(hotspares))("foreign_configurations",
+                                                  controller.facts.foreignConfigurations)(
+               "layout_sha256", layoutHash(controller.facts))
+        .make();
 }
 
 std::string_view outcomeWord(ChildOutcome outcome) {
@@ -186,7 +192,7 @@ Json commandsOf(const ControllerSnapshot& controller) {
         } else {
             command["reading"] = nullptr;
         }
-        commands.push_back(command);
+        commands.push_back(std::move(command));
     }
     return commands;
 }
@@ -254,14 +260,11 @@ std::string machineDocument(const Snapshot& snapshot, const DocumentHead& head) 
     document["machine_type"] = orNull(snapshot.machine.machineType.view());
     document["serial_number"] = orNull(snapshot.machine.serialNumber.view());
     document["machine_source"] = orNull(snapshot.machineSource);
-    Json controllers = Json::array();
-    for (const ControllerSnapshot& controller : snapshot.details) {
-        controllers.push_back(controllerOf(controller));
-    }
-    document["controllers"] = std::move(controllers);
+    document["controllers"] = Json::array();
     document["core_messages"] = snapshot.coreMessages;
     document["diagnostics"] = diagnosticsOf(snapshot.findings);
-    return textOf(document);
+    return textOf(document, "controllers", snapshot.details.size(),
+                  [&](std::size_t i) { return controllerOf(snapshot.details[i]); });
 }
 
 std::string failedMachineDocument(const std::vector<Finding>& findings, const DocumentHead& head) {

@@ -1,5 +1,7 @@
 #include "companion/json/Pieces.h"
 
+#include <algorithm>
+
 namespace zolex::companion {
 
 std::string_view severityWord(Severity severity) {
@@ -95,6 +97,31 @@ Json healthOf(Health health) {
 
 std::string textOf(const Json& document) {
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string textOf(const Json& document, std::string_view name, std::size_t count,
+                   const std::function<Json(std::size_t)>& element) {
+    std::string text = textOf(document);
+    const std::string before = "\n  \"" + std::string(name) + "\": [";
+    const std::size_t at = text.find(before + "]");
+    if (count == 0 || at == std::string::npos) {
+        return text;
+    }
+    std::string result = text.substr(0, at + before.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        result += i == 0 ? "\n    " : ",\n    ";
+        const std::string dumped = element(i).dump(2, ' ', false, Json::error_handler_t::replace);
+        // A line feed within a text is written as two characters: each of these ends a line.
+        for (std::size_t begin = 0; begin < dumped.size();) {
+            const std::size_t end = std::min(dumped.find('\n', begin), dumped.size() - 1);
+            result.append(dumped, begin, end + 1 - begin);
+            if (dumped[end] == '\n') {
+                result.append(4, ' ');
+            }
+            begin = end + 1;
+        }
+    }
+    return result + "\n  " + text.substr(at + before.size());
 }
 
 std::string lineOf(const Json& document) {

@@ -147,7 +147,7 @@ class Matching {
                 std::any_of(policy.entries.begin(), policy.entries.end(),
                             [&](const EntryView& each) { return each.entry == entry.entry; });
             for (int n = 1; isOwner; ++n) {
-                const std::string keyword = "AppliesTo." + std::to_string(n);
+                std::string keyword = "AppliesTo." + std::to_string(n);
                 if (policy.policy->find(keyword) == nullptr) {
                     return keyword;
                 }

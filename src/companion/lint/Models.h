@@ -5,7 +5,6 @@
 #include "foundation/Fault.h"
 #include "model/Configuration.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -50,7 +49,16 @@ struct LineSettings {
     std::int32_t init = init_choice::quick;
     std::int32_t writeCache = write_cache::notGiven;
     std::int32_t sizeMb = sizeFill;
-    friend auto operator<=>(const LineSettings&, const LineSettings&) = default;
+    friend bool operator<(const LineSettings& a, const LineSettings& b) {
+        return a.asTuple() < b.asTuple();
+    }
+
+  private:
+    [[nodiscard]] std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t, std::int32_t,
+                             std::int32_t>
+    asTuple() const {
+        return {stripeSize, readAhead, rebuildRate, init, writeCache, sizeMb};
+    }
 };
 
 /// What happens to further logical drives of an array.

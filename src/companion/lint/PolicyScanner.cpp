@@ -284,7 +284,7 @@ class Scanner {
         } else if (isSkipping_) {
             return;
         } else if (current_ == none) {
-            failAt(line, "ZX003", line.piece(body.first, line.text.size()),
+            failAt(line, "ZX003", line.trimmed(body.first, line.text.size() - body.first),
                    "text before the first policy",
                    {"a policy begins with a line such as [Policy.web]"});
             isSkipping_ = true;

@@ -210,6 +210,7 @@ class Capturer {
                                   ? "the serial number of the machine is not known"
                                   : "the serial number of the machine is a placeholder: " +
                                         printable(machine.serialNumber);
+            finding.detail = machine.serialNumber.isEmpty() ? firmware.fault : "";
             finding.help = {"give it: --serial NUMBER"};
             snapshot_.findings.push_back(std::move(finding));
         }

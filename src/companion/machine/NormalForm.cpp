@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -25,19 +26,20 @@ using Span = std::vector<std::string>;
 
 /// A location such as "32:4" as numbers, so that "32:10" stands behind "32:9".
 struct LocationKey {
-    std::vector<std::int32_t> numbers;
+    std::array<std::int32_t, 3> numbers{};
     std::string_view text;
 
     explicit LocationKey(std::string_view location) : text(location) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            numbers.push_back(text::leadingInt(text::token(location, ":", i)));
-        }
         if (location.starts_with(':')) { // in no enclosure
             numbers = {-1, text::leadingInt(location.substr(1)), 0};
+            return;
+        }
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            numbers.at(i) = text::leadingInt(text::token(location, ":", i));
         }
     }
     friend bool operator<(const LocationKey& a, const LocationKey& b) {
-        return std::pair(a.numbers, a.text) < std::pair(b.numbers, b.text);
+        return std::tie(a.numbers, a.text) < std::tie(b.numbers, b.text);
     }
 };
 

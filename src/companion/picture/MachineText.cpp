@@ -128,70 +128,90 @@ class Writer {
         return shortened(state, brevity.columns);
     }
 
-    /// The tables of the drives, with their titles before or above them.
-    [[nodiscard]] Table driveTable(const std::vector<DriveRow>& rows, bool stacked,
+    /// The tables of the drives, one line of names before the drives of each row.
+    [[nodiscard]] Table driveTable(const std::vector<DriveRow>& rows,
                                    const Brevity& brevity) const {
-        Table table(stacked ? 4 : 2);
-        const auto add = [&](const std::string& title, std::vector<TableCell> cells) {
-            if (!stacked) {
-                cells.insert(cells.begin(), {title, Emphasis::heading});
-            }
-            table.add(std::move(cells));
-        };
+        Table table(0);
         for (const DriveRow& row : rows) {
-            add(row.title, {{"no", Emphasis::dim, true},
-                            {"location", Emphasis::dim},
-                            {"size", Emphasis::dim, true},
-                            {"drive", Emphasis::dim},
-                            {"state", Emphasis::dim},
-                            {"in", Emphasis::dim}});
+            table.add({{"no", Emphasis::dim, true},
+                       {"location", Emphasis::dim},
+                       {"size", Emphasis::dim, true},
+                       {"drive", Emphasis::dim},
+                       {"state", Emphasis::dim},
+                       {"in", Emphasis::dim}});
             for (const DriveRow::Slot& slot : row.slots) {
-                if (!slot.drive) {
-                    continue;
+                if (slot.drive) {
+                    table.add(cellsOf(controller_.drives[*slot.drive], brevity));
                 }
-                const MachineDrive& drive = controller_.drives[*slot.drive];
-                const Emphasis emphasis = emphasisOf(drive);
-                add("", {{numberOf(drive), emphasis == Emphasis::plain ? Emphasis::bold : emphasis,
-                          true},
-                         {printable(drive.facts.location), emphasis},
-                         {sizeText(drive.facts.capacityBytes), emphasis, true},
-                         {driveName(drive.facts, brevity), emphasis},
-                         {stateOf(drive.facts, brevity), emphasis},
-                         {jobOf(drive), emphasis == Emphasis::plain ? Emphasis::bold : emphasis}});
             }
         }
         return table;
     }
 
+    [[nodiscard]] static std::vector<TableCell> cellsOf(const MachineDrive& drive,
+                                                        const Brevity& brevity) {
+        const Emphasis emphasis = emphasisOf(drive);
+        const Emphasis strong = emphasis == Emphasis::plain ? Emphasis::bold : emphasis;
+        return {{numberOf(drive), strong, true},
+                {printable(drive.facts.location), emphasis},
+                {sizeText(drive.facts.capacityBytes), emphasis, true},
+                {driveName(drive.facts, brevity), emphasis},
+                {stateOf(drive.facts, brevity), emphasis},
+                {jobOf(drive), strong}};
+    }
+
     /// The titles stand before the tables where there is room for it; else above them, and what is
-    /// still too wide is cut.
+    /// still too wide is shortened.
     void drives() {
         const std::vector<DriveRow> rows = driveRowsOf(controller_);
-        if (const Table table = driveTable(rows, false, {}); table.width() <= width_) {
-            out_ += table.text(style_);
-            return;
+        constexpr std::size_t indent = 2;
+        std::size_t titleColumns = 0;
+        for (const DriveRow& row : rows) {
+            titleColumns = std::max(titleColumns, columnsOf(row.title));
         }
-        const auto fits = [&](const Brevity& brevity) {
-            return driveTable(rows, true, brevity).width() <= width_;
-        };
-        Brevity brevity;
-        brevity.wholeStates = fits(brevity);
-        brevity.manufacturers = fits(brevity);
-        if (!fits(brevity)) {
-            brevity.columns = 32;
-            while (brevity.columns > 12 && !fits(brevity)) {
-                --brevity.columns;
-            }
+        titleColumns += indent + 2;
+        Table table = driveTable(rows, {});
+        const bool isBeside = titleColumns + table.width() <= width_;
+        if (!isBeside) {
+            titleColumns = 2 * indent;
+            shorten(table, rows, width_ - titleColumns);
         }
-        const std::vector<std::string> lines = driveTable(rows, true, brevity).lines(style_);
+        const std::vector<std::string> lines = table.lines(style_);
+        const std::string blanks(titleColumns, ' ');
         std::size_t next = 0;
         for (const DriveRow& row : rows) {
-            out_ += "  " + emphasized(row.title, Emphasis::heading, style_) + "\n";
-            const auto drives = std::count_if(row.slots.begin(), row.slots.end(),
-                                              [](const auto& slot) { return slot.drive; });
-            for (std::size_t i = 0; i <= static_cast<std::size_t>(drives); ++i) {
-                out_ += lines[next++];
+            out_.append(indent, ' ');
+            out_ += emphasized(row.title, Emphasis::heading, style_);
+            if (isBeside) {
+                out_.append(titleColumns - indent - columnsOf(row.title), ' ');
+            } else {
+                out_ += "\n" + blanks;
             }
+            out_ += lines[next++];
+            for (const DriveRow::Slot& slot : row.slots) {
+                if (slot.drive) {
+                    out_ += blanks + lines[next++];
+                }
+            }
+        }
+    }
+
+    /// Makes the table anew, as much shorter as it must be.
+    void shorten(Table& table, const std::vector<DriveRow>& rows, std::size_t width) const {
+        Brevity brevity;
+        const auto fits = [&] { return table.width() <= width; };
+        const auto make = [&] { table = driveTable(rows, brevity); };
+        if (!fits()) {
+            brevity.wholeStates = false;
+            make();
+        }
+        if (!fits()) {
+            brevity.manufacturers = false;
+            make();
+        }
+        for (std::size_t columns = 32; columns >= 12 && !fits(); --columns) {
+            brevity.columns = columns;
+            make();
         }
     }
 

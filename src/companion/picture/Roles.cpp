@@ -4,7 +4,6 @@
 #include "companion/text/Terminal.h"
 
 #include <algorithm>
-#include <compare>
 #include <limits>
 #include <map>
 #include <string_view>
@@ -27,7 +26,9 @@ enum class PlaceKind { enclosure, channel, none };
 struct RowKey {
     PlaceKind kind = PlaceKind::none;
     std::int32_t number = 0;
-    friend auto operator<=>(const RowKey&, const RowKey&) = default;
+    friend bool operator<(const RowKey& a, const RowKey& b) {
+        return std::tie(a.kind, a.number) < std::tie(b.kind, b.number);
+    }
 };
 
 RowKey rowKeyOf(const DriveFacts& drive) {
@@ -344,7 +345,7 @@ std::vector<std::string> abilitiesOf(const Facts& facts) {
 
 std::string productText(const ControllerSnapshot& controller) {
     const std::string product = printable(controller.facts.productName);
-    const std::string model = printable(controller.model);
+    std::string model = printable(controller.model);
     if (product.empty() || product == model) {
         return model;
     }

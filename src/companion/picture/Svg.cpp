@@ -414,7 +414,8 @@ class Writer {
         text(box, 33, "number", look.ink, numberOf(drive) + (warns ? " !" : ""), 17);
         text(box, 47, "", look.ink, sizeText(drive.facts.capacityBytes));
         text(box, 59, "", look.ink, lastCharacters(drive.facts.serialNumber, 4));
-        text(box, 80, "mark", bandInk, bandText(drive), 15);
+        const Box band{box.x + 3, box.y, box.width - 6, box.height};
+        text(band, 80, "mark", bandInk, bandText(drive), 15);
         out_ += "</g>\n";
     }
 

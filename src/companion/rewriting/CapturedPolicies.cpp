@@ -64,7 +64,7 @@ bool meansAnother(const ControllerList& controllers, const ControllerSnapshot& d
 
 std::string appliesTo(const ControllerList& controllers, const ControllerSnapshot& details,
                       const WantedLayout& layout) {
-    const std::string number = "c:" + std::to_string(details.number);
+    std::string number = "c:" + std::to_string(details.number);
     if (!ControllerCatalogue::isValidControllerName(details.model)) {
         return number;
     }

@@ -95,7 +95,7 @@ class Comparison {
                               sizeText(made.sizeMb, fills));
         }
         compareStripSize(wanted);
-        if (traits_.writes.writeCache && wanted.writeCache != write_cache::notGiven &&
+        if (layout_.effects.writeCache && wanted.writeCache != write_cache::notGiven &&
             made.writeCache != wanted.writeCache) {
             tell("ZC112", who + " with " + cacheText(wanted.writeCache) + " would come back with " +
                               cacheText(made.writeCache));
@@ -108,7 +108,7 @@ class Comparison {
         const bool isMirror =
             drive.raidLevel == raid_level::raid1 &&
             (traits_.dialect == Dialect::conf || traits_.dialect == Dialect::hyperwin);
-        if (!traits_.writes.stripeSize || isMirror) {
+        if (!layout_.effects.stripeSize || isMirror) {
             return 0;
         }
         if (drive.facts != nullptr && drive.facts->stripSizeBytes) {
@@ -146,11 +146,11 @@ class Comparison {
     }
 
     void compareSettings() {
-        if (traits_.writes.readAhead && planned_.readAhead != layout_.readAhead) {
+        if (layout_.effects.readAhead && planned_.readAhead != layout_.readAhead) {
             tell("ZC112", std::string("read-ahead ") + readAheadWord(layout_.readAhead) +
                               " would come back as " + readAheadWord(planned_.readAhead));
         }
-        if (traits_.writes.rebuildRate && planned_.rebuildRate != layout_.rebuildRate) {
+        if (layout_.effects.rebuildRate && planned_.rebuildRate != layout_.rebuildRate) {
             tell("ZC112", std::string("rebuild rate ") + rebuildRateWord(layout_.rebuildRate) +
                               " would come back as " + rebuildRateWord(planned_.rebuildRate));
         }
@@ -273,6 +273,14 @@ void tellLogicalDrive(const WantedLayout& layout, const WantedLogicalDrive& driv
              who + " is " + (facts.reportedState.empty() ? "not well" : facts.reportedState) +
                  ": the policy may not be what it was when it was well",
              {"mend it first, then capture again"});
+    }
+    const TypeTraits& traits = traitsOf(layout.controller->type());
+    if (traits.writes.stripeSize && !layout.effects.stripeSize && facts.stripSizeBytes &&
+        drive.raidLevel != raid_level::raid1) {
+        tell("ZC118", Severity::note,
+             who + " has a strip size of " + std::to_string(*facts.stripSizeBytes / 1024) +
+                 " KB: zolex gives " + layout.details->utility +
+                 " none, so that the controller's own comes back");
     }
     if (!facts.name.empty()) {
         tell("ZC117", Severity::note,

@@ -44,13 +44,13 @@ class Writer {
     std::string settings() {
         std::string text;
         // zolex refuses policies with one that it does not take: that of the plan is told instead.
-        if (traits_.writes.stripeSize && takesStripSize(*layout_.controller, layout_.stripeSize)) {
+        if (layout_.effects.stripeSize && takesStripSize(*layout_.controller, layout_.stripeSize)) {
             text += entry(keyword::stripeSize, stripeSizeWord(layout_.stripeSize));
         }
-        if (traits_.writes.rebuildRate) {
+        if (layout_.effects.rebuildRate) {
             text += entry(keyword::rebuildRate, rebuildRateWord(layout_.rebuildRate));
         }
-        if (traits_.writes.readAhead) {
+        if (layout_.effects.readAhead) {
             text += entry(keyword::readAhead, readAheadWord(layout_.readAhead));
         }
         return text.empty() ? text : text + "\n";
@@ -117,7 +117,7 @@ class Writer {
     std::string logicalDrive(const WantedLogicalDrive& drive) {
         std::string value(1, static_cast<char>('A' + drive.array));
         value += ":" + size(drive) + ":" + level(drive.raidLevel);
-        if (traits_.writes.writeCache && drive.writeCache != write_cache::notGiven) {
+        if (layout_.effects.writeCache && drive.writeCache != write_cache::notGiven) {
             value += drive.writeCache == write_cache::off ? ":OFF" : ":ON";
         }
         return value;

@@ -1,5 +1,7 @@
 #include "companion/rewriting/WantedLayout.h"
 
+#include "commands/CommandLines.h"
+#include "foundation/Report.h"
 #include "model/TypeTraits.h"
 
 #include <algorithm>
@@ -78,6 +80,59 @@ bool isPermutation(const std::vector<DrivePosition>& a, const std::vector<DriveP
     return a.size() == b.size() && std::is_permutation(a.begin(), a.end(), b.begin());
 }
 
+/// Whether the lines that make a layout differ between these two values of a setting.
+template <typename Change>
+bool changesLines(const RAIDController& controller, std::int32_t number, const Change& change,
+                  std::int32_t one, std::int32_t other) {
+    const auto linesWith = [&](std::int32_t value) {
+        RAIDConfiguration layout = *controller.captured();
+        change(layout, value);
+        SilentReport report;
+        return commandLines(controller, number, layout, {}, report).lines;
+    };
+    return linesWith(one) != linesWith(other);
+}
+
+/// The layout with this write cache for all its logical drives.
+void setWriteCaches(RAIDConfiguration& layout, std::int32_t writeCache) {
+    RAIDConfiguration changed;
+    changed.rebuildRate = layout.rebuildRate;
+    changed.readAhead = layout.readAhead;
+    changed.stripeSize = layout.stripeSize;
+    changed.init = layout.init;
+    for (const RaidArray& array : layout.arrays()) {
+        changed.addArray(array);
+    }
+    for (LogicalDrive drive : layout.logicalDrives()) {
+        drive.writeCache = writeCache;
+        changed.addLogicalDrive(std::move(drive));
+    }
+    for (const Hotspare& hotspare : layout.hotspares()) {
+        changed.addHotspare(hotspare);
+    }
+    layout = std::move(changed);
+}
+
+SettingEffects effectsOf(const RAIDController& controller, std::int32_t number) {
+    const WrittenSettings written = traitsOf(controller.type()).writes;
+    const auto set = [](std::int32_t RAIDConfiguration::*member) {
+        return [member](RAIDConfiguration& layout, std::int32_t value) { layout.*member = value; };
+    };
+    SettingEffects effects;
+    effects.stripeSize =
+        written.stripeSize && changesLines(controller, number, set(&RAIDConfiguration::stripeSize),
+                                           stripe::kb32, stripe::kb64);
+    effects.readAhead =
+        written.readAhead && changesLines(controller, number, set(&RAIDConfiguration::readAhead),
+                                          read_ahead::on, read_ahead::off);
+    effects.rebuildRate = written.rebuildRate &&
+                          changesLines(controller, number, set(&RAIDConfiguration::rebuildRate),
+                                       rebuild_rate::high, rebuild_rate::low);
+    effects.writeCache = written.writeCache && changesLines(controller, number, setWriteCaches,
+                                                            write_cache::on, write_cache::off);
+    return effects;
+}
+
 /// Makes the layout of what was captured and of what the listings say.
 class Builder {
   public:
@@ -92,6 +147,7 @@ class Builder {
         layout_.stripeSize = configuration_.stripeSize;
         layout_.readAhead = configuration_.readAhead;
         layout_.rebuildRate = configuration_.rebuildRate;
+        layout_.effects = effectsOf(controller_, details_.number);
         for (const RaidArray& array : configuration_.arrays()) {
             layout_.arrays.push_back(array.drives());
         }

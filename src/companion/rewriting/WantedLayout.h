@@ -23,6 +23,15 @@ struct WantedLogicalDrive {
     const LogicalDriveFacts* facts = nullptr; ///< null: not told
 };
 
+/// Which settings reach the utility of a controller in its command lines. What does not is left to
+/// the controller, whatever a policy says.
+struct SettingEffects {
+    bool stripeSize = false;
+    bool readAhead = false;
+    bool rebuildRate = false;
+    bool writeCache = false;
+};
+
 /// What policies shall make again: the layout that zolex captured, with the members that the
 /// listings really name where a line was cut.
 struct WantedLayout {
@@ -34,6 +43,7 @@ struct WantedLayout {
     std::vector<std::vector<DrivePosition>> arrays;
     std::vector<WantedLogicalDrive> logicalDrives;
     std::vector<DrivePosition> hotspares;
+    SettingEffects effects; ///< of these logical drives
     /// Whether some drive has no number, so that those of the others would be others without it.
     bool numbersAreShaky = false;
 

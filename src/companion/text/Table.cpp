@@ -50,11 +50,15 @@ std::string Table::text(const TextStyle& style) const {
 }
 
 std::size_t Table::width() const {
-    std::size_t width = 0;
-    for (const std::string& line : lines(TextStyle{false, 80})) {
-        width = std::max(width, columnsOf(line) - 1);
+    std::size_t width = indent_;
+    std::size_t gap = 0; // before the next column
+    for (const std::size_t column : columnWidths()) {
+        if (column > 0) {
+            width += gap + column;
+            gap = gap_;
+        }
     }
-    return width;
+    return gap == 0 ? 0 : width;
 }
 
 std::string foldedText(const std::vector<std::string>& pieces, std::string_view separator,

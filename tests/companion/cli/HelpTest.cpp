@@ -48,7 +48,7 @@ TEST(Help, OfACommandNamesItsOptionsAndExamples) {
               "Exit code: 0 it was told, 2 there is no such code.\n"
               "\n"
               "options:\n"
-              "  --format FORMAT             how to write it: text\n"
+              "  --format FORMAT             how to write it: text, json\n"
               "  -o, --output FILE           write to FILE, which is replaced as a whole\n"
               "\n"
               "options of every command:\n"

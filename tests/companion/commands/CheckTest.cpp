@@ -1,5 +1,6 @@
 #include "companion/commands/Commands.h"
 #include "companion/commands/PolicyFiles.h"
+#include "companion/recording/RecordedRuns.h"
 #include "companion/support/KeptDocument.h"
 #include "support/FakePlatform.h"
 #include "support/TemporaryDirectory.h"
@@ -494,6 +495,40 @@ TEST_F(CheckTest, EndsWith2WhenTheOutputCannotBeWritten) {
     EXPECT_EQ(run({"p.ini"}), 2);
     EXPECT_EQ(error(), "error: none/out.txt: there is no such file or folder\n"
                        "  help: name another file with -o; nothing was written\n");
+}
+
+TEST_F(CheckTest, LooksAtRecordedMachines) {
+    test::layOut(folder);
+    test::Server server("single");
+    ASSERT_EQ(test::runRecord(server, "a.zrec").exitCode, 0);
+    folder.write("p.ini", "[Policy.web]\nAppliesTo.1 = c:2\n");
+    folder.write("fleet/a.zrec", read("a.zrec"));
+    context.format = Format::concise;
+    CheckOptions options;
+    options.files = {"p.ini"};
+    EXPECT_EQ(run(options), 0);
+    EXPECT_EQ(output(), "");
+    for (const char* machines : {"a.zrec", "fleet"}) {
+        options.machines = {machines};
+        EXPECT_EQ(run(options), 1);
+        EXPECT_NE(output().find("[ZX707]\n"), std::string::npos);
+        EXPECT_EQ(error(), "");
+    }
+}
+
+TEST_F(CheckTest, TellsOfRecordingsThatCannotBeRead) {
+    folder.write("p.ini", sound);
+    CheckOptions options;
+    options.files = {"p.ini"};
+    options.machines = {"none.zrec"};
+    EXPECT_EQ(run(options), 2);
+    EXPECT_EQ(output(), "");
+    EXPECT_EQ(error().substr(0, 18), "error: none.zrec: ");
+    context.format = Format::json;
+    EXPECT_EQ(run(options), 2);
+    const std::string document = output();
+    test::keepDocument("check-without-machine", document);
+    EXPECT_NE(document.find("\"the recordings of --machine cannot be read\""), std::string::npos);
 }
 
 } // namespace

@@ -140,6 +140,55 @@ TEST(Doctor, EverySampleIsWellAndStaysAsItWas) {
     }
 }
 
+TEST(Doctor, OnARecordingItTellsWhatItToldOfTheMachine) {
+    for (const std::string& sample : SimulatedPlatform::samples()) {
+        SimulatedPlatform platform(sample);
+        const Examined live = runWrapped(platform);
+        MachineOptions options;
+        Context recording{platform, {}, Format::text, "made.zrec", {}, {}, false, false, {}};
+        recording.machine.utilitiesFolder = "tools";
+        ASSERT_EQ(record(recording, {}), exit_code::done) << platform.consoleFake.error;
+        options.recording = "made.zrec";
+        platform.devices.clear();
+        platform.children.clear();
+        platform.now = {2001, 1, 1, 0, 0, 0};
+        const Examined replayed = run(platform, Format::text, false, options);
+        EXPECT_EQ(withoutTimes(replayed.output), withoutTimes(live.output));
+        EXPECT_EQ(replayed.code, live.code);
+        EXPECT_TRUE(platform.children.empty());
+    }
+}
+
+/// One that `show` has kept does not hold the verb.
+TEST(Doctor, ARecordingWithoutTheVerbTellsNothingOfExitCodes) {
+    SimulatedPlatform platform("single");
+    addFile(platform, "UTIL.BAT");
+    addFile(platform, "hwdetect.exe");
+    Context context{platform, {}, Format::text, "", {}, {}, false, false, {}};
+    context.machine.utilitiesFolder = "tools";
+    context.machine.record = "kept.zrec";
+    ASSERT_EQ(show(context, {}), exit_code::done);
+    MachineOptions options;
+    options.recording = "kept.zrec";
+    const Examined examined = run(platform, Format::text, false, options);
+    EXPECT_EQ(examined.code, exit_code::done) << examined.output;
+    EXPECT_TRUE(examined.output.starts_with("UTIL.BAT        ok      " + pathOf("UTIL.BAT") + "\n"))
+        << examined.output;
+}
+
+TEST(Doctor, QuietlyItTellsWhatIsWrongAlone) {
+    SimulatedPlatform platform("single");
+    addFile(platform, "UTIL.BAT");
+    addFile(platform, "hwdetect.exe");
+    Context context{platform, {}, Format::text, "", {}, {}, true, false, {}};
+    context.machine.utilitiesFolder = "tools";
+    EXPECT_EQ(doctor(context), exit_code::done);
+    EXPECT_EQ(platform.consoleFake.takeOutput(), "");
+    platform.devices.clear();
+    EXPECT_EQ(doctor(context), exit_code::found);
+    EXPECT_TRUE(platform.consoleFake.output.starts_with("error: machine: no PCI function"));
+}
+
 /// Is the wrapper right: a verb that there is not must end with another code than 0.
 TEST(Doctor, AWrapperThatLosesExitCodesIsFound) {
     SimulatedPlatform platform("single");

@@ -3,6 +3,7 @@
 #include "companion/facts/FactsReader.h"
 #include "companion/facts/VirtualListings.h"
 #include "model/Codes.h"
+#include "roles/Roles.h"
 #include "support/TestData.h"
 
 #include <gtest/gtest.h>
@@ -71,12 +72,34 @@ TEST(BrokenListings, NoListing) {
               Lines{"0:2 no listing, but \"The driver is not loaded.\""});
     EXPECT_EQ(brokenIn(controller_type::lsiSas, "ERROR: " + std::string(100, 'x') + "\n"),
               Lines{"0:1 no listing, but \"ERROR: " + std::string(53, 'x') + "...\""});
-    EXPECT_EQ(brokenDrives("Exit Code: 0x01\n"),
-              Lines{"1:1 the utility ended with exit code 0x01"});
+    EXPECT_EQ(brokenDrives("Exit Code: 0x01\n"), Lines{"1:1 no listing, but \"Exit Code: 0x01\""});
+    EXPECT_EQ(brokenDrives("Adapter #0\n\nExit Code: 0x01\n"),
+              Lines{"1:3 the utility ended with exit code 0x01"});
     EXPECT_EQ(brokenIn(controller_type::lsiIde,
                        "HyperWin Command Line Utility 1.07\nError: There is no adapter.\n"
                        "Error Code (hex)                : 0001\n"),
-              Lines{"0:3 the utility ended with error code 0001"});
+              Lines{"0:2 no listing, but \"Error: There is no adapter.\""});
+    EXPECT_EQ(brokenIn(controller_type::lsiIde, "Adapter 0\nError Code (hex) : 0001\n"),
+              Lines{"0:2 the utility ended with error code 0001"});
+}
+
+TEST(BrokenListings, AnswersOfUtilitiesThatRefuse) {
+    zolex_sim::Server server = test::sampleServer("mixed");
+    const auto answer = [&](std::int32_t type, const std::vector<std::string>& command) {
+        return brokenIn(type, zolex_sim::playUtility(server, command).output);
+    };
+    EXPECT_EQ(answer(controller_type::megaRaid, {"MEGACLI", "-pdList", "-a7"}),
+              Lines{"0:2 no listing, but \"User specified controller is not present.\""});
+    EXPECT_EQ(answer(controller_type::arcconf7, {"ARCCONF", "GETCONFIG", "7", "AL"}),
+              Lines{"0:2 no listing, but \"Controller 7 does not exist.\""});
+    EXPECT_EQ(answer(controller_type::hrconf8, {"HRCONF", "GETCONFIG", "7", "AL"}),
+              Lines{"0:2 no listing, but \"Controller 7 does not exist.\""});
+    EXPECT_EQ(answer(controller_type::family, {"QTCSEND", "GETCONFIG", "7", "AL"}),
+              Lines{"0:2 no listing, but \"Error: There is no controller 7.\""});
+    EXPECT_EQ(answer(controller_type::lsiSas, {"CFGGEN", "7", "DISPLAY"}),
+              Lines{"0:2 no listing, but \"ERROR: There is no controller 7.\""});
+    EXPECT_EQ(answer(controller_type::lsiScsi, {"CFGGEN1.02.02", "7", "DISPLAY"}),
+              Lines{"0:2 no listing, but \"ERROR: There is no controller 7.\""});
 }
 
 TEST(BrokenListings, ThoseThatBreakOff) {
@@ -161,15 +184,15 @@ TEST(BrokenListings, CountsOfTheListing) {
                                              "Virtual Drives    : 1", "Virtual Drives    : 3"),
                                     "Disks           : 5", "Disks           : 6")});
     EXPECT_EQ(test::brokenLines(facts),
-              (Lines{"2:55 \"Virtual Drives\" says 3, and 1 logical drives are listed",
+              (Lines{"2:55 \"Virtual Drives\" says 3, and 1 logical drive is listed",
                      "2:59 \"Disks\" says 6, and 5 physical drives are listed"}));
     EXPECT_EQ(brokenIn(controller_type::arcconf7, replaced(arcconf(), ": 1/0/0", ": 2/0/0")),
-              Lines{"0:14 \"Logical drives/Offline/Critical\" says 2, and 1 logical drives are "
+              Lines{"0:14 \"Logical drives/Offline/Critical\" says 2, and 1 logical drive is "
                     "listed"});
     EXPECT_EQ(brokenIn(controller_type::arcconf7,
                        replaced(arcconf(), "State                              : Online",
                                 "State                              : Defunct")),
-              Lines{"0:13 \"Defunct disk drive count\" says 0, and 1 failed drives are listed"});
+              Lines{"0:13 \"Defunct disk drive count\" says 0, and 1 failed drive is listed"});
 }
 
 TEST(BrokenListings, MemberLinesThatZolexWouldCut) {

@@ -132,7 +132,7 @@ TEST(CompareReadings, ReadingsThatContradictEachOther) {
               Lines{"! layout: zolex captures none of 2 logical drives"});
     EXPECT_EQ(differencesBetween(theirs, ours),
               (Lines{"! layout: 0 logical drives, and 2 to zolex",
-                     "! layout: 1 hot spares to zolex, of which 0 are listed"}));
+                     "! layout: 1 hot spare to zolex, of which 0 are listed"}));
     zolex_sim::Server fewer = bare;
     fewer.controllers.front().drives.resize(7);
     const std::vector<std::string> of7 = test::listingsOf(fewer, fewer.controllers.front());

@@ -383,6 +383,28 @@ TEST(FactsReader, MembersAreTheDrivesWhereThereIsNoListOfThem) {
     EXPECT_EQ(test::brokenLines(facts), Lines());
 }
 
+TEST(FactsReader, ListsThatNameTheMembersThatAreLeft) {
+    for (const char* list :
+         {"(Channel,Device)                : 0,2 DDD 0,0 0,1 ", "(Channel,Device) DDD: 0,0 0,1"}) {
+        const std::string listing = replaced(readTestData("arcconf-getconfig-plain.txt"),
+                                             "(Channel,Device)                : 0,0 0,1 ", list);
+        const Facts facts = readFacts(controller_type::arcconf7, std::vector<std::string>{listing});
+        EXPECT_EQ(facts.logicalDrives.at(0).spans, (std::vector<Lines>{{"0:0", "0:1"}})) << list;
+        EXPECT_EQ(test::brokenLines(facts), Lines());
+    }
+}
+
+TEST(FactsReader, HyperwinWithOtherMarks) {
+    const Facts facts = readFacts(controller_type::lsiIde,
+                                  std::vector<std::string>{"LOGICAL_ARRAY\n  -WRITE_CACHE\n"
+                                                           "RAID_MODE=MIRROR\n"
+                                                           "TOTAL_PHYSICAL_DRIVES 2\n"
+                                                           "Error Code (hex) 0000\n"});
+    EXPECT_EQ(test::describe(facts).back(),
+              "logical 0 \"\" array 0 RAID1 [1 2] strip - WriteThrough ok");
+    EXPECT_EQ(test::brokenLines(facts), Lines());
+}
+
 TEST(FactsReader, UnknownKeysAreCountedWithTheirFirstLine) {
     std::string listing = readTestData("arcconf-getconfig-plain.txt");
     for (int i = 0; i < 3; ++i) {

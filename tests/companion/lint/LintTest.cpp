@@ -71,6 +71,14 @@ TEST(Lint, HasNoOtherFindingInAFileThatIsNoText) {
     EXPECT_EQ(idsOf("\xEF\xBB\xBF" + faulty, {{"ZX1"}, {}}), "");
 }
 
+TEST(Lint, FindingsEndWithinTheirLine) {
+    const std::vector<Finding> findings =
+        lint(scanPolicies("p.ini", "  no policy  \n"), {{"ZX0"}, {}});
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].start, (TextPlace{1, 3, 2}));
+    EXPECT_EQ(findings[0].end, (TextPlace{1, 12, 11}));
+}
+
 TEST(Lint, GoesOnBehindEachFault) {
     EXPECT_EQ(idsOf("text\nmore text\n"
                     "[Policy.a\n"

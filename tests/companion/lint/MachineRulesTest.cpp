@@ -543,5 +543,35 @@ AppliesTo.1 = t:LSI-MegaRAID-8480,d:5
 )");
 }
 
+TEST(ZX712OnAMachine, ADriveWithoutAJob) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = t:LSI-MegaRAID-8480,d:3
+Array_Mode = CUSTOM
+Array.A = 1,2
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:1:ON
+)"),
+        R"(1:1 note ZX712: controller 1 of KQ10Z7V: 1 drive gets no job: 32:2
+  help: list them, or leave it so
+)");
+}
+
+TEST(ZX712OnAMachine, EachDriveHasOne) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = t:LSI-MegaRAID-8480,d:3
+Array_Mode = CUSTOM
+Array.A = 1,2
+Hotspares = 3
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:1:ON
+)"),
+        "");
+}
+
 } // namespace
 } // namespace zolex::companion

@@ -5,6 +5,7 @@
 #include "companion/machine/Capture.h"
 #include "companion/support/SimulatedPlatform.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>

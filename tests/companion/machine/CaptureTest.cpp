@@ -560,6 +560,11 @@ TEST(Capture, NamesOfTheMachineComeFromOptionsTheDetectorAndTheFirmwareInThisOrd
             << row.about;
         EXPECT_EQ(platform.asked, row.asked) << row.about;
         EXPECT_EQ(texts(snapshot.findings), row.findings) << row.about;
+        if (row.firmware.machineType.empty()) {
+            ASSERT_EQ(snapshot.findings.size(), 2U);
+            EXPECT_EQ(snapshot.findings[0].detail, "cannot read it");
+            EXPECT_EQ(snapshot.findings[1].detail, "cannot read it");
+        }
     }
 }
 
@@ -663,6 +668,52 @@ TEST(Capture, WhatZolexLeavesOutOfALayoutIsTold) {
     }
     EXPECT_EQ(snapshot.faults.size(), 1U);
     EXPECT_EQ(snapshot.coreMessages.size(), 1U);
+}
+
+/// A list of members beyond 198 bytes is cut by zolex: its last member becomes another drive.
+TEST(Capture, AMemberThatZolexCutsFromALongLineIsTold) {
+    std::string members;
+    for (int device = 4; device < 36; ++device) {
+        members += (device == 4 ? "\"2:" : ", \"2:") + std::to_string(device) + "\"";
+    }
+    std::string text = R"({"machineType": "8840", "serialNumber": "KQ1", "controllers": [
+        {"utility": "ARCCONF", "model": "Kestrix-B7", "productName": "Norvik Kestrix B7",
+         "pci": {"bus": 2, "device": 1, "vendorId": "0x9005", "deviceId": "0x0286"},
+         "drives": [{"channel": 2, "device": 0, "count": 36, "sizeMB": 70006}],
+         "virtualDisks": [{"level": "RAID0", "spans": [[)" +
+                       members + "]]}]}]}";
+    SimulatedPlatform platform(text);
+    platform.respond = [&platform](const std::string& line) {
+        ChildResult result = platform.play(line);
+        // The utility may put blanks between the key and the list.
+        const std::size_t key = result.output.find("Channel,Device");
+        const std::size_t colon = result.output.find(':', key);
+        if (key != std::string::npos) {
+            const std::size_t end = result.output.find('\n', colon);
+            if (end - key < 200) {
+                result.output.insert(colon, std::string(200 - (end - key), ' '));
+            }
+        }
+        return result;
+    };
+    const Snapshot snapshot = captureMachine(platform, {});
+    EXPECT_EQ(texts(snapshot.details.at(0).findings),
+              (Texts{"ZP113 logical drive 1: its members are not the same to zolex (32, and 29)",
+                     "ZP112 UTIL.BAT ARCCONF GETCONFIG 1 AL, line 40: line of 213 bytes: zolex "
+                     "takes 198 of them as one line"}));
+}
+
+/// On these utilities a failed drive keeps its number.
+TEST(Capture, AFailedDriveKeepsItsNumberWhereZolexCountsIt) {
+    for (const char* const sample : {"arcconf", "hrconf", "qtcsend"}) {
+        SimulatedPlatform platform(sample);
+        platform.server.controllers[0].drives[3].status = zolex_sim::DriveStatus::failed;
+        const Snapshot snapshot = captureMachine(platform, {});
+        const ControllerSnapshot& controller = snapshot.details.at(0);
+        EXPECT_EQ(controller.drives.at(3).policyNumber, 4) << sample;
+        EXPECT_EQ(controller.drives[3].facts.state, DriveState::failed) << sample;
+        EXPECT_EQ(texts(controller.findings), Texts()) << sample;
+    }
 }
 
 } // namespace

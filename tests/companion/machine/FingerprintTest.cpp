@@ -86,6 +86,22 @@ TEST(Fingerprint, EachFieldChangesItsPartAlone) {
     }
 }
 
+/// Every controller behind it has another number then, and policies with c: mean another one.
+TEST(Fingerprint, ACardThatIsAddedAtALowerBusMakesAnotherMachine) {
+    SimulatedPlatform platform("two-controllers");
+    const Fingerprint before = fingerprintOf(captureMachine(platform, {}));
+    PciDevice card;
+    card.bus = 1;
+    card.vendorId = 0x9005;
+    card.deviceId = 0x0286;
+    platform.devices.push_back(card);
+    const Fingerprint after = fingerprintOf(captureMachine(platform, {}));
+    EXPECT_NE(after.identity, before.identity);
+    ASSERT_EQ(after.controllers.size(), 3U);
+    EXPECT_EQ(after.controllers[1].serialNumber, before.controllers[0].serialNumber);
+    EXPECT_EQ(after.controllers[1].number, 2);
+}
+
 TEST(Fingerprint, FieldsDoNotRunIntoEachOther) {
     Snapshot one = captured("single");
     one.machine = {"AB", "C"};

@@ -106,17 +106,18 @@ TEST(CapturedPolicies, WriteSizesInMbWhenTheyShallBeExact) {
 TEST(CapturedPolicies, SayThatThereAreNoHotSparesAndKeepSizes) {
     const CapturedPolicies policies = captured("qtcsend");
     EXPECT_TRUE(policies.comesBack);
-    EXPECT_EQ(told(policies), "");
+    EXPECT_EQ(told(policies),
+              "controller 1: logical drive 1 has a strip size of 16 KB: zolex gives QTCSEND none, "
+              "so that the controller's own comes back [ZC118]\n"
+              "controller 1: logical drive 2 has a strip size of 16 KB: zolex gives QTCSEND none, "
+              "so that the controller's own comes back [ZC118]\n");
     EXPECT_EQ(entries(policies), "AppliesTo.1 = t:Kestrix-A4,d:8\n"
-                                 "StripeSize = 16\n"
-                                 "RebuildRate = HIGH\n"
-                                 "ReadAhead = ADAPTIVE\n"
                                  "Array_Mode = CUSTOM\n"
                                  "Array.A = 1,2,3\n"
                                  "Array_Defaults = 0%:0\n"
                                  "Logical_Mode = CUSTOM\n"
-                                 "Logical.1 = A:20000:5:OFF\n"
-                                 "Logical.2 = A:15000:0:OFF\n");
+                                 "Logical.1 = A:20000:5\n"
+                                 "Logical.2 = A:15000:0\n");
 }
 
 TEST(CapturedPolicies, OfControllersWithoutArraysSayThatThereAreNone) {

@@ -27,6 +27,7 @@ class UnpausedPlatform : public Platform {
     std::unique_ptr<PCI_DevList_VC> pciDevices() override { return system_->pciDevices(); }
     void pauseOneSecond() override {}
     LocalTime localTime() override { return system_->localTime(); }
+    FirmwareNames firmware() override { return system_->firmware(); }
 
   private:
     std::unique_ptr<Platform> system_;
