@@ -174,7 +174,7 @@ class EntryCheck {
             const bool isAlone = entry_.value.text.empty();
             sink_.add("ZX203", specifier,
                       isAlone ? entry_.keyword.text + " has no value"
-                              : "no specifier between two commas",
+                              : "no specifier " + commaWords(entry_.value, specifier),
                       {isAlone ? std::string(specifiersHelp) : "take one comma out"});
             return;
         }

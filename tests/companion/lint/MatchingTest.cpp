@@ -61,7 +61,7 @@ AppliesTo.1 = m:8837
 AppliesTo.1 = m:8838
 AppliesTo.2 = m:8837,d:4
 )"),
-              R"(5:15 warning ZX202: AppliesTo.2 can never be what Policy.two is used by
+              R"(5:15 warning ZX202: AppliesTo.2 adds no controller to Policy.two
   help: each controller that it fits fits AppliesTo.1 of Policy.one (line 2) before it
 )");
 }
@@ -72,7 +72,7 @@ AppliesTo.1 = c:1
 AppliesTo.2 = c:1,d:4
 AppliesTo.3 = c:2
 )"),
-              R"(3:15 warning ZX202: AppliesTo.2 can never be what Policy.one is used by
+              R"(3:15 warning ZX202: AppliesTo.2 adds no controller to Policy.one
   help: each controller that it fits fits AppliesTo.1 (line 2) before it
 )");
 }

@@ -74,7 +74,7 @@ p.ini:2:21: error: "99999999999" is no number of drives [ZX203]
     {"ZX203", "emptyItem",
      "[Policy.web]\n" "AppliesTo.1 = c:1,\n",
      "[Policy.web]\n" "AppliesTo.1 = c:1\n",
-     R"(p.ini:2:19: error: no specifier between two commas [ZX203]
+     R"(p.ini:2:19: error: no specifier behind the last comma [ZX203]
    2 | AppliesTo.1 = c:1,
      |                   ^
    help: take one comma out

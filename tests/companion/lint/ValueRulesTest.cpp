@@ -116,6 +116,14 @@ std::vector<Case> valueCases() {
      |             ^^^
    help: only an array can be ALL: name the drives
 )"},
+    {"ZX104", "emptyFirst",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = ,1\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = 1\n",
+     R"(p.ini:4:11: error: no drive before the first comma of Array.A [ZX104]
+   4 | Array.A = ,1
+     |           ^
+   help: take one comma out
+)"},
     {"ZX104", "emptyItem",
      "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = 1,,2\n",
      "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = 1,2\n",
