@@ -104,6 +104,9 @@ std::string quoted(std::string_view text) {
 }
 
 std::vector<std::string> commentHelp(std::string_view value) {
+    if (value.find(" #") != std::string_view::npos) {
+        return {"a comment needs a line of its own, with \";\" before it"};
+    }
     if (value.find(';') == std::string_view::npos) {
         return {};
     }

@@ -138,6 +138,20 @@ AppliesTo.4 = t:LSI-IDEal-RAID,d:3
 )");
 }
 
+TEST(ZX206, ACommentBehindAMachineType) {
+    EXPECT_EQ(
+        lintText(R"([Policy.one]
+AppliesTo.1 = m:8837 ; web servers
+AppliesTo.2 = s:KQ10Z7V # spare
+AppliesTo.3 = m:88;37
+)"),
+        R"(2:22 warning ZX206: AppliesTo.1 can hold for no controller: the comment is a part of the value
+  help: give the comment a line of its own, with ";" before it
+3:25 warning ZX206: AppliesTo.2 can hold for no controller: the comment is a part of the value
+  help: give the comment a line of its own, with ";" before it
+)");
+}
+
 TEST(ZX206, AtTheLimits) {
     EXPECT_EQ(lintText(R"([Policy.one]
 AppliesTo.1 = c:36
