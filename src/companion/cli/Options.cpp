@@ -70,7 +70,7 @@ constexpr std::array<OptionRow, 24> options{{
     {"--machine", "", "PATH", "hold the files against this recording, or all of a folder",
      only(Command::check), true, faultOfText},
     {"--select", "", "IDS", "only these rules, such as ZX301,ZX5", only(Command::check), true,
-     faultOfRules},
+     faultOfSelected},
     {"--ignore", "", "IDS", "all but these rules", only(Command::check), true, faultOfRules},
     {"--as-old", "", "", "say what zolex itself would say of the file", only(Command::check)},
     {"--fix", "", "", "mend in the files what can be mended safely", only(Command::check)},

@@ -1,10 +1,12 @@
 #include "companion/cli/Values.h"
 
 #include "companion/cli/Suggestion.h"
+#include "companion/lint/Rules.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <span>
 
 namespace zolex::companion {
 
@@ -151,6 +153,22 @@ std::string faultOfRules(std::string_view text) {
             std::all_of(id.begin() + 2, id.end(), [](char c) { return c >= '0' && c <= '9'; });
         if (!isRule) {
             return inQuotes(part) + " is no rule, nor the beginning of one, such as ZX301 or ZX5";
+        }
+    }
+    return {};
+}
+
+std::string faultOfSelected(std::string_view text) {
+    std::string fault = faultOfRules(text);
+    if (!fault.empty()) {
+        return fault;
+    }
+    for (const std::string& part : parts(text)) {
+        const std::string id = upper(part);
+        const std::span<const Rule> all = rules();
+        if (std::none_of(all.begin(), all.end(),
+                         [&id](const Rule& rule) { return rule.id.substr(0, id.size()) == id; })) {
+            return "there is no rule " + inQuotes(part);
         }
     }
     return {};

@@ -256,6 +256,11 @@ std::vector<std::string> explainedCodes() {
 }
 
 std::optional<std::string> nearestCode(std::string_view text) {
+    if (!text.empty() && text.front() != '0') {
+        if (const Rule* rule = findRule("ZX" + std::string(text))) {
+            return std::string(rule->id);
+        }
+    }
     for (const std::string_view prefix :
          {std::string_view("ZX"), std::string_view("ZP"), ownPrefix, std::string_view()}) {
         if (auto nearest = nearestNumber(prefix, text)) {

@@ -76,7 +76,8 @@ std::vector<std::string> itemHelp(const Piece& item, bool isArray) {
 /// A fault of the form of one drive.
 void addItem(FindingSink& sink, const DocumentEntry& entry, const Piece& item, bool isArray) {
     if (item.text.empty()) {
-        sink.add("ZX104", item, "no drive between two commas of " + entry.keyword.text,
+        sink.add("ZX104", item,
+                 "no drive " + commaWords(entry.value, item) + " of " + entry.keyword.text,
                  {"take one comma out"});
         return;
     }

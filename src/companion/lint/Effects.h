@@ -10,4 +10,7 @@ namespace zolex::companion {
 /// by making the lines for each value that the setting may have.
 void checkEffects(const PolicyView& policy, Models& models, FindingSink& sink);
 
+/// All rules of group 4 on one policy.
+void checkLogicalRules(const PolicyView& policy, Models& models, FindingSink& sink);
+
 } // namespace zolex::companion

@@ -82,8 +82,7 @@ class Matching {
         const EntryView& first = policy.entries[shadow.entry];
         const std::string owner = shadow.policy == p ? "" : " of " + policy.name();
         sink_.add("ZX202", entry.entry->value,
-                  entry.entry->keyword.text + " can never be what " + policies_[p].name() +
-                      " is used by",
+                  entry.entry->keyword.text + " adds no controller to " + policies_[p].name(),
                   {"each controller that it fits fits " + first.entry->keyword.text + owner +
                    " (line " + std::to_string(first.entry->keyword.start.line) + ") before it"});
     }

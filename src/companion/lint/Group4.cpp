@@ -414,12 +414,16 @@ class LogicalChecks {
 
 } // namespace
 
+void checkLogicalRules(const PolicyView& policy, Models& models, FindingSink& sink) {
+    LogicalChecks(policy, models, sink).check();
+    checkEffects(policy, models, sink);
+}
+
 void checkGroup4(const PolicyDocument& document, FindingSink& sink) {
     Models models;
     for (const PolicyView& policy : viewPolicies(document)) {
         if (!policy.policy->isQuiet) {
-            LogicalChecks(policy, models, sink).check();
-            checkEffects(policy, models, sink);
+            checkLogicalRules(policy, models, sink);
         }
     }
 }

@@ -1,4 +1,5 @@
 #include "commands/CommandLines.h"
+#include "companion/lint/Effects.h"
 #include "companion/lint/Entries.h"
 #include "companion/lint/MachineCase.h"
 #include "companion/lint/RuleGroups.h"
@@ -43,6 +44,10 @@ constexpr std::array<FaultRule, 11> faultRules = {{
 }};
 // clang-format on
 
+/// Those of group 4 that ask for a model and that planning does not tell.
+constexpr std::array<std::string_view, 6> modelRules = {"ZX401", "ZX404", "ZX405",
+                                                        "ZX407", "ZX408", "ZX412"};
+
 /// The rule's own words for a fault that only this machine has.
 std::string faultWords(const Fault& fault, std::size_t drives) {
     const std::string wanted = fault.wanted.c_str();
@@ -64,7 +69,7 @@ std::string faultWords(const Fault& fault, std::size_t drives) {
     case FaultKind::planArrayUnknown:
         return "no drive remains for Array." + wanted;
     case FaultKind::planRaidLevelUnsupported:
-        return "RAID level " + wanted + " is not possible, but " + fault.possible.c_str();
+        return "RAID level " + wanted + " is not possible";
     case FaultKind::planRaidLevelDriveCount:
         return wanted.empty() ? "no RAID level fits an array of " +
                                     countOf(static_cast<std::size_t>(fault.number), "drive")
@@ -73,7 +78,7 @@ std::string faultWords(const Fault& fault, std::size_t drives) {
     case FaultKind::planTooManyLogicalDrives:
         return "this makes more than " + number + " logical drives";
     default:
-        return "a strip size of " + wanted + " KB is not possible, but " + fault.possible.c_str();
+        return "a strip size of " + wanted + " KB is not possible";
     }
 }
 
@@ -133,9 +138,57 @@ class Machines {
             tellFault(machine);
             break;
         case Outcome::planned:
+            checkModel(machine);
             break;
         }
         checkDrives(machine, sink_);
+    }
+
+    /// The rules that ask for a model, for the one that is here: AppliesTo need not name it.
+    void checkModel(const MachineCase& machine) {
+        if (machine.policy == nullptr || machine.policy->entries.empty()) {
+            return;
+        }
+        PolicyView narrowed = *machine.policy;
+        narrowed.entries.resize(1);
+        EntryView& entry = narrowed.entries.front();
+        entry.isReadable = true;
+        entry.given.controllerType = CString(machine.detail.model);
+        entry.given.numberOfDrives = machine.controller.numberOfDrives();
+        FindingSink own{std::string()};
+        checkLogicalRules(narrowed, models_, own);
+        for (const Finding& finding : own.findings()) {
+            if (std::find(modelRules.begin(), modelRules.end(), finding.code) != modelRules.end()) {
+                addOfModel(machine, finding, placeOf(entry));
+            }
+        }
+    }
+
+    /// Whether it says no more than that a setting has no effect here. Policies for several models
+    /// give what some of them take.
+    static bool isIdleSetting(const MachineCase& machine, const Finding& finding) {
+        const std::vector<DriveListView>& arrays = machine.policy->arrays;
+        return finding.code == "ZX408" && finding.severity == Severity::warning &&
+               std::none_of(arrays.begin(), arrays.end(), [&finding](const DriveListView& list) {
+                   return list.entry->value.start == finding.start;
+               });
+    }
+
+    void addOfModel(const MachineCase& machine, const Finding& finding, const std::string& entry) {
+        std::vector<std::string> help;
+        for (const std::string& line : finding.help) {
+            const bool isOfEntry = line.compare(0, entry.size(), entry) == 0;
+            if (!isOfEntry) {
+                help.push_back(line);
+            }
+        }
+        Finding& added = sink_.add(finding.code, finding.start, finding.end,
+                                   machine.name() + ": " + finding.summary, std::move(help));
+        added.severity = isIdleSetting(machine, finding) ? Severity::note : finding.severity;
+        added.refusedBy = finding.refusedBy;
+        added.otherStart = finding.otherStart;
+        added.otherEnd = finding.otherEnd;
+        added.other = finding.other;
     }
 
     /// ZX707: of each policy why it does not fit.
@@ -201,9 +254,28 @@ class Machines {
                                   [](const MachineDrive& drive) {
                                       return drive.policyNumber.has_value();
                                   }))),
-            numberlessDrives(machine));
+            helpOf(machine, fault));
         finding.severity = Severity::error;
         finding.refusedBy = RefusedBy::plan;
+    }
+
+    static bool isOfLevel(const Fault& fault) {
+        return fault.kind == FaultKind::planRaidLevelUnsupported ||
+               fault.kind == FaultKind::planRaidLevelDriveCount;
+    }
+
+    static std::vector<std::string> helpOf(const MachineCase& machine, const Fault& fault) {
+        const std::string possible = fault.possible.c_str();
+        if (fault.kind == FaultKind::planRaidLevelUnsupported) {
+            return {machine.detail.model + " has " + possible};
+        }
+        if (fault.kind == FaultKind::planStripeSizeUnsupported) {
+            return {machine.detail.model + " takes " + possible};
+        }
+        if (isOfLevel(fault)) {
+            return {"change the list of drives, or the level"};
+        }
+        return numberlessDrives(machine);
     }
 
     /// The drives that the planner does not see, where one is missing.
@@ -225,6 +297,9 @@ class Machines {
         if (entry == nullptr) {
             return nullptr;
         }
+        if (isOfLevel(fault)) {
+            return placeOfLevel(*machine.policy, *entry);
+        }
         const std::string wanted = fault.wanted.c_str();
         for (const DriveListView& list : machine.policy->arrays) {
             if (list.entry == entry) {
@@ -234,6 +309,16 @@ class Machines {
         return machine.policy->hotspares && machine.policy->hotspares->entry == entry
                    ? pieceOf(*machine.policy->hotspares, wanted)
                    : &entry->value;
+    }
+
+    static const Piece* placeOfLevel(const PolicyView& policy, const DocumentEntry& entry) {
+        const auto found =
+            std::find_if(policy.logicalDrives.begin(), policy.logicalDrives.end(),
+                         [&entry](const LogicalView& view) { return view.entry == &entry; });
+        return found != policy.logicalDrives.end() ? &found->level
+               : policy.logicalDefaults && policy.logicalDefaults->entry == &entry
+                   ? &policy.logicalDefaults->level
+                   : &entry.value;
     }
 
     static const Piece* pieceOf(const DriveListView& list, const std::string& wanted) {
@@ -293,6 +378,7 @@ class Machines {
 
     const std::vector<PolicyView> views_;
     const PolicyList& policies_;
+    Models models_;
     FindingSink& sink_;
 };
 

@@ -62,6 +62,7 @@ class PlannedDrives {
             checkSizes(i);
             checkKinds(i);
             checkRoom(i);
+            checkOverfull(i);
             checkEnclosures(i);
             checkMemberLine(i);
         }
@@ -326,6 +327,42 @@ class PlannedDrives {
         }
     }
 
+    /// ZX110: a size in MB that is larger than what the logical drives before it leave.
+    void checkOverfull(std::size_t index) {
+        const RaidArray& array = layout().arrays()[index];
+        double left = static_cast<double>(array.capacityMb);
+        for (std::size_t i = 0; i < layout().logicalDrives().size() && left > 0.0; ++i) {
+            const LogicalDrive& logical = layout().logicalDrives()[i];
+            if (logical.arrayIndex != static_cast<std::int32_t>(index)) {
+                continue;
+            }
+            const std::optional<double> used = usedMb(array, logical);
+            if (!used) {
+                return;
+            }
+            const LogicalView* view = viewOf(i);
+            const bool isMb = view != nullptr && view->given.size.kind == DriveSize::Kind::mb;
+            if (isMb && *used > left + 1.0) {
+                const auto room = static_cast<std::int64_t>(
+                    left * usableFraction(logical.raidLevel, array.driveCount()));
+                tellOverfull(*view, index, room);
+            }
+            left -= *used;
+        }
+    }
+
+    void tellOverfull(const LogicalView& view, std::size_t index, std::int64_t room) {
+        Finding& finding = machine_.add(
+            sink_, "ZX110", &view.size,
+            nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
+                view.entry->keyword.text + " asks for " + std::to_string(view.given.size.value),
+            {machine_.detail.utility +
+                 " refuses the command, exit code 11, when those before it are done",
+             "write FILL for all that is left"});
+        finding.severity = Severity::error;
+        finding.refusedBy = RefusedBy::utility;
+    }
+
     /// The entry that gives the logical drive of this index.
     [[nodiscard]] const LogicalView* viewOf(std::size_t index) const {
         if (machine_.policy->customLogicalDrives) {
@@ -578,6 +615,11 @@ class PlannedDrives {
         }
     }
 
+    /// Whether the utility's command names no drives, and so makes its array of all there are.
+    [[nodiscard]] bool takesAllDrives() const {
+        return machine_.controller.type() == controller_type::lsiIde;
+    }
+
     [[nodiscard]] std::string enclosureOf(DrivePosition position) const {
         return std::to_string(machine_.controller.targetId(position.channel, position.id));
     }
@@ -599,6 +641,9 @@ class PlannedDrives {
     // ZX712
 
     void checkIdle() {
+        if (takesAllDrives() && !layout().arrays().empty()) {
+            return;
+        }
         std::vector<const MachineDrive*> idle;
         for (const MachineDrive& drive : machine_.detail.drives) {
             const bool isFree = drive.policyPosition && !isBad(drive) && !isInUse(drive) &&

@@ -120,6 +120,13 @@ std::vector<Finding> lint(const PolicyDocument& document,
                    told.severity >= finding.severity;
         });
     });
+    // Nor is a guess told where a machine shows the fault itself.
+    std::erase_if(findings, [&more](const Finding& finding) {
+        return finding.code == "ZX604" &&
+               std::any_of(more.begin(), more.end(), [&finding](const Finding& certain) {
+                   return certain.code == "ZX403" && certain.start == finding.start;
+               });
+    });
     std::move(more.begin(), more.end(), std::back_inserter(findings));
     arrangeFindings(document, selection, findings);
     return findings;

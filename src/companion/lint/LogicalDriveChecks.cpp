@@ -159,11 +159,24 @@ class LogicalDrives {
             return;
         }
         const std::vector<ColonField> fields = colonFields(entry->value);
+        if (namesArray(fields)) {
+            const std::string& value = entry->value.text;
+            sink_.add("ZX106", fields.front().piece(entry->value),
+                      "Logical_Defaults names no array: it holds for each",
+                      {"write Logical_Defaults = " + value.substr(value.find(':') + 1)});
+            return;
+        }
         if (fields.size() == 2 || fields.size() == 3) {
             checkFields(*entry, fields, 0, sink_);
             return;
         }
         addForm(*entry, "it is size:level(:cache), such as 100%:5:ON");
+    }
+
+    /// Whether it is written like `Logical.<n>`: the letter of an array, and then what it shall be.
+    static bool namesArray(const std::vector<ColonField>& fields) {
+        return fields.size() >= 3 && fields.size() <= 4 && fields[0].raw.size() == 1 &&
+               isSize(fields[1].raw) && isLevel(fields[2].raw);
     }
 
     void addForm(const DocumentEntry& entry, std::string example) {
@@ -184,7 +197,7 @@ class LogicalDrives {
         if (isCustom(keyword::logicalMode) && find(1) == nullptr) {
             sink_.add("ZX107", policy_,
                       "Logical_Mode = CUSTOM without Logical.1 in " + policy_.name.text,
-                      {"add Logical.1 = A:FILL:5 or the logical drive that it shall have"});
+                      {helpWithoutFirst()});
             return;
         }
         std::int32_t missing = 0;
@@ -260,6 +273,15 @@ class LogicalDrives {
             finding.otherEnd = earlier->entry->keyword.end;
             finding.other = "the other one";
         }
+    }
+
+    [[nodiscard]] std::string helpWithoutFirst() const {
+        for (std::int32_t n = 2; n <= keyword::lastLogical; ++n) {
+            if (const DocumentEntry* entry = find(n)) {
+                return "numbers have no gap: call " + entry->keyword.text + " Logical.1";
+            }
+        }
+        return "add Logical.1 = A:FILL:5 or the logical drive that it shall have";
     }
 
     /// ZX110.

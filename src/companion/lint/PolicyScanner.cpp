@@ -45,11 +45,14 @@ bool isPolicyName(std::string_view name) {
 
 /// The name with what no name may hold as "-".
 std::string mendedName(std::string_view name) {
+    // Blanks and a second "[" before it are no part of it.
+    name = text::trim(name.substr(std::min(name.find_first_not_of(" \t["), name.size())));
     std::string rest(text::trim(hasNamePrefix(name) ? name.substr(namePrefix.size()) : name));
+    const bool isReadable = std::any_of(rest.begin(), rest.end(), isNameCharacter);
     for (char& c : rest) {
         c = isNameCharacter(c) ? c : '-';
     }
-    return std::string(namePrefix) + (rest.empty() ? "name" : rest);
+    return std::string(namePrefix) + (isReadable ? rest : "name");
 }
 
 /// What zolex reads as one line: a line of the file, or 255 bytes of a longer one.

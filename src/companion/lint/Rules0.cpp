@@ -78,8 +78,8 @@ constexpr std::array<Rule, 14> rows = {{
     {"ZX012", error, zolex, "a line of more than 255 characters",
      "zolex reads 255 characters of a line; what is beyond is a line of its own to it. The "
      "value is cut, and the rest is refused, or is taken for an entry: the tail of a long "
-     "comment can change an array. Where zolex takes the file all the same this is a "
-     "warning.",
+     "comment can change an array. A comment whose tail is blank or a comment does no harm: "
+     "that is a warning.",
      "Break a long comment. Long lists of drives have no second line: name the drives in two"
      " arrays."},
     {"ZX013", error, zolex, "no policy in the file",

@@ -69,7 +69,8 @@ constexpr std::array<Rule, 11> rows = {{
      "Give it an array of its own; the levels 5E and 5EE keep room for a spare on all of it."},
     {"ZX110", warning, nobody, "more than the whole array is given away",
      "zolex plans it as it stands. The utility refuses the logical drive that finds no room,"
-     " exit code 11, when those before it are made already.",
+     " exit code 11, when those before it are made already. Sizes in MB are held against the "
+     "drives with --machine.",
      "Percentages are of the whole array and together at most 100%. FILL takes all that is "
      "left, so it comes last:"
      "\n  Logical.1 = A:40%:5"

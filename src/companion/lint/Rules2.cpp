@@ -42,8 +42,9 @@ constexpr std::array<Rule, 7> rows = {{
      "Write the value, or ALL for every controller of every server."},
     {"ZX206", warning, nobody, "an AppliesTo entry that no controller fulfils",
      "There are at most 36 controllers in a machine, 15 of one utility, 144 drives on a "
-     "controller and 2 on one of HYPERWIN. The entry matches nothing, and its controllers are "
-     "skipped, exit code 0.",
+     "controller and 2 on one of HYPERWIN. Behind m: and s: a comment is a part of the value, "
+     "which no machine has. The entry matches nothing, and its controllers are skipped, exit "
+     "code 0.",
      "zolexctl show tells number, model and drives of each controller."},
     {"ZX207", note, nobody, "several policies for one model, and none for the rest of it",
      "A controller of this model that none of them fits is skipped: it keeps what it has, and "

@@ -122,6 +122,19 @@ class EntryCheck {
         return true;
     }
 
+    /// ZX206: zolex takes any machine type and serial number, and a comment behind one with it.
+    void checkComment(const Piece& specifier) {
+        const std::size_t semicolon = specifier.text.find(" ;");
+        const std::size_t comment =
+            semicolon == std::string::npos ? specifier.text.find(" #") : semicolon;
+        if (comment != std::string::npos) {
+            sink_.add("ZX206", partOf(specifier, comment + 1, specifier.text.size() - comment - 1),
+                      entry_.keyword.text +
+                          " can hold for no controller: the comment is a part of the value",
+                      {"give the comment a line of its own, with \";\" before it"});
+        }
+    }
+
     static bool isLater(std::string_view specifier) {
         return specifier.size() > 2 && text::lower(specifier[0]) == 't' && specifier[1] == ':' &&
                isLaterModel(specifier.substr(2));
@@ -130,6 +143,7 @@ class EntryCheck {
     bool checkSpecifier(const Piece& specifier) {
         // A model that zolexctl alone knows is no error.
         if (isTaken(specifier.text) || isLater(specifier.text)) {
+            checkComment(specifier);
             return true;
         }
         const bool hasLetter = specifier.text.size() >= 2 && specifier.text[1] == ':';
@@ -174,7 +188,7 @@ class EntryCheck {
             const bool isAlone = entry_.value.text.empty();
             sink_.add("ZX203", specifier,
                       isAlone ? entry_.keyword.text + " has no value"
-                              : "no specifier between two commas",
+                              : "no specifier " + commaWords(entry_.value, specifier),
                       {isAlone ? std::string(specifiersHelp) : "take one comma out"});
             return;
         }
@@ -190,11 +204,12 @@ class EntryCheck {
     static std::vector<std::string> separatorHelp(std::string_view text) {
         const std::size_t semicolon = text.find(';');
         if (semicolon == std::string_view::npos) {
-            return {};
+            return commentHelp(text);
         }
         const std::string_view rest = text::trim(text.substr(semicolon + 1));
-        return isTaken(rest) ? std::vector<std::string>{"specifiers stand between commas"}
-                             : commentHelp(text);
+        const bool isSpecifier = isTaken(rest) && rest.find(':') != std::string_view::npos;
+        return isSpecifier ? std::vector<std::string>{"specifiers stand between commas"}
+                           : commentHelp(text);
     }
 
     const DocumentEntry& entry_;

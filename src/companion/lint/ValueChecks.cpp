@@ -84,6 +84,12 @@ std::string whatIsWrong(std::string_view keyword, std::string_view value) {
 
 } // namespace
 
+std::string commaWords(const Piece& list, const Piece& item) {
+    return item.start == list.start ? "before the first comma"
+           : item.end == list.end   ? "behind the last comma"
+                                    : "between two commas";
+}
+
 std::string quoted(std::string_view text) {
     constexpr std::size_t longestShown = 40;
     if (text.size() <= longestShown) {
@@ -98,6 +104,9 @@ std::string quoted(std::string_view text) {
 }
 
 std::vector<std::string> commentHelp(std::string_view value) {
+    if (value.find(" #") != std::string_view::npos) {
+        return {"a comment needs a line of its own, with \";\" before it"};
+    }
     if (value.find(';') == std::string_view::npos) {
         return {};
     }

@@ -28,6 +28,8 @@ void checkLogicalDrives(const DocumentPolicy& policy, FindingSink& sink);
 
 /// The text in quotation marks, cut after 40 bytes.
 [[nodiscard]] std::string quoted(std::string_view text);
+/// Where an empty item of a list with commas is: "between two commas", "behind the last comma".
+[[nodiscard]] std::string commaWords(const Piece& list, const Piece& item);
 /// Help for a value that holds a ";": no comment stands behind a value. Empty without a ";".
 [[nodiscard]] std::vector<std::string> commentHelp(std::string_view value);
 

@@ -100,6 +100,13 @@ std::string_view byteAt(std::string_view text, const TextPlace& place) {
                              : std::string_view();
 }
 
+/// Whether nothing but blanks stands before the place in its line.
+bool isFirstInLine(std::string_view text, const TextPlace& place) {
+    const auto before = static_cast<std::size_t>(place.column - 1);
+    const std::string_view line = text.substr(static_cast<std::size_t>(place.byte) - before);
+    return line.substr(0, before).find_first_not_of(" \t") == std::string_view::npos;
+}
+
 Mark markOf(const TextPlace& start, const TextPlace& end, std::string_view line) {
     const auto first = static_cast<std::size_t>(start.column) - 1;
     const bool sameLine = end.line == start.line && end.column > start.column;
@@ -195,7 +202,7 @@ std::size_t styleWidth(const TextStyle& style) {
 std::string sourceExcerpt(const Finding& finding, std::string_view text, const TextStyle& style) {
     const bool isOfFile = finding.start.byte == 0 && finding.start == finding.end;
     const bool isOfPolicy = isIn(text, finding.start) && byteAt(text, finding.start) == "[" &&
-                            byteAt(text, finding.end) == "]";
+                            isFirstInLine(text, finding.start) && byteAt(text, finding.end) == "]";
     if (!isIn(text, finding.start) || isOfFile || isOfPolicy) {
         return {};
     }

@@ -203,6 +203,9 @@ TEST(CommandLine, ChecksTheValues) {
     EXPECT_EQ(faultOf({"check", "a", "--select", "X1"}),
               "--select: \"X1\" is no rule, nor the beginning of one, such as ZX301 or ZX5\n"
               "zolexctl check --help");
+    EXPECT_EQ(faultOf({"check", "a", "--select", "ZX5,ZX499"}),
+              "--select: there is no rule \"ZX499\"\nzolexctl check --help");
+    EXPECT_EQ(requestOf({"check", "a", "--ignore", "ZX499"}).check.ignore, Words{"ZX499"});
     EXPECT_EQ(faultOf({"show", "-o", ""}), "--output: the value is empty\nzolexctl show --help");
 }
 

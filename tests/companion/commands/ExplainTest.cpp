@@ -90,6 +90,7 @@ TEST(Explain, AnUnknownCodeIsAnErrorThatNamesTheNearest) {
         {"XZ411", "zolexctl explain ZX411 is the nearest"},
         {"exit4", "zolexctl explain exit-4 is the nearest"},
         {"", "codes are such as ZX411, 11 (of zolex) and exit-4 (of zolexctl)"},
+        {"411", "zolexctl explain ZX411 is the nearest"},
         {"011", "zolexctl explain 11 is the nearest"},
     };
     for (const auto& [code, help] : cases) {

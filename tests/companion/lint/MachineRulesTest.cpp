@@ -573,5 +573,138 @@ Logical.1 = A:FILL:1:ON
         "");
 }
 
+TEST(ZX405OnAMachine, AModelThatAppliesToDoesNotName) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = d:3
+Array_Mode = CUSTOM
+Array.A = 1,2,3
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:50%:5:ON
+Logical.2 = A:FILL:5:ON
+)"),
+        R"(8:13 warning ZX405: controller 1 of KQ10Z7V: Logical.2 is not made: Array.A has Logical.1 already, see 7:13 first here
+  help: MEGACLI gets a command for Logical.1 alone, and zolex ends with 0
+  help: list the drives of Array.A again as a further array
+)");
+}
+
+TEST(ZX405OnAMachine, ARefusalThatAppliesToDoesNotShow) {
+    EXPECT_EQ(
+        machineText(arcServer(R"({"channel": 0, "device": 0, "count": 3, "sizeMB": 69889})"),
+                    R"([Policy.web]
+AppliesTo.1 = ALL
+Array_Mode = CUSTOM
+Array.A = 1:0,1:1,1:2
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:50%:5:ON
+Logical.2 = A:FILL:5:ON
+)"),
+        R"(8:13 error plan ZX405: controller 1 of KQ52A1R: ARCCONF makes one logical drive on an array: Logical.2 is the second on Array.A, see 7:13 first here
+  help: zolex ends with 11 here, and controllers before are configured
+)");
+}
+
+TEST(ZX408OnAMachine, HyperwinTakesBothDrives) {
+    EXPECT_EQ(machineText(R"({"machineType": "8482", "serialNumber": "KQ12D8W", "controllers": [{
+        "utility": "HYPERWIN", "model": "LSI-IDEal-RAID",
+        "pci": {"bus": 1, "device": 5, "vendorId": "0x1166", "deviceId": "0x0213"},
+        "drives": [{"id": 0, "count": 2, "sizeMB": 38154}]}]})",
+                          R"([Policy.web]
+AppliesTo.1 = d:2
+StripeSize = 64
+ReadAhead = ON
+Array_Mode = CUSTOM
+Array.A = 1
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:0
+)"),
+              R"(4:13 note ZX408: controller 1 of KQ12D8W: ReadAhead has no effect with HYPERWIN
+  help: leave it out
+6:11 warning ZX408: controller 1 of KQ12D8W: HYPERWIN takes both drives, whatever Array.A lists
+  help: what is on the other drive is lost, too
+)");
+}
+
+TEST(ZX110OnAMachine, SizesBeyondTheRoom) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = t:LSI-MegaRAID-8480,d:3
+Array_Mode = CUSTOM
+Array.A = 1,2,3
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:138900:5:ON
+)"),
+        R"(7:15 error utility ZX110: controller 1 of KQ10Z7V: Array.A has room for 138752 MB, and Logical.1 asks for 138900
+  help: MEGACLI refuses the command, exit code 11, when those before it are done
+  help: write FILL for all that is left
+)");
+}
+
+TEST(ZX110OnAMachine, SizesThatFit) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = t:LSI-MegaRAID-8480,d:3
+Array_Mode = CUSTOM
+Array.A = 1,2,3
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:138000:5:ON
+)"),
+        "");
+}
+
+TEST(ZX401OnAMachine, ALevelThatTheModelLacks) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 4, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = d:4
+Array_Mode = CUSTOM
+Array.A = 1,2,3,4
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:5EE:ON
+)"),
+        R"(7:20 error plan ZX401: controller 1 of KQ10Z7V: RAID level 5EE is not possible
+  help: LSI-MegaRAID-8480 has 0, 1, 5, 10, 50
+)");
+}
+
+TEST(ZX402OnAMachine, TheFileAloneTellsIt) {
+    EXPECT_EQ(
+        machineText(megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"),
+                    R"([Policy.web]
+AppliesTo.1 = d:3
+Array_Mode = CUSTOM
+Array.A = 1,2,3
+Array_Defaults = 0%:0
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:1:ON
+)"),
+        "");
+}
+
+TEST(ZX403OnAMachine, InsteadOfZX604) {
+    test::SimulatedPlatform platform(
+        megaServer(R"({"enclosure": 32, "slot": 0, "count": 3, "sizeMB": 69376})"));
+    const Snapshot snapshot = captureMachine(platform, {});
+    const PolicyDocument document = scanPolicies("p.ini", R"([Policy.web]
+AppliesTo.1 = d:3
+StripeSize = 256
+)");
+    EXPECT_EQ(
+        textOf(lint(document, {&snapshot}, {})),
+        R"(3:14 error plan ZX403: controller 1 of KQ10Z7V: a strip size of 256 KB is not possible
+  help: LSI-MegaRAID-8480 takes 8, 16, 32, 64, 128
+)");
+}
+
 } // namespace
 } // namespace zolex::companion

@@ -61,7 +61,7 @@ AppliesTo.1 = m:8837
 AppliesTo.1 = m:8838
 AppliesTo.2 = m:8837,d:4
 )"),
-              R"(5:15 warning ZX202: AppliesTo.2 can never be what Policy.two is used by
+              R"(5:15 warning ZX202: AppliesTo.2 adds no controller to Policy.two
   help: each controller that it fits fits AppliesTo.1 of Policy.one (line 2) before it
 )");
 }
@@ -72,7 +72,7 @@ AppliesTo.1 = c:1
 AppliesTo.2 = c:1,d:4
 AppliesTo.3 = c:2
 )"),
-              R"(3:15 warning ZX202: AppliesTo.2 can never be what Policy.one is used by
+              R"(3:15 warning ZX202: AppliesTo.2 adds no controller to Policy.one
   help: each controller that it fits fits AppliesTo.1 (line 2) before it
 )");
 }
@@ -135,6 +135,20 @@ AppliesTo.4 = t:LSI-IDEal-RAID,d:3
   help: zolexctl show tells number, model and drives of each controller
 5:32 warning ZX206: AppliesTo.4 can hold for no controller: LSI-IDEal-RAID has 2 drives at most
   help: zolexctl show tells number, model and drives of each controller
+)");
+}
+
+TEST(ZX206, ACommentBehindAMachineType) {
+    EXPECT_EQ(
+        lintText(R"([Policy.one]
+AppliesTo.1 = m:8837 ; web servers
+AppliesTo.2 = s:KQ10Z7V # spare
+AppliesTo.3 = m:88;37
+)"),
+        R"(2:22 warning ZX206: AppliesTo.1 can hold for no controller: the comment is a part of the value
+  help: give the comment a line of its own, with ";" before it
+3:25 warning ZX206: AppliesTo.2 can hold for no controller: the comment is a part of the value
+  help: give the comment a line of its own, with ";" before it
 )");
 }
 

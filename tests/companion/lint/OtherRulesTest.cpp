@@ -71,10 +71,27 @@ p.ini:2:21: error: "99999999999" is no number of drives [ZX203]
    help: specifiers stand between commas
    help: c: takes a whole number from 1
 )"},
+    {"ZX203", "commentLikeASpecifier",
+     "[Policy.web]\n" "AppliesTo.1 = ALL ; all\n",
+     "[Policy.web]\n" "; all\n" "AppliesTo.1 = ALL\n",
+     R"(p.ini:2:15: error: "ALL ; all" is no specifier [ZX203]
+   2 | AppliesTo.1 = ALL ; all
+     |               ^^^^^^^^^
+   help: a comment needs a line of its own: here it is a part of the value
+)"},
+    {"ZX203", "numberSign",
+     "[Policy.web]\n" "AppliesTo.1 = d:8 # eight\n",
+     "[Policy.web]\n" "AppliesTo.1 = d:8\n",
+     R"(p.ini:2:17: error: "8 # eight" is no number of drives [ZX203]
+   2 | AppliesTo.1 = d:8 # eight
+     |                 ^^^^^^^^^
+   help: a comment needs a line of its own, with ";" before it
+   help: d: takes a whole number from 1
+)"},
     {"ZX203", "emptyItem",
      "[Policy.web]\n" "AppliesTo.1 = c:1,\n",
      "[Policy.web]\n" "AppliesTo.1 = c:1\n",
-     R"(p.ini:2:19: error: no specifier between two commas [ZX203]
+     R"(p.ini:2:19: error: no specifier behind the last comma [ZX203]
    2 | AppliesTo.1 = c:1,
      |                   ^
    help: take one comma out

@@ -82,6 +82,22 @@ std::vector<Case> shapeCases() {
      |  ^^^
    help: a name is Policy. and letters, digits, ".", "_" or "-": [Policy.web]
 )"},
+    {"ZX004", "blankFirst",
+     "[ Policy.web ]\n" "AppliesTo.1 = ALL\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n",
+     R"(p.ini:1:2: error: invalid name of a policy: " Policy.web " [ZX004]
+   1 | [ Policy.web ]
+     |  ^^^^^^^^^^^^
+   help: a name is Policy. and letters, digits, ".", "_" or "-": [Policy.web]
+)"},
+    {"ZX004", "bracketTwice",
+     "[[Policy.web]\n" "AppliesTo.1 = ALL\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n",
+     R"(p.ini:1:2: error: invalid name of a policy: "[Policy.web" [ZX004]
+   1 | [[Policy.web]
+     |  ^^^^^^^^^^^
+   help: a name is Policy. and letters, digits, ".", "_" or "-": [Policy.web]
+)"},
     {"ZX004", "empty",
      "[Policy.]\n" "AppliesTo.1 = ALL\n",
      "[Policy.web]\n" "AppliesTo.1 = ALL\n",

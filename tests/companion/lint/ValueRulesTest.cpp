@@ -116,6 +116,30 @@ std::vector<Case> valueCases() {
      |             ^^^
    help: only an array can be ALL: name the drives
 )"},
+    {"ZX106", "defaultsWithAnArray",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Logical_Defaults = A:FILL:5\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Logical_Defaults = FILL:5\n",
+     R"(p.ini:3:20: error: Logical_Defaults names no array: it holds for each [ZX106]
+   3 | Logical_Defaults = A:FILL:5
+     |                    ^
+   help: write Logical_Defaults = FILL:5
+)"},
+    {"ZX107", "logicalFromTwo",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array.A = 1:0,1:1,1:2\n" "Array_Mode = CUSTOM\n"
+     "Logical_Mode = CUSTOM\n" "Logical.2 = A:FILL:5\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array.A = 1:0,1:1,1:2\n" "Array_Mode = CUSTOM\n"
+     "Logical_Mode = CUSTOM\n" "Logical.1 = A:FILL:5\n",
+     R"(p.ini:1:1: error: Logical_Mode = CUSTOM without Logical.1 in Policy.web [ZX107]
+   help: numbers have no gap: call Logical.2 Logical.1
+)"},
+    {"ZX104", "emptyFirst",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = ,1\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = 1\n",
+     R"(p.ini:4:11: error: no drive before the first comma of Array.A [ZX104]
+   4 | Array.A = ,1
+     |           ^
+   help: take one comma out
+)"},
     {"ZX104", "emptyItem",
      "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = 1,,2\n",
      "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Array_Mode = CUSTOM\n" "Array.A = 1,2\n",
