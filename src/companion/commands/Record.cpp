@@ -2,7 +2,8 @@
 
 #include "commands/CommandSource.h"
 #include "companion/commands/MachineAccess.h"
-#include "companion/json/RecordingFile.h"
+#include "companion/commands/RecordingOutput.h"
+#include "companion/json/RecordingLines.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/Examination.h"
 #include "companion/machine/ReadOnlyPlatform.h"
@@ -23,7 +24,7 @@ namespace {
 /// Keeps the calls in memory and, where there is a file, in it.
 class Keeper : public CallKeeper {
   public:
-    explicit Keeper(std::unique_ptr<RecordingWriter> writer) : writer_(std::move(writer)) {}
+    explicit Keeper(RecordingWriter* writer) : writer_(writer) {}
 
     void keep(const CallKind& call) override {
         if (writer_ != nullptr) {
@@ -31,12 +32,11 @@ class Keeper : public CallKeeper {
         }
         list.keep(call);
     }
-    [[nodiscard]] RecordingWriter* writer() { return writer_.get(); }
 
     CallList list;
 
   private:
-    std::unique_ptr<RecordingWriter> writer_;
+    RecordingWriter* writer_; ///< null: in memory alone
 };
 
 /// Asks what the commands of zolexctl and zolex ask of a machine, and the capture did not.
@@ -178,20 +178,22 @@ class Recorder {
     int run(Platform& machine, const Utilities& utilities) {
         Recording recording;
         recording.header = recordingHeader(context_, machine.localTime());
-        std::unique_ptr<RecordingWriter> writer;
-        if (!options_.redact) {
-            writer = startRecording(context_, context_.outputFile, recording.header);
-            if (writer == nullptr) {
-                return exit_code::notPossible;
-            }
+        Snapshot snapshot;
+        const auto fill = [&](RecordingWriter* writer) {
+            Keeper keeper(writer);
+            keeper.keep(UtilitiesCall{utilities});
+            snapshot = capture(machine, keeper);
+            recording.calls = std::move(keeper.list.calls);
+        };
+        std::string text;
+        if (options_.redact) {
+            fill(nullptr);
+            text = writeRedacted(snapshot, recording);
+        } else if (const auto bytes =
+                       makeRecording(context_, {context_.outputFile, "-o"}, recording.header,
+                                     [&fill](RecordingWriter& writer) { fill(&writer); })) {
+            text = countsText(snapshot, recording.calls, *bytes);
         }
-        Keeper keeper(std::move(writer));
-        keeper.keep(UtilitiesCall{utilities});
-        const Snapshot snapshot = capture(machine, keeper);
-        recording.calls = std::move(keeper.list.calls);
-        const std::string text = options_.redact
-                                     ? writeRedacted(snapshot, recording)
-                                     : finishFile(snapshot, recording, *keeper.writer());
         if (text.empty()) {
             return exit_code::notPossible;
         }
@@ -223,17 +225,6 @@ class Recorder {
         return countsText(snapshot, recording.calls, text.size()) + redactionText(redactor);
     }
 
-    std::string finishFile(const Snapshot& snapshot, const Recording& recording,
-                           RecordingWriter& writer) {
-        if (!writer.finish()) {
-            failWith(context_,
-                     printable(context_.outputFile) + ": the recording could not be written whole",
-                     "free some space, or name another file with -o");
-            return {};
-        }
-        return countsText(snapshot, recording.calls, writer.bytes());
-    }
-
     int judge(const Snapshot& snapshot) {
         if (snapshot.controllers.count() == 0) {
             return failWith(context_, "no supported RAID controller was found",
@@ -252,9 +243,13 @@ int record(Context& context, const RecordOptions& options) {
     if (context.outputFile.empty() || context.outputFile == "-") {
         return failWith(context, "record needs a file", "zolexctl record -o server.zrec");
     }
-    return lookAtMachine(context, [&](Platform& machine, const Utilities& utilities) {
-        return Recorder(context, options).run(machine, utilities);
-    });
+    try {
+        return lookAtMachine(context, [&](Platform& machine, const Utilities& utilities) {
+            return Recorder(context, options).run(machine, utilities);
+        });
+    } catch (const NoSuchController& missing) {
+        return failWith(context, missing.what(), "zolexctl show lists those that there are");
+    }
 }
 
 } // namespace zolex::companion
