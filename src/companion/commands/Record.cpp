@@ -10,6 +10,7 @@
 #include "companion/recording/RecordingPlatform.h"
 #include "companion/recording/Redaction.h"
 #include "companion/recording/ReplayPlatform.h"
+#include "companion/text/OutputFile.h"
 #include "companion/text/Sizes.h"
 #include "foundation/Report.h"
 #include "model/TypeTraits.h"
@@ -198,12 +199,24 @@ class Recorder {
             return exit_code::notPossible;
         }
         if (!context_.quiet) {
-            context_.platform.console().writeOutput(text);
+            tell(text);
         }
         return judge(snapshot);
     }
 
   private:
+    /// A recording that goes to a device may be read from there: nothing else goes to standard
+    /// output then.
+    void tell(const std::string& text) {
+        Console& console = context_.platform.console();
+        const std::string name = output_file::systemName(context_.outputFile);
+        if (output_file::standing(name) == output_file::Standing::device) {
+            console.writeError(text);
+        } else {
+            console.writeOutput(text);
+        }
+    }
+
     Snapshot capture(Platform& machine, Keeper& keeper) {
         RecordingPlatform recorder(machine, keeper);
         const CaptureRequest request = captureRequest(context_);

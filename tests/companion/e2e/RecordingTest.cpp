@@ -142,10 +142,12 @@ TEST(RecordingEndToEnd, OnAFullDeviceIsTold) {
 TEST(RecordingEndToEnd, ToAPipeIsWrittenStraight) {
     RecordedServer server("single");
     ASSERT_TRUE(server.isReady_);
-    const ProgramRun run = server.zolexctl({"record", "-o", "/dev/fd/1", "--quiet"});
+    const ProgramRun run = server.zolexctl({"record", "-o", "/dev/stdout"});
     EXPECT_EQ(0, run.exitCode) << run.error;
     EXPECT_EQ(0U, run.output.find("{\"format\":\"zolex-recording\"")) << run.output;
     EXPECT_NE(std::string::npos, run.output.find("\"sha256\"")) << run.output;
+    EXPECT_TRUE(run.output.ends_with("\"}\n")) << run.output;
+    EXPECT_EQ(0U, run.error.find("1 controller, 4 utility calls, ")) << run.error;
 }
 #endif
 
