@@ -16,15 +16,7 @@ class Doctor {
     explicit Doctor(Context& context) : context_(context) {}
 
     int run() {
-        const int code =
-            lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
-                try {
-                    return look(machine, utilities);
-                } catch (const NoSuchController& missing) {
-                    return failWith(context_, missing.what(),
-                                    "zolexctl doctor looks at all that there are");
-                }
-            });
+        const int code = lookOnce();
         // Whoever asked for a document gets one.
         if (!isDelivered_ && context_.format == Format::json) {
             return deliver(context_, failedDoctorDocument(context_.failures, head()))
@@ -35,6 +27,17 @@ class Doctor {
     }
 
   private:
+    int lookOnce() {
+        try {
+            return lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
+                return look(machine, utilities);
+            });
+        } catch (const NoSuchController& missing) {
+            return failWith(context_, missing.what(),
+                            "zolexctl doctor looks at all that there are");
+        }
+    }
+
     int look(Platform& machine, const Utilities& utilities) {
         const Snapshot snapshot = captureMachine(machine, captureRequest(context_));
         const std::vector<ExitCodeProbe> probes = probe(machine, snapshot);

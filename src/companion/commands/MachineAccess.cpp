@@ -1,5 +1,6 @@
 #include "companion/commands/MachineAccess.h"
 
+#include "companion/commands/RecordingOutput.h"
 #include "companion/json/RecordingFile.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/machine/System.h"
@@ -7,7 +8,6 @@
 #include "companion/recording/FolderEntries.h"
 #include "companion/recording/RecordingPlatform.h"
 #include "companion/recording/ReplayPlatform.h"
-#include "companion/text/OutputFile.h"
 #include "companion/text/Timestamp.h"
 #include "foundation/Text.h"
 
@@ -58,20 +58,15 @@ int lookReading(Context& context, Platform& machine, const Utilities& utilities,
 
 int lookRecorded(Context& context, Platform& machine, const Utilities& utilities,
                  const Look& look) {
-    const std::string& name = context.machine.record;
-    const auto writer =
-        startRecording(context, name, recordingHeader(context, machine.localTime()));
-    if (writer == nullptr) {
-        return exit_code::notPossible;
-    }
-    writer->keep(UtilitiesCall{utilities});
-    RecordingPlatform recorder(machine, *writer);
-    const int code = lookReading(context, recorder, utilities, look);
-    if (!writer->finish()) {
-        return failWith(context, printable(name) + ": the recording could not be written whole",
-                        "free some space, or name another file with --record");
-    }
-    return code;
+    int code = exit_code::notPossible;
+    const auto bytes =
+        makeRecording(context, {context.machine.record, "--record"},
+                      recordingHeader(context, machine.localTime()), [&](RecordingWriter& writer) {
+                          writer.keep(UtilitiesCall{utilities});
+                          RecordingPlatform recorder(machine, writer);
+                          code = lookReading(context, recorder, utilities, look);
+                      });
+    return bytes ? code : exit_code::notPossible;
 }
 
 int lookAt(Context& context, Platform& machine, const Utilities& utilities, const Look& look) {
@@ -126,25 +121,6 @@ RecordingHeader recordingHeader(Context& context, const LocalTime& now) {
     header.madeAt = timestampOf(now);
     header.system = system::isWindows ? "windows" : "linux";
     return header;
-}
-
-std::unique_ptr<RecordingWriter> startRecording(Context& context, const std::string& name,
-                                                const RecordingHeader& header) {
-    using output_file::Standing;
-    FileSystem& files = context.platform.files();
-    const Standing standing = output_file::standing(name);
-    std::unique_ptr<File> file;
-    if (standing == Standing::device) {
-        file = files.open(name, "w");
-    } else if (standing == Standing::nothing || standing == Standing::file) {
-        file = files.create(name, "", FileSystem::WhenInterrupted::kept);
-    }
-    if (file == nullptr) {
-        failWith(context, printable(name) + ": no recording can be made here",
-                 "name another file; nothing was asked of the machine");
-        return nullptr;
-    }
-    return std::make_unique<RecordingWriter>(std::move(file), header);
 }
 
 CaptureRequest captureRequest(Context& context) {

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "companion/commands/Context.h"
-#include "companion/json/RecordingFile.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/Snapshot.h"
 #include "companion/machine/Utilities.h"
 #include "companion/recording/Recording.h"
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,7 +16,8 @@ namespace zolex::companion {
 /// Looks at what the options name: at the machine, or at the recording in its place. `look` gets
 /// the platform that answers, in zolex's command lines, and the utilities that were found; its
 /// result is the exit code. With --record the calls are kept meanwhile. When the recording cannot
-/// be read or written, or lacks a call: a message, and exit_code::notPossible.
+/// be read or written, or lacks a call: a message, and exit_code::notPossible. NoSuchController is
+/// passed on; then nothing is kept.
 int lookAtMachine(Context& context,
                   const std::function<int(Platform& machine, const Utilities& utilities)>& look);
 
@@ -43,11 +42,6 @@ loadMachines(Context& context, const std::vector<std::string>& paths);
 
 /// What a recording that is made now says of itself.
 [[nodiscard]] RecordingHeader recordingHeader(Context& context, const LocalTime& now);
-
-/// Begins a recording in a file, which is made anew; null after a message. What a link or a folder
-/// of this name is stays.
-[[nodiscard]] std::unique_ptr<RecordingWriter>
-startRecording(Context& context, const std::string& name, const RecordingHeader& header);
 
 /// "note: server.zrec:7:1: the last line was cut and is left out [ZR107]", with its line end.
 [[nodiscard]] std::string findingLine(const Finding& finding, const TextStyle& style);

@@ -2,13 +2,15 @@
 
 #include "commands/CommandSource.h"
 #include "companion/commands/MachineAccess.h"
-#include "companion/json/RecordingFile.h"
+#include "companion/commands/RecordingOutput.h"
+#include "companion/json/RecordingLines.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/Examination.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/recording/RecordingPlatform.h"
 #include "companion/recording/Redaction.h"
 #include "companion/recording/ReplayPlatform.h"
+#include "companion/text/OutputFile.h"
 #include "companion/text/Sizes.h"
 #include "foundation/Report.h"
 #include "model/TypeTraits.h"
@@ -23,7 +25,7 @@ namespace {
 /// Keeps the calls in memory and, where there is a file, in it.
 class Keeper : public CallKeeper {
   public:
-    explicit Keeper(std::unique_ptr<RecordingWriter> writer) : writer_(std::move(writer)) {}
+    explicit Keeper(RecordingWriter* writer) : writer_(writer) {}
 
     void keep(const CallKind& call) override {
         if (writer_ != nullptr) {
@@ -31,12 +33,11 @@ class Keeper : public CallKeeper {
         }
         list.keep(call);
     }
-    [[nodiscard]] RecordingWriter* writer() { return writer_.get(); }
 
     CallList list;
 
   private:
-    std::unique_ptr<RecordingWriter> writer_;
+    RecordingWriter* writer_; ///< null: in memory alone
 };
 
 /// Asks what the commands of zolexctl and zolex ask of a machine, and the capture did not.
@@ -178,30 +179,44 @@ class Recorder {
     int run(Platform& machine, const Utilities& utilities) {
         Recording recording;
         recording.header = recordingHeader(context_, machine.localTime());
-        std::unique_ptr<RecordingWriter> writer;
-        if (!options_.redact) {
-            writer = startRecording(context_, context_.outputFile, recording.header);
-            if (writer == nullptr) {
-                return exit_code::notPossible;
-            }
+        Snapshot snapshot;
+        const auto fill = [&](RecordingWriter* writer) {
+            Keeper keeper(writer);
+            keeper.keep(UtilitiesCall{utilities});
+            snapshot = capture(machine, keeper);
+            recording.calls = std::move(keeper.list.calls);
+        };
+        std::string text;
+        if (options_.redact) {
+            fill(nullptr);
+            text = writeRedacted(snapshot, recording);
+        } else if (const auto bytes =
+                       makeRecording(context_, {context_.outputFile, "-o"}, recording.header,
+                                     [&fill](RecordingWriter& writer) { fill(&writer); })) {
+            text = countsText(snapshot, recording.calls, *bytes);
         }
-        Keeper keeper(std::move(writer));
-        keeper.keep(UtilitiesCall{utilities});
-        const Snapshot snapshot = capture(machine, keeper);
-        recording.calls = std::move(keeper.list.calls);
-        const std::string text = options_.redact
-                                     ? writeRedacted(snapshot, recording)
-                                     : finishFile(snapshot, recording, *keeper.writer());
         if (text.empty()) {
             return exit_code::notPossible;
         }
         if (!context_.quiet) {
-            context_.platform.console().writeOutput(text);
+            tell(text);
         }
         return judge(snapshot);
     }
 
   private:
+    /// A recording that goes to a device may be read from there: nothing else goes to standard
+    /// output then.
+    void tell(const std::string& text) {
+        Console& console = context_.platform.console();
+        const std::string name = output_file::systemName(context_.outputFile);
+        if (output_file::standing(name) == output_file::Standing::device) {
+            console.writeError(text);
+        } else {
+            console.writeOutput(text);
+        }
+    }
+
     Snapshot capture(Platform& machine, Keeper& keeper) {
         RecordingPlatform recorder(machine, keeper);
         const CaptureRequest request = captureRequest(context_);
@@ -223,17 +238,6 @@ class Recorder {
         return countsText(snapshot, recording.calls, text.size()) + redactionText(redactor);
     }
 
-    std::string finishFile(const Snapshot& snapshot, const Recording& recording,
-                           RecordingWriter& writer) {
-        if (!writer.finish()) {
-            failWith(context_,
-                     printable(context_.outputFile) + ": the recording could not be written whole",
-                     "free some space, or name another file with -o");
-            return {};
-        }
-        return countsText(snapshot, recording.calls, writer.bytes());
-    }
-
     int judge(const Snapshot& snapshot) {
         if (snapshot.controllers.count() == 0) {
             return failWith(context_, "no supported RAID controller was found",
@@ -252,9 +256,13 @@ int record(Context& context, const RecordOptions& options) {
     if (context.outputFile.empty() || context.outputFile == "-") {
         return failWith(context, "record needs a file", "zolexctl record -o server.zrec");
     }
-    return lookAtMachine(context, [&](Platform& machine, const Utilities& utilities) {
-        return Recorder(context, options).run(machine, utilities);
-    });
+    try {
+        return lookAtMachine(context, [&](Platform& machine, const Utilities& utilities) {
+            return Recorder(context, options).run(machine, utilities);
+        });
+    } catch (const NoSuchController& missing) {
+        return failWith(context, missing.what(), "zolexctl show lists those that there are");
+    }
 }
 
 } // namespace zolex::companion

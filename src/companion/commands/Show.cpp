@@ -53,10 +53,7 @@ class Show {
         if (!options_.file.empty()) {
             context_.machine.recording = options_.file;
         }
-        const int code =
-            lookAtMachine(context_, [this](Platform& machine, const Utilities& /*utilities*/) {
-                return look(machine);
-            });
+        const int code = lookOnce();
         // Whoever asked for a document gets one.
         if (!isDelivered_ && context_.format == Format::json) {
             const std::string document = failedMachineDocument(
@@ -67,13 +64,19 @@ class Show {
     }
 
   private:
-    int look(Platform& machine) {
-        Snapshot snapshot;
+    int lookOnce() {
         try {
-            snapshot = captureMachine(machine, captureRequest(context_));
+            return lookAtMachine(context_,
+                                 [this](Platform& machine, const Utilities& /*utilities*/) {
+                                     return look(machine);
+                                 });
         } catch (const NoSuchController& missing) {
             return failWith(context_, missing.what(), "zolexctl show lists those that there are");
         }
+    }
+
+    int look(Platform& machine) {
+        const Snapshot snapshot = captureMachine(machine, captureRequest(context_));
         const LocalTime readAt = machine.localTime();
         const int code = judge(context_, snapshot);
         isDelivered_ = true;

@@ -295,18 +295,20 @@ class Capturer {
                       ControllerSnapshot& snapshot) {
         for (std::size_t i = 0; i < source_.numberOfCommands(controller); ++i) {
             const CString line = source_.getCommand(controller, number, i);
-            if (!takeListing(controller.type(), line, snapshot)) {
+            if (!takeListing(controller.type(), number, line, snapshot)) {
                 return;
             }
         }
     }
 
     /// False when the listing cannot be had, which is told.
-    bool takeListing(std::int32_t type, const CString& line, ControllerSnapshot& snapshot) {
+    bool takeListing(std::int32_t type, std::int32_t number, const CString& line,
+                     ControllerSnapshot& snapshot) {
         CapturedListing& command = snapshot.commands.emplace_back();
         command.command = text::trim(line, "\r\n");
         const std::string shown(text::trim(line));
-        tell(shown);
+        tell("controller " + std::to_string(number) + " of " +
+             std::to_string(snapshot_.controllers.count()) + ": " + shown);
         for (int second = 0; second < traitsOf(type).secondsBeforeCommand; ++second) {
             platform_.pauseOneSecond();
         }

@@ -18,7 +18,8 @@ struct CaptureRequest {
     std::string serialNumber;                ///< the same
     std::vector<std::int32_t> controllers;   ///< numbers from 1; empty: all
     std::chrono::milliseconds limit{300000}; ///< for each child
-    /// Told before each child: "controller 1 of 2: UTIL.BAT MEGACLI -pdList -a0". May be empty.
+    /// Told before each child: "hardware detector", then of each listing
+    /// "controller 1 of 2: UTIL.BAT MEGACLI -pdList -a0". May be empty.
     std::function<void(const std::string& text)> progress;
 };
 

@@ -10,17 +10,6 @@ namespace {
 
 using output_file::Standing;
 
-/// The name as the system takes it.
-std::string systemName(std::string_view name) {
-    std::string own(name);
-#ifndef _WIN32
-    for (char& c : own) {
-        c = c == '\\' ? '/' : c;
-    }
-#endif
-    return own;
-}
-
 /// A name beside `name` that no file has.
 std::string nameBeside(const std::string& name) {
     const std::string first =
@@ -79,8 +68,18 @@ std::string writeBeside(FileSystem& files, const std::string& name, std::string_
 
 } // namespace
 
+std::string output_file::systemName(std::string_view name) {
+    std::string own(name);
+#ifndef _WIN32
+    for (char& c : own) {
+        c = c == '\\' ? '/' : c;
+    }
+#endif
+    return own;
+}
+
 std::string replaceFile(FileSystem& files, std::string_view name, std::string_view content) {
-    const std::string own = systemName(name);
+    const std::string own = output_file::systemName(name);
     std::string error;
     if (own.empty() || own.find('\0') != std::string::npos) {
         error = "no file has such a name";

@@ -23,6 +23,8 @@ namespace zolex::companion {
 /// The system's part of replaceFile.
 namespace output_file {
 
+/// The name as the system takes it: "\" is "/" where that is what parts folders.
+[[nodiscard]] std::string systemName(std::string_view name);
 /// What has the name now.
 enum class Standing { nothing, file, protectedFile, folder, link, device };
 

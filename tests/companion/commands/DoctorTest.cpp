@@ -3,17 +3,23 @@
 #include "companion/machine/System.h"
 #include "companion/support/KeptDocument.h"
 #include "companion/support/SimulatedPlatform.h"
+#include "foundation/FileSystem.h"
 #include "model/State.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
 
 namespace zolex::companion {
 namespace {
 
 using test::keepDocument;
 using test::SimulatedPlatform;
+using zolex::test::TemporaryDirectory;
 
 struct Examined {
     int code = -1;
@@ -140,9 +146,37 @@ TEST(Doctor, EverySampleIsWellAndStaysAsItWas) {
     }
 }
 
+/// Recordings stand in files of the system; all else of this platform is in memory.
+class RecordedPlatform : public SimulatedPlatform {
+  public:
+    explicit RecordedPlatform(const std::string& sample)
+        : SimulatedPlatform(sample), files_(fileFake) {}
+    FileSystem& files() override { return files_; }
+
+  private:
+    class Files : public StandardFileSystem {
+      public:
+        explicit Files(FileSystem& memory) : memory_(memory) {}
+        std::unique_ptr<File> open(std::string_view name, const char* mode) override {
+            return isRecording(name) ? StandardFileSystem::open(name, mode)
+                                     : memory_.open(name, mode);
+        }
+        bool isFile(std::string_view name) override { return memory_.isFile(name); }
+
+      private:
+        static bool isRecording(std::string_view name) {
+            return name.find(".zrec") != std::string_view::npos;
+        }
+        FileSystem& memory_;
+    };
+
+    Files files_;
+};
+
 TEST(Doctor, OnARecordingItTellsWhatItToldOfTheMachine) {
+    const TemporaryDirectory folder;
     for (const std::string& sample : SimulatedPlatform::samples()) {
-        SimulatedPlatform platform(sample);
+        RecordedPlatform platform(sample);
         const Examined live = runWrapped(platform);
         MachineOptions options;
         Context recording{platform, {}, Format::text, "made.zrec", {}, {}, false, false, {}};
@@ -161,7 +195,8 @@ TEST(Doctor, OnARecordingItTellsWhatItToldOfTheMachine) {
 
 /// One that `show` has kept does not hold the verb.
 TEST(Doctor, ARecordingWithoutTheVerbTellsNothingOfExitCodes) {
-    SimulatedPlatform platform("single");
+    const TemporaryDirectory folder;
+    RecordedPlatform platform("single");
     addFile(platform, "UTIL.BAT");
     addFile(platform, "hwdetect.exe");
     Context context{platform, {}, Format::text, "", {}, {}, false, false, {}};

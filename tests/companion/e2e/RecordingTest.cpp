@@ -112,14 +112,16 @@ TEST(RecordingEndToEnd, OfAKilledRunIsReadableUpToThere) {
                              "case $* in *-adpallinfo*) kill -9 $PPID; sleep 1;; esac\n"
                              "exec ./utility \"$@\"\n");
     fs::permissions(server.folder() / "UTIL.BAT", fs::perms::owner_all);
+    server.write("a.zrec", "old");
     EXPECT_EQ(137, server.zolexctl({"record", "-o", "a.zrec"}).exitCode);
+    EXPECT_EQ("old", server.read("a.zrec"));
     const ProgramRun replayed =
-        server.zolexctl({"replay", "a.zrec", "--", "zolex", "/c:t,d", "/f:x.ini"});
+        server.zolexctl({"replay", "a.zrec.partial", "--", "zolex", "/c:t,d", "/f:x.ini"});
     EXPECT_EQ(2, replayed.exitCode);
     EXPECT_EQ(
-        "note: a.zrec:6:1: the recording has no end: it was interrupted. What it holds can be "
-        "used [ZR108]\n"
-        "error: a.zrec does not hold the call UTIL.BAT MEGACLI -adpallinfo -a0\n"
+        "note: a.zrec.partial:6:1: the recording has no end: it was interrupted. What it holds "
+        "can be used [ZR108]\n"
+        "error: a.zrec.partial does not hold the call UTIL.BAT MEGACLI -adpallinfo -a0\n"
         "  help: a recording answers only what was asked when it was made; nothing was run on "
         "this server\n",
         replayed.error);
@@ -135,6 +137,17 @@ TEST(RecordingEndToEnd, OnAFullDeviceIsTold) {
               "  help: free some space, or name another file with -o\n",
               run.error);
     EXPECT_TRUE(fs::exists("/dev/full"));
+}
+
+TEST(RecordingEndToEnd, ToAPipeIsWrittenStraight) {
+    RecordedServer server("single");
+    ASSERT_TRUE(server.isReady_);
+    const ProgramRun run = server.zolexctl({"record", "-o", "/dev/stdout"});
+    EXPECT_EQ(0, run.exitCode) << run.error;
+    EXPECT_EQ(0U, run.output.find("{\"format\":\"zolex-recording\"")) << run.output;
+    EXPECT_NE(std::string::npos, run.output.find("\"sha256\"")) << run.output;
+    EXPECT_TRUE(run.output.ends_with("\"}\n")) << run.output;
+    EXPECT_EQ(0U, run.error.find("1 controller, 4 utility calls, ")) << run.error;
 }
 #endif
 

@@ -196,7 +196,9 @@ TEST(Capture, OnlyReadingLinesAreRunWithTheLimitAndThePausesThatTheirUtilityNeed
     }
     EXPECT_EQ(platform.pauses, 15);
     EXPECT_EQ(progress.size(), platform.children.size());
-    EXPECT_EQ(progress.back(), "UTIL.BAT HYPERWIN /L /D20");
+    EXPECT_EQ(progress.front(), "hardware detector");
+    EXPECT_EQ(progress.at(4), "controller 2 of 7: UTIL.BAT ARCCONF GETCONFIG 1 AL");
+    EXPECT_EQ(progress.back(), "controller 7 of 7: UTIL.BAT HYPERWIN /L /D20");
 }
 
 TEST(Capture, AControllerThatFailsEndsNothingElse) {

@@ -16,9 +16,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zolex::companion {
@@ -194,9 +197,9 @@ TEST(Record, ShowsProgressOfTheMachineAlone) {
     context.showsProgress = true;
     EXPECT_EQ(0, record(context, {}));
     EXPECT_EQ("hardware detector\n"
-              "UTIL.BAT MEGACLI -LdPdInfo -a0\n"
-              "UTIL.BAT MEGACLI -pdList -a0\n"
-              "UTIL.BAT MEGACLI -adpallinfo -a0\n",
+              "controller 1 of 1: UTIL.BAT MEGACLI -LdPdInfo -a0\n"
+              "controller 1 of 1: UTIL.BAT MEGACLI -pdList -a0\n"
+              "controller 1 of 1: UTIL.BAT MEGACLI -adpallinfo -a0\n",
               server.consoleFake.error);
     server.consoleFake = {};
     context.machine.recording = "a.zrec";
@@ -295,6 +298,107 @@ TEST(Record, ThatCannotBeMadeAsksNothing) {
               "  help: name another file; nothing was asked of the machine\n",
               server.consoleFake.error);
     EXPECT_TRUE(server.children.empty());
+}
+
+/// The files of the current folder that belong to recordings.
+std::vector<std::string> recordingFiles() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(".")) {
+        if (std::string name = entry.path().filename().string();
+            name.find(".zrec") != std::string::npos) {
+            names.push_back(std::move(name));
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+using Names = std::vector<std::string>;
+
+TEST(Record, OfAControllerThatThereIsNotLeavesAnOldFile) {
+    const TemporaryDirectory folder;
+    layOut(folder);
+    folder.write("old.zrec", "old");
+    Server server("single");
+    Context context = contextOf(server);
+    context.machine.controllers = {9};
+    context.outputFile = "old.zrec";
+    EXPECT_EQ(2, record(context, {}));
+    const std::string text = "error: there is no controller 9: this machine has one, number 1\n"
+                             "  help: zolexctl show lists those that there are\n";
+    EXPECT_EQ(text, server.consoleFake.error);
+    server.consoleFake = {};
+    context.outputFile = "out.json";
+    context.format = Format::json;
+    context.machine.record = "old.zrec";
+    EXPECT_EQ(2, show(context, {}));
+    EXPECT_EQ(text, server.consoleFake.error);
+    EXPECT_NE("", TemporaryDirectory::read("out.json"));
+    server.consoleFake = {};
+    context.outputFile.clear();
+    context.format = Format::text;
+    EXPECT_EQ(2, doctor(context));
+    EXPECT_EQ("error: there is no controller 9: this machine has one, number 1\n"
+              "  help: zolexctl doctor looks at all that there are\n",
+              server.consoleFake.error);
+    EXPECT_EQ("old", TemporaryDirectory::read("old.zrec"));
+    EXPECT_EQ(Names{"old.zrec"}, recordingFiles());
+}
+
+TEST(Record, LeavesAnOldFileUntilItIsWhole) {
+    const TemporaryDirectory folder;
+    layOut(folder);
+    folder.write("a.zrec", "old");
+    folder.write("a.zrec.partial", "interrupted");
+    Server server("single");
+    const auto play = server.respond;
+    server.respond = [&](const std::string& line) {
+        EXPECT_EQ("old", TemporaryDirectory::read("a.zrec"));
+        EXPECT_EQ((Names{"a.zrec", "a.zrec.partial", "a.zrec.partial-2"}), recordingFiles());
+        return line.find("-pdList") != std::string::npos ? FakePlatform::ended(3, "") : play(line);
+    };
+    EXPECT_EQ(1, runRecord(server, "a.zrec").exitCode);
+    EXPECT_EQ((Names{"a.zrec", "a.zrec.partial"}), recordingFiles());
+    EXPECT_EQ("interrupted", TemporaryDirectory::read("a.zrec.partial"));
+    EXPECT_EQ("", runReplay("a.zrec", {"zolex", "/?"}).error);
+}
+
+TEST(Record, ThatEndsInAFaultTellsWhereItIs) {
+    const TemporaryDirectory folder;
+    layOut(folder);
+    folder.write("a.zrec", "old");
+    Server server("single");
+    Context context = contextOf(server);
+    context.machine.record = "a.zrec";
+    const auto look = [](Platform& machine, const Utilities& /*utilities*/) -> int {
+        machine.pauseOneSecond();
+        throw std::runtime_error("broken");
+    };
+    EXPECT_THROW(lookAtMachine(context, look), std::runtime_error);
+    EXPECT_EQ("note: what was recorded is in a.zrec.partial\n", server.consoleFake.error);
+    EXPECT_EQ("old", TemporaryDirectory::read("a.zrec"));
+    EXPECT_EQ("note: a.zrec.partial:3:1: the recording has no end: it was interrupted. What it "
+              "holds can be used [ZR108]\n",
+              runReplay("a.zrec.partial", {"zolex", "/?"}).error);
+}
+
+TEST(Record, WhoseNameIsTakenMeanwhileTellsWhereItIs) {
+    const TemporaryDirectory folder;
+    layOut(folder);
+    Server server("single");
+    const auto play = server.respond;
+    server.respond = [&](const std::string& line) {
+        folder.write("a.zrec/x", "");
+        return play(line);
+    };
+    const Seen recorded = runRecord(server, "a.zrec");
+    EXPECT_EQ(2, recorded.exitCode);
+    EXPECT_EQ("", recorded.output);
+    EXPECT_TRUE(recorded.error.starts_with("error: a.zrec: ")) << recorded.error;
+    EXPECT_TRUE(recorded.error.ends_with("\n  help: the recording is whole: give it another name\n"
+                                         "note: what was recorded is in a.zrec.partial\n"))
+        << recorded.error;
+    EXPECT_EQ("", runReplay("a.zrec.partial", {"zolex", "/?"}).error);
 }
 
 TEST(Replay, OfAChangingCommandNamesIt) {

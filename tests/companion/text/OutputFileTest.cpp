@@ -135,6 +135,21 @@ TEST(OutputFile, PosixRefusesASymbolicLinkAndKeepsWhatItLeadsTo) {
     EXPECT_TRUE(std::filesystem::is_symlink("link"));
 }
 
+TEST(OutputFile, PosixTakesALinkToADeviceForTheDevice) {
+    const TemporaryDirectory directory;
+    StandardFileSystem files;
+    std::filesystem::create_symlink("/dev/null", "device");
+    std::filesystem::create_symlink(".", "folder");
+    std::filesystem::create_symlink("missing", "lost");
+    using output_file::Standing;
+    EXPECT_EQ(output_file::standing("device"), Standing::device);
+    EXPECT_EQ(output_file::standing("folder"), Standing::link);
+    EXPECT_EQ(output_file::standing("lost"), Standing::link);
+    EXPECT_EQ(output_file::standing("/dev/stdout"), Standing::device);
+    EXPECT_EQ(replaceFile(files, "device", "new"), "");
+    EXPECT_TRUE(std::filesystem::is_symlink("device"));
+}
+
 TEST(OutputFile, PosixKeepsTheRightsOfTheFile) {
     const TemporaryDirectory directory;
     StandardFileSystem files;

@@ -49,6 +49,16 @@ bool bringToDisk(const std::string& name) {
     return done;
 }
 
+/// Whether a link is the system's own for a stream (/dev/stdout), or ends at a device or a pipe.
+bool leadsToDevice(const std::string& link) {
+    struct stat status = {};
+    if (::stat(link.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+        return false;
+    }
+    return !S_ISREG(status.st_mode) || link == "/dev/stdout" || link == "/dev/stderr" ||
+           link.starts_with("/dev/fd/") || link.starts_with("/proc/self/fd/");
+}
+
 } // namespace
 
 Standing standing(const std::string& name) {
@@ -62,7 +72,7 @@ Standing standing(const std::string& name) {
     if (S_ISDIR(status.st_mode)) {
         return Standing::folder;
     }
-    return S_ISLNK(status.st_mode) ? Standing::link : Standing::device;
+    return S_ISLNK(status.st_mode) && !leadsToDevice(name) ? Standing::link : Standing::device;
 }
 
 bool moveOver(const std::string& from, const std::string& to) {
