@@ -26,10 +26,10 @@ constexpr std::array<CommandRow, 6> commands{{
      "zolexctl show --as policies -o before.ini"},
     {Command::check, "check", "check FILE... [OPTIONS]", "every fault of a policies file",
      "Reads policies files and tells all their faults at once, each with its place and with what "
-     "to "
-     "do. No server is needed, and none is looked at. FILE is a policies file, or - for standard "
-     "input. With --machine the files are also held against recorded servers.\n"
-     "Exit code: 0 no error and no warning, 1 there are some, 2 a file could not be read.",
+     "to do. No server is needed, and none is looked at. FILE is a policies file, or - for "
+     "standard input. With --machine the files are also held against recorded servers.\n"
+     "Exit code: 0 no error and no warning, 1 there are some, 2 a file or a recorded controller "
+     "could not be read.",
      "text concise json sarif github",
      "zolexctl check site.ini\n"
      "zolexctl check site.ini --machine fleet/"},

@@ -5,6 +5,7 @@
 #include "companion/lint/Fix.h"
 #include "companion/lint/Lint.h"
 #include "companion/lint/PolicyDocument.h"
+#include "companion/machine/ProblemCodes.h"
 #include "companion/text/Diagnostics.h"
 #include "companion/text/OutputFile.h"
 #include "companion/text/Table.h"
@@ -67,8 +68,36 @@ class Check {
             const bool wantsDocument =
                 context_.format == Format::json || context_.format == Format::sarif;
             static_cast<void>(!wantsDocument || deliver(context_, output()));
+            return false;
         }
-        return machines_.has_value();
+        for (const RecordedMachine& machine : *machines_) {
+            tellUnknown(machine);
+        }
+        return true;
+    }
+
+    /// The controllers that a recording does not show: nothing can be said of policies for them.
+    void tellUnknown(const RecordedMachine& machine) {
+        const std::vector<ControllerSnapshot>& controllers = machine.snapshot.details;
+        if (controllers.empty()) {
+            addUnknown(machine, problem::noControllers, "no RAID controller is in this recording");
+        }
+        for (const ControllerSnapshot& controller : controllers) {
+            if (controller.failed) {
+                addUnknown(machine, problem::utilityFailed,
+                           "controller " + std::to_string(controller.number) +
+                               " is not known: " + controller.utility + " had failed");
+            }
+        }
+    }
+
+    void addUnknown(const RecordedMachine& machine, std::string_view code, std::string summary) {
+        Finding finding = problemFinding(code, std::move(summary));
+        finding.severity = Severity::error;
+        finding.help = {"zolexctl show --recording " + printable(machine.file) + " tells more"};
+        finding.file = machine.file;
+        findings_.push_back(std::move(finding));
+        isImpossible_ = true;
     }
 
     std::vector<Finding> lintText(const PolicyDocument& document) const {
@@ -183,7 +212,7 @@ class Check {
     std::vector<PolicyDocument> documents_;
     std::vector<Finding> findings_;
     std::size_t policies_ = 0;
-    bool isImpossible_ = false; ///< a file could not be read or mended
+    bool isImpossible_ = false; ///< a file could not be read or mended, or a recording lacks much
 };
 
 /// What zolex would print of the file, which is as far as its first error block.

@@ -531,5 +531,32 @@ TEST_F(CheckTest, TellsOfRecordingsThatCannotBeRead) {
     EXPECT_NE(document.find("\"the recordings of --machine cannot be read\""), std::string::npos);
 }
 
+TEST_F(CheckTest, EndsWith2WhenARecordingDoesNotShowAController) {
+    test::layOut(folder);
+    test::Server broken("two-controllers");
+    zolex_sim::Fault fault;
+    fault.match = "-pdList -a1";
+    fault.exitCode = 3;
+    broken.server.faults.push_back(fault);
+    ASSERT_EQ(test::runRecord(broken, "a.zrec").exitCode, 1);
+    test::Elsewhere empty;
+    ASSERT_EQ(test::runRecord(empty, "b.zrec").exitCode, 2);
+    folder.write("p.ini", "[Policy.web]\nAppliesTo.1 = ALL\n");
+    CheckOptions options;
+    options.files = {"p.ini"};
+    options.machines = {"a.zrec", "b.zrec"};
+    EXPECT_EQ(run(options), 2);
+    EXPECT_EQ(output(), "a.zrec: error: controller 2 is not known: MEGACLI had failed [ZP104]\n"
+                        "   help: zolexctl show --recording a.zrec tells more\n"
+                        "\n"
+                        "b.zrec: error: no RAID controller is in this recording [ZP120]\n"
+                        "   help: zolexctl show --recording b.zrec tells more\n"
+                        "\n"
+                        "2 errors in 1 file (1 policy). zolexctl explain ZP104 tells more.\n");
+    context.format = Format::json;
+    EXPECT_EQ(run(options), 2);
+    test::keepDocument("check-unknown-controllers", output());
+}
+
 } // namespace
 } // namespace zolex::companion
