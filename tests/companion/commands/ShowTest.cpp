@@ -2,6 +2,7 @@
 
 #include "companion/support/KeptDocument.h"
 #include "companion/support/SimulatedPlatform.h"
+#include "foundation/FileSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -199,12 +200,24 @@ TEST(Show, AControllerThatIsNotThereIsRefused) {
     keepDocument("machine-not-there", json.output);
 }
 
+/// A machine in memory with the files of the system, which says why one cannot be opened.
+class SystemFilesPlatform : public SimulatedPlatform {
+  public:
+    using SimulatedPlatform::SimulatedPlatform;
+    FileSystem& files() override { return files_; }
+
+  private:
+    StandardFileSystem files_;
+};
+
 TEST(Show, ARecordingThatIsNotThereIsToldInTheDocumentToo) {
-    SimulatedPlatform platform("single");
+    SystemFilesPlatform platform("single");
     const Shown json = run(platform, Format::json, {}, {"missing.zrec", false});
     EXPECT_EQ(json.code, exit_code::notPossible);
-    EXPECT_NE(json.error.find("missing.zrec"), std::string::npos) << json.error;
-    EXPECT_NE(json.output.find("missing.zrec"), std::string::npos) << json.output;
+    const std::string text =
+        "missing.zrec: the file cannot be opened: there is no such file or folder [ZR100]";
+    EXPECT_NE(json.error.find(text), std::string::npos) << json.error;
+    EXPECT_NE(json.output.find(text), std::string::npos) << json.output;
     keepDocument("machine-recording-missing", json.output);
     EXPECT_TRUE(platform.children.empty());
 }
