@@ -88,15 +88,17 @@ constexpr std::array<ExitCode, 6> ownCodes = {{
      "output file was replaced.",
      "The line that begins with \"error:\" says what, the one behind it what to do."},
     {3, "refused before the first change",
-     "Another machine, a layout that changed since the plan, no consent, or another run that is "
-     "under way. Nothing was changed.",
-     "Make a new plan and read what it would destroy."},
+     "Kept for commands that change a server: another machine, a changed layout, no consent, or "
+     "another run that is under way. No command of this version ends with it.",
+     "Nothing: nothing was changed."},
     {4, "stopped on the way",
-     "Something was changed. The journal says which steps were done, and what the utility said.",
-     "Go on from there:\n  zolexctl apply --resume JOURNAL"},
+     "Kept for commands that change a server: something was changed, and the rest is missing. No "
+     "command of this version ends with it.",
+     "Look at what stands there:\n  zolexctl show"},
     {5, "every command was run, and the result is another than planned",
-     "A utility said that it did its work, and what was read back differs.",
-     "Compare, and look at the utility's answers in the journal:\n  zolexctl show"},
+     "Kept for commands that change a server: a utility said that it did its work, and what was "
+     "read back differs. No command of this version ends with it.",
+     "Look at what stands there:\n  zolexctl show"},
 }};
 // clang-format on
 
