@@ -24,7 +24,6 @@ constexpr std::string_view colourOf(Emphasis emphasis) {
     case Emphasis::bad:
         return "\033[31m";
     case Emphasis::warning:
-        return "\033[33m";
     case Emphasis::changed:
         return "\033[33m";
     }
