@@ -100,6 +100,36 @@ class Comparison {
             tell("ZC112", who + " with " + cacheText(wanted.writeCache) + " would come back with " +
                               cacheText(made.writeCache));
         }
+        compareReadCache(wanted);
+    }
+
+    /// A policy has one read-ahead mode, and logical drives can have several.
+    void compareReadCache(const WantedLogicalDrive& wanted) {
+        const bool isTold = wanted.facts != nullptr && !wanted.facts->readCache.empty();
+        if (!layout_.effects.readAhead || !isTold) {
+            return;
+        }
+        const std::int32_t mode = readAheadOf(wanted.facts->readCache);
+        // ARCCONF and HRCONF know on and off alone.
+        const bool isSame =
+            traits_.dialect == Dialect::megaCli
+                ? mode == planned_.readAhead
+                : (mode == read_ahead::off) == (planned_.readAhead == read_ahead::off);
+        // What the whole controller loses is told with the settings.
+        if (!isSame && planned_.readAhead == layout_.readAhead) {
+            findings_.push_back(captureFinding(
+                details(), "ZC112", Severity::warning,
+                "logical drive " + wanted.id + " with read-ahead " + readAheadWord(mode) +
+                    " would come back with " + readAheadWord(planned_.readAhead),
+                {"a policy has one read-ahead mode for all its logical drives"}));
+        }
+    }
+
+    static std::int32_t readAheadOf(std::string_view readCache) {
+        if (readCache == "Off") {
+            return read_ahead::off;
+        }
+        return readCache == "ReadAhead" ? read_ahead::on : read_ahead::adaptive;
     }
 
     /// In KB; 0 where it is not told, or says nothing.
@@ -199,10 +229,19 @@ class Comparison {
         if (details().drives.empty() || told == meant) {
             return;
         }
+        bool othersAreNamed = false;
         for (const std::string& name : told) {
             if (meant.count(name) == 0) {
+                othersAreNamed = true;
                 tell("ZC115", "the commands would name the drive " + name +
                                   ", which is none of those that are meant");
+            }
+        }
+        // 32:2 is written :2 where a drive is in no enclosure, and :2 can be meant as well.
+        for (const std::string& name : meant) {
+            if (!othersAreNamed && told.count(name) == 0) {
+                tell("ZC115", "the commands would not name the drive " + name +
+                                  ", which is one of those that are meant");
             }
         }
     }

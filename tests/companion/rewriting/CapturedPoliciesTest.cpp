@@ -246,6 +246,31 @@ TEST(CapturedPolicies, TellDrivesThatTheCommandsWouldNotName) {
                            "controller 1: the commands would name the drive :1, which is none of "
                            "those that are meant [ZC115]\n");
     EXPECT_FALSE(mixed.comesBack);
+    const CapturedPolicies doubled = captured(megaRaid(
+        R"({"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 69376, "serial": "3L"},
+           {"slot": 0, "count": 2, "sizeMB": 69376, "serial": "4L"})",
+        R"({"level": "RAID1", "spans": [["32:0", "32:1"]]},
+           {"level": "RAID1", "spans": [[":0", ":1"]]})"));
+    EXPECT_EQ(told(doubled), "controller 1: the commands would not name the drive 32:0, which is "
+                             "one of those that are meant [ZC115]\n"
+                             "controller 1: the commands would not name the drive 32:1, which is "
+                             "one of those that are meant [ZC115]\n");
+    EXPECT_FALSE(doubled.comesBack);
+}
+
+TEST(CapturedPolicies, TellReadAheadThatOnePolicyCannotHave) {
+    const CapturedPolicies policies =
+        captured(megaRaid(eightDrives,
+                          R"({"level": "RAID1", "spans": [["32:0", "32:1"]], "readPolicy": "RA"},
+           {"level": "RAID1", "spans": [["32:2", "32:3"]], "readPolicy": "ADRA"},
+           {"level": "RAID1", "spans": [["32:4", "32:5"]], "readPolicy": "NORA"})"));
+    EXPECT_FALSE(policies.comesBack);
+    EXPECT_EQ(told(policies),
+              "controller 1: logical drive 0 with read-ahead ON would come back with OFF [ZC112]\n"
+              "  a policy has one read-ahead mode for all its logical drives\n"
+              "controller 1: logical drive 1 with read-ahead ADAPTIVE would come back with OFF "
+              "[ZC112]\n"
+              "  a policy has one read-ahead mode for all its logical drives\n");
 }
 
 TEST(CapturedPolicies, TellHotSparesWithoutAnArray) {
