@@ -110,6 +110,7 @@ constexpr Dialect dialect = {
     .utility = "ARCCONF",
     .createOptions = createOptions,
     .simpleVolumes = false,
+    .removals = true,
     .largestStripeKb = largestStripeKb,
     .listing = listing,
 };

@@ -54,13 +54,31 @@ void apply(const CacheMode& mode, LogicalDrive& drive) {
     }
 }
 
-PlayResult setCache(Call& call) {
-    if (!call.words.take("LOGICALDRIVE")) {
-        return misunderstood(call);
+/// A logical drive as a command line names it: by its number, counted from 1.
+struct NamedLogicalDrive {
+    std::string name;
+    std::size_t number; ///< from 1; 0 is none
+    /// Its place among the logical drives of the controller.
+    [[nodiscard]] std::optional<std::size_t> placeIn(const Controller& controller) const {
+        return number == 0 ? std::nullopt : controller.placeNumbered(number - 1);
     }
-    const std::string name(call.words.current());
-    const std::optional<std::int64_t> number = call.words.takeNumber(greatestPlaceNumber);
-    if (!number) {
+};
+
+std::optional<NamedLogicalDrive> takeLogicalDrive(Words& words) {
+    const std::string name(words.take("LOGICALDRIVE") ? words.current() : "");
+    const std::optional<std::int64_t> number =
+        name.empty() ? std::nullopt : words.takeNumber(greatestPlaceNumber);
+    return number ? std::optional(NamedLogicalDrive{name, static_cast<std::size_t>(*number)})
+                  : std::nullopt;
+}
+
+PlayResult doesNotExist(const Call& call, const NamedLogicalDrive& named) {
+    return refused(call, "Logical drive " + named.name + " does not exist.");
+}
+
+PlayResult setCache(Call& call) {
+    const std::optional<NamedLogicalDrive> named = takeLogicalDrive(call.words);
+    if (!named) {
         return misunderstood(call);
     }
     const CacheMode* mode = takeCacheMode(call.words);
@@ -70,30 +88,51 @@ PlayResult setCache(Call& call) {
     if (std::optional<PlayResult> unconfirmed = takeConfirmation(call)) {
         return *unconfirmed;
     }
-    std::vector<LogicalDrive>& drives = call.controller->logicalDrives;
-    if (*number < 1 || static_cast<std::size_t>(*number) > drives.size()) {
-        return refused(call, "Logical drive " + name + " does not exist.");
+    const std::optional<std::size_t> place = named->placeIn(*call.controller);
+    if (!place) {
+        return doesNotExist(call, *named);
     }
-    apply(*mode, drives[static_cast<std::size_t>(*number) - 1]);
-    return completed(call, "Logical drive " + name + ", " + mode->about + "\n", true);
+    apply(*mode, call.controller->logicalDrives[*place]);
+    return completed(call, "Logical drive " + named->name + ", " + mode->about + "\n", true);
+}
+
+PlayResult deleteLogicalDrive(Call& call) {
+    const std::optional<NamedLogicalDrive> named = takeLogicalDrive(call.words);
+    if (!named) {
+        return misunderstood(call);
+    }
+    if (std::optional<PlayResult> unconfirmed = takeConfirmation(call)) {
+        return *unconfirmed;
+    }
+    const std::optional<std::size_t> place = named->placeIn(*call.controller);
+    if (!place) {
+        return doesNotExist(call, *named);
+    }
+    if (const std::optional<Refusal> refusal =
+            removeLogicalDrives(*call.controller, {call.controller->numberOf(*place)})) {
+        return refused(call, refusal->reason);
+    }
+    return completed(call, "Logical drive " + named->name + " is deleted.\n", true);
 }
 
 PlayResult setState(Call& call) {
-    std::optional<DriveLocation> drive;
-    if (!call.words.take("DEVICE") || !(drive = call.words.takePlace()) ||
-        !call.words.take("HSP")) {
+    const std::optional<DriveLocation> drive =
+        call.words.take("DEVICE") ? call.words.takePlace() : std::nullopt;
+    const bool ready = drive && call.dialect.removals && call.words.take("RDY");
+    if (!drive || (!ready && !call.words.take("HSP"))) {
         return misunderstood(call);
     }
     call.words.take("NOPROMPT");
     if (!call.words.atEnd()) {
         return misunderstood(call);
     }
-    if (const std::optional<Refusal> refusal = addSpares(*call.controller, {*drive})) {
+    if (const std::optional<Refusal> refusal = ready ? removeSpares(*call.controller, {*drive})
+                                                     : addSpares(*call.controller, {*drive})) {
         return refused(call, refusal->reason);
     }
     return completed(call,
-                     formatted("Channel %d, device %d is a hot spare.\n",
-                               drive->enclosure.value_or(0), drive->slot),
+                     formatted("Channel %d, device %d is %s.\n", drive->enclosure.value_or(0),
+                               drive->slot, ready ? "ready" : "a hot spare"),
                      true);
 }
 
@@ -116,6 +155,9 @@ constexpr std::array<Command<Call>, 5> commands = {{
     {"SETSTATE",  setState},
     {"SETCONFIG", setConfig},
 }};
+constexpr std::array<Command<Call>, 1> removals = {{
+    {"DELETE", deleteLogicalDrive},
+}};
 // clang-format on
 
 } // namespace
@@ -125,6 +167,9 @@ PlayResult playConf(const Dialect& dialect, Server& server,
     const std::vector<Controller*> controllers = server.adaptersOf(dialect.utility);
     Call call{dialect, Words(options), controllers.size()};
     const Command<Call>* command = takeCommand(commands, call.words);
+    if (command == nullptr && dialect.removals) {
+        command = takeCommand(removals, call.words);
+    }
     if (command == nullptr) {
         return misunderstood(call);
     }

@@ -22,6 +22,7 @@ struct Dialect {
     std::string_view utility;
     std::span<const CreateOption> createOptions; ///< besides those that both have
     bool simpleVolumes;                          ///< "SIMPLE VOLUME" asks for a volume of one drive
+    bool removals;                               ///< single logical drives and spares can go
     /// The largest stripe size in KB of a level on so many drives; 0 without a limit of its own.
     int (*largestStripeKb)(RaidLevel level, std::size_t drives);
     /// The listing of one controller from the heading of its first section to the last section;

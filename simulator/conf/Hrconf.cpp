@@ -46,6 +46,7 @@ constexpr Dialect dialect = {
     .utility = "HRCONF",
     .createOptions = createOptions,
     .simpleVolumes = true,
+    .removals = false,
     .largestStripeKb = noStripeLimit,
     .listing = listing,
 };

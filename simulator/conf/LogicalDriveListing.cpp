@@ -135,7 +135,7 @@ bool isProtected(const Block& block) {
                        });
 }
 
-std::string listBlock(const Block& block, std::size_t index) {
+std::string listBlock(const Block& block, std::size_t place) {
     const LogicalDrive& drive = block.drive;
     const bool striped = drive.level != RaidLevel::raid1 && drive.level != RaidLevel::volume;
     std::string drives;
@@ -143,8 +143,8 @@ std::string listBlock(const Block& block, std::size_t index) {
         drives +=
             formatted("%d,%d ", member->location.enclosure.value_or(0), member->location.slot);
     }
-    return head(block, index + 1) + (striped ? stripeLine(drive) : "") + readCacheLine(block) +
-           line(3, "Write-cache mode", writeCacheText(drive)) +
+    return head(block, block.controller.numberOf(place) + 1) + (striped ? stripeLine(drive) : "") +
+           readCacheLine(block) + line(3, "Write-cache mode", writeCacheText(drive)) +
            line(3, "Partitioned", yesOrNo(drive.partitioned)) +
            line(3, "Number of segments", block.members.size()) +
            line(3, "Drive(s) (Channel,Device)", drives) +
@@ -201,15 +201,16 @@ std::string segmentLine(const Block& block, std::size_t index, std::size_t contr
                           drive.serial.c_str()));
 }
 
-std::string segmentBlock(const Block& block, std::size_t index, std::size_t controllerNumber) {
+std::string segmentBlock(const Block& block, std::size_t place, std::size_t controllerNumber) {
     const LogicalDrive& drive = block.drive;
     std::string text =
-        head(block, index) + (drive.level != RaidLevel::volume ? stripeLine(drive) : "") +
+        head(block, block.controller.numberOf(place)) +
+        (drive.level != RaidLevel::volume ? stripeLine(drive) : "") +
         (block.wording.settings && drive.level != RaidLevel::volume ? fullStripeLine(block) : "") +
         readCacheLine(block) + writeCacheLines(block) +
         line(3, "Partitioned", yesOrNo(drive.partitioned)) +
         line(3, "Protected by Hot-Spare", yesOrNo(isProtected(block))) +
-        line(3, "Bootable", yesOrNo(index == 0)) +
+        line(3, "Bootable", yesOrNo(place == 0)) +
         line(3, "Defunct stripes", yesOrNo(hasDefunctMember(block))) +
         blockHeading(formatted("Logical %s segment information", block.wording.drive));
     for (std::size_t i = 0; i < block.members.size(); ++i) {
@@ -240,8 +241,8 @@ std::string logicalDrivesWithLists(const Controller& controller, const Wording& 
 
 std::string logicalDrivesWithSegments(const Controller& controller, std::size_t number,
                                       const Wording& wording) {
-    return eachLogicalDrive(controller, wording, [number](const Block& block, std::size_t index) {
-        return segmentBlock(block, index, number);
+    return eachLogicalDrive(controller, wording, [number](const Block& block, std::size_t place) {
+        return segmentBlock(block, place, number);
     });
 }
 

@@ -243,9 +243,10 @@ const char* driveCountKey(const Array& array) {
     return array.spans.size() > 1 ? "Number Of Drives per span" : "Number Of Drives";
 }
 
-std::string earlyVirtualDisk(const Controller& controller, std::size_t number) {
-    const LogicalDrive& drive = controller.logicalDrives[number];
+std::string earlyVirtualDisk(const Controller& controller, std::size_t place) {
+    const LogicalDrive& drive = controller.logicalDrives[place];
     const Array& array = controller.arrays[drive.array];
+    const std::size_t number = controller.numberOf(place);
     return formatted("Virtual Disk: %zu (Target Id: %zu)\n"
                      "Name:%s\n"
                      "RAID Level: %s\n"
@@ -277,9 +278,10 @@ std::string redundancyLine(const Controller& controller, const LogicalDrive& dri
            "\n";
 }
 
-std::string laterVirtualDisk(const Controller& controller, std::size_t number) {
-    const LogicalDrive& drive = controller.logicalDrives[number];
+std::string laterVirtualDisk(const Controller& controller, std::size_t place) {
+    const LogicalDrive& drive = controller.logicalDrives[place];
     const Array& array = controller.arrays[drive.array];
+    const std::size_t number = controller.numberOf(place);
     return formatted("Virtual Drive: %zu (Target Id: %zu)\n"
                      "Name                :%s\n"
                      "RAID Level          : %s\n"
@@ -357,11 +359,11 @@ std::string virtualDiskSizeText(std::int64_t sizeMb) {
 std::string logicalDriveListing(const Controller& controller, int adapter) {
     std::string text = heading(adapter);
     text += formatted("Number of Virtual Disks: %zu\n", controller.logicalDrives.size());
-    for (std::size_t number = 0; number < controller.logicalDrives.size(); ++number) {
+    for (std::size_t place = 0; place < controller.logicalDrives.size(); ++place) {
         text += controller.identity.generation == Generation::later
-                    ? laterVirtualDisk(controller, number)
-                    : earlyVirtualDisk(controller, number);
-        text += members(controller, controller.arrays[controller.logicalDrives[number].array]);
+                    ? laterVirtualDisk(controller, place)
+                    : earlyVirtualDisk(controller, place);
+        text += members(controller, controller.arrays[controller.logicalDrives[place].array]);
     }
     return text + "\n" + successLine;
 }

@@ -53,7 +53,7 @@ std::optional<PlayResult> findAdapter(Call& call) {
 }
 
 // Exit codes in the order of the kinds. 0x31 is none of them: callers take it for a success.
-constexpr std::array<int, 8> refusalCodes = {
+constexpr std::array<int, 10> refusalCodes = {
     0x3c, // the level is not supported
     0x0c, // no such drive
     0x03, // a drive named twice
@@ -62,8 +62,10 @@ constexpr std::array<int, 8> refusalCodes = {
     0x1c, // the stripe size
     0x1d, // the size
     0x1e, // too many virtual disks
+    0x0c, // no such virtual disk
+    0x32, // a drive that is no hot spare
 };
-static_assert(refusalCodes.size() == static_cast<std::size_t>(RefusalKind::tooMany) + 1);
+static_assert(refusalCodes.size() == static_cast<std::size_t>(RefusalKind::notHotSpare) + 1);
 
 PlayResult refused(const Call& call, const std::string& what, const Refusal& refusal) {
     return ended(refusalCodes[static_cast<std::size_t>(refusal.kind)],
@@ -184,6 +186,7 @@ PlayResult create(Call& call, NewLogicalDrive& request) {
         return *result;
     }
     Controller& controller = *call.controller;
+    const std::size_t number = controller.nextNumber();
     const std::optional<std::size_t> array = sharedArray(controller, request);
     if (const std::optional<Refusal> refusal =
             array ? zolex_sim::addLogicalDrive(controller, *array, request)
@@ -194,7 +197,7 @@ PlayResult create(Call& call, NewLogicalDrive& request) {
     return ended(0,
                  formatted("Adapter %lld: Created VD %zu\n\nAdapter %lld: Configured the "
                            "Adapter!!\n",
-                           adapter, controller.logicalDrives.size() - 1, adapter),
+                           adapter, number, adapter),
                  true);
 }
 
@@ -216,24 +219,78 @@ PlayResult addSpannedDrive(Call& call) {
     return create(call, request);
 }
 
-PlayResult setSpares(Call& call) {
-    const bool braced = call.tokens.take("{");
+/// Takes "-L0" or "-L0,1,2".
+bool takeNumbers(Call& call, std::vector<std::size_t>& numbers) {
+    std::int64_t number = 0;
+    if (!call.tokens.takeNumbered("-L", number)) {
+        return false;
+    }
+    numbers.push_back(static_cast<std::size_t>(number));
+    while (call.tokens.take(",")) {
+        const std::optional<std::int64_t> further = call.tokens.takeNumber(greatestPlaceNumber);
+        if (!further) {
+            return false;
+        }
+        numbers.push_back(static_cast<std::size_t>(*further));
+    }
+    return true;
+}
+
+PlayResult deleteLogicalDrives(Call& call) {
+    std::vector<std::size_t> numbers;
+    if (!takeNumbers(call, numbers) || !takeAdapter(call)) {
+        return invalid(call);
+    }
+    if (std::optional<PlayResult> result = findAdapter(call)) {
+        return *result;
+    }
+    if (const std::optional<Refusal> refusal = removeLogicalDrives(*call.controller, numbers)) {
+        return refused(call, "Delete Virtual Drive", *refusal);
+    }
+    std::string text;
+    for (const std::size_t number : numbers) {
+        text += formatted("Adapter %lld: Deleted Virtual Drive-%zu(target id-%zu)\n",
+                          static_cast<long long>(call.adapter), number, number);
+    }
+    return ended(0, text, true);
+}
+
+/// What "-PDHSP" does with the drives that it names.
+struct SpareDeed {
+    const char* name; ///< "Set"
+    std::optional<Refusal> (*run)(Controller&, const std::vector<DriveLocation>&);
+};
+
+/// Takes "-Set", with or without braces, or "-Rmv".
+std::optional<SpareDeed> takeSpareDeed(Tokens& tokens) {
+    if (tokens.take("-Rmv")) {
+        return SpareDeed{"Remove", removeSpares};
+    }
+    const bool braced = tokens.take("{");
+    if (!tokens.take("-Set") || (braced && !tokens.take("}"))) {
+        return std::nullopt;
+    }
+    return SpareDeed{"Set", addSpares};
+}
+
+PlayResult changeSpares(Call& call) {
+    const std::optional<SpareDeed> deed = takeSpareDeed(call.tokens);
     std::vector<DriveLocation> locations;
-    if (!call.tokens.take("-Set") || (braced && !call.tokens.take("}")) ||
-        !call.tokens.take("-PhysDrv") || !call.tokens.takeLocations(locations) ||
+    if (!deed || !call.tokens.take("-PhysDrv") || !call.tokens.takeLocations(locations) ||
         !takeAdapter(call)) {
         return invalid(call);
     }
     if (std::optional<PlayResult> result = findAdapter(call)) {
         return *result;
     }
-    if (const std::optional<Refusal> refusal = addSpares(*call.controller, locations)) {
-        return refused(call, "Set Physical Drive as Hot Spare", *refusal);
+    if (const std::optional<Refusal> refusal = deed->run(*call.controller, locations)) {
+        return refused(call, std::string(deed->name) + " Physical Drive as Hot Spare", *refusal);
     }
     std::string text;
     for (const DriveLocation& location : locations) {
-        text += formatted("Adapter: %lld: Set Physical Drive at %s as Hot Spare Success.\n",
-                          static_cast<long long>(call.adapter), placeText(location).c_str());
+        text += formatted("Adapter: %lld: %s Physical Drive at %s as Hot Spare Success.\n",
+                          static_cast<long long>(call.adapter), deed->name,
+                          placeText(location).c_str());
     }
     return ended(0, text, true);
 }
@@ -266,32 +323,45 @@ PlayResult clearAll(Call& call) {
                  true);
 }
 
-PlayResult clearForeignDrives(Call& call) {
-    if (!call.tokens.take("-Clear") || !takeClearOptions(call)) {
+/// Counts or clears the foreign configurations.
+PlayResult playForeign(Call& call) {
+    const bool scans = call.tokens.take("-Scan");
+    if ((!scans && !call.tokens.take("-Clear")) || !takeClearOptions(call)) {
         return invalid(call);
     }
     if (std::optional<PlayResult> result = findAdapter(call)) {
         return *result;
     }
     const auto adapter = static_cast<long long>(call.adapter);
-    if (clearForeign(*call.controller) == 0) {
+    const std::size_t count = call.controller->foreignGroups().size();
+    if (count == 0) {
         return ended(0,
                      formatted("There is no foreign configuration on controller %lld.\n", adapter));
     }
-    return ended(0, formatted("Foreign configuration 0 is cleared on controller %lld.\n", adapter),
-                 true);
+    if (scans) {
+        return ended(0, formatted("There are %zu foreign configuration(s) on controller %lld.\n",
+                                  count, adapter));
+    }
+    clearForeign(*call.controller);
+    std::string text;
+    for (std::size_t number = 0; number < count; ++number) {
+        text += formatted("Foreign configuration %zu is cleared on controller %lld.\n", number,
+                          adapter);
+    }
+    return ended(0, text, true);
 }
 
 // clang-format off
-constexpr std::array<Command<Call>, 8> commands = {{
+constexpr std::array<Command<Call>, 9> commands = {{
     {"-LdPdInfo",   listLogicalDrives},
     {"-PdList",     listDrives},
     {"-AdpAllInfo", listAdapter},
     {"-CfgLdAdd",   addLogicalDrive},
     {"-CfgSpanAdd", addSpannedDrive},
-    {"-PDHSP",      setSpares},
+    {"-CfgLdDel",   deleteLogicalDrives},
+    {"-PDHSP",      changeSpares},
     {"-CfgClr",     clearAll},
-    {"-CfgForeign", clearForeignDrives},
+    {"-CfgForeign", playForeign},
 }};
 // clang-format on
 

@@ -235,6 +235,64 @@ void readLogicalDrives(Fields& fields, Controller& controller) {
     }
 }
 
+/// The drives of a list such as ["8:0", ":1"].
+std::vector<DriveLocation> readPlaces(const Json& list, const std::string& path, Problem& problem) {
+    std::vector<DriveLocation> places;
+    if (!list.is_array()) {
+        problem.report(path + ": must be a list");
+        return places;
+    }
+    for (const Json& item : list) {
+        const std::optional<DriveLocation> location =
+            item.is_string() ? parseLocation(item.get_ref<const std::string&>()) : std::nullopt;
+        if (!location) {
+            problem.report(path + ": drives are written like \"252:0\" or \":0\"");
+            return places;
+        }
+        places.push_back(*location);
+    }
+    return places;
+}
+
+/// Says of the drives that they carry the foreign configuration.
+void markForeign(Fields& fields, Controller& controller, const std::vector<DriveLocation>& places,
+                 std::size_t configuration) {
+    for (const DriveLocation& location : places) {
+        Drive* drive = controller.driveAt(location);
+        if (drive == nullptr || drive->status != DriveStatus::foreign) {
+            fields.complain("drives", "there is no foreign drive at " + toText(location));
+        } else if (drive->foreignConfiguration) {
+            fields.complain("drives", "the drive at " + toText(location) +
+                                          " carries a foreign configuration already");
+        } else {
+            drive->foreignConfiguration = configuration;
+        }
+    }
+}
+
+void readForeignConfigurations(Fields& fields, Controller& controller) {
+    fields.list("foreignConfigurations", [&](const Json& item, const std::string& path) {
+        Fields configuration(item, path, fields.problem());
+        ForeignConfiguration found;
+        found.level = configuration.word<RaidLevel>("level", levelNamed);
+        found.sizeMb = configuration.number("sizeMB", 1, maxLogicalDriveSizeMb, 0);
+        found.missing = configuration.smallNumber("missing", 0, 1024, 0);
+        found.name = configuration.text("name", "", 32);
+        std::vector<DriveLocation> places;
+        if (configuration.has("drives")) {
+            places = readPlaces(item.at("drives"), path + ".drives", fields.problem());
+        }
+        if (places.empty()) {
+            configuration.complain("drives", "is missing or empty");
+        }
+        configuration.finish();
+        if (!fields.problem().found()) {
+            markForeign(configuration, controller, places, controller.foreignConfigurations.size());
+            controller.foreignConfigurations.push_back(std::move(found));
+        }
+    });
+}
+
 void readLevels(Fields& fields, ControllerIdentity& identity, const UtilityTraits& utility) {
     if (!fields.has("raidLevels")) {
         identity.levels.assign(utility.levels.begin(), utility.levels.end());
@@ -305,6 +363,9 @@ Controller readController(Fields& fields, std::size_t number) {
     readDrives(fields, controller, number, *utility);
     if (utility->showsBlocks && utility->addressing == Addressing::enclosures) {
         completeEnclosures(controller, number, fields.problem());
+    }
+    if (identity.utility == "MEGACLI") {
+        readForeignConfigurations(fields, controller);
     }
     readLogicalDrives(fields, controller);
     return controller;
@@ -408,19 +469,9 @@ std::vector<std::vector<DriveLocation>> readSpans(const Json& list, const std::s
     }
     for (const Json& span : list) {
         const std::string spanPath = path + "[" + std::to_string(spans.size()) + "]";
-        spans.emplace_back();
-        if (!span.is_array()) {
-            problem.report(spanPath + ": must be a list");
+        spans.push_back(readPlaces(span, spanPath, problem));
+        if (problem.found()) {
             return spans;
-        }
-        for (const Json& item : span) {
-            const std::optional<DriveLocation> location =
-                item.is_string() ? parseLocation(item.get_ref<const std::string&>()) : std::nullopt;
-            if (!location) {
-                problem.report(spanPath + ": drives are written like \"252:0\" or \":0\"");
-                return spans;
-            }
-            spans.back().push_back(*location);
         }
     }
     return spans;

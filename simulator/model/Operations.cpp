@@ -12,8 +12,11 @@ Refusal refusal(RefusalKind kind, std::string reason) {
     return {kind, std::move(reason)};
 }
 
-std::optional<Refusal> checkFree(const Controller& controller,
-                                 const std::vector<std::vector<DriveLocation>>& groups) {
+/// The drives that a command names must all be there, be named once and have this status;
+/// otherwise it is refused with the kind, as they are not what the command needs.
+std::optional<Refusal> checkDrives(const Controller& controller,
+                                   const std::vector<std::vector<DriveLocation>>& groups,
+                                   DriveStatus status, RefusalKind kind, std::string_view needed) {
     std::set<DriveLocation> named;
     for (const std::vector<DriveLocation>& group : groups) {
         for (const DriveLocation& location : group) {
@@ -26,14 +29,20 @@ std::optional<Refusal> checkFree(const Controller& controller,
                 return refusal(RefusalKind::driveNamedTwice,
                                "The physical disk at " + toText(location) + " is named twice.");
             }
-            if (drive->status != DriveStatus::good) {
-                return refusal(RefusalKind::driveNotFree,
-                               "The physical disk at " + toText(location) + " is not free: it is " +
-                                   std::string(statusWord(drive->status)) + ".");
+            if (drive->status != status) {
+                return refusal(kind, "The physical disk at " + toText(location) + " is " +
+                                         std::string(needed) + ": it is " +
+                                         std::string(statusWord(drive->status)) + ".");
             }
         }
     }
     return std::nullopt;
+}
+
+std::optional<Refusal> checkFree(const Controller& controller,
+                                 const std::vector<std::vector<DriveLocation>>& groups) {
+    return checkDrives(controller, groups, DriveStatus::good, RefusalKind::driveNotFree,
+                       "not free");
 }
 
 std::optional<Refusal> checkSpanCount(const Controller& controller, const LevelRules& rules,
@@ -126,7 +135,56 @@ LogicalDrive newLogicalDrive(const ControllerIdentity& identity, const NewLogica
             request.name,
             request.batteryProtected.value_or(protectedByDefault) &&
                 writePolicy == WritePolicy::writeBack,
-            request.partitioned};
+            request.partitioned,
+            std::nullopt};
+}
+
+/// Writes down the numbers of the logical drives, as their places are about to change.
+void keepNumbers(Controller& controller) {
+    for (std::size_t place = 0; place < controller.logicalDrives.size(); ++place) {
+        controller.logicalDrives[place].number = controller.numberOf(place);
+    }
+}
+
+/// Puts the logical drive among the others, with the lowest free number.
+void insertLogicalDrive(Controller& controller, LogicalDrive drive) {
+    const std::size_t number = controller.nextNumber();
+    keepNumbers(controller);
+    drive.number = number;
+    const auto behind =
+        std::find_if(controller.logicalDrives.begin(), controller.logicalDrives.end(),
+                     [&](const LogicalDrive& other) { return other.number > number; });
+    controller.logicalDrives.insert(behind, std::move(drive));
+}
+
+/// A member or a spare is free again, unless it has failed.
+void release(Drive& drive) {
+    if (drive.status == DriveStatus::online || drive.status == DriveStatus::rebuild ||
+        drive.status == DriveStatus::hotspare) {
+        drive.status = DriveStatus::good;
+    }
+}
+
+/// Takes the array away; those behind it move up.
+void removeArray(Controller& controller, std::size_t array) {
+    for (const std::vector<DriveLocation>& span : controller.arrays[array].spans) {
+        for (const DriveLocation& location : span) {
+            release(*controller.driveAt(location));
+        }
+    }
+    controller.arrays.erase(controller.arrays.begin() + static_cast<std::ptrdiff_t>(array));
+    for (LogicalDrive& drive : controller.logicalDrives) {
+        drive.array -= drive.array > array ? 1 : 0;
+    }
+}
+
+void removeEmptyArrays(Controller& controller) {
+    for (std::size_t array = controller.arrays.size(); array-- > 0;) {
+        if (std::none_of(controller.logicalDrives.begin(), controller.logicalDrives.end(),
+                         [&](const LogicalDrive& drive) { return drive.array == array; })) {
+            removeArray(controller, array);
+        }
+    }
 }
 
 } // namespace
@@ -147,8 +205,8 @@ std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogic
             controller.driveAt(location)->status = DriveStatus::online;
         }
     }
-    controller.logicalDrives.push_back(
-        newLogicalDrive(controller.identity, request, controller.arrays.size(), capacity));
+    insertLogicalDrive(controller, newLogicalDrive(controller.identity, request,
+                                                   controller.arrays.size(), capacity));
     controller.arrays.push_back({request.spans});
     return std::nullopt;
 }
@@ -173,7 +231,7 @@ std::optional<Refusal> addLogicalDrive(Controller& controller, std::size_t array
     if (std::optional<Refusal> refused = checkSettings(controller, request, room)) {
         return refused;
     }
-    controller.logicalDrives.push_back(newLogicalDrive(controller.identity, request, array, room));
+    insertLogicalDrive(controller, newLogicalDrive(controller.identity, request, array, room));
     return std::nullopt;
 }
 
@@ -196,26 +254,54 @@ std::optional<Refusal> addSpares(Controller& controller,
     return std::nullopt;
 }
 
+std::optional<Refusal> removeLogicalDrives(Controller& controller,
+                                           const std::vector<std::size_t>& numbers) {
+    std::set<std::size_t> named;
+    for (const std::size_t number : numbers) {
+        if (!controller.placeNumbered(number)) {
+            return refusal(RefusalKind::noLogicalDrive,
+                           formatted("There is no virtual disk %zu.", number));
+        }
+        if (!named.insert(number).second) {
+            return refusal(RefusalKind::driveNamedTwice,
+                           formatted("The virtual disk %zu is named twice.", number));
+        }
+    }
+    keepNumbers(controller);
+    std::erase_if(controller.logicalDrives, [&](const LogicalDrive& drive) {
+        return named.count(drive.number.value_or(0)) > 0;
+    });
+    removeEmptyArrays(controller);
+    return std::nullopt;
+}
+
+std::optional<Refusal> removeSpares(Controller& controller,
+                                    const std::vector<DriveLocation>& locations) {
+    if (std::optional<Refusal> refused = checkDrives(controller, {locations}, DriveStatus::hotspare,
+                                                     RefusalKind::notHotSpare, "no hot spare")) {
+        return refused;
+    }
+    for (const DriveLocation& location : locations) {
+        release(*controller.driveAt(location));
+    }
+    return std::nullopt;
+}
+
 void clearConfiguration(Controller& controller) {
     controller.logicalDrives.clear();
     controller.arrays.clear();
     for (Drive& drive : controller.drives) {
-        if (drive.status == DriveStatus::online || drive.status == DriveStatus::rebuild ||
-            drive.status == DriveStatus::hotspare) {
-            drive.status = DriveStatus::good;
-        }
+        release(drive);
     }
 }
 
-std::size_t clearForeign(Controller& controller) {
-    std::size_t cleared = 0;
+void clearForeign(Controller& controller) {
     for (Drive& drive : controller.drives) {
         if (drive.status == DriveStatus::foreign) {
             drive.status = DriveStatus::good;
-            ++cleared;
+            drive.foreignConfiguration.reset();
         }
     }
-    return cleared;
 }
 
 } // namespace zolex_sim

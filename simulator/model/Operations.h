@@ -20,6 +20,8 @@ enum class RefusalKind : std::uint8_t {
     badStripe,
     badSize,
     tooMany,
+    noLogicalDrive,
+    notHotSpare,
 };
 
 /// Why a controller will not do something; it has then changed nothing.
@@ -41,8 +43,8 @@ struct NewLogicalDrive {
     bool partitioned = false;
 };
 
-/// Builds the array and the logical drive; the members become online. Each member must be a free
-/// drive (good, in no array, no spare).
+/// Builds the array and the logical drive, which gets the lowest free number; the members become
+/// online. Each member must be a free drive (good, in no array, no spare).
 std::optional<Refusal> createLogicalDrive(Controller& controller, const NewLogicalDrive& request);
 
 /// One more logical drive on an array that exists; the request names no drives. It takes what is
@@ -54,12 +56,22 @@ std::optional<Refusal> addLogicalDrive(Controller& controller, std::size_t array
 std::optional<Refusal> addSpares(Controller& controller,
                                  const std::vector<DriveLocation>& locations);
 
+/// Deletes the logical drives with these numbers: all of them or none. The others keep their
+/// numbers. An array without a logical drive goes too, and its members become good again; those
+/// that are failed stay so.
+std::optional<Refusal> removeLogicalDrives(Controller& controller,
+                                           const std::vector<std::size_t>& numbers);
+
+/// Hot spares become good again: all of them or none.
+std::optional<Refusal> removeSpares(Controller& controller,
+                                    const std::vector<DriveLocation>& locations);
+
 /// Deletes the logical drives and arrays. Members and spares become good again; failed, bad and
 /// foreign drives stay what they are.
 void clearConfiguration(Controller& controller);
 
-/// Foreign drives become good. Returns how many there were.
-std::size_t clearForeign(Controller& controller);
+/// Foreign drives become good and carry nothing any more.
+void clearForeign(Controller& controller);
 
 /// The parts of the checks that hold for a logical drive at any time.
 std::optional<Refusal> checkShape(const Controller& controller, RaidLevel level,

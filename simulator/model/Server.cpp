@@ -222,6 +222,43 @@ LogicalDriveState Controller::stateOf(const LogicalDrive& logicalDrive) const {
     return worst;
 }
 
+std::vector<ForeignGroup> Controller::foreignGroups() const {
+    std::vector<ForeignGroup> groups(foreignConfigurations.size() + 1);
+    for (std::size_t i = 0; i < foreignConfigurations.size(); ++i) {
+        groups[i].configuration = i;
+    }
+    for (const Drive& drive : drives) {
+        if (drive.status == DriveStatus::foreign) {
+            const std::size_t carried =
+                drive.foreignConfiguration.value_or(foreignConfigurations.size());
+            groups[carried].drives.push_back(drive.location);
+        }
+    }
+    std::erase_if(groups, [](const ForeignGroup& group) { return group.drives.empty(); });
+    return groups;
+}
+
+std::size_t Controller::numberOf(std::size_t place) const {
+    return logicalDrives[place].number.value_or(place);
+}
+
+std::optional<std::size_t> Controller::placeNumbered(std::size_t number) const {
+    for (std::size_t place = 0; place < logicalDrives.size(); ++place) {
+        if (numberOf(place) == number) {
+            return place;
+        }
+    }
+    return std::nullopt;
+}
+
+std::size_t Controller::nextNumber() const {
+    std::size_t number = 0;
+    while (placeNumbered(number)) {
+        ++number;
+    }
+    return number;
+}
+
 std::vector<Controller*> Server::adaptersOf(std::string_view utility) {
     std::vector<Controller*> adapters;
     for (Controller& controller : controllers) {

@@ -58,6 +58,16 @@ struct Drive {
     std::string transferSpeed;
     DriveLocation bay; ///< where a drive sits that is addressed by channel and device
     DriveStatus status = DriveStatus::good;
+    /// Of a foreign drive: the one of the controller's foreign configurations that it carries.
+    std::optional<std::size_t> foreignConfiguration;
+};
+
+/// What another controller has left on drives that are foreign here.
+struct ForeignConfiguration {
+    RaidLevel level = RaidLevel::raid0;
+    std::int64_t sizeMb = 0; ///< 0: not known
+    int missing = 0;         ///< members that are not here
+    std::string name;
 };
 
 /// A group of drives: one or more spans of equally many drives.
@@ -84,6 +94,8 @@ struct LogicalDrive {
     std::string name;
     bool batteryProtected = false; ///< written back only as long as a battery protects the cache
     bool partitioned = false;      ///< the system has put partitions on it
+    /// From 0, its own as long as it exists; absent: its place among the logical drives.
+    std::optional<std::size_t> number;
 };
 
 enum class LogicalDriveState : std::uint8_t { optimal, partiallyDegraded, degraded, offline };
@@ -191,12 +203,20 @@ struct MemberPlace {
     std::size_t arm = 0; ///< within the span
 };
 
+/// Foreign drives that belong together.
+struct ForeignGroup {
+    std::optional<std::size_t> configuration; ///< index into the controller's; absent: unknown
+    std::vector<DriveLocation> drives;
+};
+
 class Controller {
   public:
     ControllerIdentity identity;
     std::vector<Drive> drives; ///< in the order of the definition
     std::vector<Array> arrays;
-    std::vector<LogicalDrive> logicalDrives;
+    std::vector<LogicalDrive> logicalDrives; ///< in the order of their numbers
+    /// As drives name them, whether or not any still carries them.
+    std::vector<ForeignConfiguration> foreignConfigurations;
 
     [[nodiscard]] bool supports(RaidLevel level) const;
     /// Null when no drive sits there.
@@ -219,6 +239,15 @@ class Controller {
     /// different levels share it by what they take of each member; a begun MB counts.
     [[nodiscard]] std::int64_t roomLeft(std::size_t array, RaidLevel level) const;
     [[nodiscard]] LogicalDriveState stateOf(const LogicalDrive& logicalDrive) const;
+    /// The foreign drives by the configuration that they carry, without those that no drive
+    /// carries; drives that carry an unknown one come last, together.
+    [[nodiscard]] std::vector<ForeignGroup> foreignGroups() const;
+    /// The number of the logical drive at this place.
+    [[nodiscard]] std::size_t numberOf(std::size_t place) const;
+    /// The place of the logical drive that has the number.
+    [[nodiscard]] std::optional<std::size_t> placeNumbered(std::size_t number) const;
+    /// The number that the next logical drive gets: the lowest that none has.
+    [[nodiscard]] std::size_t nextNumber() const;
 };
 
 /// A command that is to go wrong.

@@ -22,8 +22,12 @@ Json spansJson(const Array& array) {
     return spans;
 }
 
-Json logicalDriveJson(const LogicalDrive& drive) {
+Json logicalDriveJson(const Controller& controller, std::size_t place) {
+    const LogicalDrive& drive = controller.logicalDrives[place];
     Json json;
+    if (controller.numberOf(place) != place) {
+        json["number"] = controller.numberOf(place);
+    }
     json["array"] = drive.array;
     json["level"] = rulesOf(drive.level).name;
     json["sizeMB"] = drive.sizeMb;
@@ -50,8 +54,8 @@ Json controllerJson(const Controller& controller) {
         arrays.push_back(spansJson(array));
     }
     Json logicalDrives = Json::array();
-    for (const LogicalDrive& drive : controller.logicalDrives) {
-        logicalDrives.push_back(logicalDriveJson(drive));
+    for (std::size_t place = 0; place < controller.logicalDrives.size(); ++place) {
+        logicalDrives.push_back(logicalDriveJson(controller, place));
     }
     Json json;
     json["drives"] = std::move(drives);
@@ -112,6 +116,22 @@ void readArrays(Fields& fields, Controller& controller) {
     }
 }
 
+constexpr int greatestNumber = 65535; ///< of a logical drive
+
+/// The number of the next logical drive; numbers rise.
+std::optional<std::size_t> readNumber(Fields& fields, const Controller& controller) {
+    const std::size_t place = controller.logicalDrives.size();
+    const std::size_t least = place == 0 ? 0 : controller.numberOf(place - 1) + 1;
+    if (!fields.has("number")) {
+        if (least > place) {
+            fields.complain("number", "is missing");
+        }
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(
+        fields.number("number", static_cast<std::int64_t>(least), greatestNumber));
+}
+
 LogicalDrive readLogicalDrive(Fields& fields, const Controller& controller) {
     LogicalDrive drive;
     if (controller.arrays.empty()) {
@@ -120,6 +140,7 @@ LogicalDrive readLogicalDrive(Fields& fields, const Controller& controller) {
     }
     drive.array = static_cast<std::size_t>(
         fields.number("array", 0, static_cast<std::int64_t>(controller.arrays.size()) - 1));
+    drive.number = readNumber(fields, controller);
     const LogicalDriveFields found = readLogicalDriveFields(fields);
     if (!found.sizeMb || !found.stripeKb || !found.writePolicy || !found.readPolicy) {
         fields.complain("sizeMB", "size, stripe or policies are missing");

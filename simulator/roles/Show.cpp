@@ -35,6 +35,22 @@ std::string logicalDriveLine(const LogicalDrive& drive, std::size_t number) {
                      std::string(policyWord(drive.readPolicy)).c_str());
 }
 
+/// What foreign drives carry: the logical drive that they were part of elsewhere.
+std::string foreignLine(const Controller& controller, const ForeignGroup& group,
+                        std::size_t number) {
+    std::string text =
+        formatted("  foreign configuration %zu: [", number) + toText(group.drives) + "]";
+    if (!group.configuration) {
+        return text + "\n";
+    }
+    const ForeignConfiguration& carried = controller.foreignConfigurations[*group.configuration];
+    text += ", " + std::string(rulesOf(carried.level).name);
+    text +=
+        carried.sizeMb > 0 ? formatted(", %lld MB", static_cast<long long>(carried.sizeMb)) : "";
+    text += carried.missing > 0 ? formatted(", %d missing", carried.missing) : "";
+    return text + (carried.name.empty() ? "" : ", \"" + carried.name + "\"") + "\n";
+}
+
 } // namespace
 
 PlayResult showServer(Server& server, const std::vector<std::string>& arguments) {
@@ -53,7 +69,11 @@ PlayResult showServer(Server& server, const std::vector<std::string>& arguments)
             text += arrayLine(*controller, i);
         }
         for (std::size_t i = 0; i < controller->logicalDrives.size(); ++i) {
-            text += logicalDriveLine(controller->logicalDrives[i], i);
+            text += logicalDriveLine(controller->logicalDrives[i], controller->numberOf(i));
+        }
+        std::size_t foreign = 0;
+        for (const ForeignGroup& group : controller->foreignGroups()) {
+            text += foreignLine(*controller, group, foreign++);
         }
     }
     return {0, text};

@@ -360,6 +360,111 @@ TEST(ConfCommand, CacheModes) {
     }
 }
 
+/// The numbers of the logical drives as a listing tells them.
+std::string listedNumbers(Server& server, const std::string& utility) {
+    std::istringstream lines(playLine(server, utility + " GETCONFIG 1 AL").output);
+    std::string found;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("Logical drive number ", 0) == 0) {
+            found += line.substr(sizeof "Logical drive number " - 1) + " ";
+        }
+    }
+    return found;
+}
+
+TEST(ConfCommand, DeletesSingleLogicalDrives) {
+    for (const bool failover : {false, true}) {
+        Server server = testServer("ARCCONF", failover ? R"("automaticFailover": "Enabled",)" : "");
+        for (const char* places : {"0 0", "0 1", "0 2"}) {
+            playLine(server,
+                     formatted("ARCCONF CREATE 1 LOGICALDRIVE MAX VOLUME %s NOPROMPT", places));
+        }
+        EXPECT_EQ(listedNumbers(server, "ARCCONF"), failover ? "0 1 2 " : "1 2 3 ");
+        PlayResult result = playLine(server, "arcconf delete 1 logicaldrive 2 noprompt");
+        EXPECT_EQ(result.output, succeeded("Logical drive 2 is deleted."));
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_TRUE(result.changed);
+        // The others keep their numbers, which all commands go by.
+        EXPECT_EQ(listedNumbers(server, "ARCCONF"), failover ? "0 2 " : "1 3 ");
+        EXPECT_EQ(server.controllers[0].driveAt({0, 1})->status, DriveStatus::good);
+        EXPECT_EQ(playLine(server, "ARCCONF SETCACHE 1 LOGICALDRIVE 3 wt NOPROMPT").exitCode, 0);
+        EXPECT_EQ(server.controllers[0].logicalDrives[1].writePolicy, WritePolicy::writeThrough);
+        for (const char* command : {"ARCCONF DELETE 1 LOGICALDRIVE %s NOPROMPT",
+                                    "ARCCONF SETCACHE 1 LOGICALDRIVE %s wt NOPROMPT"}) {
+            for (const char* number : {"0", "2", "4"}) {
+                const std::string before = dump(server.controllers[0]);
+                result = playLine(server, formatted(command, number));
+                EXPECT_EQ(result.output,
+                          aborted(formatted("Logical drive %s does not exist.", number)));
+                EXPECT_EQ(result.exitCode, 1);
+                EXPECT_FALSE(result.changed);
+                EXPECT_EQ(dump(server.controllers[0]), before);
+            }
+        }
+        // A new one takes the number that is free.
+        EXPECT_EQ(
+            playLine(server, "ARCCONF CREATE 1 LOGICALDRIVE MAX VOLUME 0 1 NOPROMPT").exitCode, 0);
+        EXPECT_EQ(listedNumbers(server, "ARCCONF"), failover ? "0 1 2 " : "1 2 3 ");
+        EXPECT_EQ(toText(server.controllers[0]
+                             .arrays[server.controllers[0].logicalDrives[1].array]
+                             .spans[0]),
+                  "0:1");
+    }
+}
+
+TEST(ConfCommand, HotSparesBecomeReadyAgain) {
+    Server server = testServer("ARCCONF");
+    EXPECT_EQ(playLine(server, "ARCCONF SETSTATE 1 DEVICE 0 2 HSP noprompt").exitCode, 0);
+    const PlayResult result = playLine(server, "ARCCONF SETSTATE 1 DEVICE 0 2 RDY");
+    EXPECT_EQ(result.output, succeeded("Channel 0, device 2 is ready."));
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(result.changed);
+    EXPECT_EQ(server.controllers[0].driveAt({0, 2})->status, DriveStatus::good);
+    const struct {
+        const char* place;
+        const char* reason;
+    } rows[] = {{"0 2", "The physical disk at 0:2 is no hot spare: it is good."},
+                {"5 77", "There is no physical disk at 5:77."}};
+    for (const auto& row : rows) {
+        const PlayResult refused =
+            playLine(server, formatted("ARCCONF SETSTATE 1 DEVICE %s RDY NOPROMPT", row.place));
+        EXPECT_EQ(refused.output, aborted(row.reason));
+        EXPECT_EQ(refused.exitCode, 1);
+        EXPECT_FALSE(refused.changed);
+    }
+}
+
+TEST(ConfCommand, RemovalsThatAreNotUnderstood) {
+    const struct {
+        const char* commandLine;
+        const char* complaint;
+    } rows[] = {
+        {"ARCCONF DELETE 1", "The command line is not complete."},
+        {"ARCCONF DELETE 1 ARRAY 1 NOPROMPT", "Unexpected parameter: ARRAY"},
+        {"ARCCONF DELETE 1 LOGICALDRIVE", "The command line is not complete."},
+        {"ARCCONF DELETE 1 LOGICALDRIVE ALL NOPROMPT", "Unexpected parameter: ALL"},
+        {"ARCCONF DELETE 1 LOGICALDRIVE 1",
+         "The command has not been confirmed. Use NOPROMPT to run it without a question."},
+        {"ARCCONF DELETE 1 LOGICALDRIVE 1 2 NOPROMPT", "Unexpected parameter: 2"},
+        {"ARCCONF DELETE 2 LOGICALDRIVE 1 NOPROMPT", "Controller 2 does not exist."},
+        {"ARCCONF SETSTATE 1 DEVICE 0 2 RDY NOW", "Unexpected parameter: NOW"},
+        // The other utility is not known to have these.
+        {"HRCONF DELETE 1 LOGICALDRIVE 1 NOPROMPT", "Unexpected parameter: DELETE"},
+        {"HRCONF SETSTATE 1 DEVICE 0 2 RDY", "Unexpected parameter: RDY"},
+    };
+    for (const auto& row : rows) {
+        const std::string utility = splitWords(row.commandLine)[0];
+        Server server = testServer(utility.c_str());
+        playLine(server, utility + " CREATE 1 LOGICALDRIVE MAX VOLUME 0 0 0 1 NOPROMPT");
+        playLine(server, utility + " SETSTATE 1 DEVICE 0 2 HSP");
+        const std::string before = dump(server.controllers[0]);
+        const PlayResult result = playLine(server, row.commandLine);
+        EXPECT_EQ(result.output, aborted(row.complaint)) << row.commandLine;
+        EXPECT_EQ(result.exitCode, 1) << row.commandLine;
+        EXPECT_EQ(dump(server.controllers[0]), before) << row.commandLine;
+    }
+}
+
 TEST(ConfCommand, ControllersOwnCacheModes) {
     const struct {
         const char* fields;

@@ -213,6 +213,67 @@ TEST(Definition, FaultsNameTheField) {
               std::string::npos);
 }
 
+/// A controller with these foreign configurations; its drives 8:0 to 8:2 and :0 are foreign.
+std::string withForeign(const std::string& configurations, const char* utility = "MEGACLI") {
+    std::string text = definitionWith(
+        R"({"enclosure": 8, "slot": 0, "count": 3, "sizeMB": 1000, "status": "foreign"},
+           {"slot": 0, "sizeMB": 1000, "status": "foreign"},
+           {"slot": 1, "sizeMB": 1000})",
+        R"("foreignConfigurations": [)" + configurations + "],");
+    const std::string usual = "MEGACLI";
+    return text.replace(text.find(usual), usual.size(), utility);
+}
+
+TEST(Definition, ForeignDrivesCarryWhatTheyWerePartOf) {
+    const Server server = serverOf(withForeign(
+        R"({"level": "RAID5", "drives": ["8:2", ":0"], "missing": 1, "sizeMB": 2000,
+            "name": "data"}, {"level": "RAID0", "drives": ["8:0"]})"));
+    const Controller& controller = server.controllers[0];
+    ASSERT_EQ(controller.foreignConfigurations.size(), 2U);
+    const ForeignConfiguration& first = controller.foreignConfigurations[0];
+    EXPECT_EQ(first.level, RaidLevel::raid5);
+    EXPECT_EQ(first.sizeMb, 2000);
+    EXPECT_EQ(first.missing, 1);
+    EXPECT_EQ(first.name, "data");
+    std::string groups;
+    for (const ForeignGroup& group : controller.foreignGroups()) {
+        groups += (group.configuration ? std::to_string(*group.configuration) : "-") + "[" +
+                  toText(group.drives) + "]";
+    }
+    EXPECT_EQ(groups, "0[8:2,:0]1[8:0]-[8:1]");
+}
+
+TEST(Definition, FaultsOfForeignConfigurationsNameTheField) {
+    const struct {
+        const char* configurations;
+        const char* problem;
+    } rows[] = {
+        {R"({"drives": ["8:0"]})", ".level: is missing"},
+        {R"({"level": "RAID7", "drives": ["8:0"]})", ".level: unknown word \"RAID7\""},
+        {R"({"level": "RAID0"})", ".drives: is missing or empty"},
+        {R"({"level": "RAID0", "drives": []})", ".drives: is missing or empty"},
+        {R"({"level": "RAID0", "drives": "8:0"})", ".drives: must be a list"},
+        {R"({"level": "RAID0", "drives": [0]})",
+         ".drives: drives are written like \"252:0\" or \":0\""},
+        {R"({"level": "RAID0", "drives": ["8:9"]})", ".drives: there is no foreign drive at 8:9"},
+        {R"({"level": "RAID0", "drives": [":1"]})", ".drives: there is no foreign drive at :1"},
+        {R"({"level": "RAID0", "drives": ["8:0", "8:0"]})",
+         ".drives: the drive at 8:0 carries a foreign configuration already"},
+        {R"({"level": "RAID0", "drives": ["8:0"], "missing": 1025})",
+         ".missing: must be a whole number from 0 to 1024"},
+        {R"({"level": "RAID0", "drives": ["8:0"], "sizeMB": 0})",
+         ".sizeMB: must be a whole number from 1 to 200000000000"},
+        {R"({"level": "RAID0", "drives": ["8:0"], "spans": []})", ".spans: unknown field"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(problemOf(withForeign(row.configurations)),
+                  std::string("controllers[0].foreignConfigurations[0]") + row.problem)
+            << row.configurations;
+    }
+    EXPECT_EQ(problemOf(withForeign("", "CFGGEN")),
+              "controllers[0].foreignConfigurations: unknown field");
+}
+
 TEST(Definition, TooManyControllers) {
     std::vector<std::string> list;
     list.reserve(65);

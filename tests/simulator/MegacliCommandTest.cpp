@@ -222,12 +222,27 @@ TEST(MegacliCommand, RefusesWhatItDoesNotUnderstand) {
         {"-PDHSP { -Set } -PhysDrv[8:0] -a0 WB", "Invalid input at or near token WB"},
         {"-PDHSP { -Set } -PhysDrv[8:0]", "Invalid input: the command line is not complete"},
         {"-PDHSP { -Set } -PhysDrv[8:0] -a1", "User specified controller is not present."},
+        {"-PDHSP -Rmv", "Invalid input: the command line is not complete"},
+        {"-PDHSP -Rmv -Set -PhysDrv[8:0] -a0", "Invalid input at or near token -Set"},
+        {"-PDHSP -Rmv -PhysDrv[9:3] -a1", "User specified controller is not present."},
+        {"-CfgLdDel", "Invalid input: the command line is not complete"},
+        {"-CfgLdDel -a0", "Invalid input at or near token -a0"},
+        {"-CfgLdDel -L -a0", "Invalid input at or near token -L"},
+        {"-CfgLdDel -Lx -a0", "Invalid input at or near token -Lx"},
+        {"-CfgLdDel -L-1 -a0", "Invalid input at or near token -L-1"},
+        {"-CfgLdDel -L0, -a0", "Invalid input at or near token -a0"},
+        {"-CfgLdDel -L0", "Invalid input: the command line is not complete"},
+        {"-CfgLdDel -L0 -a0 -SILENT", "Invalid input at or near token -SILENT"},
+        {"-CfgLdDel -L0 -a1", "User specified controller is not present."},
         {"-CFGCLR -SILENT", "Invalid input: the command line is not complete"},
         {"-CFGCLR -A0 -LOUD", "Invalid input at or near token -LOUD"},
         {"-CFGCLR -A1 -SILENT", "User specified controller is not present."},
         {"-CFGFOREIGN -A0 -SILENT", "Invalid input at or near token -A0"},
         {"-CFGFOREIGN -CLEAR -SILENT", "Invalid input: the command line is not complete"},
         {"-CFGFOREIGN -CLEAR -A1 -SILENT", "User specified controller is not present."},
+        {"-CFGFOREIGN -SCAN", "Invalid input: the command line is not complete"},
+        {"-CFGFOREIGN -SCAN -CLEAR -A0", "Invalid input at or near token -CLEAR"},
+        {"-CFGFOREIGN -SCAN -A1", "User specified controller is not present."},
     };
     for (const auto& row : rows) {
         Server server = testServer();
@@ -333,6 +348,140 @@ TEST(MegacliCommand, AnArrayWithAFailedDriveTakesNoFurtherVirtualDisk) {
     EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:0,8:1,9:1] -sz10 -a0").exitCode, 0x26);
 }
 
+/// The numbers of the logical drives with their arrays and sizes, and how many arrays there are.
+std::string numbersOf(const Server& server) {
+    const Controller& controller = server.controllers.front();
+    std::string text;
+    for (std::size_t place = 0; place < controller.logicalDrives.size(); ++place) {
+        const LogicalDrive& drive = controller.logicalDrives[place];
+        text += formatted("%zu@%zu:%lld ", controller.numberOf(place), drive.array,
+                          static_cast<long long>(drive.sizeMb));
+    }
+    return text + formatted("of %zu", controller.arrays.size());
+}
+
+/// Two logical drives on three drives, one on a drive outside every enclosure, one on a mirror
+/// whose second drive has failed.
+Server serverToThinOut() {
+    return testServer(R"("virtualDisks": [
+        {"level": "RAID5", "spans": [["8:0", "8:1", "8:2"]], "sizeMB": 500},
+        {"level": "RAID0", "spans": [[":1"]]},
+        {"level": "RAID5", "array": 0, "sizeMB": 600},
+        {"level": "RAID1", "spans": [["8:4", "9:1"]]}],)");
+}
+
+TEST(MegacliCommand, DeletesSingleVirtualDisks) {
+    Server server = serverToThinOut();
+    EXPECT_EQ(numbersOf(server), "0@0:500 1@1:500 2@0:600 3@2:1000 of 3");
+    // The array stays as long as it holds another one, and so do the numbers.
+    PlayResult result = megacli(server, "-CfgLdDel -L0 -a0");
+    EXPECT_EQ(result.output, std::string(37, ' ') +
+                                 "\nAdapter 0: Deleted Virtual Drive-0(target id-0)\n"
+                                 "\nExit Code: 0x00\n");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(result.changed);
+    EXPECT_EQ(numbersOf(server), "1@1:500 2@0:600 3@2:1000 of 3");
+    EXPECT_EQ(server.controllers[0].driveAt({8, 0})->status, DriveStatus::online);
+    // The last one frees the drives; a failed one stays what it is.
+    result = megacli(server, "-cfglddel -L 3 , 2 -a0");
+    EXPECT_EQ(result.output, std::string(37, ' ') +
+                                 "\nAdapter 0: Deleted Virtual Drive-3(target id-3)\n"
+                                 "Adapter 0: Deleted Virtual Drive-2(target id-2)\n"
+                                 "\nExit Code: 0x00\n");
+    EXPECT_EQ(numbersOf(server), "1@0:500 of 1");
+    EXPECT_EQ(dump(server.controllers[0]),
+              "8:0=good | 8:1=good | 8:2=good | 8:3=good | 8:4=good | 8:5=good | 8:6=good | "
+              "8:7=good | 8:8=good | :0=good | :1=online | 9:0=bad | 9:1=failed | 9:2=foreign | "
+              "9:3=hotspare | RAID0 [:1] 500MB 64kB WT NORA");
+    // New ones take the lowest free number.
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R1 [8:0,8:1] -a0").output,
+              std::string(37, ' ') + "\nAdapter 0: Created VD 0\n\n"
+                                     "Adapter 0: Configured the Adapter!!\n\nExit Code: 0x00\n");
+    EXPECT_NE(megacli(server, "-CfgLdAdd R0 [8:2] -a0").output.find("Created VD 2\n"),
+              std::string::npos);
+    EXPECT_EQ(numbersOf(server), "0@1:1000 1@0:500 2@2:1000 of 3");
+    EXPECT_EQ(megacli(server, "-CfgLdDel -L0,1,2 -a0").exitCode, 0);
+    EXPECT_EQ(numbersOf(server), "of 0");
+}
+
+TEST(MegacliCommand, WhatADeletedVirtualDiskTookIsFreeForAnother) {
+    Server server = serverToThinOut();
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:0,8:1,8:2] -sz1401 -a0").exitCode, 0x1d);
+    EXPECT_EQ(megacli(server, "-CfgLdDel -L0 -a0").exitCode, 0);
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:0,8:1,8:2] -sz1401 -a0").exitCode, 0x1d);
+    EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:0,8:1,8:2] -sz1400 -a0").exitCode, 0);
+    EXPECT_EQ(numbersOf(server), "0@0:1400 1@1:500 2@0:600 3@2:1000 of 3");
+}
+
+TEST(MegacliCommand, RefusesToDeleteWhatIsNotThere) {
+    const struct {
+        const char* numbers;
+        int exitCode;
+        const char* reason;
+    } rows[] = {{"4", 0x0c, "There is no virtual disk 4."},
+                {"0,9", 0x0c, "There is no virtual disk 9."},
+                {"999999999999999999", 0x0c, "There is no virtual disk 999999999999999999."},
+                {"0,1,0", 0x03, "The virtual disk 0 is named twice."}};
+    for (const auto& row : rows) {
+        Server server = serverToThinOut();
+        const std::string before = dump(server.controllers.front());
+        const PlayResult result = megacli(server, formatted("-CfgLdDel -L%s -a0", row.numbers));
+        EXPECT_EQ(result.exitCode, row.exitCode) << row.numbers;
+        EXPECT_EQ(result.output, std::string(37, ' ') +
+                                     "\nAdapter 0: Delete Virtual Drive Failed\n\n"
+                                     "FW error description: \n  " +
+                                     row.reason +
+                                     formatted("  \n\nExit Code: 0x%02x\n", row.exitCode));
+        EXPECT_FALSE(result.changed) << row.numbers;
+        EXPECT_EQ(dump(server.controllers.front()), before) << row.numbers;
+    }
+    Server server = serverToThinOut();
+    EXPECT_EQ(megacli(server, "-CfgLdDel -L2 -a0").exitCode, 0);
+    EXPECT_EQ(megacli(server, "-CfgLdDel -L2 -a0").exitCode, 0x0c);
+}
+
+TEST(MegacliCommand, RemovesHotSpares) {
+    Server server = testServer();
+    EXPECT_EQ(megacli(server, "-PDHSP { -Set } -PhysDrv[ :0,8:3 ] -a0").exitCode, 0);
+    // All of them or none.
+    const struct {
+        const char* list;
+        int exitCode;
+        const char* reason;
+    } rows[] = {
+        {"9:3,8:0", 0x32, "The physical disk at 8:0 is no hot spare: it is good."},
+        {"9:3,9:2", 0x32, "The physical disk at 9:2 is no hot spare: it is foreign."},
+        {":1", 0x32, "The physical disk at :1 is no hot spare: it is good."},
+        {"9:3,0:0", 0x0c, "There is no physical disk at 0:0."},
+        {"9:3,9:3", 0x03, "The physical disk at 9:3 is named twice."},
+    };
+    for (const auto& row : rows) {
+        const std::string before = dump(server.controllers.front());
+        const PlayResult result =
+            megacli(server, formatted("-PDHSP -Rmv -PhysDrv[%s] -a0", row.list));
+        EXPECT_EQ(result.exitCode, row.exitCode) << row.list;
+        EXPECT_EQ(result.output, std::string(37, ' ') +
+                                     "\nAdapter 0: Remove Physical Drive as Hot Spare Failed\n\n"
+                                     "FW error description: \n  " +
+                                     row.reason +
+                                     formatted("  \n\nExit Code: 0x%02x\n", row.exitCode));
+        EXPECT_FALSE(result.changed) << row.list;
+        EXPECT_EQ(dump(server.controllers.front()), before) << row.list;
+    }
+    const PlayResult result = megacli(server, "-pdhsp -rmv -physdrv [ 9:3 , :0 ] -a0");
+    EXPECT_EQ(result.output,
+              std::string(37, ' ') +
+                  "\nAdapter: 0: Remove Physical Drive at EnclId-9 SlotId-3 as Hot Spare Success.\n"
+                  "Adapter: 0: Remove Physical Drive at SlotId-0 as Hot Spare Success.\n"
+                  "\nExit Code: 0x00\n");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(result.changed);
+    EXPECT_EQ(dump(server.controllers[0]),
+              "8:0=good | 8:1=good | 8:2=good | 8:3=hotspare | 8:4=good | 8:5=good | 8:6=good | "
+              "8:7=good | 8:8=good | :0=good | :1=good | 9:0=bad | 9:1=failed | 9:2=foreign | "
+              "9:3=good");
+}
+
 TEST(MegacliCommand, ClearsTheConfiguration) {
     Server server =
         testServer(R"("virtualDisks": [{"level": "RAID5", "spans": [["8:0", "8:1", "9:1"]]}],)");
@@ -363,6 +512,55 @@ TEST(MegacliCommand, ClearsForeignDrives) {
     EXPECT_EQ(second.output, std::string(37, ' ') +
                                  "\nThere is no foreign configuration on controller 0.\n"
                                  "\nExit Code: 0x00\n");
+}
+
+TEST(MegacliCommand, CountsAndClearsForeignConfigurations) {
+    const char* foreign = R"(
+        {"enclosure": 8, "slot": 0, "count": 4, "sizeMB": 1000, "status": "foreign"},
+        {"slot": 0, "count": 2, "sizeMB": 1000, "status": "foreign"},
+        {"slot": 2, "sizeMB": 1000})";
+    const struct {
+        const char* configurations;
+        int count;
+    } rows[] = {
+        // Foreign drives of unknown content are one configuration together.
+        {"", 1},
+        {R"("foreignConfigurations": [{"level": "RAID5", "missing": 1, "drives": ["8:0", "8:1"]}],)",
+         2},
+        {R"("foreignConfigurations": [{"level": "RAID1", "drives": ["8:0", "8:1"]},
+                                      {"level": "RAID0", "drives": ["8:2", "8:3", ":0", ":1"]}],)",
+         2},
+    };
+    for (const auto& row : rows) {
+        Server server = serverOf(definitionWith(foreign, row.configurations));
+        const std::string before = dump(server.controllers[0]);
+        const std::string there =
+            std::string(37, ' ') +
+            formatted("\nThere are %d foreign configuration(s) on controller 0.\n"
+                      "\nExit Code: 0x00\n",
+                      row.count);
+        for (const char* scan : {"-CfgForeign -Scan -a0", "-CFGFOREIGN -SCAN -A0 -SILENT"}) {
+            const PlayResult scanned = megacli(server, scan);
+            EXPECT_EQ(scanned.output, there);
+            EXPECT_EQ(scanned.exitCode, 0);
+            EXPECT_FALSE(scanned.changed);
+            EXPECT_EQ(dump(server.controllers[0]), before);
+        }
+        const PlayResult cleared = megacli(server, "-CFGFOREIGN -CLEAR -A0 -SILENT");
+        std::string text = std::string(37, ' ') + "\n";
+        for (int i = 0; i < row.count; ++i) {
+            text += formatted("Foreign configuration %d is cleared on controller 0.\n", i);
+        }
+        EXPECT_EQ(cleared.output, text + "\nExit Code: 0x00\n");
+        EXPECT_TRUE(cleared.changed);
+        EXPECT_EQ(dump(server.controllers[0]),
+                  "8:0=good | 8:1=good | 8:2=good | 8:3=good | :0=good | :1=good | :2=good");
+        const PlayResult none = megacli(server, "-CfgForeign -Scan -a0");
+        EXPECT_EQ(none.output, std::string(37, ' ') +
+                                   "\nThere is no foreign configuration on controller 0.\n"
+                                   "\nExit Code: 0x00\n");
+        EXPECT_EQ(none.exitCode, 0);
+    }
 }
 
 TEST(MegacliCommand, AdaptersFollowThePciListing) {

@@ -192,6 +192,61 @@ TEST(MegacliListing, EachLevelInBothGenerations) {
     }
 }
 
+/// The lines of a listing that hold one of these texts.
+std::string keptLines(const std::string& listing, const std::vector<std::string>& texts) {
+    std::istringstream lines(listing);
+    std::string found;
+    for (std::string line; std::getline(lines, line);) {
+        if (std::any_of(texts.begin(), texts.end(), [&](const std::string& text) {
+                return line.find(text) != std::string::npos;
+            })) {
+            found += line + "\n";
+        }
+    }
+    return found;
+}
+
+TEST(MegacliListing, VirtualDisksThatShareTheirDrivesAndKeepTheirNumbers) {
+    const std::string drives =
+        R"({"slot": 3, "count": 2, "sizeMB": 1000}, {"enclosure": 8, "slot": 3, "sizeMB": 1000})";
+    Server early = serverOf(definitionWith(drives));
+    Server later = serverOf(definitionWith(drives, R"("generation": "later",)"));
+    for (Server* server : {&early, &later}) {
+        for (const char* command :
+             {"-CfgLdAdd R1 [:3,:4] -sz300 -a0", "-CfgLdAdd R1 [:3,:4] -sz200 -a0",
+              "-CfgLdAdd R0 [8:3] -a0", "-CfgLdAdd R1 [:4,:3] -sz100 -a0", "-CfgLdDel -L1 -a0"}) {
+            ASSERT_EQ(megacli(*server, command).exitCode, 0) << command;
+        }
+    }
+    EXPECT_EQ(keptLines(megacli(early, "-LdPdInfo -a0").output,
+                        {"Number of V", "Virtual Disk:", "Enclosure Device", "Slot Number"}),
+              "Number of Virtual Disks: 3\n"
+              "Virtual Disk: 0 (Target Id: 0)\n"
+              "Enclosure Device ID: N/A\n"
+              "Slot Number: 3\n"
+              "Enclosure Device ID: N/A\n"
+              "Slot Number: 4\n"
+              "Virtual Disk: 2 (Target Id: 2)\n"
+              "Enclosure Device ID: 8\n"
+              "Slot Number: 3\n"
+              "Virtual Disk: 3 (Target Id: 3)\n"
+              "Enclosure Device ID: N/A\n"
+              "Slot Number: 3\n"
+              "Enclosure Device ID: N/A\n"
+              "Slot Number: 4\n");
+    EXPECT_EQ(keptLines(megacli(later, "-LdPdInfo -a0").output,
+                        {"Number of V", "Virtual Drive:", "DiskGroup"}),
+              "Number of Virtual Disks: 3\n"
+              "Virtual Drive: 0 (Target Id: 0)\n"
+              "Drive's position: DiskGroup: 0, Span: 0, Arm: 0\n"
+              "Drive's position: DiskGroup: 0, Span: 0, Arm: 1\n"
+              "Virtual Drive: 2 (Target Id: 2)\n"
+              "Drive's position: DiskGroup: 1, Span: 0, Arm: 0\n"
+              "Virtual Drive: 3 (Target Id: 3)\n"
+              "Drive's position: DiskGroup: 0, Span: 0, Arm: 0\n"
+              "Drive's position: DiskGroup: 0, Span: 0, Arm: 1\n");
+}
+
 TEST(MegacliListing, CachePolicyFollowsTheCommand) {
     const struct {
         const char* words;

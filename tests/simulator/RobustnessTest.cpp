@@ -83,6 +83,8 @@ TEST(Robustness, CommandLinesOfAnyWords) {
         "-CFGCLR -A0 -SILENT",
         "-CFGFOREIGN -CLEAR -A0 -SILENT",
         "-PDHSP { -Set } -PhysDrv [ 32:0 , 32:1 ] -a0",
+        "-PDHSP -Rmv -PhysDrv [ 32:0 ] -a0",
+        "-CfgLdDel -L0 , 1 -a0",
         "-CfgLdAdd R5 [ 32:0 , 32:1 , 32:2 ] WB ADRA { -sz100 } -strpsz 64 -a0",
         "-CfgSpanAdd R10 -Array0 [ 32:0 , 32:1 ] -Array1 [ 32:2 , 32:3 ] WT NORA -strpsz 8 -a0"};
     std::vector<std::string> words = {"", "R6", "R60", ":0", "0:0", "-a1", "-A", "0", "-sz"};
@@ -122,6 +124,7 @@ TEST(Robustness, LongRunsOfCommandsKeepASoundState) {
     Server server = initial;
     const std::vector<Drive> drives = server.controllers[0].drives;
     int created = 0;
+    int removed = 0;
     for (int i = 0; i < 1500; ++i) {
         const auto list = [&](std::size_t count) {
             std::vector<std::string> locations;
@@ -131,7 +134,7 @@ TEST(Robustness, LongRunsOfCommandsKeepASoundState) {
             return join(locations, ",");
         };
         std::string options;
-        switch (below(random, 8)) {
+        switch (below(random, 10)) {
         case 0:
             options = "-CFGCLR -A0";
             break;
@@ -148,19 +151,31 @@ TEST(Robustness, LongRunsOfCommandsKeepASoundState) {
         case 4:
             options = "-CfgLdAdd R1 [" + list(2) + "] WB RA -strpsz 128 -a0";
             break;
+        case 5:
+            options = "-CfgLdDel -L" + std::to_string(below(random, 8)) + " -a0";
+            break;
+        case 6:
+            options = "-PDHSP -Rmv -PhysDrv[" + list(1) + "] -a0";
+            break;
         default:
             options = "-CfgLdAdd R0 [" + list(1 + below(random, 2)) + "] -a0";
             break;
         }
         const PlayResult result = megacli(server, options);
         created += result.output.find("Created") != std::string::npos ? 1 : 0;
+        removed += result.output.find("Deleted") != std::string::npos ||
+                           result.output.find("Remove Physical Drive at") != std::string::npos
+                       ? 1
+                       : 0;
         Problem problem;
         Server copy = initial;
         readState(writeState(server), copy, problem);
         ASSERT_EQ(problem.text(), "") << options;
         ASSERT_EQ(dump(copy.controllers[0]), dump(server.controllers[0]));
+        ASSERT_EQ(writeState(copy), writeState(server));
     }
     EXPECT_GT(created, 100);
+    EXPECT_GT(removed, 30);
 }
 
 } // namespace

@@ -148,6 +148,25 @@ TEST_F(Simulator, CommandsBuildOnEachOther) {
     EXPECT_EQ(run_.util("-CfgLdAdd R0 [ 8:3 ] -a0").exitCode, 0);
 }
 
+TEST(Show, NumbersThatStayAndForeignConfigurations) {
+    Server server = serverOf(definitionWith(
+        R"({"slot": 0, "count": 2, "sizeMB": 1000},
+           {"slot": 2, "count": 4, "sizeMB": 1000, "status": "foreign"})",
+        R"("foreignConfigurations": [{"level": "RAID5", "drives": [":2", ":3"], "missing": 1,
+           "sizeMB": 2000, "name": "data"}, {"level": "RAID0", "drives": [":4"]}],)"));
+    for (const char* command :
+         {"-CfgLdAdd R0 [:0] -a0", "-CfgLdAdd R0 [:1] -a0", "-CfgLdDel -L0 -a0"}) {
+        ASSERT_EQ(megacli(server, command).exitCode, 0) << command;
+    }
+    const std::string text = showServer(server, {}).output;
+    EXPECT_EQ(text.substr(text.find("  array")),
+              "  array 0: [:1]\n"
+              "  logical drive 1: array 0, RAID0, 1000 MB, stripe 64 KB, WT, NORA\n"
+              "  foreign configuration 0: [:2,:3], RAID5, 2000 MB, 1 missing, \"data\"\n"
+              "  foreign configuration 1: [:4], RAID0\n"
+              "  foreign configuration 2: [:5]\n");
+}
+
 TEST_F(Simulator, AFaultOnTheSecondCreatingCommand) {
     define(R"(, "faults": [{"match": "-cfgldadd", "occurrence": 2, "exitCode": 5,
                             "output": "FW error\n"}])");

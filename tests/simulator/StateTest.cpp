@@ -30,6 +30,31 @@ TEST(State, KeepsEverythingThatCommandsChange) {
     EXPECT_EQ(writeState(again), writeState(server));
 }
 
+TEST(State, KeepsTheNumbersOfLogicalDrives) {
+    const std::string definition = definitionWith(drives);
+    Server server = serverOf(definition);
+    for (const char* command : {"-CfgLdAdd R0 [8:0] -a0", "-CfgLdAdd R0 [8:1] -a0",
+                                "-CfgLdAdd R0 [8:2] -a0", "-CfgLdDel -L0,1 -a0"}) {
+        EXPECT_EQ(megacli(server, command).exitCode, 0) << command;
+    }
+    Server again = serverOf(definition);
+    Problem problem;
+    readState(writeState(server), again, problem);
+    EXPECT_EQ(problem.text(), "");
+    EXPECT_EQ(again.controllers[0].numberOf(0), 2U);
+    EXPECT_EQ(writeState(again), writeState(server));
+    // The numbers 0 and 1 are free, 2 is not.
+    for (const char* made : {"Created VD 0\n", "Created VD 1\n", "Created VD 3\n"}) {
+        const std::string free =
+            toText(again.controllers[0].logicalDrives.size() == 1   ? DriveLocation{8, 0}
+                   : again.controllers[0].logicalDrives.size() == 2 ? DriveLocation{8, 1}
+                                                                    : DriveLocation{8, 3});
+        EXPECT_NE(megacli(again, "-CfgLdAdd R0 [" + free + "] -a0").output.find(made),
+                  std::string::npos)
+            << made;
+    }
+}
+
 TEST(State, ReplacesAnInitialConfiguration) {
     const std::string definition =
         definitionWith(drives, R"("virtualDisks": [{"level": "RAID0", "spans": [["8:0"]]}],)");
@@ -99,6 +124,37 @@ TEST(State, DamageIsToldClearly) {
         Problem problem;
         readState(row.text, server, problem);
         EXPECT_EQ(problem.text(), row.problem) << row.text;
+    }
+}
+
+TEST(State, DamagedNumbersOfLogicalDrivesAreToldClearly) {
+    const char* wrong = "controllers[0].logicalDrives[1].number: must be a whole number from 4 to "
+                        "65535";
+    const struct {
+        const char* first; ///< number
+        const char* second;
+        const char* problem;
+    } rows[] = {
+        {"\"number\": 3,", "\"number\": 9,", ""},
+        {"\"number\": 3,", "\"number\": 3,", wrong},
+        {"\"number\": 3,", "\"number\": 2,", wrong},
+        {"\"number\": 3,", "\"number\": 65536,", wrong},
+        {"\"number\": 3,", "", "controllers[0].logicalDrives[1].number: is missing"},
+        {"\"number\": -1,", "",
+         "controllers[0].logicalDrives[0].number: must be a whole number from 0 to 65535"},
+    };
+    for (const auto& row : rows) {
+        Server server = serverOf(definitionWith(drives));
+        EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
+        EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [8:1] -a0").exitCode, 0);
+        std::string text = writeState(server);
+        const std::string mark = "\"level\"";
+        const std::size_t first = text.find(mark);
+        text.insert(text.find(mark, first + 1), row.second);
+        text.insert(first, row.first);
+        Problem problem;
+        readState(text, server, problem);
+        EXPECT_EQ(problem.text(), row.problem) << text;
     }
 }
 
