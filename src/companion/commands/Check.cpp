@@ -183,7 +183,7 @@ class Check {
     }
 
     [[nodiscard]] std::string text(std::span<const SourceFile> sources) const {
-        const std::string all = diagnosticsText(findings_, sources, context_.style);
+        std::string all = diagnosticsText(findings_, sources, context_.style);
         if (context_.quiet) {
             return all;
         }
