@@ -104,6 +104,7 @@ struct BrokenBlock {
 
 /// How one listing was read.
 struct ListingReading {
+    bool isListing = false;     ///< not an answer of the utility in the place of one
     std::size_t blocks = 0;     ///< blocks that begin (drives, logical drives, members, ...)
     std::size_t blocksRead = 0; ///< of them those that became records, or are known to be no drive
     std::size_t keys = 0;       ///< lines "key : value"

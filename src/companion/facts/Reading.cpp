@@ -224,6 +224,7 @@ void Reading::takePlain(const ListingLine& line) {
 
 void Reading::endListing(const ListingLine& last) {
     leave(Block::none);
+    counts().isListing = isListing_;
     if (isListing_ && !isClosed_ && !isOver) {
         broken(last, "the listing breaks off: its last line is missing");
     }

@@ -43,7 +43,7 @@ std::string_view failureLine(std::string_view output) {
 }
 
 bool isUnderstood(const ListingReading& reading) {
-    return reading.blocks > 0 || reading.keysUsed > 0;
+    return reading.isListing && (reading.blocks > 0 || reading.keysUsed > 0);
 }
 
 void judge(std::size_t index, ControllerSnapshot& snapshot) {

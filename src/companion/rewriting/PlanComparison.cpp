@@ -110,19 +110,22 @@ class Comparison {
             return;
         }
         const std::int32_t mode = readAheadOf(wanted.facts->readCache);
-        // ARCCONF and HRCONF know on and off alone.
-        const bool isSame =
-            traits_.dialect == Dialect::megaCli
-                ? mode == planned_.readAhead
-                : (mode == read_ahead::off) == (planned_.readAhead == read_ahead::off);
         // What the whole controller loses is told with the settings.
-        if (!isSame && planned_.readAhead == layout_.readAhead) {
+        if (!isSameReadAhead(mode, planned_.readAhead) &&
+            isSameReadAhead(layout_.readAhead, planned_.readAhead)) {
             findings_.push_back(captureFinding(
                 details(), "ZC112", Severity::warning,
                 "logical drive " + wanted.id + " with read-ahead " + readAheadWord(mode) +
                     " would come back with " + readAheadWord(planned_.readAhead),
                 {"a policy has one read-ahead mode for all its logical drives"}));
         }
+    }
+
+    /// ARCCONF and HRCONF know on and off alone.
+    [[nodiscard]] bool isSameReadAhead(std::int32_t one, std::int32_t other) const {
+        return traits_.dialect == Dialect::megaCli
+                   ? one == other
+                   : (one == read_ahead::off) == (other == read_ahead::off);
     }
 
     static std::int32_t readAheadOf(std::string_view readCache) {
@@ -176,7 +179,7 @@ class Comparison {
     }
 
     void compareSettings() {
-        if (layout_.effects.readAhead && planned_.readAhead != layout_.readAhead) {
+        if (layout_.effects.readAhead && !isSameReadAhead(layout_.readAhead, planned_.readAhead)) {
             tell("ZC112", std::string("read-ahead ") + readAheadWord(layout_.readAhead) +
                               " would come back as " + readAheadWord(planned_.readAhead));
         }
@@ -296,6 +299,9 @@ std::string spanFault(const WantedLogicalDrive& drive) {
     return {};
 }
 
+/// What controllers of QTCSEND take by themselves.
+constexpr std::uint64_t usualQtcSendStripKb = 16;
+
 void tellLogicalDrive(const WantedLayout& layout, const WantedLogicalDrive& drive,
                       std::vector<Finding>& findings) {
     const auto tell = [&](const char* code, Severity severity, const std::string& what,
@@ -314,12 +320,14 @@ void tellLogicalDrive(const WantedLayout& layout, const WantedLogicalDrive& driv
              {"mend it first, then capture again"});
     }
     const TypeTraits& traits = traitsOf(layout.controller->type());
+    // No line for QTCSEND holds one; others are told none for levels that have none.
+    const bool isNeverTold = layout.controller->type() == controller_type::family;
     if (traits.writes.stripeSize && !layout.effects.stripeSize && facts.stripSizeBytes &&
-        drive.raidLevel != raid_level::raid1) {
-        tell("ZC118", Severity::note,
-             who + " has a strip size of " + std::to_string(*facts.stripSizeBytes / 1024) +
-                 " KB: zolex gives " + layout.details->utility +
-                 " none, so that the controller's own comes back");
+        (isNeverTold || drive.raidLevel != raid_level::raid1)) {
+        const std::uint64_t kb = *facts.stripSizeBytes / 1024;
+        tell("ZC118", isNeverTold && kb != usualQtcSendStripKb ? Severity::warning : Severity::note,
+             who + " has a strip size of " + std::to_string(kb) + " KB: zolex gives " +
+                 layout.details->utility + " none, so that the controller's own comes back");
     }
     if (!facts.name.empty()) {
         tell("ZC117", Severity::note,

@@ -50,7 +50,7 @@ class Writer {
         if (layout_.effects.rebuildRate) {
             text += entry(keyword::rebuildRate, rebuildRateWord(layout_.rebuildRate));
         }
-        if (layout_.effects.readAhead) {
+        if (layout_.effects.readAhead && !layout_.effects.readAheadIsUsual) {
             text += entry(keyword::readAhead, readAheadWord(layout_.readAhead));
         }
         return text.empty() ? text : text + "\n";

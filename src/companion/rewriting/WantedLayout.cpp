@@ -1,10 +1,12 @@
 #include "companion/rewriting/WantedLayout.h"
 
 #include "commands/CommandLines.h"
+#include "engine/ConfigClasses.h"
 #include "foundation/Report.h"
 #include "model/TypeTraits.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -113,6 +115,24 @@ void setWriteCaches(RAIDConfiguration& layout, std::int32_t writeCache) {
     layout = std::move(changed);
 }
 
+/// Whether the captured read-ahead mode comes back of a policy that says none, and some mode is not
+/// told apart from it.
+bool isUsualReadAhead(const RAIDController& controller, std::int32_t number) {
+    const ConfigDefaults* const rules = rulesFor(controller.type(), controller.subtype());
+    const std::int32_t own = controller.captured()->readAhead;
+    const auto isSame = [&](std::int32_t mode) {
+        const auto set = [](RAIDConfiguration& layout, std::int32_t value) {
+            layout.readAhead = value;
+        };
+        return !changesLines(controller, number, set, own, mode);
+    };
+    constexpr std::array<std::int32_t, 3> modes = {read_ahead::adaptive, read_ahead::on,
+                                                   read_ahead::off};
+    return rules != nullptr && isSame(rules->readAhead) &&
+           std::any_of(modes.begin(), modes.end(),
+                       [&](std::int32_t mode) { return mode != own && isSame(mode); });
+}
+
 SettingEffects effectsOf(const RAIDController& controller, std::int32_t number) {
     const WrittenSettings written = traitsOf(controller.type()).writes;
     const auto set = [](std::int32_t RAIDConfiguration::*member) {
@@ -125,6 +145,7 @@ SettingEffects effectsOf(const RAIDController& controller, std::int32_t number) 
     effects.readAhead =
         written.readAhead && changesLines(controller, number, set(&RAIDConfiguration::readAhead),
                                           read_ahead::on, read_ahead::off);
+    effects.readAheadIsUsual = effects.readAhead && isUsualReadAhead(controller, number);
     effects.rebuildRate = written.rebuildRate &&
                           changesLines(controller, number, set(&RAIDConfiguration::rebuildRate),
                                        rebuild_rate::high, rebuild_rate::low);

@@ -28,6 +28,9 @@ struct WantedLogicalDrive {
 struct SettingEffects {
     bool stripeSize = false;
     bool readAhead = false;
+    /// The captured mode makes the same lines as other modes, among them that of a policy without
+    /// one.
+    bool readAheadIsUsual = false;
     bool rebuildRate = false;
     bool writeCache = false;
 };

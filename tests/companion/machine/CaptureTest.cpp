@@ -290,6 +290,24 @@ TEST(Capture, AnErrorInThePlaceOfAListingIsTold) {
     }
 }
 
+/// MEGACLI ends its errors with the line that ends its listings, and a wrapper may lose the code.
+TEST(Capture, AnErrorThatEndsAsAListingDoesIsTold) {
+    SimulatedPlatform platform("single");
+    platform.respond = [&platform](const std::string& line) {
+        return line.find("MEGACLI") == std::string::npos
+                   ? platform.play(line)
+                   : SimulatedPlatform::ended(0, "Failed to get data.\n\nExit Code: 0x01\n");
+    };
+    const Snapshot snapshot = captureMachine(platform, {});
+    Texts expected;
+    for (const char* const verb : {"-LdPdInfo", "-pdList", "-adpallinfo"}) {
+        expected.push_back(std::string("ZP105 UTIL.BAT MEGACLI ") + verb +
+                           " -a0 ended with exit code 0, but printed: Failed to get data.");
+    }
+    EXPECT_EQ(texts(snapshot.details.at(0).findings), expected);
+    EXPECT_TRUE(snapshot.details[0].failed);
+}
+
 TEST(Capture, OneListingThatIsAnErrorIsToldAndTheOthersCount) {
     SimulatedPlatform platform("single");
     platform.respond = [&platform](const std::string& line) {

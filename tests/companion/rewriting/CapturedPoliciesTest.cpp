@@ -273,6 +273,48 @@ TEST(CapturedPolicies, TellReadAheadThatOnePolicyCannotHave) {
               "  a policy has one read-ahead mode for all its logical drives\n");
 }
 
+/// ARCCONF is told "off" alone: a line that makes no command is left out.
+TEST(CapturedPolicies, LeaveReadAheadOutWhereTheUtilityIsNotToldIt) {
+    const auto arcConf = [](const std::string& readPolicy) {
+        return captured(R"({"machineType": "8837", "serialNumber": "KQ10Z7V", "controllers": [{
+            "utility": "ARCCONF", "model": "Kestrix-B7",
+            "pci": {"bus": 4, "device": 1, "vendorId": "0x9005", "deviceId": "0x0286",
+                    "subsystemVendorId": "0x1F3D", "subsystemId": "0x9580"},
+            "drives": [{"channel": 0, "device": 0, "count": 3, "sizeMB": 69376}],
+            "virtualDisks": [{"level": "RAID5", "spans": [["0:0", "0:1", "0:2"]],
+                              "readPolicy": ")" +
+                        readPolicy + "\"}]}]}");
+    };
+    const std::string with = "StripeSize = 256\nReadAhead = OFF\n";
+    const CapturedPolicies off = arcConf("NORA");
+    EXPECT_NE(entries(off).find(with), std::string::npos) << entries(off);
+    EXPECT_EQ(told(off), "");
+    EXPECT_TRUE(off.comesBack);
+    const CapturedPolicies on = arcConf("RA");
+    EXPECT_EQ(entries(on), std::string(entries(off)).erase(entries(off).find(with) + 17, 16));
+    EXPECT_EQ(told(on), "");
+    EXPECT_TRUE(on.comesBack);
+}
+
+/// No command gives QTCSEND a strip size: what is not its own is lost, that of a mirror, too.
+TEST(CapturedPolicies, TellStripSizesThatNoCommandGives) {
+    const CapturedPolicies policies = captured(
+        R"({"machineType": "8837", "serialNumber": "KQ10Z7V", "controllers": [{
+            "utility": "QTCSEND", "model": "Kestrix-A4",
+            "pci": {"bus": 3, "device": 2, "vendorId": "0x1F3D", "deviceId": "0x01BD",
+                    "subsystemVendorId": 0, "subsystemId": 0},
+            "drives": [{"channel": 1, "id": 0, "count": 5, "sizeMB": 69376}],
+            "virtualDisks": [
+                {"level": "RAID5", "spans": [["1:0", "1:1", "1:2"]], "stripeKB": 64},
+                {"level": "RAID1", "spans": [["1:3", "1:4"]], "stripeKB": 32}]}]})");
+    EXPECT_FALSE(policies.comesBack);
+    EXPECT_EQ(told(policies),
+              "controller 1: logical drive 1 has a strip size of 64 KB: zolex gives QTCSEND none, "
+              "so that the controller's own comes back [ZC118]\n"
+              "controller 1: logical drive 2 has a strip size of 32 KB: zolex gives QTCSEND none, "
+              "so that the controller's own comes back [ZC118]\n");
+}
+
 TEST(CapturedPolicies, TellHotSparesWithoutAnArray) {
     const CapturedPolicies policies = captured(megaRaid(
         R"({"enclosure": 32, "slot": 0, "sizeMB": 69376, "serial": "3L", "status": "hotspare"})",
