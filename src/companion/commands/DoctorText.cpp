@@ -210,6 +210,11 @@ class Writer {
         const ListingReading reading = index < controller.facts.listings.size()
                                            ? controller.facts.listings[index]
                                            : ListingReading();
+        if (!reading.isListing) {
+            head(name, "FAIL");
+            out_ += duration + "no listing\n";
+            return;
+        }
         const bool isWhole = reading.blocksRead >= reading.blocks;
         head(name, isWhole ? "ok" : "WARN");
         out_ += duration;

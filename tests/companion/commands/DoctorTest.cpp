@@ -311,6 +311,20 @@ TEST(Doctor, AUtilityThatFailsIsToldWithWhatItPrinted) {
     keepDocument("doctor-failed", runWrapped(platform, Format::json).output);
 }
 
+TEST(Doctor, AnErrorInThePlaceOfAListingIsNotCalledRead) {
+    SimulatedPlatform platform("single");
+    platform.respond = [&platform](const std::string& line) {
+        return line.find("-pdList") == std::string::npos
+                   ? platform.play(line)
+                   : SimulatedPlatform::ended(0, "Failed to get data.\n\nExit Code: 0x01\n");
+    };
+    const Examined examined = runWrapped(platform);
+    EXPECT_EQ(examined.code, exit_code::found);
+    EXPECT_NE(withoutTimes(examined.output).find("  -pdList       FAIL    N ms no listing\n"),
+              std::string::npos)
+        << examined.output;
+}
+
 /// Lines that nobody knows are counted, and listed when more is asked for.
 TEST(Doctor, KeysThatAreNotKnownAreCounted) {
     SimulatedPlatform platform("single");
