@@ -2,11 +2,15 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zolex::companion {
 
 enum class Severity { note, warning, error };
+
+/// "note", "warning", "error".
+[[nodiscard]] std::string_view severityWord(Severity severity);
 
 /// Who would not take it.
 enum class RefusedBy {

@@ -27,22 +27,6 @@ std::string_view stateWord(UtilityCheck::State state) {
     return {};
 }
 
-std::string_view outcomeWord(ChildOutcome outcome) {
-    switch (outcome) {
-    case ChildOutcome::noPipe:
-        return "no-pipe";
-    case ChildOutcome::notStarted:
-        return "not-started";
-    case ChildOutcome::stillRunning:
-        return "still-running";
-    case ChildOutcome::ended:
-        return "ended";
-    case ChildOutcome::notClosed:
-        return "not-closed";
-    }
-    return {};
-}
-
 Json findingOf(const SubjectFinding& each) {
     return {{"code", each.finding.code},
             {"severity", severityWord(each.finding.severity)},

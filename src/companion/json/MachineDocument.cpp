@@ -158,22 +158,6 @@ Json layoutOf(const ControllerSnapshot& controller) {
         .make();
 }
 
-std::string_view outcomeWord(ChildOutcome outcome) {
-    switch (outcome) {
-    case ChildOutcome::noPipe:
-        return "no-pipe";
-    case ChildOutcome::notStarted:
-        return "not-started";
-    case ChildOutcome::stillRunning:
-        return "still-running";
-    case ChildOutcome::ended:
-        return "ended";
-    case ChildOutcome::notClosed:
-        return "not-closed";
-    }
-    return {};
-}
-
 Json commandsOf(const ControllerSnapshot& controller) {
     Json commands = Json::array();
     for (std::size_t i = 0; i < controller.commands.size(); ++i) {

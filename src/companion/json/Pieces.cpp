@@ -4,14 +4,18 @@
 
 namespace zolex::companion {
 
-std::string_view severityWord(Severity severity) {
-    switch (severity) {
-    case Severity::note:
-        return "note";
-    case Severity::warning:
-        return "warning";
-    case Severity::error:
-        return "error";
+std::string_view outcomeWord(ChildOutcome outcome) {
+    switch (outcome) {
+    case ChildOutcome::noPipe:
+        return "no-pipe";
+    case ChildOutcome::notStarted:
+        return "not-started";
+    case ChildOutcome::stillRunning:
+        return "still-running";
+    case ChildOutcome::ended:
+        return "ended";
+    case ChildOutcome::notClosed:
+        return "not-closed";
     }
     return {};
 }

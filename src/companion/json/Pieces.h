@@ -3,6 +3,7 @@
 #include "companion/facts/Facts.h"
 #include "companion/findings/Finding.h"
 #include "companion/json/DocumentHead.h"
+#include "platform/Platform.h"
 
 #include <nlohmann/json.hpp>
 
@@ -38,8 +39,8 @@ class ObjectMaker {
 /// The beginning of a document: format, format_version, tool, made_at.
 [[nodiscard]] Json documentOf(std::string_view format, const DocumentHead& head);
 
-/// "note", "warning", "error".
-[[nodiscard]] std::string_view severityWord(Severity severity);
+/// "no-pipe", "not-started", "still-running", "ended", "not-closed".
+[[nodiscard]] std::string_view outcomeWord(ChildOutcome outcome);
 /// "zolex", "plan", "utility"; empty for nobody.
 [[nodiscard]] std::string_view refusedByWord(RefusedBy refusedBy);
 

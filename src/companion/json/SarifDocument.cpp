@@ -11,18 +11,6 @@ namespace zolex::companion {
 
 namespace {
 
-std::string_view levelOf(Severity severity) {
-    switch (severity) {
-    case Severity::note:
-        return "note";
-    case Severity::warning:
-        return "warning";
-    case Severity::error:
-        break;
-    }
-    return "error";
-}
-
 /// The name as a URI: "%20" for a blank, "/" for "\", and "file:///" before an absolute one.
 std::string uriOf(std::string_view name) {
     constexpr std::string_view plain =
@@ -111,7 +99,7 @@ class RuleList {
                 if (!rule->help.empty()) {
                     row["help"] = {{"text", rule->help}};
                 }
-                row["defaultConfiguration"] = {{"level", levelOf(rule->severity)}};
+                row["defaultConfiguration"] = {{"level", severityWord(rule->severity)}};
             }
             list.push_back(std::move(row));
         }
@@ -125,7 +113,7 @@ class RuleList {
 Json resultOf(const Finding& finding, std::size_t ruleIndex, std::span<const SourceFile> sources) {
     Json result{{"ruleId", finding.code},
                 {"ruleIndex", ruleIndex},
-                {"level", levelOf(finding.severity)},
+                {"level", severityWord(finding.severity)},
                 {"message", messageOf(finding)}};
     if (!finding.file.empty()) {
         result["locations"] =

@@ -9,18 +9,6 @@ namespace zolex::companion {
 
 namespace {
 
-std::string_view wordOf(Severity severity) {
-    switch (severity) {
-    case Severity::note:
-        return "note";
-    case Severity::warning:
-        return "warning";
-    case Severity::error:
-        break;
-    }
-    return "error";
-}
-
 Emphasis emphasisOf(Severity severity) {
     switch (severity) {
     case Severity::note:
@@ -47,7 +35,7 @@ std::string placeText(const Finding& finding) {
 std::string headText(const Finding& finding, const TextStyle& style) {
     const std::string place = placeText(finding);
     std::string head = place.empty() ? "" : emphasized(place + ":", Emphasis::bold, style) + " ";
-    head += emphasized(wordOf(finding.severity), emphasisOf(finding.severity), style);
+    head += emphasized(severityWord(finding.severity), emphasisOf(finding.severity), style);
     return head + ": ";
 }
 
@@ -131,7 +119,7 @@ std::string githubLines(const Finding& finding) {
 
 std::string githubCommand(const Finding& finding) {
     const std::string_view level =
-        finding.severity == Severity::note ? "notice" : wordOf(finding.severity);
+        finding.severity == Severity::note ? "notice" : severityWord(finding.severity);
     std::string text = "::" + std::string(level) + " ";
     if (!finding.file.empty()) {
         text += "file=" + githubEscaped(printable(finding.file), true) + ",";
