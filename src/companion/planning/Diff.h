@@ -1,0 +1,48 @@
+#pragma once
+
+#include "companion/planning/Plan.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolex::companion {
+
+/// How one controller stands to what is wanted of it.
+struct ControllerDiff {
+    enum class Result { same, equivalent, different, skipped, unknown };
+    std::int32_t number = 0;
+    std::string model;
+    Result result = Result::unknown;
+    std::string because; ///< of skipped and unknown: for people
+    std::string policy;
+    std::int32_t policyLine = 0;
+    Comparison comparison;
+    Layout captured;
+    Layout wanted;
+    /// Of different: whether adding is enough, and what is not: "strip size takes a rebuild".
+    bool addingIsEnough = false;
+    std::vector<std::string> takesRebuild;
+    std::vector<Finding> diagnostics; ///< of unknown
+};
+/// "same", "equivalent", "different", "skipped", "unknown".
+[[nodiscard]] std::string_view diffResultWord(ControllerDiff::Result result);
+
+/// The machine against policies or a plan.
+struct MachineDiff {
+    std::string wantedBy; ///< name of the policies file, or of the plan
+    bool isByPlan = false;
+    ControllerDiff::Result result = ControllerDiff::Result::unknown; ///< the worst of all
+    std::vector<ControllerDiff> controllers;
+    std::vector<Finding> diagnostics; ///< of the machine as a whole
+    Fingerprint fingerprint;
+};
+
+/// The machine that the plan was made of against the plan.
+[[nodiscard]] MachineDiff diffOf(const MachinePlan& plan);
+/// A machine against a plan that was made earlier: of this machine, else every controller is
+/// unknown and `diagnostics` tell why.
+[[nodiscard]] MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier);
+
+} // namespace zolex::companion
