@@ -210,7 +210,7 @@ class Captured {
     /// A machine without controllers is told elsewhere.
     [[nodiscard]] Finding noPolicyFinding() const {
         Finding finding;
-        finding.code = "ZC117";
+        finding.code = "ZC119";
         finding.severity = chapters_.empty() ? Severity::note : Severity::warning;
         finding.summary = "no policy is in the file: zolex and zolexctl check refuse it";
         finding.help = {"make the arrays first, or write policies by hand: man zolex-policies"};
@@ -226,7 +226,7 @@ class Captured {
                                  " from " + machineLine(snapshot_.machine) + ".");
         text +=
             commentLines("", hasNoPolicy() ? "No policy is in this file: zolex and zolexctl check "
-                                             "refuse it [ZC117]."
+                                             "refuse it [ZC119]."
                                            : "Deploying it makes these arrays anew: what is on the "
                                              "drives is lost.");
         if (chapters_.empty()) {

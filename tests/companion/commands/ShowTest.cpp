@@ -214,10 +214,10 @@ TEST(Show, PoliciesOfAServerWithoutArraysAreSaidToBeNone) {
     EXPECT_EQ(shown.error,
               "note: controller 1: it has no arrays, so that there is no policy for it [ZC101]\n"
               "\n"
-              "warning: no policy is in the file: zolex and zolexctl check refuse it [ZC117]\n"
+              "warning: no policy is in the file: zolex and zolexctl check refuse it [ZC119]\n"
               "   help: make the arrays first, or write policies by hand: man zolex-policies\n");
     EXPECT_NE(shown.output.find("; No policy is in this file: zolex and zolexctl check refuse it "
-                                "[ZC117].\n"),
+                                "[ZC119].\n"),
               std::string::npos)
         << shown.output;
 }
