@@ -15,7 +15,7 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 23> problemRows = {{
+constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::commandFailed, error, "a command of zolexctl could not do its work",
      "Nothing was changed; what it could not do is in its summary.",
      "do what its own help says, and run it again"},
@@ -85,7 +85,22 @@ constexpr std::array<ProblemCode, 23> problemRows = {{
     {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
-}};
+    {problem::addingIsNotEnough, error, "what is wanted cannot be reached by adding alone",
+     "Something that stands on the controller is in the way, or its utility cannot add beside it. "
+     "With --strategy add nothing is removed, so nothing is done.",
+     "see what a rebuild would remove: zolexctl plan POLICIES --strategy auto"},
+    {problem::lineNotMade, error, "a command line cannot be made",
+     "The utility of the controller has no command for what is planned. zolex ends with exit code "
+     "11 there, when the controllers before it have been configured.",
+     "change the entry that the finding names, and try it: zolexctl plan POLICIES"},
+    {problem::takesAllDrives, error, "the utility takes other drives than the policy lists",
+     "HYPERWIN's command names no drives: it takes all that are free, and where there is a spare, "
+     "the last of them for it.",
+     "list all drives of the controller: Array.A = 1,2"},
+    {problem::foreignNotCleared, error, "a planned drive carries a layout of another controller",
+     "The utility refuses such a drive, and has no command that clears it.",
+     "plan for other drives, or clear it in the controller's own set-up: zolexctl show"},
+});
 // clang-format on
 
 } // namespace

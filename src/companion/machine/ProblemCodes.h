@@ -41,6 +41,10 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+inline constexpr std::string_view addingIsNotEnough = "ZP220";
+inline constexpr std::string_view lineNotMade = "ZP221";
+inline constexpr std::string_view takesAllDrives = "ZP222";
+inline constexpr std::string_view foreignNotCleared = "ZP223";
 } // namespace problem
 
 /// All of them, in the order of their ids.
