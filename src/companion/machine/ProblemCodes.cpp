@@ -15,7 +15,7 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 23> problemRows = {{
+constexpr std::array<ProblemCode, 29> problemRows = {{
     {problem::commandFailed, error, "a command of zolexctl could not do its work",
      "Nothing was changed; what it could not do is in its summary.",
      "do what its own help says, and run it again"},
@@ -85,6 +85,24 @@ constexpr std::array<ProblemCode, 23> problemRows = {{
     {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
+    {problem::documentUnreadable, error, "a plan cannot be read from its file",
+     "Nothing was changed. The file is missing, or this user has no right to read it.",
+     "name the file that zolexctl plan -o has written"},
+    {problem::otherDocument, error, "a document is no plan",
+     "Nothing was changed. Other documents tell of a machine or of policies, and of no steps.",
+     "make a plan: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::otherVersion, error, "a plan has a format version that this zolexctl does not know",
+     "Nothing was changed. A major version changes what names mean.",
+     "make the plan again with this zolexctl: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentBroken, error, "a plan is no JSON",
+     "Nothing was changed. The file was cut or edited.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentWrong, error, "something in a plan is missing, wrong or contradicts another part",
+     "Nothing was changed. The place is in the summary: names, and numbers that count from 0.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentTooLarge, error, "a plan is larger than any plan can be",
+     "Nothing was changed. The file is not one that zolexctl has written.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
 }};
 // clang-format on
 
