@@ -1,6 +1,6 @@
 #include "companion/rehearsal/CopyMaker.h"
 
-#include "companion/machine/NormalForm.h"
+#include "companion/layout/NormalForm.h"
 #include "companion/text/Terminal.h"
 #include "foundation/Text.h"
 #include "model/Utility.h"
