@@ -2,7 +2,6 @@
 
 #include "companion/json/Pieces.h"
 #include "companion/machine/Fingerprint.h"
-#include "companion/machine/NormalForm.h"
 
 #include <utility>
 

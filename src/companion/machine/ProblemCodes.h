@@ -41,6 +41,18 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+inline constexpr std::string_view policiesRefused = "ZP201";
+inline constexpr std::string_view notCaptured = "ZP202";
+inline constexpr std::string_view machineNotKnown = "ZP203";
+inline constexpr std::string_view notPlanned = "ZP204";
+inline constexpr std::string_view cannotBind = "ZP205";
+inline constexpr std::string_view redundancyLost = "ZP206";
+inline constexpr std::string_view spareIdle = "ZP207";
+inline constexpr std::string_view degraded = "ZP208";
+inline constexpr std::string_view addingIsNotEnough = "ZP220";
+inline constexpr std::string_view lineNotMade = "ZP221";
+inline constexpr std::string_view takesAllDrives = "ZP222";
+inline constexpr std::string_view foreignNotCleared = "ZP223";
 } // namespace problem
 
 /// All of them, in the order of their ids.
