@@ -136,25 +136,37 @@ CapturedVolume volumeOf(const LogicalDriveFacts& facts) {
     return captured;
 }
 
+using DriveIndex = std::map<std::string_view, const DriveFacts*>;
+
+DriveIndex indexOf(const Facts& facts) {
+    DriveIndex index;
+    for (const DriveFacts& drive : facts.drives) {
+        index.emplace(drive.location, &drive);
+    }
+    return index;
+}
+
 /// The smallest member; nothing when one is not known.
-std::optional<std::uint64_t> smallestMember(const Facts& facts, const std::vector<Span>& spans) {
+std::optional<std::uint64_t> smallestMember(const DriveIndex& drives,
+                                            const std::vector<Span>& spans) {
     std::optional<std::uint64_t> smallest;
     for (const Span& span : spans) {
         for (const std::string& location : span) {
-            const DriveFacts* const drive = facts.drive(location);
-            if (drive == nullptr || !drive->capacityBytes) {
+            const auto drive = drives.find(location);
+            if (drive == drives.end() || !drive->second->capacityBytes) {
                 return std::nullopt;
             }
-            smallest = std::min(smallest.value_or(*drive->capacityBytes), *drive->capacityBytes);
+            const std::uint64_t size = *drive->second->capacityBytes;
+            smallest = std::min(smallest.value_or(size), size);
         }
     }
     return smallest;
 }
 
 /// Whether the last of the logical drives leaves no room for another one.
-bool isFilled(const Facts& facts, const std::vector<CapturedVolume>& volumes) {
+bool isFilled(const DriveIndex& drives, const std::vector<CapturedVolume>& volumes) {
     const CapturedVolume& last = volumes.back();
-    const auto smallest = smallestMember(facts, last.spans);
+    const auto smallest = smallestMember(drives, last.spans);
     const std::uint64_t halves = last.halves();
     if (!smallest || !last.volume.capacityBytes || halves == 0) {
         return false;
@@ -190,9 +202,10 @@ std::vector<LayoutGroup> groupsOf(const Facts& facts) {
         }
         drafts[entry->second].volumes.push_back(std::move(volume));
     }
+    const DriveIndex index = indexOf(facts);
     std::vector<LayoutGroup> groups;
     for (Draft& draft : drafts) {
-        const bool fills = isFilled(facts, draft.volumes);
+        const bool fills = isFilled(index, draft.volumes);
         for (CapturedVolume& volume : draft.volumes) {
             draft.group.volumes.push_back(std::move(volume.volume));
         }
