@@ -41,6 +41,13 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+// Of a document that is read.
+inline constexpr std::string_view documentUnreadable = "ZP190";
+inline constexpr std::string_view otherDocument = "ZP191";
+inline constexpr std::string_view otherVersion = "ZP192";
+inline constexpr std::string_view documentBroken = "ZP193";
+inline constexpr std::string_view documentWrong = "ZP194";
+inline constexpr std::string_view documentTooLarge = "ZP195";
 inline constexpr std::string_view policiesRefused = "ZP201";
 inline constexpr std::string_view notCaptured = "ZP202";
 inline constexpr std::string_view machineNotKnown = "ZP203";
