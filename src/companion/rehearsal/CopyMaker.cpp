@@ -1,6 +1,7 @@
 #include "companion/rehearsal/CopyMaker.h"
 
 #include "companion/layout/NormalForm.h"
+
 #include "companion/text/Terminal.h"
 #include "foundation/Text.h"
 #include "model/Utility.h"
@@ -557,12 +558,13 @@ std::string differenceOfVolumes(const Facts& original, const Facts& copy) {
     return {};
 }
 
-/// How the copy differs from its original; empty when it reads back as it.
-std::string differenceOf(const ControllerSnapshot& original, VirtualCopy& copy) {
-    const Facts found = copy.read();
+/// How the copy differs from its original; empty when it reads back as it, with `facts`.
+std::string differenceOf(const ControllerSnapshot& original, VirtualCopy& copy, Facts& facts) {
+    Facts found = copy.read();
     std::string difference = differenceOfDrives(original.facts, found);
     difference = difference.empty() ? differenceOfVolumes(original.facts, found) : difference;
-    if (difference.empty() && normalForm(copy.capture()) != normalForm(original.facts)) {
+    facts = copy.inPlaceOfOriginal(std::move(found));
+    if (difference.empty() && normalForm(facts) != normalForm(original.facts)) {
         difference = "the copy has another layout";
     }
     return difference;
@@ -584,7 +586,7 @@ MadeCopy copyController(const ControllerSnapshot& original, std::int32_t control
     try {
         for (const CopyForm& form : formsOf(original)) {
             VirtualCopy copy(original, controllerType, CopyBuilder(original, form).build());
-            std::string difference = differenceOf(original, copy);
+            std::string difference = differenceOf(original, copy, made.facts);
             if (difference.empty()) {
                 made.because.clear();
                 made.copy = std::move(copy);

@@ -11,6 +11,7 @@ namespace zolex::companion {
 /// A copy that reads back as its original, or why there is none.
 struct MadeCopy {
     std::optional<VirtualCopy> copy;
+    Facts facts;         ///< captured of the copy
     std::string because; ///< for people: "LD 0 has a RAID level that is not known, \"7\""
 };
 

@@ -171,8 +171,7 @@ Facts VirtualCopy::read() {
     return readFrom(server_);
 }
 
-Facts VirtualCopy::capture() {
-    Facts found = read();
+Facts VirtualCopy::inPlaceOfOriginal(Facts found) const {
     Facts facts = original_;
     takeStates(facts.drives, found.drives);
     facts.logicalDrives = std::move(found.logicalDrives);

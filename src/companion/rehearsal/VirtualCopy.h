@@ -44,8 +44,9 @@ class VirtualCopy {
 
     /// What the original's listing commands say of the copy.
     [[nodiscard]] Facts read();
-    /// The same in the place of the original: what is no matter of the layout is as captured.
-    [[nodiscard]] Facts capture();
+    /// What was read, in the place of the original: what is no matter of the layout is as captured.
+    [[nodiscard]] Facts inPlaceOfOriginal(Facts found) const;
+    [[nodiscard]] Facts capture() { return inPlaceOfOriginal(read()); }
     /// As `capture`, when `facts` was captured in the state `before`: only what has changed since
     /// is listed and read again.
     [[nodiscard]] Facts capture(const CopyState& before, const Facts& facts);
