@@ -45,6 +45,7 @@ inline constexpr std::string_view addingIsNotEnough = "ZP220";
 inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";
 inline constexpr std::string_view foreignNotCleared = "ZP223";
+inline constexpr std::string_view otherMachine = "ZP239";
 } // namespace problem
 
 /// All of them, in the order of their ids.
