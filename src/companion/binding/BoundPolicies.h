@@ -15,6 +15,7 @@ namespace zolex::companion {
 
 /// What is wrong with an entry, or with what it asks of this controller.
 struct BindingFault {
+    std::string code;        ///< rule: ZX112 to ZX114, ZX311, ZX312; ZX313: not on this controller
     std::string keyword;     ///< "Drives.A"
     std::int32_t line = 0;   ///< from 1
     std::int32_t column = 0; ///< from 1, in bytes: of the word at fault
@@ -50,17 +51,27 @@ struct BoundPolicies {
 /// Whether some policy holds an entry that only zolexctl knows.
 [[nodiscard]] bool hasKindEntries(std::string_view text);
 
-/// The file with such entries left out, each line where it was: what it takes to find the policy of
-/// a controller.
+/// The file with something in the place of such entries that zolex reads (`Array.A = 999`), each
+/// line where it was: what it takes to find the policy of a controller, and nothing else.
 [[nodiscard]] std::string withoutKindEntries(std::string_view text);
 
 /// The faults of form of all such entries of the file, which need no machine.
 [[nodiscard]] std::vector<BindingFault> kindEntryFaults(std::string_view text);
 
+/// How drives are looked at.
+struct BindingTerms {
+    /// Failed members of arrays that stand count as good, where they have a position: to hold what
+    /// stands against what is wanted. Otherwise no drive is taken that is not good.
+    bool failedMembersStay = false;
+};
+
 /// Binds the entries of one policy (its index among the sections of the file) to the drives of a
-/// controller; those of the other policies are left out.
+/// controller, as channel:id, which no drive that comes or goes can shift. Entries of the other
+/// policies are put aside as withoutKindEntries does it. Equal arguments give equal texts. Without
+/// faults, `text` is a file that zolex reads.
 [[nodiscard]] BoundPolicies bindPolicy(std::string_view text, std::size_t policy,
                                        const ControllerSnapshot& controller,
-                                       const RAIDController& record);
+                                       const RAIDController& record,
+                                       const BindingTerms& terms = {});
 
 } // namespace zolex::companion

@@ -1,7 +1,7 @@
 #include "companion/json/MachineDocument.h"
 
 #include "companion/json/MachinePieces.h"
-#include "companion/machine/NormalForm.h"
+#include "companion/machine/Fingerprint.h"
 
 namespace zolex::companion {
 

@@ -3,7 +3,7 @@
 #include "companion/json/PlanDocument.h"
 #include "companion/json/PlanPieces.h"
 #include "companion/json/RecordingLines.h"
-#include "companion/machine/NormalForm.h"
+#include "companion/machine/Fingerprint.h"
 #include "companion/machine/Sha256.h"
 
 #include <algorithm>

@@ -21,6 +21,10 @@ namespace zolex::companion {
 
 /// What stands, and what is wanted. `snapshot` is the machine that was compared: its drives.
 [[nodiscard]] std::string diffSvg(const MachineDiff& diff, const Snapshot& snapshot);
+/// The picture of one compared controller, as an element of a page; `index` makes its ids unique.
+[[nodiscard]] std::string diffControllerSvg(const ControllerDiff& diff,
+                                            const ControllerSnapshot& controller, std::size_t index,
+                                            bool withLegend);
 [[nodiscard]] std::string diffHtml(const MachineDiff& diff, const Snapshot& snapshot,
                                    std::string_view madeAt);
 
