@@ -297,11 +297,15 @@ class HotspareChecks {
 
 } // namespace
 
+void checkHotspareRules(const PolicyView& policy, Models& models, FindingSink& sink) {
+    HotspareChecks(policy, models, sink).check();
+}
+
 void checkGroup5(const PolicyDocument& document, FindingSink& sink) {
     Models models;
     for (const PolicyView& policy : viewPolicies(document)) {
         if (!policy.policy->isQuiet) {
-            HotspareChecks(policy, models, sink).check();
+            checkHotspareRules(policy, models, sink);
         }
     }
 }

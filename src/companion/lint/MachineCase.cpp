@@ -33,6 +33,10 @@ std::string MachineCase::name() const {
            machine;
 }
 
+std::string MachineCase::told(const std::string& summary) const {
+    return isOfPlan ? summary : name() + ": " + summary;
+}
+
 const MachineDrive* MachineCase::drive(DrivePosition position) const {
     const auto found =
         std::find_if(detail.drives.begin(), detail.drives.end(),
@@ -65,7 +69,7 @@ const Piece* MachineCase::placeOfHotspare(DrivePosition position) const {
 
 Finding& MachineCase::add(FindingSink& sink, std::string_view rule, const Piece* place,
                           const std::string& summary, std::vector<std::string> help) const {
-    const std::string text = name() + ": " + summary;
+    const std::string text = told(summary);
     return place != nullptr    ? sink.add(rule, *place, text, std::move(help))
            : policy != nullptr ? sink.add(rule, *policy->policy, text, std::move(help))
                                : sink.addToFile(rule, text, std::move(help));

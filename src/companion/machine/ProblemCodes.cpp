@@ -85,6 +85,39 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
+    {problem::policiesRefused, error, "the policies cannot be read",
+     "zolex refuses the file, exit code 5, and nothing can be planned.",
+     "Ask what is wrong with it:\n  zolexctl check site.ini"},
+    {problem::notCaptured, error, "a controller could not be captured",
+     "Nothing is known of its drives, so no plan can be made, and a plan for the other controllers "
+     "alone might not be what is meant.",
+     "Ask what is wrong with the utility, or plan the other controllers alone:\n  zolexctl doctor\n"
+     "  zolexctl plan site.ini --controller 2"},
+    {problem::machineNotKnown, error, "a policy asks for a name that is not known",
+     "The machine type or the serial number of the machine could not be found out, and whether the "
+     "policy is for this machine depends on it.",
+     "Give it:\n  zolexctl plan site.ini --machine-type 8837 --serial KQ10Z7V"},
+    {problem::notPlanned, error, "no plan can be made",
+     "zolex ends with exit code 5 when it comes to this controller; a restore (/r) in the same "
+     "command is done before.",
+     "The finding tells what does not fit."},
+    {problem::cannotBind, error, "an entry finds no drives",
+     "An entry tells drives by what they are, and the controller has none or too few of them that "
+     "are free for it.",
+     "Ask what there is, and change the entry:\n  zolexctl show"},
+    {problem::redundancyLost, warning, "redundancy is lost",
+     "The logical drives that stand on the controller survive the failure of a drive; those that "
+     "are planned do not.",
+     "Take a level such as 1, 5 or 10 where the data matters."},
+    {problem::spareIdle, warning, "a hot spare that covers nothing",
+     "No array has a level that a spare can rebuild and members that are as small as the spare: it "
+     "never steps in.",
+     "Use the drive in an array, take a larger one, or say that there is none:\n"
+     "  Array_Defaults = 0%:0"},
+    {problem::degraded, warning, "what stands is as planned, but not well",
+     "A drive has failed or is being rebuilt. Nothing is planned, as the layout is the one that "
+     "the policy asks for.",
+     "Replace the drive that is named; the controller rebuilds by itself."},
     {problem::addingIsNotEnough, error, "what is wanted cannot be reached by adding alone",
      "Something that stands on the controller is in the way, or its utility cannot add beside it. "
      "With --strategy add nothing is removed, so nothing is done.",
