@@ -53,6 +53,7 @@ inline constexpr std::string_view addingIsNotEnough = "ZP220";
 inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";
 inline constexpr std::string_view foreignNotCleared = "ZP223";
+inline constexpr std::string_view otherMachine = "ZP239";
 inline constexpr std::string_view stepRefused = "ZP240";
 inline constexpr std::string_view stepWithoutEffect = "ZP241";
 inline constexpr std::string_view endsOtherwise = "ZP242";
