@@ -61,6 +61,30 @@ class OldRun {
                            });
     }
 
+    /// Whether a drive that is planned is in use.
+    static bool needsDrivesInUse(const ControllerPlanning& controller) {
+        std::vector<std::string> inUse;
+        for (const LayoutGroup& group : controller.before.groups) {
+            const std::vector<std::string> drives = group.drives();
+            inUse.insert(inUse.end(), drives.begin(), drives.end());
+        }
+        for (const LayoutSpare& spare : controller.before.spares) {
+            inUse.push_back(spare.location);
+        }
+        const auto isInUse = [&inUse](const std::string& location) {
+            return std::find(inUse.begin(), inUse.end(), location) != inUse.end();
+        };
+        return std::any_of(controller.arrays.begin(), controller.arrays.end(),
+                           [&](const PlannedArray& array) {
+                               return std::any_of(array.drives.begin(), array.drives.end(),
+                                                  [&](const PlannedDrive& drive) {
+                                                      return isInUse(drive.location);
+                                                  });
+                           }) ||
+               std::any_of(controller.spares.begin(), controller.spares.end(),
+                           [&](const PlannedSpare& spare) { return isInUse(spare.location); });
+    }
+
     void tell(const ControllerPlanning& controller, const std::string& what) {
         differences_.push_back("controller " + std::to_string(controller.controller.number) + ": " +
                                what);
@@ -78,7 +102,11 @@ class OldRun {
         if (!isAnythingPlanned() || !mustClear()) {
             return;
         }
-        differences_.push_back("without /r zolex stops at the first drive in use, exit code 11");
+        const bool isRefused =
+            std::any_of(plan_.controllers.begin(), plan_.controllers.end(), needsDrivesInUse);
+        differences_.emplace_back(
+            isRefused ? "without /r zolex stops at the first drive in use, exit code 11"
+                      : "without /r zolex leaves what stands, and adds to it");
         for (const ControllerPlanning& controller : plan_.controllers) {
             const bool stays = controller.disposition != Disposition::planned ||
                                controller.strategy == Strategy::add;

@@ -63,10 +63,13 @@ struct OneDrive {
 
 /// Utilities take no more than a level allows: then larger codes make the same line.
 std::optional<std::uint64_t> stripSizeOf(const OneDrive& drive, const std::vector<CString>& own) {
-    if (drive.stripeSize == stripe::none || own == drive.linesWithStripeSize(stripe::none)) {
+    const std::int32_t code = finalStripeSize(drive.record.type(), drive.stripeSize);
+    const bool isTold = code != stripe::none && (own != drive.linesWithStripeSize(stripe::kb8) ||
+                                                 own != drive.linesWithStripeSize(stripe::kb16));
+    if (!isTold) {
         return std::nullopt;
     }
-    std::int32_t least = drive.stripeSize;
+    std::int32_t least = code;
     while (least > stripe::kb8 && drive.linesWithStripeSize(least - 1) == own) {
         --least;
     }
