@@ -38,7 +38,11 @@ std::string asItStands(const Comparison& comparison) {
 }
 
 /// Drives without a number are told by ZX701 where they shift numbers that a policy uses.
+/// Each line of the plan is looked at by itself, whatever zolex's lines would name.
 bool isToldOtherwise(const Finding& finding, const std::vector<Finding>& found) {
+    if (finding.code == problem::namedOtherwise) {
+        return true;
+    }
     return std::any_of(found.begin(), found.end(), [&finding](const Finding& each) {
         return each.code == finding.code && each.code == "ZX701";
     });

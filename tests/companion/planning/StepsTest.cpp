@@ -82,7 +82,7 @@ TEST(StepsTest, OnlyWhatIsInTheWayIsRemoved) {
     EXPECT_EQ(commandsOf(plan),
               (Lines{"UTIL.BAT MEGACLI -PDHSP -Rmv -PhysDrv[32:7] -a0",
                      "UTIL.BAT MEGACLI -CfgLdDel -L1 -a0",
-                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]    WB   ADRA   -strpsz "
+                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]   WB   ADRA   -strpsz "
                      "64  -a0"}));
     EXPECT_EQ(lossesOf(plan), (Lines{"hotspare 32:7", "logical_drive 1"}));
     EXPECT_EQ(summariesOf(plan), Lines{});
@@ -167,7 +167,7 @@ TEST(StepsTest, AWholeClearWhereNothingStays) {
     EXPECT_EQ(commandsOf(plan),
               (Lines{"UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT",
                      "UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT",
-                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]    WB   ADRA   -strpsz "
+                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   -strpsz "
                      "64  -a0"}));
     EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 0", "logical_drive 1", "hotspare 32:7"}));
     EXPECT_EQ(differencesOf(plan), Lines{});
@@ -311,7 +311,7 @@ TEST(StepsTest, UtilitiesWithoutRemovalsSayThatTheyClearAll) {
         const MachinePlan plan = server.plan(policies);
         EXPECT_EQ(commandsOf(plan), Lines{});
         EXPECT_EQ(reasonsOf(plan), Lines{});
-        EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 0", "logical_drive 1"}));
+        EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 1", "logical_drive 2"}));
         expectDone(server, policies);
     }
 }
