@@ -136,6 +136,23 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::otherMachine, error, "a plan is held against another machine than its own",
      "Its drives and controllers are others, though they may be called the same.",
      "plan for this machine, and compare with that: zolexctl diff POLICIES"},
+    {problem::stepRefused, error, "a command of the plan was refused on a copy of the machine",
+     "The commands were played on a virtual copy of the captured controllers. One that is refused "
+     "there would be refused by the real utility too, when those before it have been run: the "
+     "controller would stand half configured.",
+     "change what the utility names, and try it: zolexctl plan POLICIES"},
+    {problem::stepWithoutEffect, error, "a command that creates or deletes changed nothing",
+     "On a virtual copy of the captured controllers the layout was the same before and behind it. "
+     "It would not do what it is planned for.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::endsOtherwise, error, "the commands end in another layout than planned",
+     "All commands were taken on a virtual copy of the captured controllers, but what stands there "
+     "then is not what the policy asks for.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::notResumable, warning, "a run that stops at a step could not be resumed",
+     "On a virtual copy of the captured controllers the step was made to fail, and the rest of the "
+     "plan did not come to the planned end from there.",
+     "should a run stop there, look at what stands and plan anew: zolexctl plan POLICIES"},
 });
 // clang-format on
 

@@ -54,6 +54,10 @@ inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";
 inline constexpr std::string_view foreignNotCleared = "ZP223";
 inline constexpr std::string_view otherMachine = "ZP239";
+inline constexpr std::string_view stepRefused = "ZP240";
+inline constexpr std::string_view stepWithoutEffect = "ZP241";
+inline constexpr std::string_view endsOtherwise = "ZP242";
+inline constexpr std::string_view notResumable = "ZP243";
 } // namespace problem
 
 /// All of them, in the order of their ids.

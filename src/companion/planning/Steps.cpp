@@ -34,6 +34,9 @@ void makeSteps(const RAIDController& record, StrategyWish wish, ControllerPlanni
     StepChoice choice = chooseStrategy(record, wish, planning);
     planning.strategy = choice.strategy;
     planning.strategyBecause = choice.because;
+    if (choice.strategy == Strategy::none) {
+        return;
+    }
     Creation creation = makeCreation(record, planning, choice);
     append(choice.faults, std::move(creation.faults));
     if (!choice.faults.empty()) {
