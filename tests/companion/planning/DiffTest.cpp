@@ -106,7 +106,8 @@ TEST(Diff, WhatAddingDoesNotMendIsTold) {
 TEST(Diff, WhatIsTooMuchIsToBeRemoved) {
     PlannedServer server = deployed();
     const std::string fewer = "[Policy.web]\nAppliesTo.1 = ALL\nStripeSize = 64\n"
-                              "Array_Mode = CUSTOM\nArray.A = 1,2\nLogical_Mode = CUSTOM\n"
+                              "Array_Defaults = 0%:0\nArray_Mode = CUSTOM\nArray.A = 1,2\n"
+                              "Logical_Mode = CUSTOM\n"
                               "Logical.1 = A:FILL:1:ON\n";
     const MachineDiff diff = diffOf(server.plan(fewer));
     EXPECT_EQ(diff.result, Result::different);
@@ -165,7 +166,7 @@ TEST(Diff, AnotherMachineIsNotCompared) {
 
 /// A plan of one controller says nothing of the others.
 TEST(Diff, APlanOfSomeControllersIsOfThisMachine) {
-    PlannedServer server("everything");
+    PlannedServer server("two-controllers");
     MachinePlan earlier = server.plan(policies);
     Snapshot whole = server.snapshot();
     ASSERT_GT(whole.details.size(), 1U);
