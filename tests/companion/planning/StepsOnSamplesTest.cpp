@@ -58,10 +58,7 @@ TEST_P(StepsOnSamples, AConfiguredServerIsMadeAnewAsByZolex) {
     PlannedServer server(GetParam());
     const std::string policies = server.samplePolicies();
     server.runZolex("[Policy.none]\nAppliesTo.1 = c:36\n", {"/r", "/y"});
-    ASSERT_EQ(server.runZolex("[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n"
-                              "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:AUTO\n",
-                              {}),
-              0);
+    ASSERT_EQ(server.runZolex("[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n", {}), 0);
     expectSameRun(GetParam(), server, policies, {"/r", "/y"});
 }
 
