@@ -175,8 +175,11 @@ class PlannedDrives {
         }
         if (isBad(*drive)) {
             add("ZX702", place,
-                drive->facts.location + " is " + drive->facts.reportedState + ", and goes into " +
-                    where,
+                drive->facts.location +
+                    (drive->facts.serialNumber.empty()
+                         ? ""
+                         : " (serial " + drive->facts.serialNumber + ")") +
+                    " is " + drive->facts.reportedState + ", and goes into " + where,
                 {"replace " + drive->facts.location + ", or take it out of the list"});
             return;
         }
@@ -380,13 +383,14 @@ class PlannedDrives {
                                   : size.kind == DriveSize::Kind::percent
                                       ? std::to_string(size.value) + "%"
                                       : std::to_string(size.value);
-        Finding& finding =
-            machine_.add(sink_, "ZX110", &view.size,
-                         nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
-                             view.entry->keyword.text + " asks for " + asked,
-                         {machine_.detail.utility +
-                              " refuses the command, exit code 11, when those before it are done",
-                          "write FILL for all that is left"});
+        Finding& finding = machine_.add(
+            sink_, "ZX110", &view.size,
+            nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
+                view.entry->keyword.text + " asks for " + asked,
+            {machine_.detail.utility +
+                 " refuses the command, exit code 11, when those before it are done",
+             size.kind == DriveSize::Kind::rest ? "give the logical drives before it less"
+                                                : "write FILL for all that is left"});
         finding.severity = Severity::error;
         finding.refusedBy = RefusedBy::utility;
     }
@@ -665,17 +669,22 @@ class PlannedDrives {
         if (drive == nullptr || drive->facts.location == named) {
             return true;
         }
-        add("ZX711", place,
+        Finding& finding = machine_.add(
+            sink_, "ZX711", place,
             (machine_.isOfPlan ? "the command line says " : "zolex writes ") + named +
                 " for drive " + drive->facts.location + ", which is another drive or none",
             {"use drives of enclosures alone, or of none alone; no hot spare without an "
              "enclosure"});
+        if (machine_.isOfPlan) {
+            finding.refusedBy = RefusedBy::plan; // zolexctl has no other line
+        }
         return false;
     }
 
     // ZX712
 
     void checkIdle() {
+        constexpr std::size_t mostNamed = 16;
         if (takesAllDrives() && !layout().arrays().empty()) {
             return;
         }
@@ -692,7 +701,8 @@ class PlannedDrives {
         if (!idle.empty()) {
             add("ZX712", nullptr,
                 countOf(idle.size(), "drive") + (idle.size() == 1 ? " gets" : " get") +
-                    " no job: " + someDrives(idle),
+                    " no job: " +
+                    (machine_.isOfPlan ? someDrives(idle, mostNamed) : someDrives(idle)),
                 {"list them, or leave it so"});
         }
     }

@@ -76,12 +76,14 @@ Finding& MachineCase::add(FindingSink& sink, std::string_view rule, const Piece*
 }
 
 std::string driveWords(const MachineDrive& drive) {
-    return drive.facts.location +
-           (drive.facts.reportedState.empty() ? "" : " (" + drive.facts.reportedState + ")");
+    std::string more = drive.facts.reportedState;
+    if (!drive.facts.serialNumber.empty()) {
+        more += (more.empty() ? "serial " : ", serial ") + drive.facts.serialNumber;
+    }
+    return drive.facts.location + (more.empty() ? "" : " (" + more + ")");
 }
 
-std::string someDrives(const std::vector<const MachineDrive*>& drives) {
-    constexpr std::size_t most = 4;
+std::string someDrives(const std::vector<const MachineDrive*>& drives, std::size_t most) {
     std::string text;
     for (std::size_t i = 0; i < std::min(drives.size(), most); ++i) {
         text += (i == 0 ? "" : ", ") + drives[i]->facts.location;

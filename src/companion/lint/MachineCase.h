@@ -48,10 +48,11 @@ struct MachineCase {
 
 /// What the machines' names are in findings: the serial number, or else the machine type; or empty.
 [[nodiscard]] std::string machineName(const Snapshot& snapshot);
-/// "32:2 (Failed)".
+/// "32:2 (Failed, serial 3LQ2B000)".
 [[nodiscard]] std::string driveWords(const MachineDrive& drive);
 /// "32:0, 32:1, 32:2 and 5 more".
-[[nodiscard]] std::string someDrives(const std::vector<const MachineDrive*>& drives);
+[[nodiscard]] std::string someDrives(const std::vector<const MachineDrive*>& drives,
+                                     std::size_t most = 4);
 
 /// All that is to be said of the controller: why there is no plan for it, or what its plan and its
 /// policy make of it.

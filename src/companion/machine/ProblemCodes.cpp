@@ -85,6 +85,24 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
+    {problem::documentUnreadable, error, "a plan cannot be read from its file",
+     "Nothing was changed. The file is missing, or this user has no right to read it.",
+     "name the file that zolexctl plan -o has written"},
+    {problem::otherDocument, error, "a document is no plan",
+     "Nothing was changed. Other documents tell of a machine or of policies, and of no steps.",
+     "make a plan: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::otherVersion, error, "a plan has a format version that this zolexctl does not know",
+     "Nothing was changed. A major version changes what names mean.",
+     "make the plan again with this zolexctl: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentBroken, error, "a plan is no JSON",
+     "Nothing was changed. The file was cut or edited.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentWrong, error, "something in a plan is missing, wrong or contradicts another part",
+     "Nothing was changed. The place is in the summary: names, and numbers that count from 0.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentTooLarge, error, "a plan is larger than any plan can be",
+     "Nothing was changed. The file is not one that zolexctl has written.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
     {problem::policiesRefused, error, "the policies cannot be read",
      "zolex refuses the file, exit code 5, and nothing can be planned.",
      "Ask what is wrong with it:\n  zolexctl check site.ini"},
@@ -133,6 +151,26 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::foreignNotCleared, error, "a planned drive carries a layout of another controller",
      "The utility refuses such a drive, and has no command that clears it.",
      "plan for other drives, or clear it in the controller's own set-up: zolexctl show"},
+    {problem::otherMachine, error, "a plan is held against another machine than its own",
+     "Its drives and controllers are others, though they may be called the same.",
+     "plan for this machine, and compare with that: zolexctl diff POLICIES"},
+    {problem::stepRefused, error, "a command of the plan was refused on a copy of the machine",
+     "The commands were played on a virtual copy of the captured controllers. One that is refused "
+     "there would be refused by the real utility too, when those before it have been run: the "
+     "controller would stand half configured.",
+     "change what the utility names, and try it: zolexctl plan POLICIES"},
+    {problem::stepWithoutEffect, error, "a command that creates or deletes changed nothing",
+     "On a virtual copy of the captured controllers the layout was the same before and behind it. "
+     "It would not do what it is planned for.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::endsOtherwise, error, "the commands end in another layout than planned",
+     "All commands were taken on a virtual copy of the captured controllers, but what stands there "
+     "then is not what the policy asks for.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::notResumable, warning, "a run that stops at a step could not be resumed",
+     "On a virtual copy of the captured controllers the step was made to fail, and the rest of the "
+     "plan did not come to the planned end from there.",
+     "should a run stop there, look at what stands and plan anew: zolexctl plan POLICIES"},
 });
 // clang-format on
 

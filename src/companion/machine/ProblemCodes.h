@@ -41,6 +41,12 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+inline constexpr std::string_view documentUnreadable = "ZP190";
+inline constexpr std::string_view otherDocument = "ZP191";
+inline constexpr std::string_view otherVersion = "ZP192";
+inline constexpr std::string_view documentBroken = "ZP193";
+inline constexpr std::string_view documentWrong = "ZP194";
+inline constexpr std::string_view documentTooLarge = "ZP195";
 inline constexpr std::string_view policiesRefused = "ZP201";
 inline constexpr std::string_view notCaptured = "ZP202";
 inline constexpr std::string_view machineNotKnown = "ZP203";
@@ -53,6 +59,11 @@ inline constexpr std::string_view addingIsNotEnough = "ZP220";
 inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";
 inline constexpr std::string_view foreignNotCleared = "ZP223";
+inline constexpr std::string_view otherMachine = "ZP239";
+inline constexpr std::string_view stepRefused = "ZP240";
+inline constexpr std::string_view stepWithoutEffect = "ZP241";
+inline constexpr std::string_view endsOtherwise = "ZP242";
+inline constexpr std::string_view notResumable = "ZP243";
 } // namespace problem
 
 /// All of them, in the order of their ids.

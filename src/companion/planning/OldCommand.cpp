@@ -23,7 +23,7 @@ class OldRun {
 
     OldCommand run() {
         OldCommand old;
-        if (isAnythingPlanned()) {
+        if (isAnythingPlanned() && !hasKinds()) {
             old.wouldRun = {"zolex " + (mustClear() ? std::string("/r /y ") : std::string()) +
                             (request_.classDefaults ? "/d" : "/f:" + request_.policiesFile)};
         }
@@ -48,6 +48,11 @@ class OldRun {
                            });
     }
 
+    /// Whether the file holds entries that zolex refuses.
+    [[nodiscard]] bool hasKinds() const {
+        return !request_.classDefaults && hasKindEntries(request_.policiesText);
+    }
+
     static bool holdsSomething(const ControllerPlanning& controller) {
         return !controller.before.groups.empty() || !controller.before.spares.empty() ||
                !controller.before.foreignDrives.empty();
@@ -63,7 +68,7 @@ class OldRun {
 
     /// Whether a drive that is planned is in use.
     static bool needsDrivesInUse(const ControllerPlanning& controller) {
-        std::vector<std::string> inUse;
+        std::vector<std::string> inUse = controller.before.foreignDrives;
         for (const LayoutGroup& group : controller.before.groups) {
             const std::vector<std::string> drives = group.drives();
             inUse.insert(inUse.end(), drives.begin(), drives.end());
@@ -91,7 +96,7 @@ class OldRun {
     }
 
     void tellPolicies() {
-        if (!request_.classDefaults && hasKindEntries(request_.policiesText)) {
+        if (hasKinds()) {
             differences_.push_back(
                 "zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone");
         }
