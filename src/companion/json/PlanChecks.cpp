@@ -1,5 +1,6 @@
 #include "companion/json/PlanPieces.h"
 #include "companion/planning/Steps.h"
+#include "platform/CommandLineSplit.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +12,7 @@ namespace {
 
 using Names = std::set<std::string_view>;
 
-/// One kind of step. Columns: word; whether it may delete, and must.
+/// One kind of step. Columns: word; whether it deletes.
 struct ActionRow {
     std::string_view action;
     bool deletes;
@@ -210,6 +211,7 @@ class StepCheck {
                                         ", not planned");
         }
         checkAction(step, item);
+        checkCommand(step, planning.controller, item);
         for (const std::string& made : step.creates) {
             if (!names.made.contains(made)) {
                 item.fail("creates", listed(made, "what is planned"));
@@ -235,6 +237,19 @@ class StepCheck {
         }
         if (row->deletes != step.deletes) {
             item.fail("actions", row->deletes ? "lacks \"delete\"" : "has \"delete\"");
+        }
+    }
+
+    /// What is run is what is shown, and is the controller's own utility.
+    static void checkCommand(const PlanStep& step, const ControllerSnapshot& controller,
+                             const Part& item) {
+        constexpr std::string_view wrapper = "UTIL.BAT";
+        if (step.argv.size() < 2 || step.argv[0] != wrapper || step.argv[1] != controller.utility) {
+            item.fail("argv",
+                      "does not begin with " + std::string(wrapper) + " and " + controller.utility);
+        }
+        if (step.argv != splitCommandLine(step.command)) {
+            item.fail("argv", "is not what \"command\" says");
         }
     }
 

@@ -185,8 +185,10 @@ class ControllerChecks {
     void addOfModel(const MachineCase& machine, const Finding& finding, const std::string& entry) {
         std::vector<std::string> help;
         for (const std::string& line : finding.help) {
+            constexpr std::string_view end = "zolex ends with ";
             const bool isOfEntry = line.compare(0, entry.size(), entry) == 0;
-            if (!isOfEntry) {
+            const bool isOfZolex = machine.isOfPlan && line.compare(0, end.size(), end) == 0;
+            if (!isOfEntry && !isOfZolex) {
                 help.push_back(line);
             }
         }
@@ -197,12 +199,20 @@ class ControllerChecks {
         added.otherStart = finding.otherStart;
         added.otherEnd = finding.otherEnd;
         added.other = finding.other;
-        if (machine.isOfPlan && finding.code == "ZX405" && finding.severity == Severity::warning) {
-            added.summary = "zolex leaves out " +
-                            finding.summary.substr(0, finding.summary.find(' ')) +
-                            finding.summary.substr(finding.summary.find(':'));
-            added.help = {"zolexctl makes it; zolex makes the first of an array alone"};
+        if (machine.isOfPlan && finding.code == "ZX405") {
+            tellFurther(finding, added);
         }
+    }
+
+    /// ZX405 in a plan: zolexctl makes what zolex leaves out.
+    static void tellFurther(const Finding& finding, Finding& added) {
+        if (finding.severity == Severity::error) {
+            added.help = {"give each array one logical drive: Logical.1 = A:FILL:AUTO"};
+            return;
+        }
+        added.summary = "zolex leaves out " + finding.summary.substr(0, finding.summary.find(' ')) +
+                        finding.summary.substr(finding.summary.find(':'));
+        added.help = {"zolexctl makes it; zolex makes the first of an array alone"};
     }
 
     /// ZX707: of each policy why it does not fit.
@@ -271,6 +281,9 @@ class ControllerChecks {
             helpOf(machine, fault));
         finding.severity = Severity::error;
         finding.refusedBy = RefusedBy::plan;
+        if (machine.isOfPlan && finding.help.empty()) {
+            finding.help.emplace_back("what there is: zolexctl show");
+        }
     }
 
     static bool isOfLevel(const Fault& fault) {

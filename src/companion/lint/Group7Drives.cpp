@@ -668,17 +668,22 @@ class PlannedDrives {
         if (drive == nullptr || drive->facts.location == named) {
             return true;
         }
-        add("ZX711", place,
+        Finding& finding = machine_.add(
+            sink_, "ZX711", place,
             (machine_.isOfPlan ? "the command line says " : "zolex writes ") + named +
                 " for drive " + drive->facts.location + ", which is another drive or none",
             {"use drives of enclosures alone, or of none alone; no hot spare without an "
              "enclosure"});
+        if (machine_.isOfPlan) {
+            finding.refusedBy = RefusedBy::plan; // zolexctl has no other line
+        }
         return false;
     }
 
     // ZX712
 
     void checkIdle() {
+        constexpr std::size_t mostNamed = 16;
         if (takesAllDrives() && !layout().arrays().empty()) {
             return;
         }
@@ -695,7 +700,8 @@ class PlannedDrives {
         if (!idle.empty()) {
             add("ZX712", nullptr,
                 countOf(idle.size(), "drive") + (idle.size() == 1 ? " gets" : " get") +
-                    " no job: " + someDrives(idle),
+                    " no job: " +
+                    (machine_.isOfPlan ? someDrives(idle, mostNamed) : someDrives(idle)),
                 {"list them, or leave it so"});
         }
     }

@@ -83,8 +83,7 @@ std::string driveWords(const MachineDrive& drive) {
     return drive.facts.location + (more.empty() ? "" : " (" + more + ")");
 }
 
-std::string someDrives(const std::vector<const MachineDrive*>& drives) {
-    constexpr std::size_t most = 4;
+std::string someDrives(const std::vector<const MachineDrive*>& drives, std::size_t most) {
     std::string text;
     for (std::size_t i = 0; i < std::min(drives.size(), most); ++i) {
         text += (i == 0 ? "" : ", ") + drives[i]->facts.location;

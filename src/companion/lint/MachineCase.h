@@ -51,7 +51,8 @@ struct MachineCase {
 /// "32:2 (Failed, serial 3LQ2B000)".
 [[nodiscard]] std::string driveWords(const MachineDrive& drive);
 /// "32:0, 32:1, 32:2 and 5 more".
-[[nodiscard]] std::string someDrives(const std::vector<const MachineDrive*>& drives);
+[[nodiscard]] std::string someDrives(const std::vector<const MachineDrive*>& drives,
+                                     std::size_t most = 4);
 
 /// All that is to be said of the controller: why there is no plan for it, or what its plan and its
 /// policy make of it.

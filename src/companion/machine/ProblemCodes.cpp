@@ -151,6 +151,9 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::foreignNotCleared, error, "a planned drive carries a layout of another controller",
      "The utility refuses such a drive, and has no command that clears it.",
      "plan for other drives, or clear it in the controller's own set-up: zolexctl show"},
+    {problem::otherMachine, error, "a plan is held against another machine than its own",
+     "Its drives and controllers are others, though they may be called the same.",
+     "plan for this machine, and compare with that: zolexctl diff POLICIES"},
     {problem::stepRefused, error, "a command of the plan was refused on a copy of the machine",
      "The commands were played on a virtual copy of the captured controllers. One that is refused "
      "there would be refused by the real utility too, when those before it have been run: the "

@@ -41,7 +41,6 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
-// Of a document that is read.
 inline constexpr std::string_view documentUnreadable = "ZP190";
 inline constexpr std::string_view otherDocument = "ZP191";
 inline constexpr std::string_view otherVersion = "ZP192";
@@ -60,6 +59,7 @@ inline constexpr std::string_view addingIsNotEnough = "ZP220";
 inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";
 inline constexpr std::string_view foreignNotCleared = "ZP223";
+inline constexpr std::string_view otherMachine = "ZP239";
 inline constexpr std::string_view stepRefused = "ZP240";
 inline constexpr std::string_view stepWithoutEffect = "ZP241";
 inline constexpr std::string_view endsOtherwise = "ZP242";

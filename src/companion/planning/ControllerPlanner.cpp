@@ -16,6 +16,7 @@
 #include <array>
 #include <iterator>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace zolex::companion {
@@ -37,11 +38,20 @@ std::string asItStands(const Comparison& comparison) {
     return comparison.equivalences.empty() ? text + ", equivalent" : text;
 }
 
-/// Drives without a number are told by ZX701 where they shift numbers that a policy uses.
-bool isToldOtherwise(const Finding& finding, const std::vector<Finding>& found) {
-    return std::any_of(found.begin(), found.end(), [&finding](const Finding& each) {
-        return each.code == finding.code && each.code == "ZX701";
-    });
+/// What the capture says of the controller that the plan says better: ZX701 where drives without
+/// a number shift numbers that the policy uses, and what lines of zolex name otherwise.
+bool isSaidBetter(const Finding& finding, bool isShifted, const std::string& utility) {
+    return (finding.code == "ZX701" && isShifted) ||
+           (finding.code == problem::namedOtherwise && utility == "MEGACLI");
+}
+
+/// By their places in the file; those without one come last.
+void sortByPlace(std::vector<Finding>& findings) {
+    const auto key = [](const Finding& finding) {
+        return std::tuple(finding.start.line == 0, finding.start.line, finding.start.column);
+    };
+    std::stable_sort(findings.begin(), findings.end(),
+                     [&key](const Finding& a, const Finding& b) { return key(a) < key(b); });
 }
 
 Finding findingOf(const BindingFault& fault, const std::string& file) {
@@ -72,11 +82,19 @@ struct ControllerPlanner::Attempt {
     }
 };
 
-std::string ControllerPlanner::command() const {
-    return "zolexctl plan " + (request_.classDefaults ? "--default" : request_.policiesFile);
+ControllerPlanning ControllerPlanner::plan(const ControllerSnapshot& detail) {
+    ControllerPlanning planning = planOf(detail);
+    sortByPlace(planning.diagnostics);
+    sortByPlace(planning.warnings);
+    if (planning.disposition == Disposition::refused && !planning.diagnostics.empty()) {
+        const std::size_t more = planning.diagnostics.size() - 1;
+        planning.because = planning.diagnostics.front().summary;
+        planning.because += more == 0 ? "" : ", and " + countOf(more, "more fault");
+    }
+    return planning;
 }
 
-ControllerPlanning ControllerPlanner::plan(const ControllerSnapshot& detail) {
+ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
     ControllerPlanning planning;
     planning.controller = withoutListings(detail);
     const RAIDController* const record = snapshot_.controllers.controller(detail.index);
@@ -241,11 +259,19 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
     }
     std::vector<Finding> found = std::move(attempt.findings);
     if (planning.disposition == Disposition::skipped) {
+        // A drive without a number may be why there are fewer than a policy asks for.
+        for (const Finding& finding : planning.controller.findings) {
+            if (finding.code == "ZX701") {
+                found.push_back(finding);
+            }
+        }
         refusals_.sort(std::move(found), planning);
         return;
     }
+    const bool isShifted = std::any_of(
+        found.begin(), found.end(), [](const Finding& finding) { return finding.code == "ZX701"; });
     for (const Finding& finding : planning.controller.findings) {
-        if (!isToldOtherwise(finding, found)) {
+        if (!isSaidBetter(finding, isShifted, planning.controller.utility)) {
             found.push_back(finding);
         }
     }
@@ -258,7 +284,8 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
     const bool isUnmade = hasErrors(planning.diagnostics) && planning.steps.empty();
     for (Finding& finding : std::exchange(planning.diagnostics, {})) {
         const bool isTold = std::any_of(told.begin(), told.end(), [&finding](const Finding& each) {
-            return each.code == finding.code;
+            return each.code == finding.code ||
+                   (each.code == "ZX711" && finding.code == problem::namedOtherwise);
         });
         if (isTold) {
             continue;
@@ -278,15 +305,10 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
     }
 }
 
-void ControllerPlanner::refuse(ControllerPlanning& planning) const {
+void ControllerPlanner::refuse(ControllerPlanning& planning) {
     planning.disposition = Disposition::refused;
     planning.steps.clear();
     planning.losses.clear();
-    const std::size_t faults = planning.diagnostics.size();
-    planning.because = faults == 0 ? "it cannot be planned" : planning.diagnostics.front().summary;
-    if (faults > 1) {
-        planning.because += ", and " + countOf(faults - 1, "more fault");
-    }
 }
 
 } // namespace zolex::companion

@@ -23,6 +23,8 @@ class ControllerPlanner {
   private:
     struct Attempt;
 
+    [[nodiscard]] ControllerPlanning planOf(const ControllerSnapshot& detail);
+
     /// Plans the controller, seen with or without its failed drives.
     [[nodiscard]] Attempt attempt(const RAIDController& record, const ControllerSnapshot& detail,
                                   bool failedMembersStay) const;
@@ -30,8 +32,7 @@ class ControllerPlanner {
                 const ControllerSnapshot& detail, Attempt& attempt) const;
     void takeAsItStands(Attempt& attempt, ControllerPlanning& planning) const;
     void finish(const RAIDController& record, Attempt& attempt, ControllerPlanning& planning);
-    void refuse(ControllerPlanning& planning) const;
-    [[nodiscard]] std::string command() const;
+    static void refuse(ControllerPlanning& planning);
 
     const Snapshot& snapshot_;
     const PlanRequest& request_;

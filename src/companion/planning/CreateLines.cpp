@@ -5,7 +5,6 @@
 #include "companion/planning/LineFaults.h"
 #include "companion/planning/RemovalLines.h"
 #include "foundation/Report.h"
-#include "foundation/Text.h"
 #include "model/TypeTraits.h"
 
 #include <algorithm>
@@ -147,21 +146,21 @@ class Creator {
         }
     }
 
-    /// The numbers that logical drives have when the first new one is made.
+    /// The numbers that commands have for what stands when the first new one is made.
     void takeNumbers() {
         if (choice_.clearsAll) {
             return;
         }
         for (std::size_t group = 0; group < planning_.before.groups.size(); ++group) {
+            const std::vector<LayoutVolume>& volumes = planning_.before.groups[group].volumes;
             for (std::size_t volume = 0; volume < choice_.parts.volumesKept[group]; ++volume) {
-                numbers_.insert(text::wholeNumber(planning_.before.groups[group].volumes[volume].id)
-                                    .value_or(-1));
+                numbers_.insert(commandNumberOf(planning_, volumes[volume].id).value_or(0));
             }
         }
     }
     /// The lowest free number, which the next logical drive gets.
     std::int32_t takeNumber() {
-        std::int32_t number = 0;
+        std::int32_t number = 1; // cache modes are set by numbers from 1
         while (!numbers_.insert(number).second) {
             ++number;
         }
@@ -323,13 +322,13 @@ class Creator {
         const std::size_t found = line.find(word);
         if (found != std::string::npos) {
             const std::size_t begin = found + word.size();
-            line.replace(begin, line.find(' ', begin) - begin, std::to_string(number + 1));
+            line.replace(begin, line.find(' ', begin) - begin, std::to_string(number));
         }
         PlanStep step = stepOf(record_, planning_, "set", std::move(line));
         step.isRepeatable = true;
         step.summary = "set " + planning_.volumes[drive].id + ": " + cacheText(step.argv);
         if (step.command != old) {
-            step.differsFromZolex = "the logical drive gets number " + std::to_string(number + 1) +
+            step.differsFromZolex = "the logical drive gets number " + std::to_string(number) +
                                     " beside those that stand";
             change(old, step);
         }

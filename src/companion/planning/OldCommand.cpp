@@ -63,7 +63,7 @@ class OldRun {
 
     /// Whether a drive that is planned is in use.
     static bool needsDrivesInUse(const ControllerPlanning& controller) {
-        std::vector<std::string> inUse;
+        std::vector<std::string> inUse = controller.before.foreignDrives;
         for (const LayoutGroup& group : controller.before.groups) {
             const std::vector<std::string> drives = group.drives();
             inUse.insert(inUse.end(), drives.begin(), drives.end());

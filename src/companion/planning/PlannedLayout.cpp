@@ -200,10 +200,20 @@ class LayoutFiller {
         volume.reasons["raid_type"] = reasons_.ofValue(Reason::Subject::raidLevel, number);
         volume.reasons["size"] = reasons_.ofValue(Reason::Subject::size, number);
         volume.reasons["write_cache_policy"] =
-            reasons_.ofValue(Reason::Subject::writeCache, number);
-        volume.reasons["strip_size_bytes"] = reasons_.ofValue(Reason::Subject::stripeSize, -1);
-        volume.reasons["read_cache_policy"] = reasons_.ofValue(Reason::Subject::readAhead, -1);
+            reasonOf(!volume.writeCache.empty(), Reason::Subject::writeCache, number);
+        volume.reasons["strip_size_bytes"] =
+            reasonOf(volume.stripSizeBytes.has_value(), Reason::Subject::stripeSize, -1);
+        volume.reasons["read_cache_policy"] =
+            reasonOf(!volume.readCache.empty(), Reason::Subject::readAhead, -1);
         planning_.volumes.push_back(std::move(volume));
+    }
+
+    /// What no command line tells is the controller's own, whatever the policy says.
+    [[nodiscard]] PlanReason reasonOf(bool isTold, Reason::Subject subject,
+                                      std::int32_t index) const {
+        return isTold
+                   ? reasons_.ofValue(subject, index)
+                   : PlanReason{std::string(reasonCode(Reason::Kind::leftToController)), "", 0, ""};
     }
 
     /// Capacity, and how far it may be off: a full stripe, a MB, and for one that takes what is

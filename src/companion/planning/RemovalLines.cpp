@@ -4,7 +4,6 @@
 #include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
 #include "foundation/Report.h"
-#include "foundation/Text.h"
 #include "model/ControllerCatalogue.h"
 #include "model/TypeTraits.h"
 #include "platform/CommandLineSplit.h"
@@ -104,8 +103,7 @@ class Remover {
             return numberOf(one) > numberOf(other);
         });
         for (const StandingParts::Volume& each : going_) {
-            removeVolume(planning_.before.groups[each.group],
-                         planning_.before.groups[each.group].volumes[each.volume]);
+            removeVolume(each);
         }
     }
 
@@ -116,8 +114,10 @@ class Remover {
         lose(step, spareLoss(planning_, spare));
     }
 
-    void removeVolume(const LayoutGroup& group, const LayoutVolume& volume) {
-        PlanStep& step = add("delete-logical-drive", volumeLine(volume.id),
+    void removeVolume(const StandingParts::Volume& each) {
+        const LayoutGroup& group = planning_.before.groups[each.group];
+        const LayoutVolume& volume = group.volumes[each.volume];
+        PlanStep& step = add("delete-logical-drive", volumeLine(numberOf(each)),
                              "delete LD " + volume.id + ": " +
                                  (volume.raidType.empty() ? "" : volume.raidType + " ") + "on " +
                                  driveList(groupDrives(group)));
@@ -126,8 +126,8 @@ class Remover {
     }
 
     [[nodiscard]] std::int32_t numberOf(const StandingParts::Volume& each) const {
-        return text::wholeNumber(planning_.before.groups[each.group].volumes[each.volume].id)
-            .value_or(0);
+        const LayoutGroup& group = planning_.before.groups[each.group];
+        return commandNumberOf(planning_, group.volumes[each.volume].id).value_or(0);
     }
 
     /// The utility's word with what zolex writes before its parameters.
@@ -151,13 +151,12 @@ class Remover {
                (colon == std::string::npos ? "" : location.substr(colon + 1)) + " RDY";
     }
 
-    /// ARCCONF lists logical drives from 0 and names them from 1.
-    [[nodiscard]] std::string volumeLine(const std::string& id) const {
+    [[nodiscard]] std::string volumeLine(std::int32_t number) const {
         if (isMegaCli()) {
-            return start() + " -CfgLdDel -L" + id + adapterOption();
+            return start() + " -CfgLdDel -L" + std::to_string(number) + adapterOption();
         }
         return start() + " DELETE " + std::to_string(record_.scanOrder()) + " LOGICALDRIVE " +
-               std::to_string(text::wholeNumber(id).value_or(0) + 1) + " NOPROMPT";
+               std::to_string(number) + " NOPROMPT";
     }
 
     void addForeignClear() {
@@ -181,8 +180,9 @@ class Remover {
             return;
         }
         if (!choice_.clearsAll) {
-            leaveOut(0, stands ? "the plan removes only what is in the way"
-                               : "nothing stands on the controller");
+            leaveOut(0, !stands                    ? "nothing stands on the controller"
+                        : removal_.steps.empty() ? "what stands stays"
+                                                 : "the plan removes only what is in the way");
         }
         if (!choice_.clearsForeign) {
             const std::vector<std::string>& drives = planning_.before.foreignDrives;

@@ -227,11 +227,11 @@ class Chooser {
     [[nodiscard]] bool namesWhatGoes() const {
         for (std::size_t group = 0; group < planning_.before.groups.size(); ++group) {
             const std::vector<LayoutVolume>& volumes = planning_.before.groups[group].volumes;
-            if (std::any_of(
-                    volumes.begin() + static_cast<std::ptrdiff_t>(choice_.parts.volumesKept[group]),
-                    volumes.end(),
-                    [](const LayoutVolume& volume) { return !text::wholeNumber(volume.id); })) {
-                return false;
+            for (std::size_t volume = choice_.parts.volumesKept[group]; volume < volumes.size();
+                 ++volume) {
+                if (!commandNumberOf(planning_, volumes[volume].id)) {
+                    return false;
+                }
             }
         }
         return true;
@@ -478,6 +478,16 @@ bool StandingParts::misses(const Volume& volume) const {
 StepChoice chooseStrategy(const RAIDController& record, StrategyWish wish,
                           const ControllerPlanning& planning) {
     return Chooser(record, wish, planning).choose();
+}
+
+std::optional<std::int32_t> commandNumberOf(const ControllerPlanning& planning,
+                                            const std::string& id) {
+    for (const LogicalDriveFacts& logical : planning.controller.facts.logicalDrives) {
+        if (logical.id == id && logical.commandNumber) {
+            return logical.commandNumber;
+        }
+    }
+    return text::wholeNumber(id);
 }
 
 std::string driveList(const std::vector<std::string>& drives) {

@@ -4,6 +4,7 @@
 #include "model/RAIDController.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -57,6 +58,10 @@ struct StepChoice {
 
 [[nodiscard]] StepChoice chooseStrategy(const RAIDController& record, StrategyWish wish,
                                         const ControllerPlanning& planning);
+
+/// The number that commands have for a captured logical drive; nothing: it cannot be named.
+[[nodiscard]] std::optional<std::int32_t> commandNumberOf(const ControllerPlanning& planning,
+                                                          const std::string& id);
 
 /// "32:2 32:3 32:4".
 [[nodiscard]] std::string driveList(const std::vector<std::string>& drives);
