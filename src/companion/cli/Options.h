@@ -9,7 +9,7 @@
 /// by it, and the help is made of it.
 namespace zolex::companion {
 
-enum class Command : std::uint8_t { none, show, check, doctor, record, replay, explain };
+enum class Command : std::uint8_t { none, show, check, doctor, record, replay, convert, explain };
 
 /// A set of commands.
 using CommandSet = std::uint32_t;

@@ -15,7 +15,7 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 23> problemRows = {{
+constexpr std::array<ProblemCode, 28> problemRows = {{
     {problem::commandFailed, error, "a command of zolexctl could not do its work",
      "Nothing was changed; what it could not do is in its summary.",
      "do what its own help says, and run it again"},
@@ -85,6 +85,22 @@ constexpr std::array<ProblemCode, 23> problemRows = {{
     {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
+    {problem::convertRefused, error, "policies for zolex cannot be made",
+     "Nothing is written: what would be written is not what the policies say.",
+     "zolexctl check POLICIES --machine RECORDING tells how they fit the machine"},
+    {problem::convertNoPolicy, note, "a controller gets no policy",
+     "zolex leaves the controller as it is.",
+     "zolexctl check POLICIES --machine RECORDING tells why no policy is for it"},
+    {problem::convertNoController, note, "a policy is for no controller of the machine",
+     "Its drives cannot be told: it is not in what is written.",
+     "keep the file that it stands in for the machines that it is for"},
+    {problem::convertCovering, note, "what hot spares cover is left out",
+     "zolex names the drives alone. Which arrays a hot spare stands in for is the controller's "
+     "affair.",
+     "keep the policies that were converted"},
+    {problem::convertLevels, note, "the other levels are left out",
+     "zolex takes one level. When drives are added or taken out, it is not chosen anew.",
+     "convert the policies again when the drives change"},
 }};
 // clang-format on
 

@@ -41,6 +41,11 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+inline constexpr std::string_view convertRefused = "ZP260";
+inline constexpr std::string_view convertNoPolicy = "ZP261";
+inline constexpr std::string_view convertNoController = "ZP262";
+inline constexpr std::string_view convertCovering = "ZP263";
+inline constexpr std::string_view convertLevels = "ZP264";
 } // namespace problem
 
 /// All of them, in the order of their ids.
