@@ -111,7 +111,7 @@ class Parser {
     }
 
     CLI::App root_{"", "zolexctl"};
-    std::array<Level, 7> levels_; ///< by command; the first is the program
+    std::array<Level, 8> levels_; ///< by command; the first is the program
 };
 
 bool looksLikeOption(const std::string& word) {
