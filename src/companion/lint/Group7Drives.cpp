@@ -175,8 +175,11 @@ class PlannedDrives {
         }
         if (isBad(*drive)) {
             add("ZX702", place,
-                drive->facts.location + " is " + drive->facts.reportedState + ", and goes into " +
-                    where,
+                drive->facts.location +
+                    (drive->facts.serialNumber.empty()
+                         ? ""
+                         : " (serial " + drive->facts.serialNumber + ")") +
+                    " is " + drive->facts.reportedState + ", and goes into " + where,
                 {"replace " + drive->facts.location + ", or take it out of the list"});
             return;
         }

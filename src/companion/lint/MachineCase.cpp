@@ -76,8 +76,11 @@ Finding& MachineCase::add(FindingSink& sink, std::string_view rule, const Piece*
 }
 
 std::string driveWords(const MachineDrive& drive) {
-    return drive.facts.location +
-           (drive.facts.reportedState.empty() ? "" : " (" + drive.facts.reportedState + ")");
+    std::string more = drive.facts.reportedState;
+    if (!drive.facts.serialNumber.empty()) {
+        more += (more.empty() ? "serial " : ", serial ") + drive.facts.serialNumber;
+    }
+    return drive.facts.location + (more.empty() ? "" : " (" + more + ")");
 }
 
 std::string someDrives(const std::vector<const MachineDrive*>& drives, std::size_t most) {

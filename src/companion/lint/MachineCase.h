@@ -48,7 +48,7 @@ struct MachineCase {
 
 /// What the machines' names are in findings: the serial number, or else the machine type; or empty.
 [[nodiscard]] std::string machineName(const Snapshot& snapshot);
-/// "32:2 (Failed)".
+/// "32:2 (Failed, serial 3LQ2B000)".
 [[nodiscard]] std::string driveWords(const MachineDrive& drive);
 /// "32:0, 32:1, 32:2 and 5 more".
 [[nodiscard]] std::string someDrives(const std::vector<const MachineDrive*>& drives,
