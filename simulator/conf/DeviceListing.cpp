@@ -19,7 +19,9 @@ const char* stateText(DriveStatus status, const Wording& wording) {
     case DriveStatus::bad:
         return wording.failed;
     case DriveStatus::foreign:
+    case DriveStatus::jbod:
         return "Partitioned";
+    case DriveStatus::missing: // is not listed
     case DriveStatus::good:
         break;
     }
@@ -91,8 +93,10 @@ std::string deviceSection(const Controller& controller, const char* title, const
     std::string text = sectionHeading(title);
     std::size_t number = 0;
     for (const Drive& drive : controller.drives) {
-        text += formatted("      Device #%zu\n", number++);
-        text += driveBlock(controller, drive, wording, bays);
+        if (drive.status != DriveStatus::missing) {
+            text += formatted("      Device #%zu\n", number++);
+            text += driveBlock(controller, drive, wording, bays);
+        }
     }
     for (const EnclosureDevice& device : controller.identity.conf.enclosureDevices) {
         text += formatted("      Device #%zu\n", number++);

@@ -178,7 +178,7 @@ std::string memberPlace(const Block& block, const Drive& drive, std::size_t cont
 std::string deviceLine(const Block& block, std::size_t index) {
     const Drive& drive = *block.members[index];
     const std::string key = formatted("Device %zu", index);
-    if (drive.status == DriveStatus::failed) {
+    if (drive.status == DriveStatus::failed || drive.status == DriveStatus::missing) {
         return line(3, key, "Missing");
     }
     const bool expander = block.controller.identity.conf.expander;
@@ -195,6 +195,9 @@ std::string segmentLine(const Block& block, std::size_t index, std::size_t contr
         return deviceLine(block, index);
     }
     const Drive& drive = *block.members[index];
+    if (drive.status == DriveStatus::missing) {
+        return line(3, formatted("Segment %zu", index), "Missing");
+    }
     return line(3, formatted("Segment %zu", index),
                 formatted("%s %s %s", segmentState(drive),
                           memberPlace(block, drive, controllerNumber).c_str(),

@@ -10,7 +10,7 @@ namespace zolex_sim {
 namespace {
 
 // In the order of the enumeration of drive statuses.
-constexpr std::array<std::string_view, 7> driveStates = {
+constexpr std::array<std::string_view, 9> driveStates = {
     "Ready (RDY)",     // good
     "Missing (MIS)",   // bad
     "Defunct (DDD)",   // failed
@@ -18,8 +18,10 @@ constexpr std::array<std::string_view, 7> driveStates = {
     "Hot Spare (HSP)", // hotspare
     "Online (ONL)",    // online
     "Rebuild (RBL)",   // rebuild
+    "Ready (RDY)",     // jbod: no controller of these utilities has one
+    "Missing (MIS)",   // missing
 };
-static_assert(driveStates.size() == static_cast<std::size_t>(DriveStatus::rebuild) + 1);
+static_assert(driveStates.size() == static_cast<std::size_t>(DriveStatus::missing) + 1);
 
 bool hasMember(const Controller& controller, const LogicalDrive& drive, DriveStatus status) {
     for (const std::vector<DriveLocation>& span : controller.arrays[drive.array].spans) {

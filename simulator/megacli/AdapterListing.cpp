@@ -79,6 +79,10 @@ std::string devices(const Controller& controller) {
     const auto critical =
         std::count_if(controller.drives.begin(), controller.drives.end(),
                       [](const Drive& drive) { return drive.predictiveFailures > 0; });
+    const auto missing =
+        std::count_if(controller.drives.begin(), controller.drives.end(),
+                      [](const Drive& drive) { return drive.status == DriveStatus::missing; });
+    const auto disks = controller.drives.size() - static_cast<std::size_t>(missing);
     const auto failed =
         std::count_if(controller.drives.begin(), controller.drives.end(),
                       [](const Drive& drive) { return drive.status == DriveStatus::failed; });
@@ -95,9 +99,8 @@ std::string devices(const Controller& controller) {
                              "  Critical Disks  : %td \n"
                              "  Failed Disks    : %td \n",
                              controller.logicalDrives.size(), disksInState(false),
-                             disksInState(true),
-                             controller.drives.size() + static_cast<std::size_t>(boxes),
-                             controller.drives.size(), critical, failed));
+                             disksInState(true), disks + static_cast<std::size_t>(boxes), disks,
+                             critical, failed));
 }
 
 } // namespace

@@ -36,6 +36,9 @@ const char* firmwareState(const Drive& drive, Generation generation) {
         return "Failed";
     case DriveStatus::bad:
         return "Unconfigured(bad)";
+    case DriveStatus::jbod:
+        return "JBOD";
+    case DriveStatus::missing: // is not listed
     case DriveStatus::good:
     case DriveStatus::foreign:
         break;
@@ -234,9 +237,10 @@ std::string cachePolicy(const LogicalDrive& drive) {
     const char* read = drive.readPolicy == ReadPolicy::none    ? "ReadAheadNone"
                        : drive.readPolicy == ReadPolicy::ahead ? "ReadAhead"
                                                                : "ReadAdaptive";
-    return formatted("Default Cache Policy: %s, %s, Direct, No Write Cache if Bad BBU\n"
-                     "Current Cache Policy: %s, %s, Direct, No Write Cache if Bad BBU\n",
-                     write, read, write, read);
+    const char* bad = drive.withoutBattery ? "Write Cache OK" : "No Write Cache";
+    return formatted("Default Cache Policy: %s, %s, Direct, %s if Bad BBU\n"
+                     "Current Cache Policy: %s, %s, Direct, %s if Bad BBU\n",
+                     write, read, bad, write, read, bad);
 }
 
 const char* driveCountKey(const Array& array) {
@@ -312,8 +316,10 @@ std::string members(const Controller& controller, const Array& array) {
         text += later ? "\n" : "";
         for (std::size_t arm = 0; arm < array.spans[span].size(); ++arm) {
             text += formatted("PD: %zu Information\n", arm);
-            text += driveBlock(controller, *controller.driveAt(array.spans[span][arm]),
-                               ArmNumbering::drives);
+            const Drive& drive = *controller.driveAt(array.spans[span][arm]);
+            text += drive.status == DriveStatus::missing
+                        ? "\n"
+                        : driveBlock(controller, drive, ArmNumbering::drives);
         }
     }
     return text;
@@ -371,7 +377,9 @@ std::string logicalDriveListing(const Controller& controller, int adapter) {
 std::string driveListing(const Controller& controller, int adapter) {
     std::string text = heading(adapter);
     for (const Drive& drive : controller.drives) {
-        text += driveBlock(controller, drive, ArmNumbering::mirrors);
+        if (drive.status != DriveStatus::missing) {
+            text += driveBlock(controller, drive, ArmNumbering::mirrors);
+        }
     }
     const bool later = controller.identity.generation == Generation::later;
     return text + (later ? "\n\n" : "\n") + successLine;

@@ -63,7 +63,7 @@ void readDriveSizes(Fields& fields, Drive& drive, int reservedMb) {
 
 std::optional<DriveStatus> initialStatusNamed(std::string_view word) {
     const std::optional<DriveStatus> status = statusNamed(word);
-    return status == DriveStatus::online ? std::nullopt : status;
+    return status == DriveStatus::online || status == DriveStatus::missing ? std::nullopt : status;
 }
 
 void readDrivePlace(Fields& fields, Drive& drive, const UtilityTraits& utility) {
@@ -105,6 +105,9 @@ Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
     drive.predictiveFailures = fields.smallNumber("predictiveFailures", 0, 1'000'000, 0);
     drive.temperature = fields.smallNumber("temperature", 0, 200, 29);
     drive.status = fields.word<DriveStatus>("status", initialStatusNamed, DriveStatus::good);
+    if (drive.status == DriveStatus::jbod && utility.name != "MEGACLI") {
+        fields.complain("status", "only MEGACLI shows drives as they are");
+    }
     return drive;
 }
 

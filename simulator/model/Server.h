@@ -30,7 +30,19 @@ std::string toText(const std::vector<DriveLocation>& locations);
 /// The location that such a text names; numbers up to 65535.
 std::optional<DriveLocation> parseLocation(std::string_view text);
 
-enum class DriveStatus : std::uint8_t { good, bad, failed, foreign, hotspare, online, rebuild };
+/// jbod: shown to the system as it is; of MEGACLI. missing: a member that is not there, which no
+/// listing of drives tells of; it stands for one in copies of real controllers.
+enum class DriveStatus : std::uint8_t {
+    good,
+    bad,
+    failed,
+    foreign,
+    hotspare,
+    online,
+    rebuild,
+    jbod,
+    missing,
+};
 
 /// The status word of the definition and state files.
 std::string_view statusWord(DriveStatus status);
@@ -73,6 +85,7 @@ struct ForeignConfiguration {
 /// A group of drives: one or more spans of equally many drives.
 struct Array {
     std::vector<std::vector<DriveLocation>> spans;
+    friend bool operator==(const Array&, const Array&) = default;
 };
 
 enum class WritePolicy : std::uint8_t { writeThrough, writeBack };
@@ -96,6 +109,10 @@ struct LogicalDrive {
     bool partitioned = false;      ///< the system has put partitions on it
     /// From 0, its own as long as it exists; absent: its place among the logical drives.
     std::optional<std::size_t> number;
+    /// MEGACLI: written back without a sound battery, too. No command and no file says so; it is so
+    /// in copies of real controllers.
+    bool withoutBattery = false;
+    friend bool operator==(const LogicalDrive&, const LogicalDrive&) = default;
 };
 
 enum class LogicalDriveState : std::uint8_t { optimal, partiallyDegraded, degraded, offline };

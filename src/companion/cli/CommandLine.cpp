@@ -2,11 +2,13 @@
 
 #include "companion/cli/Suggestion.h"
 #include "companion/cli/Values.h"
+#include "foundation/Text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <utility>
 
 namespace zolex::companion {
 
@@ -111,7 +113,7 @@ class Parser {
     }
 
     CLI::App root_{"", "zolexctl"};
-    std::array<Level, 8> levels_; ///< by command; the first is the program
+    std::array<Level, commandCount> levels_; ///< by command; the first is the program
 };
 
 bool looksLikeOption(const std::string& word) {
@@ -397,6 +399,64 @@ std::vector<std::string> wordsOf(const Arguments& arguments, std::size_t least, 
     return words;
 }
 
+bool endsIn(const std::string& name, std::string_view ending) {
+    return name.size() > ending.size() &&
+           text::equalsNoCase(std::string_view(name).substr(name.size() - ending.size()), ending);
+}
+
+/// What the ending of a plan's file says.
+Format formatOfFile(const std::string& name) {
+    constexpr std::array<std::pair<std::string_view, Format>, 4> endings = {{
+        {".json", Format::json},
+        {".svg", Format::svg},
+        {".html", Format::html},
+        {".txt", Format::text},
+    }};
+    const auto* const row = std::find_if(endings.begin(), endings.end(), [&name](const auto& each) {
+        return endsIn(name, each.first);
+    });
+    if (row == endings.end()) {
+        throw ArgumentFault{"-o: " + inQuotes(name) + " ends with none of .json, .svg, .html, .txt",
+                            "zolexctl plan site.ini -o plan.json"};
+    }
+    return row->second;
+}
+
+void readPlan(const Arguments& arguments, Request& request) {
+    PlanOptions& plan = request.plan;
+    plan.classDefaults = arguments.has("--default");
+    const std::vector<std::string> words = wordsOf(arguments, 0, 1, "");
+    if (words.empty() && !plan.classDefaults) {
+        throw ArgumentFault{"plan needs a policies file, or --default", helpOf(Command::plan)};
+    }
+    if (!words.empty() && plan.classDefaults) {
+        throw ArgumentFault{"--default plans without policies, not by " + inQuotes(words.front()),
+                            "leave one of them out"};
+    }
+    plan.file = words.empty() ? "" : words.front();
+    // The text goes to standard output all the same.
+    if (!request.outputFile.empty() && request.outputFile != "-") {
+        plan.savedFormat = formatOfFile(request.outputFile);
+        plan.savedFile = std::exchange(request.outputFile, {});
+    }
+    plan.exitCode = arguments.has("--exit-code");
+    plan.rehearse = !arguments.has("--no-rehearsal");
+    const std::string strategy = arguments.value("--strategy");
+    plan.strategy = strategy == "add"       ? StrategyWish::add
+                    : strategy == "rebuild" ? StrategyWish::rebuild
+                                            : StrategyWish::automatic;
+    plan.accept = arguments.partsOf("--accept");
+    for (std::string& id : plan.accept) {
+        std::transform(id.begin(), id.end(), id.begin(), text::upper);
+    }
+    plan.timings = arguments.values("--timings");
+}
+
+void readDiff(const Arguments& arguments, Request& request) {
+    request.diff.file = wordsOf(arguments, 1, 1, "a policies file or a plan").front();
+    request.diff.strict = arguments.has("--strict");
+}
+
 void readShow(const Arguments& arguments, Request& request) {
     const std::vector<std::string> words = wordsOf(arguments, 0, 1, "");
     if (!words.empty() && arguments.has("--recording")) {
@@ -456,6 +516,10 @@ void readRequest(const Arguments& arguments, Request& request) {
     request.format = readFormat(arguments);
     request.machine = readMachine(arguments);
     switch (request.command) {
+    case Command::plan:
+        return readPlan(arguments, request);
+    case Command::diff:
+        return readDiff(arguments, request);
     case Command::show:
         return readShow(arguments, request);
     case Command::check:

@@ -20,6 +20,8 @@ struct Request {
     std::optional<std::int32_t> width;
     bool quiet = false;
     bool verbose = false;
+    PlanOptions plan;
+    DiffOptions diff;
     ShowOptions show;
     CheckOptions check;
     RecordOptions record;

@@ -58,6 +58,10 @@ int runReplay(Context& context, const Request& request) {
 
 int runCommand(Context& context, const Request& request) {
     switch (request.command) {
+    case Command::plan:
+        return plan(context, request.plan);
+    case Command::diff:
+        return diff(context, request.diff);
     case Command::show:
         return show(context, request.show);
     case Command::check:

@@ -9,12 +9,37 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr CommandSet lookers = only(Command::show) | only(Command::doctor) | only(Command::record);
+constexpr CommandSet lookers = only(Command::plan) | only(Command::diff) | only(Command::show) |
+                               only(Command::doctor) | only(Command::record);
 constexpr CommandSet writers =
     lookers | only(Command::check) | only(Command::convert) | only(Command::explain);
 
 // command, name, usage, summary, purpose, formats, examples
-constexpr std::array<CommandRow, 7> commands{{
+constexpr std::array<CommandRow, commandCount - 1> commands{{
+    {Command::plan, "plan", "plan POLICIES [OPTIONS]", "what would be done, and why",
+     "Plans the controllers of this server by policies: what would be made on which drives and "
+     "why, "
+     "what would be lost, and every command line. The plan is played on a virtual copy of the "
+     "server, in memory. It only reads: nothing on the server is changed. POLICIES is a policies "
+     "file, or - for standard input.\n"
+     "With -o the plan is kept in FILE, whose ending says what it is: .json, .svg, .html or .txt. "
+     "Of a plan that cannot be carried out nothing is kept.\n"
+     "Exit code: 0 planned, or nothing to do, 1 (--exit-code) there is something to do, 2 it "
+     "cannot be carried out, or could not be made.",
+     "text json svg html",
+     "zolexctl plan site.ini\n"
+     "zolexctl plan site.ini -o plan.json\n"
+     "zolexctl plan site.ini --controller 2 -o plan.html\n"
+     "zolexctl plan --default"},
+    {Command::diff, "diff", "diff POLICIES|PLAN [OPTIONS]",
+     "this server against policies or a plan",
+     "Holds what stands on this server against what policies, or a plan that was kept with -o "
+     "plan.json, want of it, attribute by attribute. It only reads: nothing on the server is "
+     "changed.\n"
+     "Exit code: 0 the same, or equivalent, 1 different, 2 it could not be told.",
+     "text json svg html",
+     "zolexctl diff site.ini\n"
+     "zolexctl diff plan.json --strict"},
     {Command::show, "show", "show [FILE] [OPTIONS]", "what is in this server",
      "Shows the controllers of this server, their drives, arrays, logical drives and hot spares. "
      "The column \"no\" is the number that policies use for a drive. It only reads: nothing on the "
@@ -73,7 +98,18 @@ constexpr std::array<CommandRow, 7> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 25> options{{
+constexpr std::array<OptionRow, 32> options{{
+    {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
+    {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
+     only(Command::plan), false, faultOfStrategy},
+    {"--default", "", "", "what zolex /d makes of each controller, without policies",
+     only(Command::plan)},
+    {"--no-rehearsal", "", "", "do not play the plan on a virtual copy", only(Command::plan)},
+    {"--accept", "", "IDS", "let these errors pass, such as ZX701", only(Command::plan), true,
+     faultOfAccepted},
+    {"--timings", "", "FILE", "tell usual times, from the calls in this recording",
+     only(Command::plan), true, faultOfText},
+    {"--strict", "", "", "equivalent and degraded count as different", only(Command::diff)},
     {"--exact", "", "", "policies with the size of each logical drive in MB, not FILL",
      only(Command::show)},
     {"--machine", "", "PATH", "hold the files against this recording, or all of a folder",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -9,7 +10,19 @@
 /// by it, and the help is made of it.
 namespace zolex::companion {
 
-enum class Command : std::uint8_t { none, show, check, doctor, record, replay, convert, explain };
+enum class Command : std::uint8_t {
+    none,
+    plan,
+    diff,
+    show,
+    check,
+    doctor,
+    record,
+    replay,
+    convert,
+    explain
+};
+inline constexpr std::size_t commandCount = 10; ///< with none
 
 /// A set of commands.
 using CommandSet = std::uint32_t;

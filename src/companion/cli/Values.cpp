@@ -1,6 +1,7 @@
 #include "companion/cli/Values.h"
 
 #include "companion/cli/Suggestion.h"
+#include "companion/commands/Explanations.h"
 #include "companion/lint/Rules.h"
 
 #include <algorithm>
@@ -173,6 +174,22 @@ std::string faultOfSelected(std::string_view text) {
         if (std::none_of(all.begin(), all.end(),
                          [&id](const Rule& rule) { return rule.id.substr(0, id.size()) == id; })) {
             return "there is no rule " + inQuotes(part);
+        }
+    }
+    return {};
+}
+
+std::string faultOfStrategy(std::string_view text) {
+    const bool isKnown = text == "auto" || text == "add" || text == "rebuild";
+    return isKnown ? "" : inQuotes(text) + " is none of auto, add and rebuild";
+}
+
+std::string faultOfAccepted(std::string_view text) {
+    for (const std::string& part : parts(text)) {
+        const std::string id = upper(part);
+        const bool isId = id.starts_with("ZX") || id.starts_with("ZP");
+        if (!isId || !explanationOf(id)) {
+            return "there is no finding " + inQuotes(part) + "; they are such as ZX701";
         }
     }
     return {};

@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <optional>
 #include <span>
 #include <utility>
 
@@ -37,9 +36,7 @@ class Check {
     }
 
     int run() {
-        if (!loadRecordedMachines()) {
-            return exit_code::notPossible;
-        }
+        loadRecordedMachines();
         for (const std::string& file : options_.files) {
             checkFile(file);
         }
@@ -53,27 +50,14 @@ class Check {
     }
 
   private:
-    bool loadRecordedMachines() {
-        if (options_.machines.empty()) {
-            return true;
-        }
-        machines_ = loadMachines(context_, options_.machines);
-        if (!machines_) {
-            // The reason stands on standard error; a document is a document all the same.
-            Finding finding;
-            finding.code = "ZX001";
-            finding.summary = "the recordings of --machine cannot be read";
-            finding.detail = "Standard error says why.";
-            findings_.push_back(std::move(finding));
-            const bool wantsDocument =
-                context_.format == Format::json || context_.format == Format::sarif;
-            static_cast<void>(!wantsDocument || deliver(context_, output()));
-            return false;
-        }
-        for (const RecordedMachine& machine : *machines_) {
+    void loadRecordedMachines() {
+        RecordedMachines loaded = loadMachines(context_, options_.machines);
+        isImpossible_ = !loaded.faults.empty();
+        findings_ = std::move(loaded.faults);
+        machines_ = std::move(loaded.machines);
+        for (const RecordedMachine& machine : machines_) {
             tellUnknown(machine);
         }
-        return true;
     }
 
     /// The controllers that a recording does not show: nothing can be said of policies for them.
@@ -101,11 +85,11 @@ class Check {
     }
 
     std::vector<Finding> lintText(const PolicyDocument& document) const {
-        if (!machines_) {
+        if (machines_.empty()) {
             return lint(document, selection_);
         }
         std::vector<const Snapshot*> snapshots;
-        std::transform(machines_->begin(), machines_->end(), std::back_inserter(snapshots),
+        std::transform(machines_.begin(), machines_.end(), std::back_inserter(snapshots),
                        [](const RecordedMachine& machine) { return &machine.snapshot; });
         return lint(document, snapshots, selection_);
     }
@@ -208,7 +192,7 @@ class Check {
     Context& context_;
     const CheckOptions& options_;
     LintSelection selection_;
-    std::optional<std::vector<RecordedMachine>> machines_;
+    std::vector<RecordedMachine> machines_;
     std::vector<PolicyDocument> documents_;
     std::vector<Finding> findings_;
     std::size_t policies_ = 0;

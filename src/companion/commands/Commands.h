@@ -1,12 +1,32 @@
 #pragma once
 
 #include "companion/commands/Context.h"
+#include "companion/planning/Plan.h"
 
 #include <string>
 #include <vector>
 
 /// The commands of zolexctl. Each returns the exit code.
 namespace zolex::companion {
+
+struct PlanOptions {
+    std::string file;           ///< of policies; "-": standard input
+    bool classDefaults = false; ///< no policies
+    std::string savedFile;      ///< keeps the plan; or empty
+    Format savedFormat = Format::json;
+    bool exitCode = false; ///< exit_code::found when there is something to do
+    StrategyWish strategy = StrategyWish::automatic;
+    bool rehearse = true;
+    std::vector<std::string> accept;  ///< ids of errors
+    std::vector<std::string> timings; ///< recordings
+};
+int plan(Context& context, const PlanOptions& options);
+
+struct DiffOptions {
+    std::string file; ///< of policies, or a plan; "-": standard input
+    bool strict = false;
+};
+int diff(Context& context, const DiffOptions& options);
 
 struct ShowOptions {
     std::string file;   ///< a recording instead of the machine; or empty

@@ -39,7 +39,7 @@ class Doctor {
     }
 
     int look(Platform& machine, const Utilities& utilities) {
-        const Snapshot snapshot = captureMachine(machine, captureRequest(context_));
+        const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
         const std::vector<ExitCodeProbe> probes = probe(machine, snapshot);
         const Surroundings surroundings = {machine.localTime(), system::temporaryFolder()};
         const Examination examination = examine(snapshot, utilities, probes, surroundings);

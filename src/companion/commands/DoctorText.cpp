@@ -70,6 +70,17 @@ std::string outcomeText(const CapturedListing& command) {
     return "exit code " + std::to_string(command.exitCode);
 }
 
+/// Whether the latest command failed, so that no further one was run.
+bool endedTheCapture(const ControllerSnapshot& controller) {
+    return controller.failed && std::any_of(controller.findings.begin(), controller.findings.end(),
+                                            [](const Finding& finding) {
+                                                return finding.code == problem::utilityMissing ||
+                                                       finding.code == problem::utilityNotStarted ||
+                                                       finding.code == problem::utilityStillRuns ||
+                                                       finding.code == problem::utilityFailed;
+                                            });
+}
+
 std::string namesText(const Snapshot& snapshot) {
     const auto known = [](const CString& name) {
         return name.isEmpty() ? std::string("not known") : printable(name);
@@ -202,7 +213,7 @@ class Writer {
         constexpr std::size_t durationColumns = 9;
         const std::string duration =
             padded(std::to_string(command.duration.count()) + " ms", durationColumns);
-        if (controller.failed && index + 1 == controller.commands.size()) {
+        if (index + 1 == controller.commands.size() && endedTheCapture(controller)) {
             head(name, "FAIL");
             out_ += duration + outcomeText(command) + "\n";
             return;

@@ -1,5 +1,7 @@
 #include "companion/commands/Explanations.h"
 
+#include "companion/commands/FileCodes.h"
+
 #include "companion/lint/Keywords.h"
 #include "companion/lint/Rules.h"
 #include "companion/machine/ProblemCodes.h"
@@ -81,11 +83,12 @@ constexpr std::array<ExitCode, 6> ownCodes = {{
      "Nothing is to be said. Notes alone are no finding.",
      "Nothing is to be done."},
     {1, "there is something: findings, or a difference",
-     "check or doctor found an error or a warning. The commands that look change nothing.",
+     "check or doctor found an error or a warning, diff found a difference, or plan --exit-code has "
+     "something to do. The commands that look change nothing.",
      "Read what is told; explain tells more of each code:\n  zolexctl explain ZX301"},
-    {2, "it could not be told",
-     "A bad option, a file that cannot be read, a utility that failed. Nothing was changed, and no "
-     "output file was replaced.",
+    {2, "it could not be told, or the plan cannot be carried out",
+     "A bad option, a file that cannot be read, a utility that failed, or a plan with an error. "
+     "Nothing was changed, and no output file was replaced.",
      "The line that begins with \"error:\" says what, the one behind it what to do."},
     {3, "refused before the first change",
      "Kept for commands that change a server: another machine, a changed layout, no consent, or "
@@ -229,12 +232,13 @@ std::optional<Explanation> explanationOf(std::string_view code) {
         explanation.help = rule->help;
         return explanation;
     }
-    if (const ProblemCode* problem = findProblemCode(code)) {
-        explanation.code = problem->id;
-        explanation.title = problem->title;
-        explanation.severity = problem->severity;
-        explanation.why = problem->why;
-        explanation.help = problem->help;
+    const ProblemCode* const problem = findProblemCode(code);
+    if (const ProblemCode* const row = problem != nullptr ? problem : findFileCode(code)) {
+        explanation.code = row->id;
+        explanation.title = row->title;
+        explanation.severity = row->severity;
+        explanation.why = row->why;
+        explanation.help = row->help;
         return explanation;
     }
     return findExitCode(code);
@@ -247,6 +251,9 @@ std::vector<std::string> explainedCodes() {
     }
     for (const ProblemCode& problem : problemCodes()) {
         codes.emplace_back(problem.id);
+    }
+    for (const ProblemCode& row : fileCodes()) {
+        codes.emplace_back(row.id);
     }
     for (const ExitCode& row : zolexCodes) {
         codes.push_back(std::to_string(row.number));
@@ -264,7 +271,8 @@ std::optional<std::string> nearestCode(std::string_view text) {
         }
     }
     for (const std::string_view prefix :
-         {std::string_view("ZX"), std::string_view("ZP"), ownPrefix, std::string_view()}) {
+         {std::string_view("ZX"), std::string_view("ZP"), std::string_view("ZC"),
+          std::string_view("ZR"), ownPrefix, std::string_view()}) {
         if (auto nearest = nearestNumber(prefix, text)) {
             return nearest;
         }

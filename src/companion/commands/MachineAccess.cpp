@@ -2,6 +2,7 @@
 
 #include "companion/commands/RecordingOutput.h"
 #include "companion/json/RecordingFile.h"
+#include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "companion/machine/System.h"
 #include "companion/machine/UtilityPlatform.h"
@@ -84,8 +85,8 @@ bool endsInZrec(std::string_view name) {
                       [](char a, char b) { return text::lower(a) == b; });
 }
 
-/// The recordings that a path names: itself, or those of a folder. None after a message.
-std::vector<std::string> recordingsOf(Context& context, const std::string& path) {
+/// The recordings that a path names: itself, or those of a folder.
+std::vector<std::string> recordingsOf(const std::string& path) {
     const auto entries = folderEntries(path);
     if (!entries) {
         return {path};
@@ -98,11 +99,38 @@ std::vector<std::string> recordingsOf(Context& context, const std::string& path)
         }
     }
     std::sort(names.begin(), names.end());
-    if (names.empty()) {
-        failWith(context, printable(path) + ": no recording (*.zrec) is in this folder",
-                 recordAgain);
-    }
     return names;
+}
+
+Finding recordingFault(const std::string& file, std::string_view what) {
+    Finding finding = problemFinding(problem::commandFailed, printable(what));
+    finding.help = {std::string(recordAgain)};
+    finding.file = file;
+    return finding;
+}
+
+/// Adds the machine of one recording, or what is wrong with the recording.
+void loadMachine(Context& context, const std::string& file, RecordedMachines& all) {
+    RecordingReading reading = readRecordingFile(context.platform.files(), file);
+    for (Finding& finding : reading.findings) {
+        if (finding.severity != Severity::error) {
+            context.platform.console().writeError(findingLine(finding, context.errorStyle));
+            continue;
+        }
+        if (finding.help.empty()) {
+            finding.help = {std::string(recordAgain)};
+        }
+        all.faults.push_back(std::move(finding));
+        return;
+    }
+    CaptureRequest request = captureRequest(context, nullptr);
+    request.progress = nullptr;
+    ReplayPlatform machine(*reading.recording, context.platform);
+    try {
+        all.machines.push_back({file, captureMachine(machine, request)});
+    } catch (const LackingCall& lacking) {
+        all.faults.push_back(recordingFault(file, lacking.what()));
+    }
 }
 
 } // namespace
@@ -123,8 +151,9 @@ RecordingHeader recordingHeader(Context& context, const LocalTime& now) {
     return header;
 }
 
-CaptureRequest captureRequest(Context& context) {
+CaptureRequest captureRequest(Context& context, const Utilities* utilities) {
     CaptureRequest request;
+    request.utilities = utilities;
     request.machineType = context.machine.machineType;
     request.serialNumber = context.machine.serialNumber;
     request.controllers = context.machine.controllers;
@@ -167,31 +196,18 @@ int lookAtMachine(Context& context, const Look& look) {
     }
 }
 
-std::optional<std::vector<RecordedMachine>> loadMachines(Context& context,
-                                                         const std::vector<std::string>& paths) {
-    CaptureRequest request = captureRequest(context);
-    request.progress = nullptr;
-    std::vector<RecordedMachine> machines;
+RecordedMachines loadMachines(Context& context, const std::vector<std::string>& paths) {
+    RecordedMachines all;
     for (const std::string& path : paths) {
-        const std::vector<std::string> files = recordingsOf(context, path);
+        const std::vector<std::string> files = recordingsOf(path);
         if (files.empty()) {
-            return std::nullopt;
+            all.faults.push_back(recordingFault(path, "no recording (*.zrec) is in this folder"));
         }
         for (const std::string& file : files) {
-            const std::optional<Recording> recording = loadRecording(context, file);
-            if (!recording) {
-                return std::nullopt;
-            }
-            ReplayPlatform machine(*recording, context.platform);
-            try {
-                machines.push_back({file, captureMachine(machine, request)});
-            } catch (const LackingCall& lacking) {
-                failWith(context, printable(lacking.what()), recordAgain);
-                return std::nullopt;
-            }
+            loadMachine(context, file, all);
         }
     }
-    return machines;
+    return all;
 }
 
 } // namespace zolex::companion

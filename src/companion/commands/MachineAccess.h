@@ -22,8 +22,8 @@ int lookAtMachine(Context& context,
                   const std::function<int(Platform& machine, const Utilities& utilities)>& look);
 
 /// What of the machine the options ask for, with a line for each child where the context shows
-/// progress. `context` outlives what is returned.
-[[nodiscard]] CaptureRequest captureRequest(Context& context);
+/// progress. `context` and `utilities` outlive what is returned.
+[[nodiscard]] CaptureRequest captureRequest(Context& context, const Utilities* utilities);
 
 /// A recording in the place of a machine, with the console and the files of `system`. Nothing,
 /// after a message, when it cannot be read. Notes and warnings about it go to standard error.
@@ -35,10 +35,16 @@ struct RecordedMachine {
     Snapshot snapshot;
 };
 
+struct RecordedMachines {
+    std::vector<RecordedMachine> machines;
+    std::vector<Finding> faults; ///< a recording that cannot be read, a folder that has none
+};
+
 /// The machines of recordings, or of all files "*.zrec" of a folder in the order of their names.
-/// Nothing, after a message, when one of them cannot be read, or a folder has none.
-[[nodiscard]] std::optional<std::vector<RecordedMachine>>
-loadMachines(Context& context, const std::vector<std::string>& paths);
+/// Those that cannot be read are left out and told in the result; notes and warnings go to standard
+/// error.
+[[nodiscard]] RecordedMachines loadMachines(Context& context,
+                                            const std::vector<std::string>& paths);
 
 /// What a recording that is made now says of itself.
 [[nodiscard]] RecordingHeader recordingHeader(Context& context, const LocalTime& now);

@@ -183,7 +183,7 @@ class Recorder {
         const auto fill = [&](RecordingWriter* writer) {
             Keeper keeper(writer);
             keeper.keep(UtilitiesCall{utilities});
-            snapshot = capture(machine, keeper);
+            snapshot = capture(machine, utilities, keeper);
             recording.calls = std::move(keeper.list.calls);
         };
         std::string text;
@@ -217,9 +217,9 @@ class Recorder {
         }
     }
 
-    Snapshot capture(Platform& machine, Keeper& keeper) {
+    Snapshot capture(Platform& machine, const Utilities& utilities, Keeper& keeper) {
         RecordingPlatform recorder(machine, keeper);
-        const CaptureRequest request = captureRequest(context_);
+        const CaptureRequest request = captureRequest(context_, &utilities);
         Snapshot snapshot = captureMachine(recorder, request);
         FurtherCalls(recorder, keeper.list, request.limit).ask(snapshot);
         return snapshot;

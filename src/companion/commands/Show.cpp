@@ -66,17 +66,16 @@ class Show {
   private:
     int lookOnce() {
         try {
-            return lookAtMachine(context_,
-                                 [this](Platform& machine, const Utilities& /*utilities*/) {
-                                     return look(machine);
-                                 });
+            return lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
+                return look(machine, utilities);
+            });
         } catch (const NoSuchController& missing) {
             return failWith(context_, missing.what(), "zolexctl show lists those that there are");
         }
     }
 
-    int look(Platform& machine) {
-        const Snapshot snapshot = captureMachine(machine, captureRequest(context_));
+    int look(Platform& machine, const Utilities& utilities) {
+        const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
         const LocalTime readAt = machine.localTime();
         const int code = judge(context_, snapshot);
         isDelivered_ = true;

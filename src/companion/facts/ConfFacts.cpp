@@ -25,7 +25,11 @@ void beginLogical(Reading& reading, const ListingLine& line) {
     reading.beginLogicalDrive(line, number ? std::to_string(*number) : "?");
     if (!number) {
         reading.broken(line, "logical drive without a number");
+        return;
     }
+    // Commands count from 1. So do listings that give each logical drive a list of its drives; the
+    // others count from 0.
+    reading.logicalDrive()->facts.commandNumber = *number + 1;
 }
 
 std::string writeCacheOf(std::string_view value) {
@@ -65,6 +69,7 @@ void takeDriveList(Reading& reading, const ListingLine& line) {
     }
     if (draft->spans.empty()) {
         reading.beginSpan(-1);
+        draft->facts.commandNumber.reset();
     }
     constexpr std::string_view mark = "DDD";
     std::string_view list = line.value;

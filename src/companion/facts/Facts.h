@@ -75,6 +75,8 @@ struct DriveFacts {
 /// One logical drive and the drives that it lies on.
 struct LogicalDriveFacts {
     std::string id; ///< as the utility numbers it
+    /// As its commands number it, where they count otherwise than its listings.
+    std::optional<std::int32_t> commandNumber;
     std::string name;
     std::string array;    ///< id of its array; logical drives over the same drives share it
     std::string raidType; ///< "RAID0", ..., "RAID60", "RAID5E", "RAID5EE", "None"; empty: unknown

@@ -1,266 +1,170 @@
 #include "companion/json/MachineDocument.h"
 
-#include "companion/json/Pieces.h"
+#include "companion/json/MachinePieces.h"
 #include "companion/machine/Fingerprint.h"
-#include "companion/machine/NormalForm.h"
-
-#include <utility>
 
 namespace zolex::companion {
 
 namespace {
 
-/// What a drive is there for, in the words of the field.
-std::string_view driveStatus(DriveState state) {
-    switch (state) {
-    case DriveState::hotspare:
-        return "StandbySpare";
-    case DriveState::failed:
-        return "Disabled";
-    case DriveState::missing:
-        return "Absent";
-    case DriveState::unknown:
-        return {};
-    case DriveState::free:
-    case DriveState::member:
-    case DriveState::rebuilding:
-    case DriveState::foreign:
-    case DriveState::jbod:
-        return "Enabled";
-    }
-    return {};
-}
-
-std::string_view stateWord(DriveState state) {
-    switch (state) {
-    case DriveState::unknown:
-        return "unknown";
-    case DriveState::free:
-        return "free";
-    case DriveState::member:
-        return "member";
-    case DriveState::hotspare:
-        return "hotspare";
-    case DriveState::rebuilding:
-        return "rebuilding";
-    case DriveState::failed:
-        return "failed";
-    case DriveState::missing:
-        return "missing";
-    case DriveState::foreign:
-        return "foreign";
-    case DriveState::jbod:
-        return "jbod";
-    }
-    return {};
-}
-
-std::string_view hotspareType(HotspareKind kind) {
-    switch (kind) {
-    case HotspareKind::none:
-        return "None";
-    case HotspareKind::global:
-        return "Global";
-    case HotspareKind::dedicated:
-        return "Dedicated";
-    }
-    return {};
-}
-
-Json statusOf(Health health, std::string_view state) {
-    return ObjectMaker(2)("health", healthOf(health))("state", orNull(state)).make();
-}
-
-Json driveOf(const MachineDrive& drive) {
-    const DriveFacts& facts = drive.facts;
-    Json position;
-    if (drive.policyPosition) {
-        position = std::to_string(drive.policyPosition->channel) + ":" +
-                   std::to_string(drive.policyPosition->id);
-    }
-    ObjectMaker object(25);
-    object("location", facts.location);
-    object("enclosure", orNull(facts.enclosure));
-    object("slot", orNull(facts.slot));
-    object("channel", orNull(facts.channel));
-    object("id", orNull(facts.id));
-    object("policy_number", orNull(drive.policyNumber));
-    object("policy_position", std::move(position));
-    object("array", orNull(drive.array));
-    object("serial_number", orNull(facts.serialNumber));
-    object("manufacturer", orNull(facts.manufacturer));
-    object("model", orNull(facts.model));
-    object("revision", orNull(facts.revision));
-    object("protocol", orNull(facts.protocol));
-    object("media_type", orNull(facts.mediaType));
-    object("capacity_bytes", orNull(facts.capacityBytes));
-    object("capacity_tolerance_bytes", facts.capacityTolerance);
-    object("status", statusOf(facts.health, driveStatus(facts.state)));
-    object("drive_state", stateWord(facts.state));
-    object("reported_state", orNull(facts.reportedState));
-    object("media_error_count", orNull(facts.mediaErrorCount));
-    object("other_error_count", orNull(facts.otherErrorCount));
-    object("predicted_failure_count", orNull(facts.predictedFailureCount));
-    object("temperature_celsius", orNull(facts.temperatureCelsius));
-    object("hotspare_type", hotspareType(facts.hotspare));
-    object("foreign", facts.isForeign);
-    return object.make();
-}
-
-Json logicalDriveOf(const LogicalDriveFacts& logicalDrive) {
-    const bool isVolume = logicalDrive.raidType == "None";
+void writeLogicalDrive(DocumentText& out, const LogicalDriveFacts& logicalDrive) {
     const bool isLost = logicalDrive.health == Health::critical;
-    ObjectMaker object(14);
-    object("id", logicalDrive.id);
-    object("name", orNull(logicalDrive.name));
-    object("array", orNull(logicalDrive.array));
-    object("raid_type", orNull(logicalDrive.raidType));
-    object("policy_level", isVolume ? Json("VOLUME") : Json(nullptr));
-    object("reported_level", orNull(logicalDrive.reportedLevel));
-    object("spans", logicalDrive.spans);
-    object("capacity_bytes", orNull(logicalDrive.capacityBytes));
-    object("capacity_tolerance_bytes", logicalDrive.capacityTolerance);
-    object("strip_size_bytes", orNull(logicalDrive.stripSizeBytes));
-    object("write_cache_policy", orNull(logicalDrive.writeCache));
-    object("read_cache_policy", orNull(logicalDrive.readCache));
-    object("status", statusOf(logicalDrive.health, isLost ? "Disabled" : "Enabled"));
-    object("reported_state", orNull(logicalDrive.reportedState));
-    return object.make();
+    out.object();
+    out.text("id", logicalDrive.id);
+    out.textOrNull("name", logicalDrive.name);
+    out.textOrNull("array", logicalDrive.array);
+    out.textOrNull("raid_type", logicalDrive.raidType);
+    out.textOrNull("policy_level", logicalDrive.raidType == "None" ? "VOLUME" : "");
+    out.textOrNull("reported_level", logicalDrive.reportedLevel);
+    out.json("spans", logicalDrive.spans);
+    out.numberOrNull("capacity_bytes", logicalDrive.capacityBytes);
+    out.number("capacity_tolerance_bytes", logicalDrive.capacityTolerance);
+    out.numberOrNull("strip_size_bytes", logicalDrive.stripSizeBytes);
+    out.textOrNull("write_cache_policy", logicalDrive.writeCache);
+    out.textOrNull("read_cache_policy", logicalDrive.readCache);
+    writeStatus(out, logicalDrive.health, isLost ? "Disabled" : "Enabled");
+    out.textOrNull("reported_state", logicalDrive.reportedState);
+    out.end();
 }
 
-Json layoutOf(const ControllerSnapshot& controller) {
-    Json arrays = Json::array();
+void writeArray(DocumentText& out, const MachineArray& array, const Facts& facts) {
+    out.object();
+    out.textOrNull("id", array.id);
+    out.text("letter", array.letter);
+    out.texts("drives", array.drives);
+    out.list("logical_drives");
+    for (const std::size_t index : array.logicalDrives) {
+        out.text(facts.logicalDrives.at(index).id);
+    }
+    out.end();
+    out.end();
+}
+
+void writeLayout(DocumentText& out, const ControllerSnapshot& controller) {
+    out.object("layout");
+    out.list("arrays");
     for (const MachineArray& array : controller.arrays) {
-        Json logicalDrives = Json::array();
-        for (const std::size_t index : array.logicalDrives) {
-            logicalDrives.push_back(controller.facts.logicalDrives.at(index).id);
-        }
-        arrays.push_back({{"id", orNull(array.id)},
-                          {"letter", array.letter},
-                          {"drives", array.drives},
-                          {"logical_drives", logicalDrives}});
+        writeArray(out, array, controller.facts);
     }
-    Json logicalDrives = Json::array();
+    out.end();
+    out.list("logical_drives");
     for (const LogicalDriveFacts& logicalDrive : controller.facts.logicalDrives) {
-        logicalDrives.push_back(logicalDriveOf(logicalDrive));
+        writeLogicalDrive(out, logicalDrive);
     }
-    Json hotspares = Json::array();
+    out.end();
+    out.list("hotspares");
     for (const MachineDrive& drive : controller.drives) {
         if (drive.facts.hotspare != HotspareKind::none) {
-            hotspares.push_back({{"location", drive.facts.location},
-                                 {"hotspare_type", hotspareType(drive.facts.hotspare)}});
+            out.object();
+            out.text("location", drive.facts.location);
+            out.text("hotspare_type", hotspareWord(drive.facts.hotspare));
+            out.end();
         }
     }
-    return ObjectMaker(5)("arrays", std::move(arrays))("logical_drives", std::move(logicalDrives))(
-               "hotspares", std::move(hotspares))("foreign_configurations",
-                                                  controller.facts.foreignConfigurations)(
-               "layout_sha256", layoutHash(controller.facts))
-        .make();
+    out.end();
+    out.texts("foreign_configurations", controller.facts.foreignConfigurations);
+    out.text("layout_sha256", layoutHash(controller.facts));
+    out.end();
 }
 
-Json commandsOf(const ControllerSnapshot& controller) {
-    Json commands = Json::array();
+void writeReading(DocumentText& out, const ListingReading& reading) {
+    out.object("reading");
+    out.number("blocks", reading.blocks);
+    out.number("blocks_read", reading.blocksRead);
+    out.number("keys", reading.keys);
+    out.number("keys_used", reading.keysUsed);
+    out.end();
+}
+
+void writeCommands(DocumentText& out, const ControllerSnapshot& controller) {
+    out.list("commands");
     for (std::size_t i = 0; i < controller.commands.size(); ++i) {
         const CapturedListing& listing = controller.commands[i];
-        const bool ended = listing.outcome == ChildOutcome::ended;
-        Json command{{"command", listing.command},
-                     {"outcome", outcomeWord(listing.outcome)},
-                     {"exit_code", ended ? Json(listing.exitCode) : Json(nullptr)},
-                     {"duration_ms", listing.duration.count()}};
-        if (i < controller.facts.listings.size()) {
-            const ListingReading& reading = controller.facts.listings[i];
-            command["reading"] = {{"blocks", reading.blocks},
-                                  {"blocks_read", reading.blocksRead},
-                                  {"keys", reading.keys},
-                                  {"keys_used", reading.keysUsed}};
+        out.object();
+        out.text("command", listing.command);
+        out.text("outcome", outcomeWord(listing.outcome));
+        if (listing.outcome == ChildOutcome::ended) {
+            out.number("exit_code", listing.exitCode);
         } else {
-            command["reading"] = nullptr;
+            out.null("exit_code");
         }
-        commands.push_back(std::move(command));
+        out.number("duration_ms", listing.duration.count());
+        if (i < controller.facts.listings.size()) {
+            writeReading(out, controller.facts.listings[i]);
+        } else {
+            out.null("reading");
+        }
+        out.end();
     }
-    return commands;
+    out.end();
 }
 
-Json controllerOf(const ControllerSnapshot& controller) {
+void writeController(DocumentText& out, const ControllerSnapshot& controller) {
     const Facts& facts = controller.facts;
-    Json document{{"number", controller.number},
-                  {"captured", !controller.failed},
-                  {"model", orNull(controller.model)},
-                  {"utility", controller.utility},
-                  {"adapter", controller.adapter},
-                  {"pci", orNull(controller.pci)},
-                  {"pci_ids", orNull(controller.pciIds)},
-                  {"product_name", orNull(facts.productName)},
-                  {"serial_number", orNull(facts.serialNumber)},
-                  {"firmware_version", orNull(facts.firmwareVersion)},
-                  {"bios_version", orNull(facts.biosVersion)},
-                  {"driver_version", orNull(facts.driverVersion)},
-                  {"reported_state", orNull(facts.reportedState)}};
-    Json strips;
-    if (facts.minStripSizeBytes && facts.maxStripSizeBytes) {
-        strips = {*facts.minStripSizeBytes, *facts.maxStripSizeBytes};
-    }
-    document["supported"] = {
-        {"raid_types", facts.raidTypes.empty() ? Json(nullptr) : Json(facts.raidTypes)},
-        {"strip_size_bytes", strips}};
-    document["rebuild_rate_percent"] = orNull(facts.rebuildRatePercent);
-    document["reported_rebuild_rate"] = orNull(facts.rebuildRate);
-    Json drives = Json::array();
+    out.object();
+    out.number("number", controller.number);
+    out.truth("captured", !controller.failed);
+    out.textOrNull("model", controller.model);
+    out.text("utility", controller.utility);
+    out.number("adapter", controller.adapter);
+    out.textOrNull("pci", controller.pci);
+    out.textOrNull("pci_ids", controller.pciIds);
+    out.textOrNull("product_name", facts.productName);
+    out.textOrNull("serial_number", facts.serialNumber);
+    out.textOrNull("firmware_version", facts.firmwareVersion);
+    out.textOrNull("bios_version", facts.biosVersion);
+    out.textOrNull("driver_version", facts.driverVersion);
+    out.textOrNull("reported_state", facts.reportedState);
+    writeSupported(out, facts);
+    out.numberOrNull("rebuild_rate_percent", facts.rebuildRatePercent);
+    out.textOrNull("reported_rebuild_rate", facts.rebuildRate);
+    out.list("drives");
     for (const MachineDrive& drive : controller.drives) {
-        drives.push_back(driveOf(drive));
+        writeDrive(out, drive);
     }
-    document["drives"] = std::move(drives);
-    document["layout"] = controller.failed ? Json(nullptr) : layoutOf(controller);
-    document["commands"] = commandsOf(controller);
-    document["diagnostics"] = diagnosticsOf(controller.findings);
-    return document;
-}
-
-Json fingerprintDocument(const Snapshot& snapshot) {
-    const Fingerprint fingerprint = fingerprintOf(snapshot);
-    Json controllers = Json::array();
-    for (const Fingerprint::Controller& controller : fingerprint.controllers) {
-        controllers.push_back({{"number", controller.number},
-                               {"pci", orNull(controller.pci)},
-                               {"ids", orNull(controller.ids)},
-                               {"model", orNull(controller.model)},
-                               {"serial_number", orNull(controller.serialNumber)}});
+    out.end();
+    if (controller.failed) {
+        out.null("layout");
+    } else {
+        writeLayout(out, controller);
     }
-    return {{"algorithm", Fingerprint::algorithm},
-            {"strength", strengthWord(fingerprint.strength)},
-            {"identity",
-             {{"sha256", fingerprint.identity},
-              {"machine_type", orNull(fingerprint.machineType)},
-              {"serial_number", orNull(fingerprint.serialNumber)},
-              {"controllers", controllers}}},
-            {"state", {{"sha256", fingerprint.state}}}};
+    writeCommands(out, controller);
+    writeDiagnostics(out, "diagnostics", controller.findings);
+    out.end();
 }
 
 } // namespace
 
 std::string machineDocument(const Snapshot& snapshot, const DocumentHead& head) {
-    Json document = documentOf("zolex-machine", head);
-    document["fingerprint"] = snapshot.isComplete() ? fingerprintDocument(snapshot) : Json(nullptr);
-    document["machine_type"] = orNull(snapshot.machine.machineType.view());
-    document["serial_number"] = orNull(snapshot.machine.serialNumber.view());
-    document["machine_source"] = orNull(snapshot.machineSource);
-    document["controllers"] = Json::array();
-    document["core_messages"] = snapshot.coreMessages;
-    document["diagnostics"] = diagnosticsOf(snapshot.findings);
-    return textOf(document, "controllers", snapshot.details.size(),
-                  [&](std::size_t i) { return controllerOf(snapshot.details[i]); });
+    DocumentText out("zolex-machine", head);
+    if (snapshot.isComplete()) {
+        writeFingerprint(out, fingerprintOf(snapshot));
+    } else {
+        out.null("fingerprint");
+    }
+    out.textOrNull("machine_type", snapshot.machine.machineType.view());
+    out.textOrNull("serial_number", snapshot.machine.serialNumber.view());
+    out.textOrNull("machine_source", snapshot.machineSource);
+    out.list("controllers");
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        writeController(out, controller);
+    }
+    out.end();
+    out.texts("core_messages", snapshot.coreMessages);
+    writeDiagnostics(out, "diagnostics", snapshot.findings);
+    return out.finish();
 }
 
 std::string failedMachineDocument(const std::vector<Finding>& findings, const DocumentHead& head) {
-    Json document = documentOf("zolex-machine", head);
-    document["fingerprint"] = nullptr;
-    document["machine_type"] = nullptr;
-    document["serial_number"] = nullptr;
-    document["machine_source"] = nullptr;
-    document["controllers"] = Json::array();
-    document["core_messages"] = Json::array();
-    document["diagnostics"] = diagnosticsOf(findings);
-    return textOf(document);
+    DocumentText out("zolex-machine", head);
+    for (const char* const name :
+         {"fingerprint", "machine_type", "serial_number", "machine_source"}) {
+        out.null(name);
+    }
+    out.texts("controllers", {});
+    out.texts("core_messages", {});
+    writeDiagnostics(out, "diagnostics", findings);
+    return out.finish();
 }
 
 } // namespace zolex::companion

@@ -1,7 +1,5 @@
 #include "companion/json/Pieces.h"
 
-#include <algorithm>
-
 namespace zolex::companion {
 
 std::string_view outcomeWord(ChildOutcome outcome) {
@@ -85,47 +83,8 @@ Json orNull(std::string_view text) {
     return text.empty() ? Json(nullptr) : Json(text);
 }
 
-Json healthOf(Health health) {
-    switch (health) {
-    case Health::unknown:
-        return nullptr;
-    case Health::ok:
-        return "OK";
-    case Health::warning:
-        return "Warning";
-    case Health::critical:
-        return "Critical";
-    }
-    return nullptr;
-}
-
 std::string textOf(const Json& document) {
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-std::string textOf(const Json& document, std::string_view name, std::size_t count,
-                   const std::function<Json(std::size_t)>& element) {
-    std::string text = textOf(document);
-    const std::string before = "\n  \"" + std::string(name) + "\": [";
-    const std::size_t at = text.find(before + "]");
-    if (count == 0 || at == std::string::npos) {
-        return text;
-    }
-    std::string result = text.substr(0, at + before.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        result += i == 0 ? "\n    " : ",\n    ";
-        const std::string dumped = element(i).dump(2, ' ', false, Json::error_handler_t::replace);
-        // A line feed within a text is written as two characters: each of these ends a line.
-        for (std::size_t begin = 0; begin < dumped.size();) {
-            const std::size_t end = std::min(dumped.find('\n', begin), dumped.size() - 1);
-            result.append(dumped, begin, end + 1 - begin);
-            if (dumped[end] == '\n') {
-                result.append(4, ' ');
-            }
-            begin = end + 1;
-        }
-    }
-    return result + "\n  " + text.substr(at + before.size());
 }
 
 std::string lineOf(const Json& document) {

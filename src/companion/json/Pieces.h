@@ -1,6 +1,5 @@
 #pragma once
 
-#include "companion/facts/Facts.h"
 #include "companion/findings/Finding.h"
 #include "companion/json/DocumentHead.h"
 #include "platform/Platform.h"
@@ -9,7 +8,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,21 +18,6 @@
 namespace zolex::companion {
 
 using Json = nlohmann::ordered_json;
-
-/// Makes an object name by name, in this order. Each name is given once.
-class ObjectMaker {
-  public:
-    explicit ObjectMaker(std::size_t names) { object_.reserve(names); }
-    /// Adds a name with its value.
-    ObjectMaker& operator()(const char* name, Json value) {
-        object_.emplace_back(name, std::move(value));
-        return *this;
-    }
-    [[nodiscard]] Json make() { return Json(std::move(object_)); }
-
-  private:
-    Json::object_t object_;
-};
 
 /// The beginning of a document: format, format_version, tool, made_at.
 [[nodiscard]] Json documentOf(std::string_view format, const DocumentHead& head);
@@ -58,15 +41,8 @@ template <typename Number>
     return number && !std::cmp_greater(*number, most) ? Json(*number) : Json(nullptr);
 }
 
-/// "OK", "Warning", "Critical"; null when not known.
-[[nodiscard]] Json healthOf(Health health);
-
 /// The document as a text that ends with a newline. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string textOf(const Json& document);
-/// The same of a document whose array `name`, empty as yet, gets `count` elements. They are made
-/// one after another, so that a large document is never in memory but as its text.
-[[nodiscard]] std::string textOf(const Json& document, std::string_view name, std::size_t count,
-                                 const std::function<Json(std::size_t)>& element);
 /// The same in one line, without a newline: one of a file of JSON lines.
 [[nodiscard]] std::string lineOf(const Json& document);
 

@@ -70,7 +70,7 @@ class EffectChecks {
 
   private:
     /// The layouts that the policy makes on controllers of this kind, as far as they are known.
-    std::vector<Layout> layoutsOf(const Kind& kind, const PlannedDrive& drive) {
+    std::vector<Layout> layoutsOf(const Kind& kind, const AskedDrive& drive) {
         std::vector<Layout> layouts;
         for (std::int32_t level = raid_level::raid0; level <= raid_level::simpleVolume; ++level) {
             const bool isMeant =
@@ -116,11 +116,11 @@ class EffectChecks {
     std::optional<Effect>
     effectOf(std::int32_t LineSettings::*member,
              const std::function<std::vector<std::int32_t>(const Kind&)>& values,
-             std::int32_t value, const PlannedDrive* only = nullptr) {
+             std::int32_t value, const AskedDrive* only = nullptr) {
         std::optional<Effect> best;
         for (const Kind& kind : kinds_) {
             const Domain domain{member, values(kind)};
-            for (const PlannedDrive& drive : drives_) {
+            for (const AskedDrive& drive : drives_) {
                 if (only != nullptr && drive.view != only->view) {
                     continue;
                 }
@@ -194,7 +194,7 @@ class EffectChecks {
         settings.stripeSize = code;
         const std::string word = std::string("Stripesize ") + stripeSizeWord(code) + " ";
         for (const Kind& kind : kinds_) {
-            for (const PlannedDrive& drive : drives_) {
+            for (const AskedDrive& drive : drives_) {
                 for (const Layout& layout : layoutsOf(kind, drive)) {
                     for (const CString& line :
                          models_.lines(kind, layout.level, layout.drives, settings).lines) {
@@ -210,7 +210,7 @@ class EffectChecks {
 
     void checkLogicalDrives() {
         std::vector<const LogicalView*> seen;
-        for (const PlannedDrive& drive : drives_) {
+        for (const AskedDrive& drive : drives_) {
             if (drive.view == nullptr ||
                 std::find(seen.begin(), seen.end(), drive.view) != seen.end()) {
                 continue;
@@ -221,7 +221,7 @@ class EffectChecks {
         }
     }
 
-    void checkCache(const PlannedDrive& drive) {
+    void checkCache(const AskedDrive& drive) {
         const std::int32_t code = drive.view->given.writeCache;
         if (!drive.view->cache || code == write_cache::notGiven) {
             return;
@@ -234,7 +234,7 @@ class EffectChecks {
         }
     }
 
-    void checkSize(const PlannedDrive& drive) {
+    void checkSize(const AskedDrive& drive) {
         constexpr std::int32_t someMb = 1000;
         constexpr std::int32_t otherMb = 2000;
         constexpr DriveSize all{DriveSize::Kind::percent, 100};
@@ -260,7 +260,7 @@ class EffectChecks {
         }
     }
 
-    bool isSizeRefused(const PlannedDrive& drive) {
+    bool isSizeRefused(const AskedDrive& drive) {
         LineSettings settings;
         settings.sizeMb = 1000;
         return std::all_of(kinds_.begin(), kinds_.end(), [&](const Kind& kind) {
@@ -298,7 +298,7 @@ class EffectChecks {
     Models& models_;
     FindingSink& sink_;
     const std::vector<Kind> kinds_;
-    const std::vector<PlannedDrive> drives_;
+    const std::vector<AskedDrive> drives_;
     std::string utilities_;
 };
 

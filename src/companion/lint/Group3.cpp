@@ -357,11 +357,15 @@ class DriveChecks {
 
 } // namespace
 
+void checkDriveRules(const PolicyView& policy, Models& models, FindingSink& sink) {
+    DriveChecks(policy, models, sink).check();
+}
+
 void checkGroup3(const PolicyDocument& document, FindingSink& sink) {
     Models models;
     for (const PolicyView& policy : viewPolicies(document)) {
         if (!policy.policy->isQuiet) {
-            DriveChecks(policy, models, sink).check();
+            checkDriveRules(policy, models, sink);
         }
     }
 }

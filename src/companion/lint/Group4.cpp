@@ -52,7 +52,7 @@ class LogicalChecks {
 
     void check() {
         checkLevels();
-        for (const PlannedDrive& drive : drives_) {
+        for (const AskedDrive& drive : drives_) {
             checkCount(drive);
             checkSpans(drive);
         }
@@ -140,7 +140,7 @@ class LogicalChecks {
         return refusal;
     }
 
-    void checkCount(const PlannedDrive& drive) {
+    void checkCount(const AskedDrive& drive) {
         if (drive.array == nullptr) {
             return;
         }
@@ -195,7 +195,7 @@ class LogicalChecks {
         return {model + " makes " + joinWords(words, " or ") + " of " + countOf(drives, "drive")};
     }
 
-    void tellCount(const PlannedDrive& drive, const LevelRefusal& refusal, std::size_t drives,
+    void tellCount(const AskedDrive& drive, const LevelRefusal& refusal, std::size_t drives,
                    const EntryView& entry, Severity severity) {
         const Piece& place = drive.view == nullptr ? drive.array->entry->value : drive.view->level;
         const std::string array = drive.array->entry->keyword.text;
@@ -223,7 +223,7 @@ class LogicalChecks {
     }
 
     /// The level of the drive, also where the policy leaves it to the models; -1 when that differs.
-    [[nodiscard]] std::int32_t levelOf(const PlannedDrive& drive) const {
+    [[nodiscard]] std::int32_t levelOf(const AskedDrive& drive) const {
         if (drive.level != raid_level::notGiven) {
             return drive.level;
         }
@@ -238,7 +238,7 @@ class LogicalChecks {
         return level.value_or(raid_level::none);
     }
 
-    void checkSpans(const PlannedDrive& drive) {
+    void checkSpans(const AskedDrive& drive) {
         // From these numbers on there could be a third span.
         constexpr std::size_t threeSpansOf50 = 9;
         constexpr std::size_t threeSpansOf60 = 12;
@@ -373,7 +373,7 @@ class LogicalChecks {
 
     void checkStriping() {
         std::vector<const LogicalView*> told;
-        for (const PlannedDrive& drive : drives_) {
+        for (const AskedDrive& drive : drives_) {
             const bool isStriped =
                 drive.view != nullptr && drive.level == raid_level::raid0 &&
                 (drive.array == nullptr || drive.array->isAll || drive.drives > 1);
@@ -409,7 +409,7 @@ class LogicalChecks {
     const PolicyView& policy_;
     Models& models_;
     FindingSink& sink_;
-    const std::vector<PlannedDrive> drives_;
+    const std::vector<AskedDrive> drives_;
 };
 
 } // namespace

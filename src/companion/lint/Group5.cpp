@@ -257,11 +257,11 @@ class HotspareChecks {
 
     void checkUse() {
         const Piece* place = asked();
-        const std::vector<PlannedDrive> drives = plannedDrives(policy_);
+        const std::vector<AskedDrive> drives = plannedDrives(policy_);
         if (place == nullptr || drives.empty() || !policy_.isWhole) {
             return;
         }
-        for (const PlannedDrive& drive : drives) {
+        for (const AskedDrive& drive : drives) {
             const Verdict refused = judgeKinds(policy_, [&](const Kind& kind) {
                 const std::int32_t level =
                     Models::levelOf(kind, drive.level, std::max<std::size_t>(drive.drives, 2));
@@ -282,7 +282,7 @@ class HotspareChecks {
             return kind.type == controller_type::lsiIde;
         });
         // HYPERWIN makes a stripe set with a spare of a kind of its own.
-        if (!isIde && std::none_of(drives.begin(), drives.end(), [](const PlannedDrive& drive) {
+        if (!isIde && std::none_of(drives.begin(), drives.end(), [](const AskedDrive& drive) {
                 return canRebuild(drive.level);
             })) {
             sink_.add("ZX504", *place, "the hot spare can cover no array: none has redundancy",
@@ -297,11 +297,15 @@ class HotspareChecks {
 
 } // namespace
 
+void checkHotspareRules(const PolicyView& policy, Models& models, FindingSink& sink) {
+    HotspareChecks(policy, models, sink).check();
+}
+
 void checkGroup5(const PolicyDocument& document, FindingSink& sink) {
     Models models;
     for (const PolicyView& policy : viewPolicies(document)) {
         if (!policy.policy->isQuiet) {
-            HotspareChecks(policy, models, sink).check();
+            checkHotspareRules(policy, models, sink);
         }
     }
 }

@@ -90,11 +90,15 @@ void checkModels(const PolicyDocument& document, FindingSink& sink) {
 
 } // namespace
 
+void checkLimitRules(const PolicyView& policy, FindingSink& sink) {
+    checkMemberLines(policy, sink);
+    checkStripeSize(policy, sink);
+}
+
 void checkGroup6(const PolicyDocument& document, FindingSink& sink) {
     for (const PolicyView& policy : viewPolicies(document)) {
         if (!policy.policy->isQuiet) {
-            checkMemberLines(policy, sink);
-            checkStripeSize(policy, sink);
+            checkLimitRules(policy, sink);
         }
     }
     checkModels(document, sink);

@@ -56,7 +56,9 @@ class PlannedDrives {
             return;
         }
         checkHealth();
-        checkUse();
+        if (!machine_.isOfPlan) {
+            checkUse();
+        }
         const std::vector<RaidArray>& arrays = layout().arrays();
         for (std::size_t i = 0; i < arrays.size(); ++i) {
             checkSizes(i);
@@ -173,8 +175,11 @@ class PlannedDrives {
         }
         if (isBad(*drive)) {
             add("ZX702", place,
-                drive->facts.location + " is " + drive->facts.reportedState + ", and goes into " +
-                    where,
+                drive->facts.location +
+                    (drive->facts.serialNumber.empty()
+                         ? ""
+                         : " (serial " + drive->facts.serialNumber + ")") +
+                    " is " + drive->facts.reportedState + ", and goes into " + where,
                 {"replace " + drive->facts.location + ", or take it out of the list"});
             return;
         }
@@ -327,24 +332,45 @@ class PlannedDrives {
         }
     }
 
-    /// ZX110: a size in MB that is larger than what the logical drives before it leave.
+    /// What the arrays before this one, of the same drives, take of them, in MB.
+    [[nodiscard]] double usedBefore(std::size_t index) const {
+        const std::vector<DrivePosition> own = sortedDrives(index);
+        double used = 0.0;
+        for (const LogicalDrive& logical : layout().logicalDrives()) {
+            const auto array = static_cast<std::size_t>(logical.arrayIndex);
+            if (array < index && sortedDrives(array) == own) {
+                const RaidArray& other = layout().arrays()[array];
+                used += usedMb(other, logical).value_or(static_cast<double>(other.capacityMb));
+            }
+        }
+        return used;
+    }
+
+    /// ZX110: a size that is larger than what the logical drives before it leave. Percentages are
+    /// judged with the file, and with a plan, which knows what they come to.
     void checkOverfull(std::size_t index) {
         const RaidArray& array = layout().arrays()[index];
         double left = static_cast<double>(array.capacityMb);
-        for (std::size_t i = 0; i < layout().logicalDrives().size() && left > 0.0; ++i) {
+        left -= machine_.isOfPlan ? usedBefore(index) : 0.0;
+        for (std::size_t i = 0; i < layout().logicalDrives().size(); ++i) {
             const LogicalDrive& logical = layout().logicalDrives()[i];
-            if (logical.arrayIndex != static_cast<std::int32_t>(index)) {
+            const bool isToldAlready = left <= 0.0 && !machine_.isOfPlan;
+            if (isToldAlready || logical.arrayIndex != static_cast<std::int32_t>(index)) {
                 continue;
             }
+            const LogicalView* view = viewOf(i);
             const std::optional<double> used = usedMb(array, logical);
             if (!used) {
+                if (machine_.isOfPlan && left < 1.0 && view != nullptr) {
+                    tellOverfull(*view, index, 0);
+                }
                 return;
             }
-            const LogicalView* view = viewOf(i);
-            const bool isMb = view != nullptr && view->given.size.kind == DriveSize::Kind::mb;
-            if (isMb && *used > left + 1.0) {
+            const bool isJudged = view != nullptr && (machine_.isOfPlan ||
+                                                      view->given.size.kind == DriveSize::Kind::mb);
+            if (isJudged && *used > left + 1.0) {
                 const auto room = static_cast<std::int64_t>(
-                    left * usableFraction(logical.raidLevel, array.driveCount()));
+                    std::max(left, 0.0) * usableFraction(logical.raidLevel, array.driveCount()));
                 tellOverfull(*view, index, room);
             }
             left -= *used;
@@ -352,13 +378,18 @@ class PlannedDrives {
     }
 
     void tellOverfull(const LogicalView& view, std::size_t index, std::int64_t room) {
-        Finding& finding = machine_.add(
-            sink_, "ZX110", &view.size,
-            nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
-                view.entry->keyword.text + " asks for " + std::to_string(view.given.size.value),
-            {machine_.detail.utility +
-                 " refuses the command, exit code 11, when those before it are done",
-             "write FILL for all that is left"});
+        const DriveSize& size = view.given.size;
+        const std::string asked = size.kind == DriveSize::Kind::rest ? std::string("FILL")
+                                  : size.kind == DriveSize::Kind::percent
+                                      ? std::to_string(size.value) + "%"
+                                      : std::to_string(size.value);
+        Finding& finding =
+            machine_.add(sink_, "ZX110", &view.size,
+                         nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
+                             view.entry->keyword.text + " asks for " + asked,
+                         {machine_.detail.utility +
+                              " refuses the command, exit code 11, when those before it are done",
+                          "write FILL for all that is left"});
         finding.severity = Severity::error;
         finding.refusedBy = RefusedBy::utility;
     }
@@ -442,16 +473,17 @@ class PlannedDrives {
         return std::nullopt;
     }
 
+    [[nodiscard]] std::vector<DrivePosition> sortedDrives(std::size_t index) const {
+        std::vector<DrivePosition> drives = layout().arrays()[index].drives();
+        std::sort(drives.begin(), drives.end(), isBefore);
+        return drives;
+    }
+
     /// Whether an earlier array has the same drives: so MEGACLI makes further logical drives.
     [[nodiscard]] bool isRepeated(std::size_t array) const {
-        const auto sorted = [this](std::size_t index) {
-            std::vector<DrivePosition> drives = layout().arrays()[index].drives();
-            std::sort(drives.begin(), drives.end(), isBefore);
-            return drives;
-        };
-        const std::vector<DrivePosition> own = sorted(array);
+        const std::vector<DrivePosition> own = sortedDrives(array);
         for (std::size_t i = 0; i < array; ++i) {
-            if (sorted(i) == own) {
+            if (sortedDrives(i) == own) {
                 return machine_.controller.type() == controller_type::megaRaid;
             }
         }
@@ -611,7 +643,13 @@ class PlannedDrives {
         }
         for (const Hotspare& spare : layout().hotspares()) {
             const DrivePosition position{spare.channelNumber, spare.id};
-            checkName(position, enclosureOf(position), machine_.placeOfHotspare(position));
+            const MachineDrive* drive = machine_.drive(position);
+            // The lines of zolexctl name spares without an enclosure as they are.
+            const bool isNamed =
+                machine_.isOfPlan && drive != nullptr && drive->facts.location.starts_with(':');
+            if (!isNamed) {
+                checkName(position, enclosureOf(position), machine_.placeOfHotspare(position));
+            }
         }
     }
 
@@ -630,23 +668,29 @@ class PlannedDrives {
         if (drive == nullptr || drive->facts.location == named) {
             return true;
         }
-        add("ZX711", place,
-            "zolex writes " + named + " for drive " + drive->facts.location +
-                ", which is another drive or none",
+        Finding& finding = machine_.add(
+            sink_, "ZX711", place,
+            (machine_.isOfPlan ? "the command line says " : "zolex writes ") + named +
+                " for drive " + drive->facts.location + ", which is another drive or none",
             {"use drives of enclosures alone, or of none alone; no hot spare without an "
              "enclosure"});
+        if (machine_.isOfPlan) {
+            finding.refusedBy = RefusedBy::plan; // zolexctl has no other line
+        }
         return false;
     }
 
     // ZX712
 
     void checkIdle() {
+        constexpr std::size_t mostNamed = 16;
         if (takesAllDrives() && !layout().arrays().empty()) {
             return;
         }
         std::vector<const MachineDrive*> idle;
         for (const MachineDrive& drive : machine_.detail.drives) {
-            const bool isFree = drive.policyPosition && !isBad(drive) && !isInUse(drive) &&
+            const bool isFree = drive.policyPosition && !isBad(drive) &&
+                                (machine_.isOfPlan || !isInUse(drive)) &&
                                 drive.facts.state != DriveState::foreign;
             const bool isOutside = !drive.policyPosition && drive.facts.state == DriveState::free;
             if (isOutside || (isFree && !isPlanned(*drive.policyPosition))) {
@@ -656,7 +700,8 @@ class PlannedDrives {
         if (!idle.empty()) {
             add("ZX712", nullptr,
                 countOf(idle.size(), "drive") + (idle.size() == 1 ? " gets" : " get") +
-                    " no job: " + someDrives(idle),
+                    " no job: " +
+                    (machine_.isOfPlan ? someDrives(idle, mostNamed) : someDrives(idle)),
                 {"list them, or leave it so"});
         }
     }

@@ -9,15 +9,15 @@ namespace zolex::companion {
 
 namespace {
 
-PlannedDrive onArray(const LogicalView* view, const DriveListView* array) {
+AskedDrive onArray(const LogicalView* view, const DriveListView* array) {
     return {view, array, view == nullptr ? raid_level::notGiven : view->given.raidLevel,
             array == nullptr ? 0 : array->drives.size()};
 }
 
 } // namespace
 
-std::vector<PlannedDrive> plannedDrives(const PolicyView& policy) {
-    std::vector<PlannedDrive> drives;
+std::vector<AskedDrive> plannedDrives(const PolicyView& policy) {
+    std::vector<AskedDrive> drives;
     if (policy.customLogicalDrives) {
         for (const LogicalView& view : policy.logicalDrives) {
             const DriveListView* array =

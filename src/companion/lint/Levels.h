@@ -13,7 +13,7 @@
 namespace zolex::companion {
 
 /// One logical drive that will be made, or a rule for all of them.
-struct PlannedDrive {
+struct AskedDrive {
     /// `Logical.<n>`, or `Logical_Defaults`, or null where the policy gives nothing.
     const LogicalView* view = nullptr;
     const DriveListView* array = nullptr; ///< null for arrays that are chosen automatically
@@ -23,7 +23,7 @@ struct PlannedDrive {
 
 /// With `Logical_Mode = CUSTOM` one for each `Logical.<n>`, else one for each listed array, or one
 /// for all where arrays are chosen automatically.
-[[nodiscard]] std::vector<PlannedDrive> plannedDrives(const PolicyView& policy);
+[[nodiscard]] std::vector<AskedDrive> plannedDrives(const PolicyView& policy);
 
 /// The most drives that are left for an array given as ALL on a controller of `drives` drives.
 [[nodiscard]] std::size_t mostRemaining(const PolicyView& policy, std::size_t drives);

@@ -33,6 +33,10 @@ std::string MachineCase::name() const {
            machine;
 }
 
+std::string MachineCase::told(const std::string& summary) const {
+    return isOfPlan ? summary : name() + ": " + summary;
+}
+
 const MachineDrive* MachineCase::drive(DrivePosition position) const {
     const auto found =
         std::find_if(detail.drives.begin(), detail.drives.end(),
@@ -65,19 +69,21 @@ const Piece* MachineCase::placeOfHotspare(DrivePosition position) const {
 
 Finding& MachineCase::add(FindingSink& sink, std::string_view rule, const Piece* place,
                           const std::string& summary, std::vector<std::string> help) const {
-    const std::string text = name() + ": " + summary;
+    const std::string text = told(summary);
     return place != nullptr    ? sink.add(rule, *place, text, std::move(help))
            : policy != nullptr ? sink.add(rule, *policy->policy, text, std::move(help))
                                : sink.addToFile(rule, text, std::move(help));
 }
 
 std::string driveWords(const MachineDrive& drive) {
-    return drive.facts.location +
-           (drive.facts.reportedState.empty() ? "" : " (" + drive.facts.reportedState + ")");
+    std::string more = drive.facts.reportedState;
+    if (!drive.facts.serialNumber.empty()) {
+        more += (more.empty() ? "serial " : ", serial ") + drive.facts.serialNumber;
+    }
+    return drive.facts.location + (more.empty() ? "" : " (" + more + ")");
 }
 
-std::string someDrives(const std::vector<const MachineDrive*>& drives) {
-    constexpr std::size_t most = 4;
+std::string someDrives(const std::vector<const MachineDrive*>& drives, std::size_t most) {
     std::string text;
     for (std::size_t i = 0; i < std::min(drives.size(), most); ++i) {
         text += (i == 0 ? "" : ", ") + drives[i]->facts.location;

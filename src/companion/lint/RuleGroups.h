@@ -2,7 +2,9 @@
 
 #include "companion/lint/FindingSink.h"
 #include "companion/lint/Lint.h"
+#include "companion/lint/Models.h"
 #include "companion/lint/PolicyDocument.h"
+#include "companion/lint/PolicyView.h"
 #include "companion/lint/Rules.h"
 
 #include <cstdint>
@@ -35,6 +37,11 @@ void checkGroup9(const PolicyDocument& document, FindingSink& sink);
 /// The rules that need machines; without findings for a file that zolex refuses.
 void checkGroup7(const PolicyDocument& document, const std::vector<const Snapshot*>& machines,
                  FindingSink& sink);
+
+/// Groups 3, 5 and 6 on one policy. Those of group 4 are in Effects.h.
+void checkDriveRules(const PolicyView& policy, Models& models, FindingSink& sink);
+void checkHotspareRules(const PolicyView& policy, Models& models, FindingSink& sink);
+void checkLimitRules(const PolicyView& policy, FindingSink& sink);
 
 /// All findings of the file, in no order.
 [[nodiscard]] std::vector<Finding> lintAll(const PolicyDocument& document);

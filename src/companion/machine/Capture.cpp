@@ -328,7 +328,7 @@ class Capturer {
             fail(snapshot, problem::utilityNotStarted, "no pipe for the output of " + shown);
             return false;
         case ChildOutcome::notStarted:
-            fail(snapshot, problem::utilityNotStarted, shown + " cannot be started");
+            tellNotStarted(type, shown, snapshot);
             return false;
         case ChildOutcome::stillRunning:
             fail(snapshot, problem::utilityStillRuns,
@@ -347,6 +347,24 @@ class Capturer {
             return false;
         }
         return true;
+    }
+
+    void tellNotStarted(std::int32_t type, const std::string& shown,
+                        ControllerSnapshot& snapshot) const {
+        const std::string name(utilityOfType(type));
+        const std::string program =
+            request_.utilities == nullptr ? "" : request_.utilities->programOf(name);
+        if (request_.utilities != nullptr && program.empty()) {
+            fail(snapshot, problem::utilityMissing, name + " is missing");
+            snapshot.findings.back().help = {"install it, or name it: " + namingOption(name)};
+            return;
+        }
+        fail(snapshot, problem::utilityNotStarted,
+             shown + " cannot be started" +
+                 (program.empty() ? "" : ": the program is " + printable(program)));
+        if (request_.utilities != nullptr && request_.utilities->named.contains(name)) {
+            snapshot.findings.back().help = {"name the right program: " + namingOption(name)};
+        }
     }
 
     void readWithCore(RAIDController& controller, std::int32_t number, Captured& captured) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "companion/machine/Snapshot.h"
+#include "companion/machine/Utilities.h"
 #include "platform/Platform.h"
 
 #include <chrono>
@@ -21,6 +22,9 @@ struct CaptureRequest {
     /// Told before each child: "hardware detector", then of each listing
     /// "controller 1 of 2: UTIL.BAT MEGACLI -pdList -a0". May be empty.
     std::function<void(const std::string& text)> progress;
+    /// The programs behind the platform, to tell which of them is missing or cannot be started; or
+    /// null. They outlive the capture.
+    const Utilities* utilities = nullptr;
 };
 
 /// A controller was asked for that the machine does not have.

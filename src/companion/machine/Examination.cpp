@@ -35,8 +35,9 @@ std::string numbersText(const std::vector<std::int32_t>& numbers) {
 }
 
 bool isOfUtility(std::string_view code) {
-    return code == problem::utilityNotStarted || code == problem::utilityStillRuns ||
-           code == problem::utilityFailed || code == problem::notAListing;
+    return code == problem::utilityMissing || code == problem::utilityNotStarted ||
+           code == problem::utilityStillRuns || code == problem::utilityFailed ||
+           code == problem::notAListing;
 }
 
 /// Whether nothing could be had of a controller that was asked for.
@@ -107,6 +108,7 @@ void tellUtility(const UtilityCheck& check, std::vector<SubjectFinding>& finding
              problemFinding(problem::utilityMissing,
                             check.name + " is missing, and " + numbersText(check.controllers) +
                                 (check.controllers.size() == 1 ? " needs it" : " need it"))});
+        findings.back().finding.help = {"install it, or name it: " + namingOption(check.name)};
     }
     if (check.probe && check.probe->isLost()) {
         findings.push_back(

@@ -1,6 +1,6 @@
 #include "companion/machine/Fingerprint.h"
 
-#include "companion/machine/NormalForm.h"
+#include "companion/layout/NormalForm.h"
 #include "companion/machine/Sha256.h"
 #include "foundation/Text.h"
 
@@ -174,6 +174,10 @@ Fingerprint fingerprintOf(const Snapshot& snapshot) {
     print.identity = sha256(identity);
     print.state = sha256(state);
     return print;
+}
+
+std::string layoutHash(const Facts& facts) {
+    return sha256(normalForm(facts));
 }
 
 } // namespace zolex::companion

@@ -44,6 +44,9 @@ struct Fingerprint {
 
 [[nodiscard]] Fingerprint fingerprintOf(const Snapshot& snapshot);
 
+/// The hash of the normal form of a controller's layout, as hexadecimal digits.
+[[nodiscard]] std::string layoutHash(const Facts& facts);
+
 /// Whether a serial number is a text that firmware has where none was entered: "None", "To Be
 /// Filled By O.E.M.", zeros and so on; an empty one too.
 [[nodiscard]] bool isPlaceholder(std::string_view serialNumber);

@@ -75,7 +75,8 @@ bool isBefore(DrivePosition a, DrivePosition b) {
 }
 
 std::string stateText(const DriveFacts& drive) {
-    return drive.reportedState.empty() ? "not counted by zolex" : drive.reportedState;
+    return (drive.reportedState.empty() ? "not counted by zolex" : drive.reportedState) +
+           (drive.serialNumber.empty() ? "" : ", serial " + drive.serialNumber);
 }
 
 /// What is to be said of a drive without a number. `place` is where it would stand in policies,

@@ -15,7 +15,7 @@ using enum Severity;
 
 // Columns: id, severity, title, why, help. Order: by id.
 // clang-format off
-constexpr std::array<ProblemCode, 28> problemRows = {{
+constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::commandFailed, error, "a command of zolexctl could not do its work",
      "Nothing was changed; what it could not do is in its summary.",
      "do what its own help says, and run it again"},
@@ -85,6 +85,92 @@ constexpr std::array<ProblemCode, 28> problemRows = {{
     {problem::namedOtherwise, error, "a command line of zolex names another drive than policies do",
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
+    {problem::documentUnreadable, error, "a plan cannot be read from its file",
+     "Nothing was changed. The file is missing, or this user has no right to read it.",
+     "name the file that zolexctl plan -o has written"},
+    {problem::otherDocument, error, "a document is no plan",
+     "Nothing was changed. Other documents tell of a machine or of policies, and of no steps.",
+     "make a plan: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::otherVersion, error, "a plan has a format version that this zolexctl does not know",
+     "Nothing was changed. A major version changes what names mean.",
+     "make the plan again with this zolexctl: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentBroken, error, "a plan is no JSON",
+     "Nothing was changed. The file was cut or edited.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentWrong, error, "something in a plan is missing, wrong or contradicts another part",
+     "Nothing was changed. The place is in the summary: names, and numbers that count from 0.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::documentTooLarge, error, "a plan is larger than any plan can be",
+     "Nothing was changed. The file is not one that zolexctl has written.",
+     "make the plan again: zolexctl plan POLICIES -o PLAN.json"},
+    {problem::policiesRefused, error, "the policies cannot be read",
+     "zolex refuses the file, exit code 5, and nothing can be planned.",
+     "Ask what is wrong with it:\n  zolexctl check site.ini"},
+    {problem::notCaptured, error, "a controller could not be captured",
+     "Nothing is known of its drives, so no plan can be made, and a plan for the other controllers "
+     "alone might not be what is meant.",
+     "Ask what is wrong with the utility, or plan the other controllers alone:\n  zolexctl doctor\n"
+     "  zolexctl plan site.ini --controller 2"},
+    {problem::machineNotKnown, error, "a policy asks for a name that is not known",
+     "The machine type or the serial number of the machine could not be found out, and whether the "
+     "policy is for this machine depends on it.",
+     "Give it:\n  zolexctl plan site.ini --machine-type 8837 --serial KQ10Z7V"},
+    {problem::notPlanned, error, "no plan can be made",
+     "zolex ends with exit code 5 when it comes to this controller; a restore (/r) in the same "
+     "command is done before.",
+     "The finding tells what does not fit."},
+    {problem::cannotBind, error, "an entry finds no drives",
+     "An entry tells drives by what they are, and the controller has none or too few of them that "
+     "are free for it.",
+     "Ask what there is, and change the entry:\n  zolexctl show"},
+    {problem::redundancyLost, warning, "redundancy is lost",
+     "The logical drives that stand on the controller survive the failure of a drive; those that "
+     "are planned do not.",
+     "Take a level such as 1, 5 or 10 where the data matters."},
+    {problem::spareIdle, warning, "a hot spare that covers nothing",
+     "No array has a level that a spare can rebuild and members that are as small as the spare: it "
+     "never steps in.",
+     "Use the drive in an array, take a larger one, or say that there is none:\n"
+     "  Array_Defaults = 0%:0"},
+    {problem::degraded, warning, "what stands is as planned, but not well",
+     "A drive has failed or is being rebuilt. Nothing is planned, as the layout is the one that "
+     "the policy asks for.",
+     "Replace the drive that is named; the controller rebuilds by itself."},
+    {problem::addingIsNotEnough, error, "what is wanted cannot be reached by adding alone",
+     "Something that stands on the controller is in the way, or its utility cannot add beside it. "
+     "With --strategy add nothing is removed, so nothing is done.",
+     "see what a rebuild would remove: zolexctl plan POLICIES --strategy auto"},
+    {problem::lineNotMade, error, "a command line cannot be made",
+     "The utility of the controller has no command for what is planned. zolex ends with exit code "
+     "11 there, when the controllers before it have been configured.",
+     "change the entry that the finding names, and try it: zolexctl plan POLICIES"},
+    {problem::takesAllDrives, error, "the utility takes other drives than the policy lists",
+     "HYPERWIN's command names no drives: it takes all that are free, and where there is a spare, "
+     "the last of them for it.",
+     "list all drives of the controller: Array.A = 1,2"},
+    {problem::foreignNotCleared, error, "a planned drive carries a layout of another controller",
+     "The utility refuses such a drive, and has no command that clears it.",
+     "plan for other drives, or clear it in the controller's own set-up: zolexctl show"},
+    {problem::otherMachine, error, "a plan is held against another machine than its own",
+     "Its drives and controllers are others, though they may be called the same.",
+     "plan for this machine, and compare with that: zolexctl diff POLICIES"},
+    {problem::stepRefused, error, "a command of the plan was refused on a copy of the machine",
+     "The commands were played on a virtual copy of the captured controllers. One that is refused "
+     "there would be refused by the real utility too, when those before it have been run: the "
+     "controller would stand half configured.",
+     "change what the utility names, and try it: zolexctl plan POLICIES"},
+    {problem::stepWithoutEffect, error, "a command that creates or deletes changed nothing",
+     "On a virtual copy of the captured controllers the layout was the same before and behind it. "
+     "It would not do what it is planned for.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::endsOtherwise, error, "the commands end in another layout than planned",
+     "All commands were taken on a virtual copy of the captured controllers, but what stands there "
+     "then is not what the policy asks for.",
+     "zolexctl record --redact -o report.zrec, and report it"},
+    {problem::notResumable, warning, "a run that stops at a step could not be resumed",
+     "On a virtual copy of the captured controllers the step was made to fail, and the rest of the "
+     "plan did not come to the planned end from there.",
+     "should a run stop there, look at what stands and plan anew: zolexctl plan POLICIES"},
     {problem::convertRefused, error, "policies for zolex cannot be made",
      "Nothing is written: what would be written is not what the policies say.",
      "zolexctl check POLICIES --machine RECORDING tells how they fit the machine"},
@@ -101,7 +187,7 @@ constexpr std::array<ProblemCode, 28> problemRows = {{
     {problem::convertLevels, note, "the other levels are left out",
      "zolex takes one level. When drives are added or taken out, it is not chosen anew.",
      "convert the policies again when the drives change"},
-}};
+});
 // clang-format on
 
 } // namespace

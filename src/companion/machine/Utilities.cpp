@@ -136,6 +136,16 @@ std::vector<std::string> Utilities::argumentsOf(std::string_view commandLine) co
     return arguments;
 }
 
+std::string namingOption(std::string_view utility) {
+    const auto* const row =
+        std::find_if(utilityRows.begin(), utilityRows.end(),
+                     [utility](const UtilityNames& each) { return each.utility == utility; });
+    std::string text = "zolexctl --utility ";
+    text.append(utility).append("=/path/");
+    return text.append(row == utilityRows.end() ? utility : row->programs.front())
+        .append(" doctor");
+}
+
 Utilities findUtilities(const ProgramFolders& folders,
                         const std::map<std::string, std::string>& named) {
     Utilities utilities;

@@ -55,6 +55,10 @@ struct Utilities {
     [[nodiscard]] std::vector<std::string> argumentsOf(std::string_view commandLine) const;
 };
 
+/// How a user names the program of a utility: "zolexctl --utility
+/// MEGACLI=/path/MegaCli64 doctor".
+[[nodiscard]] std::string namingOption(std::string_view utility);
+
 /// Looks for UTIL.BAT, hwdetect.exe and each utility: in the folder that the user named, beside the
 /// running program, in the current folder and along the search path. `named` are the user's own
 /// ("MEGACLI" -> path, letter case of the word ignored), which are not looked for.

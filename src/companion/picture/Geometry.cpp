@@ -157,19 +157,31 @@ std::int32_t placeRows(PlacedController& placed, const std::vector<DriveRow>& ro
     return y;
 }
 
-/// Places the bars of the arrays from `y` on; returns where they end.
-std::int32_t placeArrays(PlacedController& placed, const ControllerSnapshot& controller,
-                         std::int32_t y, std::int32_t contentWidth) {
+std::vector<ArraySizes> sizesOfArrays(const ControllerSnapshot& controller) {
     std::map<std::string_view, const DriveFacts*> drives;
     for (const MachineDrive& drive : controller.drives) {
         drives.emplace(drive.facts.location, &drive.facts);
     }
     std::vector<ArraySizes> sizes;
-    std::uint64_t largest = 0;
     for (const MachineArray& array : controller.arrays) {
         sizes.push_back(sizesOf(controller, array, drives));
-        largest = std::max(largest, sizes.back().whole);
     }
+    return sizes;
+}
+
+std::uint64_t largestOf(const std::vector<ArraySizes>& sizes) {
+    std::uint64_t largest = 0;
+    for (const ArraySizes& size : sizes) {
+        largest = std::max(largest, size.whole);
+    }
+    return largest;
+}
+
+/// Places the bars of the arrays from `y` on; returns where they end. `largest` is what the longest
+/// bar stands for.
+std::int32_t placeArrays(std::vector<PlacedArray>& placed, const ControllerSnapshot& controller,
+                         const std::vector<ArraySizes>& sizes, std::uint64_t largest,
+                         std::int32_t y, std::int32_t contentWidth) {
     const std::int32_t most = contentWidth - geometry::barLeft;
     for (std::size_t i = 0; i < controller.arrays.size(); ++i) {
         PlacedArray array;
@@ -184,12 +196,112 @@ std::int32_t placeArrays(PlacedController& placed, const ControllerSnapshot& con
         placeSegments(array, controller.arrays[i], sizes[i], controller);
         y += geometry::barHeight + placeLabels(array, controller, geometry::margin + contentWidth) +
              geometry::barGap;
-        placed.arrays.push_back(std::move(array));
+        placed.push_back(std::move(array));
+    }
+    return y;
+}
+
+/// Places rows of drives twice, from `y` on; returns where they end.
+std::int32_t placePlanRows(PlacedPlan& placed, const std::vector<DriveRow>& rows, bool hasAfter,
+                           std::int32_t y, std::int32_t contentWidth) {
+    const auto place = [](std::vector<PlacedSlot>& slots, const DriveRow& row, std::size_t first,
+                          std::size_t end, std::int32_t top) {
+        for (std::size_t i = first; i < end; ++i) {
+            const auto column = static_cast<std::int32_t>(i - first);
+            slots.push_back({{geometry::margin + geometry::rowLabelWidth +
+                                  column * (geometry::slotWidth + geometry::slotGap),
+                              top, geometry::slotWidth, geometry::slotHeight},
+                             row.slots[i]});
+        }
+    };
+    for (const DriveRow& row : rows) {
+        for (std::size_t first = 0; first < row.slots.size(); first += geometry::slotsInARow) {
+            PlacedPlanRow line;
+            if (first == 0) {
+                line.title = row.title;
+                line.titleBox = {geometry::margin, y, contentWidth, geometry::titleHeight};
+                y += geometry::titleHeight;
+            }
+            const std::size_t end = std::min(first + geometry::slotsInARow, row.slots.size());
+            line.nowLabel = {geometry::margin, y, geometry::rowLabelWidth, geometry::slotHeight};
+            place(line.now, row, first, end, y);
+            y += geometry::slotHeight;
+            if (hasAfter) {
+                y += geometry::linkHeight;
+                line.afterLabel = {geometry::margin, y, geometry::rowLabelWidth,
+                                   geometry::slotHeight};
+                place(line.after, row, first, end, y);
+                y += geometry::slotHeight;
+            }
+            y += geometry::rowGap;
+            placed.rows.push_back(std::move(line));
+        }
+    }
+    return y;
+}
+
+/// Places the bars of now and of later, each below a line of text; returns where they end.
+std::int32_t placePlanArrays(PlacedPlan& placed, const NowAndAfter& controller, std::int32_t y,
+                             std::int32_t contentWidth) {
+    const std::vector<ArraySizes> now = sizesOfArrays(*controller.now);
+    const std::vector<ArraySizes> after =
+        controller.after == nullptr ? std::vector<ArraySizes>() : sizesOfArrays(*controller.after);
+    const std::uint64_t largest = std::max(largestOf(now), largestOf(after));
+    const auto place = [&](std::vector<PlacedArray>& arrays, Box& label,
+                           const ControllerSnapshot& state, const std::vector<ArraySizes>& sizes) {
+        if (!sizes.empty()) {
+            label = {geometry::margin, y, contentWidth, geometry::titleHeight};
+            y = placeArrays(arrays, state, sizes, largest, y + geometry::titleHeight, contentWidth);
+        }
+    };
+    place(placed.now, placed.nowLabel, *controller.now, now);
+    if (controller.after != nullptr) {
+        place(placed.after, placed.afterLabel, *controller.after, after);
     }
     return y;
 }
 
 } // namespace
+
+PlanGeometry planGeometryOf(const std::vector<NowAndAfter>& controllers,
+                            const PictureContent& content) {
+    PlanGeometry picture;
+    const auto isShown = [&](std::size_t i) {
+        return !content.onlyController || *content.onlyController == i;
+    };
+    std::vector<std::vector<DriveRow>> rows(controllers.size());
+    std::int32_t contentWidth = geometry::leastWidth;
+    for (std::size_t i = 0; i < controllers.size(); ++i) {
+        if (isShown(i)) {
+            rows[i] = driveRowsOf(*controllers[i].now);
+            for (const DriveRow& row : rows[i]) {
+                contentWidth = std::max(contentWidth,
+                                        geometry::rowLabelWidth + widthOfSlots(row.slots.size()));
+            }
+        }
+    }
+    std::int32_t y = geometry::margin;
+    for (std::size_t i = 0; i < controllers.size(); ++i) {
+        if (!isShown(i)) {
+            continue;
+        }
+        PlacedPlan placed;
+        placed.index = i;
+        std::int32_t end =
+            placePlanRows(placed, rows[i], controllers[i].after != nullptr,
+                          y + (content.heads ? geometry::headHeight : 0), contentWidth);
+        end = placePlanArrays(placed, controllers[i], end, contentWidth);
+        placed.box = {geometry::margin, y, contentWidth, end - y};
+        picture.controllers.push_back(std::move(placed));
+        y = end + geometry::rowGap;
+    }
+    picture.hasHeads = content.heads;
+    picture.legend = {geometry::margin, y, contentWidth,
+                      content.legend ? geometry::legendHeight : 0};
+    picture.width = contentWidth + 2 * geometry::margin;
+    picture.height = y + picture.legend.height + geometry::margin;
+    return picture;
+}
 
 std::optional<std::uint64_t> rawBytesOf(const LogicalDriveFacts& logicalDrive,
                                         std::size_t arrayDrives) {
@@ -242,7 +354,9 @@ Geometry geometryOf(const Snapshot& snapshot, const PictureContent& content) {
         controller.index = i;
         std::int32_t end = placeRows(controller, rows[i],
                                      y + (content.heads ? geometry::headHeight : 0), contentWidth);
-        end = placeArrays(controller, snapshot.details[i], end, contentWidth);
+        const std::vector<ArraySizes> sizes = sizesOfArrays(snapshot.details[i]);
+        end = placeArrays(controller.arrays, snapshot.details[i], sizes, largestOf(sizes), end,
+                          contentWidth);
         controller.box = {geometry::margin, y, contentWidth, end - y};
         picture.controllers.push_back(std::move(controller));
         y = end + geometry::rowGap;

@@ -35,7 +35,9 @@ inline constexpr std::int32_t barHeight = 24;
 inline constexpr std::int32_t barGap = 8;
 inline constexpr std::int32_t lineHeight = 16; ///< of labels that find no room in a bar
 inline constexpr std::int32_t legendHeight = 58;
-inline constexpr std::int32_t fontSize = 10; ///< of what stands in slots and bars
+inline constexpr std::int32_t rowLabelWidth = 56; ///< "planned", before the slots of a plan
+inline constexpr std::int32_t linkHeight = 18;    ///< of the lines from slot to slot
+inline constexpr std::int32_t fontSize = 10;      ///< of what stands in slots and bars
 /// Width of `characters` characters of a font in which all are equally wide; never too small.
 [[nodiscard]] constexpr std::int32_t textWidth(std::size_t characters, std::int32_t size) {
     return static_cast<std::int32_t>((characters * static_cast<std::size_t>(size) * 61 + 99) / 100);
@@ -97,6 +99,43 @@ struct PictureContent {
     bool heads = true;                         ///< the lines of text above each controller
     bool legend = true;
 };
+
+/// Drives as they are and, below, as they will be. The two rows have the same slots.
+struct PlacedPlanRow {
+    std::string title;
+    Box titleBox;
+    Box nowLabel;
+    std::vector<PlacedSlot> now;
+    Box afterLabel;                ///< without height: there is no second row
+    std::vector<PlacedSlot> after; ///< as many as `now`, or none
+};
+
+struct PlacedPlan {
+    std::size_t index = 0; ///< in what was asked for
+    Box box;
+    std::vector<PlacedPlanRow> rows;
+    std::vector<PlacedArray> now;   ///< bars, in one scale with those below
+    std::vector<PlacedArray> after; ///< bars
+    Box nowLabel;                   ///< line of text above the bars; without height: no bars
+    Box afterLabel;
+};
+
+struct PlanGeometry {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::vector<PlacedPlan> controllers;
+    bool hasHeads = true;
+    Box legend; ///< without height: none
+};
+
+/// A controller as it is and as it will be; the second may be missing. Their drives are the same.
+struct NowAndAfter {
+    const ControllerSnapshot* now = nullptr;
+    const ControllerSnapshot* after = nullptr;
+};
+
+[[nodiscard]] PlanGeometry planGeometryOf(const std::vector<NowAndAfter>& controllers,
+                                          const PictureContent& content = {});
 
 [[nodiscard]] Geometry geometryOf(const Snapshot& snapshot, const PictureContent& content = {});
 

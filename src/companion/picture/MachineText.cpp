@@ -106,8 +106,10 @@ class Writer {
 
     /// How much of drives and states is written, so that the tables fit.
     struct Brevity {
-        bool wholeStates = true;    ///< else up to the first comma
-        bool manufacturers = true;  ///< before the models
+        bool wholeStates = true;   ///< else up to the first comma
+        bool manufacturers = true; ///< before the models
+        bool models = true;        ///< else the ends of the serial numbers alone
+        bool states = true;
         std::size_t columns = 1000; ///< of drives and of states
     };
 
@@ -115,13 +117,16 @@ class Writer {
         const bool bare = !brevity.manufacturers && !facts.model.empty();
         std::string model = bare ? printable(facts.model) : modelOf(facts);
         const std::string serial = printable(lastCharacters(facts.serialNumber, 4));
+        if (!brevity.models && !serial.empty()) {
+            return serial;
+        }
         const std::size_t room = std::max(brevity.columns - columnsOf(serial) - 1, std::size_t{8});
         model = shortened(model, room);
         return model + (model.empty() || serial.empty() ? "" : " ") + serial;
     }
 
     [[nodiscard]] static std::string stateOf(const DriveFacts& facts, const Brevity& brevity) {
-        std::string state = printable(facts.reportedState);
+        std::string state = brevity.states ? printable(facts.reportedState) : std::string();
         if (!brevity.wholeStates) {
             state.resize(std::min(state.find(','), state.size()));
         }
@@ -137,7 +142,7 @@ class Writer {
                        {"location", Emphasis::dim},
                        {"size", Emphasis::dim, true},
                        {"drive", Emphasis::dim},
-                       {"state", Emphasis::dim},
+                       {brevity.states ? "state" : "", Emphasis::dim},
                        {"in", Emphasis::dim}});
             for (const DriveRow::Slot& slot : row.slots) {
                 if (slot.drive) {
@@ -211,6 +216,14 @@ class Writer {
         }
         for (std::size_t columns = 32; columns >= 12 && !fits(); --columns) {
             brevity.columns = columns;
+            make();
+        }
+        if (!fits()) {
+            brevity.models = false;
+            make();
+        }
+        if (!fits()) {
+            brevity.states = false;
             make();
         }
     }

@@ -268,8 +268,10 @@ std::string cacheOf(const LogicalDriveFacts& logicalDrive) {
 }
 
 std::string labelOf(const LogicalDriveFacts& logicalDrive) {
-    return "LD " + printable(logicalDrive.id) + " " + levelOf(logicalDrive) + " " +
-           sizeText(logicalDrive.capacityBytes);
+    // Those of a policy have a word as their id.
+    const bool isNumber = logicalDrive.id.substr(0, 7) != "Logical";
+    return (isNumber ? "LD " : "") + printable(logicalDrive.id) + " " + levelOf(logicalDrive) +
+           " " + sizeText(logicalDrive.capacityBytes);
 }
 
 std::string stateText(std::string_view reportedState) {

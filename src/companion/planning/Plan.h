@@ -163,6 +163,8 @@ struct ControllerPlanning {
     std::vector<PolicyMatch> considered;
     std::vector<Binding> bindings; ///< of entries that tell drives by what they are
     Layout before;
+    /// Hash of the layout that stands, of a plan that was read; empty: layoutHash of the facts.
+    std::string beforeHash;
     Layout after;
     std::vector<PlannedArray> arrays;
     std::vector<PlannedVolume> volumes;

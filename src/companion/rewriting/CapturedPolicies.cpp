@@ -143,6 +143,9 @@ class Captured {
         for (Chapter& chapter : chapters_) {
             append(result.findings, std::move(chapter.findings));
         }
+        if (hasNoPolicy()) {
+            result.findings.push_back(noPolicyFinding());
+        }
         result.comesBack = std::none_of(result.findings.begin(), result.findings.end(), isLoss);
         return result;
     }
@@ -199,6 +202,21 @@ class Captured {
         }
     }
 
+    [[nodiscard]] bool hasNoPolicy() const {
+        return std::all_of(chapters_.begin(), chapters_.end(),
+                           [](const Chapter& chapter) { return chapter.policy.empty(); });
+    }
+
+    /// A machine without controllers is told elsewhere.
+    [[nodiscard]] Finding noPolicyFinding() const {
+        Finding finding;
+        finding.code = "ZC119";
+        finding.severity = chapters_.empty() ? Severity::note : Severity::warning;
+        finding.summary = "no policy is in the file: zolex and zolexctl check refuse it";
+        finding.help = {"make the arrays first, or write policies by hand: man zolex-policies"};
+        return finding;
+    }
+
     [[nodiscard]] std::string text() const {
         const LocalTime& time = options_.time;
         const CString when = formatText("%04d-%02d-%02d %02d:%02d", time.year, time.month, time.day,
@@ -206,8 +224,11 @@ class Captured {
         std::string text =
             commentLines("", "Written by zolexctl " + options_.version + " on " + when.c_str() +
                                  " from " + machineLine(snapshot_.machine) + ".");
-        text += commentLines("", "Deploying it makes these arrays anew: what is on the drives is "
-                                 "lost.");
+        text +=
+            commentLines("", hasNoPolicy() ? "No policy is in this file: zolex and zolexctl check "
+                                             "refuse it [ZC119]."
+                                           : "Deploying it makes these arrays anew: what is on the "
+                                             "drives is lost.");
         if (chapters_.empty()) {
             text += commentLines("", "There is no controller.");
         }

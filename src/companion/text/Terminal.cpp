@@ -3,7 +3,9 @@
 #include "companion/text/Utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace zolex::companion {
 
@@ -33,6 +35,39 @@ constexpr std::string_view colourOf(Emphasis emphasis) {
 /// Whether every byte is a printable character of ASCII. Nearly all texts are.
 bool isPlain(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < '\x7F'; });
+}
+
+/// Characters that are not seen and change how those around them are: U+0080 to U+009F steer
+/// terminals, others turn the direction of the text, end its line or join words.
+struct CodeRange {
+    std::uint32_t first;
+    std::uint32_t last;
+};
+constexpr std::array<CodeRange, 9> unseenCharacters{{{0x80, 0x9F},
+                                                     {0x61C, 0x61C},
+                                                     {0x180E, 0x180E},
+                                                     {0x200B, 0x200F},
+                                                     {0x2028, 0x202E},
+                                                     {0x2060, 0x206F},
+                                                     {0xFEFF, 0xFEFF},
+                                                     {0xFFF9, 0xFFFB},
+                                                     {0xE0000, 0xE007F}}};
+
+/// The number of a character of two bytes or more.
+std::uint32_t codeOf(std::string_view character) {
+    std::uint32_t code =
+        static_cast<unsigned char>(character[0]) & (0xFFU >> (character.size() + 1));
+    for (const char byte : character.substr(1)) {
+        code = (code << 6U) | (static_cast<unsigned char>(byte) & 0x3FU);
+    }
+    return code;
+}
+
+bool isUnseen(std::string_view character) {
+    const std::uint32_t code = codeOf(character);
+    return std::any_of(
+        unseenCharacters.begin(), unseenCharacters.end(),
+        [code](const CodeRange& range) { return code >= range.first && code <= range.last; });
 }
 
 } // namespace
@@ -73,10 +108,7 @@ std::string printable(std::string_view text) {
         const std::size_t length = characterLength(text);
         const auto first = static_cast<unsigned char>(text[0]);
         const bool isControl = length == 1 && (first < 0x20 || first == 0x7F);
-        // U+0080 to U+009F steer terminals too.
-        const bool isHighControl =
-            length == 2 && first == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0;
-        if (length == 0 || isControl || isHighControl) {
+        if (length == 0 || isControl || (length > 1 && isUnseen(text.substr(0, length)))) {
             result += '?';
         } else {
             result += text.substr(0, length);

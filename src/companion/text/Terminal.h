@@ -23,8 +23,9 @@ enum class Emphasis { plain, bold, dim, heading, good, bad, warning, changed };
 /// Number of columns that UTF-8 text takes; a byte that is not UTF-8 takes one. Colours take none.
 [[nodiscard]] std::size_t columnsOf(std::string_view text);
 
-/// The text with what is no printable character (control characters, escapes) as "?", so that no
-/// listing or file can steer a terminal. Bytes above 0x7F stay when they are valid UTF-8.
+/// The text with what is no printable character (control characters, escapes, what turns the
+/// direction of a text or ends its line) as "?", so that no listing or file can steer a terminal or
+/// show what it does not hold. Other characters above 0x7F stay when they are valid UTF-8.
 [[nodiscard]] std::string printable(std::string_view text);
 
 } // namespace zolex::companion

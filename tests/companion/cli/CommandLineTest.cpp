@@ -116,6 +116,80 @@ TEST(CommandLine, ReadsTheOptionsOfCheck) {
     EXPECT_TRUE(request.check.fix);
 }
 
+TEST(CommandLine, ReadsTheOptionsOfPlan) {
+    const Request request = requestOf(
+        {"plan",      "site.ini",    "--exit-code",  "--strategy", "add",         "--no-rehearsal",
+         "--accept",  "zx701,ZX703", "--timings",    "a.zrec",     "--accept",    "ZX501",
+         "--timings", "b.zrec",      "--controller", "2",          "--recording", "c.zrec",
+         "--format",  "json",        "-o",           "Plan.HTML"});
+    EXPECT_EQ(request.command, Command::plan);
+    EXPECT_EQ(request.plan.file, "site.ini");
+    EXPECT_FALSE(request.plan.classDefaults);
+    EXPECT_TRUE(request.plan.exitCode);
+    EXPECT_EQ(request.plan.strategy, StrategyWish::add);
+    EXPECT_FALSE(request.plan.rehearse);
+    EXPECT_EQ(request.plan.accept, (Words{"ZX701", "ZX703", "ZX501"}));
+    EXPECT_EQ(request.plan.timings, (Words{"a.zrec", "b.zrec"}));
+    EXPECT_EQ(request.machine.controllers, std::vector<std::int32_t>{2});
+    EXPECT_EQ(request.machine.recording, "c.zrec");
+    // The file goes by its ending, standard output by --format.
+    EXPECT_EQ(request.format, Format::json);
+    EXPECT_EQ(request.plan.savedFile, "Plan.HTML");
+    EXPECT_EQ(request.plan.savedFormat, Format::html);
+    EXPECT_EQ(request.outputFile, "");
+}
+
+TEST(CommandLine, HasUsualValuesOfPlanAndDiff) {
+    const Request plan = requestOf({"plan", "-"});
+    EXPECT_EQ(plan.plan.file, "-");
+    EXPECT_FALSE(plan.plan.exitCode);
+    EXPECT_EQ(plan.plan.strategy, StrategyWish::automatic);
+    EXPECT_TRUE(plan.plan.rehearse);
+    EXPECT_EQ(plan.plan.savedFile, "");
+    EXPECT_EQ(requestOf({"plan", "a.ini", "-o", "-"}).plan.savedFile, "");
+    EXPECT_TRUE(requestOf({"plan", "--default"}).plan.classDefaults);
+    EXPECT_EQ(requestOf({"plan", "a", "--strategy", "rebuild"}).plan.strategy,
+              StrategyWish::rebuild);
+    EXPECT_EQ(requestOf({"plan", "a", "-o", "p.svg"}).plan.savedFormat, Format::svg);
+    EXPECT_EQ(requestOf({"plan", "a", "-o", "p.json"}).plan.savedFormat, Format::json);
+    EXPECT_EQ(requestOf({"plan", "a", "-o", "p.txt"}).plan.savedFormat, Format::text);
+    const Request diff = requestOf({"diff", "plan.json", "--strict", "-o", "d.out"});
+    EXPECT_EQ(diff.command, Command::diff);
+    EXPECT_EQ(diff.diff.file, "plan.json");
+    EXPECT_TRUE(diff.diff.strict);
+    EXPECT_EQ(diff.outputFile, "d.out");
+    EXPECT_FALSE(requestOf({"diff", "site.ini"}).diff.strict);
+}
+
+TEST(CommandLine, SaysWhatIsWrongWithPlanAndDiff) {
+    EXPECT_EQ(faultOf({"plan"}), "plan needs a policies file, or --default\nzolexctl plan --help");
+    EXPECT_EQ(faultOf({"plan", "a.ini", "--default"}),
+              "--default plans without policies, not by \"a.ini\"\nleave one of them out");
+    EXPECT_EQ(faultOf({"plan", "a", "b"}),
+              "plan does not take \"b\" besides \"a\"\nzolexctl plan --help");
+    for (const char* const name : {"plan.xml", "plan", ".json", "a.json/b", "plan.json.bak"}) {
+        EXPECT_EQ(faultOf({"plan", "a", "-o", name}),
+                  "-o: \"" + std::string(name) +
+                      "\" ends with none of .json, .svg, .html, .txt\n"
+                      "zolexctl plan site.ini -o plan.json");
+    }
+    EXPECT_EQ(faultOf({"plan", "a", "--strategy", "clear"}),
+              "--strategy: \"clear\" is none of auto, add and rebuild\nzolexctl plan --help");
+    for (const char* const id : {"ZX9999", "701", "exit-4", "", "ZX"}) {
+        EXPECT_EQ(faultOf({"plan", "a", "--accept", id}),
+                  "--accept: there is no finding \"" + std::string(id) +
+                      "\"; they are such as ZX701\nzolexctl plan --help");
+    }
+    EXPECT_EQ(faultOf({"plan", "a", "--strict"}),
+              "plan does not take --strict\nzolexctl plan --help");
+    EXPECT_EQ(faultOf({"plan", "a", "--format", "sarif"}),
+              "--format: \"sarif\" is no format of plan\n"
+              "plan can write text, json, svg, html");
+    EXPECT_EQ(faultOf({"diff"}), "diff needs a policies file or a plan\nzolexctl diff --help");
+    EXPECT_EQ(faultOf({"diff", "a", "--accept", "ZX701"}),
+              "diff does not take --accept\nzolexctl diff --help");
+}
+
 TEST(CommandLine, ReadsRecordReplayAndExplain) {
     EXPECT_TRUE(requestOf({"record", "--redact", "-oa.zrec"}).record.redact);
     EXPECT_EQ(requestOf({"record", "-oa.zrec"}).outputFile, "a.zrec");

@@ -15,6 +15,8 @@ TEST(Help, OfTheProgramNamesTheCommands) {
               "it does changes anything on a server.\n"
               "\n"
               "commands:\n"
+              "  plan     what would be done, and why\n"
+              "  diff     this server against policies or a plan\n"
               "  show     what is in this server\n"
               "  check    every fault of a policies file\n"
               "  doctor   are the utilities there, are they read\n"

@@ -522,13 +522,38 @@ TEST_F(CheckTest, TellsOfRecordingsThatCannotBeRead) {
     options.files = {"p.ini"};
     options.machines = {"none.zrec"};
     EXPECT_EQ(run(options), 2);
-    EXPECT_EQ(output(), "");
-    EXPECT_EQ(error().substr(0, 18), "error: none.zrec: ");
+    EXPECT_EQ(output(),
+              "none.zrec: error: the file cannot be opened: there is no such file or folder\n"
+              "           [ZR100]\n"
+              "   help: record the machine again: zolexctl record -o FILE.zrec\n"
+              "\n"
+              "1 error in 1 file (1 policy). zolexctl explain ZR100 tells more.\n");
+    EXPECT_EQ(error(), "");
     context.format = Format::json;
     EXPECT_EQ(run(options), 2);
     const std::string document = output();
     test::keepDocument("check-without-machine", document);
-    EXPECT_NE(document.find("\"the recordings of --machine cannot be read\""), std::string::npos);
+    EXPECT_NE(document.find("\"filename\": \"none.zrec\""), std::string::npos) << document;
+}
+
+TEST_F(CheckTest, GoesOnWithTheOtherRecordingsOfAFolder) {
+    test::layOut(folder);
+    test::Server server("single");
+    ASSERT_EQ(test::runRecord(server, "a.zrec").exitCode, 0);
+    folder.write("p.ini", "[Policy.web]\nAppliesTo.1 = c:2\n");
+    folder.write("fleet/a.zrec", "no recording\n");
+    folder.write("fleet/b.zrec", read("a.zrec"));
+    context.format = Format::concise;
+    CheckOptions options;
+    options.files = {"p.ini"};
+    options.machines = {"fleet"};
+    EXPECT_EQ(run(options), 2);
+    EXPECT_EQ(output(),
+              "fleet/a.zrec:1:2: error: this is no recording: this is no JSON object: syntax error "
+              "while parsing value - invalid literal [ZR101]\n"
+              "p.ini:1:1: warning: controller 1 of KQ10Z7V: no policy fits (LSI-MegaRAID-8480, 8 "
+              "drives) [ZX707]\n");
+    EXPECT_EQ(error(), "");
 }
 
 TEST_F(CheckTest, EndsWith2WhenARecordingDoesNotShowAController) {

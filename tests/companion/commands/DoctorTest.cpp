@@ -325,6 +325,24 @@ TEST(Doctor, AnErrorInThePlaceOfAListingIsNotCalledRead) {
         << examined.output;
 }
 
+TEST(Doctor, AServerWithErrorsForAllListingsHasNoListingInEachRow) {
+    SimulatedPlatform platform("single");
+    platform.respond = [&platform](const std::string& line) {
+        return line.find("MEGACLI -") == std::string::npos ||
+                       line.find("NO-SUCH") != std::string::npos
+                   ? platform.play(line)
+                   : SimulatedPlatform::ended(0, "Failed to get data.\n\nExit Code: 0x01\n");
+    };
+    const Examined examined = runWrapped(platform);
+    EXPECT_EQ(examined.code, exit_code::found);
+    EXPECT_NE(withoutTimes(examined.output)
+                  .find("  -LdPdInfo     FAIL    N ms no listing\n"
+                        "  -pdList       FAIL    N ms no listing\n"
+                        "  -adpallinfo   FAIL    N ms no listing\n"),
+              std::string::npos)
+        << examined.output;
+}
+
 /// Lines that nobody knows are counted, and listed when more is asked for.
 TEST(Doctor, KeysThatAreNotKnownAreCounted) {
     SimulatedPlatform platform("single");

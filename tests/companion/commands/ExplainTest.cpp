@@ -68,16 +68,32 @@ TEST(Explain, AnExitCodeOfZolex) {
 
 TEST(Explain, AnExitCodeOfZolexctl) {
     EXPECT_EQ(explained("EXIT-2").output,
-              "exit-2  it could not be told\n"
+              "exit-2  it could not be told, or the plan cannot be carried out\n"
               "  exit code of zolexctl\n"
               "\n"
               "What it means for a server\n"
-              "  A bad option, a file that cannot be read, a utility that failed. Nothing was\n"
-              "  changed, and no output file was replaced.\n"
+              "  A bad option, a file that cannot be read, a utility that failed, or a plan\n"
+              "  with an error. Nothing was changed, and no output file was replaced.\n"
               "\n"
               "What to do\n"
               "  The line that begins with \"error:\" says what, the one behind it what to do.\n");
     EXPECT_EQ(explained("exit-4").exitCode, 0);
+}
+
+TEST(Explain, ACodeOfARecordingAndOneOfCapturedPolicies) {
+    EXPECT_EQ(explained("zr107").output,
+              "ZR107  the last line of a recording was cut\n"
+              "  usually a note\n"
+              "\n"
+              "What it means for a server\n"
+              "  It is left out; the lines before it can be used.\n"
+              "\n"
+              "What to do\n"
+              "  record again when something is missing: zolexctl record -o FILE.zrec\n");
+    for (const std::string& code :
+         {std::string("ZC101"), std::string("ZC119"), std::string("ZR100"), std::string("ZR109")}) {
+        EXPECT_EQ(explained(code).exitCode, 0) << code;
+    }
 }
 
 TEST(Explain, AnUnknownCodeIsAnErrorThatNamesTheNearest) {

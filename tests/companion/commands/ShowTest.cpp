@@ -92,7 +92,8 @@ TEST(Show, TellsThatAFailedDriveHasNoNumber) {
               std::string::npos)
         << shown.output;
     EXPECT_NE(
-        shown.output.find("  ! 32:2 (Failed) has no number in policies: drive 3 is 32:3 now\n"),
+        shown.output.find("  ! 32:2 (Failed, serial 3LQ2A002) has no number in policies: drive 3 "
+                          "is 32:3\n    now\n"),
         std::string::npos)
         << shown.output;
     EXPECT_NE(shown.output.find("  x  32:2                 failed, serial 3LQ2A002\n"),
@@ -179,6 +180,46 @@ TEST(Show, AUtilityThatFailsIsToldBesideWhatCouldBeRead) {
     keepDocument("machine-with-a-failed-utility", json.output);
     keepDocument("machine-with-a-failed-utility.svg", run(platform, Format::svg).output);
     keepDocument("machine-with-a-failed-utility.html", run(platform, Format::html).output);
+}
+
+TEST(Show, AProgramThatCannotBeStartedIsNamed) {
+    SimulatedPlatform platform("single");
+    MachineOptions machine;
+    machine.utilities = {{"MEGACLI", "/nowhere/MegaCli64"}};
+    platform.respond = [&platform](const std::string& line) {
+        return line.find("nowhere") == std::string::npos ? platform.play(line) : ChildResult();
+    };
+    const Shown shown = run(platform, Format::text, machine);
+    EXPECT_EQ(shown.code, exit_code::notPossible);
+    EXPECT_EQ(shown.error,
+              "error: controller 1: UTIL.BAT MEGACLI -LdPdInfo -a0 cannot be started: the program "
+              "is /nowhere/MegaCli64\n"
+              "  help: name the right program: zolexctl --utility "
+              "MEGACLI=/path/MegaCli64 doctor\n");
+}
+
+TEST(Show, AUtilityThatIsNowhereCanBeNamed) {
+    SimulatedPlatform platform("arcconf");
+    Context context{platform, {}, Format::text, "", {}, {}, false, false, {"show"}};
+    EXPECT_EQ(show(context, {}), exit_code::notPossible);
+    EXPECT_EQ(platform.consoleFake.error,
+              "error: controller 1: ARCCONF is missing\n"
+              "  help: install it, or name it: zolexctl --utility ARCCONF=/path/arcconf doctor\n");
+}
+
+TEST(Show, PoliciesOfAServerWithoutArraysAreSaidToBeNone) {
+    SimulatedPlatform platform("single");
+    const Shown shown = run(platform, Format::policies);
+    EXPECT_EQ(shown.code, exit_code::found);
+    EXPECT_EQ(shown.error,
+              "note: controller 1: it has no arrays, so that there is no policy for it [ZC101]\n"
+              "\n"
+              "warning: no policy is in the file: zolex and zolexctl check refuse it [ZC119]\n"
+              "   help: make the arrays first, or write policies by hand: man zolex-policies\n");
+    EXPECT_NE(shown.output.find("; No policy is in this file: zolex and zolexctl check refuse it "
+                                "[ZC119].\n"),
+              std::string::npos)
+        << shown.output;
 }
 
 TEST(Show, AControllerThatIsNotThereIsRefused) {

@@ -55,6 +55,10 @@ std::string stateOf(const zolex_sim::Controller& controller, const zolex_sim::Dr
         return "member";
     case DriveStatus::rebuild:
         return utility == "HYPERWIN" ? "member" : "rebuilding";
+    case DriveStatus::jbod:
+        return "jbod";
+    case DriveStatus::missing:
+        break; // is not listed
     }
     return "?";
 }

@@ -24,10 +24,10 @@ Logical_Mode = CUSTOM
 Logical.1 = A:FILL:1:ON
 Logical.2 = B:FILL:5:ON
 )"),
-        R"(5:11 error ZX701: controller 1 of KQ10Z7V: drive 3 is 32:3 now, as 32:2 (Failed) has no number
+        R"(5:11 error ZX701: controller 1 of KQ10Z7V: drive 3 is 32:3 now, as 32:2 (Failed, serial ZS000002) has no number
   help: each number from 3 on names the next drive
   help: replace 32:2 first, or write channel:id
-6:13 error ZX701: controller 1 of KQ10Z7V: drive 8 is 32:8 now, as 32:2 (Failed) has no number
+6:13 error ZX701: controller 1 of KQ10Z7V: drive 8 is 32:8 now, as 32:2 (Failed, serial ZS000002) has no number
   help: each number from 3 on names the next drive
   help: replace 32:2 first, or write channel:id
 )");
@@ -80,9 +80,9 @@ Hotspares = 4
 Logical_Mode = CUSTOM
 Logical.1 = A:FILL:5:ON
 )"),
-        R"(4:15 error utility ZX702: controller 1 of KQ10Z7V: 32:2 is Unconfigured(bad), and goes into Array.A
+        R"(4:15 error utility ZX702: controller 1 of KQ10Z7V: 32:2 (serial ZS000002) is Unconfigured(bad), and goes into Array.A
   help: replace 32:2, or take it out of the list
-5:13 error utility ZX702: controller 1 of KQ10Z7V: 32:3 is Unconfigured(bad), and goes into the hot spares
+5:13 error utility ZX702: controller 1 of KQ10Z7V: 32:3 (serial ZS000003) is Unconfigured(bad), and goes into the hot spares
   help: replace 32:3, or take it out of the list
 )");
 }
@@ -465,11 +465,11 @@ Logical_Mode = CUSTOM
 Logical.1 = A:FILL:1:ON
 Logical.2 = B:FILL:5:ON
 )"),
-        R"(5:17 error ZX701: controller 1 of KQ10Z7V: drive 6 is 32:6 now, as 32:5 (Failed) has no number
+        R"(5:17 error ZX701: controller 1 of KQ10Z7V: drive 6 is 32:6 now, as 32:5 (Failed, serial ZS000005) has no number
   help: each number from 6 on names the next drive
   help: replace 32:5 first, or write channel:id
 6:13 error plan ZX304: controller 1 of KQ10Z7V: there is no drive 8 among 7
-  help: 32:5 (Failed) has no number
+  help: 32:5 (Failed, serial ZS000005) has no number
 )");
 }
 

@@ -381,8 +381,10 @@ TEST(Capture, AFailedDriveShiftsTheNumbersBehindIt) {
     EXPECT_EQ(drivesOf(controller),
               (Texts{"1 32:0 Unconfigured(good)", "2 32:1 Unconfigured(good)",
                      "3 32:3 Unconfigured(good)", "4 32:4 Unconfigured(good)", "- 32:2 Failed"}));
-    EXPECT_EQ(texts(controller.findings),
-              Texts{"ZX701 32:2 (Failed) has no number in policies: drive 3 is 32:3 now"});
+    EXPECT_EQ(
+        texts(controller.findings),
+        Texts{
+            "ZX701 32:2 (Failed, serial ZS000002) has no number in policies: drive 3 is 32:3 now"});
     EXPECT_EQ(controller.findings[0].severity, Severity::warning);
 }
 
@@ -392,7 +394,7 @@ TEST(Capture, AFailedDriveAtTheEndShiftsNothing) {
                     {"enclosure": 32, "slot": 2, "sizeMB": 69376, "status": "failed"})"));
     const Snapshot snapshot = captureMachine(platform, {});
     EXPECT_EQ(texts(snapshot.details.at(0).findings),
-              Texts{"ZX701 32:2 (Failed) has no number in policies"});
+              Texts{"ZX701 32:2 (Failed, serial ZS000002) has no number in policies"});
 }
 
 /// Drives 1 to 4 stand in an enclosure and two others in none: zolex's command lines name the
@@ -428,9 +430,10 @@ TEST(Capture, DrivesBeyondWhatPoliciesCanNameAreTold) {
         {"enclosure": 1, "slot": 36, "sizeMB": 69376})"));
     const Snapshot snapshot = captureMachine(platform, {});
     const ControllerSnapshot& controller = snapshot.details.at(0);
-    EXPECT_EQ(texts(controller.findings),
-              (Texts{"ZX701 5:0 (Unconfigured(good)) has no number in policies",
-                     "ZX701 1:36 (Unconfigured(good)) has no number in policies"}));
+    EXPECT_EQ(
+        texts(controller.findings),
+        (Texts{"ZX701 5:0 (Unconfigured(good), serial ZS000004) has no number in policies",
+               "ZX701 1:36 (Unconfigured(good), serial ZS000005) has no number in policies"}));
     EXPECT_EQ(controller.findings.at(0).detail,
               "policies can name drives of 4 enclosures or channels, with numbers up to 35");
     EXPECT_EQ(controller.drives.size(), 6U);

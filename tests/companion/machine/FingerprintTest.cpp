@@ -1,6 +1,7 @@
 #include "companion/machine/Fingerprint.h"
 
 #include "companion/machine/Capture.h"
+#include "companion/machine/Sha256.h"
 #include "companion/support/SimulatedPlatform.h"
 
 #include <gtest/gtest.h>
@@ -115,6 +116,14 @@ TEST(Fingerprint, TheOrderOfTheListingsDoesNotCount) {
     Snapshot other = one;
     std::swap(other.details[0].drives[1], other.details[0].drives[4]);
     EXPECT_EQ(fingerprintOf(one).state, fingerprintOf(other).state);
+}
+
+TEST(Fingerprint, TheHashOfALayoutIsThatOfItsNormalForm) {
+    EXPECT_EQ(layoutHash(Facts()),
+              "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+    Facts facts;
+    facts.foreignConfigurations = {"one"};
+    EXPECT_EQ(layoutHash(facts), sha256("foreign configuration one\n"));
 }
 
 TEST(Fingerprint, StrengthIsThatOfTheSerialNumbersThatAreTold) {

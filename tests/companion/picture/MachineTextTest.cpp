@@ -77,15 +77,15 @@ Controller 1  LSI MegaRAID SAS 8480E (LSI-MegaRAID-8480)
               strip 8-1024 KB,
               rebuild rate 30 %
   Enclosure 32
-    no  location     size  drive          state         in
-     1  32:0      67.8 GB  NV73455S A000  Online        A
-     2  32:1      67.8 GB  NV73455S A001  Online        A
-     -  32:2      67.8 GB  NV73455S A002  Failed        -
-     3  32:3      67.8 GB  NV73455S A003  Online        B
-     4  32:4      67.8 GB  NV73455S A004  Online        B
-     5  32:5      67.8 GB  NV73455S A005  Online        B
-     6  32:6      67.8 GB  NV73455S A006  Hotspare      spare
-     7  32:7      67.8 GB  NV73455S A007  Unconfigu...  free
+    no  location     size  drive  in
+     1  32:0      67.8 GB  A000   A
+     2  32:1      67.8 GB  A001   A
+     -  32:2      67.8 GB  A002   -
+     3  32:3      67.8 GB  A003   B
+     4  32:4      67.8 GB  A004   B
+     5  32:5      67.8 GB  A005   B
+     6  32:6      67.8 GB  A006   spare
+     7  32:7      67.8 GB  A007   free
   ! 32:2 is failed and has no number:
     policies' drive 3 is 32:3 now
   ! 32:4 has 12 media errors, 1 predicted

@@ -464,17 +464,23 @@ TEST(Machines, OfAFolderAreReadInOrder) {
     }
     Elsewhere system;
     Context context = contextOf(system);
-    const auto machines = loadMachines(context, {"fleet", "fleet/single.ZREC"});
-    ASSERT_TRUE(machines.has_value()) << system.consoleFake.error;
-    ASSERT_EQ(3U, machines->size());
-    EXPECT_EQ("fleet/many.ZREC", machines->at(0).file);
-    EXPECT_EQ("fleet/single.ZREC", machines->at(1).file);
-    EXPECT_EQ("KQ10Z7V", machines->at(1).snapshot.machine.serialNumber.view());
-    EXPECT_EQ("fleet/single.ZREC", machines->at(2).file);
-    EXPECT_FALSE(loadMachines(context, {"fleet/", "empty"}).has_value());
-    EXPECT_EQ("error: empty: no recording (*.zrec) is in this folder\n"
-              "  help: record the machine again: zolexctl record -o FILE.zrec\n",
-              system.consoleFake.error);
+    const RecordedMachines loaded = loadMachines(context, {"fleet", "fleet/single.ZREC"});
+    const std::vector<RecordedMachine>& machines = loaded.machines;
+    EXPECT_TRUE(loaded.faults.empty());
+    ASSERT_EQ(3U, machines.size());
+    EXPECT_EQ("fleet/many.ZREC", machines.at(0).file);
+    EXPECT_EQ("fleet/single.ZREC", machines.at(1).file);
+    EXPECT_EQ("KQ10Z7V", machines.at(1).snapshot.machine.serialNumber.view());
+    EXPECT_EQ("fleet/single.ZREC", machines.at(2).file);
+    // What cannot be read is told, and the others are there.
+    folder.write("fleet/broken.zrec", "no recording\n");
+    const RecordedMachines some = loadMachines(context, {"fleet/", "empty"});
+    EXPECT_EQ(2U, some.machines.size());
+    ASSERT_EQ(2U, some.faults.size());
+    EXPECT_EQ("fleet/broken.zrec", some.faults.at(0).file);
+    EXPECT_EQ("empty", some.faults.at(1).file);
+    EXPECT_EQ("no recording (*.zrec) is in this folder", some.faults.at(1).summary);
+    EXPECT_EQ("", system.consoleFake.error);
 }
 
 // Redaction

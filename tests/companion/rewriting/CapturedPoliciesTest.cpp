@@ -122,14 +122,17 @@ TEST(CapturedPolicies, SayThatThereAreNoHotSparesAndKeepSizes) {
 
 TEST(CapturedPolicies, OfControllersWithoutArraysSayThatThereAreNone) {
     const CapturedPolicies policies = captured("two-controllers");
-    EXPECT_TRUE(policies.comesBack);
+    // No file that zolex takes: whoever keeps it must know.
+    EXPECT_FALSE(policies.comesBack);
     EXPECT_EQ(told(policies),
               "controller 1: it has no arrays, so that there is no policy for it [ZC101]\n"
-              "controller 2: it has no arrays, so that there is no policy for it [ZC101]\n");
+              "controller 2: it has no arrays, so that there is no policy for it [ZC101]\n"
+              "no policy is in the file: zolex and zolexctl check refuse it [ZC119]\n"
+              "  make the arrays first, or write policies by hand: man zolex-policies\n");
     EXPECT_EQ(policies.text,
               "; Written by zolexctl 2.20 on 2026-11-21 21:05 from machine type 7979, serial\n"
               ";  number KQ31C9A.\n"
-              "; Deploying it makes these arrays anew: what is on the drives is lost.\n"
+              "; No policy is in this file: zolex and zolexctl check refuse it [ZC119].\n"
               "\n"
               "; Controller 1: LSI-MegaRAID-8480, serial number 0000000001, PCI 0000:02:0e.0,\n"
               ";  6 drives\n"
@@ -143,7 +146,7 @@ TEST(CapturedPolicies, OfControllersWithoutArraysSayThatThereAreNone) {
 TEST(CapturedPolicies, OfNoControllerSaySo) {
     EXPECT_EQ(capturedOf({}).text,
               "; Written by zolexctl 2.20 on 2026-11-21 21:05 from a machine of unknown type.\n"
-              "; Deploying it makes these arrays anew: what is on the drives is lost.\n"
+              "; No policy is in this file: zolex and zolexctl check refuse it [ZC119].\n"
               "; There is no controller.\n");
 }
 
@@ -321,7 +324,9 @@ TEST(CapturedPolicies, TellHotSparesWithoutAnArray) {
         ""));
     EXPECT_FALSE(policies.comesBack);
     EXPECT_EQ(told(policies),
-              "controller 1: it has hot spares and no array: no policy can say that [ZC102]\n");
+              "controller 1: it has hot spares and no array: no policy can say that [ZC102]\n"
+              "no policy is in the file: zolex and zolexctl check refuse it [ZC119]\n"
+              "  make the arrays first, or write policies by hand: man zolex-policies\n");
 }
 
 /// Two controllers of one model with as many drives: without its number each policy would be for

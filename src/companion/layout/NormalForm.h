@@ -12,7 +12,5 @@ namespace zolex::companion {
 /// left out; sizes are rounded to the listing's own digits, and one that fills its group says
 /// "fill".
 [[nodiscard]] std::string normalForm(const Facts& facts);
-/// The hash of that text, as hexadecimal digits.
-[[nodiscard]] std::string layoutHash(const Facts& facts);
 
 } // namespace zolex::companion

@@ -1,0 +1,164 @@
+#include "companion/planning/Diff.h"
+#include "companion/commands/Commands.h"
+#include "companion/commands/MachineAccess.h"
+#include "companion/commands/PolicyFiles.h"
+#include "companion/json/DiffDocument.h"
+#include "companion/json/PlanDocument.h"
+#include "companion/machine/Capture.h"
+#include "companion/picture/DiffText.h"
+#include "companion/picture/PlanPicture.h"
+#include "companion/planning/Plan.h"
+#include "companion/text/Diagnostics.h"
+#include "companion/text/Timestamp.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zolex::companion {
+
+namespace {
+
+/// A plan is a document, which begins with a brace; no policies file does.
+bool isDocument(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && text[first] == '{';
+}
+
+class DiffCommand {
+  public:
+    DiffCommand(Context& context, const DiffOptions& options)
+        : context_(context), options_(options) {}
+
+    int run() {
+        const int code = diffOnce();
+        // Whoever asked for a document gets one.
+        if (!isDelivered_ && context_.format == Format::json) {
+            const std::string document = failedDiffDocument(
+                fault_ ? std::vector<Finding>{*fault_} : context_.failures, head());
+            return deliver(context_, document) ? code : exit_code::notPossible;
+        }
+        return code;
+    }
+
+  private:
+    int diffOnce() {
+        if (!readWanted()) {
+            return exit_code::notPossible;
+        }
+        try {
+            return lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
+                return look(machine, utilities);
+            });
+        } catch (const NoSuchController& missing) {
+            return failWith(context_, missing.what(), "zolexctl show lists those that there are");
+        }
+    }
+
+    /// What the machine is held against; false after a message.
+    bool readWanted() {
+        PoliciesText read = readPoliciesText(context_.platform, options_.file);
+        if (!read.fault && isDocument(read.text)) {
+            PlanReading reading = readPlanDocument(read.text, read.name);
+            if (!reading.plan) {
+                read.fault = reading.findings.front();
+            }
+            plan_ = std::move(reading.plan);
+        }
+        if (read.fault) {
+            fault_ = read.fault;
+            context_.platform.console().writeError(
+                diagnosticsText({&*fault_, 1}, {}, context_.errorStyle));
+            return false;
+        }
+        request_.policiesFile = std::move(read.name);
+        request_.policiesText = plan_ ? "" : std::move(read.text);
+        return true;
+    }
+
+    int look(Platform& machine, const Utilities& utilities) {
+        const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
+        if (snapshot.details.empty()) {
+            return failWith(context_, "no supported RAID controller was found",
+                            "zolexctl doctor tells what is there");
+        }
+        madeAt_ = timestampOf(machine.localTime());
+        MachineDiff diff =
+            plan_ ? diffOf(snapshot, *plan_) : diffOf(planMachine(snapshot, request_));
+        isDelivered_ = true;
+        if (!deliver(context_, written(diff, snapshot))) {
+            return exit_code::notPossible;
+        }
+        return judge(diff);
+    }
+
+    [[nodiscard]] std::string written(const MachineDiff& diff, const Snapshot& snapshot) const {
+        switch (context_.format) {
+        case Format::json:
+            return diffDocument(diff, head());
+        case Format::svg:
+            return diffSvg(diff, snapshot);
+        case Format::html:
+            return diffHtml(diff, snapshot, madeAt_);
+        default:
+            return context_.quiet && exitCodeOf(diff) == exit_code::done
+                       ? std::string()
+                       : diffText(diff, context_.style, context_.verbose);
+        }
+    }
+
+    int judge(const MachineDiff& diff) {
+        if (isNothingCompared(diff)) {
+            return failWith(context_, "nothing was compared: no controller has a policy",
+                            "zolexctl plan tells for each policy why it does not fit");
+        }
+        return exitCodeOf(diff);
+    }
+
+    static bool isNothingCompared(const MachineDiff& diff) {
+        return std::all_of(diff.controllers.begin(), diff.controllers.end(),
+                           [](const ControllerDiff& controller) {
+                               return controller.result == ControllerDiff::Result::skipped;
+                           });
+    }
+
+    [[nodiscard]] int exitCodeOf(const MachineDiff& diff) const {
+        using Result = ControllerDiff::Result;
+        bool isDifferent = false;
+        for (const ControllerDiff& controller : diff.controllers) {
+            if (controller.result == Result::unknown) {
+                return exit_code::notPossible;
+            }
+            isDifferent = isDifferent || controller.result == Result::different ||
+                          (options_.strict && controller.result != Result::skipped &&
+                           (controller.result == Result::equivalent ||
+                            !controller.comparison.health.empty()));
+        }
+        return isNothingCompared(diff) ? exit_code::notPossible
+               : isDifferent           ? exit_code::found
+                                       : exit_code::done;
+    }
+
+    [[nodiscard]] DocumentHead head() const {
+        return {context_.argv,
+                madeAt_.empty() ? timestampOf(context_.platform.localTime()) : madeAt_};
+    }
+
+    Context& context_;
+    const DiffOptions& options_;
+    std::optional<MachinePlan> plan_; ///< nothing: policies
+    PlanRequest request_;
+    std::optional<Finding> fault_; ///< of the policies or the plan
+    std::string madeAt_;
+    bool isDelivered_ = false;
+};
+
+} // namespace
+
+int diff(Context& context, const DiffOptions& options) {
+    return DiffCommand(context, options).run();
+}
+
+} // namespace zolex::companion

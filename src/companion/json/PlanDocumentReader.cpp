@@ -1,0 +1,441 @@
+#include "companion/json/MachinePieces.h"
+#include "companion/json/PlanDocument.h"
+#include "companion/json/PlanPieces.h"
+#include "companion/machine/ProblemCodes.h"
+#include "companion/text/OutputFile.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+namespace zolex::companion {
+
+namespace {
+
+constexpr std::string_view formatName = "zolex-plan";
+constexpr std::int32_t formatMajor = 1;
+constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
+
+/// Null: 0.
+std::int32_t readLine(const Part& part, std::string_view name) {
+    return part.numberOrNull<std::int32_t>(name, 1, mostNumber).value_or(0);
+}
+
+PlanReason readReason(const Part& part) {
+    return {part.word("code"), part.wordOrNull("keyword"), readLine(part, "line"),
+            part.textOrNull("as")};
+}
+
+// Policies
+
+EntryMatch readEntry(const Part& part) {
+    EntryMatch entry;
+    entry.keyword = part.word("keyword");
+    entry.line = readLine(part, "line");
+    entry.matched = part.truth("matched");
+    for (const Part& each : part.objects("specifiers", mostPlanLines)) {
+        entry.specifiers.push_back(
+            {each.text("specifier"), each.truth("holds"), each.text("actual")});
+    }
+    return entry;
+}
+
+void readPolicy(const Part& controller, ControllerPlanning& planning) {
+    const Part part = controller.object("policy");
+    planning.policy = part.textOrNull("name");
+    planning.policyLine = readLine(part, "line");
+    planning.matchedBy = part.wordOrNull("matched_by");
+    for (const Part& each : part.objects("considered", mostPlanLines)) {
+        PolicyMatch policy;
+        policy.name = each.text("name");
+        policy.line = readLine(each, "line");
+        if (!each.isNull("matched")) {
+            policy.matched = each.truth("matched");
+        }
+        for (const Part& entry : each.objects("entries", mostPlanLines)) {
+            policy.entries.push_back(readEntry(entry));
+        }
+        planning.considered.push_back(std::move(policy));
+    }
+}
+
+Binding readBinding(const Part& part) {
+    Binding binding;
+    binding.keyword = part.word("keyword");
+    binding.line = readLine(part, "line");
+    binding.value = part.text("value");
+    binding.becomes = part.textOrNull("becomes");
+    for (const Part& each : part.objects("drives", mostPlanDrives)) {
+        binding.drives.push_back(
+            {each.word("location"), each.word("code"), each.textOrNull("why")});
+    }
+    binding.why = part.textOrNull("why");
+    return binding;
+}
+
+// What is wanted
+
+PlannedArray readArray(const Part& part) {
+    PlannedArray array;
+    array.id = part.word("id");
+    array.capacityBytes = part.number<std::uint64_t>("capacity_bytes");
+    for (const Part& each : part.objects("drives", mostPlanDrives)) {
+        array.drives.push_back({each.word("location"), readReason(each.object("reason"))});
+    }
+    return array;
+}
+
+PlannedVolume readVolume(const Part& part) {
+    constexpr std::size_t mostReasons = 64;
+    PlannedVolume volume;
+    volume.id = part.word("id");
+    volume.array = part.word("array");
+    volume.raidType = part.wordOrNull("raid_type");
+    const Part size = part.object("size");
+    volume.sizePolicy = size.textOrNull("policy");
+    volume.fills = size.truth("fills");
+    volume.capacityBytes = part.number<std::uint64_t>("capacity_bytes");
+    volume.toleranceBytes = part.number<std::uint64_t>("capacity_tolerance_bytes");
+    volume.stripSizeBytes = part.numberOrNull<std::uint64_t>("strip_size_bytes");
+    volume.writeCache = part.wordOrNull("write_cache_policy");
+    volume.readCache = part.wordOrNull("read_cache_policy");
+    const Part reasons = part.object("reasons");
+    for (const std::string& attribute : reasons.names(mostReasons)) {
+        volume.reasons[attribute] = readReason(reasons.object(attribute));
+    }
+    return volume;
+}
+
+void readAfter(const Part& controller, ControllerPlanning& planning) {
+    if (controller.isNull("after")) {
+        return;
+    }
+    const Part part = controller.object("after");
+    planning.rebuildRate = part.wordOrNull("rebuild_rate");
+    planning.initializeType = part.wordOrNull("initialize_type");
+    for (const Part& each : part.objects("arrays", mostPlanDrives)) {
+        planning.arrays.push_back(readArray(each));
+    }
+    for (const Part& each : part.objects("logical_drives", mostPlanDrives)) {
+        planning.volumes.push_back(readVolume(each));
+    }
+    for (const Part& each : part.objects("hotspares", mostPlanDrives)) {
+        planning.spares.push_back({each.word("location"), each.words("covers", mostPlanDrives),
+                                   readReason(each.object("reason"))});
+    }
+}
+
+// The controller
+
+void readBefore(const Part& controller, ControllerPlanning& planning) {
+    if (controller.isNull("before")) {
+        if (!planning.controller.failed) {
+            controller.fail("before", "is null");
+        }
+        return;
+    }
+    if (planning.controller.failed) {
+        controller.fail("before", "stands at a controller that was not captured");
+    }
+    const Part part = controller.object("before");
+    planning.before = readLayout(part);
+    planning.beforeHash = part.hash("layout_sha256");
+}
+
+void readStrategy(const Part& controller, ControllerPlanning& planning) {
+    constexpr std::array strategies{Strategy::none, Strategy::add, Strategy::rebuild};
+    const Part part = controller.object("strategy");
+    planning.strategy = part.oneOf<Strategy>("name", strategies, strategyWord);
+    for (const Part& each : part.objects("because", mostPlanLines)) {
+        planning.strategyBecause.push_back({each.word("code"), each.textOrNull("text"),
+                                            each.wordOrNull("logical_drive"),
+                                            each.words("drives", mostPlanDrives)});
+    }
+}
+
+ControllerPlanning readPlanning(const Part& part) {
+    constexpr std::array dispositions{Disposition::planned, Disposition::already,
+                                      Disposition::skipped, Disposition::refused};
+    ControllerPlanning planning;
+    planning.controller = readPlanController(part);
+    planning.disposition = part.oneOf<Disposition>("outcome", dispositions, dispositionWord);
+    planning.because = part.textOrNull("outcome_reason");
+    readPolicy(part, planning);
+    for (const Part& each : part.objects("bindings", mostPlanLines)) {
+        planning.bindings.push_back(readBinding(each));
+    }
+    readBefore(part, planning);
+    readAfter(part, planning);
+    if (!part.isNull("comparison")) {
+        planning.comparison = readComparison(part.object("comparison"));
+    }
+    readStrategy(part, planning);
+    planning.oldDifferences = part.object("old_command").texts("differences", mostPlanLines);
+    planning.warnings = readDiagnostics(part, "warnings");
+    planning.diagnostics = readDiagnostics(part, "diagnostics");
+    checkPlanning(planning, part);
+    addStandingLayout(planning.before, planning.controller);
+    planning.after = layoutOf(planning);
+    return planning;
+}
+
+// The whole plan
+
+Loss readLoss(const Part& part) {
+    Loss loss;
+    loss.controller = part.number<std::int32_t>("controller", 1, mostNumber);
+    loss.kind = part.word("kind");
+    loss.id = part.word("id");
+    loss.raidType = part.wordOrNull("raid_type");
+    loss.drives = part.words("drives", mostPlanDrives);
+    loss.capacityBytes = part.number<std::uint64_t>("capacity_bytes");
+    loss.status = part.textOrNull("status");
+    return loss;
+}
+
+PlanStep readStep(const Part& part) {
+    constexpr std::int64_t mostExitCode = 255;
+    constexpr std::int64_t mostPause = 3600;
+    constexpr std::size_t mostArgumentBytes = 32767;
+    PlanStep step;
+    step.step = part.number<std::int32_t>("step", 1, mostNumber);
+    step.controller = part.number<std::int32_t>("controller", 1, mostNumber);
+    step.action = part.word("action");
+    const std::vector<std::string> actions = part.words("actions", 2);
+    step.deletes = std::find(actions.begin(), actions.end(), "delete") != actions.end();
+    step.creates = part.words("creates", mostPlanDrives);
+    step.destroys = part.words("destroys", mostPlanDrives);
+    step.summary = part.textOrNull("summary");
+    step.command = part.word("command", mostArgumentBytes);
+    step.argv = part.words("argv", mostPlanArguments, mostArgumentBytes);
+    step.acceptedExitCodes = part.numbers("accepted_exit_codes", mostExitCode + 1, 0, mostExitCode);
+    step.pauseBeforeSeconds = part.number<std::int32_t>("pause_before_seconds", 0, mostPause);
+    step.isRepeatable = part.truth("repeatable");
+    step.differsFromZolex = part.textOrNull("differs_from_zolex");
+    step.expectedAfter = part.object("expected_after").hashOrNull("layout_sha256");
+    std::size_t size = 0;
+    for (const std::string& argument : step.argv) {
+        size += argument.size() + 1;
+    }
+    if (step.argv.empty() || step.argv.front().empty()) {
+        part.fail("argv", "names no program");
+    }
+    if (size > mostArgumentBytes) {
+        part.fail("argv", "is longer than " + std::to_string(mostArgumentBytes) + " bytes");
+    }
+    return step;
+}
+
+Rehearsal readRehearsal(const Part& document) {
+    constexpr std::size_t hashDigits = 64;
+    const Part part = document.object("rehearsal");
+    Rehearsal rehearsal;
+    rehearsal.done = part.truth("done");
+    rehearsal.endsAsPlanned = part.truth("ends_as_planned");
+    rehearsal.durationMs = part.number("duration_ms");
+    rehearsal.faultsTried = part.number<std::int32_t>("faults_tried", 0, mostNumber);
+    rehearsal.resumesAsPlanned = part.number<std::int32_t>("resumes_as_planned", 0, mostNumber);
+    rehearsal.notDoneBecause = part.texts("not_done_because", mostPlanLines);
+    const Part layouts = part.object("layouts");
+    for (const std::string& hash : layouts.names(mostPlanSteps)) {
+        if (!isHexadecimal(hash, hashDigits)) {
+            layouts.fail("has a name that is no hash of 64 hexadecimal digits");
+        }
+        rehearsal.layouts[hash] = layouts.texts(hash, mostPlanLines);
+    }
+    return rehearsal;
+}
+
+ControllerPlanning& controllerOf(MachinePlan& plan, std::int32_t number, const Part& part) {
+    const auto found = std::find_if(
+        plan.controllers.begin(), plan.controllers.end(),
+        [&](const ControllerPlanning& each) { return each.controller.number == number; });
+    if (found == plan.controllers.end()) {
+        part.fail("controller", std::to_string(number) + " is none of the plan's controllers");
+    }
+    return *found;
+}
+
+void readSteps(const Part& document, MachinePlan& plan) {
+    const Part destroys = document.object("destroys");
+    plan.consent = destroys.wordOrNull("consent");
+    for (const Part& each : destroys.objects("items", mostPlanLines)) {
+        Loss loss = readLoss(each);
+        controllerOf(plan, loss.controller, each).losses.push_back(std::move(loss));
+    }
+    const bool hasSteps = document.has("steps");
+    if (hasSteps != plan.isApplicable()) {
+        document.fail("steps", hasSteps ? "stand in a plan that has faults" : "is missing");
+    }
+    if (hasSteps) {
+        for (const Part& each : document.objects("steps", mostPlanSteps)) {
+            PlanStep step = readStep(each);
+            controllerOf(plan, step.controller, each).steps.push_back(std::move(step));
+        }
+    }
+}
+
+void readPolicies(const Part& document, MachinePlan& plan) {
+    const Part policies = document.object("policies");
+    plan.policiesFile = policies.textOrNull("file");
+    plan.policiesHash = policies.hashOrNull("sha256");
+    plan.policiesCount = policies.number<std::size_t>("count");
+    plan.policiesFindings = readDiagnostics(policies, "diagnostics");
+}
+
+void readId(const Part& document, MachinePlan& plan) {
+    constexpr std::string_view name = "plan_id";
+    constexpr std::string_view prefix = "p-";
+    constexpr std::size_t digits = 12;
+    plan.id = document.wordOrNull(name);
+    const bool isId =
+        plan.id.starts_with(prefix) && isHexadecimal(plan.id.substr(prefix.size()), digits);
+    if (!isId && !document.isNull(name)) {
+        document.fail(name, "is not \"p-\" and twelve hexadecimal digits");
+    }
+}
+
+/// Throws for what is no plan, and for a version of which this program knows nothing.
+void checkFormat(const Part& document) {
+    const std::string format =
+        document.json().is_object() && document.has("format") ? document.text("format") : "";
+    if (format != formatName) {
+        throw DocumentFault{DocumentFault::Kind::otherDocument,
+                            format.starts_with("zolex-")
+                                ? "this is no plan but a document of the format " + format
+                                : "this is no plan: \"format\" is not \"" +
+                                      std::string(formatName) + "\""};
+    }
+    const std::string version = document.word("format_version");
+    std::int32_t major = 0;
+    std::int32_t minor = 0;
+    const char* const end = version.data() + version.size();
+    auto read = std::from_chars(version.data(), end, major);
+    bool isVersion = read.ec == std::errc() && read.ptr != end && *read.ptr == '.';
+    if (isVersion) {
+        read = std::from_chars(read.ptr + 1, end, minor);
+        isVersion = read.ec == std::errc() && read.ptr == end && major >= 0 && minor >= 0;
+    }
+    if (!isVersion) {
+        document.fail("format_version", "is no version such as \"1.0\"");
+    }
+    if (major != formatMajor) {
+        throw DocumentFault{DocumentFault::Kind::otherVersion,
+                            "this plan has format version " + version +
+                                ", of which this program knows nothing: it reads version " +
+                                std::to_string(formatMajor)};
+    }
+}
+
+void readDocument(const Part& document, PlanReading& reading) {
+    checkFormat(document);
+    reading.head.argv = document.object("tool").texts("argv", mostPlanLines);
+    reading.head.madeAt = document.word("made_at");
+    MachinePlan plan;
+    readId(document, plan);
+    if (!document.isNull("fingerprint")) {
+        plan.fingerprint = readFingerprint(document);
+    }
+    plan.machineSource = document.textOrNull("machine_source");
+    readPolicies(document, plan);
+    plan.diagnostics = readDiagnostics(document, "diagnostics");
+    for (const Part& each : document.objects("controllers", mostPlanControllers)) {
+        plan.controllers.push_back(readPlanning(each));
+    }
+    readSteps(document, plan);
+    plan.rehearsal = readRehearsal(document);
+    const Part old = document.object("old_command");
+    plan.oldCommand.wouldRun = old.texts("would_run", mostPlanLines);
+    plan.oldCommand.differences = old.texts("differences", mostPlanLines);
+    plan.accepted = document.words("accepted", mostPlanLines);
+    plan.coreMessages = document.texts("core_messages", mostPlanLines);
+    checkPlan(plan, document);
+    reading.plan = std::move(plan);
+}
+
+std::string_view codeOf(DocumentFault::Kind kind) {
+    switch (kind) {
+    case DocumentFault::Kind::notJson:
+        return problem::documentBroken;
+    case DocumentFault::Kind::tooLarge:
+        return problem::documentTooLarge;
+    case DocumentFault::Kind::otherDocument:
+        return problem::otherDocument;
+    case DocumentFault::Kind::otherVersion:
+        return problem::otherVersion;
+    case DocumentFault::Kind::wrongValue:
+        break;
+    }
+    return problem::documentWrong;
+}
+
+TextPlace placeIn(std::string_view text, std::size_t byte) {
+    const std::string_view before = text.substr(0, byte);
+    const std::size_t lineStart = before.rfind('\n') + 1; // 0 without one
+    constexpr auto most = static_cast<std::size_t>(mostNumber);
+    TextPlace place;
+    place.line = static_cast<std::int32_t>(
+        std::min<std::size_t>(std::count(before.begin(), before.end(), '\n') + 1, most));
+    place.column = static_cast<std::int32_t>(std::min(byte - lineStart + 1, most));
+    place.byte = static_cast<std::int64_t>(byte);
+    return place;
+}
+
+PlanReading notRead(std::string_view fileName, std::string_view code, std::string summary) {
+    Finding finding = problemFinding(code, std::move(summary));
+    finding.file = fileName;
+    return {std::nullopt, {}, {std::move(finding)}};
+}
+
+PlanReading tooLarge(std::string_view fileName) {
+    return notRead(fileName, problem::documentTooLarge,
+                   "the document is larger than " + std::to_string(mostPlanBytes >> 20U) + " MB");
+}
+
+} // namespace
+
+PlanReading readPlanDocument(std::string_view text, std::string_view fileName) {
+    if (text.size() > mostPlanBytes) {
+        return tooLarge(fileName);
+    }
+    PlanReading reading;
+    try {
+        const Json document = parseDocument(text);
+        readDocument(Part(document), reading);
+    } catch (const DocumentFault& fault) {
+        reading = notRead(fileName, codeOf(fault.kind), fault.text);
+        if (fault.byte) {
+            reading.findings.front().start = placeIn(text, *fault.byte);
+            reading.findings.front().end = reading.findings.front().start;
+        }
+    }
+    return reading;
+}
+
+PlanReading readPlanFile(FileSystem& files, const std::string& name) {
+    constexpr std::size_t blockSize = std::size_t{1} << 20U;
+    const std::unique_ptr<File> file = files.open(name, "r");
+    if (file == nullptr) {
+        return notRead(name, problem::documentUnreadable,
+                       "the file cannot be opened: " + lastSystemError());
+    }
+    std::string text;
+    std::size_t size = 0;
+    std::size_t got = 0;
+    do {
+        text.resize(size + blockSize);
+        got = file->read(std::span(text).subspan(size));
+        size += got;
+        if (size > mostPlanBytes) {
+            return tooLarge(name);
+        }
+    } while (got == blockSize);
+    text.resize(size);
+    if (file->failed()) {
+        return notRead(name, problem::documentUnreadable, "the file cannot be read");
+    }
+    return readPlanDocument(text, name);
+}
+
+} // namespace zolex::companion

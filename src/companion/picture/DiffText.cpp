@@ -1,0 +1,324 @@
+#include "companion/picture/DiffText.h"
+
+#include "companion/picture/Changes.h"
+#include "companion/picture/Roles.h"
+#include "companion/picture/TextLines.h"
+#include "companion/text/Diagnostics.h"
+#include "companion/text/Sizes.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zolex::companion {
+
+namespace {
+
+using Result = ControllerDiff::Result;
+
+Emphasis emphasisOf(Result result) {
+    switch (result) {
+    case Result::same:
+    case Result::equivalent:
+        return Emphasis::good;
+    case Result::different:
+        return Emphasis::changed;
+    case Result::skipped:
+        return Emphasis::warning;
+    case Result::unknown:
+        break;
+    }
+    return Emphasis::bad;
+}
+
+std::string locationsText(const std::vector<std::string>& locations) {
+    std::string text;
+    for (const std::string& range : locationRanges(locations)) {
+        text += (text.empty() ? "" : " ") + range;
+    }
+    return text;
+}
+
+/// What is said of one controller.
+class ControllerDiffWriter {
+  public:
+    ControllerDiffWriter(const MachineDiff& all, const ControllerDiff& diff, const TextStyle& style,
+                         bool verbose)
+        : all_(all), diff_(diff), style_(style), verbose_(verbose),
+          isTold_(diff.comparison.differences.size(), false) {}
+
+    std::string write() {
+        head();
+        const bool isDifferent = diff_.result == Result::different;
+        const bool isAsWanted = diff_.result == Result::same || diff_.result == Result::equivalent;
+        if (isAsWanted && !verbose_) {
+            same();
+        } else if (isDifferent || isAsWanted) {
+            captured();
+            others();
+            if (isAsWanted) {
+                same();
+            }
+        } else if (!diff_.because.empty()) {
+            out_ += signedLine("  ", printable(diff_.because), emphasisOf(diff_.result), style_);
+        }
+        for (const std::string& health : diff_.comparison.health) {
+            out_ += signedLine("  ! ", printable(health), Emphasis::warning, style_);
+        }
+        if (verbose_ && !diff_.comparison.notComparable.empty()) {
+            std::string text;
+            for (const std::string& attribute : diff_.comparison.notComparable) {
+                text += (text.empty() ? "" : ", ") + attributeText(attribute);
+            }
+            out_ +=
+                signedLine("    ", "not compared, because the utility does not list it: " + text,
+                           Emphasis::dim, style_);
+        }
+        for (const Finding& finding : diff_.diagnostics) {
+            out_ += diagnosticsText({&finding, 1}, {}, style_);
+        }
+        return std::move(out_);
+    }
+
+  private:
+    /// The name of the controller and its policy, with the result at the right edge.
+    void head() {
+        const std::string name = "Controller " + std::to_string(diff_.number);
+        std::string what = printable(diff_.model);
+        if (!diff_.policy.empty()) {
+            what += (what.empty() ? "" : "  ") + printable(diff_.policy);
+            if (diff_.policyLine > 0 && !all_.isByPlan && !all_.wantedBy.empty()) {
+                what +=
+                    " (" + printable(all_.wantedBy) + ":" + std::to_string(diff_.policyLine) + ")";
+            }
+        }
+        const std::string result(diffResultWord(diff_.result));
+        const auto width = std::min<std::size_t>(static_cast<std::size_t>(style_.width), 80);
+        const std::size_t used = name.size() + 2 + columnsOf(what);
+        out_ += emphasized(name, Emphasis::heading, style_) + "  ";
+        if (used + 2 + result.size() <= width) {
+            out_ += emphasized(what, Emphasis::bold, style_) +
+                    std::string(width - used - result.size(), ' ');
+        } else {
+            const std::size_t indent = name.size() + 2;
+            out_ += emphasized(foldedWords(what, indent, indent, width), Emphasis::bold, style_) +
+                    "\n" + std::string(indent, ' ');
+        }
+        out_ += emphasized(result, emphasisOf(diff_.result), style_) + "\n";
+    }
+
+    void same() {
+        const std::vector<std::string>& equivalences = diff_.comparison.equivalences;
+        if (equivalences.empty()) {
+            out_ += "  = the same layout\n";
+            return;
+        }
+        for (std::size_t i = 0; i < equivalences.size(); ++i) {
+            const std::string text =
+                (i == 0 ? "the same layout; " : "") + printable(equivalences[i]);
+            out_ += signedLine(i == 0 ? "  = " : "    ", text, Emphasis::plain, style_);
+        }
+    }
+
+    /// Whether the captured group is one that is not wanted as it is.
+    [[nodiscard]] bool isInTheWay(std::size_t group) const {
+        const std::vector<std::size_t>& groups = diff_.comparison.groupsInTheWay;
+        return std::find(groups.begin(), groups.end(), group) != groups.end();
+    }
+
+    /// The differences of a logical drive or of a drive that have not been told yet.
+    template <typename Is>
+    std::vector<const Difference*> take(const Is& is) {
+        std::vector<const Difference*> found;
+        for (std::size_t i = 0; i < isTold_.size(); ++i) {
+            const Difference& difference = diff_.comparison.differences[i];
+            if (!isTold_[i] && is(difference)) {
+                isTold_[i] = true;
+                found.push_back(&difference);
+            }
+        }
+        return found;
+    }
+
+    [[nodiscard]] FieldLine attributeLine(const Difference& difference,
+                                          const std::string& name) const {
+        const std::string wanted = all_.isByPlan ? "plan " : "policy ";
+        std::string found = "machine " + printable(difference.found);
+        return {6,
+                {{name, Emphasis::changed},
+                 {wanted + (difference.wanted.empty() ? "nothing" : printable(difference.wanted))},
+                 {difference.found.empty() ? "machine nothing" : found}}};
+    }
+
+    void captured() {
+        std::vector<FieldLine> lines;
+        for (std::size_t i = 0; i < diff_.captured.groups.size(); ++i) {
+            const LayoutGroup& group = diff_.captured.groups[i];
+            for (const LayoutVolume& volume : group.volumes) {
+                const std::vector<const Difference*> differences =
+                    take([&](const Difference& difference) {
+                        return difference.logicalDrive == volume.id &&
+                               difference.attribute != "missing";
+                    });
+                const bool isSurplus =
+                    differences.size() == 1 && differences[0]->attribute == "surplus";
+                const bool isAsIs = differences.empty() && !isInTheWay(i);
+                const Emphasis emphasis = isAsIs ? Emphasis::plain : Emphasis::changed;
+                const std::string sign = isSurplus ? "+ " : isAsIs ? "= " : "~ ";
+                LogicalDriveFacts facts;
+                facts.raidType = volume.raidType;
+                facts.spans = group.spans;
+                lines.push_back({2,
+                                 {{sign + "LD " + printable(volume.id), emphasis},
+                                  {levelOf(facts), emphasis},
+                                  {sizeText(volume.capacityBytes), emphasis, true},
+                                  {locationsText(group.drives()), emphasis},
+                                  {isSurplus                        ? "not wanted"
+                                   : differences.empty() && !isAsIs ? "in the way of what is wanted"
+                                                                    : "",
+                                   emphasis}}});
+                if (!isSurplus) {
+                    for (const Difference* difference : differences) {
+                        lines.push_back(
+                            attributeLine(*difference, attributeText(difference->attribute)));
+                    }
+                }
+            }
+        }
+        for (const LayoutSpare& spare : diff_.captured.spares) {
+            const std::vector<std::string>& inTheWay = diff_.comparison.sparesInTheWay;
+            if (std::find(inTheWay.begin(), inTheWay.end(), spare.location) == inTheWay.end()) {
+                lines.push_back({2, {{"= spare"}, {}, {}, {printable(spare.location)}, {}}});
+            }
+        }
+        for (const std::string& line : fieldLines(lines, style_)) {
+            out_ += line;
+        }
+    }
+
+    /// Differences of what is not there, and of drives.
+    void others() {
+        std::vector<FieldLine> lines;
+        for (std::size_t i = 0; i < isTold_.size(); ++i) {
+            if (isTold_[i]) {
+                continue;
+            }
+            const Difference& difference = diff_.comparison.differences[i];
+            const bool isMissing = difference.attribute == "missing";
+            const bool isSurplus = difference.attribute == "surplus";
+            const std::string sign = isMissing ? "- " : isSurplus ? "+ " : "~ ";
+            std::string name = difference.logicalDrive.empty() ? printable(difference.location)
+                                                               : printable(difference.logicalDrive);
+            if (!difference.logicalDrive.empty() &&
+                difference.logicalDrive.find_first_not_of("0123456789") == std::string::npos) {
+                name = "LD " + name;
+            }
+            FieldLine line = attributeLine(difference, sign + name);
+            line.indent = 2;
+            line.fields.insert(line.fields.begin() + 1,
+                               {attributeText(difference.attribute), Emphasis::changed});
+            lines.push_back(std::move(line));
+        }
+        for (const std::string& line : fieldLines(lines, style_)) {
+            out_ += line;
+        }
+    }
+
+    const MachineDiff& all_;
+    const ControllerDiff& diff_;
+    const TextStyle& style_;
+    bool verbose_;
+    std::vector<bool> isTold_;
+    std::string out_;
+};
+
+std::string countOf(std::size_t count, std::size_t all, std::string_view one,
+                    std::string_view many) {
+    std::string text = std::to_string(count);
+    text += " of " + std::to_string(all) + (all == 1 ? " controller " : " controllers ");
+    return text + std::string(count == 1 ? one : many);
+}
+
+/// What to do about it.
+std::string nextCommand(const MachineDiff& diff) {
+    const std::string name = printable(diff.wantedBy);
+    if (diff.isByPlan) {
+        return "zolexctl show " + name + " shows the plan.";
+    }
+    return name.empty() ? "zolexctl plan --default shows what it takes."
+                        : "zolexctl plan " + name + " shows what it takes.";
+}
+
+/// The closing sentences.
+std::string closing(const MachineDiff& diff) {
+    std::size_t different = 0;
+    std::size_t equivalent = 0;
+    std::size_t skipped = 0;
+    std::size_t unknown = 0;
+    bool addingIsEnough = true;
+    std::vector<std::string> rebuilds;
+    for (const ControllerDiff& controller : diff.controllers) {
+        equivalent += controller.result == Result::equivalent ? 1 : 0;
+        skipped += controller.result == Result::skipped ? 1 : 0;
+        unknown += controller.result == Result::unknown ? 1 : 0;
+        if (controller.result == Result::different) {
+            ++different;
+            addingIsEnough = addingIsEnough && controller.addingIsEnough;
+            for (const std::string& why : controller.takesRebuild) {
+                if (std::find(rebuilds.begin(), rebuilds.end(), why) == rebuilds.end()) {
+                    rebuilds.push_back(why);
+                }
+            }
+        }
+    }
+    const std::size_t all = diff.controllers.size();
+    std::string text;
+    if (unknown > 0) {
+        text += countOf(unknown, all, "could not be compared. ", "could not be compared. ");
+    }
+    if (different > 0) {
+        text += countOf(different, all, "differs. ", "differ. ");
+        if (addingIsEnough) {
+            text += "Adding what is missing is enough. ";
+        } else {
+            text += "What stands now cannot be mended by adding alone";
+            for (std::size_t i = 0; i < rebuilds.size(); ++i) {
+                text += (i == 0 ? ": " : "; ") + printable(rebuilds[i]);
+            }
+            text += ". ";
+        }
+        return text + nextCommand(diff);
+    }
+    if (unknown > 0) {
+        return text.substr(0, text.size() - 1);
+    }
+    if (all == skipped) {
+        return all == 0 ? "No controller to compare." : "Every controller is skipped.";
+    }
+    const std::size_t compared = all - skipped;
+    text = compared == 1 ? "The controller is "
+                         : "All " + std::to_string(compared) + " controllers are ";
+    text += std::string("as the ") + (diff.isByPlan ? "plan says" : "policies say");
+    text += equivalent > 0 ? ", on equal drives." : ".";
+    text += skipped > 0 ? " " + countOf(skipped, all, "is skipped.", "are skipped.") : "";
+    return text;
+}
+
+} // namespace
+
+std::string diffText(const MachineDiff& diff, const TextStyle& style, bool verbose) {
+    std::string text;
+    for (const Finding& finding : diff.diagnostics) {
+        text += finding.severity == Severity::error ? diagnosticsText({&finding, 1}, {}, style)
+                                                    : findingLine(finding, 0, style);
+    }
+    for (const ControllerDiff& controller : diff.controllers) {
+        text += ControllerDiffWriter(diff, controller, style, verbose).write();
+    }
+    text += text.empty() ? "" : "\n";
+    return text + signedLine("", closing(diff), Emphasis::bold, style);
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,288 @@
+#include "companion/planning/Diff.h"
+
+#include "companion/machine/ProblemCodes.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+using Result = ControllerDiff::Result;
+
+Result resultOf(Sameness sameness) {
+    switch (sameness) {
+    case Sameness::same:
+        return Result::same;
+    case Sameness::equivalent:
+        return Result::equivalent;
+    case Sameness::different:
+        break;
+    }
+    return Result::different;
+}
+
+/// What is worse stands behind what is better.
+std::size_t rankOf(Result result) {
+    constexpr std::array<Result, 5> ranks = {Result::skipped, Result::same, Result::equivalent,
+                                             Result::different, Result::unknown};
+    return static_cast<std::size_t>(std::find(ranks.begin(), ranks.end(), result) - ranks.begin());
+}
+
+/// Without controllers nothing is known.
+Result worstOf(const std::vector<ControllerDiff>& controllers) {
+    const auto worst = std::max_element(controllers.begin(), controllers.end(),
+                                        [](const ControllerDiff& a, const ControllerDiff& b) {
+                                            return rankOf(a.result) < rankOf(b.result);
+                                        });
+    return worst == controllers.end() ? Result::unknown : worst->result;
+}
+
+struct AttributeWords {
+    std::string_view attribute;
+    std::string_view words;
+};
+
+// Columns: attribute, for people. Order: as told.
+constexpr std::array<AttributeWords, 8> rebuiltAttributes = {{
+    {"raid_type", "RAID level"},
+    {"capacity_bytes", "size"},
+    {"strip_size_bytes", "strip size"},
+    {"write_cache_policy", "write cache"},
+    {"read_cache_policy", "read-ahead"},
+    {"hotspare_type", "kind of hot spare"},
+    {"drives", "other drives"},
+    {"moved", "the move to the listed drives"},
+}};
+
+/// Why adding alone does not mend it.
+std::vector<std::string> rebuildReasons(const std::vector<Difference>& differences) {
+    std::vector<std::string> reasons;
+    for (const AttributeWords& row : rebuiltAttributes) {
+        if (std::any_of(differences.begin(), differences.end(),
+                        [&](const Difference& each) { return each.attribute == row.attribute; })) {
+            reasons.push_back(std::string(row.words) + " takes a rebuild");
+        }
+    }
+    for (const Difference& difference : differences) {
+        if (difference.attribute == "surplus") {
+            reasons.push_back((difference.logicalDrive.empty() ? "hot spare " + difference.location
+                                                               : "LD " + difference.logicalDrive) +
+                              " is to be removed");
+        }
+    }
+    if (reasons.empty()) {
+        reasons.emplace_back("what is missing needs drives that are in use");
+    }
+    return reasons;
+}
+
+void tellRebuild(ControllerDiff& diff, bool addingIsEnough) {
+    if (diff.result == Result::different) {
+        diff.addingIsEnough = addingIsEnough;
+        diff.takesRebuild = addingIsEnough ? std::vector<std::string>()
+                                           : rebuildReasons(diff.comparison.differences);
+    }
+}
+
+/// Whether a fault leaves it open what is wanted. That a utility would refuse a command does not.
+bool leavesOpen(const Finding& finding) {
+    return finding.severity == Severity::error && finding.refusedBy != RefusedBy::utility;
+}
+
+std::string firstError(const std::vector<Finding>& findings) {
+    const auto error = std::find_if(findings.begin(), findings.end(), [](const Finding& finding) {
+        return finding.severity == Severity::error;
+    });
+    return error == findings.end() ? std::string() : error->summary;
+}
+
+ControllerDiff headOf(const ControllerPlanning& planning) {
+    ControllerDiff diff;
+    diff.number = planning.controller.number;
+    diff.model = planning.controller.model;
+    diff.policy = planning.policy;
+    diff.policyLine = planning.policyLine;
+    diff.wanted = planning.after;
+    return diff;
+}
+
+ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
+    ControllerDiff diff = headOf(planning);
+    diff.captured = planning.before;
+    diff.comparison = planning.comparison;
+    switch (planning.disposition) {
+    case Disposition::skipped:
+        diff.result = Result::skipped;
+        diff.because = planning.because;
+        return diff;
+    case Disposition::refused:
+        diff.diagnostics = planning.diagnostics;
+        if (planning.comparison.differences.empty() ||
+            std::any_of(diff.diagnostics.begin(), diff.diagnostics.end(), leavesOpen)) {
+            diff.result = Result::unknown;
+            diff.because =
+                planning.because.empty() ? firstError(planning.diagnostics) : planning.because;
+            return diff;
+        }
+        break;
+    case Disposition::planned:
+    case Disposition::already:
+        break;
+    }
+    diff.result = resultOf(planning.comparison.result);
+    tellRebuild(diff, planning.strategy == Strategy::add);
+    return diff;
+}
+
+/// Whether what is wanted is missing only, and its drives have no other work.
+bool canBeAdded(const ControllerSnapshot& details, const ControllerDiff& diff) {
+    const bool isMissingOnly =
+        std::all_of(diff.comparison.differences.begin(), diff.comparison.differences.end(),
+                    [](const Difference& difference) { return difference.attribute == "missing"; });
+    const auto isFree = [&](const std::string& location) {
+        const DriveFacts* const drive = details.facts.drive(location);
+        return drive != nullptr && drive->state == DriveState::free;
+    };
+    for (std::size_t i = 0; i < diff.wanted.groups.size(); ++i) {
+        const std::vector<std::string> drives = diff.wanted.groups[i].drives();
+        if (!diff.comparison.groups[i].captured &&
+            !std::all_of(drives.begin(), drives.end(), isFree)) {
+            return false;
+        }
+    }
+    for (std::size_t i = 0; i < diff.wanted.spares.size(); ++i) {
+        if (diff.comparison.spares[i].empty() && !isFree(diff.wanted.spares[i].location)) {
+            return false;
+        }
+    }
+    return isMissingOnly;
+}
+
+ControllerDiff diffOfEarlier(const Snapshot& snapshot, const ControllerPlanning& planning) {
+    ControllerDiff diff = headOf(planning);
+    if (planning.disposition == Disposition::skipped) {
+        diff.result = Result::skipped;
+        diff.because = planning.because;
+        return diff;
+    }
+    if (planning.disposition == Disposition::refused) {
+        diff.diagnostics = planning.diagnostics;
+        diff.because = "the plan has no layout for it";
+        return diff;
+    }
+    const auto details =
+        std::find_if(snapshot.details.begin(), snapshot.details.end(),
+                     [&](const ControllerSnapshot& each) { return each.number == diff.number; });
+    if (details == snapshot.details.end() || details->failed) {
+        diff.because = "it could not be captured";
+        if (details != snapshot.details.end()) {
+            diff.diagnostics = details->findings;
+        }
+        return diff;
+    }
+    diff.captured = capturedLayout(details->facts);
+    diff.wanted = layoutOf(planning);
+    diff.comparison =
+        compareLayouts(details->facts, diff.captured, diff.wanted, {details->utility});
+    diff.result = resultOf(diff.comparison.result);
+    tellRebuild(diff, diff.result == Result::different && canBeAdded(*details, diff));
+    return diff;
+}
+
+/// "serial number A of the machine, B in the plan": by what it is another machine.
+std::string whatIsOther(const Fingerprint& found, const Fingerprint& planned) {
+    if (found.machineType != planned.machineType) {
+        return "it is of type " + found.machineType + ", the plan is of one of type " +
+               planned.machineType;
+    }
+    if (found.serialNumber != planned.serialNumber) {
+        return "its serial number is " +
+               (found.serialNumber.empty() ? "not told" : found.serialNumber) +
+               ", the plan is of " +
+               (planned.serialNumber.empty() ? "one that is not told" : planned.serialNumber);
+    }
+    if (found.controllers.size() != planned.controllers.size()) {
+        return "it has " + std::to_string(found.controllers.size()) +
+               " controllers, the plan is of " + std::to_string(planned.controllers.size());
+    }
+    for (std::size_t i = 0; i < found.controllers.size(); ++i) {
+        if (found.controllers[i] != planned.controllers[i]) {
+            return "its controller " + std::to_string(found.controllers[i].number) +
+                   " is another one than that of the plan";
+        }
+    }
+    return "";
+}
+
+/// Which machine it is, by the controllers that the plan was asked for.
+Fingerprint fingerprintFor(const Snapshot& snapshot, const MachinePlan& earlier) {
+    Snapshot part;
+    part.machine = snapshot.machine;
+    const auto isPlanned = [&](const ControllerSnapshot& details) {
+        const auto& planned = earlier.fingerprint.controllers;
+        return std::any_of(planned.begin(), planned.end(), [&](const auto& controller) {
+            return controller.number == details.number;
+        });
+    };
+    std::copy_if(snapshot.details.begin(), snapshot.details.end(), std::back_inserter(part.details),
+                 isPlanned);
+    return fingerprintOf(part);
+}
+
+} // namespace
+
+std::string_view diffResultWord(ControllerDiff::Result result) {
+    switch (result) {
+    case Result::same:
+        return "same";
+    case Result::equivalent:
+        return "equivalent";
+    case Result::different:
+        return "different";
+    case Result::skipped:
+        return "skipped";
+    case Result::unknown:
+        break;
+    }
+    return "unknown";
+}
+
+MachineDiff diffOf(const MachinePlan& plan) {
+    MachineDiff diff;
+    diff.wantedBy = plan.policiesFile;
+    diff.fingerprint = plan.fingerprint;
+    diff.diagnostics = plan.diagnostics;
+    for (const ControllerPlanning& planning : plan.controllers) {
+        diff.controllers.push_back(diffOfPlanned(planning));
+    }
+    diff.result = worstOf(diff.controllers);
+    return diff;
+}
+
+MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier) {
+    MachineDiff diff;
+    diff.wantedBy = earlier.id;
+    diff.isByPlan = true;
+    diff.fingerprint = fingerprintFor(snapshot, earlier);
+    const bool isOther = diff.fingerprint.identity != earlier.fingerprint.identity;
+    if (isOther) {
+        diff.diagnostics.push_back(problemFinding(
+            problem::otherMachine, "the plan " + earlier.id + " is of another machine",
+            whatIsOther(diff.fingerprint, earlier.fingerprint)));
+    }
+    for (const ControllerPlanning& planning : earlier.controllers) {
+        ControllerDiff& controller = diff.controllers.emplace_back();
+        controller = isOther ? headOf(planning) : diffOfEarlier(snapshot, planning);
+        if (isOther) {
+            controller.because = "the plan is of another machine";
+        }
+    }
+    diff.result = worstOf(diff.controllers);
+    return diff;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,49 @@
+#include "companion/planning/Plan.h"
+
+#include "companion/machine/Sha256.h"
+#include "companion/planning/ControllerPlanner.h"
+#include "companion/planning/OldCommand.h"
+#include "companion/planning/PlanPolicies.h"
+#include "companion/planning/Refusals.h"
+#include "companion/planning/Steps.h"
+
+#include <utility>
+
+namespace zolex::companion {
+
+MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
+    MachinePlan plan;
+    plan.machineSource = snapshot.machineSource;
+    plan.fingerprint = fingerprintOf(snapshot);
+    plan.coreMessages = snapshot.coreMessages;
+    if (!request.classDefaults) {
+        plan.policiesFile = request.policiesFile;
+        plan.policiesHash = sha256(request.policiesText);
+    }
+    Refusals refusals(request);
+    plan.diagnostics = snapshot.findings;
+    refusals.accept(plan.diagnostics);
+
+    PoliciesReading reading = readPlanPolicies(request);
+    plan.policiesFindings = std::move(reading.findings);
+    refusals.accept(plan.policiesFindings);
+    plan.policiesCount = reading.policies ? reading.policies->views.size() : 0;
+
+    ControllerPlanner planner(snapshot, request, reading.policies.get(), refusals,
+                              plan.coreMessages);
+    for (const ControllerSnapshot& detail : snapshot.details) {
+        plan.controllers.push_back(planner.plan(detail));
+    }
+    plan.accepted = refusals.accepted();
+    std::int32_t number = 0;
+    for (ControllerPlanning& controller : plan.controllers) {
+        for (PlanStep& step : controller.steps) {
+            step.step = ++number;
+        }
+    }
+    plan.consent = consentCode(plan.fingerprint.identity, plan.losses());
+    plan.oldCommand = oldCommandOf(snapshot, request, plan);
+    return plan;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,20 @@
+#include "companion/planning/PlanFaults.h"
+
+#include <utility>
+
+namespace zolex::companion {
+
+Finding planFault(std::string_view id, std::string summary, std::vector<std::string> help) {
+    Finding finding = problemFinding(id, std::move(summary));
+    finding.refusedBy = RefusedBy::plan;
+    finding.help = std::move(help);
+    return finding;
+}
+
+Finding planWarning(std::string_view id, std::string summary, std::vector<std::string> help) {
+    Finding finding = problemFinding(id, std::move(summary));
+    finding.help = std::move(help);
+    return finding;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,121 @@
+#include "companion/planning/Warnings.h"
+
+#include "companion/planning/PlanFaults.h"
+#include "companion/text/Sizes.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+bool isRedundant(const LayoutVolume& volume) {
+    return !volume.raidType.empty() && volume.raidType != "RAID0" && volume.raidType != "None";
+}
+
+bool isRedundant(const Layout& layout) {
+    return std::any_of(layout.groups.begin(), layout.groups.end(), [](const LayoutGroup& group) {
+        return std::any_of(group.volumes.begin(), group.volumes.end(),
+                           [](const LayoutVolume& volume) { return isRedundant(volume); });
+    });
+}
+
+/// The levels of a layout, each once: "RAID1, RAID5".
+std::string levelsOf(const Layout& layout) {
+    std::vector<std::string> levels;
+    for (const LayoutGroup& group : layout.groups) {
+        for (const LayoutVolume& volume : group.volumes) {
+            if (std::find(levels.begin(), levels.end(), volume.raidType) == levels.end()) {
+                levels.push_back(volume.raidType);
+            }
+        }
+    }
+    std::string text;
+    for (const std::string& level : levels) {
+        text += (text.empty() ? "" : ", ") + (level == "None" ? std::string("VOLUME") : level);
+    }
+    return text;
+}
+
+void tellSpares(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    const bool anyRedundant = isRedundant(planning.after);
+    for (const PlannedSpare& spare : planning.spares) {
+        const auto isOfSpare = [&spare](const Finding& finding) {
+            const bool isRule = finding.code == "ZX504" || finding.code == "ZX706";
+            return isRule &&
+                   (finding.code == "ZX504" || finding.summary.compare(0, spare.location.size() + 1,
+                                                                       spare.location + " ") == 0);
+        };
+        const bool isTold =
+            std::any_of(planning.warnings.begin(), planning.warnings.end(), isOfSpare) ||
+            std::any_of(planning.diagnostics.begin(), planning.diagnostics.end(), isOfSpare);
+        if (spare.covers.empty() && !isTold) {
+            findings.push_back(planWarning(
+                problem::spareIdle,
+                "the hot spare " + spare.location + " covers no array: " +
+                    (anyRedundant ? "it is too small" : "none has redundancy"),
+                {"use the drive in an array, or have no spare: Array_Defaults = 0%:0"}));
+        }
+    }
+}
+
+void tellRedundancy(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    if (isRedundant(planning.before) && !isRedundant(planning.after) &&
+        !planning.after.groups.empty()) {
+        findings.push_back(planWarning(problem::redundancyLost,
+                                       "redundancy is lost: " + levelsOf(planning.before) +
+                                           " stands, and " + levelsOf(planning.after) +
+                                           " is planned",
+                                       {"take a level such as 1, 5 or 10 where the data matters"}));
+    }
+}
+
+void tellForeign(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    std::vector<std::string> drives;
+    for (const Loss& loss : planning.losses) {
+        if (loss.kind == "foreign") {
+            drives.insert(drives.end(), loss.drives.begin(), loss.drives.end());
+            if (loss.drives.empty()) {
+                drives.push_back(loss.id);
+            }
+        }
+    }
+    if (drives.empty()) {
+        return;
+    }
+    std::string text;
+    for (const std::string& drive : drives) {
+        text += (text.empty() ? "" : ", ") + drive;
+    }
+    Finding finding;
+    finding.code = "ZX710";
+    finding.severity = Severity::warning;
+    finding.summary = "the foreign configuration on " + text + " is cleared";
+    finding.help = {"what another server wrote there is lost; take the drives out to keep it"};
+    findings.push_back(std::move(finding));
+}
+
+void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    if (planning.disposition != Disposition::already) {
+        return;
+    }
+    for (const std::string& line : planning.comparison.health) {
+        findings.push_back(planWarning(problem::degraded, line,
+                                       {"replace the drive; the layout is as the policy says"}));
+    }
+}
+
+} // namespace
+
+std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
+    std::vector<Finding> findings;
+    tellHealth(planning, findings);
+    tellSpares(planning, findings);
+    tellRedundancy(planning, findings);
+    tellForeign(planning, findings);
+    return findings;
+}
+
+} // namespace zolex::companion

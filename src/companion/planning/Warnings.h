@@ -1,0 +1,14 @@
+#pragma once
+
+#include "companion/planning/Plan.h"
+
+#include <vector>
+
+namespace zolex::companion {
+
+/// What is to be said of a planned controller beside the rules: spares that cover nothing,
+/// redundancy that is lost, foreign configurations that are cleared, what is not well. It may ask
+/// for what the steps lose.
+[[nodiscard]] std::vector<Finding> planWarnings(const ControllerPlanning& planning);
+
+} // namespace zolex::companion

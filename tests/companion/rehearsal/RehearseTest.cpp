@@ -1,0 +1,108 @@
+// Plans for the samples of the virtual server, rehearsed: each is taken, ends as planned and goes on
+// from each fault, or is refused with the utility's own words.
+
+#include "companion/rehearsal/Rehearse.h"
+
+#include "companion/machine/Fingerprint.h"
+#include "companion/planning/PlannedServer.h"
+
+#include <gtest/gtest.h>
+
+namespace zolex::companion {
+namespace {
+
+using test::PlannedServer;
+using Lines = std::vector<std::string>;
+
+constexpr const char* onePolicy = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n";
+
+Lines findingsOf(const MachinePlan& plan) {
+    Lines lines = test::faultsOf(plan);
+    lines.insert(lines.end(), plan.rehearsal.notDoneBecause.begin(),
+                 plan.rehearsal.notDoneBecause.end());
+    for (const ControllerPlanning& controller : plan.controllers) {
+        for (const Finding& warning : controller.warnings) {
+            if (warning.code.starts_with("ZP24")) {
+                lines.push_back(warning.code + " " + warning.summary);
+            }
+        }
+    }
+    return lines;
+}
+
+/// Rehearses the plan; then carries it out, and holds the layouts that were foreseen against it.
+void expectRehearsed(PlannedServer& server, const std::string& policies, StrategyWish wish) {
+    for (zolex_sim::Controller& controller : server.platform.server.controllers) {
+        // What a controller chooses by itself is not told beforehand.
+        controller.identity.defaultBatteryProtected = false;
+    }
+    const Snapshot snapshot = server.snapshot();
+    MachinePlan plan = server.plan(policies, wish);
+    ASSERT_EQ(test::faultsOf(plan), Lines{});
+    const std::size_t steps = plan.steps().size();
+    rehearse(snapshot, plan);
+    EXPECT_EQ(findingsOf(plan), Lines{});
+    EXPECT_TRUE(plan.rehearsal.done);
+    EXPECT_TRUE(plan.rehearsal.endsAsPlanned);
+    EXPECT_EQ(plan.rehearsal.faultsTried, static_cast<std::int32_t>(steps));
+    EXPECT_EQ(plan.rehearsal.resumesAsPlanned, static_cast<std::int32_t>(steps));
+    ASSERT_EQ(plan.steps().size(), steps);
+    // Each layout is the one that the server really has behind the step.
+    for (const PlanStep& step : plan.steps()) {
+        std::string line;
+        for (const std::string& word : step.argv) {
+            line += (line.empty() ? "" : " ") + word;
+        }
+        server.platform.play(line);
+        const Snapshot now = server.snapshot();
+        for (const ControllerSnapshot& controller : now.details) {
+            if (controller.number == step.controller) {
+                EXPECT_EQ(layoutHash(controller.facts), step.expectedAfter) << step.command;
+                EXPECT_EQ(layoutLines(capturedLayout(controller.facts)),
+                          plan.rehearsal.layouts[step.expectedAfter])
+                    << step.command;
+            }
+        }
+    }
+}
+
+class RehearseSample : public testing::TestWithParam<std::string> {};
+
+TEST_P(RehearseSample, SamplePoliciesAsItComes) {
+    PlannedServer server(GetParam());
+    expectRehearsed(server, server.samplePolicies(), StrategyWish::automatic);
+}
+
+TEST_P(RehearseSample, DefaultsFromAClearController) {
+    PlannedServer server(GetParam());
+    expectRehearsed(server, onePolicy, StrategyWish::rebuild);
+}
+
+TEST_P(RehearseSample, DefaultsOverSamplePolicies) {
+    PlannedServer server(GetParam());
+    ASSERT_EQ(server.carryOut(server.plan(server.samplePolicies())), Lines{});
+    expectRehearsed(server, onePolicy, StrategyWish::automatic);
+}
+
+TEST_P(RehearseSample, NothingToDoIsRehearsedToo) {
+    PlannedServer server(GetParam());
+    const std::string policies = server.samplePolicies();
+    ASSERT_EQ(server.carryOut(server.plan(policies)), Lines{});
+    const Snapshot snapshot = server.snapshot();
+    MachinePlan plan = server.plan(policies);
+    rehearse(snapshot, plan);
+    EXPECT_EQ(findingsOf(plan), Lines{});
+    EXPECT_TRUE(plan.rehearsal.done);
+    EXPECT_TRUE(plan.rehearsal.endsAsPlanned);
+    EXPECT_EQ(plan.rehearsal.faultsTried, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, RehearseSample, testing::ValuesIn(test::SimulatedPlatform::samples()),
+                         [](const auto& sample) {
+                             std::string name = sample.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+} // namespace
+} // namespace zolex::companion
