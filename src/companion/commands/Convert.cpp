@@ -7,7 +7,6 @@
 #include "companion/text/Diagnostics.h"
 
 #include <algorithm>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -55,22 +54,21 @@ int convert(Context& context, const ConvertOptions& options) {
         tell(context, std::move(faults), source);
         return refuse(context, read.name);
     }
-    const RecordedMachines recorded = loadMachines(context, {options.machine});
-    for (const Finding& fault : recorded.faults) {
-        context.platform.console().writeError(findingLine(fault, context.errorStyle));
+    RecordedMachines loaded = loadMachines(context, {options.machine});
+    if (!loaded.faults.empty()) {
+        tell(context, std::move(loaded.faults), source);
+        return refuse(context, read.name);
     }
-    if (!recorded.faults.empty()) {
-        return exit_code::notPossible;
-    }
-    if (recorded.machines.size() != 1) {
+    const std::vector<RecordedMachine>& machines = loaded.machines;
+    if (machines.size() != 1) {
         return failWith(context,
                         printable(options.machine) + " has recordings of " +
-                            std::to_string(recorded.machines.size()) +
+                            std::to_string(machines.size()) +
                             " machines, and drives are told for one",
                         "name the recording: --machine server.zrec");
     }
     ConvertedPolicies converted = convertToPolicies(
-        recorded.machines.front().snapshot, {read.name, read.text, std::string(ZOLEX_VERSION)});
+        machines.front().snapshot, {read.name, read.text, std::string(ZOLEX_VERSION)});
     const bool isPossible = converted.isPossible();
     tell(context, std::move(converted.findings), source);
     if (!isPossible) {
