@@ -57,6 +57,13 @@ struct ReplayOptions {
 };
 int replay(Context& context, const ReplayOptions& options);
 
+struct ConvertOptions {
+    std::string file;    ///< "-": standard input
+    std::string to;      ///< "policies"
+    std::string machine; ///< a recording
+};
+int convert(Context& context, const ConvertOptions& options);
+
 int explain(Context& context, const std::string& code);
 
 } // namespace zolex::companion

@@ -216,7 +216,6 @@ class CopyBuilder {
         identity.defaultStripeKb =
             std::clamp(traits_->stripeKb, identity.minStripeKb, identity.maxStripeKb);
         identity.defaultWritePolicy = traits_->writePolicy;
-        identity.defaultBatteryProtected = hasProtected_ && !hasUnprotected_;
         identity.defaultReadPolicy = traits_->readPolicy;
     }
 
@@ -344,8 +343,6 @@ class CopyBuilder {
                              : isWrittenBack          ? zolex_sim::WritePolicy::writeBack
                                                       : zolex_sim::WritePolicy::writeThrough;
         volume.batteryProtected = isConf() && facts.writeCache == "ProtectedWriteBack";
-        hasProtected_ = hasProtected_ || facts.writeCache == "ProtectedWriteBack";
-        hasUnprotected_ = hasUnprotected_ || facts.writeCache == "UnprotectedWriteBack";
         volume.withoutBattery = isUtility("MEGACLI") && facts.writeCache == "UnprotectedWriteBack";
         volume.readPolicy = readPolicyOf(facts.readCache);
         volume.name = facts.name;
@@ -486,8 +483,6 @@ class CopyBuilder {
     std::set<DriveLocation> members_;
     std::map<std::vector<std::string>, std::size_t> arrays_;
     std::vector<std::string> arrayNames_;
-    bool hasProtected_ = false; ///< a logical drive is written back with a battery alone
-    bool hasUnprotected_ = false;
 };
 
 // What of the copy is not as it was captured. Each is empty, or says it for people.

@@ -30,7 +30,7 @@ Lines findingsOf(const MachinePlan& plan) {
     return lines;
 }
 
-/// What a controller chooses by itself is not told as long as nothing stands there.
+/// What a controller chooses by itself is not told beforehand.
 void chooseAsUsual(PlannedServer& server) {
     for (zolex_sim::Controller& controller : server.platform.server.controllers) {
         controller.identity.defaultBatteryProtected = false;
@@ -85,6 +85,7 @@ TEST_P(RehearseSample, DefaultsFromAClearController) {
 
 TEST_P(RehearseSample, DefaultsOverSamplePolicies) {
     PlannedServer server(GetParam());
+    chooseAsUsual(server);
     ASSERT_EQ(server.carryOut(server.plan(server.samplePolicies())), Lines{});
     expectRehearsed(server, onePolicy, StrategyWish::automatic);
 }
