@@ -285,6 +285,35 @@ TEST(PlanEndToEnd, PlansTheDefaultsAsZolexDoesWithoutPolicies) {
     EXPECT_EQ(after.exitCode, 0) << after.output << after.error;
 }
 
+/// Drives told by what they are: zolex refuses the file, and takes what it is converted to.
+TEST(PlanEndToEnd, BindsDrivesThatAreToldByWhatTheyAre) {
+    PlannedServer server("single");
+    server.write("kinds.ini", "[Policy.kinds]\n"
+                              "AppliesTo.1 = t:LSI-MegaRAID-8480\n"
+                              "Drives.A = slots 32:0,32:1\n"
+                              "Drives.B = rest of one size\n"
+                              "Spares = 1 covering A,B\n"
+                              "Level.B = 6 else 5\n");
+    const ProgramRun plan = server.zolexctl({"plan", "kinds.ini", "-o", "p.json"});
+    EXPECT_EQ(plan.exitCode, 0) << plan.output << plan.error;
+    expectPieces(plan.output, {"Drives.A = slots 32:0,32:1", "Level.B = 6 else 5",
+                               "RAID 6 is not of", "+ Array A  drives 1,2  32:0 32:1"});
+    keepDocument("plan-kinds", server.read("p.json"));
+    EXPECT_EQ(server.zolexctl({"check", "kinds.ini"}).exitCode, 0);
+    EXPECT_EQ(server.zolex({"/f:kinds.ini"}).exitCode, 5);
+    ASSERT_EQ(server.zolexctl({"record", "-o", "s.zrec"}).exitCode, 0);
+    const ProgramRun converted = server.zolexctl(
+        {"convert", "--to", "policies", "--machine", "s.zrec", "kinds.ini", "-o", "plain.ini"});
+    EXPECT_EQ(converted.exitCode, 0) << converted.error;
+    server.deploy("plain.ini");
+    for (const char* const wanted : {"kinds.ini", "plain.ini", "p.json"}) {
+        const ProgramRun diff = server.zolexctl({"diff", wanted});
+        EXPECT_EQ(diff.exitCode, 0) << wanted << "\n" << diff.output << diff.error;
+    }
+    const ProgramRun after = server.zolexctl({"plan", "kinds.ini", "--exit-code"});
+    EXPECT_EQ(after.exitCode, 0) << after.output;
+}
+
 TEST(PlanEndToEnd, AsksForAddingOrRebuilding) {
     PlannedServer server(megaServer(eightDrives));
     server.write("web.ini", webPolicies);
