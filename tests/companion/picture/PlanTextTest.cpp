@@ -674,6 +674,20 @@ This destroys 1 logical drive (135.5 GB). To agree:
 )");
 }
 
+TEST(PlanText, OfManyReasonsTheFirstAreShown) {
+    MachinePlan plan = examplePlan();
+    plan.controllers[0].strategyBecause.resize(6, {"different", "LD 2 is in the way", "2", {}});
+    const std::string begin = "  Strategy rebuild: array B needs 32:5 and 32:6 besides 32:2-32:4 "
+                              "(LD 1); LD 2\n  is in the way; LD 2 is in the way; ";
+    EXPECT_NE(planText(plan, plain).find(begin + "and 3 more reasons, which -v shows\n"),
+              std::string::npos)
+        << planText(plan, plain);
+    PlanTextTerms terms;
+    terms.verbose = true;
+    EXPECT_NE(planText(plan, plain, terms).find(begin + "LD 2 is in the way; LD 2"),
+              std::string::npos);
+}
+
 TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {
     for (const MachinePlan& plan :
          {examplePlan(), rarePlan(), exampleRefusedPlan(), exampleNothingToDoPlan(), largePlan()}) {
