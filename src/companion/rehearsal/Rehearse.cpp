@@ -86,7 +86,8 @@ class ControllerRehearsal {
                        step.command + wordsOf(played.output));
                 return false;
             }
-            facts_ = isWhole ? copy_.capture() : copy_.capture(stages_.back().state, facts_);
+            facts_ =
+                isWhole ? copy_.capture() : copy_.capture(stages_.back().state, std::move(facts_));
             keepStage();
             step.expectedAfter = stages_.back().layout;
             if (!step.isRepeatable && stages_.back().layout == stages_[stages_.size() - 2].layout) {
