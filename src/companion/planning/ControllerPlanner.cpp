@@ -255,6 +255,13 @@ void ControllerPlanner::takeAsItStands(Attempt& attempt, ControllerPlanning& pla
         }
         planning.warnings.push_back(std::move(finding));
     }
+    for (Finding finding : planning.controller.findings) {
+        const bool isSaid = finding.code == "ZX701" || finding.code == problem::namedOtherwise;
+        if (!isSaid) {
+            finding.severity = std::min(finding.severity, Severity::warning);
+            planning.warnings.push_back(std::move(finding));
+        }
+    }
     for (Finding& finding : planWarnings(planning)) {
         planning.warnings.push_back(std::move(finding));
     }
