@@ -341,6 +341,47 @@ TEST(StepsTest, ForeignDrivesThatAreNeededAreClearedWithConsent) {
     expectDone(server, policies);
 }
 
+// Spares that stepped in
+
+/// RAID 5 over all drives but the spare, which zolex chooses.
+const std::string chosenDrives = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:1\n";
+
+/// The spare 32:7 stands in for 32:2, which has been replaced and is free.
+std::string steppedIn(const std::string& member) {
+    return megaRaid(R"({"enclosure": 32, "slot": 0, "count": 8, "sizeMB": 69376, "serial": "S"})",
+                    R"("virtualDisks": [{"level": "RAID5", "writePolicy": "WB",
+                        "readPolicy": "ADRA", "spans": [["32:0", "32:1", ")" +
+                        member + R"(", "32:3", "32:4", "32:5", "32:6"]]}])");
+}
+
+TEST(StepsTest, ADriveInThePlaceOfTheSpareBecomesTheSpare) {
+    PlannedServer server(steppedIn("32:7"));
+    const MachinePlan plan = server.plan(chosenDrives);
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), (Lines{"UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:2 ] -a0"}));
+    EXPECT_EQ(reasonsOf(plan), (Lines{"missing: the spare 32:2 is missing"}));
+    EXPECT_EQ(
+        differencesOf(plan),
+        (Lines{
+            "zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: what stands stays",
+            "zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT: there is nothing "
+            "that it would clear",
+            "zolex also runs UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2,32:3,32:4,32:5,32:6 "
+            "]   WB   ADRA   -strpsz 64  -a0: Logical.1 stands already as LD 0",
+            "zolex runs UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0 instead of UTIL.BAT "
+            "MEGACLI -PDHSP { -Set } -PhysDrv[ 32:2 ] -a0: equal drives have changed places"}));
+    EXPECT_EQ(plan.controllers.front().spares.front().location, "32:2");
+    expectDone(server, chosenDrives, StrategyWish::add);
+}
+
+TEST(StepsTest, TheMissingSpareIsTheOneThatIsPlanned) {
+    PlannedServer server(steppedIn("32:2"));
+    const MachinePlan plan = server.plan(chosenDrives);
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), (Lines{"UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0"}));
+    expectDone(server, chosenDrives, StrategyWish::add);
+}
+
 // ARCCONF
 
 TEST(StepsTest, ArcconfRemovesSingly) {
