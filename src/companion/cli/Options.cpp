@@ -43,7 +43,9 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
     {Command::show, "show", "show [FILE] [OPTIONS]", "what is in this server",
      "Shows the controllers of this server, their drives, arrays, logical drives and hot spares. "
      "The column \"no\" is the number that policies use for a drive. It only reads: nothing on the "
-     "server is changed. FILE is a recording, which is shown instead of this server.\n"
+     "server is changed. FILE is a recording, which is shown instead of this server, or a plan "
+     "that "
+     "was kept with zolexctl plan -o plan.json.\n"
      "Exit code: 0 it was shown, 1 (policies) something would not come back, 2 it could not be "
      "read.",
      "text json svg html policies",

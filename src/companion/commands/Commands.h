@@ -29,7 +29,7 @@ struct DiffOptions {
 int diff(Context& context, const DiffOptions& options);
 
 struct ShowOptions {
-    std::string file;   ///< a recording instead of the machine; or empty
+    std::string file;   ///< a recording instead of the machine, or a plan; or empty
     bool exact = false; ///< policies with sizes in MB where the drive is filled
 };
 int show(Context& context, const ShowOptions& options);
