@@ -106,7 +106,8 @@ class DrivePool {
             return false;
         }
         const DriveFacts& facts = drive.facts;
-        const bool isMember = facts.state == DriveState::failed && !drive.array.empty();
+        const bool isGone = facts.state == DriveState::failed || facts.state == DriveState::missing;
+        const bool isMember = isGone && !drive.array.empty();
         if (terms_.failedMembersStay && isMember) {
             return true;
         }
