@@ -282,6 +282,9 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
         if (!isSaidBetter(finding, isShifted, planning.controller.utility)) {
             found.push_back(finding);
         }
+        if (finding.code == problem::notAddressed) {
+            found.back().refusedBy = RefusedBy::plan; // no line could be right
+        }
     }
     refusals_.sort(std::move(found), planning);
     std::vector<Finding> told = std::exchange(planning.diagnostics, {});
