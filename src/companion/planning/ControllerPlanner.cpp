@@ -100,6 +100,9 @@ ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
     const RAIDController* const record = snapshot_.controllers.controller(detail.index);
     if (detail.failed || record == nullptr) {
         std::vector<Finding> findings = detail.findings;
+        for (Finding& finding : findings) {
+            finding.refusedBy = RefusedBy::plan; // why there can be none
+        }
         findings.push_back(
             planFault(problem::notCaptured,
                       "controller " + std::to_string(detail.number) + " could not be captured",

@@ -399,7 +399,7 @@ TEST(Plan, OfThirtySixControllersOf144Drives) {
     request.policiesFile = "site.ini";
     request.policiesText = customPolicy("Array.A = 1,2\nArray.B = 3,4,5,6,7,8\nArray.C = ALL\n"
                                         "Hotspares = 144\nLogical.1 = A:FILL:1:ON\n"
-                                        "Logical.2 = B:FILL:6:ON\nLogical.3 = C:FILL:5:ON\n");
+                                        "Logical.2 = B:FILL:5:ON\nLogical.3 = C:FILL:5:ON\n");
     request.accept = {"ZP110"};
     const MachinePlan plan = planMachine(snapshot, request);
     ASSERT_EQ(plan.controllers.size(), 36U);
@@ -408,7 +408,7 @@ TEST(Plan, OfThirtySixControllersOf144Drives) {
     for (const ControllerPlanning& controller : plan.controllers) {
         const bool isAddressed = controller.controller.number <= 15;
         EXPECT_EQ(controller.steps.size(), isAddressed ? 4U : 0U);
-        EXPECT_EQ(controller.diagnostics.size(), isAddressed ? 0U : 1U);
+        EXPECT_EQ(controller.diagnostics.size(), isAddressed ? 0U : 2U);
     }
     EXPECT_EQ(plan.controllers.at(15).diagnostics.at(0).code, "ZP110");
     EXPECT_EQ(plan.controllers.at(14).steps.at(3).step, 60);
