@@ -154,10 +154,12 @@ struct ControllerPlanning {
     /// What the controller is and has; without the texts of its listings.
     ControllerSnapshot controller;
     Disposition disposition = Disposition::refused;
-    std::string because;              ///< of already, skipped and refused: for people
-    std::vector<Finding> diagnostics; ///< errors make it refused
-    std::vector<Finding> warnings;    ///< notes too
-    std::string policy;               ///< name; or empty
+    std::string because; ///< of already, skipped and refused: for people
+    /// Errors that make it refused. Like warnings they do not name the controller, and stand in the
+    /// order of the policies file.
+    std::vector<Finding> diagnostics;
+    std::vector<Finding> warnings; ///< notes, and errors that were accepted, too
+    std::string policy;            ///< name; or empty
     std::int32_t policyLine = 0;
     std::string matchedBy; ///< "AppliesTo.1"
     std::vector<PolicyMatch> considered;
