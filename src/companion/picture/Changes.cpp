@@ -518,8 +518,12 @@ std::string matchText(const PolicyMatch& match) {
 std::string dispositionText(const ControllerPlanning& planning) {
     const std::string because = printable(planning.because);
     switch (planning.disposition) {
-    case Disposition::already:
-        return "as the policy says" + (because.empty() ? "" : " (" + because + ")");
+    case Disposition::already: {
+        constexpr std::string_view text = "as the policy says";
+        return because.substr(0, text.size()) == text || because.empty()
+                   ? std::string(text) + because.substr(std::min(text.size(), because.size()))
+                   : std::string(text) + " (" + because + ")";
+    }
     case Disposition::skipped:
         return "skipped" + (because.empty() ? "" : ": " + because);
     case Disposition::refused:
@@ -553,6 +557,9 @@ std::string faultsText(const MachinePlan& plan) {
 std::vector<RehearsalSentence> rehearsalSentences(const MachinePlan& plan) {
     const Rehearsal& rehearsal = plan.rehearsal;
     std::vector<RehearsalSentence> sentences;
+    if (plan.isApplicable() && !plan.changesSomething()) {
+        return sentences;
+    }
     for (const std::string& reason : rehearsal.notDoneBecause) {
         const std::string text = printable(reason);
         constexpr std::string_view begin = "not rehearsed";

@@ -236,8 +236,11 @@ class ControllerDiffWriter {
 
 std::string countOf(std::size_t count, std::size_t all, std::string_view one,
                     std::string_view many) {
+    if (all == 1) {
+        return "The controller " + std::string(one);
+    }
     std::string text = std::to_string(count);
-    text += " of " + std::to_string(all) + (all == 1 ? " controller " : " controllers ");
+    text += " of " + std::to_string(all) + " controllers ";
     return text + std::string(count == 1 ? one : many);
 }
 

@@ -41,7 +41,7 @@ std::string singleBlanks(std::string_view text) {
             result += c;
         }
     }
-    return result;
+    return result.substr(0, result.find_last_not_of(' ') + 1);
 }
 
 std::string timeText(std::chrono::milliseconds time) {
@@ -109,14 +109,17 @@ class ControllerWriter {
                 strategy();
             }
         }
+        if (planning_.disposition == Disposition::refused) {
+            errors();
+        }
         for (const std::string& health : planning_.comparison.health) {
             out_ += signedLine("  ! ", printable(health), Emphasis::warning, style_);
         }
         for (const Finding& warning : planning_.warnings) {
-            out_ += findingLine(warning, 2, style_);
-        }
-        if (planning_.disposition == Disposition::refused) {
-            errors();
+            // What is as it should be needs no hints on its policy.
+            if (!inOneLine || terms_.verbose || warning.severity != Severity::note) {
+                out_ += findingLine(warning, 2, style_);
+            }
         }
         return std::move(out_);
     }
@@ -148,6 +151,9 @@ class ControllerWriter {
         if ((isSkipped && !planning_.considered.empty() && planning_.policy.empty()) ||
             terms_.verbose) {
             policies();
+        }
+        if (terms_.verbose) {
+            bindings();
         }
     }
 
@@ -268,7 +274,7 @@ class ControllerWriter {
             for (std::size_t first = 0; first < row.slots.size(); first += size) {
                 const std::size_t last = std::min(first + size, row.slots.size());
                 std::string title = first == 0 ? row.title : "";
-                if (columnsOf(title) + 3 > rowTitleColumns) {
+                if (columnsOf(title) + 2 > rowTitleColumns) {
                     out_ += "  " + emphasized(title, Emphasis::heading, style_) + "\n";
                     title.clear();
                 }
@@ -313,19 +319,34 @@ class ControllerWriter {
         out_ += text + "\n";
     }
 
+    [[nodiscard]] static std::string levelsOf(const ControllerSnapshot& controller,
+                                              const MachineArray& array) {
+        std::vector<std::string> levels;
+        for (const std::size_t index : array.logicalDrives) {
+            const std::string level = levelOf(controller.facts.logicalDrives[index]);
+            if (levels.empty() || levels.back() != level) {
+                levels.push_back(level);
+            }
+        }
+        return levels.empty() ? "no logical drive" : joined(levels, "+");
+    }
+
     /// What the marks mean, of those that there are.
     void legend() {
         std::vector<std::string> pieces;
         const auto arrays = [&](const ControllerSnapshot& controller) {
-            for (const MachineArray& array : controller.arrays) {
-                std::vector<std::string> levels;
-                for (const std::size_t index : array.logicalDrives) {
-                    const std::string level = levelOf(controller.facts.logicalDrives[index]);
-                    if (levels.empty() || levels.back() != level) {
-                        levels.push_back(level);
-                    }
+            for (std::size_t i = 0; i < controller.arrays.size();) {
+                const std::string levels = levelsOf(controller, controller.arrays[i]);
+                std::size_t last = i;
+                while (last + 1 < controller.arrays.size() &&
+                       levelsOf(controller, controller.arrays[last + 1]) == levels) {
+                    ++last;
                 }
-                pieces.push_back(printable(array.letter) + " " + joined(levels, "+"));
+                std::string letters = printable(controller.arrays[i].letter);
+                letters +=
+                    last > i ? "-" + printable(controller.arrays[last].letter) : std::string();
+                pieces.push_back(letters + " " + levels);
+                i = last + 1;
             }
         };
         arrays(change_.now);
@@ -350,9 +371,10 @@ class ControllerWriter {
     }
 
     void bindings() {
+        std::vector<FieldLine> lines;
         for (const Binding& binding : planning_.bindings) {
             const std::string head = printable(binding.keyword) + " = " + printable(binding.value);
-            std::vector<FieldLine> lines;
+            const std::size_t before = lines.size();
             for (std::size_t i = 0; i < binding.drives.size();) {
                 std::vector<std::string> locations;
                 const std::string& why = binding.drives[i].why;
@@ -361,11 +383,11 @@ class ControllerWriter {
                 }
                 lines.push_back(
                     {2,
-                     {{lines.empty() ? head : "", Emphasis::bold},
+                     {{lines.size() == before ? head : "", Emphasis::bold},
                       {joined(locationRanges(locations), " ")},
                       {why.empty() ? "" : "because " + printable(why), Emphasis::dim}}});
             }
-            if (lines.empty()) {
+            if (lines.size() == before) {
                 lines.push_back({2,
                                  {{head, Emphasis::bold},
                                   {printable(binding.becomes)},
@@ -374,8 +396,8 @@ class ControllerWriter {
             } else if (terms_.verbose && !binding.becomes.empty()) {
                 lines.push_back({4, {{"becomes " + printable(binding.becomes), Emphasis::dim}}});
             }
-            add(lines);
         }
+        add(lines);
         if (!planning_.bindings.empty()) {
             out_ += "\n";
         }
@@ -481,6 +503,12 @@ class ControllerWriter {
         }
         if (reasons.size() == 1) {
             return reasons[0].first;
+        }
+        const bool growsFromFirst =
+            reasons.size() == 2 && array.drives.front().reason.code == "first-free" &&
+            array.drives.back().reason.code == "like-first" && reasons[0].second.size() == 1;
+        if (growsFromFirst) {
+            return reasons[0].first + " and those as large";
         }
         std::vector<std::string> pieces;
         for (const auto& [text, locations] : reasons) {
@@ -622,8 +650,9 @@ class PlanTextWriter {
         }
         findings();
         for (const ControllerPlanning& planning : plan_.controllers) {
-            const bool isShort = planning.disposition == Disposition::already ||
-                                 planning.disposition == Disposition::skipped;
+            const bool isShort =
+                planning.disposition == Disposition::already ||
+                (planning.disposition == Disposition::skipped && planning.considered.empty());
             if (!isShort || !lastIsShort_) {
                 out_ += "\n";
             }

@@ -68,6 +68,15 @@ Finding findingOf(const BindingFault& fault, const std::string& file) {
     return finding;
 }
 
+/// Whether what seems to be a controller without drives is one whose listing is an error text.
+bool hasNoListing(const ControllerSnapshot& detail, const RAIDController& record) {
+    return record.numberOfDrives() == 0 &&
+           std::any_of(detail.findings.begin(), detail.findings.end(), [](const Finding& finding) {
+               return finding.code == problem::notAListing ||
+                      finding.code == problem::listingRefused;
+           });
+}
+
 } // namespace
 
 /// A plan that may be taken, or not.
@@ -98,8 +107,11 @@ ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
     ControllerPlanning planning;
     planning.controller = withoutListings(detail);
     const RAIDController* const record = snapshot_.controllers.controller(detail.index);
-    if (detail.failed || record == nullptr) {
+    if (detail.failed || record == nullptr || hasNoListing(detail, *record)) {
         std::vector<Finding> findings = detail.findings;
+        for (Finding& finding : findings) {
+            finding.refusedBy = RefusedBy::plan; // nothing is known: there is nothing to let pass
+        }
         findings.push_back(
             planFault(problem::notCaptured,
                       "controller " + std::to_string(detail.number) + " could not be captured",
