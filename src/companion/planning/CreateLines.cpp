@@ -47,6 +47,8 @@ constexpr std::array<CacheWord, 7> cacheWords = {{
 }};
 // clang-format on
 
+constexpr const char* changedPlaces = "equal drives have changed places";
+
 std::string cacheText(const std::vector<std::string>& argv) {
     for (const CacheWord& row : cacheWords) {
         if (std::find(argv.begin(), argv.end(), row.word) != argv.end()) {
@@ -60,9 +62,9 @@ std::string cacheText(const std::vector<std::string>& argv) {
 class Creator {
   public:
     Creator(const RAIDController& record, const ControllerPlanning& planning,
-            const StepChoice& choice)
+            const StepChoice& choice, const RAIDConfiguration& byZolex)
         : record_(record), planning_(planning), choice_(choice), layout_(*planning.configuration),
-          dialect_(traitsOf(record.type()).dialect) {}
+          byZolex_(byZolex), dialect_(traitsOf(record.type()).dialect) {}
 
     Creation make() {
         readOldLines();
@@ -94,7 +96,8 @@ class Creator {
     /// zolex's own lines, and where those of each array begin: the lines of the first arrays alone
     /// are the beginning of those of all.
     void readOldLines() {
-        oldLines_ = linesOf(layout_);
+        oldLines_ = linesOf(byZolex_);
+        newLines_ = linesOf(layout_);
         if (fault_) {
             creation_.faults.push_back(lineFault(*fault_));
             return;
@@ -177,30 +180,30 @@ class Creator {
         return drives;
     }
 
-    /// zolex's lines of the logical drive that is number `place` on its array.
-    [[nodiscard]] std::vector<std::string> oldLinesOf(std::size_t array, std::size_t place) const {
+    /// zolex's lines of the logical drive that is number `place` on its array, as indices.
+    [[nodiscard]] std::vector<std::size_t> linesOf(std::size_t array, std::size_t place) const {
         const std::size_t begin = array == 0 ? 0 : oldEnds_[array - 1];
-        const auto at = [this](std::size_t index) {
-            return oldLines_.begin() + static_cast<std::ptrdiff_t>(index);
-        };
         if (abilitiesOf(record_).lettersArrays) {
-            return {at(begin + place), at(begin + place + 1)};
+            return {begin + place};
         }
-        return place == 0 ? std::vector<std::string>(at(begin), at(oldEnds_[array]))
-                          : std::vector<std::string>();
+        std::vector<std::size_t> lines;
+        for (std::size_t line = begin; place == 0 && line < oldEnds_[array]; ++line) {
+            lines.push_back(line);
+        }
+        return lines;
     }
 
     void makeArray(std::size_t array) {
         const std::vector<std::size_t> drives = drivesOf(array);
         for (std::size_t place = 0; place < drives.size(); ++place) {
-            const std::vector<std::string> old = oldLinesOf(array, place);
+            const std::vector<std::size_t> lines = linesOf(array, place);
             if (missing_.count(drives[place]) == 0) {
-                for (const std::string& line : old) {
-                    leaveOut(line, standsText(drives[place]));
+                for (const std::size_t line : lines) {
+                    leaveOut(oldLines_[line], standsText(drives[place]));
                 }
                 continue;
             }
-            makeVolume(array, drives[place], old);
+            makeVolume(array, drives[place], lines);
         }
     }
 
@@ -210,18 +213,26 @@ class Creator {
                (found == standing_.end() ? "" : " as LD " + found->second);
     }
 
-    void makeVolume(std::size_t array, std::size_t drive, const std::vector<std::string>& old) {
+    void makeVolume(std::size_t array, std::size_t drive, const std::vector<std::size_t>& lines) {
         const std::int32_t number = takeNumber();
-        if (old.empty()) {
+        if (lines.empty()) {
             PlanStep step = createStep(array, drive, lineAlone(array, drive));
             step.differsFromZolex =
                 "zolex makes the first logical drive of array " + letterOf(array) + " alone";
-            add(std::move(step));
+            creation_.oldDifferences.push_back("zolex does not run " + step.command + ": " +
+                                               step.differsFromZolex);
+            creation_.steps.push_back(std::move(step));
             return;
         }
-        add(createStep(array, drive, old.front()));
-        for (std::size_t line = 1; line < old.size(); ++line) {
-            addSetting(drive, old[line], number);
+        const std::string& old = oldLines_[lines.front()];
+        PlanStep step = createStep(array, drive, newLines_[lines.front()]);
+        if (step.command != old) {
+            step.differsFromZolex = changedPlaces;
+            change(old, step);
+        }
+        creation_.steps.push_back(std::move(step));
+        for (std::size_t i = 1; i < lines.size(); ++i) {
+            addSetting(drive, oldLines_[lines[i]], number);
         }
     }
 
@@ -351,7 +362,8 @@ class Creator {
                 leaveOut(oldLines_[begin + spare], "the spare " + location + " stands already");
                 continue;
             }
-            addSpares(oldLines_[begin + spare], oldLines_[begin + spare], {location}, {});
+            addSpares(newLines_[begin + spare], oldLines_[begin + spare], {location},
+                      changedPlaces);
         }
     }
 
@@ -385,6 +397,7 @@ class Creator {
             if (missing.size() < planning_.spares.size()) {
                 why += std::string(why.empty() ? "" : "; ") + "the other spares stand already";
             }
+            why = why.empty() ? changedPlaces : why;
         }
         addSpares(std::move(line), old, missing, why);
     }
@@ -396,7 +409,7 @@ class Creator {
         step.summary = locations.size() == 1 ? "make " + locations.front() + " a spare"
                                              : "make " + driveList(locations) + " spares";
         if (step.command != old) {
-            step.differsFromZolex = why.empty() ? "zolex names other drives" : why;
+            step.differsFromZolex = why;
             change(old, step);
         }
         if (!namesItsDrives(dialect_, step, locations)) {
@@ -405,13 +418,6 @@ class Creator {
         creation_.steps.push_back(std::move(step));
     }
 
-    void add(PlanStep step) {
-        if (!step.differsFromZolex.empty()) {
-            creation_.oldDifferences.push_back("zolex does not run " + step.command + ": " +
-                                               step.differsFromZolex);
-        }
-        creation_.steps.push_back(std::move(step));
-    }
     void change(const std::string& old, const PlanStep& step) {
         creation_.oldDifferences.push_back("zolex runs " + old + " instead of " + step.command +
                                            ": " + step.differsFromZolex);
@@ -424,9 +430,11 @@ class Creator {
     const ControllerPlanning& planning_;
     const StepChoice& choice_;
     const RAIDConfiguration& layout_;
+    const RAIDConfiguration& byZolex_;
     const Dialect dialect_;
-    std::optional<Fault> fault_; ///< of the lines that were made last
-    std::vector<std::string> oldLines_;
+    std::optional<Fault> fault_;                  ///< of the lines that were made last
+    std::vector<std::string> oldLines_;           ///< of zolex
+    std::vector<std::string> newLines_;           ///< the same with the drives that do the work
     std::vector<std::size_t> oldEnds_;            ///< behind the lines of each array
     std::set<std::size_t> missing_;               ///< indices of logical drives
     std::map<std::size_t, std::string> standing_; ///< id of the captured one, by index
@@ -439,8 +447,8 @@ class Creator {
 } // namespace
 
 Creation makeCreation(const RAIDController& record, const ControllerPlanning& planning,
-                      const StepChoice& choice) {
-    return Creator(record, planning, choice).make();
+                      const StepChoice& choice, const RAIDConfiguration& byZolex) {
+    return Creator(record, planning, choice, byZolex).make();
 }
 
 } // namespace zolex::companion

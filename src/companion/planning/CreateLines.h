@@ -17,8 +17,10 @@ struct Creation {
 };
 
 /// The lines of zolex for what is missing, array by array and then the spares; lines of its own
-/// where those would leave something out or name another drive.
+/// where those would leave something out or name another drive. `byZolex` is the layout that zolex
+/// plans: the same but for equal drives that have changed places.
 [[nodiscard]] Creation makeCreation(const RAIDController& record,
-                                    const ControllerPlanning& planning, const StepChoice& choice);
+                                    const ControllerPlanning& planning, const StepChoice& choice,
+                                    const RAIDConfiguration& byZolex);
 
 } // namespace zolex::companion

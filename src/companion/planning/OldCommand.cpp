@@ -1,6 +1,7 @@
 #include "companion/planning/OldCommand.h"
 
 #include "commands/CommandLines.h"
+#include "companion/planning/RemovalLines.h"
 #include "foundation/Report.h"
 #include "foundation/Text.h"
 
@@ -117,6 +118,26 @@ class OldRun {
                                controller.strategy == Strategy::add;
             if (stays && holdsSomething(controller)) {
                 tell(controller, "zolex /r erases it, and here it stays as it is");
+            }
+            if (!holdsSomething(controller)) {
+                tellNeedlessReset(controller);
+            }
+        }
+    }
+
+    /// Its restore takes blank controllers, too.
+    void tellNeedlessReset(const ControllerPlanning& controller) {
+        const RAIDController* const record =
+            snapshot_.controllers.controller(controller.controller.index);
+        if (record == nullptr) {
+            return;
+        }
+        for (const std::string& line : resetLines(*record, controller.controller.number)) {
+            const bool isRun =
+                std::any_of(controller.steps.begin(), controller.steps.end(),
+                            [&line](const PlanStep& step) { return step.command == line; });
+            if (!isRun) {
+                tell(controller, "zolex also runs " + line + ": nothing stands on the controller");
             }
         }
     }

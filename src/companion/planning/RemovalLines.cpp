@@ -40,11 +40,8 @@ class Remover {
   private:
     /// zolex's reset line of an index; empty when there is none.
     [[nodiscard]] std::string resetLine(std::size_t index) const {
-        SilentReport silent;
-        RestoreDefaults source({}, silent);
-        return index < source.numberOfCommands(record_)
-                   ? source.getCommand(record_, planning_.controller.number, index).c_str()
-                   : "";
+        const std::vector<std::string> lines = resetLines(record_, planning_.controller.number);
+        return index < lines.size() ? lines[index] : "";
     }
 
     PlanStep& add(const char* action, std::string command, std::string summary) {
@@ -176,7 +173,7 @@ class Remover {
 
     void tellLeftOut() {
         const bool stands = !planning_.before.groups.empty() || !planning_.before.spares.empty();
-        if (!stands && !choice_.clearsForeign) {
+        if (!stands && planning_.before.foreignDrives.empty()) {
             return;
         }
         if (!choice_.clearsAll) {
@@ -215,6 +212,16 @@ class Remover {
 Removal makeRemoval(const RAIDController& record, const ControllerPlanning& planning,
                     const StepChoice& choice) {
     return Remover(record, planning, choice).make();
+}
+
+std::vector<std::string> resetLines(const RAIDController& record, std::int32_t number) {
+    SilentReport silent;
+    RestoreDefaults source({}, silent);
+    std::vector<std::string> lines;
+    for (std::size_t index = 0; index < source.numberOfCommands(record); ++index) {
+        lines.emplace_back(source.getCommand(record, number, index).c_str());
+    }
+    return lines;
 }
 
 PlanStep stepOf(const RAIDController& record, const ControllerPlanning& planning,

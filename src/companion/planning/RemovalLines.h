@@ -4,6 +4,7 @@
 #include "companion/planning/Strategy.h"
 #include "model/RAIDController.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,10 @@ struct Removal {
 /// else the spares and then the logical drives that go, from the last to the first.
 [[nodiscard]] Removal makeRemoval(const RAIDController& record, const ControllerPlanning& planning,
                                   const StepChoice& choice);
+
+/// The lines by which zolex returns a controller to factory defaults.
+[[nodiscard]] std::vector<std::string> resetLines(const RAIDController& record,
+                                                  std::int32_t number);
 
 /// A step of this command line, with what it depends on besides the line.
 [[nodiscard]] PlanStep stepOf(const RAIDController& record, const ControllerPlanning& planning,

@@ -1,6 +1,7 @@
 #include "companion/planning/Steps.h"
 
 #include "companion/planning/CreateLines.h"
+#include "companion/planning/Exchange.h"
 #include "companion/planning/RemovalLines.h"
 #include "companion/planning/Strategy.h"
 
@@ -31,13 +32,18 @@ void makeSteps(const RAIDController& record, StrategyWish wish, ControllerPlanni
     if (!planning.configuration) {
         return;
     }
+    const RAIDConfiguration byZolex = *planning.configuration;
+    if (wish != StrategyWish::rebuild && planning.comparison.result == Sameness::different &&
+        planForStandingDrives(planning) && planning.comparison.result != Sameness::different) {
+        return;
+    }
     StepChoice choice = chooseStrategy(record, wish, planning);
     planning.strategy = choice.strategy;
     planning.strategyBecause = choice.because;
     if (choice.strategy == Strategy::none) {
         return;
     }
-    Creation creation = makeCreation(record, planning, choice);
+    Creation creation = makeCreation(record, planning, choice, byZolex);
     append(choice.faults, std::move(creation.faults));
     if (!choice.faults.empty()) {
         for (Finding& fault : choice.faults) {

@@ -240,6 +240,30 @@ TEST(StepsTest, AWholeClearWhereNothingStays) {
     expectDone(server, policies);
 }
 
+TEST(StepsTest, ADedicatedSpareGoesWithTheGroupsThatItCouldBelongTo) {
+    PlannedServer server("configured");
+    Snapshot snapshot = server.snapshot();
+    for (DriveFacts& drive : snapshot.details.front().facts.drives) {
+        if (drive.location == "32:7") {
+            drive.hotspare = HotspareKind::dedicated;
+        }
+    }
+    PlanRequest request;
+    request.policiesFile = "site.ini";
+    request.policiesText = head + "Array.A = 1,2\nArray.B = 3,4,5\nHotspares = 8\n"
+                                  "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1:ON\n"
+                                  "Logical.2 = B:FILL:0:ON\n";
+    const MachinePlan plan = planMachine(snapshot, request);
+    EXPECT_EQ(faultsOf(plan), Lines{});
+    EXPECT_EQ(lossesOf(plan), (Lines{"hotspare 32:7", "logical_drive 1"}));
+    EXPECT_EQ(summariesOf(plan),
+              (Lines{"remove-spare: remove the spare 32:7",
+                     "delete-logical-drive: delete LD 1: RAID5 on 32:2 32:3 32:4 32:5 32:6",
+                     "create-array: create B: RAID0 on 32:2 32:3 32:4",
+                     "create-spare: make 32:7 a spare"}));
+    EXPECT_EQ(server.carryOut(plan), Lines{});
+}
+
 TEST(StepsTest, RebuildMakesAnewWhatStandsAsWanted) {
     PlannedServer server("configured");
     const std::string policies = server.samplePolicies();
@@ -339,6 +363,47 @@ TEST(StepsTest, ForeignDrivesThatAreNeededAreClearedWithConsent) {
     EXPECT_EQ(faultsOf(server.plan(policies, StrategyWish::add)),
               Lines{"ZP220 adding is not enough: this takes a rebuild"});
     expectDone(server, policies);
+}
+
+// Spares that stepped in
+
+/// RAID 5 over all drives but the spare, which zolex chooses.
+const std::string chosenDrives = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:1\n";
+
+/// The spare 32:7 stands in for 32:2, which has been replaced and is free.
+std::string steppedIn(const std::string& member) {
+    return megaRaid(R"({"enclosure": 32, "slot": 0, "count": 8, "sizeMB": 69376, "serial": "S"})",
+                    R"("virtualDisks": [{"level": "RAID5", "writePolicy": "WB",
+                        "readPolicy": "ADRA", "spans": [["32:0", "32:1", ")" +
+                        member + R"(", "32:3", "32:4", "32:5", "32:6"]]}])");
+}
+
+TEST(StepsTest, ADriveInThePlaceOfTheSpareBecomesTheSpare) {
+    PlannedServer server(steppedIn("32:7"));
+    const MachinePlan plan = server.plan(chosenDrives);
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), (Lines{"UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:2 ] -a0"}));
+    EXPECT_EQ(reasonsOf(plan), (Lines{"missing: the spare 32:2 is missing"}));
+    EXPECT_EQ(
+        differencesOf(plan),
+        (Lines{
+            "zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: what stands stays",
+            "zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT: there is nothing "
+            "that it would clear",
+            "zolex also runs UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2,32:3,32:4,32:5,32:6 "
+            "]   WB   ADRA   -strpsz 64  -a0: Logical.1 stands already as LD 0",
+            "zolex runs UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0 instead of UTIL.BAT "
+            "MEGACLI -PDHSP { -Set } -PhysDrv[ 32:2 ] -a0: equal drives have changed places"}));
+    EXPECT_EQ(plan.controllers.front().spares.front().location, "32:2");
+    expectDone(server, chosenDrives, StrategyWish::add);
+}
+
+TEST(StepsTest, TheMissingSpareIsTheOneThatIsPlanned) {
+    PlannedServer server(steppedIn("32:2"));
+    const MachinePlan plan = server.plan(chosenDrives);
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), (Lines{"UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0"}));
+    expectDone(server, chosenDrives, StrategyWish::add);
 }
 
 // ARCCONF
