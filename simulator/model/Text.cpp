@@ -1,6 +1,7 @@
 #include "model/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 
@@ -22,12 +23,18 @@ std::string formatted(const char* format, ...) {
     va_start(arguments, format);
     va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    // Most texts are short: they are made in one go.
+    std::array<char, 1024> room; // written before it is read
+    const int length = std::vsnprintf(room.data(), room.size(), format, arguments);
     va_end(arguments);
     std::string text;
     if (length > 0) {
-        text.resize(static_cast<std::size_t>(length));
-        std::vsnprintf(text.data(), text.size() + 1, format, again);
+        const auto size = static_cast<std::size_t>(length);
+        text.assign(room.data(), std::min(size, room.size() - 1));
+        if (size >= room.size()) {
+            text.resize(size);
+            std::vsnprintf(text.data(), size + 1, format, again);
+        }
     }
     va_end(again);
     return text;

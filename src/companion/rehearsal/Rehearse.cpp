@@ -86,7 +86,8 @@ class ControllerRehearsal {
                        step.command + wordsOf(played.output));
                 return false;
             }
-            facts_ = isWhole ? copy_.capture() : copy_.capture(stages_.back().state, facts_);
+            facts_ =
+                isWhole ? copy_.capture() : copy_.capture(stages_.back().state, std::move(facts_));
             keepStage();
             step.expectedAfter = stages_.back().layout;
             if (!step.isRepeatable && stages_.back().layout == stages_[stages_.size() - 2].layout) {
@@ -186,10 +187,6 @@ MadeCopy copyOf(const Snapshot& snapshot, std::int32_t number) {
     return copyController(*captured, record->type());
 }
 
-bool isRefused(const ControllerPlanning& planning) {
-    return planning.disposition == Disposition::refused;
-}
-
 void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
     Rehearsal& rehearsal = plan.rehearsal;
     bool endsAsPlanned = true;
@@ -216,12 +213,15 @@ void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
 void rehearse(const Snapshot& snapshot, MachinePlan& plan) {
     const std::chrono::milliseconds begin = system::elapsed();
     plan.rehearsal = Rehearsal();
-    if (std::any_of(plan.controllers.begin(), plan.controllers.end(), isRefused)) {
+    if (!plan.isApplicable()) {
         plan.rehearsal.notDoneBecause.emplace_back(
             "not rehearsed: the plan cannot be carried out as it stands");
         return;
     }
     rehearseAll(snapshot, plan);
+    if (!plan.isApplicable()) {
+        plan.consent.clear(); // nothing is lost by what cannot be carried out
+    }
     plan.rehearsal.durationMs = (system::elapsed() - begin).count();
 }
 

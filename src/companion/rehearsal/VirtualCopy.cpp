@@ -217,7 +217,7 @@ zolex_sim::Controller VirtualCopy::changedPart(const CopyState& before,
     return part;
 }
 
-Facts VirtualCopy::capture(const CopyState& before, const Facts& facts) {
+Facts VirtualCopy::capture(const CopyState& before, Facts facts) {
     // HYPERWIN tells members by what is not listed.
     if (utility_ == "HYPERWIN" || facts.logicalDrives.size() != before.logicalDrives.size()) {
         return capture();
@@ -247,24 +247,22 @@ Facts VirtualCopy::capture(const CopyState& before, const Facts& facts) {
     part.controllers.assign(server_.controllers.size() - 1, placeholderOf(utility_));
     part.controllers.push_back(changedPart(before, isArrayKept));
     Facts found = readFrom(part);
-    Facts result = original_;
-    result.foreignConfigurations = facts.foreignConfigurations;
-    result.drives = facts.drives;
-    takeStates(result.drives, found.drives);
+    takeStates(facts.drives, found.drives);
+    std::vector<LogicalDriveFacts> volumes;
     auto next = found.logicalDrives.begin();
     for (std::size_t place = 0; place < now.logicalDrives.size(); ++place) {
         if (!placeBefore[place] && next == found.logicalDrives.end()) {
             return capture(); // a listing that tells of less than there is
         }
-        result.logicalDrives.push_back(placeBefore[place] ? facts.logicalDrives[*placeBefore[place]]
-                                                          : std::move(*next++));
-        LogicalDriveFacts& volume = result.logicalDrives.back();
+        LogicalDriveFacts& volume = volumes.emplace_back(
+            placeBefore[place] ? facts.logicalDrives[*placeBefore[place]] : std::move(*next++));
         volume.array = std::to_string(now.logicalDrives[place].array);
         if (utility_ == "QTCSEND" || utility_.starts_with("CFGGEN")) {
             volume.id = std::to_string(place + 1); // they number by place
         }
     }
-    return result;
+    facts.logicalDrives = std::move(volumes);
+    return facts;
 }
 
 } // namespace zolex::companion

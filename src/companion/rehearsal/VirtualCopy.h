@@ -49,7 +49,7 @@ class VirtualCopy {
     [[nodiscard]] Facts capture() { return inPlaceOfOriginal(read()); }
     /// As `capture`, when `facts` was captured in the state `before`: only what has changed since
     /// is listed and read again.
-    [[nodiscard]] Facts capture(const CopyState& before, const Facts& facts);
+    [[nodiscard]] Facts capture(const CopyState& before, Facts facts);
 
   private:
     [[nodiscard]] zolex_sim::Controller& copy() { return server_.controllers.back(); }
