@@ -86,13 +86,13 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
       "takes_rebuild": [],
 )~");
     keepDocument("diff-by-hand", text);
-      }
+}
 
-      TEST(DiffDocument, HasBothLayouts) {
-          const std::string text = diffDocument(exampleDiff(), head);
-          const std::string second = text.substr(text.find("\"number\": 2"));
-          EXPECT_EQ(between(second, "      \"wanted\": {", "      \"diagnostics\""),
-                    R"(      "wanted": {
+TEST(DiffDocument, HasBothLayouts) {
+    const std::string text = diffDocument(exampleDiff(), head);
+    const std::string second = text.substr(text.find("\"number\": 2"));
+    EXPECT_EQ(between(second, "      \"wanted\": {", "      \"diagnostics\""),
+              R"(      "wanted": {
         "arrays": [
           {
             "id": "A",
@@ -140,25 +140,25 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
         "foreign_drives": []
       },
 )");
-      }
+}
 
-      TEST(DiffDocument, SaysWhyAControllerCouldNotBeTold) {
-          MachineDiff diff = exampleDiff();
-          diff.wantedBy = "plan.json";
-          diff.isByPlan = true;
-          diff.result = ControllerDiff::Result::unknown;
-          diff.controllers[0] = {};
-          diff.controllers[0].number = 1;
-          diff.controllers[0].because = "its utility failed";
-          diff.controllers[0].diagnostics = {
-              exampleFinding("ZP104", Severity::error, "MEGACLI ended with 1")};
-          diff.controllers[1] = {};
-          diff.controllers[1].number = 2;
-          diff.controllers[1].result = ControllerDiff::Result::skipped;
-          diff.controllers[1].because = "no policy is for this controller";
-          const std::string text = diffDocument(diff, head);
-          EXPECT_EQ(between(text, "  \"wanted_by\"", "    {\n      \"number\": 2"),
-                    R"(  "wanted_by": {
+TEST(DiffDocument, SaysWhyAControllerCouldNotBeTold) {
+    MachineDiff diff = exampleDiff();
+    diff.wantedBy = "plan.json";
+    diff.isByPlan = true;
+    diff.result = ControllerDiff::Result::unknown;
+    diff.controllers[0] = {};
+    diff.controllers[0].number = 1;
+    diff.controllers[0].because = "its utility failed";
+    diff.controllers[0].diagnostics = {
+        exampleFinding("ZP104", Severity::error, "MEGACLI ended with 1")};
+    diff.controllers[1] = {};
+    diff.controllers[1].number = 2;
+    diff.controllers[1].result = ControllerDiff::Result::skipped;
+    diff.controllers[1].because = "no policy is for this controller";
+    const std::string text = diffDocument(diff, head);
+    EXPECT_EQ(between(text, "  \"wanted_by\"", "    {\n      \"number\": 2"),
+              R"(  "wanted_by": {
     "file": "plan.json",
     "kind": "plan"
   },
@@ -192,13 +192,13 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
       ]
     },
 )");
-          keepDocument("diff-unknown", text);
-      }
+    keepDocument("diff-unknown", text);
+}
 
-      TEST(DiffDocument, ACommandThatFailsHasADocumentToo) {
-          const std::string text = failedDiffDocument(
-              {exampleFinding("ZP100", Severity::error, "there is no controller 9")}, head);
-          EXPECT_EQ(text.substr(text.find("\n  \"fingerprint\"")), R"(
+TEST(DiffDocument, ACommandThatFailsHasADocumentToo) {
+    const std::string text = failedDiffDocument(
+        {exampleFinding("ZP100", Severity::error, "there is no controller 9")}, head);
+    EXPECT_EQ(text.substr(text.find("\n  \"fingerprint\"")), R"(
   "fingerprint": null,
   "wanted_by": {
     "file": null,
@@ -219,8 +219,8 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
   ]
 }
 )");
-          keepDocument("diff-not-made", text);
-      }
+    keepDocument("diff-not-made", text);
+}
 
-      } // namespace
-      } // namespace zolex::companion
+} // namespace
+} // namespace zolex::companion

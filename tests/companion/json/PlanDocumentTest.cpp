@@ -289,8 +289,9 @@ TEST(PlanDocument, TellsTheStrategyTheBindingsAndTheComparison) {
         }
       ],
 )");
-    EXPECT_EQ(between(text, "          {\n            \"attribute\": \"missing\"", "      \"strategy\""),
-              R"~(          {
+    EXPECT_EQ(
+        between(text, "          {\n            \"attribute\": \"missing\"", "      \"strategy\""),
+        R"~(          {
             "attribute": "missing",
             "location": "32:7",
             "logical_drive": null,
@@ -310,12 +311,12 @@ TEST(PlanDocument, TellsTheStrategyTheBindingsAndTheComparison) {
       },
 )~");
     keepDocument("plan-full", text);
-        }
+}
 
-        TEST(PlanDocument, EndsWithLossesStepsAndTheRehearsal) {
-            const std::string text = planDocument(agreedPlan(), planHead());
-            EXPECT_EQ(between(text, "  \"destroys\"", "    {\n      \"step\": 2"),
-                      R"(  "destroys": {
+TEST(PlanDocument, EndsWithLossesStepsAndTheRehearsal) {
+    const std::string text = planDocument(agreedPlan(), planHead());
+    EXPECT_EQ(between(text, "  \"destroys\"", "    {\n      \"step\": 2"),
+              R"(  "destroys": {
     "consent": "8XXW-A52B",
     "capacity_bytes": 145492017152,
     "items": [
@@ -367,7 +368,7 @@ TEST(PlanDocument, TellsTheStrategyTheBindingsAndTheComparison) {
       }
     },
 )");
-            EXPECT_EQ(between(text, "  \"rehearsal\"", "      \"bbbb"), R"(  "rehearsal": {
+    EXPECT_EQ(between(text, "  \"rehearsal\"", "      \"bbbb"), R"(  "rehearsal": {
     "done": true,
     "ends_as_planned": true,
     "duration_ms": 1,
@@ -379,8 +380,8 @@ TEST(PlanDocument, TellsTheStrategyTheBindingsAndTheComparison) {
         "RAID1 fill: 32:0 32:1"
       ],
 )");
-            EXPECT_EQ(between(text, "  \"old_command\": {\n    \"would_run\"", "}"),
-                      R"(  "old_command": {
+    EXPECT_EQ(between(text, "  \"old_command\": {\n    \"would_run\"", "}"),
+              R"(  "old_command": {
     "would_run": [
       "zolex /r /y /f:site.ini"
     ],
@@ -392,30 +393,29 @@ TEST(PlanDocument, TellsTheStrategyTheBindingsAndTheComparison) {
   "core_messages": [],
   "diagnostics": []
 )");
-        }
+}
 
-        TEST(PlanDocument, WhereNothingIsLostThereIsNothingToAgreeTo) {
-            const std::string text = planDocument(exampleNothingToDoPlan(), planHead());
-            EXPECT_TRUE(holds(text, R"(      "outcome": "already",
+TEST(PlanDocument, WhereNothingIsLostThereIsNothingToAgreeTo) {
+    const std::string text = planDocument(exampleNothingToDoPlan(), planHead());
+    EXPECT_TRUE(holds(text, R"(      "outcome": "already",
       "outcome_reason": "equivalent: the spare is 32:3 instead of 32:7",
 )"));
-            EXPECT_TRUE(holds(text, R"(  "destroys": {
+    EXPECT_TRUE(holds(text, R"(  "destroys": {
     "consent": null,
     "capacity_bytes": 0,
     "items": []
   },
   "steps": [],
 )"));
-            keepDocument("plan-already", text);
-        }
+    keepDocument("plan-already", text);
+}
 
-        TEST(PlanDocument, OneThatCannotBeCarriedOutHasItsFaultsAndNoSteps) {
-            MachinePlan plan = exampleRefusedPlan();
-            plan.policiesFindings = {
-                exampleFinding("ZX101", Severity::error, "a fault of the file")};
-            const std::string text = planDocument(plan, planHead());
-            EXPECT_FALSE(holds(text, "\"steps\""));
-            EXPECT_EQ(text.substr(text.find("\n  \"diagnostics\"")), R"(
+TEST(PlanDocument, OneThatCannotBeCarriedOutHasItsFaultsAndNoSteps) {
+    MachinePlan plan = exampleRefusedPlan();
+    plan.policiesFindings = {exampleFinding("ZX101", Severity::error, "a fault of the file")};
+    const std::string text = planDocument(plan, planHead());
+    EXPECT_FALSE(holds(text, "\"steps\""));
+    EXPECT_EQ(text.substr(text.find("\n  \"diagnostics\"")), R"(
   "diagnostics": [
     {
       "code": "ZX101",
@@ -455,63 +455,62 @@ TEST(PlanDocument, TellsTheStrategyTheBindingsAndTheComparison) {
   ]
 }
 )");
-            keepDocument("plan-refused", text);
-        }
+    keepDocument("plan-refused", text);
+}
 
-        TEST(PlanDocument, ACommandThatFailsHasADocumentToo) {
-            const std::string text = failedPlanDocument(
-                {exampleFinding("ZP100", Severity::error, "there is no controller 9")}, planHead());
-            EXPECT_TRUE(holds(text, "\n  \"plan_id\": null,\n  \"fingerprint\": null,\n")) << text;
-            EXPECT_TRUE(holds(text, "\n  \"controllers\": [],\n")) << text;
-            EXPECT_TRUE(holds(text, "\"summary\": \"there is no controller 9\"")) << text;
-            EXPECT_FALSE(holds(text, "\"steps\"")) << text;
-            keepDocument("plan-not-made", text);
-        }
+TEST(PlanDocument, ACommandThatFailsHasADocumentToo) {
+    const std::string text = failedPlanDocument(
+        {exampleFinding("ZP100", Severity::error, "there is no controller 9")}, planHead());
+    EXPECT_TRUE(holds(text, "\n  \"plan_id\": null,\n  \"fingerprint\": null,\n")) << text;
+    EXPECT_TRUE(holds(text, "\n  \"controllers\": [],\n")) << text;
+    EXPECT_TRUE(holds(text, "\"summary\": \"there is no controller 9\"")) << text;
+    EXPECT_FALSE(holds(text, "\"steps\"")) << text;
+    keepDocument("plan-not-made", text);
+}
 
-        TEST(PlanDocument, TheIdIsOfWhatIsDoneAndWhen) {
-            MachinePlan plan = agreedPlan();
-            plan.id.clear();
-            const std::string id = planIdOf(plan, "2026-11-21T21:05:00+01:00");
-            EXPECT_EQ(14U, id.size());
-            EXPECT_EQ("p-", id.substr(0, 2));
-            EXPECT_EQ(std::string::npos, id.find_first_not_of("0123456789abcdef", 2));
-            EXPECT_EQ(id, planIdOf(plan, "2026-11-21T21:05:00+01:00"));
-            EXPECT_TRUE(
-                holds(planDocument(plan, planHead()), "\n  \"plan_id\": \"" + id + "\",\n"));
-            EXPECT_NE(id, planIdOf(plan, "2026-11-21T21:05:01+01:00"));
-            MachinePlan other = plan;
-            other.controllers[0].steps[2].argv.back() = "-a1";
-            EXPECT_NE(id, planIdOf(other, "2026-11-21T21:05:00+01:00"));
-            other = plan;
-            other.fingerprint.state = std::string(64, '3');
-            EXPECT_NE(id, planIdOf(other, "2026-11-21T21:05:00+01:00"));
-            other = plan;
-            other.policiesHash = std::string(64, '3');
-            EXPECT_NE(id, planIdOf(other, "2026-11-21T21:05:00+01:00"));
-        }
+TEST(PlanDocument, TheIdIsOfWhatIsDoneAndWhen) {
+    MachinePlan plan = agreedPlan();
+    plan.id.clear();
+    const std::string id = planIdOf(plan, "2026-11-21T21:05:00+01:00");
+    EXPECT_EQ(14U, id.size());
+    EXPECT_EQ("p-", id.substr(0, 2));
+    EXPECT_EQ(std::string::npos, id.find_first_not_of("0123456789abcdef", 2));
+    EXPECT_EQ(id, planIdOf(plan, "2026-11-21T21:05:00+01:00"));
+    EXPECT_TRUE(holds(planDocument(plan, planHead()), "\n  \"plan_id\": \"" + id + "\",\n"));
+    EXPECT_NE(id, planIdOf(plan, "2026-11-21T21:05:01+01:00"));
+    MachinePlan other = plan;
+    other.controllers[0].steps[2].argv.back() = "-a1";
+    EXPECT_NE(id, planIdOf(other, "2026-11-21T21:05:00+01:00"));
+    other = plan;
+    other.fingerprint.state = std::string(64, '3');
+    EXPECT_NE(id, planIdOf(other, "2026-11-21T21:05:00+01:00"));
+    other = plan;
+    other.policiesHash = std::string(64, '3');
+    EXPECT_NE(id, planIdOf(other, "2026-11-21T21:05:00+01:00"));
+}
 
-        TEST(PlanDocument, WhatALogicalDriveHasForItselfIsNotToldOfAll) {
-            MachinePlan plan = agreedPlan();
-            plan.controllers[0].volumes[1].stripSizeBytes = 131072;
-            plan.controllers[0].volumes[1].readCache = "Off";
-            EXPECT_TRUE(holds(planDocument(plan, planHead()), R"(        "initialize_type": "Fast",
+TEST(PlanDocument, WhatALogicalDriveHasForItselfIsNotToldOfAll) {
+    MachinePlan plan = agreedPlan();
+    plan.controllers[0].volumes[1].stripSizeBytes = 131072;
+    plan.controllers[0].volumes[1].readCache = "Off";
+    EXPECT_TRUE(holds(planDocument(plan, planHead()), R"(        "initialize_type": "Fast",
         "strip_size_bytes": null,
         "read_cache_policy": null,
 )"));
-        }
+}
 
-        TEST(PlanDocument, AControllerThatFailedHasNoLayout) {
-            MachinePlan plan = exampleRefusedPlan();
-            plan.controllers[0].controller.failed = true;
-            plan.controllers[0].arrays.clear();
-            plan.controllers[0].volumes.clear();
-            plan.controllers[0].spares.clear();
-            const std::string text = planDocument(plan, planHead());
-            EXPECT_TRUE(holds(text, "\n      \"captured\": false,\n"));
-            EXPECT_TRUE(holds(text, "\n      \"before\": null,\n      \"after\": null,\n"
-                                    "      \"comparison\": null,\n"));
-            keepDocument("plan-not-captured", text);
-        }
+TEST(PlanDocument, AControllerThatFailedHasNoLayout) {
+    MachinePlan plan = exampleRefusedPlan();
+    plan.controllers[0].controller.failed = true;
+    plan.controllers[0].arrays.clear();
+    plan.controllers[0].volumes.clear();
+    plan.controllers[0].spares.clear();
+    const std::string text = planDocument(plan, planHead());
+    EXPECT_TRUE(holds(text, "\n      \"captured\": false,\n"));
+    EXPECT_TRUE(holds(text, "\n      \"before\": null,\n      \"after\": null,\n"
+                            "      \"comparison\": null,\n"));
+    keepDocument("plan-not-captured", text);
+}
 
-        } // namespace
-        } // namespace zolex::companion
+} // namespace
+} // namespace zolex::companion
