@@ -31,6 +31,7 @@ td.code,code{font-family:"DejaVu Sans Mono",Consolas,Menlo,monospace;font-size:.
 .chip{display:inline-block;min-width:1.3em;text-align:center;font-weight:bold;border:1px solid #404040;border-radius:3px;padding:0 .2em}
 .table-box{overflow-x:auto}
 details{margin:.6rem 0}
+pre{white-space:pre-wrap;overflow-wrap:anywhere}
 summary{cursor:pointer}
 @media (prefers-color-scheme:dark){
 body{background:#16181d;color:#e8e8e8}

@@ -373,6 +373,12 @@ class ControllerWriter {
         out_ += "    " + foldedText(pieces, "   ", 4, 4, width_) + "\n";
     }
 
+    /// Why a drive was taken; which of several it is only when everything is asked for.
+    [[nodiscard]] std::string bindingReason(const BoundDrive& drive) const {
+        const std::size_t end = terms_.verbose ? std::string::npos : drive.why.find(": drive ");
+        return drive.why.substr(0, end);
+    }
+
     void bindings() {
         std::vector<FieldLine> lines;
         for (const Binding& binding : planning_.bindings) {
@@ -380,8 +386,8 @@ class ControllerWriter {
             const std::size_t before = lines.size();
             for (std::size_t i = 0; i < binding.drives.size();) {
                 std::vector<std::string> locations;
-                const std::string& why = binding.drives[i].why;
-                for (; i < binding.drives.size() && binding.drives[i].why == why; ++i) {
+                const std::string why = bindingReason(binding.drives[i]);
+                for (; i < binding.drives.size() && bindingReason(binding.drives[i]) == why; ++i) {
                     locations.push_back(printable(binding.drives[i].location));
                 }
                 lines.push_back(
