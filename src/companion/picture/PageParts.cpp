@@ -3,6 +3,9 @@
 #include "companion/picture/Markup.h"
 #include "companion/picture/Palette.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace zolex::companion {
 
 namespace {
@@ -118,7 +121,14 @@ std::string findingsList(const std::vector<Finding>& findings) {
             items += ": ";
         }
         items += escaped(finding.summary);
-        items += finding.detail.empty() ? "" : ": " + escaped(finding.detail);
+        std::string_view rest = finding.detail;
+        items += rest.empty() ? "" : ": ";
+        while (!rest.empty()) {
+            const std::size_t end = std::min(rest.find('\n'), rest.size());
+            items += escaped(rest.substr(0, end));
+            items += end < rest.size() ? "<br/>" : "";
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+        }
         items += " <span class=\"dim\">" + escaped(finding.code) + "</span>";
         for (const std::string& help : finding.help) {
             items += "<span class=\"help\">" + escaped(help) + "</span>";

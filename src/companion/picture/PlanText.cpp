@@ -151,8 +151,11 @@ class ControllerWriter {
                                        width_),
                            isSkipped ? Emphasis::warning : Emphasis::good, style_) +
                 "\n";
-        if ((isSkipped && !planning_.considered.empty() && planning_.policy.empty()) ||
-            terms_.verbose) {
+        // Of a few policies the outcome tells already why none of them fits.
+        constexpr std::size_t told = 3;
+        const bool isTold = planning_.because.find(": ") != std::string::npos &&
+                            planning_.considered.size() <= told;
+        if ((isSkipped && !isTold && planning_.policy.empty()) || terms_.verbose) {
             policies();
         }
         if (terms_.verbose) {
