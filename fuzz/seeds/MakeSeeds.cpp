@@ -1,8 +1,11 @@
 // Writes the first inputs of every target into a folder: what the utilities of the virtual server
 // print before and after its policies are deployed, the files that fit it, and some texts by hand.
 
+#include "companion/json/PlanDocument.h"
 #include "companion/json/RecordingLines.h"
+#include "companion/planning/Steps.h"
 #include "companion/recording/RecordingPlatform.h"
+#include "companion/support/ExamplePlan.h"
 #include "driver/ZOLEX.h"
 #include "foundation/CString.h"
 #include "setup/Samples.h"
@@ -210,8 +213,40 @@ void writeCalls(SeedWriter& seeds) {
     seeds.write("recording", companion::recordingText(recording));
 }
 
+/// The document without blanks and line ends between its parts.
+std::string compact(const std::string& document) {
+    std::string text;
+    bool isLineStart = false;
+    for (const char c : document) {
+        isLineStart = c == '\n' || (isLineStart && c == ' ');
+        if (!isLineStart) {
+            text += c;
+        }
+    }
+    return text;
+}
+
+/// One that is carried out, one with nothing to do, one that is refused and one that was not made.
+void writePlans(SeedWriter& seeds) {
+    const companion::DocumentHead head{{"plan", "site.ini"}, "2026-11-21T21:05:00+00:00"};
+    companion::MachinePlan plan = companion::test::examplePlan();
+    plan.consent = companion::consentCode(plan.fingerprint.identity, plan.losses());
+    plan.controllers[0].considered.clear(); // shorter than the longest input that is kept
+    seeds.write("plan", compact(companion::planDocument(plan, head)));
+    seeds.write("plan",
+                compact(companion::planDocument(companion::test::exampleNothingToDoPlan(), head)));
+    plan = companion::test::exampleRefusedPlan();
+    plan.controllers[0].considered.clear();
+    seeds.write("plan", compact(companion::planDocument(plan, head)));
+    companion::Finding finding;
+    finding.code = "ZP120";
+    finding.summary = "there is no RAID controller";
+    seeds.write("plan", compact(companion::failedPlanDocument({finding}, head)));
+}
+
 void writeByHand(SeedWriter& seeds) {
     writeCalls(seeds);
+    writePlans(seeds);
     const std::string definition =
         "[Controller.0]\nType=12\nSubType=1\nC1S0=69376\nC1S1=69376\n[Controller.1]\nType=1\n";
     seeds.write("inventory", "\1" + definition);

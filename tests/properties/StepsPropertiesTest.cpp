@@ -181,15 +181,25 @@ void holdAgainstZolex(Tally& tally, VirtualMachine& machine, VirtualMachine& oth
     const std::string refused = carryOut(machine, plan);
     RC_LOG() << refused;
     if (!refused.empty()) {
-        // A rehearsal would have told it. zolex met the same, or cleared what is kept here.
-        RC_ASSERT(code == commandFailed);
+        // A rehearsal would have told it. zolex met the same, or has no line for it.
+        const Lines& differences = plan.oldCommand.differences;
+        RC_ASSERT(code == commandFailed ||
+                  std::any_of(differences.begin(), differences.end(), [](const std::string& text) {
+                      return text.find("zolex makes the first logical drive of array") !=
+                             std::string::npos;
+                  }));
         tally.count("refused by the utility");
         return;
     }
     if (code == success) {
         // Lines of zolex come array by array for all controllers, as those of the plan.
         tally.count(mine == theirs ? "the lines of zolex" : "other lines");
-        if (mine != theirs && !restores) {
+        const bool allPlanned =
+            std::all_of(plan.controllers.begin(), plan.controllers.end(), [](const auto& each) {
+                return each.disposition == companion::Disposition::planned;
+            });
+        if (mine != theirs && (!restores || allPlanned)) {
+            tally.count("differences named");
             expectNamed(plan, mine, theirs);
         }
     }
@@ -198,14 +208,15 @@ void holdAgainstZolex(Tally& tally, VirtualMachine& machine, VirtualMachine& oth
 }
 
 TEST(StepsProperties, OnABlankServerPlansAreWhatZolexRuns) {
-    checkProperty({{"the lines of zolex", 30}, {"done", 40}, {"other lines", 1}}, [](Tally& tally) {
-        const VirtualServer virtualServer = *virtualServers();
-        const std::string policies = anyPolicies(virtualServer);
-        RC_LOG() << policies;
-        VirtualMachine machine(virtualServer);
-        VirtualMachine other(virtualServer);
-        holdAgainstZolex(tally, machine, other, policies, false);
-    });
+    checkProperty({{"the lines of zolex", 30}, {"done", 40}, {"other lines", 0.2}},
+                  [](Tally& tally) {
+                      const VirtualServer virtualServer = *virtualServers();
+                      const std::string policies = anyPolicies(virtualServer);
+                      RC_LOG() << policies;
+                      VirtualMachine machine(virtualServer);
+                      VirtualMachine other(virtualServer);
+                      holdAgainstZolex(tally, machine, other, policies, false);
+                  });
 }
 
 TEST(StepsProperties, BehindZolexNothingIsLeftToBeDone) {

@@ -357,7 +357,7 @@ class Chooser {
                                          : " of one size and kind are wanted; there are ") +
                            driveList(candidates, true),
                        wish.anySize ? "say SSD or HDD, and a protocol"
-                                    : "any size takes drives of different sizes");
+                                    : "add any size, or say SSD or HDD and a protocol");
             return;
         }
         addAtValue(entry,
@@ -378,7 +378,7 @@ class Chooser {
                                             : "all these are of different sizes or kinds: ") +
                        driveList(candidates, true),
                    wish.anySize ? "say SSD or HDD, and a protocol"
-                                : "any size takes drives of different sizes");
+                                : "add any size, or say SSD or HDD and a protocol");
     }
 
     /// Which drives would fit and cannot be had.
@@ -479,7 +479,7 @@ class Chooser {
             const std::string letters = lettersOf(group);
             const Need need = needOfArrays(members, letters);
             for (std::int32_t i = 0; i < group.count; ++i) {
-                if (!chooseSpare(need, letters, group.count)) {
+                if (!chooseSpare(need, letters, group.count, i)) {
                     return;
                 }
             }
@@ -504,7 +504,8 @@ class Chooser {
     }
 
     /// The largest drive that covers, of equal ones the last.
-    bool chooseSpare(const Need& need, const std::string& letters, std::int32_t count) {
+    bool chooseSpare(const Need& need, const std::string& letters, std::int32_t count,
+                     std::int32_t found) {
         const std::vector<Candidate> candidates = pool_.free();
         const Candidate* best = nullptr;
         for (const Candidate& candidate : candidates) {
@@ -518,7 +519,9 @@ class Chooser {
             addAtValue(entry,
                        std::to_string(count) + (count == 1 ? " hot spare" : " hot spares") +
                            " for " + arrayWords(letters) + " " + (count == 1 ? "is" : "are") +
-                           " wanted, " + needWords(need) + "; free " +
+                           " wanted, " + needWords(need) +
+                           (found == 0 ? "" : "; found so far: " + std::to_string(found)) +
+                           "; free " +
                            (candidates.empty() ? "is none" : "are " + driveList(candidates)),
                        need.kinds.size() > 1
                            ? "write a number for each kind: 1 covering A and 1 covering B"

@@ -221,7 +221,7 @@ class SectionReader {
             for (const KindWord& word : group.covers) {
                 if (section_.find("Drives.", word.text[0]) == nullptr) {
                     add("ZX312", *result_.sparesEntry, word,
-                        "Spares covers an array without Drives." + word.text,
+                        "Spares covers " + word.text + ", and there is no Drives." + word.text,
                         "name arrays of this policy");
                 }
             }

@@ -480,6 +480,22 @@ void readCheck(const Arguments& arguments, Request& request) {
     request.check.fix = arguments.has("--fix");
 }
 
+void readConvert(const Arguments& arguments, Request& request) {
+    request.convert.file = wordsOf(arguments, 1, 1, "a policies file").front();
+    if (!arguments.has("--to")) {
+        throw ArgumentFault{"convert needs --to policies", helpOf(Command::convert)};
+    }
+    const std::vector<std::string> machines = arguments.values("--machine");
+    if (machines.size() != 1) {
+        throw ArgumentFault{machines.empty() ? "convert needs --machine: the drives are those of "
+                                               "one server"
+                                             : "convert takes one --machine",
+                            "zolexctl record -o server.zrec, and --machine server.zrec"};
+    }
+    request.convert.to = arguments.values("--to").front();
+    request.convert.machine = machines.front();
+}
+
 void readReplay(const Arguments& arguments, Request& request) {
     if (arguments.words().empty()) {
         throw ArgumentFault{"replay needs a recording", helpOf(Command::replay)};
@@ -517,6 +533,8 @@ void readRequest(const Arguments& arguments, Request& request) {
         return;
     case Command::replay:
         return readReplay(arguments, request);
+    case Command::convert:
+        return readConvert(arguments, request);
     case Command::explain:
         request.code = wordsOf(arguments, 1, 1, "a code, such as ZX411 or 11").front();
         return;

@@ -26,6 +26,7 @@ struct Request {
     CheckOptions check;
     RecordOptions record;
     ReplayOptions replay;
+    ConvertOptions convert;
     std::string code; ///< of explain
 };
 

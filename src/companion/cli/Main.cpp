@@ -72,6 +72,8 @@ int runCommand(Context& context, const Request& request) {
         return record(context, request.record);
     case Command::replay:
         return runReplay(context, request);
+    case Command::convert:
+        return convert(context, request.convert);
     case Command::explain:
         return explain(context, request.code);
     case Command::none:

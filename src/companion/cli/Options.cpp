@@ -11,7 +11,8 @@ namespace {
 
 constexpr CommandSet lookers = only(Command::plan) | only(Command::diff) | only(Command::show) |
                                only(Command::doctor) | only(Command::record);
-constexpr CommandSet writers = lookers | only(Command::check) | only(Command::explain);
+constexpr CommandSet writers =
+    lookers | only(Command::check) | only(Command::convert) | only(Command::explain);
 
 // command, name, usage, summary, purpose, formats, examples
 constexpr std::array<CommandRow, commandCount - 1> commands{{
@@ -42,7 +43,9 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
     {Command::show, "show", "show [FILE] [OPTIONS]", "what is in this server",
      "Shows the controllers of this server, their drives, arrays, logical drives and hot spares. "
      "The column \"no\" is the number that policies use for a drive. It only reads: nothing on the "
-     "server is changed. FILE is a recording, which is shown instead of this server.\n"
+     "server is changed. FILE is a recording, which is shown instead of this server, or a plan "
+     "that "
+     "was kept with zolexctl plan -o plan.json.\n"
      "Exit code: 0 it was shown, 1 (policies) something would not come back, 2 it could not be "
      "read.",
      "text json svg html policies",
@@ -81,6 +84,14 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "command asks for.",
      "",
      "zolexctl replay server.zrec -- show\nzolexctl replay server.zrec -- zolex /c:t,d /f:new.ini"},
+    {Command::convert, "convert", "convert --to policies --machine FILE POLICIES [OPTIONS]",
+     "policies for zolex, of drives told by kind",
+     "Writes the policies of POLICIES as zolex takes them for one recorded server: Drives.<x>, "
+     "Spares and Level.<x>, which only zolexctl knows, become the drives and levels that they are "
+     "there. What was written is planned again, and the plan must be the same. POLICIES is a "
+     "policies file, or - for standard input. It touches no server.\n"
+     "Exit code: 0 it was written, and what it does not say was told; 2 nothing was written.",
+     "text", "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini"},
     {Command::explain, "explain", "explain CODE", "what a finding or an exit code means",
      "Tells what a finding of check means, what it does to a server, and what to write instead. A "
      "number is an exit code of zolex; exit-4 is exit code 4 of zolexctl.\n"
@@ -89,7 +100,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 31> options{{
+constexpr std::array<OptionRow, 32> options{{
     {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
     {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
      only(Command::plan), false, faultOfStrategy},
@@ -104,7 +115,8 @@ constexpr std::array<OptionRow, 31> options{{
     {"--exact", "", "", "policies with the size of each logical drive in MB, not FILL",
      only(Command::show)},
     {"--machine", "", "PATH", "hold the files against this recording, or all of a folder",
-     only(Command::check), true, faultOfText},
+     only(Command::check) | only(Command::convert), true, faultOfText},
+    {"--to", "", "policies", "what to write", only(Command::convert), false, faultOfTarget},
     {"--select", "", "IDS", "only these rules, such as ZX301,ZX5", only(Command::check), true,
      faultOfSelected},
     {"--ignore", "", "IDS", "all but these rules", only(Command::check), true, faultOfRules},

@@ -19,9 +19,10 @@ enum class Command : std::uint8_t {
     doctor,
     record,
     replay,
+    convert,
     explain
 };
-inline constexpr std::size_t commandCount = 9; ///< with none
+inline constexpr std::size_t commandCount = 10; ///< with none
 
 /// A set of commands.
 using CommandSet = std::uint32_t;

@@ -146,6 +146,10 @@ std::string faultOfLimit(std::string_view text) {
     return faultOfNumber(text, 1, longestCaptureLimit);
 }
 
+std::string faultOfTarget(std::string_view text) {
+    return text == "policies" ? "" : inQuotes(text) + " is nothing to convert to: write policies";
+}
+
 std::string faultOfRules(std::string_view text) {
     for (const std::string& part : parts(text)) {
         const std::string id = upper(part);

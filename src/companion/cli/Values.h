@@ -37,6 +37,7 @@ inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
 [[nodiscard]] std::string faultOfControllers(std::string_view text);
 [[nodiscard]] std::string faultOfLimit(std::string_view text);
 [[nodiscard]] std::string faultOfRules(std::string_view text);
+[[nodiscard]] std::string faultOfTarget(std::string_view text);
 /// Of rules that alone are wanted: one that does not exist would find nothing in any file.
 [[nodiscard]] std::string faultOfSelected(std::string_view text);
 [[nodiscard]] std::string faultOfStrategy(std::string_view text);

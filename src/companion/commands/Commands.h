@@ -29,7 +29,7 @@ struct DiffOptions {
 int diff(Context& context, const DiffOptions& options);
 
 struct ShowOptions {
-    std::string file;   ///< a recording instead of the machine; or empty
+    std::string file;   ///< a recording instead of the machine, or a plan; or empty
     bool exact = false; ///< policies with sizes in MB where the drive is filled
 };
 int show(Context& context, const ShowOptions& options);
@@ -56,6 +56,13 @@ struct ReplayOptions {
     std::vector<std::string> command; ///< behind "--"
 };
 int replay(Context& context, const ReplayOptions& options);
+
+struct ConvertOptions {
+    std::string file;    ///< "-": standard input
+    std::string to;      ///< "policies"
+    std::string machine; ///< a recording
+};
+int convert(Context& context, const ConvertOptions& options);
 
 int explain(Context& context, const std::string& code);
 

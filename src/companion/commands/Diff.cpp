@@ -12,6 +12,7 @@
 #include "companion/text/Timestamp.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -75,6 +76,25 @@ class DiffCommand {
         }
         request_.policiesFile = std::move(read.name);
         request_.policiesText = plan_ ? "" : std::move(read.text);
+        return !plan_ || asksWhatIsPlanned();
+    }
+
+    /// Whether the plan has the controllers that the options ask for; false after a message.
+    bool asksWhatIsPlanned() {
+        for (const std::int32_t number : context_.machine.controllers) {
+            const bool isPlanned = std::any_of(plan_->controllers.begin(), plan_->controllers.end(),
+                                               [number](const ControllerPlanning& planning) {
+                                                   return planning.controller.number == number;
+                                               });
+            if (!isPlanned) {
+                failWith(context_,
+                         printable(request_.policiesFile) + " has no plan of controller " +
+                             std::to_string(number),
+                         "zolexctl show " + printable(request_.policiesFile) +
+                             " tells those of it");
+                return false;
+            }
+        }
         return true;
     }
 
@@ -87,6 +107,7 @@ class DiffCommand {
         madeAt_ = timestampOf(machine.localTime());
         MachineDiff diff =
             plan_ ? diffOf(snapshot, *plan_) : diffOf(planMachine(snapshot, request_));
+        diff.wantedBy = request_.policiesFile;
         isDelivered_ = true;
         if (!deliver(context_, written(diff, snapshot))) {
             return exit_code::notPossible;

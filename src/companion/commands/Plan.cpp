@@ -102,12 +102,15 @@ class PlanCommand {
 
     int give(const MachinePlan& plan) {
         const bool isApplicable = plan.isApplicable();
-        bool isWritten = save(plan, isApplicable);
+        bool isWritten = !isApplicable || save(plan);
         isDelivered_ = true;
         const bool isQuiet = context_.quiet && context_.format == Format::text;
         isWritten = deliver(context_, isQuiet ? quietText(plan)
                                               : written(plan, context_.format, context_.style)) &&
                     isWritten;
+        if (!isApplicable) {
+            tellNotSaved();
+        }
         if (!isApplicable || !isWritten) {
             return exit_code::notPossible;
         }
@@ -115,17 +118,11 @@ class PlanCommand {
     }
 
     /// Keeps a plan that can be carried out; an old file stays where the new one cannot be written.
-    bool save(const MachinePlan& plan, bool isApplicable) {
+    bool save(const MachinePlan& plan) {
         if (options_.savedFile.empty()) {
             return true;
         }
-        const std::string name = printable(options_.savedFile);
-        if (!isApplicable) {
-            failWith(context_, name + " is not written: the plan cannot be carried out",
-                     "mend what is told as error, and plan again");
-            return true;
-        }
-        TextStyle plain;
+        const TextStyle plain;
         terms_.savedTo = options_.savedFile;
         const std::string content = written(plan, options_.savedFormat, plain);
         const std::string error =
@@ -135,6 +132,15 @@ class PlanCommand {
             failWith(context_, error, "name another file with -o; nothing was written");
         }
         return error.empty();
+    }
+
+    void tellNotSaved() {
+        if (!options_.savedFile.empty()) {
+            failWith(context_,
+                     printable(options_.savedFile) +
+                         " is not written: the plan cannot be carried out",
+                     "mend what is told as error, and plan again");
+        }
     }
 
     [[nodiscard]] std::string written(const MachinePlan& plan, Format format,

@@ -1,5 +1,6 @@
 #include "companion/commands/Commands.h"
 #include "companion/commands/MachineAccess.h"
+#include "companion/commands/ShowPlan.h"
 #include "companion/commands/ShowPolicies.h"
 #include "companion/json/MachineDocument.h"
 #include "companion/machine/Capture.h"
@@ -51,6 +52,9 @@ class Show {
 
     int run() {
         if (!options_.file.empty()) {
+            if (isPlanFile(context_.platform, options_.file)) {
+                return showPlan(context_, options_.file);
+            }
             context_.machine.recording = options_.file;
         }
         const int code = lookOnce();

@@ -49,15 +49,26 @@ class BoundsCheck {
   private:
     /// Where the quote stands that closes the string, or the end of the text.
     [[nodiscard]] std::size_t stringEnd(std::size_t begin) const {
-        std::size_t at = begin + 1;
-        for (at = text_.find_first_of("\"\\", at); at < text_.size() && text_[at] == '\\';
-             at = text_.find_first_of("\"\\", at)) {
-            at += 2;
-            if (at >= text_.size()) {
-                break;
+        std::size_t at = text_.find('"', begin + 1);
+        while (at != std::string_view::npos) {
+            std::size_t escapes = 0;
+            while (text_[at - escapes - 1] == '\\') {
+                ++escapes; // the quote at `begin` ends the search
             }
+            if (escapes % 2 == 0) {
+                return at;
+            }
+            at = text_.find('"', at + 1);
         }
-        return std::min(at, text_.size());
+        return text_.size();
+    }
+
+    [[nodiscard]] bool isEmptyFrom(std::size_t at) const {
+        while (at < text_.size() &&
+               (text_[at] == ' ' || text_[at] == '\n' || text_[at] == '\t' || text_[at] == '\r')) {
+            ++at;
+        }
+        return at == text_.size() || text_[at] == ']' || text_[at] == '}';
     }
 
     void open(std::size_t at) {
@@ -67,11 +78,8 @@ class BoundsCheck {
                      " levels",
                  at);
         }
-        const std::size_t next = text_.find_first_not_of(" \t\r\n", at + 1);
-        const bool isEmpty =
-            next == std::string_view::npos || text_[next] == ']' || text_[next] == '}';
         sizes_.push_back(0);
-        if (!isEmpty) {
+        if (!isEmptyFrom(at + 1)) {
             count(at);
         }
     }

@@ -383,13 +383,14 @@ class PlannedDrives {
                                   : size.kind == DriveSize::Kind::percent
                                       ? std::to_string(size.value) + "%"
                                       : std::to_string(size.value);
-        Finding& finding =
-            machine_.add(sink_, "ZX110", &view.size,
-                         nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
-                             view.entry->keyword.text + " asks for " + asked,
-                         {machine_.detail.utility +
-                              " refuses the command, exit code 11, when those before it are done",
-                          "write FILL for all that is left"});
+        Finding& finding = machine_.add(
+            sink_, "ZX110", &view.size,
+            nameOf(index) + " has room for " + std::to_string(room) + " MB, and " +
+                view.entry->keyword.text + " asks for " + asked,
+            {machine_.detail.utility +
+                 " refuses the command, exit code 11, when those before it are done",
+             size.kind == DriveSize::Kind::rest ? "give the logical drives before it less"
+                                                : "write FILL for all that is left"});
         finding.severity = Severity::error;
         finding.refusedBy = RefusedBy::utility;
     }

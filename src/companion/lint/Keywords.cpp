@@ -1,5 +1,6 @@
 #include "companion/lint/Keywords.h"
 
+#include "companion/binding/KindEntries.h"
 #include "foundation/Text.h"
 #include "policies/PolicyKeywords.h"
 
@@ -85,20 +86,7 @@ bool isKnownKeyword(std::string_view keyword) {
 }
 
 bool isLaterKeyword(std::string_view keyword) {
-    if (text::equalsNoCase(keyword, "Spares")) {
-        return true;
-    }
-    const std::size_t dot = keyword.find('.');
-    if (dot == std::string_view::npos) {
-        return false;
-    }
-    const std::string_view name = keyword.substr(0, dot);
-    const std::string_view rest = keyword.substr(dot + 1);
-    const char letter = rest.size() == 1 ? text::upper(rest[0]) : '\0';
-    const bool isLetter = letter >= 'A' && letter <= 'Z';
-    return (text::equalsNoCase(name, "Drives") && isLetter) ||
-           (text::equalsNoCase(name, "Level") &&
-            (isLetter || text::wholeNumber(rest).value_or(0) > 0));
+    return isKindKeyword(keyword);
 }
 
 bool isLaterModel(std::string_view model) {

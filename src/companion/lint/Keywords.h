@@ -10,7 +10,7 @@ namespace zolex::companion {
 
 /// Whether a policy may hold this keyword, letter case ignored.
 [[nodiscard]] bool isKnownKeyword(std::string_view keyword);
-/// Whether it is a keyword of zolexctl alone (`Drives.A`, `Spares`, `Level.1`): zolex refuses it.
+/// Whether it is a keyword of zolexctl alone (`Drives.A`, `Spares`, `Level.B`): zolex refuses it.
 [[nodiscard]] bool isLaterKeyword(std::string_view keyword);
 /// Whether the text behind `t:` is a family or model that zolexctl alone knows.
 [[nodiscard]] bool isLaterModel(std::string_view model);

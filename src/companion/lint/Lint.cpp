@@ -14,9 +14,9 @@ namespace {
 
 using GroupCheck = void (*)(const PolicyDocument&, FindingSink&);
 
-constexpr std::array<GroupCheck, 9> groupChecks = {
+constexpr std::array<GroupCheck, 10> groupChecks = {
     checkGroup1, checkSpecifiers, checkGroup2, checkGroup3,         checkGroup4,
-    checkGroup5, checkGroup6,     checkGroup9, checkUnusedKeywords,
+    checkGroup5, checkGroup6,     checkGroup9, checkUnusedKeywords, checkKindEntries,
 };
 
 /// Whether a rule is one of the ids or begins with one of them, letter case ignored.

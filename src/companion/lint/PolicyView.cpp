@@ -1,5 +1,6 @@
 #include "companion/lint/PolicyView.h"
 
+#include "companion/binding/KindEntries.h"
 #include "foundation/Text.h"
 #include "model/ControllerCatalogue.h"
 #include "policies/PolicyKeywords.h"
@@ -20,12 +21,15 @@ class Reading {
     explicit Reading(const DocumentPolicy& policy) {
         view_.policy = &policy;
         view_.isWhole = !policy.isIncomplete && !policy.isQuiet;
+        for (const DocumentEntry& entry : policy.entries) {
+            readKindEntry(entry.keyword.text);
+        }
     }
 
     PolicyView run() {
         readEntries();
-        view_.customArrays = readMode(keyword::arrayMode);
-        view_.customLogicalDrives = readMode(keyword::logicalMode);
+        view_.customArrays = readMode(keyword::arrayMode) || view_.hasDriveKinds;
+        view_.customLogicalDrives = readMode(keyword::logicalMode) || hasLevels_;
         readArrays();
         readHotspares();
         readLogicalDrives();
@@ -45,6 +49,15 @@ class Reading {
         return find(std::string(prefix) + std::to_string(number));
     }
     void leaveOut() { view_.isWhole = false; }
+
+    /// What such an entry makes of the policy is known when it is bound to drives.
+    void readKindEntry(std::string_view keyword) {
+        if (isKindKeyword(keyword)) {
+            view_.hasDriveKinds = view_.hasDriveKinds || text::lower(keyword.front()) == 'd';
+            hasLevels_ = hasLevels_ || text::lower(keyword.front()) == 'l';
+            leaveOut();
+        }
+    }
 
     bool readMode(const char* keyword) {
         const DocumentEntry* entry = find(keyword);
@@ -252,6 +265,7 @@ class Reading {
     }
 
     PolicyView view_;
+    bool hasLevels_ = false;
 };
 
 } // namespace

@@ -78,8 +78,10 @@ struct ArrayDefaultsView {
 struct PolicyView {
     const DocumentPolicy* policy = nullptr;
     std::vector<EntryView> entries;
+    /// `Array_Mode = CUSTOM`, or drives told by what they are; and the same of logical drives.
     bool customArrays = false;
     bool customLogicalDrives = false;
+    bool hasDriveKinds = false; ///< some `Drives.<x>`
     /// As they are written, whether or not `Array_Mode` makes them count.
     std::vector<DriveListView> arrays;
     std::optional<DriveListView> hotspares;

@@ -7,6 +7,7 @@
 #include "companion/lint/PolicyView.h"
 #include "companion/lint/Rules.h"
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -51,6 +52,11 @@ void arrangeFindings(const PolicyDocument& document, const LintSelection& select
 
 /// ZX203, what zolex refuses of AppliesTo; a part of the values, in group 1.
 void checkSpecifiers(const PolicyDocument& document, FindingSink& sink);
+/// ZX112 to ZX114, ZX311, ZX312: entries that only zolexctl knows, as far as no machine is needed.
+void checkKindEntries(const PolicyDocument& document, FindingSink& sink);
+/// A place of the document by its line and column.
+[[nodiscard]] TextPlace placeInLine(const PolicyDocument& document, std::int32_t line,
+                                    std::int32_t column);
 /// ZX603, keywords that zolex never looks up.
 void checkUnusedKeywords(const PolicyDocument& document, FindingSink& sink);
 

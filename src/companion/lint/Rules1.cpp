@@ -13,7 +13,7 @@ constexpr auto zolex = RefusedBy::zolex;
 
 /// Group 1, values, by id.
 // clang-format off
-constexpr std::array<Rule, 11> rows = {{
+constexpr std::array<Rule, 14> rows = {{
     {"ZX101", error, zolex, "a word that the keyword does not take",
      "zolex refuses the whole file, exit code 5, and no controller is configured. With /r in"
      " the same command the arrays are erased before the file is read.",
@@ -83,6 +83,28 @@ constexpr std::array<Rule, 11> rows = {{
      "Write the fields without blanks:"
      "\n  AppliesTo.1 = m:8837,c:1"
      "\n  Logical.1 = A:50%:5"},
+    {"ZX112", error, zolex, "Drives.<x> that cannot be read",
+     "No drives are chosen, and nothing is planned. zolex refuses every file with Drives.<x>, exit "
+     "code 5; zolexctl convert makes one of it that zolex takes.",
+     "Say how many and what they are, or name them. Letter case makes no difference; all words are "
+     "in zolex-policies(5):"
+     "\n  Drives.A = 2 x SSD <500GB"
+     "\n  Drives.B = rest of one size"
+     "\n  Drives.C = slots 32:0,32:1"
+     "\n  Drives.D = serials 3LQ2A000,3LQ2A001"},
+    {"ZX113", error, zolex, "Spares that cannot be read",
+     "No hot spares are chosen, and nothing is planned. zolex refuses every file with Spares, exit "
+     "code 5.",
+     "Say how many, and the arrays that each must be able to stand in for, or name the drives:"
+     "\n  Spares = 1"
+     "\n  Spares = 1 covering A and 2 covering B,C"
+     "\n  Spares = slots 32:7"},
+    {"ZX114", error, zolex, "Level.<x> that cannot be read",
+     "No level is chosen, and nothing is planned. zolex refuses every file with Level.<x>, exit "
+     "code 5.",
+     "Name RAID levels by preference; the first that the controller has and that takes so many "
+     "drives is used:"
+     "\n  Level.B = 6 else 5 else 1"},
 }};
 // clang-format on
 

@@ -10,11 +10,12 @@ constexpr auto warning = Severity::warning;
 constexpr auto error = Severity::error;
 constexpr auto nobody = RefusedBy::nobody;
 constexpr auto plan = RefusedBy::plan;
+constexpr auto zolex = RefusedBy::zolex;
 constexpr auto utility = RefusedBy::utility;
 
 /// Group 3, drives and arrays, by id.
 // clang-format off
-constexpr std::array<Rule, 9> rows = {{
+constexpr std::array<Rule, 12> rows = {{
     {"ZX301", error, utility, "a drive twice in one list",
      "zolex takes the drive twice and counts it twice in the size. The utility refuses the "
      "command, and the run ends with exit code 11, after the commands before it were carried "
@@ -61,6 +62,23 @@ constexpr std::array<Rule, 9> rows = {{
      "used: drives of any size are put together. Its second number, of hot spares, still "
      "counts.",
      "Write 0% there, so that nobody relies on it:\n  Array_Defaults = 0%:1"},
+    {"ZX311", error, zolex, "entries beside those that they replace",
+     "Drives.<x> stands in the place of Array.<x>, Spares in that of Hotspares and Array_Defaults, "
+     "and Level.<x> in that of Logical.<n> of its array. With both nobody can say which is meant: "
+     "nothing is planned.",
+     "Tell all arrays of a policy in one way:\n  Drives.A = slots 32:0,32:1\n"
+     "  Drives.B = rest of one size\n  Spares = 1"},
+    {"ZX312", error, zolex, "entries that lack what they speak of",
+     "Arrays are lettered from A to H without a gap, Level.<x> and \"covering\" speak of arrays "
+     "that the policy has as Drives.<x>, and a drive stands in one entry. Otherwise nothing is "
+     "planned.",
+     "Write the array that is missing, or take the entry out:\n  Drives.A = 2 x SSD\n"
+     "  Level.A = 1"},
+    {"ZX313", error, plan, "drives that this machine does not have",
+     "Drives.<x>, Spares or Level.<x> ask for what the good drives of the controller do not give. "
+     "No plan is made for it, and nothing is changed.",
+     "zolexctl show lists the drives with their sizes. Ask for fewer, or for other ones:\n"
+     "  Drives.A = 2 x SSD any size"},
 }};
 // clang-format on
 

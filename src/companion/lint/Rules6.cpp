@@ -39,9 +39,11 @@ constexpr std::array<Rule, 6> rows = {{
      "that needs one: exit code 11, as with every second run on a configured server.",
      "Nothing is to be done where the server is as it should be. zolex /r erases all arrays of "
      "all controllers first, with their data."},
-    {"ZX610", note, zolex, "a controller model that zolexctl alone knows",
-     "zolex refuses the whole file, exit code 5; zolexctl takes it.",
-     "Keep policies for such controllers in a file of their own."},
+    {"ZX610", note, zolex, "what zolexctl alone knows",
+     "zolex refuses the whole file, exit code 5; zolexctl takes it. So it is with controller models "
+     "that only zolexctl knows, and with Drives.<x>, Spares and Level.<x>.",
+     "Keep such policies in a file of their own. zolexctl convert --to policies writes the drives "
+     "that Drives.<x> are on one machine into a file that zolex takes."},
 }};
 // clang-format on
 

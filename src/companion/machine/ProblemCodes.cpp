@@ -171,6 +171,22 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "On a virtual copy of the captured controllers the step was made to fail, and the rest of the "
      "plan did not come to the planned end from there.",
      "should a run stop there, look at what stands and plan anew: zolexctl plan POLICIES"},
+    {problem::convertRefused, error, "policies for zolex cannot be made",
+     "Nothing is written: what would be written is not what the policies say.",
+     "zolexctl check POLICIES --machine RECORDING tells how they fit the machine"},
+    {problem::convertNoPolicy, note, "a controller gets no policy",
+     "zolex leaves the controller as it is.",
+     "zolexctl check POLICIES --machine RECORDING tells why no policy is for it"},
+    {problem::convertNoController, note, "a policy is for no controller of the machine",
+     "Its drives cannot be told: it is not in what is written.",
+     "keep the file that it stands in for the machines that it is for"},
+    {problem::convertCovering, note, "what hot spares cover is left out",
+     "zolex names the drives alone. Which arrays a hot spare stands in for is the controller's "
+     "affair.",
+     "keep the policies that were converted"},
+    {problem::convertLevels, note, "the other levels are left out",
+     "zolex takes one level. When drives are added or taken out, it is not chosen anew.",
+     "convert the policies again when the drives change"},
 });
 // clang-format on
 

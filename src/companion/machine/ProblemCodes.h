@@ -64,6 +64,11 @@ inline constexpr std::string_view stepRefused = "ZP240";
 inline constexpr std::string_view stepWithoutEffect = "ZP241";
 inline constexpr std::string_view endsOtherwise = "ZP242";
 inline constexpr std::string_view notResumable = "ZP243";
+inline constexpr std::string_view convertRefused = "ZP260";
+inline constexpr std::string_view convertNoPolicy = "ZP261";
+inline constexpr std::string_view convertNoController = "ZP262";
+inline constexpr std::string_view convertCovering = "ZP263";
+inline constexpr std::string_view convertLevels = "ZP264";
 } // namespace problem
 
 /// All of them, in the order of their ids.

@@ -251,6 +251,7 @@ void ControllerPlanner::takeAsItStands(Attempt& attempt, ControllerPlanning& pla
         constexpr std::string_view goesInto = ", and goes into ";
         if (const std::size_t at = finding.summary.find(goesInto); at != std::string::npos) {
             finding.summary.replace(at, goesInto.size(), ", and is in ");
+            finding.help = {"replace the drive while the others are well"};
         }
         planning.warnings.push_back(std::move(finding));
     }

@@ -21,7 +21,8 @@ struct ControllerDiff {
     Comparison comparison;
     Layout captured;
     Layout wanted;
-    /// Of different: whether adding is enough, and what is not: "strip size takes a rebuild".
+    /// Of different: whether adding is enough, else why not: "strip size takes a rebuild", "LD 2 is
+    /// to be removed".
     bool addingIsEnough = false;
     std::vector<std::string> takesRebuild;
     std::vector<Finding> diagnostics; ///< of unknown

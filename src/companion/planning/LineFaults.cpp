@@ -150,9 +150,9 @@ bool namesItsDrives(Dialect dialect, const PlanStep& step, const std::vector<std
 
 Finding misnamed(const PlanStep& step, const std::vector<std::string>& drives) {
     Finding finding =
-        problemFinding(problem::namedOtherwise,
-                       "the command line does not name " + driveList(drives), step.command);
-    finding.refusedBy = RefusedBy::utility;
+        errorOf("ZX711", "the command line does not name " + driveList(drives), RefusedBy::utility);
+    finding.detail = step.command;
+    finding.help.emplace_back("see how each drive is called: zolexctl show");
     return finding;
 }
 

@@ -23,7 +23,7 @@ class OldRun {
 
     OldCommand run() {
         OldCommand old;
-        if (isAnythingPlanned()) {
+        if (isAnythingPlanned() && !hasKinds()) {
             old.wouldRun = {"zolex " + (mustClear() ? std::string("/r /y ") : std::string()) +
                             (request_.classDefaults ? "/d" : "/f:" + request_.policiesFile)};
         }
@@ -46,6 +46,11 @@ class OldRun {
                            [](const ControllerPlanning& each) {
                                return each.disposition == Disposition::planned;
                            });
+    }
+
+    /// Whether the file holds entries that zolex refuses.
+    [[nodiscard]] bool hasKinds() const {
+        return !request_.classDefaults && hasKindEntries(request_.policiesText);
     }
 
     static bool holdsSomething(const ControllerPlanning& controller) {
@@ -91,7 +96,7 @@ class OldRun {
     }
 
     void tellPolicies() {
-        if (!request_.classDefaults && hasKindEntries(request_.policiesText)) {
+        if (hasKinds()) {
             differences_.push_back(
                 "zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone");
         }

@@ -1,5 +1,6 @@
 #include "companion/planning/Plan.h"
 
+#include "companion/machine/ProblemCodes.h"
 #include "companion/machine/Sha256.h"
 #include "companion/planning/ControllerPlanner.h"
 #include "companion/planning/OldCommand.h"
@@ -22,6 +23,10 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     }
     Refusals refusals(request);
     plan.diagnostics = snapshot.findings;
+    if (snapshot.controllers.count() == 0) {
+        plan.diagnostics.push_back(problemFinding(problem::noControllers,
+                                                  "there is no RAID controller in this machine"));
+    }
     refusals.accept(plan.diagnostics);
 
     PoliciesReading reading = readPlanPolicies(request);

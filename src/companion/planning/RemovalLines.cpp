@@ -180,7 +180,7 @@ class Remover {
             return;
         }
         if (!choice_.clearsAll) {
-            leaveOut(0, !stands                    ? "nothing stands on the controller"
+            leaveOut(0, !stands                  ? "nothing stands on the controller"
                         : removal_.steps.empty() ? "what stands stays"
                                                  : "the plan removes only what is in the way");
         }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 namespace zolex::companion {
@@ -341,19 +342,44 @@ class Chooser {
             const LayoutGroup& group = planning_.before.groups[index];
             for (std::size_t volume = choice_.parts.volumesKept[index];
                  volume < group.volumes.size(); ++volume) {
+                if (volume > choice_.parts.volumesKept[index] &&
+                    !isChanged(group.volumes[volume])) {
+                    because("different",
+                            "LD " + group.volumes[volume].id + " lies behind LD " +
+                                group.volumes[volume - 1].id + " on the same drives",
+                            group.volumes[volume].id, groupDrives(group));
+                    continue;
+                }
                 tellVolumeInTheWay(group, group.volumes[volume]);
             }
         }
         for (std::size_t index = 0; index < planning_.before.spares.size(); ++index) {
             if (!choice_.parts.sparesKept[index]) {
-                const std::string& location = planning_.before.spares[index].location;
-                const std::string user = wantedUseOf(location);
-                because(user.empty() ? "different" : "drives-in-use",
-                        "the spare " + location +
-                            (user.empty() ? " is not wanted as it is" : " is needed for " + user),
-                        {}, {location});
+                tellSpareInTheWay(planning_.before.spares[index].location);
             }
         }
+    }
+
+    /// Whether the comparison tells of the logical drive.
+    [[nodiscard]] bool isChanged(const LayoutVolume& volume) const {
+        const std::vector<Difference>& differences = planning_.comparison.differences;
+        return std::any_of(differences.begin(), differences.end(),
+                           [&](const Difference& each) { return each.logicalDrive == volume.id; });
+    }
+
+    void tellSpareInTheWay(const std::string& location) {
+        const bool isWanted =
+            std::any_of(planning_.after.spares.begin(), planning_.after.spares.end(),
+                        [&](const LayoutSpare& spare) { return spare.location == location; });
+        const std::string users = isWanted ? std::string() : usersOf({location});
+        if (users.empty()) {
+            because("different",
+                    "the spare " + location +
+                        (isWanted ? " is not wanted as it is" : " is not wanted"),
+                    {}, {location});
+            return;
+        }
+        because("drives-in-use", users + ", which is a spare", {}, {location});
     }
 
     void tellVolumeInTheWay(const LayoutGroup& group, const LayoutVolume& volume) {
@@ -368,21 +394,34 @@ class Chooser {
                     volume.id, drives);
             return;
         }
-        std::string users;
-        for (const LayoutGroup& wanted : planning_.after.groups) {
-            if (overlap(groupDrives(wanted), drives)) {
-                users += (users.empty() ? "" : " and ") + groupName(wanted);
-            }
-        }
+        const std::string users = usersOf(drives);
         if (users.empty()) {
             because("different", "LD " + volume.id + " on " + driveList(drives) + " is not wanted",
                     volume.id, drives);
             return;
         }
-        because("drives-in-use",
-                "LD " + volume.id + " lies on " + driveList(drives) + ", and " + users +
-                    " needs drives of it",
+        because("drives-in-use", users + ", and LD " + volume.id + " lies on " + driveList(drives),
                 volume.id, drives);
+    }
+
+    /// "array B needs 32:2 32:3": what the wanted layout does with these drives; or empty.
+    [[nodiscard]] std::string usersOf(const std::vector<std::string>& drives) const {
+        std::string users;
+        const auto add = [&](const std::string& user, const std::vector<std::string>& wanted) {
+            std::vector<std::string> common;
+            std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(common),
+                         [&](const std::string& location) { return holds(drives, location); });
+            if (!common.empty()) {
+                users += (users.empty() ? "" : ", ") + user + " needs " + driveList(common);
+            }
+        };
+        for (const LayoutGroup& group : planning_.after.groups) {
+            add(groupName(group), groupDrives(group));
+        }
+        for (const LayoutSpare& spare : planning_.after.spares) {
+            add("a spare", {spare.location});
+        }
+        return users;
     }
 
     /// ": strip_size_bytes ..." for people; empty when nothing is told of the logical drive.
@@ -395,16 +434,6 @@ class Chooser {
             }
         }
         return text;
-    }
-
-    /// What the wanted layout does with a drive: "array B"; empty: nothing, or a spare.
-    [[nodiscard]] std::string wantedUseOf(const std::string& location) const {
-        for (const LayoutGroup& group : planning_.after.groups) {
-            if (holds(groupDrives(group), location)) {
-                return groupName(group);
-            }
-        }
-        return {};
     }
 
     void tellWholeClear() {

@@ -102,8 +102,11 @@ void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findin
         return;
     }
     for (const std::string& line : planning.comparison.health) {
-        findings.push_back(planWarning(problem::degraded, line,
-                                       {"replace the drive; the layout is as the policy says"}));
+        const bool isRebuilding = line.find("rebuilding") != std::string::npos;
+        findings.push_back(planWarning(
+            problem::degraded, line,
+            {isRebuilding ? "wait until it is rebuilt; the layout is as the policy says"
+                          : "replace the drive; the layout is as the policy says"}));
     }
 }
 

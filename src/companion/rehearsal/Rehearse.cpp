@@ -38,6 +38,16 @@ std::string stepText(const PlanStep& step) {
     return "step " + std::to_string(step.step);
 }
 
+/// "LD 0, strip_size_bytes: would be 64 KB; planned is 128 KB".
+std::string differenceLine(const Difference& difference) {
+    const std::string volume =
+        difference.logicalDrive.empty() ? "" : "LD " + difference.logicalDrive;
+    const std::string where = difference.location.empty() ? volume : difference.location;
+    return where + (where.empty() ? "" : ", ") + difference.attribute + ": would be " +
+           (difference.found.empty() ? "none" : difference.found) + "; planned is " +
+           (difference.wanted.empty() ? "none" : difference.wanted);
+}
+
 /// Plays the plan of one controller on its copy.
 class ControllerRehearsal {
   public:
@@ -112,13 +122,7 @@ class ControllerRehearsal {
         std::string detail;
         constexpr std::size_t most = 12;
         for (std::size_t i = 0; i < std::min(most, comparison.differences.size()); ++i) {
-            const Difference& difference = comparison.differences[i];
-            const std::string where =
-                difference.location.empty() ? difference.logicalDrive : difference.location;
-            detail += (detail.empty() ? "" : "\n") + (where.empty() ? "" : where + ": ") +
-                      difference.attribute + " would be " +
-                      (difference.found.empty() ? "none" : difference.found) + ", planned is " +
-                      (difference.wanted.empty() ? "none" : difference.wanted);
+            detail += (i == 0 ? "" : "\n") + differenceLine(comparison.differences[i]);
         }
         refuse(problem::endsOtherwise, "the commands would end in another layout than planned",
                std::move(detail));

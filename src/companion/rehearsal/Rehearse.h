@@ -10,7 +10,8 @@ namespace zolex::companion {
 /// compared with what was planned; then each step is made to fail once and the rest is run as a
 /// resumption would. A step that the copy refuses becomes an error (refused by plan) of its
 /// controller's diagnostics, with the utility's own reason, and its controller is refused. What
-/// cannot be copied is said in `notDoneBecause`.
+/// cannot be copied is said in `notDoneBecause`. What the plan leaves to a controller (strip size,
+/// cache modes) is, on a copy, what controllers of its utility usually choose.
 void rehearse(const Snapshot& snapshot, MachinePlan& plan);
 
 } // namespace zolex::companion

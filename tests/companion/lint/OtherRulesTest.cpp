@@ -129,10 +129,10 @@ p.ini:2:21: error: "99999999999" is no number of drives [ZX203]
    help: take the line out
 )"},
     {"ZX610", "drives",
-     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Drives.A = 2 largest\n",
+     "[Policy.web]\n" "AppliesTo.1 = ALL\n" "Drives.A = largest 2 x SSD\n",
      "[Policy.web]\n" "AppliesTo.1 = ALL\n",
      R"(p.ini:3:1: note: zolex refuses this file: it does not know Drives.A [ZX610]
-   3 | Drives.A = 2 largest
+   3 | Drives.A = largest 2 x SSD
      | ^^^^^^^^
 )"},
     {"ZX901", "blanks",

@@ -112,6 +112,20 @@ Array_Mode = CUSTOM
 Array.A = 1:0,1:1
 Array_Defaults = 10%:0
 )"},
+        {"ZX311", "", R"([Policy.one]
+AppliesTo.1 = d:8
+Drives.A = 2 x SSD
+Hotspares = 8
+)"},
+        {"ZX312", "", R"([Policy.one]
+AppliesTo.1 = d:8
+Drives.B = 2 x SSD
+)"},
+        {"ZX313", megaServer(R"({"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 69376})"),
+         R"([Policy.web]
+AppliesTo.1 = ALL
+Drives.A = 2 x SSD
+)"},
         {"ZX401", "", R"([Policy.one]
 AppliesTo.1 = t:Kestrix-C7,d:8
 Array_Mode = CUSTOM

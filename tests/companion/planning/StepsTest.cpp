@@ -82,12 +82,27 @@ TEST(StepsTest, OnlyWhatIsInTheWayIsRemoved) {
     EXPECT_EQ(commandsOf(plan),
               (Lines{"UTIL.BAT MEGACLI -PDHSP -Rmv -PhysDrv[32:7] -a0",
                      "UTIL.BAT MEGACLI -CfgLdDel -L1 -a0",
-                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]    WB   ADRA   -strpsz "
+                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]   WB   ADRA   -strpsz "
                      "64  -a0"}));
     EXPECT_EQ(lossesOf(plan), (Lines{"hotspare 32:7", "logical_drive 1"}));
-    EXPECT_EQ(summariesOf(plan), Lines{});
-    EXPECT_EQ(reasonsOf(plan), Lines{});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(summariesOf(plan),
+              (Lines{"remove-spare: remove the spare 32:7",
+                     "delete-logical-drive: delete LD 1: RAID5 on 32:2 32:3 32:4 32:5 32:6",
+                     "create-array: create B: RAID5 on 32:2 32:3 32:4"}));
+    EXPECT_EQ(reasonsOf(plan), (Lines{"drives-in-use: array B needs 32:2 32:3 32:4, and LD 1 lies "
+                                      "on 32:2 32:3 32:4 32:5 32:6",
+                                      "different: the spare 32:7 is not wanted"}));
+    EXPECT_EQ(differencesOf(plan),
+              (Lines{"zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: the plan removes only "
+                     "what is in the way",
+                     "zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT: there is "
+                     "nothing that it would clear",
+                     "zolex does not run UTIL.BAT MEGACLI -PDHSP -Rmv -PhysDrv[32:7] -a0: zolex "
+                     "clears the controller as a whole",
+                     "zolex does not run UTIL.BAT MEGACLI -CfgLdDel -L1 -a0: zolex clears the "
+                     "controller as a whole",
+                     "zolex also runs UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:0,32:1 ]   WB   ADRA   "
+                     "-strpsz 64  -a0: Logical.1 stands already as LD 0"}));
     const zolex_sim::Controller before = server.platform.server.controllers.front();
     expectDone(server, policies);
     const zolex_sim::Controller& after = server.platform.server.controllers.front();
@@ -109,10 +124,20 @@ TEST(StepsTest, WhatStandsStaysWhenTheRestIsAdded) {
     EXPECT_EQ(strategyOf(plan), Strategy::add);
     EXPECT_EQ(lossesOf(plan), Lines{});
     EXPECT_EQ(plan.consent, "");
-    EXPECT_EQ(commandsOf(plan), Lines{});
-    EXPECT_EQ(summariesOf(plan), Lines{});
-    EXPECT_EQ(reasonsOf(plan), Lines{});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(
+        commandsOf(plan),
+        (Lines{"UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]   WB   ADRA   -strpsz 64  -a0",
+               "UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0"}));
+    EXPECT_EQ(summariesOf(plan), (Lines{"create-array: create B: RAID5 on 32:2 32:3 32:4",
+                                        "create-spare: make 32:7 a spare"}));
+    EXPECT_EQ(reasonsOf(plan),
+              (Lines{"missing: Logical.2 is missing", "missing: the spare 32:7 is missing"}));
+    EXPECT_EQ(differencesOf(plan),
+              (Lines{"zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: what stands stays",
+                     "zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT: there is "
+                     "nothing that it would clear",
+                     "zolex also runs UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:0,32:1 ]   WB   ADRA   "
+                     "-strpsz 64  -a0: Logical.1 stands already as LD 0"}));
     expectDone(server, policies, StrategyWish::add);
 }
 
@@ -125,7 +150,15 @@ TEST(StepsTest, OnlyTheMissingSparesAreMade) {
                                         "Logical.1 = A:FILL:1:ON\n";
     const MachinePlan plan = server.plan(policies);
     EXPECT_EQ(commandsOf(plan), Lines{"UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:6 ] -a0"});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(differencesOf(plan),
+              (Lines{"zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: what stands stays",
+                     "zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT: there is "
+                     "nothing that it would clear",
+                     "zolex also runs UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:0,32:1 ]   WB   ADRA   "
+                     "-strpsz 64  -a0: Logical.1 stands already as LD 0",
+                     "zolex runs UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:6,32:7 ] -a0 "
+                     "instead of UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:6 ] -a0: the other "
+                     "spares stand already"}));
     expectDone(server, policies);
 }
 
@@ -135,9 +168,25 @@ TEST(StepsTest, EveryLogicalDriveOfAnArrayGetsItsLine) {
                                  "Array.A = 1,2,3\nLogical_Mode = CUSTOM\nLogical.1 = A:20%:5:ON\n"
                                  "Logical.2 = A:30000:5:OFF\nLogical.3 = A:FILL:5:ON\n";
     const MachinePlan plan = server.plan(policies);
-    EXPECT_EQ(commandsOf(plan), Lines{});
-    EXPECT_EQ(summariesOf(plan), Lines{});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(
+        commandsOf(plan),
+        (Lines{
+            "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   { -sz27750 }  "
+            "-strpsz 64  -a0",
+            "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WT   ADRA   { -sz30000 }  "
+            "-strpsz 64  -a0",
+            "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   -strpsz 64  -a0"}));
+    EXPECT_EQ(summariesOf(plan),
+              (Lines{"create-array: create A: RAID5 on 32:0 32:1 32:2",
+                     "create-logical-drive: create Logical.2 on A: RAID5 on 32:0 32:1 32:2",
+                     "create-logical-drive: create Logical.3 on A: RAID5 on 32:0 32:1 32:2"}));
+    EXPECT_EQ(
+        differencesOf(plan),
+        (Lines{
+            "zolex does not run UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WT   ADRA   "
+            "{ -sz30000 }  -strpsz 64  -a0: zolex makes the first logical drive of array A alone",
+            "zolex does not run UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   "
+            "-strpsz 64  -a0: zolex makes the first logical drive of array A alone"}));
     expectDone(server, policies);
 }
 
@@ -152,9 +201,18 @@ TEST(StepsTest, TheLogicalDrivesBehindAChangedOneGoWithIt) {
                                  "Logical.1 = A:20%:5:ON\nLogical.2 = A:40000:5:ON\n"
                                  "Logical.3 = A:FILL:5:ON\n";
     const MachinePlan plan = server.plan(policies);
-    EXPECT_EQ(commandsOf(plan), Lines{});
+    EXPECT_EQ(
+        commandsOf(plan),
+        (Lines{
+            "UTIL.BAT MEGACLI -CfgLdDel -L2 -a0", "UTIL.BAT MEGACLI -CfgLdDel -L1 -a0",
+            "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   { -sz40000 }  "
+            "-strpsz 64  -a0",
+            "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   -strpsz 64  -a0"}));
     EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 2", "logical_drive 1"}));
-    EXPECT_EQ(reasonsOf(plan), Lines{});
+    EXPECT_EQ(
+        reasonsOf(plan),
+        (Lines{"different: LD 1 on 32:0 32:1 32:2 is not as wanted: 39.1 GB wanted, 29.3 GB found",
+               "different: LD 2 lies behind LD 1 on the same drives"}));
     expectDone(server, policies);
 }
 
@@ -167,12 +225,18 @@ TEST(StepsTest, AWholeClearWhereNothingStays) {
     EXPECT_EQ(commandsOf(plan),
               (Lines{"UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT",
                      "UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT",
-                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]    WB   ADRA   -strpsz "
+                     "UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2 ]   WB   ADRA   -strpsz "
                      "64  -a0"}));
     EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 0", "logical_drive 1", "hotspare 32:7"}));
     EXPECT_EQ(differencesOf(plan), Lines{});
-    EXPECT_EQ(reasonsOf(plan), Lines{});
-    EXPECT_EQ(summariesOf(plan), Lines{});
+    EXPECT_EQ(reasonsOf(plan),
+              (Lines{"drives-in-use: array A needs 32:0 32:1, and LD 0 lies on 32:0 32:1",
+                     "drives-in-use: array A needs 32:2, and LD 1 lies on 32:2 32:3 32:4 32:5 32:6",
+                     "different: the spare 32:7 is not wanted"}));
+    EXPECT_EQ(summariesOf(plan),
+              (Lines{"clear: clear the controller: 2 logical drives and 1 spare",
+                     "clear-foreign: clear the layouts of other controllers: there are none",
+                     "create-array: create A: RAID5 on 32:0 32:1 32:2"}));
     expectDone(server, policies);
 }
 
@@ -205,8 +269,14 @@ TEST(StepsTest, DrivesInNoEnclosureAreNamedWithoutOne) {
                                         "Logical.1 = A:FILL:1:ON\n";
     const MachinePlan plan = server.plan(policies);
     EXPECT_EQ(faultsOf(plan), Lines{});
-    EXPECT_EQ(commandsOf(plan), Lines{});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(commandsOf(plan),
+              (Lines{"UTIL.BAT MEGACLI  -CfgLdAdd R1   [ :0,:1 ]   WB   ADRA   -strpsz 64  -a0",
+                     "UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ :4 ] -a0"}));
+    EXPECT_EQ(
+        differencesOf(plan),
+        (Lines{
+            "zolex runs UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 0:4 ] -a0 instead of UTIL.BAT "
+            "MEGACLI -PDHSP { -Set } -PhysDrv[ :4 ] -a0: a drive in no enclosure is :4"}));
     expectDone(server, policies);
 }
 
@@ -217,8 +287,9 @@ TEST(StepsTest, DrivesThatALineCannotNameAreAFault) {
     const MachinePlan plan = server.plan(head + none +
                                          "Array.A = 1,2\nLogical_Mode = CUSTOM\n"
                                          "Logical.1 = A:FILL:1:ON\n");
-    EXPECT_EQ(faultsOf(plan), Lines{});
-    EXPECT_EQ(commandsOf(plan), Lines{});
+    EXPECT_EQ(
+        faultsOf(plan),
+        (Lines{"ZX711 the command line says :0 for drive 32:0, which is another drive or none"}));
 }
 
 // Drives of other controllers
@@ -235,9 +306,13 @@ TEST(StepsTest, ForeignDrivesThatAreNotNeededStay) {
                                  "Array.A = 2,3\nLogical_Mode = CUSTOM\n"
                                  "Logical.1 = A:FILL:1:ON\n";
     const MachinePlan plan = server.plan(policies);
-    EXPECT_EQ(commandsOf(plan), Lines{});
+    EXPECT_EQ(
+        commandsOf(plan),
+        (Lines{"UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT",
+               "UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:1,32:2 ]   WB   ADRA   -strpsz 64  -a0"}));
     EXPECT_EQ(lossesOf(plan), Lines{"logical_drive 0"});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(differencesOf(plan), (Lines{"zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 "
+                                          "-SILENT: the plan does not need 32:4 32:5"}));
     expectDone(server, policies);
 }
 
@@ -248,11 +323,19 @@ TEST(StepsTest, ForeignDrivesThatAreNeededAreClearedWithConsent) {
                                  "Logical.1 = A:FILL:1:ON\n";
     const MachinePlan plan = server.plan(policies);
     EXPECT_EQ(strategyOf(plan), Strategy::rebuild);
-    EXPECT_EQ(commandsOf(plan), Lines{});
+    EXPECT_EQ(
+        commandsOf(plan),
+        (Lines{"UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 -SILENT",
+               "UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:3,32:4 ]   WB   ADRA   -strpsz 64  -a0"}));
     EXPECT_EQ(lossesOf(plan), (Lines{"foreign 32:4", "foreign 32:5"}));
     EXPECT_NE(plan.consent, "");
-    EXPECT_EQ(reasonsOf(plan), Lines{});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(
+        reasonsOf(plan),
+        (Lines{
+            "blank: nothing stands on the controller",
+            "foreign: 32:4 carries a layout of another controller; clearing takes all of them"}));
+    EXPECT_EQ(differencesOf(plan), (Lines{"zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: "
+                                          "nothing stands on the controller"}));
     EXPECT_EQ(faultsOf(server.plan(policies, StrategyWish::add)),
               Lines{"ZP220 adding is not enough: this takes a rebuild"});
     expectDone(server, policies);
@@ -272,48 +355,142 @@ TEST(StepsTest, ArcconfRemovesSingly) {
                                  "Logical.2 = B:FILL:5:OFF\nLogical.3 = C:FILL:1\n";
     const MachinePlan plan = server.plan(policies);
     EXPECT_EQ(faultsOf(plan), Lines{});
-    EXPECT_EQ(commandsOf(plan), Lines{});
+    EXPECT_EQ(commandsOf(plan),
+              (Lines{"UTIL.BAT ARCCONF SETSTATE 1 DEVICE 0 7 RDY",
+                     "UTIL.BAT ARCCONF DELETE 1 LOGICALDRIVE 2 NOPROMPT",
+                     "UTIL.BAT ARCCONF CREATE 1 LOGICALDRIVE Stripesize 256  Name ARRAY1_LOGICAL1 "
+                     "Method QUICK MAX 5 0 2 0 3 0 4 0 7 NOPROMPT ",
+                     "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 wt NOPROMPT "}));
     EXPECT_EQ(lossesOf(plan), (Lines{"hotspare 0:7", "logical_drive 1"}));
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(differencesOf(plan),
+              (Lines{"zolex also runs UTIL.BAT ARCCONF SETCONFIG 1 DEFAULT NOPROMPT: the plan "
+                     "removes only what is in the way",
+                     "zolex does not run UTIL.BAT ARCCONF SETSTATE 1 DEVICE 0 7 RDY: zolex clears "
+                     "the controller as a whole",
+                     "zolex does not run UTIL.BAT ARCCONF DELETE 1 LOGICALDRIVE 2 NOPROMPT: zolex "
+                     "clears the controller as a whole",
+                     "zolex also runs UTIL.BAT ARCCONF CREATE 1 LOGICALDRIVE  Name ARRAY0_LOGICAL0 "
+                     "Method QUICK MAX 1 0 0 0 1 NOPROMPT : Logical.1 stands already as LD 0",
+                     "zolex also runs UTIL.BAT ARCCONF CREATE 1 LOGICALDRIVE  Name ARRAY2_LOGICAL2 "
+                     "Method QUICK MAX 1 0 5 0 6 NOPROMPT : Logical.3 stands already as LD 2"}));
     expectDone(server, policies);
 }
 
 TEST(StepsTest, ArcconfSetsTheCacheOfTheRightLogicalDrive) {
     PlannedServer server("arcconf");
     expectDone(server, head + none +
-                           "Array.A = 3,4\nLogical_Mode = CUSTOM\n"
+                           "ReadAhead = OFF\nArray.A = 3,4\nLogical_Mode = CUSTOM\n"
                            "Logical.1 = A:FILL:1:OFF\n");
     const std::string policies = head + none +
                                  "ReadAhead = OFF\nArray.A = 1,2\nArray.B = 3,4\n"
                                  "Logical_Mode = CUSTOM\n"
                                  "Logical.1 = A:FILL:1:OFF\nLogical.2 = B:FILL:1:OFF\n";
     const MachinePlan plan = server.plan(policies);
-    EXPECT_EQ(commandsOf(plan), Lines{});
-    EXPECT_EQ(summariesOf(plan), Lines{});
-    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), (Lines{"UTIL.BAT ARCCONF CREATE 1 LOGICALDRIVE  Name "
+                                       "ARRAY0_LOGICAL0 Method QUICK MAX 1 0 0 0 1 NOPROMPT ",
+                                       "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 roff NOPROMPT ",
+                                       "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 wt NOPROMPT "}));
+    EXPECT_EQ(summariesOf(plan),
+              (Lines{"create-array: create A: RAID1 on 0:0 0:1",
+                     "set: set Logical.1: read-ahead off", "set: set Logical.1: write-through"}));
+    EXPECT_EQ(
+        differencesOf(plan),
+        (Lines{"zolex also runs UTIL.BAT ARCCONF SETCONFIG 1 DEFAULT NOPROMPT: what stands stays",
+               "zolex runs UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 1 roff NOPROMPT  instead of "
+               "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 roff NOPROMPT : the logical drive gets "
+               "number 2 beside those that stand",
+               "zolex runs UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 1 wt NOPROMPT  instead of "
+               "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 wt NOPROMPT : the logical drive gets "
+               "number 2 beside those that stand",
+               "zolex also runs UTIL.BAT ARCCONF CREATE 1 LOGICALDRIVE  Name ARRAY1_LOGICAL1 "
+               "Method QUICK MAX 1 0 2 0 3 NOPROMPT : Logical.2 stands already as LD 0",
+               "zolex also runs UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 roff NOPROMPT : "
+               "Logical.2 stands already as LD 0",
+               "zolex also runs UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 wt NOPROMPT : Logical.2 "
+               "stands already as LD 0"}));
     expectDone(server, policies);
 }
 
 // Utilities that clear as a whole
 
-TEST(StepsTest, UtilitiesWithoutRemovalsSayThatTheyClearAll) {
-    for (const char* const sample : {"hrconf", "cfggen"}) {
-        PlannedServer server(sample);
-        const std::string start = head + none +
-                                  "Array.A = 1,2\nArray.B = 3,4\n"
-                                  "Logical_Mode = CUSTOM\n"
-                                  "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:1\n";
-        expectDone(server, start);
-        const std::string policies = head + none +
-                                     "Array.A = 1,2\nArray.B = 5,6\n"
-                                     "Logical_Mode = CUSTOM\n"
-                                     "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:1\n";
-        const MachinePlan plan = server.plan(policies);
-        EXPECT_EQ(commandsOf(plan), Lines{});
-        EXPECT_EQ(reasonsOf(plan), Lines{});
-        EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 0", "logical_drive 1"}));
-        expectDone(server, policies);
-    }
+/// Two mirrors, of which the first stays in the policy.
+const std::string oneOtherMirror = head + none +
+                                   "Array.A = 1,2\nArray.B = 5,6\nLogical_Mode = CUSTOM\n"
+                                   "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:1\n";
+const std::string twoMirrors = head + none +
+                               "Array.A = 1,2\nArray.B = 3,4\nLogical_Mode = CUSTOM\n"
+                               "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:1\n";
+
+TEST(StepsTest, HrconfClearsAllAndSaysSo) {
+    PlannedServer server("hrconf");
+    expectDone(server, twoMirrors);
+    const MachinePlan plan = server.plan(oneOtherMirror);
+    EXPECT_EQ(commandsOf(plan),
+              (Lines{"UTIL.BAT HRCONF SETCONFIG 1 DEFAULT NOPROMPT",
+                     "UTIL.BAT HRCONF CREATE 1 LOGICALDRIVE  Name ARRAY0_LOGICAL0 Init_Priority "
+                     "HIGH Init_Method QUICK MAX 1 0 0 0 1 NOPROMPT ",
+                     "UTIL.BAT HRCONF CREATE 1 LOGICALDRIVE  Name ARRAY1_LOGICAL1 Init_Priority "
+                     "HIGH Init_Method QUICK MAX 1 1 8 1 9 NOPROMPT "}));
+    EXPECT_EQ(
+        reasonsOf(plan),
+        (Lines{"different: LD 2 on 0:2 0:3 is not wanted",
+               "only-whole-clear: LD 1 is as planned, but the controller is cleared as a whole"}));
+    EXPECT_EQ(differencesOf(plan), Lines{});
+    EXPECT_EQ(lossesOf(plan), (Lines{"logical_drive 1", "logical_drive 2"}));
+    expectDone(server, oneOtherMirror);
+}
+
+TEST(StepsTest, CfggenClearsAllAndAddsBesideWhatStands) {
+    PlannedServer server("cfggen");
+    expectDone(server, twoMirrors);
+    EXPECT_EQ(commandsOf(server.plan(oneOtherMirror)),
+              (Lines{"UTIL.BAT CFGGEN 0 DELETE NOPROMPT",
+                     "UTIL.BAT CFGGEN 0 CREATE IM MAX 1:0 1:1 qsync NOPROMPT",
+                     "UTIL.BAT CFGGEN 0 CREATE IM MAX 1:4 1:5 qsync NOPROMPT"}));
+    expectDone(server, oneOtherMirror);
+    const std::string withSpare = oneOtherMirror + "Hotspares = 7\n";
+    const MachinePlan plan = server.plan(withSpare);
+    EXPECT_EQ(commandsOf(plan), (Lines{"UTIL.BAT CFGGEN 0 HOTSPARE 2:0 "}));
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    expectDone(server, withSpare, StrategyWish::add);
+}
+
+TEST(StepsTest, QtcsendAddsWhereItsLettersHold) {
+    PlannedServer server("qtcsend");
+    server.runZolex("[Policy.none]\nAppliesTo.1 = c:36\n", {"/r", "/y"});
+    const std::string first = head + none +
+                              "Array.A = 1,2\nLogical_Mode = CUSTOM\n"
+                              "Logical.1 = A:FILL:1\n";
+    expectDone(server, first);
+    // The second array becomes B, as the lines call it.
+    const std::string behind = head + none +
+                               "Array.A = 1,2\nArray.B = 3,4\n"
+                               "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1\n"
+                               "Logical.2 = B:50%:1\nLogical.3 = B:FILL:1\n";
+    const MachinePlan added = server.plan(behind);
+    EXPECT_EQ(strategyOf(added), Strategy::add);
+    EXPECT_EQ(commandsOf(added),
+              (Lines{"UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE NEWARRAY 8679 1 1 2 1 3 NOPROMPT",
+                     "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE B 8678 1 NOPROMPT"}));
+    // It would become B where the lines say A.
+    const std::string before = head + none +
+                               "Array.A = 3,4\nArray.B = 1,2\n"
+                               "Logical_Mode = CUSTOM\nLogical.1 = A:50%:1\n"
+                               "Logical.2 = A:FILL:1\nLogical.3 = B:FILL:1\n";
+    const MachinePlan cleared = server.plan(before);
+    EXPECT_EQ(strategyOf(cleared), Strategy::rebuild);
+    EXPECT_EQ(commandsOf(cleared),
+              (Lines{"UTIL.BAT QTCSEND SETCONFIG 1 DEFAULT NOPROMPT",
+                     "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE NEWARRAY 8679 1 1 2 1 3 NOPROMPT",
+                     "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE A 8678 1 NOPROMPT",
+                     "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE NEWARRAY MAX 1 1 0 1 1 NOPROMPT"}));
+    EXPECT_EQ(
+        reasonsOf(cleared),
+        (Lines{"only-whole-clear: LD 1 is as planned, but the controller is cleared as a whole"}));
+    EXPECT_EQ(lossesOf(cleared), (Lines{"logical_drive 1"}));
+    expectDone(server, behind);
+    expectDone(server, before);
 }
 
 TEST(StepsTest, HyperwinTakesAllDrives) {
@@ -321,7 +498,8 @@ TEST(StepsTest, HyperwinTakesAllDrives) {
     const MachinePlan plan = server.plan(head + none +
                                          "Array.A = 1\nLogical_Mode = CUSTOM\n"
                                          "Logical.1 = A:FILL:0\n");
-    EXPECT_EQ(faultsOf(plan), Lines{});
+    EXPECT_EQ(faultsOf(plan),
+              (Lines{"ZP222 the array is planned on 1, and the command takes 1 2"}));
 }
 
 TEST(StepsTest, EachStepSaysHowItIsRun) {
@@ -352,7 +530,7 @@ TEST(StepsTest, LevelsWithoutACommandAreAFault) {
     const MachinePlan plan = server.plan(head + none +
                                          "Array.A = 1,2,3,4\nLogical_Mode = CUSTOM\n"
                                          "Logical.1 = A:FILL:5EE\n");
-    EXPECT_EQ(faultsOf(plan), Lines{});
+    EXPECT_EQ(faultsOf(plan), (Lines{"ZX401 RAID level 5EE is not possible"}));
 }
 
 } // namespace

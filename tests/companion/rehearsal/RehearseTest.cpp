@@ -1,5 +1,5 @@
-// Plans for the samples of the virtual server, rehearsed: each is taken, ends as planned and goes on
-// from each fault, or is refused with the utility's own words.
+// Plans for the samples of the virtual server, rehearsed: each is taken, ends as planned and goes
+// on from each fault, or is refused with the utility's own words.
 
 #include "companion/rehearsal/Rehearse.h"
 
@@ -30,12 +30,15 @@ Lines findingsOf(const MachinePlan& plan) {
     return lines;
 }
 
-/// Rehearses the plan; then carries it out, and holds the layouts that were foreseen against it.
-void expectRehearsed(PlannedServer& server, const std::string& policies, StrategyWish wish) {
+/// What a controller chooses by itself is not told beforehand.
+void chooseAsUsual(PlannedServer& server) {
     for (zolex_sim::Controller& controller : server.platform.server.controllers) {
-        // What a controller chooses by itself is not told beforehand.
         controller.identity.defaultBatteryProtected = false;
     }
+}
+
+/// Rehearses the plan; then carries it out, and holds the layouts that were foreseen against it.
+void expectRehearsed(PlannedServer& server, const std::string& policies, StrategyWish wish) {
     const Snapshot snapshot = server.snapshot();
     MachinePlan plan = server.plan(policies, wish);
     ASSERT_EQ(test::faultsOf(plan), Lines{});
@@ -70,16 +73,19 @@ class RehearseSample : public testing::TestWithParam<std::string> {};
 
 TEST_P(RehearseSample, SamplePoliciesAsItComes) {
     PlannedServer server(GetParam());
+    chooseAsUsual(server);
     expectRehearsed(server, server.samplePolicies(), StrategyWish::automatic);
 }
 
 TEST_P(RehearseSample, DefaultsFromAClearController) {
     PlannedServer server(GetParam());
+    chooseAsUsual(server);
     expectRehearsed(server, onePolicy, StrategyWish::rebuild);
 }
 
 TEST_P(RehearseSample, DefaultsOverSamplePolicies) {
     PlannedServer server(GetParam());
+    chooseAsUsual(server);
     ASSERT_EQ(server.carryOut(server.plan(server.samplePolicies())), Lines{});
     expectRehearsed(server, onePolicy, StrategyWish::automatic);
 }
