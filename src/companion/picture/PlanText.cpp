@@ -18,6 +18,7 @@ namespace zolex::companion {
 namespace {
 
 constexpr std::size_t mostPolicies = 6;     ///< that are shown when not everything is asked for
+constexpr std::size_t mostReasons = 3;      ///< of a strategy, likewise
 constexpr std::size_t mostDifferences = 3;  ///< from zolex, likewise
 constexpr std::size_t rowTitleColumns = 15; ///< as wide as "    planned    "
 
@@ -124,6 +125,8 @@ class ControllerWriter {
         return std::move(out_);
     }
 
+    [[nodiscard]] std::size_t createdVolumes() const { return change_.newLogicalDrives.size(); }
+
   private:
     [[nodiscard]] std::vector<std::string> names() const {
         const ControllerSnapshot& controller = planning_.controller;
@@ -148,8 +151,11 @@ class ControllerWriter {
                                        width_),
                            isSkipped ? Emphasis::warning : Emphasis::good, style_) +
                 "\n";
-        if ((isSkipped && !planning_.considered.empty() && planning_.policy.empty()) ||
-            terms_.verbose) {
+        // Of a few policies the outcome tells already why none of them fits.
+        constexpr std::size_t told = 3;
+        const bool isTold = planning_.because.find(": ") != std::string::npos &&
+                            planning_.considered.size() <= told;
+        if ((isSkipped && !isTold && planning_.policy.empty()) || terms_.verbose) {
             policies();
         }
         if (terms_.verbose) {
@@ -370,6 +376,12 @@ class ControllerWriter {
         out_ += "    " + foldedText(pieces, "   ", 4, 4, width_) + "\n";
     }
 
+    /// Why a drive was taken; which of several it is only when everything is asked for.
+    [[nodiscard]] std::string bindingReason(const BoundDrive& drive) const {
+        const std::size_t end = terms_.verbose ? std::string::npos : drive.why.find(": drive ");
+        return drive.why.substr(0, end);
+    }
+
     void bindings() {
         std::vector<FieldLine> lines;
         for (const Binding& binding : planning_.bindings) {
@@ -377,8 +389,8 @@ class ControllerWriter {
             const std::size_t before = lines.size();
             for (std::size_t i = 0; i < binding.drives.size();) {
                 std::vector<std::string> locations;
-                const std::string& why = binding.drives[i].why;
-                for (; i < binding.drives.size() && binding.drives[i].why == why; ++i) {
+                const std::string why = bindingReason(binding.drives[i]);
+                for (; i < binding.drives.size() && bindingReason(binding.drives[i]) == why; ++i) {
                     locations.push_back(printable(binding.drives[i].location));
                 }
                 lines.push_back(
@@ -612,8 +624,15 @@ class ControllerWriter {
             out_ += signedLine("  Settings ", joined(pieces, ", "), Emphasis::plain, style_);
         }
         std::vector<std::string> reasons;
-        for (const StrategyReason& reason : planning_.strategyBecause) {
-            reasons.push_back(printable(reason.text.empty() ? reason.code : reason.text));
+        const std::vector<StrategyReason>& all = planning_.strategyBecause;
+        const std::size_t shown =
+            terms_.verbose || all.size() <= mostReasons + 1 ? all.size() : mostReasons;
+        for (std::size_t i = 0; i < shown; ++i) {
+            reasons.push_back(printable(all[i].text.empty() ? all[i].code : all[i].text));
+        }
+        if (shown < all.size()) {
+            reasons.push_back("and " + std::to_string(all.size() - shown) +
+                              " more reasons, which -v shows");
         }
         const std::string name = "Strategy " + std::string(strategyWord(planning_.strategy)) +
                                  (reasons.empty() ? "" : ": ");
@@ -657,7 +676,9 @@ class PlanTextWriter {
                 out_ += "\n";
             }
             lastIsShort_ = isShort;
-            out_ += ControllerWriter(plan_, planning, style_, terms_).write();
+            ControllerWriter writer(plan_, planning, style_, terms_);
+            out_ += writer.write();
+            created_ += writer.createdVolumes();
         }
         if (plan_.controllers.empty()) {
             out_ += "\nNo RAID controller\n";
@@ -939,19 +960,14 @@ class PlanTextWriter {
                                Emphasis::bold, style_);
             return;
         }
-        std::size_t volumes = 0;
         std::size_t spares = 0;
-        for (const ControllerPlanning& planning : plan_.controllers) {
-            const ControllerChange change = changeOf(planning);
-            volumes += change.newLogicalDrives.size();
-        }
         for (const PlanStep& step : steps_) {
             spares += step.action == "create-spare" ? step.creates.size() : 0;
         }
         const auto lost = static_cast<std::size_t>(
             std::count_if(losses_.begin(), losses_.end(),
                           [](const Loss& loss) { return loss.kind == "logical_drive"; }));
-        std::string counts = countText(volumes, "logical drive", "logical drives") +
+        std::string counts = countText(created_, "logical drive", "logical drives") +
                              " to create, " + std::to_string(lost) + " to destroy";
         counts += spares > 0 ? ", " + countText(spares, "spare", "spares") : "";
         out_ += signedLine("", saved + counts + ".", Emphasis::bold, style_);
@@ -965,6 +981,7 @@ class PlanTextWriter {
     std::vector<PlanStep> steps_;
     std::vector<Loss> losses_;
     bool lastIsShort_ = false;
+    std::size_t created_ = 0; ///< logical drives
     std::string out_;
 };
 

@@ -113,8 +113,11 @@ std::string_view roleClass(Role role) {
     return {};
 }
 
-/// What stands in the lowest part of a slot.
-std::string bandText(const MachineDrive& drive) {
+/// What stands in the lowest part of a slot; of one with a sign before it no more than must be.
+std::string bandText(const MachineDrive& drive, bool hasSign) {
+    if (hasSign && !drive.array.empty()) {
+        return drive.array;
+    }
     switch (roleOf(drive)) {
     case Role::member:
         return drive.array + (drive.facts.state == DriveState::rebuilding ? " rebuild" : "");
@@ -316,7 +319,8 @@ void SvgCanvas::drive(const Box& box, const MachineDrive& drive,
     rect(box, frame, look.fill);
     const bool hasFailedFrame = failed && !note.isLost && !note.isNew;
     out_ += hasFailedFrame ? " stroke=\"#b00020\" stroke-width=\"2\"/>\n" : "/>\n";
-    const std::string mark = (note.isLost ? "- " : note.isNew ? "+ " : "") + bandText(drive);
+    const std::string_view sign = note.isLost ? "- " : note.isNew ? "+ " : "";
+    const std::string mark = std::string(sign) + bandText(drive, !sign.empty());
     if (!look.plate.empty()) {
         plate({box.x + 4, box.y + 4, box.width - 8, 59}, look.plate);
         const std::int32_t side = mark.size() > 3 ? 4 : mark.size() > 2 ? 12 : 16;

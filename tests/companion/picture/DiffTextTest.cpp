@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 namespace zolex::companion {
@@ -61,17 +60,133 @@ MachineDiff diffOfResult(ControllerDiff::Result result) {
     return diff;
 }
 
-TEST(DiffText, Dump) {
-    using R = ControllerDiff::Result;
-    MachineDiff add = exampleDiff(); add.controllers[0].comparison.differences.erase(add.controllers[0].comparison.differences.begin(), add.controllers[0].comparison.differences.begin() + 2); add.controllers[0].comparison.groupsInTheWay.clear(); add.controllers[0].addingIsEnough = true; add.isByPlan = true; add.wantedBy = "plan.json";
-    std::printf("@@1@@%s@@1@@\n", diffText(exampleDiff(), plain, false).c_str());
-    std::printf("@@2@@%s@@2@@\n", diffText(rareDiff(), plain, true).c_str());
-    std::printf("@@3@@%s@@3@@\n", diffText(exampleDiff(), {false, 40}, false).c_str());
-    std::printf("@@4@@%s@@4@@\n", diffText(diffOfResult(R::same), plain, false).c_str());
-    std::printf("@@5@@%s@@5@@\n", diffText(diffOfResult(R::equivalent), plain, true).c_str());
-    std::printf("@@6@@%s@@6@@\n", diffText(diffOfResult(R::skipped), plain, false).c_str());
-    std::printf("@@7@@%s@@7@@\n", diffText(diffOfResult(R::unknown), plain, false).c_str());
-    std::printf("@@8@@%s@@8@@\n", diffText(add, plain, false).c_str());
+TEST(DiffText, TellsEachAttributeAndTheNextCommand) {
+    EXPECT_EQ(diffText(exampleDiff(), plain, false),
+              R"(Controller 1  LSI-MegaRAID-8480  Policy.web (site.ini:17)              different
+  = LD 0  RAID1   67.8 GB  32:0 32:1
+  ~ LD 1  RAID5  271.0 GB  32:2-32:6
+      strip size   policy 64 KB       machine 128 KB
+      write cache  policy write-back  machine write-through
+  - 32:7  missing  policy hot spare 32:7 (covers A, B)  machine none; 32:7 is
+                                                        free
+Controller 2  Kestrix-B7  Policy.db (site.ini:3)                      equivalent
+  = the same layout; the spare is 1:4 and would be planned as 1:5 (equal drives)
+
+1 of 2 controllers differs. What stands now cannot be mended by adding alone:
+strip size takes a rebuild. zolexctl plan site.ini shows what it takes.
+)");
+}
+
+TEST(DiffText, TellsEverythingThatIsRare) {
+    EXPECT_EQ(diffText(rareDiff(), plain, true),
+              R"(Controller 1  LSI-MegaRAID-8480  Policy.web (site.ini:17)              different
+  = LD 0   RAID1    67.8 GB  32:0 32:1
+  ~ LD 1   RAID5   271.0 GB  32:2-32:6
+      strip size   policy 64 KB       machine 128 KB
+      write cache  policy write-back  machine write-through
+  + LD 2   RAID0    67.8 GB  32:8        not wanted
+  ~ LD 3   VOLUME   67.8 GB  32:9 32:10  in the way of what is wanted
+  = spare                    32:12
+  - 32:7  missing  policy hot spare 32:7 (covers A, B)  machine none; 32:7 is
+      free
+  + 32:11  surplus  policy none  machine hot spare 32:11
+  ~ 32:5       moved    policy 32:5                          machine 32:6
+  - Logical.3  missing  policy RAID1 67.8 GB                 machine nothing
+  ! LD 1 is degraded: 32:3 failed
+    not compared, because the utility does not list it: strip size, write cache
+Controller 2  Kestrix-B7  Policy.db (site.ini:3)                      equivalent
+  = LD 1   RAID1  67.8 GB  1:0 1:1
+  = spare                  1:4
+  = the same layout; the spare is 1:4 and would be planned as 1:5 (equal drives)
+    not compared, because the utility does not list it: write cache
+Controller 3  Kestrix-D4                                                 unknown
+  MEGACLI failed
+error: the listing could not be read [ZP101]
+   help: zolexctl doctor
+Controller 4  Kestrix-D5                                                 skipped
+  no policy applies
+
+1 of 4 controllers could not be compared. 1 of 4 controllers differs. What
+stands now cannot be mended by adding alone: strip size takes a rebuild; LD 3 is
+in the way. zolexctl plan site.ini shows what it takes.
+)");
+}
+
+TEST(DiffText, ANarrowTerminalGetsNarrowLines) {
+    EXPECT_EQ(diffText(exampleDiff(), {false, 40}, false), R"(Controller 1  LSI-MegaRAID-8480
+              Policy.web (site.ini:17)
+              different
+  = LD 0  RAID1   67.8 GB  32:0 32:1
+  ~ LD 1  RAID5  271.0 GB  32:2-32:6
+      strip size  policy 64 KB  machine
+          128 KB
+      write cache  policy write-back
+          machine write-through
+  - 32:7  missing  policy hot spare 32:7
+      (covers A, B)  machine none; 32:7
+      is free
+Controller 2  Kestrix-B7 Policy.db
+              (site.ini:3)
+              equivalent
+  = the same layout; the spare is 1:4
+    and would be planned as 1:5 (equal
+    drives)
+
+1 of 2 controllers differs. What stands
+now cannot be mended by adding alone:
+strip size takes a rebuild. zolexctl
+plan site.ini shows what it takes.
+)");
+}
+
+TEST(DiffText, EachResultHasItsSentence) {
+    using Result = ControllerDiff::Result;
+    EXPECT_EQ(diffText(diffOfResult(Result::same), plain, false),
+              R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                            same
+  = the same layout
+
+The controller is as the policies say.
+)");
+    EXPECT_EQ(diffText(diffOfResult(Result::equivalent), plain, true),
+              R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                      equivalent
+  = LD 1   RAID1  67.8 GB  1:0 1:1
+  = spare                  1:4
+  = the same layout; the spare is 1:4 and would be planned as 1:5 (equal drives)
+    not compared, because the utility does not list it: write cache
+
+The controller is as the policies say, on equal drives.
+)");
+    EXPECT_EQ(diffText(diffOfResult(Result::skipped), plain, false),
+              R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                         skipped
+
+Every controller is skipped.
+)");
+    EXPECT_EQ(diffText(diffOfResult(Result::unknown), plain, false),
+              R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                         unknown
+
+The controller could not be compared.
+)");
+}
+
+TEST(DiffText, AMachineAgainstAPlanThatLacksASpare) {
+    MachineDiff diff = exampleDiff();
+    ControllerDiff& first = diff.controllers[0];
+    first.comparison.differences = {first.comparison.differences[2]};
+    first.comparison.groupsInTheWay.clear();
+    first.addingIsEnough = true;
+    diff.isByPlan = true;
+    diff.wantedBy = "plan.json";
+    EXPECT_EQ(diffText(diff, plain, false),
+              R"(Controller 1  LSI-MegaRAID-8480  Policy.web                            different
+  = LD 0  RAID1   67.8 GB  32:0 32:1
+  = LD 1  RAID5  271.0 GB  32:2-32:6
+  - 32:7  missing  plan hot spare 32:7 (covers A, B)  machine none; 32:7 is free
+Controller 2  Kestrix-B7  Policy.db                                   equivalent
+  = the same layout; the spare is 1:4 and would be planned as 1:5 (equal drives)
+
+1 of 2 controllers differs. Adding what is missing is enough. zolexctl show
+plan.json shows the plan.
+)");
 }
 
 TEST(DiffText, ColoursAreNeverTheOnlyCarrier) {

@@ -82,8 +82,8 @@ MachinePlan rarePlan() {
          25,
          "2 x HDD <100GB",
          "Array.A = 1,2",
-         {{"32:0", "by-kind", "HDD, 67.8 GB: the first 2 of 8"},
-          {"32:1", "by-kind", "HDD, 67.8 GB: the first 2 of 8"}},
+         {{"32:0", "by-kind", "HDD, 67.8 GB: drive 1 of 2"},
+          {"32:1", "by-kind", "HDD, 67.8 GB: drive 2 of 2"}},
          ""},
         {"Level.B", 30, "6 else 5", "Logical.2 = B:FILL:5", {}, "6 takes 4 drives or more"}};
     for (PlannedDrive& drive : first.arrays[0].drives) {
@@ -280,8 +280,7 @@ Controller 1  LSI-MegaRAID-8480  serial 1122334455  PCI 02:0e.0
     a RAID1   b RAID5   A RAID1   B RAID5   * hot spare   . free   x failed
     ~ foreign   ? unknown
 
-  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB: the
-                                                   first 2 of 8
+  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB
   Level.B = 6 else 5         Logical.2 = B:FILL:5  because 6 takes 4 drives or
                                                    more
 
@@ -566,8 +565,7 @@ Controller 1  LSI-MegaRAID-8480  serial 1122334455  PCI 02:0e.0
     a RAID1   b RAID5   A RAID1   B RAID5   * hot spare   . free   x failed
     ~ foreign   ? unknown
 
-  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB: the
-                                                   first 2 of 8
+  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB
   Level.B = 6 else 5         Logical.2 = B:FILL:5  because 6 takes 4 drives or
                                                    more
 
@@ -672,6 +670,20 @@ This destroys 1 logical drive (135.5 GB). To agree:
   zolexctl apply plan.json --destroy 7Q4K-2M9D
 1 logical drive to create, 1 to destroy, 1 spare.
 )");
+}
+
+TEST(PlanText, OfManyReasonsTheFirstAreShown) {
+    MachinePlan plan = examplePlan();
+    plan.controllers[0].strategyBecause.resize(6, {"different", "LD 2 is in the way", "2", {}});
+    const std::string begin = "  Strategy rebuild: array B needs 32:5 and 32:6 besides 32:2-32:4 "
+                              "(LD 1); LD 2\n  is in the way; LD 2 is in the way; ";
+    EXPECT_NE(planText(plan, plain).find(begin + "and 3 more reasons, which -v shows\n"),
+              std::string::npos)
+        << planText(plan, plain);
+    PlanTextTerms terms;
+    terms.verbose = true;
+    EXPECT_NE(planText(plan, plain, terms).find(begin + "LD 2 is in the way; LD 2"),
+              std::string::npos);
 }
 
 TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {
