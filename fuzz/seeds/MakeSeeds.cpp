@@ -172,6 +172,10 @@ void runOnSample(unsigned sample, SeedWriter& seeds) {
         if (!policies.empty()) {
             seeds.write("policies-reader", "\xC"s + policies);
             seeds.write("check", policies);
+            seeds.write("bind",
+                        std::string(9, '\0') + policies +
+                            "[Policy.kinds]\nAppliesTo.1 = ALL\nDrives.A = 2 x HDD\n"
+                            "Drives.B = rest of one size\nSpares = 1\nLevel.B = 6 else 5\n");
             run("/f:policies.ini", "/v:3", false);
         }
     }

@@ -60,8 +60,8 @@ struct BoundPolicies {
 
 /// How drives are looked at.
 struct BindingTerms {
-    /// Failed members of arrays that stand count as good, where they have a position: to hold what
-    /// stands against what is wanted. Otherwise no drive is taken that is not good.
+    /// Failed and missing members of arrays that stand count as good, where they have a position:
+    /// to hold what stands against what is wanted. Otherwise no drive is taken that is not good.
     bool failedMembersStay = false;
 };
 

@@ -106,7 +106,8 @@ class DrivePool {
             return false;
         }
         const DriveFacts& facts = drive.facts;
-        const bool isMember = facts.state == DriveState::failed && !drive.array.empty();
+        const bool isGone = facts.state == DriveState::failed || facts.state == DriveState::missing;
+        const bool isMember = isGone && !drive.array.empty();
         if (terms_.failedMembersStay && isMember) {
             return true;
         }
@@ -538,9 +539,9 @@ class Chooser {
     static std::string needWords(const Need& need) {
         std::string kinds;
         for (const auto& [media, protocol] : need.kinds) {
-            const std::string kind =
-                protocol + (protocol.empty() || media.empty() ? "" : " ") + media;
-            kinds += kind.empty() ? "" : (kinds.empty() ? "" : " and ") + kind;
+            std::string kind = protocol;
+            kind.append(protocol.empty() || media.empty() ? "" : " ").append(media);
+            kinds.append(kinds.empty() || kind.empty() ? "" : " and ").append(kind);
         }
         return (kinds.empty() ? std::string() : kinds + " ") + "of " + sizeText(need.bytes) +
                " or more";

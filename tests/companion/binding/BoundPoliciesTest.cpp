@@ -445,8 +445,13 @@ TEST(Bind, AFailedMemberStaysWhereThatIsAskedFor) {
     Snapshot snapshot =
         capturedKinds(kindServer(R"({"enclosure": 32, "slot": 0, "count": 4, "sizeMB": 69376})",
                                  R"({"level": "RAID1", "spans": [["32:0", "32:1"]]})"));
-    snapshot.details.front().drives.front().facts.state = DriveState::failed;
-    snapshot.details.front().drives.front().facts.health = Health::critical;
+    DriveFacts& member = snapshot.details.front().drives.front().facts;
+    member.state = DriveState::missing;
+    member.health = Health::critical;
+    EXPECT_EQ(
+        boundTo(snapshot, "Drives.A = 2 x\n", {.failedMembersStay = true}).bindings.front().becomes,
+        "Array.A = 1:0,1:1");
+    member.state = DriveState::failed;
     EXPECT_EQ(boundTo(snapshot, "Drives.A = 2 x\n").bindings.front().becomes, "Array.A = 1:1,1:2");
     EXPECT_EQ(
         boundTo(snapshot, "Drives.A = 2 x\n", {.failedMembersStay = true}).bindings.front().becomes,

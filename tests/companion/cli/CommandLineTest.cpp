@@ -116,6 +116,31 @@ TEST(CommandLine, ReadsTheOptionsOfCheck) {
     EXPECT_TRUE(request.check.fix);
 }
 
+TEST(CommandLine, ReadsTheOptionsOfConvert) {
+    const Request request = requestOf(
+        {"convert", "--to", "policies", "--machine", "a.zrec", "kinds.ini", "-o", "web1.ini"});
+    EXPECT_EQ(request.command, Command::convert);
+    EXPECT_EQ(request.convert.file, "kinds.ini");
+    EXPECT_EQ(request.convert.to, "policies");
+    EXPECT_EQ(request.convert.machine, "a.zrec");
+    EXPECT_EQ(request.outputFile, "web1.ini");
+    EXPECT_EQ(faultOf({"convert", "--to", "policies", "--machine", "a.zrec"}),
+              "convert needs a policies file\nzolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--machine", "a.zrec", "kinds.ini"}),
+              "convert needs --to policies\nzolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--to", "stone", "kinds.ini"}),
+              "--to: \"stone\" is nothing to convert to: write policies\n"
+              "zolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--to", "policies", "kinds.ini"}),
+              "convert needs --machine: the drives are those of one server\n"
+              "zolexctl record -o server.zrec, and --machine server.zrec");
+    EXPECT_EQ(faultOf({"convert", "--to", "policies", "--machine", "a", "--machine", "b", "c"}),
+              "convert takes one --machine\n"
+              "zolexctl record -o server.zrec, and --machine server.zrec");
+    EXPECT_EQ(faultOf({"convert", "--to", "policies", "--machine", "a", "b", "c"}),
+              "convert does not take \"c\" besides \"b\"\nzolexctl convert --help");
+}
+
 TEST(CommandLine, ReadsTheOptionsOfPlan) {
     const Request request = requestOf(
         {"plan",      "site.ini",    "--exit-code",  "--strategy", "add",         "--no-rehearsal",

@@ -22,6 +22,7 @@ TEST(Help, OfTheProgramNamesTheCommands) {
               "  doctor   are the utilities there, are they read\n"
               "  record   keep every utility call of a capture\n"
               "  replay   run a command on a recording\n"
+              "  convert  policies for zolex, of drives told by kind\n"
               "  explain  what a finding or an exit code means\n"
               "\n"
               "options:\n"
