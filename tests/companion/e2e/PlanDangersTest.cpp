@@ -211,6 +211,7 @@ TEST(PlanDangers, AFileThatIsNotThereIsNoPlan) {
     }
 }
 
+#ifndef _WIN32 // where the firmware is asked for the names of the machine that runs the test
 TEST(PlanDangers, WithoutTheDetectorPoliciesThatAskForTheMachineAreRefused) {
     PlannedServer server(eight());
     server.write("web.ini", webPolicies);
@@ -226,6 +227,7 @@ TEST(PlanDangers, WithoutTheDetectorPoliciesThatAskForTheMachineAreRefused) {
                   "8837\n"});
     EXPECT_EQ(server.zolexctl({"plan", "type.ini", "--machine-type", "8837"}).exitCode, 0);
 }
+#endif
 
 /// What zolex captures and cannot deploy any more, after it has wiped the server.
 TEST(PlanDangers, ACapturedLayoutThatCannotComeBackIsToldBeforeAnythingIsWiped) {
@@ -275,7 +277,7 @@ TEST(PlanDangers, OnAConfiguredServerThePlanSaysWhatGoesAndWhereZolexStops) {
     EXPECT_EQ(plan.exitCode, 0) << plan.output;
     expectPieces(plan.output,
                  {"= LD 0", "stays as array A", "- LD 1     RAID5       135.5 GB  32:2-32:4",
-                  "Strategy rebuild: LD 1 lies on 32:2 32:3 32:4, and array B needs drives of it",
+                  "Strategy rebuild: array B needs 32:2 32:3 32:4, and LD 1 lies on 32:2 32:3",
                   "1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0",
                   "without /r zolex stops at the first drive in use, exit code 11",
                   "This destroys 1 logical drive (135.5 GB). To agree:"});

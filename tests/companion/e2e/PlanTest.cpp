@@ -119,8 +119,8 @@ TEST(PlanEndToEnd, DiffTellsAChangedStripSize) {
       strip size  policy 128 KB  machine 64 KB
   = spare                   32:7
 
-1 of 1 controller differs. What stands now cannot be mended by adding alone:
-strip size takes a rebuild. zolexctl plan other.ini shows what it takes.
+The controller differs. What stands now cannot be mended by adding alone: strip
+size takes a rebuild. zolexctl plan other.ini shows what it takes.
 )");
     const ProgramRun json = server.zolexctl({"diff", "other.ini", "--format", "json"});
     EXPECT_EQ(json.exitCode, 1);
@@ -156,7 +156,10 @@ TEST(PlanEndToEnd, ASpareThatSteppedInIsEquivalent) {
     EXPECT_EQ(strict.exitCode, 1) << strict.output;
     const ProgramRun plan = server.zolexctl({"plan", "wanted.ini", "--exit-code"});
     EXPECT_EQ(plan.exitCode, 0) << plan.output;
-    expectPieces(plan.output, {"Controller 1  as the policy says (", "Nothing to do.\n"});
+    expectPieces(plan.output,
+                 {"Controller 1  as the policy says, equivalent: the spare is 32:3 instead of "
+                  "32:4\n",
+                  "Nothing to do.\n"});
     const ProgramRun json = server.zolexctl({"diff", "wanted.ini", "--format", "json"});
     keepDocument("diff-equivalent", json.output);
 }
@@ -280,6 +283,35 @@ TEST(PlanEndToEnd, PlansTheDefaultsAsZolexDoesWithoutPolicies) {
     ASSERT_EQ(server.zolex({"/d"}).exitCode, 0);
     const ProgramRun after = server.zolexctl({"plan", "--default", "--exit-code"});
     EXPECT_EQ(after.exitCode, 0) << after.output << after.error;
+}
+
+/// Drives told by what they are: zolex refuses the file, and takes what it is converted to.
+TEST(PlanEndToEnd, BindsDrivesThatAreToldByWhatTheyAre) {
+    PlannedServer server("single");
+    server.write("kinds.ini", "[Policy.kinds]\n"
+                              "AppliesTo.1 = t:LSI-MegaRAID-8480\n"
+                              "Drives.A = slots 32:0,32:1\n"
+                              "Drives.B = rest of one size\n"
+                              "Spares = 1 covering A,B\n"
+                              "Level.B = 6 else 5\n");
+    const ProgramRun plan = server.zolexctl({"plan", "kinds.ini", "-o", "p.json"});
+    EXPECT_EQ(plan.exitCode, 0) << plan.output << plan.error;
+    expectPieces(plan.output, {"Drives.A = slots 32:0,32:1", "Level.B = 6 else 5",
+                               "RAID 6 is not of", "+ Array A  drives 1,2  32:0 32:1"});
+    keepDocument("plan-kinds", server.read("p.json"));
+    EXPECT_EQ(server.zolexctl({"check", "kinds.ini"}).exitCode, 0);
+    EXPECT_EQ(server.zolex({"/f:kinds.ini"}).exitCode, 5);
+    ASSERT_EQ(server.zolexctl({"record", "-o", "s.zrec"}).exitCode, 0);
+    const ProgramRun converted = server.zolexctl(
+        {"convert", "--to", "policies", "--machine", "s.zrec", "kinds.ini", "-o", "plain.ini"});
+    EXPECT_EQ(converted.exitCode, 0) << converted.error;
+    server.deploy("plain.ini");
+    for (const char* const wanted : {"kinds.ini", "plain.ini", "p.json"}) {
+        const ProgramRun diff = server.zolexctl({"diff", wanted});
+        EXPECT_EQ(diff.exitCode, 0) << wanted << "\n" << diff.output << diff.error;
+    }
+    const ProgramRun after = server.zolexctl({"plan", "kinds.ini", "--exit-code"});
+    EXPECT_EQ(after.exitCode, 0) << after.output;
 }
 
 TEST(PlanEndToEnd, AsksForAddingOrRebuilding) {
