@@ -137,8 +137,8 @@ after:
   RAID5 fill, strip 64 KB, write-back, adaptive read-ahead: 32:0 32:1 32:2 32:3 32:4 32:5 32:6
   hot spare: 32:7
 strategy rebuild
-  drives-in-use: LD 0 lies on 32:0 32:1, and array A needs drives of it
-  drives-in-use: LD 1 lies on 32:2 32:3 32:4 32:5 32:6, and array A needs drives of it
+  drives-in-use: array A needs 32:0 32:1, and LD 0 lies on 32:0 32:1
+  drives-in-use: array A needs 32:2 32:3 32:4 32:5 32:6, and LD 1 lies on 32:2 32:3 32:4 32:5 32:6
 loses logical_drive 1
 loses logical_drive 0
 1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0
