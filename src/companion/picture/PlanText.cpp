@@ -351,7 +351,9 @@ class ControllerWriter {
                 std::string letters = printable(controller.arrays[i].letter);
                 letters +=
                     last > i ? "-" + printable(controller.arrays[last].letter) : std::string();
-                pieces.push_back(letters + " " + levels);
+                letters += " ";
+                letters += levels;
+                pieces.push_back(std::move(letters));
                 i = last + 1;
             }
         };
@@ -523,6 +525,7 @@ class ControllerWriter {
             return reasons[0].first + " and those as large";
         }
         std::vector<std::string> pieces;
+        pieces.reserve(reasons.size());
         for (const auto& [text, locations] : reasons) {
             pieces.push_back(locationsText(locations) + " " + text);
         }
