@@ -78,6 +78,7 @@ std::string pairsOf(const std::vector<ChosenDrive>& drives) {
 
 std::vector<BoundDrive> boundDrives(const std::vector<ChosenDrive>& drives) {
     std::vector<BoundDrive> bound;
+    bound.reserve(drives.size());
     for (const ChosenDrive& chosen : drives) {
         bound.push_back({chosen.drive->facts.location, chosen.code, chosen.why});
     }

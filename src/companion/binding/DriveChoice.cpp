@@ -539,9 +539,9 @@ class Chooser {
     static std::string needWords(const Need& need) {
         std::string kinds;
         for (const auto& [media, protocol] : need.kinds) {
-            const std::string kind =
-                protocol + (protocol.empty() || media.empty() ? "" : " ") + media;
-            kinds += kind.empty() ? "" : (kinds.empty() ? "" : " and ") + kind;
+            std::string kind = protocol;
+            kind.append(protocol.empty() || media.empty() ? "" : " ").append(media);
+            kinds.append(kinds.empty() || kind.empty() ? "" : " and ").append(kind);
         }
         return (kinds.empty() ? std::string() : kinds + " ") + "of " + sizeText(need.bytes) +
                " or more";

@@ -375,8 +375,8 @@ TextPlace placeIn(std::string_view text, std::size_t byte) {
     const std::size_t lineStart = before.rfind('\n') + 1; // 0 without one
     constexpr auto most = static_cast<std::size_t>(mostNumber);
     TextPlace place;
-    place.line = static_cast<std::int32_t>(
-        std::min<std::size_t>(std::count(before.begin(), before.end(), '\n') + 1, most));
+    place.line = static_cast<std::int32_t>(std::min(
+        static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1, most));
     place.column = static_cast<std::int32_t>(std::min(byte - lineStart + 1, most));
     place.byte = static_cast<std::int64_t>(byte);
     return place;

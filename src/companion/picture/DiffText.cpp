@@ -213,7 +213,7 @@ class ControllerDiffWriter {
                                                                : printable(difference.logicalDrive);
             if (!difference.logicalDrive.empty() &&
                 difference.logicalDrive.find_first_not_of("0123456789") == std::string::npos) {
-                name = "LD " + name;
+                name.insert(0, "LD ");
             }
             FieldLine line = attributeLine(difference, sign + name);
             line.indent = 2;

@@ -3,6 +3,9 @@
 #include "companion/picture/Markup.h"
 #include "companion/picture/Palette.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace zolex::companion {
 
 namespace {
@@ -31,6 +34,7 @@ td.code,code{font-family:"DejaVu Sans Mono",Consolas,Menlo,monospace;font-size:.
 .chip{display:inline-block;min-width:1.3em;text-align:center;font-weight:bold;border:1px solid #404040;border-radius:3px;padding:0 .2em}
 .table-box{overflow-x:auto}
 details{margin:.6rem 0}
+pre{white-space:pre-wrap;overflow-wrap:anywhere}
 summary{cursor:pointer}
 @media (prefers-color-scheme:dark){
 body{background:#16181d;color:#e8e8e8}
@@ -117,7 +121,14 @@ std::string findingsList(const std::vector<Finding>& findings) {
             items += ": ";
         }
         items += escaped(finding.summary);
-        items += finding.detail.empty() ? "" : ": " + escaped(finding.detail);
+        std::string_view rest = finding.detail;
+        items += rest.empty() ? "" : ": ";
+        while (!rest.empty()) {
+            const std::size_t end = std::min(rest.find('\n'), rest.size());
+            items += escaped(rest.substr(0, end));
+            items += end < rest.size() ? "<br/>" : "";
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+        }
         items += " <span class=\"dim\">" + escaped(finding.code) + "</span>";
         for (const std::string& help : finding.help) {
             items += "<span class=\"help\">" + escaped(help) + "</span>";

@@ -151,8 +151,11 @@ class ControllerWriter {
                                        width_),
                            isSkipped ? Emphasis::warning : Emphasis::good, style_) +
                 "\n";
-        if ((isSkipped && !planning_.considered.empty() && planning_.policy.empty()) ||
-            terms_.verbose) {
+        // Of a few policies the outcome tells already why none of them fits.
+        constexpr std::size_t told = 3;
+        const bool isTold = planning_.because.find(": ") != std::string::npos &&
+                            planning_.considered.size() <= told;
+        if ((isSkipped && !isTold && planning_.policy.empty()) || terms_.verbose) {
             policies();
         }
         if (terms_.verbose) {
@@ -348,7 +351,9 @@ class ControllerWriter {
                 std::string letters = printable(controller.arrays[i].letter);
                 letters +=
                     last > i ? "-" + printable(controller.arrays[last].letter) : std::string();
-                pieces.push_back(letters + " " + levels);
+                letters += " ";
+                letters += levels;
+                pieces.push_back(std::move(letters));
                 i = last + 1;
             }
         };
@@ -373,6 +378,12 @@ class ControllerWriter {
         out_ += "    " + foldedText(pieces, "   ", 4, 4, width_) + "\n";
     }
 
+    /// Why a drive was taken; which of several it is only when everything is asked for.
+    [[nodiscard]] std::string bindingReason(const BoundDrive& drive) const {
+        const std::size_t end = terms_.verbose ? std::string::npos : drive.why.find(": drive ");
+        return drive.why.substr(0, end);
+    }
+
     void bindings() {
         std::vector<FieldLine> lines;
         for (const Binding& binding : planning_.bindings) {
@@ -380,8 +391,8 @@ class ControllerWriter {
             const std::size_t before = lines.size();
             for (std::size_t i = 0; i < binding.drives.size();) {
                 std::vector<std::string> locations;
-                const std::string& why = binding.drives[i].why;
-                for (; i < binding.drives.size() && binding.drives[i].why == why; ++i) {
+                const std::string why = bindingReason(binding.drives[i]);
+                for (; i < binding.drives.size() && bindingReason(binding.drives[i]) == why; ++i) {
                     locations.push_back(printable(binding.drives[i].location));
                 }
                 lines.push_back(
@@ -514,6 +525,7 @@ class ControllerWriter {
             return reasons[0].first + " and those as large";
         }
         std::vector<std::string> pieces;
+        pieces.reserve(reasons.size());
         for (const auto& [text, locations] : reasons) {
             pieces.push_back(locationsText(locations) + " " + text);
         }

@@ -248,7 +248,8 @@ std::string levelOf(const LogicalDriveFacts& logicalDrive) {
     if (logicalDrive.raidType.empty()) {
         return logicalDrive.reportedLevel.empty() ? "?" : printable(logicalDrive.reportedLevel);
     }
-    std::string level = logicalDrive.raidType == "None" ? "VOLUME" : printable(logicalDrive.raidType);
+    std::string level =
+        logicalDrive.raidType == "None" ? "VOLUME" : printable(logicalDrive.raidType);
     const auto& spans = logicalDrive.spans;
     const bool equal = std::all_of(spans.begin(), spans.end(), [&](const auto& span) {
         return span.size() == spans.front().size();

@@ -27,6 +27,7 @@ std::string consentCode(const std::string& identityHash, const std::vector<Loss>
         return {};
     }
     std::vector<std::string> lines;
+    lines.reserve(losses.size());
     for (const Loss& loss : losses) {
         lines.push_back(lineOfLoss(loss));
     }

@@ -110,7 +110,7 @@ ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
     if (detail.failed || record == nullptr || hasNoListing(detail, *record)) {
         std::vector<Finding> findings = detail.findings;
         for (Finding& finding : findings) {
-            finding.refusedBy = RefusedBy::plan; // nothing is known: there is nothing to let pass
+            finding.refusedBy = RefusedBy::plan; // why there can be none
         }
         findings.push_back(
             planFault(problem::notCaptured,
@@ -293,6 +293,9 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
     for (const Finding& finding : planning.controller.findings) {
         if (!isSaidBetter(finding, isShifted, planning.controller.utility)) {
             found.push_back(finding);
+        }
+        if (finding.code == problem::notAddressed) {
+            found.back().refusedBy = RefusedBy::plan; // no line could be right
         }
     }
     refusals_.sort(std::move(found), planning);

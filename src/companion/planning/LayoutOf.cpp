@@ -12,6 +12,12 @@ bool namesDrive(const PlanReason& reason) {
     return reason.code == "listed" || reason.code == "by-slot" || reason.code == "by-serial";
 }
 
+/// Whether it does so by its place, as pairs of channel and id do.
+bool namesPlace(const PlanReason& reason) {
+    return reason.code == "by-slot" ||
+           (reason.code == "listed" && reason.as.find(':') != std::string::npos);
+}
+
 LayoutVolume volumeOf(const PlannedVolume& planned) {
     LayoutVolume volume;
     volume.id = planned.id;
@@ -37,9 +43,11 @@ class Groups {
     LayoutGroup& add(const PlannedArray& array) {
         std::vector<std::string> drives;
         bool isListed = false;
+        bool isByPairs = false;
         for (const PlannedDrive& drive : array.drives) {
             drives.push_back(drive.location);
             isListed = isListed || namesDrive(drive.reason);
+            isByPairs = isByPairs || namesPlace(drive.reason);
         }
         std::vector<std::string> key = sorted(drives);
         const auto known = std::find(keys_.begin(), keys_.end(), key);
@@ -51,6 +59,7 @@ class Groups {
         group.id = array.id;
         group.spans.push_back(std::move(drives));
         group.isListed = isListed;
+        group.isByPairs = isByPairs;
         return group;
     }
 

@@ -49,7 +49,7 @@ class Sorter {
     explicit Sorter(const ControllerPlanning& planning)
         : before_(planning.before), after_(planning.after), comparison_(planning.comparison) {}
 
-    /// `keepsAll`: nothing is taken as standing when false.
+    /// With `keepsSomething` false nothing is taken as standing.
     StandingParts sort(bool keepsSomething) {
         parts_.volumesKept.assign(before_.groups.size(), 0);
         parts_.sparesKept.assign(before_.spares.size(), false);
@@ -122,13 +122,20 @@ class Sorter {
             }
         }
         for (std::optional<std::size_t>& captured : spareOf_) {
-            if (captured && holds(needed, before_.spares[*captured].location)) {
+            if (captured && (holds(needed, before_.spares[*captured].location) ||
+                             (before_.spares[*captured].isDedicated && someGroupGoes()))) {
                 parts_.sparesKept[*captured] = false;
                 captured.reset();
                 return true;
             }
         }
         return false;
+    }
+
+    /// A dedicated spare goes with its group, and listings do not tell which that is.
+    [[nodiscard]] bool someGroupGoes() const {
+        return std::find(parts_.volumesKept.begin(), parts_.volumesKept.end(), 0U) !=
+               parts_.volumesKept.end();
     }
 
     void listMissing() {

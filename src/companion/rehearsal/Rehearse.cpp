@@ -187,10 +187,6 @@ MadeCopy copyOf(const Snapshot& snapshot, std::int32_t number) {
     return copyController(*captured, record->type());
 }
 
-bool isRefused(const ControllerPlanning& planning) {
-    return planning.disposition == Disposition::refused;
-}
-
 void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
     Rehearsal& rehearsal = plan.rehearsal;
     bool endsAsPlanned = true;
@@ -217,12 +213,15 @@ void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
 void rehearse(const Snapshot& snapshot, MachinePlan& plan) {
     const std::chrono::milliseconds begin = system::elapsed();
     plan.rehearsal = Rehearsal();
-    if (std::any_of(plan.controllers.begin(), plan.controllers.end(), isRefused)) {
+    if (!plan.isApplicable()) {
         plan.rehearsal.notDoneBecause.emplace_back(
             "not rehearsed: the plan cannot be carried out as it stands");
         return;
     }
     rehearseAll(snapshot, plan);
+    if (!plan.isApplicable()) {
+        plan.consent.clear(); // nothing is lost by what cannot be carried out
+    }
     plan.rehearsal.durationMs = (system::elapsed() - begin).count();
 }
 

@@ -75,8 +75,11 @@ std::string diagnosticText(const Finding& finding, std::span<const SourceFile> s
     if (const SourceFile* source = sourceOf(finding, sources)) {
         text += sourceExcerpt(finding, source->text, style);
     }
-    if (!finding.detail.empty()) {
-        text += paragraph("", Emphasis::plain, finding.detail, style);
+    // What a utility printed has several lines.
+    for (std::string_view rest = finding.detail; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        text += end > 0 ? paragraph("", Emphasis::plain, rest.substr(0, end), style) : "";
+        rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     for (const std::string& help : finding.help) {
         text += paragraph("help:", Emphasis::heading, help, style);

@@ -82,8 +82,8 @@ MachinePlan rarePlan() {
          25,
          "2 x HDD <100GB",
          "Array.A = 1,2",
-         {{"32:0", "by-kind", "HDD, 67.8 GB: the first 2 of 8"},
-          {"32:1", "by-kind", "HDD, 67.8 GB: the first 2 of 8"}},
+         {{"32:0", "by-kind", "HDD, 67.8 GB: drive 1 of 2"},
+          {"32:1", "by-kind", "HDD, 67.8 GB: drive 2 of 2"}},
          ""},
         {"Level.B", 30, "6 else 5", "Logical.2 = B:FILL:5", {}, "6 takes 4 drives or more"}};
     for (PlannedDrive& drive : first.arrays[0].drives) {
@@ -280,8 +280,7 @@ Controller 1  LSI-MegaRAID-8480  serial 1122334455  PCI 02:0e.0
     a RAID1   b RAID5   A RAID1   B RAID5   * hot spare   . free   x failed
     ~ foreign   ? unknown
 
-  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB: the
-                                                   first 2 of 8
+  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB
   Level.B = 6 else 5         Logical.2 = B:FILL:5  because 6 takes 4 drives or
                                                    more
 
@@ -566,8 +565,7 @@ Controller 1  LSI-MegaRAID-8480  serial 1122334455  PCI 02:0e.0
     a RAID1   b RAID5   A RAID1   B RAID5   * hot spare   . free   x failed
     ~ foreign   ? unknown
 
-  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB: the
-                                                   first 2 of 8
+  Drives.A = 2 x HDD <100GB  32:0 32:1             because HDD, 67.8 GB
   Level.B = 6 else 5         Logical.2 = B:FILL:5  because 6 takes 4 drives or
                                                    more
 

@@ -70,9 +70,9 @@ Logical.2 = B:FILL:5:ON
 )"))),
         R"(controller 1 refused (there is no drive at 1:2)
 6:11 error ZX303: there is no drive at 1:2
-  help: 32:2 (Failed) has no number
+  help: 32:2 (Failed, serial ZS000002) has no number
   help: for more: zolexctl explain ZX303
-warning ZX701: 32:2 (Failed) has no number in policies: drive 3 is 32:3 now
+warning ZX701: 32:2 (Failed, serial ZS000002) has no number in policies: drive 3 is 32:3 now
   detail: every number from there on names the next drive
   help: name drives by channel:id, or take this drive out
 )");
@@ -311,10 +311,10 @@ Logical.2 = B:FILL:5:ON
         R"(controller 1 planned
 1:1 note ZX712: 2 drives get no job: 14:0, 14:1
   help: list them, or leave it so
-warning ZX701: 14:0 (Unconfigured(good)) has no number in policies
+warning ZX701: 14:0 (Unconfigured(good), serial ZS000008) has no number in policies
   detail: policies can name drives of 4 enclosures or channels, with numbers up to 35
   help: name drives by channel:id, or take this drive out
-warning ZX701: 14:1 (Unconfigured(good)) has no number in policies
+warning ZX701: 14:1 (Unconfigured(good), serial ZS000009) has no number in policies
   detail: policies can name drives of 4 enclosures or channels, with numbers up to 35
   help: name drives by channel:id, or take this drive out
 1 UTIL.BAT MEGACLI -CfgLdAdd R1 [ 10:0,11:0 ] WB ADRA -strpsz 64 -a0
@@ -383,12 +383,12 @@ Hotspares = 7
 Logical.1 = A:FILL:1:ON
 Logical.2 = B:FILL:5:ON
 )"))),
-        R"(controller 1 refused (drive 3 is 32:3 now, as 32:2 (Failed) has no number, and 1 more fault)
-6:11 error ZX701: drive 3 is 32:3 now, as 32:2 (Failed) has no number
+        R"(controller 1 refused (drive 3 is 32:3 now, as 32:2 (Failed, serial ZS000002) has no number, and 1 more fault)
+6:11 error ZX701: drive 3 is 32:3 now, as 32:2 (Failed, serial ZS000002) has no number
   help: each number from 3 on names the next drive
   help: replace 32:2 first, or write channel:id
   help: to let it pass: zolexctl plan site.ini --accept ZX701
-7:13 error ZX701: drive 7 is 32:7 now, as 32:2 (Failed) has no number
+7:13 error ZX701: drive 7 is 32:7 now, as 32:2 (Failed, serial ZS000002) has no number
   help: each number from 3 on names the next drive
   help: replace 32:2 first, or write channel:id
   help: to let it pass: zolexctl plan site.ini --accept ZX701
@@ -408,11 +408,11 @@ Logical.2 = B:FILL:5:ON
 )"),
                     accepting("ZX701"))),
         R"(controller 1 planned
-6:11 warning ZX701: drive 3 is 32:3 now, as 32:2 (Failed) has no number
+6:11 warning ZX701: drive 3 is 32:3 now, as 32:2 (Failed, serial ZS000002) has no number
   detail: accepted
   help: each number from 3 on names the next drive
   help: replace 32:2 first, or write channel:id
-7:13 warning ZX701: drive 7 is 32:7 now, as 32:2 (Failed) has no number
+7:13 warning ZX701: drive 7 is 32:7 now, as 32:2 (Failed, serial ZS000002) has no number
   detail: accepted
   help: each number from 3 on names the next drive
   help: replace 32:2 first, or write channel:id
@@ -431,8 +431,8 @@ TEST(PlanDangersD, ABadDriveGoesIntoTheArray) {
 Hotspares = 4
 Logical.1 = A:FILL:5:ON
 )"))),
-        R"(controller 1 refused (32:2 is Unconfigured(bad), and goes into Array.A)
-5:15 error ZX702: 32:2 is Unconfigured(bad), and goes into Array.A
+        R"(controller 1 refused (32:2 (serial ZS000002) is Unconfigured(bad), and goes into Array.A)
+5:15 error ZX702: 32:2 (serial ZS000002) is Unconfigured(bad), and goes into Array.A
   help: replace 32:2, or take it out of the list
   help: to let it pass: zolexctl plan site.ini --accept ZX702
 )");
@@ -737,7 +737,7 @@ TEST(PlanDangersErrands, NoPolicyFitsASmallerServerWithAFailedDrive) {
 AppliesTo.1 = t:LSI-MegaRAID-8480,d:8
 )")),
         R"(controller 1 skipped (no policy fits: Policy.web asks for d:8, and it is 7)
-warning ZX701: 32:2 (Failed) has no number in policies: drive 3 is 32:3 now
+warning ZX701: 32:2 (Failed, serial ZS000002) has no number in policies: drive 3 is 32:3 now
   detail: every number from there on names the next drive
   help: name drives by channel:id, or take this drive out
 )");

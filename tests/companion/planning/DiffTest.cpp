@@ -222,5 +222,19 @@ TEST(Diff, ARefusedControllerIsUnknownWhereItIsOpenWhatIsWanted) {
     EXPECT_EQ(diffOf(plan).controllers[0].because, "32:3 is in no state to be taken");
 }
 
+/// So a drive that stands in for a listed one is looked for in the same place.
+TEST(Diff, ListsOfPlacesAreKnownFromListsOfNumbers) {
+    PlannedServer server("single");
+    const auto isByPairs = [&](const std::string& drives) {
+        const MachinePlan plan = server.plan(
+            "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\nArray.A = " + drives +
+            "\nLogical_Mode = CUSTOM\nLogical.1 = A:FILL:1:ON\n");
+        const LayoutGroup& group = plan.controllers.at(0).after.groups.at(0);
+        return group.isListed && group.isByPairs;
+    };
+    EXPECT_FALSE(isByPairs("1,2"));
+    EXPECT_TRUE(isByPairs("1:0,1:1"));
+}
+
 } // namespace
 } // namespace zolex::companion

@@ -240,6 +240,30 @@ TEST(StepsTest, AWholeClearWhereNothingStays) {
     expectDone(server, policies);
 }
 
+TEST(StepsTest, ADedicatedSpareGoesWithTheGroupsThatItCouldBelongTo) {
+    PlannedServer server("configured");
+    Snapshot snapshot = server.snapshot();
+    for (DriveFacts& drive : snapshot.details.front().facts.drives) {
+        if (drive.location == "32:7") {
+            drive.hotspare = HotspareKind::dedicated;
+        }
+    }
+    PlanRequest request;
+    request.policiesFile = "site.ini";
+    request.policiesText = head + "Array.A = 1,2\nArray.B = 3,4,5\nHotspares = 8\n"
+                                  "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1:ON\n"
+                                  "Logical.2 = B:FILL:0:ON\n";
+    const MachinePlan plan = planMachine(snapshot, request);
+    EXPECT_EQ(faultsOf(plan), Lines{});
+    EXPECT_EQ(lossesOf(plan), (Lines{"hotspare 32:7", "logical_drive 1"}));
+    EXPECT_EQ(summariesOf(plan),
+              (Lines{"remove-spare: remove the spare 32:7",
+                     "delete-logical-drive: delete LD 1: RAID5 on 32:2 32:3 32:4 32:5 32:6",
+                     "create-array: create B: RAID0 on 32:2 32:3 32:4",
+                     "create-spare: make 32:7 a spare"}));
+    EXPECT_EQ(server.carryOut(plan), Lines{});
+}
+
 TEST(StepsTest, RebuildMakesAnewWhatStandsAsWanted) {
     PlannedServer server("configured");
     const std::string policies = server.samplePolicies();

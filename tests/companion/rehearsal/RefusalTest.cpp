@@ -16,6 +16,7 @@ using test::step;
 MachinePlan rehearsed(std::string_view definition, std::vector<PlanStep> steps) {
     const Snapshot snapshot = snapshotOf(definition);
     MachinePlan plan = handMadePlan(snapshot, std::move(steps));
+    plan.consent = "7Q4K-2M9D";
     rehearse(snapshot, plan);
     return plan;
 }
@@ -52,6 +53,7 @@ TEST(Refusal, TellsTheStepTheLineAndTheUtilitysWords) {
     EXPECT_EQ(planning.because, "step 2 would be refused: exit code 38");
     EXPECT_FALSE(plan.isApplicable());
     EXPECT_TRUE(plan.steps().empty());
+    EXPECT_EQ(plan.consent, "");
     EXPECT_TRUE(plan.rehearsal.done);
     EXPECT_FALSE(plan.rehearsal.endsAsPlanned);
     EXPECT_EQ(plan.rehearsal.faultsTried, 0);

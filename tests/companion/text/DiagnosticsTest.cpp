@@ -39,6 +39,17 @@ constexpr std::string_view site = "[Policy.a]\n"
                                   "Array.B = 2,3,4,4\r\n"
                                   "\tInit = \xC3\xBC\xE2\x82\xAC \xFF \033[0m!\n";
 
+TEST(Diagnostics, ADetailOfSeveralLinesKeepsThem) {
+    Finding finding;
+    finding.code = "ZP240";
+    finding.summary = "step 2 would be refused";
+    finding.detail = "UTIL.BAT MEGACLI -PDHSP\n\nFailed\t!\nExit Code: 0x26";
+    EXPECT_EQ(diagnosticsText({&finding, 1}, {}, {}), "error: step 2 would be refused [ZP240]\n"
+                                                      "   UTIL.BAT MEGACLI -PDHSP\n"
+                                                      "   Failed?!\n"
+                                                      "   Exit Code: 0x26\n");
+}
+
 TEST(Diagnostics, ShowsTheLineAMarkAndWhatHelps) {
     Finding finding = findingAt(site, "4\r");
     finding.help = {"zolex takes it twice, and MEGACLI refuses the command (exit 3)"};
