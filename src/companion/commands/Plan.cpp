@@ -75,10 +75,11 @@ class PlanCommand {
 
     bool readTimings() {
         std::optional<UsualTimes> times = usualTimes(context_, options_.timings);
-        if (times) {
-            terms_.usualTimes = *std::move(times);
+        if (!times) {
+            return false;
         }
-        return times.has_value();
+        terms_.usualTimes = *std::move(times);
+        return true;
     }
 
     int look(Platform& machine, const Utilities& utilities) {
