@@ -81,8 +81,7 @@ std::vector<Danger> dangers() {
          eight(),
          with(webPolicies, "d:8", "d:6"),
          0,
-         {"Controller 1  skipped: no policy fits: Policy.web asks for d:6, and it is 8\n"
-          "  Policy  Policy.web  (p.ini:1)  no: d:6, this controller has 8 drives\n",
+         {"Controller 1  skipped: no policy fits: Policy.web asks for d:6, and it is 8\n",
           "Nothing to do: every controller is skipped.\n"}},
         {"ADriveThatIsListedHasFailed",
          failedDrive,
