@@ -7,6 +7,7 @@
 #include "companion/rehearsal/Rehearse.h"
 #include "properties/Generators.h"
 #include "properties/Property.h"
+#include "properties/SecondDriveAlone.h"
 #include "properties/VirtualMachine.h"
 
 #include <algorithm>
@@ -27,20 +28,13 @@ using companion::Snapshot;
 using companion::test::PlannedServer;
 
 /// Servers whose listings tell the truth. All utilities but MEGACLI call a drive free that carries
-/// a layout of another controller, and no plan can know of it; HYPERWIN tells of an array of one
-/// drive how many it has, and not that it is the second.
+/// a layout of another controller, and no plan can know of it.
 VirtualServer toldServer() {
-    VirtualServer server = *virtualServers();
+    VirtualServer server = withoutSecondDriveAlone(*virtualServers());
     for (VirtualController& controller : server.controllers) {
         const bool isTold = families().at(controller.family).utility == std::string_view("MEGACLI");
         for (VirtualDrive& drive : controller.drives) {
             drive.status = !isTold && drive.status == "foreign" ? "good" : drive.status;
-        }
-        const bool isSecondAlone =
-            families().at(controller.family).utility == std::string_view("HYPERWIN") &&
-            !controller.drives.empty() && controller.drives.front().place != 0;
-        if (isSecondAlone) {
-            controller.drives.clear();
         }
     }
     return server;

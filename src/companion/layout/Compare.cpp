@@ -364,6 +364,7 @@ class LayoutComparison {
         const std::vector<LayoutVolume>& found = captured_.groups[match.captured].volumes;
         StandingGroup standing;
         bool stands = true;
+        bool standsButForCaches = true;
         for (std::size_t i = 0; i < std::min(asked.size(), found.size()); ++i) {
             VolumePlace place = placeOf(match.captured, i);
             place.sizeIsOpen = match.how == Match::How::someDrives;
@@ -372,7 +373,9 @@ class LayoutComparison {
             result_.differences.insert(result_.differences.end(), differences.begin(),
                                        differences.end());
             stands = stands && differences.empty();
+            standsButForCaches = standsButForCaches && areOfCaches(differences);
             standing.volumesThatStand += stands ? 1 : 0;
+            standing.volumesButForCaches += standsButForCaches ? 1 : 0;
         }
         for (std::size_t i = found.size(); i < asked.size(); ++i) {
             tellMissing(wanted, asked[i]);
@@ -383,6 +386,12 @@ class LayoutComparison {
         standing.isWhole =
             standing.volumesThatStand == asked.size() && asked.size() == found.size();
         return standing;
+    }
+
+    static bool areOfCaches(const std::vector<Difference>& differences) {
+        return std::all_of(differences.begin(), differences.end(), [](const Difference& each) {
+            return each.attribute == "write_cache_policy" || each.attribute == "read_cache_policy";
+        });
     }
 
     void tellMissing(std::size_t wanted, const LayoutVolume& volume) {

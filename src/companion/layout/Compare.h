@@ -38,6 +38,8 @@ struct StandingGroup {
     /// Its first volumes stand as wanted, this many of them; behind them stands nothing, or what is
     /// in the way.
     std::size_t volumesThatStand = 0;
+    /// The same when cache modes are let be: at least as many.
+    std::size_t volumesButForCaches = 0;
     bool isWhole = false; ///< all of it stands, and nothing else on its drives
 };
 

@@ -4,6 +4,7 @@
 #include "companion/lint/PolicyView.h"
 #include "companion/lint/RuleGroups.h"
 #include "model/Codes.h"
+#include "model/TypeTraits.h"
 #include "policies/PolicyKeywords.h"
 
 #include <algorithm>
@@ -215,12 +216,13 @@ class LogicalChecks {
     }
 
     /// Whether all controllers that the policy names are of MEGACLI.
-    [[nodiscard]] bool isForMegaCli() const {
+    [[nodiscard]] bool isFor(Dialect dialect) const {
         const std::vector<Kind> kinds = kindsOfAll(policy_);
-        return !kinds.empty() && std::all_of(kinds.begin(), kinds.end(), [](const Kind& kind) {
-            return kind.type == controller_type::megaRaid;
+        return !kinds.empty() && std::all_of(kinds.begin(), kinds.end(), [&](const Kind& kind) {
+            return traitsOf(kind.type).dialect == dialect;
         });
     }
+    [[nodiscard]] bool isForMegaCli() const { return isFor(Dialect::megaCli); }
 
     /// The level of the drive, also where the policy leaves it to the models; -1 when that differs.
     [[nodiscard]] std::int32_t levelOf(const AskedDrive& drive) const {
@@ -251,12 +253,19 @@ class LogicalChecks {
         const std::string array = drive.array->entry->keyword.text;
         if (level == raid_level::raid10 && drive.drives > leastOf10 && drive.drives % 2 != 0) {
             const std::string last = driveWords(drive.array->drives.back());
+            const bool isRefused = isFor(Dialect::conf);
             Finding& finding = sink_.add(
                 "ZX404", place,
                 "RAID 10 is made of pairs, and " + array + " has " + countOf(drive.drives, "drive"),
                 {isForMegaCli() ? "MEGACLI leaves " + last + " out, without a word"
-                                : last + " is left out, or the utility refuses it all",
-                 "take it out of " + array});
+                 : isRefused ? "the utility refuses the command, exit code 11, when those before "
+                               "it are done"
+                             : last + " is left out, or the utility refuses it all",
+                 isRefused ? "take " + last + " out of " + array : "take it out of " + array});
+            if (isRefused) {
+                finding.severity = Severity::error;
+                finding.refusedBy = RefusedBy::utility;
+            }
             pointTo(finding, drive.array->drives.back().piece, "left out");
         }
         const bool isWide = (level == raid_level::raid50 && drive.drives >= threeSpansOf50) ||

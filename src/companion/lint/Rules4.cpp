@@ -31,7 +31,7 @@ constexpr std::array<Rule, 12> rows = {{
      "Take one of the sizes that the finding names, or leave StripeSize out for the usual one."},
     {"ZX404", warning, nobody, "drives that a RAID 10, 50 or 60 does not use as meant",
      "MEGACLI makes a RAID 10 of pairs: of an odd number of drives the last is left out, without "
-     "a word and with exit code 0. RAID 50 and 60 are made of two spans, however many drives "
+     "a word and with exit code 0; ARCCONF and HRCONF refuse the command, an error. RAID 50 and 60 are made of two spans, however many drives "
      "there are.",
      "List an even number of drives for RAID 10, and give the odd one to Hotspares."},
     {"ZX405", error, plan, "several logical drives on one array",

@@ -258,6 +258,17 @@ class Capturer {
         return false;
     }
 
+    /// HYPERWIN's lines name no controller: what they list and change is on the first.
+    [[nodiscard]] bool isBehindAnother(std::size_t index) const {
+        for (std::size_t other = 0; other < index; ++other) {
+            if (snapshot_.controllers.controller(index)->type() == controller_type::lsiIde &&
+                snapshot_.controllers.controller(other)->type() == controller_type::lsiIde) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     void capture(std::size_t index) {
         RAIDController& controller = *snapshot_.controllers.controller(index);
         Captured& captured = captured_[index];
@@ -269,6 +280,12 @@ class Capturer {
             fail(snapshot, problem::notAddressed,
                  "more controllers of " + std::string(utilityOfType(controller.type())) +
                      " than zolex can name: this one is not asked");
+            return;
+        }
+        if (isBehindAnother(index)) {
+            fail(snapshot, problem::notAddressed,
+                 "HYPERWIN's commands reach the first of its controllers alone: this one is not "
+                 "asked");
             return;
         }
         takeListings(controller, static_cast<std::int32_t>(index) + 1, snapshot);

@@ -47,7 +47,8 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "The utility shows one controller under two numbers: one of them cannot be reached.",
      "start the listing commands by hand and compare them"},
     {problem::notAddressed, error, "a controller has no number in its utility's commands",
-     "zolex counts 15 controllers of one utility; the commands for more would reach another one.",
+     "zolex counts 15 controllers of one utility, and HYPERWIN's commands name none: for more they "
+     "would reach another one.",
      "take the surplus controllers out, or configure them by hand"},
     {problem::listingLimit, warning, "a listing has more than zolex can keep",
      "What is beyond is left out by zolex, when it captures and when it plans.",

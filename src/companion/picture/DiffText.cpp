@@ -254,6 +254,14 @@ std::string nextCommand(const MachineDiff& diff) {
                         : "zolexctl plan " + name + " shows what it takes.";
 }
 
+/// Whether cache modes are to be set, which is more than adding.
+bool differsInCaches(const ControllerDiff& controller) {
+    const std::vector<Difference>& differences = controller.comparison.differences;
+    return std::any_of(differences.begin(), differences.end(), [](const Difference& each) {
+        return each.attribute == "write_cache_policy" || each.attribute == "read_cache_policy";
+    });
+}
+
 /// The closing sentences.
 std::string closing(const MachineDiff& diff) {
     std::size_t different = 0;
@@ -261,6 +269,7 @@ std::string closing(const MachineDiff& diff) {
     std::size_t skipped = 0;
     std::size_t unknown = 0;
     bool addingIsEnough = true;
+    bool setsCaches = false;
     std::vector<std::string> rebuilds;
     for (const ControllerDiff& controller : diff.controllers) {
         equivalent += controller.result == Result::equivalent ? 1 : 0;
@@ -269,6 +278,7 @@ std::string closing(const MachineDiff& diff) {
         if (controller.result == Result::different) {
             ++different;
             addingIsEnough = addingIsEnough && controller.addingIsEnough;
+            setsCaches = setsCaches || differsInCaches(controller);
             for (const std::string& why : controller.takesRebuild) {
                 if (std::find(rebuilds.begin(), rebuilds.end(), why) == rebuilds.end()) {
                     rebuilds.push_back(why);
@@ -284,7 +294,8 @@ std::string closing(const MachineDiff& diff) {
     if (different > 0) {
         text += countOf(different, all, "differs. ", "differ. ");
         if (addingIsEnough) {
-            text += "Adding what is missing is enough. ";
+            text += setsCaches ? "Nothing that stands has to go for it. "
+                               : "Adding what is missing is enough. ";
         } else {
             text += "What stands now cannot be mended by adding alone";
             for (std::size_t i = 0; i < rebuilds.size(); ++i) {

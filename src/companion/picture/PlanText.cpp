@@ -964,8 +964,10 @@ class PlanTextWriter {
             return;
         }
         std::size_t spares = 0;
+        std::size_t settings = 0;
         for (const PlanStep& step : steps_) {
             spares += step.action == "create-spare" ? step.creates.size() : 0;
+            settings += step.action == "set" && created_ == 0 ? 1 : 0;
         }
         const auto lost = static_cast<std::size_t>(
             std::count_if(losses_.begin(), losses_.end(),
@@ -973,6 +975,8 @@ class PlanTextWriter {
         std::string counts = countText(created_, "logical drive", "logical drives") +
                              " to create, " + std::to_string(lost) + " to destroy";
         counts += spares > 0 ? ", " + countText(spares, "spare", "spares") : "";
+        counts +=
+            settings > 0 ? ", " + countText(settings, "cache mode", "cache modes") + " to set" : "";
         out_ += signedLine("", saved + counts + ".", Emphasis::bold, style_);
     }
 

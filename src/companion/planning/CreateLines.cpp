@@ -6,6 +6,7 @@
 #include "companion/planning/RemovalLines.h"
 #include "foundation/Report.h"
 #include "model/TypeTraits.h"
+#include "platform/CommandLineSplit.h"
 
 #include <algorithm>
 #include <array>
@@ -140,6 +141,9 @@ class Creator {
                     const std::size_t captured = *choice_.parts.standsOn[group];
                     const LayoutGroup& standing = planning_.before.groups[captured];
                     standing_[*index] = standing.volumes[volume].id;
+                    if (choice_.parts.sets({group, volume})) {
+                        toSet_.insert(*index);
+                    }
                 }
                 isBesideOthers_[*index] = volume > 0;
             }
@@ -198,13 +202,37 @@ class Creator {
         for (std::size_t place = 0; place < drives.size(); ++place) {
             const std::vector<std::size_t> lines = linesOf(array, place);
             if (missing_.count(drives[place]) == 0) {
-                for (const std::size_t line : lines) {
-                    leaveOut(oldLines_[line], standsText(drives[place]));
-                }
+                leaveStanding(drives[place], lines);
                 continue;
             }
             makeVolume(array, drives[place], lines);
         }
+    }
+
+    /// Of zolex's lines of a logical drive that stands, those that set what is not as wanted.
+    void leaveStanding(std::size_t drive, const std::vector<std::size_t>& lines) {
+        const auto found = standing_.find(drive);
+        const auto number =
+            found == standing_.end() ? std::nullopt : commandNumberOf(planning_, found->second);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const std::string& line = oldLines_[lines[i]];
+            if (i > 0 && number && toSet_.count(drive) > 0 &&
+                setsWhatDiffers(line, found->second)) {
+                addSetting(drive, line, *number);
+            } else {
+                leaveOut(line, standsText(drive));
+            }
+        }
+    }
+
+    [[nodiscard]] bool setsWhatDiffers(const std::string& line, const std::string& id) const {
+        const std::vector<std::string> argv = splitCommandLine(line);
+        const bool isOfReading = std::any_of(argv.begin(), argv.end(), [](const std::string& word) {
+            return word == "ron" || word == "roff";
+        });
+        const std::vector<std::string> differ = cacheDifferences(planning_.comparison, id);
+        return std::find(differ.begin(), differ.end(),
+                         isOfReading ? "read_cache_policy" : "write_cache_policy") != differ.end();
     }
 
     [[nodiscard]] std::string standsText(std::size_t drive) const {
@@ -438,6 +466,7 @@ class Creator {
     std::vector<std::size_t> oldEnds_;            ///< behind the lines of each array
     std::set<std::size_t> missing_;               ///< indices of logical drives
     std::map<std::size_t, std::string> standing_; ///< id of the captured one, by index
+    std::set<std::size_t> toSet_;                 ///< indices of those that stand but for caches
     std::map<std::size_t, bool> isBesideOthers_;
     std::set<std::string> missingSpares_;
     std::set<std::int32_t> numbers_; ///< of logical drives that are there

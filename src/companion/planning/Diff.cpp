@@ -1,6 +1,7 @@
 #include "companion/planning/Diff.h"
 
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/Strategy.h"
 
 #include <algorithm>
 #include <array>
@@ -58,11 +59,19 @@ constexpr std::array<AttributeWords, 8> rebuiltAttributes = {{
     {"moved", "the move to the listed drives"},
 }};
 
+/// Whether a line sets the attribute, and nothing has to be made anew for it.
+bool isSetOnly(std::string_view attribute, const std::string& utility) {
+    return abilitiesOf(utility).setsCaches &&
+           (attribute == "write_cache_policy" || attribute == "read_cache_policy");
+}
+
 /// Why adding alone does not mend it.
-std::vector<std::string> rebuildReasons(const std::vector<Difference>& differences) {
+std::vector<std::string> rebuildReasons(const std::vector<Difference>& differences,
+                                        const std::string& utility) {
     std::vector<std::string> reasons;
     for (const AttributeWords& row : rebuiltAttributes) {
-        if (std::any_of(differences.begin(), differences.end(),
+        if (!isSetOnly(row.attribute, utility) &&
+            std::any_of(differences.begin(), differences.end(),
                         [&](const Difference& each) { return each.attribute == row.attribute; })) {
             reasons.push_back(std::string(row.words) + " takes a rebuild");
         }
@@ -80,11 +89,11 @@ std::vector<std::string> rebuildReasons(const std::vector<Difference>& differenc
     return reasons;
 }
 
-void tellRebuild(ControllerDiff& diff, bool addingIsEnough) {
+void tellRebuild(ControllerDiff& diff, const std::string& utility, bool addingIsEnough) {
     if (diff.result == Result::different) {
         diff.addingIsEnough = addingIsEnough;
         diff.takesRebuild = addingIsEnough ? std::vector<std::string>()
-                                           : rebuildReasons(diff.comparison.differences);
+                                           : rebuildReasons(diff.comparison.differences, utility);
     }
 }
 
@@ -134,7 +143,7 @@ ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
         break;
     }
     diff.result = resultOf(planning.comparison.result);
-    tellRebuild(diff, planning.strategy == Strategy::add);
+    tellRebuild(diff, planning.controller.utility, planning.strategy == Strategy::add);
     return diff;
 }
 
@@ -142,7 +151,10 @@ ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
 bool canBeAdded(const ControllerSnapshot& details, const ControllerDiff& diff) {
     const bool isMissingOnly =
         std::all_of(diff.comparison.differences.begin(), diff.comparison.differences.end(),
-                    [](const Difference& difference) { return difference.attribute == "missing"; });
+                    [&](const Difference& difference) {
+                        return difference.attribute == "missing" ||
+                               isSetOnly(difference.attribute, details.utility);
+                    });
     const auto isFree = [&](const std::string& location) {
         const DriveFacts* const drive = details.facts.drive(location);
         return drive != nullptr && drive->state == DriveState::free;
@@ -189,7 +201,8 @@ ControllerDiff diffOfEarlier(const Snapshot& snapshot, const ControllerPlanning&
     diff.comparison =
         compareLayouts(details->facts, diff.captured, diff.wanted, {details->utility});
     diff.result = resultOf(diff.comparison.result);
-    tellRebuild(diff, diff.result == Result::different && canBeAdded(*details, diff));
+    tellRebuild(diff, details->utility,
+                diff.result == Result::different && canBeAdded(*details, diff));
     return diff;
 }
 

@@ -88,7 +88,7 @@ enum class Strategy { none, add, rebuild };
 /// Why a strategy: {"drives-in-use", "LD 1 lies on 32:2 32:3 32:4", ...}.
 struct StrategyReason {
     std::string code; ///< "blank", "missing", "drives-in-use", "different", "only-whole-clear",
-                      ///< "foreign", "asked"
+                      ///< "foreign", "asked", "set"
     std::string text; ///< for people
     std::string logicalDrive;
     std::vector<std::string> drives;

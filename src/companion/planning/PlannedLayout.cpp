@@ -2,6 +2,7 @@
 
 #include "companion/machine/Join.h"
 #include "companion/planning/Reasons.h"
+#include "companion/planning/Strategy.h"
 #include "companion/planning/ToldSettings.h"
 #include "model/Codes.h"
 
@@ -226,6 +227,17 @@ class LayoutFiller {
         const double fraction = dataPart(logical.raidLevel, members.size());
         double& used = used_[keyOf(array)];
         const std::uint64_t stripe = volume.stripSizeBytes.value_or(usualStrip) * members.size();
+        const double kept = volume.fills && fraction > 0.0 ? keptForLater(logical, array) : 0.0;
+        if (kept > 0.0) {
+            // The line tells how many MB these leave, and they are no longer all that is left.
+            const auto all = static_cast<double>(planning_.arrays[array].capacityBytes);
+            volume.fills = false;
+            volume.capacityBytes = static_cast<std::uint64_t>(
+                std::llround(std::max(all - used - kept, 0.0) * fraction));
+            volume.toleranceBytes = stripe + bytesOfMb;
+            used += static_cast<double>(volume.capacityBytes) / fraction;
+            return;
+        }
         if (!volume.fills) {
             volume.capacityBytes = static_cast<std::uint64_t>(logical.sizeMb) * bytesOfMb;
             volume.toleranceBytes = stripe + bytesOfMb;
@@ -248,6 +260,29 @@ class LayoutFiller {
         volume.toleranceBytes = stripe + tolerance + fillMarginMb * bytesOfMb +
                                 volume.capacityBytes / perMille * metadata;
         used = raw;
+    }
+
+    /// What a logical drive that takes the rest leaves to those behind it, in bytes of drives.
+    /// QTCSEND's line for one that is not the first of its array leaves them their sizes; other
+    /// lines take all.
+    [[nodiscard]] double keptForLater(const LogicalDrive& logical, std::size_t array) const {
+        const std::vector<LogicalDrive>& drives = layout().logicalDrives();
+        const auto isOfArray = [array](const LogicalDrive& each) {
+            return each.arrayIndex == static_cast<std::int32_t>(array);
+        };
+        const auto first = std::find_if(drives.begin(), drives.end(), isOfArray);
+        if (!abilitiesOf(planned_.record).lettersArrays || &*first == &logical) {
+            return 0.0;
+        }
+        double kept = 0.0;
+        for (const LogicalDrive* each = &logical + 1; each != drives.data() + drives.size();
+             ++each) {
+            const double part = dataPart(each->raidLevel, membersOf(array).size());
+            if (isOfArray(*each) && each->sizeMb != sizeFill && part > 0.0) {
+                kept += static_cast<double>(each->sizeMb) * static_cast<double>(bytesOfMb) / part;
+            }
+        }
+        return kept;
     }
 
     void addSpare(std::size_t index) {

@@ -13,20 +13,21 @@ namespace zolex::companion {
 
 namespace {
 
-// Columns: utility; removes singly, adds beside, letters arrays, clears foreign, names drives.
+// Columns: utility; removes singly, adds beside, letters arrays, clears foreign, names drives, sets
+// caches.
 // HYPERWIN makes one array of all free drives, and nothing beside it.
 // clang-format off
 constexpr std::array<UtilityAbilities, 7> abilityRows = {{
-    {"MEGACLI",       true,  true,  false, true,  true},
-    {"ARCCONF",       true,  true,  false, false, true},
-    {"HRCONF",        false, true,  false, false, true},
-    {"QTCSEND",       false, true,  true,  false, true},
-    {"CFGGEN",        false, true,  false, false, true},
-    {"CFGGEN1.02.02", false, true,  false, false, true},
-    {"HYPERWIN",      false, false, false, false, false},
+    {"MEGACLI",       true,  true,  false, true,  true,  false},
+    {"ARCCONF",       true,  true,  false, false, true,  true},
+    {"HRCONF",        false, true,  false, false, true,  false},
+    {"QTCSEND",       false, true,  true,  false, true,  false},
+    {"CFGGEN",        false, true,  false, false, true,  false},
+    {"CFGGEN1.02.02", false, true,  false, false, true,  false},
+    {"HYPERWIN",      false, false, false, false, false, true},
 }};
 // clang-format on
-constexpr UtilityAbilities otherUtility = {"", false, false, false, false, true};
+constexpr UtilityAbilities otherUtility = {"", false, false, false, false, true, false};
 
 bool holds(const std::vector<std::string>& locations, const std::string& location) {
     return std::find(locations.begin(), locations.end(), location) != locations.end();
@@ -46,8 +47,9 @@ std::string groupName(const LayoutGroup& group) {
 /// unless its drives are needed by something that is missing.
 class Sorter {
   public:
-    explicit Sorter(const ControllerPlanning& planning)
-        : before_(planning.before), after_(planning.after), comparison_(planning.comparison) {}
+    Sorter(const ControllerPlanning& planning, const UtilityAbilities& abilities)
+        : planning_(planning), abilities_(abilities), before_(planning.before),
+          after_(planning.after), comparison_(planning.comparison) {}
 
     /// With `keepsSomething` false nothing is taken as standing.
     StandingParts sort(bool keepsSomething) {
@@ -70,14 +72,27 @@ class Sorter {
         for (std::size_t wanted = 0;
              wanted < std::min(after_.groups.size(), comparison_.groups.size()); ++wanted) {
             const StandingGroup& standing = comparison_.groups[wanted];
-            if (standing.captured && *standing.captured < before_.groups.size() &&
-                standing.volumesThatStand > 0) {
+            if (!standing.captured || *standing.captured >= before_.groups.size()) {
+                continue;
+            }
+            const LayoutGroup& captured = before_.groups[*standing.captured];
+            const std::size_t stay =
+                canBeSet(captured) ? standing.volumesButForCaches : standing.volumesThatStand;
+            if (stay > 0) {
                 parts_.standsOn[wanted] = standing.captured;
                 parts_.volumesKept[*standing.captured] =
-                    std::min({standing.volumesThatStand, after_.groups[wanted].volumes.size(),
-                              before_.groups[*standing.captured].volumes.size()});
+                    std::min({stay, after_.groups[wanted].volumes.size(), captured.volumes.size()});
             }
         }
+    }
+
+    /// Whether each logical drive of the group can be told other cache modes.
+    [[nodiscard]] bool canBeSet(const LayoutGroup& captured) const {
+        return abilities_.setsCaches &&
+               std::all_of(captured.volumes.begin(), captured.volumes.end(),
+                           [this](const LayoutVolume& volume) {
+                               return commandNumberOf(planning_, volume.id).has_value();
+                           });
     }
 
     void keepSpares() {
@@ -142,6 +157,13 @@ class Sorter {
         for (std::size_t group = 0; group < after_.groups.size(); ++group) {
             const std::optional<std::size_t>& captured = parts_.standsOn[group];
             const std::size_t kept = captured ? parts_.volumesKept[*captured] : 0;
+            for (std::size_t volume = comparison_.groups[group].volumesThatStand; volume < kept;
+                 ++volume) {
+                const std::string& id = before_.groups[*captured].volumes[volume].id;
+                if (!cacheDifferences(comparison_, id).empty()) {
+                    parts_.volumesToSet.push_back({group, volume});
+                }
+            }
             for (std::size_t volume = kept; volume < after_.groups[group].volumes.size();
                  ++volume) {
                 parts_.missingVolumes.push_back({group, volume});
@@ -154,6 +176,8 @@ class Sorter {
         }
     }
 
+    const ControllerPlanning& planning_;
+    const UtilityAbilities& abilities_;
     const Layout& before_;
     const Layout& after_;
     const Comparison& comparison_;
@@ -169,7 +193,7 @@ class Chooser {
 
     StepChoice choose() {
         const bool isAsked = wish_ == StrategyWish::rebuild;
-        choice_.parts = Sorter(planning_).sort(!isAsked);
+        choice_.parts = Sorter(planning_, abilities_).sort(!isAsked);
         if (!isAsked && planning_.comparison.result != Sameness::different) {
             return std::move(choice_);
         }
@@ -198,21 +222,29 @@ class Chooser {
         }
         const bool isMissingSomething =
             !choice_.parts.missingVolumes.empty() || !choice_.parts.missingSpares.empty();
-        if (!removes && isMissingSomething && canAdd()) {
+        const bool isSet = !choice_.parts.volumesToSet.empty();
+        if (!removes && (isMissingSomething ? canAdd() : isSet)) {
             choice_.strategy = needsForeign() ? Strategy::rebuild : Strategy::add;
             tellMissing();
+            tellSet();
             return;
         }
         choice_.strategy = Strategy::rebuild;
         tellInTheWay();
         if (choice_.parts.keepsSomething() && canStay(removes) && (removes || isMissingSomething)) {
+            tellSet();
             return;
         }
         if (choice_.parts.keepsSomething()) {
+            if (!removes && abilities_.lettersArrays && !lettersHold()) {
+                because("only-whole-clear",
+                        "a new array gets the next free letter beside those that stand, and the "
+                        "command lines call it by another");
+            }
             tellWholeClear();
         }
         choice_.clearsAll = true;
-        choice_.parts = Sorter(planning_).sort(false);
+        choice_.parts = Sorter(planning_, abilities_).sort(false);
     }
 
     /// Whether what stands as wanted can stay when the rest goes.
@@ -340,6 +372,17 @@ class Chooser {
         for (const std::size_t spare : choice_.parts.missingSpares) {
             const std::string& location = planning_.after.spares[spare].location;
             because("missing", "the spare " + location + " is missing", {}, {location});
+        }
+    }
+
+    /// Tells of each logical drive that stays what is set.
+    void tellSet() {
+        for (const StandingParts::Volume& each : choice_.parts.volumesToSet) {
+            const std::optional<std::size_t>& captured = choice_.parts.standsOn[each.group];
+            const LayoutGroup& group = planning_.before.groups[*captured];
+            const std::string& id = group.volumes[each.volume].id;
+            because("set", "LD " + id + " stays and gets another cache mode" + whatDiffers(id), id,
+                    groupDrives(group));
         }
     }
 
@@ -494,7 +537,10 @@ class Chooser {
 
 const UtilityAbilities& abilitiesOf(const RAIDController& record) {
     const std::string_view command = traitsOf(record.type()).utilityCommand;
-    const std::string_view utility = command.substr(command.find_last_of(' ') + 1);
+    return abilitiesOf(command.substr(command.find_last_of(' ') + 1));
+}
+
+const UtilityAbilities& abilitiesOf(std::string_view utility) {
     const auto* const row =
         std::find_if(abilityRows.begin(), abilityRows.end(),
                      [&](const UtilityAbilities& each) { return each.utility == utility; });
@@ -505,6 +551,10 @@ bool StandingParts::keepsSomething() const {
     return std::any_of(volumesKept.begin(), volumesKept.end(),
                        [](std::size_t kept) { return kept > 0; }) ||
            std::find(sparesKept.begin(), sparesKept.end(), true) != sparesKept.end();
+}
+
+bool StandingParts::sets(const Volume& volume) const {
+    return std::find(volumesToSet.begin(), volumesToSet.end(), volume) != volumesToSet.end();
 }
 
 bool StandingParts::misses(const Volume& volume) const {
@@ -524,6 +574,17 @@ std::optional<std::int32_t> commandNumberOf(const ControllerPlanning& planning,
         }
     }
     return text::wholeNumber(id);
+}
+
+std::vector<std::string> cacheDifferences(const Comparison& comparison, const std::string& id) {
+    std::vector<std::string> attributes;
+    for (const Difference& difference : comparison.differences) {
+        if (difference.logicalDrive == id && (difference.attribute == "write_cache_policy" ||
+                                              difference.attribute == "read_cache_policy")) {
+            attributes.push_back(difference.attribute);
+        }
+    }
+    return attributes;
 }
 
 std::string driveList(const std::vector<std::string>& drives) {

@@ -21,10 +21,12 @@ struct UtilityAbilities {
     bool lettersArrays;       ///< its lines name arrays by letters that it gives itself
     bool clearsForeign;       ///< it can clear the layouts of other controllers
     bool namesDrives;         ///< its creating lines name drives
+    bool setsCaches;          ///< it sets cache modes of what stands, by lines that zolex has
 };
 
 /// The row of a controller's utility.
 [[nodiscard]] const UtilityAbilities& abilitiesOf(const RAIDController& record);
+[[nodiscard]] const UtilityAbilities& abilitiesOf(std::string_view utility);
 
 /// What stays of the captured layout, and what is missing of the wanted one.
 struct StandingParts {
@@ -41,9 +43,11 @@ struct StandingParts {
     std::vector<std::optional<std::size_t>> standsOn;
     std::vector<Volume> missingVolumes;
     std::vector<std::size_t> missingSpares; ///< indices in Layout::spares
+    std::vector<Volume> volumesToSet;       ///< they stay, and get other cache modes
 
     [[nodiscard]] bool keepsSomething() const;
     [[nodiscard]] bool misses(const Volume& volume) const;
+    [[nodiscard]] bool sets(const Volume& volume) const;
 };
 
 /// How a controller is brought to what is wanted.
@@ -62,6 +66,10 @@ struct StepChoice {
 /// The number that commands have for a captured logical drive; nothing: it cannot be named.
 [[nodiscard]] std::optional<std::int32_t> commandNumberOf(const ControllerPlanning& planning,
                                                           const std::string& id);
+
+/// "write_cache_policy", "read_cache_policy": in which a captured logical drive is not as wanted.
+[[nodiscard]] std::vector<std::string> cacheDifferences(const Comparison& comparison,
+                                                        const std::string& id);
 
 /// "32:2 32:3 32:4".
 [[nodiscard]] std::string driveList(const std::vector<std::string>& drives);

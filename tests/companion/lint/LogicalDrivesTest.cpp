@@ -217,6 +217,22 @@ Hotspares = 8
 )");
 }
 
+TEST(ZX404, Raid10OfFiveDrivesThatTheUtilityRefuses) {
+    EXPECT_EQ(
+        lintText(R"([Policy.one]
+AppliesTo.1 = t:Kestrix-B7,d:8
+Array_Mode = CUSTOM
+Array.A = 1,2,3,4,5
+Hotspares = 8
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:10:ON
+)"),
+        R"(7:20 error ZX404: RAID 10 is made of pairs, and Array.A has 5 drives, see 4:19 left out
+  help: the utility refuses the command, exit code 11, when those before it are done
+  help: take drive 5 out of Array.A
+)");
+}
+
 TEST(ZX404, Raid10OfFourDrives) {
     EXPECT_EQ(lintText(R"([Policy.one]
 AppliesTo.1 = t:LSI-MegaRAID-8480,d:8

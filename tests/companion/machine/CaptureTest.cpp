@@ -653,6 +653,26 @@ TEST(Capture, ControllersThatTheirUtilityCannotBeToldAreNotAsked) {
               Texts{"ZP110 more controllers of CFGGEN than zolex can name: this one is not asked"});
 }
 
+/// Its lines name no controller: what they list and change is on the first.
+TEST(Capture, ASecondControllerOfHyperwinIsNotAsked) {
+    const auto controller = [](int bus) {
+        return R"({"utility": "HYPERWIN", "model": "LSI-IDEal-RAID", "pci": {"bus": )" +
+               std::to_string(bus) +
+               R"(, "device": 5, "vendorId": "0x1166", "deviceId": "0x0213"},
+            "drives": [{"id": 0, "count": 2, "sizeMB": 38154}]})";
+    };
+    SimulatedPlatform platform(
+        R"({"machineType": "8482", "serialNumber": "KQ1", "controllers": [)" + controller(1) +
+        ", " + controller(2) + "]}");
+    const Snapshot snapshot = captureMachine(platform, {});
+    EXPECT_FALSE(snapshot.details.at(0).failed);
+    EXPECT_TRUE(snapshot.details.at(1).failed);
+    EXPECT_TRUE(snapshot.details.at(1).drives.empty());
+    EXPECT_EQ(texts(snapshot.details.at(1).findings),
+              Texts{"ZP110 HYPERWIN's commands reach the first of its controllers alone: this one "
+                    "is not asked"});
+}
+
 TEST(Capture, MoreControllersThanZolexKeepsAreTold) {
     SimulatedPlatform platform("single");
     const PciDevice device = platform.devices.at(0);

@@ -477,6 +477,36 @@ TEST(StepsTest, ArcconfSetsTheCacheOfTheRightLogicalDrive) {
     expectDone(server, policies);
 }
 
+/// No data goes for a cache mode where the utility can set it.
+TEST(StepsTest, ArcconfSetsTheCacheOfWhatStands) {
+    PlannedServer server("arcconf");
+    const std::string first = head + none +
+                              "Array.A = 1,2\nArray.B = 3,4,5\nArray.C = 6,7\n"
+                              "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1:ON\n"
+                              "Logical.2 = B:FILL:5:ON\nLogical.3 = C:FILL:1:ON\n";
+    expectDone(server, first);
+    std::string policies = first;
+    policies.replace(policies.find("B:FILL:5:ON"), 11, "B:FILL:5:OFF");
+    const MachinePlan plan = server.plan(policies);
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), Lines{"UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 wt NOPROMPT "});
+    EXPECT_EQ(summariesOf(plan), Lines{"set: set Logical.2: write-through"});
+    EXPECT_EQ(lossesOf(plan), Lines{});
+    EXPECT_EQ(reasonsOf(plan), Lines{"set: LD 1 stays and gets another cache mode: write-through "
+                                     "wanted, protected write-back found"});
+    // Beside something that goes, and on a logical drive whose number is not that of its array.
+    policies.replace(policies.find("Array.A = 1,2"), 13, "Array.A = 1,8");
+    const MachinePlan more = server.plan(policies);
+    EXPECT_EQ(lossesOf(more), Lines{"logical_drive 0"});
+    EXPECT_EQ(commandsOf(more),
+              (Lines{"UTIL.BAT ARCCONF DELETE 1 LOGICALDRIVE 1 NOPROMPT",
+                     "UTIL.BAT ARCCONF CREATE 1 LOGICALDRIVE  Name ARRAY0_LOGICAL0 Method QUICK "
+                     "MAX 1 0 0 0 7 NOPROMPT ",
+                     "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 1 wbb NOPROMPT ",
+                     "UTIL.BAT ARCCONF SETCACHE 1 LOGICALDRIVE 2 wt NOPROMPT "}));
+    expectDone(server, policies);
+}
+
 // Utilities that clear as a whole
 
 /// Two mirrors, of which the first stays in the policy.
@@ -552,10 +582,39 @@ TEST(StepsTest, QtcsendAddsWhereItsLettersHold) {
                      "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE NEWARRAY MAX 1 1 0 1 1 NOPROMPT"}));
     EXPECT_EQ(
         reasonsOf(cleared),
-        (Lines{"only-whole-clear: LD 1 is as planned, but the controller is cleared as a whole"}));
+        (Lines{"only-whole-clear: a new array gets the next free letter beside those that stand, "
+               "and the command lines call it by another",
+               "only-whole-clear: LD 1 is as planned, but the controller is cleared as a whole"}));
     EXPECT_EQ(lossesOf(cleared), (Lines{"logical_drive 1"}));
     expectDone(server, behind);
     expectDone(server, before);
+}
+
+/// What takes the rest leaves room to those behind it, which have sizes.
+TEST(StepsTest, QtcsendFillsInFrontOfASize) {
+    PlannedServer server("qtcsend");
+    server.runZolex("[Policy.none]\nAppliesTo.1 = c:36\n", {"/r", "/y"});
+    const std::string policies = head + none +
+                                 "Array.A = 1,2\nLogical_Mode = CUSTOM\nLogical.1 = A:1000:1\n"
+                                 "Logical.2 = A:FILL:1\nLogical.3 = A:5000:1\n";
+    EXPECT_EQ(commandsOf(server.plan(policies)),
+              (Lines{"UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE NEWARRAY 1000 1 1 0 1 1 NOPROMPT",
+                     "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE A 11357 1 NOPROMPT",
+                     "UTIL.BAT QTCSEND CREATE 1 LOGICALDRIVE A 5000 1 NOPROMPT"}));
+    expectDone(server, policies);
+}
+
+TEST(StepsTest, HyperwinSetsTheCacheOfWhatStands) {
+    PlannedServer server("hyperwin");
+    const std::string first = head + none +
+                              "Array.A = 1,2\nLogical_Mode = CUSTOM\n"
+                              "Logical.1 = A:FILL:1:";
+    expectDone(server, first + "OFF\n");
+    const MachinePlan plan = server.plan(first + "ON\n");
+    EXPECT_EQ(strategyOf(plan), Strategy::add);
+    EXPECT_EQ(commandsOf(plan), Lines{"UTIL.BAT HYPERWIN /OW"});
+    EXPECT_EQ(lossesOf(plan), Lines{});
+    expectDone(server, first + "ON\n", StrategyWish::add);
 }
 
 TEST(StepsTest, HyperwinTakesAllDrives) {
