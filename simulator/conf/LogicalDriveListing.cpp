@@ -183,11 +183,12 @@ std::string deviceLine(const Block& block, std::size_t index) {
     }
     const bool expander = block.controller.identity.conf.expander;
     return line(3, key,
-                formatted("Present (%lldMB, %s, HDD, %s:%d, %s:%d) %s",
+                formatted("Present (%lldMB, %s, %s, %s:%d, %s:%d) %s",
                           static_cast<long long>(drive.nonCoercedSectors / sectorsPerMb),
-                          drive.interface.c_str(), expander ? "Enclosure" : "Connector",
-                          drive.bay.enclosure.value_or(0), expander ? "Slot" : "Device",
-                          drive.bay.slot, drive.serial.c_str()));
+                          drive.interface.c_str(),
+                          drive.medium == Medium::solidState ? "SSD" : "HDD",
+                          expander ? "Enclosure" : "Connector", drive.bay.enclosure.value_or(0),
+                          expander ? "Slot" : "Device", drive.bay.slot, drive.serial.c_str()));
 }
 
 std::string segmentLine(const Block& block, std::size_t index, std::size_t controllerNumber) {

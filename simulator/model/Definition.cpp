@@ -88,6 +88,7 @@ Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
     Drive drive;
     const UtilityTraits& utility = defaults.utility;
     drive.interface = fields.text("interface", std::string(utility.drives.interface), 8);
+    drive.medium = fields.word<Medium>("medium", mediumNamed, Medium::disk);
     readDrivePlace(fields, drive, utility);
     readDriveSizes(fields, drive, utility.drives.reservedMb);
     drive.vendor = fields.text("vendor", "NORVIK", 8);

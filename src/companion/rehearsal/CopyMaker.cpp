@@ -235,6 +235,8 @@ class CopyBuilder {
                      facts.slot.value_or(drive.location.slot)};
         drive.interface =
             facts.protocol.empty() ? std::string(traits_->drives.interface) : facts.protocol;
+        drive.medium =
+            facts.mediaType == "SSD" ? zolex_sim::Medium::solidState : zolex_sim::Medium::disk;
         drive.transferSpeed = drive.interface + " 3.0 Gb/s";
         constexpr std::size_t vendorWidth = 8;
         constexpr std::size_t modelWidth = 16;
@@ -487,6 +489,10 @@ class CopyBuilder {
 
 // What of the copy is not as it was captured. Each is empty, or says it for people.
 
+bool isSsd(const DriveFacts& drive) {
+    return drive.mediaType == "SSD";
+}
+
 std::string differenceOfDrives(const Facts& original, const Facts& copy) {
     if (original.drives.size() != copy.drives.size()) {
         return "the copy has " + std::to_string(copy.drives.size()) + " drives, and not " +
@@ -514,6 +520,10 @@ std::string differenceOfDrives(const Facts& original, const Facts& copy) {
         }
         if (!drive.protocol.empty() && found.protocol != drive.protocol) {
             return differs("protocol");
+        }
+        // Where hard disks are not told as such, the copy's are not either.
+        if (drive.mediaType != found.mediaType && (isSsd(drive) || isSsd(found))) {
+            return differs("medium");
         }
         const std::uint64_t a = drive.capacityBytes.value_or(0);
         const std::uint64_t b = found.capacityBytes.value_or(0);
