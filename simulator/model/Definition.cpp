@@ -361,6 +361,10 @@ Controller readController(Fields& fields, std::size_t number) {
         identity.conf = readConfIdentity(fields);
         identity.defaultBatteryProtected = fields.flag("defaultBatteryProtected", false);
     }
+    if (fields.has("showsMirrorStripe") &&
+        (utility->addressing == Addressing::channels || identity.utility == "QTCSEND")) {
+        identity.showsMirrorStripe = fields.flag("showsMirrorStripe", true);
+    }
     if (utility->showsBlocks) {
         identity.block = readBlockIdentity(fields, *utility, identity.pci);
     }

@@ -216,6 +216,8 @@ struct ControllerIdentity {
     ReadPolicy defaultReadPolicy = ReadPolicy::none;
     bool defaultBatteryProtected = false;
     int maxHotSpares = 0;
+    /// Whether a mirror is listed with a stripe size; absent: as the form of the listing has it.
+    std::optional<bool> showsMirrorStripe;
     ConfIdentity conf;
     BlockIdentity block;
 };
