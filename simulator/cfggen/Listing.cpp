@@ -43,6 +43,11 @@ std::string volume(const Controller& controller, std::size_t number, Bus bus) {
            line("Physical hard disks (Target ID)", join(members, " "));
 }
 
+/// Of drives at a SCSI bus the medium is not told.
+std::string typeText(const Drive& drive, Bus bus) {
+    return drive.interface + (bus == Bus::sas && drive.medium == Medium::solidState ? "_SSD" : "");
+}
+
 std::string driveBlock(const Drive& drive, Bus bus) {
     const std::string id = std::to_string(targetId(drive, bus));
     const std::string place =
@@ -55,7 +60,7 @@ std::string driveBlock(const Drive& drive, Bus bus) {
            line("Size (in MB)/(in sectors)", sizesText(drive)) +
            line("Manufacturer", drive.vendor) + line("Model Number", drive.model) +
            line("Firmware Revision", drive.revision) + line("Serial No", drive.serial) +
-           line("Drive Type", drive.interface);
+           line("Drive Type", typeText(drive, bus));
 }
 
 std::string enclosureBlock(const Controller& controller) {

@@ -73,7 +73,8 @@ std::string driveBlock(const Controller& controller, const Drive& drive, const W
            line(9, "Size", formatted("%lld MB", static_cast<long long>(sizeMb))) +
            line(9, "Write Cache", "Disabled (write-through)") + line(9, "FRU", "None") +
            (wording.settings ? line(9, "Power State", "Full rpm") : "") +
-           line(9, "PFA", drive.predictiveFailures > 0 ? "Yes" : "No");
+           line(9, "PFA", drive.predictiveFailures > 0 ? "Yes" : "No") +
+           (bays && drive.medium == Medium::solidState ? line(9, "SSD", "Yes") : "");
 }
 
 std::string enclosureBlock(const EnclosureDevice& device, const Wording& wording) {

@@ -74,7 +74,14 @@ std::string head(const Block& block, std::size_t number) {
            line(3, "Size", formatted("%lld MB", static_cast<long long>(drive.sizeMb)));
 }
 
-std::string stripeLine(const LogicalDrive& drive) {
+std::string stripeLine(const Block& block, bool hasMirrorStripe) {
+    const LogicalDrive& drive = block.drive;
+    const bool isTold = drive.level == RaidLevel::raid1
+                            ? block.controller.identity.showsMirrorStripe.value_or(hasMirrorStripe)
+                            : drive.level != RaidLevel::volume;
+    if (!isTold) {
+        return {};
+    }
     return line(3, "Stripe-unit size", formatted("%d KB", drive.stripeKb));
 }
 
@@ -137,13 +144,12 @@ bool isProtected(const Block& block) {
 
 std::string listBlock(const Block& block, std::size_t place) {
     const LogicalDrive& drive = block.drive;
-    const bool striped = drive.level != RaidLevel::raid1 && drive.level != RaidLevel::volume;
     std::string drives;
     for (const Drive* member : block.members) {
         drives +=
             formatted("%d,%d ", member->location.enclosure.value_or(0), member->location.slot);
     }
-    return head(block, block.controller.numberOf(place) + 1) + (striped ? stripeLine(drive) : "") +
+    return head(block, block.controller.numberOf(place) + 1) + stripeLine(block, false) +
            readCacheLine(block) + line(3, "Write-cache mode", writeCacheText(drive)) +
            line(3, "Partitioned", yesOrNo(drive.partitioned)) +
            line(3, "Number of segments", block.members.size()) +
@@ -183,11 +189,12 @@ std::string deviceLine(const Block& block, std::size_t index) {
     }
     const bool expander = block.controller.identity.conf.expander;
     return line(3, key,
-                formatted("Present (%lldMB, %s, HDD, %s:%d, %s:%d) %s",
+                formatted("Present (%lldMB, %s, %s, %s:%d, %s:%d) %s",
                           static_cast<long long>(drive.nonCoercedSectors / sectorsPerMb),
-                          drive.interface.c_str(), expander ? "Enclosure" : "Connector",
-                          drive.bay.enclosure.value_or(0), expander ? "Slot" : "Device",
-                          drive.bay.slot, drive.serial.c_str()));
+                          drive.interface.c_str(),
+                          drive.medium == Medium::solidState ? "SSD" : "HDD",
+                          expander ? "Enclosure" : "Connector", drive.bay.enclosure.value_or(0),
+                          expander ? "Slot" : "Device", drive.bay.slot, drive.serial.c_str()));
 }
 
 std::string segmentLine(const Block& block, std::size_t index, std::size_t controllerNumber) {
@@ -206,10 +213,10 @@ std::string segmentLine(const Block& block, std::size_t index, std::size_t contr
 
 std::string segmentBlock(const Block& block, std::size_t place, std::size_t controllerNumber) {
     const LogicalDrive& drive = block.drive;
+    const std::string stripe = stripeLine(block, true);
     std::string text =
-        head(block, block.controller.numberOf(place)) +
-        (drive.level != RaidLevel::volume ? stripeLine(drive) : "") +
-        (block.wording.settings && drive.level != RaidLevel::volume ? fullStripeLine(block) : "") +
+        head(block, block.controller.numberOf(place)) + stripe +
+        (block.wording.settings && !stripe.empty() ? fullStripeLine(block) : "") +
         readCacheLine(block) + writeCacheLines(block) +
         line(3, "Partitioned", yesOrNo(drive.partitioned)) +
         line(3, "Protected by Hot-Spare", yesOrNo(isProtected(block))) +

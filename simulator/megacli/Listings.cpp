@@ -50,6 +50,10 @@ const char* foreignState(const Drive& drive) {
     return drive.status == DriveStatus::foreign ? "Foreign" : "None";
 }
 
+const char* mediaType(const Drive& drive) {
+    return drive.medium == Medium::solidState ? "Solid State Device" : "Hard Disk Device";
+}
+
 std::string inquiryData(const Drive& drive) {
     return formatted("%-8s%-16s%-4s%-20s", drive.vendor.c_str(), drive.model.c_str(),
                      drive.revision.c_str(), drive.serial.c_str());
@@ -98,9 +102,9 @@ std::string earlyDriveBlock(const Drive& drive) {
            formatted("Firmware state: %s\n", firmwareState(drive, Generation::early)) +
            connectionLines(drive) +
            formatted("Foreign State: %s \n"
-                     "Media Type: Hard Disk Device\n"
+                     "Media Type: %s\n"
                      "\n",
-                     foreignState(drive));
+                     foreignState(drive), mediaType(drive));
 }
 
 /// How a listing numbers the members of a span.
@@ -150,7 +154,7 @@ std::string laterDriveTail(const Drive& drive) {
                      "Foreign State: %s \n"
                      "Device Speed: 6.0Gb/s \n"
                      "Link Speed: 6.0Gb/s \n"
-                     "Media Type: Hard Disk Device\n"
+                     "Media Type: %s\n"
                      "Drive Temperature :%dC (%.2f F)\n"
                      "PI Eligibility:  No \n"
                      "Drive is formatted for PI information:  No\n"
@@ -164,7 +168,8 @@ std::string laterDriveTail(const Drive& drive) {
                      "Drive has flagged a S.M.A.R.T alert : No\n"
                      "\n"
                      "\n",
-                     foreignState(drive), drive.temperature, drive.temperature * 1.8 + 32.0);
+                     foreignState(drive), mediaType(drive), drive.temperature,
+                     drive.temperature * 1.8 + 32.0);
 }
 
 std::string laterDriveBlock(const Controller& controller, const Drive& drive,

@@ -88,6 +88,7 @@ Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
     Drive drive;
     const UtilityTraits& utility = defaults.utility;
     drive.interface = fields.text("interface", std::string(utility.drives.interface), 8);
+    drive.medium = fields.word<Medium>("medium", mediumNamed, Medium::disk);
     readDrivePlace(fields, drive, utility);
     readDriveSizes(fields, drive, utility.drives.reservedMb);
     drive.vendor = fields.text("vendor", "NORVIK", 8);
@@ -359,6 +360,10 @@ Controller readController(Fields& fields, std::size_t number) {
     if (utility->addressing == Addressing::channels) {
         identity.conf = readConfIdentity(fields);
         identity.defaultBatteryProtected = fields.flag("defaultBatteryProtected", false);
+    }
+    if (fields.has("showsMirrorStripe") &&
+        (utility->addressing == Addressing::channels || identity.utility == "QTCSEND")) {
+        identity.showsMirrorStripe = fields.flag("showsMirrorStripe", true);
     }
     if (utility->showsBlocks) {
         identity.block = readBlockIdentity(fields, *utility, identity.pci);

@@ -17,6 +17,7 @@ constexpr std::int64_t maxLocationNumber = 65535;
 constexpr std::array<std::string_view, 9> statusWords = {
     "good", "bad", "failed", "foreign", "hotspare", "online", "rebuild", "jbod", "missing"};
 static_assert(statusWords.size() == static_cast<std::size_t>(DriveStatus::missing) + 1);
+constexpr std::array<std::string_view, 2> mediumWords = {"hdd", "ssd"};
 constexpr std::array<std::string_view, 2> writeWords = {"WT", "WB"};
 constexpr std::array<std::string_view, 3> readWords = {"ADRA", "RA", "NORA"};
 
@@ -108,6 +109,10 @@ std::string_view statusWord(DriveStatus status) {
 std::optional<DriveStatus> statusNamed(std::string_view word) {
     return valueNamed<DriveStatus>(statusWords, word);
 }
+std::optional<Medium> mediumNamed(std::string_view word) {
+    return valueNamed<Medium>(mediumWords, word);
+}
+
 std::string_view policyWord(WritePolicy policy) {
     return writeWords[static_cast<std::size_t>(policy)];
 }

@@ -48,6 +48,12 @@ enum class DriveStatus : std::uint8_t {
 std::string_view statusWord(DriveStatus status);
 std::optional<DriveStatus> statusNamed(std::string_view word);
 
+/// What a drive keeps its data on.
+enum class Medium : std::uint8_t { disk, solidState };
+
+/// The words of the definition: "hdd", "ssd".
+std::optional<Medium> mediumNamed(std::string_view word);
+
 constexpr std::int64_t sectorsPerMb = 2048;
 
 struct Drive {
@@ -56,7 +62,8 @@ struct Drive {
     std::int64_t rawSectors = 0;
     std::int64_t nonCoercedSectors = 0;
     std::string interface; ///< "SAS" or "SATA"
-    std::string vendor;    ///< the four parts of the inquiry data
+    Medium medium = Medium::disk;
+    std::string vendor; ///< the four parts of the inquiry data
     std::string model;
     std::string revision;
     std::string serial;
@@ -209,6 +216,8 @@ struct ControllerIdentity {
     ReadPolicy defaultReadPolicy = ReadPolicy::none;
     bool defaultBatteryProtected = false;
     int maxHotSpares = 0;
+    /// Whether a mirror is listed with a stripe size; absent: as the form of the listing has it.
+    std::optional<bool> showsMirrorStripe;
     ConfIdentity conf;
     BlockIdentity block;
 };

@@ -80,13 +80,15 @@ std::string logicalDrive(const Controller& controller, std::size_t number) {
     const LogicalDrive& drive = controller.logicalDrives[number];
     const std::size_t members = controller.arrays[drive.array].spans.front().size();
     const bool writeBack = drive.writePolicy == WritePolicy::writeBack;
+    const bool isStriped =
+        drive.level != RaidLevel::raid1 || controller.identity.showsMirrorStripe.value_or(true);
     return formatted("   Logical drive number %zu\n", number + 1) +
            line(6, "Status of logical drive", logicalDriveStateText(controller, drive)) +
            line(6, "RAID level", levelWord(drive.level)) +
            line(6, "Size (in MB)", std::to_string(drive.sizeMb)) +
            line(6, "Write cache status", writeBack ? "Write back (WB)" : "Write through (WT)") +
            line(6, "Number of chunks", std::to_string(members)) +
-           line(6, "Stripe-unit size", formatted("%d KB", drive.stripeKb)) +
+           (isStriped ? line(6, "Stripe-unit size", formatted("%d KB", drive.stripeKb)) : "") +
            line(6, "Part of array", arrayName(drive.array));
 }
 

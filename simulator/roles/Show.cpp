@@ -13,9 +13,10 @@ std::string controllerLine(const Controller& controller, std::size_t number) {
 }
 
 std::string driveLine(const Drive& drive) {
-    return formatted("  drive %-8s %10lld MB  %-4s %-20s %s\n", toText(drive.location).c_str(),
+    return formatted("  drive %-8s %10lld MB  %-4s %-20s %s%s\n", toText(drive.location).c_str(),
                      static_cast<long long>(drive.sizeMb), drive.interface.c_str(),
-                     drive.serial.c_str(), std::string(statusWord(drive.status)).c_str());
+                     drive.serial.c_str(), std::string(statusWord(drive.status)).c_str(),
+                     drive.medium == Medium::solidState ? ", ssd" : "");
 }
 
 std::string arrayLine(const Controller& controller, std::size_t number) {

@@ -35,9 +35,10 @@ class NoCopy : public std::runtime_error {
 /// What the facts leave open.
 struct CopyForm {
     Generation generation = Generation::early;
-    bool hasSegments = false;   ///< ARCCONF lists a line for each member
-    bool isExpander = false;    ///< and names it by enclosure and slot
-    bool showsReadCache = true; ///< ARCCONF and HRCONF
+    bool hasSegments = false;              ///< ARCCONF lists a line for each member
+    bool isExpander = false;               ///< and names it by enclosure and slot
+    bool showsReadCache = true;            ///< ARCCONF and HRCONF
+    std::optional<bool> showsMirrorStripe; ///< ARCCONF, HRCONF and QTCSEND
 };
 
 bool holds(const ControllerSnapshot& original, std::string_view word) {
@@ -64,6 +65,11 @@ CopyForm formOf(const ControllerSnapshot& original) {
         form.isExpander = holds(original, "Enclosure:");
     }
     const std::vector<LogicalDriveFacts>& volumes = original.facts.logicalDrives;
+    for (const LogicalDriveFacts& volume : volumes) {
+        if (volume.raidType == "RAID1") {
+            form.showsMirrorStripe = volume.stripSizeBytes.has_value();
+        }
+    }
     form.showsReadCache = volumes.empty() || std::any_of(volumes.begin(), volumes.end(),
                                                          [](const LogicalDriveFacts& volume) {
                                                              return !volume.readCache.empty();
@@ -78,7 +84,8 @@ std::vector<CopyForm> formsOf(const ControllerSnapshot& original) {
     const auto add = [&](Generation generation) {
         for (const bool hasSegments : {likeliest.hasSegments, !likeliest.hasSegments}) {
             for (const bool isExpander : {likeliest.isExpander, !likeliest.isExpander}) {
-                forms.push_back({generation, hasSegments, isExpander, likeliest.showsReadCache});
+                forms.push_back({generation, hasSegments, isExpander, likeliest.showsReadCache,
+                                 likeliest.showsMirrorStripe});
             }
         }
     };
@@ -151,6 +158,7 @@ class CopyBuilder {
         identity.conf.driver = facts_.driverVersion;
         identity.conf.failover = form_.hasSegments ? "Enabled" : "";
         identity.conf.expander = form_.isExpander;
+        identity.showsMirrorStripe = form_.showsMirrorStripe;
         identity.conf.showsReadCache = form_.showsReadCache;
         identity.block.rebuildPriority = facts_.rebuildRate;
         identity.block.initiatorId = traits_->initiatorId;
@@ -235,6 +243,8 @@ class CopyBuilder {
                      facts.slot.value_or(drive.location.slot)};
         drive.interface =
             facts.protocol.empty() ? std::string(traits_->drives.interface) : facts.protocol;
+        drive.medium =
+            facts.mediaType == "SSD" ? zolex_sim::Medium::solidState : zolex_sim::Medium::disk;
         drive.transferSpeed = drive.interface + " 3.0 Gb/s";
         constexpr std::size_t vendorWidth = 8;
         constexpr std::size_t modelWidth = 16;
@@ -487,6 +497,10 @@ class CopyBuilder {
 
 // What of the copy is not as it was captured. Each is empty, or says it for people.
 
+bool isSsd(const DriveFacts& drive) {
+    return drive.mediaType == "SSD";
+}
+
 std::string differenceOfDrives(const Facts& original, const Facts& copy) {
     if (original.drives.size() != copy.drives.size()) {
         return "the copy has " + std::to_string(copy.drives.size()) + " drives, and not " +
@@ -514,6 +528,10 @@ std::string differenceOfDrives(const Facts& original, const Facts& copy) {
         }
         if (!drive.protocol.empty() && found.protocol != drive.protocol) {
             return differs("protocol");
+        }
+        // Where hard disks are not told as such, the copy's are not either.
+        if (drive.mediaType != found.mediaType && (isSsd(drive) || isSsd(found))) {
+            return differs("medium");
         }
         const std::uint64_t a = drive.capacityBytes.value_or(0);
         const std::uint64_t b = found.capacityBytes.value_or(0);
@@ -583,19 +601,21 @@ MadeCopy copyController(const ControllerSnapshot& original, std::int32_t control
         made.because = "its utility has no number for it";
         return made;
     }
-    try {
-        for (const CopyForm& form : formsOf(original)) {
+    for (const CopyForm& form : formsOf(original)) {
+        std::string because;
+        try {
             VirtualCopy copy(original, controllerType, CopyBuilder(original, form).build());
-            std::string difference = differenceOf(original, copy, made.facts);
-            if (difference.empty()) {
+            because = differenceOf(original, copy, made.facts);
+            if (because.empty()) {
                 made.because.clear();
                 made.copy = std::move(copy);
                 return made;
             }
-            made.because = made.because.empty() ? std::move(difference) : made.because;
+        } catch (const NoCopy& fault) {
+            because = fault.what();
         }
-    } catch (const NoCopy& fault) {
-        made.because = fault.what();
+        // What is told is the fault of the likeliest form.
+        made.because = made.because.empty() ? std::move(because) : made.because;
     }
     return made;
 }

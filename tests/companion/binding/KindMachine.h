@@ -10,33 +10,6 @@
 
 namespace zolex::companion::test {
 
-/// A virtual server whose MEGACLI tells drives of a model with "SSD" in its name as solid state.
-class KindPlatform : public SimulatedPlatform {
-  public:
-    explicit KindPlatform(std::string_view definition) : SimulatedPlatform(definition) {
-        respond = [this](const std::string& line) {
-            ChildResult result = play(line);
-            tellSolidState(result.output);
-            return result;
-        };
-    }
-
-  private:
-    static void tellSolidState(std::string& text) {
-        constexpr std::string_view begin = "Enclosure Device ID:";
-        constexpr std::string_view media = "Media Type: Hard Disk Device";
-        for (std::size_t at = text.find(begin); at != std::string::npos;) {
-            const std::size_t next = text.find(begin, at + begin.size());
-            const std::size_t told = text.find(media, at);
-            const std::size_t model = text.find("SSD", at);
-            if (told < next && model < next) {
-                text.replace(told, media.size(), "Media Type: Solid State Device");
-            }
-            at = text.find(begin, at + begin.size());
-        }
-    }
-};
-
 /// A server with one MegaRAID controller that has RAID 6, and these drives.
 inline std::string kindServer(std::string_view drives, std::string_view disks = "") {
     return R"({"machineType": "8837", "serialNumber": "KQ10Z7V", "controllers": [{
@@ -50,12 +23,12 @@ inline std::string kindServer(std::string_view drives, std::string_view disks = 
 
 /// Two solid-state drives of 447.1 GB, two of 894.3 GB, and four disks of 278.9 GB.
 inline constexpr std::string_view mixedDrives =
-    R"({"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 457862, "model": "NVSSD480", "interface": "SATA", "serial": "S4"},
-{"enclosure": 32, "slot": 2, "count": 2, "sizeMB": 915715, "model": "NVSSD960", "interface": "SATA", "serial": "S9"},
+    R"({"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 457862, "model": "NVSSD480", "medium": "ssd", "interface": "SATA", "serial": "S4"},
+{"enclosure": 32, "slot": 2, "count": 2, "sizeMB": 915715, "model": "NVSSD960", "medium": "ssd", "interface": "SATA", "serial": "S9"},
 {"enclosure": 32, "slot": 4, "count": 4, "sizeMB": 285568, "serial": "H3"})";
 
 inline Snapshot capturedKinds(std::string_view definition) {
-    KindPlatform platform(definition);
+    SimulatedPlatform platform(definition);
     return captureMachine(platform, {});
 }
 

@@ -13,16 +13,6 @@ std::size_t below(std::mt19937& random, std::size_t count) {
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
 }
 
-std::vector<std::string> commandsOf(const std::string& utility) {
-    if (utility == "MEGACLI") {
-        return {"-LdPdInfo -a0", "-pdList -a0", "-adpallinfo -a0"};
-    }
-    if (utility == "HYPERWIN") {
-        return {"/L /D00", "/L /D10", "/L /D20"};
-    }
-    return {utility.starts_with("CFGGEN") ? "0 DISPLAY" : "GETCONFIG 1 AL"};
-}
-
 /// Most of these are free.
 std::string anyDrive(const Facts& facts, std::mt19937& random) {
     std::vector<std::string> free;
@@ -134,6 +124,16 @@ std::vector<std::string> hyperwinLine(std::mt19937& random) {
 
 } // namespace
 
+std::vector<std::string> listingCommandsOf(const std::string& utility) {
+    if (utility == "MEGACLI") {
+        return {"-LdPdInfo -a0", "-pdList -a0", "-adpallinfo -a0"};
+    }
+    if (utility == "HYPERWIN") {
+        return {"/L /D00", "/L /D10", "/L /D20"};
+    }
+    return {utility.starts_with("CFGGEN") ? "0 DISPLAY" : "GETCONFIG 1 AL"};
+}
+
 ControllerSnapshot originalOf(zolex_sim::Server& server) {
     const zolex_sim::Controller& controller = server.controllers.front();
     ControllerSnapshot original;
@@ -142,7 +142,7 @@ ControllerSnapshot originalOf(zolex_sim::Server& server) {
     original.model = controller.identity.model;
     original.adapter =
         original.utility == "MEGACLI" || original.utility.starts_with("CFGGEN") ? 0 : 1;
-    for (const std::string& command : commandsOf(original.utility)) {
+    for (const std::string& command : listingCommandsOf(original.utility)) {
         original.commands.push_back({"UTIL.BAT " + original.utility + " " + command});
     }
     original.listings = listingsOf(server, controller);

@@ -10,6 +10,9 @@
 
 namespace zolex::companion::test {
 
+/// The options of the commands whose listings a capture reads.
+[[nodiscard]] std::vector<std::string> listingCommandsOf(const std::string& utility);
+
 /// The first controller of the server as it would be captured, without what zolex makes of it.
 [[nodiscard]] ControllerSnapshot originalOf(zolex_sim::Server& server);
 /// A copy of it.
