@@ -1,6 +1,7 @@
 #include "companion/planning/Diff.h"
 
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/PlanFaults.h"
 
 #include <algorithm>
 #include <array>
@@ -59,32 +60,33 @@ constexpr std::array<AttributeWords, 8> rebuiltAttributes = {{
 }};
 
 /// Why adding alone does not mend it.
-std::vector<std::string> rebuildReasons(const std::vector<Difference>& differences) {
-    std::vector<std::string> reasons;
+void tellReasons(ControllerDiff& diff) {
+    const std::vector<Difference>& differences = diff.comparison.differences;
     for (const AttributeWords& row : rebuiltAttributes) {
         if (std::any_of(differences.begin(), differences.end(),
                         [&](const Difference& each) { return each.attribute == row.attribute; })) {
-            reasons.push_back(std::string(row.words) + " takes a rebuild");
+            diff.takesRebuild.emplace_back(row.words);
         }
     }
     for (const Difference& difference : differences) {
         if (difference.attribute == "surplus") {
-            reasons.push_back((difference.logicalDrive.empty() ? "hot spare " + difference.location
-                                                               : "LD " + difference.logicalDrive) +
-                              " is to be removed");
+            diff.toRemove.push_back(difference.logicalDrive.empty()
+                                        ? "hot spare " + difference.location
+                                        : "LD " + difference.logicalDrive);
         }
     }
-    if (reasons.empty()) {
-        reasons.emplace_back("what is missing needs drives that are in use");
+    if (diff.takesRebuild.empty() && diff.toRemove.empty()) {
+        diff.takesRebuild.emplace_back("what is missing, as its drives are in use");
     }
-    return reasons;
 }
 
 void tellRebuild(ControllerDiff& diff, bool addingIsEnough) {
-    if (diff.result == Result::different) {
-        diff.addingIsEnough = addingIsEnough;
-        diff.takesRebuild = addingIsEnough ? std::vector<std::string>()
-                                           : rebuildReasons(diff.comparison.differences);
+    if (diff.result != Result::different || diff.isRefused) {
+        return;
+    }
+    diff.addingIsEnough = addingIsEnough;
+    if (!addingIsEnough) {
+        tellReasons(diff);
     }
 }
 
@@ -120,6 +122,7 @@ ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
         diff.because = planning.because;
         return diff;
     case Disposition::refused:
+        diff.isRefused = true;
         diff.diagnostics = planning.diagnostics;
         if (planning.comparison.differences.empty() ||
             std::any_of(diff.diagnostics.begin(), diff.diagnostics.end(), leavesOpen)) {
@@ -273,6 +276,9 @@ MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier) {
         diff.diagnostics.push_back(problemFinding(
             problem::otherMachine, "the plan " + earlier.id + " is of another machine",
             whatIsOther(diff.fingerprint, earlier.fingerprint)));
+        if (!earlier.policiesFile.empty()) {
+            namePolicies(diff.diagnostics, earlier.policiesFile);
+        }
     }
     for (const ControllerPlanning& planning : earlier.controllers) {
         ControllerDiff& controller = diff.controllers.emplace_back();
