@@ -4,6 +4,7 @@
 #include "companion/commands/PolicyFiles.h"
 #include "companion/lint/Lint.h"
 #include "companion/lint/PolicyDocument.h"
+#include "companion/machine/ProblemCodes.h"
 #include "companion/text/Diagnostics.h"
 
 #include <algorithm>
@@ -69,6 +70,10 @@ int convert(Context& context, const ConvertOptions& options) {
     }
     ConvertedPolicies converted = convertToPolicies(
         machines.front().snapshot, {read.name, read.text, std::string(ZOLEX_VERSION)});
+    for (Finding& finding : converted.findings) {
+        nameInHelp(finding, "POLICIES", read.name == "<stdin>" ? "-" : read.name);
+        nameInHelp(finding, "RECORDING", options.machine);
+    }
     const bool isPossible = converted.isPossible();
     tell(context, std::move(converted.findings), source);
     if (!isPossible) {

@@ -8,6 +8,7 @@
 #include "companion/picture/DiffText.h"
 #include "companion/picture/PlanPicture.h"
 #include "companion/planning/Plan.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/text/Diagnostics.h"
 #include "companion/text/Timestamp.h"
 
@@ -132,8 +133,11 @@ class DiffCommand {
 
     int judge(const MachineDiff& diff) {
         if (isNothingCompared(diff)) {
-            return failWith(context_, "nothing was compared: no controller has a policy",
-                            "zolexctl plan tells for each policy why it does not fit");
+            return failWith(
+                context_, "nothing was compared: no controller has a policy",
+                plan_ ? "zolexctl show " + printable(request_.policiesFile) + " tells why"
+                      : "zolexctl plan " + printable(policiesArgument(request_.policiesFile)) +
+                            " tells for each policy why it does not fit");
         }
         return exitCodeOf(diff);
     }

@@ -152,7 +152,7 @@ class PlanCommand {
         case Format::svg:
             return planSvg(plan);
         case Format::html:
-            return planHtml(plan, madeAt_, terms_.savedTo);
+            return planHtml(plan, madeAt_);
         default:
             PlanTextTerms terms = terms_;
             terms.verbose = context_.verbose;

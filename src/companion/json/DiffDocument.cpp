@@ -29,12 +29,13 @@ void writeController(DocumentText& out, const ControllerDiff& controller) {
         out.number("policy_line", controller.policyLine);
     }
     writeComparisonNames(out, controller.comparison);
-    if (controller.result == Result::different) {
+    if (controller.result == Result::different && !controller.isRefused) {
         out.truth("adding_is_enough", controller.addingIsEnough);
     } else {
         out.null("adding_is_enough");
     }
     out.texts("takes_rebuild", controller.takesRebuild);
+    out.texts("to_remove", controller.toRemove);
     if (isCompared) {
         writeLayout(out, "captured", controller.captured);
         writeLayout(out, "wanted", controller.wanted);

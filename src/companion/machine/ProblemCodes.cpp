@@ -216,4 +216,13 @@ Finding problemFinding(std::string_view id, std::string summary, std::string det
     return finding;
 }
 
+void nameInHelp(Finding& finding, std::string_view placeholder, std::string_view name) {
+    for (std::string& line : finding.help) {
+        const std::size_t at = line.find(placeholder);
+        if (at != std::string::npos) {
+            line.replace(at, placeholder.size(), name);
+        }
+    }
+}
+
 } // namespace zolex::companion

@@ -79,5 +79,7 @@ inline constexpr std::string_view convertLevels = "ZP264";
 /// A finding of this code, with the usual severity and help. The code is one of the table.
 [[nodiscard]] Finding problemFinding(std::string_view id, std::string summary,
                                      std::string detail = {});
+/// Puts the name of a file in the place of "POLICIES" or "RECORDING" in what helps.
+void nameInHelp(Finding& finding, std::string_view placeholder, std::string_view name);
 
 } // namespace zolex::companion

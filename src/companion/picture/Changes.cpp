@@ -1,6 +1,8 @@
 #include "companion/picture/Changes.h"
 
 #include "companion/picture/Roles.h"
+#include "companion/planning/OldCommand.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
 
@@ -321,6 +323,56 @@ std::string controllersText(const std::vector<std::int32_t>& numbers) {
     return text;
 }
 
+/// How long the location is that begins there; 0: none does.
+std::size_t locationSize(std::string_view text, std::size_t at) {
+    const std::size_t end = std::min(text.find_first_not_of("0123456789:", at), text.size());
+    const std::string_view word = text.substr(at, end - at);
+    const std::size_t colon = word.find(':');
+    const bool isLocation = colon != std::string_view::npos && colon > 0 &&
+                            colon + 1 < word.size() && word.find(':', colon + 1) == word.npos;
+    return isLocation ? word.size() : 0;
+}
+
+/// What separates two locations there.
+std::string_view separatorAt(std::string_view text, std::size_t at) {
+    for (const std::string_view separator : {std::string_view(", "), std::string_view(" ")}) {
+        if (text.substr(at, separator.size()) == separator) {
+            return separator;
+        }
+    }
+    return {};
+}
+
+/// Whether something stands on the server that the plan does not delete.
+bool leavesSomething(const MachinePlan& plan) {
+    const auto stays = [](const ControllerPlanning& planning, std::string_view kind,
+                          const std::string& id) {
+        return std::none_of(planning.losses.begin(), planning.losses.end(), [&](const Loss& loss) {
+            return loss.kind == kind &&
+                   (loss.id == id ||
+                    std::find(loss.drives.begin(), loss.drives.end(), id) != loss.drives.end());
+        });
+    };
+    for (const ControllerPlanning& planning : plan.controllers) {
+        for (const LogicalDriveFacts& row : planning.controller.facts.logicalDrives) {
+            if (stays(planning, "logical_drive", row.id)) {
+                return true;
+            }
+        }
+        for (const LayoutSpare& spare : planning.before.spares) {
+            if (stays(planning, "hotspare", spare.location)) {
+                return true;
+            }
+        }
+        for (const std::string& location : planning.before.foreignDrives) {
+            if (stays(planning, "foreign", location)) {
+                return true;
+            }
+        }
+    }
+    return reachesOtherControllers(plan.oldCommand);
+}
+
 } // namespace
 
 ControllerChange changeOf(const ControllerPlanning& planning) {
@@ -552,6 +604,90 @@ std::string faultsText(const MachinePlan& plan) {
     }
     const std::string text = countText(errors, "error", "errors");
     return numbers.empty() ? text : text + ", on " + controllersText(numbers);
+}
+
+std::string withRanges(const std::string& text) {
+    std::string result;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        std::vector<std::string> locations;
+        std::string_view separator;
+        for (std::size_t size = locationSize(text, at); size > 0;) {
+            locations.push_back(text.substr(at, size));
+            at += size;
+            separator = locations.size() > 1 ? separator : separatorAt(text, at);
+            const bool goesOn = !separator.empty() && separatorAt(text, at) == separator;
+            size = goesOn ? locationSize(text, at + separator.size()) : 0;
+            at += size > 0 ? separator.size() : 0;
+        }
+        std::string ranges;
+        for (const std::string& range : locationRanges(locations)) {
+            ranges += (ranges.empty() ? "" : std::string(separator)) + range;
+        }
+        result += ranges;
+        // The rest up to where the next location can begin.
+        const std::size_t next = std::min(text.find_first_of(" (", at), text.size());
+        const std::size_t end = std::min(next + 1, text.size());
+        result += text.substr(at, end - at);
+        at = end;
+    }
+    return result;
+}
+
+CarryOut carryOutOf(const MachinePlan& plan, std::string_view listedWhere) {
+    constexpr std::string_view unnamed = "<stdin>";
+    const std::vector<std::string>& differences = plan.oldCommand.differences;
+    const std::string file = plan.policiesFile == unnamed ? "site.ini" : plan.policiesFile;
+    CarryOut way;
+    if (plan.oldCommand.wouldRun.empty()) {
+        way.sentence = "zolexctl only plans, and zolex takes no entries that tell drives by what "
+                       "they are. Write policies with numbers, and plan those:";
+        way.commands = {"zolexctl record -o server.zrec",
+                        "zolexctl convert --to policies --machine server.zrec " + file +
+                            " -o numbers.ini",
+                        "zolexctl plan numbers.ini"};
+        return way;
+    }
+    for (std::string command : plan.oldCommand.wouldRun) {
+        if (const std::size_t at = command.find(unnamed); at != std::string::npos) {
+            command.replace(at, unnamed.size(), file);
+        }
+        if (command.find(" /r ") != std::string::npos && leavesSomething(plan)) {
+            way.warning = "With /r zolex first erases everything on all controllers of the server, "
+                          "also what stays in this plan.";
+        }
+        way.commands.push_back(std::move(command));
+    }
+    way.sentence = differences.empty() ? "zolexctl only plans. To carry it out:"
+                                       : "zolexctl only plans. zolex carries it out, but "
+                                         "differs as listed " +
+                                             std::string(listedWhere) + ":";
+    return way;
+}
+
+std::string consentText(const MachinePlan& plan) {
+    return "Consent code for exactly this: " + printable(plan.consent);
+}
+
+std::string rebuildText(const ControllerDiff& diff) {
+    const auto listed = [](std::string_view one, std::string_view many,
+                           const std::vector<std::string>& things) {
+        std::string text;
+        for (const std::string& thing : things) {
+            text += (text.empty() ? std::string(things.size() == 1 ? one : many) + ": " : ", ") +
+                    printable(thing);
+        }
+        return text.empty() ? text : text + ".";
+    };
+    const std::string rebuilt =
+        listed("This takes a rebuild", "These take a rebuild", diff.takesRebuild);
+    const std::string removed = listed("To be removed", "To be removed", diff.toRemove);
+    return rebuilt + (rebuilt.empty() || removed.empty() ? "" : " ") + removed;
+}
+
+std::string planRefusedText(const MachineDiff& diff) {
+    return "The plan is refused: zolexctl plan " + printable(policiesArgument(diff.wantedBy)) +
+           " says why.";
 }
 
 std::vector<RehearsalSentence> rehearsalSentences(const MachinePlan& plan) {

@@ -51,6 +51,10 @@ struct ControllerChange {
 /// What people call an attribute of a layout: "strip size" for "strip_size_bytes".
 [[nodiscard]] std::string attributeText(std::string_view attribute);
 
+/// A text with ranges of drives: "RAID5 fill: 32:0-32:2 32:7" for "RAID5 fill: 32:0 32:1 32:2
+/// 32:7".
+[[nodiscard]] std::string withRanges(const std::string& text);
+
 /// "2 logical drives (203.3 GB), 1 hot spare and 3 foreign drives".
 [[nodiscard]] std::string lossesText(const std::vector<Loss>& losses);
 
@@ -63,6 +67,25 @@ struct ControllerChange {
 
 /// The errors of the plan, and the controllers that have some: "2 errors, on controllers 1 and 3".
 [[nodiscard]] std::string faultsText(const MachinePlan& plan);
+
+/// How a plan is carried out; zolexctl itself only plans.
+struct CarryOut {
+    std::string sentence;              ///< ends with ":", what is to be typed follows
+    std::vector<std::string> commands; ///< not printable yet
+    std::string warning;               ///< of what the commands erase beside what the plan does
+};
+/// `listedWhere` says where the differences from zolex stand: "above".
+[[nodiscard]] CarryOut carryOutOf(const MachinePlan& plan, std::string_view listedWhere);
+
+/// "Consent code for exactly this: 7Q4K-2M9D".
+[[nodiscard]] std::string consentText(const MachinePlan& plan);
+
+/// Why a controller that differs cannot be mended by adding; empty where it can: "This takes a
+/// rebuild: strip size. To be removed: LD 2."
+[[nodiscard]] std::string rebuildText(const ControllerDiff& diff);
+
+/// "The plan is refused: zolexctl plan site.ini says why."
+[[nodiscard]] std::string planRefusedText(const MachineDiff& diff);
 
 /// What came of the rehearsal, sentence by sentence; those that are bad first.
 struct RehearsalSentence {

@@ -3,6 +3,7 @@
 #include "companion/picture/Changes.h"
 #include "companion/picture/Roles.h"
 #include "companion/picture/TextLines.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/text/Diagnostics.h"
 #include "companion/text/Sizes.h"
 
@@ -89,13 +90,19 @@ class ControllerDiffWriter {
         std::string what = printable(diff_.model);
         if (!diff_.policy.empty()) {
             what += (what.empty() ? "" : "  ") + printable(diff_.policy);
-            if (diff_.policyLine > 0 && !all_.isByPlan && !all_.wantedBy.empty()) {
-                what +=
-                    " (" + printable(all_.wantedBy) + ":" + std::to_string(diff_.policyLine) + ")";
-            }
         }
         const std::string result(diffResultWord(diff_.result));
         const auto width = std::min<std::size_t>(static_cast<std::size_t>(style_.width), 80);
+        if (!diff_.policy.empty() && diff_.policyLine > 0 && !all_.isByPlan &&
+            !all_.wantedBy.empty()) {
+            const std::string line = std::to_string(diff_.policyLine);
+            const std::string place = " (" + printable(all_.wantedBy) + ":" + line + ")";
+            const std::size_t rest = name.size() + columnsOf(what) + result.size() + 4;
+            const std::string onlyLine = " (line " + line + ")";
+            const bool isShort =
+                rest + columnsOf(place) > width && rest + columnsOf(onlyLine) <= width;
+            what += isShort ? onlyLine : place;
+        }
         const std::size_t used = name.size() + 2 + columnsOf(what);
         out_ += emphasized(name, Emphasis::heading, style_) + "  ";
         if (used + 2 + result.size() <= width) {
@@ -144,12 +151,13 @@ class ControllerDiffWriter {
 
     [[nodiscard]] FieldLine attributeLine(const Difference& difference,
                                           const std::string& name) const {
-        const std::string wanted = all_.isByPlan ? "plan " : "policy ";
-        std::string found = "machine " + printable(difference.found);
+        const auto said = [](const std::string& value) {
+            return value.empty() ? "nothing" : printable(withRanges(value));
+        };
         return {6,
                 {{name, Emphasis::changed},
-                 {wanted + (difference.wanted.empty() ? "nothing" : printable(difference.wanted))},
-                 {difference.found.empty() ? "machine nothing" : found}}};
+                 {(all_.isByPlan ? "plan " : "policy ") + said(difference.wanted)},
+                 {"machine " + said(difference.found)}}};
     }
 
     void captured() {
@@ -198,6 +206,27 @@ class ControllerDiffWriter {
         }
     }
 
+    /// "- Logical.1  missing  32:0 32:1  RAID1 fill, strip 64 KB".
+    static FieldLine missingLine(const Difference& difference) {
+        const bool isSpare = difference.logicalDrive.empty();
+        const std::string wanted = withRanges(difference.wanted);
+        const std::size_t colon = isSpare ? std::string::npos : wanted.rfind(": ");
+        std::string what = wanted.substr(0, colon);
+        constexpr std::string_view none = "none";
+        if (difference.found.substr(0, none.size()) == none) {
+            what += difference.found.substr(none.size());
+        }
+        const std::string where = isSpare                      ? difference.location
+                                  : colon == std::string::npos ? ""
+                                                               : wanted.substr(colon + 2);
+        return {
+            2,
+            {{"- " + (isSpare ? "spare" : printable(difference.logicalDrive)), Emphasis::changed},
+             {"missing", Emphasis::changed},
+             {printable(where)},
+             {printable(what)}}};
+    }
+
     /// Differences of what is not there, and of drives.
     void others() {
         std::vector<FieldLine> lines;
@@ -206,9 +235,11 @@ class ControllerDiffWriter {
                 continue;
             }
             const Difference& difference = diff_.comparison.differences[i];
-            const bool isMissing = difference.attribute == "missing";
-            const bool isSurplus = difference.attribute == "surplus";
-            const std::string sign = isMissing ? "- " : isSurplus ? "+ " : "~ ";
+            if (difference.attribute == "missing") {
+                lines.push_back(missingLine(difference));
+                continue;
+            }
+            const std::string sign = difference.attribute == "surplus" ? "+ " : "~ ";
             std::string name = difference.logicalDrive.empty() ? printable(difference.location)
                                                                : printable(difference.logicalDrive);
             if (!difference.logicalDrive.empty() &&
@@ -244,14 +275,19 @@ std::string countOf(std::size_t count, std::size_t all, std::string_view one,
     return text + std::string(count == 1 ? one : many);
 }
 
+bool isAnyRefused(const MachineDiff& diff) {
+    return std::any_of(diff.controllers.begin(), diff.controllers.end(),
+                       [](const ControllerDiff& controller) { return controller.isRefused; });
+}
+
 /// What to do about it.
 std::string nextCommand(const MachineDiff& diff) {
-    const std::string name = printable(diff.wantedBy);
     if (diff.isByPlan) {
-        return "zolexctl show " + name + " shows the plan.";
+        return "zolexctl show " + printable(diff.wantedBy) + " shows the plan.";
     }
-    return name.empty() ? "zolexctl plan --default shows what it takes."
-                        : "zolexctl plan " + name + " shows what it takes.";
+    return isAnyRefused(diff) ? planRefusedText(diff)
+                              : "zolexctl plan " + printable(policiesArgument(diff.wantedBy)) +
+                                    " shows what it takes.";
 }
 
 /// Whether cache modes are to be set, which is more than adding.
@@ -262,28 +298,49 @@ bool differsInCaches(const ControllerDiff& controller) {
     });
 }
 
+/// Where nothing has to go.
+std::string addingText(const std::vector<const ControllerDiff*>& controllers) {
+    const bool setsCaches =
+        std::any_of(controllers.begin(), controllers.end(),
+                    [](const ControllerDiff* controller) { return differsInCaches(*controller); });
+    return setsCaches ? "Nothing that stands has to go for it."
+                      : "Adding what is missing is enough.";
+}
+
+/// What it takes, controller by controller where several differ.
+std::string whatItTakes(const std::vector<const ControllerDiff*>& different) {
+    const bool addingIsEnough =
+        std::all_of(different.begin(), different.end(),
+                    [](const ControllerDiff* controller) { return controller->addingIsEnough; });
+    if (addingIsEnough) {
+        return addingText(different) + " ";
+    }
+    std::string text;
+    for (const ControllerDiff* const controller : different) {
+        const std::string rebuild =
+            controller->addingIsEnough ? addingText({controller}) : rebuildText(*controller);
+        if (!rebuild.empty()) {
+            text +=
+                (different.size() > 1 ? "Controller " + std::to_string(controller->number) + ": "
+                                      : std::string()) +
+                rebuild + " ";
+        }
+    }
+    return text;
+}
+
 /// The closing sentences.
 std::string closing(const MachineDiff& diff) {
-    std::size_t different = 0;
+    std::vector<const ControllerDiff*> different;
     std::size_t equivalent = 0;
     std::size_t skipped = 0;
     std::size_t unknown = 0;
-    bool addingIsEnough = true;
-    bool setsCaches = false;
-    std::vector<std::string> rebuilds;
     for (const ControllerDiff& controller : diff.controllers) {
         equivalent += controller.result == Result::equivalent ? 1 : 0;
         skipped += controller.result == Result::skipped ? 1 : 0;
         unknown += controller.result == Result::unknown ? 1 : 0;
         if (controller.result == Result::different) {
-            ++different;
-            addingIsEnough = addingIsEnough && controller.addingIsEnough;
-            setsCaches = setsCaches || differsInCaches(controller);
-            for (const std::string& why : controller.takesRebuild) {
-                if (std::find(rebuilds.begin(), rebuilds.end(), why) == rebuilds.end()) {
-                    rebuilds.push_back(why);
-                }
-            }
+            different.push_back(&controller);
         }
     }
     const std::size_t all = diff.controllers.size();
@@ -291,22 +348,12 @@ std::string closing(const MachineDiff& diff) {
     if (unknown > 0) {
         text += countOf(unknown, all, "could not be compared. ", "could not be compared. ");
     }
-    if (different > 0) {
-        text += countOf(different, all, "differs. ", "differ. ");
-        if (addingIsEnough) {
-            text += setsCaches ? "Nothing that stands has to go for it. "
-                               : "Adding what is missing is enough. ";
-        } else {
-            text += "What stands now cannot be mended by adding alone";
-            for (std::size_t i = 0; i < rebuilds.size(); ++i) {
-                text += (i == 0 ? ": " : "; ") + printable(rebuilds[i]);
-            }
-            text += ". ";
-        }
-        return text + nextCommand(diff);
+    if (!different.empty()) {
+        text += countOf(different.size(), all, "differs. ", "differ. ");
+        return text + whatItTakes(different) + nextCommand(diff);
     }
     if (unknown > 0) {
-        return text.substr(0, text.size() - 1);
+        return isAnyRefused(diff) ? text + planRefusedText(diff) : text.substr(0, text.size() - 1);
     }
     if (all == skipped) {
         return all == 0 ? "No controller to compare." : "Every controller is skipped.";

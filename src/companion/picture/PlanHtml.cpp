@@ -381,24 +381,28 @@ std::string lossesTable(const std::vector<Loss>& losses) {
         rows);
 }
 
-/// What is lost, and how to agree to it.
-std::string consentBox(const MachinePlan& plan, std::string_view savedTo) {
-    const std::string file = savedTo.empty() ? "plan.json" : std::string(savedTo);
-    const std::string save = plan.policiesFile.empty()
-                                 ? "zolexctl plan --default -o plan.json"
-                                 : "zolexctl plan " + plan.policiesFile + " -o plan.json";
-    const std::string first = savedTo.empty() ? commandLine(save) : "";
+/// How the plan is carried out.
+std::string carryOutPart(const MachinePlan& plan) {
+    const CarryOut way = carryOutOf(plan, "below");
+    std::string out = paragraph(way.sentence);
+    for (const std::string& command : way.commands) {
+        out += commandLine(command);
+    }
+    return out + (way.warning.empty() ? "" : paragraph("! " + way.warning, "warning"));
+}
+
+/// What is lost, the code of just this, and how it is carried out.
+std::string consentBox(const MachinePlan& plan) {
     if (!plan.changesSomething()) {
         return "<div class=\"box\">\n<h2>Nothing to do</h2>\n</div>\n";
     }
     const std::vector<Loss> losses = plan.losses();
     if (losses.empty()) {
-        return "<div class=\"box\">\n<h2>Nothing is lost</h2>\n<p>To carry it out:</p>\n" + first +
-               commandLine("zolexctl apply " + file) + "</div>\n";
+        return "<div class=\"box\">\n<h2>Nothing is lost</h2>\n" + carryOutPart(plan) + "</div>\n";
     }
     return "<div class=\"box lost\">\n<h2>- This destroys " + escaped(lossesText(losses)) +
-           "</h2>\n" + lossesTable(losses) + "<p>To agree:</p>\n" + first +
-           commandLine("zolexctl apply " + file + " --destroy " + plan.consent) + "</div>\n";
+           "</h2>\n" + lossesTable(losses) + paragraph(consentText(plan)) + carryOutPart(plan) +
+           "</div>\n";
 }
 
 std::string faultBox(const MachinePlan& plan) {
@@ -471,8 +475,8 @@ std::string diffSection(const MachineDiff& all, const ControllerDiff& diff,
             !row.logicalDrive.empty() && where.find_first_not_of("0123456789") == std::string::npos;
         rows += htmlRow("td", {{escaped((isNumber ? "LD " : "") + where)},
                                {escaped(attributeText(row.attribute))},
-                               {orDash(row.wanted), "wide"},
-                               {orDash(row.found), "wide"}});
+                               {orDash(withRanges(row.wanted)), "wide"},
+                               {orDash(withRanges(row.found)), "wide"}});
     }
     if (!rows.empty()) {
         out +=
@@ -487,9 +491,8 @@ std::string diffSection(const MachineDiff& all, const ControllerDiff& diff,
     for (const std::string& line : diff.comparison.equivalences) {
         out += paragraph("= " + line);
     }
-    for (const std::string& line : diff.takesRebuild) {
-        out += paragraph("! " + line, "warning");
-    }
+    const std::string rebuild = diff.isRefused ? planRefusedText(all) : rebuildText(diff);
+    out += rebuild.empty() ? "" : paragraph("! " + rebuild, "warning");
     if (!diff.comparison.notComparable.empty()) {
         std::string names;
         for (const std::string& attribute : diff.comparison.notComparable) {
@@ -502,7 +505,7 @@ std::string diffSection(const MachineDiff& all, const ControllerDiff& diff,
 
 } // namespace
 
-std::string planHtml(const MachinePlan& plan, std::string_view madeAt, std::string_view savedTo) {
+std::string planHtml(const MachinePlan& plan, std::string_view madeAt) {
     const std::string title = "Plan of " + titleOf(plan.fingerprint);
     std::string out = pageHead(title, planStyle);
     out += "<header>\n<h1>" + escaped(title) + "</h1>\n<p class=\"dim\">";
@@ -518,7 +521,7 @@ std::string planHtml(const MachinePlan& plan, std::string_view madeAt, std::stri
     out += plan.id.empty() ? "" : ", plan " + escaped(plan.id);
     out += madeAt.empty() ? "" : ", made " + escaped(madeAt);
     out += "</p>\n</header>\n<main>\n";
-    out += plan.isApplicable() ? consentBox(plan, savedTo) : faultBox(plan);
+    out += plan.isApplicable() ? consentBox(plan) : faultBox(plan);
     out += findingsList(plan.diagnostics) + findingsList(plan.policiesFindings);
     for (std::size_t i = 0; i < plan.controllers.size(); ++i) {
         out += PlanSection(plan, i, i == 0).write();

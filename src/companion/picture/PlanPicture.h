@@ -15,9 +15,8 @@ namespace zolex::companion {
 /// The picture of one controller (its index in MachinePlan::controllers), as an element of a page.
 [[nodiscard]] std::string planControllerSvg(const MachinePlan& plan, std::size_t index,
                                             bool withLegend);
-/// `madeAt` as it is to be shown; `savedTo` is the file of the plan, or empty.
-[[nodiscard]] std::string planHtml(const MachinePlan& plan, std::string_view madeAt,
-                                   std::string_view savedTo = {});
+/// `madeAt` as it is to be shown.
+[[nodiscard]] std::string planHtml(const MachinePlan& plan, std::string_view madeAt);
 
 /// What stands, and what is wanted. `snapshot` is the machine that was compared: its drives.
 [[nodiscard]] std::string diffSvg(const MachineDiff& diff, const Snapshot& snapshot);

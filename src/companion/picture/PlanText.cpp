@@ -116,11 +116,9 @@ class ControllerWriter {
         for (const std::string& health : planning_.comparison.health) {
             out_ += signedLine("  ! ", printable(health), Emphasis::warning, style_);
         }
-        for (const Finding& warning : planning_.warnings) {
-            // What is as it should be needs no hints on its policy.
-            if (!inOneLine || terms_.verbose || warning.severity != Severity::note) {
-                out_ += findingLine(warning, 2, style_);
-            }
+        warnings(inOneLine);
+        if (out_.size() > 1 && out_.substr(out_.size() - 2) == "\n\n") {
+            out_.pop_back();
         }
         return std::move(out_);
     }
@@ -172,6 +170,16 @@ class ControllerWriter {
             return match->matched.value_or(false);
         });
         std::vector<FieldLine> lines;
+        // Those that were not asked have one reason.
+        const auto notAsked =
+            std::stable_partition(matches.begin(), matches.end(), [](const PolicyMatch* match) {
+                return match->matched.has_value();
+            });
+        const auto notAskedCount = static_cast<std::size_t>(matches.end() - notAsked);
+        const bool isShort = !terms_.verbose && notAskedCount > 1;
+        if (isShort) {
+            matches.erase(notAsked, matches.end());
+        }
         const std::size_t shown =
             terms_.verbose || matches.size() <= mostPolicies + 1 ? matches.size() : mostPolicies;
         for (std::size_t i = 0; i < shown; ++i) {
@@ -191,9 +199,16 @@ class ControllerWriter {
                               {""},
                               {"-v shows them", Emphasis::dim}}});
         }
-        if (matches.empty() && !planning_.policy.empty()) {
+        if (isShort) {
+            lines.push_back({2,
+                             {{lines.empty() ? "Policy" : ""},
+                              {std::to_string(notAskedCount) + " more"},
+                              {""},
+                              {"not asked: an earlier policy matched", Emphasis::dim}}});
+        }
+        if (planning_.considered.empty() && !planning_.policy.empty()) {
             lines.push_back({2, {{"Policy"}, {printable(planning_.policy), Emphasis::bold}}});
-        } else if (matches.empty() && plan_.policiesFile.empty()) {
+        } else if (planning_.considered.empty() && plan_.policiesFile.empty()) {
             lines.push_back({2, {{"Policy"}, {"the defaults of its class"}}});
         }
         add(lines);
@@ -502,11 +517,21 @@ class ControllerWriter {
         return {};
     }
 
+    /// Why a drive was taken; which of several it is only when everything is asked for.
+    [[nodiscard]] std::string driveReason(const PlanReason& reason) const {
+        std::string text = reasonText(reason);
+        const std::size_t which = text.rfind(": drive ");
+        if (!terms_.verbose && which != std::string::npos) {
+            text.replace(which, std::min(text.find(')', which), text.size()) - which, "");
+        }
+        return text;
+    }
+
     /// The drives of an array and where they come from: the same reason is said once.
     [[nodiscard]] std::string reasonsText(const PlannedArray& array) const {
         std::vector<std::pair<std::string, std::vector<std::string>>> reasons;
         for (const PlannedDrive& drive : array.drives) {
-            const std::string text = reasonText(drive.reason);
+            const std::string text = driveReason(drive.reason);
             const auto known = std::find_if(reasons.begin(), reasons.end(),
                                             [&](const auto& row) { return row.first == text; });
             if (known == reasons.end()) {
@@ -631,7 +656,8 @@ class ControllerWriter {
         const std::size_t shown =
             terms_.verbose || all.size() <= mostReasons + 1 ? all.size() : mostReasons;
         for (std::size_t i = 0; i < shown; ++i) {
-            reasons.push_back(printable(all[i].text.empty() ? all[i].code : all[i].text));
+            reasons.push_back(
+                withRanges(printable(all[i].text.empty() ? all[i].code : all[i].text)));
         }
         if (shown < all.size()) {
             reasons.push_back("and " + std::to_string(all.size() - shown) +
@@ -640,6 +666,20 @@ class ControllerWriter {
         const std::string name = "Strategy " + std::string(strategyWord(planning_.strategy)) +
                                  (reasons.empty() ? "" : ": ");
         out_ += signedLine("  ", name + joined(reasons, "; "), Emphasis::plain, style_);
+    }
+
+    void warnings(bool inOneLine) {
+        std::set<std::string> told; // each is said once, however many entries it is of
+        for (const Finding& warning : planning_.warnings) {
+            // What is as it should be needs no hints on its policy.
+            const bool isShown = !inOneLine || terms_.verbose || warning.severity != Severity::note;
+            Finding shown = warning;
+            shown.summary = withRanges(warning.summary);
+            const std::string line = isShown ? findingLine(shown, 2, style_) : std::string();
+            if (told.insert(line).second) {
+                out_ += line;
+            }
+        }
     }
 
     void errors() {
@@ -885,32 +925,25 @@ class PlanTextWriter {
         if (!isApplicable_ || steps_.empty()) {
             return;
         }
-        const bool isSaved = !terms_.savedTo.empty();
-        const std::string file = isSaved ? printable(terms_.savedTo) : "plan.json";
         out_ += "\n";
-        const std::string save =
-            plan_.policiesFile.empty()
-                ? "zolexctl plan --default -o plan.json"
-                : "zolexctl plan " + printable(plan_.policiesFile) + " -o plan.json";
         if (losses_.empty()) {
-            out_ += "This destroys nothing. To carry it out:\n";
-            out_ += isSaved ? "" : "  " + save + "\n";
-            out_ += "  zolexctl apply " + file + "\n";
-            return;
+            out_ += "This destroys nothing.\n";
+        } else {
+            out_ +=
+                signedLine("", "This destroys " + lossesText(losses_) + ".", Emphasis::bad, style_);
+            if (plan_.controllers.size() > 1) {
+                lostByController();
+            }
+            out_ += signedLine("", consentText(plan_), Emphasis::bad, style_);
         }
-        std::string text = "This destroys " + lossesText(losses_) + ".";
-        if (plan_.controllers.size() == 1) {
-            text += " To agree:";
+        const CarryOut way = carryOutOf(plan_, "above");
+        out_ += signedLine("", way.sentence, Emphasis::plain, style_);
+        for (const std::string& command : way.commands) {
+            out_ += "  " + emphasized(printable(command), Emphasis::bold, style_) + "\n";
         }
-        out_ += signedLine("", text, Emphasis::bad, style_);
-        if (plan_.controllers.size() > 1) {
-            lostByController();
-            out_ += "To agree:\n";
+        if (!way.warning.empty()) {
+            out_ += signedLine("! ", way.warning, Emphasis::bad, style_);
         }
-        out_ += isSaved ? "" : "  " + save + "\n";
-        out_ += emphasized("  zolexctl apply " + file + " --destroy " + printable(plan_.consent),
-                           Emphasis::bad, style_) +
-                "\n";
     }
 
     void lostByController() {

@@ -1,6 +1,7 @@
 #include "companion/planning/Diff.h"
 
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/planning/Strategy.h"
 
 #include <algorithm>
@@ -66,34 +67,34 @@ bool isSetOnly(std::string_view attribute, const std::string& utility) {
 }
 
 /// Why adding alone does not mend it.
-std::vector<std::string> rebuildReasons(const std::vector<Difference>& differences,
-                                        const std::string& utility) {
-    std::vector<std::string> reasons;
+void tellReasons(ControllerDiff& diff, const std::string& utility) {
+    const std::vector<Difference>& differences = diff.comparison.differences;
     for (const AttributeWords& row : rebuiltAttributes) {
         if (!isSetOnly(row.attribute, utility) &&
             std::any_of(differences.begin(), differences.end(),
                         [&](const Difference& each) { return each.attribute == row.attribute; })) {
-            reasons.push_back(std::string(row.words) + " takes a rebuild");
+            diff.takesRebuild.emplace_back(row.words);
         }
     }
     for (const Difference& difference : differences) {
         if (difference.attribute == "surplus") {
-            reasons.push_back((difference.logicalDrive.empty() ? "hot spare " + difference.location
-                                                               : "LD " + difference.logicalDrive) +
-                              " is to be removed");
+            diff.toRemove.push_back(difference.logicalDrive.empty()
+                                        ? "hot spare " + difference.location
+                                        : "LD " + difference.logicalDrive);
         }
     }
-    if (reasons.empty()) {
-        reasons.emplace_back("what is missing needs drives that are in use");
+    if (diff.takesRebuild.empty() && diff.toRemove.empty()) {
+        diff.takesRebuild.emplace_back("what is missing, as its drives are in use");
     }
-    return reasons;
 }
 
 void tellRebuild(ControllerDiff& diff, const std::string& utility, bool addingIsEnough) {
-    if (diff.result == Result::different) {
-        diff.addingIsEnough = addingIsEnough;
-        diff.takesRebuild = addingIsEnough ? std::vector<std::string>()
-                                           : rebuildReasons(diff.comparison.differences, utility);
+    if (diff.result != Result::different || diff.isRefused) {
+        return;
+    }
+    diff.addingIsEnough = addingIsEnough;
+    if (!addingIsEnough) {
+        tellReasons(diff, utility);
     }
 }
 
@@ -129,6 +130,7 @@ ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
         diff.because = planning.because;
         return diff;
     case Disposition::refused:
+        diff.isRefused = true;
         diff.diagnostics = planning.diagnostics;
         if (planning.comparison.differences.empty() ||
             std::any_of(diff.diagnostics.begin(), diff.diagnostics.end(), leavesOpen)) {
@@ -286,6 +288,9 @@ MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier) {
         diff.diagnostics.push_back(problemFinding(
             problem::otherMachine, "the plan " + earlier.id + " is of another machine",
             whatIsOther(diff.fingerprint, earlier.fingerprint)));
+        if (!earlier.policiesFile.empty()) {
+            namePolicies(diff.diagnostics, earlier.policiesFile);
+        }
     }
     for (const ControllerPlanning& planning : earlier.controllers) {
         ControllerDiff& controller = diff.controllers.emplace_back();

@@ -21,11 +21,13 @@ struct ControllerDiff {
     Comparison comparison;
     Layout captured;
     Layout wanted;
-    /// Of different: whether adding is enough, else why not: "strip size takes a rebuild", "LD 2 is
-    /// to be removed".
+    /// The plan has an error: nothing would be done. Of different and unknown.
+    bool isRefused = false;
+    /// Of different that is not refused: whether adding is enough, else why not.
     bool addingIsEnough = false;
-    std::vector<std::string> takesRebuild;
-    std::vector<Finding> diagnostics; ///< of unknown
+    std::vector<std::string> takesRebuild; ///< "strip size", "other drives"
+    std::vector<std::string> toRemove;     ///< "LD 2", "hot spare 32:7"
+    std::vector<Finding> diagnostics;      ///< of refused and unknown
 };
 /// "same", "equivalent", "different", "skipped", "unknown".
 [[nodiscard]] std::string_view diffResultWord(ControllerDiff::Result result);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace zolex::companion {
@@ -15,6 +16,8 @@ namespace {
 
 /// The commands that one run of zolex carries out.
 constexpr std::size_t mostCommands = 16;
+
+constexpr std::string_view configuresAll = "zolex configures all ";
 
 /// Makes what is to be said of the run of zolex over the whole machine.
 class OldRun {
@@ -146,7 +149,7 @@ class OldRun {
     void tellOthers() {
         if (isAnythingPlanned() && snapshot_.details.size() < snapshot_.controllers.count()) {
             differences_.push_back(
-                "zolex configures all " + std::to_string(snapshot_.controllers.count()) +
+                std::string(configuresAll) + std::to_string(snapshot_.controllers.count()) +
                 " controllers, and this plan " + std::to_string(snapshot_.details.size()));
         }
     }
@@ -180,6 +183,13 @@ class OldRun {
 };
 
 } // namespace
+
+bool reachesOtherControllers(const OldCommand& old) {
+    return std::any_of(old.differences.begin(), old.differences.end(),
+                       [](const std::string& difference) {
+                           return difference.substr(0, configuresAll.size()) == configuresAll;
+                       });
+}
 
 OldCommand oldCommandOf(const Snapshot& snapshot, const PlanRequest& request,
                         const MachinePlan& plan) {

@@ -9,4 +9,7 @@ namespace zolex::companion {
 [[nodiscard]] OldCommand oldCommandOf(const Snapshot& snapshot, const PlanRequest& request,
                                       const MachinePlan& plan);
 
+/// Whether zolex would configure controllers that the plan is not for.
+[[nodiscard]] bool reachesOtherControllers(const OldCommand& old);
+
 } // namespace zolex::companion

@@ -4,6 +4,7 @@
 #include "companion/machine/Sha256.h"
 #include "companion/planning/ControllerPlanner.h"
 #include "companion/planning/OldCommand.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/planning/PlanPolicies.h"
 #include "companion/planning/Refusals.h"
 #include "companion/planning/Steps.h"
@@ -24,8 +25,8 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     Refusals refusals(request);
     plan.diagnostics = snapshot.findings;
     if (snapshot.controllers.count() == 0) {
-        plan.diagnostics.push_back(problemFinding(problem::noControllers,
-                                                  "there is no RAID controller in this machine"));
+        plan.diagnostics.push_back(
+            problemFinding(problem::noControllers, "there is no RAID controller in this machine"));
     }
     refusals.accept(plan.diagnostics);
 
@@ -40,11 +41,14 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
         plan.controllers.push_back(planner.plan(detail));
     }
     plan.accepted = refusals.accepted();
+    namePolicies(plan.diagnostics, plan.policiesFile);
     std::int32_t number = 0;
     for (ControllerPlanning& controller : plan.controllers) {
         for (PlanStep& step : controller.steps) {
             step.step = ++number;
         }
+        namePolicies(controller.diagnostics, plan.policiesFile);
+        namePolicies(controller.warnings, plan.policiesFile);
     }
     plan.consent = consentCode(plan.fingerprint.identity, plan.losses());
     plan.oldCommand = oldCommandOf(snapshot, request, plan);

@@ -17,4 +17,14 @@ Finding planWarning(std::string_view id, std::string summary, std::vector<std::s
     return finding;
 }
 
+std::string policiesArgument(const std::string& policiesFile) {
+    return policiesFile.empty() ? "--default" : policiesFile == "<stdin>" ? "-" : policiesFile;
+}
+
+void namePolicies(std::vector<Finding>& findings, const std::string& policiesFile) {
+    for (Finding& finding : findings) {
+        nameInHelp(finding, "POLICIES", policiesArgument(policiesFile));
+    }
+}
+
 } // namespace zolex::companion

@@ -16,4 +16,9 @@ namespace zolex::companion {
 [[nodiscard]] Finding planWarning(std::string_view id, std::string summary,
                                   std::vector<std::string> help);
 
+/// How the policies are named to zolexctl plan: "--default" for none, "-" for standard input.
+[[nodiscard]] std::string policiesArgument(const std::string& policiesFile);
+/// Names them in what helps.
+void namePolicies(std::vector<Finding>& findings, const std::string& policiesFile);
+
 } // namespace zolex::companion

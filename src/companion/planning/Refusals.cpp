@@ -1,5 +1,6 @@
 #include "companion/planning/Refusals.h"
 
+#include "companion/planning/PlanFaults.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace {
 
 /// "zolexctl plan site.ini", or with the built-in policy "zolexctl plan --default".
 std::string planCommand(const PlanRequest& request) {
-    return "zolexctl plan " + (request.classDefaults ? "--default" : request.policiesFile);
+    return "zolexctl plan " + policiesArgument(request.classDefaults ? "" : request.policiesFile);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/System.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/rehearsal/CopyMaker.h"
 #include "companion/rehearsal/FaultDrill.h"
 #include "companion/text/Terminal.h"
@@ -203,6 +204,8 @@ void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
         }
         endsAsPlanned =
             ControllerRehearsal(std::move(made), planning, rehearsal).run() && endsAsPlanned;
+        namePolicies(planning.diagnostics, plan.policiesFile);
+        namePolicies(planning.warnings, plan.policiesFile);
     }
     rehearsal.done = rehearsal.notDoneBecause.empty();
     rehearsal.endsAsPlanned = rehearsal.done && endsAsPlanned;
@@ -216,6 +219,10 @@ void rehearse(const Snapshot& snapshot, MachinePlan& plan) {
     if (!plan.isApplicable()) {
         plan.rehearsal.notDoneBecause.emplace_back(
             "not rehearsed: the plan cannot be carried out as it stands");
+        return;
+    }
+    if (!plan.changesSomething()) {
+        plan.rehearsal.notDoneBecause.emplace_back("not rehearsed: there is nothing to do");
         return;
     }
     rehearseAll(snapshot, plan);

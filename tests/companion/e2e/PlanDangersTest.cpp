@@ -276,10 +276,10 @@ TEST(PlanDangers, OnAConfiguredServerThePlanSaysWhatGoesAndWhereZolexStops) {
     EXPECT_EQ(plan.exitCode, 0) << plan.output;
     expectPieces(plan.output,
                  {"= LD 0", "stays as array A", "- LD 1     RAID5       135.5 GB  32:2-32:4",
-                  "Strategy rebuild: array B needs 32:2 32:3 32:4, and LD 1 lies on 32:2 32:3",
+                  "Strategy rebuild: array B needs 32:2-32:4, and LD 1 lies on 32:2-32:4",
                   "1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0",
                   "without /r zolex stops at the first drive in use, exit code 11",
-                  "This destroys 1 logical drive (135.5 GB). To agree:"});
+                  "This destroys 1 logical drive (135.5 GB).\nConsent code for exactly this: "});
 }
 
 TEST(PlanDangers, WithoutAControllerThereIsNoPlan) {

@@ -119,8 +119,8 @@ TEST(PlanEndToEnd, DiffTellsAChangedStripSize) {
       strip size  policy 128 KB  machine 64 KB
   = spare                   32:7
 
-The controller differs. What stands now cannot be mended by adding alone: strip
-size takes a rebuild. zolexctl plan other.ini shows what it takes.
+The controller differs. This takes a rebuild: strip size. zolexctl plan
+other.ini shows what it takes.
 )");
     const ProgramRun json = server.zolexctl({"diff", "other.ini", "--format", "json"});
     EXPECT_EQ(json.exitCode, 1);

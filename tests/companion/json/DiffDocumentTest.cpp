@@ -65,8 +65,9 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
       "health": [],
       "adding_is_enough": false,
       "takes_rebuild": [
-        "strip size takes a rebuild"
+        "strip size"
       ],
+      "to_remove": [],
 )~");
     EXPECT_EQ(between(text, "      \"number\": 2", "      \"captured\""), R"~(      "number": 2,
       "model": "Kestrix-B7",
@@ -84,6 +85,7 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
       "health": [],
       "adding_is_enough": null,
       "takes_rebuild": [],
+      "to_remove": [],
 )~");
     keepDocument("diff-by-hand", text);
 }
@@ -177,6 +179,7 @@ TEST(DiffDocument, SaysWhyAControllerCouldNotBeTold) {
       "health": [],
       "adding_is_enough": null,
       "takes_rebuild": [],
+      "to_remove": [],
       "captured": null,
       "wanted": null,
       "diagnostics": [

@@ -1,4 +1,5 @@
 #include "companion/picture/DiffText.h"
+#include "companion/picture/Changes.h"
 
 #include "companion/support/ExamplePlan.h"
 
@@ -31,7 +32,8 @@ MachineDiff rareDiff() {
     first.comparison.differences.push_back({"missing", "", "Logical.3", "RAID1 67.8 GB", ""});
     first.comparison.health = {"LD 1 is degraded: 32:3 failed"};
     first.comparison.notComparable = {"strip_size_bytes", "write_cache_policy"};
-    first.takesRebuild = {"strip size takes a rebuild", "LD 3 is in the way"};
+    first.takesRebuild = {"strip size", "RAID level"};
+    first.toRemove = {"LD 3"};
     ControllerDiff third;
     third.number = 3;
     third.model = "Kestrix-D4";
@@ -67,13 +69,12 @@ TEST(DiffText, TellsEachAttributeAndTheNextCommand) {
   ~ LD 1  RAID5  271.0 GB  32:2-32:6
       strip size   policy 64 KB       machine 128 KB
       write cache  policy write-back  machine write-through
-  - 32:7  missing  policy hot spare 32:7 (covers A, B)  machine none; 32:7 is
-                                                        free
+  - spare  missing  32:7  hot spare 32:7 (covers A, B); 32:7 is free
 Controller 2  Kestrix-B7  Policy.db (site.ini:3)                      equivalent
   = the same layout; the spare is 1:4 and would be planned as 1:5 (equal drives)
 
-1 of 2 controllers differs. What stands now cannot be mended by adding alone:
-strip size takes a rebuild. zolexctl plan site.ini shows what it takes.
+1 of 2 controllers differs. This takes a rebuild: strip size. zolexctl plan
+site.ini shows what it takes.
 )");
 }
 
@@ -87,11 +88,10 @@ TEST(DiffText, TellsEverythingThatIsRare) {
   + LD 2   RAID0    67.8 GB  32:8        not wanted
   ~ LD 3   VOLUME   67.8 GB  32:9 32:10  in the way of what is wanted
   = spare                    32:12
-  - 32:7  missing  policy hot spare 32:7 (covers A, B)  machine none; 32:7 is
-      free
-  + 32:11  surplus  policy none  machine hot spare 32:11
-  ~ 32:5       moved    policy 32:5                          machine 32:6
-  - Logical.3  missing  policy RAID1 67.8 GB                 machine nothing
+  - spare      missing  32:7         hot spare 32:7 (covers A, B); 32:7 is free
+  + 32:11      surplus  policy none  machine hot spare 32:11
+  ~ 32:5       moved    policy 32:5  machine 32:6
+  - Logical.3  missing               RAID1 67.8 GB
   ! LD 1 is degraded: 32:3 failed
     not compared, because the utility does not list it: strip size, write cache
 Controller 2  Kestrix-B7  Policy.db (site.ini:3)                      equivalent
@@ -106,9 +106,9 @@ error: the listing could not be read [ZP101]
 Controller 4  Kestrix-D5                                                 skipped
   no policy applies
 
-1 of 4 controllers could not be compared. 1 of 4 controllers differs. What
-stands now cannot be mended by adding alone: strip size takes a rebuild; LD 3 is
-in the way. zolexctl plan site.ini shows what it takes.
+1 of 4 controllers could not be compared. 1 of 4 controllers differs. These take
+a rebuild: strip size, RAID level. To be removed: LD 3. zolexctl plan site.ini
+shows what it takes.
 )");
 }
 
@@ -122,9 +122,8 @@ TEST(DiffText, ANarrowTerminalGetsNarrowLines) {
           128 KB
       write cache  policy write-back
           machine write-through
-  - 32:7  missing  policy hot spare 32:7
-      (covers A, B)  machine none; 32:7
-      is free
+  - spare  missing  32:7  hot spare 32:7
+      (covers A, B); 32:7 is free
 Controller 2  Kestrix-B7 Policy.db
               (site.ini:3)
               equivalent
@@ -132,10 +131,9 @@ Controller 2  Kestrix-B7 Policy.db
     and would be planned as 1:5 (equal
     drives)
 
-1 of 2 controllers differs. What stands
-now cannot be mended by adding alone:
-strip size takes a rebuild. zolexctl
-plan site.ini shows what it takes.
+1 of 2 controllers differs. This takes a
+rebuild: strip size. zolexctl plan
+site.ini shows what it takes.
 )");
 }
 
@@ -180,7 +178,7 @@ TEST(DiffText, AMachineAgainstAPlanThatLacksASpare) {
               R"(Controller 1  LSI-MegaRAID-8480  Policy.web                            different
   = LD 0  RAID1   67.8 GB  32:0 32:1
   = LD 1  RAID5  271.0 GB  32:2-32:6
-  - 32:7  missing  plan hot spare 32:7 (covers A, B)  machine none; 32:7 is free
+  - spare  missing  32:7  hot spare 32:7 (covers A, B); 32:7 is free
 Controller 2  Kestrix-B7  Policy.db                                   equivalent
   = the same layout; the spare is 1:4 and would be planned as 1:5 (equal drives)
 
@@ -207,6 +205,52 @@ TEST(DiffText, ColoursAreNeverTheOnlyCarrier) {
     }
 }
 
+TEST(DiffText, DrivesAreToldInRanges) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"RAID5 fill, strip 64 KB: 32:0 32:1 32:2 32:5", "RAID5 fill, strip 64 KB: 32:0-32:2 32:5"},
+        {"RAID10 fill: (32:0 32:1 32:2) (64:0 64:1)", "RAID10 fill: (32:0-32:2) (64:0 64:1)"},
+        {"4 drives get no job: 32:3, 32:4, 32:5, 32:7", "4 drives get no job: 32:3-32:5, 32:7"},
+        {"A needs 1:0 1:1 1:2, and LD 1 lies on 1:1", "A needs 1:0-1:2, and LD 1 lies on 1:1"},
+        {"1:0, 1:1 1:2", "1:0, 1:1 1:2"},
+        {"64 KB: 12:30:15 1: :2", "64 KB: 12:30:15 1: :2"},
+        {"32:0 ", "32:0 "},
+        {"", ""},
+    };
+    for (const auto& [text, expected] : rows) {
+        EXPECT_EQ(withRanges(text), expected);
+    }
+}
+
+TEST(DiffText, ARefusedPlanIsNoAddition) {
+    MachineDiff diff = exampleDiff();
+    ControllerDiff& first = diff.controllers[0];
+    first.isRefused = true;
+    first.takesRebuild.clear();
+    diff.wantedBy = "<stdin>";
+    const std::string text = diffText(diff, plain, false);
+    EXPECT_EQ(text.substr(text.find("\n\n")),
+              "\n\n1 of 2 controllers differs. The plan is refused: zolexctl plan - says why.\n");
+    first.result = ControllerDiff::Result::unknown;
+    const std::string unknown = diffText(diff, plain, false);
+    EXPECT_EQ(unknown.substr(unknown.find("\n\n")),
+              "\n\n1 of 2 controllers could not be compared. The plan is refused: zolexctl plan "
+              "-\nsays why.\n");
+}
+
+TEST(DiffText, SeveralControllersAreToldOneByOne) {
+    MachineDiff diff = exampleDiff();
+    ControllerDiff& second = diff.controllers[1];
+    second.result = ControllerDiff::Result::different;
+    second.toRemove = {"LD 1", "hot spare 1:4"};
+    const std::string text = diffText(diff, plain, false);
+    EXPECT_EQ(text.substr(text.find("\n\n")), R"(
+
+2 of 2 controllers differ. Controller 1: This takes a rebuild: strip size.
+Controller 2: To be removed: LD 1, hot spare 1:4. zolexctl plan site.ini shows
+what it takes.
+)");
+}
+
 TEST(DiffText, NothingFromOutsideSteersATerminal) {
     const std::string evil = "a\033[2Jb\nc\xE2\x80\xAE"
                              "d\xFF";
@@ -215,7 +259,7 @@ TEST(DiffText, NothingFromOutsideSteersATerminal) {
     diff.diagnostics = {exampleFinding(evil, Severity::warning, evil)};
     for (ControllerDiff& controller : diff.controllers) {
         controller.model = controller.policy = controller.because = evil;
-        controller.takesRebuild = {evil};
+        controller.takesRebuild = controller.toRemove = {evil};
         Comparison& comparison = controller.comparison;
         comparison.health = comparison.equivalences = comparison.notComparable = {evil};
         for (Difference& difference : comparison.differences) {

@@ -216,12 +216,15 @@ TEST(DiffSvg, FramesWhatIsNotAsWanted) {
 }
 
 TEST(PlanHtml, TellsLossesConsentReasonsAndCommands) {
-    const std::string page = planHtml(examplePlan(), "2026-11-21T21:05:00+00:00", "plan.json");
+    const std::string page = planHtml(examplePlan(), "2026-11-21T21:05:00+00:00");
     const char* const pieces[] = {
         "<h1>Plan of machine 8837, serial KQ10Z7V</h1>\n<p class=\"dim\">1 controller, 8 drives, "
         "site.ini: 3 policies, plan p-5f1c09ab77e2, made 2026-11-21T21:05:00+00:00</p>",
         "<h2>- This destroys 1 logical drive (135.5 GB)</h2>",
-        "<p>To agree:</p>\n<p><code>zolexctl apply plan.json --destroy 7Q4K-2M9D</code></p>",
+        "<p>Consent code for exactly this: 7Q4K-2M9D</p>\n<p>zolexctl only plans. zolex carries it "
+        "out, but differs as listed below:</p>\n<p><code>zolex /r /y /f:site.ini</code></p>\n<p "
+        "class=\"warning\">! With /r zolex first erases everything on all controllers of the "
+        "server, also what stays in this plan.</p>\n</div>",
         "<tr class=\"lost\"><td class=\"code\">-</td><td>LD 1</td><td>RAID5</td><td "
         "class=\"right\">135.5 GB</td><td class=\"code wide\">32:2-32:4</td><td "
         "class=\"wide\">is deleted</td></tr>",
@@ -295,11 +298,11 @@ TEST(PlanHtml, NothingFromOutsideBecomesMarkup) {
     diff.wantedBy = evil;
     for (ControllerDiff& controller : diff.controllers) {
         controller.model = controller.policy = controller.because = evil;
-        controller.takesRebuild = controller.comparison.health = {evil};
+        controller.takesRebuild = controller.toRemove = controller.comparison.health = {evil};
         controller.comparison.equivalences = controller.comparison.notComparable = {evil};
         controller.comparison.differences.push_back({evil, evil, evil, evil, evil});
     }
-    const std::string texts[] = {planSvg(plan), planHtml(plan, evil, evil),
+    const std::string texts[] = {planSvg(plan), planHtml(plan, evil),
                                  diffSvg(diff, comparedSnapshot()),
                                  diffHtml(diff, comparedSnapshot(), evil)};
     for (const std::string& text : texts) {

@@ -219,8 +219,12 @@ zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
 
-This destroys 1 logical drive (135.5 GB). To agree:
-  zolexctl apply plan.json --destroy 7Q4K-2M9D
+This destroys 1 logical drive (135.5 GB).
+Consent code for exactly this: 7Q4K-2M9D
+zolexctl only plans. zolex carries it out, but differs as listed above:
+  zolex /r /y /f:site.ini
+! With /r zolex first erases everything on all controllers of the server, also
+  what stays in this plan.
 Plan saved to plan.json. 1 logical drive to create, 1 to destroy, 1 spare.
 )");
 }
@@ -337,9 +341,11 @@ zolex /r /y /f:site.ini would do otherwise:
 This destroys 2 logical drives (203.3 GB), 1 hot spare and 1 foreign
 configuration.
   - controller 1: LD 0, LD 1, spare 32:5, foreign 32:6
-To agree:
-  zolexctl plan site.ini -o plan.json
-  zolexctl apply plan.json --destroy 7Q4K-2M9D
+Consent code for exactly this: 7Q4K-2M9D
+zolexctl only plans. zolex carries it out, but differs as listed above:
+  zolex /r /y /f:site.ini
+! With /r zolex first erases everything on all controllers of the server, also
+  what stays in this plan.
 2 logical drives to create, 2 to destroy, 1 spare.
 )");
 }
@@ -401,9 +407,14 @@ otherwise:
     deletes one logical drive
 
 This destroys 1 logical drive (135.5
-GB). To agree:
-  zolexctl plan site.ini -o plan.json
-  zolexctl apply plan.json --destroy 7Q4K-2M9D
+GB).
+Consent code for exactly this: 7Q4K-2M9D
+zolexctl only plans. zolex carries it
+out, but differs as listed above:
+  zolex /r /y /f:site.ini
+! With /r zolex first erases everything
+  on all controllers of the server, also
+  what stays in this plan.
 1 logical drive to create, 1 to destroy,
 1 spare.
 )");
@@ -469,8 +480,12 @@ zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
 
-This destroys 1 logical drive (135.5 GB). To agree:
-  zolexctl apply plan.json --destroy 7Q4K-2M9D
+This destroys 1 logical drive (135.5 GB).
+Consent code for exactly this: 7Q4K-2M9D
+zolexctl only plans. zolex carries it out, but differs as listed above:
+  zolex /r /y /f:site.ini
+! With /r zolex first erases everything on all controllers of the server, also
+  what stays in this plan.
 Plan saved to plan.json. 1 logical drive to create, 1 to destroy, 1 spare.
 )");
 }
@@ -539,9 +554,9 @@ zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
 
-This destroys nothing. To carry it out:
-  zolexctl plan site.ini -o plan.json
-  zolexctl apply plan.json
+This destroys nothing.
+zolexctl only plans. zolex carries it out, but differs as listed above:
+  zolex /r /y /f:site.ini
 12 logical drives to create, 0 to destroy.
 )");
 }
@@ -665,9 +680,12 @@ zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
 
-This destroys 1 logical drive (135.5 GB). To agree:
-  zolexctl plan --default -o plan.json
-  zolexctl apply plan.json --destroy 7Q4K-2M9D
+This destroys 1 logical drive (135.5 GB).
+Consent code for exactly this: 7Q4K-2M9D
+zolexctl only plans. zolex carries it out, but differs as listed above:
+  zolex /r /y /f:site.ini
+! With /r zolex first erases everything on all controllers of the server, also
+  what stays in this plan.
 1 logical drive to create, 1 to destroy, 1 spare.
 )");
 }
@@ -684,6 +702,47 @@ TEST(PlanText, OfManyReasonsTheFirstAreShown) {
     terms.verbose = true;
     EXPECT_NE(planText(plan, plain, terms).find(begin + "LD 2 is in the way; LD 2"),
               std::string::npos);
+}
+
+/// The lines from the loss to the summary.
+std::string carryingOut(const MachinePlan& plan) {
+    const std::string text = planText(plan, plain);
+    const std::size_t begin = text.find("This destroys");
+    return text.substr(begin, text.rfind("\n", text.size() - 2) + 1 - begin);
+}
+
+TEST(PlanText, NamesOnlyCommandsThatThereAre) {
+    MachinePlan plan = examplePlan();
+    plan.oldCommand.differences.clear();
+    plan.controllers[0].losses.push_back({1, "logical_drive", "0", "RAID1", {}, 0, ""});
+    const std::string lost = "This destroys 2 logical drives (135.5 GB).\n"
+                             "Consent code for exactly this: 7Q4K-2M9D\n";
+    // Nothing stays that more than the plan would erase.
+    EXPECT_EQ(carryingOut(plan),
+              lost + "zolexctl only plans. To carry it out:\n  zolex /r /y /f:site.ini\n");
+    plan.oldCommand.differences = {"zolex configures all 2 controllers, and this plan 1"};
+    EXPECT_EQ(carryingOut(plan),
+              lost + R"(zolexctl only plans. zolex carries it out, but differs as listed above:
+  zolex /r /y /f:site.ini
+! With /r zolex first erases everything on all controllers of the server, also
+  what stays in this plan.
+)");
+    // Policies from standard input have to be in a file first.
+    plan.oldCommand = {{"zolex /r /y /f:<stdin>"}, {}};
+    plan.policiesFile = "<stdin>";
+    EXPECT_EQ(carryingOut(plan),
+              lost + "zolexctl only plans. To carry it out:\n  zolex /r /y /f:site.ini\n");
+    // zolex refuses entries that tell drives by what they are.
+    plan.oldCommand = {{}, {"zolex refuses the file"}};
+    plan.policiesFile = "kinds.ini";
+    EXPECT_EQ(carryingOut(plan),
+              lost +
+                  R"(zolexctl only plans, and zolex takes no entries that tell drives by what they
+are. Write policies with numbers, and plan those:
+  zolexctl record -o server.zrec
+  zolexctl convert --to policies --machine server.zrec kinds.ini -o numbers.ini
+  zolexctl plan numbers.ini
+)");
 }
 
 TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {
@@ -705,7 +764,7 @@ TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {
         "    now          a  a  \033[31mb\033[0m  \033[31mb\033[0m  \033[31mb\033[0m  .  .  .\n",
         "    planned      A  A  \033[32mB\033[0m",
         "\033[33m  ! 32:3 has 12 media errors",
-        "\033[31mThis destroys 1 logical drive (135.5 GB). To agree:\033[0m\n",
+        "\033[31mThis destroys 1 logical drive (135.5 GB).\033[0m\n",
         "  1 \033[31mUTIL.BAT MEGACLI -CfgLdDel -L1 -a0\033[0m\n",
     };
     for (const char* const line : lines) {

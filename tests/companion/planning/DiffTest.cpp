@@ -98,8 +98,7 @@ TEST(Diff, WhatAddingDoesNotMendIsTold) {
                   (Lines{"strip_size_bytes 64 KB | 128 KB",
                          "write_cache_policy write-back | write-through"}));
         EXPECT_FALSE(diff.controllers[0].addingIsEnough);
-        EXPECT_EQ(diff.controllers[0].takesRebuild,
-                  (Lines{"strip size takes a rebuild", "write cache takes a rebuild"}));
+        EXPECT_EQ(diff.controllers[0].takesRebuild, (Lines{"strip size", "write cache"}));
     }
 }
 
@@ -111,8 +110,8 @@ TEST(Diff, WhatIsTooMuchIsToBeRemoved) {
                               "Logical.1 = A:FILL:1:ON\n";
     const MachineDiff diff = diffOf(server.plan(fewer));
     EXPECT_EQ(diff.result, Result::different);
-    EXPECT_EQ(diff.controllers[0].takesRebuild,
-              (Lines{"LD 1 is to be removed", "hot spare 32:7 is to be removed"}));
+    EXPECT_EQ(diff.controllers[0].takesRebuild, Lines());
+    EXPECT_EQ(diff.controllers[0].toRemove, (Lines{"LD 1", "hot spare 32:7"}));
 }
 
 /// Drives that something else holds cannot be added to.
@@ -216,6 +215,9 @@ TEST(Diff, ARefusedControllerIsUnknownWhereItIsOpenWhatIsWanted) {
     finding.summary = "32:3 is in no state to be taken";
     finding.refusedBy = RefusedBy::utility;
     EXPECT_EQ(diffOf(plan).result, Result::different);
+    EXPECT_TRUE(diffOf(plan).controllers[0].isRefused);
+    EXPECT_FALSE(diffOf(plan).controllers[0].addingIsEnough);
+    EXPECT_EQ(diffOf(plan).controllers[0].takesRebuild, Lines());
     EXPECT_EQ(diffOf(plan).controllers[0].diagnostics.size(), 1U);
     finding.refusedBy = RefusedBy::plan;
     EXPECT_EQ(diffOf(plan).result, Result::unknown);

@@ -17,6 +17,7 @@ MachinePlan rehearsed(std::string_view definition, std::vector<PlanStep> steps) 
     const Snapshot snapshot = snapshotOf(definition);
     MachinePlan plan = handMadePlan(snapshot, std::move(steps));
     plan.consent = "7Q4K-2M9D";
+    plan.policiesFile = "site.ini";
     rehearse(snapshot, plan);
     return plan;
 }
@@ -47,7 +48,7 @@ TEST(Refusal, TellsTheStepTheLineAndTheUtilitysWords) {
                               "The physical disk at 32:0 is not free: it is online.\n"
                               "Exit Code: 0x26");
     EXPECT_EQ(finding.help, (std::vector<std::string>{
-                                "change what the utility names, and try it: zolexctl plan POLICIES",
+                                "change what the utility names, and try it: zolexctl plan site.ini",
                                 "look at its drives: zolexctl show --controller 1"}));
     EXPECT_EQ(planning.disposition, Disposition::refused);
     EXPECT_EQ(planning.because, "step 2 would be refused: exit code 38");

@@ -45,6 +45,10 @@ void expectRehearsed(PlannedServer& server, const std::string& policies, Strateg
     const std::size_t steps = plan.steps().size();
     rehearse(snapshot, plan);
     EXPECT_EQ(findingsOf(plan), Lines{});
+    if (steps == 0) {
+        EXPECT_FALSE(plan.rehearsal.done);
+        return;
+    }
     EXPECT_TRUE(plan.rehearsal.done);
     EXPECT_TRUE(plan.rehearsal.endsAsPlanned);
     EXPECT_EQ(plan.rehearsal.faultsTried, static_cast<std::int32_t>(steps));
@@ -90,7 +94,7 @@ TEST_P(RehearseSample, DefaultsOverSamplePolicies) {
     expectRehearsed(server, onePolicy, StrategyWish::automatic);
 }
 
-TEST_P(RehearseSample, NothingToDoIsRehearsedToo) {
+TEST_P(RehearseSample, NothingToDoIsNotRehearsed) {
     PlannedServer server(GetParam());
     const std::string policies = server.samplePolicies();
     ASSERT_EQ(server.carryOut(server.plan(policies)), Lines{});
@@ -98,8 +102,9 @@ TEST_P(RehearseSample, NothingToDoIsRehearsedToo) {
     MachinePlan plan = server.plan(policies);
     rehearse(snapshot, plan);
     EXPECT_EQ(findingsOf(plan), Lines{});
-    EXPECT_TRUE(plan.rehearsal.done);
-    EXPECT_TRUE(plan.rehearsal.endsAsPlanned);
+    EXPECT_FALSE(plan.rehearsal.done);
+    EXPECT_EQ(plan.rehearsal.notDoneBecause, Lines{"not rehearsed: there is nothing to do"});
+    EXPECT_FALSE(plan.rehearsal.endsAsPlanned);
     EXPECT_EQ(plan.rehearsal.faultsTried, 0);
 }
 

@@ -313,7 +313,7 @@ inline MachineDiff exampleDiff() {
         {"strip_size_bytes", "", "1", "64 KB", "128 KB"},
         {"write_cache_policy", "", "1", "write-back", "write-through"},
         {"missing", "32:7", "", "hot spare 32:7 (covers A, B)", "none; 32:7 is free"}};
-    first.takesRebuild = {"strip size takes a rebuild"};
+    first.takesRebuild = {"strip size"};
     ControllerDiff second;
     second.number = 2;
     second.model = "Kestrix-B7";
