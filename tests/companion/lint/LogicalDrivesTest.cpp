@@ -227,7 +227,7 @@ Hotspares = 8
 Logical_Mode = CUSTOM
 Logical.1 = A:FILL:10:ON
 )"),
-        R"(7:20 error ZX404: RAID 10 is made of pairs, and Array.A has 5 drives, see 4:19 left out
+        R"(7:20 error utility ZX404: RAID 10 is made of pairs, and Array.A has 5 drives, see 4:19 left out
   help: the utility refuses the command, exit code 11, when those before it are done
   help: take drive 5 out of Array.A
 )");

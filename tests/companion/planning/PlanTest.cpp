@@ -292,6 +292,43 @@ TEST(Plan, AControllerThatCouldNotBeCapturedIsRefused) {
               "  help: for more: zolexctl explain ZP202\n");
 }
 
+/// zolex numbers CFGGEN's controllers behind that of HYPERWIN: the listing is of the next one, on
+/// which all stands as the policy says.
+TEST(Plan, WhatStandsOnAnotherControllerIsNotAsWanted) {
+    const auto cfggen = [](int bus, const char* disks) {
+        return R"({"utility": "CFGGEN", "model": "LSI-SAS-RAID", "productName": "SAS1064E",
+            "pci": {"bus": )" +
+               std::to_string(bus) + R"(, "device": 0, "vendorId": "0x1000", "deviceId": "0x0056",
+                    "class": "0x010000"},
+            "drives": [{"enclosure": 1, "slot": 0, "count": 2, "sizeMB": 70006}],
+            "virtualDisks": [)" +
+               disks + "]}";
+    };
+    SimulatedPlatform platform(
+        R"({"machineType": "8840", "serialNumber": "KQ1", "controllers": [
+        {"utility": "HYPERWIN", "model": "LSI-IDEal-RAID",
+         "pci": {"bus": 1, "device": 5, "vendorId": "0x1166", "deviceId": "0x0213"},
+         "drives": [{"id": 0, "count": 2, "sizeMB": 38154}]}, )" +
+        cfggen(2, "") + ", " + cfggen(3, R"({"level": "RAID1", "spans": [["1:0", "1:1"]]})") +
+        "]}");
+    CaptureRequest capture;
+    capture.controllers = {2};
+    PlanRequest request;
+    request.policiesFile = "site.ini";
+    request.policiesText = "[Policy.web]\nAppliesTo.1 = c:2\nArray_Defaults = 0%:0\n"
+                           "Array_Mode = CUSTOM\nArray.A = 1,2\nLogical_Mode = CUSTOM\n"
+                           "Logical.1 = A:FILL:1\n";
+    const Snapshot snapshot = captureMachine(platform, capture);
+    const MachinePlan plan = planMachine(snapshot, request);
+    EXPECT_FALSE(plan.isApplicable());
+    EXPECT_EQ(
+        outcomeText(plan),
+        R"(controller 2 refused: the listing is of the PCI function 03:00.0, not of 0000:02:00.0
+)");
+    request.accept = {"ZP108"};
+    EXPECT_EQ(planMachine(snapshot, request).controllers.at(0).disposition, Disposition::refused);
+}
+
 TEST(Plan, OfAMachineWithoutControllersIsNone) {
     PlanRequest request;
     request.classDefaults = true;
