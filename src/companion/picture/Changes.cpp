@@ -603,4 +603,9 @@ std::vector<RehearsalSentence> rehearsalSentences(const MachinePlan& plan) {
     return sentences;
 }
 
+std::string savingCommand(const MachinePlan& plan) {
+    const std::string policies = plan.policiesFile.empty() ? "--default" : plan.policiesFile;
+    return (plan.command.empty() ? "zolexctl plan " + policies : plan.command) + " -o plan.json";
+}
+
 } // namespace zolex::companion

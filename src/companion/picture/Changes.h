@@ -71,4 +71,7 @@ struct RehearsalSentence {
 };
 [[nodiscard]] std::vector<RehearsalSentence> rehearsalSentences(const MachinePlan& plan);
 
+/// "zolexctl plan site.ini -o plan.json": what keeps the plan.
+[[nodiscard]] std::string savingCommand(const MachinePlan& plan);
+
 } // namespace zolex::companion

@@ -384,9 +384,7 @@ std::string lossesTable(const std::vector<Loss>& losses) {
 /// What is lost, and how to agree to it.
 std::string consentBox(const MachinePlan& plan, std::string_view savedTo) {
     const std::string file = savedTo.empty() ? "plan.json" : std::string(savedTo);
-    const std::string save = plan.policiesFile.empty()
-                                 ? "zolexctl plan --default -o plan.json"
-                                 : "zolexctl plan " + plan.policiesFile + " -o plan.json";
+    const std::string save = savingCommand(plan);
     const std::string first = savedTo.empty() ? commandLine(save) : "";
     if (!plan.changesSomething()) {
         return "<div class=\"box\">\n<h2>Nothing to do</h2>\n</div>\n";

@@ -1,6 +1,7 @@
 #include "companion/planning/Diff.h"
 
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/Refusals.h"
 
 #include <algorithm>
 #include <array>
@@ -256,10 +257,12 @@ MachineDiff diffOf(const MachinePlan& plan) {
     diff.wantedBy = plan.policiesFile;
     diff.fingerprint = plan.fingerprint;
     diff.diagnostics = plan.diagnostics;
+    std::copy_if(plan.policiesFindings.begin(), plan.policiesFindings.end(),
+                 std::back_inserter(diff.diagnostics), leavesOpen);
     for (const ControllerPlanning& planning : plan.controllers) {
         diff.controllers.push_back(diffOfPlanned(planning));
     }
-    diff.result = worstOf(diff.controllers);
+    diff.result = hasErrors(plan.diagnostics) ? Result::unknown : worstOf(diff.controllers);
     return diff;
 }
 

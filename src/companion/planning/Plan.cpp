@@ -4,6 +4,7 @@
 #include "companion/machine/Sha256.h"
 #include "companion/planning/ControllerPlanner.h"
 #include "companion/planning/OldCommand.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/planning/PlanPolicies.h"
 #include "companion/planning/Refusals.h"
 #include "companion/planning/Steps.h"
@@ -11,6 +12,17 @@
 #include <utility>
 
 namespace zolex::companion {
+
+std::string planCommand(const PlanRequest& request, const std::vector<std::string>& accept) {
+    std::string command = request.command;
+    if (command.empty()) {
+        command = "zolexctl plan " + (request.classDefaults ? "--default" : request.policiesFile);
+    }
+    for (const std::string& id : accept) {
+        command += (&id == &accept.front() ? " --accept " : ",") + id;
+    }
+    return command;
+}
 
 MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     MachinePlan plan;
@@ -21,12 +33,14 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
         plan.policiesFile = request.policiesFile;
         plan.policiesHash = sha256(request.policiesText);
     }
+    plan.command = planCommand(request, request.accept);
     Refusals refusals(request);
     plan.diagnostics = snapshot.findings;
     if (snapshot.controllers.count() == 0) {
-        plan.diagnostics.push_back(problemFinding(problem::noControllers,
-                                                  "there is no RAID controller in this machine"));
+        plan.diagnostics.push_back(
+            problemFinding(problem::noControllers, "there is no RAID controller in this machine"));
     }
+    refuseMisread(plan.diagnostics);
     refusals.accept(plan.diagnostics);
 
     PoliciesReading reading = readPlanPolicies(request);

@@ -16,4 +16,10 @@ namespace zolex::companion {
 [[nodiscard]] Finding planWarning(std::string_view id, std::string summary,
                                   std::vector<std::string> help);
 
+/// Whether the listings of a controller, or of the machine, are not its own or are none: what a
+/// plan would be made of is not what stands there.
+[[nodiscard]] bool isMisread(const Finding& finding);
+/// Those of the findings that say so are refused by every plan, whatever is accepted.
+void refuseMisread(std::vector<Finding>& findings);
+
 } // namespace zolex::companion

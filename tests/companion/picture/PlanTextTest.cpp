@@ -182,6 +182,21 @@ MachinePlan largePlan() {
     return plan;
 }
 
+TEST(PlanText, TellsTheCommandAsItWasTyped) {
+    MachinePlan plan = test::examplePlan();
+    plan.command = "zolexctl plan site.ini --controller 1";
+    PlanTextTerms terms;
+    terms.writtenTo = "plan.html";
+    const std::string text = planText(plan, {}, terms);
+    const std::string expected = R"(
+  zolexctl plan site.ini --controller 1 -o plan.json
+  zolexctl apply plan.json --destroy 7Q4K-2M9D
+Written to plan.html. 1 logical drive to create, 1 to destroy, 1 spare.
+)";
+    ASSERT_GE(text.size(), expected.size());
+    EXPECT_EQ(text.substr(text.size() - expected.size()), expected);
+}
+
 TEST(PlanText, ShowsWhatGoesWhatStaysWhatComesAndWhy) {
     EXPECT_EQ(planText(examplePlan(), plain, saved()),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives
