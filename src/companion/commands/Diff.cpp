@@ -151,11 +151,11 @@ class DiffCommand {
 
     [[nodiscard]] int exitCodeOf(const MachineDiff& diff) const {
         using Result = ControllerDiff::Result;
+        if (diff.result == Result::unknown) {
+            return exit_code::notPossible;
+        }
         bool isDifferent = false;
         for (const ControllerDiff& controller : diff.controllers) {
-            if (controller.result == Result::unknown) {
-                return exit_code::notPossible;
-            }
             isDifferent = isDifferent || controller.result == Result::different ||
                           (options_.strict && controller.result != Result::skipped &&
                            (controller.result == Result::equivalent ||

@@ -25,6 +25,40 @@ namespace zolex::companion {
 
 namespace {
 
+/// The word as it is typed.
+std::string typed(const std::string& word) {
+    return word.find(' ') == std::string::npos ? word : "\"" + word + "\"";
+}
+
+/// What was typed, but for what is let pass and for how the plan is written: it makes the same
+/// plan.
+std::string commandOf(const Context& context, const PlanOptions& options) {
+    const MachineOptions& machine = context.machine;
+    std::string command =
+        "zolexctl plan " + (options.classDefaults ? "--default" : typed(options.file));
+    const auto add = [&command](const char* option, const std::string& value) {
+        if (!value.empty()) {
+            command += std::string(" ") + option + " " + typed(value);
+        }
+    };
+    add("--strategy", options.strategy == StrategyWish::add       ? "add"
+                      : options.strategy == StrategyWish::rebuild ? "rebuild"
+                                                                  : "");
+    std::string numbers;
+    for (const std::int32_t number : machine.controllers) {
+        numbers += (numbers.empty() ? "" : ",") + std::to_string(number);
+    }
+    add("--controller", numbers);
+    add("--recording", machine.recording);
+    add("--utilities", machine.utilitiesFolder);
+    for (const auto& [name, path] : machine.utilities) {
+        add("--utility", name + "=" + path);
+    }
+    add("--machine-type", machine.machineType);
+    add("--serial", machine.serialNumber);
+    return command;
+}
+
 class PlanCommand {
   public:
     PlanCommand(Context& context, const PlanOptions& options)
@@ -58,6 +92,7 @@ class PlanCommand {
         request_.classDefaults = options_.classDefaults;
         request_.strategy = options_.strategy;
         request_.accept = options_.accept;
+        request_.command = commandOf(context_, options_);
         if (options_.classDefaults) {
             return true;
         }
@@ -124,12 +159,15 @@ class PlanCommand {
             return true;
         }
         const TextStyle plain;
-        terms_.savedTo = options_.savedFile;
+        // A picture is no plan that can be carried out.
+        (options_.savedFormat == Format::json ? terms_.savedTo : terms_.writtenTo) =
+            options_.savedFile;
         const std::string content = written(plan, options_.savedFormat, plain);
         const std::string error =
             replaceFile(context_.platform.files(), options_.savedFile, content);
         if (!error.empty()) {
             terms_.savedTo.clear();
+            terms_.writtenTo.clear();
             failWith(context_, error, "name another file with -o; nothing was written");
         }
         return error.empty();

@@ -12,7 +12,8 @@ constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 
 bool isGood(const DriveFacts& drive) {
     const bool isAtWork = drive.state == DriveState::free || drive.state == DriveState::member ||
-                          drive.state == DriveState::hotspare;
+                          drive.state == DriveState::hotspare ||
+                          drive.state == DriveState::rebuilding;
     return isAtWork && drive.health != Health::critical && !drive.isForeign &&
            drive.capacityBytes.has_value();
 }

@@ -10,8 +10,9 @@
 
 namespace zolex::companion {
 
-/// Drives in classes of those that can do each other's work: good, of one protocol and medium, and
-/// of sizes that the listing does not tell apart. One that is not good is a class of its own.
+/// Drives in classes of those that can do each other's work: good or being rebuilt, of one protocol
+/// and medium, and of sizes that the listing does not tell apart. One that is not good is a class
+/// of its own.
 class DriveClasses {
   public:
     explicit DriveClasses(const Facts& facts);

@@ -896,15 +896,17 @@ class PlanTextWriter {
 
     void oldCommand() {
         const std::vector<std::string>& differences = plan_.oldCommand.differences;
-        if (plan_.oldCommand.wouldRun.empty() || (differences.empty() && !terms_.verbose) ||
-            !isApplicable_) {
+        const bool isTold = plan_.oldCommand.wouldRun.empty()
+                                ? !differences.empty()
+                                : !differences.empty() || terms_.verbose;
+        if (!isTold || !isApplicable_ || steps_.empty()) {
             return;
         }
         std::vector<std::string> commands;
         for (const std::string& command : plan_.oldCommand.wouldRun) {
             commands.push_back(printable(command));
         }
-        const std::string command = joined(commands, "; ");
+        const std::string command = commands.empty() ? "zolex" : joined(commands, "; ");
         out_ += "\n";
         out_ += signedLine(
             "", command + (differences.empty() ? " would do the same." : " would do otherwise:"),
@@ -975,7 +977,9 @@ class PlanTextWriter {
 
     void summary() {
         const std::string saved =
-            terms_.savedTo.empty() ? "" : "Plan saved to " + printable(terms_.savedTo) + ". ";
+            !terms_.savedTo.empty()     ? "Plan saved to " + printable(terms_.savedTo) + ". "
+            : !terms_.writtenTo.empty() ? "Written to " + printable(terms_.writtenTo) + ". "
+                                        : "";
         if (!isApplicable_) {
             out_ += "\n";
             out_ += signedLine(

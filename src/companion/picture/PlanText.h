@@ -17,7 +17,8 @@ struct PlanTextTerms {
     /// any utility of the plan there is no column of it.
     std::map<std::string, std::chrono::milliseconds> usualTimes;
     std::optional<std::chrono::milliseconds> captureTime; ///< how long reading the machine took
-    std::string savedTo;                                  ///< file of the plan; empty: not saved
+    std::string writtenTo; ///< file that is no plan to be carried out: a picture or a text
+    std::string savedTo;   ///< file of the plan; empty: not saved
 };
 
 /// What `plan` writes on a terminal.

@@ -125,17 +125,19 @@ ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
         planning.because = "the policies are at fault";
         return planning;
     }
+    refuseMisread(planning.controller.findings);
+    const bool isTrusted = std::none_of(detail.findings.begin(), detail.findings.end(), isMisread);
     const auto healthy =
         request_.strategy == StrategyWish::rebuild ? std::nullopt : healthyView(*record, detail);
     if (healthy) {
         Attempt first = attempt(healthy->record, healthy->detail, true);
-        if (first.stands()) {
+        if (isTrusted && first.stands()) {
             takeAsItStands(first, planning);
             return planning;
         }
     }
     Attempt found = attempt(*record, detail, false);
-    if (found.stands() && request_.strategy != StrategyWish::rebuild) {
+    if (isTrusted && found.stands() && request_.strategy != StrategyWish::rebuild) {
         takeAsItStands(found, planning);
         return planning;
     }
@@ -157,7 +159,8 @@ ControllerPlanner::Attempt ControllerPlanner::attempt(const RAIDController& reco
     }
     if (record.numberOfDrives() == 0) {
         planning.disposition = Disposition::skipped;
-        planning.because = "it has no drives";
+        planning.because = detail.drives.empty() ? "it has no drives"
+                                                 : "none of its drives has a number in policies";
         return attempt;
     }
     if (!match.index) {
@@ -186,7 +189,8 @@ ControllerPlanner::Attempt ControllerPlanner::attempt(const RAIDController& reco
     if (!policies) {
         attempt.findings.push_back(planFault(
             problem::cannotBind, planning.policy + " cannot be read when its drives are bound",
-            {"see each binding: zolexctl convert --to policies " + request_.policiesFile}));
+            {"see each binding: zolexctl convert --to policies " + request_.policiesFile +
+             " --machine server.zrec"}));
         return attempt;
     }
     planBy(*policies, *match.index, record, detail, attempt);
@@ -296,6 +300,9 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
         }
         if (finding.code == problem::notAddressed) {
             found.back().refusedBy = RefusedBy::plan; // no line could be right
+        }
+        if (finding.code == problem::brokenBlock) {
+            found.back().severity = Severity::error; // what is lost may not be listed
         }
     }
     refusals_.sort(std::move(found), planning);

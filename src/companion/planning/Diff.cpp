@@ -2,6 +2,7 @@
 
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/PlanFaults.h"
+#include "companion/planning/Refusals.h"
 #include "companion/planning/Strategy.h"
 
 #include <algorithm>
@@ -271,10 +272,12 @@ MachineDiff diffOf(const MachinePlan& plan) {
     diff.wantedBy = plan.policiesFile;
     diff.fingerprint = plan.fingerprint;
     diff.diagnostics = plan.diagnostics;
+    std::copy_if(plan.policiesFindings.begin(), plan.policiesFindings.end(),
+                 std::back_inserter(diff.diagnostics), leavesOpen);
     for (const ControllerPlanning& planning : plan.controllers) {
         diff.controllers.push_back(diffOfPlanned(planning));
     }
-    diff.result = worstOf(diff.controllers);
+    diff.result = hasErrors(plan.diagnostics) ? Result::unknown : worstOf(diff.controllers);
     return diff;
 }
 

@@ -2,6 +2,7 @@
 
 #include "commands/CommandLines.h"
 #include "companion/planning/RemovalLines.h"
+#include "companion/planning/Strategy.h"
 #include "foundation/Report.h"
 #include "foundation/Text.h"
 
@@ -58,16 +59,20 @@ class OldRun {
     }
 
     static bool holdsSomething(const ControllerPlanning& controller) {
-        return !controller.before.groups.empty() || !controller.before.spares.empty() ||
-               !controller.before.foreignDrives.empty();
+        return !controller.before.groups.empty() || !controller.before.spares.empty();
     }
 
-    /// Whether zolex would meet drives in use.
+    /// Whether zolex would meet drives in use, or leave what the plan removes.
     [[nodiscard]] bool mustClear() const {
-        return std::any_of(plan_.controllers.begin(), plan_.controllers.end(),
-                           [](const ControllerPlanning& each) {
-                               return each.configuration && holdsSomething(each);
-                           });
+        return std::any_of(
+            plan_.controllers.begin(), plan_.controllers.end(), [](const ControllerPlanning& each) {
+                return each.configuration && (needsDrivesInUse(each) || removesSomething(each));
+            });
+    }
+
+    static bool removesSomething(const ControllerPlanning& controller) {
+        return std::any_of(controller.steps.begin(), controller.steps.end(),
+                           [](const PlanStep& step) { return step.deletes; });
     }
 
     /// Whether a drive that is planned is in use.
@@ -102,7 +107,9 @@ class OldRun {
     void tellPolicies() {
         if (hasKinds()) {
             differences_.push_back(
-                "zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone");
+                "zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone; "
+                "zolexctl record -o server.zrec, and zolexctl convert --to policies " +
+                request_.policiesFile + " --machine server.zrec writes one that it takes");
         }
     }
 
@@ -135,12 +142,17 @@ class OldRun {
         if (record == nullptr) {
             return;
         }
-        for (const std::string& line : resetLines(*record, controller.controller.number)) {
+        const std::vector<std::string>& foreign = controller.before.foreignDrives;
+        const std::vector<std::string> lines = resetLines(*record, controller.controller.number);
+        for (const std::string& line : lines) {
             const bool isRun =
                 std::any_of(controller.steps.begin(), controller.steps.end(),
                             [&line](const PlanStep& step) { return step.command == line; });
             if (!isRun) {
-                tell(controller, "zolex also runs " + line + ": nothing stands on the controller");
+                const bool isOfForeign = &line != &lines.front() && !foreign.empty();
+                tell(controller, "zolex also runs " + line + ": " +
+                                     (isOfForeign ? "the plan does not need " + driveList(foreign)
+                                                  : "nothing stands on the controller"));
             }
         }
     }

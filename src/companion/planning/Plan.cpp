@@ -13,6 +13,18 @@
 
 namespace zolex::companion {
 
+std::string planCommand(const PlanRequest& request, const std::vector<std::string>& accept) {
+    std::string command = request.command;
+    if (command.empty()) {
+        command =
+            "zolexctl plan " + policiesArgument(request.classDefaults ? "" : request.policiesFile);
+    }
+    for (const std::string& id : accept) {
+        command += (&id == &accept.front() ? " --accept " : ",") + id;
+    }
+    return command;
+}
+
 MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     MachinePlan plan;
     plan.machineSource = snapshot.machineSource;
@@ -22,12 +34,14 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
         plan.policiesFile = request.policiesFile;
         plan.policiesHash = sha256(request.policiesText);
     }
+    plan.command = planCommand(request, request.accept);
     Refusals refusals(request);
     plan.diagnostics = snapshot.findings;
     if (snapshot.controllers.count() == 0) {
         plan.diagnostics.push_back(
             problemFinding(problem::noControllers, "there is no RAID controller in this machine"));
     }
+    refuseMisread(plan.diagnostics);
     refusals.accept(plan.diagnostics);
 
     PoliciesReading reading = readPlanPolicies(request);

@@ -189,6 +189,7 @@ struct MachinePlan {
     std::string machineSource; ///< as in Snapshot
     Fingerprint fingerprint;
     std::string policiesFile; ///< empty with the built-in defaults
+    std::string command;      ///< makes it again: "zolexctl plan site.ini"; empty: not known
     std::string policiesHash; ///< SHA-256 of its bytes
     std::size_t policiesCount = 0;
     std::vector<Finding> policiesFindings; ///< of the file alone
@@ -218,7 +219,14 @@ struct PlanRequest {
     bool classDefaults = false; ///< "--default": no policies, as "zolex /d"
     StrategyWish strategy = StrategyWish::automatic;
     std::vector<std::string> accept; ///< ids of errors to let pass
+    /// What is typed to ask for it, but for accept: "zolexctl plan site.ini --controller 2". Empty:
+    /// the policies alone.
+    std::string command;
 };
+
+/// What is typed to ask for the plan, with these ids of errors to let pass.
+[[nodiscard]] std::string planCommand(const PlanRequest& request,
+                                      const std::vector<std::string>& accept);
 
 /// Plans the captured machine. Reads only. A fault on any controller leaves no steps anywhere that
 /// would run, and all faults are told. It is not rehearsed yet, and has no id.

@@ -1,8 +1,18 @@
 #include "companion/planning/PlanFaults.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace zolex::companion {
+
+namespace {
+
+constexpr std::array<std::string_view, 5> misreadings = {
+    problem::notAListing, problem::listingRefused, problem::otherModel, problem::otherPciFunction,
+    problem::sameSerial};
+
+} // namespace
 
 Finding planFault(std::string_view id, std::string summary, std::vector<std::string> help) {
     Finding finding = problemFinding(id, std::move(summary));
@@ -24,6 +34,17 @@ std::string policiesArgument(const std::string& policiesFile) {
 void namePolicies(std::vector<Finding>& findings, const std::string& policiesFile) {
     for (Finding& finding : findings) {
         nameInHelp(finding, "POLICIES", policiesArgument(policiesFile));
+    }
+}
+
+bool isMisread(const Finding& finding) {
+    return finding.severity == Severity::error &&
+           std::find(misreadings.begin(), misreadings.end(), finding.code) != misreadings.end();
+}
+
+void refuseMisread(std::vector<Finding>& findings) {
+    for (Finding& finding : findings) {
+        finding.refusedBy = isMisread(finding) ? RefusedBy::plan : finding.refusedBy;
     }
 }
 

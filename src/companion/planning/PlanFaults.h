@@ -21,4 +21,10 @@ namespace zolex::companion {
 /// Names them in what helps.
 void namePolicies(std::vector<Finding>& findings, const std::string& policiesFile);
 
+/// Whether the listings of a controller, or of the machine, are not its own or are none: what a
+/// plan would be made of is not what stands there.
+[[nodiscard]] bool isMisread(const Finding& finding);
+/// Those of the findings that say so are refused by every plan, whatever is accepted.
+void refuseMisread(std::vector<Finding>& findings);
+
 } // namespace zolex::companion

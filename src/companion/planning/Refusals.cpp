@@ -8,15 +8,6 @@
 
 namespace zolex::companion {
 
-namespace {
-
-/// "zolexctl plan site.ini", or with the built-in policy "zolexctl plan --default".
-std::string planCommand(const PlanRequest& request) {
-    return "zolexctl plan " + policiesArgument(request.classDefaults ? "" : request.policiesFile);
-}
-
-} // namespace
-
 bool hasErrors(const std::vector<Finding>& findings) {
     return std::any_of(findings.begin(), findings.end(),
                        [](const Finding& finding) { return finding.severity == Severity::error; });
@@ -47,9 +38,11 @@ bool Refusals::letPass(Finding& finding) {
 }
 
 void Refusals::addHelp(Finding& finding) const {
-    const std::string line = isAcceptable(finding) ? "to let it pass: " + planCommand(request_) +
-                                                         " --accept " + finding.code
-                                                   : "for more: zolexctl explain " + finding.code;
+    std::vector<std::string> accept = request_.accept;
+    accept.push_back(finding.code);
+    const std::string line = isAcceptable(finding)
+                                 ? "to let it pass: " + planCommand(request_, accept)
+                                 : "for more: zolexctl explain " + finding.code;
     if (std::find(finding.help.begin(), finding.help.end(), line) == finding.help.end()) {
         finding.help.push_back(line);
     }

@@ -172,14 +172,13 @@ class Remover {
     }
 
     void tellLeftOut() {
-        const bool stands = !planning_.before.groups.empty() || !planning_.before.spares.empty();
-        if (!stands && planning_.before.foreignDrives.empty()) {
+        // Whether zolex would clear a blank controller depends on the others.
+        if (planning_.before.groups.empty() && planning_.before.spares.empty()) {
             return;
         }
         if (!choice_.clearsAll) {
-            leaveOut(0, !stands                  ? "nothing stands on the controller"
-                        : removal_.steps.empty() ? "what stands stays"
-                                                 : "the plan removes only what is in the way");
+            leaveOut(0, removal_.steps.empty() ? "what stands stays"
+                                               : "the plan removes only what is in the way");
         }
         if (!choice_.clearsForeign) {
             const std::vector<std::string>& drives = planning_.before.foreignDrives;

@@ -182,6 +182,16 @@ MachinePlan largePlan() {
     return plan;
 }
 
+TEST(PlanText, APictureIsNoPlanThatWasSaved) {
+    PlanTextTerms terms;
+    terms.writtenTo = "plan.html";
+    const std::string text = planText(test::examplePlan(), {}, terms);
+    const std::string expected =
+        "\nWritten to plan.html. 1 logical drive to create, 1 to destroy, 1 spare.\n";
+    ASSERT_GE(text.size(), expected.size());
+    EXPECT_EQ(text.substr(text.size() - expected.size()), expected);
+}
+
 TEST(PlanText, ShowsWhatGoesWhatStaysWhatComesAndWhy) {
     EXPECT_EQ(planText(examplePlan(), plain, saved()),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives

@@ -760,5 +760,54 @@ Logical.1 = A:FILL:5:ON
 )");
 }
 
+/// What is read is not what stands there: nothing lets that pass.
+PlanRequest acceptingMisreadings() {
+    PlanRequest request;
+    request.accept = {"ZP105", "ZP106", "ZP107", "ZP108", "ZP109"};
+    return request;
+}
+
+constexpr const char* mirrorPolicy = R"(Array.A = 1,2
+Hotspares = 8
+Logical.1 = A:FILL:1:ON
+)";
+
+TEST(PlanDangersD, OneControllerUnderTwoNumbersIsNotLetPass) {
+    const auto controller = [](int bus) {
+        return R"({"utility": "MEGACLI", "model": "LSI-MegaRAID-8480", "serialNumber": "S1",
+            "pci": {"bus": )" +
+               std::to_string(bus) + R"(, "device": 1, "vendorId": "0x1000", "deviceId": "0x0411",
+                "subsystemVendorId": "0x1000", "subsystemId": "0x1002"}, "drives": [)" +
+               std::string(eightDrives) + "]}";
+    };
+    const std::string server =
+        R"({"machineType": "8837", "serialNumber": "KQ1", "controllers": [)" + controller(2) +
+        ", " + controller(3) + "]}";
+    EXPECT_EQ(
+        told(planOf(server, customPolicy(mirrorPolicy), acceptingMisreadings())).substr(0, 186),
+        R"(error ZP109: the listings of controllers 1 and 2 tell the same serial number, S1
+  help: start the listing commands by hand and compare them
+  help: for more: zolexctl explain ZP109
+)");
+}
+
+TEST(PlanDangersD, AListingThatTellsNothingIsNotLetPass) {
+    std::string server =
+        megaPlanServer(eightDrives, R"({"level": "RAID1", "spans": [["32:0", "32:1"]]})");
+    server.back() = ',';
+    server += R"("faults": [{"match": "-LdPdInfo", "exitCode": 0}]})";
+    const MachinePlan plan = planOf(server, customPolicy(mirrorPolicy), acceptingMisreadings());
+    EXPECT_EQ(plan.accepted, std::vector<std::string>());
+    EXPECT_EQ(
+        test::findingsText(plan.controllers.at(0).diagnostics),
+        R"(error ZP105: UTIL.BAT MEGACLI -LdPdInfo -a0 ended with exit code 0 and printed nothing
+  help: start the command by hand; what it printed tells why
+  help: for more: zolexctl explain ZP105
+error ZP112: UTIL.BAT MEGACLI -adpallinfo -a0, line 55: "Virtual Drives" says 1, and 0 logical drives are listed
+  help: zolexctl record --redact -o report.zrec, and report it
+  help: to let it pass: zolexctl plan site.ini --accept ZP105,ZP106,ZP107,ZP108,ZP109,ZP112
+)");
+}
+
 } // namespace
 } // namespace zolex::companion

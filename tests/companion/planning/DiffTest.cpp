@@ -40,6 +40,26 @@ PlannedServer deployed() {
     return server;
 }
 
+TEST(Diff, FaultsOfThePoliciesAreTold) {
+    PlannedServer server("single");
+    const MachineDiff diff = diffOf(server.plan("[Policy.web]\nAppliesTo.1 = ALL\nSpare = 1\n"));
+    EXPECT_EQ(diff.result, Result::unknown);
+    ASSERT_EQ(diff.diagnostics.size(), 1U);
+    EXPECT_EQ(diff.diagnostics[0].code, "ZX007");
+    EXPECT_EQ(diff.diagnostics[0].start.line, 3);
+    EXPECT_EQ(diff.diagnostics[0].summary, "unknown keyword \"Spare\"");
+}
+
+TEST(Diff, ControllersThatCannotBeToldApartAreUnknown) {
+    PlannedServer server = deployed();
+    MachinePlan plan = server.plan(policies);
+    EXPECT_EQ(diffOf(plan).result, Result::same);
+    Finding same;
+    same.code = "ZP109";
+    plan.diagnostics.push_back(same);
+    EXPECT_EQ(diffOf(plan).result, Result::unknown);
+}
+
 TEST(Diff, ABlankMachineIsToBeAddedTo) {
     PlannedServer server("single");
     const MachinePlan plan = server.plan(policies);

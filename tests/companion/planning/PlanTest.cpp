@@ -394,7 +394,59 @@ Logical.2 = B:FILL:5:ON
     EXPECT_FALSE(planning.after.groups.at(0).isListed);
     EXPECT_EQ(plan.oldCommand.wouldRun, Words{});
     EXPECT_EQ(plan.oldCommand.differences,
-              Words{"zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone"});
+              Words{"zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone; "
+                    "zolexctl record -o server.zrec, and zolexctl convert --to policies site.ini "
+                    "--machine server.zrec writes one that it takes"});
+}
+
+/// A logical drive on 32:0 32:1, and drives of another server in 32:6 32:7 that nobody needs.
+TEST(Plan, ZolexNeedsNoRestoreForForeignDrivesThatAreNotUsed) {
+    constexpr const char* drives = R"({"enclosure": 32, "slot": 0, "count": 6, "sizeMB": 69376},
+        {"enclosure": 32, "slot": 6, "count": 2, "sizeMB": 69376, "status": "foreign"})";
+    const std::string policies =
+        customPolicy("Array.A = 1,2\nHotspares = 3\nLogical.1 = A:FILL:1:OFF\n");
+    const MachinePlan plan = planOf(megaPlanServer(drives), policies);
+    EXPECT_EQ(plan.oldCommand.wouldRun, Words{"zolex /f:site.ini"});
+    EXPECT_EQ(plan.oldCommand.differences, Words{});
+    const MachinePlan used = planOf(
+        megaPlanServer(drives, R"({"level": "RAID1", "spans": [["32:0", "32:1"]]})"), policies);
+    EXPECT_EQ(used.oldCommand.wouldRun, Words{"zolex /r /y /f:site.ini"});
+    EXPECT_EQ(used.oldCommand.differences,
+              (Words{"without /r zolex stops at the first drive in use, exit code 11",
+                     "controller 1: zolex also runs UTIL.BAT MEGACLI -CFGFOREIGN -CLEAR -A0 "
+                     "-SILENT: the plan does not need 32:6 32:7"}));
+}
+
+/// The spare 32:7 is being rebuilt in the place of 32:1, which was replaced and made a spare.
+TEST(Plan, ASpareThatIsBeingRebuiltStandsIn) {
+    EXPECT_EQ(
+        outcomeText(
+            planOf(megaPlanServer(
+                       R"({"enclosure": 32, "slot": 0, "sizeMB": 69376},
+{"enclosure": 32, "slot": 1, "sizeMB": 69376, "status": "hotspare"},
+{"enclosure": 32, "slot": 7, "sizeMB": 69376, "status": "rebuild"})",
+                       R"({"level": "RAID1", "writePolicy": "WB", "readPolicy": "ADRA",
+                          "spans": [["32:0", "32:7"]]})"),
+                   customPolicy("Array.A = 1,2\nHotspares = 3\nLogical.1 = A:FILL:1:ON\n"))),
+        R"(controller 1 already (as the policy says, equivalent: the spare is 32:1 instead of 32:7)
+warning ZP208: LD 0 is degraded: 32:7 rebuilding
+  help: wait until it is rebuilt; the layout is as the policy says
+)");
+}
+
+TEST(Plan, WhatLetsAnErrorPassIsTheCommandAsItWasTyped) {
+    PlanRequest request;
+    request.command = "zolexctl plan site.ini --controller 1";
+    request.accept = {"ZX501"};
+    const MachinePlan plan = planOf(megaPlanServer(eightDrives),
+                                    customPolicy("Array.A = 1,2\nArray.B = 2,3\nHotspares = 8\n"
+                                                 "Logical.1 = A:FILL:1:ON\n"
+                                                 "Logical.2 = B:FILL:1:ON\n"),
+                                    request);
+    ASSERT_EQ(plan.controllers.at(0).diagnostics.size(), 1U);
+    EXPECT_EQ(plan.controllers.at(0).diagnostics.at(0).help.back(),
+              "to let it pass: zolexctl plan site.ini --controller 1 --accept ZX501,ZX302");
+    EXPECT_EQ(plan.command, "zolexctl plan site.ini --controller 1 --accept ZX501");
 }
 
 TEST(Plan, BindingsThatFailRefuseTheController) {

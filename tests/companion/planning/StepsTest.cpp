@@ -358,8 +358,11 @@ TEST(StepsTest, ForeignDrivesThatAreNeededAreClearedWithConsent) {
         (Lines{
             "blank: nothing stands on the controller",
             "foreign: 32:4 carries a layout of another controller; clearing takes all of them"}));
-    EXPECT_EQ(differencesOf(plan), (Lines{"zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: "
-                                          "nothing stands on the controller"}));
+    EXPECT_EQ(plan.oldCommand.wouldRun, Lines{"zolex /r /y /f:site.ini"});
+    EXPECT_EQ(plan.oldCommand.differences,
+              (Lines{"without /r zolex stops at the first drive in use, exit code 11",
+                     "controller 1: zolex also runs UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT: nothing "
+                     "stands on the controller"}));
     EXPECT_EQ(faultsOf(server.plan(policies, StrategyWish::add)),
               Lines{"ZP220 adding is not enough: this takes a rebuild"});
     expectDone(server, policies);
