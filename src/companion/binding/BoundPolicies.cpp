@@ -147,9 +147,29 @@ class Binder {
         if (kinds_.sparesEntry != nullptr) {
             bind(*kinds_.sparesEntry,
                  std::string(keyword::hotspares) + " = " + pairsOf(choice_.spares), choice_.spares);
+            result_.uncovered = uncovered();
         } else if (!kinds_.drives.empty()) {
             insert(std::string(keyword::arrayDefaults) + " = 0%:0", *kinds_.drives.front().entry);
         }
+    }
+
+    [[nodiscard]] std::string uncovered() const {
+        std::string letters;
+        const auto coversIt = [](const SpareGroup& group, char letter) {
+            return group.covers.empty() ||
+                   std::any_of(group.covers.begin(), group.covers.end(),
+                               [letter](const KindWord& word) { return word.text[0] == letter; });
+        };
+        const std::vector<SpareGroup>& groups = kinds_.spares->groups;
+        for (const KindSection::Drives& drives : kinds_.drives) {
+            const bool isCovered =
+                groups.empty() ||
+                std::any_of(groups.begin(), groups.end(), [&](const SpareGroup& group) {
+                    return coversIt(group, drives.letter);
+                });
+            letters += isCovered ? std::string() : std::string(1, drives.letter);
+        }
+        return letters;
     }
 
     void bindLevels() {

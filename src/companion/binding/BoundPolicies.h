@@ -46,6 +46,8 @@ struct BoundPolicies {
     std::vector<std::int32_t> lineOf; ///< of the file as it is written, for each line of `text`
     std::vector<Binding> bindings;
     std::vector<BindingFault> faults; ///< with one, `text` is not to be used
+    /// The arrays, by letter, that shall have no hot spare: Spares says that it covers others.
+    std::string uncovered;
 };
 
 /// Whether some policy holds an entry that only zolexctl knows.

@@ -227,7 +227,7 @@ class Chooser {
         if (found == nullptr) {
             add(entry, name, "there is no drive " + said,
                 form == KindForm::slots ? "zolexctl show lists the slots"
-                                        : "zolexctl show -v lists the serial numbers");
+                                        : "zolexctl show --as json lists the serial numbers");
             return nullptr;
         }
         if (const std::string owner = pool_.ownerOf(*found); !owner.empty()) {

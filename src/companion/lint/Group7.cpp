@@ -1,5 +1,6 @@
 #include "commands/CommandLines.h"
 #include "companion/binding/BoundPolicies.h"
+#include "companion/binding/WrittenPlaces.h"
 #include "companion/lint/Effects.h"
 #include "companion/lint/Entries.h"
 #include "companion/lint/MachineCase.h"
@@ -34,15 +35,15 @@ class OneMachine {
     /// All controllers, by the same policies.
     void check(const std::vector<PolicyView>& views, const PolicyList& policies) {
         for (const ControllerSnapshot& detail : snapshot_.details) {
-            check(detail, views, policies);
+            check(detail, views, policies, std::string());
         }
     }
 
     /// One controller; what is found goes to `sink`.
     void check(const ControllerSnapshot& detail, const std::vector<PolicyView>& views,
-               const PolicyList& policies, FindingSink& sink) {
+               const PolicyList& policies, FindingSink& sink, const std::string& uncovered = {}) {
         FindingSink* const own = std::exchange(sink_, &sink);
-        check(detail, views, policies);
+        check(detail, views, policies, uncovered);
         sink_ = own;
     }
 
@@ -58,7 +59,7 @@ class OneMachine {
 
   private:
     void check(const ControllerSnapshot& detail, const std::vector<PolicyView>& views,
-               const PolicyList& policies) {
+               const PolicyList& policies, const std::string& uncovered) {
         const RAIDController* controller = snapshot_.controllers.controller(detail.index);
         if (detail.failed || controller == nullptr) {
             leaveOut();
@@ -68,6 +69,7 @@ class OneMachine {
         const ControllerPlan plan = planController(*controller, detail.number, policies,
                                                    snapshot_.machine, PlanOptions(), silent);
         MachineCase machine{snapshot_, detail, *controller, plan, views, nullptr};
+        machine.uncovered = uncovered;
         if (plan.policyIndex >= 0) {
             machine.policy = &views.at(static_cast<std::size_t>(plan.policyIndex));
         }
@@ -126,9 +128,8 @@ class OneMachine {
 /// The findings of bound policies, at the lines that they were made of.
 class BoundFindings {
   public:
-    BoundFindings(const PolicyDocument& document, const BoundPolicies& bound,
-                  const PolicyDocument& boundDocument, FindingSink& sink)
-        : document_(document), bound_(bound), boundDocument_(boundDocument), sink_(sink) {}
+    BoundFindings(const PolicyDocument& document, const BoundPolicies& bound, FindingSink& sink)
+        : places_(document.text, bound), sink_(sink) {}
 
     /// Of the file alone: those of this policy that drives or logical drives have a part in.
     void addOfPolicy(std::vector<Finding> findings, const DocumentPolicy& policy,
@@ -158,39 +159,21 @@ class BoundFindings {
   private:
     void add(const std::vector<Finding>& findings) {
         for (const Finding& finding : findings) {
-            Finding& added = sink_.add(finding.code, placeOf(finding.start, true),
-                                       placeOf(finding.end, false), finding.summary, finding.help);
-            added.severity = finding.severity;
-            added.refusedBy = finding.refusedBy;
-            added.detail = finding.detail;
-            if (finding.otherStart.line > 0) {
-                added.otherStart = placeOf(finding.otherStart, true);
-                added.otherEnd = placeOf(finding.otherEnd, false);
-                added.other = finding.other;
-            }
+            Finding written = finding;
+            places_.move(written);
+            Finding& added =
+                sink_.add(written.code, written.start, written.end, written.summary, written.help);
+            added.severity = written.severity;
+            added.refusedBy = written.refusedBy;
+            added.detail = written.detail;
+            added.otherStart = written.otherStart;
+            added.otherEnd = written.otherEnd;
+            added.other = written.other;
             told_.push_back(finding);
         }
     }
 
-    /// A place in a line that was changed is the begin of the line's keyword, or the line's end.
-    [[nodiscard]] TextPlace placeOf(const TextPlace& place, bool isStart) const {
-        const auto index = static_cast<std::size_t>(std::max(place.line, 1)) - 1;
-        if (index >= bound_.lineOf.size()) {
-            return {1, 1, 0};
-        }
-        const std::int32_t line = bound_.lineOf[index];
-        const std::string_view written = document_.line(line);
-        if (boundDocument_.line(place.line) == written) {
-            return placeInLine(document_, line, place.column);
-        }
-        const std::size_t first = std::min(written.find_first_not_of(" \t"), written.size());
-        const std::size_t last = text::trim(written, " \t\r").size() + first;
-        return placeInLine(document_, line, static_cast<std::int32_t>(isStart ? first : last) + 1);
-    }
-
-    const PolicyDocument& document_;
-    const BoundPolicies& bound_;
-    const PolicyDocument& boundDocument_;
+    WrittenPlaces places_;
     FindingSink& sink_;
     std::vector<Finding> told_; ///< with their places in the bound policies
 };
@@ -250,8 +233,8 @@ class KindMachines {
         const PolicyFile file =
             readPolicies(bound.text, ControllerCatalogue(), PolicyOptions(), silent);
         FindingSink own(document_.file);
-        machine.check(detail, viewPolicies(boundDocument), *file.policies, own);
-        BoundFindings findings(document_, bound, boundDocument, sink_);
+        machine.check(detail, viewPolicies(boundDocument), *file.policies, own, bound.uncovered);
+        BoundFindings findings(document_, bound, sink_);
         const std::vector<DocumentPolicy>& policies = boundDocument.policies;
         const auto next = static_cast<std::size_t>(index) + 1;
         const std::int32_t lastLine = next < policies.size()

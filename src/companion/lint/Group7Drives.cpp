@@ -540,10 +540,16 @@ class PlannedDrives {
                            });
     }
 
+    /// Whether the policy says that the hot spares are for other arrays.
+    [[nodiscard]] bool isUncovered(std::size_t array) const {
+        const auto letter = static_cast<char>('A' + static_cast<int>(array));
+        return machine_.uncovered.find(letter) != std::string::npos;
+    }
+
     void checkHotspares() {
         for (std::size_t i = 0; i < layout().arrays().size(); ++i) {
             const auto smallest = extremes(layout().arrays()[i].drives()).first;
-            if (!smallest || !isRedundant(i) || layout().hotspares().empty()) {
+            if (!smallest || !isRedundant(i) || layout().hotspares().empty() || isUncovered(i)) {
                 continue;
             }
             const auto covers = [&](const Hotspare& spare) {

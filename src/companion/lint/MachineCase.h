@@ -27,6 +27,7 @@ struct MachineCase {
     /// drives and logical drives are asked for the policy that is used, and nothing is said of what
     /// zolex alone would do wrong.
     bool isOfPlan = false;
+    std::string uncovered = {}; ///< letters of the arrays that shall have no hot spare
 
     /// "controller 1 of KQ10Z7V", or "controller 1" of a machine without a name.
     [[nodiscard]] std::string name() const;

@@ -185,7 +185,7 @@ ControllerPlanner::Attempt ControllerPlanner::attempt(const RAIDController& reco
     if (!bound.faults.empty()) {
         return attempt;
     }
-    const auto policies = readBoundPolicies(request_.policiesFile, bound);
+    const auto policies = readBoundPolicies(request_, bound);
     if (!policies) {
         attempt.findings.push_back(planFault(
             problem::cannotBind, planning.policy + " cannot be read when its drives are bound",
@@ -214,8 +214,9 @@ void ControllerPlanner::planBy(const PlanPolicies& policies, std::size_t policy,
     }
     FindingSink sink(policies.document.file);
     Models models;
-    MachineCase machine{snapshot_, detail, record, plan, policies.views, &policies.views[policy],
-                        true};
+    MachineCase machine{
+        snapshot_,         detail, record, plan, policies.views, &policies.views[policy], true,
+        policies.uncovered};
     checkController(machine, models, sink);
     attempt.findings = sink.take();
     policies.place(attempt.findings);

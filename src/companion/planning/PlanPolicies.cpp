@@ -69,20 +69,14 @@ std::int32_t PlanPolicies::lineOfEntry(std::size_t policy, std::string_view keyw
 }
 
 void PlanPolicies::place(std::vector<Finding>& findings) const {
-    const auto move = [this](TextPlace& place) {
-        place = fileLine(place.line) == 0 ? TextPlace() : TextPlace{fileLine(place.line), 1, 0};
-    };
-    if (!isDefault && lineOf.empty()) {
-        return;
-    }
     for (Finding& finding : findings) {
-        // A line that was bound has other columns than the one that is written.
-        move(finding.start);
-        finding.end = finding.start;
-        move(finding.otherStart);
-        finding.otherEnd = finding.otherStart;
-        finding.file = isDefault ? std::string() : finding.file;
-        finding.other = finding.otherStart.line == 0 ? std::string() : finding.other;
+        if (isDefault) {
+            finding.start = finding.end = finding.otherStart = finding.otherEnd = TextPlace();
+            finding.file.clear();
+            finding.other.clear();
+        } else if (written) {
+            written->move(finding);
+        }
     }
 }
 
@@ -117,11 +111,13 @@ PoliciesReading readPlanPolicies(const PlanRequest& request) {
     return reading;
 }
 
-std::unique_ptr<PlanPolicies> readBoundPolicies(const std::string& file,
+std::unique_ptr<PlanPolicies> readBoundPolicies(const PlanRequest& request,
                                                 const BoundPolicies& bound) {
     std::optional<Fault> fault;
-    std::unique_ptr<PlanPolicies> policies = readText(file, bound.text, fault);
+    std::unique_ptr<PlanPolicies> policies = readText(request.policiesFile, bound.text, fault);
     if (policies) {
+        policies->written.emplace(request.policiesText, bound);
+        policies->uncovered = bound.uncovered;
         policies->lineOf = bound.lineOf;
     }
     return policies;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "companion/binding/WrittenPlaces.h"
 #include "companion/lint/PolicyDocument.h"
 #include "companion/lint/PolicyView.h"
 #include "companion/planning/Plan.h"
@@ -7,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,13 +22,15 @@ struct PlanPolicies {
     /// Of a file whose entries were bound: the line of the file as it is written, for each line of
     /// `document`. Empty: they are the same.
     std::vector<std::int32_t> lineOf;
-    bool isDefault = false; ///< the built-in policy, which stands in no file
+    std::optional<WrittenPlaces> written; ///< of such a file
+    std::string uncovered;                ///< as in BoundPolicies
+    bool isDefault = false;               ///< the built-in policy, which stands in no file
 
     /// The line of an entry in the file as it is written; 0 for the built-in policy.
     [[nodiscard]] std::int32_t fileLine(std::int32_t line) const;
     /// The same of an entry of a policy; 0 without one.
     [[nodiscard]] std::int32_t lineOfEntry(std::size_t policy, std::string_view keyword) const;
-    /// Moves the places of findings to the file as it is written, or takes them away.
+    /// Tells findings of the file as it is written, or takes their places away.
     void place(std::vector<Finding>& findings) const;
 };
 
@@ -38,8 +42,8 @@ struct PoliciesReading {
 
 /// The policies of the request, without the entries that zolex does not know.
 [[nodiscard]] PoliciesReading readPlanPolicies(const PlanRequest& request);
-/// The same of a text that entries were bound for; null when zolex refuses it.
-[[nodiscard]] std::unique_ptr<PlanPolicies> readBoundPolicies(const std::string& file,
+/// The same with the entries as they were bound; null when zolex refuses that.
+[[nodiscard]] std::unique_ptr<PlanPolicies> readBoundPolicies(const PlanRequest& request,
                                                               const BoundPolicies& bound);
 
 } // namespace zolex::companion

@@ -351,7 +351,7 @@ TEST(DoesNotBind, NamesThatAreNotThere) {
               R"(3:18-22 ZX313 Drives.A: there is no drive at 32:9
   help: zolexctl show lists the slots
 4:20-21 ZX313 Drives.B: there is no drive with serial number X
-  help: zolexctl show -v lists the serial numbers
+  help: zolexctl show --as json lists the serial numbers
 5:20-25 ZX313 Drives.C: 32:0 is in Drives.A already
   help: name each drive once
 )");
