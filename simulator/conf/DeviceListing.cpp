@@ -15,6 +15,8 @@ const char* stateText(DriveStatus status, const Wording& wording) {
         return "Rebuilding";
     case DriveStatus::hotspare:
         return wording.hotSpare;
+    case DriveStatus::dedicated:
+        return "Dedicated Hot-Spare";
     case DriveStatus::failed:
     case DriveStatus::bad:
         return wording.failed;

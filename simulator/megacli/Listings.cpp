@@ -29,6 +29,7 @@ const char* firmwareState(const Drive& drive, Generation generation) {
     case DriveStatus::online:
         return later ? "Online, Spun Up" : "Online";
     case DriveStatus::hotspare:
+    case DriveStatus::dedicated:
         return later ? "Hotspare, Spun down" : "Hotspare";
     case DriveStatus::rebuild:
         return "Rebuild";
@@ -48,6 +49,10 @@ const char* firmwareState(const Drive& drive, Generation generation) {
 
 const char* foreignState(const Drive& drive) {
     return drive.status == DriveStatus::foreign ? "Foreign" : "None";
+}
+
+const char* spareType(const Drive& drive) {
+    return drive.status == DriveStatus::dedicated ? "Type: Dedicated, is revertible\n" : "";
 }
 
 const char* mediaType(const Drive& drive) {
@@ -100,7 +105,7 @@ std::string earlyDriveBlock(const Drive& drive) {
                      enclosureText(drive.location).c_str(), drive.location.slot, drive.deviceId) +
            errorCounts(drive) + sizeLines(drive, Generation::early) +
            formatted("Firmware state: %s\n", firmwareState(drive, Generation::early)) +
-           connectionLines(drive) +
+           spareType(drive) + connectionLines(drive) +
            formatted("Foreign State: %s \n"
                      "Media Type: %s\n"
                      "\n",
@@ -184,12 +189,14 @@ std::string laterDriveBlock(const Controller& controller, const Drive& drive,
            errorCounts(drive) + "\n" + sizeLines(drive, Generation::later) +
            formatted("Sector Size:  512\n"
                      "Firmware state: %s\n"
+                     "%s"
                      "Commissioned Spare : No\n"
                      "Emergency Spare : No\n"
                      "Device Firmware Level: %s\n"
                      "Shield Counter: 0\n"
                      "Successful diagnostics completion on :  N/A\n",
-                     firmwareState(drive, Generation::later), drive.revision.c_str()) +
+                     firmwareState(drive, Generation::later), spareType(drive),
+                     drive.revision.c_str()) +
            connectionLines(drive) + laterDriveTail(drive);
 }
 

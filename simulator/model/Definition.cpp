@@ -109,6 +109,10 @@ Drive readDrive(Fields& fields, const DriveDefaults& defaults) {
     if (drive.status == DriveStatus::jbod && utility.name != "MEGACLI") {
         fields.complain("status", "only MEGACLI shows drives as they are");
     }
+    if (drive.status == DriveStatus::dedicated && utility.name != "MEGACLI" &&
+        utility.name != "ARCCONF") {
+        fields.complain("status", "only MEGACLI and ARCCONF tell dedicated hot spares");
+    }
     return drive;
 }
 

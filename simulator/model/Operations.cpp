@@ -3,6 +3,7 @@
 #include "model/Text.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <set>
 
 namespace zolex_sim {
@@ -12,11 +13,12 @@ Refusal refusal(RefusalKind kind, std::string reason) {
     return {kind, std::move(reason)};
 }
 
-/// The drives that a command names must all be there, be named once and have this status;
+/// The drives that a command names must all be there, be named once and have one of these statuses;
 /// otherwise it is refused with the kind, as they are not what the command needs.
 std::optional<Refusal> checkDrives(const Controller& controller,
                                    const std::vector<std::vector<DriveLocation>>& groups,
-                                   DriveStatus status, RefusalKind kind, std::string_view needed) {
+                                   std::initializer_list<DriveStatus> statuses, RefusalKind kind,
+                                   std::string_view needed) {
     std::set<DriveLocation> named;
     for (const std::vector<DriveLocation>& group : groups) {
         for (const DriveLocation& location : group) {
@@ -29,7 +31,7 @@ std::optional<Refusal> checkDrives(const Controller& controller,
                 return refusal(RefusalKind::driveNamedTwice,
                                "The physical disk at " + toText(location) + " is named twice.");
             }
-            if (drive->status != status) {
+            if (std::find(statuses.begin(), statuses.end(), drive->status) == statuses.end()) {
                 return refusal(kind, "The physical disk at " + toText(location) + " is " +
                                          std::string(needed) + ": it is " +
                                          std::string(statusWord(drive->status)) + ".");
@@ -41,7 +43,7 @@ std::optional<Refusal> checkDrives(const Controller& controller,
 
 std::optional<Refusal> checkFree(const Controller& controller,
                                  const std::vector<std::vector<DriveLocation>>& groups) {
-    return checkDrives(controller, groups, DriveStatus::good, RefusalKind::driveNotFree,
+    return checkDrives(controller, groups, {DriveStatus::good}, RefusalKind::driveNotFree,
                        "not free");
 }
 
@@ -157,10 +159,14 @@ void insertLogicalDrive(Controller& controller, LogicalDrive drive) {
     controller.logicalDrives.insert(behind, std::move(drive));
 }
 
+bool isSpare(const Drive& drive) {
+    return drive.status == DriveStatus::hotspare || drive.status == DriveStatus::dedicated;
+}
+
 /// A member or a spare is free again, unless it has failed.
 void release(Drive& drive) {
     if (drive.status == DriveStatus::online || drive.status == DriveStatus::rebuild ||
-        drive.status == DriveStatus::hotspare) {
+        isSpare(drive)) {
         drive.status = DriveStatus::good;
     }
 }
@@ -241,8 +247,7 @@ std::optional<Refusal> addSpares(Controller& controller,
         return refused;
     }
     const auto spares = static_cast<std::size_t>(
-        std::count_if(controller.drives.begin(), controller.drives.end(),
-                      [](const Drive& drive) { return drive.status == DriveStatus::hotspare; }));
+        std::count_if(controller.drives.begin(), controller.drives.end(), isSpare));
     if (spares + locations.size() > static_cast<std::size_t>(controller.identity.maxHotSpares)) {
         return refusal(RefusalKind::tooMany,
                        formatted("The controller takes no more than %d hot spares.",
@@ -277,8 +282,9 @@ std::optional<Refusal> removeLogicalDrives(Controller& controller,
 
 std::optional<Refusal> removeSpares(Controller& controller,
                                     const std::vector<DriveLocation>& locations) {
-    if (std::optional<Refusal> refused = checkDrives(controller, {locations}, DriveStatus::hotspare,
-                                                     RefusalKind::notHotSpare, "no hot spare")) {
+    if (std::optional<Refusal> refused =
+            checkDrives(controller, {locations}, {DriveStatus::hotspare, DriveStatus::dedicated},
+                        RefusalKind::notHotSpare, "no hot spare")) {
         return refused;
     }
     for (const DriveLocation& location : locations) {

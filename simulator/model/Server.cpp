@@ -14,9 +14,10 @@ namespace {
 constexpr std::int64_t maxLocationNumber = 65535;
 
 // In the order of the enumeration.
-constexpr std::array<std::string_view, 9> statusWords = {
-    "good", "bad", "failed", "foreign", "hotspare", "online", "rebuild", "jbod", "missing"};
-static_assert(statusWords.size() == static_cast<std::size_t>(DriveStatus::missing) + 1);
+constexpr std::array<std::string_view, 10> statusWords = {
+    "good",   "bad",     "failed", "foreign", "hotspare",
+    "online", "rebuild", "jbod",   "missing", "dedicated"};
+static_assert(statusWords.size() == static_cast<std::size_t>(DriveStatus::dedicated) + 1);
 constexpr std::array<std::string_view, 2> mediumWords = {"hdd", "ssd"};
 constexpr std::array<std::string_view, 2> writeWords = {"WT", "WB"};
 constexpr std::array<std::string_view, 3> readWords = {"ADRA", "RA", "NORA"};

@@ -31,7 +31,8 @@ std::string toText(const std::vector<DriveLocation>& locations);
 std::optional<DriveLocation> parseLocation(std::string_view text);
 
 /// jbod: shown to the system as it is; of MEGACLI. missing: a member that is not there, which no
-/// listing of drives tells of; it stands for one in copies of real controllers.
+/// listing of drives tells of; it stands for one in copies of real controllers. dedicated: a hot
+/// spare for some arrays alone, no listing tells which; it stays when arrays go.
 enum class DriveStatus : std::uint8_t {
     good,
     bad,
@@ -42,6 +43,7 @@ enum class DriveStatus : std::uint8_t {
     rebuild,
     jbod,
     missing,
+    dedicated,
 };
 
 /// The status word of the definition and state files.

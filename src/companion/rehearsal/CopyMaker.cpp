@@ -298,8 +298,7 @@ class CopyBuilder {
             return DriveStatus::foreign;
         case DriveState::hotspare:
             if (facts.hotspare == HotspareKind::dedicated) {
-                throw NoCopy("the hot spare " + facts.location +
-                             " is for some arrays alone, and no listing tells for which");
+                return DriveStatus::dedicated;
             }
             return DriveStatus::hotspare;
         case DriveState::failed:

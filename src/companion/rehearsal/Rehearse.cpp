@@ -87,6 +87,14 @@ class ControllerRehearsal {
                        step.command + wordsOf(played.output));
                 return false;
             }
+            if (const std::string spare = copy_.doubtfulSpare(stages_.back().state);
+                !spare.empty()) {
+                rehearsal_.notDoneBecause.push_back(
+                    "not rehearsed: controller " + std::to_string(planning_.controller.number) +
+                    ": the hot spare " + spare + " is for some arrays alone, and may go with " +
+                    stepText(step));
+                return false;
+            }
             facts_ =
                 isWhole ? copy_.capture() : copy_.capture(stages_.back().state, std::move(facts_));
             keepStage();

@@ -158,6 +158,17 @@ void VirtualCopy::restore(const CopyState& state) {
     copy().logicalDrives = state.logicalDrives;
 }
 
+std::string VirtualCopy::doubtfulSpare(const CopyState& before) const {
+    const std::vector<zolex_sim::Drive>& drives = copy().drives;
+    const auto spare =
+        std::find_if(drives.begin(), drives.end(), [](const zolex_sim::Drive& drive) {
+            return drive.status == zolex_sim::DriveStatus::dedicated;
+        });
+    return copy().arrays.size() < before.arrays.size() && spare != drives.end()
+               ? toText(spare->location)
+               : std::string();
+}
+
 Facts VirtualCopy::readFrom(zolex_sim::Server& server) const {
     std::vector<std::string> texts;
     texts.reserve(listings_.size());

@@ -41,6 +41,9 @@ class VirtualCopy {
 
     [[nodiscard]] CopyState state() const;
     void restore(const CopyState& state);
+    /// The location of a dedicated hot spare that stands while fewer arrays do than before: of a
+    /// real one it is not known whether it goes with an array. Empty: there is none.
+    [[nodiscard]] std::string doubtfulSpare(const CopyState& before) const;
 
     /// What the original's listing commands say of the copy.
     [[nodiscard]] Facts read();

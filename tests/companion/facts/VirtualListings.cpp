@@ -50,6 +50,7 @@ std::string stateOf(const zolex_sim::Controller& controller, const zolex_sim::Dr
     case DriveStatus::foreign:
         return isConf(controller) ? "jbod" : utility == "MEGACLI" ? "foreign" : "free";
     case DriveStatus::hotspare:
+    case DriveStatus::dedicated:
         return "hotspare";
     case DriveStatus::online:
         return "member";

@@ -123,12 +123,6 @@ TEST(CopyMaker, SaysWhatCannotBeCopied) {
                               drive(it).reportedState = "Sleeping";
                           }),
               "drive 32:2 has a state that is not known, \"Sleeping\"");
-    EXPECT_EQ(refusedCopy(test::megaRaid,
-                          [&](Original& it) {
-                              drive(it).state = DriveState::hotspare;
-                              drive(it).hotspare = HotspareKind::dedicated;
-                          }),
-              "the hot spare 32:2 is for some arrays alone, and no listing tells for which");
     EXPECT_EQ(refusedCopy(test::megaRaid, [&](Original& it) { drive(it).slot.reset(); }),
               "drive 32:2 has no place that a command could name");
     EXPECT_EQ(
