@@ -598,8 +598,12 @@ std::string faultsText(const MachinePlan& plan) {
     errors += count(plan.diagnostics) + count(plan.policiesFindings);
     for (const ControllerPlanning& planning : plan.controllers) {
         if (planning.disposition == Disposition::refused) {
-            errors += count(planning.diagnostics);
-            numbers.push_back(planning.controller.number);
+            const std::size_t own = count(planning.diagnostics);
+            errors += own;
+            // Where the policies are at fault the controllers are not.
+            if (own > 0) {
+                numbers.push_back(planning.controller.number);
+            }
         }
     }
     const std::string text = countText(errors, "error", "errors");
