@@ -74,7 +74,7 @@ std::vector<Danger> dangers() {
          eight(),
          with(webPolicies, "Hotspares", "Hotspare"),
          2,
-         {"Policies p.ini: 0 policies, 1 error\n", nothingWouldRun,
+         {"Policies p.ini: 0 policies, 1 error\n", "! Nothing would run: 1 error.\n",
           "p.ini:6:1: error: unknown keyword \"Hotspare\" [ZX007]\n"
           "   help: did you mean Hotspares?\n"}},
         {"NoPolicyFits",
@@ -103,7 +103,7 @@ std::vector<Danger> dangers() {
                        {"enclosure": 32, "slot": 7, "sizeMB": 69376, "status": "foreign"})"),
          with(with(webPolicies, "3,4,5,6,7", "3,4,5,6"), "Hotspares = 8", "Hotspares = 7"),
          0,
-         {"zolex /r erases it, and here it stays as it is", "This destroys nothing."}},
+         {"B  *  ~\n    A RAID1", "This destroys nothing.\n", "To carry it out:\n  zolex /f:p.ini\n"}},
         {"ASizeDoesNotFit",
          eight(),
          with(webPolicies, "A:FILL:1:ON", "A:90000:1:ON"),

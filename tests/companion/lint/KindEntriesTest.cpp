@@ -123,7 +123,7 @@ TEST(KindEntriesOnAMachine, TheOtherRulesLookAtTheBoundDrives) {
         boundText(eight,
                   "; two drives\nDrives.A = 2 x HDD\nDrives.B = 4 x HDD\n"
                   "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:5:ON\nLogical.2 = B:FILL:5:ON\n"),
-        R"(7:20 error plan ZX402: controller 1 of KQ10Z7V: RAID 5 takes 3 or more drives, and Array.A has 2 drives, see 4:1 2 drives
+        R"(7:20 error plan ZX402: controller 1 of KQ10Z7V: RAID 5 takes 3 or more drives, and Drives.A has 2 drives, see 4:12 2 drives
   help: LSI-MegaRAID-8480 makes 0 or 1 of 2 drives
 )");
     EXPECT_EQ(boundText(eight, "Drives.A = 2 x HDD\nDrives.B = 4 x HDD\n"),
@@ -134,7 +134,7 @@ TEST(KindEntriesOnAMachine, TheOtherRulesLookAtTheBoundDrives) {
         boundText(R"({"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 69376},
 {"enclosure": 32, "slot": 2, "count": 6, "sizeMB": 139392})",
                   "Drives.A = 8 x HDD any size\n"),
-        R"(3:1 warning ZX704: controller 1 of KQ10Z7V: Array.A leaves 410.3 GB of its drives unused
+        R"(3:12 warning ZX704: controller 1 of KQ10Z7V: Drives.A leaves 410.3 GB of its drives unused
   help: 32:0 has 67.8 GB, 32:2 has 136.1 GB
 )");
 }

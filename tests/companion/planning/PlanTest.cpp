@@ -323,7 +323,10 @@ TEST(Plan, WhatStandsOnAnotherControllerIsNotAsWanted) {
     EXPECT_FALSE(plan.isApplicable());
     EXPECT_EQ(
         outcomeText(plan),
-        R"(controller 2 refused: the listing is of the PCI function 03:00.0, not of 0000:02:00.0
+        R"(controller 2 refused (the listing is of the PCI function 03:00.0, not of 0000:02:00.0)
+error ZP108: the listing is of the PCI function 03:00.0, not of 0000:02:00.0
+  help: take one of the controllers out, or configure them by hand
+  help: for more: zolexctl explain ZP108
 )");
     request.accept = {"ZP108"};
     EXPECT_EQ(planMachine(snapshot, request).controllers.at(0).disposition, Disposition::refused);
