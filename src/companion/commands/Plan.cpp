@@ -52,7 +52,7 @@ std::string commandOf(const Context& context, const PlanOptions& options) {
     add("--recording", machine.recording);
     add("--utilities", machine.utilitiesFolder);
     for (const auto& [name, path] : machine.utilities) {
-        add("--utility", name + "=" + path);
+        add("--utility", std::string(name).append("=").append(path));
     }
     add("--machine-type", machine.machineType);
     add("--serial", machine.serialNumber);
