@@ -2,6 +2,7 @@
 #include "companion/json/PlanDocument.h"
 #include "companion/json/PlanPieces.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/machine/Sha256.h"
 #include "companion/text/OutputFile.h"
 
 #include <algorithm>
@@ -435,7 +436,9 @@ PlanReading readPlanFile(FileSystem& files, const std::string& name) {
     if (file->failed()) {
         return notRead(name, problem::documentUnreadable, "the file cannot be read");
     }
-    return readPlanDocument(text, name);
+    PlanReading reading = readPlanDocument(text, name);
+    reading.hash = sha256(text);
+    return reading;
 }
 
 } // namespace zolex::companion
