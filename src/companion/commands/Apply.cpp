@@ -1,17 +1,11 @@
 #include "companion/commands/ChangeRun.h"
 #include "companion/commands/Commands.h"
-#include "companion/commands/LossText.h"
+#include "companion/commands/PlanBrief.h"
 #include "companion/commands/PlanMaking.h"
 #include "companion/json/PlanDocument.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/Sha256.h"
-#include "companion/picture/Changes.h"
 #include "companion/picture/PlanText.h"
-#include "companion/picture/TextLines.h"
-#include "companion/planning/PlanFaults.h"
-#include "companion/text/Diagnostics.h"
-#include "companion/text/Sizes.h"
-#include "companion/text/Timestamp.h"
 
 #include <algorithm>
 #include <utility>
@@ -96,11 +90,11 @@ class SavedPlan {
     /// 0 when all controllers asked for are in the plan.
     [[nodiscard]] std::int32_t controllerNotPlanned() const {
         for (const std::int32_t number : context_.machine.controllers) {
-            const bool isThere = std::any_of(chosen_.plan.controllers.begin(),
-                                             chosen_.plan.controllers.end(),
-                                             [number](const ControllerPlanning& each) {
-                                                 return each.controller.number == number;
-                                             });
+            const bool isThere =
+                std::any_of(chosen_.plan.controllers.begin(), chosen_.plan.controllers.end(),
+                            [number](const ControllerPlanning& each) {
+                                return each.controller.number == number;
+                            });
             if (!isThere) {
                 return number;
             }
@@ -174,48 +168,6 @@ class PlanNow {
     ChangeRun run_;
 };
 
-/// The journal of a run by policies, which may be made again and again: behind one that is over
-/// comes "site.journal-2.jsonl".
-class JournalChoice {
-  public:
-    JournalChoice(Context& context, const ApplyOptions& options, std::string first)
-        : context_(context), options_(options), first_(std::move(first)) {}
-
-    /// Empty with an obstacle.
-    std::string choose(std::string again, std::optional<JournalObstacle>& obstacle) const {
-        if (!options_.journal.empty()) {
-            obstacle = journalObstacle(context_, options_.journal, again);
-            return obstacle ? "" : options_.journal;
-        }
-        constexpr int most = 10000;
-        for (int number = 1; number < most; ++number) {
-            const std::string name = numbered(number);
-            obstacle = journalObstacle(context_, name, again);
-            if (!obstacle) {
-                return name;
-            }
-            if (!obstacle->isOver) {
-                obstacle->help.back() += "";
-                return {};
-            }
-        }
-        return {};
-    }
-
-  private:
-    [[nodiscard]] std::string numbered(int number) const {
-        if (number == 1) {
-            return first_;
-        }
-        const std::size_t dot = first_.rfind('.');
-        return first_.substr(0, dot) + "-" + std::to_string(number) + first_.substr(dot);
-    }
-
-    Context& context_;
-    const ApplyOptions& options_;
-    std::string first_;
-};
-
 /// Goes on with the run of a journal.
 class Resumption {
   public:
@@ -228,8 +180,7 @@ class Resumption {
         if (!run_.begin()) {
             return run_.refuse(exit_code::notPossible, {}, {});
         }
-        const JournalReading reading =
-            readJournalFile(context_.platform.files(), options_.resume);
+        const JournalReading reading = readJournalFile(context_.platform.files(), options_.resume);
         if (!reading.journal) {
             return refuseUnread(reading.findings.front());
         }
@@ -238,8 +189,9 @@ class Resumption {
         if (end != nullptr && end->exitCode == exit_code::done) {
             return run_.refuse(exit_code::refused,
                                printable(options_.resume) + ": this run was carried out on " +
-                                   history.entries.back().at + ", and there is nothing to go on "
-                                                               "with",
+                                   history.entries.back().at +
+                                   ", and there is nothing to go on "
+                                   "with",
                                {"zolexctl show " + options_.resume + " tells what was done"});
         }
         ChosenPlan chosen;
@@ -292,7 +244,7 @@ class Resumption {
         }
         chosen.plan = *std::move(reading.plan);
         chosen.hash = std::move(reading.hash);
-        const std::string lockName = !chosen.file.empty()              ? chosen.file
+        const std::string lockName = !chosen.file.empty()               ? chosen.file
                                      : chosen.plan.policiesFile.empty() ? std::string("reset")
                                      : chosen.plan.policiesFile == "<stdin>"
                                          ? std::string("policies")
@@ -322,14 +274,15 @@ class Resumption {
 
 int applyPolicies(Context& context, const ApplyOptions& options) {
     const std::string& file = options.policies.file;
-    std::optional<JournalObstacle> obstacle;
-    const JournalChoice choice(context, options, journalFileOf(file == "-" ? "policies" : file));
-    const std::string journal = choice.choose(applyCommand(context, options), obstacle);
-    if (obstacle) {
-        ChangeRun run(context, options, journalFileOf(file), {});
-        return run.refuse(obstacle->exitCode, obstacle->what, obstacle->help);
+    const std::string usual = journalFileOf(file == "-" ? "policies" : file);
+    JournalName journal =
+        freeJournal(context, options.journal, usual, applyCommand(context, options));
+    if (journal.obstacle) {
+        ChangeRun run(context, options, usual, {});
+        return run.refuse(journal.obstacle->exitCode, journal.obstacle->what,
+                          journal.obstacle->help);
     }
-    return PlanNow(context, options, journal).run();
+    return PlanNow(context, options, journal.name).run();
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "companion/commands/ChangeRun.h"
 
 #include "companion/commands/MachineAccess.h"
-#include "companion/commands/OwnLosses.h"
+#include "companion/commands/OwnCertificates.h"
 #include "companion/execution/SystemExecution.h"
 #include "companion/json/CertificateDocument.h"
 #include "companion/machine/ProblemCodes.h"
@@ -20,7 +20,6 @@ namespace zolex::companion {
 namespace {
 
 constexpr std::string_view journalEnding = ".journal.jsonl";
-constexpr std::string_view certificateEnding = ".certificate.json";
 
 /// The name of a file without its folder.
 std::string_view bareFileName(std::string_view name) {
@@ -102,9 +101,8 @@ class ChangeRun::Ticking : public ExecutionSystem {
     std::unique_ptr<StartedChild> start(std::string_view commandLine,
                                         const std::string& output) override {
         std::unique_ptr<StartedChild> child = inner_.start(commandLine, output);
-        return child == nullptr
-                   ? nullptr
-                   : std::make_unique<TickingChild>(std::move(child), inner_, teller_);
+        return child == nullptr ? nullptr
+                                : std::make_unique<TickingChild>(std::move(child), inner_, teller_);
     }
     ProcessIdentity ownProcess() override { return inner_.ownProcess(); }
     bool isRunning(const ProcessIdentity& process) override { return inner_.isRunning(process); }
@@ -143,10 +141,9 @@ ChangeRun::ChangeRun(Context& context, const ApplyOptions& options, std::string 
                      std::string command)
     : context_(context), options_(options), journalFile_(std::move(journalFile)),
       command_(std::move(command)),
-      machine_(context.platform,
-               findUtilities(
-                   systemFolders(context.platform.files(), context.machine.utilitiesFolder),
-                   context.machine.utilities)),
+      machine_(context.platform, findUtilities(systemFolders(context.platform.files(),
+                                                             context.machine.utilitiesFolder),
+                                               context.machine.utilities)),
       // What a command writes stands beside the journal until the journal has it.
       reading_(machine_, {journalFile_}) {}
 
@@ -247,6 +244,9 @@ int ChangeRun::refuse(int exitCode, std::string what, std::vector<std::string> h
     ApplyEnd end;
     end.exitCode = exitCode;
     end.what = std::move(what);
+    if (end.what.empty() && context_.format == Format::json && !context_.failures.empty()) {
+        end.what = context_.failures.back().summary;
+    }
     end.help = std::move(help);
     end.details = std::move(details);
     ApplyTeller(context_, none, tell).tellEnd(end, {});
@@ -266,8 +266,8 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
         context_.makeExecution ? context_.makeExecution(context_.platform, utilities())
                                : makeSystemExecution(context_.platform, utilities());
     TellTerms tell = tellTerms();
-    tell.consent.notOwn = [this, &chosen](const std::vector<Loss>& losses) {
-        return whyNotOwn(context_, chosen.plan, losses, options_.certificates);
+    tell.notOwn = [this](const std::vector<Loss>& losses, const Snapshot& guard) {
+        return whyNotOwn(context_, losses, guard, options_.certificates);
     };
     ApplyTeller teller(context_, chosen.plan, tell);
     Ticking ticking(*system, teller);
@@ -277,14 +277,17 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
         journal_.reset();
         static_cast<void>(context_.platform.files().remove(journalFile_));
     };
+    if (history != nullptr) {
+        teller.tellResumption(*history);
+    }
     const CaptureRequest request = captureRequestOf(chosen);
     if (chosen.plan.changesSomething()) {
         warnOfLostJournal(*system);
     }
-    ApplyEnd end = history == nullptr
-                       ? applyPlan(reading_, request, ticking, chosen.plan, terms, teller)
-                       : resumePlan(reading_, request, ticking, chosen.plan, *history, terms,
-                                    teller);
+    ApplyEnd end =
+        history == nullptr
+            ? applyPlan(reading_, request, ticking, chosen.plan, terms, teller)
+            : resumePlan(reading_, request, ticking, chosen.plan, *history, terms, teller);
     std::string proof;
     if (end.exitCode == exit_code::done && !certify(chosen, terms, end, proof)) {
         end.exitCode = exit_code::different;
@@ -316,9 +319,8 @@ std::unique_ptr<JournalKeeper> ChangeRun::openJournal(ExecutionSystem& system,
         return nullptr;
     }
     const auto clock = [&system] { return system.timestamp(); };
-    journal_ = history == nullptr
-                   ? std::make_shared<JournalFile>(std::move(file), clock)
-                   : std::make_shared<JournalFile>(std::move(file), clock, *history);
+    journal_ = history == nullptr ? std::make_shared<JournalFile>(std::move(file), clock)
+                                  : std::make_shared<JournalFile>(std::move(file), clock, *history);
     return std::make_unique<Keeper>(journal_);
 }
 
@@ -341,8 +343,7 @@ std::string ChangeRun::certificateFile(const MachinePlan& plan) const {
     }
     const std::string& serial = plan.fingerprint.serialNumber;
     return options_.certificates + (options_.certificates.ends_with('/') ? "" : "/") +
-           (isPlaceholder(serial) ? plan.id : asFileName(serial)) +
-           std::string(certificateEnding);
+           (isPlaceholder(serial) ? plan.id : asFileName(serial)) + std::string(certificateEnding);
 }
 
 bool ChangeRun::certify(const ChosenPlan& chosen, const ApplyTerms& terms, const ApplyEnd& end,
@@ -411,8 +412,7 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
     }
     if (end->exitCode == exit_code::different) {
         return JournalObstacle{exit_code::refused,
-                               name + ": the plan was carried out on " +
-                                   timeOf(*reading.journal) +
+                               name + ": the plan was carried out on " + timeOf(*reading.journal) +
                                    ", but did not end as planned: " + end->reason,
                                {plan},
                                true};
@@ -422,6 +422,27 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
                                end->reason,
                            {resume, plan},
                            false};
+}
+
+JournalName freeJournal(Context& context, const std::string& asked, const std::string& usual,
+                        const std::string& again) {
+    if (!asked.empty()) {
+        return {asked, journalObstacle(context, asked, again)};
+    }
+    const auto numbered = [&usual](int number) {
+        const std::size_t dot = usual.rfind('.');
+        return number == 1
+                   ? usual
+                   : usual.substr(0, dot) + "-" + std::to_string(number) + usual.substr(dot);
+    };
+    for (int number = 1;; ++number) {
+        std::string name = numbered(number);
+        std::optional<JournalObstacle> obstacle =
+            journalObstacle(context, name, again + " --journal " + numbered(number + 1));
+        if (!obstacle || !obstacle->isOver) {
+            return {std::move(name), std::move(obstacle)};
+        }
+    }
 }
 
 } // namespace zolex::companion

@@ -98,4 +98,13 @@ struct JournalObstacle {
 [[nodiscard]] std::optional<JournalObstacle>
 journalObstacle(Context& context, const std::string& journalFile, const std::string& again);
 
+/// The journal of a new run that may be made again and again: the one that is asked for, or
+/// `usual`, or, behind runs that are over, "site.journal-2.jsonl" and so on.
+struct JournalName {
+    std::string name;
+    std::optional<JournalObstacle> obstacle; ///< there is no name
+};
+[[nodiscard]] JournalName freeJournal(Context& context, const std::string& asked,
+                                      const std::string& usual, const std::string& again);
+
 } // namespace zolex::companion
