@@ -1,9 +1,11 @@
 """A machine in QEMU, without the help of the processor: Debian's kernel on an emulated PCI bus."""
 
 import io
+import json
 import os
 import re
 import signal
+import socket
 import stat
 import subprocess
 import time
@@ -62,6 +64,7 @@ class Machine:
         self.work, self.devices = Path(work), list(devices)
         self.said = b""
         self.process = None
+        self.memory = None
         self.image = image()
         content = {"init": (HERE / "init").read_bytes(), "functions": (HERE / "functions").read_bytes(),
                    "jobs/order": "".join(f"{name}\n" for name in jobs).encode()}
@@ -76,13 +79,18 @@ class Machine:
         out = self.work / "said"
         out.write_bytes(b"")
         self.said = b""
+        for pipe in ("go.in", "go.out"):
+            (self.work / pipe).unlink(missing_ok=True)
+            os.mkfifo(self.work / pipe)
         self.process = subprocess.Popen(
             ["qemu-system-x86_64", "-accel", "tcg", "-machine", "pc", "-cpu", "max", "-m", "384",
              "-nodefaults", "-no-user-config", "-display", "none", "-no-reboot",
              "-kernel", self.image / "vmlinux", "-initrd", self.work / "initrd",
              "-append", "console=ttyS0 quiet panic=-1 rdinit=/init " + QUICK,
              "-smbios", "type=1,manufacturer=Example,product=8837,serial=KQ10Z7V",
-             "-serial", f"file:{self.work / 'console'}", "-serial", f"file:{out}", *self.devices],
+             "-serial", f"file:{self.work / 'console'}", "-serial", f"file:{out}",
+             "-serial", f"pipe:{self.work / 'go'}", "-qmp", f"unix:{self.work / 'qmp'},server=on,wait=off",
+             *(["-incoming", f"exec:cat '{self.memory}'"] if self.memory else []), *self.devices],
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=open(self.work / "qemu", "wb"))
         self.started = time.monotonic()
 
@@ -102,9 +110,38 @@ class Machine:
         """What the jobs have marked, in order."""
         return re.findall(rb"^@@mark (.*)\n", self.look(), re.M)
 
+    def go(self):
+        """Lets a job go on that waits for it."""
+        with open(self.work / "go.in", "wb") as pipe:
+            pipe.write(b"go\n")
+
+    def keep_memory(self, file):
+        """Writes the machine's memory to a file, from which others go on with drives of the same
+        content; this one is over then."""
+        with socket.socket(socket.AF_UNIX) as line:
+            line.connect(str(self.work / "qmp"))
+            answers = line.makefile("rb")
+
+            def ask(command, **arguments):
+                line.sendall(json.dumps({"execute": command, "arguments": arguments}).encode())
+                while "return" not in (answer := json.loads(answers.readline())):
+                    if "error" in answer:
+                        raise MachineFault(f"{command}: {answer['error']['desc']}")
+                return answer["return"]
+
+            answers.readline()
+            ask("qmp_capabilities")
+            ask("migrate-set-parameters", **{"max-bandwidth": 1 << 34})
+            ask("migrate", uri=f"exec:cat >'{file}'")
+            while (status := ask("query-migrate")["status"]) not in ("completed", "failed"):
+                time.sleep(0.02)
+            if status == "failed":
+                raise MachineFault("The memory of the machine cannot be kept.")
+        self.kill()
+
     def hangs(self):
         """It has not come up in time."""
-        return b"@@up\n" not in self.look() and (
+        return not self.memory and b"@@up\n" not in self.look() and (
             self.cpu() > START_CPU or time.monotonic() - self.started > START_CLOCK)
 
     def kill(self):
@@ -129,7 +166,7 @@ class Machine:
                     time.sleep(pause)
             finally:
                 self.kill()
-            if b"@@up\n" in self.look():
+            if b"@@up\n" in self.look() or self.memory:
                 if not self.said.endswith(b"@@off\n"):
                     raise MachineFault("The machine went down.\n" + self.tail())
                 return False
