@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <iterator>
 #include <utility>
 
@@ -422,6 +423,18 @@ Format formatOfFile(const std::string& name) {
     return row->second;
 }
 
+/// How it is planned.
+void readPlanning(const Arguments& arguments, PlanOptions& plan) {
+    const std::string strategy = arguments.value("--strategy");
+    plan.strategy = strategy == "add"       ? StrategyWish::add
+                    : strategy == "rebuild" ? StrategyWish::rebuild
+                                            : StrategyWish::automatic;
+    plan.accept = arguments.partsOf("--accept");
+    for (std::string& id : plan.accept) {
+        std::transform(id.begin(), id.end(), id.begin(), text::upper);
+    }
+}
+
 void readPlan(const Arguments& arguments, Request& request) {
     PlanOptions& plan = request.plan;
     plan.classDefaults = arguments.has("--default");
@@ -441,15 +454,72 @@ void readPlan(const Arguments& arguments, Request& request) {
     }
     plan.exitCode = arguments.has("--exit-code");
     plan.rehearse = !arguments.has("--no-rehearsal");
-    const std::string strategy = arguments.value("--strategy");
-    plan.strategy = strategy == "add"       ? StrategyWish::add
-                    : strategy == "rebuild" ? StrategyWish::rebuild
-                                            : StrategyWish::automatic;
-    plan.accept = arguments.partsOf("--accept");
-    for (std::string& id : plan.accept) {
-        std::transform(id.begin(), id.end(), id.begin(), text::upper);
-    }
+    readPlanning(arguments, plan);
     plan.timings = arguments.values("--timings");
+}
+
+/// What apply and reset have in common.
+void readChanging(const Arguments& arguments, ApplyOptions& apply) {
+    if (arguments.has("--destroy")) {
+        apply.destroy = destroyWishOf(arguments.value("--destroy")).value_or(DestroyWish());
+    }
+    apply.careful = arguments.has("--careful");
+    apply.keepGoing = arguments.has("--keep-going");
+    apply.journal = arguments.value("--journal");
+    apply.certificate = arguments.value("--certificate");
+    apply.certificates = arguments.value("--certificates");
+    apply.log = arguments.value("--log");
+    if (arguments.has("--limit-seconds")) {
+        apply.stepLimit = std::chrono::seconds(
+            wholeNumber(arguments.value("--limit-seconds"), 1, longestCaptureLimit).value_or(1));
+    }
+    apply.timings = arguments.values("--timings");
+    if (apply.destroy.kind == DestroyWish::Kind::own && apply.certificates.empty()) {
+        throw ArgumentFault{"--destroy own needs --certificates: without one nothing is known to "
+                            "be your own",
+                            "name the folder of the certificates: --certificates proofs"};
+    }
+}
+
+/// Options of one way to apply, given with another.
+void refuseOthers(const Arguments& arguments, std::string_view way,
+                  std::initializer_list<const char*> options, const std::string& help) {
+    for (const char* const option : options) {
+        if (arguments.has(option)) {
+            throw ArgumentFault{std::string(option) + " does not go with " + std::string(way),
+                                help};
+        }
+    }
+}
+
+void readApply(const Arguments& arguments, Request& request) {
+    ApplyOptions& apply = request.apply;
+    const std::vector<std::string> words = wordsOf(arguments, 0, 1, "");
+    apply.plan = words.empty() ? "" : words.front();
+    apply.policies.file = arguments.value("--policies");
+    apply.resume = arguments.value("--resume");
+    const int ways = (apply.plan.empty() ? 0 : 1) + (apply.policies.file.empty() ? 0 : 1) +
+                     (apply.resume.empty() ? 0 : 1);
+    if (ways == 0) {
+        throw ArgumentFault{"apply needs a plan, --policies or --resume",
+                            "zolexctl plan site.ini -o plan.json, and zolexctl apply plan.json"};
+    }
+    if (ways > 1) {
+        throw ArgumentFault{"apply takes one of a plan, --policies and --resume",
+                            helpOf(Command::apply)};
+    }
+    if (!apply.resume.empty()) {
+        refuseOthers(arguments, "--resume",
+                     {"--journal", "--controller", "--strategy", "--accept", "--allow-skipped"},
+                     "the journal says what the run is for");
+    }
+    if (!apply.plan.empty()) {
+        refuseOthers(arguments, "a plan that is made already", {"--strategy", "--accept"},
+                     "plan again, with this option: zolexctl plan site.ini -o plan.json");
+    }
+    readPlanning(arguments, apply.policies);
+    apply.allowSkipped = arguments.has("--allow-skipped");
+    readChanging(arguments, apply);
 }
 
 void readDiff(const Arguments& arguments, Request& request) {
@@ -518,6 +588,11 @@ void readRequest(const Arguments& arguments, Request& request) {
     switch (request.command) {
     case Command::plan:
         return readPlan(arguments, request);
+    case Command::apply:
+        return readApply(arguments, request);
+    case Command::reset:
+        wordsOf(arguments, 0, 0, "");
+        return readChanging(arguments, request.apply);
     case Command::diff:
         return readDiff(arguments, request);
     case Command::show:

@@ -21,6 +21,7 @@ struct Request {
     bool quiet = false;
     bool verbose = false;
     PlanOptions plan;
+    ApplyOptions apply; ///< of reset too
     DiffOptions diff;
     ShowOptions show;
     CheckOptions check;

@@ -84,8 +84,8 @@ std::string programHelp() {
     std::string text =
         "usage: zolexctl [OPTIONS] COMMAND [OPTIONS]\n\n" +
         wrapped("",
-                "Looks at the RAID controllers of a server and at policies for them. Nothing that "
-                "it does changes anything on a server.",
+                "Looks at the RAID controllers of a server and at policies for them, plans, and "
+                "carries plans out. Only apply and reset change anything on a server.",
                 0) +
         "\ncommands:\n";
     for (const CommandRow& row : commandRows()) {

@@ -60,6 +60,10 @@ int runCommand(Context& context, const Request& request) {
     switch (request.command) {
     case Command::plan:
         return plan(context, request.plan);
+    case Command::apply:
+        return apply(context, request.apply);
+    case Command::reset:
+        return reset(context, request.apply);
     case Command::diff:
         return diff(context, request.diff);
     case Command::show:
@@ -101,6 +105,9 @@ int answer(const ArgumentReading& reading, Context& context) {
 int runArguments(const std::vector<std::string>& arguments, Platform& platform) {
     const ArgumentReading reading = readArguments(arguments);
     Context context = makeContext(reading.request, arguments, platform);
+    context.canAsk = streamState(StandardStream::input).isTerminal &&
+                     streamState(StandardStream::error).isTerminal;
+    context.rewritesLines = streamState(StandardStream::output).isTerminal;
     context.showsProgress = !reading.request.quiet && streamState(StandardStream::error).isTerminal;
     int code = exit_code::notPossible;
     try {
@@ -110,7 +117,9 @@ int runArguments(const std::vector<std::string>& arguments, Platform& platform) 
     } catch (const std::exception& error) {
         failWith(context, printable(error.what()), "nothing on the server was changed");
     }
-    return outputIsWritten(context) ? code : exit_code::notPossible;
+    // What became of a server is told before what became of the output.
+    return outputIsWritten(context) || code > exit_code::notPossible ? code
+                                                                     : exit_code::notPossible;
 }
 
 } // namespace

@@ -11,6 +11,7 @@ namespace {
 
 constexpr CommandSet lookers = only(Command::plan) | only(Command::diff) | only(Command::show) |
                                only(Command::doctor) | only(Command::record);
+constexpr CommandSet changers = only(Command::apply) | only(Command::reset);
 constexpr CommandSet writers =
     lookers | only(Command::check) | only(Command::convert) | only(Command::explain);
 
@@ -31,6 +32,34 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "zolexctl plan site.ini -o plan.json\n"
      "zolexctl plan site.ini --controller 2 -o plan.html\n"
      "zolexctl plan --default"},
+    {Command::apply, "apply", "apply PLAN|--policies POLICIES|--resume JOURNAL [OPTIONS]",
+     "carry out a plan, or go on with one",
+     "Carries out a plan that was kept with zolexctl plan -o plan.json, on the very server and the "
+     "very state that it was made for: on another server, or when anything has changed since, it "
+     "is refused. What is lost has to be agreed to: on a terminal by typing the serial number of "
+     "the server, elsewhere with --destroy. Each step is noted in a journal before it is begun, "
+     "and in the end everything is read back and compared with the plan. With --policies it plans "
+     "first, in the same run; with --resume it goes on with a run that was interrupted or "
+     "stopped.\n"
+     "A first Ctrl-C ends the run behind the command that is at work, a second one at once.\n"
+     "Exit code: 0 every controller asked for is as planned, 2 it could not be told, or the plan "
+     "is at fault, and nothing was changed, 3 refused, and nothing was changed, 4 stopped on the "
+     "way, 5 every command was run, but what stands is another than planned, or could not be "
+     "read.",
+     "text json",
+     "zolexctl apply plan.json\n"
+     "zolexctl apply plan.json --destroy 7Q4K-2M9D --log apply.log\n"
+     "zolexctl apply --policies site.ini --destroy own --certificates proofs\n"
+     "zolexctl apply --resume plan.journal.jsonl"},
+    {Command::reset, "reset", "reset [OPTIONS]", "factory defaults of controllers",
+     "Deletes all logical drives, hot spares and foreign configurations of this server's "
+     "controllers, or of some, by the commands of zolex /r. What is lost has to be agreed to, the "
+     "run is noted in a journal (reset.journal.jsonl), and in the end everything is read back, all "
+     "as with apply.\n"
+     "Exit code: 0 nothing stands any more, else as of apply.",
+     "text json",
+     "zolexctl reset --controller 2\n"
+     "zolexctl reset --destroy 7Q4K-2M9D"},
     {Command::diff, "diff", "diff POLICIES|PLAN [OPTIONS]",
      "this server against policies or a plan",
      "Holds what stands on this server against what policies, or a plan that was kept with -o "
@@ -100,17 +129,37 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 32> options{{
+constexpr std::array<OptionRow, 43> options{{
     {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
     {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
-     only(Command::plan), false, faultOfStrategy},
+     only(Command::plan) | only(Command::apply), false, faultOfStrategy},
     {"--default", "", "", "what zolex /d makes of each controller, without policies",
      only(Command::plan)},
     {"--no-rehearsal", "", "", "do not play the plan on a virtual copy", only(Command::plan)},
-    {"--accept", "", "IDS", "let these errors pass, such as ZX701", only(Command::plan), true,
-     faultOfAccepted},
+    {"--accept", "", "IDS", "let these errors pass, such as ZX701",
+     only(Command::plan) | only(Command::apply), true, faultOfAccepted},
     {"--timings", "", "FILE", "tell usual times, from the calls in this recording",
-     only(Command::plan), true, faultOfText},
+     only(Command::plan) | changers, true, faultOfText},
+    {"--policies", "", "FILE", "plan by these policies and carry it out", only(Command::apply),
+     false, faultOfText},
+    {"--resume", "", "JOURNAL", "go on with the run of this journal", only(Command::apply), false,
+     faultOfText},
+    {"--destroy", "", "WHAT",
+     "what may be lost: never, own (what certificates tell of), any, or exactly what a code such "
+     "as 7Q4K-2M9D stands for",
+     changers, false, faultOfDestroy},
+    {"--careful", "", "", "read everything back after each step", changers},
+    {"--keep-going", "", "", "a step that fails ends its own controller alone", changers},
+    {"--allow-skipped", "", "", "controllers that no policy fits are no reason to refuse",
+     only(Command::apply)},
+    {"--journal", "", "FILE", "the journal of the run", changers, false, faultOfText},
+    {"--certificate", "", "FILE", "write the proof of the run to FILE", changers, false,
+     faultOfText},
+    {"--certificates", "", "DIR", "certificates of earlier runs; the new one goes there too",
+     changers, false, faultOfText},
+    {"--log", "", "FILE", "append every command, with what came of it, to FILE", changers, false,
+     faultOfText},
+    {"--limit-seconds", "", "N", "how long a step may take (3600)", changers, false, faultOfLimit},
     {"--strict", "", "", "equivalent and degraded count as different", only(Command::diff)},
     {"--exact", "", "", "policies with the size of each logical drive in MB, not FILL",
      only(Command::show)},
@@ -123,25 +172,25 @@ constexpr std::array<OptionRow, 32> options{{
     {"--as-old", "", "", "say what zolex itself would say of the file", only(Command::check)},
     {"--fix", "", "", "mend in the files what can be mended safely", only(Command::check)},
     {"--redact", "", "", "replace serial numbers and names by made-up ones", only(Command::record)},
-    {"--format", "", "FORMAT", "how to write it", writers},
+    {"--format", "", "FORMAT", "how to write it", writers | changers},
     {"--as", "", "FORMAT", "the same as --format", only(Command::show)},
     {"--output", "-o", "FILE", "write to FILE, which is replaced as a whole", writers, false,
      faultOfText},
     {"--recording", "", "FILE", "look at this recording instead of the server", lookers, false,
      faultOfText},
     {"--record", "", "FILE", "keep every call of a utility in FILE", lookers, false, faultOfText},
-    {"--controller", "", "N[,N]", "only these controllers, numbered from 1", lookers, true,
-     faultOfControllers},
-    {"--utilities", "", "DIR", "the folder of UTIL.BAT and the utilities", lookers, false,
-     faultOfText},
-    {"--utility", "", "NAME=PATH", "the program of a utility: MEGACLI=/opt/MegaCli64", lookers,
-     true, faultOfUtility},
-    {"--capture-limit-seconds", "", "N", "how long a utility may take (300)", lookers, false,
-     faultOfLimit},
-    {"--machine-type", "", "TEXT", "the type of the machine, instead of asking for it", lookers,
+    {"--controller", "", "N[,N]", "only these controllers, numbered from 1", lookers | changers,
+     true, faultOfControllers},
+    {"--utilities", "", "DIR", "the folder of UTIL.BAT and the utilities", lookers | changers,
      false, faultOfText},
-    {"--serial", "", "TEXT", "its serial number, instead of asking for it", lookers, false,
-     faultOfText},
+    {"--utility", "", "NAME=PATH", "the program of a utility: MEGACLI=/opt/MegaCli64",
+     lookers | changers, true, faultOfUtility},
+    {"--capture-limit-seconds", "", "N", "how long reading one listing may take (300)",
+     lookers | changers, false, faultOfLimit},
+    {"--machine-type", "", "TEXT", "the type of the machine, instead of asking for it",
+     lookers | changers, false, faultOfText},
+    {"--serial", "", "TEXT", "its serial number, instead of asking for it", lookers | changers,
+     false, faultOfText},
     {"--color", "", "WHEN", "colours: auto, always or never", anyCommand, false, faultOfColour},
     {"--width", "", "N", "columns of the text, 40 to 1000", anyCommand, false, faultOfWidth},
     {"--quiet", "-q", "", "tell only what is wrong", anyCommand},

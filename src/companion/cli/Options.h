@@ -13,6 +13,8 @@ namespace zolex::companion {
 enum class Command : std::uint8_t {
     none,
     plan,
+    apply,
+    reset,
     diff,
     show,
     check,
@@ -22,7 +24,7 @@ enum class Command : std::uint8_t {
     convert,
     explain
 };
-inline constexpr std::size_t commandCount = 10; ///< with none
+inline constexpr std::size_t commandCount = 12; ///< with none
 
 /// A set of commands.
 using CommandSet = std::uint32_t;

@@ -1,6 +1,7 @@
 #include "companion/cli/Values.h"
 
 #include "companion/cli/Suggestion.h"
+#include "companion/commands/DestroyWish.h"
 #include "companion/commands/Explanations.h"
 #include "companion/lint/Rules.h"
 
@@ -182,6 +183,13 @@ std::string faultOfSelected(std::string_view text) {
 std::string faultOfStrategy(std::string_view text) {
     const bool isKnown = text == "auto" || text == "add" || text == "rebuild";
     return isKnown ? "" : inQuotes(text) + " is none of auto, add and rebuild";
+}
+
+std::string faultOfDestroy(std::string_view text) {
+    if (destroyWishOf(text)) {
+        return {};
+    }
+    return inQuotes(text) + " is none of never, own and any, and no code such as 7Q4K-2M9D";
 }
 
 std::string faultOfAccepted(std::string_view text) {

@@ -41,6 +41,8 @@ inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
 /// Of rules that alone are wanted: one that does not exist would find nothing in any file.
 [[nodiscard]] std::string faultOfSelected(std::string_view text);
 [[nodiscard]] std::string faultOfStrategy(std::string_view text);
+/// Of what may be lost: a word, or a code of consent.
+[[nodiscard]] std::string faultOfDestroy(std::string_view text);
 /// Of errors that a plan lets pass: ids of rules and of what only a plan finds.
 [[nodiscard]] std::string faultOfAccepted(std::string_view text);
 

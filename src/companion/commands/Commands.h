@@ -1,8 +1,10 @@
 #pragma once
 
 #include "companion/commands/Context.h"
+#include "companion/commands/DestroyWish.h"
 #include "companion/planning/Plan.h"
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -21,6 +23,26 @@ struct PlanOptions {
     std::vector<std::string> timings; ///< recordings
 };
 int plan(Context& context, const PlanOptions& options);
+
+/// Of apply and reset.
+struct ApplyOptions {
+    std::string plan;     ///< file of a plan; or empty
+    std::string resume;   ///< journal of a run that is gone on with; or empty
+    PlanOptions policies; ///< of a plan that is made in the same run; without a file: none
+    DestroyWish destroy;
+    bool careful = false;
+    bool keepGoing = false;
+    bool allowSkipped = false;
+    std::string journal;      ///< file; empty: beside the plan
+    std::string certificate;  ///< file; or empty
+    std::string certificates; ///< folder; or empty
+    std::string log;          ///< file; or empty
+    std::chrono::seconds stepLimit{3600};
+    std::vector<std::string> timings; ///< recordings
+};
+int apply(Context& context, const ApplyOptions& options);
+/// The factory defaults of controllers; `plan`, `resume` and `policies` are empty.
+int reset(Context& context, const ApplyOptions& options);
 
 struct DiffOptions {
     std::string file; ///< of policies, or a plan; "-": standard input

@@ -1,17 +1,22 @@
 #pragma once
 
+#include "companion/execution/ExecutionSystem.h"
 #include "companion/findings/Finding.h"
 #include "companion/text/Terminal.h"
 #include "platform/Platform.h"
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace zolex::companion {
+
+struct Utilities;
 
 /// Exit codes of zolexctl, the same for every command.
 namespace exit_code {
@@ -50,6 +55,11 @@ struct Context {
     std::vector<std::string> argv;   ///< arguments without the program's name
     std::vector<Finding> failures{}; ///< what failWith was told, for documents
     bool showsProgress = false;      ///< a line for each child of a capture on standard error
+    bool canAsk = false;             ///< somebody reads standard error and types an answer
+    bool rewritesLines = false;      ///< standard output is a terminal: a line can be written anew
+    /// Makes what changes a machine; empty: that of the system.
+    std::function<std::unique_ptr<ExecutionSystem>(Platform& system, const Utilities& utilities)>
+        makeExecution{};
 };
 
 /// Writes what the command gives: to standard output, or to the output file, which is replaced as a

@@ -1,21 +1,17 @@
 #include "companion/planning/Plan.h"
 #include "companion/commands/Commands.h"
 #include "companion/commands/MachineAccess.h"
-#include "companion/commands/PolicyFiles.h"
+#include "companion/commands/PlanMaking.h"
 #include "companion/commands/Timings.h"
 #include "companion/json/PlanDocument.h"
 #include "companion/machine/Capture.h"
-#include "companion/machine/ProblemCodes.h"
-#include "companion/machine/System.h"
 #include "companion/picture/PlanPicture.h"
 #include "companion/picture/PlanText.h"
-#include "companion/rehearsal/Rehearse.h"
 #include "companion/text/Diagnostics.h"
 #include "companion/text/OutputFile.h"
 #include "companion/text/Timestamp.h"
 
 #include <algorithm>
-#include <chrono>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -25,50 +21,16 @@ namespace zolex::companion {
 
 namespace {
 
-/// The word as it is typed.
-std::string typed(const std::string& word) {
-    return word.find(' ') == std::string::npos ? word : "\"" + word + "\"";
-}
-
-/// What was typed, but for what is let pass and for how the plan is written: it makes the same
-/// plan.
-std::string commandOf(const Context& context, const PlanOptions& options) {
-    const MachineOptions& machine = context.machine;
-    std::string command =
-        "zolexctl plan " + (options.classDefaults ? "--default" : typed(options.file));
-    const auto add = [&command](const char* option, const std::string& value) {
-        if (!value.empty()) {
-            command += std::string(" ") + option + " " + typed(value);
-        }
-    };
-    add("--strategy", options.strategy == StrategyWish::add       ? "add"
-                      : options.strategy == StrategyWish::rebuild ? "rebuild"
-                                                                  : "");
-    std::string numbers;
-    for (const std::int32_t number : machine.controllers) {
-        numbers += (numbers.empty() ? "" : ",") + std::to_string(number);
-    }
-    add("--controller", numbers);
-    add("--recording", machine.recording);
-    add("--utilities", machine.utilitiesFolder);
-    for (const auto& [name, path] : machine.utilities) {
-        add("--utility", name + "=" + path);
-    }
-    add("--machine-type", machine.machineType);
-    add("--serial", machine.serialNumber);
-    return command;
-}
-
 class PlanCommand {
   public:
     PlanCommand(Context& context, const PlanOptions& options)
-        : context_(context), options_(options) {}
+        : context_(context), options_(options), maker_(context, options) {}
 
     int run() {
         const int code = planOnce();
         // Whoever asked for a document gets one.
         if (!isDelivered_ && context_.format == Format::json) {
-            const std::string document = failedPlanDocument(findings(), head());
+            const std::string document = failedPlanDocument(maker_.faults(), head());
             return deliver(context_, document) ? code : exit_code::notPossible;
         }
         return code;
@@ -76,7 +38,7 @@ class PlanCommand {
 
   private:
     int planOnce() {
-        if (!readPolicies() || !readTimings()) {
+        if (!maker_.readPolicies() || !readTimings()) {
             return exit_code::notPossible;
         }
         try {
@@ -86,26 +48,6 @@ class PlanCommand {
         } catch (const NoSuchController& missing) {
             return failWith(context_, missing.what(), "zolexctl show lists those that there are");
         }
-    }
-
-    bool readPolicies() {
-        request_.classDefaults = options_.classDefaults;
-        request_.strategy = options_.strategy;
-        request_.accept = options_.accept;
-        request_.command = commandOf(context_, options_);
-        if (options_.classDefaults) {
-            return true;
-        }
-        PoliciesText read = readPoliciesText(context_.platform, options_.file);
-        if (read.fault) {
-            fault_ = read.fault;
-            failWith(context_, printable(read.name) + ": " + printable(read.fault->summary),
-                     read.fault->help.front());
-            return false;
-        }
-        request_.policiesFile = std::move(read.name);
-        request_.policiesText = std::move(read.text);
-        return true;
     }
 
     bool readTimings() {
@@ -118,22 +60,9 @@ class PlanCommand {
     }
 
     int look(Platform& machine, const Utilities& utilities) {
-        const std::chrono::milliseconds begin = system::elapsed();
-        const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
-        if (context_.machine.recording.empty()) {
-            terms_.captureTime = system::elapsed() - begin;
-        }
-        if (snapshot.details.empty()) {
-            return failWith(context_, "no supported RAID controller was found",
-                            "zolexctl doctor tells what is there");
-        }
-        madeAt_ = timestampOf(machine.localTime());
-        MachinePlan plan = planMachine(snapshot, request_);
-        if (options_.rehearse && plan.isApplicable()) {
-            rehearse(snapshot, plan);
-        }
-        plan.id = planIdOf(plan, madeAt_);
-        return give(plan);
+        const std::optional<MachinePlan> plan = maker_.make(machine, utilities);
+        terms_.captureTime = maker_.captureTime();
+        return plan ? give(*plan) : exit_code::notPossible;
     }
 
     int give(const MachinePlan& plan) {
@@ -190,7 +119,7 @@ class PlanCommand {
         case Format::svg:
             return planSvg(plan);
         case Format::html:
-            return planHtml(plan, madeAt_);
+            return planHtml(plan, maker_.madeAt(), terms_.savedTo);
         default:
             PlanTextTerms terms = terms_;
             terms.verbose = context_.verbose;
@@ -211,26 +140,19 @@ class PlanCommand {
             take(controller.diagnostics);
             take(controller.warnings);
         }
-        const SourceFile source{request_.policiesFile, request_.policiesText};
+        const SourceFile source{maker_.request().policiesFile, maker_.request().policiesText};
         return diagnosticsText(all, {&source, 1}, context_.style);
     }
 
-    /// Why there is no plan.
-    [[nodiscard]] std::vector<Finding> findings() const {
-        return fault_ ? std::vector<Finding>{*fault_} : context_.failures;
-    }
-
     [[nodiscard]] DocumentHead head() const {
-        return {context_.argv,
-                madeAt_.empty() ? timestampOf(context_.platform.localTime()) : madeAt_};
+        return {context_.argv, maker_.madeAt().empty() ? timestampOf(context_.platform.localTime())
+                                                       : maker_.madeAt()};
     }
 
     Context& context_;
     const PlanOptions& options_;
-    PlanRequest request_;
+    PlanMaker maker_;
     PlanTextTerms terms_;
-    std::optional<Finding> fault_; ///< of the policies file
-    std::string madeAt_;
     bool isDelivered_ = false;
 };
 

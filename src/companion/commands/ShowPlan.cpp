@@ -21,7 +21,7 @@ std::string shownPlan(const Context& context, const PlanReading& reading, const 
     case Format::svg:
         return planSvg(*reading.plan);
     case Format::html:
-        return planHtml(*reading.plan, reading.head.madeAt);
+        return planHtml(*reading.plan, reading.head.madeAt, file);
     default:
         PlanTextTerms terms;
         terms.verbose = context.verbose;

@@ -60,6 +60,9 @@ struct ApplyTerms {
     /// Makes or reopens the journal; null, after a message, when that fails. Called when everything
     /// was agreed to and before anything is changed.
     std::function<std::unique_ptr<JournalKeeper>()> openJournal;
+    /// Removes the journal that openJournal has made, when the run is refused after all and nothing
+    /// was started; its keeper is gone by then. Not called when a run is resumed. May be empty.
+    std::function<void()> dropJournal;
 };
 
 /// How it ended.
@@ -82,7 +85,9 @@ struct ApplyEnd {
 
 /// Carries out a plan: captures the machine and refuses another one, and one that has changed;
 /// takes the locks; asks; then step by step, each noted before it is begun; then captures again and
-/// compares. `machine` is the platform that answers captures in zolex's command lines.
+/// compares. `machine` is the platform that answers captures in zolex's command lines; by its files
+/// the output of a step is removed when the journal has it. Of what is thrown only what is derived
+/// from std::exception is caught: it ends the run with a code as any other fault does.
 [[nodiscard]] ApplyEnd applyPlan(Platform& machine, const CaptureRequest& capture,
                                  ExecutionSystem& system, const MachinePlan& plan,
                                  const ApplyTerms& terms, ApplyListener& listener);

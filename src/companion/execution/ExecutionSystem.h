@@ -24,7 +24,8 @@ class StartedChild {
   public:
     virtual ~StartedChild() = default;
     [[nodiscard]] virtual ProcessIdentity identity() const = 0;
-    /// Waits up to `limit` for its end; ends early when the user interrupts. Nothing: it runs.
+    /// Waits up to `limit` for its end; ends early at the moment in which the user interrupts, and
+    /// waits on when it is called again. Nothing: it runs.
     /// Whatever becomes of this object, the child runs on to its end and can write its output.
     [[nodiscard]] virtual std::optional<ChildResult> wait(std::chrono::milliseconds limit) = 0;
     /// What it has written so far, at most `most` bytes of its begin.
@@ -40,6 +41,8 @@ class DurableFile {
 };
 
 /// A lock that this process holds. It ends on destruction, and with the process however that ends.
+/// Its file goes with it, unless a child is noted that may still run: then the file stays, held by
+/// nobody, and the next one who asks for the lock is told of the child.
 class RunLock {
   public:
     virtual ~RunLock() = default;
@@ -67,8 +70,8 @@ class ExecutionSystem {
 
     /// Starts a command line as zolex writes it ("UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT") in a
     /// process group of its own, without standard input. Its output goes to the file `output`,
-    /// which is made anew, so that it outlives this process unharmed. Null when it cannot be
-    /// started.
+    /// which is made anew, so that it outlives this process unharmed, and stays until it is removed
+    /// by whoever has read it. Null when it cannot be started.
     virtual std::unique_ptr<StartedChild> start(std::string_view commandLine,
                                                 const std::string& output) = 0;
     [[nodiscard]] virtual ProcessIdentity ownProcess() = 0;

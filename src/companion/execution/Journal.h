@@ -2,8 +2,10 @@
 
 #include "companion/execution/ExecutionSystem.h"
 #include "companion/machine/Fingerprint.h"
+#include "companion/machine/Sha256.h"
 #include "platform/Platform.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -108,8 +110,10 @@ struct JournalEnd {
 using JournalEvent =
     std::variant<JournalBegin, JournalCaptured, JournalAgreed, JournalStepStarted, JournalChild,
                  JournalStepEnded, JournalStepFoundDone, JournalVerified, JournalEnd>;
-/// "begin", "captured", "agreed", "step-started", "child", "step-ended", "step-found-done",
-/// "verified", "end".
+/// The words of the events, in the order of the variant.
+inline constexpr std::array<std::string_view, std::variant_size_v<JournalEvent>> journalEventWords =
+    {"begin",      "captured",        "agreed",   "step-started", "child",
+     "step-ended", "step-found-done", "verified", "end"};
 [[nodiscard]] std::string_view journalEventWord(const JournalEvent& event);
 
 /// Bytes of a step's output that are kept.
@@ -127,6 +131,8 @@ struct JournalHistory {
     std::string file;
     std::vector<JournalEntry> entries; ///< the first is a JournalBegin
     std::string lastHash;              ///< SHA-256 of the last line, for the next one
+    std::uint64_t lastSeq = 0;         ///< of the last line, which may be one that is passed over
+    Sha256 hash;                       ///< over the bytes of all whole lines; to be gone on with
     std::uint64_t bytes = 0;           ///< of all whole lines
     bool isTorn = false;               ///< a last line was cut and is left out
 

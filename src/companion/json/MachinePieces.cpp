@@ -137,30 +137,27 @@ void writeSupported(DocumentText& out, const Facts& facts) {
     out.end();
 }
 
-void writeFingerprint(DocumentText& out, const Fingerprint& fingerprint) {
-    out.object("fingerprint");
-    out.text("algorithm", Fingerprint::algorithm);
-    out.text("strength", strengthWord(fingerprint.strength));
-    out.object("identity");
-    out.text("sha256", fingerprint.identity);
-    out.textOrNull("machine_type", fingerprint.machineType);
-    out.textOrNull("serial_number", fingerprint.serialNumber);
-    out.list("controllers");
+Json fingerprintJson(const Fingerprint& fingerprint) {
+    Json controllers = Json::array();
     for (const Fingerprint::Controller& controller : fingerprint.controllers) {
-        out.object();
-        out.number("number", controller.number);
-        out.textOrNull("pci", controller.pci);
-        out.textOrNull("ids", controller.ids);
-        out.textOrNull("model", controller.model);
-        out.textOrNull("serial_number", controller.serialNumber);
-        out.end();
+        controllers.push_back({{"number", controller.number},
+                               {"pci", orNull(controller.pci)},
+                               {"ids", orNull(controller.ids)},
+                               {"model", orNull(controller.model)},
+                               {"serial_number", orNull(controller.serialNumber)}});
     }
-    out.end();
-    out.end();
-    out.object("state");
-    out.text("sha256", fingerprint.state);
-    out.end();
-    out.end();
+    return {{"algorithm", Fingerprint::algorithm},
+            {"strength", strengthWord(fingerprint.strength)},
+            {"identity",
+             {{"sha256", fingerprint.identity},
+              {"machine_type", orNull(fingerprint.machineType)},
+              {"serial_number", orNull(fingerprint.serialNumber)},
+              {"controllers", std::move(controllers)}}},
+            {"state", {{"sha256", fingerprint.state}}}};
+}
+
+void writeFingerprint(DocumentText& out, const Fingerprint& fingerprint) {
+    out.json("fingerprint", fingerprintJson(fingerprint));
 }
 
 void writeDiagnostics(DocumentText& out, std::string_view name,

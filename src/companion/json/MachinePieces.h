@@ -23,7 +23,9 @@ void writeStatus(DocumentText& out, Health health, std::string_view state);
 void writeDrive(DocumentText& out, const MachineDrive& drive);
 /// "supported": {raid_types, strip_size_bytes}.
 void writeSupported(DocumentText& out, const Facts& facts);
-/// "fingerprint": {algorithm, strength, identity, state}.
+/// {algorithm, strength, identity, state}.
+[[nodiscard]] Json fingerprintJson(const Fingerprint& fingerprint);
+/// "fingerprint": the same under that name.
 void writeFingerprint(DocumentText& out, const Fingerprint& fingerprint);
 /// A list of diagnostics under a name.
 void writeDiagnostics(DocumentText& out, std::string_view name,

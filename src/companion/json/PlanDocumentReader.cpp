@@ -1,20 +1,21 @@
+#include "companion/json/DocumentReading.h"
 #include "companion/json/MachinePieces.h"
 #include "companion/json/PlanDocument.h"
 #include "companion/json/PlanPieces.h"
 #include "companion/machine/ProblemCodes.h"
-#include "companion/text/OutputFile.h"
+#include "companion/machine/Sha256.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 
 namespace zolex::companion {
 
 namespace {
 
-constexpr std::string_view formatName = "zolex-plan";
-constexpr std::int32_t formatMajor = 1;
+constexpr DocumentCodes codes = {problem::documentUnreadable, problem::otherDocument,
+                                 problem::otherVersion,       problem::documentBroken,
+                                 problem::documentWrong,      problem::documentTooLarge};
 constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
 
 /// Null: 0.
@@ -296,40 +297,8 @@ void readId(const Part& document, MachinePlan& plan) {
     }
 }
 
-/// Throws for what is no plan, and for a version of which this program knows nothing.
-void checkFormat(const Part& document) {
-    const std::string format =
-        document.json().is_object() && document.has("format") ? document.text("format") : "";
-    if (format != formatName) {
-        throw DocumentFault{DocumentFault::Kind::otherDocument,
-                            format.starts_with("zolex-")
-                                ? "this is no plan but a document of the format " + format
-                                : "this is no plan: \"format\" is not \"" +
-                                      std::string(formatName) + "\""};
-    }
-    const std::string version = document.word("format_version");
-    std::int32_t major = 0;
-    std::int32_t minor = 0;
-    const char* const end = version.data() + version.size();
-    auto read = std::from_chars(version.data(), end, major);
-    bool isVersion = read.ec == std::errc() && read.ptr != end && *read.ptr == '.';
-    if (isVersion) {
-        read = std::from_chars(read.ptr + 1, end, minor);
-        isVersion = read.ec == std::errc() && read.ptr == end && major >= 0 && minor >= 0;
-    }
-    if (!isVersion) {
-        document.fail("format_version", "is no version such as \"1.0\"");
-    }
-    if (major != formatMajor) {
-        throw DocumentFault{DocumentFault::Kind::otherVersion,
-                            "this plan has format version " + version +
-                                ", of which this program knows nothing: it reads version " +
-                                std::to_string(formatMajor)};
-    }
-}
-
 void readDocument(const Part& document, PlanReading& reading) {
-    checkFormat(document);
+    checkFormat(document, "zolex-plan", "plan");
     reading.head.argv = document.object("tool").texts("argv", mostPlanLines);
     reading.head.madeAt = document.word("made_at");
     MachinePlan plan;
@@ -354,88 +323,30 @@ void readDocument(const Part& document, PlanReading& reading) {
     reading.plan = std::move(plan);
 }
 
-std::string_view codeOf(DocumentFault::Kind kind) {
-    switch (kind) {
-    case DocumentFault::Kind::notJson:
-        return problem::documentBroken;
-    case DocumentFault::Kind::tooLarge:
-        return problem::documentTooLarge;
-    case DocumentFault::Kind::otherDocument:
-        return problem::otherDocument;
-    case DocumentFault::Kind::otherVersion:
-        return problem::otherVersion;
-    case DocumentFault::Kind::wrongValue:
-        break;
-    }
-    return problem::documentWrong;
-}
-
-TextPlace placeIn(std::string_view text, std::size_t byte) {
-    const std::string_view before = text.substr(0, byte);
-    const std::size_t lineStart = before.rfind('\n') + 1; // 0 without one
-    constexpr auto most = static_cast<std::size_t>(mostNumber);
-    TextPlace place;
-    place.line = static_cast<std::int32_t>(std::min(
-        static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1, most));
-    place.column = static_cast<std::int32_t>(std::min(byte - lineStart + 1, most));
-    place.byte = static_cast<std::int64_t>(byte);
-    return place;
-}
-
-PlanReading notRead(std::string_view fileName, std::string_view code, std::string summary) {
-    Finding finding = problemFinding(code, std::move(summary));
-    finding.file = fileName;
-    return {std::nullopt, {}, {std::move(finding)}};
-}
-
-PlanReading tooLarge(std::string_view fileName) {
-    return notRead(fileName, problem::documentTooLarge,
-                   "the document is larger than " + std::to_string(mostPlanBytes >> 20U) + " MB");
-}
-
 } // namespace
 
 PlanReading readPlanDocument(std::string_view text, std::string_view fileName) {
     if (text.size() > mostPlanBytes) {
-        return tooLarge(fileName);
+        return {std::nullopt, {}, {tooLargeFinding(fileName, codes, mostPlanBytes)}};
     }
     PlanReading reading;
     try {
         const Json document = parseDocument(text);
         readDocument(Part(document), reading);
     } catch (const DocumentFault& fault) {
-        reading = notRead(fileName, codeOf(fault.kind), fault.text);
-        if (fault.byte) {
-            reading.findings.front().start = placeIn(text, *fault.byte);
-            reading.findings.front().end = reading.findings.front().start;
-        }
+        reading = {std::nullopt, {}, {findingOf(fault, codes, text, fileName)}};
     }
     return reading;
 }
 
 PlanReading readPlanFile(FileSystem& files, const std::string& name) {
-    constexpr std::size_t blockSize = std::size_t{1} << 20U;
-    const std::unique_ptr<File> file = files.open(name, "r");
-    if (file == nullptr) {
-        return notRead(name, problem::documentUnreadable,
-                       "the file cannot be opened: " + lastSystemError());
+    FileBytes bytes = readBytes(files, name, codes, mostPlanBytes);
+    if (!bytes.findings.empty()) {
+        return {std::nullopt, {}, std::move(bytes.findings)};
     }
-    std::string text;
-    std::size_t size = 0;
-    std::size_t got = 0;
-    do {
-        text.resize(size + blockSize);
-        got = file->read(std::span(text).subspan(size));
-        size += got;
-        if (size > mostPlanBytes) {
-            return tooLarge(name);
-        }
-    } while (got == blockSize);
-    text.resize(size);
-    if (file->failed()) {
-        return notRead(name, problem::documentUnreadable, "the file cannot be read");
-    }
-    return readPlanDocument(text, name);
+    PlanReading reading = readPlanDocument(bytes.text, name);
+    reading.hash = sha256(bytes.text);
+    return reading;
 }
 
 } // namespace zolex::companion

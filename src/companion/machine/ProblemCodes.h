@@ -69,6 +69,21 @@ inline constexpr std::string_view convertNoPolicy = "ZP261";
 inline constexpr std::string_view convertNoController = "ZP262";
 inline constexpr std::string_view convertCovering = "ZP263";
 inline constexpr std::string_view convertLevels = "ZP264";
+inline constexpr std::string_view journalUnreadable = "ZA180";
+inline constexpr std::string_view notAJournal = "ZA181";
+inline constexpr std::string_view otherJournalVersion = "ZA182";
+inline constexpr std::string_view journalBroken = "ZA183";
+inline constexpr std::string_view journalWrong = "ZA184";
+inline constexpr std::string_view journalTooLarge = "ZA185";
+inline constexpr std::string_view journalChanged = "ZA186";
+inline constexpr std::string_view nothingBegun = "ZA187";
+inline constexpr std::string_view certificateUnreadable = "ZA190";
+inline constexpr std::string_view notACertificate = "ZA191";
+inline constexpr std::string_view otherCertificateVersion = "ZA192";
+inline constexpr std::string_view certificateBroken = "ZA193";
+inline constexpr std::string_view certificateWrong = "ZA194";
+inline constexpr std::string_view certificateTooLarge = "ZA195";
+inline constexpr std::string_view otherCertifiedMachine = "ZA196";
 } // namespace problem
 
 /// All of them, in the order of their ids.

@@ -638,39 +638,37 @@ std::string withRanges(const std::string& text) {
     return result;
 }
 
-CarryOut carryOutOf(const MachinePlan& plan, std::string_view listedWhere) {
-    constexpr std::string_view unnamed = "<stdin>";
-    const std::vector<std::string>& differences = plan.oldCommand.differences;
-    const std::string file = plan.policiesFile == unnamed ? "site.ini" : plan.policiesFile;
+CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
     CarryOut way;
-    if (plan.oldCommand.wouldRun.empty()) {
-        way.sentence = "zolexctl only plans, and zolex takes no entries that tell drives by what "
-                       "they are. Write policies with numbers, and plan those:";
-        way.commands = {"zolexctl record -o server.zrec",
-                        "zolexctl convert --to policies --machine server.zrec " + file +
-                            " -o numbers.ini",
-                        "zolexctl plan numbers.ini"};
-        return way;
+    way.sentence =
+        plan.consent.empty() ? "To carry it out:" : "To agree to exactly this, and carry it out:";
+    const std::string file = savedTo.empty() ? "plan.json" : savedTo;
+    if (savedTo.empty()) {
+        const std::string command = plan.command.empty()
+                                        ? "zolexctl plan " + policiesArgument(plan.policiesFile)
+                                        : plan.command;
+        way.commands.push_back(command + " -o " + file);
     }
-    for (std::string command : plan.oldCommand.wouldRun) {
-        if (const std::size_t at = command.find(unnamed); at != std::string::npos) {
-            command.replace(at, unnamed.size(), file);
-        }
-        if (command.find(" /r ") != std::string::npos && leavesSomething(plan)) {
-            way.warning = "With /r zolex first erases everything on all controllers of the server, "
-                          "also what stays in this plan.";
-        }
-        way.commands.push_back(std::move(command));
-    }
-    way.sentence = differences.empty() ? "zolexctl only plans. To carry it out:"
-                                       : "zolexctl only plans. zolex carries it out, but "
-                                         "differs as listed " +
-                                             std::string(listedWhere) + ":";
+    const bool hasSkipped = std::any_of(
+        plan.controllers.begin(), plan.controllers.end(),
+        [](const ControllerPlanning& each) { return each.disposition == Disposition::skipped; });
+    const bool isPlain = file.find(' ') == std::string::npos;
+    way.commands.push_back("zolexctl apply " + (isPlain ? file : "\"" + file + "\"") +
+                           (plan.consent.empty() ? "" : " --destroy " + plan.consent) +
+                           (hasSkipped ? " --allow-skipped" : ""));
     return way;
 }
 
-std::string consentText(const MachinePlan& plan) {
-    return "Consent code for exactly this: " + printable(plan.consent);
+std::string oldWarning(const MachinePlan& plan) {
+    const std::vector<std::string>& commands = plan.oldCommand.wouldRun;
+    const bool erases =
+        std::any_of(commands.begin(), commands.end(), [](const std::string& command) {
+            return command.find(" /r ") != std::string::npos;
+        });
+    return erases && leavesSomething(plan)
+               ? "With /r zolex first erases everything on all controllers of the server, also "
+                 "what stays in this plan."
+               : "";
 }
 
 std::string rebuildText(const ControllerDiff& diff) {

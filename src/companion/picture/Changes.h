@@ -68,17 +68,16 @@ struct ControllerChange {
 /// The errors of the plan, and the controllers that have some: "2 errors, on controllers 1 and 3".
 [[nodiscard]] std::string faultsText(const MachinePlan& plan);
 
-/// How a plan is carried out; zolexctl itself only plans.
+/// How a plan is carried out.
 struct CarryOut {
     std::string sentence;              ///< ends with ":", what is to be typed follows
     std::vector<std::string> commands; ///< not printable yet
-    std::string warning;               ///< of what the commands erase beside what the plan does
 };
-/// `listedWhere` says where the differences from zolex stand: "above".
-[[nodiscard]] CarryOut carryOutOf(const MachinePlan& plan, std::string_view listedWhere);
+/// `savedTo` is the file of the plan; where it stands in none, keeping it comes first.
+[[nodiscard]] CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo);
 
-/// "Consent code for exactly this: 7Q4K-2M9D".
-[[nodiscard]] std::string consentText(const MachinePlan& plan);
+/// What zolex's own commands erase beside what the plan does; or empty.
+[[nodiscard]] std::string oldWarning(const MachinePlan& plan);
 
 /// Why a controller that differs cannot be mended by adding; empty where it can: "This takes a
 /// rebuild: strip size. To be removed: LD 2."

@@ -382,27 +382,27 @@ std::string lossesTable(const std::vector<Loss>& losses) {
 }
 
 /// How the plan is carried out.
-std::string carryOutPart(const MachinePlan& plan) {
-    const CarryOut way = carryOutOf(plan, "below");
+std::string carryOutPart(const MachinePlan& plan, const std::string& savedTo) {
+    const CarryOut way = carryOutOf(plan, savedTo);
     std::string out = paragraph(way.sentence);
     for (const std::string& command : way.commands) {
         out += commandLine(command);
     }
-    return out + (way.warning.empty() ? "" : paragraph("! " + way.warning, "warning"));
+    return out;
 }
 
 /// What is lost, the code of just this, and how it is carried out.
-std::string consentBox(const MachinePlan& plan) {
+std::string consentBox(const MachinePlan& plan, const std::string& savedTo) {
     if (!plan.changesSomething()) {
         return "<div class=\"box\">\n<h2>Nothing to do</h2>\n</div>\n";
     }
     const std::vector<Loss> losses = plan.losses();
     if (losses.empty()) {
-        return "<div class=\"box\">\n<h2>Nothing is lost</h2>\n" + carryOutPart(plan) + "</div>\n";
+        return "<div class=\"box\">\n<h2>Nothing is lost</h2>\n" + carryOutPart(plan, savedTo) +
+               "</div>\n";
     }
     return "<div class=\"box lost\">\n<h2>- This destroys " + escaped(lossesText(losses)) +
-           "</h2>\n" + lossesTable(losses) + paragraph(consentText(plan)) + carryOutPart(plan) +
-           "</div>\n";
+           "</h2>\n" + lossesTable(losses) + carryOutPart(plan, savedTo) + "</div>\n";
 }
 
 std::string faultBox(const MachinePlan& plan) {
@@ -433,9 +433,11 @@ std::string closingOf(const MachinePlan& plan) {
         for (const std::string& command : old.wouldRun) {
             commands += commandLine(command);
         }
+        const std::string warning = oldWarning(plan);
         out += details("What zolex would do",
-                       commands + (items.empty() ? "<p>The same.</p>\n"
-                                                 : "<ul class=\"plain\">\n" + items + "</ul>\n"));
+                       commands + (warning.empty() ? "" : paragraph("! " + warning, "warning")) +
+                           (items.empty() ? "<p>The same.</p>\n"
+                                          : "<ul class=\"plain\">\n" + items + "</ul>\n"));
     }
     if (!plan.coreMessages.empty()) {
         std::string messages = "<pre>";
@@ -505,7 +507,7 @@ std::string diffSection(const MachineDiff& all, const ControllerDiff& diff,
 
 } // namespace
 
-std::string planHtml(const MachinePlan& plan, std::string_view madeAt) {
+std::string planHtml(const MachinePlan& plan, std::string_view madeAt, const std::string& savedTo) {
     const std::string title = "Plan of " + titleOf(plan.fingerprint);
     std::string out = pageHead(title, planStyle);
     out += "<header>\n<h1>" + escaped(title) + "</h1>\n<p class=\"dim\">";
@@ -521,7 +523,7 @@ std::string planHtml(const MachinePlan& plan, std::string_view madeAt) {
     out += plan.id.empty() ? "" : ", plan " + escaped(plan.id);
     out += madeAt.empty() ? "" : ", made " + escaped(madeAt);
     out += "</p>\n</header>\n<main>\n";
-    out += plan.isApplicable() ? consentBox(plan) : faultBox(plan);
+    out += plan.isApplicable() ? consentBox(plan, savedTo) : faultBox(plan);
     out += findingsList(plan.diagnostics) + findingsList(plan.policiesFindings);
     for (std::size_t i = 0; i < plan.controllers.size(); ++i) {
         out += PlanSection(plan, i, i == 0).write();

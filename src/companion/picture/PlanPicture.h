@@ -15,8 +15,9 @@ namespace zolex::companion {
 /// The picture of one controller (its index in MachinePlan::controllers), as an element of a page.
 [[nodiscard]] std::string planControllerSvg(const MachinePlan& plan, std::size_t index,
                                             bool withLegend);
-/// `madeAt` as it is to be shown.
-[[nodiscard]] std::string planHtml(const MachinePlan& plan, std::string_view madeAt);
+/// `madeAt` as it is to be shown; `savedTo` is the file of the plan, if it stands in one.
+[[nodiscard]] std::string planHtml(const MachinePlan& plan, std::string_view madeAt,
+                                   const std::string& savedTo = {});
 
 /// What stands, and what is wanted. `snapshot` is the machine that was compared: its drives.
 [[nodiscard]] std::string diffSvg(const MachineDiff& diff, const Snapshot& snapshot);

@@ -921,6 +921,9 @@ class PlanTextWriter {
             out_ +=
                 "    and " + std::to_string(differences.size() - shown) + " more, which -v shows\n";
         }
+        if (const std::string warning = oldWarning(plan_); !warning.empty()) {
+            out_ += signedLine("! ", warning, Emphasis::bad, style_);
+        }
     }
 
     void destroys() {
@@ -936,15 +939,11 @@ class PlanTextWriter {
             if (plan_.controllers.size() > 1) {
                 lostByController();
             }
-            out_ += signedLine("", consentText(plan_), Emphasis::bad, style_);
         }
-        const CarryOut way = carryOutOf(plan_, "above");
+        const CarryOut way = carryOutOf(plan_, terms_.savedTo);
         out_ += signedLine("", way.sentence, Emphasis::plain, style_);
         for (const std::string& command : way.commands) {
             out_ += "  " + emphasized(printable(command), Emphasis::bold, style_) + "\n";
-        }
-        if (!way.warning.empty()) {
-            out_ += signedLine("! ", way.warning, Emphasis::bad, style_);
         }
     }
 

@@ -5,12 +5,12 @@
 
 namespace zolex::companion {
 
-enum class StandardStream { output, error };
+enum class StandardStream { input, output, error };
 
 /// What a standard stream of this process leads to.
 struct StreamState {
     bool isTerminal = false;
-    bool takesColours = false; ///< a terminal that understands escape sequences
+    bool takesColours = false; ///< one to write on, that understands escape sequences
     std::optional<std::int32_t> columns;
 };
 

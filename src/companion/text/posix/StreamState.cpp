@@ -8,10 +8,12 @@
 namespace zolex::companion {
 
 StreamState streamState(StandardStream stream) {
-    const int descriptor = stream == StandardStream::output ? STDOUT_FILENO : STDERR_FILENO;
+    const int descriptor = stream == StandardStream::input    ? STDIN_FILENO
+                           : stream == StandardStream::output ? STDOUT_FILENO
+                                                              : STDERR_FILENO;
     StreamState state;
     state.isTerminal = ::isatty(descriptor) == 1;
-    if (!state.isTerminal) {
+    if (!state.isTerminal || stream == StandardStream::input) {
         return state;
     }
     const char* const kind = std::getenv("TERM");

@@ -9,12 +9,13 @@ constexpr DWORD ENABLE_VIRTUAL_TERMINAL_PROCESSING = 4;
 namespace zolex::companion {
 
 StreamState streamState(StandardStream stream) {
-    HANDLE const handle =
-        GetStdHandle(stream == StandardStream::output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    HANDLE const handle = GetStdHandle(stream == StandardStream::input    ? STD_INPUT_HANDLE
+                                       : stream == StandardStream::output ? STD_OUTPUT_HANDLE
+                                                                          : STD_ERROR_HANDLE);
     StreamState state;
     DWORD mode = 0;
     state.isTerminal = GetConsoleMode(handle, &mode) != 0; // which only a console has
-    if (!state.isTerminal) {
+    if (!state.isTerminal || stream == StandardStream::input) {
         return state;
     }
     state.takesColours = (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0 ||

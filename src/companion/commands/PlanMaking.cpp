@@ -1,0 +1,102 @@
+#include "companion/commands/PlanMaking.h"
+
+#include "companion/commands/MachineAccess.h"
+#include "companion/commands/PolicyFiles.h"
+#include "companion/json/PlanDocument.h"
+#include "companion/machine/Capture.h"
+#include "companion/machine/System.h"
+#include "companion/rehearsal/Rehearse.h"
+#include "companion/text/Timestamp.h"
+
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+void addArgument(std::string& command, const char* option, const std::string& value) {
+    if (!value.empty()) {
+        command += std::string(" ") + option + " " + typedWord(value);
+    }
+}
+
+/// What was typed, but for what is let pass and for how the plan is written: it makes the same
+/// plan.
+std::string commandOf(const Context& context, const PlanOptions& options) {
+    std::string command =
+        "zolexctl plan " + (options.classDefaults ? "--default" : typedWord(options.file));
+    addArgument(command, "--strategy",
+                options.strategy == StrategyWish::add       ? "add"
+                : options.strategy == StrategyWish::rebuild ? "rebuild"
+                                                            : "");
+    return command + machineArguments(context.machine);
+}
+
+} // namespace
+
+std::string typedWord(const std::string& word) {
+    return word.find(' ') == std::string::npos ? word : "\"" + word + "\"";
+}
+
+std::string machineArguments(const MachineOptions& machine) {
+    std::string command;
+    std::string numbers;
+    for (const std::int32_t number : machine.controllers) {
+        numbers += (numbers.empty() ? "" : ",") + std::to_string(number);
+    }
+    addArgument(command, "--controller", numbers);
+    addArgument(command, "--recording", machine.recording);
+    addArgument(command, "--utilities", machine.utilitiesFolder);
+    for (const auto& [name, path] : machine.utilities) {
+        addArgument(command, "--utility", name + "=" + path);
+    }
+    addArgument(command, "--machine-type", machine.machineType);
+    addArgument(command, "--serial", machine.serialNumber);
+    return command;
+}
+
+bool PlanMaker::readPolicies() {
+    request_.classDefaults = options_.classDefaults;
+    request_.strategy = options_.strategy;
+    request_.accept = options_.accept;
+    request_.command = commandOf(context_, options_);
+    if (options_.classDefaults) {
+        return true;
+    }
+    PoliciesText read = readPoliciesText(context_.platform, options_.file);
+    if (read.fault) {
+        fault_ = read.fault;
+        failWith(context_, printable(read.name) + ": " + printable(read.fault->summary),
+                 read.fault->help.front());
+        return false;
+    }
+    request_.policiesFile = std::move(read.name);
+    request_.policiesText = std::move(read.text);
+    return true;
+}
+
+std::optional<MachinePlan> PlanMaker::make(Platform& machine, const Utilities& utilities) {
+    const std::chrono::milliseconds begin = system::elapsed();
+    const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
+    if (context_.machine.recording.empty()) {
+        captureTime_ = system::elapsed() - begin;
+    }
+    if (snapshot.details.empty()) {
+        failWith(context_, "no supported RAID controller was found",
+                 "zolexctl doctor tells what is there");
+        return std::nullopt;
+    }
+    madeAt_ = timestampOf(machine.localTime());
+    MachinePlan plan = planMachine(snapshot, request_);
+    if (options_.rehearse && plan.isApplicable()) {
+        rehearse(snapshot, plan);
+    }
+    plan.id = planIdOf(plan, madeAt_);
+    return plan;
+}
+
+std::vector<Finding> PlanMaker::faults() const {
+    return fault_ ? std::vector<Finding>{*fault_} : context_.failures;
+}
+
+} // namespace zolex::companion
