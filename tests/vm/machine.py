@@ -78,7 +78,7 @@ class Machine:
     def start(self):
         out = self.work / "said"
         out.write_bytes(b"")
-        self.said = b""
+        self.said, self.gone = b"", False
         for pipe in ("go.in", "go.out"):
             (self.work / pipe).unlink(missing_ok=True)
             os.mkfifo(self.work / pipe)
@@ -111,9 +111,11 @@ class Machine:
         return re.findall(rb"^@@mark (.*)\n", self.look(), re.M)
 
     def go(self):
-        """Lets a job go on that waits for it."""
-        with open(self.work / "go.in", "wb") as pipe:
-            pipe.write(b"go\n")
+        """Lets a job go on that waits for it, once."""
+        if not self.gone:
+            with open(self.work / "go.in", "wb") as pipe:
+                pipe.write(b"go\n")
+            self.gone = True
 
     def keep_memory(self, file):
         """Writes the machine's memory to a file, from which others go on with drives of the same
