@@ -107,6 +107,7 @@ ApplyTeller::ApplyTeller(Context& context, const MachinePlan& plan, const TellTe
     : context_(context), plan_(plan), terms_(terms), steps_(plan.steps()) {}
 
 void ApplyTeller::isAsPlannedFor(const Snapshot& guard) {
+    guard_ = guard;
     if (terms_.log != nullptr) {
         terms_.log->captured(guard);
         terms_.log->line("the machine is as planned for");
@@ -118,12 +119,34 @@ void ApplyTeller::isAsPlannedFor(const Snapshot& guard) {
 }
 
 ConsentAnswer ApplyTeller::askConsent(const MachinePlan& plan, const std::vector<Loss>& losses) {
-    asked_ = losses;
-    ConsentAnswer answer = consentTo(context_, plan, losses, terms_.consent);
-    if (terms_.log != nullptr && !answer.isGiven) {
-        terms_.log->line("not agreed: " + answer.refused);
+    wasAsked_ = true;
+    ConsentTerms terms = terms_.consent;
+    if (terms_.notOwn && guard_) {
+        terms.notOwn = [this](const std::vector<Loss>& each) {
+            return terms_.notOwn(each, *guard_);
+        };
     }
+    ConsentAnswer answer = consentTo(context_, plan, losses, terms);
+    if (!answer.isGiven) {
+        if (terms_.log != nullptr) {
+            terms_.log->line("not agreed: " + answer.refused);
+        }
+        return answer;
+    }
+    const std::string what = losses.empty() ? "nothing is lost" : lossNames(losses);
+    head("Consent", askedCode(plan, losses) + ": " + what, "agreed");
     return answer;
+}
+
+void ApplyTeller::tellResumption(const JournalHistory& history) {
+    const JournalBegin& begin = history.begin();
+    head("Run",
+         "plan " + printable(begin.planId) + ", begun on " + printable(history.entries.front().at),
+         "goes on");
+    head("Journal", printable(terms_.journalFile), "");
+    if (terms_.log != nullptr) {
+        terms_.log->line("goes on with the run of " + terms_.journalFile);
+    }
 }
 
 void ApplyTeller::happened(const JournalEvent& event) {
@@ -135,26 +158,17 @@ void ApplyTeller::happened(const JournalEvent& event) {
     if (context_.format == Format::json && terms_.lastLine) {
         context_.platform.console().writeOutput(terms_.lastLine() + "\n");
     }
-    std::visit(
-        [this](const auto& each) {
-            if constexpr (requires { tell(each); }) {
-                tell(each);
-            }
-        },
-        event);
+    std::visit([this](const auto& each) { tell(each); }, event);
 }
 
-void ApplyTeller::tell(const JournalBegin&) {
-    if (asked_.empty() && plan_.fingerprint.strength != Strength::positions) {
+void ApplyTeller::tell(const JournalBegin& /*begin*/) {
+    if (!wasAsked_) {
         head("Consent", "nothing is lost", "not needed");
     }
-}
-
-void ApplyTeller::tell(const JournalAgreed& agreed) {
-    const std::string what = asked_.empty() ? "this machine" : lossNames(asked_);
-    head("Consent", (agreed.code.empty() ? "" : agreed.code + ": ") + what, "agreed");
     head("Journal", printable(terms_.journalFile), "");
-    write("\n");
+    if (tellsAll()) {
+        write("\n");
+    }
 }
 
 void ApplyTeller::tell(const JournalStepStarted& started) {
@@ -350,7 +364,8 @@ void ApplyTeller::tellEnd(const ApplyEnd& end, const std::string& proof) {
     if (tellsAll() && !proof.empty()) {
         write(proof);
     }
-    if (end.exitCode != exit_code::done) {
+    // What is empty was told already.
+    if (end.exitCode != exit_code::done && !end.what.empty()) {
         tellFault(end);
     }
     tellResults(end);

@@ -19,7 +19,9 @@ namespace zolex::companion {
 /// What a run is told with.
 struct TellTerms {
     std::string journalFile;
-    ConsentTerms consent;
+    ConsentTerms consent; ///< without notOwn
+    /// Empty where certificates of earlier runs tell of each of the losses, else why not.
+    std::function<std::string(const std::vector<Loss>& losses, const Snapshot& guard)> notOwn;
     std::chrono::seconds stepLimit{3600};
     UsualTimes usualTimes;
     RunLog* log = nullptr; ///< or null
@@ -41,6 +43,8 @@ class ApplyTeller : public ApplyListener {
                       std::chrono::milliseconds since) override;
     void note(const std::string& text) override;
 
+    /// That a run is gone on with.
+    void tellResumption(const JournalHistory& history);
     /// The step that runs has run for so long: its line is written anew, on a terminal.
     void tick(std::chrono::milliseconds since);
 
@@ -54,7 +58,9 @@ class ApplyTeller : public ApplyListener {
 
   private:
     void tell(const JournalBegin& begin);
-    void tell(const JournalAgreed& agreed);
+    static void tell(const JournalCaptured& /*captured*/) {}
+    static void tell(const JournalAgreed& /*agreed*/) {}
+    static void tell(const JournalEnd& /*end*/) {}
     void tell(const JournalStepStarted& started);
     void tell(const JournalChild& child);
     void tell(const JournalStepEnded& ended);
@@ -84,7 +90,8 @@ class ApplyTeller : public ApplyListener {
     const MachinePlan& plan_;
     const TellTerms& terms_;
     std::vector<PlanStep> steps_;
-    std::vector<Loss> asked_; ///< losses that were asked about
+    std::optional<Snapshot> guard_; ///< as the run began
+    bool wasAsked_ = false;
     std::optional<JournalVerified> verified_;
     std::optional<JournalStepStarted> running_;
     std::uint64_t child_ = 0; ///< process that runs

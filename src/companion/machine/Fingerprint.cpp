@@ -60,23 +60,6 @@ std::string_view toldSerial(std::string_view serial) {
     return isPlaceholder(serial) ? std::string_view() : serial;
 }
 
-/// Good drives change between free, member and spare with the layout; what is wrong with one is a
-/// state of its own.
-std::string_view conditionOf(const DriveFacts& drive) {
-    switch (drive.state) {
-    case DriveState::failed:
-        return "failed";
-    case DriveState::missing:
-        return "missing";
-    case DriveState::foreign:
-        return "foreign";
-    case DriveState::rebuilding:
-        return "rebuilding";
-    default:
-        return drive.health == Health::critical ? "failed" : "good";
-    }
-}
-
 std::string stateText(const ControllerSnapshot& controller) {
     std::vector<std::string> drives;
     for (const MachineDrive& drive : controller.drives) {
@@ -86,7 +69,7 @@ std::string stateText(const ControllerSnapshot& controller) {
         append(text, facts.location);
         append(text, facts.serialNumber.empty() ? facts.inquiry : facts.serialNumber);
         append(text, facts.capacityBytes ? std::to_string(*facts.capacityBytes / bytesOfMb) : "");
-        append(text, conditionOf(facts));
+        append(text, driveCondition(facts));
         drives.push_back(std::move(text));
     }
     std::sort(drives.begin(), drives.end());
@@ -130,6 +113,21 @@ bool isPlaceholder(std::string_view serialNumber) {
            text.find_first_not_of('x') == std::string::npos ||
            text.find_first_not_of('f') == std::string::npos ||
            std::find(placeholders.begin(), placeholders.end(), text) != placeholders.end();
+}
+
+std::string_view driveCondition(const DriveFacts& drive) {
+    switch (drive.state) {
+    case DriveState::failed:
+        return "failed";
+    case DriveState::missing:
+        return "missing";
+    case DriveState::foreign:
+        return "foreign";
+    case DriveState::rebuilding:
+        return "rebuilding";
+    default:
+        return drive.health == Health::critical ? "failed" : "good";
+    }
 }
 
 std::string_view strengthWord(Strength strength) {

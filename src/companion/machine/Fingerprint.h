@@ -44,6 +44,10 @@ struct Fingerprint {
 
 [[nodiscard]] Fingerprint fingerprintOf(const Snapshot& snapshot);
 
+/// "good", "failed", "missing", "foreign", "rebuilding". Good drives change between free, member
+/// and spare with the layout; what is wrong with one is a state of its own.
+[[nodiscard]] std::string_view driveCondition(const DriveFacts& drive);
+
 /// The hash of the normal form of a controller's layout, as hexadecimal digits.
 [[nodiscard]] std::string layoutHash(const Facts& facts);
 

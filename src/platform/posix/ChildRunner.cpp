@@ -1,29 +1,20 @@
 #include "platform/posix/ChildRunner.h"
 
 #include "platform/ChildOutput.h"
-#include "platform/CommandLineSplit.h"
-#include "platform/ProgramLookup.h"
+#include "platform/posix/ChildStart.h"
 #include "platform/posix/FileDescriptor.h"
-#include "platform/posix/ProcessStart.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
-#include <spawn.h>
 #include <string>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace zolex::posix {
 
@@ -47,171 +38,6 @@ struct Pipe {
         return true;
     }
 };
-
-/// Gives SIGCHLD its default action while it lives. Where the signal is ignored (a parent can hand
-/// that down), the system forgets the exit codes of children.
-class DefaultChildSignal {
-  public:
-    DefaultChildSignal() {
-        struct sigaction action = {};
-        action.sa_handler = SIG_DFL;
-        ::sigaction(SIGCHLD, &action, &before_);
-    }
-    DefaultChildSignal(const DefaultChildSignal&) = delete;
-    DefaultChildSignal& operator=(const DefaultChildSignal&) = delete;
-    ~DefaultChildSignal() { ::sigaction(SIGCHLD, &before_, nullptr); }
-
-  private:
-    struct sigaction before_ = {};
-};
-
-/// What stands on the descriptors 0, 1 and 2 of the child.
-class ChildStreams {
-  public:
-    ChildStreams() { ready_ = ::posix_spawn_file_actions_init(&actions_) == 0; }
-    ChildStreams(const ChildStreams&) = delete;
-    ChildStreams& operator=(const ChildStreams&) = delete;
-    ~ChildStreams() { ::posix_spawn_file_actions_destroy(&actions_); }
-
-    /// No input, and output and errors to `output`, or to nowhere when that is -1. The output comes
-    /// first: its descriptor may itself be 0 in a process that was started without an input.
-    bool set(int output) {
-        for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
-            ready_ = ready_ && (output >= 0 ? ::posix_spawn_file_actions_adddup2(&actions_, output,
-                                                                                 stream) == 0
-                                            : open(stream, O_WRONLY));
-        }
-        return ready_ && open(STDIN_FILENO, O_RDONLY);
-    }
-
-    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
-
-  private:
-    bool open(int stream, int mode) {
-        return ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", mode, 0) == 0;
-    }
-
-    posix_spawn_file_actions_t actions_{};
-    bool ready_ = false;
-};
-
-/// The signals that the program ignores have their default action in the child.
-class ChildSignals {
-  public:
-    ChildSignals() {
-        const sigset_t signals = signalsOfChildren();
-        ready_ = ::posix_spawnattr_init(&attributes_) == 0 &&
-                 ::posix_spawnattr_setsigdefault(&attributes_, &signals) == 0 &&
-                 ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF) == 0;
-    }
-    ChildSignals(const ChildSignals&) = delete;
-    ChildSignals& operator=(const ChildSignals&) = delete;
-    ~ChildSignals() { ::posix_spawnattr_destroy(&attributes_); }
-
-    [[nodiscard]] const posix_spawnattr_t* get() const { return ready_ ? &attributes_ : nullptr; }
-
-  private:
-    posix_spawnattr_t attributes_{};
-    bool ready_ = false;
-};
-
-bool isRegularFile(const std::string& path) {
-    struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-bool isExecutable(const std::string& path) {
-    return isRegularFile(path) && ::access(path.c_str(), X_OK) == 0;
-}
-
-/// The directory of the running executable; empty when it cannot be had.
-std::string ownDirectory() {
-    std::array<char, PATH_MAX> buffer{};
-    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
-    if (length <= 0) {
-        return {};
-    }
-    const std::string path(buffer.data(), static_cast<std::size_t>(length));
-    return path.substr(0, path.rfind('/') + 1);
-}
-
-/// Whether the file does not name the program that is to read it in a "#!" line.
-bool isForTheShell(const std::string& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<char, 2> start{};
-    return file.isOpen() && isRegularFile(path) &&
-           !(::read(file.get(), start.data(), start.size()) == 2 && start[0] == '#' &&
-             start[1] == '!');
-}
-
-/// Executables come first. A batch file needs no permission on the systems that it is written for,
-/// so that a plain file will do where there is no executable.
-std::optional<std::string> lookUp(const std::string& program) {
-    const std::string directory = ownDirectory();
-    const char* const path = std::getenv("PATH");
-    const ProgramPlaces places{directory, path == nullptr ? "/bin:/usr/bin" : path};
-    const auto executable = findProgram(program, places, isExecutable);
-    return executable ? executable : findProgram(program, places, isRegularFile);
-}
-
-/// 0 or the error number.
-int spawn(const std::string& path, std::vector<std::string>& arguments, const ChildStreams& streams,
-          pid_t& child) {
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments) {
-        pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
-    const ChildSignals signals;
-    return ::posix_spawn(&child, path.c_str(), streams.get(), signals.get(), pointers.data(),
-                         ::environ);
-}
-
-/// Starts the command line; nothing when it cannot be started.
-std::optional<pid_t> start(std::string_view commandLine, int output) {
-    std::vector<std::string> arguments = splitCommandLine(commandLine);
-    const auto path = arguments.empty() ? std::nullopt : lookUp(arguments.front());
-    ChildStreams streams;
-    if (!path || !streams.set(output)) {
-        return std::nullopt;
-    }
-    pid_t child = -1;
-    int error = spawn(*path, arguments, streams, child);
-    if (error == ENOEXEC || (error == EACCES && isForTheShell(*path))) {
-        arguments.front() = *path;
-        arguments.insert(arguments.begin(), "/bin/sh");
-        error = spawn("/bin/sh", arguments, streams, child);
-    }
-    return error == 0 ? std::optional(child) : std::nullopt;
-}
-
-/// A descriptor that becomes readable when the child ends; none where the kernel has no such thing.
-FileDescriptor processDescriptor(pid_t child) {
-#ifdef SYS_pidfd_open
-    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
-#else
-    static_cast<void>(child);
-    return {};
-#endif
-}
-
-enum class ChildState { running, ended, lost };
-
-/// Asks, without waiting, whether the child has ended, and takes its exit code if so.
-ChildState askForEnd(pid_t child, std::uint32_t& exitCode) {
-    int status = 0;
-    pid_t answer = -1;
-    do {
-        answer = ::waitpid(child, &status, WNOHANG);
-    } while (answer < 0 && errno == EINTR);
-    if (answer != child) {
-        return answer == 0 ? ChildState::running : ChildState::lost;
-    }
-    exitCode = static_cast<std::uint32_t>(WIFEXITED(status) ? WEXITSTATUS(status)
-                                                            : 128 + WTERMSIG(status));
-    return ChildState::ended;
-}
 
 /// Waits for one child and takes up its output meanwhile.
 class Watch {
@@ -314,7 +140,7 @@ ChildResult runChild(std::string_view commandLine, bool capture, milliseconds li
         return {ChildOutcome::noPipe, 0, {}};
     }
     const DefaultChildSignal signal;
-    const auto child = start(commandLine, capture ? pipe.writeEnd.get() : -1);
+    const auto child = startChild(commandLine, capture ? pipe.writeEnd.get() : -1);
     if (!child) {
         return {ChildOutcome::notStarted, 0, {}};
     }

@@ -1,0 +1,342 @@
+#include "companion/execution/Guard.h"
+
+#include "companion/execution/ApplyCodes.h"
+#include "companion/machine/ProblemCodes.h"
+#include "companion/text/Sizes.h"
+#include "companion/text/Terminal.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+std::string told(const std::string& value) {
+    return value.empty() ? "not told" : printable(value);
+}
+
+std::string controllerName(std::int32_t number) {
+    return "controller " + std::to_string(number);
+}
+
+std::string machineText(const Fingerprint& print) {
+    return "machine " + told(print.machineType) + ", serial number " + told(print.serialNumber);
+}
+
+std::string controllerText(const Fingerprint::Controller& controller) {
+    return controllerName(controller.number) + ", " + told(controller.model) + " at " +
+           told(controller.pci) + ", serial number " + told(controller.serialNumber);
+}
+
+/// What tells the two machines apart; both are told.
+Lines identityLines(const Fingerprint& planned, const Fingerprint& found) {
+    Lines lines;
+    const auto tell = [&lines](const std::string& one, const std::string& other) {
+        if (one != other) {
+            lines.push_back("planned for: " + one);
+            lines.push_back("this one is: " + other);
+        }
+    };
+    tell(machineText(planned), machineText(found));
+    const std::size_t count = std::max(planned.controllers.size(), found.controllers.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto textOf = [i](const Fingerprint& print) {
+            return i < print.controllers.size() ? controllerText(print.controllers[i])
+                                                : std::string("no further controller");
+        };
+        const std::string one = textOf(planned);
+        const std::string other = textOf(found);
+        const bool isOther = i < planned.controllers.size() && i < found.controllers.size() &&
+                             planned.controllers[i].ids != found.controllers[i].ids;
+        tell(one + (isOther ? ", PCI " + told(planned.controllers[i].ids) : ""),
+             other + (isOther ? ", PCI " + told(found.controllers[i].ids) : ""));
+    }
+    return lines;
+}
+
+/// What a finding says of a listing that cannot be relied on.
+bool isMisread(const Finding& finding) {
+    return finding.code == problem::notAListing || finding.code == problem::listingRefused;
+}
+bool isOtherwiseNumbered(const Finding& finding) {
+    return finding.code == problem::otherModel || finding.code == problem::otherPciFunction ||
+           finding.code == problem::sameSerial;
+}
+
+template <typename Is>
+Lines linesOfFindings(const Snapshot& snapshot, const Is& is) {
+    Lines lines;
+    const auto add = [&](const std::vector<Finding>& findings, const std::string& where) {
+        for (const Finding& finding : findings) {
+            if (is(finding)) {
+                lines.push_back(where + printable(finding.summary) + " [" + finding.code + "]");
+            }
+        }
+    };
+    add(snapshot.findings, "");
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        add(controller.findings, controllerName(controller.number) + ": ");
+    }
+    return lines;
+}
+
+/// What is not as planned for on one controller.
+class ControllerChanges {
+  public:
+    ControllerChanges(const ControllerPlanning& planning, const ControllerSnapshot& found)
+        : planned_(planning.controller), found_(found),
+          name_(controllerName(planning.controller.number) + ": ") {
+        compareDrives();
+        compareLayoutOf(planning);
+        compareFirmware();
+    }
+
+    Lines changes;
+    Lines swapped; ///< of them those by which a drive is another one, or is gone
+    Lines firmware;
+
+  private:
+    void compareDrives() {
+        for (const MachineDrive& each : planned_.drives) {
+            const DriveFacts& drive = each.facts;
+            const DriveFacts* const now = driveAt(found_, drive.location);
+            if (now == nullptr) {
+                swap("drive " + drive.location + serialText(drive) + " is gone");
+            } else {
+                compareDrive(drive, *now);
+            }
+        }
+        for (const MachineDrive& each : found_.drives) {
+            if (driveAt(planned_, each.facts.location) == nullptr) {
+                change("drive " + each.facts.location + serialText(each.facts) + " is new");
+            }
+        }
+    }
+
+    static const DriveFacts* driveAt(const ControllerSnapshot& controller,
+                                     const std::string& location) {
+        const auto found =
+            std::find_if(controller.drives.begin(), controller.drives.end(),
+                         [&](const MachineDrive& each) { return each.facts.location == location; });
+        return found == controller.drives.end() ? nullptr : &found->facts;
+    }
+
+    static std::string serialText(const DriveFacts& drive) {
+        return drive.serialNumber.empty()
+                   ? ""
+                   : ", serial number " + printable(drive.serialNumber) + ",";
+    }
+    static std::string nameOf(const DriveFacts& drive) {
+        return drive.serialNumber.empty() ? drive.manufacturer + " " + drive.model
+                                          : "serial number " + drive.serialNumber;
+    }
+
+    void compareDrive(const DriveFacts& drive, const DriveFacts& now) {
+        const std::string subject = "drive " + drive.location + ": ";
+        if (nameOf(drive) != nameOf(now)) {
+            swap(subject + printable(nameOf(now)) + " in the place of " + printable(nameOf(drive)));
+            return;
+        }
+        constexpr unsigned bitsOfMb = 20;
+        const auto size = [](const DriveFacts& one) {
+            return one.capacityBytes.value_or(0) >> bitsOfMb;
+        };
+        if (size(drive) != size(now)) {
+            change(subject + "its size is " + std::to_string(size(now)) + " MB, it was " +
+                   std::to_string(size(drive)) + " MB");
+        }
+        if (driveCondition(drive) != driveCondition(now)) {
+            change(subject + "it is " + std::string(driveCondition(now)) + " (" +
+                   told(now.reportedState) + "), it was " + std::string(driveCondition(drive)));
+        }
+        if (drive.revision != now.revision) {
+            firmware.push_back(name_ + "drive " + drive.location + " has firmware " +
+                               told(now.revision) + ", it had " + told(drive.revision));
+        }
+    }
+
+    /// What stands now and did not, and the other way round.
+    void compareLayoutOf(const ControllerPlanning& planning) {
+        const std::string before =
+            planning.beforeHash.empty() ? layoutHash(planned_.facts) : planning.beforeHash;
+        if (layoutHash(found_.facts) == before) {
+            return;
+        }
+        const Lines was = layoutLines(planning.before);
+        const Lines is = layoutLines(capturedLayout(found_.facts));
+        tellBeyond(was, is, "no longer there: ");
+        tellBeyond(is, was, "there now: ");
+        if (changes.empty()) {
+            change("its layout is not what it was");
+        }
+    }
+
+    void tellBeyond(Lines lines, const Lines& others, const char* word) {
+        for (const std::string& other : others) {
+            const auto same = std::find(lines.begin(), lines.end(), other);
+            if (same != lines.end()) {
+                lines.erase(same);
+            }
+        }
+        for (const std::string& line : lines) {
+            change(word + printable(line));
+        }
+    }
+
+    void compareFirmware() {
+        if (planned_.facts.firmwareVersion != found_.facts.firmwareVersion) {
+            firmware.push_back(name_ + "its firmware is " + told(found_.facts.firmwareVersion) +
+                               ", it was " + told(planned_.facts.firmwareVersion));
+        }
+    }
+
+    void change(const std::string& text) { changes.push_back(name_ + text); }
+    void swap(const std::string& text) {
+        change(text);
+        swapped.push_back(name_ + text);
+    }
+
+    const ControllerSnapshot& planned_;
+    const ControllerSnapshot& found_;
+    std::string name_;
+};
+
+bool isAsked(const std::vector<std::int32_t>& numbers, std::int32_t number) {
+    return numbers.empty() || std::find(numbers.begin(), numbers.end(), number) != numbers.end();
+}
+
+void append(Lines& to, const Lines& from, const char* word = "") {
+    for (const std::string& line : from) {
+        to.push_back(word + line);
+    }
+}
+
+} // namespace
+
+std::vector<const ControllerPlanning*>
+controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& numbers) {
+    std::vector<const ControllerPlanning*> asked;
+    for (const ControllerPlanning& planning : plan.controllers) {
+        if (isAsked(numbers, planning.controller.number)) {
+            asked.push_back(&planning);
+        }
+    }
+    return asked;
+}
+
+const ControllerSnapshot* capturedController(const Snapshot& snapshot, std::int32_t number) {
+    const auto found =
+        std::find_if(snapshot.details.begin(), snapshot.details.end(),
+                     [number](const ControllerSnapshot& each) { return each.number == number; });
+    return found == snapshot.details.end() || found->failed ? nullptr : &*found;
+}
+
+std::string planAgainHelp(const MachinePlan& plan) {
+    return (plan.command.empty() ? "zolexctl plan POLICIES" : printable(plan.command)) +
+           " plans from what is there";
+}
+
+std::optional<RunFault> captureFault(const Snapshot& snapshot) {
+    if (snapshot.details.empty()) {
+        return RunFault{apply_code::notPossible,
+                        "no supported RAID controller was found",
+                        {},
+                        {"zolexctl doctor tells what is there"}};
+    }
+    Lines lines;
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        for (const Finding& finding : controller.findings) {
+            const bool isWhy = controller.failed && finding.severity == Severity::error;
+            if (isWhy || isMisread(finding)) {
+                lines.push_back(controllerName(controller.number) + ": " +
+                                printable(finding.summary) + " [" + finding.code + "]");
+            }
+        }
+        if (controller.failed && lines.empty()) {
+            lines.push_back(controllerName(controller.number) + " could not be captured");
+        }
+    }
+    if (lines.empty()) {
+        return std::nullopt;
+    }
+    return RunFault{apply_code::notPossible,
+                    "the machine could not be captured",
+                    std::move(lines),
+                    {"zolexctl doctor tells whether the utilities are there and are read"}};
+}
+
+std::optional<RunFault> identityFault(const Snapshot& snapshot, const MachinePlan& plan) {
+    const Fingerprint found = fingerprintOf(snapshot);
+    if (found.identity != plan.fingerprint.identity) {
+        return RunFault{apply_code::refused,
+                        "this is another machine than the one planned for",
+                        identityLines(plan.fingerprint, found),
+                        {planAgainHelp(plan)}};
+    }
+    Lines lines = linesOfFindings(snapshot, isOtherwiseNumbered);
+    if (!lines.empty()) {
+        return RunFault{apply_code::refused,
+                        "it is not sure which controller a command would reach",
+                        std::move(lines),
+                        {"zolexctl doctor tells more"}};
+    }
+    return std::nullopt;
+}
+
+std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                   const std::vector<std::int32_t>& controllers,
+                                   std::vector<std::string>& warnings) {
+    Lines changed;
+    bool isExplained = false;
+    for (const ControllerPlanning& planning : plan.controllers) {
+        const std::int32_t number = planning.controller.number;
+        const ControllerSnapshot* const found = capturedController(snapshot, number);
+        if (found == nullptr) {
+            continue;
+        }
+        const ControllerChanges changes(planning, *found);
+        isExplained = isExplained || !changes.changes.empty() || !changes.firmware.empty();
+        append(warnings, changes.firmware);
+        append(isAsked(controllers, number) ? changed : warnings, changes.changes);
+    }
+    if (fingerprintOf(snapshot).state == plan.fingerprint.state) {
+        return std::nullopt;
+    }
+    if (changed.empty() && !isExplained) {
+        changed.emplace_back("what its utility tells of a drive is not what it was");
+    }
+    if (changed.empty()) {
+        return std::nullopt;
+    }
+    return RunFault{apply_code::refused,
+                    "the machine has changed since it was planned for",
+                    std::move(changed),
+                    {planAgainHelp(plan)}};
+}
+
+std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                    const std::vector<std::int32_t>& controllers) {
+    Lines lines;
+    for (const ControllerPlanning* const planning : controllersAskedFor(plan, controllers)) {
+        const ControllerSnapshot* const found =
+            capturedController(snapshot, planning->controller.number);
+        if (found != nullptr) {
+            append(lines, ControllerChanges(*planning, *found).swapped);
+        }
+    }
+    if (lines.empty()) {
+        return std::nullopt;
+    }
+    return RunFault{apply_code::refused,
+                    "drives are not those that were planned for",
+                    std::move(lines),
+                    {planAgainHelp(plan)}};
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "companion/machine/Snapshot.h"
+#include "companion/planning/Plan.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Whether a machine is the one, and in the state, that a plan was made of.
+namespace zolex::companion {
+
+/// Why a run ends before it does anything, or in the middle.
+struct RunFault {
+    int exitCode = 0;
+    std::string what;
+    std::vector<std::string> details;
+    std::vector<std::string> help;
+};
+
+/// The numbers of the plan's controllers that are asked for.
+[[nodiscard]] std::vector<const ControllerPlanning*>
+controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& numbers);
+
+/// Null when it was not captured.
+[[nodiscard]] const ControllerSnapshot* capturedController(const Snapshot& snapshot,
+                                                           std::int32_t number);
+
+/// A capture from which nothing can be told: a utility failed, a listing was not understood.
+[[nodiscard]] std::optional<RunFault> captureFault(const Snapshot& snapshot);
+
+/// Another machine, or one whose utilities number its controllers otherwise.
+[[nodiscard]] std::optional<RunFault> identityFault(const Snapshot& snapshot,
+                                                    const MachinePlan& plan);
+
+/// A state that is not the one planned for. Firmware that was replaced, and what has changed on
+/// controllers that are not asked for, goes to `warnings` alone.
+[[nodiscard]] std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                                 const std::vector<std::int32_t>& controllers,
+                                                 std::vector<std::string>& warnings);
+
+/// Drives that are not those that they were, in the middle of a run.
+[[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                                  const std::vector<std::int32_t>& controllers);
+
+/// "zolexctl plan site.ini plans from what is there".
+[[nodiscard]] std::string planAgainHelp(const MachinePlan& plan);
+
+} // namespace zolex::companion

@@ -1,0 +1,731 @@
+#include "companion/execution/PlanRun.h"
+
+#include "companion/execution/ApplyCodes.h"
+#include "companion/planning/Steps.h"
+#include "companion/text/Terminal.h"
+#include "foundation/FileSystem.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds waitingSlice{30000};
+constexpr milliseconds oneSecond{1000};
+
+std::string reasonOf(const std::exception& thrown) {
+    return dynamic_cast<const std::bad_alloc*>(&thrown) != nullptr ? "memory ran out"
+                                                                   : thrown.what();
+}
+
+std::string stepName(const PlanStep& step, std::int32_t total) {
+    return "step " + std::to_string(step.step) + " of " + std::to_string(total);
+}
+
+std::string utilityText(const std::string& utility, const ProcessIdentity& child) {
+    return (utility.empty() ? "the utility" : utility) + " (pid " + std::to_string(child.pid) + ")";
+}
+
+bool hasEnded(const ChildResult& result) {
+    return result.outcome == ChildOutcome::ended || result.outcome == ChildOutcome::notClosed;
+}
+
+bool wasStarted(const ChildResult& result) {
+    return result.outcome != ChildOutcome::notStarted && result.outcome != ChildOutcome::noPipe;
+}
+
+} // namespace
+
+PlanRun::PlanRun(Platform& machineOf, const CaptureRequest& capture, ExecutionSystem& systemOf,
+                 const MachinePlan& planOf, const ApplyTerms& termsOf, ApplyListener& listenerOf)
+    : machine(machineOf), system(systemOf), plan(planOf), terms(termsOf), listener(listenerOf),
+      capture_(capture), totalSteps_(static_cast<std::int32_t>(planOf.steps().size())) {
+    for (const ControllerPlanning* const planning : controllersAskedFor(plan, terms.controllers)) {
+        ControllerProgress& progress = controllers.emplace_back();
+        progress.planning = planning;
+        progress.attempts.assign(planning->steps.size(), 0);
+    }
+}
+
+// The journal.
+
+bool PlanRun::openJournal() {
+    journal_ = terms.openJournal ? terms.openJournal() : nullptr;
+    return journal_ != nullptr;
+}
+
+bool PlanRun::write(const JournalEvent& event) {
+    if (isJournalBroken_ || !journal_) {
+        return false;
+    }
+    try {
+        isJournalBroken_ = !journal_->write(event);
+    } catch (const std::exception&) {
+        isJournalBroken_ = true; // it is not known what stands there
+    }
+    if (!isJournalBroken_) {
+        guarded([&] { listener.happened(event); });
+    }
+    return !isJournalBroken_;
+}
+
+/// Whatever is thrown is kept, and ends the run where nothing is left half done.
+template <typename Act>
+bool PlanRun::guarded(const Act& act) {
+    try {
+        act();
+        return true;
+    } catch (const std::exception& thrown) {
+        if (thrown_.empty()) {
+            thrown_ = reasonOf(thrown);
+        }
+    }
+    return false;
+}
+
+Snapshot PlanRun::capture(CapturePurpose purpose, std::optional<std::int32_t> controller) {
+    CaptureRequest request = capture_;
+    request.controllers.clear();
+    if (controller) {
+        request.controllers.push_back(*controller);
+    } else {
+        for (const Fingerprint::Controller& each : plan.fingerprint.controllers) {
+            request.controllers.push_back(each.number);
+        }
+    }
+    Snapshot snapshot = captureMachine(machine, request);
+    if (journal_) {
+        writeCapture(purpose, snapshot);
+    }
+    captured_ = snapshot;
+    return snapshot;
+}
+
+bool PlanRun::writeCapture(CapturePurpose purpose, const Snapshot& snapshot) {
+    JournalCaptured captured;
+    captured.purpose = purpose;
+    captured.state = fingerprintOf(snapshot).state;
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        if (!controller.failed) {
+            captured.layouts[controller.number] = layoutHash(controller.facts);
+        }
+    }
+    return write(captured);
+}
+
+std::optional<RunFault> PlanRun::agree() {
+    const std::vector<Loss> losses = lossesAskedFor(plan, terms);
+    if (losses.empty() && plan.fingerprint.strength != Strength::positions) {
+        return std::nullopt;
+    }
+    const ConsentAnswer answer = listener.askConsent(plan, losses);
+    if (!answer.isGiven) {
+        return RunFault{apply_code::refused,
+                        answer.refused.empty() ? "not agreed to" : answer.refused,
+                        {},
+                        answer.help};
+    }
+    agreed_ = JournalAgreed{consentCode(plan.fingerprint.identity, losses), answer.how,
+                            system.userName()};
+    return std::nullopt;
+}
+
+bool PlanRun::writeAgreed() {
+    return !agreed_ || write(*agreed_);
+}
+
+// Steps.
+
+ApplyEnd PlanRun::carryOut() {
+    ControllerProgress* last = nullptr;
+    for (ControllerProgress& progress : controllers) {
+        if (!progress.isDone() && !progress.hasFailed()) {
+            last = &progress;
+        }
+    }
+    for (ControllerProgress& progress : controllers) {
+        if (!progress.isDone() && !progress.hasFailed() && !isStopped_) {
+            runController(progress, &progress == last);
+        }
+    }
+    if (!isStopped_) {
+        verify();
+    }
+    return finish();
+}
+
+void PlanRun::runController(ControllerProgress& progress, bool isLast) {
+    while (!progress.isDone()) {
+        if (!mayGoOn(progress) || !runStep(progress)) {
+            return;
+        }
+        const bool isEnd = progress.isDone();
+        const bool isChecked = isEnd ? !isLast : terms.careful;
+        if (isChecked && !check(progress)) {
+            return;
+        }
+    }
+}
+
+/// Whether the next step may be begun.
+bool PlanRun::mayGoOn(ControllerProgress& progress) {
+    const PlanStep& step = progress.planning->steps[progress.next];
+    if (isJournalBroken_) {
+        stopRun(journalFault());
+    } else if (!thrown_.empty()) {
+        stopRun({changedSomething ? apply_code::stopped : apply_code::notPossible,
+                 "stopped before " + stepName(step, totalSteps_) + ": " + printable(thrown_),
+                 {},
+                 {}});
+    } else if (system.interruption() != Interruption::none) {
+        stopRun(interruptedFault(step));
+    }
+    return !isStopped_;
+}
+
+RunFault PlanRun::journalFault() const {
+    RunFault fault;
+    fault.exitCode = changedSomething ? apply_code::stopped : apply_code::notPossible;
+    fault.what = "the journal " + printable(terms.journalFile) +
+                 " cannot be written: nothing more is started";
+    if (!changedSomething) {
+        fault.details.emplace_back("nothing was changed");
+    }
+    fault.help.emplace_back("make room for it, or name another place: --journal FILE");
+    return fault;
+}
+
+RunFault PlanRun::interruptedFault(const PlanStep& step) const {
+    return {changedSomething ? apply_code::stopped : apply_code::refused,
+            "interrupted before " + stepName(step, totalSteps_) +
+                (changedSomething ? "" : ": nothing was changed"),
+            {},
+            {}};
+}
+
+void PlanRun::stopRun(RunFault fault) {
+    faults_.push_back(std::move(fault));
+    isStopped_ = true;
+}
+
+/// One controller goes no further; the others do when that is wished.
+void PlanRun::failController(ControllerProgress& progress, std::string why, RunFault fault) {
+    progress.failure = std::move(why);
+    faults_.push_back(std::move(fault));
+    isStopped_ = isStopped_ || !terms.keepGoing;
+}
+
+bool PlanRun::runStep(ControllerProgress& progress) {
+    const ControllerPlanning& planning = *progress.planning;
+    const PlanStep& step = planning.steps[progress.next];
+    JournalStepStarted started;
+    started.step = step.step;
+    started.controller = step.controller;
+    started.command = step.command;
+    started.expectedBefore =
+        progress.next == 0 ? planning.beforeHash : planning.steps[progress.next - 1].expectedAfter;
+    started.expectedAfter = step.expectedAfter;
+    started.attempt = ++progress.attempts[progress.next];
+    if (!write(started)) {
+        stopRun(journalFault());
+        return false;
+    }
+    progress.isBegun = true;
+    ChildResult result;
+    if (!pauseBefore(step)) {
+        noteEnd(step, result, milliseconds(0));
+        stopRun(interruptedFault(step));
+        return false;
+    }
+    const milliseconds begin = system.elapsed();
+    std::string fault;
+    ProcessIdentity identity;
+    {
+        const std::unique_ptr<StartedChild> child = start(step, fault);
+        if (child) {
+            changedSomething = true;
+            result.outcome = ChildOutcome::stillRunning;
+            guarded([&] {
+                identity = child->identity();
+                locks_.note(identity);
+            });
+            write(JournalChild{step.step, identity, outputFile()});
+            result = follow(step, *child, identity, begin);
+        }
+    }
+    const milliseconds duration = system.elapsed() - begin;
+    const bool isAccepted = noteEnd(step, result, duration);
+    if (hasEnded(result)) {
+        guarded([&] { locks_.note({}); });
+    }
+    if (isAccepted) {
+        ++progress.next;
+        return true;
+    }
+    tellNotAccepted(progress, step, result, identity, fault);
+    return false;
+}
+
+/// False when the user interrupts meanwhile.
+bool PlanRun::pauseBefore(const PlanStep& step) {
+    for (std::int32_t second = 0; second < step.pauseBeforeSeconds; ++second) {
+        if (system.interruption() != Interruption::none) {
+            return false;
+        }
+        system.sleep(oneSecond);
+    }
+    return step.pauseBeforeSeconds == 0 || system.interruption() == Interruption::none;
+}
+
+std::unique_ptr<StartedChild> PlanRun::start(const PlanStep& step, std::string& fault) {
+    try {
+        return system.start(step.command, outputFile());
+    } catch (const std::exception& thrown) {
+        fault = reasonOf(thrown);
+        return nullptr;
+    }
+}
+
+std::string PlanRun::outputFile() const {
+    return terms.journalFile + ".out";
+}
+
+/// Waits for the child's end, up to the limit. Nothing that is thrown meanwhile leaves it alone.
+ChildResult PlanRun::follow(const PlanStep& step, StartedChild& child,
+                            const ProcessIdentity& identity, milliseconds begin) {
+    constexpr int mostFaults = 3;
+    const milliseconds limit = terms.stepLimit;
+    milliseconds nextLine = waitingSlice;
+    int faults = 0;
+    ChildResult result;
+    result.outcome = ChildOutcome::stillRunning;
+    for (;;) {
+        const milliseconds since = system.elapsed() - begin;
+        if (since >= limit || faults == mostFaults) {
+            guarded([&] { result.output = child.outputSoFar(mostJournalOutput); });
+            return result;
+        }
+        std::optional<ChildResult> ended;
+        if (!guarded([&] { ended = child.wait(std::min(nextLine, limit) - since); })) {
+            ++faults;
+        }
+        if (ended) {
+            return std::move(*ended);
+        }
+        tellInterruption();
+        const milliseconds now = system.elapsed() - begin;
+        if (now >= nextLine && now < limit) {
+            guarded([&] { listener.stillWaiting(step, identity, now); });
+        }
+        while (nextLine <= now) {
+            nextLine += waitingSlice;
+        }
+    }
+}
+
+void PlanRun::tellInterruption() {
+    if (!isInterruptionTold_ && system.interruption() != Interruption::none) {
+        isInterruptionTold_ = true;
+        guarded([&] {
+            listener.note("interrupted: the running command is waited for; at the second time "
+                          "zolexctl ends at once, and the command goes on alone");
+        });
+    }
+}
+
+/// Notes how a step has ended; whether it counts as done. The output is in the journal then, and
+/// its file goes.
+bool PlanRun::noteEnd(const PlanStep& step, ChildResult& result, milliseconds duration) {
+    JournalStepEnded ended;
+    ended.step = step.step;
+    ended.outcome = result.outcome;
+    ended.exitCode = result.exitCode;
+    const std::vector<std::int32_t>& codes = step.acceptedExitCodes;
+    ended.accepted =
+        hasEnded(result) && std::find(codes.begin(), codes.end(),
+                                      static_cast<std::int32_t>(result.exitCode)) != codes.end();
+    ended.durationMs = duration.count();
+    ended.outputBytes = result.output.size();
+    if (result.output.size() > mostJournalOutput) {
+        result.output.resize(mostJournalOutput);
+    }
+    ended.output = result.output;
+    const bool isWritten = write(ended);
+    if (isWritten && hasEnded(result)) {
+        removeOutput();
+    }
+    return ended.accepted;
+}
+
+void PlanRun::removeOutput() {
+    guarded([&] { machine.files().remove(outputFile()); });
+}
+
+std::optional<std::string> PlanRun::takeOutput(std::size_t most) {
+    const std::unique_ptr<File> file = machine.files().open(outputFile(), "r");
+    if (!file) {
+        return std::nullopt;
+    }
+    std::string text(most, '\0');
+    text.resize(file->read(text));
+    return text;
+}
+
+void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step,
+                              const ChildResult& result, const ProcessIdentity& child,
+                              const std::string& startFault) {
+    const std::string name = stepName(step, totalSteps_);
+    progress.failedStep = step.step;
+    RunFault fault;
+    fault.exitCode = apply_code::stopped;
+    fault.details = commandLines(step, result.output);
+    std::string why;
+    if (hasEnded(result)) {
+        why = "exit code " + std::to_string(result.exitCode);
+        fault.what = name + " was refused (" + why + "): " + printable(step.summary);
+        tellNow(progress, fault);
+    } else if (wasStarted(result)) {
+        const std::string seconds = std::to_string(terms.stepLimit.count()) + " s";
+        why = "it has not ended within " + seconds;
+        fault.what = name + " has not ended within " + seconds + ": " +
+                     utilityText(progress.planning->controller.utility, child) +
+                     " is still running";
+        fault.details.emplace_back("it goes on by itself; what it does is not known yet");
+        fault.help.push_back(resumeHelp("waits for it and goes on"));
+    } else {
+        why = "its command could not be started";
+        fault.what = name + " could not be started: " + printable(step.summary);
+        fault.details.push_back(startFault.empty() ? "zolexctl doctor tells what is missing"
+                                                   : printable(startFault));
+        fault.details.push_back(changedSomething ? "this step has changed nothing"
+                                                 : "nothing was changed");
+    }
+    const bool isRunning = wasStarted(result) && !hasEnded(result);
+    if (!isRunning) {
+        fault.help.push_back(resumeHelp("goes on when its cause is mended"));
+        fault.help.push_back(planAgainHelp(plan));
+    }
+    failController(progress, why, std::move(fault));
+    isStopped_ = isStopped_ || isRunning;
+}
+
+/// What stands when a step was refused.
+void PlanRun::tellNow(const ControllerProgress& progress, RunFault& fault) {
+    guarded([&] {
+        const std::int32_t number = progress.planning->controller.number;
+        const Snapshot snapshot = capture(CapturePurpose::step, number);
+        const ControllerSnapshot* const found = capturedController(snapshot, number);
+        fault.details.push_back(found == nullptr ? "now on controller " + std::to_string(number) +
+                                                       ": not known, it could not be captured"
+                                                 : nowLine(*progress.planning, found->facts));
+    });
+}
+
+std::string PlanRun::resumeHelp(const std::string& when) const {
+    return "zolexctl apply --resume " + printable(terms.journalFile) + " " + when;
+}
+
+// What stands.
+
+/// Between two steps, and behind the last one: whether it stands as foreseen.
+bool PlanRun::check(ControllerProgress& progress) {
+    const ControllerPlanning& planning = *progress.planning;
+    const Snapshot snapshot = capture(CapturePurpose::step, planning.controller.number);
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    const std::string where =
+        progress.next == 0 ? "before step 1"
+                           : "after " + stepName(planning.steps[progress.next - 1], totalSteps_);
+    if (found == nullptr || captureFault(snapshot)) {
+        RunFault fault = captureFault(snapshot).value_or(RunFault());
+        fault.exitCode = apply_code::different;
+        fault.what = "what stands " + where + " could not be captured";
+        fault.help = {resumeHelp("looks again and goes on"), planAgainHelp(plan)};
+        progress.failedStep = planning.steps[progress.next - 1].step;
+        failController(progress, "what stands could not be captured", std::move(fault));
+        return false;
+    }
+    if (standsAfterSteps(plan, planning, progress.next, found->facts)) {
+        progress.isChecked = progress.isDone();
+        return true;
+    }
+    const Layout foreseen =
+        progress.isDone() ? planning.after : layoutAfterSteps(planning, progress.next);
+    const Comparison comparison = compareLayouts(found->facts, capturedLayout(found->facts),
+                                                 foreseen, {planning.controller.utility});
+    if (progress.isDone() && comparison.result != Sameness::different) {
+        progress.isChecked = true;
+        return true;
+    }
+    tellDifferent(progress, comparison, where);
+    return false;
+}
+
+void PlanRun::tellDifferent(ControllerProgress& progress, const Comparison& comparison,
+                            const std::string& where) {
+    const ControllerPlanning& planning = *progress.planning;
+    RunFault fault;
+    fault.exitCode = apply_code::different;
+    fault.what = "what stands on controller " + std::to_string(planning.controller.number) + " " +
+                 where + " is not what was planned";
+    for (const Difference& difference : comparison.differences) {
+        fault.details.push_back(differenceText(difference));
+    }
+    if (fault.details.empty()) {
+        fault.details.emplace_back("it is equivalent, but not the layout that was foreseen");
+    }
+    fault.help = {planAgainHelp(plan)};
+    if (progress.next > 0) {
+        progress.failedStep = planning.steps[progress.next - 1].step;
+    }
+    failController(progress, "what stands is not what was planned", std::move(fault));
+}
+
+void PlanRun::verify() {
+    const bool isAny =
+        std::any_of(controllers.begin(), controllers.end(), [](const ControllerProgress& each) {
+            return !each.hasFailed() && each.planning->disposition != Disposition::skipped;
+        });
+    if (!isAny) {
+        return;
+    }
+    const Snapshot snapshot = capture(CapturePurpose::verify);
+    JournalVerified verified;
+    verified.result = JournalVerified::Result::asPlanned;
+    std::optional<RunFault> fault = captureFault(snapshot);
+    if (!fault) {
+        fault = identityFault(snapshot, plan);
+    }
+    if (fault && system.interruption() != Interruption::none) {
+        fault->exitCode = apply_code::stopped;
+        fault->what = "interrupted while what stands was verified";
+        fault->help = {resumeHelp("verifies it")};
+    } else if (fault) {
+        fault->exitCode = apply_code::different;
+        fault->what = "what stands could not be verified: " + fault->what;
+        fault->help = {resumeHelp("verifies it again")};
+    }
+    if (fault) {
+        verified.result = JournalVerified::Result::unknown;
+        verified.lines = fault->details;
+        write(verified);
+        stopRun(std::move(*fault));
+        return;
+    }
+    for (ControllerProgress& progress : controllers) {
+        if (!progress.hasFailed() && progress.planning->disposition != Disposition::skipped) {
+            verifyController(progress, snapshot, verified);
+        }
+    }
+    write(verified);
+    isVerified_ = verified.result == JournalVerified::Result::asPlanned ||
+                  verified.result == JournalVerified::Result::equivalent;
+}
+
+void PlanRun::verifyController(ControllerProgress& progress, const Snapshot& snapshot,
+                               JournalVerified& verified) {
+    using Result = JournalVerified::Result;
+    const ControllerPlanning& planning = *progress.planning;
+    const std::int32_t number = planning.controller.number;
+    const std::string name = "controller " + std::to_string(number) + ": ";
+    const ControllerSnapshot& found = *capturedController(snapshot, number);
+    const Comparison comparison = compareLayouts(found.facts, capturedLayout(found.facts),
+                                                 planning.after, {planning.controller.utility});
+    if (comparison.result == Sameness::different) {
+        verified.result = Result::different;
+        for (const Difference& difference : comparison.differences) {
+            verified.lines.push_back(name + differenceText(difference));
+        }
+        tellDifferent(progress, comparison, "now");
+        return;
+    }
+    progress.isChecked = true;
+    if (comparison.result == Sameness::equivalent) {
+        if (verified.result == Result::asPlanned) {
+            verified.result = Result::equivalent;
+        }
+        for (const std::string& line : comparison.equivalences) {
+            verified.lines.push_back(name + printable(line));
+        }
+    }
+}
+
+// The end.
+
+std::vector<ControllerResult> PlanRun::results() const {
+    std::vector<ControllerResult> all;
+    for (const ControllerProgress& progress : controllers) {
+        const ControllerPlanning& planning = *progress.planning;
+        ControllerResult& result = all.emplace_back();
+        result.number = planning.controller.number;
+        if (planning.disposition == Disposition::skipped) {
+            result.result = ControllerResult::Result::skipped;
+            result.reason = planning.because;
+            continue;
+        }
+        if (!progress.hasFailed() && progress.isDone() && progress.isChecked) {
+            result.result = planning.steps.empty() ? ControllerResult::Result::already
+                                                   : ControllerResult::Result::configured;
+            continue;
+        }
+        result.of = totalSteps_;
+        if (progress.hasFailed()) {
+            result.step = progress.failedStep;
+            result.reason = progress.failure;
+        } else if (progress.isDone()) {
+            result.step = planning.steps.empty() ? 0 : planning.steps.back().step;
+            result.reason = "not verified";
+        } else {
+            result.step = progress.isBegun ? planning.steps[progress.next].step : 0;
+            result.reason = progress.isBegun ? "stopped before this step" : "not begun";
+        }
+    }
+    return all;
+}
+
+void PlanRun::tellRemaining(RunFault& fault) const {
+    constexpr std::size_t most = 12;
+    std::vector<std::string> lines;
+    for (const ControllerProgress& progress : controllers) {
+        for (std::size_t i = progress.next; i < progress.planning->steps.size(); ++i) {
+            const PlanStep& step = progress.planning->steps[i];
+            lines.push_back("remains: step " + std::to_string(step.step) + ": " +
+                            printable(step.summary));
+        }
+    }
+    if (lines.size() > most) {
+        const std::size_t others = lines.size() - most + 1;
+        lines.resize(most - 1);
+        lines.push_back("remains: " + std::to_string(others) + " steps more");
+    }
+    fault.details.insert(fault.details.end(), lines.begin(), lines.end());
+}
+
+ApplyEnd PlanRun::endOf(RunFault fault) {
+    ApplyEnd end;
+    end.exitCode = fault.exitCode;
+    end.what = std::move(fault.what);
+    end.details = std::move(fault.details);
+    end.help = std::move(fault.help);
+    end.results = results();
+    end.changedSomething = changedSomething;
+    end.captured = std::move(captured_);
+    end.isVerified = isVerified_;
+    return end;
+}
+
+/// All faults as one: the first says what, the others stand below it.
+RunFault PlanRun::wholeFault() {
+    if (faults_.empty()) {
+        return {};
+    }
+    RunFault whole = std::move(faults_.front());
+    for (std::size_t i = 1; i < faults_.size(); ++i) {
+        whole.exitCode = std::min(whole.exitCode, faults_[i].exitCode); // stopped before different
+        whole.details.push_back(faults_[i].what);
+        whole.details.insert(whole.details.end(), faults_[i].details.begin(),
+                             faults_[i].details.end());
+        for (const std::string& help : faults_[i].help) {
+            if (std::find(whole.help.begin(), whole.help.end(), help) == whole.help.end()) {
+                whole.help.push_back(help);
+            }
+        }
+    }
+    if (whole.exitCode == apply_code::stopped) {
+        tellRemaining(whole);
+        if (whole.help.empty()) {
+            whole.help.push_back(resumeHelp("goes on"));
+        }
+    }
+    return whole;
+}
+
+ApplyEnd PlanRun::finish() {
+    RunFault whole = wholeFault();
+    if (whole.exitCode == apply_code::notPossible || whole.exitCode == apply_code::refused) {
+        return refuse(std::move(whole));
+    }
+    return stop(std::move(whole));
+}
+
+ApplyEnd PlanRun::stop(RunFault fault) {
+    const bool isWritten = write(JournalEnd{fault.exitCode, results(), fault.what});
+    if (!isWritten && fault.exitCode == apply_code::done) {
+        fault = journalFault();
+        fault.exitCode = apply_code::stopped;
+        fault.what = "all steps are done and verified, but the journal " +
+                     printable(terms.journalFile) + " cannot be written";
+        fault.help.push_back(resumeHelp("verifies it again"));
+    }
+    return endOf(std::move(fault));
+}
+
+ApplyEnd PlanRun::refuse(RunFault fault) {
+    if (journal_ && !isResumed) {
+        journal_.reset();
+        if (terms.dropJournal) {
+            terms.dropJournal();
+        }
+    }
+    return endOf(std::move(fault));
+}
+
+ApplyEnd PlanRun::already() {
+    for (ControllerProgress& progress : controllers) {
+        progress.isChecked = true;
+    }
+    isVerified_ = true;
+    return endOf({});
+}
+
+ApplyEnd PlanRun::fail(const std::exception& thrown) {
+    const std::string why = printable(reasonOf(thrown));
+    if (!changedSomething) {
+        return refuse(
+            {apply_code::notPossible, "ended before anything was changed: " + why, {}, {}});
+    }
+    return stop(
+        {apply_code::stopped, "stopped in the middle: " + why, {}, {resumeHelp("goes on")}});
+}
+
+std::optional<RunFault> PlanRun::waitForOld(const PlanStep& step, const std::string& utility,
+                                            const ProcessIdentity& child) {
+    if (child.pid == 0 || !system.isRunning(child)) {
+        return std::nullopt;
+    }
+    listener.note("Waiting for " + utilityText(utility, child) + " of the interrupted run");
+    const milliseconds begin = system.elapsed();
+    milliseconds nextLine = waitingSlice;
+    const int code = changedSomething ? apply_code::stopped : apply_code::refused;
+    while (system.isRunning(child)) {
+        const milliseconds since = system.elapsed() - begin;
+        if (system.interruption() != Interruption::none) {
+            return RunFault{code,
+                            "interrupted while " + utilityText(utility, child) +
+                                " of the interrupted run is still running",
+                            {},
+                            {resumeHelp("waits for it and goes on")}};
+        }
+        if (since >= milliseconds(terms.stepLimit)) {
+            return RunFault{code,
+                            utilityText(utility, child) +
+                                " of the interrupted run is still running after " +
+                                std::to_string(terms.stepLimit.count()) + " s",
+                            {"it goes on by itself; what it does is not known yet"},
+                            {resumeHelp("waits for it and goes on")}};
+        }
+        if (since >= nextLine) {
+            listener.stillWaiting(step, child, since);
+            nextLine += waitingSlice;
+        }
+        system.sleep(oneSecond);
+    }
+    return std::nullopt;
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,68 @@
+#include "companion/execution/SystemExecution.h"
+
+#include "companion/execution/SystemParts.h"
+#include "companion/machine/ProgramStart.h"
+#include "companion/machine/System.h"
+#include "companion/machine/Utilities.h"
+#include "companion/text/Timestamp.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+namespace parts = system_execution;
+
+class SystemExecution : public ExecutionSystem {
+  public:
+    SystemExecution(Platform& system, const Utilities& utilities)
+        : system_(system), utilities_(utilities), interruptions_(parts::heedInterruptions()) {}
+
+    std::unique_ptr<StartedChild> start(std::string_view commandLine,
+                                        const std::string& output) override {
+        const auto line = commandLineOf(utilities_.argumentsOf(commandLine), systemSplitting());
+        return parts::startProgram(line.value_or(std::string()), output, interruptions_);
+    }
+
+    ProcessIdentity ownProcess() override { return parts::ownProcess(); }
+    bool isRunning(const ProcessIdentity& process) override { return parts::isRunning(process); }
+    Interruption interruption() override { return interruptions_->asked(); }
+    void sleep(std::chrono::milliseconds time) override { interruptions_->await({}, time); }
+    std::chrono::milliseconds elapsed() override { return system::elapsed(); }
+    std::string timestamp() override { return timestampOf(system_.localTime()); }
+    std::string userName() override { return parts::userName(); }
+    LockAnswer lock(const std::string& name) override { return parts::takeLock(name); }
+
+    std::unique_ptr<DurableFile> makeDurable(const std::string& name) override {
+        return parts::makeDurable(name);
+    }
+    std::unique_ptr<DurableFile> reopenDurable(const std::string& name,
+                                               std::uint64_t keep) override {
+        return parts::reopenDurable(name, keep);
+    }
+
+    std::string commonFolder() override {
+        std::string folder = system::temporaryFolder().name;
+        const std::string_view separators = system::isWindows ? "/\\" : "/";
+        folder.erase(folder.find_last_not_of(separators) + 1);
+        return folder;
+    }
+
+    bool isLostAtRestart(const std::string& file) override { return parts::isLostAtRestart(file); }
+
+  private:
+    Platform& system_;
+    const Utilities& utilities_;
+    /// Children that are not waited for to their end may outlive this object.
+    std::shared_ptr<parts::Interruptions> interruptions_;
+};
+
+} // namespace
+
+std::unique_ptr<ExecutionSystem> makeSystemExecution(Platform& system, const Utilities& utilities) {
+    return std::make_unique<SystemExecution>(system, utilities);
+}
+
+} // namespace zolex::companion
