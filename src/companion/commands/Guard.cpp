@@ -5,8 +5,11 @@
 #include "companion/commands/GuardTrial.h"
 #include "companion/commands/LossText.h"
 #include "companion/commands/MachineAccess.h"
+#include "companion/commands/OwnCertificates.h"
 #include "companion/commands/PolicyFiles.h"
 #include "companion/execution/AttachedProgram.h"
+#include "companion/execution/RunLocks.h"
+#include "companion/execution/SystemExecution.h"
 #include "companion/machine/System.h"
 #include "companion/picture/Changes.h"
 #include "companion/text/Diagnostics.h"
@@ -70,6 +73,35 @@ std::string folderOf(std::string prefix) {
     return prefix;
 }
 
+std::string joinedLines(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    return text;
+}
+
+/// Tells of locks that are taken over; guard's run has no other events.
+class NoteTeller : public ApplyListener {
+  public:
+    explicit NoteTeller(Context& context) : context_(context) {}
+
+    void isAsPlannedFor(const Snapshot& /*guard*/) override {}
+    ConsentAnswer askConsent(const MachinePlan& /*plan*/,
+                             const std::vector<Loss>& /*losses*/) override {
+        return {};
+    }
+    void happened(const JournalEvent& /*event*/) override {}
+    void stillWaiting(const PlanStep& /*step*/, const ProcessIdentity& /*child*/,
+                      std::chrono::milliseconds /*since*/) override {}
+    void note(const std::string& text) override {
+        context_.platform.console().writeError(printable(text) + "\n");
+    }
+
+  private:
+    Context& context_;
+};
+
 class GuardCommand {
   public:
     GuardCommand(Context& context, const GuardOptions& options)
@@ -118,15 +150,9 @@ class GuardCommand {
         });
         context_.machine.record.clear(); // it is what was judged
         if (code == exit_code::done) {
-            code = lock();
-        }
-        if (code == exit_code::done) {
             code = agree();
         }
-        if (code == exit_code::done) {
-            code = lookAgain();
-        }
-        return code == exit_code::done ? start() : code;
+        return code == exit_code::done ? startLocked() : code;
     }
 
     /// What the policies file holds now; false after a message.
@@ -146,7 +172,8 @@ class GuardCommand {
     }
 
     int judge(Platform& machine, const Utilities& utilities) {
-        const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
+        snapshot_ = captureMachine(machine, captureRequest(context_, &utilities));
+        const Snapshot& snapshot = *snapshot_;
         if (snapshot.details.empty()) {
             return failWith(context_, "no supported RAID controller was found",
                             "zolexctl doctor tells what is there");
@@ -170,7 +197,7 @@ class GuardCommand {
         if (plan_.isRefused()) {
             return refuse(plan_.findings, exit_code::refused);
         }
-        tell(snapshot);
+        tell();
         return exit_code::done;
     }
 
@@ -190,7 +217,7 @@ class GuardCommand {
         }
     }
 
-    void tell(const Snapshot& snapshot) {
+    void tell() const {
         std::string text = diagnosticsText(warnings(), sources(), context_.errorStyle);
         if (!context_.quiet) {
             text += text.empty() ? "" : "\n";
@@ -208,7 +235,6 @@ class GuardCommand {
                 text += "This destroys nothing.\n";
             }
         }
-        static_cast<void>(snapshot);
         context_.platform.console().writeError(text);
     }
 
@@ -228,7 +254,10 @@ class GuardCommand {
         if (losses.empty()) {
             return exit_code::done;
         }
-        const ConsentTerms terms{options_.destroy, "zolexctl guard", {}};
+        const ConsentTerms terms{
+            options_.destroy, "zolexctl guard", [this](const std::vector<Loss>& all) {
+                return whyNotOwn(context_, all, *snapshot_, options_.certificates);
+            }};
         const ConsentAnswer answer = consentTo(context_, plan_.erased, losses, terms);
         if (answer.isGiven) {
             if (!context_.quiet) {
@@ -245,7 +274,34 @@ class GuardCommand {
                       exit_code::refused);
     }
 
-    int lock() { return exit_code::done; }
+    /// From here to the end no other run changes this machine.
+    int startLocked() {
+        const Utilities none;
+        const std::unique_ptr<ExecutionSystem> system =
+            context_.makeExecution ? context_.makeExecution(context_.platform, none)
+                                   : makeSystemExecution(context_.platform, none);
+        NoteTeller teller(context_);
+        RunLocks locks;
+        std::optional<RunFault> fault = locks.take(*system, plan_.erased, {}, teller);
+        if (fault) {
+            Finding finding =
+                guardFinding(guard_problem::locked, std::move(fault->what), std::move(fault->help));
+            finding.detail = joinedLines(fault->details);
+            return refuse({std::move(finding)}, fault->exitCode);
+        }
+        if (const std::uint64_t pid = locks.oldChild().pid; pid != 0) {
+            return refuse({guardFinding(guard_problem::locked,
+                                        "a command of an interrupted run is still at work (pid " +
+                                            std::to_string(pid) + ")")},
+                          exit_code::refused);
+        }
+        const int code = lookAgain();
+        if (code != exit_code::done) {
+            return code;
+        }
+        return system->interruption() == Interruption::asked ? changed("the run was interrupted")
+                                                             : start();
+    }
 
     /// What was judged is what zolex finds.
     int lookAgain() {
@@ -301,6 +357,7 @@ class GuardCommand {
     GuardTerms terms_;
     GuardedRun run_;
     GuardPlan plan_;
+    std::optional<Snapshot> snapshot_;
     Fingerprint state_;
     std::string program_;
     bool isPlayed_ = false;

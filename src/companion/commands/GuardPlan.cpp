@@ -31,6 +31,7 @@ class GuardPlanner {
 
     GuardPlan plan() {
         result_.findings = run_.notes;
+        result_.erased.fingerprint = fingerprintOf(snapshot_);
         if (run_.resets) {
             planErasing();
         }
