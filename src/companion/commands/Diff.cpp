@@ -1,7 +1,10 @@
 #include "companion/planning/Diff.h"
 #include "companion/commands/Commands.h"
+#include "companion/commands/FileKind.h"
 #include "companion/commands/MachineAccess.h"
 #include "companion/commands/PolicyFiles.h"
+#include "companion/execution/CertificateDiff.h"
+#include "companion/json/CertificateDocument.h"
 #include "companion/json/DiffDocument.h"
 #include "companion/json/PlanDocument.h"
 #include "companion/machine/Capture.h"
@@ -23,7 +26,7 @@ namespace zolex::companion {
 
 namespace {
 
-/// A plan is a document, which begins with a brace; no policies file does.
+/// A plan or a certificate is a document, which begins with a brace; no policies file does.
 bool isDocument(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     return first != std::string_view::npos && text[first] == '{';
@@ -62,7 +65,15 @@ class DiffCommand {
     /// What the machine is held against; false after a message.
     bool readWanted() {
         PoliciesText read = readPoliciesText(context_.platform, options_.file);
-        if (!read.fault && isDocument(read.text)) {
+        constexpr std::size_t headBytes = 256;
+        if (!read.fault &&
+            fileKindOf(std::string_view(read.text).substr(0, headBytes)) == FileKind::certificate) {
+            CertificateReading reading = readCertificate(read.text, read.name);
+            if (!reading.certificate) {
+                read.fault = reading.findings.front();
+            }
+            certificate_ = std::move(reading.certificate);
+        } else if (!read.fault && isDocument(read.text)) {
             PlanReading reading = readPlanDocument(read.text, read.name);
             if (!reading.plan) {
                 read.fault = reading.findings.front();
@@ -76,23 +87,38 @@ class DiffCommand {
             return false;
         }
         request_.policiesFile = std::move(read.name);
-        request_.policiesText = plan_ ? "" : std::move(read.text);
-        return !plan_ || asksWhatIsPlanned();
+        request_.policiesText = isByPolicies() ? std::move(read.text) : "";
+        return isByPolicies() || asksWhatIsTold();
     }
 
-    /// Whether the plan has the controllers that the options ask for; false after a message.
-    bool asksWhatIsPlanned() {
+    [[nodiscard]] bool isByPolicies() const { return !plan_ && !certificate_; }
+
+    /// The numbers of controllers of which the plan or the certificate tells.
+    [[nodiscard]] std::vector<std::int32_t> toldNumbers() const {
+        std::vector<std::int32_t> numbers;
+        if (plan_) {
+            for (const ControllerPlanning& planning : plan_->controllers) {
+                numbers.push_back(planning.controller.number);
+            }
+        } else {
+            for (const Certificate::Controller& controller : certificate_->controllers) {
+                numbers.push_back(controller.number);
+            }
+        }
+        return numbers;
+    }
+
+    /// Whether it has the controllers that the options ask for; false after a message.
+    bool asksWhatIsTold() {
+        const std::vector<std::int32_t> told = toldNumbers();
         for (const std::int32_t number : context_.machine.controllers) {
-            const bool isPlanned = std::any_of(plan_->controllers.begin(), plan_->controllers.end(),
-                                               [number](const ControllerPlanning& planning) {
-                                                   return planning.controller.number == number;
-                                               });
-            if (!isPlanned) {
-                failWith(context_,
-                         printable(request_.policiesFile) + " has no plan of controller " +
-                             std::to_string(number),
-                         "zolexctl show " + printable(request_.policiesFile) +
-                             " tells those of it");
+            if (std::find(told.begin(), told.end(), number) == told.end()) {
+                failWith(
+                    context_,
+                    printable(request_.policiesFile) +
+                        (plan_ ? " has no plan of controller " : " does not tell of controller ") +
+                        std::to_string(number),
+                    "zolexctl show " + printable(request_.policiesFile) + " tells those of it");
                 return false;
             }
         }
@@ -106,8 +132,10 @@ class DiffCommand {
                             "zolexctl doctor tells what is there");
         }
         madeAt_ = timestampOf(machine.localTime());
-        MachineDiff diff =
-            plan_ ? diffOf(snapshot, *plan_) : diffOf(planMachine(snapshot, request_));
+        MachineDiff diff = certificate_
+                               ? diffOf(snapshot, *certificate_, context_.machine.controllers)
+                           : plan_ ? diffOf(snapshot, *plan_)
+                                   : diffOf(planMachine(snapshot, request_));
         diff.wantedBy = request_.policiesFile;
         isDelivered_ = true;
         if (!deliver(context_, written(diff, snapshot))) {
@@ -133,11 +161,12 @@ class DiffCommand {
 
     int judge(const MachineDiff& diff) {
         if (isNothingCompared(diff)) {
-            return failWith(
-                context_, "nothing was compared: no controller has a policy",
-                plan_ ? "zolexctl show " + printable(request_.policiesFile) + " tells why"
-                      : "zolexctl plan " + printable(policiesArgument(request_.policiesFile)) +
-                            " tells for each policy why it does not fit");
+            return failWith(context_, "nothing was compared: no controller has a policy",
+                            !isByPolicies()
+                                ? "zolexctl show " + printable(request_.policiesFile) + " tells why"
+                                : "zolexctl plan " +
+                                      printable(policiesArgument(request_.policiesFile)) +
+                                      " tells for each policy why it does not fit");
         }
         return exitCodeOf(diff);
     }
@@ -173,7 +202,8 @@ class DiffCommand {
 
     Context& context_;
     const DiffOptions& options_;
-    std::optional<MachinePlan> plan_; ///< nothing: policies
+    std::optional<MachinePlan> plan_;
+    std::optional<Certificate> certificate_; ///< neither: policies
     PlanRequest request_;
     std::optional<Finding> fault_; ///< of the policies or the plan
     std::string madeAt_;

@@ -1,7 +1,9 @@
 #include "companion/commands/Commands.h"
+#include "companion/commands/FileKind.h"
 #include "companion/commands/MachineAccess.h"
 #include "companion/commands/ShowPlan.h"
 #include "companion/commands/ShowPolicies.h"
+#include "companion/commands/ShowRun.h"
 #include "companion/json/MachineDocument.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/Snapshot.h"
@@ -52,8 +54,15 @@ class Show {
 
     int run() {
         if (!options_.file.empty()) {
-            if (isPlanFile(context_.platform, options_.file)) {
+            switch (fileKindOf(context_.platform, options_.file)) {
+            case FileKind::plan:
                 return showPlan(context_, options_.file);
+            case FileKind::journal:
+                return showJournal(context_, options_.file);
+            case FileKind::certificate:
+                return showCertificate(context_, options_.file);
+            case FileKind::other:
+                break;
             }
             context_.machine.recording = options_.file;
         }

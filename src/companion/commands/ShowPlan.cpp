@@ -6,10 +6,6 @@
 #include "companion/text/Diagnostics.h"
 #include "companion/text/Timestamp.h"
 
-#include <array>
-#include <memory>
-#include <string_view>
-
 namespace zolex::companion {
 
 namespace {
@@ -31,17 +27,6 @@ std::string shownPlan(const Context& context, const PlanReading& reading, const 
 }
 
 } // namespace
-
-bool isPlanFile(Platform& platform, const std::string& file) {
-    constexpr std::size_t headBytes = 256;
-    const std::unique_ptr<File> opened = platform.files().open(file, "r");
-    if (!opened) {
-        return false;
-    }
-    std::array<char, headBytes> head{};
-    const std::size_t count = opened->read(head);
-    return std::string_view(head.data(), count).find("\"zolex-plan\"") != std::string_view::npos;
-}
 
 int showPlan(Context& context, const std::string& file) {
     const PlanReading reading = readPlanFile(context.platform.files(), file);

@@ -400,10 +400,12 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
     } else {
         why = "its command could not be started";
         fault.what = name + " could not be started: " + printable(step.summary);
-        fault.details.push_back(startFault.empty() ? "zolexctl doctor tells what is missing"
-                                                   : printable(startFault));
+        if (!startFault.empty()) {
+            fault.details.push_back(printable(startFault));
+        }
         fault.details.push_back(changedSomething ? "this step has changed nothing"
                                                  : "nothing was changed");
+        fault.help.emplace_back("zolexctl doctor tells what is missing");
     }
     const bool isRunning = wasStarted(result) && !hasEnded(result);
     if (!isRunning) {
@@ -568,9 +570,12 @@ std::vector<ControllerResult> PlanRun::results() const {
             result.reason = planning.because;
             continue;
         }
+        if (!progress.hasFailed() && planning.steps.empty()) {
+            result.result = ControllerResult::Result::already;
+            continue;
+        }
         if (!progress.hasFailed() && progress.isDone() && progress.isChecked) {
-            result.result = planning.steps.empty() ? ControllerResult::Result::already
-                                                   : ControllerResult::Result::configured;
+            result.result = ControllerResult::Result::configured;
             continue;
         }
         result.of = totalSteps_;
@@ -578,7 +583,7 @@ std::vector<ControllerResult> PlanRun::results() const {
             result.step = progress.failedStep;
             result.reason = progress.failure;
         } else if (progress.isDone()) {
-            result.step = planning.steps.empty() ? 0 : planning.steps.back().step;
+            result.step = planning.steps.back().step;
             result.reason = "not verified";
         } else {
             result.step = progress.isBegun ? planning.steps[progress.next].step : 0;
@@ -676,9 +681,6 @@ ApplyEnd PlanRun::refuse(RunFault fault) {
 }
 
 ApplyEnd PlanRun::already() {
-    for (ControllerProgress& progress : controllers) {
-        progress.isChecked = true;
-    }
     isVerified_ = true;
     return endOf({});
 }

@@ -73,6 +73,7 @@ class PlanRun {
 
     [[nodiscard]] std::string resumeHelp(const std::string& when) const;
     [[nodiscard]] std::int32_t totalSteps() const { return totalSteps_; }
+    [[nodiscard]] bool isStopped() const { return isStopped_; }
     RunLocks& locks() { return locks_; }
 
     Platform& machine;

@@ -58,7 +58,7 @@ std::string diffDocument(const MachineDiff& diff, const DocumentHead& head) {
     }
     out.object("wanted_by");
     out.textOrNull("file", diff.wantedBy);
-    out.text("kind", diff.isByPlan ? "plan" : "policies");
+    out.text("kind", diff.isByPlan ? "plan" : diff.isByCertificate ? "certificate" : "policies");
     out.end();
     out.text("result", diffResultWord(diff.result));
     out.list("controllers");

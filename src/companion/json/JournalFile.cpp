@@ -12,9 +12,14 @@ namespace zolex::companion {
 JournalReading readJournalFile(FileSystem& files, const std::string& name) {
     FileBytes bytes = readBytes(files, name, journalCodes, mostJournalBytes);
     if (!bytes.findings.empty()) {
-        return {std::nullopt, std::move(bytes.findings)};
+        return {std::nullopt, std::move(bytes.findings), {}};
     }
-    return readJournal(bytes.text, name);
+    JournalReading reading = readJournal(bytes.text, name);
+    if (reading.journal) {
+        bytes.text.resize(static_cast<std::size_t>(reading.journal->bytes));
+        reading.text = std::move(bytes.text);
+    }
+    return reading;
 }
 
 JournalFile::JournalFile(std::unique_ptr<DurableFile> file, Clock clock)

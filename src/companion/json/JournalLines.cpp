@@ -560,7 +560,7 @@ std::string journalLine(std::uint64_t seq, std::string_view at, std::string_view
 
 JournalReading readJournal(std::string_view text, std::string_view fileName) {
     if (text.size() > mostJournalBytes) {
-        return {std::nullopt, {tooLargeFinding(fileName, journalCodes, mostJournalBytes)}};
+        return {std::nullopt, {tooLargeFinding(fileName, journalCodes, mostJournalBytes)}, {}};
     }
     return JournalReader(text, fileName).read();
 }

@@ -32,6 +32,7 @@ inline constexpr std::size_t mostJournalEvents = std::size_t{1} << 20U;
 struct JournalReading {
     std::optional<JournalHistory> journal; ///< nothing: it cannot be read; `findings` says why
     std::vector<Finding> findings;         ///< at most one: an error, with its line
+    std::string text;                      ///< of a file: its whole lines
 };
 
 /// Reads the text of a file. A last line that was cut counts as not written. Events that a later

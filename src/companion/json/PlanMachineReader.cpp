@@ -97,42 +97,6 @@ std::optional<DrivePosition> readPosition(const Part& part) {
     part.fail(name, "is no channel and id such as \"1:3\"");
 }
 
-MachineDrive readDrive(const Part& part) {
-    MachineDrive drive;
-    DriveFacts& facts = drive.facts;
-    const auto small = [&](const char* name) {
-        return part.numberOrNull<std::int32_t>(name, 0, mostNumber);
-    };
-    facts.location = part.word("location");
-    facts.enclosure = small("enclosure");
-    facts.slot = small("slot");
-    facts.channel = small("channel");
-    facts.id = small("id");
-    drive.policyNumber = part.numberOrNull<std::int32_t>("policy_number", 1, mostNumber);
-    drive.policyPosition = readPosition(part);
-    drive.array = part.wordOrNull("array");
-    facts.serialNumber = part.textOrNull("serial_number");
-    facts.manufacturer = part.textOrNull("manufacturer");
-    facts.model = part.textOrNull("model");
-    facts.revision = part.textOrNull("revision");
-    facts.protocol = part.wordOrNull("protocol");
-    facts.mediaType = part.wordOrNull("media_type");
-    facts.capacityBytes = part.numberOrNull<std::uint64_t>("capacity_bytes");
-    facts.capacityTolerance = part.number<std::uint64_t>("capacity_tolerance_bytes");
-    const Part status = part.object("status");
-    facts.health = status.oneOf<Health>("health", healths, healthWord);
-    facts.state = part.oneOf<DriveState>("drive_state", driveStates, driveStateWord);
-    facts.reportedState = part.textOrNull("reported_state");
-    facts.mediaErrorCount = part.numberOrNull<std::uint64_t>("media_error_count");
-    facts.otherErrorCount = part.numberOrNull<std::uint64_t>("other_error_count");
-    facts.predictedFailureCount = part.numberOrNull<std::uint64_t>("predicted_failure_count");
-    facts.temperatureCelsius =
-        part.numberOrNull<std::int32_t>("temperature_celsius", -mostNumber, mostNumber);
-    facts.hotspare = part.oneOf<HotspareKind>("hotspare_type", hotspareKinds, hotspareWord);
-    facts.isForeign = part.truth("foreign");
-    return drive;
-}
-
 void readSupported(const Part& part, Facts& facts) {
     const Part supported = part.object("supported");
     if (!supported.isNull("raid_types")) {
@@ -214,6 +178,42 @@ std::vector<Finding> readDiagnostics(const Part& part, std::string_view name) {
         }
     }
     return findings;
+}
+
+MachineDrive readDrive(const Part& part) {
+    MachineDrive drive;
+    DriveFacts& facts = drive.facts;
+    const auto small = [&](const char* name) {
+        return part.numberOrNull<std::int32_t>(name, 0, mostNumber);
+    };
+    facts.location = part.word("location");
+    facts.enclosure = small("enclosure");
+    facts.slot = small("slot");
+    facts.channel = small("channel");
+    facts.id = small("id");
+    drive.policyNumber = part.numberOrNull<std::int32_t>("policy_number", 1, mostNumber);
+    drive.policyPosition = readPosition(part);
+    drive.array = part.wordOrNull("array");
+    facts.serialNumber = part.textOrNull("serial_number");
+    facts.manufacturer = part.textOrNull("manufacturer");
+    facts.model = part.textOrNull("model");
+    facts.revision = part.textOrNull("revision");
+    facts.protocol = part.wordOrNull("protocol");
+    facts.mediaType = part.wordOrNull("media_type");
+    facts.capacityBytes = part.numberOrNull<std::uint64_t>("capacity_bytes");
+    facts.capacityTolerance = part.number<std::uint64_t>("capacity_tolerance_bytes");
+    const Part status = part.object("status");
+    facts.health = status.oneOf<Health>("health", healths, healthWord);
+    facts.state = part.oneOf<DriveState>("drive_state", driveStates, driveStateWord);
+    facts.reportedState = part.textOrNull("reported_state");
+    facts.mediaErrorCount = part.numberOrNull<std::uint64_t>("media_error_count");
+    facts.otherErrorCount = part.numberOrNull<std::uint64_t>("other_error_count");
+    facts.predictedFailureCount = part.numberOrNull<std::uint64_t>("predicted_failure_count");
+    facts.temperatureCelsius =
+        part.numberOrNull<std::int32_t>("temperature_celsius", -mostNumber, mostNumber);
+    facts.hotspare = part.oneOf<HotspareKind>("hotspare_type", hotspareKinds, hotspareWord);
+    facts.isForeign = part.truth("foreign");
+    return drive;
 }
 
 ControllerSnapshot readPlanController(const Part& part) {

@@ -21,6 +21,7 @@ inline constexpr std::size_t mostPlanLines = 16384; ///< of texts, diagnostics, 
 
 [[nodiscard]] Fingerprint readFingerprint(const Part& part);
 [[nodiscard]] std::vector<Finding> readDiagnostics(const Part& part, std::string_view name);
+[[nodiscard]] MachineDrive readDrive(const Part& part);
 /// The controller and its drives, without a layout.
 [[nodiscard]] ControllerSnapshot readPlanController(const Part& part);
 [[nodiscard]] Layout readLayout(const Part& part);

@@ -65,6 +65,11 @@ class ControllerDiffWriter {
         } else if (!diff_.because.empty()) {
             out_ += signedLine("  ", printable(diff_.because), emphasisOf(diff_.result), style_);
         }
+        if (isDifferent && all_.isByCertificate) {
+            for (const std::string& change : diff_.comparison.equivalences) {
+                out_ += signedLine("  ! ", printable(change), Emphasis::warning, style_);
+            }
+        }
         for (const std::string& health : diff_.comparison.health) {
             out_ += signedLine("  ! ", printable(health), Emphasis::warning, style_);
         }
@@ -156,7 +161,7 @@ class ControllerDiffWriter {
         };
         return {6,
                 {{name, Emphasis::changed},
-                 {(all_.isByPlan ? "plan " : "policy ") + said(difference.wanted)},
+                 {std::string(all_.wisher()) + " " + said(difference.wanted)},
                  {"machine " + said(difference.found)}}};
     }
 
@@ -285,6 +290,9 @@ std::string nextCommand(const MachineDiff& diff) {
     if (diff.isByPlan) {
         return "zolexctl show " + printable(diff.wantedBy) + " shows the plan.";
     }
+    if (diff.isByCertificate) {
+        return "zolexctl show " + printable(diff.wantedBy) + " shows what was left there.";
+    }
     return isAnyRefused(diff) ? planRefusedText(diff)
                               : "zolexctl plan " + printable(policiesArgument(diff.wantedBy)) +
                                     " shows what it takes.";
@@ -361,8 +369,12 @@ std::string closing(const MachineDiff& diff) {
     const std::size_t compared = all - skipped;
     text = compared == 1 ? "The controller is "
                          : "All " + std::to_string(compared) + " controllers are ";
-    text += std::string("as the ") + (diff.isByPlan ? "plan says" : "policies say");
-    text += equivalent > 0 ? ", on equal drives." : ".";
+    text += std::string("as the ") + (diff.isByPlan || diff.isByCertificate
+                                          ? std::string(diff.wisher()) + " says"
+                                          : "policies say");
+    text += equivalent == 0        ? "."
+            : diff.isByCertificate ? ", but for drives."
+                                   : ", on equal drives.";
     text += skipped > 0 ? " " + countOf(skipped, all, "is skipped.", "are skipped.") : "";
     return text;
 }

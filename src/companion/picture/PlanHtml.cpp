@@ -481,9 +481,8 @@ std::string diffSection(const MachineDiff& all, const ControllerDiff& diff,
                                {orDash(withRanges(row.found)), "wide"}});
     }
     if (!rows.empty()) {
-        out +=
-            table("Differences",
-                  {{"what"}, {"attribute"}, {all.isByPlan ? "plan" : "policy"}, {"machine"}}, rows);
+        out += table("Differences",
+                     {{"what"}, {"attribute"}, {std::string(all.wisher())}, {"machine"}}, rows);
     }
     std::string items;
     for (const std::string& line : diff.comparison.health) {

@@ -35,15 +35,6 @@ std::size_t rankOf(Result result) {
     return static_cast<std::size_t>(std::find(ranks.begin(), ranks.end(), result) - ranks.begin());
 }
 
-/// Without controllers nothing is known.
-Result worstOf(const std::vector<ControllerDiff>& controllers) {
-    const auto worst = std::max_element(controllers.begin(), controllers.end(),
-                                        [](const ControllerDiff& a, const ControllerDiff& b) {
-                                            return rankOf(a.result) < rankOf(b.result);
-                                        });
-    return worst == controllers.end() ? Result::unknown : worst->result;
-}
-
 struct AttributeWords {
     std::string_view attribute;
     std::string_view words;
@@ -199,54 +190,8 @@ ControllerDiff diffOfEarlier(const Snapshot& snapshot, const ControllerPlanning&
         }
         return diff;
     }
-    diff.captured = capturedLayout(details->facts);
-    diff.wanted = layoutOf(planning);
-    diff.comparison =
-        compareLayouts(details->facts, diff.captured, diff.wanted, {details->utility});
-    diff.result = resultOf(diff.comparison.result);
-    tellRebuild(diff, details->utility,
-                diff.result == Result::different && canBeAdded(*details, diff));
+    compareStanding(diff, *details, layoutOf(planning));
     return diff;
-}
-
-/// "serial number A of the machine, B in the plan": by what it is another machine.
-std::string whatIsOther(const Fingerprint& found, const Fingerprint& planned) {
-    if (found.machineType != planned.machineType) {
-        return "it is of type " + found.machineType + ", the plan is of one of type " +
-               planned.machineType;
-    }
-    if (found.serialNumber != planned.serialNumber) {
-        return "its serial number is " +
-               (found.serialNumber.empty() ? "not told" : found.serialNumber) +
-               ", the plan is of " +
-               (planned.serialNumber.empty() ? "one that is not told" : planned.serialNumber);
-    }
-    if (found.controllers.size() != planned.controllers.size()) {
-        return "it has " + std::to_string(found.controllers.size()) +
-               " controllers, the plan is of " + std::to_string(planned.controllers.size());
-    }
-    for (std::size_t i = 0; i < found.controllers.size(); ++i) {
-        if (found.controllers[i] != planned.controllers[i]) {
-            return "its controller " + std::to_string(found.controllers[i].number) +
-                   " is another one than that of the plan";
-        }
-    }
-    return "";
-}
-
-/// Which machine it is, by the controllers that the plan was asked for.
-Fingerprint fingerprintFor(const Snapshot& snapshot, const MachinePlan& earlier) {
-    Snapshot part;
-    part.machine = snapshot.machine;
-    const auto isPlanned = [&](const ControllerSnapshot& details) {
-        const auto& planned = earlier.fingerprint.controllers;
-        return std::any_of(planned.begin(), planned.end(), [&](const auto& controller) {
-            return controller.number == details.number;
-        });
-    };
-    std::copy_if(snapshot.details.begin(), snapshot.details.end(), std::back_inserter(part.details),
-                 isPlanned);
-    return fingerprintOf(part);
 }
 
 } // namespace
@@ -267,6 +212,66 @@ std::string_view diffResultWord(ControllerDiff::Result result) {
     return "unknown";
 }
 
+Result worstOf(const std::vector<ControllerDiff>& controllers) {
+    const auto worst = std::max_element(controllers.begin(), controllers.end(),
+                                        [](const ControllerDiff& a, const ControllerDiff& b) {
+                                            return rankOf(a.result) < rankOf(b.result);
+                                        });
+    return worst == controllers.end() ? Result::unknown : worst->result;
+}
+
+void compareStanding(ControllerDiff& diff, const ControllerSnapshot& details, Layout wanted) {
+    diff.captured = capturedLayout(details.facts);
+    diff.wanted = std::move(wanted);
+    diff.comparison = compareLayouts(details.facts, diff.captured, diff.wanted, {details.utility});
+    diff.result = resultOf(diff.comparison.result);
+    tellRebuild(diff, details.utility,
+                diff.result == Result::different && canBeAdded(details, diff));
+}
+
+std::string whatIsOther(const Fingerprint& found, const Fingerprint& earlier,
+                        const std::string& what) {
+    const auto told = [](const std::string& text, const char* none) {
+        return text.empty() ? std::string(none) : text;
+    };
+    if (found.machineType != earlier.machineType) {
+        return "it is of type " + found.machineType + ", " + what + " is of one of type " +
+               earlier.machineType;
+    }
+    if (found.serialNumber != earlier.serialNumber) {
+        return "its serial number is " + told(found.serialNumber, "not told") + ", " + what +
+               " is of " + told(earlier.serialNumber, "one that is not told");
+    }
+    if (found.controllers.size() != earlier.controllers.size()) {
+        return "it has " + std::to_string(found.controllers.size()) + " controllers, " + what +
+               " is of " + std::to_string(earlier.controllers.size());
+    }
+    for (std::size_t i = 0; i < found.controllers.size(); ++i) {
+        if (found.controllers[i] != earlier.controllers[i]) {
+            return "its controller " + std::to_string(found.controllers[i].number) +
+                   " is another one than that of " + what;
+        }
+    }
+    return "";
+}
+
+Fingerprint fingerprintFor(const Snapshot& snapshot, const Fingerprint& earlier) {
+    Snapshot part;
+    part.machine = snapshot.machine;
+    const auto isOfIt = [&](const ControllerSnapshot& details) {
+        return std::any_of(
+            earlier.controllers.begin(), earlier.controllers.end(),
+            [&](const auto& controller) { return controller.number == details.number; });
+    };
+    std::copy_if(snapshot.details.begin(), snapshot.details.end(), std::back_inserter(part.details),
+                 isOfIt);
+    return fingerprintOf(part);
+}
+
+std::string_view MachineDiff::wisher() const {
+    return isByPlan ? "plan" : isByCertificate ? "certificate" : "policy";
+}
+
 MachineDiff diffOf(const MachinePlan& plan) {
     MachineDiff diff;
     diff.wantedBy = plan.policiesFile;
@@ -285,12 +290,12 @@ MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier) {
     MachineDiff diff;
     diff.wantedBy = earlier.id;
     diff.isByPlan = true;
-    diff.fingerprint = fingerprintFor(snapshot, earlier);
+    diff.fingerprint = fingerprintFor(snapshot, earlier.fingerprint);
     const bool isOther = diff.fingerprint.identity != earlier.fingerprint.identity;
     if (isOther) {
         diff.diagnostics.push_back(problemFinding(
             problem::otherMachine, "the plan " + earlier.id + " is of another machine",
-            whatIsOther(diff.fingerprint, earlier.fingerprint)));
+            whatIsOther(diff.fingerprint, earlier.fingerprint, "the plan")));
         if (!earlier.policiesFile.empty()) {
             namePolicies(diff.diagnostics, earlier.policiesFile);
         }

@@ -34,12 +34,16 @@ struct ControllerDiff {
 
 /// The machine against policies or a plan.
 struct MachineDiff {
-    std::string wantedBy; ///< name of the policies file, or of the plan
+    std::string wantedBy; ///< name of the policies file, of the plan, or of the certificate
     bool isByPlan = false;
+    bool isByCertificate = false;
     ControllerDiff::Result result = ControllerDiff::Result::unknown; ///< the worst of all
     std::vector<ControllerDiff> controllers;
     std::vector<Finding> diagnostics; ///< of the machine as a whole
     Fingerprint fingerprint;
+
+    /// "policy", "plan", "certificate": who wants it.
+    [[nodiscard]] std::string_view wisher() const;
 };
 
 /// The machine that the plan was made of against the plan.
@@ -47,5 +51,17 @@ struct MachineDiff {
 /// A machine against a plan that was made earlier: of this machine, else every controller is
 /// unknown and `diagnostics` tell why.
 [[nodiscard]] MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier);
+
+/// Gives `diff` what stands on a captured controller, held against what is wanted of it, and
+/// whether adding is enough.
+void compareStanding(ControllerDiff& diff, const ControllerSnapshot& details, Layout wanted);
+/// The worst of all; unknown without controllers.
+[[nodiscard]] ControllerDiff::Result worstOf(const std::vector<ControllerDiff>& controllers);
+/// Which machine it is, by the controllers of an earlier fingerprint alone.
+[[nodiscard]] Fingerprint fingerprintFor(const Snapshot& snapshot, const Fingerprint& earlier);
+/// By what it is another machine: "it is of type 8837, the plan is of one of type 8840". `what` is
+/// what was made earlier: "the plan". Empty: the same, or it cannot be said.
+[[nodiscard]] std::string whatIsOther(const Fingerprint& found, const Fingerprint& earlier,
+                                      const std::string& what);
 
 } // namespace zolex::companion
