@@ -70,7 +70,7 @@ class SavedPlan {
         }
         const std::string journal =
             options_.journal.empty() ? journalFileOf(options_.plan) : options_.journal;
-        if (auto obstacle = journalObstacle(context_, journal, chosen_.plan.command)) {
+        if (auto obstacle = journalObstacle(context_, journal, planCommand(chosen_.plan))) {
             return run_.refuse(obstacle->exitCode, obstacle->what, obstacle->help);
         }
         return run_.carryOut(chosen_);
@@ -238,9 +238,7 @@ class Resumption {
                                printable(chosen.file) + " is not the plan of this run: its bytes "
                                                         "are others",
                                {"put the plan " + begin.planId + " back in its place",
-                                (reading.plan->command.empty() ? "zolexctl plan POLICIES"
-                                                               : reading.plan->command) +
-                                    " plans from what is there"});
+                                planCommand(*reading.plan) + " plans from what is there"});
         }
         chosen.plan = *std::move(reading.plan);
         chosen.hash = std::move(reading.hash);

@@ -25,6 +25,19 @@ std::string planCommand(const PlanRequest& request, const std::vector<std::strin
     return command;
 }
 
+std::string planCommand(const MachinePlan& plan) {
+    if (!plan.command.empty()) {
+        return plan.command;
+    }
+    const bool isReset =
+        plan.policiesFile.empty() &&
+        std::all_of(plan.controllers.begin(), plan.controllers.end(),
+                    [](const ControllerPlanning& planning) {
+                        return planning.after.groups.empty() && planning.after.spares.empty();
+                    });
+    return isReset ? "zolexctl reset" : "zolexctl plan " + policiesArgument(plan.policiesFile);
+}
+
 MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     MachinePlan plan;
     plan.machineSource = snapshot.machineSource;
