@@ -257,9 +257,9 @@ void writeRuns(SeedWriter& seeds) {
     const std::string stopped = companion::test::journalText(events);
     seeds.write("journal", stopped);
     seeds.write("journal", stopped.substr(0, stopped.size() - 9));
-    events[13] = companion::test::exampleStepEnded(3, 0, "", 900);
-    events[14] = companion::JournalVerified{companion::JournalVerified::Result::asPlanned, {}};
-    events[15] = companion::JournalEnd{};
+    events[12] = companion::test::exampleStepEnded(3, 0, "", 900);
+    events[13] = companion::JournalVerified{companion::JournalVerified::Result::asPlanned, {}};
+    events[14] = companion::JournalEnd{};
     seeds.write("journal", companion::test::journalText(events));
     const companion::DocumentHead head{{"apply", "plan.json"}, "2026-11-21T21:06:20+00:00"};
     seeds.write("certificate", compact(companion::certificateDocument(
