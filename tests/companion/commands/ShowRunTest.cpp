@@ -4,6 +4,7 @@
 #include "companion/json/PlanDocument.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/Sha256.h"
+#include "companion/planning/Steps.h"
 #include "companion/support/ExampleCertificate.h"
 #include "companion/support/ExampleJournal.h"
 #include "companion/support/ExamplePlan.h"
@@ -72,6 +73,7 @@ TEST(FileKind, IsToldByTheBeginOfAFile) {
 TEST(ShowJournal, ShowsTheStepsWithTheWordsOfThePlan) {
     SimulatedPlatform platform("single");
     MachinePlan plan = examplePlan();
+    plan.consent = consentCode(plan.fingerprint.identity, plan.losses());
     const std::string document = planDocument(plan, {{"plan"}, "2026-11-21T21:05:00+00:00"});
     std::vector<JournalEvent> events = exampleJournalEvents();
     std::get<JournalBegin>(events[0]).planHash = sha256(document);
@@ -108,14 +110,15 @@ TEST(ShowJournal, TellsTheLineOfAJournalThatWasChanged) {
     const Ran ran = shown(platform, Format::text, "run.jsonl");
     EXPECT_EQ(ran.code, exit_code::notPossible);
     EXPECT_EQ(ran.output, "");
-    EXPECT_EQ(ran.error, R"(run.jsonl:3:1: error: this line is not the one that was
-          written: line 4 has another SHA-256 of it [ZA186]
+    EXPECT_EQ(ran.error,
+              R"(run.jsonl:3:1: error: this line is not the one that was written: line 4 has
+               another SHA-256 of it [ZA186]
    help: look at what stands, and plan what is missing: zolexctl plan POLICIES
 )");
     platform.fileFake.files["run.jsonl"] = text.substr(0, 100);
     EXPECT_EQ(shown(platform, Format::text, "run.jsonl").error,
-              R"(run.jsonl: error: nothing was begun: the journal has not even
-          one whole line [ZA187]
+              R"(run.jsonl: error: nothing was begun: the journal has not even one whole line
+           [ZA187]
    help: remove the file, and apply the plan: zolexctl apply PLAN.json
 )");
     EXPECT_EQ(shown(platform, Format::json, "run.jsonl").output.find("{\n  \"format\""), 0U);
