@@ -220,7 +220,7 @@ class GuardCommand {
     }
 
     void tell() const {
-        std::string text = diagnosticsText(warnings(), sources(), context_.errorStyle);
+        std::string text = diagnosticsText(toldOf(plan_.findings), sources(), context_.errorStyle);
         if (!context_.quiet) {
             text += text.empty() ? "" : "\n";
             text += emphasized(printable(typedRun(terms_.zolexWords)), Emphasis::bold,
@@ -245,13 +245,13 @@ class GuardCommand {
         return foldedWords(text, 0, 0, static_cast<std::size_t>(context_.errorStyle.width)) + "\n";
     }
 
-    [[nodiscard]] std::vector<Finding> warnings() const {
+    /// What is told of findings: notes of the policies are for those who ask for more.
+    [[nodiscard]] std::vector<Finding> toldOf(const std::vector<Finding>& findings) const {
         std::vector<Finding> told;
-        std::copy_if(plan_.findings.begin(), plan_.findings.end(), std::back_inserter(told),
+        std::copy_if(findings.begin(), findings.end(), std::back_inserter(told),
                      [this](const Finding& finding) {
-                         return finding.severity == Severity::warning ||
-                                (finding.severity == Severity::note &&
-                                 (context_.verbose || finding.code.starts_with("ZA")));
+                         return finding.severity != Severity::note || context_.verbose ||
+                                finding.code.starts_with("ZA");
                      });
         return told;
     }
@@ -374,7 +374,7 @@ class GuardCommand {
 
     /// Tells why zolex is not started; the code.
     int refuse(const std::vector<Finding>& findings, int code) {
-        const std::string text = diagnosticsText(findings, sources(), context_.errorStyle);
+        const std::string text = diagnosticsText(toldOf(findings), sources(), context_.errorStyle);
         context_.platform.console().writeError(text + "\n");
         failWith(context_, "zolex was not started, and nothing was changed");
         return code;
