@@ -266,6 +266,8 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
         context_.makeExecution ? context_.makeExecution(context_.platform, utilities())
                                : makeSystemExecution(context_.platform, utilities());
     TellTerms tell = tellTerms();
+    tell.consent.isListed = chosen.isShown;
+    tell.nothingToDo = chosen.nothingToDo;
     tell.notOwn = [this](const std::vector<Loss>& losses, const Snapshot& guard) {
         return whyNotOwn(context_, losses, guard, options_.certificates);
     };

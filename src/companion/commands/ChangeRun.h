@@ -24,6 +24,8 @@ struct ChosenPlan {
     std::string lockFile;
     std::vector<std::int32_t> controllers; ///< asked for; empty: all of the plan
     bool allowSkipped = false;
+    bool isShown = false; ///< with what it would destroy
+    std::string nothingToDo = "Nothing to do: nothing was run.";
 };
 
 /// One run of a command that changes a machine: the machine, the system, the journal, the log and
