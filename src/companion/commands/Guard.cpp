@@ -13,6 +13,7 @@
 #include "companion/machine/System.h"
 #include "companion/picture/Changes.h"
 #include "companion/text/Diagnostics.h"
+#include "companion/text/Table.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -164,6 +165,7 @@ class GuardCommand {
         PoliciesText read = readPoliciesText(context_.platform,
                                              run_.policiesFile == "-" ? "./-" : run_.policiesFile);
         if (read.fault) {
+            read.fault->help = {"name a policies file that is there: /f:FILE"};
             refuse({*read.fault}, exit_code::notPossible);
             return false;
         }
@@ -218,7 +220,7 @@ class GuardCommand {
     }
 
     void tell() const {
-        std::string text = diagnosticsText(warnings(), sources(), context_.errorStyle);
+        std::string text = diagnosticsText(toldOf(plan_.findings), sources(), context_.errorStyle);
         if (!context_.quiet) {
             text += text.empty() ? "" : "\n";
             text += emphasized(printable(typedRun(terms_.zolexWords)), Emphasis::bold,
@@ -228,8 +230,9 @@ class GuardCommand {
                 text += "  " + line + "\n";
             }
             if (isPlayed_) {
-                text += "Played on a virtual copy of this machine: zolex ends with 0";
-                text += run_.deploys ? ", and as the policies say.\n" : ".\n";
+                text += folded(std::string("Played on a virtual copy of this machine: zolex ends "
+                                           "with 0") +
+                               (run_.deploys ? ", and as the policies say." : "."));
             }
             if (plan_.erased.losses().empty()) {
                 text += "This destroys nothing.\n";
@@ -238,13 +241,17 @@ class GuardCommand {
         context_.platform.console().writeError(text);
     }
 
-    [[nodiscard]] std::vector<Finding> warnings() const {
+    [[nodiscard]] std::string folded(const std::string& text) const {
+        return foldedWords(text, 0, 0, static_cast<std::size_t>(context_.errorStyle.width)) + "\n";
+    }
+
+    /// What is told of findings: notes of the policies are for those who ask for more.
+    [[nodiscard]] std::vector<Finding> toldOf(const std::vector<Finding>& findings) const {
         std::vector<Finding> told;
-        std::copy_if(plan_.findings.begin(), plan_.findings.end(), std::back_inserter(told),
+        std::copy_if(findings.begin(), findings.end(), std::back_inserter(told),
                      [this](const Finding& finding) {
-                         return finding.severity == Severity::warning ||
-                                (finding.severity == Severity::note &&
-                                 (context_.verbose || finding.code.starts_with("ZA")));
+                         return finding.severity != Severity::note || context_.verbose ||
+                                finding.code.starts_with("ZA");
                      });
         return told;
     }
@@ -261,8 +268,9 @@ class GuardCommand {
         const ConsentAnswer answer = consentTo(context_, plan_.erased, losses, terms);
         if (answer.isGiven) {
             if (!context_.quiet) {
-                context_.platform.console().writeError("This destroys " + lossesText(losses) +
-                                                       ", agreed to: " + lossNames(losses) + ".\n");
+                context_.platform.console().writeError(
+                    folded("This destroys " + lossesText(losses) +
+                           ", agreed to: " + lossNames(losses) + "."));
             }
             return exit_code::done;
         }
@@ -299,8 +307,28 @@ class GuardCommand {
         if (code != exit_code::done) {
             return code;
         }
-        return system->interruption() == Interruption::asked ? changed("the run was interrupted")
-                                                             : start();
+        if (system->interruption() == Interruption::asked) {
+            return changed("the run was interrupted");
+        }
+        const int ended = start();
+        if (ended == exit_code::done) {
+            tellOtherEnd();
+        }
+        return ended;
+    }
+
+    /// zolex believes its utilities. What stands otherwise is told, and changes no exit code.
+    void tellOtherEnd() {
+        static_cast<void>(
+            lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
+                const Snapshot now = captureMachine(machine, captureRequest(context_, &utilities));
+                const std::vector<Finding> found = compareEnds(now, plan_);
+                if (!found.empty()) {
+                    context_.platform.console().writeError(
+                        "\n" + diagnosticsText(found, sources(), context_.errorStyle));
+                }
+                return exit_code::done;
+            }));
     }
 
     /// What was judged is what zolex finds.
@@ -346,7 +374,7 @@ class GuardCommand {
 
     /// Tells why zolex is not started; the code.
     int refuse(const std::vector<Finding>& findings, int code) {
-        const std::string text = diagnosticsText(findings, sources(), context_.errorStyle);
+        const std::string text = diagnosticsText(toldOf(findings), sources(), context_.errorStyle);
         context_.platform.console().writeError(text + "\n");
         failWith(context_, "zolex was not started, and nothing was changed");
         return code;

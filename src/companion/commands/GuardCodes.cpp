@@ -73,6 +73,10 @@ constexpr auto guardRows = std::to_array<ProblemCode>({
      "Without /r zolex removes nothing. The utility refuses the first command for drives of a "
      "logical drive or a hot spare, and the run ends with exit code 11, half done.",
      "zolexctl plan POLICIES tells what stands as wanted, and removes no more than is needed"},
+    {guard_problem::endedElsewhere, error, "zolex ended with 0, and something else stands",
+     "zolex believes what its utilities say. The server was read again behind it. The exit code "
+     "stays that of zolex.",
+     "zolexctl diff POLICIES tells all of it, and zolexctl plan POLICIES what mends it"},
 });
 
 } // namespace

@@ -28,6 +28,7 @@ inline constexpr std::string_view locked = "ZA214";
 inline constexpr std::string_view notPlayed = "ZA215";
 inline constexpr std::string_view runsAllTheSame = "ZA216";
 inline constexpr std::string_view drivesInUse = "ZA217";
+inline constexpr std::string_view endedElsewhere = "ZA218";
 } // namespace guard_problem
 
 /// What guard can tell, in the order of the ids.

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -37,31 +38,37 @@ std::string lastLines(std::string_view printed) {
     return result;
 }
 
-std::string differenceText(const Difference& difference) {
+std::string differenceText(const Difference& difference, std::string_view tense) {
     const std::string what = !difference.location.empty()       ? difference.location
                              : !difference.logicalDrive.empty() ? "LD " + difference.logicalDrive
                                                                 : "";
-    return what + (what.empty() ? "" : ", ") + attributeText(difference.attribute) + ": would be " +
-           (difference.found.empty() ? "none" : difference.found) + "; wanted is " +
-           (difference.wanted.empty() ? "none" : difference.wanted);
+    return what + (what.empty() ? "" : ", ") + attributeText(difference.attribute) + ": " +
+           std::string(tense) + " " + (difference.found.empty() ? "none" : difference.found) +
+           "; wanted is " + (difference.wanted.empty() ? "none" : difference.wanted);
 }
 
-/// How a controller of the copy ends otherwise than it should.
-void compareEnd(const ControllerSnapshot& controller, const Facts& facts, const Layout& wanted,
-                std::vector<Finding>& findings) {
+/// How a controller ends otherwise than it should; nothing when it does not.
+std::optional<Finding> otherEnd(const ControllerSnapshot& controller, const Facts& facts,
+                                const GuardPlan& plan, std::string_view code,
+                                std::string_view tense) {
+    const auto wanted = plan.ends.find(controller.number);
+    if (wanted == plan.ends.end()) {
+        return std::nullopt;
+    }
     const Comparison comparison =
-        compareLayouts(facts, capturedLayout(facts), wanted, {controller.utility});
+        compareLayouts(facts, capturedLayout(facts), wanted->second, {controller.utility});
     if (comparison.result != Sameness::different) {
-        return;
+        return std::nullopt;
     }
-    Finding finding =
-        guardFinding(guard_problem::endsElsewhere, "zolex would end with 0, and controller " +
-                                                       std::to_string(controller.number) +
-                                                       " would not stand as the policies say");
+    const bool isOver = code == guard_problem::endedElsewhere;
+    const std::string name = "controller " + std::to_string(controller.number);
+    Finding finding = guardFinding(
+        code, isOver ? "zolex ended with 0, and " + name + " does not stand as it should"
+                     : "zolex would end with 0, and " + name + " would not stand as it should");
     for (std::size_t i = 0; i < std::min(mostLines, comparison.differences.size()); ++i) {
-        finding.detail += (i == 0 ? "" : "\n") + differenceText(comparison.differences[i]);
+        finding.detail += (i == 0 ? "" : "\n") + differenceText(comparison.differences[i], tense);
     }
-    findings.push_back(std::move(finding));
+    return finding;
 }
 
 } // namespace
@@ -94,9 +101,23 @@ std::vector<Finding> tryRun(Platform& machine, const Snapshot& snapshot, const G
         return findings;
     }
     for (const ControllerSnapshot& controller : snapshot.details) {
-        const auto end = plan.ends.find(controller.number);
-        if (end != plan.ends.end()) {
-            compareEnd(controller, copy.capture(controller.number), end->second, findings);
+        if (auto other = otherEnd(controller, copy.capture(controller.number), plan,
+                                  guard_problem::endsElsewhere, "would be")) {
+            findings.push_back(*std::move(other));
+        }
+    }
+    return findings;
+}
+
+std::vector<Finding> compareEnds(const Snapshot& now, const GuardPlan& plan) {
+    std::vector<Finding> findings;
+    for (const ControllerSnapshot& controller : now.details) {
+        if (controller.failed) {
+            continue;
+        }
+        if (auto other =
+                otherEnd(controller, controller.facts, plan, guard_problem::endedElsewhere, "is")) {
+            findings.push_back(*std::move(other));
         }
     }
     return findings;

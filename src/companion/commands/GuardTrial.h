@@ -15,4 +15,7 @@ namespace zolex::companion {
                                           const GuardedRun& run, const GuardPlan& plan,
                                           const GuardTerms& terms);
 
+/// What stands, behind a run of zolex that ended with 0, otherwise than `plan` expects.
+[[nodiscard]] std::vector<Finding> compareEnds(const Snapshot& now, const GuardPlan& plan);
+
 } // namespace zolex::companion

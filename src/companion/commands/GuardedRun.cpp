@@ -154,7 +154,7 @@ class RunReader {
                                  !value.starts_with('/');
             if (!isApart) {
                 refuseWord("zolex takes " + quoted(more) + " into the value of " + printable(name) +
-                               " which becomes " + quoted(value),
+                               ", which becomes " + quoted(value),
                            {"is it a switch that is mistyped? zolexctl guard -- zolex /? lists "
                             "them",
                             "a value with blanks stands in double quotes: \"" + printable(name) +

@@ -9,6 +9,7 @@
 #include "companion/planning/Refusals.h"
 #include "companion/planning/Steps.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zolex::companion {
