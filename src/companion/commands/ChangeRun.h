@@ -60,6 +60,7 @@ class ChangeRun {
     class Ticking;
     class Keeper;
 
+    [[nodiscard]] bool outputsAreOthers();
     [[nodiscard]] bool outputsCanBeWritten();
     [[nodiscard]] bool canBeWritten(const std::string& name, const char* option);
     [[nodiscard]] ApplyTerms termsOf(const ChosenPlan& chosen);
