@@ -212,10 +212,10 @@ class LockTaker {
         return lockByName(std::move(file), isMade);
     }
 
-    /// A file without a text is being made, or was left by a process that had no time to write it:
-    /// only the lock tells.
+    /// Whoever has it writes its text a moment later: without one, or with that of a process that
+    /// is gone, it is asked once more.
     Attempt isHeld(std::optional<LockHolder> holder) {
-        if (!holder) {
+        if (!holder || !isRunning(holder->process)) {
             return Attempt::again;
         }
         answer_ = {};
