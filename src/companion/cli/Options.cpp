@@ -60,11 +60,11 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "text json",
      "zolexctl reset --controller 2\n"
      "zolexctl reset --destroy 7Q4K-2M9D"},
-    {Command::diff, "diff", "diff POLICIES|PLAN [OPTIONS]",
+    {Command::diff, "diff", "diff POLICIES|PLAN|CERTIFICATE [OPTIONS]",
      "this server against policies or a plan",
      "Holds what stands on this server against what policies, or a plan that was kept with -o "
-     "plan.json, want of it, attribute by attribute. It only reads: nothing on the server is "
-     "changed.\n"
+     "plan.json, want of it, or against what a certificate tells that a run has left, attribute by "
+     "attribute. It only reads: nothing on the server is changed.\n"
      "Exit code: 0 the same, or equivalent, 1 different, 2 it could not be told.",
      "text json svg html",
      "zolexctl diff site.ini\n"
@@ -73,8 +73,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "Shows the controllers of this server, their drives, arrays, logical drives and hot spares. "
      "The column \"no\" is the number that policies use for a drive. It only reads: nothing on the "
      "server is changed. FILE is a recording, which is shown instead of this server, or a plan "
-     "that "
-     "was kept with zolexctl plan -o plan.json.\n"
+     "that was kept with zolexctl plan -o plan.json, or a journal or a certificate.\n"
      "Exit code: 0 it was shown, 1 (policies) something would not come back, 2 it could not be "
      "read.",
      "text json svg html policies",

@@ -52,7 +52,7 @@ TEST(JournalText, TellsCommandsWithoutThePlan) {
 /// Cut in its third step: nothing is known of what the utility did.
 TEST(JournalText, TellsOfARunThatWasInterrupted) {
     std::vector<JournalEvent> events = exampleJournalEvents();
-    events.resize(14);
+    events.resize(13);
     EXPECT_EQ(shown(historyOf(events, 5)), R"(@)");
 }
 
@@ -61,10 +61,10 @@ TEST(JournalText, TellsOfARunThatEndedAsPlanned) {
     std::get<JournalBegin>(events[0]).controllers = {1, 3};
     std::get<JournalBegin>(events[0]).planFile.clear();
     std::get<JournalAgreed>(events[2]).how = "own";
-    events[13] = exampleStepEnded(3, 0, "", 123456);
-    events[14] =
+    events[12] = exampleStepEnded(3, 0, "", 123456);
+    events[13] =
         JournalVerified{JournalVerified::Result::equivalent, {"the spare is 32:3 instead of 32:7"}};
-    events[15] = JournalEnd{0, {{1, ControllerResult::Result::configured, 0, 0, ""}}, ""};
+    events[14] = JournalEnd{0, {{1, ControllerResult::Result::configured, 0, 0, ""}}, ""};
     EXPECT_EQ(shown(historyOf(events)), R"(@)");
 }
 
@@ -78,8 +78,8 @@ TEST(JournalText, VerboseShowsCommandsAndOutputs) {
 
 TEST(JournalText, SteersNoTerminal) {
     std::vector<JournalEvent> events = exampleJournalEvents();
-    std::get<JournalStepEnded>(events[13]).output = "\x1B[2Jred\x1B[0m\n" + std::string(90, 'w');
-    std::get<JournalEnd>(events[15]).reason = "a\nb\x1B[1m";
+    std::get<JournalStepEnded>(events[12]).output = "\x1B[2Jred\x1B[0m\n" + std::string(90, 'w');
+    std::get<JournalEnd>(events[14]).reason = "a\nb\x1B[1m";
     std::get<JournalAgreed>(events[2]).by = "ro\x07ot";
     const std::string text = shown(historyOf(events));
     EXPECT_EQ(text.find('\x1B'), std::string::npos);
