@@ -83,7 +83,7 @@ class Machine:
             (self.work / pipe).unlink(missing_ok=True)
             os.mkfifo(self.work / pipe)
         self.process = subprocess.Popen(
-            ["qemu-system-x86_64", "-accel", "tcg", "-machine", "pc", "-cpu", "max", "-m", "384",
+            ["qemu-system-x86_64", "-accel", "tcg", "-machine", "pc", "-cpu", "qemu64", "-m", "384",
              "-nodefaults", "-no-user-config", "-display", "none", "-no-reboot",
              "-kernel", self.image / "vmlinux", "-initrd", self.work / "initrd",
              "-append", "console=ttyS0 quiet panic=-1 rdinit=/init " + QUICK,
