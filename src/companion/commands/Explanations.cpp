@@ -91,17 +91,24 @@ constexpr std::array<ExitCode, 6> ownCodes = {{
      "Nothing was changed, and no output file was replaced.",
      "The line that begins with \"error:\" says what, the one behind it what to do."},
     {3, "refused before the first change",
-     "Kept for commands that change a server: another machine, a changed layout, no consent, or "
-     "another run that is under way. No command of this version ends with it.",
-     "Nothing: nothing was changed."},
+     "apply or reset has not begun: the server is another one than the plan was made for, or has "
+     "changed since, what would be lost was not agreed to, another run is under way, or this plan "
+     "was applied before. No command that changes anything was started, and no journal was made.",
+     "The line that begins with \"error:\" says why. When the server has changed, plan again:\n"
+     "  zolexctl plan site.ini -o plan.json"},
     {4, "stopped on the way",
-     "Kept for commands that change a server: something was changed, and the rest is missing. No "
-     "command of this version ends with it.",
-     "Look at what stands there:\n  zolexctl show"},
-    {5, "every command was run, and the result is another than planned",
-     "Kept for commands that change a server: a utility said that it did its work, and what was "
-     "read back differs. No command of this version ends with it.",
-     "Look at what stands there:\n  zolexctl show"},
+     "apply or reset has started at least one command, and has not started all of them: a utility "
+     "refused one, or did not end within its limit, the run was interrupted, or what was read back "
+     "was not foreseen. The journal tells each command and what came of it.",
+     "Look at what was done, mend the cause, and go on; or plan from what is there:\n"
+     "  zolexctl show plan.journal.jsonl\n  zolexctl apply --resume plan.journal.jsonl\n"
+     "  zolexctl plan site.ini"},
+    {5, "every command was run, and the end is not proved to be as planned",
+     "The utilities said that they did their work, but what was read back differs from the plan or "
+     "could not be read. The same code is given when all is as planned and the certificate that "
+     "was asked for, or the output itself, could not be written.",
+     "Look at what stands there, and hold it against the plan:\n  zolexctl show\n"
+     "  zolexctl diff plan.json"},
 }};
 // clang-format on
 

@@ -141,11 +141,13 @@ class OwnSearch {
                 }
                 for (const LayoutVolume& one : certified.volumes) {
                     const bool isLevel = one.raidType == volume->raidType;
-                    if (isLevel && haveOneSize(one, *volume) && found_.insert(&one).second) {
+                    const bool isSize = haveOneSize(one, *volume);
+                    if (isLevel && isSize && found_.insert(&one).second) {
                         return {loss, true, certificate->planId, {}};
                     }
-                    why = isLevel ? "its size is not the certified one"
-                                  : "its RAID level is not the certified one";
+                    why = !isLevel  ? "its RAID level is not the certified one"
+                          : !isSize ? "its size is not the certified one"
+                                    : "no certificate has a logical drive more on its drives";
                 }
             }
         }

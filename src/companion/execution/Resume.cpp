@@ -196,8 +196,12 @@ class Resumption {
             }
         }
         // One that is not in the journal.
-        const ProcessIdentity other = run_.locks().oldChild();
-        return run_.waitForOld(PlanStep(), "", other);
+        std::optional<RunFault> fault =
+            run_.waitForOld(PlanStep(), "", run_.locks().oldChild());
+        if (!fault) {
+            run_.locks().note({});
+        }
+        return fault;
     }
 
     /// Captures until two captures are equal.

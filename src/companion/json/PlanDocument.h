@@ -37,7 +37,7 @@ struct PlanReading {
     std::optional<MachinePlan> plan; ///< nothing: it cannot be read; `findings` says why
     DocumentHead head;
     std::vector<Finding> findings; ///< at most one: an error
-    std::string hash;              ///< of a file: SHA-256 of its bytes
+    std::string hash{};            ///< of a file: SHA-256 of its bytes
 };
 
 /// Reads the text of a document. Names that a later minor version may have added are passed over.

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -19,7 +18,6 @@ namespace {
 
 /// Behind "21:06:01  ".
 constexpr std::size_t textIndent = 10;
-constexpr std::size_t headIndent = 9;
 
 /// "2.1 s", "340 s", "74 min".
 std::string timeText(std::int64_t milliseconds) {
@@ -170,7 +168,7 @@ class JournalWriter {
         state.command = event.command;
         std::string text = summaryOf(event.step);
         text += event.attempt > 1 ? " (attempt " + std::to_string(event.attempt) + ")" : "";
-        stepLine(event.step, text, "", Emphasis::plain);
+        stepLine(event.step, text, Emphasis::plain);
         if (!isNamed(event.step) || terms_.verbose) {
             below(printable(event.command), Emphasis::dim);
         }
@@ -181,8 +179,8 @@ class JournalWriter {
         state.isDone = event.accepted;
         state.hasFailed = !event.accepted;
         std::string text = event.accepted ? "ok" : "FAILED";
-        text += "  " + endText(event) + "  " + timeText(event.durationMs);
-        stepLine(event.step, text, "", event.accepted ? Emphasis::good : Emphasis::bad);
+        text += ", " + endText(event) + ", " + timeText(event.durationMs);
+        stepLine(event.step, text, event.accepted ? Emphasis::good : Emphasis::bad);
         if (!event.accepted && isNamed(event.step) && !terms_.verbose) {
             below(printable(state.command), Emphasis::dim);
         }
@@ -193,11 +191,10 @@ class JournalWriter {
     void operator()(const JournalStepFoundDone& event) {
         steps_[event.step].isDone = true;
         steps_[event.step].hasFailed = false;
-        stepLine(event.step, "found done: " + printable(event.why), "", Emphasis::good);
+        stepLine(event.step, "found done: " + printable(event.why), Emphasis::good);
     }
     void operator()(const JournalVerified& event) {
         using Result = JournalVerified::Result;
-        verified_ = event.result;
         line("verified", verdictText(event.result),
              event.result == Result::asPlanned || event.result == Result::equivalent
                  ? Emphasis::good
@@ -215,15 +212,14 @@ class JournalWriter {
 
   private:
     void head() {
-        std::string plan = "Plan " + printable(begin_.planId);
-        plan +=
-            begin_.planFile.empty() ? ", made in the same run" : "  " + printable(begin_.planFile);
-        plan += "  " + countText(static_cast<std::size_t>(begin_.steps), "step", "steps");
+        std::string plan = printable(begin_.planId);
+        plan += begin_.planFile.empty() ? ", made in the same run"
+                                        : " of " + printable(begin_.planFile);
+        plan += ", " + countText(static_cast<std::size_t>(begin_.steps), "step", "steps");
         out_ += signedLine("Journal  ", printable(journal_.file), Emphasis::heading, style_);
-        out_ += foldedWords(plan, 0, headIndent, width_) + "\n";
+        out_ += signedLine("Plan     ", plan, Emphasis::plain, style_);
         const Fingerprint& machine = begin_.fingerprint;
-        std::string text = "Machine  ";
-        text += machine.machineType.empty() ? "?" : printable(machine.machineType);
+        std::string text = machine.machineType.empty() ? "?" : printable(machine.machineType);
         text += machine.serialNumber.empty() ? "" : ", serial " + printable(machine.serialNumber);
         for (const Fingerprint::Controller& controller : machine.controllers) {
             text += ", controller " + std::to_string(controller.number);
@@ -231,8 +227,7 @@ class JournalWriter {
                         ? ""
                         : " serial " + printable(controller.serialNumber);
         }
-        out_ += text.substr(0, headIndent) +
-                foldedWords(text.substr(headIndent), headIndent, headIndent, width_) + "\n";
+        out_ += signedLine("Machine  ", text, Emphasis::plain, style_);
         if (!begin_.controllers.empty()) {
             std::string numbers;
             for (const std::int32_t number : begin_.controllers) {
@@ -265,10 +260,8 @@ class JournalWriter {
                 emphasized(foldedWords(text, indent, indent, width_), emphasis, style_) + "\n";
     }
 
-    void stepLine(std::int32_t step, const std::string& text, const std::string& more,
-                  Emphasis emphasis) {
-        line("[" + std::to_string(step) + "/" + std::to_string(begin_.steps) + "]", text + more,
-             emphasis);
+    void stepLine(std::int32_t step, const std::string& text, Emphasis emphasis) {
+        line("[" + std::to_string(step) + "/" + std::to_string(begin_.steps) + "]", text, emphasis);
     }
 
     void below(const std::string& text, Emphasis emphasis) {
@@ -335,7 +328,6 @@ class JournalWriter {
     /// The steps as they stand after all.
     void standing() {
         out_ += "\n";
-        std::vector<std::string> done;
         std::vector<FieldLine> lines;
         const JournalEnd* const end = journal_.end();
         for (std::int32_t step = 1; step <= begin_.steps; ++step) {
@@ -347,7 +339,7 @@ class JournalWriter {
             const std::string sign = state.isDone ? "+ " : state.hasFailed ? "x " : "? ";
             const std::string what = state.isDone      ? "done"
                                      : state.hasFailed ? "failed"
-                                                       : "begun: no end of it was noted";
+                                                       : "begun, no end noted";
             lines.push_back(
                 {2,
                  {{sign + "step " + std::to_string(step), state.isDone      ? Emphasis::good
@@ -389,13 +381,13 @@ class JournalWriter {
         } else if (end->exitCode == stopped) {
             tell("The run was stopped on its way.", Emphasis::bad);
             help(resume + " when the cause is mended");
-            help("zolexctl plan plans from what is there");
+            help(planCommand() + " plans from what is there");
         } else if (end->exitCode == different) {
             tell("Every step was done, and what stands is not what was planned, or could not be "
                  "looked at.",
                  Emphasis::bad);
             help("zolexctl show shows what is there");
-            help("zolexctl plan plans from it");
+            help(planCommand() + " plans from it");
         } else {
             tell("The run ended with exit code " + std::to_string(end->exitCode) + ".",
                  Emphasis::bad);
@@ -413,10 +405,18 @@ class JournalWriter {
         return "";
     }
 
+    [[nodiscard]] std::string planCommand() const {
+        const bool isKnown = terms_.plan != nullptr && !terms_.plan->policiesFile.empty();
+        return "zolexctl plan " +
+               (isKnown ? printable(terms_.plan->policiesFile) : std::string("POLICIES"));
+    }
+
     void tell(const std::string& text, Emphasis emphasis) {
         out_ += signedLine("", text, emphasis, style_);
     }
-    void help(const std::string& text) { out_ += signedLine("  ", text, Emphasis::plain, style_); }
+    void help(const std::string& text) {
+        out_ += signedLine("  help: ", text, Emphasis::dim, style_);
+    }
 
     const JournalHistory& journal_;
     const JournalBegin& begin_;
@@ -425,7 +425,6 @@ class JournalWriter {
     std::size_t width_;
     std::map<std::int32_t, std::string> summaries_;
     std::map<std::int32_t, StepState> steps_;
-    std::optional<JournalVerified::Result> verified_;
     std::string at_;
     std::string day_;
     std::string out_;

@@ -1,0 +1,141 @@
+#include "companion/execution/CertificateDiff.h"
+
+#include "companion/picture/DiffText.h"
+#include "companion/support/ExampleCertificate.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace zolex::companion::test {
+namespace {
+
+std::string told(const Snapshot& snapshot, const Certificate& certificate) {
+    MachineDiff diff = diffOf(snapshot, certificate);
+    diff.wantedBy = "web.certificate.json";
+    return diffText(diff, {}, false);
+}
+
+Facts& factsOf(Snapshot& snapshot) {
+    return snapshot.details.front().facts;
+}
+
+DriveFacts& driveOf(Snapshot& snapshot, std::size_t index) {
+    return factsOf(snapshot).drives[index];
+}
+
+TEST(CertificateDiff, TheMachineAsItWasLeftIsTheSame) {
+    const MachineDiff diff = diffOf(certifiedSnapshot(), exampleCertificate());
+    EXPECT_EQ(diff.result, ControllerDiff::Result::same);
+    EXPECT_TRUE(diff.isByCertificate);
+    EXPECT_EQ(told(certifiedSnapshot(), exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, TellsAttributesThatAreNotAsTheyWere) {
+    Snapshot now = certifiedSnapshot();
+    factsOf(now).logicalDrives[1].stripSizeBytes = 131072;
+    factsOf(now).logicalDrives[1].writeCache = "WriteThrough";
+    EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::different);
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, TellsWhatIsMissingAndWhatIsMore) {
+    Snapshot now = certifiedSnapshot();
+    factsOf(now).logicalDrives.erase(factsOf(now).logicalDrives.begin());
+    for (const std::size_t index : {0U, 1U}) {
+        driveOf(now, index).state = DriveState::free;
+    }
+    driveOf(now, 6).hotspare = HotspareKind::none;
+    driveOf(now, 6).state = DriveState::free;
+    driveOf(now, 7).hotspare = HotspareKind::global;
+    driveOf(now, 7).state = DriveState::hotspare;
+    driveOf(now, 3).serialNumber = "NEW003";
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, ADriveThatWasReplacedIsToldByItsSerialNumber) {
+    Snapshot now = certifiedSnapshot();
+    driveOf(now, 1).serialNumber = "3LQ2B777";
+    driveOf(now, 1).model = "NV73999S";
+    *driveOf(now, 1).capacityBytes *= 2;
+    EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::equivalent);
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, ALayoutThatMovedWithItsDrivesIsTheSameOne) {
+    Snapshot now = certifiedSnapshot();
+    // The mirror's drives went to the slots 7 and 2, from where two drives were taken out.
+    Facts& facts = factsOf(now);
+    facts.drives[0].location = "32:7";
+    facts.drives[1].location = "32:2";
+    facts.drives.erase(facts.drives.begin() + 7);
+    facts.drives.erase(facts.drives.begin() + 2);
+    facts.logicalDrives[0].spans = {{"32:2", "32:7"}};
+    EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::equivalent);
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, ASpareThatHasChangedPlacesWithAMemberIsEquivalent) {
+    Snapshot now = certifiedSnapshot();
+    factsOf(now).logicalDrives[0].spans = {{"32:0", "32:6"}};
+    driveOf(now, 6).state = DriveState::member;
+    driveOf(now, 6).hotspare = HotspareKind::none;
+    driveOf(now, 1).state = DriveState::hotspare;
+    driveOf(now, 1).hotspare = HotspareKind::global;
+    EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::equivalent);
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, ADriveThatIsNewIsTold) {
+    Snapshot now = certifiedSnapshot();
+    factsOf(now).drives.push_back(exampleDrive(32, 9, 0, "").facts);
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, OfAnotherMachineNothingIsCompared) {
+    Snapshot now = certifiedSnapshot();
+    now.machine.serialNumber = "KQ10Z7W";
+    EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::unknown);
+    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+}
+
+TEST(CertificateDiff, AControllerThatCouldNotBeCapturedIsNotKnown) {
+    Snapshot now = certifiedSnapshot();
+    const Certificate certificate = exampleCertificate();
+    now.details[0].failed = true;
+    EXPECT_EQ(diffOf(now, certificate).result, ControllerDiff::Result::unknown);
+}
+
+TEST(CertificateDiff, ControllersThatAreAskedForAlone) {
+    Snapshot now = certifiedSnapshot();
+    now.details.push_back(now.details[0]);
+    now.details[1].number = 2;
+    now.details[1].pci = "0000:03:0e.0";
+    const Certificate both = certificateOf(now);
+    EXPECT_EQ(diffOf(now, both).result, ControllerDiff::Result::same);
+    Snapshot second = now;
+    second.details.erase(second.details.begin());
+    const MachineDiff diff = diffOf(second, both, {2});
+    EXPECT_EQ(diff.result, ControllerDiff::Result::same);
+    EXPECT_EQ(diff.controllers.size(), 1U);
+    second.details[0].facts.serialNumber = "other";
+    EXPECT_EQ(diffOf(second, both, {2}).result, ControllerDiff::Result::unknown);
+}
+
+TEST(CertificateDiff, DrivesWithoutSerialNumbersAreKnownByTheirPlaces) {
+    Snapshot now = certifiedSnapshot();
+    for (DriveFacts& drive : factsOf(now).drives) {
+        drive.serialNumber.clear();
+    }
+    const Certificate certificate = certificateOf(now);
+    EXPECT_EQ(diffOf(now, certificate).result, ControllerDiff::Result::same);
+    driveOf(now, 7).model = "NV99999S";
+    const MachineDiff diff = diffOf(now, certificate);
+    ASSERT_EQ(diff.controllers.size(), 1U);
+    EXPECT_EQ(diff.controllers[0].comparison.equivalences,
+              std::vector<std::string>{"drive 32:7 was replaced: NV99999S instead of NV73455S"});
+}
+
+} // namespace
+} // namespace zolex::companion::test

@@ -1,0 +1,189 @@
+// The process is killed at every moment of its work; the run is gone on with, and ends in the
+// planned layout.
+
+#include "companion/execution/ApplyBench.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace zolex::companion {
+namespace {
+
+using test::ApplyBench;
+using test::ChildFate;
+using test::Killed;
+using test::Lines;
+
+constexpr const char* onePolicy = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n";
+
+/// How the server stands before the plan, and what is planned.
+enum class Start { blank, configured, spare };
+
+struct KillCase {
+    std::string sample;
+    Start start = Start::blank;
+};
+
+void PrintTo(const KillCase& each, std::ostream* stream) {
+    *stream << each.sample << " " << static_cast<int>(each.start);
+}
+
+std::string nameOf(const testing::TestParamInfo<KillCase>& info) {
+    std::string name = info.param.sample;
+    std::replace(name.begin(), name.end(), '-', '_');
+    std::replace(name.begin(), name.end(), '.', '_');
+    return name + (info.param.start == Start::blank        ? "Blank"
+                   : info.param.start == Start::configured ? "Configured"
+                                                           : "Rebuilt");
+}
+
+/// How often the runs were killed, in this process.
+std::size_t kills = 0;
+
+class KilledRun : public testing::TestWithParam<KillCase> {
+  protected:
+    KilledRun() : bench_(GetParam().sample) {
+        const std::string policies = bench_.server.samplePolicies();
+        StrategyWish wish = StrategyWish::automatic;
+        std::string planned = policies;
+        if (GetParam().start == Start::configured) {
+            bench_.server.carryOut(bench_.server.plan(policies));
+            planned = onePolicy;
+        } else if (GetParam().start == Start::spare) {
+            bench_.server.carryOut(bench_.server.plan(policies));
+            wish = StrategyWish::rebuild;
+        }
+        bench_.makePlan(planned, wish);
+        initial_ = bench_.server.platform.server;
+    }
+
+    void reset() {
+        bench_.server.platform.server = initial_;
+        bench_.server.platform.fileFake.files.clear();
+        bench_.disk = {};
+        bench_.system.locks.clear();
+        bench_.system.restart();
+        bench_.listener.log.clear();
+    }
+
+    /// Whether the run was killed at this moment of it; false: it came to its end before.
+    bool isKilled(std::size_t moment) {
+        bench_.system.killAt = moment;
+        try {
+            const ApplyEnd end = bench_.apply();
+            EXPECT_EQ(end.exitCode, 0) << end.what;
+            return false;
+        } catch (const Killed&) {
+            ++kills;
+        }
+        return true;
+    }
+
+    /// Begins anew or goes on, as the journal says.
+    ApplyEnd goOn() {
+        if (bench_.disk.entries.empty()) {
+            bench_.disk = {};
+            return bench_.apply();
+        }
+        if (const auto history = bench_.disk.history();
+            history.end() != nullptr && history.end()->exitCode == 0) {
+            EXPECT_EQ(bench_.resume().exitCode, 3);
+            for (const auto& [name, lock] : bench_.system.locks) {
+                EXPECT_FALSE(lock.isHeld) << name;
+            }
+            bench_.system.locks.clear(); // it is left to whoever comes next
+            return {};
+        }
+        return bench_.resume();
+    }
+
+    void expectPlanned(const ApplyEnd& end, const Lines& planned, const std::string& where) {
+        EXPECT_EQ(end.exitCode, 0) << where << "\n" << testing::PrintToString(test::endLines(end));
+        EXPECT_EQ(bench_.layout(), planned) << where;
+        EXPECT_TRUE(bench_.system.locks.empty()) << where;
+        EXPECT_EQ(bench_.system.running(), Lines{}) << where;
+    }
+
+    ApplyBench bench_;
+    zolex_sim::Server initial_;
+};
+
+TEST_P(KilledRun, EndsAsPlanned) {
+    ASSERT_EQ(test::faultsOf(bench_.plan), Lines{});
+    if (bench_.plan.steps().empty()) {
+        GTEST_SKIP() << "there is nothing to do";
+    }
+    reset();
+    ASSERT_EQ(bench_.apply().exitCode, 0);
+    const Lines planned = bench_.layout();
+    const std::size_t before = kills;
+    for (const ChildFate fate : {ChildFate::done, ChildFate::gone, ChildFate::later}) {
+        std::size_t moment = 1;
+        for (;; ++moment) {
+            reset();
+            bench_.system.fate = fate;
+            if (!isKilled(moment)) {
+                break;
+            }
+            const std::string where = "moment " + std::to_string(moment) + " of fate " +
+                                      std::to_string(static_cast<int>(fate)) + ", " +
+                                      testing::PrintToString(bench_.events());
+            bench_.system.restart();
+            expectPlanned(goOn(), planned, where);
+            if (HasFailure()) {
+                return;
+            }
+        }
+    }
+    RecordProperty("kills", static_cast<int>(kills - before));
+}
+
+/// Killed again and again, at moments that nobody chose, until it comes to its end.
+TEST_P(KilledRun, EndsAsPlannedWhenKilledAgain) {
+    if (bench_.plan.steps().empty()) {
+        GTEST_SKIP() << "there is nothing to do";
+    }
+    reset();
+    ASSERT_EQ(bench_.apply().exitCode, 0);
+    const std::size_t moments = bench_.system.moments;
+    const Lines planned = bench_.layout();
+    std::mt19937 random(4711);
+    for (int round = 0; round < 12; ++round) {
+        reset();
+        std::string where = "round " + std::to_string(round);
+        for (int again = 0; again < 5; ++again) {
+            bench_.system.fate = static_cast<ChildFate>(random() % 3);
+            bench_.system.killAt = 1 + random() % moments;
+            where += ", killed at " + std::to_string(bench_.system.killAt);
+            try {
+                goOn();
+                break;
+            } catch (const Killed&) {
+                ++kills;
+            }
+            bench_.system.restart();
+        }
+        bench_.system.restart();
+        expectPlanned(goOn(), planned,
+                      where + ", " + testing::PrintToString(bench_.events()));
+        if (HasFailure()) {
+            return;
+        }
+    }
+}
+
+std::vector<KillCase> killCases() {
+    std::vector<KillCase> cases;
+    for (const std::string& sample : test::SimulatedPlatform::samples()) {
+        for (const Start start : {Start::blank, Start::configured, Start::spare}) {
+            cases.push_back({sample, start});
+        }
+    }
+    return cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, KilledRun, testing::ValuesIn(killCases()), nameOf);
+
+} // namespace
+} // namespace zolex::companion
