@@ -19,6 +19,14 @@ std::optional<RunFault> planFault(const MachinePlan& plan, const ApplyTerms& ter
                        "the plan cannot be carried out as it stands",
                        {},
                        {planAgainHelp(plan)}};
+        for (const std::vector<Finding>* const findings :
+             {&plan.policiesFindings, &plan.diagnostics}) {
+            for (const Finding& finding : *findings) {
+                if (finding.severity == Severity::error) {
+                    fault.details.push_back(printable(finding.summary) + " [" + finding.code + "]");
+                }
+            }
+        }
         for (const ControllerPlanning& planning : plan.controllers) {
             if (planning.disposition == Disposition::refused) {
                 fault.details.push_back("controller " + std::to_string(planning.controller.number) +
@@ -180,12 +188,7 @@ std::vector<Loss> lossesAskedFor(const MachinePlan& plan, const ApplyTerms& term
 
 ApplyEnd applyPlan(Platform& machine, const CaptureRequest& capture, ExecutionSystem& system,
                    const MachinePlan& plan, const ApplyTerms& terms, ApplyListener& listener) {
-    PlanRun run(machine, capture, system, plan, terms, listener);
-    try {
-        return apply(run);
-    } catch (const std::exception& thrown) {
-        return run.fail(thrown);
-    }
+    return carriedOut(machine, capture, system, plan, terms, listener, apply);
 }
 
 Certificate certificateOf(const MachinePlan& plan, const ApplyEnd& end, const ApplyTerms& terms) {

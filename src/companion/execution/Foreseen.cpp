@@ -1,6 +1,6 @@
 // What a plan foresees of a controller between two of its steps.
 
-#include "companion/execution/Apply.h"
+#include "companion/execution/Foreseen.h"
 
 #include <algorithm>
 #include <utility>
@@ -109,7 +109,8 @@ class ForeseenLayout {
     Layout layout_;
 };
 
-/// The hash of what stands behind the first `steps` steps; empty: not known.
+} // namespace
+
 std::string expectedHash(const ControllerPlanning& planning, std::size_t steps) {
     if (steps > 0) {
         return planning.steps[steps - 1].expectedAfter;
@@ -117,8 +118,6 @@ std::string expectedHash(const ControllerPlanning& planning, std::size_t steps) 
     return planning.beforeHash.empty() ? layoutHash(planning.controller.facts)
                                        : planning.beforeHash;
 }
-
-} // namespace
 
 Layout layoutAfterSteps(const ControllerPlanning& planning, std::size_t steps) {
     return ForeseenLayout(planning).after(std::min(steps, planning.steps.size()));

@@ -152,7 +152,7 @@ class ControllerChanges {
                    std::to_string(size(drive)) + " MB");
         }
         if (driveCondition(drive) != driveCondition(now)) {
-            change(subject + "it is " + std::string(driveCondition(now)) + " (" +
+            change("drive " + drive.location + " is " + std::string(driveCondition(now)) + " (" +
                    told(now.reportedState) + "), it was " + std::string(driveCondition(drive)));
         }
         if (drive.revision != now.revision) {
@@ -168,24 +168,31 @@ class ControllerChanges {
         if (layoutHash(found_.facts) == before) {
             return;
         }
-        const Lines was = layoutLines(planning.before);
-        const Lines is = layoutLines(capturedLayout(found_.facts));
-        tellBeyond(was, is, "no longer there: ");
-        tellBeyond(is, was, "there now: ");
+        const Layout is = capturedLayout(found_.facts);
+        tellBeyond(planning.before, is, "no longer there: ");
+        tellBeyond(is, planning.before, "there now: ");
         if (changes.empty()) {
             change("its layout is not what it was");
         }
     }
 
-    void tellBeyond(Lines lines, const Lines& others, const char* word) {
-        for (const std::string& other : others) {
-            const auto same = std::find(lines.begin(), lines.end(), other);
-            if (same != lines.end()) {
-                lines.erase(same);
+    /// What the one layout has and the other has not.
+    void tellBeyond(const Layout& layout, const Layout& other, const char* word) {
+        const Lines lines = layoutLines(layout);
+        Lines others = layoutLines(other);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const auto same = std::find(others.begin(), others.end(), lines[i]);
+            if (same != others.end()) {
+                others.erase(same);
+                continue;
             }
-        }
-        for (const std::string& line : lines) {
-            change(word + printable(line));
+            std::string ids;
+            if (i < layout.groups.size()) { // groups have the first lines
+                for (const LayoutVolume& volume : layout.groups[i].volumes) {
+                    ids += "LD " + volume.id + ", ";
+                }
+            }
+            change(word + printable(ids + lines[i]));
         }
     }
 

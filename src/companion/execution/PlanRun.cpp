@@ -1,6 +1,7 @@
 #include "companion/execution/PlanRun.h"
 
 #include "companion/execution/ApplyCodes.h"
+#include "companion/execution/Foreseen.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
 #include "foundation/FileSystem.h"
@@ -227,8 +228,7 @@ bool PlanRun::runStep(ControllerProgress& progress) {
     started.step = step.step;
     started.controller = step.controller;
     started.command = step.command;
-    started.expectedBefore =
-        progress.next == 0 ? planning.beforeHash : planning.steps[progress.next - 1].expectedAfter;
+    started.expectedBefore = expectedHash(planning, progress.next);
     started.expectedAfter = step.expectedAfter;
     started.attempt = ++progress.attempts[progress.next];
     if (!write(started)) {
@@ -332,8 +332,7 @@ void PlanRun::tellInterruption() {
     if (!isInterruptionTold_ && system.interruption() != Interruption::none) {
         isInterruptionTold_ = true;
         guarded([&] {
-            listener.note("interrupted: the running command is waited for; at the second time "
-                          "zolexctl ends at once, and the command goes on alone");
+            listener.note("interrupted: waiting for the command to end; once more leaves it alone");
         });
     }
 }
@@ -403,8 +402,7 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
         if (!startFault.empty()) {
             fault.details.push_back(printable(startFault));
         }
-        fault.details.push_back(changedSomething ? "this step has changed nothing"
-                                                 : "nothing was changed");
+        fault.details.emplace_back("this step has changed nothing");
         fault.help.emplace_back("zolexctl doctor tells what is missing");
     }
     const bool isRunning = wasStarted(result) && !hasEnded(result);
@@ -519,14 +517,20 @@ void PlanRun::verify() {
         stopRun(std::move(*fault));
         return;
     }
+    bool isWhole = true;
     for (ControllerProgress& progress : controllers) {
-        if (!progress.hasFailed() && progress.planning->disposition != Disposition::skipped) {
+        if (progress.hasFailed()) {
+            isWhole = false;
+            verified.lines.push_back("controller " +
+                                     std::to_string(progress.planning->controller.number) +
+                                     ": not looked at, " + progress.failure);
+        } else if (progress.planning->disposition != Disposition::skipped) {
             verifyController(progress, snapshot, verified);
         }
     }
     write(verified);
-    isVerified_ = verified.result == JournalVerified::Result::asPlanned ||
-                  verified.result == JournalVerified::Result::equivalent;
+    isVerified_ = isWhole && (verified.result == JournalVerified::Result::asPlanned ||
+                              verified.result == JournalVerified::Result::equivalent);
 }
 
 void PlanRun::verifyController(ControllerProgress& progress, const Snapshot& snapshot,
@@ -570,6 +574,11 @@ std::vector<ControllerResult> PlanRun::results() const {
             result.reason = planning.because;
             continue;
         }
+        if (planning.disposition == Disposition::refused) {
+            result.of = totalSteps_;
+            result.reason = planning.because;
+            continue;
+        }
         if (!progress.hasFailed() && planning.steps.empty()) {
             result.result = ControllerResult::Result::already;
             continue;
@@ -587,7 +596,7 @@ std::vector<ControllerResult> PlanRun::results() const {
             result.reason = "not verified";
         } else {
             result.step = progress.isBegun ? planning.steps[progress.next].step : 0;
-            result.reason = progress.isBegun ? "stopped before this step" : "not begun";
+            result.reason = progress.isBegun ? "stopped at this step" : "not begun";
         }
     }
     return all;
@@ -641,7 +650,7 @@ RunFault PlanRun::wholeFault() {
             }
         }
     }
-    if (whole.exitCode == apply_code::stopped) {
+    if (whole.exitCode == apply_code::stopped || whole.exitCode == apply_code::different) {
         tellRemaining(whole);
         if (whole.help.empty()) {
             whole.help.push_back(resumeHelp("goes on"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "companion/execution/Apply.h"
+#include "companion/execution/ApplyCodes.h"
 #include "companion/execution/Guard.h"
 #include "companion/execution/RunLocks.h"
 
@@ -133,6 +134,34 @@ class PlanRun {
     std::vector<RunFault> faults_; ///< in their order
     std::string thrown_;           ///< what a part of a step has thrown
 };
+
+/// The end of a run in which not even memory for words is left.
+[[nodiscard]] inline ApplyEnd noMemoryEnd(bool changedSomething) {
+    ApplyEnd end;
+    end.exitCode = changedSomething ? apply_code::stopped : apply_code::notPossible;
+    end.changedSomething = changedSomething;
+    end.what = "no memory left"; // short enough to need none
+    return end;
+}
+
+/// Makes a run and has `act` carry it out; whatever is thrown is an end like others.
+template <typename Act>
+ApplyEnd carriedOut(Platform& machine, const CaptureRequest& capture, ExecutionSystem& system,
+                    const MachinePlan& plan, const ApplyTerms& terms, ApplyListener& listener,
+                    const Act& act) {
+    bool changedSomething = false;
+    try {
+        PlanRun run(machine, capture, system, plan, terms, listener);
+        try {
+            return act(run);
+        } catch (const std::exception& thrown) {
+            changedSomething = run.changedSomething;
+            return run.fail(thrown);
+        }
+    } catch (const std::exception&) {
+        return noMemoryEnd(changedSomething);
+    }
+}
 
 /// The lines below a refused command: it, and the utility's own words.
 [[nodiscard]] std::vector<std::string> commandLines(const PlanStep& step,

@@ -114,6 +114,17 @@ class Resumption {
         : run_(run), history_(history), steps_(history, run.totalSteps()) {
         run_.isResumed = true;
         run_.changedSomething = steps_.changedSomething();
+        for (ControllerProgress& progress : run_.controllers) {
+            const std::vector<PlanStep>& steps = progress.planning->steps;
+            for (std::size_t i = 0; i < steps.size(); ++i) {
+                const StepHistory& step = steps_.of(steps[i]);
+                progress.attempts[i] = step.attempts;
+                if (step.last != LastEvent::none) {
+                    progress.isBegun = true;
+                    progress.next = step.last == LastEvent::done ? i + 1 : i;
+                }
+            }
+        }
     }
 
     ApplyEnd resume() {
@@ -196,8 +207,7 @@ class Resumption {
             }
         }
         // One that is not in the journal.
-        std::optional<RunFault> fault =
-            run_.waitForOld(PlanStep(), "", run_.locks().oldChild());
+        std::optional<RunFault> fault = run_.waitForOld(PlanStep(), "", run_.locks().oldChild());
         if (!fault) {
             run_.locks().note({});
         }
@@ -279,11 +289,9 @@ class Resumption {
         std::size_t k = 0;
         for (std::size_t i = 0; i < planning.steps.size(); ++i) {
             const StepHistory& step = steps_.of(planning.steps[i]);
-            progress.attempts[i] = step.attempts;
             if (step.last != LastEvent::none) {
                 k = i;
                 at.last = step.last;
-                progress.isBegun = true;
             }
         }
         const PlanStep& step = planning.steps[k];
@@ -383,12 +391,12 @@ ApplyTerms termsOf(const ApplyTerms& terms, const JournalBegin& begin) {
 ApplyEnd resumePlan(Platform& machine, const CaptureRequest& capture, ExecutionSystem& system,
                     const MachinePlan& plan, const JournalHistory& history, const ApplyTerms& terms,
                     ApplyListener& listener) {
-    const ApplyTerms same = termsOf(terms, history.begin());
-    PlanRun run(machine, capture, system, plan, same, listener);
     try {
-        return Resumption(run, history).resume();
-    } catch (const std::exception& thrown) {
-        return run.fail(thrown);
+        const ApplyTerms same = termsOf(terms, history.begin());
+        return carriedOut(machine, capture, system, plan, same, listener,
+                          [&](PlanRun& run) { return Resumption(run, history).resume(); });
+    } catch (const std::exception&) {
+        return noMemoryEnd(false);
     }
 }
 

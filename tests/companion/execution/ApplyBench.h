@@ -4,6 +4,7 @@
 #include "companion/planning/PlannedServer.h"
 #include "companion/rehearsal/Rehearse.h"
 #include "companion/support/SimulatedSystem.h"
+#include "foundation/AllocationFaults.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -98,7 +99,12 @@ class ApplyBench {
         const auto play = server.platform.respond;
         server.platform.respond = [this, play](const std::string& line) {
             system.moment("listing " + line);
+            const zolex::test::UncountedAllocations uncounted;
             return play(line);
+        };
+        system.work = [this](const std::string& line) {
+            const zolex::test::UncountedAllocations uncounted;
+            return server.platform.play(line);
         };
         terms.planHash = "hash of the plan";
         terms.planFile = "plan.json";
@@ -133,9 +139,7 @@ class ApplyBench {
         server.platform.children.clear();
     }
 
-    ApplyEnd apply() {
-        return applyPlan(server.platform, capture, system, plan, terms, listener);
-    }
+    ApplyEnd apply() { return applyPlan(server.platform, capture, system, plan, terms, listener); }
     ApplyEnd resume() {
         const JournalHistory history = disk.history();
         return resumePlan(server.platform, capture, system, plan, history, terms, listener);

@@ -57,6 +57,7 @@ class SimulatedSystem : public ExecutionSystem {
     std::size_t moments = 0;
     std::vector<std::string> started; ///< command lines
     std::vector<Milliseconds> pauses; ///< what was slept
+    bool ranWhenKilled = false;       ///< a child was at work when the process was killed
 
     struct LockFile {
         bool isHeld = false;
@@ -79,6 +80,7 @@ class SimulatedSystem : public ExecutionSystem {
     /// The process ends here.
     [[noreturn]] void kill() {
         isKilled_ = true;
+        ranWhenKilled = !running().empty();
         for (Child& child : children_) {
             if (child.isRunning && fate == ChildFate::done) {
                 finish(child);
@@ -120,6 +122,16 @@ class SimulatedSystem : public ExecutionSystem {
             finish(*next);
         }
         now_ = until;
+    }
+
+    /// A child that never ends by itself comes to its end all the same.
+    void endHanging() {
+        for (Child& child : children_) {
+            if (child.isRunning && child.endsAt == Milliseconds::max()) {
+                child.endsAt = now_;
+            }
+        }
+        pass(Milliseconds(0));
     }
 
     /// The lines of the children that run.
