@@ -133,6 +133,10 @@ class AppliedServer : public PlannedServer {
 
     /// From now on each call of a utility is written down.
     void logCalls() {
+        if (!readingCalls_.empty()) {
+            write("calls", "");
+            return;
+        }
 #ifdef _WIN32
         write("UTIL.BAT", "@>>\"%~dp0calls\" echo %*\r\n@\"%~dp0ZOLEX-SIM.EXE\" util %*\r\n");
 #else

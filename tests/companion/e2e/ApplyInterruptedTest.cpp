@@ -268,6 +268,7 @@ TEST_F(ApplyInterruptedTest, BeforeTheFirstStepNothingIsDone) {
     const ProgramRun ended = run.ended();
     EXPECT_EQ(ended.exitCode, 3) << ended.output << ended.error;
     expectPieces(ended.error, {"error: ", "nothing was changed"});
+    expectPieces(ended.output, {"Nothing was changed.\n"});
     EXPECT_EQ(server.shown(), blank);
     EXPECT_EQ(server.names(), names);
 }
@@ -277,7 +278,7 @@ TEST_F(ApplyInterruptedTest, AStepThatIsTooSlowIsSaidToRunStill) {
     const ProgramRun run =
         server.start(ZOLEXCTL_PROGRAM, {"apply", "plan.json", "--limit-seconds", "1"});
     EXPECT_EQ(run.exitCode, 4) << run.output << run.error;
-    expectPieces(run.error, {"error: ", "still run", "pid ",
+    expectPieces(run.error, {"error: ", "(pid ", "still",
                              "help: zolexctl apply --resume plan.journal.jsonl"});
     EXPECT_EQ((run.output + run.error).find("ancel"), std::string::npos) << run.error;
     EXPECT_EQ(server.shown(), blank);
@@ -384,7 +385,7 @@ TEST_F(ApplyAtATerminal, WithoutTheRightAnswerNothingIsDone) {
         run.type(keys);
         const ProgramRun ended = run.ended();
         EXPECT_EQ(ended.exitCode, 3) << ended.output;
-        EXPECT_NE(ended.output.find("nothing was changed"), std::string::npos) << ended.output;
+        EXPECT_NE(ended.output.find("Nothing was changed."), std::string::npos) << ended.output;
         EXPECT_EQ(server.shown(), blank);
         EXPECT_EQ(server.names(), names);
     }
