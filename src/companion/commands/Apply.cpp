@@ -6,8 +6,11 @@
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/Sha256.h"
 #include "companion/picture/PlanText.h"
+#include "companion/planning/PlanFaults.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 namespace zolex::companion {
@@ -32,6 +35,32 @@ std::string applyCommand(const Context& context, const ApplyOptions& options) {
     return command + (options.allowSkipped ? " --allow-skipped" : "");
 }
 
+/// What is typed to plan anew, of a plan that was read: as it was typed, but for how it was
+/// written.
+std::string planningCommand(const PlanReading& reading) {
+    const std::vector<std::string>& argv = reading.head.argv;
+    if (argv.empty() || (argv.front() != "plan" && argv.front() != "reset")) {
+        return "zolexctl plan " + policiesArgument(reading.plan->policiesFile);
+    }
+    constexpr std::array<std::string_view, 6> withValue = {"-o",        "--output", "--format",
+                                                           "--timings", "--color",  "--width"};
+    constexpr std::array<std::string_view, 7> alone = {
+        "-q", "--quiet", "-v", "--verbose", "--exit-code", "--no-rehearsal", "--"};
+    const auto isOne = [](const auto& words, const std::string& word) {
+        return std::find(words.begin(), words.end(), word) != words.end();
+    };
+    std::string command = "zolexctl";
+    for (std::size_t i = 0; i < argv.size(); ++i) {
+        const std::string name = argv[i].substr(0, argv[i].find('='));
+        if (isOne(withValue, name)) {
+            i += name == argv[i] ? 1 : 0;
+        } else if (!isOne(alone, argv[i])) {
+            command += " " + typedWord(argv[i]);
+        }
+    }
+    return command;
+}
+
 /// Carries out a plan that was kept.
 class SavedPlan {
   public:
@@ -49,6 +78,7 @@ class SavedPlan {
         if (!reading.plan) {
             return refuseUnread(reading.findings);
         }
+        reading.plan->command = planningCommand(reading);
         chosen_.plan = *std::move(reading.plan);
         chosen_.file = options_.plan;
         chosen_.hash = std::move(reading.hash);
@@ -141,6 +171,7 @@ class PlanNow {
         chosen.lockFile = (options_.policies.file == "-" ? "policies" : options_.policies.file) +
                           std::string(".lock");
         chosen.allowSkipped = options_.allowSkipped;
+        chosen.isShown = context_.format == Format::text && !context_.quiet;
         return run_.carryOut(chosen);
     }
 
@@ -238,10 +269,9 @@ class Resumption {
                                printable(chosen.file) + " is not the plan of this run: its bytes "
                                                         "are others",
                                {"put the plan " + begin.planId + " back in its place",
-                                (reading.plan->command.empty() ? "zolexctl plan POLICIES"
-                                                               : reading.plan->command) +
-                                    " plans from what is there"});
+                                planningCommand(reading) + " plans from what is there"});
         }
+        reading.plan->command = planningCommand(reading);
         chosen.plan = *std::move(reading.plan);
         chosen.hash = std::move(reading.hash);
         const std::string lockName = !chosen.file.empty()               ? chosen.file

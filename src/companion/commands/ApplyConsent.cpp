@@ -71,7 +71,7 @@ class Asker {
     }
 
     void tellLosses() const {
-        if (losses_.empty()) {
+        if (losses_.empty() || terms_.isListed) {
             return;
         }
         const TextStyle& style = context_.errorStyle;

@@ -15,6 +15,7 @@ struct ConsentTerms {
     DestroyWish wish;
     /// What carries the plan out; with " --destroy CODE" behind it, it is agreed to.
     std::string command;
+    bool isListed = false; ///< what would be lost was shown already
     /// Empty where certificates of earlier runs tell of each of the losses, else why not.
     std::function<std::string(const std::vector<Loss>& losses)> notOwn;
 };

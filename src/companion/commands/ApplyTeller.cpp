@@ -75,6 +75,9 @@ Counts countsOf(const Snapshot& snapshot) {
 }
 
 std::string standingText(const Counts& counts) {
+    if (counts.logicalDrives == 0 && counts.spares == 0) {
+        return "no logical drives";
+    }
     return countText(counts.logicalDrives, "logical drive", "logical drives") +
            (counts.spares == 0 ? "" : ", " + countText(counts.spares, "spare", "spares"));
 }
@@ -421,6 +424,11 @@ void ApplyTeller::tellResults(const ApplyEnd& end) {
     }
     std::size_t configured = 0;
     for (const ControllerResult& result : end.results) {
+        const bool isUntouched =
+            result.result == ControllerResult::Result::failed && result.step == 0;
+        if (isUntouched && end.exitCode <= exit_code::refused) {
+            continue; // all is told
+        }
         const bool isGood = result.result == ControllerResult::Result::configured ||
                             result.result == ControllerResult::Result::already;
         configured += result.result == ControllerResult::Result::configured ? 1 : 0;
@@ -437,7 +445,7 @@ void ApplyTeller::tellResults(const ApplyEnd& end) {
     std::string closing;
     switch (end.exitCode) {
     case exit_code::done:
-        closing = configured == 0 ? "Nothing to do: nothing was run."
+        closing = configured == 0 ? terms_.nothingToDo
                                   : "Done: " + countText(configured, "controller", "controllers") +
                                         " configured.";
         break;

@@ -19,7 +19,8 @@ namespace zolex::companion {
 /// What a run is told with.
 struct TellTerms {
     std::string journalFile;
-    ConsentTerms consent; ///< without notOwn
+    ConsentTerms consent;    ///< without notOwn
+    std::string nothingToDo; ///< said of a plan without steps
     /// Empty where certificates of earlier runs tell of each of the losses, else why not.
     std::function<std::string(const std::vector<Loss>& losses, const Snapshot& guard)> notOwn;
     std::chrono::seconds stepLimit{3600};

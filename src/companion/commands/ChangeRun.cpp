@@ -13,6 +13,7 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace zolex::companion {
@@ -150,6 +151,9 @@ ChangeRun::ChangeRun(Context& context, const ApplyOptions& options, std::string 
 ChangeRun::~ChangeRun() = default;
 
 bool ChangeRun::begin() {
+    if (!outputsAreOthers()) {
+        return false;
+    }
     if (!options_.log.empty()) {
         log_ = RunLog::open(context_, options_.log);
         if (log_ == nullptr) {
@@ -162,6 +166,20 @@ bool ChangeRun::begin() {
     }
     usualTimes_ = *std::move(times);
     return outputsCanBeWritten();
+}
+
+bool ChangeRun::outputsAreOthers() {
+    const std::array<std::string, 4> inputs = {options_.plan, options_.resume,
+                                               options_.policies.file, journalFile_};
+    for (const std::string& output : {options_.certificate, options_.log}) {
+        const bool isInput = std::find(inputs.begin(), inputs.end(), output) != inputs.end();
+        if (!output.empty() && (isInput || options_.certificate == options_.log)) {
+            failWith(context_, printable(output) + " would be written for two things",
+                     "give each its own name; nothing was changed");
+            return false;
+        }
+    }
+    return true;
 }
 
 bool ChangeRun::outputsCanBeWritten() {
@@ -266,6 +284,8 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
         context_.makeExecution ? context_.makeExecution(context_.platform, utilities())
                                : makeSystemExecution(context_.platform, utilities());
     TellTerms tell = tellTerms();
+    tell.consent.isListed = chosen.isShown;
+    tell.nothingToDo = chosen.nothingToDo;
     tell.notOwn = [this](const std::vector<Loss>& losses, const Snapshot& guard) {
         return whyNotOwn(context_, losses, guard, options_.certificates);
     };
@@ -306,8 +326,9 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
 
 std::unique_ptr<JournalKeeper> ChangeRun::openJournal(ExecutionSystem& system,
                                                       const JournalHistory* history) {
-    if (history == nullptr) {
-        // One that is there holds nothing, or there would be no run.
+    if (history == nullptr && context_.platform.files().isFile(journalFile_) &&
+        !journalObstacle(context_, journalFile_, command_)) {
+        // One in which nothing was begun.
         static_cast<void>(context_.platform.files().remove(journalFile_));
     }
     std::unique_ptr<DurableFile> file = history == nullptr

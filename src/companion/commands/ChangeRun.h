@@ -24,6 +24,8 @@ struct ChosenPlan {
     std::string lockFile;
     std::vector<std::int32_t> controllers; ///< asked for; empty: all of the plan
     bool allowSkipped = false;
+    bool isShown = false; ///< with what it would destroy
+    std::string nothingToDo = "Nothing to do: nothing was run.";
 };
 
 /// One run of a command that changes a machine: the machine, the system, the journal, the log and
@@ -58,6 +60,7 @@ class ChangeRun {
     class Ticking;
     class Keeper;
 
+    [[nodiscard]] bool outputsAreOthers();
     [[nodiscard]] bool outputsCanBeWritten();
     [[nodiscard]] bool canBeWritten(const std::string& name, const char* option);
     [[nodiscard]] ApplyTerms termsOf(const ChosenPlan& chosen);

@@ -62,6 +62,8 @@ class ResetCommand {
         chosen.hash = sha256(chosen.text);
         chosen.plan = std::move(plan);
         chosen.lockFile = "reset.lock";
+        chosen.isShown = context_.format == Format::text && !context_.quiet;
+        chosen.nothingToDo = "Nothing to reset.";
         return run_.carryOut(chosen);
     }
 

@@ -378,9 +378,7 @@ class JournalWriter {
             help(resume + " when the cause is mended");
             help(planCommand() + " plans from what is there");
         } else if (end->exitCode == different) {
-            tell("Every step was done, and what stands is not what was planned, or could not be "
-                 "looked at.",
-                 Emphasis::bad);
+            tell("What stands is not what was planned, or could not be looked at.", Emphasis::bad);
             help("zolexctl show shows what is there");
             help(planCommand() + " plans from it");
         } else {

@@ -225,6 +225,98 @@ TEST(CommandLine, ReadsRecordReplayAndExplain) {
     EXPECT_EQ(requestOf({"explain", "exit-4"}).code, "exit-4");
 }
 
+TEST(CommandLine, ReadsWhatIsCarriedOut) {
+    const Request saved = requestOf({"apply",
+                                     "plan.json",
+                                     "--destroy",
+                                     "7q4k 2m9d",
+                                     "--certificate",
+                                     "c.json",
+                                     "--certificates",
+                                     "proofs",
+                                     "--journal",
+                                     "j.jsonl",
+                                     "--controller",
+                                     "2,1",
+                                     "--careful",
+                                     "--keep-going",
+                                     "--allow-skipped",
+                                     "--limit-seconds",
+                                     "60",
+                                     "--capture-limit-seconds",
+                                     "9",
+                                     "--log",
+                                     "a.log",
+                                     "--format",
+                                     "json",
+                                     "--timings",
+                                     "a.zrec"});
+    EXPECT_EQ(saved.apply.plan, "plan.json");
+    EXPECT_EQ(saved.apply.destroy, (DestroyWish{DestroyWish::Kind::code, "7Q4K-2M9D"}));
+    EXPECT_EQ(saved.apply.certificate, "c.json");
+    EXPECT_EQ(saved.apply.certificates, "proofs");
+    EXPECT_EQ(saved.apply.journal, "j.jsonl");
+    EXPECT_EQ(saved.machine.controllers, (std::vector<std::int32_t>{1, 2}));
+    EXPECT_TRUE(saved.apply.careful && saved.apply.keepGoing && saved.apply.allowSkipped);
+    EXPECT_EQ(saved.apply.stepLimit, std::chrono::seconds(60));
+    EXPECT_EQ(saved.machine.captureLimit, std::chrono::seconds(9));
+    EXPECT_EQ(saved.apply.log, "a.log");
+    EXPECT_EQ(saved.format, Format::json);
+    EXPECT_EQ(saved.apply.timings, std::vector<std::string>{"a.zrec"});
+
+    const Request now = requestOf({"apply", "--policies", "site.ini", "--strategy", "add",
+                                   "--accept", "zx701", "--destroy", "any"});
+    EXPECT_EQ(now.apply.policies.file, "site.ini");
+    EXPECT_EQ(now.apply.policies.strategy, StrategyWish::add);
+    EXPECT_EQ(now.apply.policies.accept, std::vector<std::string>{"ZX701"});
+    EXPECT_EQ(now.apply.destroy.kind, DestroyWish::Kind::any);
+    EXPECT_EQ(requestOf({"apply", "--resume", "j.jsonl"}).apply.resume, "j.jsonl");
+    EXPECT_EQ(requestOf({"apply", "plan.json"}).apply.destroy.kind, DestroyWish::Kind::ask);
+    EXPECT_EQ(requestOf({"reset", "--controller", "2", "--destroy", "never"}).apply.destroy.kind,
+              DestroyWish::Kind::never);
+}
+
+TEST(CommandLine, RefusesWhatDoesNotGoTogetherToBeCarriedOut) {
+    const std::string help = "\nzolexctl apply --help";
+    EXPECT_EQ(faultOf({"apply"}),
+              "apply needs a plan, --policies or --resume\n"
+              "zolexctl plan site.ini -o plan.json, and zolexctl apply plan.json");
+    EXPECT_EQ(faultOf({"apply", "plan.json", "--policies", "site.ini"}),
+              "apply takes one of a plan, --policies and --resume" + help);
+    EXPECT_EQ(faultOf({"apply", "plan.json", "--recording", "a.zrec"}),
+              "apply does not take --recording" + help);
+    EXPECT_EQ(faultOf({"apply", "plan.json", "-o", "x"}), "apply does not take --output" + help);
+    EXPECT_EQ(faultOf({"apply", "plan.json", "--strategy", "add"}),
+              "--strategy does not go with a plan that is made already\n"
+              "plan again, with this option: zolexctl plan site.ini -o plan.json");
+    EXPECT_EQ(faultOf({"apply", "--resume", "j", "--controller", "1"}),
+              "--controller does not go with --resume\nthe journal says what the run is for");
+    EXPECT_EQ(faultOf({"apply", "plan.json", "--destroy", "yes"}),
+              "--destroy: \"yes\" is none of never, own and any, and no code such as 7Q4K-2M9D" +
+                  help);
+    EXPECT_EQ(faultOf({"apply", "plan.json", "--destroy", "own"}),
+              "--destroy own needs --certificates: without one nothing is known to be your own\n"
+              "name the folder of the certificates: --certificates proofs");
+    EXPECT_EQ(faultOf({"reset", "plan.json"}),
+              "reset does not take \"plan.json\"\nzolexctl reset --help");
+    EXPECT_EQ(faultOf({"reset", "--resume", "j"}),
+              "reset does not take --resume\nzolexctl reset --help");
+    EXPECT_EQ(faultOf({"plan", "site.ini", "--destroy", "any"}),
+              "plan does not take --destroy\nzolexctl plan --help");
+}
+
+TEST(CommandLine, KnowsCodesHoweverTheyAreTyped) {
+    const DestroyWish code{DestroyWish::Kind::code, "7Q10-2M9D"};
+    for (const char* const typed : {"7Q10-2M9D", "7q102m9d", " 7QIO 2M9D\t", "7-q-l-o-2m9d"}) {
+        EXPECT_EQ(destroyWishOf(typed), code) << typed;
+    }
+    EXPECT_EQ(destroyWishOf("P-0123456789AB"),
+              (DestroyWish{DestroyWish::Kind::code, "p-0123456789ab"}));
+    for (const char* const typed : {"", "7Q10-2M9", "7Q10-2M9DD", "7U10-2M9D", "Any", "p-01"}) {
+        EXPECT_FALSE(destroyWishOf(typed)) << typed;
+    }
+}
+
 TEST(CommandLine, KnowsHelpAndVersion) {
     EXPECT_TRUE(readArguments({"--help"}).wantsHelp);
     EXPECT_EQ(readArguments({"--help"}).request.command, Command::none);
@@ -241,7 +333,6 @@ TEST(CommandLine, NamesTheNearestRightWord) {
     EXPECT_EQ(faultOf({"shwo", "--as", "text", "x"}),
               "there is no command \"shwo\"; did you mean show?\nzolexctl --help");
     EXPECT_EQ(faultOf({"frobnicate"}), "there is no command \"frobnicate\"\nzolexctl --help");
-    EXPECT_EQ(faultOf({"apply"}), "there is no command \"apply\"\nzolexctl --help");
     EXPECT_EQ(faultOf({"show", "--fromat", "json"}),
               "there is no option \"--fromat\"; did you mean --format?\nzolexctl show --help");
     EXPECT_EQ(faultOf({"--fromat=json", "show"}),

@@ -50,6 +50,18 @@ TEST_F(SystemExecutionTest, TheOutputGoesToANewFile) {
     EXPECT_EQ(read("out"), "new");
 }
 
+TEST_F(SystemExecutionTest, AnOutputThatAnotherChildStillWritesIsLeftToIt) {
+    const auto first = system->start("UTIL.BAT WORKER text first until go text more", "out");
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(outputWith(*first, "first"), "first");
+    const auto second = system->start("UTIL.BAT WORKER text second", "out");
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(endOf(*second).output, "second");
+    directory.write("go", "");
+    EXPECT_EQ(endOf(*first).output, "firstmore");
+    EXPECT_EQ(read("out"), "second");
+}
+
 TEST_F(SystemExecutionTest, TheInputIsEmpty) {
 #ifdef _WIN32
     directory.write("UTIL.BAT", "@set /p line=\r\n@echo read-%line%-%1\r\n");

@@ -122,7 +122,7 @@ TEST_P(SystemLock, OfAnEarlierStartOfTheSystemIsTakenOver) {
 TEST_P(SystemLock, IsNeverHadByTwo) {
     std::vector<std::unique_ptr<StartedChild>> workers;
     for (int i = 0; i < 4; ++i) {
-        workers.push_back(start("contend L 50"));
+        workers.push_back(start("contend L 300"));
     }
     for (const auto& worker : workers) {
         EXPECT_EQ(endOf(*worker).output, "done\n");

@@ -223,6 +223,7 @@ class Worker {
                     return;
                 }
                 std::fclose(made);
+                std::this_thread::sleep_for(std::chrono::microseconds(200));
                 std::remove(inside.c_str());
                 ++done;
             }
