@@ -85,6 +85,9 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot) {
     try {
         snapshot = run.capture(CapturePurpose::guard);
     } catch (const NoSuchController& missing) {
+        if (missing.count() == 0) {
+            return captureFault(Snapshot());
+        }
         return RunFault{apply_code::refused,
                         "this is another machine than the one planned for",
                         {missing.what()},

@@ -200,7 +200,9 @@ RunFault PlanRun::journalFault() const {
     if (!changedSomething) {
         fault.details.emplace_back("nothing was changed");
     }
-    fault.help.emplace_back("make room for it, or name another place: --journal FILE");
+    fault.help.push_back(changedSomething
+                             ? "make room for it; then " + resumeHelp("goes on")
+                             : "make room for it, or name another place: --journal FILE");
     return fault;
 }
 
@@ -258,15 +260,15 @@ bool PlanRun::runStep(ControllerProgress& progress) {
                 identity = child->identity();
                 locks_.note(identity);
             });
-            write(JournalChild{step.step, identity, outputFile()});
+            guarded([&] { write(JournalChild{step.step, identity, outputFile()}); });
             result = follow(step, *child, identity, begin);
         }
     }
     const milliseconds duration = system.elapsed() - begin;
-    const bool isAccepted = noteEnd(step, result, duration);
     if (hasEnded(result)) {
         guarded([&] { locks_.note({}); });
     }
+    const bool isAccepted = noteEnd(step, result, duration);
     if (isAccepted) {
         ++progress.next;
         return true;
@@ -686,7 +688,7 @@ ApplyEnd PlanRun::stop(RunFault fault) {
         fault.exitCode = apply_code::stopped;
         fault.what = "all steps are done and verified, but the journal " +
                      printable(terms.journalFile) + " cannot be written";
-        fault.help.push_back(resumeHelp("verifies it again"));
+        fault.help = {"make room for it; then " + resumeHelp("verifies it again")};
     }
     return endOf(std::move(fault));
 }
