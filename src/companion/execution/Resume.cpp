@@ -135,7 +135,8 @@ class Resumption {
                 {apply_code::refused,
                  "this run ended as planned, at " + printable(history_.entries.back().at),
                  {},
-                 {planAgainHelp(run_.plan)}});
+                 {planAgainHelp(run_.plan)},
+                 std::string(run_problem::appliedBefore)});
             refused.results = end->results;
             return refused;
         }
