@@ -89,6 +89,7 @@ std::vector<Finding> tryRun(Platform& machine, const Snapshot& snapshot, const G
     }
     VirtualPlatform platform(machine, copy);
     std::vector<const char*> arguments{"zolex"};
+    arguments.reserve(terms.zolexWords.size() + 1);
     for (const std::string& word : terms.zolexWords) {
         arguments.push_back(word.c_str());
     }

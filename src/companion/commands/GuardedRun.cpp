@@ -49,6 +49,7 @@ class RunReader {
     GuardedRun read() {
         addSwitches(parser_);
         std::vector<const char*> arguments{"zolex"};
+        arguments.reserve(words_.size() + 1);
         for (const std::string& word : words_) {
             arguments.push_back(word.c_str());
         }

@@ -2,6 +2,7 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/Foreseen.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
 #include "foundation/FileSystem.h"
@@ -129,7 +130,8 @@ std::optional<RunFault> PlanRun::agree() {
         return RunFault{apply_code::refused,
                         answer.refused.empty() ? "not agreed to" : answer.refused,
                         {},
-                        answer.help};
+                        answer.help,
+                        std::string(run_problem::lossNotAgreed)};
     }
     agreed_ = JournalAgreed{consentCode(plan.fingerprint.identity, losses), answer.how,
                             system.userName()};
@@ -192,6 +194,7 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
 RunFault PlanRun::journalFault() const {
     RunFault fault;
     fault.exitCode = changedSomething ? apply_code::stopped : apply_code::notPossible;
+    fault.code = run_problem::journalNotWritten;
     fault.what = "the journal " + printable(terms.journalFile) +
                  " cannot be written: nothing more is started";
     if (!changedSomething) {
@@ -208,7 +211,8 @@ RunFault PlanRun::interruptedFault(const PlanStep& step) const {
             "interrupted before " + stepName(step, totalSteps_) +
                 (changedSomething ? "" : ": nothing was changed"),
             {},
-            {}};
+            {},
+            std::string(run_problem::runInterrupted)};
 }
 
 void PlanRun::stopRun(RunFault fault) {
@@ -388,11 +392,13 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
     std::string why;
     if (hasEnded(result)) {
         why = "exit code " + std::to_string(result.exitCode);
+        fault.code = run_problem::runStepRefused;
         fault.what = name + " was refused (" + why + "): " + printable(step.summary);
         tellNow(progress, fault);
     } else if (wasStarted(result)) {
         const std::string seconds = std::to_string(terms.stepLimit.count()) + " s";
         why = "it has not ended within " + seconds;
+        fault.code = run_problem::runStepNotEnded;
         fault.what = name + " has not ended within " + seconds + ": " +
                      utilityText(progress.planning->controller.utility, child) +
                      " is still running";
@@ -400,6 +406,7 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
         fault.help.push_back(resumeHelp("waits for it and goes on"));
     } else {
         why = "its command could not be started";
+        fault.code = run_problem::runStepNotStarted;
         fault.what = name + " could not be started: " + printable(step.summary);
         if (!startFault.empty()) {
             fault.details.push_back(printable(startFault));
@@ -447,6 +454,7 @@ bool PlanRun::check(ControllerProgress& progress) {
         RunFault fault = captureFault(snapshot).value_or(RunFault());
         fault.exitCode = apply_code::different;
         fault.what = "what stands " + where + " could not be captured";
+        fault.code = run_problem::endNotRead;
         fault.help = {resumeHelp("looks again and goes on"), planAgainHelp(plan)};
         progress.failedStep = planning.steps[progress.next - 1].step;
         failController(progress, "what stands could not be captured", std::move(fault));
@@ -475,6 +483,7 @@ void PlanRun::tellDifferent(ControllerProgress& progress, const Comparison& comp
     fault.exitCode = apply_code::different;
     fault.what = "what stands on controller " + std::to_string(planning.controller.number) + " " +
                  where + " is not what was planned";
+    fault.code = run_problem::endsDifferent;
     for (const Difference& difference : comparison.differences) {
         fault.details.push_back(differenceText(difference));
     }
@@ -506,10 +515,12 @@ void PlanRun::verify() {
     if (fault && system.interruption() != Interruption::none) {
         fault->exitCode = apply_code::stopped;
         fault->what = "interrupted while what stands was verified";
+        fault->code = run_problem::runInterrupted;
         fault->help = {resumeHelp("verifies it")};
     } else if (fault) {
         fault->exitCode = apply_code::different;
         fault->what = "what stands could not be verified: " + fault->what;
+        fault->code = run_problem::endNotRead;
         fault->help = {resumeHelp("verifies it again")};
     }
     if (fault) {
@@ -626,6 +637,7 @@ ApplyEnd PlanRun::endOf(RunFault fault) {
     ApplyEnd end;
     end.exitCode = fault.exitCode;
     end.what = std::move(fault.what);
+    end.code = std::move(fault.code);
     end.details = std::move(fault.details);
     end.help = std::move(fault.help);
     end.results = results();
@@ -722,7 +734,8 @@ std::optional<RunFault> PlanRun::waitForOld(const PlanStep& step, const std::str
                             "interrupted while " + utilityText(utility, child) +
                                 " of the interrupted run is still running",
                             {},
-                            {resumeHelp("waits for it and goes on")}};
+                            {resumeHelp("waits for it and goes on")},
+                            std::string(run_problem::runInterrupted)};
         }
         if (since >= milliseconds(terms.stepLimit)) {
             return RunFault{code,
@@ -730,7 +743,8 @@ std::optional<RunFault> PlanRun::waitForOld(const PlanStep& step, const std::str
                                 " of the interrupted run is still running after " +
                                 std::to_string(terms.stepLimit.count()) + " s",
                             {"it goes on by itself; what it does is not known yet"},
-                            {resumeHelp("waits for it and goes on")}};
+                            {resumeHelp("waits for it and goes on")},
+                            std::string(run_problem::runStepNotEnded)};
         }
         if (since >= nextLine) {
             listener.stillWaiting(step, child, since);

@@ -5,6 +5,7 @@
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/PlanRun.h"
 #include "companion/execution/ResumeDecision.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/text/Terminal.h"
 
 #include <algorithm>
@@ -134,7 +135,8 @@ class Resumption {
                 {apply_code::refused,
                  "this run ended as planned, at " + printable(history_.entries.back().at),
                  {},
-                 {planAgainHelp(run_.plan)}});
+                 {planAgainHelp(run_.plan)},
+                 std::string(run_problem::appliedBefore)});
             refused.results = end->results;
             return refused;
         }
@@ -179,7 +181,8 @@ class Resumption {
             return RunFault{apply_code::refused,
                             "this is another machine than the one planned for",
                             {missing.what()},
-                            {planAgainHelp(run_.plan)}};
+                            {planAgainHelp(run_.plan)},
+                            std::string(run_problem::anotherMachine)};
         }
         if (std::optional<RunFault> fault = identityFault(snapshot_, run_.plan)) {
             return fault;
@@ -194,7 +197,8 @@ class Resumption {
                             "the journal is of another plan than the file has now",
                             {"the journal is of " + planText(begin.planId, begin.planHash),
                              "the file has " + planText(run_.plan.id, run_.terms.planHash)},
-                            {"name the plan that was begun, or plan again"}};
+                            {"name the plan that was begun, or plan again"},
+                            std::string(run_problem::anotherPlan)};
         }
         return std::nullopt;
     }
@@ -244,7 +248,8 @@ class Resumption {
                 return RunFault{run_.changedSomething ? apply_code::stopped : apply_code::refused,
                                 "interrupted before anything more was done",
                                 {},
-                                {run_.resumeHelp("goes on")}};
+                                {run_.resumeHelp("goes on")},
+                                std::string(run_problem::runInterrupted)};
             }
             if (std::optional<RunFault> fault = captureFault(snapshot_)) {
                 return fault;
@@ -259,7 +264,8 @@ class Resumption {
                         "the controller is still at work: what stands changes from one look to "
                         "the next",
                         {},
-                        {run_.resumeHelp("looks again")}};
+                        {run_.resumeHelp("looks again")},
+                        std::string(run_problem::notAtRest)};
     }
 
     [[nodiscard]] RunFault noJournal() const {
@@ -352,6 +358,7 @@ class Resumption {
         const std::string name = "controller " + std::to_string(planning.controller.number);
         RunFault fault;
         fault.exitCode = apply_code::stopped;
+        fault.code = run_problem::standsElsewhere;
         fault.what =
             at.last == LastEvent::done ? "something else has changed " + name + " since " + step
             : at.last == LastEvent::none

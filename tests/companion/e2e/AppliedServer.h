@@ -28,7 +28,7 @@ inline std::string withoutTimesOfRun(std::string text) {
     text = withEach(text, " +[0-9]+\\.[0-9] s", " N s");
     text = withEach(text, " +[0-9]+ ms", " N s");
     text = withEach(text, "[0-9a-f]{64}", "HASH");
-    text = withEach(text, "[0-9a-f]{4}\\.\\.\\.[0-9a-f]{4}", "HASH");
+    text = withEach(text, "[0-9a-f]{8}\\.\\.\\.[0-9a-f]{8}", "HASH");
     return withEach(text, "pid [0-9]+", "pid N");
 }
 

@@ -107,8 +107,17 @@ std::vector<Untouched> untouched() {
          webPolicies,
          {"--policies", "p.ini", "/controllers:contlist.ini"},
          2,
-         {"/controllers:contlist.ini"}},
-        {"AWordOfTheOldCommandIsNoOption", webPolicies, {"--policies", "p.ini", "/e1"}, 2, {"/e1"}},
+         {"apply takes one of a plan, --policies and --resume"}},
+        {"AWordOfTheOldCommandIsNoOption",
+         webPolicies,
+         {"--policies", "p.ini", "/e1"},
+         2,
+         {"apply takes one of a plan, --policies and --resume"}},
+        {"ADriveInAnEnclosureIsNotTheOneInNone",
+         custom("Array.A = 1,2\n", "Logical.1 = A:FILL:1:ON\n"),
+         usual,
+         2,
+         {"[ZX711]"}},
         {"AddingIsNotEnough",
          webPolicies,
          {"--policies", "p.ini", "--strategy", "add"},
@@ -121,9 +130,18 @@ class ApplyLeavesUntouched : public testing::TestWithParam<Untouched> {};
 
 TEST_P(ApplyLeavesUntouched, AConfiguredServer) {
     const Untouched& danger = GetParam();
-    AppliedServer server(megaServer(eightDrives));
-    server.write("first.ini", with(webPolicies, "3,4,5,6,7", "3,4,5"));
-    server.deploy("first.ini");
+    const bool isMixed = std::string(danger.name) == "ADriveInAnEnclosureIsNotTheOneInNone";
+    AppliedServer server(
+        isMixed ? with(megaServer(R"({"enclosure": 32, "slot": 0, "count": 4, "sizeMB": 69376},
+                                     {"slot": 0, "count": 4, "sizeMB": 69376})"),
+                       "\"drives\": [",
+                       R"("virtualDisks": [{"level": "RAID1", "spans": [[":2", ":3"]]}],
+                          "drives": [)")
+                : megaServer(eightDrives));
+    if (!isMixed) {
+        server.write("first.ini", with(webPolicies, "3,4,5,6,7", "3,4,5"));
+        server.deploy("first.ini");
+    }
     server.write("p.ini", danger.policies);
     server.logCalls();
     std::vector<std::string> arguments = danger.arguments;
@@ -166,42 +184,50 @@ std::string fiveEnclosures() {
 std::vector<Made> made() {
     return {
         {"MoreThanSixteenCommands",
-         megaServer(R"({"enclosure": 32, "slot": 0, "count": 36, "sizeMB": 69376})"),
-         mirrors(8, "17,18,19,20,21,22,23,24,25,26,27,28"),
+         megaServer(R"({"enclosure": 32, "slot": 0, "count": 20, "sizeMB": 69376})"),
+         custom("Array.A = 1,2\nArray.B = 3,4\nArray.C = 5,6\nArray.D = 7,8\n"
+                "Array.E = 9,10\nArray.F = 11,12\n",
+                "Logical.1 = A:FILL:1:ON\nLogical.2 = B:FILL:1:ON\nLogical.3 = C:FILL:1:ON\n"
+                "Logical.4 = D:FILL:1:ON\nLogical.5 = E:FILL:1:ON\nLogical.6 = F:FILL:1:ON\n",
+                "13,14,15,16,17,18,19"),
          {},
-         {}},
+         {"drive 32:12 ", "hotspare", "drive 32:18 ", "hotspare", "array 5: [32:10,32:11]"}},
         {"SeveralLogicalDrivesOnOneArray",
          megaServer(eightDrives),
          with(with(webPolicies, "Logical.1 = A:FILL", "Logical.1 = A:20000"), "Logical.2",
               "Logical.2 = A:FILL:1:ON\nLogical.3"),
-         {},
-         {}},
+         {"! Controller 1: zolex leaves out Logical.2: Array.A has Logical.1 already\n  [ZX405]",
+          "Plan (4 steps)"},
+         {"logical drive 0: array 0, RAID1, 20000 MB", "logical drive 1: array 0, RAID1, 49376 MB",
+          "logical drive 2: array 1, RAID5"}},
         {"RaidTenOfFiveDrives",
          megaServer(eightDrives),
          custom("Array.A = 1,2,3,4,5\n", "Logical.1 = A:FILL:10:ON\n"),
-         {"RAID 10 is made of pairs, and Array.A has 5 drives [ZX404]"},
-         {}},
+         {"! Controller 1: RAID 10 is made of pairs, and Array.A has 5 drives [ZX404]\n",
+          "1 create A: RAID10 on 32:0 32:1 32:2 32:3\n"},
+         {"drive 32:4 ", "good", "array 0: [32:0,32:1] [32:2,32:3]\n"}},
         {"ListsWithoutTheMode",
          megaServer(eightDrives),
          noMode,
-         {"Array.A has no effect: zolex chooses the drives itself [ZX307]"},
-         {}},
+         {"! Controller 1: Array.A has no effect: zolex chooses the drives itself [ZX307]\n",
+          "1 create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5 32:6\n"},
+         {"array 0: [32:0,32:1,32:2,32:3,32:4,32:5,32:6]\n"}},
         {"AllTakesSixteenDrives",
          megaServer(R"({"enclosure": 32, "slot": 0, "count": 24, "sizeMB": 69376})"),
          custom("Array.A = ALL\n", "Logical.1 = A:FILL:5:ON\n"),
-         {},
-         {}},
+         {"! Controller 1: Array.A takes 16 of 24 drives that remain [ZX305]\n"},
+         {"drive 32:15 ", "online", "drive 32:16 ", "good", "drive 32:23 ", "good"}},
         {"AFifthEnclosure",
          fiveEnclosures(),
          custom("Array.A = ALL\n", "Logical.1 = A:FILL:5:ON\n"),
+         {"! Controller 1: 14:0 (Unconfigured(good), serial ZS000016) has no number in\n"
+          "  policies [ZX701]\n"},
+         {"drive 13:3 ", "online", "drive 14:0 ", "good"}},
+        {"DrivesInNoEnclosureAlone",
+         megaServer(R"({"slot": 0, "count": 4, "sizeMB": 69376})"),
+         custom("Array.A = 1,2\n", "Logical.1 = A:FILL:1:ON\n", "4"),
          {},
-         {}},
-        {"DrivesInAnEnclosureBesideDrivesInNone",
-         megaServer(R"({"enclosure": 32, "slot": 0, "count": 4, "sizeMB": 69376},
-                       {"slot": 0, "count": 4, "sizeMB": 69376})"),
-         custom("Array.A = 1,2\n", "Logical.1 = A:FILL:1:ON\n"),
-         {},
-         {}},
+         {"drive :3 ", "hotspare", "array 0: [:0,:1]\n"}},
     };
 }
 
@@ -213,8 +239,6 @@ TEST_P(ApplyMakes, WhatThePlanSays) {
     server.write("p.ini", danger.policies);
     const ProgramRun run = server.apply({"--policies", "p.ini"});
     EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
-    std::printf("%s\n%s%s%s\n", danger.name, run.output.c_str(), run.error.c_str(),
-                server.shown().c_str());
     expectPieces(run.output + run.error, danger.told);
     expectPieces(server.shown(), danger.made);
     server.expectSame("p.ini");

@@ -278,8 +278,8 @@ TEST_F(ApplyInterruptedTest, AStepThatIsTooSlowIsSaidToRunStill) {
     const ProgramRun run =
         server.start(ZOLEXCTL_PROGRAM, {"apply", "plan.json", "--limit-seconds", "1"});
     EXPECT_EQ(run.exitCode, 4) << run.output << run.error;
-    expectPieces(run.error, {"error: ", "(pid ", "still",
-                             "help: zolexctl apply --resume plan.journal.jsonl"});
+    expectPieces(run.error,
+                 {"error: ", "(pid ", "still", "help: zolexctl apply --resume plan.journal.jsonl"});
     EXPECT_EQ((run.output + run.error).find("ancel"), std::string::npos) << run.error;
     EXPECT_EQ(server.shown(), blank);
     // Another run may not begin meanwhile.

@@ -290,6 +290,40 @@ std::vector<Danger> dangers() {
          3,
          {"error: zolex leaves out Logical.2: Array.A has Logical.1 already", "[ZX405]\n",
           notStarted}},
+        {"ACapturedStripSizeIsNotTaken",
+         eight(),
+         web,
+         with(web, "Array_Mode", "StripeSize = 256\nArray_Mode"),
+         wipe,
+         3,
+         {"p.ini:3:14: error: a strip size of 256 KB is not possible [ZX403]\n", notStarted}},
+        {"DrivesOfEnclosuresStandBesideOthers",
+         megaServer(R"({"enclosure": 32, "slot": 0, "count": 4, "sizeMB": 69376},
+                       {"slot": 0, "count": 4, "sizeMB": 69376})"),
+         "",
+         with(mirrors(1, "8"), "Hotspares = 8", "Array_Defaults = 0%:0"),
+         {"/f:p.ini"},
+         3,
+         {"error: the command line says :0 for drive 32:0, which is another\n", "[ZX711]\n",
+          notStarted}},
+        {"TheSpareIsInNoEnclosure",
+         megaServer(R"({"slot": 0, "count": 8, "sizeMB": 69376})"),
+         "",
+         mirrors(1, "8"),
+         {"/f:p.ini"},
+         3,
+         {"error: zolex's own command is another than UTIL.BAT MEGACLI -PDHSP { -Set }\n"
+          "    -PhysDrv[ :7 ] -a0 [ZA210]\n"
+          "   a drive in no enclosure is :7\n",
+          notStarted}},
+        {"BothDrivesAreTakenWhenOneIsNamed",
+         "hyperwin",
+         "",
+         "[Policy.x]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\nArray.A = 1\n"
+         "Array_Defaults = 0%:0\nLogical_Mode = CUSTOM\nLogical.1 = A:FILL:0\n",
+         {"/f:p.ini"},
+         3,
+         {"error: the array is planned on 1, and the command takes 1 2 [ZP222]\n", notStarted}},
         // Switches that do more than they say.
         {"InventedDrivesRunRealCommands",
          eight(),
@@ -463,6 +497,44 @@ TEST(Guard, LetsAcceptedErrorsPass) {
     EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
     expectPieces(run.error, {"warning: controller 2: zolex would skip it", "accepted"});
     EXPECT_NE(server.read("state.json"), before);
+}
+
+TEST(Guard, AcceptsNothingThatZolexItselfFailsAt) {
+    GuardedServer server(eight());
+    server.write("p.ini", "[Policy.x]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
+                          "Array.A = 1,2,3,4,5,6,7,8\nLogical_Mode = CUSTOM\n"
+                          "Logical.1 = A:FILL:5:ON\n");
+    const std::string before = server.read("state.json");
+    const ProgramRun run = server.guard({"--accept", "ZX501"}, {"/f:p.ini"});
+    EXPECT_EQ(run.exitCode, 3) << run.output << run.error;
+    EXPECT_EQ(run.output, "");
+    expectPieces(run.error,
+                 {"[ZX501]\n   accepted\n", "error: zolex would end with exit code 11 [ZA209]\n",
+                  "   | The physical disk at 32:7 is not free: it is online.\n",
+                  "   | ZOLEX failed with RC=11\n", notStarted});
+    EXPECT_EQ(server.read("state.json"), before);
+}
+
+TEST(Guard, AgreesToWhatCertificatesTellOf) {
+    GuardedServer server(eight());
+    server.environment["ZOLEX_SETTLE_MS"] = "0";
+    server.write("p.ini", webPolicies);
+    fs::create_directory(server.folder() / "proofs");
+    const ProgramRun applied = server.start(
+        ZOLEXCTL_PROGRAM, {"apply", "--policies", "p.ini", "--certificates", "proofs"});
+    ASSERT_EQ(applied.exitCode, 0) << applied.output << applied.error;
+    const std::vector<std::string> own = {"--destroy", "own", "--certificates", "proofs"};
+    const ProgramRun run = server.guard(own, {"/r", "/y", "/f:p.ini"});
+    EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
+    // Of another layout they tell nothing.
+    server.write("p.ini", with(webPolicies, "Array.B = 3,4,5,6,7", "Array.B = 3,4,5,6"));
+    server.deploy("p.ini");
+    const std::string before = server.read("state.json");
+    const ProgramRun other = server.guard(own, {"/r", "/y", "/f:p.ini"});
+    EXPECT_EQ(other.exitCode, 3) << other.output << other.error;
+    expectPieces(other.error, {"error: --destroy own: ", "[ZA212]\n", notStarted});
+    EXPECT_EQ(server.read("state.json"), before);
+    EXPECT_EQ(server.guard({"--destroy", "own"}, {"/r", "/y"}).exitCode, 2);
 }
 
 TEST(Guard, ErasesOneControllerOfTwo) {
