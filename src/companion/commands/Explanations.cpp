@@ -2,6 +2,7 @@
 
 #include "companion/commands/FileCodes.h"
 #include "companion/commands/GuardCodes.h"
+#include "companion/commands/RunCodes.h"
 
 #include "companion/lint/Keywords.h"
 #include "companion/lint/Rules.h"
@@ -242,6 +243,7 @@ std::optional<Explanation> explanationOf(std::string_view code) {
     }
     const ProblemCode* row = findProblemCode(code);
     row = row != nullptr ? row : findFileCode(code);
+    row = row != nullptr ? row : findRunCode(code);
     row = row != nullptr ? row : findGuardCode(code);
     if (row != nullptr) {
         explanation.code = row->id;
@@ -263,6 +265,9 @@ std::vector<std::string> explainedCodes() {
         codes.emplace_back(problem.id);
     }
     for (const ProblemCode& row : fileCodes()) {
+        codes.emplace_back(row.id);
+    }
+    for (const ProblemCode& row : runCodes()) {
         codes.emplace_back(row.id);
     }
     for (const ProblemCode& row : guardCodes()) {

@@ -722,20 +722,21 @@ std::string carryingOut(const MachinePlan& plan) {
 
 TEST(PlanText, NamesTheCommandsThatCarryItOut) {
     MachinePlan plan = examplePlan();
-    const std::string lost = "This destroys 1 logical drive (135.5 GB).\n"
-                             "To agree to exactly this, and carry it out:\n";
-    EXPECT_EQ(carryingOut(plan), lost + "  zolexctl plan site.ini -o plan.json\n"
-                                        "  zolexctl apply plan.json --destroy 7Q4K-2M9D\n");
+    const std::string lost = "This destroys 1 logical drive (135.5 GB).\n";
+    const std::string agree = "To agree to exactly this, and carry it out:\n";
+    EXPECT_EQ(carryingOut(plan), lost + agree +
+                                     "  zolexctl plan site.ini -o plan.json\n"
+                                     "  zolexctl apply plan.json --destroy 7Q4K-2M9D\n");
     // As it was typed; a controller that is skipped would keep it from being carried out.
     plan.command = "zolexctl plan - --controller 1,2";
     plan.controllers.push_back(plan.controllers.front());
     plan.controllers.back().controller.number = 2;
     plan.controllers.back().disposition = Disposition::skipped;
     plan.controllers.back().losses.clear();
-    EXPECT_EQ(carryingOut(plan).substr(lost.size()),
-              "  - controller 1: LD 1\nTo agree to exactly this, and carry it out:\n"
-              "  zolexctl plan - --controller 1,2 -o plan.json\n"
-              "  zolexctl apply plan.json --destroy 7Q4K-2M9D --allow-skipped\n");
+    EXPECT_EQ(carryingOut(plan),
+              lost + "  - controller 1: LD 1\n" + agree +
+                  "  zolexctl plan - --controller 1,2 -o plan.json\n"
+                  "  zolexctl apply plan.json --destroy 7Q4K-2M9D --allow-skipped\n");
 }
 
 TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {
