@@ -261,10 +261,12 @@ class GuardCommand {
         if (losses.empty()) {
             return exit_code::done;
         }
-        const ConsentTerms terms{
-            options_.destroy, "zolexctl guard", [this](const std::vector<Loss>& all) {
-                return whyNotOwn(context_, all, *snapshot_, options_.certificates);
-            }};
+        ConsentTerms terms;
+        terms.wish = options_.destroy;
+        terms.command = "zolexctl guard";
+        terms.notOwn = [this](const std::vector<Loss>& all) {
+            return whyNotOwn(context_, all, *snapshot_, options_.certificates);
+        };
         const ConsentAnswer answer = consentTo(context_, plan_.erased, losses, terms);
         if (answer.isGiven) {
             if (!context_.quiet) {
