@@ -1,10 +1,13 @@
 // Writes the first inputs of every target into a folder: what the utilities of the virtual server
 // print before and after its policies are deployed, the files that fit it, and some texts by hand.
 
+#include "companion/json/CertificateDocument.h"
 #include "companion/json/PlanDocument.h"
 #include "companion/json/RecordingLines.h"
 #include "companion/planning/Steps.h"
 #include "companion/recording/RecordingPlatform.h"
+#include "companion/support/ExampleCertificate.h"
+#include "companion/support/ExampleJournal.h"
 #include "companion/support/ExamplePlan.h"
 #include "driver/ZOLEX.h"
 #include "foundation/CString.h"
@@ -248,9 +251,25 @@ void writePlans(SeedWriter& seeds) {
     seeds.write("plan", compact(companion::failedPlanDocument({finding}, head)));
 }
 
+/// Runs that were stopped, interrupted and carried out, and the certificate of one.
+void writeRuns(SeedWriter& seeds) {
+    std::vector<companion::JournalEvent> events = companion::test::exampleJournalEvents();
+    const std::string stopped = companion::test::journalText(events);
+    seeds.write("journal", stopped);
+    seeds.write("journal", stopped.substr(0, stopped.size() - 9));
+    events[12] = companion::test::exampleStepEnded(3, 0, "", 900);
+    events[13] = companion::JournalVerified{companion::JournalVerified::Result::asPlanned, {}};
+    events[14] = companion::JournalEnd{};
+    seeds.write("journal", companion::test::journalText(events));
+    const companion::DocumentHead head{{"apply", "plan.json"}, "2026-11-21T21:06:20+00:00"};
+    seeds.write("certificate", compact(companion::certificateDocument(
+                                   companion::test::exampleCertificate(), head)));
+}
+
 void writeByHand(SeedWriter& seeds) {
     writeCalls(seeds);
     writePlans(seeds);
+    writeRuns(seeds);
     const std::string definition =
         "[Controller.0]\nType=12\nSubType=1\nC1S0=69376\nC1S1=69376\n[Controller.1]\nType=1\n";
     seeds.write("inventory", "\1" + definition);

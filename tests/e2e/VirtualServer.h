@@ -39,6 +39,11 @@ class VirtualServer {
     ProgramRun start(const std::string& program, const std::vector<std::string>& arguments) {
         return run(program, arguments, {});
     }
+    /// The same with `input` as standard input, and without the standard streams of these numbers.
+    ProgramRun start(const std::string& program, const std::vector<std::string>& arguments,
+                     const std::string& input, const std::string& closed = {}) {
+        return run(program, arguments, input, closed);
+    }
 
     /// Variables of the environment for the runs to come.
     std::map<std::string, std::string> environment;

@@ -423,16 +423,21 @@ Format formatOfFile(const std::string& name) {
     return row->second;
 }
 
+std::vector<std::string> acceptedIds(const Arguments& arguments) {
+    std::vector<std::string> ids = arguments.partsOf("--accept");
+    for (std::string& id : ids) {
+        std::transform(id.begin(), id.end(), id.begin(), text::upper);
+    }
+    return ids;
+}
+
 /// How it is planned.
 void readPlanning(const Arguments& arguments, PlanOptions& plan) {
     const std::string strategy = arguments.value("--strategy");
     plan.strategy = strategy == "add"       ? StrategyWish::add
                     : strategy == "rebuild" ? StrategyWish::rebuild
                                             : StrategyWish::automatic;
-    plan.accept = arguments.partsOf("--accept");
-    for (std::string& id : plan.accept) {
-        std::transform(id.begin(), id.end(), id.begin(), text::upper);
-    }
+    plan.accept = acceptedIds(arguments);
 }
 
 void readPlan(const Arguments& arguments, Request& request) {
@@ -458,6 +463,14 @@ void readPlan(const Arguments& arguments, Request& request) {
     plan.timings = arguments.values("--timings");
 }
 
+void refuseOwnWithoutCertificates(const DestroyWish& wish, const std::string& certificates) {
+    if (wish.kind == DestroyWish::Kind::own && certificates.empty()) {
+        throw ArgumentFault{"--destroy own needs --certificates: without one nothing is known to "
+                            "be your own",
+                            "name the folder of the certificates: --certificates proofs"};
+    }
+}
+
 /// What apply and reset have in common.
 void readChanging(const Arguments& arguments, ApplyOptions& apply) {
     if (arguments.has("--destroy")) {
@@ -474,11 +487,7 @@ void readChanging(const Arguments& arguments, ApplyOptions& apply) {
             wholeNumber(arguments.value("--limit-seconds"), 1, longestCaptureLimit).value_or(1));
     }
     apply.timings = arguments.values("--timings");
-    if (apply.destroy.kind == DestroyWish::Kind::own && apply.certificates.empty()) {
-        throw ArgumentFault{"--destroy own needs --certificates: without one nothing is known to "
-                            "be your own",
-                            "name the folder of the certificates: --certificates proofs"};
-    }
+    refuseOwnWithoutCertificates(apply.destroy, apply.certificates);
 }
 
 /// Options of one way to apply, given with another.
@@ -581,6 +590,25 @@ void readReplay(const Arguments& arguments, Request& request) {
     request.replay.command = arguments.behindMark();
 }
 
+void readGuard(const Arguments& arguments, Request& request) {
+    const char* const zolexCall = "zolexctl guard -- zolex /r /y /f:site.ini";
+    if (!arguments.words().empty()) {
+        throw ArgumentFault{"guard does not take " + inQuotes(arguments.words().front()),
+                            std::string("zolex stands behind --: ") + zolexCall};
+    }
+    if (arguments.behindMark().empty()) {
+        throw ArgumentFault{"guard needs zolex and its arguments behind --", zolexCall};
+    }
+    GuardOptions& guard = request.guard;
+    guard.command = arguments.behindMark();
+    if (arguments.has("--destroy")) {
+        guard.destroy = destroyWishOf(arguments.value("--destroy")).value_or(DestroyWish());
+    }
+    guard.certificates = arguments.value("--certificates");
+    refuseOwnWithoutCertificates(guard.destroy, guard.certificates);
+    guard.accept = acceptedIds(arguments);
+}
+
 void readRequest(const Arguments& arguments, Request& request) {
     readGeneral(arguments, request);
     request.format = readFormat(arguments);
@@ -610,6 +638,8 @@ void readRequest(const Arguments& arguments, Request& request) {
         return readReplay(arguments, request);
     case Command::convert:
         return readConvert(arguments, request);
+    case Command::guard:
+        return readGuard(arguments, request);
     case Command::explain:
         request.code = wordsOf(arguments, 1, 1, "a code, such as ZX411 or 11").front();
         return;

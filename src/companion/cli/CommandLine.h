@@ -28,6 +28,7 @@ struct Request {
     RecordOptions record;
     ReplayOptions replay;
     ConvertOptions convert;
+    GuardOptions guard;
     std::string code; ///< of explain
 };
 

@@ -83,10 +83,12 @@ std::string optionBlock(std::string_view title, CommandSet commands, bool genera
 std::string programHelp() {
     std::string text =
         "usage: zolexctl [OPTIONS] COMMAND [OPTIONS]\n\n" +
-        wrapped("",
-                "Looks at the RAID controllers of a server and at policies for them, plans, and "
-                "carries plans out. Only apply and reset change anything on a server.",
-                0) +
+        wrapped(
+            "",
+            "Looks at the RAID controllers of a server and at policies for them, plans, and "
+            "carries plans out. Only apply, reset and the zolex behind guard change anything on "
+            "a server.",
+            0) +
         "\ncommands:\n";
     for (const CommandRow& row : commandRows()) {
         text += wrapped(padded("  " + std::string(row.name), commandColumn), row.summary,

@@ -78,6 +78,8 @@ int runCommand(Context& context, const Request& request) {
         return runReplay(context, request);
     case Command::convert:
         return convert(context, request.convert);
+    case Command::guard:
+        return guard(context, request.guard);
     case Command::explain:
         return explain(context, request.code);
     case Command::none:

@@ -12,6 +12,7 @@ namespace {
 constexpr CommandSet lookers = only(Command::plan) | only(Command::diff) | only(Command::show) |
                                only(Command::doctor) | only(Command::record);
 constexpr CommandSet changers = only(Command::apply) | only(Command::reset);
+constexpr CommandSet guarding = only(Command::guard);
 constexpr CommandSet writers =
     lookers | only(Command::check) | only(Command::convert) | only(Command::explain);
 
@@ -60,11 +61,11 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "text json",
      "zolexctl reset --controller 2\n"
      "zolexctl reset --destroy 7Q4K-2M9D"},
-    {Command::diff, "diff", "diff POLICIES|PLAN [OPTIONS]",
+    {Command::diff, "diff", "diff POLICIES|PLAN|CERTIFICATE [OPTIONS]",
      "this server against policies or a plan",
      "Holds what stands on this server against what policies, or a plan that was kept with -o "
-     "plan.json, want of it, attribute by attribute. It only reads: nothing on the server is "
-     "changed.\n"
+     "plan.json, want of it, or against what a certificate tells that a run has left, attribute by "
+     "attribute. It only reads: nothing on the server is changed.\n"
      "Exit code: 0 the same, or equivalent, 1 different, 2 it could not be told.",
      "text json svg html",
      "zolexctl diff site.ini\n"
@@ -73,8 +74,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "Shows the controllers of this server, their drives, arrays, logical drives and hot spares. "
      "The column \"no\" is the number that policies use for a drive. It only reads: nothing on the "
      "server is changed. FILE is a recording, which is shown instead of this server, or a plan "
-     "that "
-     "was kept with zolexctl plan -o plan.json.\n"
+     "that was kept with zolexctl plan -o plan.json, or a journal or a certificate.\n"
      "Exit code: 0 it was shown, 1 (policies) something would not come back, 2 it could not be "
      "read.",
      "text json svg html policies",
@@ -121,6 +121,22 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "policies file, or - for standard input. It touches no server.\n"
      "Exit code: 0 it was written, and what it does not say was told; 2 nothing was written.",
      "text", "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini"},
+    {Command::guard, "guard", "guard [OPTIONS] -- zolex [ARGUMENTS]",
+     "zolex, but only when all of it can be done",
+     "Stands in front of zolex, for command lines that exist. It reads the switches as zolex does, "
+     "looks at this server, and plans what zolex would do, with zolex's own limits; then it has "
+     "zolex do it on a virtual copy of the server, in memory. When zolex would not do all of it, "
+     "or something else than the policies say, zolex is not started, and every reason is told. "
+     "What would be lost has to be agreed to: on a terminal by typing the serial number of the "
+     "server, elsewhere with --destroy. Only then zolex is started, with the very same arguments, "
+     "and nothing stands between it and the terminal. What changes nothing, such as zolex /c, is "
+     "started at once. zolex is looked for beside zolexctl, and then along the search path. What "
+     "guard itself says goes to standard error.\n"
+     "Exit code: that of zolex once it was started; before it, and nothing was changed then, 2 the "
+     "command line, a file or the server could not be read, 3 refused.",
+     "",
+     "zolexctl guard -- zolex /r /y /f:site.ini\n"
+     "zolexctl guard --destroy 7Q4K-2M9D -- zolex /r:2 /y"},
     {Command::explain, "explain", "explain CODE", "what a finding or an exit code means",
      "Tells what a finding of check means, what it does to a server, and what to write instead. A "
      "number is an exit code of zolex; exit-4 is exit code 4 of zolexctl.\n"
@@ -137,7 +153,7 @@ constexpr std::array<OptionRow, 43> options{{
      only(Command::plan)},
     {"--no-rehearsal", "", "", "do not play the plan on a virtual copy", only(Command::plan)},
     {"--accept", "", "IDS", "let these errors pass, such as ZX701",
-     only(Command::plan) | only(Command::apply), true, faultOfAccepted},
+     only(Command::plan) | only(Command::apply) | guarding, true, faultOfAccepted},
     {"--timings", "", "FILE", "tell usual times, from the calls in this recording",
      only(Command::plan) | changers, true, faultOfText},
     {"--policies", "", "FILE", "plan by these policies and carry it out", only(Command::apply),
@@ -147,7 +163,7 @@ constexpr std::array<OptionRow, 43> options{{
     {"--destroy", "", "WHAT",
      "what may be lost: never, own (what certificates tell of), any, or exactly what a code such "
      "as 7Q4K-2M9D stands for",
-     changers, false, faultOfDestroy},
+     changers | guarding, false, faultOfDestroy},
     {"--careful", "", "", "read everything back after each step", changers},
     {"--keep-going", "", "", "a step that fails ends its own controller alone", changers},
     {"--allow-skipped", "", "", "controllers that no policy fits are no reason to refuse",
@@ -156,7 +172,7 @@ constexpr std::array<OptionRow, 43> options{{
     {"--certificate", "", "FILE", "write the proof of the run to FILE", changers, false,
      faultOfText},
     {"--certificates", "", "DIR", "certificates of earlier runs; the new one goes there too",
-     changers, false, faultOfText},
+     changers | guarding, false, faultOfText},
     {"--log", "", "FILE", "append every command, with what came of it, to FILE", changers, false,
      faultOfText},
     {"--limit-seconds", "", "N", "how long a step may take (3600)", changers, false, faultOfLimit},
@@ -178,15 +194,16 @@ constexpr std::array<OptionRow, 43> options{{
      faultOfText},
     {"--recording", "", "FILE", "look at this recording instead of the server", lookers, false,
      faultOfText},
-    {"--record", "", "FILE", "keep every call of a utility in FILE", lookers, false, faultOfText},
+    {"--record", "", "FILE", "keep every call of a utility in FILE", lookers | guarding, false,
+     faultOfText},
     {"--controller", "", "N[,N]", "only these controllers, numbered from 1", lookers | changers,
      true, faultOfControllers},
-    {"--utilities", "", "DIR", "the folder of UTIL.BAT and the utilities", lookers | changers,
-     false, faultOfText},
+    {"--utilities", "", "DIR", "the folder of UTIL.BAT and the utilities",
+     lookers | changers | guarding, false, faultOfText},
     {"--utility", "", "NAME=PATH", "the program of a utility: MEGACLI=/opt/MegaCli64",
      lookers | changers, true, faultOfUtility},
     {"--capture-limit-seconds", "", "N", "how long reading one listing may take (300)",
-     lookers | changers, false, faultOfLimit},
+     lookers | changers | guarding, false, faultOfLimit},
     {"--machine-type", "", "TEXT", "the type of the machine, instead of asking for it",
      lookers | changers, false, faultOfText},
     {"--serial", "", "TEXT", "its serial number, instead of asking for it", lookers | changers,

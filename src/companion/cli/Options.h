@@ -22,9 +22,10 @@ enum class Command : std::uint8_t {
     record,
     replay,
     convert,
+    guard,
     explain
 };
-inline constexpr std::size_t commandCount = 12; ///< with none
+inline constexpr std::size_t commandCount = 13; ///< with none
 
 /// A set of commands.
 using CommandSet = std::uint32_t;

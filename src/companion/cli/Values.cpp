@@ -195,7 +195,7 @@ std::string faultOfDestroy(std::string_view text) {
 std::string faultOfAccepted(std::string_view text) {
     for (const std::string& part : parts(text)) {
         const std::string id = upper(part);
-        const bool isId = id.starts_with("ZX") || id.starts_with("ZP");
+        const bool isId = id.starts_with("ZX") || id.starts_with("ZP") || id.starts_with("ZA2");
         if (!isId || !explanationOf(id)) {
             return "there is no finding " + inQuotes(part) + "; they are such as ZX701";
         }

@@ -406,8 +406,11 @@ void ApplyTeller::tellFault(const ApplyEnd& end) {
     const TextStyle& style = context_.errorStyle;
     const auto width = static_cast<std::size_t>(style.width);
     constexpr std::size_t indent = 7;
-    std::string text = emphasized("error:", Emphasis::bad, style) + " " +
-                       foldedWords(printable(end.what), indent, indent, width) + "\n";
+    std::string text =
+        emphasized("error:", Emphasis::bad, style) + " " +
+        foldedWords(printable(end.what) + (end.code.empty() ? "" : " [" + end.code + "]"), indent,
+                    indent, width) +
+        "\n";
     for (const std::string& line : end.details) {
         // Command lines and words of utilities stay as they are.
         text += "  " + printable(line) + "\n";

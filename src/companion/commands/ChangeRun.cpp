@@ -2,6 +2,7 @@
 
 #include "companion/commands/MachineAccess.h"
 #include "companion/commands/OwnCertificates.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/execution/SystemExecution.h"
 #include "companion/json/CertificateDocument.h"
 #include "companion/machine/ProblemCodes.h"
@@ -312,6 +313,7 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
     if (end.exitCode == exit_code::done && !certify(chosen, terms, end, proof)) {
         end.exitCode = exit_code::different;
         end.what = "the certificate could not be written: " + proof;
+        end.code = run_problem::proofNotWritten;
         end.help = {"what stands is as planned; zolexctl diff " +
                     (chosen.file.empty() ? chosen.plan.policiesFile : chosen.file) + " tells it"};
         proof.clear();
@@ -420,27 +422,27 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
     if (end == nullptr) {
         return JournalObstacle{exit_code::refused,
                                name + ": this run was begun on " + timeOf(*reading.journal) +
-                                   " and interrupted",
+                                   " and interrupted [ZA106]",
                                {resume},
                                false};
     }
     if (end->exitCode == exit_code::done) {
         return JournalObstacle{exit_code::refused,
                                name + ": the plan was already applied on " +
-                                   timeOf(*reading.journal),
+                                   timeOf(*reading.journal) + " [ZA106]",
                                {plan},
                                true};
     }
     if (end->exitCode == exit_code::different) {
         return JournalObstacle{exit_code::refused,
                                name + ": the plan was carried out on " + timeOf(*reading.journal) +
-                                   ", but did not end as planned: " + end->reason,
+                                   ", but did not end as planned: " + end->reason + " [ZA106]",
                                {plan},
                                true};
     }
     return JournalObstacle{exit_code::refused,
                            name + ": this run stopped on " + timeOf(*reading.journal) + ": " +
-                               end->reason,
+                               end->reason + " [ZA106]",
                            {resume, plan},
                            false};
 }

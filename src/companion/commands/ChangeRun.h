@@ -93,7 +93,7 @@ class ChangeRun {
 /// Why no new run can be noted in a journal that is there.
 struct JournalObstacle {
     int exitCode = 0;
-    std::string what;
+    std::string what; ///< with its code
     std::vector<std::string> help;
     bool isOver = false; ///< its run was carried out to its end
 };

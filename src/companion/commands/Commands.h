@@ -79,6 +79,16 @@ struct ReplayOptions {
 };
 int replay(Context& context, const ReplayOptions& options);
 
+/// Of zolex, started only when it would do all of what it says.
+struct GuardOptions {
+    std::vector<std::string> command; ///< behind "--": zolex and its words
+    DestroyWish destroy;
+    std::string certificates;        ///< folder; or empty
+    std::vector<std::string> accept; ///< ids of errors
+};
+/// Its own codes are notPossible and refused, before zolex is started; after it zolex's.
+int guard(Context& context, const GuardOptions& options);
+
 struct ConvertOptions {
     std::string file;    ///< "-": standard input
     std::string to;      ///< "policies"

@@ -1,6 +1,8 @@
 #include "companion/commands/Explanations.h"
 
 #include "companion/commands/FileCodes.h"
+#include "companion/commands/GuardCodes.h"
+#include "companion/commands/RunCodes.h"
 
 #include "companion/lint/Keywords.h"
 #include "companion/lint/Rules.h"
@@ -239,8 +241,11 @@ std::optional<Explanation> explanationOf(std::string_view code) {
         explanation.help = rule->help;
         return explanation;
     }
-    const ProblemCode* const problem = findProblemCode(code);
-    if (const ProblemCode* const row = problem != nullptr ? problem : findFileCode(code)) {
+    const ProblemCode* row = findProblemCode(code);
+    row = row != nullptr ? row : findFileCode(code);
+    row = row != nullptr ? row : findRunCode(code);
+    row = row != nullptr ? row : findGuardCode(code);
+    if (row != nullptr) {
         explanation.code = row->id;
         explanation.title = row->title;
         explanation.severity = row->severity;
@@ -262,6 +267,12 @@ std::vector<std::string> explainedCodes() {
     for (const ProblemCode& row : fileCodes()) {
         codes.emplace_back(row.id);
     }
+    for (const ProblemCode& row : runCodes()) {
+        codes.emplace_back(row.id);
+    }
+    for (const ProblemCode& row : guardCodes()) {
+        codes.emplace_back(row.id);
+    }
     for (const ExitCode& row : zolexCodes) {
         codes.push_back(std::to_string(row.number));
     }
@@ -279,7 +290,7 @@ std::optional<std::string> nearestCode(std::string_view text) {
     }
     for (const std::string_view prefix :
          {std::string_view("ZX"), std::string_view("ZP"), std::string_view("ZC"),
-          std::string_view("ZR"), ownPrefix, std::string_view()}) {
+          std::string_view("ZR"), std::string_view("ZA"), ownPrefix, std::string_view()}) {
         if (auto nearest = nearestNumber(prefix, text)) {
             return nearest;
         }

@@ -2,6 +2,7 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/PlanRun.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
 
@@ -18,7 +19,8 @@ std::optional<RunFault> planFault(const MachinePlan& plan, const ApplyTerms& ter
         RunFault fault{apply_code::notPossible,
                        "the plan cannot be carried out as it stands",
                        {},
-                       {planAgainHelp(plan)}};
+                       {planAgainHelp(plan)},
+                       std::string(run_problem::planNotApplicable)};
         for (const std::vector<Finding>* const findings :
              {&plan.policiesFindings, &plan.diagnostics}) {
             for (const Finding& finding : *findings) {
@@ -40,7 +42,8 @@ std::optional<RunFault> planFault(const MachinePlan& plan, const ApplyTerms& ter
             return RunFault{apply_code::notPossible,
                             "the plan has no controller " + std::to_string(number),
                             {},
-                            {planAgainHelp(plan)}};
+                            {planAgainHelp(plan)},
+                            std::string(run_problem::planNotApplicable)};
         }
     }
     return std::nullopt;
@@ -60,12 +63,17 @@ std::optional<RunFault> skippedFault(const PlanRun& run) {
     }
     fault.exitCode = apply_code::refused;
     fault.what = "not every controller would be configured";
+    fault.code = run_problem::controllersSkipped;
     fault.help = {"leave it out with --controller N, or let it pass with --allow-skipped"};
     return fault;
 }
 
 RunFault interruptedEarly() {
-    return {apply_code::refused, "interrupted: nothing was changed", {}, {}};
+    return {apply_code::refused,
+            "interrupted: nothing was changed",
+            {},
+            {},
+            std::string(run_problem::runInterrupted)};
 }
 
 bool isInterrupted(PlanRun& run) {
@@ -77,10 +85,14 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot) {
     try {
         snapshot = run.capture(CapturePurpose::guard);
     } catch (const NoSuchController& missing) {
+        if (missing.count() == 0) {
+            return captureFault(Snapshot());
+        }
         return RunFault{apply_code::refused,
                         "this is another machine than the one planned for",
                         {missing.what()},
-                        {planAgainHelp(run.plan)}};
+                        {planAgainHelp(run.plan)},
+                        std::string(run_problem::anotherMachine)};
     }
     if (isInterrupted(run)) {
         return interruptedEarly();
@@ -120,7 +132,8 @@ RunFault noJournal(const PlanRun& run) {
             "the journal " + printable(run.terms.journalFile) +
                 " cannot be written: nothing was changed",
             {},
-            {"make room for it, or name another place: --journal FILE"}};
+            {"make room for it, or name another place: --journal FILE"},
+            std::string(run_problem::journalNotWritten)};
 }
 
 ApplyEnd apply(PlanRun& run) {
@@ -136,7 +149,8 @@ ApplyEnd apply(PlanRun& run) {
              "a utility of an interrupted run is still running (pid " + std::to_string(pid) + ")",
              {},
              {"wait until it has ended, or go on with that run: zolexctl apply "
-              "--resume JOURNAL"}});
+              "--resume JOURNAL"},
+             std::string(run_problem::anotherRun)});
     }
     if (isInterrupted(run)) {
         return run.refuse(interruptedEarly());

@@ -71,6 +71,7 @@ struct ApplyEnd {
     std::vector<ControllerResult> results;
     /// One sentence, and what can be typed next; of every other code than 0.
     std::string what;
+    std::string code; ///< of that, "ZA101"; empty: none is known
     std::vector<std::string> help;
     std::vector<std::string> details; ///< lines below `what`: differences, the utility's words
     bool changedSomething = false;    ///< a command that changes was started, in this run or before

@@ -1,6 +1,7 @@
 #include "companion/execution/Guard.h"
 
 #include "companion/execution/ApplyCodes.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
@@ -254,7 +255,8 @@ std::optional<RunFault> captureFault(const Snapshot& snapshot) {
         return RunFault{apply_code::notPossible,
                         "no supported RAID controller was found",
                         {},
-                        {"zolexctl doctor tells what is there"}};
+                        {"zolexctl doctor tells what is there"},
+                        std::string(run_problem::machineNotRead)};
     }
     Lines lines;
     for (const ControllerSnapshot& controller : snapshot.details) {
@@ -275,7 +277,8 @@ std::optional<RunFault> captureFault(const Snapshot& snapshot) {
     return RunFault{apply_code::notPossible,
                     "the machine could not be captured",
                     std::move(lines),
-                    {"zolexctl doctor tells whether the utilities are there and are read"}};
+                    {"zolexctl doctor tells whether the utilities are there and are read"},
+                    std::string(run_problem::machineNotRead)};
 }
 
 std::optional<RunFault> identityFault(const Snapshot& snapshot, const MachinePlan& plan) {
@@ -284,14 +287,16 @@ std::optional<RunFault> identityFault(const Snapshot& snapshot, const MachinePla
         return RunFault{apply_code::refused,
                         "this is another machine than the one planned for",
                         identityLines(plan.fingerprint, found),
-                        {planAgainHelp(plan)}};
+                        {planAgainHelp(plan)},
+                        std::string(run_problem::anotherMachine)};
     }
     Lines lines = linesOfFindings(snapshot, isOtherwiseNumbered);
     if (!lines.empty()) {
         return RunFault{apply_code::refused,
                         "it is not sure which controller a command would reach",
                         std::move(lines),
-                        {"zolexctl doctor tells more"}};
+                        {"zolexctl doctor tells more"},
+                        std::string(run_problem::anotherMachine)};
     }
     return std::nullopt;
 }
@@ -324,7 +329,8 @@ std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& 
     return RunFault{apply_code::refused,
                     "the machine has changed since it was planned for",
                     std::move(changed),
-                    {planAgainHelp(plan)}};
+                    {planAgainHelp(plan)},
+                    std::string(run_problem::machineChanged)};
 }
 
 std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
@@ -343,7 +349,8 @@ std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan&
     return RunFault{apply_code::refused,
                     "drives are not those that were planned for",
                     std::move(lines),
-                    {planAgainHelp(plan)}};
+                    {planAgainHelp(plan)},
+                    std::string(run_problem::machineChanged)};
 }
 
 } // namespace zolex::companion

@@ -17,6 +17,7 @@ struct RunFault {
     std::string what;
     std::vector<std::string> details;
     std::vector<std::string> help;
+    std::string code{}; ///< "ZA101"
 };
 
 /// The numbers of the plan's controllers that are asked for.

@@ -2,6 +2,7 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/Foreseen.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
 #include "foundation/FileSystem.h"
@@ -129,7 +130,8 @@ std::optional<RunFault> PlanRun::agree() {
         return RunFault{apply_code::refused,
                         answer.refused.empty() ? "not agreed to" : answer.refused,
                         {},
-                        answer.help};
+                        answer.help,
+                        std::string(run_problem::lossNotAgreed)};
     }
     agreed_ = JournalAgreed{consentCode(plan.fingerprint.identity, losses), answer.how,
                             system.userName()};
@@ -192,12 +194,15 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
 RunFault PlanRun::journalFault() const {
     RunFault fault;
     fault.exitCode = changedSomething ? apply_code::stopped : apply_code::notPossible;
+    fault.code = run_problem::journalNotWritten;
     fault.what = "the journal " + printable(terms.journalFile) +
                  " cannot be written: nothing more is started";
     if (!changedSomething) {
         fault.details.emplace_back("nothing was changed");
     }
-    fault.help.emplace_back("make room for it, or name another place: --journal FILE");
+    fault.help.push_back(changedSomething
+                             ? "make room for it; then " + resumeHelp("goes on")
+                             : "make room for it, or name another place: --journal FILE");
     return fault;
 }
 
@@ -206,7 +211,8 @@ RunFault PlanRun::interruptedFault(const PlanStep& step) const {
             "interrupted before " + stepName(step, totalSteps_) +
                 (changedSomething ? "" : ": nothing was changed"),
             {},
-            {}};
+            {},
+            std::string(run_problem::runInterrupted)};
 }
 
 void PlanRun::stopRun(RunFault fault) {
@@ -254,15 +260,15 @@ bool PlanRun::runStep(ControllerProgress& progress) {
                 identity = child->identity();
                 locks_.note(identity);
             });
-            write(JournalChild{step.step, identity, outputFile()});
+            guarded([&] { write(JournalChild{step.step, identity, outputFile()}); });
             result = follow(step, *child, identity, begin);
         }
     }
     const milliseconds duration = system.elapsed() - begin;
-    const bool isAccepted = noteEnd(step, result, duration);
     if (hasEnded(result)) {
         guarded([&] { locks_.note({}); });
     }
+    const bool isAccepted = noteEnd(step, result, duration);
     if (isAccepted) {
         ++progress.next;
         return true;
@@ -386,11 +392,13 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
     std::string why;
     if (hasEnded(result)) {
         why = "exit code " + std::to_string(result.exitCode);
+        fault.code = run_problem::runStepRefused;
         fault.what = name + " was refused (" + why + "): " + printable(step.summary);
         tellNow(progress, fault);
     } else if (wasStarted(result)) {
         const std::string seconds = std::to_string(terms.stepLimit.count()) + " s";
         why = "it has not ended within " + seconds;
+        fault.code = run_problem::runStepNotEnded;
         fault.what = name + " has not ended within " + seconds + ": " +
                      utilityText(progress.planning->controller.utility, child) +
                      " is still running";
@@ -398,6 +406,7 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
         fault.help.push_back(resumeHelp("waits for it and goes on"));
     } else {
         why = "its command could not be started";
+        fault.code = run_problem::runStepNotStarted;
         fault.what = name + " could not be started: " + printable(step.summary);
         if (!startFault.empty()) {
             fault.details.push_back(printable(startFault));
@@ -445,6 +454,7 @@ bool PlanRun::check(ControllerProgress& progress) {
         RunFault fault = captureFault(snapshot).value_or(RunFault());
         fault.exitCode = apply_code::different;
         fault.what = "what stands " + where + " could not be captured";
+        fault.code = run_problem::endNotRead;
         fault.help = {resumeHelp("looks again and goes on"), planAgainHelp(plan)};
         progress.failedStep = planning.steps[progress.next - 1].step;
         failController(progress, "what stands could not be captured", std::move(fault));
@@ -473,6 +483,7 @@ void PlanRun::tellDifferent(ControllerProgress& progress, const Comparison& comp
     fault.exitCode = apply_code::different;
     fault.what = "what stands on controller " + std::to_string(planning.controller.number) + " " +
                  where + " is not what was planned";
+    fault.code = run_problem::endsDifferent;
     for (const Difference& difference : comparison.differences) {
         fault.details.push_back(differenceText(difference));
     }
@@ -504,10 +515,12 @@ void PlanRun::verify() {
     if (fault && system.interruption() != Interruption::none) {
         fault->exitCode = apply_code::stopped;
         fault->what = "interrupted while what stands was verified";
+        fault->code = run_problem::runInterrupted;
         fault->help = {resumeHelp("verifies it")};
     } else if (fault) {
         fault->exitCode = apply_code::different;
         fault->what = "what stands could not be verified: " + fault->what;
+        fault->code = run_problem::endNotRead;
         fault->help = {resumeHelp("verifies it again")};
     }
     if (fault) {
@@ -624,6 +637,7 @@ ApplyEnd PlanRun::endOf(RunFault fault) {
     ApplyEnd end;
     end.exitCode = fault.exitCode;
     end.what = std::move(fault.what);
+    end.code = std::move(fault.code);
     end.details = std::move(fault.details);
     end.help = std::move(fault.help);
     end.results = results();
@@ -674,7 +688,7 @@ ApplyEnd PlanRun::stop(RunFault fault) {
         fault.exitCode = apply_code::stopped;
         fault.what = "all steps are done and verified, but the journal " +
                      printable(terms.journalFile) + " cannot be written";
-        fault.help.push_back(resumeHelp("verifies it again"));
+        fault.help = {"make room for it; then " + resumeHelp("verifies it again")};
     }
     return endOf(std::move(fault));
 }
@@ -720,7 +734,8 @@ std::optional<RunFault> PlanRun::waitForOld(const PlanStep& step, const std::str
                             "interrupted while " + utilityText(utility, child) +
                                 " of the interrupted run is still running",
                             {},
-                            {resumeHelp("waits for it and goes on")}};
+                            {resumeHelp("waits for it and goes on")},
+                            std::string(run_problem::runInterrupted)};
         }
         if (since >= milliseconds(terms.stepLimit)) {
             return RunFault{code,
@@ -728,7 +743,8 @@ std::optional<RunFault> PlanRun::waitForOld(const PlanStep& step, const std::str
                                 " of the interrupted run is still running after " +
                                 std::to_string(terms.stepLimit.count()) + " s",
                             {"it goes on by itself; what it does is not known yet"},
-                            {resumeHelp("waits for it and goes on")}};
+                            {resumeHelp("waits for it and goes on")},
+                            std::string(run_problem::runStepNotEnded)};
         }
         if (since >= nextLine) {
             listener.stillWaiting(step, child, since);

@@ -5,6 +5,7 @@
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/PlanRun.h"
 #include "companion/execution/ResumeDecision.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/text/Terminal.h"
 
 #include <algorithm>
@@ -128,6 +129,16 @@ class Resumption {
     }
 
     ApplyEnd resume() {
+        if (const JournalEnd* const end = history_.end();
+            end != nullptr && end->exitCode == apply_code::done) {
+            ApplyEnd refused = run_.refuse(
+                {apply_code::refused,
+                 "this run ended as planned, at " + printable(history_.entries.back().at),
+                 {},
+                 {planAgainHelp(run_.plan)}});
+            refused.results = end->results;
+            return refused;
+        }
         if (std::optional<RunFault> fault = prepare()) {
             return run_.refuse(std::move(*fault));
         }
@@ -169,7 +180,8 @@ class Resumption {
             return RunFault{apply_code::refused,
                             "this is another machine than the one planned for",
                             {missing.what()},
-                            {planAgainHelp(run_.plan)}};
+                            {planAgainHelp(run_.plan)},
+                            std::string(run_problem::anotherMachine)};
         }
         if (std::optional<RunFault> fault = identityFault(snapshot_, run_.plan)) {
             return fault;
@@ -178,23 +190,20 @@ class Resumption {
     }
 
     [[nodiscard]] std::optional<RunFault> historyFault() const {
-        const JournalEnd* const end = history_.end();
-        if (end != nullptr && end->exitCode == apply_code::done) {
-            return RunFault{apply_code::refused,
-                            "this run ended as planned, at " +
-                                printable(history_.entries.back().at),
-                            {},
-                            {planAgainHelp(run_.plan)}};
-        }
         const JournalBegin& begin = history_.begin();
         if (begin.planHash != run_.terms.planHash || begin.planId != run_.plan.id) {
             return RunFault{apply_code::refused,
                             "the journal is of another plan than the file has now",
-                            {"the journal is of " + printable(begin.planId) + ", the file has " +
-                             printable(run_.plan.id)},
-                            {"name the plan that was begun, or plan again"}};
+                            {"the journal is of " + planText(begin.planId, begin.planHash),
+                             "the file has " + planText(run_.plan.id, run_.terms.planHash)},
+                            {"name the plan that was begun, or plan again"},
+                            std::string(run_problem::anotherPlan)};
         }
         return std::nullopt;
+    }
+
+    static std::string planText(const std::string& id, const std::string& hash) {
+        return printable(id) + ", SHA-256 " + printable(hash);
     }
 
     std::optional<RunFault> waitForChildren() {
@@ -206,8 +215,19 @@ class Resumption {
                 }
             }
         }
-        // One that is not in the journal.
-        std::optional<RunFault> fault = run_.waitForOld(PlanStep(), "", run_.locks().oldChild());
+        // One that is not in the journal any more, or not yet.
+        PlanStep step;
+        std::string utility;
+        for (const ControllerProgress& progress : run_.controllers) {
+            for (const PlanStep& each : progress.planning->steps) {
+                if (steps_.of(each).last == LastEvent::started) {
+                    step = each;
+                    utility = progress.planning->controller.utility;
+                }
+            }
+        }
+        const ProcessIdentity other = run_.locks().oldChild();
+        std::optional<RunFault> fault = run_.waitForOld(step, utility, other);
         if (!fault) {
             run_.locks().note({});
         }
@@ -227,7 +247,8 @@ class Resumption {
                 return RunFault{run_.changedSomething ? apply_code::stopped : apply_code::refused,
                                 "interrupted before anything more was done",
                                 {},
-                                {run_.resumeHelp("goes on")}};
+                                {run_.resumeHelp("goes on")},
+                                std::string(run_problem::runInterrupted)};
             }
             if (std::optional<RunFault> fault = captureFault(snapshot_)) {
                 return fault;
@@ -242,7 +263,8 @@ class Resumption {
                         "the controller is still at work: what stands changes from one look to "
                         "the next",
                         {},
-                        {run_.resumeHelp("looks again")}};
+                        {run_.resumeHelp("looks again")},
+                        std::string(run_problem::notAtRest)};
     }
 
     [[nodiscard]] RunFault noJournal() const {
@@ -335,29 +357,33 @@ class Resumption {
         const std::string name = "controller " + std::to_string(planning.controller.number);
         RunFault fault;
         fault.exitCode = apply_code::stopped;
+        fault.code = run_problem::standsElsewhere;
         fault.what =
             at.last == LastEvent::done ? "something else has changed " + name + " since " + step
             : at.last == LastEvent::none
                 ? "something else has changed " + name + " since it was planned for"
                 : "what stands on " + name + " is foreseen neither before nor after " + step;
-        tellNearest(planning, found.facts, fault);
+        tellNearest(planning, found.facts, progress.next, fault);
         fault.help = {planAgainHelp(run_.plan)};
         progress.failedStep = at.last == LastEvent::none ? 0 : planning.steps[k].step;
         run_.failController(progress, "what stands is not what the plan foresaw there",
                             std::move(fault));
     }
 
+    /// `expected`: behind how many steps the run is to be.
     static void tellNearest(const ControllerPlanning& planning, const Facts& facts,
-                            RunFault& fault) {
+                            std::size_t expected, RunFault& fault) {
         const Layout found = capturedLayout(facts);
-        std::size_t nearest = 0;
-        std::vector<Difference> fewest;
+        const auto differencesAt = [&](std::size_t steps) {
+            return compareLayouts(facts, found, layoutAfterSteps(planning, steps),
+                                  {planning.controller.utility})
+                .differences;
+        };
+        std::size_t nearest = expected;
+        std::vector<Difference> fewest = differencesAt(expected);
         for (std::size_t i = 0; i <= planning.steps.size(); ++i) {
-            std::vector<Difference> differences =
-                compareLayouts(facts, found, layoutAfterSteps(planning, i),
-                               {planning.controller.utility})
-                    .differences;
-            if (i == 0 || differences.size() < fewest.size()) {
+            std::vector<Difference> differences = differencesAt(i);
+            if (differences.size() < fewest.size()) {
                 nearest = i;
                 fewest = std::move(differences);
             }

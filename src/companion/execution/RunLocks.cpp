@@ -1,6 +1,7 @@
 #include "companion/execution/RunLocks.h"
 
 #include "companion/execution/ApplyCodes.h"
+#include "companion/execution/RunCodes.h"
 #include "companion/machine/System.h"
 #include "companion/text/Terminal.h"
 
@@ -36,13 +37,15 @@ std::optional<RunFault> RunLocks::takeOne(ExecutionSystem& system, const std::st
         return RunFault{apply_code::notPossible,
                         printable(name) + " cannot be locked: " + printable(answer.fault),
                         {},
-                        {"make its folder writable; nothing was changed"}};
+                        {"make its folder writable; nothing was changed"},
+                        std::string(run_problem::journalNotWritten)};
     }
     if (!answer.lock) {
         return RunFault{apply_code::refused,
                         "another run is under way on this machine (" + holder + ")",
                         {"it holds " + printable(name)},
-                        {"wait until it has ended; nothing was changed"}};
+                        {"wait until it has ended; nothing was changed"},
+                        std::string(run_problem::anotherRun)};
     }
     locks_.push_back(std::move(answer.lock));
     if (answer.child.pid != 0 && system.isRunning(answer.child)) {

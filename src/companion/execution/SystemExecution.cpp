@@ -4,6 +4,7 @@
 #include "companion/machine/ProgramStart.h"
 #include "companion/machine/System.h"
 #include "companion/machine/Utilities.h"
+#include "companion/text/OutputFile.h"
 #include "companion/text/Timestamp.h"
 
 #include <algorithm>
@@ -23,7 +24,8 @@ class SystemExecution : public ExecutionSystem {
     std::unique_ptr<StartedChild> start(std::string_view commandLine,
                                         const std::string& output) override {
         const auto line = commandLineOf(utilities_.argumentsOf(commandLine), systemSplitting());
-        return parts::startProgram(line.value_or(std::string()), output, interruptions_);
+        return parts::startProgram(line.value_or(std::string()), output_file::systemName(output),
+                                   interruptions_);
     }
 
     ProcessIdentity ownProcess() override { return parts::ownProcess(); }
@@ -33,14 +35,16 @@ class SystemExecution : public ExecutionSystem {
     std::chrono::milliseconds elapsed() override { return system::elapsed(); }
     std::string timestamp() override { return timestampOf(system_.localTime()); }
     std::string userName() override { return parts::userName(); }
-    LockAnswer lock(const std::string& name) override { return parts::takeLock(name); }
+    LockAnswer lock(const std::string& name) override {
+        return parts::takeLock(output_file::systemName(name));
+    }
 
     std::unique_ptr<DurableFile> makeDurable(const std::string& name) override {
-        return parts::makeDurable(name);
+        return parts::makeDurable(output_file::systemName(name));
     }
     std::unique_ptr<DurableFile> reopenDurable(const std::string& name,
                                                std::uint64_t keep) override {
-        return parts::reopenDurable(name, keep);
+        return parts::reopenDurable(output_file::systemName(name), keep);
     }
 
     std::string commonFolder() override {
@@ -50,7 +54,9 @@ class SystemExecution : public ExecutionSystem {
         return folder;
     }
 
-    bool isLostAtRestart(const std::string& file) override { return parts::isLostAtRestart(file); }
+    bool isLostAtRestart(const std::string& file) override {
+        return parts::isLostAtRestart(output_file::systemName(file));
+    }
 
   private:
     Platform& system_;

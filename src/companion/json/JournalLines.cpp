@@ -136,7 +136,8 @@ struct EventWriter {
             event.outcome == ChildOutcome::ended ? Json(event.exitCode) : Json(nullptr);
         line["accepted"] = event.accepted;
         line["duration_ms"] = bounded(event.durationMs);
-        line["output_bytes"] = bounded(event.outputBytes);
+        line["output_bytes"] =
+            bounded(std::max<std::uint64_t>(event.outputBytes, event.output.size()));
         addBytes(line, "output", std::string_view(event.output).substr(0, mostJournalOutput));
     }
     void operator()(const JournalStepFoundDone& event) const {

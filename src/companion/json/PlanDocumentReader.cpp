@@ -318,6 +318,11 @@ void readDocument(const Part& document, PlanReading& reading) {
     plan.oldCommand.wouldRun = old.texts("would_run", mostPlanLines);
     plan.oldCommand.differences = old.texts("differences", mostPlanLines);
     plan.accepted = document.words("accepted", mostPlanLines);
+    if (!plan.policiesFile.empty() && !plan.policiesFile.starts_with('<')) {
+        PlanRequest again;
+        again.policiesFile = plan.policiesFile;
+        plan.command = planCommand(again, plan.accepted);
+    }
     plan.coreMessages = document.texts("core_messages", mostPlanLines);
     checkPlan(plan, document);
     reading.plan = std::move(plan);

@@ -550,7 +550,7 @@ NoSuchController::NoSuchController(std::int32_t number, std::size_t count)
                          (count == 0   ? ": this machine has none"
                           : count == 1 ? ": this machine has one, number 1"
                                        : ": this machine has " + std::to_string(count))),
-      number_(number) {}
+      number_(number), count_(count) {}
 
 bool Snapshot::isComplete() const {
     return std::none_of(details.begin(), details.end(),

@@ -5,6 +5,7 @@
 #include "platform/Platform.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
@@ -32,9 +33,12 @@ class NoSuchController : public std::runtime_error {
   public:
     NoSuchController(std::int32_t number, std::size_t count);
     [[nodiscard]] std::int32_t number() const { return number_; }
+    /// How many controllers the machine has.
+    [[nodiscard]] std::size_t count() const { return count_; }
 
   private:
     std::int32_t number_;
+    std::size_t count_;
 };
 
 /// Looks at the machine: its names, its controllers, and of each one asked for the listings with

@@ -46,7 +46,8 @@ class CertificateWriter {
     void field(std::string_view name, const std::string& text,
                Emphasis emphasis = Emphasis::plain) {
         if (!text.empty()) {
-            out_ += std::string(name) + std::string(headIndent - std::min(name.size(), headIndent - 1), ' ') +
+            out_ += std::string(name) +
+                    std::string(headIndent - std::min(name.size(), headIndent - 1), ' ') +
                     emphasized(foldedWords(text, headIndent, headIndent,
                                            static_cast<std::size_t>(style_.width)),
                                emphasis, style_) +
@@ -122,14 +123,16 @@ class CertificateWriter {
                 LogicalDriveFacts facts;
                 facts.raidType = volume.raidType;
                 facts.spans = group.spans;
-                lines.push_back(
-                    {2,
-                     {{"LD " + printable(volume.id), Emphasis::bold},
-                      {printable(levelOf(facts))},
-                      {sizeText(volume.capacityBytes), Emphasis::plain, true},
-                      {printable(joined(locationRanges(group.drives())))},
-                      {settingsText(volume.writeCache, volume.readCache, volume.stripSizeBytes),
-                       Emphasis::dim}}});
+                lines.push_back({2,
+                                 {{"LD " + printable(volume.id), Emphasis::bold},
+                                  {printable(levelOf(facts))},
+                                  {sizeText(volume.capacityBytes), Emphasis::plain, true},
+                                  {printable(joined(locationRanges(group.drives())))}}});
+                const std::string settings =
+                    settingsText(volume.writeCache, volume.readCache, volume.stripSizeBytes);
+                if (!settings.empty()) {
+                    lines.push_back({6, {{settings, Emphasis::dim}}});
+                }
             }
         }
         for (const LayoutSpare& spare : layout.spares) {

@@ -211,6 +211,13 @@ class ControllerDiffWriter {
         }
     }
 
+    /// "Logical.1"; "LD 1" of one that a utility has numbered.
+    static std::string logicalDriveName(const Difference& difference) {
+        const bool isNumber =
+            difference.logicalDrive.find_first_not_of("0123456789") == std::string::npos;
+        return (isNumber ? "LD " : "") + printable(difference.logicalDrive);
+    }
+
     /// "- Logical.1  missing  32:0 32:1  RAID1 fill, strip 64 KB".
     static FieldLine missingLine(const Difference& difference) {
         const bool isSpare = difference.logicalDrive.empty();
@@ -224,12 +231,11 @@ class ControllerDiffWriter {
         const std::string where = isSpare                      ? difference.location
                                   : colon == std::string::npos ? ""
                                                                : wanted.substr(colon + 2);
-        return {
-            2,
-            {{"- " + (isSpare ? "spare" : printable(difference.logicalDrive)), Emphasis::changed},
-             {"missing", Emphasis::changed},
-             {printable(where)},
-             {printable(what)}}};
+        return {2,
+                {{"- " + (isSpare ? "spare" : logicalDriveName(difference)), Emphasis::changed},
+                 {"missing", Emphasis::changed},
+                 {printable(where)},
+                 {printable(what)}}};
     }
 
     /// Differences of what is not there, and of drives.
@@ -245,12 +251,9 @@ class ControllerDiffWriter {
                 continue;
             }
             const std::string sign = difference.attribute == "surplus" ? "+ " : "~ ";
-            std::string name = difference.logicalDrive.empty() ? printable(difference.location)
-                                                               : printable(difference.logicalDrive);
-            if (!difference.logicalDrive.empty() &&
-                difference.logicalDrive.find_first_not_of("0123456789") == std::string::npos) {
-                name.insert(0, "LD ");
-            }
+            const std::string name = difference.logicalDrive.empty()
+                                         ? printable(difference.location)
+                                         : logicalDriveName(difference);
             FieldLine line = attributeLine(difference, sign + name);
             line.indent = 2;
             line.fields.insert(line.fields.begin() + 1,

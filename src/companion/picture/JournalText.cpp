@@ -330,12 +330,7 @@ class JournalWriter {
         out_ += "\n";
         std::vector<FieldLine> lines;
         const JournalEnd* const end = journal_.end();
-        for (std::int32_t step = 1; step <= begin_.steps; ++step) {
-            const auto found = steps_.find(step);
-            if (found == steps_.end()) {
-                continue;
-            }
-            const StepState& state = found->second;
+        for (const auto& [step, state] : steps_) {
             const std::string sign = state.isDone ? "+ " : state.hasFailed ? "x " : "? ";
             const std::string what = state.isDone      ? "done"
                                      : state.hasFailed ? "failed"
@@ -345,8 +340,8 @@ class JournalWriter {
                  {{sign + "step " + std::to_string(step), state.isDone      ? Emphasis::good
                                                           : state.hasFailed ? Emphasis::bad
                                                                             : Emphasis::warning},
-                  {isNamed(step) ? summaryOf(step) : printable(state.command)},
-                  {what}}});
+                  {what},
+                  {isNamed(step) ? summaryOf(step) : printable(state.command)}}});
         }
         const std::size_t begun = lines.size();
         const auto all = static_cast<std::size_t>(begin_.steps);
@@ -383,9 +378,7 @@ class JournalWriter {
             help(resume + " when the cause is mended");
             help(planCommand() + " plans from what is there");
         } else if (end->exitCode == different) {
-            tell("Every step was done, and what stands is not what was planned, or could not be "
-                 "looked at.",
-                 Emphasis::bad);
+            tell("What stands is not what was planned, or could not be looked at.", Emphasis::bad);
             help("zolexctl show shows what is there");
             help(planCommand() + " plans from it");
         } else {

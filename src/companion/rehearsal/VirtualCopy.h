@@ -39,6 +39,8 @@ class VirtualCopy {
     /// the utility itself, and its options.
     PlayedLine play(const std::vector<std::string>& argv);
 
+    /// The controller of the virtual server, as it stands.
+    [[nodiscard]] const zolex_sim::Controller& controller() const { return copy(); }
     [[nodiscard]] CopyState state() const;
     void restore(const CopyState& state);
     /// The location of a dedicated hot spare that stands while fewer arrays do than before: of a

@@ -24,11 +24,11 @@ class DefaultChildSignal {
 };
 
 /// Starts a command line without standard input, its output and errors on the descriptor `output`,
-/// or on nothing when that is -1; nothing, and errno, when it cannot be started. The command line is split into
-/// arguments and the program looked up; a file that is neither a binary nor begins with "#!" is run
-/// by /bin/sh. A child that is apart leads a session of its own, which has no terminal, so that
-/// what ends this process does not reach it; all signals have their default action there, and none
-/// is blocked.
+/// or on nothing when that is -1; nothing, and errno, when it cannot be started. The command line
+/// is split into arguments and the program looked up; a file that is neither a binary nor begins
+/// with "#!" is run by /bin/sh. A child that is apart leads a session of its own, which has no
+/// terminal, so that what ends this process does not reach it; all signals have their default
+/// action there, and none is blocked.
 [[nodiscard]] std::optional<pid_t> startChild(std::string_view commandLine, int output,
                                               bool isApart = false);
 

@@ -290,7 +290,7 @@ TEST_F(ApplyTest, KeepsALog) {
     const std::string log = files()["apply.log"];
     EXPECT_TRUE(log.starts_with("before\n")) << log;
     for (const char* const line :
-         {" zolexctl " ZOLEX_VERSION ": zolexctl apply plan.json\n", " machine 8837 KQ10Z7V\n",
+         {": zolexctl apply plan.json\n", " machine 8837 KQ10Z7V\n",
           " step 1 of 3, controller 1, create A: RAID1 on 32:0 32:1: UTIL.BAT MEGACLI -CfgLdAdd R1 "
           "[ 32:0,32:1 ] WB ADRA -strpsz 64 -a0\n",
           " step 1 of 3: pid 4711\n", " step 1 of 3: exit 0, accepted, 0.700 s, ",

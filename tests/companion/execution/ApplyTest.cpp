@@ -65,11 +65,21 @@ class Apply : public testing::Test {
 TEST_F(Apply, BlankServer) {
     planTwoArrays();
     const ApplyEnd end = bench_.apply();
-    EXPECT_EQ(endLines(end), (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(endLines(end), (Lines{"0: ", "controller 1: configured"}));
+    EXPECT_EQ(
+        bench_.events(),
+        (Lines{"begin", "captured guard", "step-started 1", "child 1", "step-ended 1 accepted",
+               "step-started 2", "child 2", "step-ended 2 accepted", "step-started 3", "child 3",
+               "step-ended 3 accepted", "captured verify", "verified as-planned", "end 0"}));
     EXPECT_EQ(bench_.listener.log, Lines{"as planned for"});
     EXPECT_EQ(bench_.system.started, test::commandsOf(bench_.plan));
-    EXPECT_EQ(bench_.layout(), (Lines{"?"}));
+    EXPECT_EQ(
+        bench_.layout(),
+        (Lines{
+            "controller 1: RAID1 fill, strip 64 KB, write-through, adaptive read-ahead: 32:0 32:1",
+            "controller 1: RAID5 fill, strip 64 KB, write-through, adaptive read-ahead: 32:2 32:3 "
+            "32:4",
+            "controller 1: hot spare: 32:5"}));
     EXPECT_TRUE(end.changedSomething);
     EXPECT_TRUE(end.isVerified);
     EXPECT_TRUE(bench_.system.locks.empty());
@@ -132,22 +142,36 @@ TEST_F(Apply, EventsTellAll) {
 TEST_F(Apply, LossesAreAskedFor) {
     planOverTwoArrays();
     bench_.listener.answer = {false, "", "the code is for another list", {"type the other one"}};
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.listener.log, (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the code is for another list", "help: type the other one",
+                     "controller 1: failed step 0 of 4: not begun"}));
+    EXPECT_EQ(bench_.listener.log, (Lines{"as planned for", "asked: 2"}));
     expectUntouched();
 }
 
 TEST_F(Apply, OfAnotherMachine) {
     planOverTwoArrays();
     bench_.server.platform.server.serialNumber = "KQ99999";
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: this is another machine than the one planned for",
+                     "  planned for: machine 8837, serial number KQ10Z7V",
+                     "  this one is: machine 8837, serial number KQ99999",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, OfAnotherController) {
     planOverTwoArrays();
     controller().identity.serialNumber = "99";
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"3: this is another machine than the one planned for",
+               "  planned for: controller 1, LSI-MegaRAID-8480 at 0000:02:0e.0, serial number "
+               "1122334455",
+               "  this one is: controller 1, LSI-MegaRAID-8480 at 0000:02:0e.0, serial number 99",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
@@ -155,35 +179,59 @@ TEST_F(Apply, OfAMachineWithMoreControllers) {
     ApplyBench two("two-controllers");
     two.makePlan(onePolicy);
     bench_.plan = two.plan;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: this is another machine than the one planned for",
+                     "  there is no controller 2: this machine has one, number 1",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 2: not begun",
+                     "controller 2: failed step 0 of 2: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, DriveSwapped) {
     planOverTwoArrays();
     controller().drives.at(3).serial = "SWAPPED1";
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: drive 32:3: serial number SWAPPED1 in the place of serial "
+                     "number 3LQ2A003",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, DriveFailed) {
     planOverTwoArrays();
     controller().drives.at(6).status = zolex_sim::DriveStatus::failed;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: drive 32:6 is failed (Failed), it was good",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, LogicalDriveMade) {
     planTwoArrays();
     bench_.server.platform.play("UTIL.BAT MEGACLI -CfgLdAdd R0 [ 32:7 ] -a0");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: there now: LD 0, RAID0 fill, strip 64 KB, write-through, no "
+                     "read-ahead: 32:7",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 3: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, LogicalDriveGone) {
     planOverTwoArrays();
     bench_.server.platform.play("UTIL.BAT MEGACLI -CfgLdDel -L1 -a0");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: no longer there: LD 1, RAID5 fill, strip 64 KB, "
+                     "write-through, adaptive read-ahead: 32:2 32:3 32:4",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
@@ -192,7 +240,12 @@ TEST_F(Apply, SpareMoved) {
     for (const char* line : {"-Rmv -PhysDrv[32:5]", "{ -Set } -PhysDrv[ 32:6 ]"}) {
         bench_.server.platform.play(std::string("UTIL.BAT MEGACLI -PDHSP ") + line + " -a0");
     }
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: no longer there: hot spare: 32:5",
+                     "  controller 1: there now: hot spare: 32:6",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
@@ -201,7 +254,9 @@ TEST_F(Apply, FirmwareReplaced) {
     controller().identity.firmware = "9.9.9";
     const ApplyEnd end = bench_.apply();
     EXPECT_EQ(end.exitCode, 0);
-    EXPECT_EQ(bench_.listener.log, (Lines{"?"}));
+    EXPECT_EQ(bench_.listener.log,
+              (Lines{"warning: controller 1: its firmware is 9.9.9, it was 1.11.50-0300",
+                     "as planned for", "asked: 2"}));
 }
 
 TEST_F(Apply, Twice) {
@@ -210,7 +265,18 @@ TEST_F(Apply, Twice) {
     bench_.disk = {};
     bench_.system.started.clear();
     bench_.server.platform.children.clear();
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: no longer there: LD 0, RAID1 fill, strip 64 KB, "
+                     "write-through, adaptive read-ahead: 32:0 32:1",
+                     "  controller 1: no longer there: LD 1, RAID5 fill, strip 64 KB, "
+                     "write-through, adaptive read-ahead: 32:2 32:3 32:4",
+                     "  controller 1: there now: LD 0, RAID5 fill, strip 64 KB, write-through, "
+                     "adaptive read-ahead: 32:0 32:1 32:2",
+                     "  controller 1: there now: LD 1, RAID1 fill, strip 64 KB, write-through, "
+                     "adaptive read-ahead: 32:3 32:4",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
     bench_.makePlan(otherArrays);
     bench_.listener.log.clear();
@@ -221,7 +287,11 @@ TEST_F(Apply, Twice) {
 
 TEST_F(Apply, PlanThatIsRefused) {
     bench_.makePlan("[Policy.a]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\nArray.A = 1,99\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: the plan cannot be carried out as it stands",
+                     "  controller 1: there is no drive 99 among 8",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 0: there is no drive 99 among 8"}));
     expectUntouched();
     EXPECT_EQ(bench_.server.platform.children, Lines{});
 }
@@ -229,7 +299,9 @@ TEST_F(Apply, PlanThatIsRefused) {
 TEST_F(Apply, ControllerThatThePlanLacks) {
     planTwoArrays();
     bench_.terms.controllers = {2};
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: the plan has no controller 2",
+                     "help: zolexctl plan site.ini plans from what is there"}));
     expectUntouched();
 }
 
@@ -248,22 +320,45 @@ TEST_F(Apply, NothingTellsTheMachine) {
 TEST_F(Apply, CaptureFails) {
     planOverTwoArrays();
     refuseLines("-pdList", 1, "no adapter\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: the machine could not be captured",
+                     "  controller 1: UTIL.BAT MEGACLI -pdList -a0 ended with exit code 1 [ZP104]",
+                     "help: zolexctl doctor tells whether the utilities are there and are read",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, ListingIsAnErrorText) {
     planOverTwoArrays();
     refuseLines("-pdList", 0, "Error: the driver is gone\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: the machine could not be captured",
+                     "  controller 1: UTIL.BAT MEGACLI -pdList -a0 ended with exit code 0, but "
+                     "printed: Error: the driver is gone [ZP105]",
+                     "help: zolexctl doctor tells whether the utilities are there and are read",
+                     "controller 1: failed step 0 of 4: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, UtilityRefuses) {
     planOverTwoArrays();
     refuseLines("-CfgLdAdd R1", 38, "FW error description:\n  The drive is not free.\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"4: step 4 of 4 was refused (exit code 38): create B: RAID1 on 32:3 32:4",
+               "  UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:3,32:4 ]    ADRA   -strpsz 64  -a0",
+               "  | FW error description:", "  |   The drive is not free.",
+               "  now on controller 1: array A, hot spare 32:5 stand, array B does not; what the "
+               "plan removes is gone",
+               "  remains: step 4: create B: RAID1 on 32:3 32:4",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 4 of 4: exit code 38"}));
+    EXPECT_EQ(bench_.events(),
+              (Lines{"begin", "captured guard", "agreed", "step-started 1", "child 1",
+                     "step-ended 1 accepted", "step-started 2", "child 2", "step-ended 2 accepted",
+                     "step-started 3", "child 3", "step-ended 3 accepted", "step-started 4",
+                     "child 4", "step-ended 4 refused 38", "captured step", "end 4"}));
     EXPECT_TRUE(bench_.system.locks.empty());
     // Its cause is mended.
     bench_.server.platform.server.faults.clear();
@@ -274,9 +369,20 @@ TEST_F(Apply, UtilityRefuses) {
 TEST_F(Apply, UtilityLies) {
     planOverTwoArrays();
     refuseLines("-CfgLdAdd", 0, "Exit Code: 0x26\nThe drive is not free.\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"5: what stands on controller 1 now is not what was planned",
+                     "  Logical.1, missing: planned is RAID5 fill, strip 64 KB, adaptive "
+                     "read-ahead: 32:0 32:1 32:2; found is none",
+                     "  Logical.2, missing: planned is RAID1 fill, strip 64 KB, adaptive "
+                     "read-ahead: 32:3 32:4; found is none",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 4 of 4: what stands is not what was planned"}));
     EXPECT_EQ(bench_.events().back(), "end 5");
-    EXPECT_EQ(bench_.eventsOf<JournalVerified>().at(0).lines, (Lines{"?"}));
+    EXPECT_EQ(bench_.eventsOf<JournalVerified>().at(0).lines,
+              (Lines{"controller 1: Logical.1, missing: planned is RAID5 fill, strip 64 KB, "
+                     "adaptive read-ahead: 32:0 32:1 32:2; found is none",
+                     "controller 1: Logical.2, missing: planned is RAID1 fill, strip 64 KB, "
+                     "adaptive read-ahead: 32:3 32:4; found is none"}));
 }
 
 TEST_F(Apply, UtilityDoesHalf) {
@@ -289,34 +395,99 @@ TEST_F(Apply, UtilityDoesHalf) {
         }
         return bench_.server.platform.play(other);
     };
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"5: what stands on controller 1 now is not what was planned",
+                     "  LD 1, drives: planned is 32:2 32:3 32:4; found is 32:2 32:3",
+                     "  LD 1, raid_type: planned is RAID5; found is RAID0",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 3 of 3: what stands is not what was planned"}));
 }
 
 TEST_F(Apply, Careful) {
     planTwoArrays();
     bench_.terms.careful = true;
     refuseLines("-CfgLdAdd R5", 0, "done\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"5: what stands on controller 1 after step 2 of 3 is not what was planned",
+                     "  Logical.2, missing: planned is RAID5 fill, strip 64 KB, adaptive "
+                     "read-ahead: 32:2 32:3 32:4; found is none",
+                     "  remains: step 3: make 32:5 a spare",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 2 of 3: what stands is not what was planned"}));
+    EXPECT_EQ(bench_.events(),
+              (Lines{"begin", "captured guard", "step-started 1", "child 1",
+                     "step-ended 1 accepted", "captured step", "step-started 2", "child 2",
+                     "step-ended 2 accepted", "captured step", "end 5"}));
 }
 
 TEST_F(Apply, ChildCannotBeStarted) {
     planTwoArrays();
     bench_.system.notStarted = " R5 ";
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"4: step 2 of 3 could not be started: create B: RAID5 on 32:2 32:3 32:4",
+               "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]    ADRA   -strpsz 64  -a0",
+               "  this step has changed nothing",
+               "  remains: step 2: create B: RAID5 on 32:2 32:3 32:4",
+               "  remains: step 3: make 32:5 a spare",
+               "help: zolexctl doctor tells what is missing",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 2 of 3: its command could not be started"}));
     bench_.system.notStarted.clear();
     bench_.system.throwing = " R5 ";
-    EXPECT_EQ(endLines(bench_.resume()), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.resume()),
+        (Lines{"4: step 2 of 3 could not be started: create B: RAID5 on 32:2 32:3 32:4",
+               "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]    ADRA   -strpsz 64  -a0",
+               "  memory ran out", "  this step has changed nothing",
+               "  remains: step 2: create B: RAID5 on 32:2 32:3 32:4",
+               "  remains: step 3: make 32:5 a spare",
+               "help: zolexctl doctor tells what is missing",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 2 of 3: its command could not be started"}));
     bench_.system.throwing.clear();
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(bench_.events(), (Lines{"begin",
+                                      "captured guard",
+                                      "step-started 1",
+                                      "child 1",
+                                      "step-ended 1 accepted",
+                                      "step-started 2",
+                                      "step-ended 2 not started",
+                                      "end 4",
+                                      "captured resume",
+                                      "step-started 2 attempt 2",
+                                      "step-ended 2 not started",
+                                      "end 4",
+                                      "captured resume",
+                                      "step-started 2 attempt 3",
+                                      "child 2",
+                                      "step-ended 2 accepted",
+                                      "step-started 3",
+                                      "child 3",
+                                      "step-ended 3 accepted",
+                                      "captured verify",
+                                      "verified as-planned",
+                                      "end 0"}));
 }
 
 TEST_F(Apply, FirstChildCannotBeStarted) {
     planTwoArrays();
     bench_.system.notStarted = " R1 ";
     const ApplyEnd end = bench_.apply();
-    EXPECT_EQ(endLines(end), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(end),
+        (Lines{"4: step 1 of 3 could not be started: create A: RAID1 on 32:0 32:1",
+               "  UTIL.BAT MEGACLI  -CfgLdAdd R1   [ 32:0,32:1 ]    ADRA   -strpsz 64  -a0",
+               "  this step has changed nothing", "  remains: step 1: create A: RAID1 on 32:0 32:1",
+               "  remains: step 2: create B: RAID5 on 32:2 32:3 32:4",
+               "  remains: step 3: make 32:5 a spare",
+               "help: zolexctl doctor tells what is missing",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 1 of 3: its command could not be started"}));
     EXPECT_FALSE(end.changedSomething);
 }
 
@@ -324,9 +495,22 @@ TEST_F(Apply, LimitIsOver) {
     planTwoArrays();
     bench_.terms.stepLimit = std::chrono::seconds(100);
     bench_.system.hanging = " R5 ";
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.listener.log, (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"4: step 2 of 3 has not ended within 100 s: MEGACLI (pid 4712) is still running",
+               "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4 ]    ADRA   -strpsz 64  -a0",
+               "  it goes on by itself; what it does is not known yet",
+               "  remains: step 2: create B: RAID5 on 32:2 32:3 32:4",
+               "  remains: step 3: make 32:5 a spare",
+               "help: zolexctl apply --resume plan.journal.jsonl waits for it and goes on",
+               "controller 1: failed step 2 of 3: it has not ended within 100 s"}));
+    EXPECT_EQ(bench_.listener.log,
+              (Lines{"as planned for", "still waiting: step 2, pid 4712, 30000 ms",
+                     "still waiting: step 2, pid 4712, 60000 ms",
+                     "still waiting: step 2, pid 4712, 90000 ms"}));
+    EXPECT_EQ(bench_.events(), (Lines{"begin", "captured guard", "step-started 1", "child 1",
+                                      "step-ended 1 accepted", "step-started 2", "child 2",
+                                      "step-ended 2 not seen", "end 4"}));
     // The locks tell of it.
     ASSERT_EQ(bench_.system.locks.size(), 2U);
     for (const auto& [name, lock] : bench_.system.locks) {
@@ -336,18 +520,36 @@ TEST_F(Apply, LimitIsOver) {
     // Nobody else begins beside it.
     bench_.listener.log.clear();
     test::JournalDisk kept = bench_.disk;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: a utility of an interrupted run is still running (pid 4712)",
+                     "help: wait until it has ended, or go on with that run: zolexctl apply "
+                     "--resume JOURNAL",
+                     "controller 1: failed step 0 of 3: not begun"}));
     EXPECT_EQ(endLines(bench_.apply()).front().substr(0, 2), "3:");
     // Going on waits for it, as long again.
     bench_.disk = kept;
     bench_.listener.log.clear();
-    EXPECT_EQ(endLines(bench_.resume()), (Lines{"?"}));
-    EXPECT_EQ(bench_.listener.log, (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.resume()),
+              (Lines{"4: MEGACLI (pid 4712) of the interrupted run is still running after 100 s",
+                     "  it goes on by itself; what it does is not known yet",
+                     "help: zolexctl apply --resume plan.journal.jsonl waits for it and goes on",
+                     "controller 1: failed step 2 of 3: stopped at this step"}));
+    EXPECT_EQ(bench_.listener.log,
+              (Lines{"warning: the lock of a run that is gone (pid 100) is taken over",
+                     "Waiting for MEGACLI (pid 4712) of the interrupted run",
+                     "still waiting: step 2, pid 4712, 30000 ms",
+                     "still waiting: step 2, pid 4712, 60000 ms",
+                     "still waiting: step 2, pid 4712, 90000 ms"}));
     // It comes to its end.
     bench_.system.endHanging();
     bench_.listener.log.clear();
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(
+        bench_.events(),
+        (Lines{"begin", "captured guard", "step-started 1", "child 1", "step-ended 1 accepted",
+               "step-started 2", "child 2", "step-ended 2 not seen", "end 4", "captured resume",
+               "step-ended 2 not seen", "step-found-done 2", "step-started 3", "child 3",
+               "step-ended 3 accepted", "captured verify", "verified as-planned", "end 0"}));
     EXPECT_TRUE(bench_.system.locks.empty());
 }
 
@@ -385,9 +587,17 @@ TEST_F(Apply, InterruptedWhileAStepRuns) {
         waits += moment == "wait" ? 1 : 0;
         bench_.system.isInterrupted = waits >= 3; // of the second step
     };
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.listener.log, (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"4: interrupted before step 3 of 3", "  remains: step 3: make 32:5 a spare",
+                     "help: zolexctl apply --resume plan.journal.jsonl goes on",
+                     "controller 1: failed step 3 of 3: stopped at this step"}));
+    EXPECT_EQ(bench_.listener.log,
+              (Lines{"as planned for", "still waiting: step 1, pid 4711, 30000 ms",
+                     "interrupted: waiting for the command to end; once more leaves it alone",
+                     "still waiting: step 2, pid 4712, 30000 ms"}));
+    EXPECT_EQ(bench_.events(), (Lines{"begin", "captured guard", "step-started 1", "child 1",
+                                      "step-ended 1 accepted", "step-started 2", "child 2",
+                                      "step-ended 2 accepted", "end 4"}));
     bench_.system.onMoment = nullptr;
     bench_.system.isInterrupted = false;
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
@@ -396,8 +606,14 @@ TEST_F(Apply, InterruptedWhileAStepRuns) {
 TEST_F(Apply, InterruptedBetweenSteps) {
     planTwoArrays();
     interruptAt(bench_, "written step-ended 1");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.layout(), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"4: interrupted before step 2 of 3",
+                     "  remains: step 2: create B: RAID5 on 32:2 32:3 32:4",
+                     "  remains: step 3: make 32:5 a spare",
+                     "help: zolexctl apply --resume plan.journal.jsonl goes on",
+                     "controller 1: failed step 2 of 3: stopped at this step"}));
+    EXPECT_EQ(bench_.layout(), (Lines{"controller 1: RAID1 fill, strip 64 KB, write-through, "
+                                      "adaptive read-ahead: 32:0 32:1"}));
 }
 
 TEST_F(Apply, InterruptedAtTheLastStep) {
@@ -409,7 +625,11 @@ TEST_F(Apply, InterruptedAtTheLastStep) {
 TEST_F(Apply, AnotherRunIsUnderWay) {
     planTwoArrays();
     bench_.system.locks["plan.json.lock"] = {true, {99, "at 1"}, {}};
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"3: another run is under way on this machine (pid 99)", "  it holds plan.json.lock",
+               "help: wait until it has ended; nothing was changed",
+               "controller 1: failed step 0 of 3: not begun"}));
     EXPECT_EQ(bench_.system.started, Lines{});
     bench_.system.locks.clear();
     const std::string name =
@@ -434,14 +654,20 @@ TEST_F(Apply, LockOfARunThatIsGone) {
 TEST_F(Apply, NoLock) {
     planTwoArrays();
     bench_.system.isFolderLost = true;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: plan.json.lock cannot be locked: no such folder",
+                     "help: make its folder writable; nothing was changed",
+                     "controller 1: failed step 0 of 3: not begun"}));
     expectUntouched();
 }
 
 TEST_F(Apply, NoJournal) {
     planTwoArrays();
     bench_.isJournalRefused = true;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: the journal plan.journal.jsonl cannot be written: nothing was changed",
+                     "help: make room for it, or name another place: --journal FILE",
+                     "controller 1: failed step 0 of 3: not begun"}));
     expectUntouched();
 }
 
@@ -459,30 +685,66 @@ class ApplyTwo : public testing::Test {
 
 TEST_F(ApplyTwo, OneResultForEach) {
     EXPECT_EQ(controllers_, (std::vector<std::int32_t>{1, 2}));
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"0: ", "controller 1: configured", "controller 2: configured"}));
+    EXPECT_EQ(bench_.events(),
+              (Lines{"begin", "captured guard", "step-started 1", "child 1",
+                     "step-ended 1 accepted", "captured step", "step-started 2", "child 2",
+                     "step-ended 2 accepted", "captured verify", "verified as-planned", "end 0"}));
 }
 
 TEST_F(ApplyTwo, OneOfThem) {
     bench_.terms.controllers = {2};
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 2: configured"}));
     bench_.disk = {};
     // What was done does not keep the other from being done by the same plan.
     bench_.terms.controllers = {1};
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.listener.log, (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+    EXPECT_EQ(bench_.listener.log,
+              (Lines{"as planned for",
+                     "warning: controller 2: there now: LD 0, RAID5 fill, strip 64 KB, protected "
+                     "write-back, adaptive read-ahead: 252:0 252:1 252:2 252:3 252:4 252:5",
+                     "as planned for"}));
 }
 
 TEST_F(ApplyTwo, StopsAtTheFirst) {
     bench_.system.notStarted = bench_.plan.steps().front().command;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{
+            "4: step 1 of 2 could not be started: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
+            "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2,32:3,32:4,32:5 ]   WB   ADRA   "
+            "-strpsz 64  -a0",
+            "  this step has changed nothing",
+            "  remains: step 1: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
+            "  remains: step 2: create A: RAID5 on 252:0 252:1 252:2 252:3 252:4 252:5",
+            "help: zolexctl doctor tells what is missing",
+            "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+            "help: zolexctl plan site.ini plans from what is there",
+            "controller 1: failed step 1 of 2: its command could not be started",
+            "controller 2: failed step 0 of 2: not begun"}));
 }
 
 TEST_F(ApplyTwo, KeepsGoing) {
     bench_.terms.keepGoing = true;
     bench_.system.notStarted = bench_.plan.steps().front().command;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{
+            "4: step 1 of 2 could not be started: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
+            "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2,32:3,32:4,32:5 ]   WB   ADRA   "
+            "-strpsz 64  -a0",
+            "  this step has changed nothing",
+            "  remains: step 1: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
+            "help: zolexctl doctor tells what is missing",
+            "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+            "help: zolexctl plan site.ini plans from what is there",
+            "controller 1: failed step 1 of 2: its command could not be started",
+            "controller 2: configured"}));
+    EXPECT_EQ(bench_.events(),
+              (Lines{"begin", "captured guard", "step-started 1", "step-ended 1 not started",
+                     "step-started 2", "child 2", "step-ended 2 accepted", "captured verify",
+                     "verified as-planned", "end 4"}));
     bench_.system.notStarted.clear();
     EXPECT_EQ(endLines(bench_.resume()),
               (Lines{"0: ", "controller 1: configured", "controller 2: configured"}));
@@ -490,10 +752,20 @@ TEST_F(ApplyTwo, KeepsGoing) {
 
 TEST_F(ApplyTwo, Skipped) {
     bench_.makePlan("[Policy.one]\nAppliesTo.1 = t:LSI-MegaRAID-8480\nArray_Defaults = 0%:0\n");
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"3: not every controller would be configured",
+                     "  controller 2 is skipped: no policy fits: Policy.one asks for "
+                     "t:LSI-MegaRAID-8480, and it is Kestrix-D4",
+                     "help: leave it out with --controller N, or let it pass with --allow-skipped",
+                     "controller 1: failed step 0 of 1: not begun",
+                     "controller 2: skipped: no policy fits: Policy.one asks for "
+                     "t:LSI-MegaRAID-8480, and it is Kestrix-D4"}));
     EXPECT_EQ(bench_.system.started, Lines{});
     bench_.terms.allowSkipped = true;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"0: ", "controller 1: configured",
+                     "controller 2: skipped: no policy fits: Policy.one asks for "
+                     "t:LSI-MegaRAID-8480, and it is Kestrix-D4"}));
 }
 
 } // namespace

@@ -29,7 +29,12 @@ TEST(CertificateDiff, TheMachineAsItWasLeftIsTheSame) {
     const MachineDiff diff = diffOf(certifiedSnapshot(), exampleCertificate());
     EXPECT_EQ(diff.result, ControllerDiff::Result::same);
     EXPECT_TRUE(diff.isByCertificate);
-    EXPECT_EQ(told(certifiedSnapshot(), exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(certifiedSnapshot(), exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                             same
+  = the same layout
+
+The controller is as the certificate says.
+)");
 }
 
 TEST(CertificateDiff, TellsAttributesThatAreNotAsTheyWere) {
@@ -37,7 +42,17 @@ TEST(CertificateDiff, TellsAttributesThatAreNotAsTheyWere) {
     factsOf(now).logicalDrives[1].stripSizeBytes = 131072;
     factsOf(now).logicalDrives[1].writeCache = "WriteThrough";
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::different);
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                        different
+  = LD 0   RAID1   67.8 GB  32:0 32:1
+  ~ LD 1   RAID5  135.5 GB  32:3-32:5
+      strip size   certificate 64 KB       machine 128 KB
+      write cache  certificate write-back  machine write-through
+  = spare                   32:6
+
+The controller differs. These take a rebuild: strip size, write cache. zolexctl
+show web.certificate.json shows what was left there.
+)");
 }
 
 TEST(CertificateDiff, TellsWhatIsMissingAndWhatIsMore) {
@@ -51,7 +66,17 @@ TEST(CertificateDiff, TellsWhatIsMissingAndWhatIsMore) {
     driveOf(now, 7).hotspare = HotspareKind::global;
     driveOf(now, 7).state = DriveState::hotspare;
     driveOf(now, 3).serialNumber = "NEW003";
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                        different
+  = LD 1  RAID5  135.5 GB  32:3-32:5
+  - LD 0  missing  32:0 32:1                   RAID1 fill, strip 64 KB,
+                                               write-back, adaptive read-ahead
+  ~ 32:6  moved    certificate hot spare 32:6  machine hot spare 32:7
+  ! drive 32:3 was replaced: serial number NEW003 instead of 3LQ2A003
+
+The controller differs. This takes a rebuild: the move to the listed drives.
+zolexctl show web.certificate.json shows what was left there.
+)");
 }
 
 TEST(CertificateDiff, ADriveThatWasReplacedIsToldByItsSerialNumber) {
@@ -60,7 +85,13 @@ TEST(CertificateDiff, ADriveThatWasReplacedIsToldByItsSerialNumber) {
     driveOf(now, 1).model = "NV73999S";
     *driveOf(now, 1).capacityBytes *= 2;
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::equivalent);
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                       equivalent
+  = the same layout; drive 32:1 was replaced: serial number 3LQ2B777 instead of
+    3LQ2A001, NV73999S instead of NV73455S, 135.5 GB instead of 67.8 GB
+
+The controller is as the certificate says, but for drives.
+)");
 }
 
 TEST(CertificateDiff, ALayoutThatMovedWithItsDrivesIsTheSameOne) {
@@ -73,7 +104,15 @@ TEST(CertificateDiff, ALayoutThatMovedWithItsDrivesIsTheSameOne) {
     facts.drives.erase(facts.drives.begin() + 2);
     facts.logicalDrives[0].spans = {{"32:2", "32:7"}};
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::equivalent);
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                       equivalent
+  = the same layout; drive 32:0 (serial number 3LQ2A000) is at 32:7 now
+    drive 32:1 (serial number 3LQ2A001) is at 32:2 now
+    drive 32:2 (serial number 3LQ2A002) is gone
+    drive 32:7 (serial number 3LQ2A007) is gone
+
+The controller is as the certificate says, but for drives.
+)");
 }
 
 TEST(CertificateDiff, ASpareThatHasChangedPlacesWithAMemberIsEquivalent) {
@@ -84,20 +123,38 @@ TEST(CertificateDiff, ASpareThatHasChangedPlacesWithAMemberIsEquivalent) {
     driveOf(now, 1).state = DriveState::hotspare;
     driveOf(now, 1).hotspare = HotspareKind::global;
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::equivalent);
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                       equivalent
+  = the same layout; the spare is 32:1 instead of 32:6
+
+The controller is as the certificate says, but for drives.
+)");
 }
 
 TEST(CertificateDiff, ADriveThatIsNewIsTold) {
     Snapshot now = certifiedSnapshot();
     factsOf(now).drives.push_back(exampleDrive(32, 9, 0, "").facts);
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(Controller 1  LSI-MegaRAID-8480                                       equivalent
+  = the same layout; drive 32:9 is new
+
+The controller is as the certificate says, but for drives.
+)");
 }
 
 TEST(CertificateDiff, OfAnotherMachineNothingIsCompared) {
     Snapshot now = certifiedSnapshot();
     now.machine.serialNumber = "KQ10Z7W";
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::unknown);
-    EXPECT_EQ(told(now, exampleCertificate()), R"(@)");
+    EXPECT_EQ(told(now, exampleCertificate()),
+              R"(error: the certificate is of another machine [ZA196]
+   its serial number is KQ10Z7W, the certificate is of KQ10Z7V
+   help: name the certificate of this machine
+Controller 1  LSI-MegaRAID-8480                                          unknown
+  the certificate is of another machine
+
+The controller could not be compared.
+)");
 }
 
 TEST(CertificateDiff, AControllerThatCouldNotBeCapturedIsNotKnown) {

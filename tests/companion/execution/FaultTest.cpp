@@ -73,6 +73,11 @@ class Faults : public testing::Test {
         bench_.system.restart();
         bench_.listener.throwsAt.clear();
         bench_.writesUntilFault = 0;
+        if (const auto kept = bench_.disk.history();
+            kept.end() != nullptr && kept.end()->exitCode == 0) { // nothing was left to be done
+            EXPECT_EQ(bench_.layout(), planned_) << where;
+            return;
+        }
         const ApplyEnd resumed = bench_.resume();
         const auto history = bench_.disk.history();
         EXPECT_EQ(resumed.exitCode, 0) << where << testing::PrintToString(endLines(resumed));
@@ -102,18 +107,34 @@ TEST_F(Faults, JournalCannotBeWritten) {
 
 TEST_F(Faults, JournalCannotBeWrittenInTheMiddle) {
     bench_.writesUntilFault = 6; // step-ended 1
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
-    EXPECT_EQ(bench_.events(), (Lines{"?"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"4: the journal plan.journal.jsonl cannot be written: nothing more is started",
+               "  remains: step 2: delete LD 0: RAID1 on 32:0 32:1",
+               "  remains: step 3: create A: RAID5 on 32:0 32:1 32:2",
+               "  remains: step 4: create B: RAID1 on 32:3 32:4",
+               "help: make room for it; then zolexctl apply --resume plan.journal.jsonl goes on",
+               "controller 1: failed step 2 of 4: stopped at this step"}));
+    EXPECT_EQ(bench_.events(),
+              (Lines{"begin", "captured guard", "agreed", "step-started 1", "child 1"}));
 }
 
 TEST_F(Faults, JournalCannotBeWrittenAtTheEnd) {
     bench_.writesUntilFault = events_;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"4: all steps are done and verified, but the journal plan.journal.jsonl "
+                     "cannot be written",
+                     "help: make room for it; then zolexctl apply --resume plan.journal.jsonl "
+                     "verifies it again",
+                     "controller 1: configured"}));
 }
 
 TEST_F(Faults, JournalCannotBeWrittenBeforeTheFirstStep) {
     bench_.writesUntilFault = 1;
-    EXPECT_EQ(endLines(bench_.apply()), (Lines{"?"}));
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"2: the journal plan.journal.jsonl cannot be written: nothing was changed",
+                     "help: make room for it, or name another place: --journal FILE",
+                     "controller 1: failed step 0 of 4: not begun"}));
     EXPECT_FALSE(bench_.disk.isThere);
 }
 
@@ -141,7 +162,7 @@ TEST_F(Faults, EachMomentThrows) {
         std::string where;
         bench_.system.onMoment = [&](const std::string& what) {
             // A child that was started is told to whoever started it.
-            if (++count == moment && what != "started") {
+            if (what != "started" && ++count == moment) {
                 hasThrown = true;
                 where = "moment " + std::to_string(moment) + ", " + what;
                 throw std::bad_alloc();
@@ -166,7 +187,7 @@ TEST_F(Faults, EachMomentThrows) {
             return;
         }
     }
-    EXPECT_GT(moment, 60U);
+    EXPECT_GT(moment, 50U);
 }
 
 TEST_F(Faults, MemoryRunsOut) {

@@ -144,6 +144,51 @@ TEST_P(KilledRun, EndsAsPlanned) {
     RecordProperty("kills", static_cast<int>(kills_));
 }
 
+/// The machine loses its power, and the journal its last lines with it: it ends as planned, or
+/// tells that it cannot go on, and has changed nothing more.
+TEST_P(KilledRun, EndsAsPlannedOrStopsWhenTheJournalIsCut) {
+    if (bench_.plan.steps().empty()) {
+        GTEST_SKIP() << "there is nothing to do";
+    }
+    reset();
+    ASSERT_EQ(bench_.apply().exitCode, 0);
+    const std::size_t moments = bench_.system.moments;
+    const Lines planned = bench_.layout();
+    std::size_t stops = 0;
+    for (std::size_t moment = 1; moment <= moments; ++moment) {
+        for (const std::size_t lost : {std::size_t{1}, std::size_t{2}}) {
+            reset();
+            bench_.system.fate = moment % 2 == 0 ? ChildFate::done : ChildFate::gone;
+            ASSERT_TRUE(isKilled(moment));
+            std::vector<JournalEntry>& entries = bench_.disk.entries;
+            if (entries.size() <= lost) {
+                continue; // there is no run to go on with
+            }
+            entries.resize(entries.size() - lost);
+            const std::string where =
+                "moment " + std::to_string(moment) + ", " + testing::PrintToString(bench_.events());
+            bench_.system.restart();
+            bench_.system.started.clear();
+            const Lines stood = bench_.layout();
+            const ApplyEnd end = bench_.resume();
+            if (end.exitCode == 4) {
+                ++stops;
+                EXPECT_EQ(bench_.system.started, Lines{}) << where;
+                EXPECT_EQ(bench_.layout(), stood) << where;
+                EXPECT_FALSE(end.details.empty()) << where;
+                continue;
+            }
+            expectPlanned(end, planned, where);
+            if (HasFailure()) {
+                return;
+            }
+        }
+    }
+    EXPECT_LT(stops * 3, kills_);
+    RecordProperty("kills", static_cast<int>(kills_));
+    RecordProperty("stops", static_cast<int>(stops));
+}
+
 /// Killed again and again, at moments that nobody chose, until it comes to its end.
 TEST_P(KilledRun, EndsAsPlannedWhenKilledAgain) {
     if (bench_.plan.steps().empty()) {

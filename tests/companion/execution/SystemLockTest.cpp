@@ -62,12 +62,15 @@ class SystemLock : public test::SystemExecutionTest, public ::testing::WithParam
     std::string outputOf(const std::string& words) { return run(before() + words).output; }
 };
 
+std::string nameOf(const ::testing::TestParamInfo<bool>& test) {
+    return test.param ? "OfSystem" : "PosixWithout";
+}
+
 #ifdef _WIN32
 // A file that is open is locked on every file system there.
-INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true));
+INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true), nameOf);
 #else
-INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true, false),
-                         [](const auto& test) { return test.param ? "OfSystem" : "None"; });
+INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true, false), nameOf);
 #endif
 
 TEST_P(SystemLock, IsHeldByOne) {
@@ -122,7 +125,7 @@ TEST_P(SystemLock, OfAnEarlierStartOfTheSystemIsTakenOver) {
 TEST_P(SystemLock, IsNeverHadByTwo) {
     std::vector<std::unique_ptr<StartedChild>> workers;
     for (int i = 0; i < 4; ++i) {
-        workers.push_back(start("contend L 50"));
+        workers.push_back(start("contend L 300"));
     }
     for (const auto& worker : workers) {
         EXPECT_EQ(endOf(*worker).output, "done\n");

@@ -303,6 +303,19 @@ TEST_F(SystemPosix, ADurableFileFollowsNoLink) {
     EXPECT_FALSE(std::filesystem::exists("nowhere"));
 }
 
+TEST_F(SystemPosix, ABackslashInANameIsASlash) {
+    ASSERT_EQ(::mkdir("folder", 0777), 0);
+    EXPECT_NE(system->makeDurable("folder\\journal"), nullptr);
+    const auto child = system->start("UTIL.BAT WORKER text a", "folder\\out");
+    ASSERT_NE(child, nullptr);
+    endOf(*child);
+    const LockAnswer answer = system->lock("folder\\L");
+    for (const std::string name : {"journal", "out", "L"}) {
+        EXPECT_TRUE(std::filesystem::exists("folder/" + name)) << name;
+    }
+    EXPECT_NE(system->reopenDurable("folder\\journal", 0), nullptr);
+}
+
 TEST_F(SystemPosix, TheCommonFolderIsTheOneForTemporaryFiles) {
     const char* const before = std::getenv("TMPDIR");
     const std::string kept = before == nullptr ? "" : before;

@@ -165,6 +165,7 @@ TEST(JournalLines, KeepsBytesThatAreNoUtf8AndCutsWhatIsTooLong) {
     ended.step = 1;
     ended.output = std::string("a\0b\xFF", 4);
     ended.outputBytes = 4;
+    ended.outputBytes = 0; // is never told to be less than is kept
     JournalStepEnded large = ended;
     large.output = std::string(mostJournalOutput + 10, '\xFE');
     large.outputBytes = large.output.size();
@@ -180,6 +181,7 @@ TEST(JournalLines, KeepsBytesThatAreNoUtf8AndCutsWhatIsTooLong) {
     EXPECT_EQ(reading.journal->begin().planFile, begin.planFile);
     EXPECT_EQ(reading.journal->begin().planText, begin.planText);
     EXPECT_EQ(std::get<JournalStepEnded>(reading.journal->entries[1].event).output, ended.output);
+    EXPECT_EQ(std::get<JournalStepEnded>(reading.journal->entries[1].event).outputBytes, 4U);
     const auto& cut = std::get<JournalStepEnded>(reading.journal->entries[2].event);
     EXPECT_EQ(cut.output, large.output.substr(0, mostJournalOutput));
     EXPECT_EQ(cut.outputBytes, large.outputBytes);

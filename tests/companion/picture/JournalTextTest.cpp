@@ -42,18 +42,123 @@ std::string shown(const JournalHistory& journal, bool verbose = false, TextStyle
 }
 
 TEST(JournalText, TellsEachStepAndHowToGoOn) {
-    EXPECT_EQ(shown(historyOf(exampleJournalEvents())), R"(@)");
+    EXPECT_EQ(shown(historyOf(exampleJournalEvents())), R"(Journal  plan.journal.jsonl
+Plan     p-5f1c09ab77e2 of plan.json, 3 steps
+Machine  8837, serial KQ10Z7V, controller 1 serial 1122334455
+Consent  7Q4K-2M9D was to be agreed to
+
+2026-11-21  +00:00
+21:06:01  begun     by zolexctl 1.1.0, pid 4700
+21:06:02  captured  before the first step
+21:06:03  agreed    7Q4K-2M9D: the serial number was typed, by root
+21:06:04  [1/3]     clear configuration, controller 1
+21:06:06  [1/3]     ok, exit 0, 2.1 s
+21:06:07  [2/3]     create A: RAID1 on 32:0 32:1
+21:06:09  captured  to go on, kept in resume.zrec
+21:06:10  [2/3]     found done: its array stands
+21:06:11  [3/3]     create B: RAID5 on 32:2-32:6
+21:06:13  [3/3]     FAILED, exit 38, 0.2 s
+                    UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ]
+                    WB ADRA -strpsz 64 -a0
+                    | FW error description:
+                    |   The physical disk at 32:5 is not free: it is online.
+                    | Exit Code: 0x26
+21:06:14  verified  NOT as planned
+                    Logical.2 is missing
+                    hot spare 32:7 is missing
+21:06:15  ended     exit code 4: the utility refused step 3
+
+What was done
+  + step 1  done    clear configuration, controller 1
+  + step 2  done    create A: RAID1 on 32:0 32:1
+  x step 3  failed  create B: RAID5 on 32:2-32:6
+  Controller 1  failed at step 3 of 3: the utility refused step 3
+  Controller 2  skipped: no policy is for it
+
+The run was stopped on its way.
+  help: zolexctl apply --resume plan.journal.jsonl goes on when the cause is
+        mended
+  help: zolexctl plan site.ini plans from what is there
+)");
 }
 
 TEST(JournalText, TellsCommandsWithoutThePlan) {
-    EXPECT_EQ(journalText(historyOf(exampleJournalEvents()), {}, {}), R"(@)");
+    EXPECT_EQ(journalText(historyOf(exampleJournalEvents()), {}, {}), R"(Journal  plan.journal.jsonl
+Plan     p-5f1c09ab77e2 of plan.json, 3 steps
+Machine  8837, serial KQ10Z7V, controller 1 serial 1122334455
+Consent  7Q4K-2M9D was to be agreed to
+
+2026-11-21  +00:00
+21:06:01  begun     by zolexctl 1.1.0, pid 4700
+21:06:02  captured  before the first step
+21:06:03  agreed    7Q4K-2M9D: the serial number was typed, by root
+21:06:04  [1/3]     started
+                    UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT
+21:06:06  [1/3]     ok, exit 0, 2.1 s
+21:06:07  [2/3]     started
+                    UTIL.BAT MEGACLI -CfgLdAdd R1 [ 32:0,32:1 ] WB ADRA -strpsz
+                    64 -a0
+21:06:09  captured  to go on, kept in resume.zrec
+21:06:10  [2/3]     found done: its array stands
+21:06:11  [3/3]     started
+                    UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ]
+                    WB ADRA -strpsz 64 -a0
+21:06:13  [3/3]     FAILED, exit 38, 0.2 s
+                    | FW error description:
+                    |   The physical disk at 32:5 is not free: it is online.
+                    | Exit Code: 0x26
+21:06:14  verified  NOT as planned
+                    Logical.2 is missing
+                    hot spare 32:7 is missing
+21:06:15  ended     exit code 4: the utility refused step 3
+
+What was done
+  + step 1  done    UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT
+  + step 2  done    UTIL.BAT MEGACLI -CfgLdAdd R1 [ 32:0,32:1 ] WB ADRA -strpsz
+                    64 -a0
+  x step 3  failed  UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ]
+                    WB ADRA -strpsz 64 -a0
+  Controller 1  failed at step 3 of 3: the utility refused step 3
+  Controller 2  skipped: no policy is for it
+
+The run was stopped on its way.
+  help: zolexctl apply --resume plan.journal.jsonl goes on when the cause is
+        mended
+  help: zolexctl plan POLICIES plans from what is there
+)");
 }
 
 /// Cut in its third step: nothing is known of what the utility did.
 TEST(JournalText, TellsOfARunThatWasInterrupted) {
     std::vector<JournalEvent> events = exampleJournalEvents();
-    events.resize(14);
-    EXPECT_EQ(shown(historyOf(events, 5)), R"(@)");
+    events.resize(13);
+    EXPECT_EQ(shown(historyOf(events, 5)), R"(Journal  plan.journal.jsonl
+Plan     p-5f1c09ab77e2 of plan.json, 3 steps
+Machine  8837, serial KQ10Z7V, controller 1 serial 1122334455
+Consent  7Q4K-2M9D was to be agreed to
+
+2026-11-21  +00:00
+21:06:01  begun     by zolexctl 1.1.0, pid 4700
+21:06:02  captured  before the first step
+21:06:03  agreed    7Q4K-2M9D: the serial number was typed, by root
+21:06:04  [1/3]     clear configuration, controller 1
+21:06:06  [1/3]     ok, exit 0, 2.1 s
+21:06:07  [2/3]     create A: RAID1 on 32:0 32:1
+21:06:09  captured  to go on, kept in resume.zrec
+21:06:10  [2/3]     found done: its array stands
+21:06:11  [3/3]     create B: RAID5 on 32:2-32:6
+! the last line was cut, and counts as not written
+
+What was done
+  + step 1  done                 clear configuration, controller 1
+  + step 2  done                 create A: RAID1 on 32:0 32:1
+  ? step 3  begun, no end noted  create B: RAID5 on 32:2-32:6
+
+The run was interrupted: its journal has no end. The utility of step 3 (pid
+4720) may still run.
+  help: zolexctl apply --resume plan.journal.jsonl goes on, or says truly why
+        not
+)");
 }
 
 TEST(JournalText, TellsOfARunThatEndedAsPlanned) {
@@ -61,11 +166,40 @@ TEST(JournalText, TellsOfARunThatEndedAsPlanned) {
     std::get<JournalBegin>(events[0]).controllers = {1, 3};
     std::get<JournalBegin>(events[0]).planFile.clear();
     std::get<JournalAgreed>(events[2]).how = "own";
-    events[13] = exampleStepEnded(3, 0, "", 123456);
-    events[14] =
+    events[12] = exampleStepEnded(3, 0, "", 123456);
+    events[13] =
         JournalVerified{JournalVerified::Result::equivalent, {"the spare is 32:3 instead of 32:7"}};
-    events[15] = JournalEnd{0, {{1, ControllerResult::Result::configured, 0, 0, ""}}, ""};
-    EXPECT_EQ(shown(historyOf(events)), R"(@)");
+    events[14] = JournalEnd{0, {{1, ControllerResult::Result::configured, 0, 0, ""}}, ""};
+    EXPECT_EQ(shown(historyOf(events)), R"(Journal  plan.journal.jsonl
+Plan     p-5f1c09ab77e2, made in the same run, 3 steps
+Machine  8837, serial KQ10Z7V, controller 1 serial 1122334455
+Only     controller 1, 3
+Consent  7Q4K-2M9D was to be agreed to
+
+2026-11-21  +00:00
+21:06:01  begun     by zolexctl 1.1.0, pid 4700
+21:06:02  captured  before the first step
+21:06:03  agreed    7Q4K-2M9D: all of it was made by earlier runs (--destroy
+                    own), by root
+21:06:04  [1/3]     clear configuration, controller 1
+21:06:06  [1/3]     ok, exit 0, 2.1 s
+21:06:07  [2/3]     create A: RAID1 on 32:0 32:1
+21:06:09  captured  to go on, kept in resume.zrec
+21:06:10  [2/3]     found done: its array stands
+21:06:11  [3/3]     create B: RAID5 on 32:2-32:6
+21:06:13  [3/3]     ok, exit 0, 123 s
+21:06:14  verified  as planned, on equal drives
+                    the spare is 32:3 instead of 32:7
+21:06:15  ended     exit code 0
+
+What was done
+  + step 1  done  clear configuration, controller 1
+  + step 2  done  create A: RAID1 on 32:0 32:1
+  + step 3  done  create B: RAID5 on 32:2-32:6
+  Controller 1  configured
+
+The run ended as planned.
+)");
 }
 
 TEST(JournalText, VerboseShowsCommandsAndOutputs) {
@@ -73,13 +207,36 @@ TEST(JournalText, VerboseShowsCommandsAndOutputs) {
     events.resize(6);
     std::get<JournalStepEnded>(events[5]).outputBytes = 70000;
     events.push_back(JournalEnd{5, {}, "what stands could not be looked at"});
-    EXPECT_EQ(shown(historyOf(events), true), R"(@)");
+    EXPECT_EQ(shown(historyOf(events), true), R"(Journal  plan.journal.jsonl
+Plan     p-5f1c09ab77e2 of plan.json, 3 steps
+Machine  8837, serial KQ10Z7V, controller 1 serial 1122334455
+Consent  7Q4K-2M9D was to be agreed to
+
+2026-11-21  +00:00
+21:06:01  begun     by zolexctl 1.1.0, pid 4700
+21:06:02  captured  before the first step
+21:06:03  agreed    7Q4K-2M9D: the serial number was typed, by root
+21:06:04  [1/3]     clear configuration, controller 1
+                    UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT
+21:06:06  [1/3]     ok, exit 0, 2.1 s
+                    | Exit Code: 0x00
+                    | ... (70000 bytes, of which 17 were kept)
+21:06:07  ended     exit code 5: what stands could not be looked at
+
+What was done
+  + step 1  done  clear configuration, controller 1
+  . 2 steps were not begun
+
+What stands is not what was planned, or could not be looked at.
+  help: zolexctl show shows what is there
+  help: zolexctl plan site.ini plans from it
+)");
 }
 
 TEST(JournalText, SteersNoTerminal) {
     std::vector<JournalEvent> events = exampleJournalEvents();
-    std::get<JournalStepEnded>(events[13]).output = "\x1B[2Jred\x1B[0m\n" + std::string(90, 'w');
-    std::get<JournalEnd>(events[15]).reason = "a\nb\x1B[1m";
+    std::get<JournalStepEnded>(events[12]).output = "\x1B[2Jred\x1B[0m\n" + std::string(90, 'w');
+    std::get<JournalEnd>(events[14]).reason = "a\nb\x1B[1m";
     std::get<JournalAgreed>(events[2]).by = "ro\x07ot";
     const std::string text = shown(historyOf(events));
     EXPECT_EQ(text.find('\x1B'), std::string::npos);

@@ -221,10 +221,11 @@ TEST(PlanHtml, TellsLossesConsentReasonsAndCommands) {
         "<h1>Plan of machine 8837, serial KQ10Z7V</h1>\n<p class=\"dim\">1 controller, 8 drives, "
         "site.ini: 3 policies, plan p-5f1c09ab77e2, made 2026-11-21T21:05:00+00:00</p>",
         "<h2>- This destroys 1 logical drive (135.5 GB)</h2>",
-        "<p>Consent code for exactly this: 7Q4K-2M9D</p>\n<p>zolexctl only plans. zolex carries it "
-        "out, but differs as listed below:</p>\n<p><code>zolex /r /y /f:site.ini</code></p>\n<p "
-        "class=\"warning\">! With /r zolex first erases everything on all controllers of the "
-        "server, also what stays in this plan.</p>\n</div>",
+        "<p>To agree to exactly this, and carry it out:</p>\n<p><code>zolexctl plan site.ini -o "
+        "plan.json</code></p>\n<p><code>zolexctl apply plan.json --destroy 7Q4K-2M9D</code></p>\n"
+        "</div>",
+        "<p><code>zolex /r /y /f:site.ini</code></p>\n<p class=\"warning\">! With /r zolex first "
+        "erases everything on all controllers of the server, also what stays in this plan.</p>\n",
         "<tr class=\"lost\"><td class=\"code\">-</td><td>LD 1</td><td>RAID5</td><td "
         "class=\"right\">135.5 GB</td><td class=\"code wide\">32:2-32:4</td><td "
         "class=\"wide\">is deleted</td></tr>",

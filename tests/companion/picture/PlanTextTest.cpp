@@ -228,13 +228,12 @@ the 3 commands was also made to fail, and resuming ended as planned each time.
 zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
-
-This destroys 1 logical drive (135.5 GB).
-Consent code for exactly this: 7Q4K-2M9D
-zolexctl only plans. zolex carries it out, but differs as listed above:
-  zolex /r /y /f:site.ini
 ! With /r zolex first erases everything on all controllers of the server, also
   what stays in this plan.
+
+This destroys 1 logical drive (135.5 GB).
+To agree to exactly this, and carry it out:
+  zolexctl apply plan.json --destroy 7Q4K-2M9D
 Plan saved to plan.json. 1 logical drive to create, 1 to destroy, 1 spare.
 )");
 }
@@ -347,15 +346,15 @@ zolex /r /y /f:site.ini would do otherwise:
   ~ controller 1: zolex also runs something
   ~ controller 1: zolex also runs something
     and 3 more, which -v shows
+! With /r zolex first erases everything on all controllers of the server, also
+  what stays in this plan.
 
 This destroys 2 logical drives (203.3 GB), 1 hot spare and 1 foreign
 configuration.
   - controller 1: LD 0, LD 1, spare 32:5, foreign 32:6
-Consent code for exactly this: 7Q4K-2M9D
-zolexctl only plans. zolex carries it out, but differs as listed above:
-  zolex /r /y /f:site.ini
-! With /r zolex first erases everything on all controllers of the server, also
-  what stays in this plan.
+To agree to exactly this, and carry it out:
+  zolexctl plan site.ini -o plan.json
+  zolexctl apply plan.json --destroy 7Q4K-2M9D
 2 logical drives to create, 2 to destroy, 1 spare.
 )");
 }
@@ -415,16 +414,16 @@ otherwise:
   ~ zolex would need an empty
     controller: it has no line that
     deletes one logical drive
-
-This destroys 1 logical drive (135.5
-GB).
-Consent code for exactly this: 7Q4K-2M9D
-zolexctl only plans. zolex carries it
-out, but differs as listed above:
-  zolex /r /y /f:site.ini
 ! With /r zolex first erases everything
   on all controllers of the server, also
   what stays in this plan.
+
+This destroys 1 logical drive (135.5
+GB).
+To agree to exactly this, and carry it
+out:
+  zolexctl plan site.ini -o plan.json
+  zolexctl apply plan.json --destroy 7Q4K-2M9D
 1 logical drive to create, 1 to destroy,
 1 spare.
 )");
@@ -489,13 +488,12 @@ the 3 commands was also made to fail, and resuming ended as planned each time.
 zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
-
-This destroys 1 logical drive (135.5 GB).
-Consent code for exactly this: 7Q4K-2M9D
-zolexctl only plans. zolex carries it out, but differs as listed above:
-  zolex /r /y /f:site.ini
 ! With /r zolex first erases everything on all controllers of the server, also
   what stays in this plan.
+
+This destroys 1 logical drive (135.5 GB).
+To agree to exactly this, and carry it out:
+  zolexctl apply plan.json --destroy 7Q4K-2M9D
 Plan saved to plan.json. 1 logical drive to create, 1 to destroy, 1 spare.
 )");
 }
@@ -565,8 +563,9 @@ zolex /r /y /f:site.ini would do otherwise:
     logical drive
 
 This destroys nothing.
-zolexctl only plans. zolex carries it out, but differs as listed above:
-  zolex /r /y /f:site.ini
+To carry it out:
+  zolexctl plan site.ini -o plan.json
+  zolexctl apply plan.json
 12 logical drives to create, 0 to destroy.
 )");
 }
@@ -689,13 +688,13 @@ the 3 commands was also made to fail, and resuming ended as planned each time.
 zolex /r /y /f:site.ini would do otherwise:
   ~ zolex would need an empty controller: it has no line that deletes one
     logical drive
-
-This destroys 1 logical drive (135.5 GB).
-Consent code for exactly this: 7Q4K-2M9D
-zolexctl only plans. zolex carries it out, but differs as listed above:
-  zolex /r /y /f:site.ini
 ! With /r zolex first erases everything on all controllers of the server, also
   what stays in this plan.
+
+This destroys 1 logical drive (135.5 GB).
+To agree to exactly this, and carry it out:
+  zolexctl plan site.ini -o plan.json
+  zolexctl apply plan.json --destroy 7Q4K-2M9D
 1 logical drive to create, 1 to destroy, 1 spare.
 )");
 }
@@ -721,38 +720,23 @@ std::string carryingOut(const MachinePlan& plan) {
     return text.substr(begin, text.rfind("\n", text.size() - 2) + 1 - begin);
 }
 
-TEST(PlanText, NamesOnlyCommandsThatThereAre) {
+TEST(PlanText, NamesTheCommandsThatCarryItOut) {
     MachinePlan plan = examplePlan();
-    plan.oldCommand.differences.clear();
-    plan.controllers[0].losses.push_back({1, "logical_drive", "0", "RAID1", {}, 0, ""});
-    const std::string lost = "This destroys 2 logical drives (135.5 GB).\n"
-                             "Consent code for exactly this: 7Q4K-2M9D\n";
-    // Nothing stays that more than the plan would erase.
+    const std::string lost = "This destroys 1 logical drive (135.5 GB).\n";
+    const std::string agree = "To agree to exactly this, and carry it out:\n";
+    EXPECT_EQ(carryingOut(plan), lost + agree +
+                                     "  zolexctl plan site.ini -o plan.json\n"
+                                     "  zolexctl apply plan.json --destroy 7Q4K-2M9D\n");
+    // As it was typed; a controller that is skipped would keep it from being carried out.
+    plan.command = "zolexctl plan - --controller 1,2";
+    plan.controllers.push_back(plan.controllers.front());
+    plan.controllers.back().controller.number = 2;
+    plan.controllers.back().disposition = Disposition::skipped;
+    plan.controllers.back().losses.clear();
     EXPECT_EQ(carryingOut(plan),
-              lost + "zolexctl only plans. To carry it out:\n  zolex /r /y /f:site.ini\n");
-    plan.oldCommand.differences = {"zolex configures all 2 controllers, and this plan 1"};
-    EXPECT_EQ(carryingOut(plan),
-              lost + R"(zolexctl only plans. zolex carries it out, but differs as listed above:
-  zolex /r /y /f:site.ini
-! With /r zolex first erases everything on all controllers of the server, also
-  what stays in this plan.
-)");
-    // Policies from standard input have to be in a file first.
-    plan.oldCommand = {{"zolex /r /y /f:<stdin>"}, {}};
-    plan.policiesFile = "<stdin>";
-    EXPECT_EQ(carryingOut(plan),
-              lost + "zolexctl only plans. To carry it out:\n  zolex /r /y /f:site.ini\n");
-    // zolex refuses entries that tell drives by what they are.
-    plan.oldCommand = {{}, {"zolex refuses the file"}};
-    plan.policiesFile = "kinds.ini";
-    EXPECT_EQ(carryingOut(plan),
-              lost +
-                  R"(zolexctl only plans, and zolex takes no entries that tell drives by what they
-are. Write policies with numbers, and plan those:
-  zolexctl record -o server.zrec
-  zolexctl convert --to policies --machine server.zrec kinds.ini -o numbers.ini
-  zolexctl plan numbers.ini
-)");
+              lost + "  - controller 1: LD 1\n" + agree +
+                  "  zolexctl plan - --controller 1,2 -o plan.json\n"
+                  "  zolexctl apply plan.json --destroy 7Q4K-2M9D --allow-skipped\n");
 }
 
 TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {

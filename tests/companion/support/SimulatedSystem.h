@@ -70,7 +70,8 @@ class SimulatedSystem : public ExecutionSystem {
     void moment(const std::string& what) {
         ++moments;
         if (onMoment) {
-            onMoment(what);
+            const auto told = onMoment; // it may replace itself
+            told(what);
         }
         if (moments == killAt) {
             kill();
@@ -157,16 +158,19 @@ class SimulatedSystem : public ExecutionSystem {
         if (!notStarted.empty() && line.find(notStarted) != std::string::npos) {
             return nullptr;
         }
-        started.push_back(line);
-        Child& child = children_.emplace_back();
+        Child child;
         child.identity = {nextPid_++, timeText()};
         child.line = line;
         child.output = output;
         const bool hangs = !hanging.empty() && line.find(hanging) != std::string::npos;
         child.endsAt = hangs ? Milliseconds::max() : now_ + childTakes;
+        auto handle = std::make_unique<Handle>(*this, children_.size());
         platform_.fileFake.files[output] = "";
+        children_.reserve(children_.size() + 1);
+        started.push_back(line);
+        children_.push_back(std::move(child)); // it runs from now on
         moment("started");
-        return std::make_unique<Handle>(*this, children_.size() - 1);
+        return handle;
     }
     [[nodiscard]] ProcessIdentity ownProcess() override { return own_; }
     [[nodiscard]] bool isRunning(const ProcessIdentity& process) override {
@@ -194,14 +198,15 @@ class SimulatedSystem : public ExecutionSystem {
             answer.fault = "no such folder";
             return answer;
         }
-        LockFile& file = locks[name];
-        answer.holder = file.holder;
-        answer.child = file.child;
-        if (file.isHeld) {
-            return answer;
+        if (const auto file = locks.find(name); file != locks.end()) {
+            answer.holder = file->second.holder;
+            answer.child = file->second.child;
+            if (file->second.isHeld) {
+                return answer;
+            }
         }
-        file = {true, own_, {}};
         answer.lock = std::make_unique<Lock>(*this, name);
+        locks[name] = {true, own_, {}};
         return answer;
     }
 

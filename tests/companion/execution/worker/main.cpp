@@ -49,7 +49,19 @@ using std::chrono::milliseconds;
 
 void interrupt() {
 #ifdef _WIN32
-    GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, 0);
+    // What the system calls in a thread of its own for Ctrl+Break; emulators have no console here.
+    auto* const routine = reinterpret_cast<LPTHREAD_START_ROUTINE>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernelbase.dll"), "CtrlRoutine")));
+    HANDLE const thread = routine == nullptr
+                              ? nullptr
+                              : CreateThread(nullptr, 0, routine,
+                                             reinterpret_cast<void*>(CTRL_BREAK_EVENT), 0, nullptr);
+    if (thread == nullptr) {
+        std::puts("cannot interrupt");
+        return;
+    }
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
 #else
     std::raise(SIGTERM);
 #endif
@@ -79,6 +91,7 @@ class Worker {
                 return 99;
             }
             std::fflush(stdout);
+            std::fflush(stderr);
         }
         return 0;
     }
@@ -103,6 +116,7 @@ class Worker {
             locks_ = system_execution::FileLocks::none;
         } else if (word == "stay") {
             std::fflush(stdout);
+            std::fflush(stderr);
             std::this_thread::sleep_for(std::chrono::minutes(1));
         } else {
             return false;
@@ -136,7 +150,7 @@ class Worker {
             held_ = lock(value);
             tellLock();
         } else if (word == "note") {
-            held_.lock->note({static_cast<std::uint64_t>(numberOf(value)), {}});
+            held_.lock->note({std::strtoull(value.c_str(), nullptr, 10), {}});
         } else if (word == "make") {
             if (std::FILE* const made = std::fopen(value.c_str(), "w"); made != nullptr) {
                 std::fclose(made);
@@ -223,6 +237,7 @@ class Worker {
                     return;
                 }
                 std::fclose(made);
+                std::this_thread::sleep_for(std::chrono::microseconds(200));
                 std::remove(inside.c_str());
                 ++done;
             }
@@ -245,6 +260,8 @@ int main(int argc, char** argv) {
 #ifdef _WIN32
     _setmode(1, _O_BINARY);
     _setmode(2, _O_BINARY);
+    // A group of its own does not heed Ctrl+C; this is to be as one that a user has started.
+    SetConsoleCtrlHandler(nullptr, FALSE);
 #endif
     return Worker(argv[0]).run(argc, argv);
 }
