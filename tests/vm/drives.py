@@ -8,7 +8,7 @@ from pathlib import Path
 
 SECTOR = 512
 FLUSH, DISCARD = 1, 4
-# Virtual drives keep their log in this order: a head, then each write with its data.
+# What stands in a log: a sector of its own, then for each order a sector with this head, then its data.
 ENTRY = struct.Struct("<QQQQ")
 
 
@@ -18,6 +18,18 @@ def make_image(file, megabytes, folder):
         out.truncate(megabytes << 20)
     subprocess.run(["/sbin/mke2fs", "-q", "-t", "ext4", "-d", folder, file], check=True,
                    stdout=subprocess.DEVNULL)
+
+
+def write_sparse(file, content):
+    """Blocks of zeros take no room."""
+    block = 4096
+    with open(file, "wb") as out:
+        for begin in range(0, len(content), block):
+            piece = content[begin:begin + block]
+            if piece.count(0) != len(piece):
+                out.seek(begin)
+                out.write(piece)
+        out.truncate(len(content))
 
 
 class PlainDrive:
@@ -40,12 +52,9 @@ class LoggedDrive(PlainDrive):
         super().__init__(Path(work) / f"{name}.img", name)
         self.begin = Path(image).read_bytes()
         self.log = Path(work) / f"{name}.log"
-        self.restart()
-
-    def restart(self):
-        self.image.write_bytes(self.begin)
+        write_sparse(self.image, self.begin)
         self.log.write_bytes(b"")
-        self.entries = []   # (kind, sector, where its data stands in the log, bytes)
+        self.entries = []   # (kind, sector, where its data stands in the log, its bytes, bytes of the drive)
         self.at = SECTOR
 
     def nodes(self):
@@ -91,5 +100,5 @@ class LoggedDrive(PlainDrive):
                 continue
             begin = sector * SECTOR
             image[begin:begin + length] = bytes(length) if kind & DISCARD else log[place:place + size]
-        Path(file).write_bytes(image)
+        write_sparse(file, image)
         return lost
