@@ -476,8 +476,9 @@ TEST_F(ApplyDangers, AResetOfOneControllerSpeaksOfThatOne) {
     server.logCalls();
     const ProgramRun refused = server.start(server.program(), {"reset", "--controller", "2"});
     EXPECT_EQ(refused.exitCode, 3) << refused.output << refused.error;
-    expectPieces(refused.error, {"252:0", "--destroy "});
-    EXPECT_EQ(refused.error.find(" 32:0"), std::string::npos) << refused.error;
+    expectPieces(refused.output + refused.error, {"252:0", "--destroy "});
+    EXPECT_EQ((refused.output + refused.error).find(" 32:0"), std::string::npos)
+        << refused.output << refused.error;
     EXPECT_EQ(server.changingCalls(), std::vector<std::string>());
     std::smatch code;
     ASSERT_TRUE(
