@@ -639,6 +639,7 @@ std::string withRanges(const std::string& text) {
 }
 
 CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
+    const bool isLosing = !plan.losses().empty();
     CarryOut way;
     way.sentence =
         plan.consent.empty() ? "To carry it out:" : "To agree to exactly this, and carry it out:";
@@ -654,7 +655,7 @@ CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
         [](const ControllerPlanning& each) { return each.disposition == Disposition::skipped; });
     const bool isPlain = file.find(' ') == std::string::npos;
     way.commands.push_back("zolexctl apply " + (isPlain ? file : "\"" + file + "\"") +
-                           (plan.consent.empty() ? "" : " --destroy " + plan.consent) +
+                           (isLosing ? " --destroy " + plan.consent : "") +
                            (hasSkipped ? " --allow-skipped" : ""));
     return way;
 }

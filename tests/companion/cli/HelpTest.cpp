@@ -26,6 +26,7 @@ TEST(Help, OfTheProgramNamesTheCommands) {
               "  record   keep every utility call of a capture\n"
               "  replay   run a command on a recording\n"
               "  convert  policies for zolex, of drives told by kind\n"
+              "  guard    zolex, but only when all of it can be done\n"
               "  explain  what a finding or an exit code means\n"
               "\n"
               "options:\n"
