@@ -25,13 +25,19 @@ struct Sampled {
 };
 
 const std::vector<Sampled>& samples() {
-    static const std::vector<Sampled> all = [] {
-        std::vector<Sampled> made;
+    static const std::vector<Snapshot> snapshots = [] {
+        std::vector<Snapshot> made;
         for (const std::string& name : companion::test::SimulatedPlatform::samples()) {
             companion::test::SimulatedPlatform platform(name);
-            const auto* const snapshot = new Snapshot(captureMachine(platform, {}));
-            for (std::size_t i = 0; i < snapshot->details.size(); ++i) {
-                made.push_back({snapshot, i});
+            made.push_back(captureMachine(platform, {}));
+        }
+        return made;
+    }();
+    static const std::vector<Sampled> all = [] {
+        std::vector<Sampled> made;
+        for (const Snapshot& snapshot : snapshots) {
+            for (std::size_t i = 0; i < snapshot.details.size(); ++i) {
+                made.push_back({&snapshot, i});
             }
         }
         return made;

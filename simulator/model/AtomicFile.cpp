@@ -6,8 +6,32 @@
 #include <random>
 #include <system_error>
 
+#ifndef _WIN32
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 namespace zolex_sim {
 namespace {
+
+/// A controller keeps what it was told when the power goes, and so must the file that stands for
+/// it. True where the system cannot say.
+#ifdef _WIN32
+bool bringToDisk(const std::filesystem::path& /*fileOrFolder*/) {
+    return true;
+}
+#else
+bool bringToDisk(const std::filesystem::path& fileOrFolder) {
+    const int descriptor = ::open(fileOrFolder.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool done = ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
+    ::close(descriptor);
+    return done;
+}
+#endif
 
 bool writeWhole(const std::filesystem::path& file, std::string_view text,
                 const StepFailure& fails) {
@@ -24,7 +48,8 @@ bool writeWhole(const std::filesystem::path& file, std::string_view text,
         return false;
     }
     stream.close();
-    return !stream.fail() && !failed(ReplaceStep::close);
+    return !stream.fail() && !failed(ReplaceStep::close) && bringToDisk(file) &&
+           !failed(ReplaceStep::sync);
 }
 
 } // namespace
@@ -39,6 +64,10 @@ bool replaceFile(const std::filesystem::path& file, std::string_view text,
     if (writeWhole(temporary, text, fails) && !(fails && fails(ReplaceStep::rename))) {
         std::filesystem::rename(temporary, file, error);
         if (!error) {
+            // It has been replaced; when the folder cannot be brought to the disk, a power cut may
+            // bring back the old file, which is whole too.
+            const std::filesystem::path folder = file.parent_path();
+            bringToDisk(folder.empty() ? "." : folder);
             return true;
         }
     }

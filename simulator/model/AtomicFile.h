@@ -11,14 +11,14 @@
 namespace zolex_sim {
 
 /// Steps of replacing a file, in order.
-enum class ReplaceStep : std::uint8_t { create, write, close, rename };
+enum class ReplaceStep : std::uint8_t { create, write, close, sync, rename };
 
 /// Asked before each step whether it is to fail; for tests.
 using StepFailure = std::function<bool(ReplaceStep)>;
 
 /// Replaces the file by one that holds `text`: whoever reads it at any moment finds either what it
-/// held before or all of the new text. False when that failed; the file is then what it was, and
-/// nothing is left beside it.
+/// held before or all of the new text, also when the power goes (on Linux). False when that failed;
+/// the file is then what it was, and nothing is left beside it.
 bool replaceFile(const std::filesystem::path& file, std::string_view text,
                  const StepFailure& fails = {});
 

@@ -220,8 +220,8 @@ TEST(ServerFolder, AFailureAtAnyStepOfSavingLeavesTheOldState) {
     EXPECT_EQ(run.util("-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
     const std::string before = folder.read("state.json");
     const auto files = std::vector<std::string>{"server.json", "state.json"};
-    for (const ReplaceStep step :
-         {ReplaceStep::create, ReplaceStep::write, ReplaceStep::close, ReplaceStep::rename}) {
+    for (const ReplaceStep step : {ReplaceStep::create, ReplaceStep::write, ReplaceStep::close,
+                                   ReplaceStep::sync, ReplaceStep::rename}) {
         run.environment.failsToSave = [step](ReplaceStep at) { return at == step; };
         const Outcome result = run.util("-CFGCLR -A0 -SILENT");
         EXPECT_EQ(result.exitCode, 1);
@@ -252,7 +252,7 @@ TEST(ServerFolder, TheStateFileIsWholeAtEveryStepOfSaving) {
         return false;
     };
     EXPECT_EQ(run.util("-CfgLdAdd R0 [8:1] -a0").exitCode, 0);
-    EXPECT_EQ(steps, 4);
+    EXPECT_EQ(steps, 5);
     EXPECT_NE(folder.read("state.json"), before);
 }
 

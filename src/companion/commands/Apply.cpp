@@ -100,7 +100,7 @@ class SavedPlan {
         }
         const std::string journal =
             options_.journal.empty() ? journalFileOf(options_.plan) : options_.journal;
-        if (auto obstacle = journalObstacle(context_, journal, chosen_.plan.command)) {
+        if (auto obstacle = journalObstacle(context_, journal, planCommand(chosen_.plan))) {
             return run_.refuse(obstacle->exitCode, obstacle->what, obstacle->help);
         }
         return run_.carryOut(chosen_);

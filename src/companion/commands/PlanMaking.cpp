@@ -48,7 +48,7 @@ std::string machineArguments(const MachineOptions& machine) {
     addArgument(command, "--recording", machine.recording);
     addArgument(command, "--utilities", machine.utilitiesFolder);
     for (const auto& [name, path] : machine.utilities) {
-        addArgument(command, "--utility", name + "=" + path);
+        addArgument(command, "--utility", std::string(name).append("=").append(path));
     }
     addArgument(command, "--machine-type", machine.machineType);
     addArgument(command, "--serial", machine.serialNumber);

@@ -246,8 +246,7 @@ const ControllerSnapshot* capturedController(const Snapshot& snapshot, std::int3
 }
 
 std::string planAgainHelp(const MachinePlan& plan) {
-    return (plan.command.empty() ? "zolexctl plan POLICIES" : printable(plan.command)) +
-           " plans from what is there";
+    return printable(planCommand(plan)) + " plans from what is there";
 }
 
 std::optional<RunFault> captureFault(const Snapshot& snapshot) {

@@ -399,9 +399,8 @@ class JournalWriter {
     }
 
     [[nodiscard]] std::string planCommand() const {
-        const bool isKnown = terms_.plan != nullptr && !terms_.plan->policiesFile.empty();
-        return "zolexctl plan " +
-               (isKnown ? printable(terms_.plan->policiesFile) : std::string("POLICIES"));
+        return terms_.plan == nullptr ? "zolexctl plan POLICIES"
+                                      : printable(companion::planCommand(*terms_.plan));
     }
 
     void tell(const std::string& text, Emphasis emphasis) {

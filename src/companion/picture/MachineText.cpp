@@ -116,7 +116,7 @@ class Writer {
     [[nodiscard]] static std::string driveName(const DriveFacts& facts, const Brevity& brevity) {
         const bool bare = !brevity.manufacturers && !facts.model.empty();
         std::string model = bare ? printable(facts.model) : modelOf(facts);
-        const std::string serial = printable(lastCharacters(facts.serialNumber, 4));
+        std::string serial = printable(lastCharacters(facts.serialNumber, 4));
         if (!brevity.models && !serial.empty()) {
             return serial;
         }

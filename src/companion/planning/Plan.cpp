@@ -9,6 +9,7 @@
 #include "companion/planning/Refusals.h"
 #include "companion/planning/Steps.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zolex::companion {
@@ -23,6 +24,19 @@ std::string planCommand(const PlanRequest& request, const std::vector<std::strin
         command += (&id == &accept.front() ? " --accept " : ",") + id;
     }
     return command;
+}
+
+std::string planCommand(const MachinePlan& plan) {
+    if (!plan.command.empty()) {
+        return plan.command;
+    }
+    const bool isReset =
+        plan.policiesFile.empty() &&
+        std::all_of(plan.controllers.begin(), plan.controllers.end(),
+                    [](const ControllerPlanning& planning) {
+                        return planning.after.groups.empty() && planning.after.spares.empty();
+                    });
+    return isReset ? "zolexctl reset" : "zolexctl plan " + policiesArgument(plan.policiesFile);
 }
 
 MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {

@@ -228,6 +228,10 @@ struct PlanRequest {
 [[nodiscard]] std::string planCommand(const PlanRequest& request,
                                       const std::vector<std::string>& accept);
 
+/// What is typed to make this plan again from what is there; of one that was read, as far as it
+/// tells.
+[[nodiscard]] std::string planCommand(const MachinePlan& plan);
+
 /// Plans the captured machine. Reads only. A fault on any controller leaves no steps anywhere that
 /// would run, and all faults are told. It is not rehearsed yet, and has no id.
 [[nodiscard]] MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request);

@@ -10,7 +10,7 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::uint64_t smallestStripBytes = 8 * 1024; ///< code 0
+constexpr std::uint64_t smallestStripBytes = 8192; ///< code 0
 
 /// A logical drive alone on its array.
 struct OneDrive {

@@ -327,6 +327,33 @@ TEST(CommandLine, KnowsHelpAndVersion) {
     EXPECT_FALSE(readArguments({}).wantsHelp);
 }
 
+TEST(CommandLine, TakesZolexBehindGuard) {
+    const Request request = requestOf({"guard", "--destroy", "7q4k2m9d", "--accept", "za206,ZX701",
+                                       "--", "zolex", "/r", "--help", "-x"});
+    EXPECT_EQ(request.command, Command::guard);
+    EXPECT_EQ(request.guard.command, (std::vector<std::string>{"zolex", "/r", "--help", "-x"}));
+    EXPECT_EQ(request.guard.destroy, (DestroyWish{DestroyWish::Kind::code, "7Q4K-2M9D"}));
+    EXPECT_EQ(request.guard.accept, (std::vector<std::string>{"ZA206", "ZX701"}));
+    EXPECT_EQ(requestOf({"guard", "--", "zolex"}).guard.destroy.kind, DestroyWish::Kind::ask);
+    const std::string help = "\nzolexctl guard -- zolex /r /y /f:site.ini";
+    EXPECT_EQ(faultOf({"guard"}), "guard needs zolex and its arguments behind --" + help);
+    EXPECT_EQ(faultOf({"guard", "--"}), "guard needs zolex and its arguments behind --" + help);
+    EXPECT_EQ(
+        faultOf({"guard", "zolex", "/r"}),
+        "guard does not take \"zolex\"\nzolex stands behind --: zolexctl guard -- zolex /r /y "
+        "/f:site.ini");
+    EXPECT_EQ(faultOf({"guard", "--destroy", "own", "--", "zolex", "/r"}),
+              "--destroy own needs --certificates: without one nothing is known to be your own\n"
+              "name the folder of the certificates: --certificates proofs");
+    for (const char* const option : {"--recording", "--controller", "--serial", "--utility"}) {
+        EXPECT_EQ(faultOf({"guard", option, "1", "--", "zolex"}),
+                  std::string("guard does not take ") + option + "\nzolexctl guard --help");
+    }
+    EXPECT_EQ(faultOf({"guard", "--accept", "ZA999", "--", "zolex"}),
+              "--accept: there is no finding \"ZA999\"; they are such as ZX701\n"
+              "zolexctl guard --help");
+}
+
 TEST(CommandLine, NamesTheNearestRightWord) {
     EXPECT_EQ(faultOf({"shwo"}), "there is no command \"shwo\"; did you mean show?\n"
                                  "zolexctl --help");

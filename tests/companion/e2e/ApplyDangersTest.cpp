@@ -25,19 +25,6 @@ std::string custom(const std::string& arrays, const std::string& drives,
            "Logical_Mode = CUSTOM\n" + drives;
 }
 
-/// Arrays of two drives, each a mirror.
-std::string mirrors(int count, const std::string& spares) {
-    std::string arrays;
-    std::string drives;
-    for (int i = 0; i < count; ++i) {
-        const char letter = static_cast<char>('A' + i);
-        arrays += std::string("Array.") + letter + " = " + std::to_string(2 * i + 1) + "," +
-                  std::to_string(2 * i + 2) + "\n";
-        drives += "Logical." + std::to_string(i + 1) + " = " + letter + ":FILL:1:ON\n";
-    }
-    return custom(arrays, drives, spares);
-}
-
 // --- policies that cannot be carried out: the configured server stays as it is ---
 
 struct Untouched {

@@ -29,7 +29,6 @@ class GuardedServer : public PlannedServer {
     explicit GuardedServer(const std::string& what, const std::string& deployed = {})
         : PlannedServer(what) {
         environment["TMPDIR"] = folder().string(); // for the lock of the machine
-        environment["TEMP"] = folder().string();
         fs::copy_file(ZOLEX_UNPAUSED_PROGRAM, folder() / programName);
         if (!deployed.empty()) {
             write("deployed.ini", deployed);
