@@ -18,9 +18,10 @@ TEST_F(ApplyTest, CarriesAPlanOut) {
     const ApplySeen seen = applyPlan();
     EXPECT_EQ(seen.exitCode, 0);
     EXPECT_EQ(seen.error, "");
-    EXPECT_EQ(seen.output,
-              std::string(asPlannedFor) +
-                  R"(State      8 drives, no logical drives                           as planned for
+    EXPECT_EQ(
+        seen.output,
+        std::string(asPlannedFor) +
+            R"(State      8 drives, no logical drives                            as planned for
 Consent    nothing is lost                                        not needed
 Journal    plan.journal.jsonl
 
@@ -294,8 +295,8 @@ TEST_F(ApplyTest, KeepsALog) {
     EXPECT_TRUE(log.starts_with("before\n")) << log;
     for (const char* const line :
          {": zolexctl apply plan.json\n", " machine 8837 KQ10Z7V\n",
-          " step 1 of 3, controller 1, create A: RAID1 on 32:0 32:1: UTIL.BAT MEGACLI -CfgLdAdd R1 "
-          "[ 32:0,32:1 ] WB ADRA -strpsz 64 -a0\n",
+          " step 1 of 3, controller 1, create A: RAID1 on 32:0 32:1: UTIL.BAT MEGACLI  -CfgLdAdd "
+          "R1   [ 32:0,32:1 ]   WB   ADRA   -strpsz 64  -a0\n",
           " step 1 of 3: pid 4711\n", " step 1 of 3: exit 0, accepted, 0.700 s, ",
           "\n  | Adapter 0: Created VD 0\n", " controller 1: configured\n",
           " end: exit code 0\n"}) {

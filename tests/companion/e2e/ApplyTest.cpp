@@ -394,7 +394,7 @@ TEST_F(ApplyTest, AUtilityThatRefusesStopsIt) {
     expectPieces(run.output, {"FAILED", "exit 38"});
     EXPECT_EQ(run.error,
               R"(error: step 3 of 4 was refused (exit code 38): create B: RAID5 on 32:2 32:3 32:4
-       32:5 32:6
+       32:5 32:6 [ZA111]
   UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4,32:5,32:6 ]   WB   ADRA   -strpsz 64  -a0
   | FW error description:
   |   The drive is busy.
