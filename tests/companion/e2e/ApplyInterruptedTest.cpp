@@ -298,7 +298,7 @@ TEST_F(ApplyInterruptedTest, ASecondRunOfThePlanIsRefused) {
     const ProgramRun second = server.start(ZOLEXCTL_PROGRAM, {"apply", "plan.json"});
     EXPECT_EQ(second.exitCode, 3) << second.output << second.error;
     expectPieces(second.error,
-                 {"error: plan.journal.jsonl: this run was begun on ", "has not ended\n"});
+                 {"error: plan.journal.jsonl: this run was begun on ", "has not ended [ZA106]\n"});
     const ProgramRun resumed =
         server.start(ZOLEXCTL_PROGRAM, {"apply", "--resume", "plan.journal.jsonl"});
     EXPECT_EQ(resumed.exitCode, 3) << resumed.output << resumed.error;
