@@ -161,7 +161,7 @@ void ApplyTeller::happened(const JournalEvent& event) {
     if (context_.format == Format::json && terms_.lastLine) {
         context_.platform.console().writeOutput(terms_.lastLine() + "\n");
     }
-    std::visit([this](const auto& each) { tell(each); }, event);
+    std::visit([this](const auto& each) { this->tell(each); }, event);
 }
 
 void ApplyTeller::tell(const JournalBegin& /*begin*/) {

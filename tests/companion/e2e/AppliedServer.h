@@ -25,7 +25,8 @@ inline std::string withEach(const std::string& text, const char* pattern, const 
 inline std::string withoutTimesOfRun(std::string text) {
     text = withEach(text, "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:.]+([+-][0-9:]+|Z)", "TIME");
     text = withEach(text, "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}(:[0-9]{2})?", "TIME");
-    text = withEach(text, " +[0-9]+\\.[0-9] s", " N s");
+    text = withEach(text, " +[0-9]+\\.[0-9]+ s", " N s");
+    text = withEach(text, "[0-9]+ bytes printed", "N bytes printed");
     text = withEach(text, " +[0-9]+ ms", " N s");
     text = withEach(text, "[0-9a-f]{64}", "HASH");
     text = withEach(text, "[0-9a-f]{8}\\.\\.\\.[0-9a-f]{8}", "HASH");
