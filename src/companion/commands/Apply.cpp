@@ -17,7 +17,7 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr const char* notPlanned = "the plan cannot be carried out: nothing was changed";
+constexpr const char* notPlanned = "the plan cannot be carried out: nothing was changed [ZA109]";
 
 /// "zolexctl apply plan.json --controller 2".
 std::string applyCommand(const Context& context, const ApplyOptions& options) {
@@ -88,7 +88,8 @@ class SavedPlan {
         if (const std::int32_t missing = controllerNotPlanned(); missing > 0) {
             return run_.refuse(
                 exit_code::notPossible,
-                printable(options_.plan) + " is not for controller " + std::to_string(missing),
+                printable(options_.plan) + " is not for controller " + std::to_string(missing) +
+                    " [ZA109]",
                 {"zolexctl show " + typedWord(options_.plan) + " tells what it is for"});
         }
         if (!chosen_.plan.isApplicable()) {
@@ -221,9 +222,7 @@ class Resumption {
             return run_.refuse(
                 exit_code::refused,
                 printable(options_.resume) + ": this run was carried out on " +
-                    history.entries.back().at +
-                    ", and there is nothing to go on "
-                    "with",
+                    history.entries.back().at + ", and there is nothing to go on with [ZA106]",
                 {"zolexctl show " + typedWord(options_.resume) + " tells what was done"});
         }
         ChosenPlan chosen;
@@ -238,7 +237,8 @@ class Resumption {
         if (fault.code == problem::nothingBegun) {
             return run_.refuse(exit_code::refused,
                                printable(options_.resume) +
-                                   ": nothing was begun, and there is nothing to go on with",
+                                   ": nothing was begun, and there is nothing to go on with "
+                                   "[ZA187]",
                                {"carry out the plan itself: zolexctl apply PLAN.json"});
         }
         std::string what = printable(options_.resume);
@@ -267,8 +267,8 @@ class Resumption {
         }
         if (reading.hash != begin.planHash) {
             return run_.refuse(exit_code::refused,
-                               printable(chosen.file) + " is not the plan of this run: its bytes "
-                                                        "are others",
+                               printable(chosen.file) + " is not the plan of this run: its "
+                                                        "bytes are others [ZA116]",
                                {"put the plan " + begin.planId + " back in its place",
                                 planningCommand(reading) + " plans from what is there"});
         }

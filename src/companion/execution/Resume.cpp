@@ -285,6 +285,7 @@ class Resumption {
                 }
                 std::optional<std::string> output = run_.takeOutput(mostJournalOutput);
                 if (!output || output->empty()) {
+                    run_.removeOutput();
                     return;
                 }
                 JournalStepEnded ended;
@@ -298,6 +299,7 @@ class Resumption {
                 return;
             }
         }
+        run_.removeOutput(); // the journal has it
     }
 
     /// Where the run goes on with one controller.

@@ -639,9 +639,9 @@ std::string withRanges(const std::string& text) {
 }
 
 CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
+    const bool isLosing = !plan.losses().empty();
     CarryOut way;
-    way.sentence =
-        plan.consent.empty() ? "To carry it out:" : "To agree to exactly this, and carry it out:";
+    way.sentence = isLosing ? "To agree to exactly this, and carry it out:" : "To carry it out:";
     const std::string file = savedTo.empty() ? "plan.json" : savedTo;
     if (savedTo.empty()) {
         const std::string command = plan.command.empty()
@@ -654,7 +654,7 @@ CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
         [](const ControllerPlanning& each) { return each.disposition == Disposition::skipped; });
     const bool isPlain = file.find(' ') == std::string::npos;
     way.commands.push_back("zolexctl apply " + (isPlain ? file : "\"" + file + "\"") +
-                           (plan.consent.empty() ? "" : " --destroy " + plan.consent) +
+                           (isLosing ? " --destroy " + plan.consent : "") +
                            (hasSkipped ? " --allow-skipped" : ""));
     return way;
 }

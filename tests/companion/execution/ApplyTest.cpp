@@ -371,7 +371,7 @@ TEST_F(Apply, UtilityLiesOfWhatIsLost) {
     });
     ASSERT_NE(now, end.details.end());
     EXPECT_EQ(*now, "now on controller 1: hot spare 32:5 stands, array A, array B do not; "
-                    "still there: LD 1");
+                    "still there: LD 0");
 }
 
 TEST_F(Apply, UtilityRefuses) {
