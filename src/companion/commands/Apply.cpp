@@ -86,14 +86,15 @@ class SavedPlan {
         chosen_.controllers = context_.machine.controllers;
         chosen_.allowSkipped = options_.allowSkipped;
         if (const std::int32_t missing = controllerNotPlanned(); missing > 0) {
-            return run_.refuse(exit_code::notPossible,
-                               printable(options_.plan) + " is not for controller " +
-                                   std::to_string(missing) + " [ZA109]",
-                               {"zolexctl show " + options_.plan + " tells what it is for"});
+            return run_.refuse(
+                exit_code::notPossible,
+                printable(options_.plan) + " is not for controller " + std::to_string(missing) +
+                    " [ZA109]",
+                {"zolexctl show " + typedWord(options_.plan) + " tells what it is for"});
         }
         if (!chosen_.plan.isApplicable()) {
             return run_.refuse(exit_code::notPossible, notPlanned,
-                               {"zolexctl show " + options_.plan + " tells why"});
+                               {"zolexctl show " + typedWord(options_.plan) + " tells why"});
         }
         if (!chosen_.plan.changesSomething()) {
             return run_.carryOut(chosen_);
@@ -218,11 +219,11 @@ class Resumption {
         const JournalHistory& history = *reading.journal;
         const JournalEnd* const end = history.end();
         if (end != nullptr && end->exitCode == exit_code::done) {
-            return run_.refuse(exit_code::refused,
-                               printable(options_.resume) + ": this run was carried out on " +
-                                   history.entries.back().at +
-                                   ", and there is nothing to go on with [ZA106]",
-                               {"zolexctl show " + options_.resume + " tells what was done"});
+            return run_.refuse(
+                exit_code::refused,
+                printable(options_.resume) + ": this run was carried out on " +
+                    history.entries.back().at + ", and there is nothing to go on with [ZA106]",
+                {"zolexctl show " + typedWord(options_.resume) + " tells what was done"});
         }
         ChosenPlan chosen;
         if (const int code = readPlan(history.begin(), chosen); code != exit_code::done) {

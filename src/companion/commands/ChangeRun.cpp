@@ -11,10 +11,10 @@
 #include "companion/text/StyleChoice.h"
 #include "companion/text/Table.h"
 #include "companion/text/Timestamp.h"
+#include "companion/text/TypedWord.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace zolex::companion {
@@ -170,11 +170,25 @@ bool ChangeRun::begin() {
 }
 
 bool ChangeRun::outputsAreOthers() {
-    const std::array<std::string, 4> inputs = {options_.plan, options_.resume,
-                                               options_.policies.file, journalFile_};
+    using output_file::areOne;
+    using output_file::systemName;
+    std::vector<std::string> others = {options_.plan, options_.resume, options_.policies.file,
+                                       journalFile_};
+    others.insert(others.end(), options_.timings.begin(), options_.timings.end());
+    std::erase(others, std::string());
+    for (const std::string& file : std::vector<std::string>(others)) {
+        others.push_back(file + ".lock");
+        others.push_back(file + ".out");
+    }
+    const auto isOne = [](const std::string& one, const std::string& other) {
+        return areOne(systemName(one), systemName(other));
+    };
+    const bool isBoth = !options_.certificate.empty() && isOne(options_.certificate, options_.log);
     for (const std::string& output : {options_.certificate, options_.log}) {
-        const bool isInput = std::find(inputs.begin(), inputs.end(), output) != inputs.end();
-        if (!output.empty() && (isInput || options_.certificate == options_.log)) {
+        const bool isOther =
+            std::any_of(others.begin(), others.end(),
+                        [&](const std::string& other) { return isOne(output, other); });
+        if (!output.empty() && (isOther || isBoth)) {
             failWith(context_, printable(output) + " would be written for two things",
                      "give each its own name; nothing was changed");
             return false;
@@ -383,6 +397,9 @@ bool ChangeRun::certify(const ChosenPlan& chosen, const ApplyTerms& terms, const
                         std::string& told) {
     const std::string name = certificateFile(chosen.plan);
     if (name.empty() || !end.captured || journal_ == nullptr) {
+        if (!options_.certificate.empty() && journal_ == nullptr) {
+            told = "Certificate " + printable(name) + " is not written: nothing was run\n";
+        }
         return true;
     }
     Certificate certificate = certificateOf(chosen.plan, end, terms);
@@ -427,7 +444,8 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
                                false};
     }
     const JournalEnd* const end = reading.journal->end();
-    const std::string resume = "zolexctl apply --resume " + journalFile + " goes on with it";
+    const std::string resume =
+        "zolexctl apply --resume " + typedWord(journalFile) + " goes on with it";
     const std::string plan = again + " plans from what is there";
     if (end == nullptr) {
         return JournalObstacle{exit_code::refused,

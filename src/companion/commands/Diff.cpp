@@ -134,7 +134,7 @@ class DiffCommand {
         madeAt_ = timestampOf(machine.localTime());
         MachineDiff diff = certificate_
                                ? diffOf(snapshot, *certificate_, context_.machine.controllers)
-                           : plan_ ? diffOf(snapshot, *plan_)
+                           : plan_ ? diffOf(snapshot, *plan_, context_.machine.controllers)
                                    : diffOf(planMachine(snapshot, request_));
         diff.wantedBy = request_.policiesFile;
         isDelivered_ = true;

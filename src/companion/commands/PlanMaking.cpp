@@ -34,10 +34,6 @@ std::string commandOf(const Context& context, const PlanOptions& options) {
 
 } // namespace
 
-std::string typedWord(const std::string& word) {
-    return word.find(' ') == std::string::npos ? word : "\"" + word + "\"";
-}
-
 std::string machineArguments(const MachineOptions& machine) {
     std::string command;
     std::string numbers;

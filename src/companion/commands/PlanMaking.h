@@ -4,6 +4,7 @@
 #include "companion/findings/Finding.h"
 #include "companion/machine/Utilities.h"
 #include "companion/planning/Plan.h"
+#include "companion/text/TypedWord.h"
 
 #include <chrono>
 #include <optional>
@@ -45,8 +46,5 @@ class PlanMaker {
 
 /// The options of a machine as they are typed: " --controller 2 --serial X".
 [[nodiscard]] std::string machineArguments(const MachineOptions& machine);
-
-/// The word as it is typed.
-[[nodiscard]] std::string typedWord(const std::string& word);
 
 } // namespace zolex::companion

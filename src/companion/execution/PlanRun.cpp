@@ -5,6 +5,7 @@
 #include "companion/execution/RunCodes.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
+#include "companion/text/TypedWord.h"
 #include "foundation/FileSystem.h"
 
 #include <algorithm>
@@ -436,7 +437,7 @@ void PlanRun::tellNow(const ControllerProgress& progress, RunFault& fault) {
 }
 
 std::string PlanRun::resumeHelp(const std::string& when) const {
-    return "zolexctl apply --resume " + printable(terms.journalFile) + " " + when;
+    return "zolexctl apply --resume " + printable(typedWord(terms.journalFile)) + " " + when;
 }
 
 // What stands.
@@ -450,8 +451,18 @@ bool PlanRun::check(ControllerProgress& progress) {
     const std::string where =
         progress.next == 0 ? "before step 1"
                            : "after " + stepName(planning.steps[progress.next - 1], totalSteps_);
-    if (found == nullptr || captureFault(snapshot)) {
-        RunFault fault = captureFault(snapshot).value_or(RunFault());
+    const std::optional<RunFault> unread = captureFault(snapshot);
+    if ((found == nullptr || unread) && system.interruption() != Interruption::none) {
+        // What read it was interrupted, too.
+        stopRun({apply_code::stopped,
+                 "interrupted while what stands " + where + " was read",
+                 {},
+                 {resumeHelp("looks again and goes on")},
+                 std::string(run_problem::runInterrupted)});
+        return false;
+    }
+    if (found == nullptr || unread) {
+        RunFault fault = unread.value_or(RunFault());
         fault.exitCode = apply_code::different;
         fault.what = "what stands " + where + " could not be captured";
         fault.code = run_problem::endNotRead;
@@ -564,6 +575,11 @@ void PlanRun::verifyController(ControllerProgress& progress, const Snapshot& sna
         return;
     }
     progress.isChecked = true;
+    for (const std::string& line : comparison.health) {
+        // It is as planned, and yet not in order.
+        verified.lines.push_back(name + printable(line));
+        guarded([&] { listener.note("warning: " + verified.lines.back()); });
+    }
     if (comparison.result == Sameness::equivalent) {
         if (verified.result == Result::asPlanned) {
             verified.result = Result::equivalent;
@@ -663,6 +679,11 @@ RunFault PlanRun::wholeFault() {
                 whole.help.push_back(help);
             }
         }
+    }
+    if (whole.exitCode == apply_code::different &&
+        !std::all_of(controllers.begin(), controllers.end(),
+                     [](const ControllerProgress& each) { return each.isDone(); })) {
+        whole.exitCode = apply_code::stopped; // not every command was run
     }
     if (whole.exitCode == apply_code::stopped || whole.exitCode == apply_code::different) {
         tellRemaining(whole);

@@ -11,10 +11,15 @@ namespace zolex::companion {
 
 namespace {
 
+/// Of the machine alone: plans of other controllers of it must not be carried out beside each
+/// other.
 std::string machineLockName(ExecutionSystem& system, const MachinePlan& plan) {
     constexpr std::size_t digits = 16;
+    Fingerprint machine;
+    machine.machineType = plan.fingerprint.machineType;
+    machine.serialNumber = plan.fingerprint.serialNumber;
     return system.commonFolder() + (system::isWindows ? "\\" : "/") + "zolexctl-" +
-           plan.fingerprint.identity.substr(0, digits) + ".lock";
+           identityHash(machine).substr(0, digits) + ".lock";
 }
 
 } // namespace
@@ -34,11 +39,13 @@ std::optional<RunFault> RunLocks::takeOne(ExecutionSystem& system, const std::st
     LockAnswer answer = system.lock(name);
     const std::string holder = "pid " + std::to_string(answer.holder.pid);
     if (!answer.lock && answer.holder.pid == 0) {
-        return RunFault{apply_code::notPossible,
-                        printable(name) + " cannot be locked: " + printable(answer.fault),
-                        {},
-                        {"make its folder writable; nothing was changed"},
-                        std::string(run_problem::journalNotWritten)};
+        return RunFault{
+            apply_code::notPossible,
+            printable(name) + " cannot be locked: " + printable(answer.fault),
+            {},
+            {"every run makes this file: make room or rights for it, or remove what is in its "
+             "place; nothing was changed"},
+            std::string(run_problem::journalNotWritten)};
     }
     if (!answer.lock) {
         return RunFault{apply_code::refused,

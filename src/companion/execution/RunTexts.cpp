@@ -43,9 +43,39 @@ std::vector<std::string> commandLines(const PlanStep& step, const std::string& o
     return lines;
 }
 
+namespace {
+
+/// Logical drives that the plan removes, and that stand all the same: not over drives on which
+/// what is planned stands already.
+std::vector<std::string> notRemoved(const ControllerPlanning& planning, const Layout& found,
+                                    const Comparison& comparison) {
+    std::vector<std::string> ids;
+    for (const Loss& loss : planning.losses) {
+        std::vector<std::string> drives = loss.drives;
+        std::sort(drives.begin(), drives.end(), locationStandsBefore);
+        bool isReplaced = loss.kind != "logical_drive";
+        for (std::size_t i = 0; i < planning.after.groups.size(); ++i) {
+            isReplaced = isReplaced || (planning.after.groups[i].drives() == drives &&
+                                        comparison.groups[i].volumesThatStand > 0);
+        }
+        for (const LayoutGroup& group : found.groups) {
+            for (const LayoutVolume& volume : group.volumes) {
+                if (!isReplaced && group.drives() == drives && volume.raidType == loss.raidType &&
+                    std::find(ids.begin(), ids.end(), volume.id) == ids.end()) {
+                    ids.push_back(volume.id);
+                }
+            }
+        }
+    }
+    return ids;
+}
+
+} // namespace
+
 std::string nowLine(const ControllerPlanning& planning, const Facts& facts) {
+    const Layout found = capturedLayout(facts);
     const Comparison comparison =
-        compareLayouts(facts, capturedLayout(facts), planning.after, {planning.controller.utility});
+        compareLayouts(facts, found, planning.after, {planning.controller.utility});
     std::string stands;
     std::string missing;
     std::size_t standing = 0;
@@ -70,18 +100,24 @@ std::string nowLine(const ControllerPlanning& planning, const Facts& facts) {
         add(line,
             missing + verb(lacking, " does not", " do not") + (stands.empty() ? " stand" : ""));
     }
-    const auto others = static_cast<std::size_t>(std::count_if(
-        comparison.differences.begin(), comparison.differences.end(),
-        [](const Difference& difference) { return difference.attribute == "surplus"; }));
-    if (others == 0 && !planning.losses.empty()) {
-        line += "; what the plan removes is gone";
+    std::vector<std::string> others = notRemoved(planning, found, comparison);
+    for (std::string& id : others) {
+        id.insert(0, "LD ");
     }
     for (const Difference& difference : comparison.differences) {
-        if (difference.attribute == "surplus") {
-            line += "; still there: " + (difference.logicalDrive.empty()
-                                             ? "hot spare " + difference.location
-                                             : "LD " + difference.logicalDrive);
+        const std::string name = difference.logicalDrive.empty()
+                                     ? "hot spare " + difference.location
+                                     : "LD " + difference.logicalDrive;
+        if (difference.attribute == "surplus" &&
+            std::find(others.begin(), others.end(), name) == others.end()) {
+            others.push_back(name);
         }
+    }
+    if (others.empty() && !planning.losses.empty()) {
+        line += "; what the plan removes is gone";
+    }
+    for (const std::string& other : others) {
+        line += "; still there: " + other;
     }
     return "now on controller " + std::to_string(planning.controller.number) + ": " +
            (line.empty() ? "nothing stands" : printable(line));

@@ -149,11 +149,7 @@ Fingerprint fingerprintOf(const Snapshot& snapshot) {
     print.strength = strengthOf(snapshot);
     print.machineType = snapshot.machine.machineType.view();
     print.serialNumber = toldSerial(snapshot.machine.serialNumber);
-    std::string identity;
     std::string state;
-    append(identity, Fingerprint::algorithm);
-    append(identity, print.machineType);
-    append(identity, print.serialNumber);
     append(state, Fingerprint::algorithm);
     for (const ControllerSnapshot& controller : snapshot.details) {
         Fingerprint::Controller& part = print.controllers.emplace_back();
@@ -162,16 +158,26 @@ Fingerprint fingerprintOf(const Snapshot& snapshot) {
         part.ids = controller.pciIds;
         part.model = controller.model;
         part.serialNumber = toldSerial(controller.facts.serialNumber);
-        append(identity, std::to_string(part.number));
-        append(identity, part.pci);
-        append(identity, part.ids);
-        append(identity, part.model);
-        append(identity, part.serialNumber);
         state += stateText(controller);
     }
-    print.identity = sha256(identity);
+    print.identity = identityHash(print);
     print.state = sha256(state);
     return print;
+}
+
+std::string identityHash(const Fingerprint& print) {
+    std::string identity;
+    append(identity, Fingerprint::algorithm);
+    append(identity, print.machineType);
+    append(identity, print.serialNumber);
+    for (const Fingerprint::Controller& controller : print.controllers) {
+        append(identity, std::to_string(controller.number));
+        append(identity, controller.pci);
+        append(identity, controller.ids);
+        append(identity, controller.model);
+        append(identity, controller.serialNumber);
+    }
+    return sha256(identity);
 }
 
 std::string layoutHash(const Facts& facts) {

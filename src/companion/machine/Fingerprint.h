@@ -44,6 +44,9 @@ struct Fingerprint {
 
 [[nodiscard]] Fingerprint fingerprintOf(const Snapshot& snapshot);
 
+/// The hash of the machine and the controllers that a fingerprint tells of.
+[[nodiscard]] std::string identityHash(const Fingerprint& print);
+
 /// "good", "failed", "missing", "foreign", "rebuilding". Good drives change between free, member
 /// and spare with the layout; what is wrong with one is a state of its own.
 [[nodiscard]] std::string_view driveCondition(const DriveFacts& drive);

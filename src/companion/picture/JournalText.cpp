@@ -3,6 +3,7 @@
 #include "companion/picture/TextLines.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
+#include "companion/text/TypedWord.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -365,7 +366,7 @@ class JournalWriter {
     void ending() {
         const JournalEnd* const end = journal_.end();
         const std::string resume =
-            "zolexctl apply --resume " + printable(journal_.file) + " goes on";
+            "zolexctl apply --resume " + printable(typedWord(journal_.file)) + " goes on";
         constexpr int stopped = 4;
         constexpr int different = 5;
         if (end == nullptr) {

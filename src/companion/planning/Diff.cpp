@@ -286,21 +286,35 @@ MachineDiff diffOf(const MachinePlan& plan) {
     return diff;
 }
 
-MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier) {
+MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier,
+                   const std::vector<std::int32_t>& controllers) {
+    const auto isAskedFor = [&](std::int32_t number) {
+        return controllers.empty() ||
+               std::find(controllers.begin(), controllers.end(), number) != controllers.end();
+    };
+    Fingerprint planned = earlier.fingerprint;
+    if (!controllers.empty()) {
+        std::erase_if(planned.controllers,
+                      [&](const auto& controller) { return !isAskedFor(controller.number); });
+        planned.identity = identityHash(planned);
+    }
     MachineDiff diff;
     diff.wantedBy = earlier.id;
     diff.isByPlan = true;
-    diff.fingerprint = fingerprintFor(snapshot, earlier.fingerprint);
-    const bool isOther = diff.fingerprint.identity != earlier.fingerprint.identity;
+    diff.fingerprint = fingerprintFor(snapshot, planned);
+    const bool isOther = diff.fingerprint.identity != planned.identity;
     if (isOther) {
         diff.diagnostics.push_back(problemFinding(
             problem::otherMachine, "the plan " + earlier.id + " is of another machine",
-            whatIsOther(diff.fingerprint, earlier.fingerprint, "the plan")));
+            whatIsOther(diff.fingerprint, planned, "the plan")));
         if (!earlier.policiesFile.empty()) {
             namePolicies(diff.diagnostics, earlier.policiesFile);
         }
     }
     for (const ControllerPlanning& planning : earlier.controllers) {
+        if (!isAskedFor(planning.controller.number)) {
+            continue;
+        }
         ControllerDiff& controller = diff.controllers.emplace_back();
         controller = isOther ? headOf(planning) : diffOfEarlier(snapshot, planning);
         if (isOther) {

@@ -50,7 +50,9 @@ struct MachineDiff {
 [[nodiscard]] MachineDiff diffOf(const MachinePlan& plan);
 /// A machine against a plan that was made earlier: of this machine, else every controller is
 /// unknown and `diagnostics` tell why.
-[[nodiscard]] MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier);
+/// Of controllers that are named, only those.
+[[nodiscard]] MachineDiff diffOf(const Snapshot& snapshot, const MachinePlan& earlier,
+                                 const std::vector<std::int32_t>& controllers = {});
 
 /// Gives `diff` what stands on a captured controller, held against what is wanted of it, and
 /// whether adding is enough.

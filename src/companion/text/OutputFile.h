@@ -29,6 +29,8 @@ namespace output_file {
 enum class Standing { nothing, file, protectedFile, folder, link, device };
 
 [[nodiscard]] Standing standing(const std::string& name);
+/// Whether two names are of one file, or would be: "plan.json" and "./plan.json".
+[[nodiscard]] bool areOne(const std::string& one, const std::string& other);
 /// Gives `from` the rights of `to` where that is a file, and then its name, in one step.
 [[nodiscard]] bool moveOver(const std::string& from, const std::string& to);
 /// A number that no other process has now.

@@ -63,6 +63,13 @@ Nothing to do: nothing was run.
 )");
         EXPECT_FALSE(files().contains("plan.journal.jsonl"));
     }
+    ApplyOptions options;
+    options.plan = "plan.json";
+    options.certificate = "proof.json";
+    EXPECT_NE(apply(options).output.find("Certificate proof.json is not written: nothing was "
+                                         "run\nController 1  already\n"),
+              std::string::npos);
+    EXPECT_FALSE(files().contains("proof.json"));
     EXPECT_TRUE(system->started.empty());
 }
 
@@ -315,9 +322,14 @@ TEST_F(ApplyTest, NeedsALogThatCanBeWritten) {
     EXPECT_NE(seen.error.find("  help: name another file with --log; nothing was changed\n"),
               std::string::npos)
         << seen.error;
-    options.log = "plan.json";
-    EXPECT_EQ(apply(options).error, "error: plan.json would be written for two things\n"
-                                    "  help: give each its own name; nothing was changed\n");
+    for (const char* name : {"plan.json", "./plan.json", "plan.json.lock", "./plan.journal.jsonl",
+                             "plan.journal.jsonl.out"}) {
+        options.log = name;
+        EXPECT_EQ(apply(options).error, "error: " + options.log +
+                                            " would be written for two things\n"
+                                            "  help: give each its own name; nothing was "
+                                            "changed\n");
+    }
     EXPECT_TRUE(system->started.empty());
 }
 

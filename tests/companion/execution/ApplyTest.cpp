@@ -340,6 +340,40 @@ TEST_F(Apply, ListingIsAnErrorText) {
     expectUntouched();
 }
 
+/// What stands is as planned then, but nobody is to take the server for a sound one.
+TEST_F(Apply, ADriveThatFailsMeanwhileIsTold) {
+    planTwoArrays();
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "written step-ended 3") {
+            bench_.server.platform.server.controllers[0].drives[0].state =
+                zolex_sim::DriveState::failed;
+        }
+    };
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+    ASSERT_FALSE(bench_.listener.log.empty());
+    EXPECT_TRUE(bench_.listener.log.back().starts_with("warning: controller 1: ") &&
+                bench_.listener.log.back().find("32:0") != std::string::npos)
+        << bench_.listener.log.back();
+}
+
+/// What was not removed stands, and is not told as gone.
+TEST_F(Apply, UtilityLiesOfWhatIsLost) {
+    planOverTwoArrays();
+    zolex_sim::Fault lie;
+    lie.match = "-CfgLdDel";
+    lie.occurrence = 2;
+    lie.exitCode = 0;
+    bench_.server.platform.server.faults.push_back(lie);
+    const ApplyEnd end = bench_.apply();
+    EXPECT_EQ(end.exitCode, 4);
+    const auto now = std::find_if(end.details.begin(), end.details.end(), [](const auto& line) {
+        return line.starts_with("now on controller 1: ");
+    });
+    ASSERT_NE(now, end.details.end());
+    EXPECT_EQ(*now, "now on controller 1: hot spare 32:5 stands, array A, array B do not; "
+                    "still there: LD 0");
+}
+
 TEST_F(Apply, UtilityRefuses) {
     planOverTwoArrays();
     refuseLines("-CfgLdAdd R1", 38, "FW error description:\n  The drive is not free.\n");
@@ -408,7 +442,7 @@ TEST_F(Apply, Careful) {
     bench_.terms.careful = true;
     refuseLines("-CfgLdAdd R5", 0, "done\n");
     EXPECT_EQ(endLines(bench_.apply()),
-              (Lines{"5: what stands on controller 1 after step 2 of 3 is not what was planned",
+              (Lines{"4: what stands on controller 1 after step 2 of 3 is not what was planned",
                      "  Logical.2, missing: planned is RAID5 fill, strip 64 KB, adaptive "
                      "read-ahead: 32:2 32:3 32:4; found is none",
                      "  remains: step 3: make 32:5 a spare",
@@ -417,7 +451,7 @@ TEST_F(Apply, Careful) {
     EXPECT_EQ(bench_.events(),
               (Lines{"begin", "captured guard", "step-started 1", "child 1",
                      "step-ended 1 accepted", "captured step", "step-started 2", "child 2",
-                     "step-ended 2 accepted", "captured step", "end 5"}));
+                     "step-ended 2 accepted", "captured step", "end 4"}));
 }
 
 TEST_F(Apply, ChildCannotBeStarted) {
@@ -616,6 +650,39 @@ TEST_F(Apply, InterruptedBetweenSteps) {
                                       "adaptive read-ahead: 32:0 32:1"}));
 }
 
+/// What reads the controller gets the interruption, too.
+TEST_F(Apply, InterruptedWhileAStepIsReadBack) {
+    planTwoArrays();
+    bench_.terms.careful = true;
+    bool isDone = false;
+    bench_.system.onMoment = [&](const std::string& moment) {
+        isDone = isDone || moment.starts_with("written step-ended 1");
+        if (isDone && moment.starts_with("listing") && !bench_.system.isInterrupted) {
+            bench_.system.isInterrupted = true;
+            refuseLines("-pdList", 130, "");
+        }
+    };
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"4: interrupted while what stands after step 1 of 3 was read",
+                     "  remains: step 2: create B: RAID5 on 32:2 32:3 32:4",
+                     "  remains: step 3: make 32:5 a spare",
+                     "help: zolexctl apply --resume plan.journal.jsonl looks again and goes on",
+                     "controller 1: failed step 2 of 3: stopped at this step"}));
+    bench_.system.onMoment = nullptr;
+    bench_.system.isInterrupted = false;
+    bench_.server.platform.server.faults.clear();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Help lines are there to be pasted.
+TEST_F(Apply, AJournalWithBlanksInItsName) {
+    planTwoArrays();
+    bench_.terms.journalFile = "my plan.journal.jsonl";
+    interruptAt(bench_, "written step-ended 1");
+    EXPECT_EQ(bench_.apply().help,
+              Lines{"zolexctl apply --resume \"my plan.journal.jsonl\" goes on"});
+}
+
 TEST_F(Apply, InterruptedAtTheLastStep) {
     planTwoArrays();
     interruptAt(bench_, "start UTIL.BAT MEGACLI -PDHSP");
@@ -632,8 +699,10 @@ TEST_F(Apply, AnotherRunIsUnderWay) {
                "controller 1: failed step 0 of 3: not begun"}));
     EXPECT_EQ(bench_.system.started, Lines{});
     bench_.system.locks.clear();
-    const std::string name =
-        "/tmp/zolexctl-" + bench_.plan.fingerprint.identity.substr(0, 16) + ".lock";
+    // It is the same for plans of other controllers of the machine.
+    Fingerprint machine = bench_.plan.fingerprint;
+    machine.controllers.clear();
+    const std::string name = "/tmp/zolexctl-" + identityHash(machine).substr(0, 16) + ".lock";
     bench_.system.locks[name] = {true, {98, "at 1"}, {}};
     const ApplyEnd end = bench_.apply();
     EXPECT_EQ(end.exitCode, 3);
@@ -654,10 +723,12 @@ TEST_F(Apply, LockOfARunThatIsGone) {
 TEST_F(Apply, NoLock) {
     planTwoArrays();
     bench_.system.isFolderLost = true;
-    EXPECT_EQ(endLines(bench_.apply()),
-              (Lines{"2: plan.json.lock cannot be locked: no such folder",
-                     "help: make its folder writable; nothing was changed",
-                     "controller 1: failed step 0 of 3: not begun"}));
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"2: plan.json.lock cannot be locked: no such folder",
+               "help: every run makes this file: make room or rights for it, or remove what is in "
+               "its place; nothing was changed",
+               "controller 1: failed step 0 of 3: not begun"}));
     expectUntouched();
 }
 

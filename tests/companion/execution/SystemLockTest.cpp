@@ -115,6 +115,24 @@ TEST_P(SystemLock, AChildThatOutlivedItsHoldersStaysNoted) {
     kill(child->identity());
 }
 
+TEST_P(SystemLock, StaysWhenItIsLetGoWhileItsChildRuns) {
+    const auto child = started("stay");
+    const std::string number = numberOf(child->identity());
+    const auto before = start("lock L note " + number + " unlock");
+    EXPECT_EQ(endOf(*before).output, "locked\n");
+    EXPECT_TRUE(std::filesystem::exists("L"));
+    const auto next = start("lock L unlock");
+    EXPECT_EQ(endOf(*next).output,
+              "locked after " + numberOf(before->identity()) + " child " + number + "\n");
+    EXPECT_TRUE(std::filesystem::exists("L"));
+    kill(child->identity());
+    endOf(*child);
+    const auto last = start("lock L unlock");
+    EXPECT_EQ(endOf(*last).output,
+              "locked after " + numberOf(next->identity()) + " child " + number + "\n");
+    EXPECT_FALSE(std::filesystem::exists("L"));
+}
+
 TEST_P(SystemLock, OfAnEarlierStartOfTheSystemIsTakenOver) {
     // The number is that of a process that runs now.
     const ProcessIdentity own = system->ownProcess();

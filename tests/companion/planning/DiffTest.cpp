@@ -197,6 +197,24 @@ TEST(Diff, APlanOfSomeControllersIsOfThisMachine) {
     EXPECT_EQ(diffOf(whole, earlier).controllers.size(), 1U);
 }
 
+/// Of a plan of several controllers one can be compared alone, on a machine of which it alone was
+/// looked at.
+TEST(Diff, OneControllerOfAPlanIsOfThisMachine) {
+    PlannedServer server("two-controllers");
+    const MachinePlan earlier = server.plan(policies);
+    Snapshot second = server.snapshot();
+    ASSERT_EQ(second.details.size(), 2U);
+    second.details.erase(second.details.begin());
+    const MachineDiff diff = diffOf(second, earlier, {2});
+    EXPECT_EQ(diff.diagnostics.size(), 0U);
+    ASSERT_EQ(diff.controllers.size(), 1U);
+    EXPECT_EQ(diff.controllers[0].number, 2);
+    EXPECT_EQ(diff.controllers[0].result, Result::different);
+    second.details[0].facts.serialNumber = "9";
+    EXPECT_EQ(diffOf(second, earlier, {2}).controllers[0].because,
+              "the plan is of another machine");
+}
+
 TEST(Diff, TheResultIsTheWorst) {
     const auto result = [](const std::vector<std::pair<Disposition, Sameness>>& controllers) {
         MachinePlan plan;

@@ -11,6 +11,16 @@
 namespace zolex::companion {
 namespace {
 
+TEST(OutputFile, OneFileHasManyNames) {
+    using output_file::areOne;
+    EXPECT_TRUE(areOne("none.json", "none.json"));
+    EXPECT_TRUE(areOne("none.json", "./none.json"));
+    EXPECT_TRUE(areOne("./none.json", ".//none.json"));
+    EXPECT_FALSE(areOne("none.json", "none.jso"));
+    EXPECT_FALSE(areOne("none.json", "../none.json"));
+    EXPECT_FALSE(areOne("a/none.json", "b/none.json")) << "folders that are not there";
+}
+
 using test::TemporaryDirectory;
 
 std::vector<std::string> namesHere() {

@@ -237,18 +237,24 @@ class LockTaker {
     }
 
     void takeOver(LockHolder before) {
-        if (isRunning(before.child)) {
+        const bool isChildRunning = isRunning(before.child);
+        if (isChildRunning) {
             lock_->keepChild(before.child);
         }
-        answer_.holder = std::move(before.process);
-        answer_.child = std::move(before.child);
+        // One that runs has let it go, for a child that runs or as it could not remove the text.
+        const bool isGone = !isRunning(before.process);
+        if (isGone) {
+            answer_.holder = std::move(before.process);
+        }
+        if (isGone || isChildRunning) {
+            answer_.child = std::move(before.child);
+        }
     }
 
     /// The lock is had: writes who has it, and tells who had it and is gone.
     Attempt hold(FileDescriptor file, bool isMade) {
         auto before = isMade ? std::nullopt : readText(file.get());
-        // One that runs has let it go and could not remove the text.
-        if (before && !isRunning(before->process)) {
+        if (before) {
             takeOver(std::move(*before));
         }
         if (!writeText(file.get(), lock_->text())) {

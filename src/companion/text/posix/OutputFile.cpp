@@ -59,6 +59,14 @@ bool leadsToDevice(const std::string& link) {
            link.starts_with("/dev/fd/") || link.starts_with("/proc/self/fd/");
 }
 
+/// Whether both names are there, and are of the same.
+bool haveOnePlace(const std::string& one, const std::string& other) {
+    struct stat status = {};
+    struct stat otherStatus = {};
+    return ::stat(one.c_str(), &status) == 0 && ::stat(other.c_str(), &otherStatus) == 0 &&
+           status.st_dev == otherStatus.st_dev && status.st_ino == otherStatus.st_ino;
+}
+
 } // namespace
 
 Standing standing(const std::string& name) {
@@ -73,6 +81,17 @@ Standing standing(const std::string& name) {
         return Standing::folder;
     }
     return S_ISLNK(status.st_mode) && !leadsToDevice(name) ? Standing::link : Standing::device;
+}
+
+bool areOne(const std::string& one, const std::string& other) {
+    if (one == other || haveOnePlace(one, other)) {
+        return true;
+    }
+    const std::size_t folder = one.rfind('/') + 1;
+    const std::size_t otherFolder = other.rfind('/') + 1;
+    return one.compare(folder, std::string::npos, other, otherFolder, std::string::npos) == 0 &&
+           haveOnePlace(folder == 0 ? "." : one.substr(0, folder),
+                        otherFolder == 0 ? "." : other.substr(0, otherFolder));
 }
 
 bool moveOver(const std::string& from, const std::string& to) {

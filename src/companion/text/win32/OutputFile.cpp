@@ -78,6 +78,18 @@ Standing standing(const std::string& name) {
     return (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? Standing::protectedFile : Standing::file;
 }
 
+bool areOne(const std::string& one, const std::string& other) {
+    const auto wholeName = [](const std::string& name) {
+        std::string whole(MAX_PATH, '\0');
+        const DWORD length =
+            GetFullPathNameA(name.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr);
+        const bool isWhole = length > 0 && length < whole.size();
+        whole.resize(isWhole ? length : 0);
+        return isWhole ? whole : name;
+    };
+    return lstrcmpiA(wholeName(one).c_str(), wholeName(other).c_str()) == 0;
+}
+
 bool moveOver(const std::string& from, const std::string& to) {
     return MoveFileExA(from.c_str(), to.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
