@@ -7,6 +7,7 @@
 #include "companion/machine/System.h"
 #include "companion/rehearsal/Rehearse.h"
 #include "companion/text/Timestamp.h"
+#include "companion/text/TypedWord.h"
 
 #include <utility>
 
@@ -33,10 +34,6 @@ std::string commandOf(const Context& context, const PlanOptions& options) {
 }
 
 } // namespace
-
-std::string typedWord(const std::string& word) {
-    return word.find(' ') == std::string::npos ? word : "\"" + word + "\"";
-}
 
 std::string machineArguments(const MachineOptions& machine) {
     std::string command;

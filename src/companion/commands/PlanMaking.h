@@ -46,7 +46,4 @@ class PlanMaker {
 /// The options of a machine as they are typed: " --controller 2 --serial X".
 [[nodiscard]] std::string machineArguments(const MachineOptions& machine);
 
-/// The word as it is typed.
-[[nodiscard]] std::string typedWord(const std::string& word);
-
 } // namespace zolex::companion

@@ -3,8 +3,10 @@
 #include "companion/picture/Roles.h"
 #include "companion/planning/OldCommand.h"
 #include "companion/planning/PlanFaults.h"
+#include "companion/planning/ResetPlan.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
+#include "companion/text/TypedWord.h"
 
 #include <algorithm>
 #include <array>
@@ -571,6 +573,9 @@ std::string dispositionText(const ControllerPlanning& planning) {
     const std::string because = printable(planning.because);
     switch (planning.disposition) {
     case Disposition::already: {
+        if (because == nothingToReset) {
+            return because; // no policy has said so
+        }
         constexpr std::string_view text = "as the policy says";
         return because.substr(0, text.size()) == text || because.empty()
                    ? std::string(text) + because.substr(std::min(text.size(), because.size()))
@@ -652,8 +657,7 @@ CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
     const bool hasSkipped = std::any_of(
         plan.controllers.begin(), plan.controllers.end(),
         [](const ControllerPlanning& each) { return each.disposition == Disposition::skipped; });
-    const bool isPlain = file.find(' ') == std::string::npos;
-    way.commands.push_back("zolexctl apply " + (isPlain ? file : "\"" + file + "\"") +
+    way.commands.push_back("zolexctl apply " + typedWord(file) +
                            (plan.consent.empty() ? "" : " --destroy " + plan.consent) +
                            (hasSkipped ? " --allow-skipped" : ""));
     return way;
