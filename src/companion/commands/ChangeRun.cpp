@@ -359,6 +359,16 @@ std::unique_ptr<JournalKeeper> ChangeRun::openJournal(ExecutionSystem& system,
         // One in which nothing was begun.
         static_cast<void>(context_.platform.files().remove(journalFile_));
     }
+    if (history != nullptr) {
+        // Another run may have gone on with it between the look at it and the lock.
+        const JournalReading now = readJournalFile(context_.platform.files(), journalFile_);
+        if (!now.journal || now.journal->bytes != history->bytes ||
+            now.journal->lastHash != history->lastHash) {
+            failWith(context_, printable(journalFile_) + " has changed since it was read",
+                     "go on with it once more");
+            return nullptr;
+        }
+    }
     std::unique_ptr<DurableFile> file = history == nullptr
                                             ? system.makeDurable(journalFile_)
                                             : system.reopenDurable(journalFile_, history->bytes);

@@ -33,7 +33,13 @@ std::string planBrief(const MachinePlan& plan, const TextStyle& style) {
     for (const ControllerPlanning& controller : plan.controllers) {
         const std::string name = "Controller " + std::to_string(controller.controller.number);
         if (controller.disposition != Disposition::planned) {
-            text += signedLine(name + "  ", dispositionText(controller), Emphasis::plain, style);
+            // No policy says what a reset is to leave.
+            const bool isOfReset = controller.disposition == Disposition::already &&
+                                   controller.policy.empty() && !controller.because.empty();
+            text +=
+                signedLine(name + "  ",
+                           isOfReset ? printable(controller.because) : dispositionText(controller),
+                           Emphasis::plain, style);
         }
         for (const Finding& finding : controller.warnings) {
             if (finding.severity == Severity::warning) {

@@ -47,7 +47,7 @@ bool wasStarted(const ChildResult& result) {
 
 PlanRun::PlanRun(Platform& machineOf, const CaptureRequest& capture, ExecutionSystem& systemOf,
                  const MachinePlan& planOf, const ApplyTerms& termsOf, ApplyListener& listenerOf)
-    : machine(machineOf), system(systemOf), plan(planOf), terms(termsOf), listener(listenerOf),
+    : machine(machineOf), system{systemOf}, plan(planOf), terms(termsOf), listener(listenerOf),
       capture_(capture), totalSteps_(static_cast<std::int32_t>(planOf.steps().size())) {
     for (const ControllerPlanning* const planning : controllersAskedFor(plan, terms.controllers)) {
         ControllerProgress& progress = controllers.emplace_back();

@@ -286,6 +286,7 @@ class Resumption {
                 }
                 std::optional<std::string> output = run_.takeOutput(mostJournalOutput);
                 if (!output || output->empty()) {
+                    run_.removeOutput();
                     return;
                 }
                 JournalStepEnded ended;
@@ -299,6 +300,7 @@ class Resumption {
                 return;
             }
         }
+        run_.removeOutput(); // the journal has it
     }
 
     /// Where the run goes on with one controller.

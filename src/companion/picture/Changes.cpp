@@ -3,7 +3,6 @@
 #include "companion/picture/Roles.h"
 #include "companion/planning/OldCommand.h"
 #include "companion/planning/PlanFaults.h"
-#include "companion/planning/ResetPlan.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
 #include "companion/text/TypedWord.h"
@@ -573,9 +572,6 @@ std::string dispositionText(const ControllerPlanning& planning) {
     const std::string because = printable(planning.because);
     switch (planning.disposition) {
     case Disposition::already: {
-        if (because == nothingToReset) {
-            return because; // no policy has said so
-        }
         constexpr std::string_view text = "as the policy says";
         return because.substr(0, text.size()) == text || because.empty()
                    ? std::string(text) + because.substr(std::min(text.size(), because.size()))
@@ -644,9 +640,9 @@ std::string withRanges(const std::string& text) {
 }
 
 CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
+    const bool isLosing = !plan.losses().empty();
     CarryOut way;
-    way.sentence =
-        plan.consent.empty() ? "To carry it out:" : "To agree to exactly this, and carry it out:";
+    way.sentence = isLosing ? "To agree to exactly this, and carry it out:" : "To carry it out:";
     const std::string file = savedTo.empty() ? "plan.json" : savedTo;
     if (savedTo.empty()) {
         const std::string command = plan.command.empty()
@@ -658,7 +654,7 @@ CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
         plan.controllers.begin(), plan.controllers.end(),
         [](const ControllerPlanning& each) { return each.disposition == Disposition::skipped; });
     way.commands.push_back("zolexctl apply " + typedWord(file) +
-                           (plan.consent.empty() ? "" : " --destroy " + plan.consent) +
+                           (isLosing ? " --destroy " + plan.consent : "") +
                            (hasSkipped ? " --allow-skipped" : ""));
     return way;
 }

@@ -86,7 +86,7 @@ ControllerPlanning planController(const Snapshot& snapshot, const ControllerSnap
                                !abilitiesOf(*record).clearsForeign;
     if (isBlank(planning.before) || clearsNothing) {
         planning.disposition = Disposition::already;
-        planning.because = nothingToReset;
+        planning.because = "nothing stands on it";
         planning.after = planning.before;
         return planning;
     }

@@ -8,9 +8,6 @@
 
 namespace zolex::companion {
 
-/// Why there is nothing to do on a controller.
-inline constexpr const char* nothingToReset = "nothing stands on it";
-
 /// Plans the factory defaults of the captured controllers, or of those with these numbers: by
 /// zolex's own reset lines, whatever stands goes. A controller on which nothing stands is `already`
 /// there; one that could not be captured is refused. `command` is what is typed to ask for it. It

@@ -285,7 +285,7 @@ TEST(CommandLine, RefusesWhatDoesNotGoTogetherToBeCarriedOut) {
               "apply takes one of a plan, --policies and --resume" + help);
     EXPECT_EQ(faultOf({"apply", "plan.json", "--recording", "a.zrec"}),
               "apply does not take --recording" + help);
-    EXPECT_EQ(faultOf({"apply", "plan.json", "-o", "x"}), "apply does not take --output" + help);
+    EXPECT_EQ(faultOf({"apply", "plan.json", "-o", "x"}), "apply does not take -o" + help);
     EXPECT_EQ(faultOf({"apply", "plan.json", "--strategy", "add"}),
               "--strategy does not go with a plan that is made already\n"
               "plan again, with this option: zolexctl plan site.ini -o plan.json");

@@ -68,8 +68,10 @@ class ApplyTest : public testing::Test {
     void begin(std::string_view sample) {
         server = std::make_unique<SimulatedPlatform>(sample);
         system = std::make_unique<SimulatedSystem>(*server);
-        files()["UTIL.BAT"] = "";
-        files()["hwdetect.exe"] = "";
+        for (const char* const folder : {"./", ".\\"}) {
+            files()[std::string(folder) + "UTIL.BAT"] = "";
+            files()[std::string(folder) + "hwdetect.exe"] = "";
+        }
         files()["site.ini"] = policies;
     }
 

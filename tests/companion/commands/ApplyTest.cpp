@@ -18,9 +18,10 @@ TEST_F(ApplyTest, CarriesAPlanOut) {
     const ApplySeen seen = applyPlan();
     EXPECT_EQ(seen.exitCode, 0);
     EXPECT_EQ(seen.error, "");
-    EXPECT_EQ(seen.output,
-              std::string(asPlannedFor) +
-                  R"(State      8 drives, no logical drives                           as planned for
+    EXPECT_EQ(
+        seen.output,
+        std::string(asPlannedFor) +
+            R"(State      8 drives, no logical drives                            as planned for
 Consent    nothing is lost                                        not needed
 Journal    plan.journal.jsonl
 
@@ -41,7 +42,7 @@ TEST_F(ApplyTest, CarriesAPlanOutOnce) {
     EXPECT_EQ(seen.exitCode, 3);
     EXPECT_EQ(seen.output, "Nothing was changed.\n");
     EXPECT_EQ(seen.error, R"(error: plan.journal.jsonl: the plan was already applied on
-       2026-11-21T21:05:00+01:00
+       2026-11-21T21:05:00+01:00 [ZA106]
   help: zolexctl plan site.ini plans from what is there
 )");
     EXPECT_EQ(system->started.size(), 3U);
@@ -79,6 +80,7 @@ Nothing was changed.
     EXPECT_EQ(seen.error, R"(This destroys 1 logical drive (135.5 GB):
   - LD 1  RAID5  135.5 GB  32:2-32:4  controller 1
 error: 1 logical drive (135.5 GB) would be lost, and nobody has agreed to it
+       [ZA103]
   help: zolexctl apply plan.json --destroy )" +
                               consent + "\n");
     EXPECT_TRUE(system->started.empty());
@@ -110,7 +112,7 @@ TEST_F(ApplyTest, RefusesTheCodeOfAnotherList) {
     EXPECT_EQ(seen.error, R"(This destroys 1 logical drive (135.5 GB):
   - LD 1  RAID5  135.5 GB  32:2-32:4  controller 1
 error: the code 7Q4K-2M9D is not for this: it is for another machine, or for
-       another or an older list of what is lost
+       another or an older list of what is lost [ZA103]
   help: zolexctl apply plan.json --destroy )" +
                               consent + "\n");
     EXPECT_TRUE(system->started.empty());
@@ -123,7 +125,8 @@ TEST_F(ApplyTest, NeverAsksWithDestroyNever) {
     answer = "KQ10Z7V\n";
     const ApplySeen seen = applyPlan("never");
     EXPECT_EQ(seen.exitCode, 3);
-    EXPECT_NE(seen.error.find("error: --destroy never: 1 logical drive (135.5 GB) would be lost\n"),
+    EXPECT_NE(seen.error.find("error: --destroy never: 1 logical drive (135.5 GB) would be lost "
+                              "[ZA103]\n"),
               std::string::npos)
         << seen.error;
     EXPECT_EQ(server->consoleFake.charactersRead, 0U);
@@ -150,13 +153,14 @@ TEST_F(ApplyTest, HasThreeTriesAndNoDefault) {
     answer = "yes\n\ny\nKQ10Z7V\n";
     const ApplySeen seen = applyPlan();
     EXPECT_EQ(seen.exitCode, 3);
-    EXPECT_NE(seen.error.find("error: the serial number of this machine was not typed\n"),
+    EXPECT_NE(seen.error.find("error: the serial number of this machine was not typed [ZA103]\n"),
               std::string::npos)
         << seen.error;
     answer = "KQ10Z7V"; // and no line end
     const ApplySeen atEnd = applyPlan();
     EXPECT_EQ(atEnd.exitCode, 3);
-    EXPECT_NE(atEnd.error.find("error: nothing was typed\n"), std::string::npos) << atEnd.error;
+    EXPECT_NE(atEnd.error.find("error: nothing was typed [ZA103]\n"), std::string::npos)
+        << atEnd.error;
     EXPECT_TRUE(system->started.empty());
 }
 
@@ -400,8 +404,8 @@ TEST_F(ApplyTest, KeepsALog) {
     EXPECT_TRUE(log.starts_with("before\n")) << log;
     for (const char* const line :
          {": zolexctl apply plan.json\n", " machine 8837 KQ10Z7V\n",
-          " step 1 of 3, controller 1, create A: RAID1 on 32:0 32:1: UTIL.BAT MEGACLI -CfgLdAdd R1 "
-          "[ 32:0,32:1 ] WB ADRA -strpsz 64 -a0\n",
+          " step 1 of 3, controller 1, create A: RAID1 on 32:0 32:1: UTIL.BAT MEGACLI  -CfgLdAdd "
+          "R1   [ 32:0,32:1 ]   WB   ADRA   -strpsz 64  -a0\n",
           " step 1 of 3: pid 4711\n", " step 1 of 3: exit 0, accepted, 0.700 s, ",
           "\n  | Adapter 0: Created VD 0\n", " controller 1: configured\n",
           " end: exit code 0\n"}) {

@@ -297,10 +297,12 @@ TEST_F(ApplyInterruptedTest, ASecondRunOfThePlanIsRefused) {
     waitFor("child 1");
     const ProgramRun second = server.start(ZOLEXCTL_PROGRAM, {"apply", "plan.json"});
     EXPECT_EQ(second.exitCode, 3) << second.output << second.error;
-    expectPieces(second.error, {"error: ", "pid " + std::to_string(first.process())});
+    expectPieces(second.error,
+                 {"error: plan.journal.jsonl: this run was begun on ", "has not ended [ZA106]\n"});
     const ProgramRun resumed =
         server.start(ZOLEXCTL_PROGRAM, {"apply", "--resume", "plan.journal.jsonl"});
     EXPECT_EQ(resumed.exitCode, 3) << resumed.output << resumed.error;
+    expectPieces(resumed.error, {"error: ", "pid " + std::to_string(first.process())});
     const ProgramRun ended = first.ended();
     EXPECT_EQ(ended.exitCode, 0) << ended.output << ended.error;
     expectConfigured();

@@ -103,7 +103,8 @@ std::vector<Danger> dangers() {
                        {"enclosure": 32, "slot": 7, "sizeMB": 69376, "status": "foreign"})"),
          with(with(webPolicies, "3,4,5,6,7", "3,4,5,6"), "Hotspares = 8", "Hotspares = 7"),
          0,
-         {"B  *  ~\n    A RAID1", "This destroys nothing.\n", "To carry it out:\n  zolex /f:p.ini\n"}},
+         {"B  *  ~\n    A RAID1", "This destroys nothing.\n",
+          "To carry it out:\n  zolexctl plan p.ini -o plan.json\n"}},
         {"ASizeDoesNotFit",
          eight(),
          with(webPolicies, "A:FILL:1:ON", "A:90000:1:ON"),
@@ -279,7 +280,10 @@ TEST(PlanDangers, OnAConfiguredServerThePlanSaysWhatGoesAndWhereZolexStops) {
                   "Strategy rebuild: array B needs 32:2-32:4, and LD 1 lies on 32:2-32:4",
                   "1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0",
                   "without /r zolex stops at the first drive in use, exit code 11",
-                  "This destroys 1 logical drive (135.5 GB).\nConsent code for exactly this: "});
+                  "This destroys 1 logical drive (135.5 GB).\n"
+                  "To agree to exactly this, and carry it out:\n"
+                  "  zolexctl plan web.ini -o plan.json\n"
+                  "  zolexctl apply plan.json --destroy "});
 }
 
 TEST(PlanDangers, WithoutAControllerThereIsNoPlan) {

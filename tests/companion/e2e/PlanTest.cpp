@@ -207,8 +207,7 @@ TEST(PlanEndToEnd, KeepsThePlanByTheEndingOfItsName) {
         EXPECT_EQ(run.exitCode, 0) << run.error;
         const bool isPlan = std::string_view(name) == "p.json";
         const std::string kept = (isPlan ? "Plan saved to " : "Written to ") + std::string(name);
-        EXPECT_NE(run.output.find(kept + ". Nothing to do.\n"), std::string::npos)
-            << run.output;
+        EXPECT_NE(run.output.find(kept + ". Nothing to do.\n"), std::string::npos) << run.output;
     }
     EXPECT_TRUE(server.read("p.json").starts_with("{\n  \"format\": \"zolex-plan\",\n"));
     EXPECT_NE(server.read("p.svg").find("<svg "), std::string::npos);

@@ -217,6 +217,21 @@ class AgreeingListener : public ApplyListener {
 
 inline constexpr const char* journalName = "plan.journal.jsonl";
 
+/// A journal whose writing needs no memory of the run: what makes its lines ends the process where
+/// there is none, as a kill does.
+class UncountedJournal : public JournalKeeper {
+  public:
+    explicit UncountedJournal(std::unique_ptr<JournalKeeper> journal)
+        : journal_(std::move(journal)) {}
+    bool write(const JournalEvent& event) override {
+        const zolex::test::UncountedAllocations uncounted;
+        return journal_->write(event);
+    }
+
+  private:
+    std::unique_ptr<JournalKeeper> journal_;
+};
+
 /// A virtual server with a plan for it, applied and gone on with.
 class FaultedRun {
   public:
@@ -237,9 +252,11 @@ class FaultedRun {
         ApplyTerms terms = termsOf(system);
         terms.openJournal = [&system]() -> std::unique_ptr<JournalKeeper> {
             auto file = system.makeDurable(journalName);
-            return file == nullptr ? nullptr
-                                   : std::make_unique<JournalFile>(
-                                         std::move(file), [&system] { return system.timestamp(); });
+            const zolex::test::UncountedAllocations uncounted;
+            return file == nullptr
+                       ? nullptr
+                       : std::make_unique<UncountedJournal>(std::make_unique<JournalFile>(
+                             std::move(file), [&system] { return system.timestamp(); }));
         };
         terms.dropJournal = [&system] { system.durable.erase(journalName); };
         return applyPlan(machine, {}, system, plan_, terms, listener);
@@ -265,21 +282,27 @@ class FaultedRun {
         return resumePlan(machine, {}, system, plan_, history, terms, listener);
     }
 
-    /// What stands on the server, for comparing.
+    /// What stands on the server, for comparing, in whatever order it was made.
     [[nodiscard]] std::string stands() const {
         std::string text;
+        std::vector<std::string> volumes;
         for (const zolex_sim::Controller& controller : server.platform.server.controllers) {
             for (const zolex_sim::Drive& drive : controller.drives) {
                 text += toText(drive.location) + " " + std::string(statusWord(drive.status)) + "\n";
             }
             for (const zolex_sim::LogicalDrive& drive : controller.logicalDrives) {
-                text += "LD " + std::to_string(static_cast<int>(drive.level)) + " " +
-                        std::to_string(drive.sizeMb) + " " + std::to_string(drive.stripeKb);
+                std::string volume = "LD " + std::to_string(static_cast<int>(drive.level)) + " " +
+                                     std::to_string(drive.sizeMb) + " " +
+                                     std::to_string(drive.stripeKb);
                 for (const auto& span : controller.arrays[drive.array].spans) {
-                    text += " " + toText(span);
+                    volume += " " + toText(span);
                 }
-                text += "\n";
+                volumes.push_back(volume + "\n");
             }
+        }
+        std::sort(volumes.begin(), volumes.end());
+        for (const std::string& volume : volumes) {
+            text += volume;
         }
         return text;
     }

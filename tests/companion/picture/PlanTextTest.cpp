@@ -354,7 +354,7 @@ configuration.
   - controller 1: LD 0, LD 1, spare 32:5, foreign 32:6
 To agree to exactly this, and carry it out:
   zolexctl plan site.ini -o plan.json
-  zolexctl apply plan.json --destroy 7Q4K-2M9D
+  zolexctl apply plan.json --destroy 7Q4K-2M9D --allow-skipped
 2 logical drives to create, 2 to destroy, 1 spare.
 )");
 }
@@ -693,7 +693,7 @@ zolex /r /y /f:site.ini would do otherwise:
 
 This destroys 1 logical drive (135.5 GB).
 To agree to exactly this, and carry it out:
-  zolexctl plan site.ini -o plan.json
+  zolexctl plan --default -o plan.json
   zolexctl apply plan.json --destroy 7Q4K-2M9D
 1 logical drive to create, 1 to destroy, 1 spare.
 )");

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <ctime>
+#include <exception>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -105,6 +106,9 @@ class PosixRunLock : public RunLock {
     PosixRunLock(const PosixRunLock&) = delete;
     PosixRunLock& operator=(const PosixRunLock&) = delete;
     ~PosixRunLock() override {
+        if (leavesChild()) {
+            return; // whoever comes next is to know of it
+        }
         // While it is locked nobody else takes the file for his own, nor makes another of the name.
         if (file_.isOpen() && isNameOf(name_, file_.get()) && ::unlink(name_.c_str()) != 0) {
             // It stays, but nobody has it.
@@ -124,6 +128,14 @@ class PosixRunLock : public RunLock {
     void hold(FileDescriptor file) { file_ = std::move(file); }
 
   private:
+    [[nodiscard]] bool leavesChild() const noexcept {
+        try {
+            return holder_.child.pid != 0 && isRunning(holder_.child);
+        } catch (const std::exception&) {
+            return true; // as long as that is not known
+        }
+    }
+
     std::string name_;
     LockHolder holder_;
     FileDescriptor file_;

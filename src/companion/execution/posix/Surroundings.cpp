@@ -1,12 +1,13 @@
 #include "companion/execution/SystemParts.h"
 #include "companion/text/Utf8.h"
+#include "platform/posix/FileDescriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <pwd.h>
+#include <fcntl.h>
 #include <sys/vfs.h>
 #include <unistd.h>
-#include <vector>
 
 namespace zolex::companion::system_execution {
 
@@ -22,28 +23,42 @@ std::string inUtf8(std::string_view text) {
     return valid;
 }
 
+std::string startOf(const char* file, std::size_t most) {
+    std::string text;
+    const posix::FileDescriptor opened(::open(file, O_RDONLY | O_CLOEXEC));
+    std::array<char, 4096> piece{};
+    while (opened.isOpen() && text.size() < most) {
+        const ssize_t length = ::read(opened.get(), piece.data(), piece.size());
+        if (length < 0 && errno == EINTR) {
+            continue;
+        }
+        if (length <= 0) {
+            break;
+        }
+        text.append(piece.data(), static_cast<std::size_t>(length));
+    }
+    return text;
+}
+
 } // namespace
 
 std::string userName() {
-    constexpr std::size_t mostMemory = std::size_t{1} << 20U;
-    const uid_t user = ::getuid();
-    for (std::size_t size = 4096; size <= mostMemory; size *= 2) {
-        std::vector<char> memory(size);
-        passwd entry = {};
-        passwd* found = nullptr;
-        int error = 0;
-        do {
-            error = ::getpwuid_r(user, &entry, memory.data(), memory.size(), &found);
-        } while (error == EINTR);
-        if (error == 0 && found != nullptr && found->pw_name != nullptr &&
-            *found->pw_name != '\0') {
-            return inUtf8(found->pw_name);
-        }
-        if (error != ERANGE) {
-            break;
+    // Not the C library's look-up: linked statically, that loads libraries of the machine.
+    const std::string number = std::to_string(::getuid());
+    const std::string users = startOf("/etc/passwd", std::size_t{1} << 20U);
+    for (std::string_view rest = users; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        const std::string_view line = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        // NAME:PASSWORD:NUMBER:...
+        const std::size_t name = line.find(':');
+        const std::size_t password = name == line.npos ? name : line.find(':', name + 1);
+        if (password != line.npos && name > 0 &&
+            line.substr(password + 1).substr(0, number.size() + 1) == number + ":") {
+            return inUtf8(line.substr(0, name));
         }
     }
-    return std::to_string(user);
+    return number;
 }
 
 bool isLostAtRestart(const std::string& file) {

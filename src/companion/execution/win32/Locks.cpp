@@ -3,6 +3,7 @@
 #include "companion/execution/win32/OpenedFile.h"
 #include "companion/text/OutputFile.h"
 
+#include <exception>
 #include <utility>
 
 namespace zolex::companion::system_execution {
@@ -50,7 +51,8 @@ class WindowsRunLock : public RunLock {
     WindowsRunLock(const WindowsRunLock&) = delete;
     WindowsRunLock& operator=(const WindowsRunLock&) = delete;
     ~WindowsRunLock() override {
-        if (file_.get() != nullptr) {
+        // Whoever comes next is to know of a child that is left.
+        if (file_.get() != nullptr && !leavesChild()) {
             remove(file_.get());
         }
     }
@@ -66,6 +68,14 @@ class WindowsRunLock : public RunLock {
     void hold(Handle file) { file_ = std::move(file); }
 
   private:
+    [[nodiscard]] bool leavesChild() const noexcept {
+        try {
+            return holder_.child.pid != 0 && isRunning(holder_.child);
+        } catch (const std::exception&) {
+            return true; // as long as that is not known
+        }
+    }
+
     LockHolder holder_;
     Handle file_;
 };
