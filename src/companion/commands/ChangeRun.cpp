@@ -457,12 +457,11 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
         "zolexctl apply --resume " + typedWord(journalFile) + " goes on with it";
     const std::string plan = again + " plans from what is there";
     if (end == nullptr) {
-        return JournalObstacle{
-            exit_code::refused,
-            name + ": this run was begun on " + timeOf(*reading.journal) +
-                " and has not ended: it was interrupted, or is still under way [ZA106]",
-            {resume},
-            false};
+        return JournalObstacle{exit_code::refused,
+                               name + ": this run was begun on " + timeOf(*reading.journal) +
+                                   " and has not ended [ZA106]",
+                               {resume},
+                               false};
     }
     if (end->exitCode == exit_code::done) {
         return JournalObstacle{exit_code::refused,
