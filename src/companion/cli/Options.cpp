@@ -62,7 +62,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "zolexctl reset --controller 2\n"
      "zolexctl reset --destroy 7Q4K-2M9D"},
     {Command::diff, "diff", "diff POLICIES|PLAN|CERTIFICATE [OPTIONS]",
-     "this server against policies or a plan",
+     "this server against policies, a plan, a proof",
      "Holds what stands on this server against what policies, or a plan that was kept with -o "
      "plan.json, want of it, or against what a certificate tells that a run has left, attribute by "
      "attribute. It only reads: nothing on the server is changed.\n"

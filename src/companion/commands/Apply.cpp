@@ -1,5 +1,6 @@
 #include "companion/commands/ChangeRun.h"
 #include "companion/commands/Commands.h"
+#include "companion/commands/FileKind.h"
 #include "companion/commands/PlanBrief.h"
 #include "companion/commands/PlanMaking.h"
 #include "companion/json/PlanDocument.h"
@@ -7,6 +8,9 @@
 #include "companion/machine/Sha256.h"
 #include "companion/picture/PlanText.h"
 #include "companion/planning/PlanFaults.h"
+#include "companion/text/Terminal.h"
+#include "companion/text/TypedWord.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <array>
@@ -61,6 +65,13 @@ std::string planningCommand(const PlanReading& reading) {
     return command;
 }
 
+/// "site.ini".
+bool isPoliciesName(std::string_view name) {
+    constexpr std::string_view ending = ".ini";
+    return name.size() > ending.size() &&
+           text::equalsNoCase(name.substr(name.size() - ending.size()), ending);
+}
+
 /// Carries out a plan that was kept.
 class SavedPlan {
   public:
@@ -68,7 +79,7 @@ class SavedPlan {
         : context_(context), options_(options),
           run_(context, options,
                options.journal.empty() ? journalFileOf(options.plan) : options.journal,
-               applyCommand(context, options)) {}
+               applyCommand(context, options) + outputArguments(options)) {}
 
     int run() {
         if (!run_.begin()) {
@@ -110,6 +121,18 @@ class SavedPlan {
   private:
     int refuseUnread(const std::vector<Finding>& findings) {
         const Finding& fault = findings.front();
+        const std::string name = typedWord(options_.plan);
+        if (fileKindOf(context_.platform, options_.plan) == FileKind::journal) {
+            return run_.refuse(exit_code::notPossible,
+                               printable(options_.plan) + ": this is no plan but a journal [ZP191]",
+                               {"zolexctl apply --resume " + name + " goes on with its run"});
+        }
+        if (isPoliciesName(options_.plan)) {
+            return run_.refuse(exit_code::notPossible,
+                               printable(options_.plan) +
+                                   ": this is no plan but a policies file [ZP191]",
+                               {"zolexctl apply --policies " + name + " plans and carries it out"});
+        }
         std::string what = printable(options_.plan);
         what += fault.start.line > 0 ? ":" + std::to_string(fault.start.line) + ":" +
                                            std::to_string(fault.start.column)
@@ -144,7 +167,8 @@ class PlanNow {
   public:
     PlanNow(Context& context, const ApplyOptions& options, std::string journal)
         : context_(context), options_(options), maker_(context, options.policies),
-          run_(context, options, std::move(journal), applyCommand(context, options)) {}
+          run_(context, options, std::move(journal),
+               applyCommand(context, options) + outputArguments(options)) {}
 
     int run() {
         if (!run_.begin() || !maker_.readPolicies()) {
@@ -235,11 +259,17 @@ class Resumption {
   private:
     int refuseUnread(const Finding& fault) {
         if (fault.code == problem::nothingBegun) {
-            return run_.refuse(exit_code::refused,
-                               printable(options_.resume) +
-                                   ": nothing was begun, and there is nothing to go on with "
-                                   "[ZA187]",
-                               {"carry out the plan itself: zolexctl apply PLAN.json"});
+            return run_.refuse(
+                exit_code::refused,
+                printable(options_.resume) +
+                    ": nothing was begun, and there is nothing to go on with [ZA187]",
+                {"carry out the plan itself: zolexctl apply PLAN.json"});
+        }
+        if (fileKindOf(context_.platform, options_.resume) == FileKind::plan) {
+            return run_.refuse(
+                exit_code::notPossible,
+                printable(options_.resume) + ": this is no journal but a plan [ZA181]",
+                {"zolexctl apply " + typedWord(options_.resume) + " carries a plan out"});
         }
         std::string what = printable(options_.resume);
         what += fault.start.line > 0 ? ":" + std::to_string(fault.start.line) : "";
@@ -267,8 +297,8 @@ class Resumption {
         }
         if (reading.hash != begin.planHash) {
             return run_.refuse(exit_code::refused,
-                               printable(chosen.file) + " is not the plan of this run: its "
-                                                        "bytes are others [ZA116]",
+                               printable(chosen.file) + " is not the plan of this run: its bytes "
+                                                        "are others [ZA116]",
                                {"put the plan " + begin.planId + " back in its place",
                                 planningCommand(reading) + " plans from what is there"});
         }

@@ -82,6 +82,12 @@ std::string standingText(const Counts& counts) {
            (counts.spares == 0 ? "" : ", " + countText(counts.spares, "spare", "spares"));
 }
 
+/// Whether commands of the plan were not run.
+bool hasRemains(const ApplyEnd& end) {
+    return std::any_of(end.details.begin(), end.details.end(),
+                       [](const std::string& line) { return line.starts_with("remains: "); });
+}
+
 } // namespace
 
 std::string durationText(std::int64_t milliseconds) {
@@ -189,7 +195,11 @@ void ApplyTeller::tell(const JournalChild& child) {
 }
 
 void ApplyTeller::tell(const JournalStepEnded& ended) {
+    const bool isOld = !running_;
     running_.reset();
+    if (isOld && ended.outcome == ChildOutcome::stillRunning) {
+        return; // the words of a command of the run before, which has ended since
+    }
     const bool hasRun =
         ended.outcome == ChildOutcome::ended || ended.outcome == ChildOutcome::notClosed;
     const std::string outcome = hasRun ? padded("exit " + std::to_string(ended.exitCode), 7) : "";
@@ -231,7 +241,7 @@ void ApplyTeller::stillWaiting(const PlanStep& step, const ProcessIdentity& chil
         return; // its line has it
     }
     if (isText()) {
-        write("      " + text + "\n");
+        write(stepNumber(step.step) + text + "\n");
     }
 }
 
@@ -326,9 +336,18 @@ const PlanStep* ApplyTeller::step(std::int32_t number) const {
     return found == steps_.end() ? nullptr : &*found;
 }
 
+bool ApplyTeller::isCommand(const std::string& line) const {
+    return std::any_of(steps_.begin(), steps_.end(),
+                       [&line](const PlanStep& each) { return printable(each.command) == line; });
+}
+
+std::string ApplyTeller::stepNumber(std::int32_t number) const {
+    return "[" + std::to_string(number) + "/" + std::to_string(steps_.size()) + "] ";
+}
+
 std::string ApplyTeller::stepText(std::int32_t number) const {
     const PlanStep* const found = step(number);
-    std::string text = "[" + std::to_string(number) + "/" + std::to_string(steps_.size()) + "] ";
+    std::string text = stepNumber(number);
     if (found == nullptr) {
         return text;
     }
@@ -386,6 +405,7 @@ void ApplyTeller::tellVerified(const ApplyEnd& end) {
         text += end.captured ? standingText(countsOf(*end.captured)) + ", " : "";
         text +=
             verified_->result == JournalVerified::Result::asPlanned ? "as planned" : "equivalent";
+        text += end.exitCode == exit_code::stopped ? ", but for what was not carried out" : "";
         break;
     case JournalVerified::Result::different:
         text = "captured again: not as planned";
@@ -413,7 +433,9 @@ void ApplyTeller::tellFault(const ApplyEnd& end) {
         "\n";
     for (const std::string& line : end.details) {
         // Command lines and words of utilities stay as they are.
-        text += "  " + printable(line) + "\n";
+        const std::string shown = printable(line);
+        const bool stays = line.starts_with("| ") || isCommand(line);
+        text += "  " + (stays ? shown : foldedWords(shown, 2, 4, width)) + "\n";
     }
     for (const std::string& line : end.help) {
         text += "  " + emphasized("help:", Emphasis::heading, style) + " " + printable(line) + "\n";
@@ -456,10 +478,12 @@ void ApplyTeller::tellResults(const ApplyEnd& end) {
         closing = "Stopped on the way. " + printable(terms_.journalFile) + " tells what was done.";
         break;
     case exit_code::different:
-        closing = "Every command was run, but the end is not proved to be as planned.";
+        closing = hasRemains(end)
+                      ? "Ended before its last step: what stands is not as planned."
+                      : "Every command was run, but the end is not proved to be as planned.";
         break;
     default:
-        closing = "Nothing was changed.";
+        closing = terms_.goesOn ? "Nothing more was changed." : "Nothing was changed.";
         break;
     }
     write(emphasized(closing, Emphasis::bold, context_.style) + "\n");

@@ -19,6 +19,7 @@ namespace zolex::companion {
 /// What a run is told with.
 struct TellTerms {
     std::string journalFile;
+    bool goesOn = false;     ///< with a run that may have changed something
     ConsentTerms consent;    ///< without notOwn
     std::string nothingToDo; ///< said of a plan without steps
     /// Empty where certificates of earlier runs tell of each of the losses, else why not.
@@ -79,6 +80,9 @@ class ApplyTeller : public ApplyListener {
     void head(const char* name, const std::string& what, const std::string& state,
               Emphasis emphasis = Emphasis::good);
     [[nodiscard]] const PlanStep* step(std::int32_t number) const;
+    [[nodiscard]] bool isCommand(const std::string& line) const;
+    /// "[2/5] ".
+    [[nodiscard]] std::string stepNumber(std::int32_t number) const;
     /// "[2/5] create A: RAID1 on 32:0 32:1", cut to its column.
     [[nodiscard]] std::string stepText(std::int32_t number) const;
     void stepLine(std::int32_t number, const std::string& state, Emphasis emphasis,

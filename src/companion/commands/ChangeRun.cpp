@@ -1,5 +1,6 @@
 #include "companion/commands/ChangeRun.h"
 
+#include "companion/commands/FileKind.h"
 #include "companion/commands/MachineAccess.h"
 #include "companion/commands/OwnCertificates.h"
 #include "companion/execution/RunCodes.h"
@@ -198,8 +199,14 @@ bool ChangeRun::outputsAreOthers() {
 }
 
 bool ChangeRun::outputsCanBeWritten() {
+    // Before anybody is asked for consent. A journal that stands there is told of later.
+    if (!options_.journal.empty() && !hasPlace(options_.journal, "--journal")) {
+        return false;
+    }
     if (!options_.certificate.empty()) {
-        return canBeWritten(options_.certificate, "--certificate");
+        return hasPlace(options_.certificate, "--certificate") &&
+               isNoRecord(options_.certificate) &&
+               canBeWritten(options_.certificate, "--certificate");
     }
     if (!options_.certificates.empty() && !folderEntries(options_.certificates)) {
         failWith(context_, printable(options_.certificates) + ": there is no such folder",
@@ -213,20 +220,36 @@ bool ChangeRun::canBeWritten(const std::string& name, const char* option) {
     using output_file::Standing;
     const Standing standing = output_file::standing(output_file::systemName(name));
     const char* why = nullptr;
-    if (standing == Standing::folder) {
-        why = "it is a folder";
-    } else if (standing == Standing::link) {
+    if (standing == Standing::link) {
         why = "it is a symbolic link";
     } else if (standing == Standing::protectedFile) {
         why = "it must not be written";
-    } else if (standing == Standing::nothing && !folderEntries(folderOf(name))) {
-        why = "there is no such folder";
     }
-    if (why != nullptr) {
-        failWith(context_, printable(name) + ": " + why,
-                 std::string("name another file with ") + option + "; nothing was changed");
+    return why == nullptr || refuseOutput(name, option, why);
+}
+
+bool ChangeRun::hasPlace(const std::string& name, const char* option) {
+    using output_file::Standing;
+    const Standing standing = output_file::standing(output_file::systemName(name));
+    if (standing == Standing::folder) {
+        return refuseOutput(name, option, "it is a folder");
     }
-    return why == nullptr;
+    return standing != Standing::nothing || folderEntries(folderOf(name)) ||
+           refuseOutput(name, option, "there is no such folder");
+}
+
+bool ChangeRun::isNoRecord(const std::string& name) {
+    const FileKind kind = fileKindOf(context_.platform, name);
+    const char* const why = kind == FileKind::journal ? "it is the journal of a run"
+                            : kind == FileKind::plan  ? "it is a plan"
+                                                      : nullptr;
+    return why == nullptr || refuseOutput(name, "--certificate", why);
+}
+
+bool ChangeRun::refuseOutput(const std::string& name, const char* option, const char* why) {
+    failWith(context_, printable(name) + ": " + why,
+             std::string("name another file with ") + option + "; nothing was changed");
+    return false;
 }
 
 CaptureRequest ChangeRun::captureRequestOf(const ChosenPlan& chosen) {
@@ -261,6 +284,7 @@ ApplyTerms ChangeRun::termsOf(const ChosenPlan& chosen) {
 TellTerms ChangeRun::tellTerms() {
     TellTerms terms;
     terms.journalFile = journalFile_;
+    terms.goesOn = !options_.resume.empty();
     terms.stepLimit = options_.stepLimit;
     terms.usualTimes = usualTimes_;
     terms.log = log_.get();
@@ -329,7 +353,8 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
         end.what = "the certificate could not be written: " + proof;
         end.code = run_problem::proofNotWritten;
         end.help = {"what stands is as planned; zolexctl diff " +
-                    (chosen.file.empty() ? chosen.plan.policiesFile : chosen.file) + " tells it"};
+                    typedWord(chosen.file.empty() ? chosen.plan.policiesFile : chosen.file) +
+                    " tells it"};
         proof.clear();
     }
     teller.tellEnd(end, proof);
@@ -494,6 +519,20 @@ JournalName freeJournal(Context& context, const std::string& asked, const std::s
             return {std::move(name), std::move(obstacle)};
         }
     }
+}
+
+std::string outputArguments(const ApplyOptions& options) {
+    const std::array<std::pair<const char*, const std::string*>, 4> files = {
+        {{" --journal ", &options.journal},
+         {" --certificate ", &options.certificate},
+         {" --certificates ", &options.certificates},
+         {" --log ", &options.log}}};
+    std::string command = options.careful ? " --careful" : "";
+    command += options.keepGoing ? " --keep-going" : "";
+    for (const auto& [option, file] : files) {
+        command += file->empty() ? "" : option + typedWord(*file);
+    }
+    return command;
 }
 
 } // namespace zolex::companion

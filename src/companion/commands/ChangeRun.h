@@ -63,6 +63,12 @@ class ChangeRun {
     [[nodiscard]] bool outputsAreOthers();
     [[nodiscard]] bool outputsCanBeWritten();
     [[nodiscard]] bool canBeWritten(const std::string& name, const char* option);
+    /// Whether it is no folder, and stands in one.
+    bool hasPlace(const std::string& name, const char* option);
+    /// Whether it is no journal and no plan, which a certificate would replace.
+    bool isNoRecord(const std::string& name);
+    /// Tells why nothing can be written there; false.
+    bool refuseOutput(const std::string& name, const char* option, const char* why);
     [[nodiscard]] ApplyTerms termsOf(const ChosenPlan& chosen);
     [[nodiscard]] CaptureRequest captureRequestOf(const ChosenPlan& chosen);
     [[nodiscard]] TellTerms tellTerms();
@@ -109,5 +115,8 @@ struct JournalName {
 };
 [[nodiscard]] JournalName freeJournal(Context& context, const std::string& asked,
                                       const std::string& usual, const std::string& again);
+
+/// How a run is carried out and what it writes, as it was typed: " --careful --log run.log".
+[[nodiscard]] std::string outputArguments(const ApplyOptions& options);
 
 } // namespace zolex::companion

@@ -7,6 +7,7 @@
 #include "companion/machine/System.h"
 #include "companion/rehearsal/Rehearse.h"
 #include "companion/text/Timestamp.h"
+#include "companion/text/TypedWord.h"
 
 #include <utility>
 

@@ -26,7 +26,7 @@ class ResetCommand {
   public:
     ResetCommand(Context& context, const ApplyOptions& options, const std::string& journal)
         : context_(context), command_("zolexctl reset" + machineArguments(context.machine)),
-          run_(context, options, journal, command_) {}
+          run_(context, options, journal, command_ + outputArguments(options)) {}
 
     int run() {
         if (!run_.begin()) {

@@ -3,6 +3,7 @@
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/Foreseen.h"
 #include "companion/execution/RunCodes.h"
+#include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
 #include "companion/text/TypedWord.h"
@@ -637,7 +638,9 @@ void PlanRun::tellRemaining(RunFault& fault) const {
     for (const ControllerProgress& progress : controllers) {
         for (std::size_t i = progress.next; i < progress.planning->steps.size(); ++i) {
             const PlanStep& step = progress.planning->steps[i];
-            lines.push_back("remains: step " + std::to_string(step.step) + ": " +
+            const std::string where =
+                controllers.size() > 1 ? ", controller " + std::to_string(step.controller) : "";
+            lines.push_back("remains: step " + std::to_string(step.step) + where + ": " +
                             printable(step.summary));
         }
     }
@@ -732,11 +735,17 @@ ApplyEnd PlanRun::already() {
 ApplyEnd PlanRun::fail(const std::exception& thrown) {
     const std::string why = printable(reasonOf(thrown));
     if (!changedSomething) {
-        return refuse(
-            {apply_code::notPossible, "ended before anything was changed: " + why, {}, {}});
+        return refuse({apply_code::notPossible,
+                       "ended before anything was changed: " + why,
+                       {},
+                       {},
+                       std::string(problem::commandFailed)});
     }
-    return stop(
-        {apply_code::stopped, "stopped in the middle: " + why, {}, {resumeHelp("goes on")}});
+    return stop({apply_code::stopped,
+                 "stopped in the middle: " + why,
+                 {},
+                 {resumeHelp("goes on")},
+                 std::string(problem::commandFailed)});
 }
 
 std::optional<RunFault> PlanRun::waitForOld(const PlanStep& step, const std::string& utility,

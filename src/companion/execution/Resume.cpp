@@ -273,7 +273,8 @@ class Resumption {
                 "the journal " + printable(run_.terms.journalFile) +
                     " cannot be written: nothing more was done",
                 {},
-                {"make room for it; then " + run_.resumeHelp("goes on")}};
+                {"make room for it; then " + run_.resumeHelp("goes on")},
+                std::string(run_problem::journalNotWritten)};
     }
 
     /// What a command wrote whose end nobody has seen.

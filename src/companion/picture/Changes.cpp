@@ -5,6 +5,7 @@
 #include "companion/planning/PlanFaults.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
+#include "companion/text/TypedWord.h"
 
 #include <algorithm>
 #include <array>
@@ -652,8 +653,7 @@ CarryOut carryOutOf(const MachinePlan& plan, const std::string& savedTo) {
     const bool hasSkipped = std::any_of(
         plan.controllers.begin(), plan.controllers.end(),
         [](const ControllerPlanning& each) { return each.disposition == Disposition::skipped; });
-    const bool isPlain = file.find(' ') == std::string::npos;
-    way.commands.push_back("zolexctl apply " + (isPlain ? file : "\"" + file + "\"") +
+    way.commands.push_back("zolexctl apply " + typedWord(file) +
                            (isLosing ? " --destroy " + plan.consent : "") +
                            (hasSkipped ? " --allow-skipped" : ""));
     return way;

@@ -123,8 +123,12 @@ class JournalWriter {
         : journal_(journal), begin_(journal.begin()), style_(style), terms_(terms),
           width_(static_cast<std::size_t>(style.width)) {
         if (terms.plan != nullptr) {
-            for (const PlanStep& step : terms.plan->steps()) {
-                summaries_[step.step] = step.summary;
+            const std::vector<PlanStep> steps = terms.plan->steps();
+            const bool isOne = steps.empty() || steps.front().controller == steps.back().controller;
+            for (const PlanStep& step : steps) {
+                const std::string where =
+                    isOne ? "" : "controller " + std::to_string(step.controller) + ": ";
+                summaries_[step.step] = where + step.summary;
             }
         }
     }
@@ -178,9 +182,13 @@ class JournalWriter {
     void operator()(const JournalStepEnded& event) {
         StepState& state = steps_[event.step];
         state.isDone = event.accepted;
-        state.hasFailed = !event.accepted;
-        std::string text = event.accepted ? "ok" : "FAILED";
-        text += ", " + endText(event) + ", " + timeText(event.durationMs);
+        state.hasFailed = !event.accepted && event.outcome != ChildOutcome::stillRunning;
+        std::string text = event.accepted ? "ok, " : "FAILED, ";
+        text += endText(event) + ", " + timeText(event.durationMs);
+        if (event.outcome == ChildOutcome::stillRunning) {
+            text = event.durationMs > 0 ? "had not ended after " + timeText(event.durationMs)
+                                        : "its end was not seen";
+        }
         stepLine(event.step, text, event.accepted ? Emphasis::good : Emphasis::bad);
         if (!event.accepted && isNamed(event.step) && !terms_.verbose) {
             below(printable(state.command), Emphasis::dim);
@@ -285,7 +293,6 @@ class JournalWriter {
         case ChildOutcome::notStarted:
             return "could not be started";
         case ChildOutcome::stillRunning:
-            return "did not end";
         case ChildOutcome::notClosed:
             return "its exit code is not known";
         case ChildOutcome::ended:
@@ -375,7 +382,7 @@ class JournalWriter {
         } else if (end->exitCode == 0) {
             tell("The run ended as planned.", Emphasis::good);
         } else if (end->exitCode == stopped) {
-            tell("The run was stopped on its way.", Emphasis::bad);
+            tell("The run was stopped on its way." + running(), Emphasis::bad);
             help(resume + " when the cause is mended");
             help(planCommand() + " plans from what is there");
         } else if (end->exitCode == different) {

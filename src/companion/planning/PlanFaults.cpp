@@ -1,5 +1,7 @@
 #include "companion/planning/PlanFaults.h"
 
+#include "companion/text/TypedWord.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -28,7 +30,9 @@ Finding planWarning(std::string_view id, std::string summary, std::vector<std::s
 }
 
 std::string policiesArgument(const std::string& policiesFile) {
-    return policiesFile.empty() ? "--default" : policiesFile == "<stdin>" ? "-" : policiesFile;
+    return policiesFile.empty()        ? "--default"
+           : policiesFile == "<stdin>" ? "-"
+                                       : typedWord(policiesFile);
 }
 
 void namePolicies(std::vector<Finding>& findings, const std::string& policiesFile) {

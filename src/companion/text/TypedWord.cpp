@@ -3,7 +3,8 @@
 namespace zolex::companion {
 
 std::string typedWord(const std::string& word) {
-    return word.find_first_of(" \t&;|<>()'") == std::string::npos ? word : "\"" + word + "\"";
+    const bool isPlain = !word.empty() && word.find_first_of(" \t&|;<>()*?'#") == std::string::npos;
+    return isPlain ? word : "\"" + word + "\"";
 }
 
 } // namespace zolex::companion

@@ -4,8 +4,7 @@
 
 namespace zolex::companion {
 
-/// The word as it is typed: in quotation marks where it has blanks, or what a shell takes for its
-/// own.
+/// A word of a command line as it is typed: in double quotes where a shell would take it apart.
 [[nodiscard]] std::string typedWord(const std::string& word);
 
 } // namespace zolex::companion

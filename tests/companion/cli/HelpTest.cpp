@@ -19,7 +19,7 @@ TEST(Help, OfTheProgramNamesTheCommands) {
               "  plan     what would be done, and why\n"
               "  apply    carry out a plan, or go on with one\n"
               "  reset    factory defaults of controllers\n"
-              "  diff     this server against policies or a plan\n"
+              "  diff     this server against policies, a plan, a proof\n"
               "  show     what is in this server\n"
               "  check    every fault of a policies file\n"
               "  doctor   are the utilities there, are they read\n"

@@ -285,10 +285,117 @@ TEST_F(ApplyTest, ResumesByNoOtherPlan) {
     files()["plan.json"] += "\n";
     const ApplySeen seen = resume();
     EXPECT_EQ(seen.exitCode, 3);
-    EXPECT_NE(seen.error.find("error: plan.json is not the plan of this run: its bytes are "
-                              "others [ZA116]\n"),
+    EXPECT_NE(seen.error.find("error: plan.json is not the plan of this run: its bytes are others "
+                              "[ZA116]\n"),
               std::string::npos)
         << seen.error;
+    // The run before has changed something.
+    EXPECT_EQ(seen.output, "Nothing more was changed.\n");
+}
+
+TEST_F(ApplyTest, NamesTheOptionForAFileOfAnotherKind) {
+    plan();
+    ASSERT_EQ(applyPlan().exitCode, 0);
+    ApplyOptions options;
+    options.plan = "plan.journal.jsonl";
+    EXPECT_EQ(apply(options).error,
+              "error: plan.journal.jsonl: this is no plan but a journal [ZP191]\n"
+              "  help: zolexctl apply --resume plan.journal.jsonl goes on with its run\n");
+    options.plan = "site.ini";
+    EXPECT_EQ(apply(options).error,
+              "error: site.ini: this is no plan but a policies file [ZP191]\n"
+              "  help: zolexctl apply --policies site.ini plans and carries it out\n");
+    options.plan.clear();
+    options.resume = "plan.json";
+    EXPECT_EQ(apply(options).error, "error: plan.json: this is no journal but a plan [ZA181]\n"
+                                    "  help: zolexctl apply plan.json carries a plan out\n");
+}
+
+TEST_F(ApplyTest, PutsNamesWithBlanksIntoQuotes) {
+    plan();
+    system->notStarted = "R5";
+    ApplyOptions options;
+    options.plan = "plan.json";
+    options.journal = "my run.jsonl";
+    const ApplySeen seen = apply(options);
+    EXPECT_EQ(seen.exitCode, 4);
+    EXPECT_NE(seen.error.find("  help: zolexctl apply --resume \"my run.jsonl\" goes on when "),
+              std::string::npos)
+        << seen.error;
+    EXPECT_NE(apply(options).error.find(
+                  "  help: zolexctl apply --resume \"my run.jsonl\" goes on with it\n"),
+              std::string::npos);
+}
+
+TEST_F(ApplyTest, DoesNotCallARunInterruptedThatMayBeUnderWay) {
+    plan();
+    ASSERT_EQ(applyPlan().exitCode, 0);
+    std::string& journal = files()["plan.journal.jsonl"];
+    journal.erase(journal.find("{\"seq\":9,"));
+    const ApplySeen seen = applyPlan();
+    EXPECT_EQ(seen.exitCode, 3);
+    EXPECT_NE(seen.error.find(" and\n       has not ended [ZA106]\n"), std::string::npos)
+        << seen.error;
+}
+
+/// What is typed to agree keeps what the run was to write.
+TEST_F(ApplyTest, KeepsTheOptionsInTheHelp) {
+    configure();
+    ApplyOptions options;
+    options.careful = true;
+    options.journal = "night.jsonl";
+    options.log = "run 1.log";
+    const ApplySeen seen = reset(options);
+    EXPECT_EQ(seen.exitCode, 3);
+    EXPECT_NE(seen.error.find("  help: zolexctl reset --careful --journal night.jsonl --log "
+                              "\"run 1.log\" --destroy "),
+              std::string::npos)
+        << seen.error;
+}
+
+/// A folder as journal is told before anybody is asked; a proof replaces no record.
+TEST_F(ApplyTest, RefusesOutputsThatCannotBe) {
+    configure();
+    ApplyOptions options;
+    options.destroy = destroyWishOf("any").value();
+    options.journal = ".";
+    const ApplySeen folder = reset(options);
+    EXPECT_EQ(folder.exitCode, 2);
+    EXPECT_EQ(folder.error, "error: .: it is a folder\n"
+                            "  help: name another file with --journal; nothing was changed\n");
+    EXPECT_EQ(folder.output, "Nothing was changed.\n");
+    plan();
+    options.journal.clear();
+    options.certificate = "plan.json";
+    const std::string kept = files()["plan.json"];
+    const ApplySeen record = reset(options);
+    EXPECT_EQ(record.exitCode, 2);
+    EXPECT_EQ(record.error, "error: plan.json: it is a plan\n"
+                            "  help: name another file with --certificate; nothing was changed\n");
+    EXPECT_EQ(files()["plan.json"], kept);
+    EXPECT_TRUE(system->started.empty());
+}
+
+/// What stands otherwise is folded, a command line is not.
+TEST_F(ApplyTest, FoldsWhatDiffers) {
+    plan();
+    system->work = [this](const std::string& line) {
+        return line.find("R5") == std::string::npos
+                   ? server->play(line)
+                   : ChildResult{ChildOutcome::ended, 0, "Exit Code: 0x00\n"};
+    };
+    ApplyOptions options;
+    options.plan = "plan.json";
+    options.careful = true;
+    const ApplySeen seen = apply(options);
+    EXPECT_EQ(seen.exitCode, 5);
+    EXPECT_NE(seen.error.find("\n  Logical.2, missing: planned is RAID5 fill, strip 64 KB, "
+                              "write-back, adaptive\n    read-ahead: "),
+              std::string::npos)
+        << seen.error;
+    EXPECT_TRUE(seen.output.ends_with("\nEnded before its last step: what stands is not as "
+                                      "planned.\n"))
+        << seen.output;
 }
 
 TEST_F(ApplyTest, KeepsALog) {
@@ -367,8 +474,8 @@ TEST_F(ApplyTest, TellsInAPipeThatAUtilityIsStillAtWork) {
     options.stepLimit = std::chrono::seconds(100);
     const ApplySeen seen = apply(options);
     EXPECT_EQ(seen.exitCode, 0);
-    EXPECT_NE(seen.output.find("      still at work, pid 4711, 30 s of at most 100 s\n"
-                               "      still at work, pid 4711, 60 s of at most 100 s\n"
+    EXPECT_NE(seen.output.find("[1/3] still at work, pid 4711, 30 s of at most 100 s\n"
+                               "[1/3] still at work, pid 4711, 60 s of at most 100 s\n"
                                "[1/3] create A"),
               std::string::npos)
         << seen.output;
@@ -400,6 +507,7 @@ TEST_F(ApplyTest, ResetsControllers) {
         << seen.output;
     const ApplySeen again = reset({});
     EXPECT_EQ(again.exitCode, 0);
+    EXPECT_TRUE(again.output.starts_with("Controller 1  nothing stands on it\n")) << again.output;
     EXPECT_TRUE(again.output.ends_with("Controller 1  already\nNothing to reset.\n"))
         << again.output;
 }

@@ -787,8 +787,9 @@ TEST_F(ApplyTwo, StopsAtTheFirst) {
             "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2,32:3,32:4,32:5 ]   WB   ADRA   "
             "-strpsz 64  -a0",
             "  this step has changed nothing",
-            "  remains: step 1: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
-            "  remains: step 2: create A: RAID5 on 252:0 252:1 252:2 252:3 252:4 252:5",
+            "  remains: step 1, controller 1: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
+            "  remains: step 2, controller 2: create A: RAID5 on 252:0 252:1 252:2 252:3 252:4 "
+            "252:5",
             "help: zolexctl doctor tells what is missing",
             "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
             "help: zolexctl plan site.ini plans from what is there",
@@ -806,7 +807,7 @@ TEST_F(ApplyTwo, KeepsGoing) {
             "  UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:0,32:1,32:2,32:3,32:4,32:5 ]   WB   ADRA   "
             "-strpsz 64  -a0",
             "  this step has changed nothing",
-            "  remains: step 1: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
+            "  remains: step 1, controller 1: create A: RAID5 on 32:0 32:1 32:2 32:3 32:4 32:5",
             "help: zolexctl doctor tells what is missing",
             "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
             "help: zolexctl plan site.ini plans from what is there",

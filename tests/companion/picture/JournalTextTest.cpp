@@ -128,6 +128,37 @@ The run was stopped on its way.
 )");
 }
 
+/// A utility whose end was not waited for is at work, or was: its step has not failed.
+TEST(JournalText, TellsOfAUtilityThatHadNotEnded) {
+    std::vector<JournalEvent> events = exampleJournalEvents();
+    for (JournalEvent& event : events) {
+        auto* const ended = std::get_if<JournalStepEnded>(&event);
+        if (ended != nullptr && ended->step == 3) {
+            ended->outcome = ChildOutcome::stillRunning;
+            ended->durationMs = 62000;
+        }
+    }
+    const std::string text = shown(historyOf(events));
+    EXPECT_NE(text.find("21:06:13  [3/3]     had not ended after 62.0 s\n"), std::string::npos)
+        << text;
+    EXPECT_NE(text.find("  ? step 3  begun, no end noted  create B"), std::string::npos) << text;
+    EXPECT_NE(text.find("The run was stopped on its way. The utility of step 3 (pid "),
+              std::string::npos)
+        << text;
+}
+
+/// With several controllers each step says which.
+TEST(JournalText, NamesTheControllersOfSteps) {
+    MachinePlan known = plan();
+    known.controllers[0].steps[2].controller = 2;
+    JournalTextTerms terms;
+    terms.plan = &known;
+    const std::string text = journalText(historyOf(exampleJournalEvents()), {}, terms);
+    EXPECT_NE(text.find("[3/3]     controller 2: create B: RAID5 on 32:2-32:6\n"),
+              std::string::npos)
+        << text;
+}
+
 /// Cut in its third step: nothing is known of what the utility did.
 TEST(JournalText, TellsOfARunThatWasInterrupted) {
     std::vector<JournalEvent> events = exampleJournalEvents();
