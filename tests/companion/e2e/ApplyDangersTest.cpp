@@ -446,7 +446,7 @@ TEST_F(ApplyDangers, ACloneOntoAnotherNumberOfDrivesIsRefused) {
     fewer.write("c.ini", source.read("c.ini"));
     const ProgramRun run = fewer.refused({"--policies", "c.ini"});
     EXPECT_EQ(run.exitCode, 3) << run.output << run.error;
-    expectPieces(run.output + run.error, {"asks for d:8, and it is 7"});
+    expectPieces(run.output + run.error, {"asks for d:8,", "and it is 7"});
     const ProgramRun let = fewer.refused({"--policies", "c.ini", "--allow-skipped"});
     EXPECT_EQ(let.exitCode, 0) << let.output << let.error;
     expectPieces(let.output, {"skipped: "});

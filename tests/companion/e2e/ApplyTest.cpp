@@ -398,7 +398,8 @@ TEST_F(ApplyTest, AUtilityThatRefusesStopsIt) {
   UTIL.BAT MEGACLI  -CfgLdAdd R5   [ 32:2,32:3,32:4,32:5,32:6 ]   WB   ADRA   -strpsz 64  -a0
   | FW error description:
   |   The drive is busy.
-  now on controller 1: array A stands, array B, hot spare 32:7 do not; what the plan removes is gone
+  now on controller 1: array A stands, array B, hot spare 32:7 do not; what the
+    plan removes is gone
   remains: step 3: create B: RAID5 on 32:2 32:3 32:4 32:5 32:6
   remains: step 4: make 32:7 a spare
   help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended
