@@ -345,8 +345,8 @@ TEST_F(Apply, ADriveThatFailsMeanwhileIsTold) {
     planTwoArrays();
     bench_.system.onMoment = [this](const std::string& moment) {
         if (moment == "written step-ended 3") {
-            bench_.server.platform.server.controllers[0].drives[0].state =
-                zolex_sim::DriveState::failed;
+            bench_.server.platform.server.controllers[0].drives[0].status =
+                zolex_sim::DriveStatus::failed;
         }
     };
     EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
