@@ -201,7 +201,10 @@ TEST(Diff, APlanOfSomeControllersIsOfThisMachine) {
 /// looked at.
 TEST(Diff, OneControllerOfAPlanIsOfThisMachine) {
     PlannedServer server("two-controllers");
-    const MachinePlan earlier = server.plan(policies);
+    const MachinePlan earlier =
+        server.plan("[Policy.web]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n"
+                    "Array_Mode = CUSTOM\nArray.A = 1,2\n"
+                    "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1:ON\n");
     Snapshot second = server.snapshot();
     ASSERT_EQ(second.details.size(), 2U);
     second.details.erase(second.details.begin());
@@ -209,7 +212,7 @@ TEST(Diff, OneControllerOfAPlanIsOfThisMachine) {
     EXPECT_EQ(diff.diagnostics.size(), 0U);
     ASSERT_EQ(diff.controllers.size(), 1U);
     EXPECT_EQ(diff.controllers[0].number, 2);
-    EXPECT_EQ(diff.controllers[0].result, Result::different);
+    EXPECT_EQ(diff.controllers[0].result, Result::different) << diff.controllers[0].because;
     second.details[0].facts.serialNumber = "9";
     EXPECT_EQ(diffOf(second, earlier, {2}).controllers[0].because,
               "the plan is of another machine");
