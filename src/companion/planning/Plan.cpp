@@ -31,11 +31,11 @@ std::string planCommand(const MachinePlan& plan) {
         return plan.command;
     }
     const bool isReset =
-        plan.policiesFile.empty() &&
-        std::all_of(plan.controllers.begin(), plan.controllers.end(),
-                    [](const ControllerPlanning& planning) {
-                        return planning.after.groups.empty() && planning.after.spares.empty();
-                    });
+        plan.policiesFile.empty() && std::all_of(plan.controllers.begin(), plan.controllers.end(),
+                                                 [](const ControllerPlanning& planning) {
+                                                     return planning.after.groups.empty() &&
+                                                            planning.after.spares.empty();
+                                                 });
     return isReset ? "zolexctl reset" : "zolexctl plan " + policiesArgument(plan.policiesFile);
 }
 

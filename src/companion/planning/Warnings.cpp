@@ -103,10 +103,10 @@ void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findin
     }
     for (const std::string& line : planning.comparison.health) {
         const bool isRebuilding = line.find("rebuilding") != std::string::npos;
-        findings.push_back(planWarning(
-            problem::degraded, line,
-            {isRebuilding ? "wait until it is rebuilt; the layout is as the policy says"
-                          : "replace the drive; the layout is as the policy says"}));
+        findings.push_back(
+            planWarning(problem::degraded, line,
+                        {isRebuilding ? "wait until it is rebuilt; the layout is as the policy says"
+                                      : "replace the drive; the layout is as the policy says"}));
     }
 }
 

@@ -47,7 +47,8 @@ layout 1     0ba564f06eaf805f0e38e843f14198117fa83efa7aabe429213108b54ac7b89d
 }
 
 TEST(CertificateText, FoldsOnANarrowTerminal) {
-    EXPECT_EQ(certificateText(exampleCertificate(), {false, 50}), R"(Certificate  plan p-5f1c09ab77e2
+    EXPECT_EQ(certificateText(exampleCertificate(), {false, 50}),
+              R"(Certificate  plan p-5f1c09ab77e2
 Machine      8837, serial KQ10Z7V
 Made at      2026-11-21T21:06:20+00:00
 Policies     site.ini
