@@ -1,6 +1,7 @@
 // Plans carried out on virtual servers: what is asked, noted, told and refused.
 
 #include "companion/execution/ApplyBench.h"
+#include "companion/machine/System.h"
 
 #include <gtest/gtest.h>
 
@@ -702,7 +703,8 @@ TEST_F(Apply, AnotherRunIsUnderWay) {
     // It is the same for plans of other controllers of the machine.
     Fingerprint machine = bench_.plan.fingerprint;
     machine.controllers.clear();
-    const std::string name = "/tmp/zolexctl-" + identityHash(machine).substr(0, 16) + ".lock";
+    const std::string name = std::string("/tmp") + (system::isWindows ? "\\" : "/") + "zolexctl-" +
+                             identityHash(machine).substr(0, 16) + ".lock";
     bench_.system.locks[name] = {true, {98, "at 1"}, {}};
     const ApplyEnd end = bench_.apply();
     EXPECT_EQ(end.exitCode, 3);
