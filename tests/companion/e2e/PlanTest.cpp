@@ -235,7 +235,7 @@ TEST(PlanEndToEnd, LeavesAnOldPlanWhereTheNewOneIsRefused) {
                          "  help: mend what is told as error, and plan again\n");
     EXPECT_NE(run.output.find("\"ZX502\""), std::string::npos) << run.output;
     EXPECT_TRUE(valuesOf(run.output, "command").empty());
-    keepDocument("plan-refused", run.output);
+    keepDocument("plan-refused-run", run.output);
     // What only the utility would refuse can be let pass.
     const ProgramRun missing = server.zolexctl({"plan", "no.ini", "--format", "json"});
     EXPECT_EQ(missing.exitCode, 2);
