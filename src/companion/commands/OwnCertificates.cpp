@@ -21,7 +21,9 @@ std::vector<Certificate> certificatesOf(Context& context, const std::string& fol
         if (!name.ends_with(certificateEnding)) {
             continue;
         }
-        const std::string file = folder + (folder.ends_with('/') ? "" : "/") + name;
+        std::string file = folder;
+        file += folder.ends_with('/') ? "" : "/";
+        file += name;
         CertificateReading reading = readCertificateFile(context.platform.files(), file);
         if (reading.certificate) {
             certificates.push_back(*std::move(reading.certificate));

@@ -44,7 +44,7 @@ std::string startOf(const char* file, std::size_t most) {
 
 std::string userName() {
     // Not the C library's look-up: linked statically, that loads libraries of the machine.
-    const std::string number = std::to_string(::getuid());
+    std::string number = std::to_string(::getuid());
     const std::string users = startOf("/etc/passwd", std::size_t{1} << 20U);
     for (std::string_view rest = users; !rest.empty();) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
