@@ -39,7 +39,8 @@ std::vector<std::string> wordsToldOf(const OptionRow& option) {
         return words;
     }
     for (std::string& word : wordsOf(option.text, " ,:;()")) {
-        if (std::all_of(word.begin(), word.end(), isLower) && takes(option, word)) {
+        const bool isNew = std::find(words.begin(), words.end(), word) == words.end();
+        if (isNew && std::all_of(word.begin(), word.end(), isLower) && takes(option, word)) {
             words.push_back(std::move(word));
         }
     }

@@ -30,6 +30,8 @@ TEST(Completion, OffersTheWordsThatAnOptionTakesAndItsTextNames) {
     OptionRow other = option("--strategy");
     other.text = "auto (as it is), none, rebuild; add";
     EXPECT_EQ(offeredValues(other, rowOf(Command::plan)), words({"auto", "rebuild", "add"}));
+    other.text = "what to rebuild: rebuild, or add";
+    EXPECT_EQ(offeredValues(other, rowOf(Command::plan)), words({"rebuild", "add"}));
     other.value = "policies|ironic";
     EXPECT_EQ(offeredValues(other, rowOf(Command::plan)), words({"policies", "ironic"}));
 }
@@ -103,8 +105,8 @@ TEST(Completion, IsATextForEachShell) {
     EXPECT_NE(bash.find("    reset) options='--timings "), std::string::npos);
     EXPECT_EQ(zsh.substr(0, zsh.find('\n')), "#compdef zolexctl");
     EXPECT_NE(zsh.find("        'reset:factory defaults of controllers'\n"), std::string::npos);
-    EXPECT_NE(zsh.find("'*--machine=[hold the files against this recording, or all of a "
-                       "folder]:PATH:_files'"),
+    EXPECT_NE(zsh.find("'*--timings=[tell usual times, from the calls in this "
+                       "recording]:FILE:_files'"),
               std::string::npos);
 }
 
