@@ -213,7 +213,7 @@ class Placer {
         }
         if (members.size() < wanted) {
             tell_(index, disk.driveCount ? "number_of_physical_disks" : "", "ZX954",
-                  std::to_string(wanted) + " " + kindWords(disk) + " are wanted; controller " +
+                  kindWords(disk) + ": " + std::to_string(wanted) + " wanted, and controller " +
                       std::to_string(target_.details->number) + " has " +
                       (members.empty() ? "none" : std::to_string(members.size())) +
                       " that no other takes",
