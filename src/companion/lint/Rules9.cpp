@@ -74,7 +74,7 @@ constexpr std::array<Rule, 12> rows = {{
      "(t:), numbers (c:) and the locations of its utilities. A controller without a policy is left "
      "out. Where it cannot be told which controller is meant, nothing is written.",
      "Say which it is:\n"
-     "  zolexctl convert --from ironic node.json --model LSI-MegaRAID-8480 -o site.ini"},
+     "  zolexctl convert --from ironic node.json --model LSI-MegaRAID-8480"},
 }};
 // clang-format on
 

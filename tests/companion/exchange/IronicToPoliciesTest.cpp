@@ -39,10 +39,11 @@ std::string told(std::string_view document, const std::string& model,
 }
 
 TEST(IronicToPolicies, OneRaid5OfAllThatIsThere) {
-    EXPECT_EQ(told(R"({"logical_disks": [
+    EXPECT_EQ(
+        told(R"({"logical_disks": [
   {"size_gb": "MAX", "raid_level": "5", "is_root_volume": true}]})",
-                   megaRaid),
-              R"(2:3 warning: logical_disks[0]: no drives are named: drives 1, 2, 3 are written, the least number for RAID 5 [ZX954]
+             megaRaid),
+        R"(2:3 warning: logical_disks[0]: no drives are named: drives 1, 2, 3 are written, the least number for RAID 5 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec
 2:59 warning: logical_disks[0].is_root_volume: policies cannot say which logical drive is the root; left out [ZX952]
 [Policy.n7]
@@ -59,7 +60,9 @@ TEST(IronicToPolicies, TwoLogicalDisksByHints) {
     constexpr const char* document = R"({"logical_disks": [
   {"size_gb": 100, "raid_level": "1", "disk_type": "ssd"},
   {"size_gb": 500, "raid_level": "5", "disk_type": "hdd", "interface_type": "sas"}]})";
-    EXPECT_EQ(told(document, "Kestrix-C1"), R"(2:3 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
+    EXPECT_EQ(
+        told(document, "Kestrix-C1"),
+        R"(2:3 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec
 2:15 note: logical_disks[0].size_gb: 100 is written as 102400 MB [ZX956]
 2:52 warning: logical_disks[0].disk_type: "ssd": policies cannot ask for it; left out [ZX951]
@@ -79,7 +82,8 @@ Logical.1 = A:102400:1
 Logical.2 = B:512000:5
 )");
     const Snapshot machine = test::capturedKinds(test::kindServer(test::mixedDrives));
-    EXPECT_EQ(told(document, "", &machine), R"(2:3 note: logical_disks[0]: the first free SSD drives are taken: 32:0 32:1 [ZX954]
+    EXPECT_EQ(told(document, "", &machine),
+              R"(2:3 note: logical_disks[0]: the first free SSD drives are taken: 32:0 32:1 [ZX954]
 2:15 note: logical_disks[0].size_gb: 100 is written as 102400 MB [ZX956]
 2:52 note: logical_disks[0].disk_type: "ssd": policies cannot ask for it; left out, and the drives were taken by it [ZX951]
 3:3 note: logical_disks[1]: the first free SAS HDD drives are taken: 32:4 32:5 32:6 [ZX954]
@@ -104,7 +108,8 @@ TEST(IronicToPolicies, NamedDrivesOnANamedController) {
    "physical_disks": ["32:2", "32:3"]}]})";
     test::PlannedServer server("single");
     const Snapshot machine = server.snapshot();
-    EXPECT_EQ(told(document, "", &machine), R"(2:15 note: logical_disks[0].size_gb: 20 is written as 20480 MB [ZX956]
+    EXPECT_EQ(told(document, "", &machine),
+              R"(2:15 note: logical_disks[0].size_gb: 20 is written as 20480 MB [ZX956]
 [Policy.n7]
 AppliesTo.1 = t:LSI-MegaRAID-8480,d:8
 Array_Mode = CUSTOM
@@ -113,7 +118,9 @@ Array_Defaults = 0%:0
 Logical_Mode = CUSTOM
 Logical.1 = A:20480:1
 )");
-    EXPECT_EQ(told(document, ""), R"(3:23 error: logical_disks[0].physical_disks[0]: "32:2" is no number of a drive, and without the server its location cannot be looked up [ZX954]
+    EXPECT_EQ(
+        told(document, ""),
+        R"(3:23 error: logical_disks[0].physical_disks[0]: "32:2" is no number of a drive, and without the server its location cannot be looked up [ZX954]
   zolexctl record -o server.zrec on the server, and --machine server.zrec
 )");
     EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 20, "raid_level": "1",
@@ -128,11 +135,12 @@ Array_Defaults = 0%:0
 Logical_Mode = CUSTOM
 Logical.1 = A:20480:1
 )");
-    EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 20, "raid_level": "5",
+    EXPECT_EQ(
+        told(R"({"logical_disks": [{"size_gb": 20, "raid_level": "5",
   "controller": "RAID.Integrated.1-1", "physical_disks": [
     "Disk.Bay.0:Encl.Int.0-1:RAID.Integrated.1-1", "6I:1:5", "6I:1:6"]}]})",
-                   "", &machine),
-              R"(2:17 warning: logical_disks[0].controller: "RAID.Integrated.1-1" is how a driver calls it: left out, the controller of the server is taken [ZX959]
+             "", &machine),
+        R"(2:17 warning: logical_disks[0].controller: "RAID.Integrated.1-1" is how a driver calls it: left out, the controller of the server is taken [ZX959]
 3:5 error: logical_disks[0].physical_disks[0]: "Disk.Bay.0:Encl.Int.0-1:RAID.Integrated.1-1" is no drive of controller 1 [ZX954]
   zolexctl show RECORDING lists the drives
 )");
@@ -177,18 +185,20 @@ Logical.2 = B:102400:5
 }
 
 TEST(IronicToPolicies, SoftwareRaidAndHintObjects) {
-    EXPECT_EQ(told(R"({"logical_disks": [
+    EXPECT_EQ(
+        told(R"({"logical_disks": [
   {"size_gb": 100, "raid_level": "1", "controller": "software"},
   {"size_gb": "MAX", "raid_level": "0", "controller": "software",
    "physical_disks": [{"size": "> 100"}, {"size": "> 100"}]}]})",
-                   megaRaid),
-              R"(2:53 error: logical_disks[0].controller: software RAID is made by the operating system, and by no RAID controller [ZX953]
+             megaRaid),
+        R"(2:53 error: logical_disks[0].controller: software RAID is made by the operating system, and by no RAID controller [ZX953]
 3:55 error: logical_disks[1].controller: software RAID is made by the operating system, and by no RAID controller [ZX953]
 )");
-    EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 100, "raid_level": "1",
+    EXPECT_EQ(
+        told(R"({"logical_disks": [{"size_gb": 100, "raid_level": "1",
   "physical_disks": [{"size": "> 100"}, {"size": "> 100"}]}]})",
-                   megaRaid),
-              R"(2:21 error: logical_disks[0].physical_disks: objects with hints are for software RAID, and policies name drives [ZX953]
+             megaRaid),
+        R"(2:21 error: logical_disks[0].physical_disks: objects with hints are for software RAID, and policies name drives [ZX953]
   name the drives: "physical_disks": ["32:0", "32:1"]
 )");
 }
@@ -204,8 +214,9 @@ TEST(IronicToPolicies, LevelsAndSizesThatPoliciesCannotSay) {
 3:36 error: logical_disks[1].raid_level: policies have no level "2" [ZX950]
 4:15 error: logical_disks[2].size_gb: 2097152 is more than 2097151 GiB, the most that policies can say [ZX956]
 )");
-    EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "1"}]})", "LSI-IDEal-RAID"),
-              R"(1:20 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
+    EXPECT_EQ(
+        told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "1"}]})", "LSI-IDEal-RAID"),
+        R"(1:20 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec
 1:32 warning: logical_disks[0].size_gb: 10 is left out: a logical drive of HYPERWIN fills its drives [ZX956]
 [Policy.n7]
@@ -216,7 +227,9 @@ Array_Defaults = 0%:0
 Logical_Mode = CUSTOM
 Logical.1 = A:FILL:1
 )");
-    EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "6"}]})", megaRaid), R"(1:20 warning: logical_disks[0]: no drives are named: drives 1, 2, 3, 4 are written, the least number for RAID 6 [ZX954]
+    EXPECT_EQ(
+        told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "6"}]})", megaRaid),
+        R"(1:20 warning: logical_disks[0]: no drives are named: drives 1, 2, 3, 4 are written, the least number for RAID 6 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec
 1:32 note: logical_disks[0].size_gb: 10 is written as 10240 MB [ZX956]
 1:50 error: logical_disks[0].raid_level: RAID 6 is not possible on LSI-MegaRAID-8480 [ZX401]
@@ -233,16 +246,23 @@ TEST(IronicToPolicies, DrivesThatAreShared) {
                drives + second + "}]}";
     };
     constexpr const char* share = R"(, "share_physical_disks": true)";
-    EXPECT_EQ(told(shared(R"(["2", "1"])", "", share), megaRaid), R"(3:56 error: logical_disks[1].physical_disks: these are the drives of logical_disks[0], and not both say share_physical_disks [ZX955]
+    EXPECT_EQ(
+        told(shared(R"(["2", "1"])", "", share), megaRaid),
+        R"(3:56 error: logical_disks[1].physical_disks: these are the drives of logical_disks[0], and not both say share_physical_disks [ZX955]
   name other drives, or add "share_physical_disks": true to both
 )");
-    EXPECT_EQ(told(shared(R"(["2", "1"])", share, share), megaRaid), R"(3:92 error: logical_disks[1].share_physical_disks: MEGACLI takes one logical drive on these drives, and logical_disks[0] is it [ZX955]
+    EXPECT_EQ(
+        told(shared(R"(["2", "1"])", share, share), megaRaid),
+        R"(3:92 error: logical_disks[1].share_physical_disks: MEGACLI takes one logical drive on these drives, and logical_disks[0] is it [ZX955]
   name other drives, or make one logical disk of both
 )");
-    EXPECT_EQ(told(shared(R"(["2", "3"])", share, share), megaRaid), R"(3:56 error: logical_disks[1].physical_disks: some of these drives are those of logical_disks[0], and an array has all its drives for itself [ZX955]
+    EXPECT_EQ(
+        told(shared(R"(["2", "3"])", share, share), megaRaid),
+        R"(3:56 error: logical_disks[1].physical_disks: some of these drives are those of logical_disks[0], and an array has all its drives for itself [ZX955]
   name the same drives, or others
 )");
-    EXPECT_EQ(told(shared(R"(["2", "1"])", share, share), "Kestrix-A1"), R"(3:15 note: logical_disks[1].size_gb: 10 is written as 10240 MB [ZX956]
+    EXPECT_EQ(told(shared(R"(["2", "1"])", share, share), "Kestrix-A1"),
+              R"(3:15 note: logical_disks[1].size_gb: 10 is written as 10240 MB [ZX956]
 [Policy.n7]
 AppliesTo.1 = t:Kestrix-A1
 Array_Mode = CUSTOM
@@ -279,11 +299,12 @@ TEST(IronicToPolicies, DrivesThatAreNotThere) {
 9:3 error: logical_disks[5]: free SSD drives: 1 wanted, and controller 1 has none that no other takes [ZX954]
   zolexctl show RECORDING lists the drives
 )");
-    EXPECT_EQ(told(R"({"logical_disks": [
+    EXPECT_EQ(
+        told(R"({"logical_disks": [
   {"size_gb": "MAX", "raid_level": "0", "number_of_physical_disks": 2},
   {"size_gb": "MAX", "raid_level": "1", "physical_disks": ["0", "145"]}]})",
-                   megaRaid),
-              R"(2:69 error: logical_disks[0].number_of_physical_disks: drives have to be chosen, and no server is told to choose them of [ZX954]
+             megaRaid),
+        R"(2:69 error: logical_disks[0].number_of_physical_disks: drives have to be chosen, and no server is told to choose them of [ZX954]
   zolexctl record -o server.zrec on the server, and --machine server.zrec
 3:60 error: logical_disks[1].physical_disks[0]: "0" is no number of a drive, and without the server its location cannot be looked up [ZX954]
   zolexctl record -o server.zrec on the server, and --machine server.zrec
@@ -304,17 +325,23 @@ TEST(IronicToPolicies, ControllersThatAreNotTold) {
   {"size_gb": 10, "raid_level": "1"}]})";
     constexpr const char* drivers = R"({"logical_disks": [{"size_gb": 10, "raid_level": "1",
   "controller": "RAID.Integrated.1-1"}]})";
-    EXPECT_EQ(told(nameless, ""), R"(1:20 error: logical_disks[0]: which controller is meant is not told [ZX959]
+    EXPECT_EQ(told(nameless, ""),
+              R"(1:20 error: logical_disks[0]: which controller is meant is not told [ZX959]
   name its model: --model LSI-MegaRAID-8480
 )");
-    EXPECT_EQ(told(nameless, "", &machine), R"(1:20 error: logical_disks[0]: 7 controllers of the server can be meant [ZX959]
+    EXPECT_EQ(told(nameless, "", &machine),
+              R"(1:20 error: logical_disks[0]: 7 controllers of the server can be meant [ZX959]
   name it as the server has it: "controller": "c:1"
   zolexctl show RECORDING lists the controllers
 )");
-    EXPECT_EQ(told(drivers, ""), R"(2:17 error: logical_disks[0].controller: "RAID.Integrated.1-1" is no model of a controller, and how a driver calls it is not known here [ZX959]
+    EXPECT_EQ(
+        told(drivers, ""),
+        R"(2:17 error: logical_disks[0].controller: "RAID.Integrated.1-1" is no model of a controller, and how a driver calls it is not known here [ZX959]
   name its model: --model LSI-MegaRAID-8480
 )");
-    EXPECT_EQ(told(drivers, megaRaid), R"(1:20 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
+    EXPECT_EQ(
+        told(drivers, megaRaid),
+        R"(1:20 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec
 1:32 note: logical_disks[0].size_gb: 10 is written as 10240 MB [ZX956]
 2:17 warning: logical_disks[0].controller: "RAID.Integrated.1-1" is how a driver calls it: left out, LSI-MegaRAID-8480 is taken [ZX959]
@@ -333,21 +360,23 @@ Logical.1 = A:10240:1
   name it as the server has it: "controller": "c:1"
   zolexctl show RECORDING lists the controllers
 )");
-    EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "1",
+    EXPECT_EQ(
+        told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "1",
   "controller": "Kestrix-B7"}]})",
-                   megaRaid),
-              R"(2:17 error: logical_disks[0].controller: it is "Kestrix-B7", and --model is LSI-MegaRAID-8480 [ZX959]
+             megaRaid),
+        R"(2:17 error: logical_disks[0].controller: it is "Kestrix-B7", and --model is LSI-MegaRAID-8480 [ZX959]
   leave --model out
 )");
 }
 
 TEST(IronicToPolicies, OnePolicyForEachControllerThatIsNamed) {
-    EXPECT_EQ(told(R"({"logical_disks": [
+    EXPECT_EQ(
+        told(R"({"logical_disks": [
   {"size_gb": "MAX", "raid_level": "1", "controller": "LSI-MegaRAID-8480"},
   {"size_gb": "MAX", "raid_level": "1", "controller": "c:2"},
   {"size_gb": "MAX", "raid_level": "5", "controller": "LSI-MegaRAID-8480"}]})",
-                   ""),
-              R"(2:3 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
+             ""),
+        R"(2:3 warning: logical_disks[0]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec
 3:3 warning: logical_disks[1]: no drives are named: drives 1, 2 are written, the least number for RAID 1 [ZX954]
   to choose among free drives: zolexctl record -o server.zrec on the server, and --machine server.zrec

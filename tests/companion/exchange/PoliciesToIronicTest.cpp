@@ -76,14 +76,15 @@ AppliesTo.1 = m:8840
 
 TEST(PoliciesToIronic, TellsSettingsOfAllLogicalDrives) {
     test::PlannedServer server("single");
-    EXPECT_EQ(told(server, R"([Policy.web]
+    EXPECT_EQ(
+        told(server, R"([Policy.web]
 AppliesTo.1 = ALL
 Init = BUILD
 RebuildRate = LOW
 Array_Defaults = 10%:1
 Logical_Defaults = FILL:5:ON
 )"),
-              R"(1:2-12 warning: controller 1: the hot spare 32:7 is left out: Ironic cannot say one [ZX957]
+        R"(1:2-12 warning: controller 1: the hot spare 32:7 is left out: Ironic cannot say one [ZX957]
 3:8-13 warning: Init = BUILD is left out: Ironic cannot say it [ZX958]
 4:15-18 warning: RebuildRate = LOW is left out: Ironic cannot say it [ZX958]
 6:27-29 warning: the write cache ON of Logical_Defaults is left out: Ironic cannot say it [ZX958]
@@ -110,7 +111,8 @@ Logical_Defaults = FILL:5:ON
 
 TEST(PoliciesToIronic, RefusesOtherLevelsAndSmallSizes) {
     test::PlannedServer server("single");
-    EXPECT_EQ(told(server, R"([Policy.web]
+    EXPECT_EQ(
+        told(server, R"([Policy.web]
 AppliesTo.1 = ALL
 Array_Mode = CUSTOM
 Array_Defaults = 0%:0
@@ -118,7 +120,7 @@ Array.A = 1,2
 Logical_Mode = CUSTOM
 Logical.1 = A:1023:1
 )"),
-              R"(7:13-21 error: controller 1, Logical.1: 1023 MB is less than 1 GiB, the least that Ironic can say [ZX956]
+        R"(7:13-21 error: controller 1, Logical.1: 1023 MB is less than 1 GiB, the least that Ironic can say [ZX956]
 )");
     test::PlannedServer other("cfggen");
     EXPECT_EQ(told(other, R"([Policy.web]
@@ -135,7 +137,9 @@ Logical.1 = A:FILL:1E
 
 TEST(PoliciesToIronic, RefusesWhatMakesNothing) {
     test::PlannedServer server("single");
-    EXPECT_EQ(told(server, "[Policy.web]\nAppliesTo.1 = m:8840\n"), R"(0:0-0 note: controller 1 is left out: no policy fits: Policy.web asks for m:8840, and it is 8837 [ZX959]
+    EXPECT_EQ(
+        told(server, "[Policy.web]\nAppliesTo.1 = m:8840\n"),
+        R"(0:0-0 note: controller 1 is left out: no policy fits: Policy.web asks for m:8840, and it is 8837 [ZX959]
 0:0-0 error: no policy makes a logical drive on a controller of this machine [ZX959]
 1:2-12 note: Policy.web is for no controller of this machine and is left out [ZX959]
 )");
@@ -143,18 +147,34 @@ TEST(PoliciesToIronic, RefusesWhatMakesNothing) {
 
 TEST(PoliciesToIronic, NamesControllersOfOneModelByTheirNumbers) {
     test::PlannedServer server("cfggen-scsi");
-    EXPECT_EQ(told(server, "[Policy.web]\nAppliesTo.1 = c:2\nArray_Mode = CUSTOM\n"
-                           "Array_Defaults = 0%:0\nArray.A = 1,2\nLogical_Mode = CUSTOM\n"
-                           "Logical.1 = A:FILL:1\n"),
-              R"(?)");
+    EXPECT_EQ(
+        told(server, "[Policy.web]\nAppliesTo.1 = c:2\nArray_Mode = CUSTOM\n"
+                     "Array_Defaults = 0%:0\nArray.A = 1,2\nLogical_Mode = CUSTOM\n"
+                     "Logical.1 = A:FILL:1\n"),
+        R"(0:0-0 note: controller 1 is left out: no policy fits: Policy.web asks for c:2, and it is 1 [ZX959]
+{
+  "logical_disks": [
+    {
+      "raid_level": "1",
+      "size_gb": "MAX",
+      "controller": "LSI-SCSI-RAID,c:2",
+      "physical_disks": [
+        "5",
+        "6"
+      ]
+    }
+  ]
+}
+)");
 }
 
 TEST(PoliciesToIronic, TellsWhichDrivesAreShared) {
     test::PlannedServer server("two-controllers");
-    EXPECT_EQ(told(server, "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
-                           "Array_Defaults = 0%:0\nArray.A = 1,2\nLogical_Mode = CUSTOM\n"
-                           "Logical.1 = A:50%:1\nLogical.2 = A:FILL:1\n"),
-              R"(7:13-20 warning: controller 1, Logical.1: 34688 MB is written as 33 GiB, which is 896 MB less [ZX956]
+    EXPECT_EQ(
+        told(server, "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
+                     "Array_Defaults = 0%:0\nArray.A = 1,2\nLogical_Mode = CUSTOM\n"
+                     "Logical.1 = A:50%:1\nLogical.2 = A:FILL:1\n"),
+        R"(7:13-20 warning: controller 1, Logical.1: 34688 MB is written as 33 GiB, which is 896 MB less [ZX956]
 7:13-20 warning: controller 2, Logical.1: 953156 MB is written as 930 GiB, which is 836 MB less [ZX956]
 {
   "logical_disks": [
