@@ -560,19 +560,36 @@ void readCheck(const Arguments& arguments, Request& request) {
 }
 
 void readConvert(const Arguments& arguments, Request& request) {
-    request.convert.file = wordsOf(arguments, 1, 1, "a policies file").front();
-    if (!arguments.has("--to")) {
-        throw ArgumentFault{"convert needs --to policies", helpOf(Command::convert)};
+    const bool isFrom = arguments.has("--from");
+    request.convert.file =
+        wordsOf(arguments, 1, 1, isFrom ? "a RAID configuration" : "a policies file").front();
+    if (isFrom == arguments.has("--to")) {
+        throw ArgumentFault{isFrom ? "convert takes --to or --from, not both"
+                                   : "convert needs --to policies, --to ironic or --from ironic",
+                            helpOf(Command::convert)};
+    }
+    request.convert.to = arguments.value("--to");
+    request.convert.from = arguments.value("--from");
+    request.convert.model = arguments.value("--model");
+    if (!isFrom && arguments.has("--model")) {
+        throw ArgumentFault{"--model is for --from ironic", helpOf(Command::convert)};
     }
     const std::vector<std::string> machines = arguments.values("--machine");
-    if (machines.size() != 1) {
-        throw ArgumentFault{machines.empty() ? "convert needs --machine: the drives are those of "
-                                               "one server"
-                                             : "convert takes one --machine",
+    if (machines.size() > 1) {
+        throw ArgumentFault{"convert takes one --machine",
                             "zolexctl record -o server.zrec, and --machine server.zrec"};
     }
-    request.convert.to = arguments.values("--to").front();
-    request.convert.machine = machines.front();
+    if (machines.empty() && request.convert.to == "ironic") {
+        throw ArgumentFault{"convert --to ironic needs --machine: Ironic wants sizes, and drives "
+                            "by name",
+                            "a recording, or zolexctl plan POLICIES -o plan.json, and --machine "
+                            "plan.json"};
+    }
+    if (machines.empty() && !isFrom) {
+        throw ArgumentFault{"convert needs --machine: the drives are those of one server",
+                            "zolexctl record -o server.zrec, and --machine server.zrec"};
+    }
+    request.convert.machine = machines.empty() ? "" : machines.front();
 }
 
 void readReplay(const Arguments& arguments, Request& request) {

@@ -113,14 +113,24 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "command asks for.",
      "",
      "zolexctl replay server.zrec -- show\nzolexctl replay server.zrec -- zolex /c:t,d /f:new.ini"},
-    {Command::convert, "convert", "convert --to policies --machine FILE POLICIES [OPTIONS]",
-     "policies for zolex, of drives told by kind",
-     "Writes the policies of POLICIES as zolex takes them for one recorded server: Drives.<x>, "
-     "Spares and Level.<x>, which only zolexctl knows, become the drives and levels that they are "
-     "there. What was written is planned again, and the plan must be the same. POLICIES is a "
-     "policies file, or - for standard input. It touches no server.\n"
+    {Command::convert, "convert", "convert --to WHAT|--from ironic FILE [OPTIONS]",
+     "policies for zolex, from and to Ironic",
+     "With --to policies it writes the policies of FILE as zolex takes them for one recorded "
+     "server: Drives.<x>, Spares and Level.<x>, which only zolexctl knows, become the drives and "
+     "levels that they are there. What was written is planned again, and the plan must be the "
+     "same.\n"
+     "With --to ironic it writes what policies make of one server as the RAID configuration that "
+     "OpenStack's Ironic takes: logical disks with their levels, sizes and drives. The server is a "
+     "recording, or a plan of these policies.\n"
+     "With --from ironic it writes policies, of such a configuration: one for each controller "
+     "that it names, or for that of --model. With --machine drives are found by their locations, "
+     "free ones are chosen where none are named, and the policies are planned.\n"
+     "FILE may be - for standard input. It touches no server.\n"
      "Exit code: 0 it was written, and what it does not say was told; 2 nothing was written.",
-     "text", "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini"},
+     "text",
+     "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini\n"
+     "zolexctl convert --to ironic --machine web1.zrec web.ini -o node7.json\n"
+     "zolexctl convert --from ironic node7.json --model LSI-MegaRAID-8480 -o n7.ini"},
     {Command::guard, "guard", "guard [OPTIONS] -- zolex [ARGUMENTS]",
      "zolex, but only when all of it can be done",
      "Stands in front of zolex, for command lines that exist. It reads the switches as zolex does, "
@@ -145,7 +155,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 43> options{{
+constexpr std::array<OptionRow, 45> options{{
     {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
     {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
      only(Command::plan) | only(Command::apply), false, faultOfStrategy},
@@ -179,9 +189,16 @@ constexpr std::array<OptionRow, 43> options{{
     {"--strict", "", "", "equivalent and degraded count as different", only(Command::diff)},
     {"--exact", "", "", "policies with the size of each logical drive in MB, not FILL",
      only(Command::show)},
-    {"--machine", "", "PATH", "hold the files against this recording, or all of a folder",
+    {"--machine", "", "PATH",
+     "the server that is meant: its recording; check takes a folder of them, convert --to ironic "
+     "a plan",
      only(Command::check) | only(Command::convert), true, faultOfText},
-    {"--to", "", "policies", "what to write", only(Command::convert), false, faultOfTarget},
+    {"--to", "", "WHAT", "what to write of policies: policies, or ironic", only(Command::convert),
+     false, faultOfTarget},
+    {"--from", "", "ironic", "write policies, of a RAID configuration of Ironic",
+     only(Command::convert), false, faultOfOrigin},
+    {"--model", "", "MODEL", "the controller that is meant: LSI-MegaRAID-8480",
+     only(Command::convert), false, faultOfModel},
     {"--select", "", "IDS", "only these rules, such as ZX301,ZX5", only(Command::check), true,
      faultOfSelected},
     {"--ignore", "", "IDS", "all but these rules", only(Command::check), true, faultOfRules},

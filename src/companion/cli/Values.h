@@ -38,6 +38,8 @@ inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
 [[nodiscard]] std::string faultOfLimit(std::string_view text);
 [[nodiscard]] std::string faultOfRules(std::string_view text);
 [[nodiscard]] std::string faultOfTarget(std::string_view text);
+[[nodiscard]] std::string faultOfOrigin(std::string_view text);
+[[nodiscard]] std::string faultOfModel(std::string_view text);
 /// Of rules that alone are wanted: one that does not exist would find nothing in any file.
 [[nodiscard]] std::string faultOfSelected(std::string_view text);
 [[nodiscard]] std::string faultOfStrategy(std::string_view text);

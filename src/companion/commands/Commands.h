@@ -91,8 +91,10 @@ int guard(Context& context, const GuardOptions& options);
 
 struct ConvertOptions {
     std::string file;    ///< "-": standard input
-    std::string to;      ///< "policies"
-    std::string machine; ///< a recording
+    std::string to;      ///< "policies", "ironic"; empty: policies, `from` something
+    std::string machine; ///< a recording, or for Ironic a plan; or empty
+    std::string from{};  ///< "ironic"; or empty
+    std::string model{}; ///< of the controller that is meant; or empty
 };
 int convert(Context& context, const ConvertOptions& options);
 

@@ -239,6 +239,19 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::convertLevels, note, "the other levels are left out",
      "zolex takes one level. When drives are added or taken out, it is not chosen anew.",
      "convert the policies again when the drives change"},
+    {problem::ironicUnreadable, error, "a RAID configuration of Ironic cannot be read from its file",
+     "Nothing was written. The file is missing, or this user has no right to read it.",
+     "give the name of the file, or - for standard input"},
+    {problem::ironicBroken, error, "a RAID configuration of Ironic is no JSON",
+     "Nothing was written. The file was cut, or edited by hand.",
+     "mend it where the text says, and hold it against schemas/ironic-raid.schema.json"},
+    {problem::ironicWrong, error, "a RAID configuration of Ironic has a wrong name or value",
+     "Nothing was written. Ironic refuses the configuration, too.",
+     "mend it, and hold it against schemas/ironic-raid.schema.json"},
+    {problem::ironicTooLarge, error,
+     "a RAID configuration of Ironic is larger than any of one node can be",
+     "Nothing was written. The file is another one.",
+     "give the file that has logical_disks of one node"},
 });
 // clang-format on
 
