@@ -13,12 +13,21 @@ put() {
     touch -d "@$commit_time" "$3"
 }
 
-# put_companion FOLDER: the description of zolexctl with its pictures.
+# put_companion FOLDER: the description of zolexctl with its pictures, and how a fleet is configured.
 put_companion() {
     local name
     put 644 docs/companion.md "$1/companion.md"
+    put 644 docs/fleet.md "$1/fleet.md"
     for name in docs/pictures/*.svg; do
         put 644 "$name" "$1/pictures/$(basename "$name")"
+    done
+}
+
+# put_contrib FOLDER: what editors take.
+put_contrib() {
+    local name
+    for name in README.md vim/compiler/zolexctl.vim vscode/tasks.json; do
+        put 644 "contrib/$name" "$1/$name"
     done
 }
 
@@ -36,6 +45,7 @@ lay_out_zip() {
     put 644 simulator/README.md "$root/docs/zolex-sim.md"
     put 644 packaging/THIRD-PARTY.txt "$root/docs/THIRD-PARTY.txt"
     put_companion "$root/docs"
+    put_contrib "$root/contrib"
     for name in schemas/*.json; do
         put 644 "$name" "$root/$name"
     done
@@ -76,11 +86,18 @@ lay_out_deb() {
     put 644 README.md "$root/$doc/README.md"
     put 644 simulator/README.md "$root/$doc/zolex-sim.md"
     put_companion "$root/$doc"
+    put_contrib "$root/$doc/contrib"
+    # Where the shells look for them.
+    put 644 "$programs/src/companion/completion/zolexctl" \
+        "$root/usr/share/bash-completion/completions/zolexctl"
+    put 644 "$programs/src/companion/completion/_zolexctl" \
+        "$root/usr/share/zsh/vendor-completions/_zolexctl"
     for name in schemas/*.json; do
         put 644 "$name" "$root/usr/share/zolex/$name"
     done
     cat packaging/debian/copyright >"$root/text.tmp"
     put 644 "$root/text.tmp" "$root/$doc/copyright"
+    put 644 packaging/debian/lintian-overrides "$root/usr/share/lintian/overrides/zolex"
     gzip -9nc packaging/debian/changelog >"$root/text.tmp"
     put 644 "$root/text.tmp" "$root/$doc/changelog.gz"
     rm "$root/text.tmp"
