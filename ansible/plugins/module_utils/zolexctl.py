@@ -20,6 +20,8 @@ from ansible.module_utils.common.text.converters import to_bytes, to_text
 MOST_OUTPUT = 64 * 1024 * 1024
 # How long zolexctl may take to end when its time is over: behind the command at work, at once.
 SECONDS_TO_END = (10, 5, 5)
+# Of what stands below an error.
+MOST_LINES = 24
 STDIN = '<stdin>'
 
 COMMON_ARGUMENTS = dict(
@@ -180,17 +182,16 @@ def policies_of(params):
 
 
 def error_text(text):
-    """The first error of what stands on standard error, with its help."""
+    """The first error of what stands on standard error, with what stands below it."""
     lines = text.splitlines()
     first = [i for i, line in enumerate(lines) if line.startswith('error: ') or ': error: ' in line]
     if not first:
         return next((line.strip() for line in lines if line.strip()), '')
     result = [lines[first[0]]]
-    for line in lines[first[0] + 1:]:
-        if line.strip().startswith('help: '):
-            result.append(line.strip())
-        elif not line.startswith(' '):
+    for line in lines[first[0] + 1:first[0] + 1 + MOST_LINES]:
+        if not line.startswith(' '):
             break
+        result.append(line.strip())
     return '\n'.join(result)
 
 

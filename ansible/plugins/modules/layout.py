@@ -323,7 +323,10 @@ class Layout:
     def resume(self, journal, plan):
         """Goes on with a run that was interrupted."""
         self.results['journal'] = journal
-        self.carry_out(['--resume', journal], self.destroy_argument(plan['destroys']))
+        arguments = ['--resume', journal]
+        if self.params['utilities']:
+            arguments += ['--utilities', self.params['utilities']]
+        self.carry_out(arguments, self.destroy_argument(plan['destroys']))
 
     def apply(self, plan):
         """Carries the plan out, which is kept beside its journal and names it."""
