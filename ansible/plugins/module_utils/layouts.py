@@ -45,11 +45,11 @@ def losses_text(destroys):
     items = destroys['items']
     volumes = [each for each in items if each['kind'] == 'logical_drive']
     others = len(items) - len(volumes)
-    counts = ['%d logical drive%s (%.1f GB)' % (len(volumes), '' if len(volumes) == 1 else 's',
-                                               destroys['capacity_bytes'] / float(GB))]
+    size = destroys['capacity_bytes'] / float(GB)
+    counts = ['%d logical drive%s (%.1f GB)' % (len(volumes), '' if len(volumes) == 1 else 's', size)]
     if others:
-        counts.append('%d hot spare%s or foreign drive%s' % (others, '' if others == 1 else 's',
-                                                            '' if others == 1 else 's'))
+        counts.append('1 hot spare or foreign drive' if others == 1
+                      else '%d hot spares or foreign drives' % others)
     return 'this destroys %s: %s' % (' and '.join(counts if volumes else counts[1:]),
                                      ', '.join(loss_text(each) for each in items))
 

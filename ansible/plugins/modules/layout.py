@@ -138,12 +138,12 @@ controllers:
       type: str
       sample: LSI-MegaRAID-8480
     serial_number:
-      description: Its serial number, where it tells one.
+      description: Its serial number; null where it tells none.
       returned: always
       type: str
       sample: "1122334455"
     policy:
-      description: The policy that fits.
+      description: The policy that fits; null where none does.
       returned: always
       type: str
       sample: Policy.web
@@ -159,17 +159,17 @@ controllers:
       type: str
       sample: configured
     step:
-      description: The step that failed.
+      description: The step that failed, else null.
       returned: always
       type: int
       sample: 2
     of:
-      description: How many steps there are, where one has failed.
+      description: How many steps there are where one has failed, else null.
       returned: always
       type: int
       sample: 3
     reason:
-      description: Why it is so.
+      description: Why it is so; null where there is nothing to say.
       returned: always
       type: str
       sample: as the policy says
@@ -322,11 +322,10 @@ class Layout:
 
     def resume(self, journal, plan):
         """Goes on with a run that was interrupted."""
-        self.results['journal'] = journal
         arguments = ['--resume', journal]
         if self.params['utilities']:
             arguments += ['--utilities', self.params['utilities']]
-        self.carry_out(arguments, self.destroy_argument(plan['destroys']))
+        self.carry_out(arguments, journal, plan)
 
     def apply(self, plan):
         """Carries the plan out, which is kept beside its journal and names it."""
@@ -349,31 +348,31 @@ class Layout:
         if self.params['allow_skipped']:
             arguments.append('--allow-skipped')
         try:
-            self.carry_out(arguments, self.destroy_argument(plan['destroys']))
+            self.carry_out(arguments, name + JOURNAL_ENDING, plan)
         finally:
-            if os.path.exists(name + JOURNAL_ENDING):
-                self.results['journal'] = name + JOURNAL_ENDING
-            else:
+            if not os.path.exists(name + JOURNAL_ENDING):
                 os.unlink(name + '.json')
 
-    def carry_out(self, arguments, destroy):
-        arguments += ['--destroy', destroy, '--certificates', self.folder, '--format', 'json']
+    def carry_out(self, arguments, journal, plan):
+        arguments += ['--destroy', self.destroy_argument(plan['destroys']),
+                      '--certificates', self.folder, '--format', 'json']
         try:
             run = self.program.run('apply', arguments)
         except Failure as failure:
             # Killed, or told to end: what was begun stands in the journal.
             run = failure.results.pop('run', None)
-            self.take_events(run.output if run else '')
+            self.take_events(run.output if run else '', journal)
             self.results['zolexctl_rc'] = failure.results.get('zolexctl_rc')
             self.fail(failure.msg)
         self.results['zolexctl_rc'] = run.rc
-        self.take_events(run.output)
+        self.take_events(run.output, journal)
         if run.rc != 0:
             self.fail(error_text(run.error)
                       or 'zolexctl apply said nothing; its exit code is %d' % run.rc)
 
-    def take_events(self, output):
+    def take_events(self, output, journal):
         """What the events of a run say of the controllers, and whether a command was begun."""
+        self.results['journal'] = journal if os.path.exists(journal) else None
         for line in output.splitlines():
             event = event_of(line.encode('utf-8', 'replace'))
             if event.get('event') in ('step-started', 'step-found-done'):

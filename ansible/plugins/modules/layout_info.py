@@ -47,12 +47,12 @@ EXAMPLES = r'''
 
 RETURN = r'''
 machine_type:
-  description: The type of the machine.
+  description: The type of the machine; null where it is not known.
   returned: success
   type: str
   sample: "8837"
 serial_number:
-  description: The serial number of the machine.
+  description: The serial number of the machine; null where it is not known.
   returned: success
   type: str
   sample: KQ10Z7V
