@@ -20,6 +20,8 @@ from ansible.module_utils.common.text.converters import to_bytes, to_text
 MOST_OUTPUT = 64 * 1024 * 1024
 # How long zolexctl may take to end when its time is over: behind the command at work, at once.
 SECONDS_TO_END = (10, 5, 5)
+# What reading a document of another form raises.
+UNKNOWN = (EnvironmentError, ValueError, KeyError, TypeError, AttributeError, IndexError, RuntimeError)
 # Of what stands below an error.
 MOST_LINES = 24
 STDIN = '<stdin>'
@@ -67,7 +69,7 @@ class Zolexctl:
         if module.params['timeout'] < 1:
             raise Failure('timeout: %d is no time; give seconds, such as 1800'
                           % module.params['timeout'])
-        self.until = time.time() + module.params['timeout']
+        self.until = time.monotonic() + module.params['timeout']
 
     def _find(self, name):
         if os.sep in name:
@@ -108,7 +110,7 @@ class Zolexctl:
     def _wait(self, process):
         """False when the time is over. What a utility does is never ended."""
         try:
-            process.wait(max(0, self.until - time.time()))
+            process.wait(max(0, self.until - time.monotonic()))
             return True
         except subprocess.TimeoutExpired:
             pass
@@ -221,6 +223,12 @@ def findings_text(findings, otherwise):
     return finding_text(errors[0]) + ('\nand %d more in diagnostics' % more if more else '')
 
 
+def unknown_text(fault):
+    """What is said of a document that is another than its schema says, or of a system that fails."""
+    return ('zolexctl, or a file of a run, gives what is not known here: %s: %s\nhelp: use the collection and '
+            'the zolexctl of one release' % (type(fault).__name__, fault))
+
+
 def run_module(module, work):
     """Ends the module with what the work returns, or with why it could not be done."""
     try:
@@ -228,7 +236,8 @@ def run_module(module, work):
     except Failure as failure:
         failure.results.pop('run', None)
         module.fail_json(msg=failure.msg, **failure.results)
-    except (EnvironmentError, ValueError, KeyError, TypeError, AttributeError, IndexError) as fault:
-        module.fail_json(msg='zolexctl or a file of a run gives what is not known here: %s: %s'
-                         % (type(fault).__name__, fault))
+    except UNKNOWN as fault:
+        module.fail_json(msg=unknown_text(fault))
+    except KeyboardInterrupt:
+        module.fail_json(msg='interrupted\nhelp: run it again; what was begun is gone on with')
     module.exit_json(**results)

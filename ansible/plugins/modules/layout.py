@@ -231,8 +231,8 @@ from ansible_collections.zolex.raid.plugins.module_utils.journals import (
     JOURNAL_ENDING, certificate_of, event_of, free_name, open_journal)
 from ansible_collections.zolex.raid.plugins.module_utils.layouts import layout_lines, losses_text
 from ansible_collections.zolex.raid.plugins.module_utils.zolexctl import (
-    MACHINE_ARGUMENTS, POLICIES_ARGUMENTS, Failure, Zolexctl, document_of, error_text,
-    findings_text, machine_arguments, policies_of, run_module)
+    MACHINE_ARGUMENTS, POLICIES_ARGUMENTS, UNKNOWN, Failure, Zolexctl, document_of, error_text,
+    finding_text, findings_text, machine_arguments, policies_of, run_module, unknown_text)
 
 WORDS = ('never', 'own', 'any')
 
@@ -296,6 +296,7 @@ class Layout:
         """Fails where the plan cannot be carried out, or must not."""
         if self.rc not in (0, 1):
             self.fail(findings_text(self.results['diagnostics'], 'the plan cannot be carried out'))
+        self.warn()
         skipped = [each for each in plan['controllers'] if each['outcome'] == 'skipped']
         if skipped and not self.params['allow_skipped']:
             self.fail('controller %d is skipped: %s\nhelp: give it a policy, name the others with '
@@ -311,6 +312,12 @@ class Layout:
                   % (losses_text(plan['destroys']),
                      ': the code %s is for other losses' % code if code else '', wanted))
 
+    def warn(self):
+        """What somebody should know who sees no more than that all is done."""
+        for each in self.results['diagnostics']:
+            if each['severity'] == 'warning':
+                self.module.warn(finding_text(each))
+
     def judge_health(self, plan):
         """Fails where all is as planned, and a strict run wants more."""
         for each in plan['controllers'] if self.params['strict'] else []:
@@ -325,7 +332,11 @@ class Layout:
         arguments = ['--resume', journal]
         if self.params['utilities']:
             arguments += ['--utilities', self.params['utilities']]
-        self.carry_out(arguments, journal, plan)
+        try:
+            self.carry_out(arguments, journal, plan)
+        except Failure as failure:
+            failure.msg += '\nhelp: to plan anew from what stands there, move %s away' % journal
+            raise
 
     def apply(self, plan):
         """Carries the plan out, which is kept beside its journal and names it."""
@@ -366,6 +377,9 @@ class Layout:
             self.fail(failure.msg)
         self.results['zolexctl_rc'] = run.rc
         self.take_events(run.output, journal)
+        for line in run.error.splitlines():
+            if line.startswith('warning: ') or ': warning: ' in line:
+                self.module.warn(line)
         if run.rc != 0:
             self.fail(error_text(run.error)
                       or 'zolexctl apply said nothing; its exit code is %d' % run.rc)
@@ -385,6 +399,12 @@ class Layout:
                                         of=result['of'], reason=result['reason'])
 
     def work(self):
+        try:
+            return self.configure()
+        except UNKNOWN as fault:
+            self.fail(unknown_text(fault))
+
+    def configure(self):
         plan = self.plan()
         journal = open_journal(self.folder, plan)
         self.results['journal'] = journal
@@ -449,14 +469,12 @@ def plain_code(text):
 
 
 def diagnostics_of(plan):
-    """Each finding once: those of a refused controller stand with it and at the end."""
-    findings = []
-    for part in [plan['policies'], plan] + plan['controllers']:
-        findings += [each for each in part.get('diagnostics') or [] if each not in findings]
-    named = [each for each in findings if each.get('controller')]
-    return [each for each in findings
-            if not any(each is not other and dict(each, controller=other['controller']) == other
-                       for other in named)]
+    """All findings, those of a controller with its number; each of them once."""
+    findings = list(plan['policies']['diagnostics'])
+    for each in plan['controllers']:
+        findings += [dict(finding, controller=each['number'])
+                     for finding in each['diagnostics'] + each['warnings']]
+    return findings + [each for each in plan['diagnostics'] if each not in findings]
 
 
 def controller_of(planned):
