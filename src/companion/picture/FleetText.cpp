@@ -236,6 +236,10 @@ std::string unusedName(const Fleet& fleet, const UnusedPiece& piece) {
 
 } // namespace
 
+std::string fleetText(const Fleet& fleet, const TextStyle& style, const FleetTextTerms& terms) {
+    return FleetWriter(fleet, style, terms).write();
+}
+
 std::string_view serverResultText(ServerResult result) {
     switch (result) {
     case ServerResult::asPlanned:
