@@ -151,7 +151,7 @@ std::string moreOf(const FleetServer& server) {
         more += " " + reason;
     }
     for (const ServerFinding& each : server.findings) {
-        more += " " + serverFindingText(each);
+        more += " " + serverFindingText(server, each);
     }
     return more;
 }

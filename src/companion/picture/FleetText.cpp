@@ -159,8 +159,8 @@ class FleetWriter {
                                       : each.finding.severity == Severity::warning
                                           ? Emphasis::warning
                                           : Emphasis::dim;
-            out_ += signedLine(blanks + (isError ? "" : "! "), printable(serverFindingText(each)),
-                               emphasis, style_);
+            out_ += signedLine(blanks + (isError ? "" : "! "),
+                               printable(serverFindingText(server, each)), emphasis, style_);
             if (terms_.verbose && !each.finding.detail.empty()) {
                 details(each.finding.detail);
             }
@@ -225,13 +225,19 @@ class FleetWriter {
     std::string out_;
 };
 
-std::string unusedName(const Fleet& fleet, const UnusedPiece& piece) {
-    std::string name = piece.policy;
-    for (const std::string& part : {piece.keyword, piece.specifier}) {
-        name += part.empty() ? "" : " " + part;
+/// A piece with those behind it that tell why: the specifiers of its entries.
+std::string unusedName(const Fleet& fleet, std::size_t index) {
+    const UnusedPiece& piece = fleet.unused[index];
+    std::string because = piece.because;
+    for (std::size_t i = index + 1; i < fleet.unused.size(); ++i) {
+        const UnusedPiece& next = fleet.unused[i];
+        if (next.kind != UnusedPiece::Kind::specifier) {
+            break;
+        }
+        because += (because.empty() ? "no controller has " : ", ") + next.specifier;
     }
-    return name + " (" + placeOf(fleet, piece.line) +
-           (piece.because.empty() ? "" : "; " + piece.because) + ")";
+    return piece.policy + (piece.keyword.empty() ? "" : " " + piece.keyword) + " (" +
+           placeOf(fleet, piece.line) + (because.empty() ? "" : "; " + because) + ")";
 }
 
 } // namespace
@@ -340,8 +346,10 @@ std::string unusedTitle(const Fleet& fleet) {
 
 std::vector<std::string> unusedTexts(const Fleet& fleet) {
     std::vector<std::string> texts;
-    for (const UnusedPiece& piece : fleet.unused) {
-        texts.push_back(unusedName(fleet, piece));
+    for (std::size_t i = 0; i < fleet.unused.size(); ++i) {
+        if (fleet.unused[i].kind != UnusedPiece::Kind::specifier) {
+            texts.push_back(unusedName(fleet, i));
+        }
     }
     return texts;
 }
@@ -382,14 +390,17 @@ std::string drillText(const Fleet& fleet) {
            (exceptions.empty() ? "." : ", except " + exceptions + ", which needs a new plan.");
 }
 
-std::string serverFindingText(const ServerFinding& each) {
+std::string serverFindingText(const FleetServer& server, const ServerFinding& each) {
     const Finding& finding = each.finding;
+    const bool isOfRecording = finding.file == server.file;
+    const std::string line = std::to_string(finding.start.line);
     std::string text;
-    if (!finding.file.empty()) {
-        text += finding.file;
-        text += finding.start.line > 0 ? ":" + std::to_string(finding.start.line) + ":" +
-                                             std::to_string(finding.start.column)
-                                       : "";
+    if (isOfRecording && finding.start.line > 0) {
+        text = "line " + line + ": ";
+    } else if (!isOfRecording && !finding.file.empty()) {
+        text = finding.file;
+        text +=
+            finding.start.line > 0 ? ":" + line + ":" + std::to_string(finding.start.column) : "";
         text += ": ";
     }
     text += each.controller > 0 ? "controller " + std::to_string(each.controller) + ": " : "";

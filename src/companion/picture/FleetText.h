@@ -37,7 +37,8 @@ struct FleetTextTerms {
 /// What came of making every command fail; empty when none was.
 [[nodiscard]] std::string drillText(const Fleet& fleet);
 /// "site.ini:17:11: controller 2: drive 7 does not exist [ZX304]".
-[[nodiscard]] std::string serverFindingText(const ServerFinding& finding);
+[[nodiscard]] std::string serverFindingText(const FleetServer& server,
+                                            const ServerFinding& finding);
 /// How many servers a warning is told of, the most frequent first: "ZX703 on 3 servers".
 [[nodiscard]] std::vector<std::string> warningCounts(const Fleet& fleet);
 /// What is typed to see the plan of one server.
