@@ -2,6 +2,7 @@
 
 #include "companion/cli/Suggestion.h"
 #include "companion/cli/Values.h"
+#include "companion/text/TypedWord.h"
 #include "foundation/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -559,6 +560,36 @@ void readCheck(const Arguments& arguments, Request& request) {
     request.check.fix = arguments.has("--fix");
 }
 
+void readRehearse(const Arguments& arguments, Request& request) {
+    RehearseOptions& rehearse = request.rehearse;
+    std::vector<std::string> words = wordsOf(arguments, 1, ~std::size_t{0}, "a policies file");
+    rehearse.policies.file = words.front();
+    words.erase(words.begin());
+    if (words.empty()) {
+        throw ArgumentFault{"rehearse needs recordings, or folders of them",
+                            "zolexctl rehearse " + typedWord(rehearse.policies.file) + " fleet/"};
+    }
+    rehearse.recordings = std::move(words);
+    readPlanning(arguments, rehearse.policies);
+    rehearse.everyFault = arguments.has("--every-fault");
+    rehearse.allowSkipped = arguments.has("--allow-skipped");
+    rehearse.page = arguments.value("--html");
+    for (const std::string& text : arguments.values("--what-if")) {
+        Supposition supposition = suppositionOf(text).value_or(Supposition());
+        for (const Supposition& other : rehearse.suppositions) {
+            if (other.location == supposition.location) {
+                throw ArgumentFault{"--what-if: two things are supposed of drive " +
+                                        printable(supposition.location),
+                                    "suppose one at a time"};
+            }
+        }
+        rehearse.suppositions.push_back(std::move(supposition));
+    }
+    if (arguments.has("--jobs")) {
+        rehearse.jobs = wholeNumber(arguments.value("--jobs"), 1, mostJobs).value_or(1);
+    }
+}
+
 void readConvert(const Arguments& arguments, Request& request) {
     const bool isFrom = arguments.has("--from");
     request.convert.file =
@@ -653,6 +684,8 @@ void readRequest(const Arguments& arguments, Request& request) {
         return;
     case Command::replay:
         return readReplay(arguments, request);
+    case Command::rehearse:
+        return readRehearse(arguments, request);
     case Command::convert:
         return readConvert(arguments, request);
     case Command::guard:

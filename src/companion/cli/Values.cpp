@@ -152,6 +152,10 @@ std::string faultOfLimit(std::string_view text) {
     return faultOfNumber(text, 1, longestCaptureLimit);
 }
 
+std::string faultOfJobs(std::string_view text) {
+    return faultOfNumber(text, 1, mostJobs);
+}
+
 std::string faultOfTarget(std::string_view text) {
     return text == "policies" || text == "ironic"
                ? ""

@@ -25,6 +25,7 @@ TEST(Help, OfTheProgramNamesTheCommands) {
               "  doctor   are the utilities there, are they read\n"
               "  record   keep every utility call of a capture\n"
               "  replay   run a command on a recording\n"
+              "  rehearse one policies file on many recorded servers\n"
               "  convert  policies for zolex, from and to Ironic\n"
               "  guard    zolex, but only when all of it can be done\n"
               "  explain  what a finding or an exit code means\n"
