@@ -2,6 +2,7 @@
 
 #include "Programs.h"
 
+#include <csignal>
 #include <cstdlib>
 
 #include <fcntl.h>
@@ -20,6 +21,17 @@ std::string quoted(const std::string& text) {
     }
     return result + "'";
 }
+
+/// What starts the tests may ignore or block signals, and what they start would inherit that: a
+/// program that is asked to end would never do so.
+const bool signalsAreUsual = [] {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) {
+        static_cast<void>(::signal(signal, SIG_DFL));
+    }
+    sigset_t none;
+    ::sigemptyset(&none);
+    return ::sigprocmask(SIG_SETMASK, &none, nullptr) == 0;
+}();
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include "companion/cli/Suggestion.h"
 #include "companion/cli/Values.h"
+#include "companion/text/TypedWord.h"
 #include "foundation/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -559,20 +560,67 @@ void readCheck(const Arguments& arguments, Request& request) {
     request.check.fix = arguments.has("--fix");
 }
 
+void readRehearse(const Arguments& arguments, Request& request) {
+    RehearseOptions& rehearse = request.rehearse;
+    std::vector<std::string> words = wordsOf(arguments, 1, ~std::size_t{0}, "a policies file");
+    rehearse.policies.file = words.front();
+    words.erase(words.begin());
+    if (words.empty()) {
+        throw ArgumentFault{"rehearse needs recordings, or folders of them",
+                            "zolexctl rehearse " + typedWord(rehearse.policies.file) + " fleet/"};
+    }
+    rehearse.recordings = std::move(words);
+    readPlanning(arguments, rehearse.policies);
+    rehearse.everyFault = arguments.has("--every-fault");
+    rehearse.allowSkipped = arguments.has("--allow-skipped");
+    rehearse.page = arguments.value("--html");
+    for (const std::string& text : arguments.values("--what-if")) {
+        Supposition supposition = suppositionOf(text).value_or(Supposition());
+        for (const Supposition& other : rehearse.suppositions) {
+            if (other.location == supposition.location) {
+                throw ArgumentFault{"--what-if: two things are supposed of drive " +
+                                        printable(supposition.location),
+                                    "suppose one at a time"};
+            }
+        }
+        rehearse.suppositions.push_back(std::move(supposition));
+    }
+    if (arguments.has("--jobs")) {
+        rehearse.jobs = wholeNumber(arguments.value("--jobs"), 1, mostJobs).value_or(1);
+    }
+}
+
 void readConvert(const Arguments& arguments, Request& request) {
-    request.convert.file = wordsOf(arguments, 1, 1, "a policies file").front();
-    if (!arguments.has("--to")) {
-        throw ArgumentFault{"convert needs --to policies", helpOf(Command::convert)};
+    const bool isFrom = arguments.has("--from");
+    request.convert.file =
+        wordsOf(arguments, 1, 1, isFrom ? "a RAID configuration" : "a policies file").front();
+    if (isFrom == arguments.has("--to")) {
+        throw ArgumentFault{isFrom ? "convert takes --to or --from, not both"
+                                   : "convert needs --to policies, --to ironic or --from ironic",
+                            helpOf(Command::convert)};
+    }
+    request.convert.to = arguments.value("--to");
+    request.convert.from = arguments.value("--from");
+    request.convert.model = arguments.value("--model");
+    if (!isFrom && arguments.has("--model")) {
+        throw ArgumentFault{"--model is for --from ironic", helpOf(Command::convert)};
     }
     const std::vector<std::string> machines = arguments.values("--machine");
-    if (machines.size() != 1) {
-        throw ArgumentFault{machines.empty() ? "convert needs --machine: the drives are those of "
-                                               "one server"
-                                             : "convert takes one --machine",
+    if (machines.size() > 1) {
+        throw ArgumentFault{"convert takes one --machine",
                             "zolexctl record -o server.zrec, and --machine server.zrec"};
     }
-    request.convert.to = arguments.values("--to").front();
-    request.convert.machine = machines.front();
+    if (machines.empty() && request.convert.to == "ironic") {
+        throw ArgumentFault{"convert --to ironic needs --machine: Ironic wants sizes, and drives "
+                            "by name",
+                            "a recording, or zolexctl plan POLICIES -o plan.json, and --machine "
+                            "plan.json"};
+    }
+    if (machines.empty() && !isFrom) {
+        throw ArgumentFault{"convert needs --machine: the drives are those of one server",
+                            "zolexctl record -o server.zrec, and --machine server.zrec"};
+    }
+    request.convert.machine = machines.empty() ? "" : machines.front();
 }
 
 void readReplay(const Arguments& arguments, Request& request) {
@@ -636,6 +684,8 @@ void readRequest(const Arguments& arguments, Request& request) {
         return;
     case Command::replay:
         return readReplay(arguments, request);
+    case Command::rehearse:
+        return readRehearse(arguments, request);
     case Command::convert:
         return readConvert(arguments, request);
     case Command::guard:

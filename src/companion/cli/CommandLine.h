@@ -27,6 +27,7 @@ struct Request {
     CheckOptions check;
     RecordOptions record;
     ReplayOptions replay;
+    RehearseOptions rehearse;
     ConvertOptions convert;
     GuardOptions guard;
     std::string code; ///< of explain

@@ -2,6 +2,7 @@
 
 #include "companion/cli/CommandLine.h"
 #include "companion/cli/Help.h"
+#include "companion/cli/Pieces.h"
 #include "companion/commands/Commands.h"
 #include "companion/text/StreamState.h"
 #include "companion/text/StyleChoice.h"
@@ -76,6 +77,8 @@ int runCommand(Context& context, const Request& request) {
         return record(context, request.record);
     case Command::replay:
         return runReplay(context, request);
+    case Command::rehearse:
+        return rehearseFleet(context, request.rehearse);
     case Command::convert:
         return convert(context, request.convert);
     case Command::guard:
@@ -111,6 +114,7 @@ int runArguments(const std::vector<std::string>& arguments, Platform& platform) 
                      streamState(StandardStream::error).isTerminal;
     context.rewritesLines = streamState(StandardStream::output).isTerminal;
     context.showsProgress = !reading.request.quiet && streamState(StandardStream::error).isTerminal;
+    context.doPieces = doPieces;
     int code = exit_code::notPossible;
     try {
         code = answer(reading, context);

@@ -1,6 +1,7 @@
 #include "companion/cli/Options.h"
 
 #include "companion/cli/Values.h"
+#include "companion/rehearsal/Supposition.h"
 
 #include <algorithm>
 #include <array>
@@ -13,8 +14,8 @@ constexpr CommandSet lookers = only(Command::plan) | only(Command::diff) | only(
                                only(Command::doctor) | only(Command::record);
 constexpr CommandSet changers = only(Command::apply) | only(Command::reset);
 constexpr CommandSet guarding = only(Command::guard);
-constexpr CommandSet writers =
-    lookers | only(Command::check) | only(Command::convert) | only(Command::explain);
+constexpr CommandSet writers = lookers | only(Command::check) | only(Command::rehearse) |
+                               only(Command::convert) | only(Command::explain);
 
 // command, name, usage, summary, purpose, formats, examples
 constexpr std::array<CommandRow, commandCount - 1> commands{{
@@ -113,14 +114,40 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "command asks for.",
      "",
      "zolexctl replay server.zrec -- show\nzolexctl replay server.zrec -- zolex /c:t,d /f:new.ini"},
-    {Command::convert, "convert", "convert --to policies --machine FILE POLICIES [OPTIONS]",
-     "policies for zolex, of drives told by kind",
-     "Writes the policies of POLICIES as zolex takes them for one recorded server: Drives.<x>, "
-     "Spares and Level.<x>, which only zolexctl knows, become the drives and levels that they are "
-     "there. What was written is planned again, and the plan must be the same. POLICIES is a "
-     "policies file, or - for standard input. It touches no server.\n"
+    {Command::rehearse, "rehearse", "rehearse POLICIES FOLDER|RECORDING... [OPTIONS]",
+     "one policies file on many recorded servers",
+     "Plans each recorded server by the policies and plays the plan on a virtual copy of it, in "
+     "memory: which policy it would use, what would be lost, how many commands it takes, and "
+     "whether it ends as planned. Then all of them together, and what of the policies none of them "
+     "uses. FOLDER stands for all recordings (*.zrec) in it. It touches no server.\n"
+     "With --what-if a drive is supposed to have failed (fail:32:3), to be missing (missing:32:3) "
+     "or to have another size, in MB as policies count (size:32:3=34715), on each server that has "
+     "it.\n"
+     "Exit code: 0 each server ends as planned, has nothing to do or is skipped, 1 a server ends "
+     "in an error or otherwise than planned, 2 the policies could not be read, or there is nothing "
+     "to rehearse.",
+     "text json",
+     "zolexctl rehearse site.ini fleet/\n"
+     "zolexctl rehearse site.ini fleet/ --every-fault --html fleet.html\n"
+     "zolexctl rehearse site.ini fleet/ --what-if fail:32:3"},
+    {Command::convert, "convert", "convert --to WHAT|--from ironic FILE [OPTIONS]",
+     "policies for zolex, from and to Ironic",
+     "With --to policies it writes the policies of FILE as zolex takes them for one recorded "
+     "server: Drives.<x>, Spares and Level.<x>, which only zolexctl knows, become the drives and "
+     "levels that they are there. What was written is planned again, and the plan must be the "
+     "same.\n"
+     "With --to ironic it writes what policies make of one server as the RAID configuration that "
+     "OpenStack's Ironic takes: logical disks with their levels, sizes and drives. The server is a "
+     "recording, or a plan of these policies.\n"
+     "With --from ironic it writes policies, of such a configuration: one for each controller "
+     "that it names, or for that of --model. With --machine drives are found by their locations, "
+     "free ones are chosen where none are named, and the policies are planned.\n"
+     "FILE may be - for standard input. It touches no server.\n"
      "Exit code: 0 it was written, and what it does not say was told; 2 nothing was written.",
-     "text", "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini"},
+     "text",
+     "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini\n"
+     "zolexctl convert --to ironic --machine web1.zrec web.ini -o node7.json\n"
+     "zolexctl convert --from ironic node7.json --model LSI-MegaRAID-8480 -o n7.ini"},
     {Command::guard, "guard", "guard [OPTIONS] -- zolex [ARGUMENTS]",
      "zolex, but only when all of it can be done",
      "Stands in front of zolex, for command lines that exist. It reads the switches as zolex does, "
@@ -145,15 +172,24 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 43> options{{
+constexpr std::array<OptionRow, 49> options{{
     {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
     {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
-     only(Command::plan) | only(Command::apply), false, faultOfStrategy},
+     only(Command::plan) | only(Command::apply) | only(Command::rehearse), false, faultOfStrategy},
     {"--default", "", "", "what zolex /d makes of each controller, without policies",
      only(Command::plan)},
     {"--no-rehearsal", "", "", "do not play the plan on a virtual copy", only(Command::plan)},
     {"--accept", "", "IDS", "let these errors pass, such as ZX701",
-     only(Command::plan) | only(Command::apply) | guarding, true, faultOfAccepted},
+     only(Command::plan) | only(Command::apply) | only(Command::rehearse) | guarding, true,
+     faultOfAccepted},
+    {"--every-fault", "", "", "make each command fail once, too", only(Command::rehearse)},
+    {"--what-if", "", "FAULT",
+     "suppose of a drive fail:32:3, missing:32:3 or size:32:3=34715 (in MB)",
+     only(Command::rehearse), true, faultOfSupposition},
+    {"--html", "", "FILE", "write a page with a picture of each server to FILE",
+     only(Command::rehearse), false, faultOfText},
+    {"--jobs", "", "N", "rehearse N servers at the same time (1)", only(Command::rehearse), false,
+     faultOfJobs},
     {"--timings", "", "FILE", "tell usual times, from the calls in this recording",
      only(Command::plan) | changers, true, faultOfText},
     {"--policies", "", "FILE", "plan by these policies and carry it out", only(Command::apply),
@@ -167,7 +203,7 @@ constexpr std::array<OptionRow, 43> options{{
     {"--careful", "", "", "read everything back after each step", changers},
     {"--keep-going", "", "", "a step that fails ends its own controller alone", changers},
     {"--allow-skipped", "", "", "controllers that no policy fits are no reason to refuse",
-     only(Command::apply)},
+     only(Command::apply) | only(Command::rehearse)},
     {"--journal", "", "FILE", "the journal of the run", changers, false, faultOfText},
     {"--certificate", "", "FILE", "write the proof of the run to FILE", changers, false,
      faultOfText},
@@ -179,9 +215,16 @@ constexpr std::array<OptionRow, 43> options{{
     {"--strict", "", "", "equivalent and degraded count as different", only(Command::diff)},
     {"--exact", "", "", "policies with the size of each logical drive in MB, not FILL",
      only(Command::show)},
-    {"--machine", "", "PATH", "hold the files against this recording, or all of a folder",
+    {"--machine", "", "PATH",
+     "the server that is meant: its recording; check takes a folder of them, convert --to ironic "
+     "a plan",
      only(Command::check) | only(Command::convert), true, faultOfText},
-    {"--to", "", "policies", "what to write", only(Command::convert), false, faultOfTarget},
+    {"--to", "", "WHAT", "what to write of policies: policies, or ironic", only(Command::convert),
+     false, faultOfTarget},
+    {"--from", "", "ironic", "write policies, of a RAID configuration of Ironic",
+     only(Command::convert), false, faultOfOrigin},
+    {"--model", "", "MODEL", "the controller that is meant: LSI-MegaRAID-8480",
+     only(Command::convert), false, faultOfModel},
     {"--select", "", "IDS", "only these rules, such as ZX301,ZX5", only(Command::check), true,
      faultOfSelected},
     {"--ignore", "", "IDS", "all but these rules", only(Command::check), true, faultOfRules},

@@ -21,11 +21,12 @@ enum class Command : std::uint8_t {
     doctor,
     record,
     replay,
+    rehearse,
     convert,
     guard,
     explain
 };
-inline constexpr std::size_t commandCount = 13; ///< with none
+inline constexpr std::size_t commandCount = 14; ///< with none
 
 /// A set of commands.
 using CommandSet = std::uint32_t;

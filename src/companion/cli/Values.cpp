@@ -4,6 +4,7 @@
 #include "companion/commands/DestroyWish.h"
 #include "companion/commands/Explanations.h"
 #include "companion/lint/Rules.h"
+#include "model/ControllerCatalogue.h"
 
 #include <algorithm>
 #include <array>
@@ -151,8 +152,25 @@ std::string faultOfLimit(std::string_view text) {
     return faultOfNumber(text, 1, longestCaptureLimit);
 }
 
+std::string faultOfJobs(std::string_view text) {
+    return faultOfNumber(text, 1, mostJobs);
+}
+
 std::string faultOfTarget(std::string_view text) {
-    return text == "policies" ? "" : inQuotes(text) + " is nothing to convert to: write policies";
+    return text == "policies" || text == "ironic"
+               ? ""
+               : inQuotes(text) + " is nothing to convert to: write policies or ironic";
+}
+
+std::string faultOfOrigin(std::string_view text) {
+    return text == "ironic" ? "" : inQuotes(text) + " is nothing to convert from: write ironic";
+}
+
+std::string faultOfModel(std::string_view text) {
+    return ControllerCatalogue::isValidControllerName(text)
+               ? ""
+               : inQuotes(text) + " is no model that policies can name: " +
+                     ControllerCatalogue::modelNames().c_str();
 }
 
 std::string faultOfRules(std::string_view text) {

@@ -15,6 +15,7 @@ namespace zolex::companion {
 
 inline constexpr std::int32_t largestControllerNumber = 999;
 inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
+inline constexpr std::int32_t mostJobs = 256;
 
 /// What somebody typed, so that no terminal is steered by it.
 [[nodiscard]] std::string inQuotes(std::string_view text);
@@ -38,8 +39,11 @@ inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
 [[nodiscard]] std::string faultOfUtility(std::string_view text);
 [[nodiscard]] std::string faultOfControllers(std::string_view text);
 [[nodiscard]] std::string faultOfLimit(std::string_view text);
+[[nodiscard]] std::string faultOfJobs(std::string_view text);
 [[nodiscard]] std::string faultOfRules(std::string_view text);
 [[nodiscard]] std::string faultOfTarget(std::string_view text);
+[[nodiscard]] std::string faultOfOrigin(std::string_view text);
+[[nodiscard]] std::string faultOfModel(std::string_view text);
 /// Of rules that alone are wanted: one that does not exist would find nothing in any file.
 [[nodiscard]] std::string faultOfSelected(std::string_view text);
 [[nodiscard]] std::string faultOfStrategy(std::string_view text);

@@ -134,7 +134,8 @@ class Asker {
                                               : "Type the code to agree: ";
         for (int tries = mostTries; tries > 0; --tries) {
             console.writeError(emphasized(question, Emphasis::bold, context_.errorStyle));
-            const std::optional<std::string> line = typedLine(console);
+            const bool isThere = !terms_.awaitLine || terms_.awaitLine();
+            const auto line = isThere ? typedLine(console) : std::nullopt;
             if (!line) {
                 console.writeError("\n");
                 return {false, {}, "nothing was typed", helpToAgree()};

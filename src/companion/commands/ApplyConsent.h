@@ -18,6 +18,8 @@ struct ConsentTerms {
     bool isListed = false; ///< what would be lost was shown already
     /// Empty where certificates of earlier runs tell of each of the losses, else why not.
     std::function<std::string(const std::vector<Loss>& losses)> notOwn;
+    /// Waits for a line on the terminal; false when the user interrupts. Empty: reading waits.
+    std::function<bool()> awaitLine;
 };
 
 /// What the user says to the losses: beforehand, or on the terminal, where he has three tries to

@@ -111,6 +111,7 @@ class ChangeRun::Ticking : public ExecutionSystem {
     bool isRunning(const ProcessIdentity& process) override { return inner_.isRunning(process); }
     Interruption interruption() override { return inner_.interruption(); }
     void sleep(std::chrono::milliseconds time) override { inner_.sleep(time); }
+    bool awaitLine() override { return inner_.awaitLine(); }
     std::chrono::milliseconds elapsed() override { return inner_.elapsed(); }
     std::string timestamp() override { return inner_.timestamp(); }
     std::string userName() override { return inner_.userName(); }
@@ -325,6 +326,7 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
     TellTerms tell = tellTerms();
     tell.consent.isListed = chosen.isShown;
     tell.nothingToDo = chosen.nothingToDo;
+    tell.consent.awaitLine = [&system] { return system->awaitLine(); };
     tell.notOwn = [this](const std::vector<Loss>& losses, const Snapshot& guard) {
         return whyNotOwn(context_, losses, guard, options_.certificates);
     };

@@ -3,8 +3,10 @@
 #include "companion/commands/Context.h"
 #include "companion/commands/DestroyWish.h"
 #include "companion/planning/Plan.h"
+#include "companion/rehearsal/Supposition.h"
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -91,10 +93,23 @@ int guard(Context& context, const GuardOptions& options);
 
 struct ConvertOptions {
     std::string file;    ///< "-": standard input
-    std::string to;      ///< "policies"
-    std::string machine; ///< a recording
+    std::string to;      ///< "policies", "ironic"; empty: policies, `from` something
+    std::string machine; ///< a recording, or for Ironic a plan; or empty
+    std::string from{};  ///< "ironic"; or empty
+    std::string model{}; ///< of the controller that is meant; or empty
 };
 int convert(Context& context, const ConvertOptions& options);
+
+struct RehearseOptions {
+    PlanOptions policies;                ///< file, strategy and accepted errors
+    std::vector<std::string> recordings; ///< files, or folders of them
+    std::vector<Supposition> suppositions;
+    bool everyFault = false;
+    bool allowSkipped = false;
+    std::string page; ///< file of --html; or empty
+    std::int32_t jobs = 1;
+};
+int rehearseFleet(Context& context, const RehearseOptions& options);
 
 int explain(Context& context, const std::string& code);
 

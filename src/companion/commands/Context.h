@@ -6,6 +6,7 @@
 #include "platform/Platform.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -42,6 +43,15 @@ struct MachineOptions {
     std::string serialNumber;                     ///< the same
 };
 
+/// Pieces of work that have nothing to do with each other.
+struct PiecesOfWork {
+    std::size_t count = 0;
+    std::int32_t jobs = 1; ///< how many may be done at the same time
+    std::function<void(std::size_t index)> work;
+    /// Told how many are done, by one thread at a time; may be empty.
+    std::function<void(std::size_t done)> progress;
+};
+
 /// What a command has to work with.
 struct Context {
     Platform& platform; ///< of the system
@@ -60,6 +70,8 @@ struct Context {
     /// Makes what changes a machine; empty: that of the system.
     std::function<std::unique_ptr<ExecutionSystem>(Platform& system, const Utilities& utilities)>
         makeExecution{};
+    /// Does pieces of work side by side; empty: one after another.
+    std::function<void(const PiecesOfWork& pieces)> doPieces{};
 };
 
 /// Writes what the command gives: to standard output, or to the output file, which is replaced as a

@@ -222,6 +222,11 @@ std::string kindWords(const Explanation& explanation) {
         return "exit code of " + explanation.program;
     }
     std::string words = "usually " + std::string(severityWords(*explanation.severity));
+    // What convert tells.
+    if (explanation.code.substr(0, 4) == "ZX95") {
+        return words + (explanation.severity == Severity::error ? ": convert writes nothing"
+                                                                : ": convert tells it and goes on");
+    }
     if (explanation.code.substr(0, 2) == "ZX") {
         words += ": " + std::string(refusalWords(explanation.refusedBy));
     }

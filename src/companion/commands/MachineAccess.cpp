@@ -85,52 +85,11 @@ bool endsInZrec(std::string_view name) {
                       [](char a, char b) { return text::lower(a) == b; });
 }
 
-/// The recordings that a path names: itself, or those of a folder.
-std::vector<std::string> recordingsOf(const std::string& path) {
-    const auto entries = folderEntries(path);
-    if (!entries) {
-        return {path};
-    }
-    std::vector<std::string> names;
-    for (const std::string& entry : *entries) {
-        if (endsInZrec(entry)) {
-            std::string& name = names.emplace_back(path);
-            name.append(path.ends_with('/') ? "" : "/").append(entry);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 Finding recordingFault(const std::string& file, std::string_view what) {
     Finding finding = problemFinding(problem::commandFailed, printable(what));
     finding.help = {std::string(recordAgain)};
     finding.file = file;
     return finding;
-}
-
-/// Adds the machine of one recording, or what is wrong with the recording.
-void loadMachine(Context& context, const std::string& file, RecordedMachines& all) {
-    RecordingReading reading = readRecordingFile(context.platform.files(), file);
-    for (Finding& finding : reading.findings) {
-        if (finding.severity != Severity::error) {
-            context.platform.console().writeError(findingLine(finding, context.errorStyle));
-            continue;
-        }
-        if (finding.help.empty()) {
-            finding.help = {std::string(recordAgain)};
-        }
-        all.faults.push_back(std::move(finding));
-        return;
-    }
-    CaptureRequest request = captureRequest(context, nullptr);
-    request.progress = nullptr;
-    ReplayPlatform machine(*reading.recording, context.platform);
-    try {
-        all.machines.push_back({file, captureMachine(machine, request)});
-    } catch (const LackingCall& lacking) {
-        all.faults.push_back(recordingFault(file, lacking.what()));
-    }
 }
 
 } // namespace
@@ -196,6 +155,47 @@ int lookAtMachine(Context& context, const Look& look) {
     }
 }
 
+std::vector<std::string> recordingsOf(const std::string& path) {
+    const auto entries = folderEntries(path);
+    if (!entries) {
+        return {path};
+    }
+    std::vector<std::string> names;
+    for (const std::string& entry : *entries) {
+        if (endsInZrec(entry)) {
+            std::string& name = names.emplace_back(path);
+            name.append(path.ends_with('/') ? "" : "/").append(entry);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::optional<Finding> lookAtRecorded(Context& context, const std::string& file,
+                                      std::vector<Finding>& told,
+                                      const std::function<void(Recorded machine)>& look) {
+    RecordingReading reading = readRecordingFile(context.platform.files(), file);
+    for (Finding& finding : reading.findings) {
+        if (finding.severity != Severity::error) {
+            told.push_back(std::move(finding));
+            continue;
+        }
+        if (finding.help.empty()) {
+            finding.help = {std::string(recordAgain)};
+        }
+        return std::move(finding);
+    }
+    CaptureRequest request = captureRequest(context, nullptr);
+    request.progress = nullptr;
+    ReplayPlatform machine(*reading.recording, context.platform);
+    try {
+        look({reading.recording->header, machine, request, captureMachine(machine, request)});
+    } catch (const LackingCall& lacking) {
+        return recordingFault(file, lacking.what());
+    }
+    return std::nullopt;
+}
+
 RecordedMachines loadMachines(Context& context, const std::vector<std::string>& paths) {
     RecordedMachines all;
     for (const std::string& path : paths) {
@@ -204,7 +204,16 @@ RecordedMachines loadMachines(Context& context, const std::vector<std::string>& 
             all.faults.push_back(recordingFault(path, "no recording (*.zrec) is in this folder"));
         }
         for (const std::string& file : files) {
-            loadMachine(context, file, all);
+            std::vector<Finding> told;
+            auto fault = lookAtRecorded(context, file, told, [&](Recorded machine) {
+                all.machines.push_back({file, std::move(machine.snapshot)});
+            });
+            for (const Finding& finding : told) {
+                context.platform.console().writeError(findingLine(finding, context.errorStyle));
+            }
+            if (fault) {
+                all.faults.push_back(*std::move(fault));
+            }
         }
     }
     return all;

@@ -29,6 +29,25 @@ int lookAtMachine(Context& context,
 /// after a message, when it cannot be read. Notes and warnings about it go to standard error.
 [[nodiscard]] std::optional<Recording> loadRecording(Context& context, const std::string& file);
 
+/// The recordings that a path names: itself, or all files "*.zrec" of a folder in the order of
+/// their names.
+[[nodiscard]] std::vector<std::string> recordingsOf(const std::string& path);
+
+/// A recorded machine while it is looked at.
+struct Recorded {
+    const RecordingHeader& header;
+    Platform& machine; ///< that answers from the recording
+    const CaptureRequest& request;
+    Snapshot snapshot;
+};
+
+/// Has `look` look at the machine of a recording. What is wrong with the recording is the result;
+/// notes and warnings about it are put into `told`. Nothing is written: several threads may look at
+/// recordings at the same time.
+[[nodiscard]] std::optional<Finding>
+lookAtRecorded(Context& context, const std::string& file, std::vector<Finding>& told,
+               const std::function<void(Recorded machine)>& look);
+
 /// A machine that was recorded.
 struct RecordedMachine {
     std::string file;

@@ -21,9 +21,9 @@ void addArgument(std::string& command, const char* option, const std::string& va
     }
 }
 
-/// What was typed, but for what is let pass and for how the plan is written: it makes the same
-/// plan.
-std::string commandOf(const Context& context, const PlanOptions& options) {
+} // namespace
+
+std::string planCommandOf(const Context& context, const PlanOptions& options) {
     std::string command =
         "zolexctl plan " + (options.classDefaults ? "--default" : typedWord(options.file));
     addArgument(command, "--strategy",
@@ -32,8 +32,6 @@ std::string commandOf(const Context& context, const PlanOptions& options) {
                                                             : "");
     return command + machineArguments(context.machine);
 }
-
-} // namespace
 
 std::string machineArguments(const MachineOptions& machine) {
     std::string command;
@@ -56,7 +54,7 @@ bool PlanMaker::readPolicies() {
     request_.classDefaults = options_.classDefaults;
     request_.strategy = options_.strategy;
     request_.accept = options_.accept;
-    request_.command = commandOf(context_, options_);
+    request_.command = planCommandOf(context_, options_);
     if (options_.classDefaults) {
         return true;
     }

@@ -44,6 +44,10 @@ class PlanMaker {
     std::optional<std::chrono::milliseconds> captureTime_;
 };
 
+/// What was typed, but for what is let pass and for how the plan is written: it makes the same
+/// plan.
+[[nodiscard]] std::string planCommandOf(const Context& context, const PlanOptions& options);
+
 /// The options of a machine as they are typed: " --controller 2 --serial X".
 [[nodiscard]] std::string machineArguments(const MachineOptions& machine);
 

@@ -80,6 +80,9 @@ class ExecutionSystem {
     [[nodiscard]] virtual Interruption interruption() = 0;
     /// Ends early when the user interrupts.
     virtual void sleep(std::chrono::milliseconds time) = 0;
+    /// Waits until a line stands on the terminal that is standard input, or its end. False when the
+    /// user interrupts first, or has done so already: nothing is to be read then.
+    [[nodiscard]] virtual bool awaitLine() { return interruption() == Interruption::none; }
     /// The time since some moment, which never goes back.
     [[nodiscard]] virtual std::chrono::milliseconds elapsed() = 0;
     /// RFC 3339, local time with its offset.

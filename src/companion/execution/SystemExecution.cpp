@@ -32,6 +32,17 @@ class SystemExecution : public ExecutionSystem {
     bool isRunning(const ProcessIdentity& process) override { return parts::isRunning(process); }
     Interruption interruption() override { return interruptions_->asked(); }
     void sleep(std::chrono::milliseconds time) override { interruptions_->await({}, time); }
+    bool awaitLine() override {
+        using Awaited = parts::Interruptions::Awaited;
+        constexpr std::chrono::hours slice{24};
+        const auto input = parts::standardInput();
+        // A read alone would not end for an interruption that came a moment before it.
+        auto awaited = input ? Awaited::timeOver : Awaited::object;
+        while (awaited == Awaited::timeOver && interruption() == Interruption::none) {
+            awaited = interruptions_->await(input, slice);
+        }
+        return awaited == Awaited::object && interruption() == Interruption::none;
+    }
     std::chrono::milliseconds elapsed() override { return system::elapsed(); }
     std::string timestamp() override { return timestampOf(system_.localTime()); }
     std::string userName() override { return parts::userName(); }

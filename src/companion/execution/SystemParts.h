@@ -27,6 +27,8 @@ class Interruptions {
     virtual Awaited await(std::optional<std::intptr_t> object, std::chrono::milliseconds limit) = 0;
 };
 [[nodiscard]] std::shared_ptr<Interruptions> heedInterruptions();
+/// As an object of `await`; nothing: there is none.
+[[nodiscard]] std::optional<std::intptr_t> standardInput();
 
 /// Starts a command line as the system takes it; an empty one starts nothing.
 [[nodiscard]] std::unique_ptr<StartedChild> startProgram(std::string_view commandLine,

@@ -68,6 +68,13 @@ struct DriveFacts {
     std::optional<std::int32_t> temperatureCelsius;
     bool isForeign = false;
     HotspareKind hotspare = HotspareKind::none;
+    std::vector<std::string> covers; ///< of a dedicated spare: ids of its arrays
+    /// Of one logical block; nothing: not told. Drives of different ones do not go together.
+    std::optional<std::uint32_t> blockSizeBytes;
+    std::string wwn; ///< world wide name; or empty
+    /// Why it is not to be planned with, whatever its state is ("locked by its encryption", "in
+    /// use: mounted at /srv"); or empty.
+    std::string barred;
     ListingPlace place;
     friend bool operator==(const DriveFacts&, const DriveFacts&) = default;
 };
@@ -92,6 +99,7 @@ struct LogicalDriveFacts {
         writeCache; ///< "WriteThrough", "ProtectedWriteBack", "UnprotectedWriteBack" or empty
     std::string readCache; ///< "Off", "ReadAhead", "AdaptiveReadAhead" or empty
     std::string reportedState;
+    std::string device; ///< as the system names it, "/dev/sda"; or empty
     Health health = Health::unknown;
     ListingPlace place;
     friend bool operator==(const LogicalDriveFacts&, const LogicalDriveFacts&) = default;
@@ -122,6 +130,20 @@ struct ListingReading {
     friend bool operator==(const ListingReading&, const ListingReading&) = default;
 };
 
+/// What a controller itself says of what it can do; 0 and false: not told.
+struct ControllerAbilities {
+    std::int32_t mostDrives = 0; ///< of one logical drive
+    std::int32_t mostSpans = 0;
+    std::int32_t mostVolumesPerArray = 0;
+    std::optional<bool> mixesProtocols; ///< SAS and SATA in one logical drive
+    std::optional<bool> mixesMedia;     ///< HDD and SSD
+    /// What it takes where a command does not say; words as of logical drives.
+    std::optional<std::uint64_t> usualStripSizeBytes;
+    std::string usualWriteCache;
+    std::string usualReadCache;
+    friend bool operator==(const ControllerAbilities&, const ControllerAbilities&) = default;
+};
+
 /// Everything that the listings of one controller say.
 struct Facts {
     std::string productName;
@@ -137,6 +159,7 @@ struct Facts {
     std::optional<std::uint64_t> maxStripSizeBytes;
     std::optional<std::int32_t> rebuildRatePercent;
     std::string rebuildRate; ///< in the utility's own words: "30%", "High"
+    ControllerAbilities abilities;
     /// In the order of the listing that lists the drives, one for each location.
     std::vector<DriveFacts> drives;
     std::vector<LogicalDriveFacts> logicalDrives;

@@ -223,6 +223,21 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "On a virtual copy of the captured controllers the step was made to fail, and the rest of the "
      "plan did not come to the planned end from there.",
      "should a run stop there, look at what stands and plan anew: zolexctl plan POLICIES"},
+    {problem::notRehearsed, error, "a server of a fleet cannot be rehearsed",
+     "There is a plan for it, but the controller cannot be copied: whether its utility takes the "
+     "commands is not known. It counts as an error.",
+     "look at its plan: zolexctl plan POLICIES --recording RECORDING"},
+    {problem::notSupposed, error, "what is supposed cannot be so in a copy",
+     "With --what-if a server is planned as its virtual copy is, and this one cannot be copied, or "
+     "its listings would not tell of it.",
+     "rehearse it without --what-if"},
+    {problem::recordedTwice, warning, "two recordings are of one server",
+     "It is counted twice: servers, losses and commands are fewer than told.",
+     "keep the later recording alone in the folder"},
+    {problem::madeUpSerials, warning, "policies ask for a serial number, and those are made up",
+     "A recording made with --redact holds other serial numbers than its server: what asks for s: "
+     "does not fit there.",
+     "record the servers without --redact: zolexctl record -o server.zrec"},
     {problem::convertRefused, error, "policies for zolex cannot be made",
      "Nothing is written: what would be written is not what the policies say.",
      "zolexctl check POLICIES --machine RECORDING tells how they fit the machine"},
@@ -239,6 +254,19 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::convertLevels, note, "the other levels are left out",
      "zolex takes one level. When drives are added or taken out, it is not chosen anew.",
      "convert the policies again when the drives change"},
+    {problem::ironicUnreadable, error, "a RAID configuration of Ironic cannot be read from its file",
+     "Nothing was written. The file is missing, or this user has no right to read it.",
+     "give the name of the file, or - for standard input"},
+    {problem::ironicBroken, error, "a RAID configuration of Ironic is no JSON",
+     "Nothing was written. The file was cut, or edited by hand.",
+     "mend it where the text says, and hold it against schemas/ironic-raid.schema.json"},
+    {problem::ironicWrong, error, "a RAID configuration of Ironic has a wrong name or value",
+     "Nothing was written. Ironic refuses the configuration, too.",
+     "mend it, and hold it against schemas/ironic-raid.schema.json"},
+    {problem::ironicTooLarge, error,
+     "a RAID configuration of Ironic is larger than any of one node can be",
+     "Nothing was written. The file is another one.",
+     "give the file that has logical_disks of one node"},
 });
 // clang-format on
 

@@ -44,8 +44,10 @@ struct MachineArray {
 
 /// One controller of a snapshot.
 struct ControllerSnapshot {
-    std::int32_t number = 0;  ///< from 1, as zolex counts
-    std::size_t index = 0;    ///< in Snapshot::controllers
+    std::int32_t number = 0; ///< from 1, as zolex counts
+    /// In Snapshot::controllers, or `noRecord` for a controller that zolex does not know.
+    std::size_t index = 0;
+    static constexpr std::size_t noRecord = static_cast<std::size_t>(-1);
     std::string model;        ///< "LSI-MegaRAID-8480"
     std::string utility;      ///< "MEGACLI"
     std::int32_t adapter = 0; ///< its number in the utility's commands

@@ -12,9 +12,10 @@
 namespace zolex::companion {
 
 [[nodiscard]] std::string planSvg(const MachinePlan& plan);
-/// The picture of one controller (its index in MachinePlan::controllers), as an element of a page.
+/// The picture of one controller (its index in MachinePlan::controllers), as an element of a page;
+/// `prefix` tells its ids from those of other plans on the page.
 [[nodiscard]] std::string planControllerSvg(const MachinePlan& plan, std::size_t index,
-                                            bool withLegend);
+                                            bool withLegend, const std::string& prefix = {});
 /// `madeAt` as it is to be shown; `savedTo` is the file of the plan, if it stands in one.
 [[nodiscard]] std::string planHtml(const MachinePlan& plan, std::string_view madeAt,
                                    const std::string& savedTo = {});

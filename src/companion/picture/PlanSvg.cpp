@@ -231,10 +231,11 @@ std::string planSvg(const MachinePlan& plan) {
                true);
 }
 
-std::string planControllerSvg(const MachinePlan& plan, std::size_t index, bool withLegend) {
+std::string planControllerSvg(const MachinePlan& plan, std::size_t index, bool withLegend,
+                              const std::string& prefix) {
     const ControllerPlanning& planning = plan.controllers[index];
     const std::vector<ControllerChange> changes{changeOf(planning)};
-    return PlanSvgWriter(changes, planWords, "c" + std::to_string(index) + "-")
+    return PlanSvgWriter(changes, planWords, prefix + "c" + std::to_string(index) + "-")
         .write("Plan of controller " + std::to_string(planning.controller.number),
                descriptionOf(planning, changes[0]), {std::nullopt, false, withLegend}, false);
 }

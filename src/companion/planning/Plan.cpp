@@ -1,7 +1,6 @@
 #include "companion/planning/Plan.h"
 
 #include "companion/machine/ProblemCodes.h"
-#include "companion/machine/Sha256.h"
 #include "companion/planning/ControllerPlanner.h"
 #include "companion/planning/OldCommand.h"
 #include "companion/planning/PlanFaults.h"
@@ -40,13 +39,18 @@ std::string planCommand(const MachinePlan& plan) {
 }
 
 MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
+    return planMachine(snapshot, request, readPlanPolicies(request));
+}
+
+MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request,
+                        const PoliciesReading& reading) {
     MachinePlan plan;
     plan.machineSource = snapshot.machineSource;
     plan.fingerprint = fingerprintOf(snapshot);
     plan.coreMessages = snapshot.coreMessages;
     if (!request.classDefaults) {
         plan.policiesFile = request.policiesFile;
-        plan.policiesHash = sha256(request.policiesText);
+        plan.policiesHash = reading.hash;
     }
     plan.command = planCommand(request, request.accept);
     Refusals refusals(request);
@@ -58,8 +62,7 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     refuseMisread(plan.diagnostics);
     refusals.accept(plan.diagnostics);
 
-    PoliciesReading reading = readPlanPolicies(request);
-    plan.policiesFindings = std::move(reading.findings);
+    plan.policiesFindings = reading.findings;
     refusals.accept(plan.policiesFindings);
     plan.policiesCount = reading.policies ? reading.policies->views.size() : 0;
 

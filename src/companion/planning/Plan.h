@@ -140,6 +140,7 @@ struct Rehearsal {
     std::int64_t durationMs = 0;
     std::int32_t faultsTried = 0;
     std::int32_t resumesAsPlanned = 0;
+    std::vector<std::int32_t> notResumable;                  ///< numbers of the other steps
     std::map<std::string, std::vector<std::string>> layouts; ///< lines of each layout, by its hash
 };
 
@@ -232,9 +233,14 @@ struct PlanRequest {
 /// tells.
 [[nodiscard]] std::string planCommand(const MachinePlan& plan);
 
+struct PoliciesReading;
+
 /// Plans the captured machine. Reads only. A fault on any controller leaves no steps anywhere that
 /// would run, and all faults are told. It is not rehearsed yet, and has no id.
 [[nodiscard]] MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request);
+/// The same by policies that were read before, for many machines: readPlanPolicies(request).
+[[nodiscard]] MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request,
+                                      const PoliciesReading& reading);
 
 /// The wanted layout of a planned controller, from its arrays, volumes and spares.
 [[nodiscard]] Layout layoutOf(const ControllerPlanning& planning);

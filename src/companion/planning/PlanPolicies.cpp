@@ -1,6 +1,7 @@
 #include "companion/planning/PlanPolicies.h"
 
 #include "companion/lint/Lint.h"
+#include "companion/machine/Sha256.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/rewriting/PlanComparison.h"
 #include "foundation/Report.h"
@@ -89,6 +90,7 @@ PoliciesReading readPlanPolicies(const PlanRequest& request) {
         reading.policies->isDefault = true;
         return reading;
     }
+    reading.hash = sha256(request.policiesText);
     reading.findings = lint(scanPolicies(request.policiesFile, request.policiesText), {});
     std::erase_if(reading.findings, [](const Finding& finding) { return !isOfFile(finding); });
     if (isRefused(reading.findings)) {

@@ -38,6 +38,7 @@ struct PlanPolicies {
 struct PoliciesReading {
     std::unique_ptr<PlanPolicies> policies; ///< null with an error among the findings
     std::vector<Finding> findings;          ///< of the file alone
+    std::string hash;                       ///< SHA-256 of its bytes; empty for the built-in policy
 };
 
 /// The policies of the request, without the entries that zolex does not know.

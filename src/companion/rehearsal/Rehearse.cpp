@@ -52,9 +52,10 @@ std::string differenceLine(const Difference& difference) {
 /// Plays the plan of one controller on its copy.
 class ControllerRehearsal {
   public:
-    ControllerRehearsal(MadeCopy made, ControllerPlanning& planning, Rehearsal& rehearsal)
+    ControllerRehearsal(MadeCopy made, ControllerPlanning& planning, Rehearsal& rehearsal,
+                        bool everyFault)
         : copy_(std::move(*made.copy)), planning_(planning), rehearsal_(rehearsal),
-          facts_(std::move(made.facts)) {}
+          everyFault_(everyFault), facts_(std::move(made.facts)) {}
 
     /// Whether it ends as planned; what keeps it from that is told with the controller.
     bool run() {
@@ -70,7 +71,7 @@ class ControllerRehearsal {
                 return false;
             }
         }
-        return compareEnd() && drill();
+        return compareEnd() && (!everyFault_ || drill());
     }
 
   private:
@@ -144,6 +145,7 @@ class ControllerRehearsal {
         rehearsal_.faultsTried += result.faultsTried;
         rehearsal_.resumesAsPlanned += result.resumesAsPlanned;
         for (const std::int32_t step : result.notResumable) {
+            rehearsal_.notResumable.push_back(step);
             planning_.warnings.push_back(problemFinding(
                 problem::notResumable,
                 "a run that stops at step " + std::to_string(step) + " could not be resumed"));
@@ -164,6 +166,7 @@ class ControllerRehearsal {
     VirtualCopy copy_;
     ControllerPlanning& planning_;
     Rehearsal& rehearsal_;
+    bool everyFault_;
     Facts facts_; ///< of the copy as it is
     std::vector<RehearsalStage> stages_;
 };
@@ -196,7 +199,7 @@ MadeCopy copyOf(const Snapshot& snapshot, std::int32_t number) {
     return copyController(*captured, record->type());
 }
 
-void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
+void rehearseAll(const Snapshot& snapshot, MachinePlan& plan, bool everyFault) {
     Rehearsal& rehearsal = plan.rehearsal;
     bool endsAsPlanned = true;
     for (ControllerPlanning& planning : plan.controllers) {
@@ -211,7 +214,8 @@ void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
             continue;
         }
         endsAsPlanned =
-            ControllerRehearsal(std::move(made), planning, rehearsal).run() && endsAsPlanned;
+            ControllerRehearsal(std::move(made), planning, rehearsal, everyFault).run() &&
+            endsAsPlanned;
         namePolicies(planning.diagnostics, plan.policiesFile);
         namePolicies(planning.warnings, plan.policiesFile);
     }
@@ -221,7 +225,7 @@ void rehearseAll(const Snapshot& snapshot, MachinePlan& plan) {
 
 } // namespace
 
-void rehearse(const Snapshot& snapshot, MachinePlan& plan) {
+void rehearse(const Snapshot& snapshot, MachinePlan& plan, bool everyFault) {
     const std::chrono::milliseconds begin = system::elapsed();
     plan.rehearsal = Rehearsal();
     if (!plan.isApplicable()) {
@@ -233,7 +237,7 @@ void rehearse(const Snapshot& snapshot, MachinePlan& plan) {
         plan.rehearsal.notDoneBecause.emplace_back("not rehearsed: there is nothing to do");
         return;
     }
-    rehearseAll(snapshot, plan);
+    rehearseAll(snapshot, plan, everyFault);
     if (!plan.isApplicable()) {
         plan.consent.clear(); // nothing is lost by what cannot be carried out
     }

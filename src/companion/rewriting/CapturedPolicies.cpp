@@ -62,20 +62,6 @@ bool meansAnother(const ControllerList& controllers, const ControllerSnapshot& d
     return false;
 }
 
-std::string appliesTo(const ControllerList& controllers, const ControllerSnapshot& details,
-                      const WantedLayout& layout) {
-    std::string number = "c:" + std::to_string(details.number);
-    if (!ControllerCatalogue::isValidControllerName(details.model)) {
-        return number;
-    }
-    const bool withDrives = !layout.numbersAreShaky && layout.controller->numberOfDrives() > 0;
-    std::string text = "t:" + details.model;
-    if (withDrives) {
-        text += ",d:" + std::to_string(layout.controller->numberOfDrives());
-    }
-    return meansAnother(controllers, details, withDrives) ? text + "," + number : text;
-}
-
 std::string policyName(const ControllerSnapshot& details) {
     return "Policy." + details.model + "-" + std::to_string(details.number);
 }
@@ -162,7 +148,8 @@ class Captured {
         chapter.layout = wantedLayout(controller, details, chapter.findings);
         PolicyWriting writing;
         writing.name = policyName(details);
-        writing.appliesTo = appliesTo(snapshot_.controllers, details, *chapter.layout);
+        const bool withDrives = !chapter.layout->numbersAreShaky && controller.numberOfDrives() > 0;
+        writing.appliesTo = appliesToOf(snapshot_.controllers, details, withDrives);
         writing.exact = options_.exact;
         chapter.policy = writePolicy(*chapter.layout, writing, chapter.findings);
         append(chapter.findings, unsayable(*chapter.layout));
@@ -254,6 +241,19 @@ class Captured {
 };
 
 } // namespace
+
+std::string appliesToOf(const ControllerList& controllers, const ControllerSnapshot& details,
+                        bool withDrives) {
+    std::string number = "c:" + std::to_string(details.number);
+    if (!ControllerCatalogue::isValidControllerName(details.model)) {
+        return number;
+    }
+    std::string text = "t:" + details.model;
+    if (withDrives) {
+        text += ",d:" + std::to_string(controllers.controller(details.index)->numberOfDrives());
+    }
+    return meansAnother(controllers, details, withDrives) ? text + "," + number : text;
+}
 
 CapturedPolicies capturedPolicies(const Snapshot& snapshot,
                                   const CapturedPoliciesOptions& options) {

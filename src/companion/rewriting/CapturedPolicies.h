@@ -24,6 +24,11 @@ struct CapturedPolicies {
     bool comesBack = true; ///< no finding but notes
 };
 
+/// The value of an AppliesTo entry that means this controller of the machine and no other: its
+/// model, where asked for how many drives it has, and its number where others are the same.
+[[nodiscard]] std::string appliesToOf(const ControllerList& controllers,
+                                      const ControllerSnapshot& details, bool withDrives);
+
 /// Policies that mean the same whatever their sections are called: what a captured policy leaves
 /// to its name is written out. They are planned for this machine as it is without its layouts, the
 /// command lines are made, and all is held against the layouts.

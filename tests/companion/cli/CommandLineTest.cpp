@@ -127,9 +127,10 @@ TEST(CommandLine, ReadsTheOptionsOfConvert) {
     EXPECT_EQ(faultOf({"convert", "--to", "policies", "--machine", "a.zrec"}),
               "convert needs a policies file\nzolexctl convert --help");
     EXPECT_EQ(faultOf({"convert", "--machine", "a.zrec", "kinds.ini"}),
-              "convert needs --to policies\nzolexctl convert --help");
+              "convert needs --to policies, --to ironic or --from ironic\n"
+              "zolexctl convert --help");
     EXPECT_EQ(faultOf({"convert", "--to", "stone", "kinds.ini"}),
-              "--to: \"stone\" is nothing to convert to: write policies\n"
+              "--to: \"stone\" is nothing to convert to: write policies or ironic\n"
               "zolexctl convert --help");
     EXPECT_EQ(faultOf({"convert", "--to", "policies", "kinds.ini"}),
               "convert needs --machine: the drives are those of one server\n"
@@ -139,6 +140,41 @@ TEST(CommandLine, ReadsTheOptionsOfConvert) {
               "zolexctl record -o server.zrec, and --machine server.zrec");
     EXPECT_EQ(faultOf({"convert", "--to", "policies", "--machine", "a", "b", "c"}),
               "convert does not take \"c\" besides \"b\"\nzolexctl convert --help");
+}
+
+TEST(CommandLine, ReadsTheOptionsOfConvertForIronic) {
+    const Request to = requestOf({"convert", "--to", "ironic", "--machine", "a.zrec", "web.ini"});
+    EXPECT_EQ(to.convert.to, "ironic");
+    EXPECT_EQ(to.convert.from, "");
+    EXPECT_EQ(to.convert.machine, "a.zrec");
+    const Request from =
+        requestOf({"convert", "--from", "ironic", "n7.json", "--model", "LSI-MegaRAID-8480"});
+    EXPECT_EQ(from.convert.from, "ironic");
+    EXPECT_EQ(from.convert.to, "");
+    EXPECT_EQ(from.convert.file, "n7.json");
+    EXPECT_EQ(from.convert.model, "LSI-MegaRAID-8480");
+    EXPECT_EQ(from.convert.machine, "");
+    EXPECT_EQ(faultOf({"convert", "--to", "ironic", "web.ini"}),
+              "convert --to ironic needs --machine: Ironic wants sizes, and drives by name\n"
+              "a recording, or zolexctl plan POLICIES -o plan.json, and --machine plan.json");
+    EXPECT_EQ(faultOf({"convert", "--from", "ironic"}),
+              "convert needs a RAID configuration\nzolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--from", "ironic", "--to", "policies", "n7.json"}),
+              "convert takes --to or --from, not both\nzolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--from", "policies", "n7.json"}),
+              "--from: \"policies\" is nothing to convert from: write ironic\n"
+              "zolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--to", "ironic", "--model", "LSI-MegaRAID-8480", "web.ini"}),
+              "--model is for --from ironic\nzolexctl convert --help");
+    EXPECT_EQ(faultOf({"convert", "--from", "ironic", "--machine", "a", "--machine", "b", "c"}),
+              "convert takes one --machine\n"
+              "zolexctl record -o server.zrec, and --machine server.zrec");
+    EXPECT_EQ(
+        faultOf({"convert", "--from", "ironic", "n7.json", "--model", "LSI"})
+            .substr(0, std::string_view("--model: \"LSI\" is no model that policies can name: "
+                                        "Kestrix-A1, ")
+                           .size()),
+        "--model: \"LSI\" is no model that policies can name: Kestrix-A1, ");
 }
 
 TEST(CommandLine, ReadsTheOptionsOfPlan) {

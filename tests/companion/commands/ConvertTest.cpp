@@ -1,5 +1,6 @@
 #include "companion/commands/Commands.h"
 #include "companion/recording/RecordedRuns.h"
+#include "companion/support/KeptDocument.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -130,6 +131,159 @@ error: kinds.ini: nothing was written
   help: name the recording: --machine server.zrec
 )");
     EXPECT_EQ(run({"kinds.ini", "policies", "fleet/a.zrec"}).exitCode, 0);
+}
+
+constexpr const char* plain = "[Policy.web]\n"
+                              "AppliesTo.1 = ALL\n"
+                              "Array_Mode = CUSTOM\n"
+                              "Array.A = 1,2\n"
+                              "Hotspares = 8\n"
+                              "Logical_Mode = CUSTOM\n"
+                              "Logical.1 = A:FILL:1\n";
+constexpr const char* node = R"({
+  "logical_disks": [
+    {
+      "raid_level": "1",
+      "size_gb": "MAX",
+      "controller": "LSI-MegaRAID-8480",
+      "physical_disks": [
+        "32:0",
+        "32:1"
+      ]
+    }
+  ]
+}
+)";
+
+TEST_F(ConvertTest, WritesForIronicOfARecordingAndOfAPlan) {
+    folder.write("web.ini", plain);
+    const std::string told =
+        R"(web.ini:5:13: warning: controller 1: the hot spare 32:7 is left out: Ironic
+              cannot say one [ZX957]
+   5 | Hotspares = 8
+     |             ^
+)";
+    const Seen recorded = run({"web.ini", "ironic", "a.zrec"});
+    EXPECT_EQ(recorded.exitCode, 0);
+    EXPECT_EQ(recorded.error, told);
+    EXPECT_EQ(recorded.output, node);
+    test::keepDocument("ironic-command", recorded.output);
+
+    Context planning = context;
+    planning.machine.recording = "a.zrec";
+    PlanOptions options;
+    options.file = "web.ini";
+    options.savedFile = "plan.json";
+    ASSERT_EQ(test::seen(system, [&] { return plan(planning, options); }).exitCode, 0);
+    const Seen planned = run({"web.ini", "ironic", "plan.json"});
+    EXPECT_EQ(planned.exitCode, 0);
+    EXPECT_EQ(planned.error, told);
+    EXPECT_EQ(planned.output, node);
+
+    context.outputFile = test::writtenFile;
+    context.quiet = true;
+    EXPECT_EQ(run({"web.ini", "ironic", "plan.json"}).error, told);
+    folder.write("web.ini", std::string(plain) + "; changed\n");
+    const Seen other = run({"web.ini", "ironic", "plan.json"});
+    EXPECT_EQ(other.exitCode, 2);
+    EXPECT_EQ(other.error, R"(error: plan.json is no plan of web.ini as it is now
+  help: zolexctl plan web.ini -o plan.json
+)");
+}
+
+TEST_F(ConvertTest, WritesNothingForIronicOfPoliciesThatCannotBePlanned) {
+    folder.write("web.ini", std::string(plain) + "Array.B = 2,3,4\nLogical.2 = B:FILL:5\n");
+    folder.write("kept.json", "old");
+    context.outputFile = "kept.json";
+    const Seen seen = run({"web.ini", "ironic", "a.zrec"});
+    EXPECT_EQ(seen.exitCode, 2);
+    EXPECT_EQ(seen.error, R"(web.ini:8:11: error: 32:1 is in Array.A and in Array.B [ZX302]
+   8 | Array.B = 2,3,4
+     |           ^
+   help: Array.A is made, and then MEGACLI refuses the command for Array.B
+   help: to let it pass: zolexctl plan web.ini --accept ZX302
+error: web.ini: nothing was written
+  help: mend what is told above, and convert again
+)");
+    EXPECT_EQ(zolex::test::TemporaryDirectory::read("kept.json"), "old");
+}
+
+TEST_F(ConvertTest, WritesPoliciesOfIronic) {
+    folder.write("node.json", node);
+    ConvertOptions options{"node.json", "", "", "ironic", ""};
+    EXPECT_EQ(run(options).error,
+              R"(node.json:8:9: error: logical_disks[0].physical_disks[0]: "32:0" is no number of
+               a drive, and without the server its location cannot be looked up
+               [ZX954]
+   8 |         "32:0",
+     |         ^^^^^^
+   help: zolexctl record -o server.zrec on the server, and --machine server.zrec
+error: node.json: nothing was written
+  help: mend what is told above, and convert again
+)");
+    options.machine = "a.zrec";
+    const Seen seen = run(options);
+    EXPECT_EQ(seen.exitCode, 0);
+    EXPECT_EQ(seen.error, "");
+    // The first line has the version.
+    EXPECT_EQ(seen.output.substr(seen.output.find('\n') + 1),
+              R"(; Deploying it makes these arrays anew: what is on the drives is lost.
+
+[Policy.node]
+
+AppliesTo.1 = t:LSI-MegaRAID-8480,d:8
+
+Array_Mode = CUSTOM
+; A: 32:0 32:1
+Array.A = 1,2
+
+; No hot spares: Ironic has none. Without this entry there could be one.
+Array_Defaults = 0%:0
+
+Logical_Mode = CUSTOM
+Logical.1 = A:FILL:1
+)");
+    context.outputFile = test::writtenFile;
+    const Seen written = run(options);
+    EXPECT_EQ(written.error,
+              "written.ini: 1 policy, 1 array, 1 logical drive; spares: none (Ironic has none)\n");
+    EXPECT_EQ(written.output, "");
+    // Windows ends its lines with a carriage return, too.
+    EXPECT_NE(written.file.find("Logical.1 = A:FILL:1"), std::string::npos) << written.file;
+    EXPECT_TRUE(system.children.empty());
+}
+
+TEST_F(ConvertTest, TellsTheFaultsOfIronicsFile) {
+    folder.write("node.json", "{\"logical_disks\": [\n  {\"size_gb\": 1.5, \"raid\": 1}]}\n");
+    folder.write("kept.ini", "old");
+    context.outputFile = "kept.ini";
+    const Seen seen = run({"node.json", "", "", "ironic", "LSI-MegaRAID-8480"});
+    EXPECT_EQ(seen.exitCode, 2);
+    EXPECT_EQ(seen.error,
+              R"(node.json:2:15: error: logical_disks[0].size_gb is 1.5, and must be a whole
+                number above 0, or "MAX" [ZP272]
+   2 |   {"size_gb": 1.5, "raid": 1}]}
+     |               ^^^
+   help: mend it, and hold it against schemas/ironic-raid.schema.json
+
+node.json:2:28: error: logical_disks[0].raid is no name that a logical disk has
+                [ZP272]
+   2 |   {"size_gb": 1.5, "raid": 1}]}
+     |                            ^
+   help: mend it, and hold it against schemas/ironic-raid.schema.json
+
+node.json:2:3: error: logical_disks[0] has no raid_level [ZP272]
+   2 |   {"size_gb": 1.5, "raid": 1}]}
+     |   ^^^^^^^^^^^^^^^^^^^^^^^^^^^
+   help: mend it, and hold it against schemas/ironic-raid.schema.json
+error: node.json: nothing was written
+  help: mend what is told above, and convert again
+)");
+    EXPECT_EQ(zolex::test::TemporaryDirectory::read("kept.ini"), "old");
+    EXPECT_EQ(run({"none.json", "", "", "ironic", "LSI-MegaRAID-8480"}).error,
+              R"(error: none.json: the file cannot be read: there is no such file or folder
+  help: give the name of a RAID configuration, or - for standard input
+)");
 }
 
 } // namespace

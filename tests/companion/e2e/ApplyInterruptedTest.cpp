@@ -100,7 +100,7 @@ class Running {
         EXPECT_EQ(static_cast<ssize_t>(keys.size()), ::write(terminal_, keys.data(), keys.size()));
     }
 
-    /// Waits for the end; 128 and the number of a signal that ended it.
+    /// Waits for the end, but not for ever; 128 and the number of a signal that ended it.
     ProgramRun ended() {
         ProgramRun run;
         if (terminal_ >= 0) {
@@ -108,7 +108,17 @@ class Running {
             }
         }
         int status = 0;
-        EXPECT_EQ(process_, ::waitpid(process_, &status, 0));
+        const auto until = Clock::now() + patience;
+        pid_t found = 0;
+        while ((found = ::waitpid(process_, &status, WNOHANG)) == 0 && Clock::now() < until) {
+            std::this_thread::sleep_for(milliseconds(2));
+        }
+        if (found == 0) {
+            ADD_FAILURE() << "it does not end";
+            ::kill(process_, SIGKILL);
+            found = ::waitpid(process_, &status, 0);
+        }
+        EXPECT_EQ(process_, found);
         process_ = -1;
         run.exitCode = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
         run.output = terminal_ >= 0 ? terminalText_ : contentOf(output_);

@@ -53,13 +53,14 @@ TEST(GuardPosix, SaysWhenThereIsNoZolex) {
 }
 
 TEST(GuardPosix, HoldsTheLockOfTheMachineWhileZolexRuns) {
-    ScriptedServer server("touch started; while [ ! -e go ]; do sleep 0.05; done\n");
-    const ProgramRun run =
-        server.guard("$C guard -q -- zolex /f:p.ini & first=$!\n"
-                     "while [ ! -e started ]; do sleep 0.05; done; rm started\n"
-                     "$C guard -q -- zolex /f:p.ini; echo second $?; ls started 2>/dev/null\n"
-                     "touch go; wait $first; echo first $?\n"
-                     "$C guard -q -- zolex /f:p.ini; echo third $?; ls started");
+    ScriptedServer server("touch started; n=0\n"
+                          "until [ -e go ] || [ $n = 600 ]; do sleep 0.05; n=$((n + 1)); done\n");
+    const ProgramRun run = server.guard(
+        "$C guard -q -- zolex /f:p.ini & first=$!\n"
+        "until [ -e started ]; do sleep 0.05; kill -0 $first || break; done; rm started\n"
+        "$C guard -q -- zolex /f:p.ini; echo second $?; ls started 2>/dev/null\n"
+        "touch go; wait $first; echo first $?\n"
+        "$C guard -q -- zolex /f:p.ini; echo third $?; ls started");
     EXPECT_EQ(run.output, "second 3\nfirst 0\nthird 0\nstarted\n") << run.error;
     expectPieces(run.error, {"error: another run is under way on this machine (pid ", "[ZA214]\n",
                              "error: zolex was not started, and nothing was changed\n"});
@@ -67,11 +68,11 @@ TEST(GuardPosix, HoldsTheLockOfTheMachineWhileZolexRuns) {
 
 TEST(GuardPosix, PassesSignalsOnAndWaitsForTheEnd) {
     ScriptedServer server("trap 'echo ended; exit 9' TERM; touch started\n"
-                          "while :; do sleep 0.05; done\n");
-    const ProgramRun run =
-        server.guard("$C guard -q -- zolex /f:p.ini & first=$!\n"
-                     "while [ ! -e started ]; do sleep 0.05; done; kill -TERM $first\n"
-                     "wait $first; echo first $?");
+                          "n=0; until [ $n = 600 ]; do sleep 0.05; n=$((n + 1)); done\n");
+    const ProgramRun run = server.guard(
+        "$C guard -q -- zolex /f:p.ini & first=$!\n"
+        "until [ -e started ]; do sleep 0.05; kill -0 $first || break; done; kill -TERM $first\n"
+        "wait $first; echo first $?");
     EXPECT_EQ(run.output, "ended\nfirst 9\n") << run.error;
 }
 

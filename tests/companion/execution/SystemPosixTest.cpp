@@ -200,6 +200,38 @@ TEST_F(SystemPosix, ASignalThatWasIgnoredStaysSo) {
     EXPECT_EQ(result.exitCode, 3U);
 }
 
+TEST_F(SystemPosix, ALineIsAwaitedUntilItIsThereOrTheUserInterrupts) {
+    const auto answerWith = [this](const std::function<void(int inputEnd)>& beforehand) {
+        return inACopy([this, &beforehand] {
+            std::array<int, 2> ends{};
+            if (::pipe(ends.data()) != 0 || ::dup2(ends[0], STDIN_FILENO) < 0) {
+                return 99;
+            }
+            ::alarm(20);
+            beforehand(ends[1]);
+            return system->awaitLine() ? 1 : 0;
+        });
+    };
+    EXPECT_EQ(answerWith([](int input) { EXPECT_EQ(::write(input, "\n", 1), 1); }), 1);
+    // A moment before the wait: a read that began now would never end.
+    EXPECT_EQ(answerWith([](int) { ::raise(SIGINT); }), 0);
+    EXPECT_EQ(answerWith([](int input) {
+                  EXPECT_EQ(::write(input, "\n", 1), 1);
+                  ::raise(SIGTERM);
+              }),
+              0);
+    // While it waits.
+    EXPECT_EQ(answerWith([](int) {
+                  const pid_t self = ::getpid();
+                  if (::fork() == 0) {
+                      ::usleep(50'000);
+                      ::kill(self, SIGINT);
+                      ::_exit(0);
+                  }
+              }),
+              0);
+}
+
 TEST_F(SystemPosix, TheHandlersThatWereThereAreGivenBack) {
     system.reset();
     std::array<struct sigaction, endingSignals.size()> before{};

@@ -1,8 +1,8 @@
 // Random servers and policies: each plan is refused with a reason, or all of it is taken on the
 // copy, ends as planned there and on the server itself, and goes on from each fault.
 
-#include "companion/facts/VirtualListings.h"
 #include "companion/planning/PlannedServer.h"
+#include "companion/rehearsal/RandomServers.h"
 #include "companion/rehearsal/Rehearse.h"
 
 #include <gtest/gtest.h>
@@ -13,36 +13,12 @@
 namespace zolex::companion {
 namespace {
 
+using test::makeRandom;
 using test::PlannedServer;
 using Lines = std::vector<std::string>;
 
 std::size_t below(std::mt19937& random, std::size_t count) {
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
-}
-
-/// Puts a random controller in the place of those of the server.
-void makeRandom(PlannedServer& server, std::mt19937& random) {
-    server.platform.server = test::randomServer(random);
-    zolex_sim::Controller& controller = server.platform.server.controllers.front();
-    if (controller.identity.utility != "MEGACLI") {
-        for (zolex_sim::Drive& drive : controller.drives) {
-            // No other listing tells of drives that carry something.
-            drive.status = drive.status == zolex_sim::DriveStatus::foreign
-                               ? zolex_sim::DriveStatus::good
-                               : drive.status;
-        }
-    }
-    const zolex_sim::PciFunction& pci = controller.identity.pci;
-    PciDevice device;
-    device.vendorId = pci.vendorId;
-    device.deviceId = pci.deviceId;
-    device.subsystemVendorId = pci.subsystemVendorId;
-    device.subsystemId = pci.subsystemId;
-    device.bus = static_cast<std::uint16_t>(pci.bus);
-    device.device = static_cast<std::uint16_t>(pci.device);
-    device.function = static_cast<std::uint16_t>(pci.function);
-    device.classCode = pci.classCode;
-    server.platform.devices = {device};
 }
 
 std::string ordinals(std::size_t first, std::size_t count) {

@@ -171,4 +171,8 @@ std::shared_ptr<Interruptions> heedInterruptions() {
     return std::make_shared<PosixInterruptions>();
 }
 
+std::optional<std::intptr_t> standardInput() {
+    return STDIN_FILENO;
+}
+
 } // namespace zolex::companion::system_execution

@@ -1,3 +1,4 @@
+#include "companion/execution/LockHolding.h"
 #include "companion/execution/LockText.h"
 #include "companion/execution/SystemParts.h"
 #include "companion/text/OutputFile.h"
@@ -6,7 +7,6 @@
 #include <array>
 #include <cerrno>
 #include <ctime>
-#include <exception>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -106,7 +106,7 @@ class PosixRunLock : public RunLock {
     PosixRunLock(const PosixRunLock&) = delete;
     PosixRunLock& operator=(const PosixRunLock&) = delete;
     ~PosixRunLock() override {
-        if (leavesChild()) {
+        if (leavesChild(holder_)) {
             return; // whoever comes next is to know of it
         }
         // While it is locked nobody else takes the file for his own, nor makes another of the name.
@@ -128,14 +128,6 @@ class PosixRunLock : public RunLock {
     void hold(FileDescriptor file) { file_ = std::move(file); }
 
   private:
-    [[nodiscard]] bool leavesChild() const noexcept {
-        try {
-            return holder_.child.pid != 0 && isRunning(holder_.child);
-        } catch (const std::exception&) {
-            return true; // as long as that is not known
-        }
-    }
-
     std::string name_;
     LockHolder holder_;
     FileDescriptor file_;
@@ -224,30 +216,13 @@ class LockTaker {
         return lockByName(std::move(file), isMade);
     }
 
-    /// Whoever has it writes its text a moment later: without one, or with that of a process that
-    /// is gone, it is asked once more.
     Attempt isHeld(std::optional<LockHolder> holder) {
-        if (!holder || !isRunning(holder->process)) {
-            return Attempt::again;
-        }
-        answer_ = {};
-        answer_.holder = std::move(holder->process);
-        answer_.child = std::move(holder->child);
-        return Attempt::answered;
+        return tellHolder(std::move(holder), answer_) ? Attempt::answered : Attempt::again;
     }
 
-    void takeOver(LockHolder before) {
-        const bool isChildRunning = isRunning(before.child);
-        if (isChildRunning) {
-            lock_->keepChild(before.child);
-        }
-        // One that runs has let it go, for a child that runs or as it could not remove the text.
-        const bool isGone = !isRunning(before.process);
-        if (isGone) {
-            answer_.holder = std::move(before.process);
-        }
-        if (isGone || isChildRunning) {
-            answer_.child = std::move(before.child);
+    void keepWhatRuns(LockHolder before) {
+        if (auto child = takeOver(std::move(before), answer_)) {
+            lock_->keepChild(std::move(*child));
         }
     }
 
@@ -255,7 +230,7 @@ class LockTaker {
     Attempt hold(FileDescriptor file, bool isMade) {
         auto before = isMade ? std::nullopt : readText(file.get());
         if (before) {
-            takeOver(std::move(*before));
+            keepWhatRuns(std::move(*before));
         }
         if (!writeText(file.get(), lock_->text())) {
             const std::string fault = lastSystemError();
@@ -299,7 +274,7 @@ class LockTaker {
         if (!isNameOf(aside, file.get())) {
             static_cast<void>(::link(aside.c_str(), name().c_str()) == 0);
         } else if (holder) {
-            takeOver(std::move(*holder));
+            keepWhatRuns(std::move(*holder));
         }
         ::unlink(aside.c_str());
         return Attempt::again;

@@ -95,4 +95,11 @@ std::shared_ptr<Interruptions> heedInterruptions() {
     return std::make_shared<WindowsInterruptions>();
 }
 
+std::optional<std::intptr_t> standardInput() {
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    return input == nullptr || input == INVALID_HANDLE_VALUE
+               ? std::nullopt
+               : std::optional(reinterpret_cast<std::intptr_t>(input));
+}
+
 } // namespace zolex::companion::system_execution

@@ -1,9 +1,9 @@
+#include "companion/execution/LockHolding.h"
 #include "companion/execution/LockText.h"
 #include "companion/execution/SystemParts.h"
 #include "companion/execution/win32/OpenedFile.h"
 #include "companion/text/OutputFile.h"
 
-#include <exception>
 #include <utility>
 
 namespace zolex::companion::system_execution {
@@ -52,7 +52,7 @@ class WindowsRunLock : public RunLock {
     WindowsRunLock& operator=(const WindowsRunLock&) = delete;
     ~WindowsRunLock() override {
         // Whoever comes next is to know of a child that is left.
-        if (file_.get() != nullptr && !leavesChild()) {
+        if (file_.get() != nullptr && !leavesChild(holder_)) {
             remove(file_.get());
         }
     }
@@ -68,14 +68,6 @@ class WindowsRunLock : public RunLock {
     void hold(Handle file) { file_ = std::move(file); }
 
   private:
-    [[nodiscard]] bool leavesChild() const noexcept {
-        try {
-            return holder_.child.pid != 0 && isRunning(holder_.child);
-        } catch (const std::exception&) {
-            return true; // as long as that is not known
-        }
-    }
-
     LockHolder holder_;
     Handle file_;
 };
@@ -150,40 +142,23 @@ class LockTaker {
         return hold(std::move(file), isMade, lockHolderOf(*front));
     }
 
-    /// Whoever has it writes its text a moment later: without one, or with that of a process that
-    /// is gone, it is asked once more.
     Attempt isHeld() {
         const Handle file = openFile(name_, GENERIC_READ, shareAll, OPEN_EXISTING);
         const auto front = file.get() != nullptr ? readFront(file.get()) : std::nullopt;
         auto holder = front ? lockHolderOf(*front) : std::nullopt;
-        if (!holder || !isRunning(holder->process)) {
-            return Attempt::again;
-        }
-        answer_ = {};
-        answer_.holder = std::move(holder->process);
-        answer_.child = std::move(holder->child);
-        return Attempt::answered;
+        return tellHolder(std::move(holder), answer_) ? Attempt::answered : Attempt::again;
     }
 
-    void takeOver(LockHolder before) {
-        const bool isChildRunning = isRunning(before.child);
-        if (isChildRunning) {
-            lock_->keepChild(before.child);
-        }
-        // One that runs has let it go, for a child that runs or as it could not remove the text.
-        const bool isGone = !isRunning(before.process);
-        if (isGone) {
-            answer_.holder = std::move(before.process);
-        }
-        if (isGone || isChildRunning) {
-            answer_.child = std::move(before.child);
+    void keepWhatRuns(LockHolder before) {
+        if (auto child = takeOver(std::move(before), answer_)) {
+            lock_->keepChild(std::move(*child));
         }
     }
 
     /// The lock is had: writes who has it, and tells who had it and is gone.
     Attempt hold(Handle file, bool isMade, std::optional<LockHolder> before) {
         if (before) {
-            takeOver(std::move(*before));
+            keepWhatRuns(std::move(*before));
         }
         if (!writeText(file.get(), lock_->text())) {
             std::string fault = lastSystemError();

@@ -29,6 +29,7 @@ class UnpausedExecution : public ExecutionSystem {
     void sleep(std::chrono::milliseconds time) override {
         system_->sleep(std::min(time, std::chrono::milliseconds(10)));
     }
+    bool awaitLine() override { return system_->awaitLine(); }
     std::chrono::milliseconds elapsed() override { return system_->elapsed(); }
     std::string timestamp() override { return system_->timestamp(); }
     std::string userName() override { return system_->userName(); }

@@ -1,0 +1,153 @@
+#pragma once
+
+#include "companion/facts/Facts.h"
+#include "companion/layout/Layout.h"
+#include "platform/Platform.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolex::companion {
+
+/// A call of a capture, and what came of it.
+struct FamilyListing {
+    std::string command; ///< "STORCLI /c0 show all J nolog"
+    ChildOutcome outcome = ChildOutcome::notStarted;
+    std::uint32_t exitCode = 0;
+    std::chrono::milliseconds duration{0};
+    std::string output;
+};
+
+/// What is to be said of a controller or of a family as a whole: id of a problem code, and texts.
+struct FamilyFinding {
+    std::string code;
+    std::string summary;
+    std::string detail;
+    std::vector<std::string> help; ///< empty: that of the code
+};
+
+/// One controller as its family tells it.
+struct FamilyController {
+    std::int32_t adapter = 0; ///< its number in the utility's commands: 0 of "/c0"
+    /// The utility's text for the model with every run of other characters than letters and digits
+    /// as one "-": "PERC-H755-Front".
+    std::string model;
+    std::string pci;    ///< "0000:c1:00.0"; empty: not told, or none
+    std::string pciIds; ///< "1000:10e2:1028:1ae1"; the same
+    std::vector<FamilyListing> listings;
+    Facts facts;
+    std::vector<FamilyFinding> findings;
+    bool failed = false; ///< its utility failed: nothing but that it is there is known
+};
+
+struct FamilyCapture {
+    std::vector<FamilyController> controllers; ///< in the order of the utility
+    std::vector<FamilyFinding> findings;       ///< of the family as a whole
+};
+
+struct FamilyRequest {
+    std::chrono::milliseconds limit{300000}; ///< for each child
+    std::function<void(const std::string& text)> progress;
+    /// False where only the controllers are asked for that its policies may name, and this family
+    /// has to be asked for by name ("--family md").
+    bool isAskedFor = false;
+};
+
+/// A logical drive to be made, with its drives.
+struct VolumeWish {
+    std::string raidType;                        ///< "RAID5"
+    std::vector<std::vector<std::string>> spans; ///< locations in the order of the command
+    std::optional<std::uint64_t> capacityBytes;  ///< nothing: all that is left
+    std::optional<std::uint64_t> stripSizeBytes; ///< nothing: the controller's own
+    std::string writeCache;          ///< as in LayoutVolume; empty: the controller's own
+    std::string readCache;           ///< the same
+    std::string name;                ///< empty: none
+    std::vector<std::string> spares; ///< of drivers that make them with the array; else empty
+};
+
+/// Which limits a controller has, from what its listings say and what its utility is known for.
+struct FamilyLimits {
+    std::vector<std::string> raidTypes; ///< that it can make
+    std::size_t mostDrives = 0;         ///< of one logical drive; 0: not known
+    std::size_t mostDrivesPerSpan = 0;  ///< the same
+    std::size_t mostSpans = 0;
+    std::size_t mostVolumes = 0;
+    std::size_t mostVolumesPerGroup = 0; ///< 1: a group holds one logical drive
+    std::uint64_t leastStripBytes = 0;   ///< 0: not told
+    std::uint64_t mostStripBytes = 0;
+    bool mixesProtocols = false; ///< SAS and SATA in one logical drive
+    bool mixesMedia = false;     ///< HDD and SSD
+    bool setsCaches = false;     ///< write and read-ahead modes can be told
+    bool hasGlobalSpares = false;
+    bool hasDedicatedSpares = false;
+};
+
+/// What a command came to.
+struct FamilyVerdict {
+    bool isDone = false;
+    std::string why; ///< of one that is not: the utility's words, in a line
+    std::vector<std::string> help;
+};
+
+/// A family of controllers that zolex does not know, with the utility that drives it. Command lines
+/// begin with the family's word ("STORCLI /c0 ..."), which the platform of the machine turns into
+/// the program that was found.
+class Family {
+  public:
+    virtual ~Family() = default;
+
+    [[nodiscard]] virtual std::string_view name() const = 0; ///< "STORCLI"
+    /// Usual names of its program, in the order in which they are looked for.
+    [[nodiscard]] virtual std::span<const std::string_view> programs() const = 0;
+    /// Whether it is captured only when it is asked for by name.
+    [[nodiscard]] virtual bool isOptIn() const { return false; }
+    /// Whether a command line of the family only reads.
+    [[nodiscard]] virtual bool isReading(std::string_view commandLine) const = 0;
+
+    /// Asks the utility for its controllers, and each for all that it has. What fails is told and
+    /// ends nothing else.
+    [[nodiscard]] virtual FamilyCapture capture(Platform& platform,
+                                                const FamilyRequest& request) const = 0;
+
+    [[nodiscard]] virtual FamilyLimits limits(const Facts& facts) const = 0;
+    /// Why a drive cannot be planned with; empty for one that can. A drive in an array or a spare
+    /// of this controller can, once what it is in is gone.
+    [[nodiscard]] virtual std::string whyNotUsable(const DriveFacts& drive) const = 0;
+
+    // Command lines. An empty one: the family has no command for it.
+    [[nodiscard]] virtual std::string createVolume(std::int32_t adapter,
+                                                   const VolumeWish& wish) const = 0;
+    [[nodiscard]] virtual std::string deleteVolume(std::int32_t adapter,
+                                                   const LogicalDriveFacts& volume) const = 0;
+    /// A hot spare of these arrays (ids as listed), of all arrays where there are none.
+    [[nodiscard]] virtual std::string addSpare(std::int32_t adapter, const std::string& location,
+                                               const std::vector<std::string>& arrays) const = 0;
+    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter,
+                                                  const std::string& location) const = 0;
+    [[nodiscard]] virtual std::string clearForeign(std::int32_t adapter) const = 0;
+    /// "write_cache_policy" or "read_cache_policy", with the word of LayoutVolume.
+    [[nodiscard]] virtual std::string setCache(std::int32_t adapter,
+                                               const LogicalDriveFacts& volume,
+                                               std::string_view attribute,
+                                               std::string_view value) const = 0;
+    /// "HIGH", "MEDIUM" or "LOW" of policies.
+    [[nodiscard]] virtual std::string setRebuildRate(std::int32_t adapter,
+                                                     std::string_view rate) const = 0;
+
+    /// Judges a command that changes something by its exit code and by what it printed.
+    [[nodiscard]] virtual FamilyVerdict judge(std::string_view commandLine, std::uint32_t exitCode,
+                                              std::string_view output) const = 0;
+};
+
+/// The families beside those of zolex, in the order of their names.
+[[nodiscard]] std::span<const Family* const> families();
+/// The family of a word, or of the first word of a command line, letter case ignored; null: none.
+[[nodiscard]] const Family* findFamily(std::string_view wordOrLine);
+
+} // namespace zolex::companion
