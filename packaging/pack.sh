@@ -14,7 +14,7 @@ umask 022
 
 # What makes a file of the release: functions of BUILDS, the folder with windows-release/ and
 # linux-release/, of WORK, a folder to work in, and of DIST, where the file goes.
-dist=(windows_zip debian_package)
+dist=(windows_zip debian_package ansible_collection)
 
 # make_dist BUILDS WORK DIST: the whole release.
 make_dist() {
@@ -40,6 +40,10 @@ windows_zip() {
     same_time "$root"
     (cd "$root" && find . -type f -printf '%P\n' | sort | zip -q -X -9 -@ "$2/release.zip")
     put 644 "$2/release.zip" "$3/zolex-$version-windows-x86_64.zip"
+}
+
+ansible_collection() {
+    scripts/ansible-collection "$3" >/dev/null
 }
 
 # The source packages whose code the static programs hold, with their versions, as a package names

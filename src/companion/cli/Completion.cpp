@@ -2,6 +2,7 @@
 
 #include "companion/cli/Values.h"
 #include "companion/commands/Explanations.h"
+#include "companion/machine/Utilities.h"
 
 #include <algorithm>
 #include <array>
@@ -53,6 +54,16 @@ std::vector<std::string> codesTakenBy(const OptionRow& option) {
     return codes;
 }
 
+std::vector<std::string> utilitiesTakenBy(const OptionRow& option) {
+    std::vector<std::string> names;
+    for (const UtilityNames& each : utilityNames()) {
+        if (takes(option, std::string(each.utility) + "=program")) {
+            names.emplace_back(each.utility);
+        }
+    }
+    return names;
+}
+
 Offered oneOf(std::vector<std::string> words) {
     return {words.empty() ? Offer::nothing : Offer::words, std::move(words)};
 }
@@ -80,7 +91,7 @@ Offered offeredValues(const OptionRow& option, const CommandRow& command) {
         return {Offer::list, codesTakenBy(option)};
     }
     if (option.value == "NAME=PATH") {
-        return {Offer::paths, utilityNames()};
+        return {Offer::paths, utilitiesTakenBy(option)};
     }
     if (option.value == "DIR" || option.value == "FOLDER") {
         return {Offer::folders, {}};

@@ -105,10 +105,6 @@ std::optional<std::pair<std::string, std::string>> utilityPath(std::string_view 
     return std::pair(std::move(name), std::string(text.substr(equals + 1)));
 }
 
-std::vector<std::string> utilityNames() {
-    return {utilities.begin(), utilities.end()};
-}
-
 std::string faultOfText(std::string_view text) {
     return text.empty() ? "the value is empty" : "";
 }

@@ -25,8 +25,6 @@ inline constexpr std::int32_t mostJobs = 256;
 [[nodiscard]] std::optional<std::vector<std::int32_t>> controllerNumbers(std::string_view text);
 /// "MEGACLI=/opt/MegaCli64", the name in any letter case; nothing when it is none.
 [[nodiscard]] std::optional<std::pair<std::string, std::string>> utilityPath(std::string_view text);
-/// The names that can stand before the "=" of it.
-[[nodiscard]] std::vector<std::string> utilityNames();
 /// The parts of "ZX5,ZX301".
 [[nodiscard]] std::vector<std::string> parts(std::string_view text);
 [[nodiscard]] std::optional<std::int32_t> wholeNumber(std::string_view text, std::int32_t least,

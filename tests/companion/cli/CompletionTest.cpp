@@ -1,7 +1,5 @@
 #include "companion/cli/Completion.h"
 
-#include "companion/cli/Values.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -48,7 +46,10 @@ TEST(Completion, OffersFilesAndFolders) {
     EXPECT_EQ(valuesOf("--resume", Command::apply), (Offered{Offer::files, {}}));
     EXPECT_EQ(valuesOf("--machine", Command::check), (Offered{Offer::files, {}}));
     EXPECT_EQ(valuesOf("--utilities", Command::show), (Offered{Offer::folders, {}}));
-    EXPECT_EQ(valuesOf("--utility", Command::show), (Offered{Offer::paths, utilityNames()}));
+    const Offered utilities = valuesOf("--utility", Command::show);
+    EXPECT_EQ(utilities.kind, Offer::paths);
+    EXPECT_GE(utilities.words.size(), 7U);
+    EXPECT_EQ(utilities.words.front(), "MEGACLI");
 }
 
 TEST(Completion, OffersNothingForNumbersAndTextsOfAnyKind) {
