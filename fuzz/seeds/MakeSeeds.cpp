@@ -266,8 +266,27 @@ void writeRuns(SeedWriter& seeds) {
                                    companion::test::exampleCertificate(), head)));
 }
 
+/// A kind of RAID configuration each, without a server and for the first sample.
+void writeConfigurations(SeedWriter& seeds) {
+    for (const char* disks :
+         {R"({"raid_level": "5", "size_gb": "MAX", "is_root_volume": true})",
+          R"({"raid_level": "1", "size_gb": 10, "disk_type": "hdd", "volume_name": "a"},
+ {"raid_level": "0", "size_gb": 20, "interface_type": "sas", "number_of_physical_disks": 2})",
+          R"({"raid_level": "1+0", "size_gb": 9, "controller": "LSI-MegaRAID-8480",
+  "physical_disks": ["32:0", "32:1", "3", "4"]})",
+          R"({"raid_level": "6", "size_gb": 1, "share_physical_disks": true,
+  "controller": "c:1", "physical_disks": ["1", "2"]})",
+          R"({"raid_level": "JBOD", "size_gb": 0, "controller": "software",
+  "physical_disks": [{"size": "> 100"}]})"}) {
+        const std::string text = std::string("{\"logical_disks\": [\n ") + disks + "]}\n";
+        seeds.write("ironic", "\0"s + text);
+        seeds.write("ironic", "\1"s + text);
+    }
+}
+
 void writeByHand(SeedWriter& seeds) {
     writeCalls(seeds);
+    writeConfigurations(seeds);
     writePlans(seeds);
     writeRuns(seeds);
     const std::string definition =
