@@ -273,7 +273,7 @@ std::string serverSection(const FleetServer& server, std::size_t index) {
                paragraph("Controller " + std::to_string(controller.number) + ": " +
                          productText(controller)) +
                "<div class=\"picture-box\">\n" +
-               planControllerSvg(plan, i, index == 0 && i == 0, "s" + std::to_string(index) + "-") +
+               planControllerSvg(plan, i, i == 0, "s" + std::to_string(index) + "-") +
                "</div>\n</section>\n";
     }
     return out + commandsOf(plan) + "</section>\n";
