@@ -190,8 +190,7 @@ int convertToIronic(Context& context, const ConvertOptions& options) {
         return exit_code::notPossible;
     }
     tellWritten(context, countText(draft.logicalDisks, "logical disk", "logical disks") +
-                             "; names of controllers and drives are zolexctl's: see them as "
-                             "Ironic's driver has them");
+                             "; the names of drives are those of zolexctl show");
     return exit_code::done;
 }
 

@@ -135,15 +135,17 @@ class Reader {
             tell(path, "is no object");
             return;
         }
-        for (const auto& [name, part] : value.items()) {
-            const std::string own = path + "." + name;
+        for (const auto& item : value.items()) {
+            const std::string& name = item.key();
+            std::string own = path;
+            own.append(".").append(name);
             const auto* const property =
                 std::find_if(properties.begin(), properties.end(),
                              [&](const Property& row) { return row.name == name; });
             if (property == properties.end()) {
                 tell(own, "is no name that a logical disk has");
             } else {
-                (this->*property->read)(part, own, disk);
+                (this->*property->read)(item.value(), own, disk);
             }
         }
         for (const char* const name : {"raid_level", "size_gb"}) {

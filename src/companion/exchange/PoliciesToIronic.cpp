@@ -179,7 +179,7 @@ class Drafter {
     /// The model; with its number where the machine has others of it, or policies cannot name it.
     [[nodiscard]] std::string controllerName(const ControllerPlanning& planning) const {
         const std::string& model = planning.controller.model;
-        const std::string number = "c:" + std::to_string(planning.controller.number);
+        std::string number = "c:" + std::to_string(planning.controller.number);
         if (!ControllerCatalogue::isValidControllerName(model)) {
             return number;
         }
