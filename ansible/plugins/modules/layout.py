@@ -234,6 +234,8 @@ from ansible_collections.zolex.raid.plugins.module_utils.zolexctl import (
     MACHINE_ARGUMENTS, POLICIES_ARGUMENTS, UNKNOWN, Failure, Zolexctl, document_of, error_text,
     finding_text, findings_text, machine_arguments, policies_of, run_module, unknown_text)
 
+# Why a run cannot be gone on with: what stands there is of no place of it, or its plan is another.
+FITS_NOWHERE = ('ZA118', 'ZA116')
 WORDS = ('never', 'own', 'any')
 
 
@@ -335,7 +337,8 @@ class Layout:
         try:
             self.carry_out(arguments, journal, plan)
         except Failure as failure:
-            failure.msg += '\nhelp: to plan anew from what stands there, move %s away' % journal
+            if any('[%s]' % code in failure.msg for code in FITS_NOWHERE):
+                failure.msg += '\nhelp: to plan anew from what stands there, move %s away' % journal
             raise
 
     def apply(self, plan):
@@ -362,7 +365,10 @@ class Layout:
             self.carry_out(arguments, name + JOURNAL_ENDING, plan)
         finally:
             if not os.path.exists(name + JOURNAL_ENDING):
-                os.unlink(name + '.json')
+                try:
+                    os.unlink(name + '.json')
+                except EnvironmentError:
+                    pass
 
     def carry_out(self, arguments, journal, plan):
         arguments += ['--destroy', self.destroy_argument(plan['destroys']),
@@ -415,10 +421,10 @@ class Layout:
             msg = self.outlook(plan, journal)
         elif journal is not None:
             self.resume(journal, plan)
-            changed, of_resumed = self.results['changed'], self.results['controllers']
+            of_resumed = self.results['controllers']
             rest = self.plan()
+            self.results['journal'] = journal
             self.judge(rest)
-            self.results.update(changed=changed, journal=journal)
             if self.rc == 1:
                 self.apply(rest)
             else:
