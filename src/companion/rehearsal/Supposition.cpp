@@ -29,18 +29,40 @@ constexpr std::array<KindWord, 3> kindWords = {{
     {"size:", Supposition::Kind::size},
 }};
 
-/// Whether it is a place such as "32:3", "0:1" or ":3".
+/// Whether it is a place such as "32:3", "0:1", ":3" or "4".
 bool isLocation(std::string_view text) {
-    const std::size_t colon = text.find(':');
-    if (colon == std::string_view::npos) {
-        return false;
-    }
     const auto isNumber = [](std::string_view part) {
         constexpr std::size_t longest = 5;
         return !part.empty() && part.size() <= longest &&
                part.find_first_not_of("0123456789") == std::string_view::npos;
     };
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos) {
+        return isNumber(text);
+    }
     return (colon == 0 || isNumber(text.substr(0, colon))) && isNumber(text.substr(colon + 1));
+}
+
+/// Where the drive is in a copy of its controller.
+DriveLocation placeInCopy(const DriveFacts& drive, const std::string& utility) {
+    const bool hasSlots = utility == "MEGACLI" || utility == "CFGGEN";
+    return hasSlots ? DriveLocation{drive.enclosure, drive.slot.value_or(0)}
+                    : DriveLocation{drive.channel.value_or(1), drive.id.value_or(0)};
+}
+
+/// Gives the copy the PCI place of its original, "02:0e.0", which some listings tell.
+void setPciPlace(zolex_sim::Controller& copy, std::string_view address) {
+    const auto number = [address](std::size_t part) {
+        int value = 0;
+        for (const char digit : text::token(address, ":.", part)) {
+            const auto place = std::string_view("0123456789abcdef").find(text::lower(digit));
+            value = value * 16 + static_cast<int>(place & 0xFU);
+        }
+        return value;
+    };
+    copy.identity.pci.bus = copy.identity.block.bus = number(0);
+    copy.identity.pci.device = number(1);
+    copy.identity.pci.function = number(2);
 }
 
 /// A machine whose listings come from virtual copies where these are.
@@ -124,13 +146,9 @@ void change(zolex_sim::Controller& controller, const DriveLocation& location,
     controller.drives.insert(controller.drives.begin() + index, std::move(other));
 }
 
-const DriveFacts* driveAt(const Facts& facts, const std::string& location) {
-    return facts.drive(location);
-}
-
 /// Whether the listings tell what is supposed.
 bool isTold(const Facts& facts, const Supposition& supposition) {
-    const DriveFacts* const drive = driveAt(facts, supposition.location);
+    const DriveFacts* const drive = facts.drive(supposition.location);
     switch (supposition.kind) {
     case Supposition::Kind::fail:
         return drive != nullptr && drive->state == DriveState::failed;
@@ -182,7 +200,7 @@ class Supposing {
     std::vector<std::size_t> ofController(const ControllerSnapshot& detail) {
         std::vector<std::size_t> own;
         for (std::size_t i = 0; i < suppositions_.size(); ++i) {
-            if (driveAt(detail.facts, suppositions_[i].location) != nullptr) {
+            if (detail.facts.drive(suppositions_[i].location) != nullptr) {
                 result_.holds[i] = true;
                 own.push_back(i);
             }
@@ -201,13 +219,14 @@ class Supposing {
             return fail(detail.number, made.because);
         }
         zolex_sim::Controller changed = made.copy->controller();
+        setPciPlace(changed, detail.facts.pciAddress);
         for (const std::size_t index : own) {
-            const auto location = zolex_sim::parseLocation(suppositions_[index].location);
-            if (!location || changed.driveAt(*location) == nullptr) {
-                return fail(detail.number,
-                            "its copy has no drive " + suppositions_[index].location);
+            const std::string& location = suppositions_[index].location;
+            const DriveLocation place = placeInCopy(*detail.facts.drive(location), detail.utility);
+            if (changed.driveAt(place) == nullptr) {
+                return fail(detail.number, "its copy has no drive " + location);
             }
-            change(changed, *location, suppositions_[index]);
+            change(changed, place, suppositions_[index]);
         }
         changed_.push_back(detail.number);
         platform_.put(detail, VirtualCopy(detail, record->type(), std::move(changed)));
@@ -226,7 +245,7 @@ class Supposing {
             }
             for (std::size_t i = 0; i < suppositions_.size(); ++i) {
                 const ControllerSnapshot& before = originalOf(detail.number);
-                if (driveAt(before.facts, suppositions_[i].location) != nullptr &&
+                if (before.facts.drive(suppositions_[i].location) != nullptr &&
                     !isTold(detail.facts, suppositions_[i])) {
                     fail(detail.number, "the listings of " + detail.utility +
                                             " would not tell that " + suppositions_[i].words());

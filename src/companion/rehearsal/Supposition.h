@@ -17,7 +17,7 @@ namespace zolex::companion {
 struct Supposition {
     enum class Kind { fail, missing, size };
     Kind kind = Kind::fail;
-    std::string location;    ///< as the utility's commands say it: "32:3", ":3"
+    std::string location;    ///< as the utility's commands say it: "32:3", ":3", "4"
     std::int64_t sizeMb = 0; ///< of kind size
 
     /// "drive 32:3 has failed".

@@ -180,8 +180,10 @@ TEST(Fleet, CountsWhatComesOfCarryingOutEachPlan) {
             EXPECT_EQ(told.losses.hotspares, real.losses.hotspares);
             EXPECT_EQ(told.losses.foreign, real.losses.foreign);
             constexpr std::uint64_t listed = std::uint64_t{4} << 30U; // listings round
+            const bool tellsSizes =
+                server.platform.server.controllers.front().identity.utility != "HYPERWIN";
             EXPECT_NEAR(static_cast<double>(told.losses.capacityBytes),
-                        static_cast<double>(real.losses.capacityBytes),
+                        tellsSizes ? static_cast<double>(real.losses.capacityBytes) : 0.0,
                         static_cast<double>(listed));
             losses.add(told.losses);
         }
@@ -247,7 +249,7 @@ TEST(Fleet, TellsWhatNoServerUses) {
                "15 policy Policy.rest an earlier policy fits",
                "17 policy Policy.never an earlier policy fits"}));
     // Another server uses the rest.
-    PlannedServer other("arcconf");
+    PlannedServer other("hrconf");
     const Fleet both = fleetOf({rehearsed(single, terms), rehearsed(other, terms)}, pairPolicies);
     EXPECT_EQ(both.servers.back().policies, (Lines{"Policy.rest"}));
     const Lines lines = unusedLines(both);

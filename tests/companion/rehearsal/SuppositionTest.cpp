@@ -25,14 +25,17 @@ TEST(Supposition, IsReadFromItsText) {
     ASSERT_TRUE(missing);
     EXPECT_EQ(missing->location, ":3");
     EXPECT_EQ(missing->words(), "drive :3 is missing");
+    const auto single = suppositionOf("fail:4");
+    ASSERT_TRUE(single);
+    EXPECT_EQ(single->location, "4");
     const auto size = suppositionOf("size:0:1=34715");
     ASSERT_TRUE(size);
     EXPECT_EQ(size->location, "0:1");
     EXPECT_EQ(size->sizeMb, 34715);
     EXPECT_EQ(size->words(), "drive 0:1 has 34715 MB");
     for (const char* wrong :
-         {"", "fail", "fail:", "fail:3", "fail:32:", "fail:a:1", "fail:32:3=5", "fail:32:3:4",
-          "missing:32:x", "size:32:3", "size:32:3=", "size:32:3=0", "size:32:3=-1", "size:32:3=1G",
+         {"", "fail", "fail:", "fail:32:", "fail:a:1", "fail:32:3=5", "fail:32:3:4", "missing:32:x",
+          "size:32:3", "size:32:3=", "size:32:3=0", "size:32:3=-1", "size:32:3=1G",
           "size:32:3=99999999999", "break:32:3", "Fail:32:3", "fail: 32:3", "fail:320000:1"}) {
         EXPECT_FALSE(suppositionOf(wrong)) << wrong;
         EXPECT_EQ(faultOfSupposition(wrong),
@@ -85,8 +88,8 @@ TEST_P(SuppositionOnSamples, IsPlannedAsIfItWereSo) {
         const Snapshot before = server.snapshot();
         const std::string location = before.details.front().drives.at(1).facts.location;
         const zolex_sim::Server kept = server.platform.server;
-        const auto at = zolex_sim::parseLocation(location);
-        ASSERT_TRUE(at);
+        const zolex_sim::DriveLocation here =
+            server.platform.server.controllers.front().drives.at(1).location;
         for (const std::string& kind :
              {"fail:" + location, "missing:" + location, "size:" + location + "=30000"}) {
             SCOPED_TRACE(kind + (isConfigured ? " configured" : " blank"));
@@ -94,20 +97,20 @@ TEST_P(SuppositionOnSamples, IsPlannedAsIfItWereSo) {
             ASSERT_EQ(machine.holds, std::vector<bool>{true});
             bool canChange = true; // the server itself, by hand
             for (zolex_sim::Controller& controller : server.platform.server.controllers) {
-                zolex_sim::Drive* const drive = controller.driveAt(*at);
+                zolex_sim::Drive* const drive = controller.driveAt(here);
                 if (drive == nullptr) {
                     continue;
                 }
                 if (kind.starts_with("fail")) {
                     drive->status = zolex_sim::DriveStatus::failed;
-                } else if (controller.placeOf(*at)) {
+                } else if (controller.placeOf(here)) {
                     canChange = false;
                 } else if (kind.starts_with("size")) {
                     drive->sizeMb = 30000;
                     drive->rawSectors = drive->nonCoercedSectors = 30000 * 2048;
                 } else {
                     std::erase_if(controller.drives, [&](const zolex_sim::Drive& each) {
-                        return each.location == *at;
+                        return each.location == here;
                     });
                 }
             }
@@ -115,6 +118,7 @@ TEST_P(SuppositionOnSamples, IsPlannedAsIfItWereSo) {
                 EXPECT_EQ(linesOf(*machine.snapshot, policies),
                           linesOf(server.snapshot(), policies));
             }
+            // It tells neither sizes nor what has failed.
             if (GetParam() != "hyperwin") {
                 EXPECT_EQ(machine.because, "");
                 EXPECT_TRUE(machine.snapshot.has_value());
