@@ -1,5 +1,7 @@
 #include "StorcliSupport.h"
 
+#include "roles/Faults.h"
+
 namespace zolex_sim::test {
 namespace {
 
@@ -124,6 +126,200 @@ TEST(StorcliListing, OfASickDriveHasAllOthers) {
     const PlayResult result = storcli(server, "/c0/eall/sall show all J nolog");
     EXPECT_EQ(result.output, data("storcli-one-drive-answers-not.json"));
     EXPECT_EQ(result.exitCode, 46);
+}
+
+/// A fault on the listing of the controller, and what it then prints.
+std::string faultyListing(const std::string& effect, int exitCode = 0) {
+    Server server = serverOfListings(
+        "007.2507", "",
+        R"(, "faults": [{"match": "/c0 show all", "occurrence": 1, "effect": )" + effect + "}]");
+    EXPECT_EQ(countFaults(server, "storcli64 show J nolog").due, nullptr);
+    EXPECT_NE(countFaults(server, "storcli64 /c0 show all J nolog").due, nullptr);
+    const PlayResult result = storcli(server, "/c0 show all J nolog");
+    EXPECT_EQ(result.exitCode, exitCode) << effect;
+    // Its turn has passed.
+    countFaults(server, "storcli64 /c0 show all J nolog");
+    EXPECT_EQ(storcli(server, "/c0 show all J nolog").output, data("storcli-c0-show-all.json"));
+    return result.output;
+}
+
+TEST(StorcliFault, SpoilsAnAnswer) {
+    const std::string whole = data("storcli-c0-show-all.json");
+    EXPECT_EQ(faultyListing("\"truncated\""), whole.substr(0, whole.size() / 2));
+    EXPECT_EQ(faultyListing("\"plainText\"").substr(0, 16), "CLI Version = 00");
+
+    const auto read = [](const std::string& text) {
+        return OrderedJson::parse(text)["Controllers"][0]["Response Data"];
+    };
+    const OrderedJson sound = read(whole);
+    OrderedJson lacking = sound;
+    lacking.erase("Bus");
+    EXPECT_EQ(read(faultyListing(R"("missingSection", "section": "Bus")")), lacking);
+
+    OrderedJson more = read(faultyListing("\"unknownKey\""));
+    EXPECT_EQ(more["Norvik Extension"], "on");
+    EXPECT_EQ(more["PD LIST"][3]["Norvik Extension"], "on");
+    EXPECT_EQ(more["PD LIST"][3]["State"], "Onln");
+
+    const OrderedJson strange = read(faultyListing(R"("wordOfTomorrow", "drive": "252:12")"));
+    EXPECT_EQ(strange["PD LIST"][12]["State"], "Zzzz");
+    EXPECT_EQ(strange["PD LIST"][11], sound["PD LIST"][11]);
+}
+
+TEST(StorcliFault, RefusesACommand) {
+    Server server = serverOfListings(
+        "007.2507", "",
+        R"(, "faults": [{"match": "add vd", "effect": "refused", "errorCode": 46}])");
+    countFaults(server, "storcli64 /c0 add vd r0 drives=252:12 J nolog");
+    EXPECT_EQ(outcome(server, "/c0 add vd r0 drives=252:12"), "46: Operation Failed.");
+    EXPECT_EQ(server.storcliControllers.front().volumes.size(), 4U);
+    // Without the fault it is done.
+    EXPECT_EQ(outcome(server, "/c0 add vd r0 drives=252:12"), "0: Add VD Succeeded.");
+}
+
+TEST(StorcliVersion, OfTheFirstGenerationTellsLess) {
+    Server server = serverOfListings("1.x");
+    const OrderedJson answer = storcliJson(server, "/c0 show all");
+    EXPECT_FALSE(answer["Command Status"].contains("CLI Version"));
+    const OrderedJson& drives = answer["Response Data"]["PD LIST"];
+    EXPECT_FALSE(drives[0].contains("Type"));
+    EXPECT_EQ(drives[0]["Size"], "893.7 GB");
+    EXPECT_EQ(drives[2]["Size"], "7.277 TB");
+    EXPECT_EQ(drives[11]["DG"], "1"); // as text, of a dedicated spare
+    EXPECT_EQ(drives[10]["DG"], "-");
+    EXPECT_FALSE(answer["Response Data"]["TOPOLOGY"][0].contains("TR"));
+    EXPECT_FALSE(answer["Response Data"]["VD LIST"][0].contains("Cac"));
+    EXPECT_FALSE(answer["Response Data"]["Enclosure LIST"][0].contains("ProdID"));
+    // Codes of the firmware have no text, those of the utility do.
+    EXPECT_EQ(outcome(server, "/c0/e252/s13 add hotsparedrive"), "50: Add Hot Spare Failed.");
+    EXPECT_EQ(outcome(server, "/c0/e252/s15 set jbod"),
+              "255: Set Drive JBOD Failed. Operation not allowed.");
+}
+
+TEST(StorcliVersion, Others) {
+    struct Row {
+        const char* version;
+        const char* cli;
+        bool type;
+        const char* foreign;
+        const char* created;
+    };
+    constexpr Row rows[] = {
+        {"007.1017", "007.1017.0000.0000 May 10, 2019", false, "FOREIGN CONFIGURATION",
+         "0: Add VD Succeeded."},
+        {"007.1616", "007.1616.0000.0000 Dec 24, 2020", true, "FOREIGN CONFIGURATION",
+         "0: Add VD Succeeded."},
+        {"007.3703", "007.3703.0000.0000 Jan 14, 2026", true, "FOREIGN DG LIST",
+         "0: Add VD succeeded."},
+    };
+    for (const Row& row : rows) {
+        Server server = serverOfListings(row.version);
+        const OrderedJson answer = storcliJson(server, "/c0 show all");
+        EXPECT_EQ(answer["Command Status"]["CLI Version"], row.cli);
+        EXPECT_EQ(answer["Response Data"]["PD LIST"][0].contains("Type"), row.type) << row.version;
+        const OrderedJson foreign = storcliJson(server, "/c0/fall show")["Response Data"];
+        EXPECT_EQ(foreign.begin().key(), row.foreign);
+        EXPECT_EQ(foreign.contains("FOREIGN PD LIST"), std::string(row.version) == "007.3703");
+        EXPECT_EQ(outcome(server, "/c0 add vd r0 drives=252:12"), row.created);
+    }
+    // The second generation has controllers of its own, which this utility does not see.
+    Server server = serverOfListings("008");
+    EXPECT_EQ(storcliJson(server, "show")["Response Data"]["Number of Controllers"], 0);
+    EXPECT_EQ(outcome(server, "/c0 show"), "255: No Controller found");
+}
+
+TEST(StorcliBranding, ChangesNamesAndUnits) {
+    Server perc = serverOfListings("007.2507", R"(, "branding": "perc")");
+    OrderedJson data = storcliJson(perc, "/c0 show all")["Response Data"];
+    EXPECT_TRUE(data["Capabilities"].contains("Enable SystemPD"));
+    EXPECT_FALSE(data["Capabilities"].contains("Enable JBOD"));
+    EXPECT_EQ(data["VD LIST"][0]["Cache"], "RFWBC");
+
+    Server hpe = serverOfListings("007.2507", R"(, "branding": "hpe")");
+    data = storcliJson(hpe, "/c0 show all")["Response Data"];
+    EXPECT_EQ(data["Arrays"], 3);
+    EXPECT_FALSE(data.contains("Drive Groups"));
+    EXPECT_TRUE(data.contains("Supported Drive Operations"));
+    EXPECT_TRUE(data["Status"].contains("Energy Pack Status"));
+    EXPECT_EQ(data["PD LIST"][0]["Size"], "959.65 GB");
+    EXPECT_EQ(data["PD LIST"][2]["Size"], "8.00 TB");
+    EXPECT_EQ(data["VD LIST"][3]["Size"], "893.750 GB");
+    EXPECT_FALSE(data["Enclosure LIST"][0].contains("ProdID"));
+}
+
+TEST(StorcliBattery, DecidesWhatRuns) {
+    Server none = serverOfListings("007.2507", R"(, "battery": "none")");
+    OrderedJson data = storcliJson(none, "/c0 show all")["Response Data"];
+    EXPECT_EQ(data["HwCfg"]["BBU"], "Absent");
+    EXPECT_FALSE(data.contains("Cachevault_Info"));
+    EXPECT_EQ(data["VD LIST"][3]["Cache"], "RWBD"); // the policy
+    EXPECT_EQ(outcome(none, "/c0/cv show"), "255: None Cachevault is absent!");
+
+    Server running =
+        serverOfListings("007.2507", R"(, "battery": "failed", "showsRunningCache": true)");
+    data = storcliJson(running, "/c0 show all")["Response Data"];
+    EXPECT_EQ(data["VD LIST"][3]["Cache"], "RWTD");
+    EXPECT_EQ(data["VD LIST"][0]["Cache"], "RAWBC"); // whatever the battery does
+    EXPECT_EQ(data["Cachevault_Info"][0]["State"], "Failed");
+    data = storcliJson(running, "/c0/v239 show all")["Response Data"];
+    EXPECT_EQ(data["VD239 Properties"]["Write Cache(initial setting)"], "WriteBack");
+}
+
+TEST(StorcliGroups, TellTheirFreeSpace) {
+    Server server = serverOfListings();
+    EXPECT_EQ(outcome(server, "/c0/v236 del"), "0: Delete VD Succeeded.");
+    const OrderedJson data = storcliJson(server, "/c0/dall show all")["Response Data"];
+    EXPECT_EQ(data["TOPOLOGY"][11]["FSpace"], "Y");
+    EXPECT_EQ(data["DG Drive LIST"].size(), 10U);
+    EXPECT_EQ(data["FREE SPACE DETAILS"][0]["DG"], 2);
+    EXPECT_EQ(data["FREE SPACE DETAILS"][0]["Size"], "14.401 TB");
+    EXPECT_EQ(data["UN-CONFIGURED DRIVE LIST"].size(), 6U);
+}
+
+TEST(StorcliForeign, ThatIsIncompleteIsToldByItsCode) {
+    Server server = serverOf(storcliDefinition(
+        R"({"enclosure": 1, "slot": 0, "count": 2, "sectors": 4194304})",
+        R"(, "foreign": [{"level": "RAID5", "drives": ["1:0", "1:1"], "missing": 1}])"));
+    EXPECT_EQ(outcome(server, "/c0/fall show"),
+              "59: Operation on foreign configuration Failed incomplete foreign configuration");
+    EXPECT_EQ(outcome(server, "/c0/fall del"), "0: Successfully deleted foreign configuration");
+}
+
+TEST(StorcliDrive, WithoutAnEnclosureAndAfterCoercion) {
+    Server server = serverOf(storcliDefinition(
+        R"({"slot": 3, "rawSectors": 7814037168}, {"slot": 4, "rawSectors": 976754646,
+            "sectorBytes": 4096})",
+        R"(, "coercion": "128MB")"));
+    const OrderedJson answer = storcliJson(server, "/c0/sall show all");
+    const OrderedJson& data = answer["Response Data"];
+    EXPECT_EQ(data["Drive /c0/s3"][0]["EID:Slt"], " :3");
+    const OrderedJson& details =
+        data["Drive /c0/s3 - Detailed Information"]["Drive /c0/s3 Device attributes"];
+    EXPECT_EQ(details["Raw size"], "3.638 TB [0x1d1c0beb0 Sectors]");
+    EXPECT_EQ(details["Non Coerced size"], "3.637 TB [0x1d1b0beb0 Sectors]");
+    EXPECT_EQ(details["Coerced size"], "3.637 TB [0x1d1b00000 Sectors]");
+    EXPECT_EQ(data["Drive /c0/s4 - Detailed Information"]["Drive /c0/s4 Device attributes"]
+                  ["Coerced size"],
+              "3.637 TB [0x3a360000 Sectors]");
+    EXPECT_EQ(data["Drive /c0/s4"][0]["SeSz"], "4 KB");
+    EXPECT_EQ(outcome(server, "/c0/eall/sall show all"), "255: No drive found!");
+}
+
+TEST(StorcliOverview, ListsAdaptersWithoutRaidApart) {
+    Server server = serverOf(R"({"machineType": "7X06", "serialNumber": "KQ1", "controllers": [
+        {"utility": "STORCLI", "pci": {"bus": 9}, "hostAdapter": true, "model": "N9500-16i"},
+        {"utility": "STORCLI", "pci": {"bus": 7}, "model": "N3916"}]})");
+    const OrderedJson data = storcliJson(server, "show")["Response Data"];
+    EXPECT_EQ(data["Number of Controllers"], 2);
+    EXPECT_EQ(data["System Overview"].size(), 1U);
+    EXPECT_EQ(data["System Overview"][0]["Model"], "N3916");
+    EXPECT_EQ(data["System Overview"][0]["Ctl"], 0);
+    EXPECT_EQ(data["IT System Overview"][0]["Ctl"], 1);
+    EXPECT_EQ(data["IT System Overview"][0]["PCI Address"], "00:09:00:00");
+    const OrderedJson both =
+        OrderedJson::parse(storcli(server, "/call show J nolog").output)["Controllers"];
+    ASSERT_EQ(both.size(), 2U);
+    EXPECT_EQ(both[1]["Command Status"]["Controller"], 1);
 }
 
 } // namespace
