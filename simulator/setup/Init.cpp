@@ -93,7 +93,7 @@ class FolderWriter {
         const fs::path pci = folder_ / "pci";
         if (fs::exists(folder_ / "server.json", error)) {
             fs::remove_all(pci, error);
-            return error ? fail("cannot remove", pci) : true;
+            return error ? fail("cannot remove", pci) : removeEarlier();
         }
         if (fs::exists(pci, error)) {
             return fail("this is not a server's folder, but it has a folder", pci);
@@ -107,6 +107,19 @@ class FolderWriter {
         for (const std::string& name : rolePrograms(server)) {
             if (fs::exists(fs::symlink_status(folder_ / name, error))) {
                 return fail("this is not a server's folder, but it has a file", folder_ / name);
+            }
+        }
+        return true;
+    }
+
+    /// Takes away what an earlier server had and this one may not have.
+    bool removeEarlier() {
+        for (const char* name :
+             {"sample-policies.ini", "storcli64", "storcli64.exe", "perccli64", "perccli64.exe"}) {
+            const fs::path path = folder_ / name;
+            std::error_code error;
+            if (!fs::equivalent(path, program_, error) || fs::is_symlink(path, error)) {
+                fs::remove(path, error);
             }
         }
         return true;

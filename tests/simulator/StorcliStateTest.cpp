@@ -145,6 +145,20 @@ TEST(StorcliSamples, LayServersOutWithTheirUtility) {
     }
 }
 
+TEST(StorcliSamples, AreReplacedByAnother) {
+    const TemporaryFolder folder;
+    folder.write("program", "any");
+    std::ostringstream output;
+    for (const char* name : {"percli", "single", "storcli-blank"}) {
+        ASSERT_EQ(initialise({(folder.path() / "s").string(), "--sample", name},
+                             folder.path() / "program", output, output, Target::posix),
+                  0);
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "s" / "storcli64"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "s" / "perccli64"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "s" / "sample-policies.ini"));
+}
+
 TEST(StorcliSamples, AreKnownByTheirPciFunction) {
     const TemporaryFolder folder;
     folder.write("program", "any");
@@ -172,7 +186,7 @@ TEST(StorcliProgram, KeepsTheStateAndLeavesALog) {
     EXPECT_NE(listed.output.find("\"Name\" : \"two words\"\n"), std::string::npos);
     EXPECT_EQ(folder.read("here/storcli.log"), "storcli64 /c0/v0 show J\n");
     EXPECT_EQ(run({"show"}).output.substr(0, 63),
-              "Machine type 7X06, serial number KQ91S2M\n\nController 1: MegaRA");
+              "Machine type 7X06, serial number KQ91S2M\n\nController 1: MegaRAI");
     const std::string shown = run({"show"}).output;
     EXPECT_EQ(shown.substr(shown.find("  drive group")),
               "  drive group 0: [62:0,62:1] [62:2,62:3]\n"
