@@ -85,8 +85,11 @@ class FleetWriter {
 
     /// The words behind the lead, folded.
     void line(std::string_view lead, const std::string& text, Emphasis emphasis) {
-        out_ +=
-            std::string(lead) + emphasized(folded(lead, printable(text)), emphasis, style_) + "\n";
+        const std::string words = printable(text);
+        const bool hasRoom = lead.size() < static_cast<std::size_t>(style_.width) * 3 / 4;
+        out_ += hasRoom ? std::string(lead) + emphasized(folded(lead, words), emphasis, style_)
+                        : emphasized(folded("", std::string(lead) + words), emphasis, style_);
+        out_ += "\n";
     }
 
     [[nodiscard]] bool isShown(const FleetServer& server) const {

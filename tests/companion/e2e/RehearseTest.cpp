@@ -76,11 +76,25 @@ class RehearsedFleet : public testing::Test {
 };
 
 constexpr const char* fleetTable =
-    "server          policies used  result      loses                 commands\n"
-    "r1u01  KQ10001  web            as planned  nothing                      3\n"
-    "r1u02  KQ10002  web            as planned  1 LD, 67.8 GB                3\n"
-    "r1u03  KQ10003  web            same        nothing                      0\n"
-    "r1u04  KQ10004  web            ERROR       -                            -\n";
+    "server           policies used  result      loses          commands\n"
+    "r1u01   KQ10001  web            as planned  nothing               3\n"
+    "r1u02   KQ10002  web            as planned  1 LD, 67.8 GB         3\n"
+    "r1u03   KQ10003  web            same        nothing               0\n"
+    "r1u04   KQ10004  web            ERROR       -                     -\n"
+    "      site.ini:10:13: there is no drive 8 among 7 [ZX304]\n"
+    "r1u05   KQ10005  none           skipped     nothing               0\n"
+    "      no policy fits: Policy.db asks for d:6, and it is 5; Policy.web asks for\n"
+    "      d:8, and it is 5; Policy.web asks for d:7, and it is 5\n"
+    "r1u06            none           ERROR       -                     -\n"
+    "      fleet/r1u06.zrec does not hold the call UTIL.BAT MEGACLI -pdList -a0\n"
+    "      [ZP100]\n"
+    "\n"
+    "6 servers: 2 as planned, 1 same, 1 skipped, 2 errors\n"
+    "What is lost: nothing on 3 servers, 1 logical drive (67.8 GB) on 1, not known of\n"
+    "  2\n"
+    "Never used by any server that could be planned: Policy.db (site.ini:1; no\n"
+    "  controller has d:6)\n"
+    "More on a server: zolexctl plan site.ini --recording fleet/r1u04.zrec\n";
 
 TEST_F(RehearsedFleet, TellsEachServerAndAllOfThem) {
     const ProgramRun run = rehearse();
@@ -131,7 +145,7 @@ TEST_F(RehearsedFleet, SupposesWhatIsAskedFor) {
     const ProgramRun run = rehearse({"--what-if", "missing:32:7"});
     EXPECT_EQ(run.exitCode, 1);
     expectPieces(run.output, {"Supposed: drive 32:7 is missing, on 3 of 6 servers\n",
-                              "r1u01  KQ10001  web            ERROR", "[ZX304]"});
+                              "r1u01   KQ10001  web            ERROR", "[ZX304]"});
     const ProgramRun nowhere = rehearse({"--what-if", "fail:99:1"});
     EXPECT_EQ(nowhere.exitCode, 2);
     EXPECT_EQ(nowhere.output, "");
@@ -182,7 +196,7 @@ TEST_F(RehearsedFleet, TellsWhyThereIsNothingToRehearse) {
     expectFault({"site.ini"}, "error: rehearse needs recordings, or folders of them\n"
                               "  help: zolexctl rehearse site.ini fleet/\n");
     expectFault({"none.ini", "fleet"},
-                "error: none.ini: the file cannot be read: No such file or directory\n"
+                "error: none.ini: the file cannot be read: there is no such file or folder\n"
                 "  help: give the name of a policies file, or - for standard input\n");
     home.write("broken.ini", "[Policy.a]\nAppliesTo.1 = x:1\n");
     const ProgramRun broken = home.zolexctl({"rehearse", "broken.ini", "fleet"});

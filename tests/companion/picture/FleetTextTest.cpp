@@ -17,20 +17,36 @@ constexpr const char* closing =
     "  on 1, not known of 1\n"
     "Never used by any server that could be planned: Policy.rest (site.ini:40),\n"
     "  Policy.web AppliesTo.2 (site.ini:5; no controller has d:6), Policy.web Array.C\n"
-    "  (site.ini:9)\n";
+    "  (site.ini:9)\n"
+    "Warnings: ZX703 on 1 server; -v shows each\n"
+    "More on a server: zolexctl plan site.ini --recording fleet/r1u03.zrec\n";
+
+constexpr const char* faults = "      site.ini:10:13: there is no drive 7 among 6 [ZX304]\n"
+                               "      site.ini:10:13: there is no drive 8 among 6 [ZX304]\n"
+                               "      site.ini:10:13: there is no drive 9 among 6 [ZX304]\n"
+                               "      and 2 more faults, which -v shows\n";
 
 TEST(FleetText, HasALineForEachServerAndWhatIsLost) {
-    EXPECT_EQ(fleetText(exampleFleet(), {}),
-              "server             policies used  result      loses                  commands\n"
-              "r1u01     KQ10Z7V  web            as planned  nothing                       3\n"
-              "r1u02     KQ10Z8A  web, db        as planned  2 LD, 203.0 GB, 1 spare        15\n" +
-                  std::string(closing));
+    EXPECT_EQ(
+        fleetText(exampleFleet(), {}),
+        "server             policies used  result      loses                    commands\n"
+        "r1u01     KQ10Z7V  web            as planned  nothing                         3\n"
+        "r1u02     KQ10Z8A  web, db        as planned  2 LD, 203.0 GB, 1 spare        15\n"
+        "r1u03     KQ10Z8B  web            ERROR       -                               -\n" +
+            std::string(faults) +
+            "<r1>&u04           none           skipped     nothing                         0\n"
+            "      no policy fits: Policy.web asks for d:8, and it is 7\n"
+            "r1u05     KQ10Z8D  web            same        nothing                         0\n" +
+            std::string(closing));
 }
 
 TEST(FleetText, TellsOnlyWhatIsWrongWhenQuiet) {
     FleetTextTerms terms;
     terms.quiet = true;
-    EXPECT_EQ(fleetText(exampleFleet(), {}, terms), "");
+    EXPECT_EQ(fleetText(exampleFleet(), {}, terms),
+              "server           policies used  result  loses  commands\n"
+              "r1u03   KQ10Z8B  web            ERROR   -             -\n" +
+                  std::string(faults));
     Fleet fleet = exampleFleet();
     fleet.servers.erase(fleet.servers.begin() + 2);
     EXPECT_EQ(fleetText(fleet, {}, terms), "");
@@ -115,7 +131,7 @@ TEST(FleetHtml, EscapesAllNames) {
         ++scripts;
     }
     EXPECT_EQ(scripts, 1U);
-    for (const char* text : {"http://", "https://", " src=", "url(http", "@import", "fetch("}) {
+    for (const char* text : {"http://", "https://", " src=\"", "url(http", "@import", "fetch("}) {
         EXPECT_EQ(page.find(text), std::string::npos) << text;
     }
 }
