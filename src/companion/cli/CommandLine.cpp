@@ -401,6 +401,16 @@ std::vector<std::string> wordsOf(const Arguments& arguments, std::size_t least, 
     return words;
 }
 
+/// What is read is not written over: it would be gone.
+void refuseToReplace(std::initializer_list<std::string> inputs, const std::string& option,
+                     const std::string& output) {
+    if (!output.empty() && output != "-" &&
+        std::find(inputs.begin(), inputs.end(), output) != inputs.end()) {
+        throw ArgumentFault{option + ": " + inQuotes(output) + " is read, and would be replaced",
+                            "name another file with " + option};
+    }
+}
+
 bool endsIn(const std::string& name, std::string_view ending) {
     return name.size() > ending.size() &&
            text::equalsNoCase(std::string_view(name).substr(name.size() - ending.size()), ending);
@@ -574,6 +584,12 @@ void readRehearse(const Arguments& arguments, Request& request) {
     rehearse.everyFault = arguments.has("--every-fault");
     rehearse.allowSkipped = arguments.has("--allow-skipped");
     rehearse.page = arguments.value("--html");
+    refuseToReplace({rehearse.policies.file}, "--html", rehearse.page);
+    refuseToReplace({rehearse.policies.file}, "-o", request.outputFile);
+    for (const std::string& recording : rehearse.recordings) {
+        refuseToReplace({recording}, "--html", rehearse.page);
+        refuseToReplace({recording}, "-o", request.outputFile);
+    }
     for (const std::string& text : arguments.values("--what-if")) {
         Supposition supposition = suppositionOf(text).value_or(Supposition());
         for (const Supposition& other : rehearse.suppositions) {
@@ -621,6 +637,7 @@ void readConvert(const Arguments& arguments, Request& request) {
                             "zolexctl record -o server.zrec, and --machine server.zrec"};
     }
     request.convert.machine = machines.empty() ? "" : machines.front();
+    refuseToReplace({request.convert.file, request.convert.machine}, "-o", request.outputFile);
 }
 
 void readReplay(const Arguments& arguments, Request& request) {

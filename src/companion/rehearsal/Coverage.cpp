@@ -117,7 +117,8 @@ std::vector<UnusedPiece> PolicyCoverage::unused(const PolicyDocument& document) 
             UnusedPiece& piece = all.emplace_back();
             piece.policy = name;
             piece.line = line;
-            piece.because = asked_.contains(line) ? "" : "an earlier policy fits";
+            const bool isPassed = !asked_.empty() && !asked_.contains(line);
+            piece.because = isPassed ? "an earlier policy fits" : "";
             addEntries(view, name, all);
             continue;
         }

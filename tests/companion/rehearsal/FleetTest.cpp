@@ -248,6 +248,10 @@ TEST(Fleet, TellsWhatNoServerUses) {
                "6 entry Policy.web AppliesTo.3", "6 specifier Policy.web AppliesTo.3 t:Kestrix-B7",
                "15 policy Policy.rest an earlier policy fits",
                "17 policy Policy.never an earlier policy fits"}));
+    // Of what was asked of no server nothing else is known.
+    const Fleet none = fleetOf({FleetServer()}, pairPolicies);
+    EXPECT_EQ(unusedLines(none), (Lines{"1 policy Policy.db", "3 policy Policy.web",
+                                        "15 policy Policy.rest", "17 policy Policy.never"}));
     // Another server uses the rest.
     PlannedServer other("hrconf");
     const Fleet both = fleetOf({rehearsed(single, terms), rehearsed(other, terms)}, pairPolicies);
