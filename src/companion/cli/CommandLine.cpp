@@ -466,6 +466,7 @@ void readPlan(const Arguments& arguments, Request& request) {
     // The text goes to standard output all the same.
     if (!request.outputFile.empty() && request.outputFile != "-") {
         plan.savedFormat = formatOfFile(request.outputFile);
+        refuseToReplace({plan.file}, "-o", request.outputFile);
         plan.savedFile = std::exchange(request.outputFile, {});
     }
     plan.exitCode = arguments.has("--exit-code");
@@ -545,6 +546,7 @@ void readApply(const Arguments& arguments, Request& request) {
 void readDiff(const Arguments& arguments, Request& request) {
     request.diff.file = wordsOf(arguments, 1, 1, "a policies file or a plan").front();
     request.diff.strict = arguments.has("--strict");
+    refuseToReplace({request.diff.file}, "-o", request.outputFile);
 }
 
 void readShow(const Arguments& arguments, Request& request) {
@@ -555,6 +557,7 @@ void readShow(const Arguments& arguments, Request& request) {
                             helpOf(Command::show)};
     }
     request.show.file = words.empty() ? "" : words.front();
+    refuseToReplace({request.show.file}, "-o", request.outputFile);
     request.show.exact = arguments.has("--exact");
     if (request.show.exact && request.format != Format::policies) {
         throw ArgumentFault{"--exact is for policies", "zolexctl show --as policies --exact"};
@@ -568,6 +571,12 @@ void readCheck(const Arguments& arguments, Request& request) {
     request.check.ignore = arguments.partsOf("--ignore");
     request.check.asOld = arguments.has("--as-old");
     request.check.fix = arguments.has("--fix");
+    for (const std::string& file : request.check.files) {
+        refuseToReplace({file}, "-o", request.outputFile);
+    }
+    for (const std::string& machine : request.check.machines) {
+        refuseToReplace({machine}, "-o", request.outputFile);
+    }
 }
 
 void readRehearse(const Arguments& arguments, Request& request) {
@@ -678,6 +687,8 @@ void readRequest(const Arguments& arguments, Request& request) {
     readGeneral(arguments, request);
     request.format = readFormat(arguments);
     request.machine = readMachine(arguments);
+    refuseToReplace({request.machine.recording}, "-o", request.outputFile);
+    refuseToReplace({request.machine.recording}, "--record", request.machine.record);
     switch (request.command) {
     case Command::plan:
         return readPlan(arguments, request);

@@ -191,6 +191,19 @@ TEST(CommandLine, RefusesToWriteOverWhatIsRead) {
             faultOf({"convert", "--to", "ironic", "--machine", "b.zrec", "a.ini", "-o", name}),
             std::string("-o: \"") + name + output);
     }
+    const std::vector<Words> others = {{"plan", "x.json"},
+                                       {"diff", "x.json"},
+                                       {"show", "x.json"},
+                                       {"check", "a.ini", "x.json"},
+                                       {"check", "a.ini", "--machine", "x.json"},
+                                       {"record", "--recording", "x.json"}};
+    for (Words words : others) {
+        words.insert(words.end(), {"-o", "x.json"});
+        EXPECT_EQ(faultOf(words), "-o: \"x.json" + output) << words.front();
+    }
+    EXPECT_EQ(faultOf({"show", "--recording", "a.zrec", "--record", "a.zrec"}),
+              "--record: \"a.zrec\" is read, and would be replaced\n"
+              "name another file with --record");
     const Words streams = {"convert",           "--from", "ironic", "--model",
                            "LSI-MegaRAID-8480", "-",      "-o",     "-"};
     EXPECT_EQ(requestOf(streams).outputFile, "-");
