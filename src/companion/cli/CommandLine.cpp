@@ -401,6 +401,16 @@ std::vector<std::string> wordsOf(const Arguments& arguments, std::size_t least, 
     return words;
 }
 
+/// What is read is not written over: it would be gone.
+void refuseToReplace(std::initializer_list<std::string> inputs, const std::string& option,
+                     const std::string& output) {
+    if (!output.empty() && output != "-" &&
+        std::find(inputs.begin(), inputs.end(), output) != inputs.end()) {
+        throw ArgumentFault{option + ": " + inQuotes(output) + " is read, and would be replaced",
+                            "name another file with " + option};
+    }
+}
+
 bool endsIn(const std::string& name, std::string_view ending) {
     return name.size() > ending.size() &&
            text::equalsNoCase(std::string_view(name).substr(name.size() - ending.size()), ending);
@@ -456,6 +466,7 @@ void readPlan(const Arguments& arguments, Request& request) {
     // The text goes to standard output all the same.
     if (!request.outputFile.empty() && request.outputFile != "-") {
         plan.savedFormat = formatOfFile(request.outputFile);
+        refuseToReplace({plan.file}, "-o", request.outputFile);
         plan.savedFile = std::exchange(request.outputFile, {});
     }
     plan.exitCode = arguments.has("--exit-code");
@@ -535,6 +546,7 @@ void readApply(const Arguments& arguments, Request& request) {
 void readDiff(const Arguments& arguments, Request& request) {
     request.diff.file = wordsOf(arguments, 1, 1, "a policies file or a plan").front();
     request.diff.strict = arguments.has("--strict");
+    refuseToReplace({request.diff.file}, "-o", request.outputFile);
 }
 
 void readShow(const Arguments& arguments, Request& request) {
@@ -545,6 +557,7 @@ void readShow(const Arguments& arguments, Request& request) {
                             helpOf(Command::show)};
     }
     request.show.file = words.empty() ? "" : words.front();
+    refuseToReplace({request.show.file}, "-o", request.outputFile);
     request.show.exact = arguments.has("--exact");
     if (request.show.exact && request.format != Format::policies) {
         throw ArgumentFault{"--exact is for policies", "zolexctl show --as policies --exact"};
@@ -558,6 +571,12 @@ void readCheck(const Arguments& arguments, Request& request) {
     request.check.ignore = arguments.partsOf("--ignore");
     request.check.asOld = arguments.has("--as-old");
     request.check.fix = arguments.has("--fix");
+    for (const std::string& file : request.check.files) {
+        refuseToReplace({file}, "-o", request.outputFile);
+    }
+    for (const std::string& machine : request.check.machines) {
+        refuseToReplace({machine}, "-o", request.outputFile);
+    }
 }
 
 void readRehearse(const Arguments& arguments, Request& request) {
@@ -574,6 +593,12 @@ void readRehearse(const Arguments& arguments, Request& request) {
     rehearse.everyFault = arguments.has("--every-fault");
     rehearse.allowSkipped = arguments.has("--allow-skipped");
     rehearse.page = arguments.value("--html");
+    refuseToReplace({rehearse.policies.file}, "--html", rehearse.page);
+    refuseToReplace({rehearse.policies.file}, "-o", request.outputFile);
+    for (const std::string& recording : rehearse.recordings) {
+        refuseToReplace({recording}, "--html", rehearse.page);
+        refuseToReplace({recording}, "-o", request.outputFile);
+    }
     for (const std::string& text : arguments.values("--what-if")) {
         Supposition supposition = suppositionOf(text).value_or(Supposition());
         for (const Supposition& other : rehearse.suppositions) {
@@ -621,6 +646,7 @@ void readConvert(const Arguments& arguments, Request& request) {
                             "zolexctl record -o server.zrec, and --machine server.zrec"};
     }
     request.convert.machine = machines.empty() ? "" : machines.front();
+    refuseToReplace({request.convert.file, request.convert.machine}, "-o", request.outputFile);
 }
 
 void readReplay(const Arguments& arguments, Request& request) {
@@ -661,6 +687,8 @@ void readRequest(const Arguments& arguments, Request& request) {
     readGeneral(arguments, request);
     request.format = readFormat(arguments);
     request.machine = readMachine(arguments);
+    refuseToReplace({request.machine.recording}, "-o", request.outputFile);
+    refuseToReplace({request.machine.recording}, "--record", request.machine.record);
     switch (request.command) {
     case Command::plan:
         return readPlan(arguments, request);

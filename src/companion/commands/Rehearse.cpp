@@ -67,7 +67,7 @@ class FleetCommand {
             return exit_code::notPossible;
         }
         const bool isWritten = writePage();
-        if (!give() || !isWritten) {
+        if (!give(isWritten) || !isWritten) {
             return exit_code::notPossible;
         }
         return fleet_.count(ServerResult::error) > 0 ? exit_code::found : exit_code::done;
@@ -132,7 +132,26 @@ class FleetCommand {
                                           " is no file",
                      "record each server: zolexctl record -o server.zrec");
         }
-        return isAny;
+        return isAny && keepsRecordings();
+    }
+
+    /// A recording of a folder is not written over.
+    bool keepsRecordings() {
+        if (isRecording("-o", context_.outputFile)) {
+            isDelivered_ = true; // nor by a document that tells this
+            return false;
+        }
+        return !isRecording("--html", options_.page);
+    }
+
+    bool isRecording(const std::string& option, const std::string& output) {
+        const bool isRead = std::find(files_.begin(), files_.end(), output) != files_.end();
+        if (isRead) {
+            failWith(context_,
+                     option + ": " + printable(output) + " is read, and would be replaced",
+                     "name another file with " + option);
+        }
+        return isRead;
     }
 
     void rehearseServers() {
@@ -241,13 +260,14 @@ class FleetCommand {
         return error.empty();
     }
 
-    bool give() {
+    bool give(bool hasPage) {
         isDelivered_ = true;
         if (context_.format == Format::json) {
             return deliver(context_, fleetDocument(fleet_, head()));
         }
         return deliver(context_, fleetText(fleet_, context_.style,
-                                           {context_.verbose, context_.quiet, options_.page}));
+                                           {context_.verbose, context_.quiet,
+                                            hasPage ? options_.page : std::string()}));
     }
 
     [[nodiscard]] DocumentHead head() const { return {context_.argv, madeAt_}; }

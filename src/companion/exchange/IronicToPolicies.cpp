@@ -218,6 +218,15 @@ class IronicConverter {
                    {"name its model: --model LSI-MegaRAID-8480"});
             return false;
         }
+        if (driversName_.empty()) {
+            driversName_ = disks_[index].controller;
+        } else if (driversName_ != disks_[index].controller) {
+            refuse(index,
+                   name + " is another controller than " + inQuotes(driversName_) +
+                       ", and which of the server's they are is not known here",
+                   {"name each as the server has it: \"controller\": \"c:1\""});
+            return false;
+        }
         tell(index, "controller", "ZX959",
              name + " is how a driver calls it: left out, " +
                  (request_.model.empty() ? "the controller of the server is taken"
@@ -446,7 +455,8 @@ class IronicConverter {
         if (!failed() && !isAsWanted(plan)) {
             place(problemFinding(problem::convertRefused,
                                  "what was written would be planned otherwise"),
-                  "logical_disks");
+                  "logical_disks")
+                .help = {"name the drives, as many as the level takes"};
         }
     }
 
@@ -530,6 +540,7 @@ class IronicConverter {
     std::list<IronicTarget> targets_; ///< in the order of their first disks
     std::vector<std::string> paths_;  ///< for each line of the text; empty: of none
     bool isTargetRefused_ = false;
+    std::string driversName_; ///< of the one controller that a driver's name is taken for
     IronicPolicies result_;
 };
 

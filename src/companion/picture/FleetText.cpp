@@ -237,7 +237,12 @@ std::string unusedName(const Fleet& fleet, std::size_t index) {
         if (next.kind != UnusedPiece::Kind::specifier) {
             break;
         }
-        because += (because.empty() ? "no controller has " : ", ") + next.specifier;
+        if (because.empty()) {
+            because = next.because + (next.because.empty() ? "" : ", ") + "no controller has ";
+        } else {
+            because += ", ";
+        }
+        because += next.specifier;
     }
     return piece.policy + (piece.keyword.empty() ? "" : " " + piece.keyword) + " (" +
            placeOf(fleet, piece.line) + (because.empty() ? "" : "; " + because) + ")";

@@ -54,6 +54,7 @@ void PolicyCoverage::add(const MachinePlan& plan) {
 void PolicyCoverage::add(const ControllerPlanning& planning) {
     for (const PolicyMatch& policy : planning.considered) {
         if (!policy.matched) {
+            passed_.insert(policy.line);
             continue;
         }
         asked_.insert(policy.line);
@@ -98,6 +99,7 @@ void PolicyCoverage::add(const ControllerPlanning& planning) {
 
 void PolicyCoverage::add(const PolicyCoverage& other) {
     addAll(asked_, other.asked_);
+    addAll(passed_, other.passed_);
     addAll(used_, other.used_);
     addAll(unclear_, other.unclear_);
     addAll(entries_, other.entries_);
@@ -117,7 +119,8 @@ std::vector<UnusedPiece> PolicyCoverage::unused(const PolicyDocument& document) 
             UnusedPiece& piece = all.emplace_back();
             piece.policy = name;
             piece.line = line;
-            piece.because = asked_.contains(line) ? "" : "an earlier policy fits";
+            const bool isPassed = !asked_.empty() && !asked_.contains(line);
+            piece.because = isPassed ? "an earlier policy fits" : "";
             addEntries(view, name, all);
             continue;
         }
@@ -132,6 +135,8 @@ std::vector<UnusedPiece> PolicyCoverage::unused(const PolicyDocument& document) 
 void PolicyCoverage::addEntries(const PolicyView& view, const std::string& name,
                                 std::vector<UnusedPiece>& all) const {
     const bool isPolicyUsed = used_.contains(view.policy->header.line);
+    const char* const because =
+        passed_.contains(view.policy->header.line) ? "where no earlier policy fits" : "";
     for (const EntryView& entry : view.entries) {
         const std::int32_t line = entry.entry->keyword.start.line;
         if (entries_.contains(line)) {
@@ -144,7 +149,7 @@ void PolicyCoverage::addEntries(const PolicyView& view, const std::string& name,
             if (at != specifiers_.end() && !at->second) {
                 isAnyMissing = true;
                 specifiers.push_back({UnusedPiece::Kind::specifier, name, entry.entry->keyword.text,
-                                      specifier.whole.text, line, ""});
+                                      specifier.whole.text, line, because});
             }
         }
         if (isPolicyUsed) {

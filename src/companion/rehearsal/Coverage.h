@@ -22,7 +22,9 @@ struct UnusedPiece {
     std::string keyword;   ///< of an entry, a specifier and a keyword: "AppliesTo.2", "Array.C"
     std::string specifier; ///< "d:6"
     std::int32_t line = 0;
-    std::string because; ///< for people: "no controller has d:6"; or empty
+    /// For people, or empty: "an earlier policy fits"; of a specifier which controllers were asked
+    /// for it, when not all.
+    std::string because;
     friend bool operator==(const UnusedPiece&, const UnusedPiece&) = default;
 };
 
@@ -50,6 +52,7 @@ class PolicyCoverage {
 
     // All by their lines.
     std::set<std::int32_t> asked_;    ///< policies that were held against a controller
+    std::set<std::int32_t> passed_;   ///< policies that were not, as an earlier one fits it
     std::set<std::int32_t> used_;     ///< policies that fit one
     std::set<std::int32_t> unclear_;  ///< of them those by which a controller was refused
     std::set<std::int32_t> entries_;  ///< entries that fit one

@@ -177,6 +177,38 @@ TEST(CommandLine, ReadsTheOptionsOfConvertForIronic) {
         "--model: \"LSI\" is no model that policies can name: Kestrix-A1, ");
 }
 
+TEST(CommandLine, RefusesToWriteOverWhatIsRead) {
+    const std::string page = "\" is read, and would be replaced\nname another file with --html";
+    const std::string output = "\" is read, and would be replaced\nname another file with -o";
+    for (const char* const name : {"a.ini", "b.zrec", "c.zrec"}) {
+        EXPECT_EQ(faultOf({"rehearse", "a.ini", "b.zrec", "c.zrec", "--html", name}),
+                  std::string("--html: \"") + name + page);
+        EXPECT_EQ(faultOf({"rehearse", "a.ini", "b.zrec", "c.zrec", "-o", name}),
+                  std::string("-o: \"") + name + output);
+    }
+    for (const char* const name : {"a.ini", "b.zrec"}) {
+        EXPECT_EQ(
+            faultOf({"convert", "--to", "ironic", "--machine", "b.zrec", "a.ini", "-o", name}),
+            std::string("-o: \"") + name + output);
+    }
+    const std::vector<Words> others = {{"plan", "x.json"},
+                                       {"diff", "x.json"},
+                                       {"show", "x.json"},
+                                       {"check", "a.ini", "x.json"},
+                                       {"check", "a.ini", "--machine", "x.json"},
+                                       {"record", "--recording", "x.json"}};
+    for (Words words : others) {
+        words.insert(words.end(), {"-o", "x.json"});
+        EXPECT_EQ(faultOf(words), "-o: \"x.json" + output) << words.front();
+    }
+    EXPECT_EQ(faultOf({"show", "--recording", "a.zrec", "--record", "a.zrec"}),
+              "--record: \"a.zrec\" is read, and would be replaced\n"
+              "name another file with --record");
+    const Words streams = {"convert",           "--from", "ironic", "--model",
+                           "LSI-MegaRAID-8480", "-",      "-o",     "-"};
+    EXPECT_EQ(requestOf(streams).outputFile, "-");
+}
+
 TEST(CommandLine, ReadsTheOptionsOfPlan) {
     const Request request = requestOf(
         {"plan",      "site.ini",    "--exit-code",  "--strategy", "add",         "--no-rehearsal",

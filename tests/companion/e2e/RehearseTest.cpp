@@ -175,6 +175,23 @@ TEST_F(RehearsedFleet, WritesDocumentsAndAPage) {
     const ProgramRun refused = rehearse({"--html", "nowhere/fleet.html"});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_NE(refused.output.find("6 servers"), std::string::npos);
+    EXPECT_EQ(refused.output.find("Pictures"), std::string::npos);
+}
+
+TEST_F(RehearsedFleet, WritesOverNoRecording) {
+    const std::string recording = home.read("fleet/r1u01.zrec");
+    const std::string file = " fleet/r1u01.zrec is read, and would be replaced\n";
+    const ProgramRun page = rehearse({"--html", "fleet/r1u01.zrec"});
+    EXPECT_EQ(page.exitCode, 2);
+    EXPECT_EQ(page.output, "");
+    EXPECT_EQ(page.error, "error: --html:" + file + "  help: name another file with --html\n");
+    for (const char* const format : {"text", "json"}) {
+        const ProgramRun output = rehearse({"--format", format, "-o", "fleet/r1u01.zrec"});
+        EXPECT_EQ(output.exitCode, 2) << format;
+        EXPECT_EQ(output.output, "") << format;
+        EXPECT_EQ(output.error, "error: -o:" + file + "  help: name another file with -o\n");
+    }
+    EXPECT_EQ(home.read("fleet/r1u01.zrec"), recording);
 }
 
 TEST_F(RehearsedFleet, TellsWhyThereIsNothingToRehearse) {

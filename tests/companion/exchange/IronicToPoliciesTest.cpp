@@ -353,6 +353,16 @@ Array_Defaults = 0%:0
 Logical_Mode = CUSTOM
 Logical.1 = A:10240:1
 )");
+    // Two names are two controllers, and not one.
+    EXPECT_EQ(
+        told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "1",
+  "controller": "RAID.Integrated.1-1"}, {"size_gb": 10, "raid_level": "1",
+  "controller": "RAID.Slot.2-1"}]})",
+             megaRaid),
+        R"(2:17 warning: logical_disks[0].controller: "RAID.Integrated.1-1" is how a driver calls it: left out, LSI-MegaRAID-8480 is taken [ZX959]
+3:17 error: logical_disks[1].controller: "RAID.Slot.2-1" is another controller than "RAID.Integrated.1-1", and which of the server's they are is not known here [ZX959]
+  name each as the server has it: "controller": "c:1"
+)");
     EXPECT_EQ(told(R"({"logical_disks": [{"size_gb": 10, "raid_level": "1",
   "controller": "c:9"}]})",
                    "", &machine),

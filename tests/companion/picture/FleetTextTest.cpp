@@ -40,6 +40,18 @@ TEST(FleetText, HasALineForEachServerAndWhatIsLost) {
             std::string(closing));
 }
 
+TEST(FleetText, TellsOfWhichControllersASpecifierWasAsked) {
+    Fleet fleet = exampleFleet();
+    fleet.unused = {
+        {UnusedPiece::Kind::policy, "Policy.rest", "", "", 40, ""},
+        {UnusedPiece::Kind::specifier, "Policy.rest", "AppliesTo.1", "d:6", 41, "where"},
+        {UnusedPiece::Kind::specifier, "Policy.rest", "AppliesTo.1", "c:2", 41, "where"},
+    };
+    EXPECT_EQ(
+        unusedTexts(fleet),
+        std::vector<std::string>{"Policy.rest (site.ini:40; where, no controller has d:6, c:2)"});
+}
+
 TEST(FleetText, TellsOnlyWhatIsWrongWhenQuiet) {
     FleetTextTerms terms;
     terms.quiet = true;

@@ -248,6 +248,22 @@ TEST(Fleet, TellsWhatNoServerUses) {
                "6 entry Policy.web AppliesTo.3", "6 specifier Policy.web AppliesTo.3 t:Kestrix-B7",
                "15 policy Policy.rest an earlier policy fits",
                "17 policy Policy.never an earlier policy fits"}));
+    // Of what was asked of no server nothing else is known.
+    const Fleet none = fleetOf({FleetServer()}, pairPolicies);
+    EXPECT_EQ(unusedLines(none), (Lines{"1 policy Policy.db", "3 policy Policy.web",
+                                        "15 policy Policy.rest", "17 policy Policy.never"}));
+    // What only some controllers were asked for may be on the others.
+    constexpr const char* covered = "[Policy.first]\n"
+                                    "AppliesTo.1 = t:LSI-MegaRAID-8480\n"
+                                    "[Policy.second]\n"
+                                    "AppliesTo.1 = t:LSI-MegaRAID-8480\n";
+    PlannedServer unlike("hrconf");
+    const FleetTerms coveredTerms = termsOf(covered);
+    EXPECT_EQ(unusedLines(fleetOf(
+                  {rehearsed(single, coveredTerms), rehearsed(unlike, coveredTerms)}, covered)),
+              (Lines{"3 policy Policy.second",
+                     "4 specifier Policy.second AppliesTo.1 t:LSI-MegaRAID-8480 where no earlier "
+                     "policy fits"}));
     // Another server uses the rest.
     PlannedServer other("hrconf");
     const Fleet both = fleetOf({rehearsed(single, terms), rehearsed(other, terms)}, pairPolicies);

@@ -14,5 +14,13 @@ TEST(TypedWord, PutsIntoQuotesWhatAShellTakesApart) {
     EXPECT_EQ(typedWord(""), "\"\"");
 }
 
+TEST(TypedWord, IsNoCommandOfItsOwn) {
+    EXPECT_EQ(typedWord("$(reboot).zrec"), "'$(reboot).zrec'");
+    EXPECT_EQ(typedWord("`reboot`.zrec"), "'`reboot`.zrec'");
+    EXPECT_EQ(typedWord("a\";reboot;\".zrec"), "'a\";reboot;\".zrec'");
+    EXPECT_EQ(typedWord("it's $HOME.zrec"), "'it'\\''s $HOME.zrec'");
+    EXPECT_EQ(typedWord("\\\\server\\c$\\plan.json"), "\\\\server\\c$\\plan.json");
+}
+
 } // namespace
 } // namespace zolex::companion::test
