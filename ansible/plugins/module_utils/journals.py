@@ -10,7 +10,10 @@ __metaclass__ = type
 
 import json
 import os
+import stat
 
+# What reading a file raises that is of no run.
+STRANGE = (EnvironmentError, ValueError, RuntimeError)
 JOURNAL_ENDING = '.journal.jsonl'
 CERTIFICATE_ENDING = '.certificate.json'
 MOST_DOCUMENT = 64 * 1024 * 1024
@@ -18,19 +21,27 @@ MOST_DOCUMENT = 64 * 1024 * 1024
 MOST_LINE = 1024 * 1024
 
 
+def part_of(document, *names):
+    """What stands there below these names, or None: any file may lie in the folder."""
+    for name in names:
+        document = document.get(name) if isinstance(document, dict) else None
+    return document
+
+
 def identity_of(document):
     """The hash of the machine that a document is of."""
-    return ((document.get('fingerprint') or {}).get('identity') or {}).get('sha256')
+    return part_of(document, 'fingerprint', 'identity', 'sha256')
 
 
 def read_document(name):
     """The JSON object of a file, or {}."""
     try:
-        if os.path.getsize(name) > MOST_DOCUMENT:
-            return {}
         with open(name, 'rb') as stream:
-            document = json.loads(stream.read().decode('utf-8', 'replace'))
-    except (EnvironmentError, ValueError):
+            text = stream.read(MOST_DOCUMENT + 1)
+        if len(text) > MOST_DOCUMENT:
+            return {}
+        document = json.loads(text.decode('utf-8', 'replace'))
+    except STRANGE:
         return {}
     return document if isinstance(document, dict) else {}
 
@@ -42,28 +53,33 @@ def newest_first(folder, ending):
     except EnvironmentError:
         return []
 
-    def age(name):
+    aged = []
+    for name in names:
         try:
-            return os.stat(name).st_mtime_ns
+            about = os.stat(name)
         except EnvironmentError:
-            return 0
-    return sorted(names, key=lambda name: (age(name), name), reverse=True)
+            continue
+        # A pipe would be waited for.
+        if stat.S_ISREG(about.st_mode):
+            aged.append((about.st_mtime_ns, name))
+    return [name for age, name in sorted(aged, reverse=True)]
 
 
 def event_of(line):
     """The event of a journal's line, or {}."""
     try:
         event = json.loads(line.decode('utf-8', 'replace'))
-    except ValueError:
+    except STRANGE:
         return {}
     return event if isinstance(event, dict) else {}
 
 
 class Journal:
-    """The first and the last event of a run."""
+    """The first and the last event of a run, and its plan where it can be read."""
 
     def __init__(self, name):
         self.name = name
+        self.planned = {}
         self.begin = self.end = {}
         try:
             with open(name, 'rb') as stream:
@@ -82,15 +98,30 @@ class Journal:
         """Whether there is something to go on with."""
         return self.end.get('event') != 'end' or self.end.get('exit_code') not in (0, 5)
 
-    def plan(self):
-        """The plan of the run, where it can be read."""
-        if self.begin.get('plan_text'):
-            return event_of(self.begin['plan_text'].encode('utf-8', 'replace'))
-        named = self.begin.get('plan_file')
-        if not named:
-            return {}
-        beside = os.path.join(os.path.dirname(self.name), os.path.basename(named))
-        return read_document(named) or read_document(beside)
+    def read_plan(self):
+        text, named = self.begin.get('plan_text'), self.begin.get('plan_file')
+        if text and isinstance(text, str):
+            self.planned = event_of(text.encode('utf-8', 'replace'))
+        elif named and isinstance(named, str):
+            beside = os.path.join(os.path.dirname(self.name), os.path.basename(named))
+            self.planned = read_document(named) or read_document(beside)
+
+    def has_removals(self):
+        """Whether a step that removes something is still to be taken, or may be."""
+        done = set()
+        with open(self.name, 'rb') as stream:
+            for line in stream.read(MOST_DOCUMENT).splitlines():
+                event = event_of(line)
+                if event.get('event') == 'step-found-done' or (
+                        event.get('event') == 'step-ended' and event.get('accepted') is True):
+                    done.add(event.get('step'))
+        return any('delete' in step['actions'] and step['step'] not in done
+                   for step in self.planned['steps'])
+
+    def is_rebuild(self):
+        """Whether everything was to be made anew."""
+        words = part_of(self.planned, 'tool', 'argv') or []
+        return ('--strategy', 'rebuild') in zip(words, words[1:])
 
 
 def open_journal(folder, plan):
@@ -103,8 +134,9 @@ def open_journal(folder, plan):
             continue
         if not journal.is_open():
             return None
-        policies = (journal.plan().get('policies') or {}).get('sha256')
-        return name if policies and policies == plan['policies']['sha256'] else None
+        journal.read_plan()
+        policies = part_of(journal.planned, 'policies', 'sha256')
+        return journal if policies and policies == plan['policies']['sha256'] else None
     return None
 
 

@@ -11,6 +11,7 @@ import json
 import os
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -224,14 +225,28 @@ def findings_text(findings, otherwise):
     return finding_text(errors[0]) + ('\nand %d more in diagnostics' % more if more else '')
 
 
+def refusal_text(findings, run):
+    """Why a document stands for nothing that can be used: its first error, else what was said."""
+    errors = [each for each in findings if each['severity'] == 'error']
+    return findings_text(errors, error_text(run.error) or 'zolexctl %s ends with exit code %d'
+                         % (run.command, run.rc))
+
+
 def unknown_text(fault):
     """What is said of a document that is another than its schema says, or of a system that fails."""
     return ('zolexctl, or a file of a run, gives what is not known here: %s: %s\nhelp: use the collection and '
             'the zolexctl of one release' % (type(fault).__name__, fault))
 
 
-def run_module(module, work):
-    """Ends the module with what the work returns, or with why it could not be done."""
+def run_module(make, work):
+    """Makes the module, and ends it with what the work returns, or with why it could not be done."""
+    try:
+        module = make()
+    except UnicodeError:
+        # Options go to the log of the system, which takes no bytes of another encoding.
+        print(json.dumps(dict(failed=True, msg='policies_content, or another option, is no text of UTF-8\n'
+                                               'help: save the policies as plain text: ASCII, or UTF-8')))
+        sys.exit(1)
     try:
         results = work(module)
     except Failure as failure:

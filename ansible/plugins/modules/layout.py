@@ -79,6 +79,8 @@ notes:
   - A run that was killed, or lost its power, has left a journal. The next run with the same policies goes
     on with it, as C(zolexctl apply --resume) does, and then plans again. By other policies it is not gone
     on with; the new plan is made from what stands there.
+  - As long as such a run has not removed all that it removes, it is gone on with only where that is still
+    agreed to, by the code of its losses, C(own) or C(any). Otherwise the module fails with the code.
   - Two runs on one server at the same time are refused by C(zolexctl).
   - C(own) cannot be judged in check mode, in which the message says what would be lost.
 extends_documentation_fragment:
@@ -97,7 +99,7 @@ EXAMPLES = r'''
 
 - name: The same by a file beside the playbook, where the loss was agreed to in raid_codes
   zolex.raid.layout:
-    policies_content: "{{ lookup('ansible.builtin.file', 'site.ini') }}"
+    policies_content: "{{ lookup('ansible.builtin.file', 'site.ini', rstrip=false) }}"
     destroy_code: "{{ raid_codes[inventory_hostname] | default(omit) }}"
 
 - name: Deploy again what an earlier run has built
@@ -232,7 +234,7 @@ from ansible_collections.zolex.raid.plugins.module_utils.journals import (
 from ansible_collections.zolex.raid.plugins.module_utils.layouts import layout_lines, losses_text
 from ansible_collections.zolex.raid.plugins.module_utils.zolexctl import (
     MACHINE_ARGUMENTS, POLICIES_ARGUMENTS, UNKNOWN, Failure, Zolexctl, document_of, error_text,
-    finding_text, findings_text, machine_arguments, policies_of, run_module, unknown_text)
+    finding_text, machine_arguments, policies_of, refusal_text, run_module, unknown_text)
 
 # Why a run cannot be gone on with: what stands there is of no place of it, or its plan is another.
 FITS_NOWHERE = ('ZA118', 'ZA116')
@@ -245,13 +247,17 @@ class Layout:
     def __init__(self, module):
         self.module = module
         self.params = module.params
+        if not self.params['certificates']:
+            raise Failure('certificates: name a folder, such as /var/lib/zolex')
         self.folder = os.path.abspath(self.params['certificates'])
         self.consent = self._wish()
         self.machine = machine_arguments(self.params)
         self.program = Zolexctl(module)
         self.results = dict(changed=False)
         self.document = None
+        self.planning = None
         self.rc = None
+        self.has_ended = False
 
     def _wish(self):
         """What --destroy is given where nothing else is said."""
@@ -260,11 +266,11 @@ class Layout:
             raise Failure('destroy: any is not for strict runs\nhelp: give the code, or leave strict out')
         if code and word not in ('never', 'own'):
             raise Failure('destroy_code stands beside destroy: never or own, not beside %s' % word)
-        for each in (code, word):
-            if each and each not in WORDS and len(plain_code(each)) != 8:
-                raise Failure('"%s" is no code of losses, nor never, own or any\nhelp: a failed run and '
-                              'one in check mode tell the code, such as 7Q4K-2M9D' % each)
-        return word
+        for each, others in ((code, ''), (word, ', nor never, own or any')):
+            if each and not (others and each in WORDS) and len(plain_code(each)) != 8:
+                raise Failure('"%s" is no code of losses%s\nhelp: a failed run and one in check mode tell '
+                              'the code, such as 7Q4K-2M9D' % (each, others))
+        return word or 'never'
 
     def destroy_argument(self, destroys):
         """What --destroy is given for these losses."""
@@ -273,22 +279,27 @@ class Layout:
             return destroys['consent']
         return self.consent
 
-    def plan(self):
+    def plan(self, strategy=None):
         """Plans by what stands there now."""
         name, text = policies_of(self.params)
-        arguments = [name, '--format', 'json', '--exit-code', '--strategy', self.params['strategy']]
+        arguments = [name, '--format', 'json', '--exit-code',
+                     '--strategy', strategy or self.params['strategy']]
         if self.params['accept']:
             arguments += ['--accept', ','.join(self.params['accept'])]
         run = self.program.run('plan', arguments + self.machine, text)
         document = document_of(run, 'zolex-plan')
         self.rc = run.rc
         self.document = run.output
+        self.planning = run
         self.results.update(zolexctl_rc=run.rc, diagnostics=diagnostics_of(document),
                             controllers=[controller_of(each) for each in document['controllers']],
                             destroys=document['destroys'], journal=None,
                             certificate=certificate_of(self.folder, document))
         if run.rc not in (0, 1) and not document['controllers']:
-            self.fail(findings_text(self.results['diagnostics'], error_text(run.error)))
+            self.fail(refusal_text(self.results['diagnostics'], run))
+        if run.rc == 0 and document.get('steps'):
+            self.fail('zolexctl plan ends with exit code 0, and gives a plan of %d steps\nhelp: use the '
+                      'collection and the zolexctl of one release' % len(document['steps']))
         return document
 
     def fail(self, msg):
@@ -297,7 +308,7 @@ class Layout:
     def judge(self, plan, has_agreed=False):
         """Fails where the plan cannot be carried out, or must not."""
         if self.rc not in (0, 1):
-            self.fail(findings_text(self.results['diagnostics'], 'the plan cannot be carried out'))
+            self.fail(refusal_text(self.results['diagnostics'], self.planning))
         self.warn()
         skipped = [each for each in plan['controllers'] if each['outcome'] == 'skipped']
         if skipped and not self.params['allow_skipped']:
@@ -314,6 +325,21 @@ class Layout:
                   % (losses_text(plan['destroys']),
                      ': the code %s is for other losses' % code if code else '', wanted))
 
+    def judge_resumed(self, journal):
+        """Fails where a run that is gone on with would lose what nobody agrees to any more."""
+        if not journal.has_removals():
+            return
+        destroys = journal.planned['destroys']
+        given, wanted = self.destroy_argument(destroys), destroys['consent']
+        agreed = ('own', 'any') if self.params['strategy'] != 'add' else ()
+        if not wanted or given in agreed or plain_code(given) == plain_code(wanted):
+            return
+        self.results['destroys'] = destroys
+        self.fail('the run of %s was interrupted before all was removed that it removes: %s, and nobody '
+                  'agrees to it now\nhelp: to go on with it: destroy_code: %s\nhelp: to plan anew from '
+                  'what stands there, move %s away'
+                  % (journal.name, losses_text(destroys), wanted, journal.name))
+
     def warn(self):
         """What somebody should know who sees no more than that all is done."""
         for each in self.results['diagnostics']:
@@ -329,16 +355,16 @@ class Layout:
                 self.fail('controller %d is as planned, but not well: %s'
                           % (each['number'], '; '.join(told) or 'it is equivalent'))
 
-    def resume(self, journal, plan):
+    def resume(self, journal):
         """Goes on with a run that was interrupted."""
-        arguments = ['--resume', journal]
+        arguments = ['--resume', journal.name]
         if self.params['utilities']:
             arguments += ['--utilities', self.params['utilities']]
         try:
-            self.carry_out(arguments, journal, plan)
+            self.carry_out(arguments, journal.name, journal.planned)
         except Failure as failure:
             if any('[%s]' % code in failure.msg for code in FITS_NOWHERE):
-                failure.msg += '\nhelp: to plan anew from what stands there, move %s away' % journal
+                failure.msg += '\nhelp: to plan anew from what stands there, move %s away' % journal.name
             raise
 
     def apply(self, plan):
@@ -349,15 +375,7 @@ class Layout:
             except EnvironmentError as fault:
                 self.fail('%s cannot be made: %s\nhelp: name another folder with certificates'
                           % (self.folder, fault.strerror))
-        name = free_name(self.folder, plan['plan_id'])
-        try:
-            with open(name + '.json', 'xb') as stream:
-                stream.write(self.document.encode('utf-8', 'surrogateescape'))
-                stream.flush()
-                os.fsync(stream.fileno())
-        except EnvironmentError as fault:
-            self.fail('%s.json cannot be written: %s\nhelp: name another folder with certificates'
-                      % (name, fault.strerror))
+        name = self.keep_plan(plan['plan_id'])
         arguments = [name + '.json', '--journal', name + JOURNAL_ENDING] + self.machine
         if self.params['allow_skipped']:
             arguments.append('--allow-skipped')
@@ -369,6 +387,31 @@ class Layout:
                     os.unlink(name + '.json')
                 except EnvironmentError:
                     pass
+
+    def keep_plan(self, plan_id):
+        """Writes the plan; the name of the run's files without an ending."""
+        while True:
+            name = free_name(self.folder, plan_id)
+            try:
+                with open(name + '.json', 'xb') as stream:
+                    stream.write(self.document.encode('utf-8', 'surrogateescape'))
+                    stream.flush()
+                    os.fsync(stream.fileno())
+                return name
+            except FileExistsError:
+                # Another run, which has planned the same, was faster.
+                continue
+            except EnvironmentError as fault:
+                self.fail('%s.json cannot be written: %s\nhelp: name another folder with certificates'
+                          % (name, fault.strerror))
+
+    def judge_folder(self):
+        """Fails in check mode where the folder of certificates cannot be made or written."""
+        folder = self.folder
+        while not os.path.lexists(folder):
+            folder = os.path.dirname(folder)
+        if not os.path.isdir(folder) or not os.access(folder, os.W_OK | os.X_OK):
+            self.fail('%s cannot be written\nhelp: name another folder with certificates' % self.folder)
 
     def carry_out(self, arguments, journal, plan):
         arguments += ['--destroy', self.destroy_argument(plan['destroys']),
@@ -389,15 +432,20 @@ class Layout:
         if run.rc != 0:
             self.fail(error_text(run.error)
                       or 'zolexctl apply said nothing; its exit code is %d' % run.rc)
+        if not self.has_ended:
+            self.fail('zolexctl apply ends with exit code 0, and tells no end of a run\nhelp: use the '
+                      'collection and the zolexctl of one release')
 
     def take_events(self, output, journal):
         """What the events of a run say of the controllers, and whether a command was begun."""
         self.results['journal'] = journal if os.path.exists(journal) else None
+        self.has_ended = False
         for line in output.splitlines():
             event = event_of(line.encode('utf-8', 'replace'))
             if event.get('event') in ('step-started', 'step-found-done'):
                 self.results['changed'] = True
             elif event.get('event') == 'end':
+                self.has_ended = event.get('exit_code') == 0
                 for result in event.get('results') or []:
                     for each in self.results['controllers']:
                         if each['number'] == result['number']:
@@ -413,22 +461,27 @@ class Layout:
     def configure(self):
         plan = self.plan()
         journal = open_journal(self.folder, plan)
-        self.results['journal'] = journal
+        self.results['journal'] = journal.name if journal else None
+        if journal:
+            self.judge_resumed(journal)
         before, after = layout_lines(plan, 'before'), layout_lines(plan, 'after')
         if self.module.check_mode:
             self.judge(plan, has_agreed=journal is not None)
+            if self.rc == 1 and journal is None:
+                self.judge_folder()
             self.results['changed'] = self.rc == 1 or journal is not None
             msg = self.outlook(plan, journal)
         elif journal is not None:
-            self.resume(journal, plan)
+            self.resume(journal)
             of_resumed = self.results['controllers']
-            rest = self.plan()
-            self.results['journal'] = journal
+            # What was made anew is not made anew once more.
+            rest = self.plan('auto' if journal.is_rebuild() and self.params['strategy'] == 'rebuild' else None)
+            self.results['journal'] = journal.name
             self.judge(rest)
             if self.rc == 1:
                 self.apply(rest)
             else:
-                self.results['controllers'] = of_resumed
+                self.results.update(controllers=of_resumed, destroys=journal.planned['destroys'])
             self.judge_end(rest)
             msg = 'gone on with the run that was interrupted'
         else:
@@ -455,7 +508,7 @@ class Layout:
 
     def outlook(self, plan, journal):
         if journal is not None:
-            return 'the run of %s was interrupted, and would be gone on with' % journal
+            return 'the run of %s was interrupted, and would be gone on with' % journal.name
         if self.rc == 0:
             self.judge_health(plan)
             return 'nothing to do'
@@ -499,10 +552,10 @@ def main():
                 allow_skipped=dict(type='bool', default=False),
                 certificates=dict(type='path', default='/var/lib/zolex'),
                 strict=dict(type='bool', default=False))
-    module = AnsibleModule(argument_spec=spec, supports_check_mode=True,
-                           mutually_exclusive=[('policies', 'policies_content')],
-                           required_one_of=[('policies', 'policies_content')])
-    run_module(module, lambda each: Layout(each).work())
+    run_module(lambda: AnsibleModule(argument_spec=spec, supports_check_mode=True,
+                                     mutually_exclusive=[('policies', 'policies_content')],
+                                     required_one_of=[('policies', 'policies_content')]),
+               lambda module: Layout(module).work())
 
 
 if __name__ == '__main__':

@@ -86,8 +86,7 @@ msg:
 from ansible.module_utils.basic import AnsibleModule
 
 from ansible_collections.zolex.raid.plugins.module_utils.zolexctl import (
-    MACHINE_ARGUMENTS, Failure, Zolexctl, document_of, error_text, findings_text, machine_arguments,
-    run_module)
+    MACHINE_ARGUMENTS, Failure, Zolexctl, document_of, machine_arguments, refusal_text, run_module)
 
 
 def work(module):
@@ -95,8 +94,7 @@ def work(module):
     run = program.run('show', ['--format', 'json'] + machine_arguments(module.params))
     document = document_of(run, 'zolex-machine')
     if run.rc != 0:
-        raise Failure(findings_text(document['diagnostics'], error_text(run.error)),
-                      zolexctl_rc=run.rc)
+        raise Failure(refusal_text(document['diagnostics'], run), zolexctl_rc=run.rc)
     count = len(document['controllers'])
     return dict(changed=False, zolexctl_rc=run.rc,
                 msg='%d controller%s' % (count, '' if count == 1 else 's'),
@@ -105,7 +103,7 @@ def work(module):
 
 
 def main():
-    run_module(AnsibleModule(argument_spec=dict(MACHINE_ARGUMENTS), supports_check_mode=True), work)
+    run_module(lambda: AnsibleModule(argument_spec=dict(MACHINE_ARGUMENTS), supports_check_mode=True), work)
 
 
 if __name__ == '__main__':

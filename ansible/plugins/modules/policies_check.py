@@ -100,8 +100,8 @@ msg:
 from ansible.module_utils.basic import AnsibleModule
 
 from ansible_collections.zolex.raid.plugins.module_utils.zolexctl import (
-    COMMON_ARGUMENTS, POLICIES_ARGUMENTS, Failure, Zolexctl, document_of, error_text, findings_text,
-    policies_of, run_module)
+    COMMON_ARGUMENTS, POLICIES_ARGUMENTS, Failure, Zolexctl, document_of, findings_text, policies_of,
+    refusal_text, run_module)
 
 
 def arguments_of(params, name):
@@ -119,8 +119,7 @@ def work(module):
     findings = document['diagnostics']
     told = [each for each in findings if each['severity'] != 'note']
     if run.rc not in (0, 1):
-        raise Failure(findings_text(told, error_text(run.error)), zolexctl_rc=run.rc,
-                      diagnostics=findings)
+        raise Failure(refusal_text(findings, run), zolexctl_rc=run.rc, diagnostics=findings)
     results = dict(changed=False, zolexctl_rc=run.rc, diagnostics=findings,
                    valid=document['valid'], error_count=document['error_count'],
                    warning_count=document['warning_count'], note_count=document['note_count'])
@@ -136,9 +135,9 @@ def main():
     spec = dict(COMMON_ARGUMENTS, **POLICIES_ARGUMENTS)
     spec.update(machine=dict(type='path'), select=dict(type='list', elements='str'),
                 ignore=dict(type='list', elements='str'), strict=dict(type='bool', default=False))
-    run_module(AnsibleModule(argument_spec=spec, supports_check_mode=True,
-                             mutually_exclusive=[('policies', 'policies_content')],
-                             required_one_of=[('policies', 'policies_content')]), work)
+    run_module(lambda: AnsibleModule(argument_spec=spec, supports_check_mode=True,
+                                     mutually_exclusive=[('policies', 'policies_content')],
+                                     required_one_of=[('policies', 'policies_content')]), work)
 
 
 if __name__ == '__main__':
