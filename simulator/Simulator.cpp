@@ -148,7 +148,8 @@ class Session {
     /// Adds the command to the log file in the current folder.
     void leaveLog(const std::vector<std::string>& arguments) const {
         if (!environment_.current.empty()) {
-            std::ofstream log(environment_.current / "storcli.log", std::ios::app);
+            std::ofstream log(environment_.current / "storcli.log",
+                              std::ios::app | std::ios::binary);
             log << join(arguments, " ") << "\n";
         }
     }
