@@ -68,7 +68,7 @@ struct VolumeWish {
     std::string writeCache;          ///< as in LayoutVolume; empty: the controller's own
     std::string readCache;           ///< the same
     std::string name;                ///< empty: none
-    std::vector<std::string> spares; ///< of drivers that make them with the array; else empty
+    std::vector<std::string> spares; ///< dedicated ones that are made with the array
 };
 
 /// Which limits a controller has, from what its listings say and what its utility is known for.
@@ -93,6 +93,9 @@ struct FamilyVerdict {
     bool isDone = false;
     std::string why; ///< of one that is not: the utility's words, in a line
     std::vector<std::string> help;
+    /// A command line that does the same and is to be run in its place, where the utility does not
+    /// know a word of this one and has done nothing; or empty.
+    std::string instead;
 };
 
 /// A family of controllers that zolex does not know, with the utility that drives it. Command lines
