@@ -54,6 +54,8 @@ struct FamilyCapture {
 struct FamilyRequest {
     std::chrono::milliseconds limit{300000}; ///< for each child
     std::function<void(const std::string& text)> progress;
+    /// The time since some moment; may be empty, and nothing is timed then.
+    std::function<std::chrono::milliseconds()> elapsed;
     /// False where only the controllers are asked for that its policies may name, and this family
     /// has to be asked for by name ("--family md").
     bool isAskedFor = false;
@@ -112,6 +114,9 @@ class Family {
     [[nodiscard]] virtual bool isOptIn() const { return false; }
     /// Whether a command line of the family only reads.
     [[nodiscard]] virtual bool isReading(std::string_view commandLine) const = 0;
+    /// Whether a command line makes the utility write files of its own into the current folder: it
+    /// is run in an empty one then, which is removed.
+    [[nodiscard]] virtual bool leavesFiles(std::string_view /*commandLine*/) const { return false; }
 
     /// Asks the utility for its controllers, and each for all that it has. What fails is told and
     /// ends nothing else.
