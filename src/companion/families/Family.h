@@ -128,6 +128,13 @@ class Family {
     /// of this controller can, once what it is in is gone.
     [[nodiscard]] virtual std::string whyNotUsable(const DriveFacts& drive) const = 0;
 
+    /// What somebody may type to make a drive usable that the system has as it is; for eyes, as its
+    /// data is lost. Empty: there is nothing.
+    [[nodiscard]] virtual std::string makeGood(std::int32_t /*adapter*/,
+                                               const DriveFacts& /*drive*/) const {
+        return {};
+    }
+
     // Command lines. An empty one: the family has no command for it.
     [[nodiscard]] virtual std::string createVolume(std::int32_t adapter,
                                                    const VolumeWish& wish) const = 0;
