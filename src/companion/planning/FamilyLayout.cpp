@@ -6,7 +6,7 @@
 #include "companion/planning/FamilyDrives.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Refusals.h"
-#include "companion/planning/SpanRules.h"
+#include "companion/families/SpanRules.h"
 #include "companion/text/Sizes.h"
 #include "model/Codes.h"
 #include "policies/PolicyKeywords.h"

@@ -268,7 +268,7 @@ class StepMaker {
                     problem::spareNotMade,
                     "the hot spare " + spare.location + " is to be of " + joinWords(spare.covers) +
                         " alone, and array " + letter + " has no number before it is made",
-                    {"write one spare for each array: Spares = 1 covering A, 1 covering B",
+                    {"write one spare for each array: Spares = 1 covering A and 1 covering B",
                      "or one for all: Spares = 1"}));
                 return false;
             }

@@ -120,7 +120,7 @@ TEST(FamilyPlan, DrivesByWhatTheyAreWithSparesOfTheirOwn) {
         server.add(252, slot, 480, "SATA", "SSD");
     }
     EXPECT_EQ(planLines(server.plan(policy("Drives.A = 2 x SSD\nDrives.B = 3 x HDD\n"
-                                           "Spares = 1 covering A, 1 covering B\n"
+                                           "Spares = 1 covering A and 1 covering B\n"
                                            "Level.A = 5 else 1\n"))),
               "planned\n"
               "RAID5 fill: 252:0 252:1 252:2\n"
