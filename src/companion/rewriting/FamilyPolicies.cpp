@@ -1,6 +1,7 @@
 #include "companion/rewriting/FamilyPolicies.h"
 
 #include "companion/families/Family.h"
+#include "companion/families/ModelTexts.h"
 #include "companion/families/SpanRules.h"
 #include "companion/layout/Layout.h"
 #include "companion/machine/Join.h"
@@ -66,7 +67,7 @@ class Writer {
         policy_.text =
             "[Policy." + details_.model + "-" + std::to_string(details_.number) + "]\n\n" +
             entry(std::string(keyword::appliesTo) + "1",
-                  "t:" + details_.model + ",d:" + std::to_string(details_.drives.size()) +
+                  "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
                       (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
             "\n" + settings() + arrays() + logicalDrives();
         return std::move(policy_);
@@ -76,6 +77,11 @@ class Writer {
     void tell(const char* code, Severity severity, const std::string& what,
               std::vector<std::string> help = {}) {
         policy_.findings.push_back(captureFinding(details_, code, severity, what, std::move(help)));
+    }
+
+    /// A model whose text is no type goes by its family.
+    [[nodiscard]] const std::string& typeOf() const {
+        return isFamilyType(details_.model) ? details_.model : details_.utility;
     }
 
     bool isSayable() {
