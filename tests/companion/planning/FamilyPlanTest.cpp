@@ -190,6 +190,25 @@ TEST(FamilyPlan, ADedicatedSpareStaysWithItsGroup) {
               "STORCLI /c0 add vd r0 drives=252:2,252:3 J nolog\n");
 }
 
+TEST(FamilyPlan, ADedicatedSpareOfAnotherArray) {
+    FamilyServer server;
+    server.addDrives(5);
+    server.addVolume("0", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("1", "1", "RAID1", {{2, 3}}, 1000);
+    server.makeSpare(4, {"0"});
+    const std::string start = "Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3\n"
+                              "Level.A = 1\nLevel.B = 1\nSpares = slots 252:4 covering ";
+    EXPECT_EQ(planLines(server.plan(policy(start + "A\n"))).substr(0, 7), "already");
+    EXPECT_EQ(planLines(server.plan(policy(start + "B\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID1 fill: 252:2 252:3\n"
+              "dedicated hot spare: 252:4\n"
+              "loses hotspare 252:4\n"
+              "STORCLI /c0/e252/s4 delete hotsparedrive J nolog\n"
+              "STORCLI /c0/e252/s4 add hotsparedrive DGs=1 J nolog\n");
+}
+
 TEST(FamilyPlan, OnlyCachesDiffer) {
     FamilyServer server;
     server.addDrives(2);
