@@ -95,6 +95,19 @@ struct FamilyVerdict {
     std::vector<std::string> help;
 };
 
+/// The machine under a family whose command lines are more than the start of one program.
+struct FamilyMachine {
+    /// Starts a program, the first of the arguments.
+    std::function<ChildResult(const std::vector<std::string>& arguments,
+                              std::chrono::milliseconds limit)>
+        start;
+    std::function<void()> pauseOneSecond;
+    std::string program; ///< the family's own, as it was found; empty: it was not
+    /// Drives of less than so many bytes are left alone by families that look for drives; 0: the
+    /// family's own bound.
+    std::uint64_t leastDriveBytes = 0;
+};
+
 /// A family of controllers that zolex does not know, with the utility that drives it. Command lines
 /// begin with the family's word ("STORCLI /c0 ..."), which the platform of the machine turns into
 /// the program that was found.
@@ -115,10 +128,28 @@ class Family {
     [[nodiscard]] virtual FamilyCapture capture(Platform& platform,
                                                 const FamilyRequest& request) const = 0;
 
+    /// Carries out a command line on this machine. Nothing: it is no more than the start of the
+    /// family's program with these arguments.
+    [[nodiscard]] virtual std::optional<ChildResult>
+    carryOut(const FamilyMachine& machine, std::string_view commandLine,
+             std::chrono::milliseconds limit) const {
+        (void)machine;
+        (void)commandLine;
+        (void)limit;
+        return std::nullopt;
+    }
+
     [[nodiscard]] virtual FamilyLimits limits(const Facts& facts) const = 0;
     /// Why a drive cannot be planned with; empty for one that can. A drive in an array or a spare
     /// of this controller can, once what it is in is gone.
     [[nodiscard]] virtual std::string whyNotUsable(const DriveFacts& drive) const = 0;
+
+    /// Why a logical drive cannot be made, beside the limits; empty for one that can.
+    [[nodiscard]] virtual std::string whyNotMade(const VolumeWish& wish, const Facts& facts) const {
+        (void)wish;
+        (void)facts;
+        return {};
+    }
 
     // Command lines. An empty one: the family has no command for it.
     [[nodiscard]] virtual std::string createVolume(std::int32_t adapter,
