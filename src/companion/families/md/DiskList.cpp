@@ -375,23 +375,26 @@ class Lister {
         return fault.empty() ? "" : "it cannot be opened alone: " + fault;
     }
 
-    /// Reads the ends of a drive that may be looked at: one with partitions or another use is
-    /// barred already.
+    /// Reads the two ends of a drive, or where a superblock of ours would be.
     void readEnds(ListedDisk& disk) {
-        const std::optional<std::string> head = files_.read(device(disk.name), 0, DriveEnds::most);
-        const std::uint64_t begin =
-            disk.bytes - std::min<std::uint64_t>(disk.bytes, DriveEnds::most);
+        const bool isWhole = !scan_.whole || std::find(scan_.whole->begin(), scan_.whole->end(),
+                                                       disk.id) != scan_.whole->end();
+        constexpr std::size_t little = 8192;
+        const auto most = static_cast<std::size_t>(
+            std::min<std::uint64_t>(disk.bytes, isWhole ? DriveEnds::most : little));
+        const std::string path = device(disk.name);
+        const std::optional<std::string> head = files_.read(path, 0, most);
         const std::optional<std::string> tail =
-            files_.read(device(disk.name), begin, DriveEnds::most);
-        const auto expected =
-            static_cast<std::size_t>(std::min<std::uint64_t>(disk.bytes, DriveEnds::most));
-        if (!head || !tail || head->size() != expected || tail->size() != expected) {
+            isWhole ? files_.read(path, disk.bytes - most, most) : std::string();
+        if (!head || !tail || head->size() != most || (isWhole && tail->size() != most)) {
             unreadable_.insert(disk.name);
             return;
         }
         const DriveEnds ends{*head, *tail, disk.bytes};
         disk.superblock = superblockOf(ends);
-        signatures_[disk.name] = signaturesOf(ends);
+        if (isWhole) {
+            signatures_[disk.name] = signaturesOf(ends);
+        }
     }
 
     static ListedArray* arrayOf(std::vector<ListedArray>& arrays, const ListedDisk& disk) {

@@ -79,6 +79,9 @@ struct DiskScan {
     Roots roots;
     std::uint64_t leastBytes = std::uint64_t{1} << 30U; ///< smaller drives are left alone
     RunProgram run; ///< programs by their whole path; may be empty
+    /// Ids of the drives whose content is looked at whole; of others no more than where a
+    /// superblock of ours would be, and what bars them else. Nothing: all.
+    std::optional<std::vector<std::string>> whole;
 };
 
 /// Names of arrays that this program makes begin with it.

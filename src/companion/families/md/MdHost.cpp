@@ -51,8 +51,9 @@ std::string untouched(const std::string& drive, const std::string& why) {
 
 } // namespace
 
-DiskList MdHost::list() const {
+DiskList MdHost::list(std::optional<std::vector<std::string>> whole) const {
     DiskScan scan;
+    scan.whole = std::move(whole);
     scan.files = files_;
     scan.roots = roots_;
     if (machine_.leastDriveBytes != 0) {
@@ -132,7 +133,7 @@ ChildResult MdHost::attempt(const std::vector<std::string>& arguments, const Che
 }
 
 MdHost::Refusal MdHost::whyNotWritten(const MdCommand& command, bool isNew) const {
-    const DiskList now = list();
+    const DiskList now = list(command.drives);
     Refusal refusal;
     const ListedArray* const array = arrayNamed(now, command.array);
     if (isNew && array != nullptr) {
@@ -223,7 +224,9 @@ std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
 }
 
 ChildResult MdHost::remove(const MdCommand& command) {
-    const DiskList before = list();
+    // What stands on the drives beside their superblocks does not matter here.
+    const auto superblocks = [this] { return list(std::vector<std::string>()); };
+    const DiskList before = superblocks();
     if (const std::vector<std::string> why = whyNotRemoved(command, before); !why.empty()) {
         return refusal(why);
     }
@@ -235,7 +238,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
     if (!array->node.empty()) {
         const std::string node = "/dev/" + array->node;
         ChildResult stopped = attempt({"--stop", node}, [&] {
-            return Refusal{whyNotRemoved(command, list()), false};
+            return Refusal{whyNotRemoved(command, superblocks()), false};
         });
         if (!isDone(stopped)) {
             return stopped;
@@ -243,7 +246,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
         output = stopped.output;
         settle({});
     }
-    const DiskList after = list();
+    const DiskList after = superblocks();
     std::vector<std::string> words = {"--zero-superblock"};
     for (const std::string& id : command.drives) {
         const ListedDisk* const disk = diskWithId(after, id);
@@ -253,7 +256,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
         }
     }
     ChildResult result = attempt(words, [&] {
-        return Refusal{whyNotRemoved(command, list()), false};
+        return Refusal{whyNotRemoved(command, superblocks()), false};
     });
     result.output = output + result.output;
     if (isDone(result)) {

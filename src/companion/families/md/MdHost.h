@@ -28,7 +28,7 @@ class MdHost {
         bool mayPass = false; ///< another program looks at the drive for a moment
     };
 
-    [[nodiscard]] DiskList list() const;
+    [[nodiscard]] DiskList list(std::optional<std::vector<std::string>> whole = std::nullopt) const;
     [[nodiscard]] ChildResult mdadm(const std::vector<std::string>& arguments) const;
     [[nodiscard]] ChildResult create(const MdCommand& command);
     [[nodiscard]] ChildResult remove(const MdCommand& command);
