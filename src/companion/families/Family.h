@@ -54,6 +54,8 @@ struct FamilyCapture {
 struct FamilyRequest {
     std::chrono::milliseconds limit{300000}; ///< for each child
     std::function<void(const std::string& text)> progress;
+    /// The time since some moment; may be empty, and nothing is timed then.
+    std::function<std::chrono::milliseconds()> elapsed;
     /// False where only the controllers are asked for that its policies may name, and this family
     /// has to be asked for by name ("--family md").
     bool isAskedFor = false;
@@ -68,7 +70,7 @@ struct VolumeWish {
     std::string writeCache;          ///< as in LayoutVolume; empty: the controller's own
     std::string readCache;           ///< the same
     std::string name;                ///< empty: none
-    std::vector<std::string> spares; ///< of drivers that make them with the array; else empty
+    std::vector<std::string> spares; ///< dedicated ones that are made with the array
 };
 
 /// Which limits a controller has, from what its listings say and what its utility is known for.
@@ -93,6 +95,9 @@ struct FamilyVerdict {
     bool isDone = false;
     std::string why; ///< of one that is not: the utility's words, in a line
     std::vector<std::string> help;
+    /// A command line that does the same and is to be run in its place, where the utility does not
+    /// know a word of this one and has done nothing; or empty.
+    std::string instead;
 };
 
 /// The machine under a family whose command lines are more than the start of one program.
@@ -122,6 +127,9 @@ class Family {
     [[nodiscard]] virtual bool isOptIn() const { return false; }
     /// Whether a command line of the family only reads.
     [[nodiscard]] virtual bool isReading(std::string_view commandLine) const = 0;
+    /// Whether a command line makes the utility write files of its own into the current folder: it
+    /// is run in an empty one then, which is removed.
+    [[nodiscard]] virtual bool leavesFiles(std::string_view /*commandLine*/) const { return false; }
 
     /// Asks the utility for its controllers, and each for all that it has. What fails is told and
     /// ends nothing else.
