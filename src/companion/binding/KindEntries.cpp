@@ -487,8 +487,12 @@ bool isLetterOfKeyword(std::string_view text) {
 
 } // namespace
 
+bool isSpansKeyword(std::string_view keyword) {
+    return text::equalsNoCase(keyword, "Spans");
+}
+
 bool isKindKeyword(std::string_view keyword) {
-    if (text::equalsNoCase(keyword, "Spares")) {
+    if (text::equalsNoCase(keyword, "Spares") || isSpansKeyword(keyword)) {
         return true;
     }
     const std::size_t dot = keyword.find('.');
