@@ -100,11 +100,6 @@ struct LogicalDriveFacts {
     std::string readCache; ///< "Off", "ReadAhead", "AdaptiveReadAhead" or empty
     std::string reportedState;
     std::string device; ///< as the system names it, "/dev/sda"; or empty
-    /// Locations of drives that are with it and in no span, and that deleting it frees as well: its
-    /// own spares and failed members. Only where its utility deletes them by name.
-    std::vector<std::string> others;
-    /// Why it is not to be deleted ("mounted at /srv"); or empty.
-    std::string barred;
     Health health = Health::unknown;
     ListingPlace place;
     friend bool operator==(const LogicalDriveFacts&, const LogicalDriveFacts&) = default;

@@ -167,8 +167,9 @@ class Family {
     /// A hot spare of these arrays (ids as listed), of all arrays where there are none.
     [[nodiscard]] virtual std::string addSpare(std::int32_t adapter, const std::string& location,
                                                const std::vector<std::string>& arrays) const = 0;
-    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter,
-                                                  const std::string& location) const = 0;
+    /// The same arrays as the spare is listed with.
+    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter, const std::string& location,
+                                                  const std::vector<std::string>& arrays) const = 0;
     [[nodiscard]] virtual std::string clearForeign(std::int32_t adapter) const = 0;
     /// "write_cache_policy" or "read_cache_policy", with the word of LayoutVolume.
     [[nodiscard]] virtual std::string setCache(std::int32_t adapter,

@@ -91,20 +91,16 @@ int list(Machine& machine) {
                     drive.barred.empty() ? "" : "; ", drive.barred.c_str());
     }
     for (const LogicalDriveFacts& volume : facts.logicalDrives) {
-        std::printf("%s: %s, %s, strip %llu, %llu bytes%s%s:", volume.id.c_str(),
+        std::printf("%s: %s, %s, strip %llu, %llu bytes:", volume.id.c_str(),
                     volume.raidType.c_str(), volume.reportedState.c_str(),
                     static_cast<unsigned long long>(volume.stripSizeBytes.value_or(0)),
-                    static_cast<unsigned long long>(volume.capacityBytes.value_or(0)),
-                    volume.barred.empty() ? "" : ", ", volume.barred.c_str());
+                    static_cast<unsigned long long>(volume.capacityBytes.value_or(0)));
         for (const std::vector<std::string>& span : volume.spans) {
             std::printf(" [");
             for (const std::string& drive : span) {
                 std::printf(" %s", drive.c_str());
             }
             std::printf(" ]");
-        }
-        for (const std::string& other : volume.others) {
-            std::printf(" + %s", other.c_str());
         }
         std::printf("\n");
     }
@@ -139,7 +135,7 @@ int create(Machine& machine, int count, char** words) {
             (isSpare ? wish.spares : wish.spans[0]).emplace_back(words[i]);
         }
     }
-    const std::string why = md::family().whyNotMade(wish, look(machine));
+    const std::string why = md::family().whyNotMade(wish, Facts());
     if (!why.empty()) {
         std::printf("not made: %s\n", why.c_str());
         return 1;
@@ -156,9 +152,18 @@ int remove(Machine& machine, const std::string& name) {
         std::printf("no array %s\n", name.c_str());
         return 1;
     }
+    for (const DriveFacts& drive : facts.drives) {
+        if (drive.covers == std::vector<std::string>{name}) {
+            const int code =
+                run(machine, md::family().removeSpare(0, drive.location, drive.covers));
+            if (code != 0) {
+                return code;
+            }
+        }
+    }
     const std::string line = md::family().deleteVolume(0, *volume);
     if (line.empty()) {
-        std::printf("not deleted: %s\n", volume->barred.c_str());
+        std::printf("not deleted: %s\n", volume->reportedState.c_str());
         return 1;
     }
     return run(machine, line);

@@ -113,6 +113,11 @@ class Lister {
         nameArrays(list);
         for (ListedDisk& disk : list.disks) {
             disk.why = whyNot(disk, list);
+            const ListedArray* const array = arrayOf(list.arrays, disk);
+            const std::vector<std::string>& carried = signatures_[disk.name];
+            if (array != nullptr && array->isOurs && !carried.empty()) {
+                disk.carries = carried[0];
+            }
         }
         std::sort(list.disks.begin(), list.disks.end(),
                   [](const ListedDisk& left, const ListedDisk& right) {
@@ -492,7 +497,11 @@ class Lister {
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
         if (array != nullptr && array->isOurs) {
-            return whyContent(disk, true);
+            return {};
+        }
+        if (scan_.whole &&
+            std::find(scan_.whole->begin(), scan_.whole->end(), disk.id) == scan_.whole->end()) {
+            return "it is not looked at";
         }
         if (const std::string why = whyUsed(disk, array); !why.empty()) {
             return "in use: " + why;
@@ -500,7 +509,7 @@ class Lister {
         if (const std::string fault = files_.whyNotOpened(device(disk.name)); !fault.empty()) {
             return "in use: it cannot be opened alone: " + fault;
         }
-        return whyContent(disk, false);
+        return whyContent(disk);
     }
 
     std::string whyUsed(const ListedDisk& disk, const ListedArray* array) {
@@ -521,20 +530,17 @@ class Lister {
         return holders.empty() ? "" : "held by " + holders[0];
     }
 
-    /// What stands on it, where that is not only the superblock of one of our arrays.
-    std::string whyContent(const ListedDisk& disk, bool isInOurs) {
+    /// What stands on it.
+    std::string whyContent(const ListedDisk& disk) {
         if (unreadable_.count(disk.name) != 0) {
             return "its first and last MiB cannot be read";
         }
-        if (disk.superblock && !isInOurs) {
+        if (disk.superblock) {
             return "in use: it carries a superblock of md " + disk.superblock->version;
         }
         const std::vector<std::string>& signatures = signatures_[disk.name];
-        if (!signatures.empty()) {
-            return "in use: it carries " + signatures[0];
-        }
-        const std::string probed = isInOurs ? std::string() : probe(device(disk.name));
-        return probed.empty() ? "" : "in use: it carries " + probed;
+        const std::string found = !signatures.empty() ? signatures[0] : probe(device(disk.name));
+        return found.empty() ? "" : "in use: it carries " + found;
     }
 
     /// What the system's own programs find on a drive, where they are there.

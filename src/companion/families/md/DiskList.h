@@ -34,7 +34,12 @@ struct ListedDisk {
     std::string array;      ///< kernel's name of the running array that it is in: "md127"; or empty
     std::string arrayState; ///< what the array says of it: "in_sync", "spare", "faulty"
     std::optional<std::uint32_t> arraySlot; ///< its place there
-    std::string why; ///< why no array can be made of it, whatever it is in now; or empty
+    std::string why;     ///< why no array can be made of it, unless it is in one of ours; or empty
+    std::string carries; ///< beside a superblock of one of ours: "the second table of a GPT"
+    /// Whether it has dropped out of its array.
+    [[nodiscard]] bool isFailed() const {
+        return arrayState.find("faulty") != std::string::npos || arrayState == "removed";
+    }
     friend bool operator==(const ListedDisk&, const ListedDisk&) = default;
 };
 

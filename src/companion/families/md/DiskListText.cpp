@@ -47,7 +47,8 @@ Json toJson(const ListedDisk& disk) {
                 {"array", disk.array},
                 {"array_state", disk.arrayState},
                 {"array_slot", numberOrNull(disk.arraySlot)},
-                {"why", disk.why}};
+                {"why", disk.why},
+                {"carries", disk.carries}};
 }
 
 Json toJson(const ListedArray& array) {
@@ -155,6 +156,7 @@ ListedDisk diskFrom(const Json& json) {
     disk.arrayState = fields.text("array_state");
     disk.arraySlot = fields.number<std::uint32_t>("array_slot");
     disk.why = fields.text("why");
+    disk.carries = fields.text("carries");
     return disk;
 }
 

@@ -175,10 +175,14 @@ bool takeRemove(MdCommand& command) {
            takeDrives(command, 3);
 }
 
-bool takeAddSpare(MdCommand& command) {
+bool takeManage(MdCommand& command) {
     const std::vector<std::string>& words = command.arguments;
-    return words.size() == 4 && takeArray(command, words[1]) && words[2] == "--add-spare" &&
-           takeDrives(command, 3);
+    if (words.size() != 4 || !takeArray(command, words[1]) || !takeDrives(command, 3)) {
+        return false;
+    }
+    const bool adds = words[2] == "--add-spare";
+    command.verb = adds ? MdCommand::Verb::addSpare : MdCommand::Verb::removeSpare;
+    return adds || words[2] == "--remove";
 }
 
 bool isQuestion(const std::vector<std::string>& words) {
@@ -244,6 +248,12 @@ std::string addSpareLine(const std::string& array, const std::string& drive) {
     return commandFrom(line) ? line : std::string();
 }
 
+std::string removeSpareLine(const std::string& array, const std::string& drive) {
+    const std::string line =
+        "MD --manage " + std::string(arrays) + array + " --remove " + std::string(byId) + drive;
+    return commandFrom(line) ? line : std::string();
+}
+
 std::optional<MdCommand> commandFrom(std::string_view line) {
     const std::vector<std::string> words = splitCommandLine(line);
     if (words.size() < 2 || words[0] != "MD") {
@@ -262,8 +272,7 @@ std::optional<MdCommand> commandFrom(std::string_view line) {
         command.verb = MdCommand::Verb::remove;
         isKnown = takeRemove(command);
     } else if (verb == "--manage") {
-        command.verb = MdCommand::Verb::addSpare;
-        isKnown = takeAddSpare(command);
+        isKnown = takeManage(command);
     } else {
         command.verb = MdCommand::Verb::ask;
         isKnown = line == versionLine || isQuestion(command.arguments);

@@ -27,9 +27,12 @@ inline constexpr std::string_view versionLine = "MD --version";
 /// "MD --manage /dev/md/NAME --add-spare DRIVE".
 [[nodiscard]] std::string addSpareLine(const std::string& array, const std::string& drive);
 
+/// "MD --manage /dev/md/NAME --remove DRIVE"; its superblock is zeroed behind it.
+[[nodiscard]] std::string removeSpareLine(const std::string& array, const std::string& drive);
+
 /// What a command line asks for.
 struct MdCommand {
-    enum class Verb { drives, ask, create, remove, addSpare };
+    enum class Verb { drives, ask, create, remove, addSpare, removeSpare };
     Verb verb = Verb::drives;
     std::vector<std::string> arguments; ///< of mdadm
     std::string array;                  ///< name of the array

@@ -24,10 +24,6 @@ std::string locationOf(const ListedDisk& disk) {
     return disk.id.empty() ? disk.name : disk.id;
 }
 
-bool isFaulty(const ListedDisk& disk) {
-    return disk.arrayState.find("faulty") != std::string::npos || disk.arrayState == "removed";
-}
-
 const ListedArray* ownArrayOf(const DiskList& list, const ListedDisk& disk) {
     const auto found =
         std::find_if(list.arrays.begin(), list.arrays.end(), [&disk](const ListedArray& array) {
@@ -60,7 +56,7 @@ DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
         return facts;
     }
     facts.reportedState = disk.arrayState;
-    if (isFaulty(disk)) {
+    if (disk.isFailed()) {
         facts.state = DriveState::failed;
         facts.health = Health::critical;
     } else if (!disk.arraySlot) {
@@ -119,7 +115,6 @@ LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
     volume.name = wishedName(array.name);
     volume.reportedLevel = array.level;
     volume.device = array.node.empty() ? "" : "/dev/" + array.node;
-    volume.barred = array.whyNotStopped;
     const auto level =
         std::find_if(levelWords.begin(), levelWords.end(),
                      [&array](const LevelWord& word) { return word.word == array.level; });
@@ -135,11 +130,9 @@ LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
             array.members.end()) {
             continue;
         }
-        if (disk.arraySlot && *disk.arraySlot < places.size() && !isFaulty(disk)) {
+        if (disk.arraySlot && *disk.arraySlot < places.size() && !disk.isFailed()) {
             places[*disk.arraySlot] = locationOf(disk);
             ++present;
-        } else if (disk.superblock) {
-            volume.others.push_back(locationOf(disk));
         }
     }
     std::uint32_t redundancy = isKnown ? level->redundancy : 0;
@@ -171,6 +164,9 @@ LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
         volume.stripSizeBytes = array.chunkBytes;
     }
     tellState(volume, array, redundancy, present);
+    if (!array.whyNotStopped.empty()) {
+        volume.reportedState += std::string(useSeparator) + array.whyNotStopped;
+    }
     return volume;
 }
 

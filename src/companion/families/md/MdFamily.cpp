@@ -179,7 +179,7 @@ class MdFamily : public Family {
     }
 
     std::string deleteVolume(std::int32_t, const LogicalDriveFacts& volume) const override {
-        if (!volume.barred.empty()) {
+        if (volume.reportedState.find(useSeparator) != std::string::npos) {
             return {};
         }
         std::vector<std::string> drives;
@@ -190,7 +190,6 @@ class MdFamily : public Family {
                 }
             }
         }
-        drives.insert(drives.end(), volume.others.begin(), volume.others.end());
         return deleteLine(volume.id, drives);
     }
 
@@ -198,7 +197,10 @@ class MdFamily : public Family {
                          const std::vector<std::string>& arrays) const override {
         return arrays.empty() ? std::string() : addSpareLine(arrays[0], location);
     }
-    std::string removeSpare(std::int32_t, const std::string&) const override { return {}; }
+    std::string removeSpare(std::int32_t, const std::string& location,
+                            const std::vector<std::string>& arrays) const override {
+        return arrays.empty() ? std::string() : removeSpareLine(arrays[0], location);
+    }
     std::string clearForeign(std::int32_t) const override { return {}; }
     std::string setCache(std::int32_t, const LogicalDriveFacts&, std::string_view,
                          std::string_view) const override {

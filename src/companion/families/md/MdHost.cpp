@@ -103,6 +103,8 @@ ChildResult MdHost::run(std::string_view line, std::chrono::milliseconds limit) 
         return remove(*command);
     case MdCommand::Verb::addSpare:
         return addSpare(*command);
+    case MdCommand::Verb::removeSpare:
+        return removeSpare(*command);
     }
     return {};
 }
@@ -187,7 +189,58 @@ ChildResult MdHost::addSpare(const MdCommand& command) {
     return attempt(command.arguments, [&] { return whyNotWritten(command, false); });
 }
 
-/// Exactly the drives of the array are named, and nothing uses it.
+/// Zeroes the superblocks of drives that are in no running array; each has been found to be ours.
+ChildResult MdHost::zero(const std::vector<std::string>& ids) {
+    std::vector<std::string> words = {"--zero-superblock"};
+    for (const std::string& id : ids) {
+        words.push_back("/dev/disk/by-id/" + id);
+    }
+    return ids.empty() ? ended(0, {}) : attempt(words, [&] {
+        const DiskList now = list(std::vector<std::string>());
+        Refusal refusal;
+        for (const std::string& id : ids) {
+            const ListedDisk* const disk = diskWithId(now, id);
+            if (disk == nullptr || !disk->array.empty() || !disk->superblock ||
+                !disk->superblock->name.starts_with(ownPrefix)) {
+                refusal.lines.push_back(untouched(id, "it has no superblock of ours any more") +
+                                        ".");
+            }
+        }
+        return refusal;
+    });
+}
+
+ChildResult MdHost::removeSpare(const MdCommand& command) {
+    const std::string& id = command.drives[0];
+    const DiskList before = list(std::vector<std::string>());
+    const ListedArray* const stopped = arrayNamed(before, command.array);
+    const ListedDisk* const spare = diskWithId(before, id);
+    if (stopped != nullptr && stopped->isOurs && stopped->node.empty() && spare != nullptr &&
+        has(stopped->members, spare->name) && !spare->arraySlot) {
+        return zero({id});
+    }
+    ChildResult result = attempt(command.arguments, [&] {
+        const DiskList now = list(std::vector<std::string>());
+        const ListedArray* const array = arrayNamed(now, command.array);
+        const ListedDisk* const disk = diskWithId(now, id);
+        Refusal refusal;
+        if (array == nullptr || !array->isOurs || array->node.empty()) {
+            refusal.lines.push_back("no array " + command.array + " of zolexctl runs.");
+        } else if (disk == nullptr || disk->array != array->node || disk->arraySlot) {
+            refusal.lines.push_back(untouched(id, "it is no spare of " + command.array) + ".");
+        }
+        return refusal;
+    });
+    if (isDone(result)) {
+        const std::string output = result.output;
+        result = zero({id});
+        result.output = output + result.output;
+    }
+    return result;
+}
+
+/// The drives of the array are named, all but failed ones, and nothing uses it. What has been made
+/// on it must be gone, too, where the drives would be barred by it afterwards.
 std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
                                                const DiskList& now) const {
     const ListedArray* const array = arrayNamed(now, command.array);
@@ -201,32 +254,34 @@ std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
         }
         return lines;
     }
+    const std::string stays = command.array + " is not touched: ";
     if (!array->isOurs) {
-        lines.push_back(command.array +
-                        " is not touched: it is not proved that zolexctl has made it.");
+        lines.push_back(stays + "it is not proved that zolexctl has made it.");
     }
     if (!array->whyNotStopped.empty()) {
-        lines.push_back(command.array + " is not touched: " + array->whyNotStopped + ".");
+        lines.push_back(stays + array->whyNotStopped + ".");
     }
     for (const std::string& id : command.drives) {
         const ListedDisk* const disk = diskWithId(now, id);
         if (disk == nullptr || (disk->superblock && !has(array->members, disk->name))) {
             lines.push_back(untouched(id, "it is not of the array " + command.array) + ".");
+        } else if (!disk->carries.empty()) {
+            lines.push_back(stays + id + " carries " + disk->carries +
+                            ", too. Clear what is on the array first: wipefs --all /dev/md/" +
+                            command.array);
         }
     }
     for (const ListedDisk& disk : now.disks) {
-        if (has(array->members, disk.name) && disk.superblock && !has(command.drives, disk.id)) {
-            lines.push_back(command.array + " is not touched: " + disk.id +
-                            " is of it, too, and not named.");
+        if (has(array->members, disk.name) && disk.superblock && !disk.isFailed() &&
+            !has(command.drives, disk.id)) {
+            lines.push_back(stays + disk.id + " is of it, too, and not named.");
         }
     }
     return lines;
 }
 
 ChildResult MdHost::remove(const MdCommand& command) {
-    // What stands on the drives beside their superblocks does not matter here.
-    const auto superblocks = [this] { return list(std::vector<std::string>()); };
-    const DiskList before = superblocks();
+    const DiskList before = list(command.drives);
     if (const std::vector<std::string> why = whyNotRemoved(command, before); !why.empty()) {
         return refusal(why);
     }
@@ -236,9 +291,8 @@ ChildResult MdHost::remove(const MdCommand& command) {
     }
     std::string output;
     if (!array->node.empty()) {
-        const std::string node = "/dev/" + array->node;
-        ChildResult stopped = attempt({"--stop", node}, [&] {
-            return Refusal{whyNotRemoved(command, superblocks()), false};
+        ChildResult stopped = attempt({"--stop", "/dev/" + array->node}, [&] {
+            return Refusal{whyNotRemoved(command, list(command.drives)), false};
         });
         if (!isDone(stopped)) {
             return stopped;
@@ -246,18 +300,13 @@ ChildResult MdHost::remove(const MdCommand& command) {
         output = stopped.output;
         settle({});
     }
-    const DiskList after = superblocks();
-    std::vector<std::string> words = {"--zero-superblock"};
-    for (const std::string& id : command.drives) {
-        const ListedDisk* const disk = diskWithId(after, id);
-        if (disk != nullptr && disk->superblock && disk->superblock->uuid == array->uuid &&
-            disk->array.empty()) {
-            words.push_back("/dev/disk/by-id/" + id);
+    std::vector<std::string> ids;
+    for (const ListedDisk& disk : list(std::vector<std::string>()).disks) {
+        if (disk.superblock && disk.superblock->uuid == array->uuid && disk.array.empty()) {
+            ids.push_back(disk.id);
         }
     }
-    ChildResult result = attempt(words, [&] {
-        return Refusal{whyNotRemoved(command, superblocks()), false};
-    });
+    ChildResult result = zero(ids);
     result.output = output + result.output;
     if (isDone(result)) {
         settle({});

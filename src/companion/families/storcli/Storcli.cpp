@@ -251,7 +251,8 @@ std::string Storcli::addSpare(std::int32_t adapter, const std::string& location,
     return storcli::addSpare(adapter, location, arrays);
 }
 
-std::string Storcli::removeSpare(std::int32_t adapter, const std::string& location) const {
+std::string Storcli::removeSpare(std::int32_t adapter, const std::string& location,
+                                 const std::vector<std::string>& /*arrays*/) const {
     return storcli::removeSpare(adapter, location);
 }
 
