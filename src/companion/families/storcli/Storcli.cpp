@@ -238,6 +238,10 @@ std::string Storcli::whyNotUsable(const DriveFacts& drive) const {
     return storcli::whyNotUsable(drive);
 }
 
+std::string Storcli::makeGood(std::int32_t adapter, const DriveFacts& drive) const {
+    return storcli::drivePath(adapter, drive.location) + " set good force";
+}
+
 std::string Storcli::createVolume(std::int32_t adapter, const VolumeWish& wish) const {
     return storcli::createVolume(adapter, wish);
 }

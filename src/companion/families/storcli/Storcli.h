@@ -17,6 +17,8 @@ class Storcli : public Family {
 
     [[nodiscard]] FamilyLimits limits(const Facts& facts) const override;
     [[nodiscard]] std::string whyNotUsable(const DriveFacts& drive) const override;
+    [[nodiscard]] std::string makeGood(std::int32_t adapter,
+                                       const DriveFacts& drive) const override;
     [[nodiscard]] std::string createVolume(std::int32_t adapter,
                                            const VolumeWish& wish) const override;
     [[nodiscard]] std::string deleteVolume(std::int32_t adapter,
