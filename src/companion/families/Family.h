@@ -152,17 +152,16 @@ class Family {
     /// of this controller can, once what it is in is gone.
     [[nodiscard]] virtual std::string whyNotUsable(const DriveFacts& drive) const = 0;
 
-<<<<<<< HEAD
     /// Why a logical drive cannot be made, beside the limits; empty for one that can.
     [[nodiscard]] virtual std::string whyNotMade(const VolumeWish& wish, const Facts& facts) const {
         (void)wish;
         (void)facts;
-=======
+        return {};
+    }
     /// What somebody may type to make a drive usable that the system has as it is; for eyes, as its
     /// data is lost. Empty: there is nothing.
     [[nodiscard]] virtual std::string makeGood(std::int32_t /*adapter*/,
                                                const DriveFacts& /*drive*/) const {
->>>>>>> 55e8046a816660da27a3f7c5d088306b06538aee
         return {};
     }
 
