@@ -152,8 +152,17 @@ class Captured {
 
   private:
     Chapter chapterOf(const ControllerSnapshot& details) {
-        const RAIDController& controller = *snapshot_.controllers.controller(details.index);
         Chapter chapter;
+        const RAIDController* const record = snapshot_.controllers.controller(details.index);
+        if (record == nullptr) {
+            chapter.findings.push_back(captureFinding(details, "ZC101", Severity::warning,
+                                                      "policies for a controller of " +
+                                                          details.utility +
+                                                          " cannot be written from its layout yet",
+                                                      {"zolexctl show"}));
+            return chapter;
+        }
+        const RAIDController& controller = *record;
         chapter.comments = commentLines("", controllerLine(details, controller));
         if (std::optional<Finding> why = whyNone(details, controller)) {
             chapter.findings.push_back(*std::move(why));
