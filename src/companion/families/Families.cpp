@@ -1,4 +1,5 @@
 #include "companion/families/Family.h"
+#include "companion/families/md/MdFamily.h"
 #include "companion/families/storcli/Storcli.h"
 #include "foundation/Text.h"
 
@@ -9,7 +10,7 @@ namespace zolex::companion {
 
 std::span<const Family* const> families() {
     static const Storcli storcli;
-    static const std::array<const Family*, 1> all = {&storcli};
+    static const std::array<const Family*, 2> all = {&md::family(), &storcli};
     return all;
 }
 

@@ -100,6 +100,19 @@ struct FamilyVerdict {
     std::string instead;
 };
 
+/// The machine under a family whose command lines are more than the start of one program.
+struct FamilyMachine {
+    /// Starts a program, the first of the arguments.
+    std::function<ChildResult(const std::vector<std::string>& arguments,
+                              std::chrono::milliseconds limit)>
+        start;
+    std::function<void()> pauseOneSecond;
+    std::string program; ///< the family's own, as it was found; empty: it was not
+    /// Drives of less than so many bytes are left alone by families that look for drives; 0: the
+    /// family's own bound.
+    std::uint64_t leastDriveBytes = 0;
+};
+
 /// A family of controllers that zolex does not know, with the utility that drives it. Command lines
 /// begin with the family's word ("STORCLI /c0 ..."), which the platform of the machine turns into
 /// the program that was found.
@@ -123,11 +136,28 @@ class Family {
     [[nodiscard]] virtual FamilyCapture capture(Platform& platform,
                                                 const FamilyRequest& request) const = 0;
 
+    /// Carries out a command line on this machine. Nothing: it is no more than the start of the
+    /// family's program with these arguments.
+    [[nodiscard]] virtual std::optional<ChildResult>
+    carryOut(const FamilyMachine& machine, std::string_view commandLine,
+             std::chrono::milliseconds limit) const {
+        (void)machine;
+        (void)commandLine;
+        (void)limit;
+        return std::nullopt;
+    }
+
     [[nodiscard]] virtual FamilyLimits limits(const Facts& facts) const = 0;
     /// Why a drive cannot be planned with; empty for one that can. A drive in an array or a spare
     /// of this controller can, once what it is in is gone.
     [[nodiscard]] virtual std::string whyNotUsable(const DriveFacts& drive) const = 0;
 
+    /// Why a logical drive cannot be made, beside the limits; empty for one that can.
+    [[nodiscard]] virtual std::string whyNotMade(const VolumeWish& wish, const Facts& facts) const {
+        (void)wish;
+        (void)facts;
+        return {};
+    }
     /// What somebody may type to make a drive usable that the system has as it is; for eyes, as its
     /// data is lost. Empty: there is nothing.
     [[nodiscard]] virtual std::string makeGood(std::int32_t /*adapter*/,
@@ -143,8 +173,9 @@ class Family {
     /// A hot spare of these arrays (ids as listed), of all arrays where there are none.
     [[nodiscard]] virtual std::string addSpare(std::int32_t adapter, const std::string& location,
                                                const std::vector<std::string>& arrays) const = 0;
-    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter,
-                                                  const std::string& location) const = 0;
+    /// The same arrays as the spare is listed with.
+    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter, const std::string& location,
+                                                  const std::vector<std::string>& arrays) const = 0;
     [[nodiscard]] virtual std::string clearForeign(std::int32_t adapter) const = 0;
     /// "write_cache_policy" or "read_cache_policy", with the word of LayoutVolume.
     [[nodiscard]] virtual std::string setCache(std::int32_t adapter,

@@ -62,6 +62,9 @@ class OneMachine {
     void check(const ControllerSnapshot& detail, const std::vector<PolicyView>& views,
                const PolicyList& policies, const std::string& uncovered) {
         const RAIDController* controller = snapshot_.controllers.controller(detail.index);
+        if (detail.index == ControllerSnapshot::noRecord) {
+            return; // none of those that zolex runs commands on
+        }
         if (detail.failed || controller == nullptr) {
             leaveOut();
             return;

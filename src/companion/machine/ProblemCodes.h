@@ -1,5 +1,6 @@
 #pragma once
 
+#include "companion/families/FamilyCodes.h"
 #include "companion/findings/Finding.h"
 
 #include <span>
@@ -41,6 +42,10 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+inline constexpr std::string_view textAnswer = family_code::textAnswer;
+inline constexpr std::string_view notDriven = family_code::notDriven;
+inline constexpr std::string_view drivenByBoth = "ZP140";
+inline constexpr std::string_view tamperedController = "ZP141";
 inline constexpr std::string_view documentUnreadable = "ZP190";
 inline constexpr std::string_view otherDocument = "ZP191";
 inline constexpr std::string_view otherVersion = "ZP192";

@@ -84,9 +84,12 @@ class StepMaker {
                 continue;
             }
             const LayoutSpare& spare = planning_.before.spares[index];
-            PlanStep& step =
-                addDeleting("remove-spare", family_.removeSpare(adapter(), spare.location),
-                            "remove the spare " + spare.location);
+            const DriveFacts* const facts = planning_.controller.facts.drive(spare.location);
+            PlanStep& step = addDeleting(
+                "remove-spare",
+                family_.removeSpare(adapter(), spare.location,
+                                    facts == nullptr ? std::vector<std::string>() : facts->covers),
+                "remove the spare " + spare.location);
             lose(step, spareLoss(planning_, spare));
         }
     }

@@ -56,7 +56,8 @@ struct StorcliServer {
                     ",\"Model\":\"" + model + "\"}";
         }
         return "{\"Controllers\":[{\"Command Status\":{\"CLI Version\":\"007.2507\",\"Status\":"
-               "\"Success\",\"Description\":\"None\"},\"Response Data\":{\"Number of Controllers\":" +
+               "\"Success\",\"Description\":\"None\"},\"Response Data\":{\"Number of "
+               "Controllers\":" +
                std::to_string(listed.size()) + ",\"System Overview\":[" + rows + "]}}]}\n";
     }
 
@@ -128,8 +129,8 @@ inline std::string word(DriveState state) {
 }
 
 inline std::string word(Health health) {
-    return health == Health::ok        ? "ok"
-           : health == Health::warning ? "warning"
+    return health == Health::ok         ? "ok"
+           : health == Health::warning  ? "warning"
            : health == Health::critical ? "critical"
                                         : "unknown";
 }
@@ -140,19 +141,17 @@ inline std::string word(const std::optional<std::uint64_t>& number) {
 
 /// Everything that is told of a drive.
 inline std::string describe(const DriveFacts& drive) {
-    std::string text = drive.location + " " + drive.serialNumber + " \"" + drive.manufacturer +
-                       "\" \"" + drive.model + "\" " + drive.revision + " " + drive.protocol +
-                       " " + drive.mediaType + " " + word(drive.capacityBytes) +
-                       (drive.capacityTolerance > 0
-                            ? "+" + std::to_string(drive.capacityTolerance)
-                            : "") +
-                       " of " + (drive.blockSizeBytes ? std::to_string(*drive.blockSizeBytes) : "-") +
-                       " " + drive.reportedState + " " + word(drive.state) + " " +
-                       word(drive.health) + " errors " + word(drive.mediaErrorCount) + " " +
-                       word(drive.otherErrorCount) + " " + word(drive.predictedFailureCount) +
-                       " C " +
-                       (drive.temperatureCelsius ? std::to_string(*drive.temperatureCelsius) : "-") +
-                       " wwn " + drive.wwn;
+    std::string text =
+        drive.location + " " + drive.serialNumber + " \"" + drive.manufacturer + "\" \"" +
+        drive.model + "\" " + drive.revision + " " + drive.protocol + " " + drive.mediaType + " " +
+        word(drive.capacityBytes) +
+        (drive.capacityTolerance > 0 ? "+" + std::to_string(drive.capacityTolerance) : "") +
+        " of " + (drive.blockSizeBytes ? std::to_string(*drive.blockSizeBytes) : "-") + " " +
+        drive.reportedState + " " + word(drive.state) + " " + word(drive.health) + " errors " +
+        word(drive.mediaErrorCount) + " " + word(drive.otherErrorCount) + " " +
+        word(drive.predictedFailureCount) + " C " +
+        (drive.temperatureCelsius ? std::to_string(*drive.temperatureCelsius) : "-") + " wwn " +
+        drive.wwn;
     for (const std::string& array : drive.covers) {
         text += " covers " + array;
     }

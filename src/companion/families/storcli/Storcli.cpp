@@ -16,9 +16,8 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::array<std::string_view, 7> programNames = {
-    "storcli64", "storcli", "/opt/MegaRAID/storcli/storcli64", "/opt/lsi/storcli/storcli",
-    "perccli64", "perccli", "/opt/MegaRAID/perccli/perccli64"};
+constexpr std::array<std::string_view, 4> programNames = {"storcli64", "storcli", "perccli64",
+                                                          "perccli"};
 
 // What may stand behind the program, "#" being digits, with "nolog" at the end or without.
 constexpr std::array<std::string_view, 8> readingLines = {"show J",
@@ -255,7 +254,8 @@ std::string Storcli::addSpare(std::int32_t adapter, const std::string& location,
     return storcli::addSpare(adapter, location, arrays);
 }
 
-std::string Storcli::removeSpare(std::int32_t adapter, const std::string& location) const {
+std::string Storcli::removeSpare(std::int32_t adapter, const std::string& location,
+                                 const std::vector<std::string>& /*arrays*/) const {
     return storcli::removeSpare(adapter, location);
 }
 
