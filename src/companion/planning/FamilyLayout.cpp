@@ -1,12 +1,12 @@
 #include "companion/planning/FamilyLayout.h"
 
 #include "companion/binding/DriveChoice.h"
+#include "companion/families/SpanRules.h"
 #include "companion/lint/Entries.h"
 #include "companion/machine/Join.h"
 #include "companion/planning/FamilyDrives.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Refusals.h"
-#include "companion/families/SpanRules.h"
 #include "companion/text/Sizes.h"
 #include "model/Codes.h"
 #include "policies/PolicyKeywords.h"

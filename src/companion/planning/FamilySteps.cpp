@@ -196,6 +196,11 @@ class StepMaker {
         if (isFirst) {
             wish.spares = sparesWith(array.id);
         }
+        if (std::string why = family_.whyNotMade(wish, planning_.controller.facts); !why.empty()) {
+            faults_.push_back(planFault(problem::lineNotMade,
+                                        volume.id + " on array " + array.id + ": " + why,
+                                        {"change the entry, and try it: zolexctl plan POLICIES"}));
+        }
         std::string summary = "create " + (isFirst ? array.id : volume.id + " on " + array.id) +
                               ": " + volume.raidType + " on " + driveList(drives);
         for (const std::string& spare : wish.spares) {
