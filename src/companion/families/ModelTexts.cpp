@@ -18,9 +18,9 @@ constexpr std::array<std::string_view, 8> familyNames = {
     "STORCLI", "STORCLI2", "SSACLI", "SASIRCU", "MVCLI", "MD", "IMSM", "ARCCONF",
 };
 // How the texts of their models begin.
-constexpr std::array<std::string_view, 12> modelBeginnings = {
-    "MegaRAID-", "PERC-",        "HPE-",  "AVAGO-", "Broadcom-", "Lenovo-",
-    "PRAID-",    "ThinkSystem-", "RAID-", "SAS39",  "Cisco-",    "Supermicro-",
+constexpr std::array<std::string_view, 13> modelBeginnings = {
+    "LINUX-", "MegaRAID-",    "PERC-", "HPE-",  "AVAGO-", "Broadcom-",   "Lenovo-",
+    "PRAID-", "ThinkSystem-", "RAID-", "SAS39", "Cisco-", "Supermicro-",
 };
 
 bool isPlain(char letter) {

@@ -141,7 +141,7 @@ class LogicalChecks {
 
     /// The levels that controllers of a type can have at all.
     static CodeSet familyLevels(std::string_view type) {
-        return text::equalsNoCase(type, "MD")
+        return text::equalsNoCase(type, "MD") || text::equalsNoCase(type, "LINUX-MD")
                    ? CodeSet{raid_level::raid0, raid_level::raid1, raid_level::raid1E,
                              raid_level::raid5, raid_level::raid6, raid_level::raid10}
                    : CodeSet{raid_level::raid0, raid_level::raid1,  raid_level::raid5,
