@@ -709,6 +709,12 @@ class LayoutMaker {
         if (volume.fills) {
             volume.toleranceBytes =
                 stripe + tolerance + fillMarginBytes + metadataBytes(volume.capacityBytes);
+            // A mirror of more than two drives holds half of them, or one: controllers differ.
+            const bool isMirror = volume.raidType == "RAID1" || volume.raidType == "RAID10";
+            const std::uint64_t least = smallest * spans;
+            if (isMirror && drives > 2 * spans && volume.capacityBytes > least) {
+                volume.toleranceBytes += volume.capacityBytes - least;
+            }
         }
         const bool isTooLarge = volume.capacityBytes > left;
         const bool isNothing = volume.capacityBytes < bytesOfMb;

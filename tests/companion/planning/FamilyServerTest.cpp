@@ -96,7 +96,11 @@ std::string carriedOut(VirtualStorcli& server, const std::string& policies) {
     const Snapshot now = server.capture();
     const MachinePlan again = planOf(now, policies);
     if (!again.isApplicable() || !again.steps().empty()) {
-        return "a second plan is not empty: " + planLines(again);
+        std::string why;
+        for (const Difference& each : again.controllers.front().comparison.differences) {
+            why += each.attribute + ": " + each.wanted + ", found " + each.found + "\n";
+        }
+        return "a second plan is not empty: " + why + planLines(again);
     }
     const CapturedPolicies captured = capturedPolicies(now, {});
     const MachinePlan byCaptured = planOf(now, captured.text);
