@@ -69,6 +69,13 @@ class Platform {
     virtual ChildResult runChild(std::string_view commandLine, bool capture,
                                  std::chrono::milliseconds limit) = 0;
 
+    /// The same, with `folder` as the current folder of the child; a platform that has no folders
+    /// starts it where it is.
+    virtual ChildResult runChildIn(const std::string& /*folder*/, std::string_view commandLine,
+                                   bool capture, std::chrono::milliseconds limit) {
+        return runChild(commandLine, capture, limit);
+    }
+
     /// A list of this machine's PCI functions, not yet collected.
     virtual std::unique_ptr<PCI_DevList_VC> pciDevices() = 0;
 

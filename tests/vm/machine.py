@@ -61,8 +61,9 @@ def cpio(files):
 class Machine:
     """One machine: its programs, its devices, and what it says."""
 
-    def __init__(self, build, work, jobs, devices=(), files=None):
-        """`jobs` are {name: script}, `files` go to the root of its file system."""
+    def __init__(self, build, work, jobs, devices=(), files=None, archives=(), programs=()):
+        """`jobs` are {name: script}, `files` go to the root of its file system, and so do archives of the
+        image ("md"); `programs` of `build` stand beside the usual ones."""
         self.work, self.devices = Path(work), list(devices)
         self.said = b""
         self.process = None
@@ -72,10 +73,11 @@ class Machine:
                    "jobs/order": "".join(f"{name}\n" for name in jobs).encode()}
         content.update({f"jobs/{name}": script for name, script in jobs.items()})
         content.update({f"programs/{Path(name).name}": (Path(build) / name).read_bytes()
-                        for name in PROGRAMS})
+                        for name in (*PROGRAMS, *programs)})
         content.update(files or {})
         # Later archives go on from earlier ones.
-        (self.work / "initrd").write_bytes((self.image / "base.cpio").read_bytes() + cpio(content))
+        archived = [(self.image / f"{name}.cpio").read_bytes() for name in ("base", *archives)]
+        (self.work / "initrd").write_bytes(b"".join(archived) + cpio(content))
 
     def start(self):
         out = self.work / "said"

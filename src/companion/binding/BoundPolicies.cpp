@@ -1,6 +1,7 @@
 #include "companion/binding/BoundPolicies.h"
 
 #include "companion/binding/DriveChoice.h"
+#include "companion/binding/FamilyTypes.h"
 #include "companion/binding/KindEntries.h"
 #include "companion/binding/KindFile.h"
 #include "companion/rewriting/PlanComparison.h"
@@ -55,6 +56,10 @@ void putAside(const KindFileSection& section, std::map<std::size_t, std::string>
         if (!isKindKeyword(entry.keyword.text)) {
             continue;
         }
+        if (isSpansKeyword(entry.keyword.text)) {
+            lines[entry.line] = ";";
+            continue;
+        }
         const std::string letter(1, letterOf(entry));
         lines[entry.line] = isSpares(entry) ? std::string(keyword::hotspares) + " = 999"
                             : isDrives(entry)
@@ -85,6 +90,37 @@ std::vector<BoundDrive> boundDrives(const std::vector<ChosenDrive>& drives) {
     return bound;
 }
 
+constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
+
+/// How many bytes the drive is known to have.
+std::uint64_t bytesOf(const MachineDrive& drive, const RAIDController& record) {
+    if (drive.facts.capacityBytes) {
+        return *drive.facts.capacityBytes;
+    }
+    const DrivePosition at = drive.policyPosition.value_or(DrivePosition());
+    const std::int32_t mb = record.size(at.channel, at.id);
+    return mb < 1 ? 0 : static_cast<std::uint64_t>(mb) * bytesOfMb;
+}
+
+/// Whether the planner of zolex takes the drive, and it is good.
+bool isGood(const MachineDrive& drive, const RAIDController& record, const BindingTerms& terms) {
+    if (!drive.policyNumber || !drive.policyPosition) {
+        return false;
+    }
+    const DriveFacts& facts = drive.facts;
+    const bool isGone = facts.state == DriveState::failed || facts.state == DriveState::missing;
+    const bool isMember = isGone && !drive.array.empty();
+    if (terms.failedMembersStay && isMember) {
+        return true;
+    }
+    const bool doesItsWork = facts.state == DriveState::free || facts.state == DriveState::member ||
+                             facts.state == DriveState::hotspare ||
+                             facts.state == DriveState::rebuilding;
+    return doesItsWork && facts.health != Health::critical && !facts.isForeign &&
+           record.usable(*drive.policyPosition) &&
+           record.size(drive.policyPosition->channel, drive.policyPosition->id) > 0;
+}
+
 /// Binds one section of a file.
 class Binder {
   public:
@@ -93,7 +129,10 @@ class Binder {
         : file_(file), section_(file.sections[section]), controller_(controller), record_(record) {
         kinds_ = readKindSection(section_, result_.faults);
         if (result_.faults.empty()) {
-            choice_ = chooseDrives(kinds_, controller, record, terms);
+            const DriveUse use{
+                [&](const MachineDrive& drive) { return isGood(drive, record, terms); },
+                [&](const MachineDrive& drive) { return bytesOf(drive, record); }};
+            choice_ = chooseDrives(kinds_, controller, use);
             result_.faults = std::move(choice_.faults);
         }
         for (std::size_t i = 0; i < file.sections.size(); ++i) {
@@ -104,6 +143,11 @@ class Binder {
     }
 
     BoundPolicies run() {
+        if (kinds_.spansEntry != nullptr) {
+            fail("ZX313", *kinds_.spansEntry, kinds_.spansEntry->keyword,
+                 controller_.model + " makes its spans by itself",
+                 "take the line out, or have a policy of its own for this controller");
+        }
         if (result_.faults.empty()) {
             bindDrives();
             bindSpares();
@@ -313,8 +357,8 @@ class Binder {
     /// What else of the file zolex does not take, or of what it has become.
     void checkText() {
         SilentReport silent;
-        const PolicyFile read =
-            readPolicies(result_.text, ControllerCatalogue(), PolicyOptions(), silent);
+        const PolicyFile read = readPolicies(withoutFamilyTypes(result_.text),
+                                             ControllerCatalogue(), PolicyOptions(), silent);
         if (read.policies) {
             return;
         }

@@ -15,8 +15,6 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-
 /// A good drive, and what is asked of it.
 struct Candidate {
     const MachineDrive* drive = nullptr;
@@ -56,11 +54,10 @@ std::string stateWords(const MachineDrive& drive) {
 /// The drives of a controller, and to which entry each has gone.
 class DrivePool {
   public:
-    DrivePool(const ControllerSnapshot& controller, const RAIDController& record,
-              const BindingTerms& terms)
-        : controller_(controller), record_(record), terms_(terms) {
+    DrivePool(const ControllerSnapshot& controller, const DriveUse& use)
+        : controller_(controller), use_(use) {
         for (const MachineDrive& drive : controller.drives) {
-            if (isGood(drive)) {
+            if (use.isUsable(drive)) {
                 const std::uint64_t bytes = sizeOf(drive);
                 good_.push_back({&drive, bytes, shownSize(bytes)});
             }
@@ -92,36 +89,12 @@ class DrivePool {
         return found == taken_.end() ? std::string() : found->second;
     }
     [[nodiscard]] std::uint64_t sizeOf(const MachineDrive& drive) const {
-        if (drive.facts.capacityBytes) {
-            return *drive.facts.capacityBytes;
-        }
-        const DrivePosition at = drive.policyPosition.value_or(DrivePosition());
-        const std::int32_t mb = record_.size(at.channel, at.id);
-        return mb < 1 ? 0 : static_cast<std::uint64_t>(mb) * bytesOfMb;
+        return use_.bytes(drive);
     }
 
   private:
-    [[nodiscard]] bool isGood(const MachineDrive& drive) const {
-        if (!drive.policyNumber || !drive.policyPosition) {
-            return false;
-        }
-        const DriveFacts& facts = drive.facts;
-        const bool isGone = facts.state == DriveState::failed || facts.state == DriveState::missing;
-        const bool isMember = isGone && !drive.array.empty();
-        if (terms_.failedMembersStay && isMember) {
-            return true;
-        }
-        const bool doesItsWork =
-            facts.state == DriveState::free || facts.state == DriveState::member ||
-            facts.state == DriveState::hotspare || facts.state == DriveState::rebuilding;
-        return doesItsWork && facts.health != Health::critical && !facts.isForeign &&
-               record_.usable(*drive.policyPosition) &&
-               record_.size(drive.policyPosition->channel, drive.policyPosition->id) > 0;
-    }
-
     const ControllerSnapshot& controller_;
-    const RAIDController& record_;
-    const BindingTerms& terms_;
+    const DriveUse& use_;
     std::vector<Candidate> good_; ///< in the order of their numbers
     std::map<const MachineDrive*, std::string> taken_;
 };
@@ -141,9 +114,8 @@ bool areAlike(const DrivesWish& wish, const Candidate& a, const Candidate& b) {
 
 class Chooser {
   public:
-    Chooser(const KindSection& section, const ControllerSnapshot& controller,
-            const RAIDController& record, const BindingTerms& terms)
-        : section_(section), pool_(controller, record, terms) {}
+    Chooser(const KindSection& section, const ControllerSnapshot& controller, const DriveUse& use)
+        : section_(section), pool_(controller, use) {}
 
     DriveChoice run() {
         for (const KindSection::Drives& drives : section_.drives) {
@@ -577,8 +549,8 @@ class Chooser {
 } // namespace
 
 DriveChoice chooseDrives(const KindSection& section, const ControllerSnapshot& controller,
-                         const RAIDController& record, const BindingTerms& terms) {
-    return Chooser(section, controller, record, terms).run();
+                         const DriveUse& use) {
+    return Chooser(section, controller, use).run();
 }
 
 } // namespace zolex::companion

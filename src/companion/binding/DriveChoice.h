@@ -4,10 +4,10 @@
 #include "companion/binding/KindEntries.h"
 #include "companion/binding/KindFile.h"
 #include "companion/machine/Snapshot.h"
-#include "model/RAIDController.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -28,10 +28,15 @@ struct DriveChoice {
     std::vector<BindingFault> faults;
 };
 
+/// What the planner of a controller makes of its drives.
+struct DriveUse {
+    std::function<bool(const MachineDrive& drive)> isUsable;
+    std::function<std::uint64_t(const MachineDrive& drive)> bytes; ///< 0: not known
+};
+
 /// Chooses: named drives first, then counted ones and `all` by letter, then hot spares, then what
 /// is the rest. No drive is chosen twice.
 [[nodiscard]] DriveChoice chooseDrives(const KindSection& section,
-                                       const ControllerSnapshot& controller,
-                                       const RAIDController& record, const BindingTerms& terms);
+                                       const ControllerSnapshot& controller, const DriveUse& use);
 
 } // namespace zolex::companion

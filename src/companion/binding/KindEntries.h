@@ -12,10 +12,13 @@ namespace zolex::companion {
 
 inline constexpr std::int32_t mostKindDrives = 32; ///< of an array
 inline constexpr std::int32_t mostKindSpares = 8;
+inline constexpr std::int32_t mostKindSpans = 8;
 
-/// Whether it is a keyword of zolexctl alone (`Drives.A`, `Spares`, `Level.B`), letter case
-/// ignored.
+/// Whether it is a keyword of zolexctl alone (`Drives.A`, `Spares`, `Level.B`, `Spans`), letter
+/// case ignored.
 [[nodiscard]] bool isKindKeyword(std::string_view keyword);
+/// Whether it is `Spans`, which tells of arrays and not of drives.
+[[nodiscard]] bool isSpansKeyword(std::string_view keyword);
 
 /// A word of a value, and where it stands in its line: columns count from 1, in bytes.
 struct KindWord {
@@ -74,6 +77,7 @@ struct SpareGroup {
 struct SparesWish {
     KindForm form = KindForm::kind;
     std::vector<KindWord> names;
+    /// Of named ones only where some cover certain arrays: how many of the names are of each.
     std::vector<SpareGroup> groups;
     friend bool operator==(const SparesWish&, const SparesWish&) = default;
 };

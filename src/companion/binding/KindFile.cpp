@@ -110,6 +110,8 @@ class SectionReader {
             result_.sparesEntry = &entry;
             take("ZX113", entry, readSparesWish(entry.value, entry.valueColumn),
                  [this](SparesWish wish) { result_.spares = std::move(wish); });
+        } else if (isSpansKeyword(entry.keyword.text)) {
+            readSpans(entry);
         } else if (letterOf(entry) > lastLetter) {
             addAtKeyword("ZX312", entry, "there is no array " + std::string(1, letterOf(entry)),
                          "arrays are A to H");
@@ -125,6 +127,19 @@ class SectionReader {
                      result_.levels.push_back({letterOf(entry), &entry, std::move(wish)});
                  });
         }
+    }
+
+    void readSpans(const KindFileEntry& entry) {
+        const auto spans = text::wholeNumber(entry.value);
+        if (!spans || *spans < 2 || *spans > mostKindSpans) {
+            add("ZX112", entry, {entry.value, entry.valueColumn, entry.endColumn()},
+                "Spans is no number of spans",
+                "write 2 to " + std::to_string(mostKindSpans) +
+                    ", or take the line out: as few as divide evenly");
+            return;
+        }
+        result_.spansEntry = &entry;
+        result_.spans = *spans;
     }
 
     template <typename Wish, typename Keep>

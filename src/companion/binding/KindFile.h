@@ -64,6 +64,8 @@ struct KindSection {
     const KindFileEntry* sparesEntry = nullptr;
     std::optional<SparesWish> spares;
     std::vector<Level> levels; ///< by letter
+    const KindFileEntry* spansEntry = nullptr;
+    std::int32_t spans = 0; ///< 0: not given
 };
 
 struct BindingFault;

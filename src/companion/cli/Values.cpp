@@ -26,8 +26,8 @@ constexpr std::array<std::pair<std::string_view, Format>, 8> formats{{
     {"github", Format::github},
 }};
 
-constexpr std::array<std::string_view, 7> utilities{
-    "MEGACLI", "ARCCONF", "HRCONF", "QTCSEND", "CFGGEN", "CFGGEN1.02.02", "HYPERWIN"};
+constexpr std::array<std::string_view, 8> utilities{
+    "MEGACLI", "ARCCONF", "HRCONF", "QTCSEND", "CFGGEN", "CFGGEN1.02.02", "HYPERWIN", "STORCLI"};
 
 std::string faultOfNumber(std::string_view text, std::int32_t least, std::int32_t most) {
     if (wholeNumber(text, least, most)) {
@@ -134,7 +134,8 @@ std::string faultOfUtility(std::string_view text) {
     if (!nearest.empty()) {
         return fault.append("; did you mean ").append(nearest).append("?");
     }
-    return fault + ": they are MEGACLI, ARCCONF, HRCONF, QTCSEND, CFGGEN, CFGGEN1.02.02, HYPERWIN";
+    return fault + ": they are MEGACLI, ARCCONF, HRCONF, QTCSEND, CFGGEN, CFGGEN1.02.02, HYPERWIN, "
+                   "STORCLI";
 }
 
 std::string faultOfControllers(std::string_view text) {

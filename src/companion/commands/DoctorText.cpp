@@ -1,5 +1,6 @@
 #include "companion/commands/DoctorText.h"
 
+#include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
@@ -43,6 +44,9 @@ std::string listingName(std::string_view command) {
             words.push_back(command.substr(0, end));
         }
         command.remove_prefix(std::min(end + 1, command.size()));
+    }
+    if (words.size() > 1 && findFamily(words.front()) != nullptr) {
+        return std::string(words[1]);
     }
     if (words.size() <= wordsBefore) {
         return "listing";

@@ -27,6 +27,13 @@ namespace zolex::companion {
 
 namespace {
 
+/// What zolex sees of the machine: controllers of families are none of its business.
+CaptureRequest requestOfZolex(Context& context, const Utilities& utilities) {
+    CaptureRequest request = captureRequest(context, &utilities);
+    request.asksFamilies = false;
+    return request;
+}
+
 constexpr std::string_view zolexName = system::isWindows ? "ZOLEX.EXE" : "zolex";
 constexpr std::string_view separators = system::isWindows ? "/\\" : "/";
 
@@ -174,7 +181,7 @@ class GuardCommand {
     }
 
     int judge(Platform& machine, const Utilities& utilities) {
-        snapshot_ = captureMachine(machine, captureRequest(context_, &utilities));
+        snapshot_ = captureMachine(machine, requestOfZolex(context_, utilities));
         const Snapshot& snapshot = *snapshot_;
         if (snapshot.details.empty()) {
             return failWith(context_, "no supported RAID controller was found",
@@ -323,7 +330,7 @@ class GuardCommand {
     void tellOtherEnd() {
         static_cast<void>(
             lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
-                const Snapshot now = captureMachine(machine, captureRequest(context_, &utilities));
+                const Snapshot now = captureMachine(machine, requestOfZolex(context_, utilities));
                 const std::vector<Finding> found = compareEnds(now, plan_);
                 if (!found.empty()) {
                     context_.platform.console().writeError(
@@ -350,7 +357,7 @@ class GuardCommand {
         }
         return lookAtMachine(context_, [this](Platform& machine, const Utilities& utilities) {
             const Fingerprint now =
-                fingerprintOf(captureMachine(machine, captureRequest(context_, &utilities)));
+                fingerprintOf(captureMachine(machine, requestOfZolex(context_, utilities)));
             return now == state_ ? exit_code::done : changed("the server has changed meanwhile");
         });
     }

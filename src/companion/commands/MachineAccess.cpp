@@ -117,6 +117,7 @@ CaptureRequest captureRequest(Context& context, const Utilities* utilities) {
     request.serialNumber = context.machine.serialNumber;
     request.controllers = context.machine.controllers;
     request.limit = context.machine.captureLimit;
+    request.asksFamilies = true;
     // A recording answers at once.
     if (context.showsProgress && context.machine.recording.empty()) {
         request.progress = [&context](const std::string& text) {

@@ -122,7 +122,7 @@ std::string shortSize(std::size_t bytes) {
 std::string countsText(const Snapshot& snapshot, const std::vector<RecordedCall>& calls,
                        std::size_t bytes) {
     const RecordingCounts counts = countCalls(calls);
-    return countText(snapshot.controllers.count(), "controller", "controllers") + ", " +
+    return countText(snapshot.count(), "controller", "controllers") + ", " +
            countText(counts.utilityCalls, "utility call", "utility calls") + ", " +
            countText(counts.detectorCalls, "detector call", "detector calls") + ", " +
            countText(counts.pciFunctions, "PCI function", "PCI functions") + ", " +
@@ -239,7 +239,7 @@ class Recorder {
     }
 
     int judge(const Snapshot& snapshot) {
-        if (snapshot.controllers.count() == 0) {
+        if (snapshot.count() == 0) {
             return failWith(context_, "no supported RAID controller was found",
                             "the recording holds the PCI functions of this machine all the same");
         }

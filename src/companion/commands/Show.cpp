@@ -6,6 +6,7 @@
 #include "companion/commands/ShowRun.h"
 #include "companion/json/MachineDocument.h"
 #include "companion/machine/Capture.h"
+#include "companion/machine/Examination.h"
 #include "companion/machine/Snapshot.h"
 #include "companion/picture/Html.h"
 #include "companion/picture/MachineText.h"
@@ -34,6 +35,11 @@ std::string shown(Context& context, const Snapshot& snapshot, const LocalTime& r
 int judge(Context& context, const Snapshot& snapshot) {
     if (snapshot.details.empty()) {
         context.platform.console().writeError("no supported RAID controller was found\n");
+        for (const UndrivenFunction& function : snapshot.undriven) {
+            context.platform.console().writeError(
+                emphasized("note:", Emphasis::heading, context.errorStyle) + " PCI " +
+                printable(function.pci) + ": " + undrivenText(function) + "\n");
+        }
     }
     for (const ControllerSnapshot& controller : snapshot.details) {
         if (controller.failed) {

@@ -4,6 +4,7 @@
 #include "companion/execution/Foreseen.h"
 #include "companion/execution/RunCodes.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/PlanFaults.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"
 #include "companion/text/TypedWord.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace zolex::companion {
@@ -37,6 +39,20 @@ std::string utilityText(const std::string& utility, const ProcessIdentity& child
 
 bool hasEnded(const ChildResult& result) {
     return result.outcome == ChildOutcome::ended || result.outcome == ChildOutcome::notClosed;
+}
+
+/// How helps name the policies of the plan.
+constexpr std::string_view policiesPlace = "POLICIES";
+
+/// What the family of a command makes of its end; done for those of zolex, whose exit codes tell.
+FamilyVerdict verdictOf(const std::string& command, const ChildResult& result) {
+    const Family* const family = findFamily(command);
+    if (family == nullptr || !hasEnded(result)) {
+        FamilyVerdict verdict;
+        verdict.isDone = true;
+        return verdict;
+    }
+    return family->judge(command, result.exitCode, result.output);
 }
 
 bool wasStarted(const ChildResult& result) {
@@ -230,31 +246,42 @@ void PlanRun::failController(ControllerProgress& progress, std::string why, RunF
 }
 
 bool PlanRun::runStep(ControllerProgress& progress) {
+    const std::size_t step = progress.next;
+    std::optional<std::string> command = progress.planning->steps[step].command;
+    constexpr int mostLines = 2;
+    for (int line = 0; line < mostLines && command; ++line) {
+        command = runLine(progress, *command);
+    }
+    return progress.next > step;
+}
+
+std::optional<std::string> PlanRun::runLine(ControllerProgress& progress,
+                                            const std::string& command) {
     const ControllerPlanning& planning = *progress.planning;
     const PlanStep& step = planning.steps[progress.next];
     JournalStepStarted started;
     started.step = step.step;
     started.controller = step.controller;
-    started.command = step.command;
+    started.command = command;
     started.expectedBefore = expectedHash(planning, progress.next);
     started.expectedAfter = step.expectedAfter;
     started.attempt = ++progress.attempts[progress.next];
     if (!write(started)) {
         stopRun(journalFault());
-        return false;
+        return std::nullopt;
     }
     progress.isBegun = true;
     ChildResult result;
     if (!pauseBefore(step)) {
-        noteEnd(step, result, milliseconds(0));
+        noteEnd(step, result, milliseconds(0), FamilyVerdict());
         stopRun(interruptedFault(step));
-        return false;
+        return std::nullopt;
     }
     const milliseconds begin = system.elapsed();
     std::string fault;
     ProcessIdentity identity;
     {
-        const std::unique_ptr<StartedChild> child = start(step, fault);
+        const std::unique_ptr<StartedChild> child = start(command, fault);
         if (child) {
             changedSomething = true;
             result.outcome = ChildOutcome::stillRunning;
@@ -270,13 +297,16 @@ bool PlanRun::runStep(ControllerProgress& progress) {
     if (hasEnded(result)) {
         guarded([&] { locks_.note({}); });
     }
-    const bool isAccepted = noteEnd(step, result, duration);
-    if (isAccepted) {
+    const FamilyVerdict verdict = verdictOf(command, result);
+    if (noteEnd(step, result, duration, verdict)) {
         ++progress.next;
-        return true;
+        return std::nullopt;
     }
-    tellNotAccepted(progress, step, result, identity, fault);
-    return false;
+    if (!verdict.instead.empty() && command == step.command) {
+        return verdict.instead;
+    }
+    tellNotAccepted(progress, step, result, identity, fault, verdict);
+    return std::nullopt;
 }
 
 /// False when the user interrupts meanwhile.
@@ -290,9 +320,9 @@ bool PlanRun::pauseBefore(const PlanStep& step) {
     return step.pauseBeforeSeconds == 0 || system.interruption() == Interruption::none;
 }
 
-std::unique_ptr<StartedChild> PlanRun::start(const PlanStep& step, std::string& fault) {
+std::unique_ptr<StartedChild> PlanRun::start(const std::string& command, std::string& fault) {
     try {
-        return system.start(step.command, outputFile());
+        return system.start(command, outputFile());
     } catch (const std::exception& thrown) {
         fault = reasonOf(thrown);
         return nullptr;
@@ -347,15 +377,16 @@ void PlanRun::tellInterruption() {
 
 /// Notes how a step has ended; whether it counts as done. The output is in the journal then, and
 /// its file goes.
-bool PlanRun::noteEnd(const PlanStep& step, ChildResult& result, milliseconds duration) {
+bool PlanRun::noteEnd(const PlanStep& step, ChildResult& result, milliseconds duration,
+                      const FamilyVerdict& verdict) {
     JournalStepEnded ended;
     ended.step = step.step;
     ended.outcome = result.outcome;
     ended.exitCode = result.exitCode;
     const std::vector<std::int32_t>& codes = step.acceptedExitCodes;
-    ended.accepted =
-        hasEnded(result) && std::find(codes.begin(), codes.end(),
-                                      static_cast<std::int32_t>(result.exitCode)) != codes.end();
+    ended.accepted = hasEnded(result) && verdict.isDone &&
+                     std::find(codes.begin(), codes.end(),
+                               static_cast<std::int32_t>(result.exitCode)) != codes.end();
     ended.durationMs = duration.count();
     ended.outputBytes = result.output.size();
     if (result.output.size() > mostJournalOutput) {
@@ -385,7 +416,7 @@ std::optional<std::string> PlanRun::takeOutput(std::size_t most) {
 
 void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step,
                               const ChildResult& result, const ProcessIdentity& child,
-                              const std::string& startFault) {
+                              const std::string& startFault, const FamilyVerdict& verdict) {
     const std::string name = stepName(step, totalSteps_);
     progress.failedStep = step.step;
     RunFault fault;
@@ -394,8 +425,17 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
     std::string why;
     if (hasEnded(result)) {
         why = "exit code " + std::to_string(result.exitCode);
+        why = verdict.why.empty() ? why : printable(verdict.why);
         fault.code = run_problem::runStepRefused;
         fault.what = name + " was refused (" + why + "): " + printable(step.summary);
+        for (const std::string& help : verdict.help) {
+            fault.help.push_back(help);
+            const std::size_t at = fault.help.back().find(policiesPlace);
+            if (at != std::string::npos) {
+                fault.help.back().replace(at, policiesPlace.size(),
+                                          policiesArgument(plan.policiesFile));
+            }
+        }
         tellNow(progress, fault);
     } else if (wasStarted(result)) {
         const std::string seconds = std::to_string(terms.stepLimit.count()) + " s";

@@ -4,6 +4,7 @@
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/Guard.h"
 #include "companion/execution/RunLocks.h"
+#include "companion/families/Family.h"
 
 #include <chrono>
 #include <cstddef>
@@ -94,14 +95,18 @@ class PlanRun {
     bool mayGoOn(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);
     bool pauseBefore(const PlanStep& step);
-    std::unique_ptr<StartedChild> start(const PlanStep& step, std::string& fault);
+    std::unique_ptr<StartedChild> start(const std::string& command, std::string& fault);
     ChildResult follow(const PlanStep& step, StartedChild& child, const ProcessIdentity& identity,
                        std::chrono::milliseconds begin);
     void tellInterruption();
-    bool noteEnd(const PlanStep& step, ChildResult& result, std::chrono::milliseconds duration);
+    /// Runs the step by this command line; nothing: it is done, or the run has gone no further.
+    /// Else the line that is to be run in its place.
+    std::optional<std::string> runLine(ControllerProgress& progress, const std::string& command);
+    bool noteEnd(const PlanStep& step, ChildResult& result, std::chrono::milliseconds duration,
+                 const FamilyVerdict& verdict);
     void tellNotAccepted(ControllerProgress& progress, const PlanStep& step,
                          const ChildResult& result, const ProcessIdentity& child,
-                         const std::string& startFault);
+                         const std::string& startFault, const FamilyVerdict& verdict);
     void tellNow(const ControllerProgress& progress, RunFault& fault);
     [[nodiscard]] RunFault journalFault() const;
     [[nodiscard]] RunFault interruptedFault(const PlanStep& step) const;

@@ -54,6 +54,8 @@ struct FamilyCapture {
 struct FamilyRequest {
     std::chrono::milliseconds limit{300000}; ///< for each child
     std::function<void(const std::string& text)> progress;
+    /// The time since some moment; may be empty, and nothing is timed then.
+    std::function<std::chrono::milliseconds()> elapsed;
     /// False where only the controllers are asked for that its policies may name, and this family
     /// has to be asked for by name ("--family md").
     bool isAskedFor = false;
@@ -68,7 +70,7 @@ struct VolumeWish {
     std::string writeCache;          ///< as in LayoutVolume; empty: the controller's own
     std::string readCache;           ///< the same
     std::string name;                ///< empty: none
-    std::vector<std::string> spares; ///< of drivers that make them with the array; else empty
+    std::vector<std::string> spares; ///< dedicated ones that are made with the array
 };
 
 /// Which limits a controller has, from what its listings say and what its utility is known for.
@@ -93,6 +95,22 @@ struct FamilyVerdict {
     bool isDone = false;
     std::string why; ///< of one that is not: the utility's words, in a line
     std::vector<std::string> help;
+    /// A command line that does the same and is to be run in its place, where the utility does not
+    /// know a word of this one and has done nothing; or empty.
+    std::string instead;
+};
+
+/// The machine under a family whose command lines are more than the start of one program.
+struct FamilyMachine {
+    /// Starts a program, the first of the arguments.
+    std::function<ChildResult(const std::vector<std::string>& arguments,
+                              std::chrono::milliseconds limit)>
+        start;
+    std::function<void()> pauseOneSecond;
+    std::string program; ///< the family's own, as it was found; empty: it was not
+    /// Drives of less than so many bytes are left alone by families that look for drives; 0: the
+    /// family's own bound.
+    std::uint64_t leastDriveBytes = 0;
 };
 
 /// A family of controllers that zolex does not know, with the utility that drives it. Command lines
@@ -109,16 +127,43 @@ class Family {
     [[nodiscard]] virtual bool isOptIn() const { return false; }
     /// Whether a command line of the family only reads.
     [[nodiscard]] virtual bool isReading(std::string_view commandLine) const = 0;
+    /// Whether a command line makes the utility write files of its own into the current folder: it
+    /// is run in an empty one then, which is removed.
+    [[nodiscard]] virtual bool leavesFiles(std::string_view /*commandLine*/) const { return false; }
 
     /// Asks the utility for its controllers, and each for all that it has. What fails is told and
     /// ends nothing else.
     [[nodiscard]] virtual FamilyCapture capture(Platform& platform,
                                                 const FamilyRequest& request) const = 0;
 
+    /// Carries out a command line on this machine. Nothing: it is no more than the start of the
+    /// family's program with these arguments.
+    [[nodiscard]] virtual std::optional<ChildResult>
+    carryOut(const FamilyMachine& machine, std::string_view commandLine,
+             std::chrono::milliseconds limit) const {
+        (void)machine;
+        (void)commandLine;
+        (void)limit;
+        return std::nullopt;
+    }
+
     [[nodiscard]] virtual FamilyLimits limits(const Facts& facts) const = 0;
     /// Why a drive cannot be planned with; empty for one that can. A drive in an array or a spare
     /// of this controller can, once what it is in is gone.
     [[nodiscard]] virtual std::string whyNotUsable(const DriveFacts& drive) const = 0;
+
+    /// Why a logical drive cannot be made, beside the limits; empty for one that can.
+    [[nodiscard]] virtual std::string whyNotMade(const VolumeWish& wish, const Facts& facts) const {
+        (void)wish;
+        (void)facts;
+        return {};
+    }
+    /// What somebody may type to make a drive usable that the system has as it is; for eyes, as its
+    /// data is lost. Empty: there is nothing.
+    [[nodiscard]] virtual std::string makeGood(std::int32_t /*adapter*/,
+                                               const DriveFacts& /*drive*/) const {
+        return {};
+    }
 
     // Command lines. An empty one: the family has no command for it.
     [[nodiscard]] virtual std::string createVolume(std::int32_t adapter,
@@ -128,8 +173,9 @@ class Family {
     /// A hot spare of these arrays (ids as listed), of all arrays where there are none.
     [[nodiscard]] virtual std::string addSpare(std::int32_t adapter, const std::string& location,
                                                const std::vector<std::string>& arrays) const = 0;
-    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter,
-                                                  const std::string& location) const = 0;
+    /// The same arrays as the spare is listed with.
+    [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter, const std::string& location,
+                                                  const std::vector<std::string>& arrays) const = 0;
     [[nodiscard]] virtual std::string clearForeign(std::int32_t adapter) const = 0;
     /// "write_cache_policy" or "read_cache_policy", with the word of LayoutVolume.
     [[nodiscard]] virtual std::string setCache(std::int32_t adapter,

@@ -103,6 +103,9 @@ void writeArray(DocumentText& out, const PlannedArray& array) {
     out.object();
     out.text("id", array.id);
     out.size("capacity_bytes", array.capacityBytes);
+    if (array.drivesPerSpan > 0) {
+        out.size("drives_per_span", array.drivesPerSpan);
+    }
     out.list("drives");
     for (const PlannedDrive& drive : array.drives) {
         out.object();
@@ -167,7 +170,7 @@ void writeAfter(DocumentText& out, const ControllerPlanning& planning) {
     for (const PlannedSpare& spare : planning.spares) {
         out.object();
         out.text("location", spare.location);
-        out.text("hotspare_type", "Global");
+        out.text("hotspare_type", spare.isDedicated ? "Dedicated" : "Global");
         out.texts("covers", spare.covers);
         writeReason(out, "reason", spare.reason);
         out.end();

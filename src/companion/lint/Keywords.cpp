@@ -1,5 +1,6 @@
 #include "companion/lint/Keywords.h"
 
+#include "companion/binding/FamilyTypes.h"
 #include "companion/binding/KindEntries.h"
 #include "foundation/Text.h"
 #include "policies/PolicyKeywords.h"
@@ -11,13 +12,6 @@
 namespace zolex::companion {
 
 namespace {
-
-/// Families that zolexctl alone knows. Order does not matter.
-constexpr std::array<std::string_view, 8> laterFamilies = {
-    "STORCLI", "STORCLI2", "SSACLI", "SASIRCU", "MVCLI", "MD", "IMSM", "ARCCONF",
-};
-/// How the names of their models begin.
-constexpr std::array<std::string_view, 3> laterModels = {"MegaRAID-", "PERC-", "HPE-"};
 
 /// Every keyword that zolex looks up.
 std::vector<std::string> makeUsualKeywords() {
@@ -90,12 +84,7 @@ bool isLaterKeyword(std::string_view keyword) {
 }
 
 bool isLaterModel(std::string_view model) {
-    const auto isFamily = [model](std::string_view row) { return text::equalsNoCase(row, model); };
-    const auto isModel = [model](std::string_view row) {
-        return model.size() > row.size() && beginsWith(model, row);
-    };
-    return std::any_of(laterFamilies.begin(), laterFamilies.end(), isFamily) ||
-           std::any_of(laterModels.begin(), laterModels.end(), isModel);
+    return isFamilyType(model);
 }
 
 std::optional<std::string> usualSpelling(std::string_view keyword) {

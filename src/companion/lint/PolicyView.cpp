@@ -1,5 +1,6 @@
 #include "companion/lint/PolicyView.h"
 
+#include "companion/binding/FamilyTypes.h"
 #include "companion/binding/KindEntries.h"
 #include "foundation/Text.h"
 #include "model/ControllerCatalogue.h"
@@ -52,7 +53,7 @@ class Reading {
 
     /// What such an entry makes of the policy is known when it is bound to drives.
     void readKindEntry(std::string_view keyword) {
-        if (isKindKeyword(keyword)) {
+        if (isKindKeyword(keyword) && !isSpansKeyword(keyword)) {
             view_.hasDriveKinds = view_.hasDriveKinds || text::lower(keyword.front()) == 'd';
             hasLevels_ = hasLevels_ || text::lower(keyword.front()) == 'l';
             leaveOut();
@@ -130,7 +131,7 @@ class Reading {
             return true;
         case 't':
             given.controllerType = value;
-            return ControllerCatalogue::isValidControllerName(value);
+            return ControllerCatalogue::isValidControllerName(value) || isFamilyType(value);
         case 'c':
             return readNumber(given.controllerNumber);
         case 'o':

@@ -4,8 +4,10 @@
 #include "companion/facts/CompareReadings.h"
 #include "companion/facts/FactsReader.h"
 #include "companion/machine/CrossCheck.h"
+#include "companion/machine/FamilyJoin.h"
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/Join.h"
+#include "companion/machine/KnownFunctions.h"
 #include "companion/machine/ListingCheck.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
@@ -76,6 +78,12 @@ class WatchedPlatform : public ReadOnlyPlatform {
     std::uint32_t exitCode = 0;
 };
 
+/// A controller that a family tells of.
+struct Told {
+    const Family* family = nullptr;
+    FamilyController controller;
+};
+
 /// What was captured of one controller, before it is put in its place.
 struct Captured {
     bool isDone = false;
@@ -118,19 +126,26 @@ class Capturer {
     Snapshot run() {
         findControllers();
         nameMachine();
+        askFamilies();
         checkRequest();
         captured_.resize(snapshot_.controllers.count());
         for (std::size_t i = 0; i < captured_.size(); ++i) {
-            if (isAsked(i) || decidesOrder(i)) {
+            if (taken_.count(i) == 0 && (isAsked(i) || decidesOrder(i))) {
                 capture(i);
             }
         }
         putInOrder();
         for (std::size_t i = 0; i < captured_.size(); ++i) {
-            if (isAsked(i)) {
+            if (const auto taken = taken_.find(i); taken != taken_.end()) {
+                finishFamily(std::move(taken->second), i, true);
+            } else if (isAsked(i)) {
                 finish(i);
             }
         }
+        for (std::size_t i = 0; i < further_.size(); ++i) {
+            finishFamily(std::move(further_[i]), snapshot_.controllers.count() + i, false);
+        }
+        findUndriven();
         checkSerialNumbers(snapshot_);
         return std::move(snapshot_);
     }
@@ -138,10 +153,10 @@ class Capturer {
   private:
     void findControllers() {
         Collector found;
-        const std::unique_ptr<PCI_DevList_VC> devices = platform_.pciDevices();
+        devices_ = platform_.pciDevices();
         tell("hardware detector");
         detected_ = snapshot_.controllers.initialize(
-            *devices, std::make_unique<Tool>(platform_, found, request_.limit), found);
+            *devices_, std::make_unique<Tool>(platform_, found, request_.limit), found);
         detectorOutcome_ = platform_.outcome;
         detectorCode_ = platform_.exitCode;
         for (const Fault& fault : found.faults) {
@@ -225,10 +240,151 @@ class Capturer {
                    : line + " did not end within " + secondsText(request_.limit);
     }
 
+    /// Each tells its own controllers: no PCI function is needed for them to be seen.
+    void askFamilies() {
+        for (const Family* const family : families()) {
+            if (isToBeAsked(*family)) {
+                askFamily(*family);
+            }
+        }
+        std::stable_sort(further_.begin(), further_.end(), [](const Told& a, const Told& b) {
+            const auto key = [](const Told& told) {
+                return std::pair(told.controller.pci.empty(),
+                                 std::string_view(told.controller.pci));
+            };
+            return key(a) < key(b);
+        });
+        for (const auto& [index, told] : taken_) {
+            snapshot_.families.push_back(
+                {static_cast<std::int32_t>(index) + 1, std::string(told.family->name()), true});
+        }
+        for (std::size_t i = 0; i < further_.size(); ++i) {
+            snapshot_.families.push_back(
+                {static_cast<std::int32_t>(snapshot_.controllers.count() + i) + 1,
+                 std::string(further_[i].family->name()), false});
+        }
+    }
+
+    [[nodiscard]] bool isAskedByName(const Family& family) const {
+        return std::find(request_.families.begin(), request_.families.end(), family.name()) !=
+               request_.families.end();
+    }
+
+    [[nodiscard]] bool isToBeAsked(const Family& family) const {
+        if (!request_.asksFamilies || (family.isOptIn() && !isAskedByName(family))) {
+            return false;
+        }
+        return family.programs().empty() || request_.utilities == nullptr ||
+               !request_.utilities->programOf(family.name()).empty();
+    }
+
+    void askFamily(const Family& family) {
+        FamilyRequest request;
+        request.limit = request_.limit;
+        request.progress = request_.progress;
+        request.elapsed = system::elapsed;
+        request.isAskedFor = isAskedByName(family);
+        FamilyCapture captured = family.capture(platform_, request);
+        // UTIL.BAT, and what a recording stands for, need not know the family at all.
+        const bool isOwnProgram = request_.utilities != nullptr &&
+                                  !request_.utilities->programOf(family.name()).empty() &&
+                                  !request_.utilities->usesWrapper(family.name());
+        if (isOwnProgram || !captured.controllers.empty()) {
+            for (const FamilyFinding& told : captured.findings) {
+                snapshot_.findings.push_back(familyFinding(told));
+            }
+        }
+        for (FamilyController& controller : captured.controllers) {
+            familyFunctions_.push_back(controller.pci);
+            place({&family, std::move(controller)});
+        }
+    }
+
+    /// In the place of a card that zolex knows, behind all others, or nowhere.
+    void place(Told told) {
+        const auto known = cardAt(told.controller.pci);
+        if (!known) {
+            further_.push_back(std::move(told));
+            return;
+        }
+        const std::string other(utilityOfType(snapshot_.controllers.controller(*known)->type()));
+        const std::string own(told.family->name());
+        const std::string both = "controller " + std::to_string(*known + 1) + " is driven by " +
+                                 own + " and by " + other + ": ";
+        if (taken_.count(*known) != 0) {
+            return; // one card, told twice
+        }
+        if (isNamed(other) && !isNamed(own)) {
+            tellBoth(both + other + " is used, because it was named");
+            return;
+        }
+        if (told.controller.failed) {
+            tellBoth(both + other + " is used, because " + own + " fails");
+            return;
+        }
+        tellBoth(both + own + " is used");
+        taken_.emplace(*known, std::move(told));
+    }
+
+    void tellBoth(std::string summary) {
+        snapshot_.findings.push_back(problemFinding(problem::drivenByBoth, std::move(summary)));
+    }
+
+    [[nodiscard]] bool isNamed(const std::string& utility) const {
+        return request_.utilities != nullptr && request_.utilities->named.contains(utility);
+    }
+
+    [[nodiscard]] std::optional<std::size_t> cardAt(const std::string& pci) const {
+        for (std::size_t i = 0; i < snapshot_.controllers.count() && !pci.empty(); ++i) {
+            if (functionOf(*snapshot_.controllers.controller(i)).pci == pci) {
+                return i;
+            }
+        }
+        return std::nullopt;
+    }
+
+    void finishFamily(Told told, std::size_t index, bool takesPlace) {
+        if (!isAsked(index)) {
+            return;
+        }
+        ControllerSnapshot snapshot = familySnapshot(*told.family, std::move(told.controller),
+                                                     static_cast<std::int32_t>(index) + 1);
+        if (takesPlace && snapshot.pciIds.empty()) {
+            snapshot.pciIds = functionOf(*snapshot_.controllers.controller(index)).pciIds;
+        }
+        tellBroken(snapshot);
+        snapshot_.details.push_back(std::move(snapshot));
+    }
+
+    /// RAID controllers on the bus that nobody has told of.
+    void findUndriven() {
+        if (!request_.asksFamilies || devices_ == nullptr) {
+            return;
+        }
+        std::vector<std::string> driven;
+        for (std::size_t i = 0; i < snapshot_.controllers.count(); ++i) {
+            driven.push_back(functionOf(*snapshot_.controllers.controller(i)).pci);
+        }
+        for (const std::string& pci : familyFunctions_) {
+            driven.push_back(pci);
+        }
+        devices_->reset();
+        while (const PciDevice* const device = devices_->next()) {
+            const KnownFunction known = knownFunction(*device);
+            std::string pci = pciPlaceOf(*device);
+            if (!known.family.empty() &&
+                std::find(driven.begin(), driven.end(), pci) == driven.end()) {
+                snapshot_.undriven.push_back(
+                    {std::move(pci), pciIdsOf(*device), std::string(known.family), known.isSure});
+            }
+        }
+    }
+
     void checkRequest() const {
+        const std::size_t count = snapshot_.controllers.count() + further_.size();
         for (const std::int32_t number : request_.controllers) {
-            if (number < 1 || static_cast<std::size_t>(number) > snapshot_.controllers.count()) {
-                throw NoSuchController(number, snapshot_.controllers.count());
+            if (number < 1 || static_cast<std::size_t>(number) > count) {
+                throw NoSuchController(number, count);
             }
         }
     }
@@ -538,6 +694,10 @@ class Capturer {
     GetConfigFiles source_;
     Snapshot snapshot_;
     std::vector<Captured> captured_;
+    std::unique_ptr<PCI_DevList_VC> devices_;
+    std::map<std::size_t, Told> taken_;        ///< by the place of the card that zolex knows
+    std::vector<Told> further_;                ///< in the order of the bus
+    std::vector<std::string> familyFunctions_; ///< all that families told of
     std::optional<Machine> detected_;
     ChildOutcome detectorOutcome_ = ChildOutcome::notStarted;
     std::uint32_t detectorCode_ = 0;
@@ -551,6 +711,17 @@ NoSuchController::NoSuchController(std::int32_t number, std::size_t count)
                           : count == 1 ? ": this machine has one, number 1"
                                        : ": this machine has " + std::to_string(count))),
       number_(number), count_(count) {}
+
+std::size_t Snapshot::count() const {
+    const auto further = std::count_if(families.begin(), families.end(),
+                                       [](const FamilyPlace& each) { return !each.takesPlace; });
+    return controllers.count() + static_cast<std::size_t>(further);
+}
+
+bool Snapshot::isOfFamily(std::int32_t number) const {
+    return std::any_of(families.begin(), families.end(),
+                       [number](const FamilyPlace& each) { return each.number == number; });
+}
 
 bool Snapshot::isComplete() const {
     return std::none_of(details.begin(), details.end(),

@@ -23,6 +23,10 @@ struct CaptureRequest {
     /// Told before each child: "hardware detector", then of each listing
     /// "controller 1 of 2: UTIL.BAT MEGACLI -pdList -a0". May be empty.
     std::function<void(const std::string& text)> progress;
+    /// Whether the families beside zolex's utilities are asked for their controllers.
+    bool asksFamilies = false;
+    /// Names of families that are asked though they have to be asked for by name.
+    std::vector<std::string> families;
     /// The programs behind the platform, to tell which of them is missing or cannot be started; or
     /// null. They outlive the capture.
     const Utilities* utilities = nullptr;
@@ -44,8 +48,10 @@ class NoSuchController : public std::runtime_error {
 /// Looks at the machine: its names, its controllers, and of each one asked for the listings with
 /// the layout, read twice. Nothing but reading command lines reach `platform`, as zolex writes them
 /// ("UTIL.BAT MEGACLI -pdList -a0"): a UtilityPlatform, a recording or what replays one. What fails
-/// is told in the snapshot and ends nothing else. NoSuchController is thrown before any utility is
-/// asked, or behind the capture where the controllers' numbers depend on it.
+/// is told in the snapshot and ends nothing else. NoSuchController is thrown before a utility of
+/// zolex is asked. Controllers that zolex knows have its numbers; where a family drives such a
+/// card, it takes the card's place, unless the user named the program of the card's own utility.
+/// The other controllers of families follow, in the order of the bus.
 [[nodiscard]] Snapshot captureMachine(Platform& platform, const CaptureRequest& request);
 
 } // namespace zolex::companion

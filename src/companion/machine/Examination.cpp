@@ -1,5 +1,6 @@
 #include "companion/machine/Examination.h"
 
+#include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
 #include "model/RAIDController.h"
@@ -19,8 +20,15 @@ constexpr std::uint64_t leastFreeBytes = std::uint64_t{1} << 20U;
 std::vector<std::int32_t> controllersOf(const Snapshot& snapshot, std::string_view utility) {
     std::vector<std::int32_t> numbers;
     for (std::size_t i = 0; i < snapshot.controllers.count(); ++i) {
-        if (utilityOfType(snapshot.controllers.controller(i)->type()) == utility) {
-            numbers.push_back(static_cast<std::int32_t>(i) + 1);
+        const std::int32_t number = static_cast<std::int32_t>(i) + 1;
+        if (utilityOfType(snapshot.controllers.controller(i)->type()) == utility &&
+            !snapshot.isOfFamily(number)) {
+            numbers.push_back(number);
+        }
+    }
+    for (const FamilyPlace& place : snapshot.families) {
+        if (place.utility == utility) {
+            numbers.push_back(place.number);
         }
     }
     return numbers;
@@ -119,6 +127,38 @@ void tellUtility(const UtilityCheck& check, std::vector<SubjectFinding>& finding
     }
 }
 
+/// Families have a row where they are of use: their program is there, or a controller.
+void addFamilies(const Snapshot& snapshot, const Utilities& utilities, Examination& examination) {
+    for (const Family* const family : families()) {
+        UtilityCheck check = checkUtility(family->name(), snapshot, utilities, {});
+        const bool isThere = !check.controllers.empty() || !check.program.empty();
+        if (isThere) {
+            examination.utilities.push_back(std::move(check));
+        }
+    }
+}
+
+/// RAID controllers of which no utility tells.
+void tellUndriven(const Snapshot& snapshot, const Utilities& utilities,
+                  std::vector<SubjectFinding>& findings) {
+    for (const UndrivenFunction& function : snapshot.undriven) {
+        Finding finding = problemFinding(problem::notDriven, undrivenText(function));
+        finding.severity = function.isSure ? Severity::warning : Severity::note;
+        finding.help = {undrivenHelp(function)};
+        findings.push_back({"PCI " + function.pci, std::move(finding)});
+    }
+    for (const UtilityNames& names : undrivenUtilityNames()) {
+        const auto found = utilities.programs.find(names.utility);
+        if (found != utilities.programs.end()) {
+            Finding finding =
+                problemFinding(problem::notDriven,
+                               found->second + " is there, and zolexctl does not drive it yet");
+            finding.severity = Severity::note;
+            findings.push_back({std::string(names.utility), std::move(finding)});
+        }
+    }
+}
+
 void tellSurroundings(const Surroundings& surroundings, std::vector<SubjectFinding>& findings) {
     const system::TemporaryFolder& folder = surroundings.temporaryFolder;
     if (!folder.isWritable) {
@@ -146,6 +186,9 @@ std::vector<ExitCodeProbe> probeExitCodes(Platform& platform, const Snapshot& sn
     ReadOnlyPlatform reading(platform);
     std::vector<ExitCodeProbe> probes;
     for (const ControllerSnapshot& controller : snapshot.details) {
+        if (findFamily(controller.utility) != nullptr) {
+            continue; // it is judged by what it prints
+        }
         const bool isAsked =
             std::any_of(probes.begin(), probes.end(), [&controller](const ExitCodeProbe& probe) {
                 return probe.utility == controller.utility;
@@ -161,6 +204,22 @@ std::vector<ExitCodeProbe> probeExitCodes(Platform& platform, const Snapshot& sn
         probe.exitCode = result.exitCode;
     }
     return probes;
+}
+
+std::string undrivenText(const UndrivenFunction& function) {
+    const bool isOurs = findFamily(function.family) != nullptr;
+    return std::string(function.isSure ? "a RAID controller ("
+                                       : "what may be a RAID controller (") +
+           function.pciIds + ") " +
+           (isOurs ? "is on the bus, and " + function.family + " tells of none there"
+                   : "is on the bus, of the utility " + function.family +
+                         ", which zolexctl does not drive yet");
+}
+
+std::string undrivenHelp(const UndrivenFunction& function) {
+    return findFamily(function.family) != nullptr
+               ? "install " + function.family + ", or name it: " + namingOption(function.family)
+               : "configure it with its own utility";
 }
 
 bool Examination::hasFaults() const {
@@ -189,11 +248,13 @@ Examination examine(const Snapshot& snapshot, const Utilities& utilities,
     for (const UtilityNames& names : utilityNames()) {
         examination.utilities.push_back(checkUtility(names.utility, snapshot, utilities, probes));
     }
-    if (snapshot.controllers.count() == 0) {
+    addFamilies(snapshot, utilities, examination);
+    if (snapshot.count() == 0) {
         findings.push_back(
             {"machine", problemFinding(problem::noControllers,
                                        "no PCI function is a RAID controller that zolex knows")});
     }
+    tellUndriven(snapshot, utilities, findings);
     for (const Finding& finding : snapshot.findings) {
         findings.push_back(
             {finding.code == problem::detectorFailed ? "hwdetect.exe" : "machine", finding});

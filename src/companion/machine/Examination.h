@@ -76,6 +76,10 @@ struct Examination {
     [[nodiscard]] std::optional<bool> wrapperLosesCodes() const;
 };
 
+/// What is to be said of a controller on the bus that no utility tells of, and what to do.
+[[nodiscard]] std::string undrivenText(const UndrivenFunction& function);
+[[nodiscard]] std::string undrivenHelp(const UndrivenFunction& function);
+
 [[nodiscard]] Examination examine(const Snapshot& snapshot, const Utilities& utilities,
                                   const std::vector<ExitCodeProbe>& probes,
                                   const Surroundings& surroundings);

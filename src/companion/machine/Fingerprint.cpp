@@ -67,7 +67,9 @@ std::string stateText(const ControllerSnapshot& controller) {
         constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
         std::string text;
         append(text, facts.location);
-        append(text, facts.serialNumber.empty() ? facts.inquiry : facts.serialNumber);
+        append(text, !facts.serialNumber.empty() ? facts.serialNumber
+                     : !facts.wwn.empty()        ? facts.wwn
+                                                 : facts.inquiry);
         append(text, facts.capacityBytes ? std::to_string(*facts.capacityBytes / bytesOfMb) : "");
         append(text, driveCondition(facts));
         drives.push_back(std::move(text));
@@ -91,7 +93,8 @@ Strength strengthOf(const Snapshot& snapshot) {
     for (const ControllerSnapshot& controller : snapshot.details) {
         controllers = controllers && !isPlaceholder(controller.facts.serialNumber);
         for (const MachineDrive& drive : controller.drives) {
-            const bool told = !isPlaceholder(drive.facts.serialNumber);
+            const bool told =
+                !isPlaceholder(drive.facts.serialNumber) || !isPlaceholder(drive.facts.wwn);
             drives = drives || told;
             allDrives = allDrives && told;
         }

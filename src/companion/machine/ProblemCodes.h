@@ -1,5 +1,6 @@
 #pragma once
 
+#include "companion/families/FamilyCodes.h"
 #include "companion/findings/Finding.h"
 
 #include <span>
@@ -41,6 +42,10 @@ inline constexpr std::string_view clockWrong = "ZP119";
 inline constexpr std::string_view noControllers = "ZP120";
 inline constexpr std::string_view orderUnknown = "ZP121";
 inline constexpr std::string_view namedOtherwise = "ZP122";
+inline constexpr std::string_view textAnswer = family_code::textAnswer;
+inline constexpr std::string_view notDriven = family_code::notDriven;
+inline constexpr std::string_view drivenByBoth = "ZP140";
+inline constexpr std::string_view tamperedController = "ZP141";
 inline constexpr std::string_view documentUnreadable = "ZP190";
 inline constexpr std::string_view otherDocument = "ZP191";
 inline constexpr std::string_view otherVersion = "ZP192";
@@ -59,6 +64,9 @@ inline constexpr std::string_view addingIsNotEnough = "ZP220";
 inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";
 inline constexpr std::string_view foreignNotCleared = "ZP223";
+inline constexpr std::string_view drivesUnlike = "ZP224";
+inline constexpr std::string_view noRoom = "ZP225";
+inline constexpr std::string_view spareNotMade = "ZP226";
 inline constexpr std::string_view otherMachine = "ZP239";
 inline constexpr std::string_view stepRefused = "ZP240";
 inline constexpr std::string_view stepWithoutEffect = "ZP241";

@@ -1,6 +1,7 @@
 #include "companion/machine/ReadOnlyPlatform.h"
 
 #include "commands/CommandSource.h"
+#include "companion/families/Family.h"
 #include "companion/machine/Utilities.h"
 #include "foundation/Report.h"
 #include "inventory/ZOLEXSupport.h"
@@ -52,6 +53,9 @@ std::vector<std::string> allReadingLines() {
 
 bool isReadingLine(std::string_view commandLine) {
     static const std::vector<std::string> lines = allReadingLines();
+    if (const Family* const family = findFamily(commandLine); family != nullptr) {
+        return family->isReading(commandLine);
+    }
     return std::binary_search(lines.begin(), lines.end(), withoutEnd(commandLine), std::less<>());
 }
 

@@ -18,8 +18,9 @@ class NotForReading : public std::logic_error {
 };
 
 /// Whether the command line is one that only reads: those by which a controller's listings are
-/// taken, with and without the layout, the one that asks the hardware detector, and the nonsense
-/// verb below. Blanks and line ends at its end do not count; all else is compared as a whole.
+/// taken, with and without the layout, those that a family calls so, the one that asks the hardware
+/// detector, and the nonsense verb below. Blanks and line ends at its end do not count; all else is
+/// compared as a whole.
 [[nodiscard]] bool isReadingLine(std::string_view commandLine);
 
 /// The command line with a verb that no utility has; a wrapper that keeps exit codes ends it with

@@ -62,6 +62,22 @@ struct ControllerSnapshot {
     bool failed = false;           ///< its utility failed: nothing beside the inventory is known
 };
 
+/// Where a family's controller stands among those of the machine.
+struct FamilyPlace {
+    std::int32_t number = 0; ///< from 1
+    std::string utility;     ///< "STORCLI"
+    /// Whether zolex knows the card too, by another utility: the number is the card's there.
+    bool takesPlace = false;
+};
+
+/// A RAID controller on the bus that no utility has told of.
+struct UndrivenFunction {
+    std::string pci;     ///< "0000:02:0e.0"
+    std::string pciIds;  ///< "1000:0411:1000:1002"
+    std::string family;  ///< the word of the utility that would drive it
+    bool isSure = false; ///< it is a RAID controller; else it may be a host adapter
+};
+
 /// Everything that is known of one machine at one moment.
 struct Snapshot {
     Machine machine;
@@ -69,10 +85,16 @@ struct Snapshot {
     /// As zolex reads them, with their drives and captured layouts.
     ControllerList controllers;
     std::vector<ControllerSnapshot> details; ///< one for each controller asked for
+    std::vector<FamilyPlace> families;       ///< all controllers of families, asked for or not
+    std::vector<UndrivenFunction> undriven;  ///< in the order of the bus
     std::vector<Fault> faults;               ///< that the core reported meanwhile
     std::vector<std::string> coreMessages;   ///< the texts that zolex has for them, and notes
     std::vector<Finding> findings;           ///< of the machine as a whole
 
+    /// How many controllers the machine has, asked for or not.
+    [[nodiscard]] std::size_t count() const;
+    /// Whether a family drives the controller of this number, counted from 1.
+    [[nodiscard]] bool isOfFamily(std::int32_t number) const;
     /// Whether all controllers asked for could be captured.
     [[nodiscard]] bool isComplete() const;
 };

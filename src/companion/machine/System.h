@@ -31,6 +31,25 @@ struct TemporaryFolder {
 /// Looks at it; nothing is written.
 [[nodiscard]] TemporaryFolder temporaryFolder();
 
+/// A folder of its own for a child that leaves files in its current folder. It goes with the files
+/// that are in it.
+class EmptyFolder {
+  public:
+    EmptyFolder();
+    EmptyFolder(const EmptyFolder&) = delete;
+    EmptyFolder& operator=(const EmptyFolder&) = delete;
+    ~EmptyFolder();
+
+    /// Empty when it could not be made.
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+  private:
+    std::string name_;
+};
+
+/// The path from the root of the file system; as it is where that cannot be had.
+[[nodiscard]] std::string absolutePath(const std::string& path);
+
 /// The code page of the console; nothing where there are none, and without a console.
 [[nodiscard]] std::optional<std::uint32_t> codePage();
 

@@ -1,5 +1,6 @@
 #include "companion/machine/Utilities.h"
 
+#include "companion/families/Family.h"
 #include "companion/machine/System.h"
 #include "foundation/FileSystem.h"
 #include "foundation/Text.h"
@@ -38,6 +39,10 @@ constexpr std::array<UtilityNames, 7> utilityRows = {{
     {"HYPERWIN", hyperwin},
 }};
 
+constexpr std::array<std::string_view, 2> storcli2 = {"storcli2", "perccli2"};
+
+constexpr std::array<UtilityNames, 1> undrivenRows = {{{"STORCLI2", storcli2}}};
+
 constexpr std::string_view wordOf(std::int32_t type, std::string_view command) {
     return type == controller_type::none ? std::string_view()
                                          : command.substr(wrapperName.size() + 1);
@@ -71,6 +76,17 @@ std::string find(const ProgramFolders& folders, std::string_view name) {
     return {};
 }
 
+/// Enters the first program of a utility that is found.
+void findProgram(const ProgramFolders& folders, const UtilityNames& names, Utilities& utilities) {
+    for (const std::string_view program : names.programs) {
+        std::string path = find(folders, std::string(program) + (folders.isWindows ? ".exe" : ""));
+        if (!path.empty()) {
+            utilities.programs.emplace(names.utility, std::move(path));
+            return;
+        }
+    }
+}
+
 std::string upperCase(std::string_view word) {
     std::string upper(word);
     std::transform(upper.begin(), upper.end(), upper.begin(), text::upper);
@@ -81,6 +97,20 @@ std::string upperCase(std::string_view word) {
 
 std::span<const UtilityNames> utilityNames() {
     return utilityRows;
+}
+
+std::vector<UtilityNames> familyUtilityNames() {
+    std::vector<UtilityNames> names;
+    for (const Family* const family : families()) {
+        if (!family->programs().empty()) {
+            names.push_back({family->name(), family->programs()});
+        }
+    }
+    return names;
+}
+
+std::span<const UtilityNames> undrivenUtilityNames() {
+    return undrivenRows;
 }
 
 std::string_view utilityOfType(std::int32_t controllerType) {
@@ -102,7 +132,7 @@ std::string Utilities::programOf(std::string_view utility) const {
     if (const auto given = named.find(utility); given != named.end()) {
         return given->second;
     }
-    if (!wrapper.empty()) {
+    if (usesWrapper(utility)) {
         return wrapper;
     }
     const auto found = programs.find(utility);
@@ -110,7 +140,9 @@ std::string Utilities::programOf(std::string_view utility) const {
 }
 
 bool Utilities::usesWrapper(std::string_view utility) const {
-    return !wrapper.empty() && named.find(utility) == named.end();
+    const bool isFoundFirst =
+        findFamily(utility) != nullptr && programs.find(utility) != programs.end();
+    return !wrapper.empty() && named.find(utility) == named.end() && !isFoundFirst;
 }
 
 std::vector<std::string> Utilities::argumentsOf(std::string_view commandLine) const {
@@ -121,6 +153,9 @@ std::vector<std::string> Utilities::argumentsOf(std::string_view commandLine) co
     if (arguments.front() == detectorName && !detector.empty()) {
         arguments.front() = detector;
         return arguments;
+    }
+    if (findFamily(arguments.front()) != nullptr) {
+        arguments.insert(arguments.begin(), std::string(wrapperName));
     }
     if (arguments.front() != wrapperName || arguments.size() < 2) {
         return {};
@@ -137,13 +172,15 @@ std::vector<std::string> Utilities::argumentsOf(std::string_view commandLine) co
 }
 
 std::string namingOption(std::string_view utility) {
-    const auto* const row =
-        std::find_if(utilityRows.begin(), utilityRows.end(),
-                     [utility](const UtilityNames& each) { return each.utility == utility; });
+    std::vector<UtilityNames> rows(utilityRows.begin(), utilityRows.end());
+    const std::vector<UtilityNames> ofFamilies = familyUtilityNames();
+    rows.insert(rows.end(), ofFamilies.begin(), ofFamilies.end());
+    const auto row = std::find_if(rows.begin(), rows.end(), [utility](const UtilityNames& each) {
+        return each.utility == utility;
+    });
     std::string text = "zolexctl --utility ";
     text.append(utility).append("=/path/");
-    return text.append(row == utilityRows.end() ? utility : row->programs.front())
-        .append(" doctor");
+    return text.append(row == rows.end() ? utility : row->programs.front()).append(" doctor");
 }
 
 Utilities findUtilities(const ProgramFolders& folders,
@@ -155,14 +192,13 @@ Utilities findUtilities(const ProgramFolders& folders,
     utilities.wrapper = find(folders, wrapperName);
     utilities.detector = find(folders, detectorName);
     for (const UtilityNames& row : utilityRows) {
-        for (const std::string_view program : row.programs) {
-            std::string path =
-                find(folders, std::string(program) + (folders.isWindows ? ".exe" : ""));
-            if (!path.empty()) {
-                utilities.programs.emplace(row.utility, std::move(path));
-                break;
-            }
-        }
+        findProgram(folders, row, utilities);
+    }
+    for (const UtilityNames& row : familyUtilityNames()) {
+        findProgram(folders, row, utilities);
+    }
+    for (const UtilityNames& row : undrivenRows) {
+        findProgram(folders, row, utilities);
     }
     return utilities;
 }

@@ -22,6 +22,10 @@ struct UtilityNames {
 
 /// The seven utilities.
 [[nodiscard]] std::span<const UtilityNames> utilityNames();
+/// Those of the families beside them.
+[[nodiscard]] std::vector<UtilityNames> familyUtilityNames();
+/// Utilities of controllers that zolexctl does not drive yet: that one is there is told.
+[[nodiscard]] std::span<const UtilityNames> undrivenUtilityNames();
 /// The utility's word of a controller type: "MEGACLI" of "UTIL.BAT MEGACLI"; empty for none.
 [[nodiscard]] std::string_view utilityOfType(std::int32_t controllerType);
 
@@ -46,12 +50,14 @@ struct Utilities {
     std::map<std::string, std::string, std::less<>> named; ///< the same, named by the user
 
     /// The program that the utility is started by: the one that the user named, else UTIL.BAT, else
-    /// the one that was found; empty: none.
+    /// the one that was found; of a family the one that was found stands before UTIL.BAT. Empty:
+    /// none.
     [[nodiscard]] std::string programOf(std::string_view utility) const;
     /// Whether that is UTIL.BAT.
     [[nodiscard]] bool usesWrapper(std::string_view utility) const;
     /// The arguments, program first, of a command line as zolex writes it ("UTIL.BAT MEGACLI
-    /// -pdList -a0", "hwdetect.exe /i"); none where the program is missing or is neither.
+    /// -pdList -a0", "hwdetect.exe /i"), or one of a family ("STORCLI show J nolog"); none where
+    /// the program is missing or is none of these.
     [[nodiscard]] std::vector<std::string> argumentsOf(std::string_view commandLine) const;
 };
 

@@ -21,7 +21,8 @@ class UtilityPlatform : public Platform {
 
     Console& console() override { return system_.console(); }
     FileSystem& files() override { return system_.files(); }
-    /// A program that was not found is `notStarted`.
+    /// A program that was not found is `notStarted`. A command line of a family that makes its
+    /// utility write files is run in an empty folder.
     ChildResult runChild(std::string_view commandLine, bool capture,
                          std::chrono::milliseconds limit) override;
     std::unique_ptr<PCI_DevList_VC> pciDevices() override { return system_.pciDevices(); }

@@ -26,18 +26,6 @@ namespace {
 /// What is said of command lines, and of no matter where none is run.
 constexpr std::array<std::string_view, 3> ofCommands = {"ZX701", "ZX702", "ZX711"};
 
-/// "the spare is 32:3 instead of 32:7; ...", with "equivalent: " before it.
-std::string asItStands(const Comparison& comparison) {
-    std::string text = "as the policy says";
-    if (comparison.result != Sameness::equivalent) {
-        return text;
-    }
-    for (const std::string& each : comparison.equivalences) {
-        text += (&each == &comparison.equivalences.front() ? ", equivalent: " : "; ") + each;
-    }
-    return comparison.equivalences.empty() ? text + ", equivalent" : text;
-}
-
 /// What the capture says of the controller that the plan says better: ZX701 where drives without
 /// a number shift numbers that the policy uses, and what lines of zolex name otherwise.
 bool isSaidBetter(const Finding& finding, bool isShifted, const std::string& utility) {
@@ -104,6 +92,9 @@ ControllerPlanning ControllerPlanner::plan(const ControllerSnapshot& detail) {
 }
 
 ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
+    if (detail.index == ControllerSnapshot::noRecord) {
+        return familyPlanner_.plan(detail);
+    }
     ControllerPlanning planning;
     planning.controller = withoutListings(detail);
     const RAIDController* const record = snapshot_.controllers.controller(detail.index);
@@ -244,7 +235,7 @@ void ControllerPlanner::takeAsItStands(Attempt& attempt, ControllerPlanning& pla
     planning = std::move(attempt.planning);
     planning.controller = std::move(controller);
     planning.disposition = Disposition::already;
-    planning.because = asItStands(planning.comparison);
+    planning.because = whyItStands(planning.comparison);
     planning.strategy = Strategy::none;
     for (Finding& finding : attempt.findings) {
         const bool isOfCommand =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "companion/planning/FamilyPlanner.h"
 #include "companion/planning/PlanPolicies.h"
 #include "companion/planning/Refusals.h"
 
@@ -16,7 +17,7 @@ class ControllerPlanner {
                       const PlanPolicies* policies, Refusals& refusals,
                       std::vector<std::string>& coreMessages)
         : snapshot_(snapshot), request_(request), policies_(policies), refusals_(refusals),
-          coreMessages_(coreMessages) {}
+          coreMessages_(coreMessages), familyPlanner_(snapshot, request, policies, refusals) {}
 
     [[nodiscard]] ControllerPlanning plan(const ControllerSnapshot& detail);
 
@@ -39,6 +40,7 @@ class ControllerPlanner {
     const PlanPolicies* policies_;
     Refusals& refusals_;
     std::vector<std::string>& coreMessages_;
+    FamilyPlanner familyPlanner_;
 };
 
 } // namespace zolex::companion

@@ -70,8 +70,10 @@ class Exchange {
     /// All of the pairs, or none when one is named by a list or has another one already.
     void pair(const Pairs& pairs) {
         for (const auto& [one, other] : pairs) {
+            const bool isUnplaced =
+                planning_.configuration && (!positionOf(one) || !positionOf(other));
             if (isListed(one) || isListed(other) || others_.count(one) != 0 ||
-                others_.count(other) != 0 || !positionOf(one) || !positionOf(other)) {
+                others_.count(other) != 0 || isUnplaced) {
                 return;
             }
         }
@@ -110,6 +112,11 @@ class Exchange {
     }
 
     bool apply() {
+        if (!planning_.configuration) {
+            exchangeLocations();
+            compare();
+            return true;
+        }
         const RAIDConfiguration& old = *planning_.configuration;
         if (old.arrays().size() != planning_.arrays.size() ||
             old.hotspares().size() != planning_.spares.size()) {
@@ -141,10 +148,26 @@ class Exchange {
             layout.addHotspare(hotspare);
         }
         planning_.configuration = std::move(layout);
+        compare();
+        return true;
+    }
+
+    /// Of a controller that zolex does not know.
+    void exchangeLocations() {
+        for (PlannedArray& array : planning_.arrays) {
+            for (PlannedDrive& drive : array.drives) {
+                drive.location = otherOf(drive.location);
+            }
+        }
+        for (PlannedSpare& spare : planning_.spares) {
+            spare.location = otherOf(spare.location);
+        }
+    }
+
+    void compare() {
         planning_.after = layoutOf(planning_);
         planning_.comparison = compareLayouts(planning_.controller.facts, planning_.before,
                                               planning_.after, {planning_.controller.utility});
-        return true;
     }
 
     template <typename Take>

@@ -36,6 +36,21 @@ std::vector<std::string> sorted(std::vector<std::string> drives) {
     return drives;
 }
 
+/// The drives span by span; in one where nothing is said of spans.
+std::vector<std::vector<std::string>> spansOf(std::vector<std::string> drives, std::size_t each) {
+    if (each == 0 || each >= drives.size()) {
+        return {std::move(drives)};
+    }
+    std::vector<std::vector<std::string>> spans;
+    for (std::size_t i = 0; i < drives.size(); ++i) {
+        if (i % each == 0) {
+            spans.emplace_back();
+        }
+        spans.back().push_back(std::move(drives[i]));
+    }
+    return spans;
+}
+
 /// Arrays of the same drives are one group: so some utilities make further logical drives.
 class Groups {
   public:
@@ -57,7 +72,7 @@ class Groups {
         keys_.push_back(std::move(key));
         LayoutGroup& group = groups_.emplace_back();
         group.id = array.id;
-        group.spans.push_back(std::move(drives));
+        group.spans = spansOf(std::move(drives), array.drivesPerSpan);
         group.isListed = isListed;
         group.isByPairs = isByPairs;
         return group;
@@ -88,6 +103,7 @@ Layout layoutOf(const ControllerPlanning& planning) {
         LayoutSpare spare;
         spare.location = planned.location;
         spare.covers = planned.covers;
+        spare.isDedicated = planned.isDedicated;
         spare.isListed = namesDrive(planned.reason);
         layout.spares.push_back(std::move(spare));
     }

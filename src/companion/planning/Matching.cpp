@@ -1,5 +1,6 @@
 #include "companion/planning/Matching.h"
 
+#include "companion/binding/FamilyTypes.h"
 #include "companion/planning/PlanFaults.h"
 #include "engine/Planning.h"
 #include "foundation/Text.h"
@@ -50,8 +51,23 @@ bool isReplaced(const EntryView& entry, const SpecifierView& specifier) {
                        });
 }
 
-/// The specifiers that count, each held against the controller.
-std::vector<SpecifierMatch> matchSpecifiers(const EntryView& entry, const MatchValues& values) {
+/// The values that an entry is held against: where its type is one for controllers of a family and
+/// holds, the controller is of that type.
+MatchValues valuesFor(const EntryView& entry, const ControllerMatch& controller) {
+    MatchValues values = controller.values;
+    const CString& type = entry.given.controllerType;
+    const bool holds = !controller.family.empty() && !type.isEmpty() &&
+                       familyTypeHolds(type.view(), controller.family,
+                                       controller.values.controllerType.view(), controller.pciIds);
+    if (holds) {
+        values.controllerType = type;
+    }
+    return values;
+}
+
+/// The specifiers that count, each held against the controller, which is of `model`.
+std::vector<SpecifierMatch> matchSpecifiers(const EntryView& entry, const MatchValues& values,
+                                            const CString& model) {
     std::vector<SpecifierMatch> matches;
     const bool isIdle = !entry.given.all && entry.given.givesNothing();
     for (const SpecifierView& specifier : entry.specifiers) {
@@ -60,14 +76,14 @@ std::vector<SpecifierMatch> matchSpecifiers(const EntryView& entry, const MatchV
         }
         SpecifierMatch match;
         match.specifier = specifier.whole.text;
-        match.actual = actualOf(values, specifier.letter);
+        const std::string actual = actualOf(values, specifier.letter);
+        match.actual = specifier.letter == 't' ? std::string(model.view()) : actual;
         const std::string& wanted = specifier.value.text;
         const bool isText =
             specifier.letter == 'm' || specifier.letter == 's' || specifier.letter == 't';
-        match.holds =
-            !isIdle && (wanted.empty() || specifier.letter == '*' ||
-                        (isText ? text::equalsNoCase(wanted, match.actual)
-                                : text::leadingInt(wanted) == text::leadingInt(match.actual)));
+        match.holds = !isIdle && (wanted.empty() || specifier.letter == '*' ||
+                                  (isText ? text::equalsNoCase(wanted, actual)
+                                          : text::leadingInt(wanted) == text::leadingInt(actual)));
         matches.push_back(std::move(match));
     }
     return matches;
@@ -111,7 +127,7 @@ bool isOfPolicy(const PlanPolicies& policies, std::size_t policy, const Finding&
 
 /// Holds one policy against the controller.
 struct PolicyJudge {
-    const MatchValues& values;
+    const ControllerMatch& controller;
     MatchedPolicy& result;
     const PlanPolicies& policies;
 
@@ -122,10 +138,11 @@ struct PolicyJudge {
         match.matched = false;
         for (const EntryView& entry : policy.entries) {
             EntryMatch row;
+            const MatchValues values = valuesFor(entry, controller);
             row.keyword = entry.entry->keyword.text;
             row.line = policies.fileLine(entry.entry->keyword.start.line);
             row.matched = entry.given.matches(values);
-            row.specifiers = matchSpecifiers(entry, values);
+            row.specifiers = matchSpecifiers(entry, values, controller.values.controllerType);
             const bool isOpen = !row.matched && mightMatch(entry, values);
             if (isOpen && !result.unknown) {
                 result.unknown = unknownName(policy, entry, values, policies.document.file);
@@ -144,9 +161,12 @@ struct PolicyJudge {
 
 MatchedPolicy matchPolicies(const PlanPolicies& policies, const Machine& machine,
                             std::int32_t number, const RAIDController& record) {
+    return matchPolicies(policies, {valuesOf(machine, number, record), {}, {}});
+}
+
+MatchedPolicy matchPolicies(const PlanPolicies& policies, const ControllerMatch& controller) {
     MatchedPolicy result;
-    const MatchValues values = valuesOf(machine, number, record);
-    PolicyJudge judge{values, result, policies};
+    PolicyJudge judge{controller, result, policies};
     for (std::size_t i = 0; i < policies.views.size(); ++i) {
         const PolicyView& policy = policies.views[i];
         if (result.index) {

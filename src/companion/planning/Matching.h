@@ -2,6 +2,7 @@
 
 #include "companion/planning/PlanPolicies.h"
 #include "model/RAIDController.h"
+#include "policies/Policy.h"
 
 #include <cstddef>
 #include <optional>
@@ -19,7 +20,17 @@ struct MatchedPolicy {
     std::optional<Finding> unknown;
 };
 
+/// What the entries of policies are held against.
+struct ControllerMatch {
+    MatchValues values;
+    /// Of a controller that zolex does not know; empty: it knows it.
+    std::string family;
+    std::string pciIds;
+};
+
 /// Holds the policies against a controller, one after another.
+[[nodiscard]] MatchedPolicy matchPolicies(const PlanPolicies& policies,
+                                          const ControllerMatch& controller);
 [[nodiscard]] MatchedPolicy matchPolicies(const PlanPolicies& policies, const Machine& machine,
                                           std::int32_t number, const RAIDController& record);
 

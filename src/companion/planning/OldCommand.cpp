@@ -1,6 +1,7 @@
 #include "companion/planning/OldCommand.h"
 
 #include "commands/CommandLines.h"
+#include "companion/binding/FamilyTypes.h"
 #include "companion/planning/RemovalLines.h"
 #include "companion/planning/Strategy.h"
 #include "foundation/Report.h"
@@ -55,7 +56,8 @@ class OldRun {
 
     /// Whether the file holds entries that zolex refuses.
     [[nodiscard]] bool hasKinds() const {
-        return !request_.classDefaults && hasKindEntries(request_.policiesText);
+        return !request_.classDefaults &&
+               (hasKindEntries(request_.policiesText) || hasFamilyTypes(request_.policiesText));
     }
 
     static bool holdsSomething(const ControllerPlanning& controller) {
@@ -105,7 +107,10 @@ class OldRun {
     }
 
     void tellPolicies() {
-        if (hasKinds()) {
+        if (hasKinds() && !hasKindEntries(request_.policiesText)) {
+            differences_.emplace_back(
+                "zolex refuses the file: it does not know controllers of families (t:)");
+        } else if (hasKinds()) {
             differences_.push_back(
                 "zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone; "
                 "zolexctl record -o server.zrec, and zolexctl convert --to policies " +

@@ -59,6 +59,8 @@ struct PlannedArray {
     std::string id;                   ///< letter
     std::uint64_t capacityBytes = 0;  ///< number of drives times the smallest
     std::vector<PlannedDrive> drives; ///< in the order of the command line
+    /// Of each span, where the command line says so; 0: as the level has it.
+    std::size_t drivesPerSpan = 0;
 };
 
 struct PlannedVolume {
@@ -79,6 +81,7 @@ struct PlannedSpare {
     std::string location;
     std::vector<std::string> covers; ///< letters
     PlanReason reason;
+    bool isDedicated = false; ///< to the arrays that it covers
 };
 
 enum class Strategy { none, add, rebuild };

@@ -1,5 +1,6 @@
 #include "companion/planning/PlanPolicies.h"
 
+#include "companion/binding/FamilyTypes.h"
 #include "companion/lint/Lint.h"
 #include "companion/machine/Sha256.h"
 #include "companion/planning/PlanFaults.h"
@@ -39,7 +40,8 @@ std::unique_ptr<PlanPolicies> readText(std::string file, std::string text,
     SilentReport silent;
     PolicyOptions options;
     options.file = CString(file);
-    PolicyFile read = readPolicies(text, ControllerCatalogue(), options, silent);
+    PolicyFile read =
+        readPolicies(withoutFamilyTypes(text), ControllerCatalogue(), options, silent);
     auto policies = std::make_unique<PlanPolicies>();
     policies->document = scanPolicies(std::move(file), std::move(text));
     const bool isSame =

@@ -1,6 +1,8 @@
 #include "companion/planning/ResetPlan.h"
 
+#include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/FamilySteps.h"
 #include "companion/planning/HealthyView.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/RemovalLines.h"
@@ -68,7 +70,9 @@ ControllerPlanning planController(const Snapshot& snapshot, const ControllerSnap
     ControllerPlanning planning;
     planning.controller = withoutListings(detail);
     const RAIDController* const record = snapshot.controllers.controller(detail.index);
-    if (detail.failed || record == nullptr) {
+    const Family* const family =
+        detail.index == ControllerSnapshot::noRecord ? findFamily(detail.utility) : nullptr;
+    if (detail.failed || (record == nullptr && family == nullptr)) {
         refuseUncaptured(planning);
         return planning;
     }
@@ -83,14 +87,18 @@ ControllerPlanning planController(const Snapshot& snapshot, const ControllerSnap
         return planning;
     }
     const bool clearsNothing = planning.before.groups.empty() && planning.before.spares.empty() &&
-                               !abilitiesOf(*record).clearsForeign;
+                               !abilitiesOf(detail.utility).clearsForeign;
     if (isBlank(planning.before) || clearsNothing) {
         planning.disposition = Disposition::already;
         planning.because = "nothing stands on it";
         planning.after = planning.before;
         return planning;
     }
-    makeResetSteps(*record, planning);
+    if (family != nullptr) {
+        makeFamilyReset(*family, planning);
+    } else {
+        makeResetSteps(*record, planning);
+    }
     return planning;
 }
 

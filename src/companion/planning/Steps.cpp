@@ -37,7 +37,7 @@ void makeSteps(const RAIDController& record, StrategyWish wish, ControllerPlanni
         planForStandingDrives(planning) && planning.comparison.result != Sameness::different) {
         return;
     }
-    StepChoice choice = chooseStrategy(record, wish, planning);
+    StepChoice choice = chooseStrategy(abilitiesOf(record), wish, planning);
     planning.strategy = choice.strategy;
     planning.strategyBecause = choice.because;
     if (choice.strategy == Strategy::none) {

@@ -17,7 +17,7 @@ namespace {
 // caches.
 // HYPERWIN makes one array of all free drives, and nothing beside it.
 // clang-format off
-constexpr std::array<UtilityAbilities, 7> abilityRows = {{
+constexpr std::array<UtilityAbilities, 9> abilityRows = {{
     {"MEGACLI",       true,  true,  false, true,  true,  false},
     {"ARCCONF",       true,  true,  false, false, true,  true},
     {"HRCONF",        false, true,  false, false, true,  false},
@@ -25,6 +25,8 @@ constexpr std::array<UtilityAbilities, 7> abilityRows = {{
     {"CFGGEN",        false, true,  false, false, true,  false},
     {"CFGGEN1.02.02", false, true,  false, false, true,  false},
     {"HYPERWIN",      false, false, false, false, false, true},
+    {"STORCLI",       true,  true,  false, true,  true,  true},
+    {"MD",            true,  true,  false, false, true,  false},
 }};
 // clang-format on
 constexpr UtilityAbilities otherUtility = {"", false, false, false, false, true, false};
@@ -138,7 +140,8 @@ class Sorter {
         }
         for (std::optional<std::size_t>& captured : spareOf_) {
             if (captured && (holds(needed, before_.spares[*captured].location) ||
-                             (before_.spares[*captured].isDedicated && someGroupGoes()))) {
+                             (before_.spares[*captured].isDedicated &&
+                              someGroupGoes(before_.spares[*captured].location)))) {
                 parts_.sparesKept[*captured] = false;
                 captured.reset();
                 return true;
@@ -147,10 +150,17 @@ class Sorter {
         return false;
     }
 
-    /// A dedicated spare goes with its group, and listings do not tell which that is.
-    [[nodiscard]] bool someGroupGoes() const {
-        return std::find(parts_.volumesKept.begin(), parts_.volumesKept.end(), 0U) !=
-               parts_.volumesKept.end();
+    /// A dedicated spare goes with its group, and some listings do not tell which that is.
+    [[nodiscard]] bool someGroupGoes(const std::string& spare) const {
+        const DriveFacts* const drive = planning_.controller.facts.drive(spare);
+        for (std::size_t group = 0; group < parts_.volumesKept.size(); ++group) {
+            const bool isItsOwn = drive == nullptr || drive->covers.empty() ||
+                                  holds(drive->covers, before_.groups[group].id);
+            if (parts_.volumesKept[group] == 0 && isItsOwn) {
+                return true;
+            }
+        }
+        return false;
     }
 
     void listMissing() {
@@ -188,8 +198,9 @@ class Sorter {
 /// Makes the choice for one controller.
 class Chooser {
   public:
-    Chooser(const RAIDController& record, StrategyWish wish, const ControllerPlanning& planning)
-        : abilities_(abilitiesOf(record)), wish_(wish), planning_(planning) {}
+    Chooser(const UtilityAbilities& abilities, StrategyWish wish,
+            const ControllerPlanning& planning)
+        : abilities_(abilities), wish_(wish), planning_(planning) {}
 
     StepChoice choose() {
         const bool isAsked = wish_ == StrategyWish::rebuild;
@@ -344,7 +355,8 @@ class Chooser {
         const std::vector<std::string> needed = neededForeignDrives();
         if (needed.empty()) {
             choice_.clearsForeign = choice_.clearsAll && abilities_.clearsForeign &&
-                                    planning_.before.foreignDrives.empty();
+                                    planning_.before.foreignDrives.empty() &&
+                                    planning_.controller.index != ControllerSnapshot::noRecord;
             return;
         }
         because("foreign",
@@ -561,9 +573,9 @@ bool StandingParts::misses(const Volume& volume) const {
     return std::find(missingVolumes.begin(), missingVolumes.end(), volume) != missingVolumes.end();
 }
 
-StepChoice chooseStrategy(const RAIDController& record, StrategyWish wish,
+StepChoice chooseStrategy(const UtilityAbilities& abilities, StrategyWish wish,
                           const ControllerPlanning& planning) {
-    return Chooser(record, wish, planning).choose();
+    return Chooser(abilities, wish, planning).choose();
 }
 
 std::optional<std::int32_t> commandNumberOf(const ControllerPlanning& planning,

@@ -60,7 +60,7 @@ struct StepChoice {
     std::vector<Finding> faults; ///< why it cannot be done
 };
 
-[[nodiscard]] StepChoice chooseStrategy(const RAIDController& record, StrategyWish wish,
+[[nodiscard]] StepChoice chooseStrategy(const UtilityAbilities& abilities, StrategyWish wish,
                                         const ControllerPlanning& planning);
 
 /// The number that commands have for a captured logical drive; nothing: it cannot be named.

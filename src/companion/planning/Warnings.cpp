@@ -121,4 +121,15 @@ std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
     return findings;
 }
 
+std::string whyItStands(const Comparison& comparison) {
+    std::string text = "as the policy says";
+    if (comparison.result != Sameness::equivalent) {
+        return text;
+    }
+    for (const std::string& each : comparison.equivalences) {
+        text += (&each == &comparison.equivalences.front() ? ", equivalent: " : "; ") + each;
+    }
+    return comparison.equivalences.empty() ? text + ", equivalent" : text;
+}
+
 } // namespace zolex::companion

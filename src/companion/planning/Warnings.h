@@ -11,4 +11,8 @@ namespace zolex::companion {
 /// for what the steps lose.
 [[nodiscard]] std::vector<Finding> planWarnings(const ControllerPlanning& planning);
 
+/// Why nothing is planned where all stands: "as the policy says, equivalent: the spare is 32:3
+/// instead of 32:7".
+[[nodiscard]] std::string whyItStands(const Comparison& comparison);
+
 } // namespace zolex::companion

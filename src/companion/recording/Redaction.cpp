@@ -46,6 +46,9 @@ std::string inCapitals(std::string_view text) {
     return capitals;
 }
 
+/// What stands around keys and values, in JSON too.
+constexpr std::string_view jsonFrame = " \t\r\n\",{}[]";
+
 /// Whether a text tells one thing from others at all.
 bool isSecret(std::string_view text) {
     return text.size() <= longestSecret && !isPlaceholder(text) &&
@@ -54,7 +57,7 @@ bool isSecret(std::string_view text) {
 }
 
 void addTo(std::set<std::string>& secrets, std::string_view text) {
-    if (const std::string_view trimmed = text::trim(text, " \t\r\n"); isSecret(trimmed)) {
+    if (const std::string_view trimmed = text::trim(text, jsonFrame); isSecret(trimmed)) {
         secrets.emplace(trimmed);
     }
 }
@@ -67,15 +70,23 @@ struct KeyedLine {
 
 KeyedLine keyedLine(std::string_view line) {
     const std::size_t mark = line.find_first_of(":=");
-    return mark == std::string_view::npos ? KeyedLine{}
-                                          : KeyedLine{line.substr(0, mark), line.substr(mark + 1)};
+    if (mark == std::string_view::npos) {
+        return {};
+    }
+    return {text::trim(line.substr(0, mark), jsonFrame), line.substr(mark + 1)};
 }
 
-/// Calls `take` with each line, its line end included.
+/// Whether a text is JSON, of which all may stand in one line.
+bool isJson(std::string_view text) {
+    return text::trim(text, " \t\r\n").starts_with('{');
+}
+
+/// Calls `take` with each line, its line end included; of JSON with each key and its value.
 template <typename Take>
 void eachLine(std::string_view text, Take take) {
+    const std::string_view ends = isJson(text) ? "\n,{[" : "\n";
     while (!text.empty()) {
-        const std::size_t end = text.find('\n');
+        const std::size_t end = text.find_first_of(ends);
         const std::size_t size = end == std::string_view::npos ? text.size() : end + 1;
         take(text.substr(0, size));
         text.remove_prefix(size);
@@ -90,14 +101,15 @@ bool hasWord(std::string_view key, std::initializer_list<std::string_view> words
 bool namesSerialNumber(std::string_view key) {
     const std::string_view trimmed = text::trim(key, " \t");
     constexpr std::string_view word = "serial";
-    return hasWord(trimmed, {"serial no", "serial num", "serial_num", "serial#", "serial #"}) ||
+    return text::equalsNoCase(trimmed, "SN") ||
+           hasWord(trimmed, {"serial no", "serial num", "serial_num", "serial#", "serial #"}) ||
            (trimmed.size() >= word.size() &&
             text::containsNoCase(trimmed.substr(trimmed.size() - word.size()), word));
 }
 
 bool namesAddress(std::string_view key) {
-    return hasWord(
-        key, {"sas address", "sasaddr", "wwn", "world wide", "world-wide", "guid", "unique id"});
+    return hasWord(key, {"sas address", "sasaddr", "wwn", "world wide", "world-wide", "guid",
+                         "unique id", "naa id"});
 }
 
 /// The runs of eight hexadecimal digits and more of a value that are not all zeros.
@@ -258,6 +270,7 @@ Secrets secretsOf(const Snapshot& snapshot) {
         addTo(secrets.serialNumbers, controller.facts.serialNumber);
         for (const DriveFacts& drive : controller.facts.drives) {
             addTo(secrets.serialNumbers, drive.serialNumber);
+            addAddresses(drive.wwn, secrets.addresses);
         }
         for (const LogicalDriveFacts& drive : controller.facts.logicalDrives) {
             addTo(secrets.names, drive.name);
@@ -353,7 +366,7 @@ const Redactor::Entry* Redactor::entryAt(std::string_view line, std::size_t at,
 void Redactor::redactLine(std::string_view line, std::string& result) const {
     const KeyedLine keyed = keyedLine(line);
     if (hasWord(keyed.key, {"name"})) {
-        const std::string_view value = text::trim(keyed.value, " \t\r\n");
+        const std::string_view value = text::trim(keyed.value, jsonFrame);
         if (const auto name = names_.find(std::string(value)); name != names_.end()) {
             const auto begin = static_cast<std::size_t>(value.data() - line.data());
             result.append(line.substr(0, begin)).append(name->second);

@@ -1,5 +1,7 @@
 #include "companion/recording/ReplayPlatform.h"
 
+#include "companion/families/Family.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -107,6 +109,9 @@ ChildResult ReplayPlatform::runChild(std::string_view commandLine, bool capture,
                                      std::chrono::milliseconds /*limit*/) {
     ChildCall wanted;
     wanted.command = recordedCommand(commandLine);
+    if (isOfAbsentFamily(commandLine)) {
+        return {};
+    }
     const auto& answer = std::get<ChildCall>(answerTo(wanted));
     if (capture && !answer.capture) {
         throw LackingCall(fileName() + " does not hold the output of " + wanted.command);
@@ -116,6 +121,16 @@ ChildResult ReplayPlatform::runChild(std::string_view commandLine, bool capture,
         result.output.clear();
     }
     return result;
+}
+
+bool ReplayPlatform::isOfAbsentFamily(std::string_view commandLine) const {
+    const Family* const family = findFamily(commandLine);
+    return family != nullptr &&
+           std::none_of(recording_.calls.begin(), recording_.calls.end(),
+                        [family](const RecordedCall& recorded) {
+                            const auto* const child = std::get_if<ChildCall>(&recorded.call);
+                            return child != nullptr && findFamily(child->command) == family;
+                        });
 }
 
 std::unique_ptr<PCI_DevList_VC> ReplayPlatform::pciDevices() {

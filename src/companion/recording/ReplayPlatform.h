@@ -54,6 +54,9 @@ class ReplayPlatform : public Platform {
 
     /// The recorded call that answers `wanted`. Throws LackingCall when there is none.
     const CallKind& answerTo(const CallKind& wanted);
+    /// Whether a command line is of a family that the machine did not have, or that was not known
+    /// when it was recorded: it cannot be started.
+    [[nodiscard]] bool isOfAbsentFamily(std::string_view commandLine) const;
     const CallKind& nextAnswer(const CallKind& wanted);
     [[nodiscard]] std::string fileName() const;
 

@@ -185,7 +185,9 @@ MadeCopy copyOf(const Snapshot& snapshot, std::int32_t number) {
         captured == nullptr ? nullptr : snapshot.controllers.controller(captured->index);
     if (record == nullptr) {
         MadeCopy none;
-        none.because = "it was not captured";
+        none.because = captured == nullptr || captured->failed
+                           ? "it was not captured"
+                           : "controllers of " + captured->utility + " are not copied";
         return none;
     }
     const ControllerSnapshot* const first = &*std::find_if(

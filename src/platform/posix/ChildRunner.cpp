@@ -134,13 +134,13 @@ class Watch {
 } // namespace
 
 ChildResult runChild(std::string_view commandLine, bool capture, milliseconds limit, Notice notice,
-                     std::size_t most) {
+                     std::size_t most, const std::string& folder) {
     Pipe pipe;
     if (!pipe.open()) {
         return {ChildOutcome::noPipe, 0, {}};
     }
     const DefaultChildSignal signal;
-    const auto child = startChild(commandLine, capture ? pipe.writeEnd.get() : -1);
+    const auto child = startChild(commandLine, capture ? pipe.writeEnd.get() : -1, false, folder);
     if (!child) {
         return {ChildOutcome::notStarted, 0, {}};
     }

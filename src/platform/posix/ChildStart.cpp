@@ -40,6 +40,11 @@ class ChildStreams {
         return ready_ && open(STDIN_FILENO, O_RDONLY);
     }
 
+    /// The folder in which the child starts.
+    bool enter(const std::string& folder) {
+        return ready_ && ::posix_spawn_file_actions_addchdir_np(&actions_, folder.c_str()) == 0;
+    }
+
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
   private:
@@ -144,7 +149,8 @@ DefaultChildSignal::~DefaultChildSignal() {
     ::sigaction(SIGCHLD, &before_, nullptr);
 }
 
-std::optional<pid_t> startChild(std::string_view commandLine, int output, bool isApart) {
+std::optional<pid_t> startChild(std::string_view commandLine, int output, bool isApart,
+                                const std::string& folder) {
     std::vector<std::string> arguments = splitCommandLine(commandLine);
     const auto path = arguments.empty() ? std::nullopt : lookUp(arguments.front());
     ChildStreams streams;
@@ -153,7 +159,8 @@ std::optional<pid_t> startChild(std::string_view commandLine, int output, bool i
         return std::nullopt;
     }
     const ChildSignals signals(isApart);
-    if (!streams.set(output) || (isApart && signals.get() == nullptr)) {
+    if (!streams.set(output) || (!folder.empty() && !streams.enter(folder)) ||
+        (isApart && signals.get() == nullptr)) {
         errno = ENOMEM;
         return std::nullopt;
     }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <sys/types.h>
 
@@ -28,9 +29,10 @@ class DefaultChildSignal {
 /// is split into arguments and the program looked up; a file that is neither a binary nor begins
 /// with "#!" is run by /bin/sh. A child that is apart leads a session of its own, which has no
 /// terminal, so that what ends this process does not reach it; all signals have their default
-/// action there, and none is blocked.
+/// action there, and none is blocked. `folder` is the child's current folder; empty: this
+/// process's. A program's path is relative to that folder then.
 [[nodiscard]] std::optional<pid_t> startChild(std::string_view commandLine, int output,
-                                              bool isApart = false);
+                                              bool isApart = false, const std::string& folder = {});
 
 /// A descriptor that becomes readable when the child ends; none where the kernel has no such thing.
 [[nodiscard]] FileDescriptor processDescriptor(pid_t child);

@@ -23,6 +23,12 @@ class PosixPlatform : public Platform {
         return posix::runChild(commandLine, capture, limit);
     }
 
+    ChildResult runChildIn(const std::string& folder, std::string_view commandLine, bool capture,
+                           std::chrono::milliseconds limit) override {
+        return posix::runChild(commandLine, capture, limit, posix::Notice::byDescriptor,
+                               mostChildOutput, folder);
+    }
+
     std::unique_ptr<PCI_DevList_VC> pciDevices() override {
         const std::string named = namedPciRoot();
         return std::make_unique<FolderPciDeviceList>(

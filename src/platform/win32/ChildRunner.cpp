@@ -41,7 +41,7 @@ struct Child {
 
     /// Starts the command line with its output and errors on `output`, or on nothing when that is
     /// null; false when it cannot be started.
-    bool start(std::string_view commandLine, HANDLE output) {
+    bool start(std::string_view commandLine, HANDLE output, const std::string& folder) {
         STARTUPINFOA startup{};
         startup.cb = sizeof startup;
         startup.hStdOutput = output;
@@ -49,8 +49,8 @@ struct Child {
         startup.dwFlags = STARTF_USESTDHANDLES;
         PROCESS_INFORMATION started{};
         std::string writable(commandLine);
-        if (CreateProcessA(nullptr, writable.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                           &startup, &started) == 0) {
+        if (CreateProcessA(nullptr, writable.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                           folder.empty() ? nullptr : folder.c_str(), &startup, &started) == 0) {
             return false;
         }
         process = Handle(started.hProcess);
@@ -115,13 +115,13 @@ bool waitForEnd(HANDLE process, HANDLE readEnd, std::chrono::milliseconds limit,
 } // namespace
 
 ChildResult runChild(std::string_view commandLine, bool capture, std::chrono::milliseconds limit,
-                     std::size_t most) {
+                     std::size_t most, const std::string& folder) {
     Pipe pipe;
     if (!pipe.open()) {
         return {ChildOutcome::noPipe, 0, {}};
     }
     Child child;
-    if (!child.start(commandLine, capture ? pipe.writeEnd.get() : nullptr)) {
+    if (!child.start(commandLine, capture ? pipe.writeEnd.get() : nullptr, folder)) {
         return {ChildOutcome::notStarted, 0, {}};
     }
     ChildResult result;

@@ -24,6 +24,11 @@ class WindowsPlatform : public Platform {
         return win32::runChild(commandLine, capture, limit);
     }
 
+    ChildResult runChildIn(const std::string& folder, std::string_view commandLine, bool capture,
+                           std::chrono::milliseconds limit) override {
+        return win32::runChild(commandLine, capture, limit, mostChildOutput, folder);
+    }
+
     std::unique_ptr<PCI_DevList_VC> pciDevices() override {
         if (const std::string named = namedPciRoot(); !named.empty()) {
             return std::make_unique<FolderPciDeviceList>(console_, named,

@@ -3,9 +3,11 @@
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <dirent.h>
 #include <string_view>
 #include <sys/statvfs.h>
 #include <unistd.h>
+#include <utility>
 
 namespace zolex::companion::system {
 
@@ -32,7 +34,10 @@ std::vector<std::string> searchPath() {
         rest.remove_prefix(end + 1);
     }
     // Where the packages of the utilities put them.
-    for (const char* const folder : {"/opt/MegaRAID/MegaCli", "/usr/Arcconf", "/usr/StorMan"}) {
+    for (const char* const folder :
+         {"/opt/MegaRAID/MegaCli", "/usr/Arcconf", "/usr/StorMan", "/opt/MegaRAID/storcli",
+          "/opt/MegaRAID/perccli", "/opt/lsi/storcli", "/opt/MegaRAID/storcli2",
+          "/opt/MegaRAID/perccli2"}) {
         folders.emplace_back(folder);
     }
     return folders;
@@ -48,6 +53,31 @@ TemporaryFolder temporaryFolder() {
         folder.freeBytes = static_cast<std::uint64_t>(status.f_bavail) * status.f_frsize;
     }
     return folder;
+}
+
+EmptyFolder::EmptyFolder() {
+    std::string name = temporaryFolder().name + "/zolexctl-XXXXXX";
+    if (::mkdtemp(name.data()) != nullptr) {
+        name_ = std::move(name);
+    }
+}
+
+EmptyFolder::~EmptyFolder() {
+    if (name_.empty()) {
+        return;
+    }
+    if (DIR* const folder = ::opendir(name_.c_str()); folder != nullptr) {
+        while (const dirent* const entry = ::readdir(folder)) {
+            ::unlinkat(::dirfd(folder), entry->d_name, 0);
+        }
+        ::closedir(folder);
+    }
+    ::rmdir(name_.c_str());
+}
+
+std::string absolutePath(const std::string& path) {
+    std::array<char, PATH_MAX> buffer{};
+    return ::realpath(path.c_str(), buffer.data()) == nullptr ? path : std::string(buffer.data());
 }
 
 std::optional<std::uint32_t> codePage() {

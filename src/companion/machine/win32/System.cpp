@@ -59,6 +59,42 @@ TemporaryFolder temporaryFolder() {
     return folder;
 }
 
+EmptyFolder::EmptyFolder() {
+    const std::string start =
+        temporaryFolder().name + "zolexctl-" + std::to_string(GetCurrentProcessId()) + "-";
+    constexpr int mostAttempts = 100;
+    for (int i = 0; i < mostAttempts && name_.empty(); ++i) {
+        const std::string name = start + std::to_string(i);
+        if (CreateDirectoryA(name.c_str(), nullptr) != 0) {
+            name_ = name;
+        } else if (GetLastError() != ERROR_ALREADY_EXISTS) {
+            return;
+        }
+    }
+}
+
+EmptyFolder::~EmptyFolder() {
+    if (name_.empty()) {
+        return;
+    }
+    WIN32_FIND_DATAA found{};
+    const HANDLE search = FindFirstFileA((name_ + "\\*").c_str(), &found);
+    if (search != INVALID_HANDLE_VALUE) {
+        do {
+            DeleteFileA((name_ + "\\" + static_cast<const char*>(found.cFileName)).c_str());
+        } while (FindNextFileA(search, &found) != 0);
+        FindClose(search);
+    }
+    RemoveDirectoryA(name_.c_str());
+}
+
+std::string absolutePath(const std::string& path) {
+    std::array<char, 32768> buffer{};
+    const DWORD length =
+        GetFullPathNameA(path.c_str(), static_cast<DWORD>(buffer.size()), buffer.data(), nullptr);
+    return length == 0 || length >= buffer.size() ? path : std::string(buffer.data(), length);
+}
+
 std::optional<std::uint32_t> codePage() {
     const UINT page = GetConsoleOutputCP();
     return page == 0 ? std::nullopt : std::optional<std::uint32_t>(page);

@@ -1,0 +1,608 @@
+#include "companion/families/md/DiskList.h"
+
+#include "companion/text/Sizes.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+#include <map>
+#include <set>
+#include <tuple>
+
+namespace zolex::companion::md {
+
+namespace {
+
+constexpr std::size_t mostAttribute = 4096;
+constexpr std::size_t mostTable = std::size_t{4} << 20U;
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks(" \t\r\n\0", 5);
+    const std::size_t begin = text.find_first_not_of(blanks);
+    return begin == std::string_view::npos
+               ? std::string_view()
+               : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
+}
+
+std::string_view baseName(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+std::vector<std::string_view> parts(std::string_view text, std::string_view separators) {
+    std::vector<std::string_view> found;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of(separators), text.size());
+        if (end != 0) {
+            found.push_back(text.substr(0, end));
+        }
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return found;
+}
+
+template <typename Number>
+std::optional<Number> numberIn(std::string_view text, int base = 10) {
+    Number value{};
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size()
+               ? std::optional(value)
+               : std::nullopt;
+}
+
+/// "/mnt/my\040disk" as it is: tables of /proc write blanks so.
+std::string unescaped(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::optional<unsigned> code =
+            text[i] == '\\' ? numberIn<unsigned>(text.substr(i + 1, 3), 8) : std::nullopt;
+        if (code && *code < 256 && text.size() - i > 3) {
+            plain += static_cast<char>(*code);
+            i += 3;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
+/// Block devices that are no drives of a machine.
+bool isNoDrive(std::string_view name) {
+    constexpr std::array prefixes = {"loop", "ram", "zram", "sr",     "dm-",  "md", "nbd",
+                                     "rbd",  "fd",  "zd",   "bcache", "drbd", "mtd"};
+    return std::any_of(prefixes.begin(), prefixes.end(),
+                       [name](std::string_view prefix) { return name.starts_with(prefix); });
+}
+
+/// Names that a command line can hold as they are.
+bool isPlainName(std::string_view name) {
+    constexpr std::string_view others = "._:+-@=,";
+    return !name.empty() && name[0] != '-' &&
+           std::all_of(name.begin(), name.end(), [others](char c) {
+               return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+                      others.find(c) != std::string_view::npos;
+           });
+}
+
+/// Looks at the machine once.
+class Lister {
+  public:
+    explicit Lister(const DiskScan& scan) : scan_(scan), files_(*scan.files) {}
+
+    DiskList list() {
+        DiskList list;
+        list.kernel = attribute(scan_.roots.proc + "/sys/kernel/osrelease");
+        names_ = files_.entries(block(""));
+        readPartitions();
+        readUses();
+        for (const std::string& name : names_) {
+            if (isDrive(name)) {
+                list.disks.push_back(describe(name));
+            }
+        }
+        nameDisks(list.disks);
+        for (const std::string& name : names_) {
+            if (name.starts_with("md") && !attribute(block(name) + "/md/raid_disks").empty()) {
+                list.arrays.push_back(runningArray(name, list.disks));
+            }
+        }
+        for (ListedDisk& disk : list.disks) {
+            readEnds(disk);
+        }
+        findStopped(list);
+        nameArrays(list);
+        for (ListedDisk& disk : list.disks) {
+            disk.why = whyNot(disk, list);
+            const ListedArray* const array = arrayOf(list.arrays, disk);
+            const std::vector<std::string>& carried = signatures_[disk.name];
+            if (array != nullptr && array->isOurs && !carried.empty()) {
+                disk.carries = carried[0];
+            }
+        }
+        std::sort(list.disks.begin(), list.disks.end(),
+                  [](const ListedDisk& left, const ListedDisk& right) {
+                      return order(left) < order(right);
+                  });
+        return list;
+    }
+
+  private:
+    static std::tuple<std::int32_t, std::int32_t, std::size_t, std::string_view>
+    order(const ListedDisk& disk) {
+        constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
+        return {disk.channel.value_or(last), disk.target.value_or(last), disk.name.size(),
+                disk.name};
+    }
+
+    [[nodiscard]] std::string block(const std::string& name) const {
+        return scan_.roots.sys + "/block" + (name.empty() ? "" : "/" + name);
+    }
+    [[nodiscard]] std::string device(const std::string& name) const {
+        return scan_.roots.dev + "/" + name;
+    }
+    std::string attribute(const std::string& file) {
+        return std::string(trimmed(files_.read(file, 0, mostAttribute).value_or("")));
+    }
+    template <typename Number>
+    Number numberOf(const std::string& file) {
+        return numberIn<Number>(attribute(file)).value_or(Number{});
+    }
+
+    bool isDrive(const std::string& name) {
+        return !isNoDrive(name) && !files_.resolved(block(name) + "/device").empty() &&
+               attribute(block(name) + "/hidden") != "1";
+    }
+
+    void readPartitions() {
+        for (const std::string& name : names_) {
+            numbers_.emplace(attribute(block(name) + "/dev"), name);
+            for (const std::string& entry : files_.entries(block(name))) {
+                const std::string folder = block(name) + "/" + entry;
+                if (entry.starts_with(name) && !attribute(folder + "/partition").empty()) {
+                    partitions_[name].push_back(entry);
+                    wholeOf_[entry] = name;
+                    numbers_.emplace(attribute(folder + "/dev"), entry);
+                }
+            }
+        }
+    }
+
+    /// Notes what a device is used for, and so is everything that it lies on.
+    void use(const std::string& name, const std::string& why, int depth = 0) {
+        constexpr int deepest = 16;
+        if (name.empty() || depth > deepest) {
+            return;
+        }
+        uses_.emplace(name, why);
+        if (const auto whole = wholeOf_.find(name); whole != wholeOf_.end()) {
+            use(whole->second, why, depth + 1);
+        }
+        for (const std::string& slave : files_.entries(block(name) + "/slaves")) {
+            use(slave, why, depth + 1);
+        }
+    }
+
+    void readUses() {
+        const std::string mounts =
+            files_.read(scan_.roots.proc + "/self/mountinfo", 0, mostTable).value_or("");
+        std::vector<std::pair<std::string, std::string>> found;
+        for (const std::string_view line : parts(mounts, "\n")) {
+            const std::vector<std::string_view> fields = parts(line, " ");
+            const auto dash = std::find(fields.begin(), fields.end(), "-");
+            if (fields.size() < 6 || fields.end() - dash < 3) {
+                continue;
+            }
+            const std::string place = unescaped(fields[4]);
+            const std::string why =
+                place == "/" ? "it holds the system's root" : "mounted at " + place;
+            if (const auto name = numbers_.find(fields[2]); name != numbers_.end()) {
+                found.emplace_back(name->second, why);
+            }
+            // Some file systems have a number of their own.
+            found.emplace_back(nameOf(unescaped(dash[2])), why);
+        }
+        // A drive of the root is told as such, wherever else it is mounted.
+        std::stable_partition(found.begin(), found.end(),
+                              [](const auto& one) { return !one.second.starts_with("mounted"); });
+        for (const auto& [name, why] : found) {
+            use(name, why);
+        }
+        const std::string swaps =
+            files_.read(scan_.roots.proc + "/swaps", 0, mostTable).value_or("");
+        for (const std::string_view line : parts(swaps, "\n")) {
+            const std::vector<std::string_view> fields = parts(line, " \t");
+            if (!fields.empty()) {
+                use(nameOf(unescaped(fields[0])), "the system swaps to it");
+            }
+        }
+    }
+
+    /// The kernel's name of a device; empty for what is none.
+    std::string nameOf(const std::string& path) {
+        constexpr std::string_view folder = "/dev/";
+        if (!path.starts_with(folder)) {
+            return {};
+        }
+        const std::string resolved = files_.resolved(device(path.substr(folder.size())));
+        return std::string(baseName(resolved.empty() ? path : resolved));
+    }
+
+    ListedDisk describe(const std::string& name) {
+        const std::string folder = block(name);
+        const std::string parent = folder + "/device";
+        ListedDisk disk;
+        disk.name = name;
+        const auto firstOf = [this](std::initializer_list<std::string> files) {
+            for (const std::string& file : files) {
+                if (std::string text = attribute(file); !text.empty()) {
+                    return text;
+                }
+            }
+            return std::string();
+        };
+        // Page 0x80: four bytes, then the number.
+        const std::string page = files_.read(parent + "/vpd_pg80", 0, mostAttribute).value_or("");
+        disk.serialNumber =
+            trimmed(std::string_view(page).substr(std::min<std::size_t>(4, page.size())));
+        if (disk.serialNumber.empty()) {
+            disk.serialNumber = firstOf({parent + "/serial", folder + "/serial"});
+        }
+        disk.manufacturer = attribute(parent + "/vendor");
+        disk.model = attribute(parent + "/model");
+        disk.revision = firstOf({parent + "/rev", parent + "/firmware_rev"});
+        disk.wwn = firstOf({parent + "/wwid", folder + "/wwid"});
+        const bool isNvme = name.starts_with("nvme");
+        disk.protocol = isNvme                                        ? "NVMe"
+                        : disk.manufacturer == "ATA"                  ? "SATA"
+                        : !attribute(parent + "/sas_address").empty() ? "SAS"
+                        : name.starts_with("sd")                      ? "SCSI"
+                                                                      : "";
+        if (disk.manufacturer == "ATA" || disk.manufacturer.starts_with("0x")) {
+            disk.manufacturer.clear();
+        }
+        const std::string rotates = attribute(folder + "/queue/rotational");
+        disk.mediaType = rotates == "0" ? "SSD" : rotates == "1" ? "HDD" : "";
+        constexpr std::uint64_t sector = 512;
+        disk.bytes = numberOf<std::uint64_t>(folder + "/size") * sector;
+        disk.blockBytes = std::max(numberOf<std::uint32_t>(folder + "/queue/logical_block_size"),
+                                   std::uint32_t{512});
+        place(disk, files_.resolved(parent));
+        return disk;
+    }
+
+    /// SCSI host and target of "2:0:3:0", else the place of its PCI function.
+    static void place(ListedDisk& disk, std::string_view resolved) {
+        const std::vector<std::string_view> address = parts(baseName(resolved), ":");
+        if (address.size() == 4 && numberIn<std::int32_t>(address[0])) {
+            disk.channel = numberIn<std::int32_t>(address[0]);
+            disk.target = numberIn<std::int32_t>(address[2]);
+            return;
+        }
+        for (const std::string_view folder : parts(resolved, "/")) {
+            const std::vector<std::string_view> pci = parts(folder, ":.");
+            const auto bus = pci.size() == 4 ? numberIn<std::int32_t>(pci[1], 16) : std::nullopt;
+            const auto slot = pci.size() == 4 ? numberIn<std::int32_t>(pci[2], 16) : std::nullopt;
+            if (bus && slot && *bus < 256 && *slot < 32) {
+                disk.channel = *bus;
+                disk.target = *slot;
+            }
+        }
+    }
+
+    /// The links of udev. Of several the one that holds the serial number, and the shortest of
+    /// them.
+    void nameDisks(std::vector<ListedDisk>& disks) {
+        std::map<std::string, ListedDisk*, std::less<>> byName;
+        for (ListedDisk& disk : disks) {
+            byName.emplace(disk.name, &disk);
+        }
+        const auto links = [this, &byName](const char* folder, const auto& take) {
+            const std::string path = device(folder);
+            for (const std::string& entry : files_.entries(path)) {
+                const std::string resolved = files_.resolved(path + "/" + entry);
+                const auto disk = byName.find(baseName(resolved));
+                if (disk != byName.end() && isPlainName(entry)) {
+                    take(*disk->second, entry);
+                }
+            }
+        };
+        links("disk/by-id", [](ListedDisk& disk, const std::string& entry) {
+            const auto rank = [&disk](const std::string& name) {
+                const bool tellsSerial =
+                    !disk.serialNumber.empty() && name.find(disk.serialNumber) != std::string::npos;
+                return std::tuple(!tellsSerial, name.size(), name);
+            };
+            if (disk.id.empty() || rank(entry) < rank(disk.id)) {
+                disk.id = entry;
+            }
+        });
+        links("disk/by-path", [](ListedDisk& disk, const std::string& entry) {
+            if (disk.path.empty() || entry.size() < disk.path.size()) {
+                disk.path = entry;
+            }
+        });
+    }
+
+    ListedArray runningArray(const std::string& node, std::vector<ListedDisk>& disks) {
+        const std::string folder = block(node) + "/md";
+        ListedArray array;
+        array.node = node;
+        array.level = attribute(folder + "/level");
+        array.version = attribute(folder + "/metadata_version");
+        array.state = attribute(folder + "/array_state");
+        array.syncAction = attribute(folder + "/sync_action");
+        array.raidDisks =
+            numberIn<std::uint32_t>(parts(attribute(folder + "/raid_disks") + " ", " (")[0])
+                .value_or(0);
+        array.degraded = numberOf<std::uint32_t>(folder + "/degraded");
+        array.chunkBytes = numberOf<std::uint64_t>(folder + "/chunk_size");
+        array.componentBytes = numberOf<std::uint64_t>(folder + "/component_size") * 1024;
+        array.bytes = numberOf<std::uint64_t>(block(node) + "/size") * 512;
+        constexpr std::string_view member = "dev-";
+        for (const std::string& entry : files_.entries(folder)) {
+            if (!entry.starts_with(member)) {
+                continue;
+            }
+            const std::string name = entry.substr(member.size());
+            array.members.push_back(name);
+            const auto disk =
+                std::find_if(disks.begin(), disks.end(),
+                             [&name](const ListedDisk& one) { return one.name == name; });
+            if (disk != disks.end()) {
+                disk->array = node;
+                disk->arrayState = attribute(folder + "/" + entry + "/state");
+                disk->arraySlot =
+                    numberIn<std::uint32_t>(attribute(folder + "/" + entry + "/slot"));
+            }
+        }
+        array.whyNotStopped = whyHeld(node);
+        return array;
+    }
+
+    /// Why an array may not be stopped.
+    std::string whyHeld(const std::string& node) {
+        if (const auto found = uses_.find(node); found != uses_.end()) {
+            return found->second;
+        }
+        std::vector<std::string> devices = partitions_[node];
+        devices.insert(devices.begin(), node);
+        for (const std::string& name : devices) {
+            const std::string folder = name == node ? block(node) : block(node) + "/" + name;
+            if (const auto found = uses_.find(name); found != uses_.end()) {
+                return found->second;
+            }
+            const std::vector<std::string> holders = files_.entries(folder + "/holders");
+            if (!holders.empty()) {
+                return "held by " + holders[0];
+            }
+        }
+        const std::string fault = files_.whyNotOpened(device(node));
+        return fault.empty() ? "" : "it cannot be opened alone: " + fault;
+    }
+
+    /// Reads the two ends of a drive, or where a superblock of ours would be.
+    void readEnds(ListedDisk& disk) {
+        const bool isWhole = !scan_.whole || std::find(scan_.whole->begin(), scan_.whole->end(),
+                                                       disk.id) != scan_.whole->end();
+        constexpr std::size_t little = 8192;
+        const auto most = static_cast<std::size_t>(
+            std::min<std::uint64_t>(disk.bytes, isWhole ? DriveEnds::most : little));
+        const std::string path = device(disk.name);
+        const std::optional<std::string> head = files_.read(path, 0, most);
+        const std::optional<std::string> tail =
+            isWhole ? files_.read(path, disk.bytes - most, most) : std::string();
+        if (!head || !tail || head->size() != most || (isWhole && tail->size() != most)) {
+            unreadable_.insert(disk.name);
+            return;
+        }
+        const DriveEnds ends{*head, *tail, disk.bytes};
+        disk.superblock = superblockOf(ends);
+        if (isWhole) {
+            signatures_[disk.name] = signaturesOf(ends);
+        }
+    }
+
+    static ListedArray* arrayOf(std::vector<ListedArray>& arrays, const ListedDisk& disk) {
+        const auto found =
+            std::find_if(arrays.begin(), arrays.end(), [&disk](const ListedArray& array) {
+                return std::find(array.members.begin(), array.members.end(), disk.name) !=
+                       array.members.end();
+            });
+        return found == arrays.end() ? nullptr : &*found;
+    }
+
+    /// Arrays that do not run, and drives that were in one that does.
+    static void findStopped(DiskList& list) {
+        std::map<std::string, std::string, std::less<>> uuidOfNode;
+        for (ListedArray& array : list.arrays) {
+            for (const ListedDisk& disk : list.disks) {
+                if (disk.array == array.node && disk.superblock && array.uuid.empty()) {
+                    array.uuid = disk.superblock->uuid;
+                    array.name = disk.superblock->name;
+                }
+            }
+        }
+        for (ListedDisk& disk : list.disks) {
+            if (!disk.array.empty() || !disk.superblock || disk.superblock->uuid.empty()) {
+                continue;
+            }
+            auto array = std::find_if(
+                list.arrays.begin(), list.arrays.end(),
+                [&disk](const ListedArray& one) { return one.uuid == disk.superblock->uuid; });
+            if (array == list.arrays.end()) {
+                const Superblock& superblock = *disk.superblock;
+                ListedArray stopped;
+                stopped.name = superblock.name;
+                stopped.uuid = superblock.uuid;
+                stopped.level =
+                    superblock.level == -1 ? "linear" : "raid" + std::to_string(superblock.level);
+                stopped.version = superblock.version;
+                stopped.state = "stopped";
+                stopped.raidDisks = superblock.raidDisks;
+                stopped.chunkBytes = superblock.chunkBytes;
+                stopped.componentBytes = superblock.componentBytes;
+                array = list.arrays.insert(list.arrays.end(), std::move(stopped));
+            }
+            if (array->node.empty()) {
+                disk.arraySlot = disk.superblock->role;
+                disk.arrayState = disk.arraySlot ? "in_sync" : "spare";
+            } else {
+                disk.arrayState = "removed";
+            }
+            array->members.push_back(disk.name);
+        }
+    }
+
+    /// Which arrays are this program's own: by their name, when all of their members are whole
+    /// drives that say the same, and no other array has it.
+    static void nameArrays(DiskList& list) {
+        for (ListedArray& array : list.arrays) {
+            const auto isOwnMember = [&list, &array](const std::string& name) {
+                return std::any_of(list.disks.begin(), list.disks.end(),
+                                   [&](const ListedDisk& disk) {
+                                       return disk.name == name && disk.superblock &&
+                                              disk.superblock->uuid == array.uuid &&
+                                              disk.superblock->name == array.name &&
+                                              disk.superblock->version == "1.2";
+                                   });
+            };
+            const auto sameName =
+                std::count_if(list.arrays.begin(), list.arrays.end(),
+                              [&array](const ListedArray& one) { return one.name == array.name; });
+            array.isOurs = array.name.starts_with(ownPrefix) && isPlainName(array.name) &&
+                           sameName == 1 && !array.members.empty() &&
+                           std::all_of(array.members.begin(), array.members.end(), isOwnMember);
+        }
+    }
+
+    std::string whyNot(const ListedDisk& disk, DiskList& list) {
+        const std::string folder = block(disk.name);
+        if (attribute(folder + "/removable") == "1") {
+            return "it is removable";
+        }
+        if (attribute(folder + "/ro") != "0") {
+            return "it is read-only";
+        }
+        if (disk.bytes < scan_.leastBytes) {
+            return "it is too small: " + sizeText(disk.bytes);
+        }
+        if (disk.id.empty()) {
+            return "it has no name in /dev/disk/by-id";
+        }
+        for (const ListedDisk& other : list.disks) {
+            if (!disk.serialNumber.empty() && other.name != disk.name &&
+                other.serialNumber == disk.serialNumber && other.model == disk.model) {
+                return "it has the serial number of " + other.name + ", too";
+            }
+        }
+        const ListedArray* const array = arrayOf(list.arrays, disk);
+        if (array != nullptr && array->isOurs) {
+            return {};
+        }
+        if (scan_.whole &&
+            std::find(scan_.whole->begin(), scan_.whole->end(), disk.id) == scan_.whole->end()) {
+            return "it is not looked at";
+        }
+        if (const std::string why = whyUsed(disk, array); !why.empty()) {
+            return "in use: " + why;
+        }
+        if (const std::string fault = files_.whyNotOpened(device(disk.name)); !fault.empty()) {
+            return "in use: it cannot be opened alone: " + fault;
+        }
+        return whyContent(disk);
+    }
+
+    std::string whyUsed(const ListedDisk& disk, const ListedArray* array) {
+        const std::string folder = block(disk.name);
+        if (const auto found = uses_.find(disk.name); found != uses_.end()) {
+            return found->second;
+        }
+        if (const auto found = partitions_.find(disk.name);
+            found != partitions_.end() && !found->second.empty()) {
+            return "it has partitions (" + found->second[0] +
+                   (found->second.size() > 1 ? ", ..)" : ")");
+        }
+        if (array != nullptr) {
+            return "member of the md array " + (array->name.empty() ? array->node : array->name) +
+                   (array->node.empty() ? ", which does not run" : "");
+        }
+        const std::vector<std::string> holders = files_.entries(folder + "/holders");
+        return holders.empty() ? "" : "held by " + holders[0];
+    }
+
+    /// What stands on it.
+    std::string whyContent(const ListedDisk& disk) {
+        if (unreadable_.count(disk.name) != 0) {
+            return "its first and last MiB cannot be read";
+        }
+        if (disk.superblock) {
+            return "in use: it carries a superblock of md " + disk.superblock->version;
+        }
+        const std::vector<std::string>& signatures = signatures_[disk.name];
+        const std::string found = !signatures.empty() ? signatures[0] : probe(device(disk.name));
+        return found.empty() ? "" : "in use: it carries " + found;
+    }
+
+    /// What the system's own programs find on a drive, where they are there.
+    std::string probe(const std::string& path) {
+        if (!scan_.run) {
+            return {};
+        }
+        for (const char* const program : {"/usr/sbin/blkid", "/sbin/blkid"}) {
+            const auto answer = scan_.run({program, "-p", "-o", "export", path});
+            constexpr std::uint32_t nothing = 2;
+            constexpr std::uint32_t severalThings = 8;
+            if (answer && answer->exitCode == nothing) {
+                return {};
+            }
+            if (answer && answer->exitCode == severalThings) {
+                return "several signatures (blkid)";
+            }
+            if (answer && answer->exitCode == 0) {
+                return blkidType(answer->output);
+            }
+        }
+        for (const char* const program : {"/usr/sbin/wipefs", "/sbin/wipefs"}) {
+            const auto answer = scan_.run({program, "-n", "-J", path});
+            if (answer && answer->exitCode == 0) {
+                const std::size_t type = answer->output.find("\"type\"");
+                if (type == std::string::npos) {
+                    return {};
+                }
+                const auto texts = parts(std::string_view(answer->output).substr(type), "\"");
+                return texts.size() > 2 ? std::string(texts[2]) + " (wipefs)"
+                                        : "a signature (wipefs)";
+            }
+        }
+        return {};
+    }
+
+    static std::string blkidType(std::string_view output) {
+        for (const std::string_view key : {"TYPE=", "PTTYPE="}) {
+            for (const std::string_view line : parts(output, "\n")) {
+                if (line.starts_with(key)) {
+                    return std::string(line.substr(key.size())) + " (blkid)";
+                }
+            }
+        }
+        return "a signature (blkid)";
+    }
+
+    const DiskScan& scan_;
+    DiskFiles& files_;
+    std::vector<std::string> names_;
+    std::map<std::string, std::vector<std::string>, std::less<>> partitions_;
+    std::map<std::string, std::string, std::less<>> wholeOf_; ///< of a partition
+    std::map<std::string, std::string, std::less<>> numbers_; ///< "8:16" -> "sdb"
+    std::map<std::string, std::string, std::less<>> uses_;
+    std::set<std::string, std::less<>> unreadable_;
+    std::map<std::string, std::vector<std::string>, std::less<>> signatures_;
+};
+
+} // namespace
+
+DiskList listDisks(const DiskScan& scan) {
+    return scan.files == nullptr ? DiskList() : Lister(scan).list();
+}
+
+} // namespace zolex::companion::md

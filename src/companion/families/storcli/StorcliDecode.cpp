@@ -1,0 +1,1051 @@
+#include "companion/families/storcli/StorcliDecode.h"
+
+#include "companion/facts/FactValues.h"
+#include "companion/families/FamilyCodes.h"
+#include "companion/families/storcli/StorcliWords.h"
+#include "companion/families/storcli/ToldValue.h"
+#include "companion/text/Terminal.h"
+#include "foundation/CString.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <tuple>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+/// So many rows of a list are looked at.
+constexpr std::size_t mostRows = 4096;
+constexpr std::size_t mostControllers = 64;
+constexpr std::uint64_t blockBytes = 512;
+constexpr std::string_view missingMember = "Missing";
+
+constexpr std::int32_t errorNone = 50;
+constexpr std::int32_t errorForeignIncomplete = 59;
+
+std::string_view takeLine(std::string_view& text) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return text::trim(line, " \t\r");
+}
+
+/// The value of "Key = value".
+std::optional<std::string_view> lineValue(std::string_view line, std::string_view key) {
+    if (!line.starts_with(key)) {
+        return std::nullopt;
+    }
+    const std::string_view rest = text::trim(line.substr(key.size()), " \t");
+    return rest.starts_with('=') ? std::optional(text::trim(rest.substr(1), " \t")) : std::nullopt;
+}
+
+void readTextStatus(std::string_view output, StorcliAnswer& answer) {
+    constexpr int mostLines = 200;
+    for (int i = 0; i < mostLines && !output.empty(); ++i) {
+        const std::string_view line = takeLine(output);
+        if (const auto status = lineValue(line, "Status")) {
+            answer.status = cleanText(*status);
+        } else if (const auto description = lineValue(line, "Description")) {
+            answer.description = cleanText(*description);
+        } else if (const auto version = lineValue(line, "CLI Version")) {
+            answer.cliVersion = cleanText(*version);
+        }
+    }
+}
+
+/// The entry of a controller; of one document with several that of its own number.
+const ToldValue& entryOf(const ToldJson& json, std::optional<std::int32_t> adapter) {
+    const std::vector<ToldValue>& all = json.value.at("Controllers").items();
+    for (const ToldValue& each : all) {
+        if (adapter && each.at("Command Status").at("Controller").smallNumber() == adapter) {
+            return each;
+        }
+    }
+    static const ToldValue none;
+    return all.empty() ? none : all.front();
+}
+
+StorcliAnswer answerOf(const ToldJson& json, const ToldValue& entry, std::string_view output) {
+    StorcliAnswer answer;
+    answer.isJson = json.isJson;
+    answer.fault = json.fault;
+    if (!json.isJson) {
+        readTextStatus(output, answer);
+        return answer;
+    }
+    const ToldValue& status = entry.at("Command Status");
+    answer.status = status.at("Status").text();
+    answer.description = status.at("Description").toldText();
+    answer.cliVersion = status.at("CLI Version").text();
+    for (const ToldValue& detail : status.at("Detailed Status").items()) {
+        const std::int32_t code = detail.at("ErrCd").smallNumber().value_or(0);
+        const std::string message = detail.atAny({"ErrMsg", "Description"}).toldText();
+        if (code != 0 && answer.errorCode == 0) {
+            answer.errorCode = code;
+            answer.description = message.empty() ? answer.description : message;
+        }
+    }
+    return answer;
+}
+
+/// One listing of a controller.
+struct Document {
+    std::size_t index = 0;
+    std::string command;
+    ToldJson json;
+    StorcliAnswer answer;
+    const ToldValue* status = nullptr;
+    const ToldValue* data = nullptr; ///< its "Response Data"
+
+    [[nodiscard]] const ToldValue& at(std::string_view key) const { return data->at(key); }
+};
+
+/// What a call asks for, from its path.
+bool asks(std::string_view command, std::string_view path) {
+    return text::contains(command, path);
+}
+
+std::string countOf(std::size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+/// "252:1, 252:2 and 5 more".
+std::string listOf(const std::vector<std::string>& names) {
+    constexpr std::size_t most = 6;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(names.size(), most); ++i) {
+        text += (i == 0 ? "" : ", ") + names[i];
+    }
+    return names.size() > most ? text + " and " + std::to_string(names.size() - most) + " more"
+                               : text;
+}
+
+/// Rows of TOPOLOGY, group by group.
+struct Group {
+    std::map<std::int32_t, std::map<std::int32_t, std::string>> members; ///< by span and row
+    std::size_t rows = 0;
+};
+
+/// When a logical drive was made, in an order that compares; empty: not told.
+std::string stampOf(const ToldValue& properties) {
+    const std::string date = properties.at("Creation Date").text(); // day, month, year
+    const std::string time = properties.at("Creation Time").text(); // "10:03:00 AM"
+    const auto part = [](std::string_view text, std::string_view delimiter, std::size_t index) {
+        return text::leadingInt(text::token(text, delimiter, index));
+    };
+    if (std::count(date.begin(), date.end(), '-') != 2) {
+        return {};
+    }
+    constexpr int halfDay = 12;
+    const bool isAfternoon = text::containsNoCase(time, "PM");
+    const bool isTwelve = text::containsNoCase(time, "M");
+    int hour = part(time, ":", 0);
+    hour = isTwelve ? hour % halfDay + (isAfternoon ? halfDay : 0) : hour;
+    return std::string(formatText("%04d%02d%02d%02d%02d%02d", part(date, "-", 2),
+                                  part(date, "-", 1), part(date, "-", 0), hour, part(time, ":", 1),
+                                  part(time, ":", 2))
+                           .view());
+}
+
+class Decoder {
+  public:
+    explicit Decoder(FamilyController& controller)
+        : controller_(controller), facts_(controller.facts) {}
+
+    void run() {
+        readDocuments();
+        if (!hasController()) {
+            return;
+        }
+        tellDuplicates();
+        readBasics();
+        readAbilities();
+        readTopology();
+        readForeign();
+        readDrives();
+        readVolumes();
+        judgeCoverage();
+        judgeAnswers();
+        countKeys();
+    }
+
+  private:
+    void find(std::string_view code, std::string summary, std::string detail = {}) {
+        controller_.findings.push_back(
+            {std::string(code), std::move(summary), std::move(detail), {}});
+    }
+
+    void readDocuments() {
+        documents_.resize(controller_.listings.size());
+        facts_.listings.resize(controller_.listings.size());
+        for (std::size_t i = 0; i < documents_.size(); ++i) {
+            const FamilyListing& listing = controller_.listings[i];
+            Document& document = documents_[i];
+            document.index = i;
+            document.command = listing.command;
+            document.json = readToldJson(listing.output);
+            const ToldValue& entry = entryOf(document.json, controller_.adapter);
+            document.answer = answerOf(document.json, entry, listing.output);
+            document.status = &entry.at("Command Status");
+            document.data = &entry.at("Response Data");
+            facts_.listings[i].isListing = document.status->isObject();
+            if (asks(listing.command, "/fall ")) {
+                foreign_ = &document;
+            } else if (asks(listing.command, "/vall ")) {
+                volumes_ = &document;
+            } else if (asks(listing.command, "/sall ")) {
+                drives_.push_back(&document);
+            } else if (all_ == nullptr) {
+                all_ = &document;
+            }
+        }
+    }
+
+    /// What the answer that tells nothing is, as a finding.
+    void tellNoData(const Document& document) {
+        const FamilyListing& listing = controller_.listings[document.index];
+        if (listing.outcome != ChildOutcome::ended && listing.outcome != ChildOutcome::notClosed) {
+            return; // told by whoever called
+        }
+        const StorcliAnswer& answer = document.answer;
+        if (!answer.isJson) {
+            find(family_code::textAnswer,
+                 document.command + " answers in another form than JSON" +
+                     (answer.description.empty() ? "" : ": " + printable(answer.description)),
+                 answer.fault + "; exit code " + std::to_string(listing.exitCode));
+            return;
+        }
+        find(family_code::utilityFails,
+             document.command + " tells nothing" +
+                 (answer.description.empty() ? "" : ": " + printable(answer.description)),
+             "exit code " + std::to_string(listing.exitCode));
+    }
+
+    bool hasController() {
+        if (all_ != nullptr && all_->data->isObject()) {
+            if (all_->answer.cliVersion.starts_with("008")) {
+                controller_.failed = true;
+                find(family_code::notDriven,
+                     "the utility is of generation 008, which zolexctl does not drive yet: " +
+                         printable(all_->answer.cliVersion));
+                return false;
+            }
+            return true;
+        }
+        controller_.failed = true;
+        if (all_ != nullptr) {
+            tellNoData(*all_);
+        }
+        return false;
+    }
+
+    void tellDuplicates() {
+        std::set<std::string> told;
+        for (const Document& document : documents_) {
+            for (const std::string& key : document.json.duplicates) {
+                if (told.insert(key).second) {
+                    find(family_code::toldTwice, document.command + ": \"" + printable(key) +
+                                                     "\" stands twice; the first counts");
+                }
+            }
+        }
+    }
+
+    void readBasics() {
+        const ToldValue& basics = all_->at("Basics");
+        facts_.productName = basics.atAny({"Model", "Product Name"}).toldText();
+        facts_.serialNumber = basics.at("Serial Number").toldText();
+        controller_.model = storcliModel(facts_.productName);
+        const ToldValue& version = all_->at("Version");
+        facts_.firmwareVersion =
+            version.atAny({"Firmware Package Build", "Firmware Version"}).toldText();
+        facts_.biosVersion = version.atAny({"Bios Version", "BIOS Version"}).toldText();
+        facts_.driverVersion = version.at("Driver Version").toldText();
+        facts_.reportedState = all_->at("Status").at("Controller Status").toldText();
+        readFunction(basics);
+        std::vector<std::string> lacking;
+        for (const char* const section : {"Basics", "Version", "Bus", "Status", "Capabilities"}) {
+            if (!all_->at(section).isObject()) {
+                lacking.emplace_back(section);
+            }
+        }
+        if (!all_->at("PD LIST").isThere() && expectedDrives().value_or(1) > 0) {
+            lacking.emplace_back("PD LIST");
+        }
+        if (!all_->at("TOPOLOGY").isThere() && expectedVolumes().value_or(0) > 0) {
+            lacking.emplace_back("TOPOLOGY");
+        }
+        if (!lacking.empty()) {
+            find(family_code::notTold, all_->command + " does not tell: " + listOf(lacking));
+        }
+    }
+
+    void readFunction(const ToldValue& basics) {
+        const ToldValue& bus = all_->at("Bus");
+        controller_.pci = storcliPciAddress(basics.at("PCI Address").text());
+        const auto number = bus.at("Bus Number").id();
+        if (controller_.pci.empty() && number) {
+            controller_.pci =
+                storcliPciAddress(formatText("%x:%x:%x:%x", bus.at("Domain ID").id().value_or(0),
+                                             *number, bus.at("Device Number").id().value_or(0),
+                                             bus.at("Function Number").id().value_or(0))
+                                      .view());
+        }
+        constexpr std::size_t domainSize = 5; // "0000:"
+        if (controller_.pci.size() > domainSize) {
+            facts_.pciAddress = controller_.pci.substr(domainSize);
+        }
+        std::string ids;
+        for (const auto& keys :
+             {std::pair("Vendor Id", "VendorId"), std::pair("Device Id", "DeviceId"),
+              std::pair("SubVendor Id", "SubVendorId"), std::pair("SubDevice Id", "SubDeviceId")}) {
+            const auto id = bus.atAny({keys.first, keys.second}).id();
+            constexpr std::uint32_t mostId = 0xFFFF;
+            if (!id || *id > mostId) {
+                return;
+            }
+            ids += (ids.empty() ? "" : ":") + std::string(formatText("%04x", *id).view());
+        }
+        controller_.pciIds = ids;
+        facts_.pciIds = ids;
+    }
+
+    /// Drives of HPE's listings are decimal, and so are keys that no other has.
+    [[nodiscard]] StorcliUnits units() const {
+        const bool isDecimal = all_->at("Arrays").isThere() ||
+                               all_->at("Status").at("Energy Pack Status").isThere() ||
+                               text::contains(facts_.pciIds, ":1590:");
+        return isDecimal ? StorcliUnits::decimal : StorcliUnits::binary;
+    }
+
+    void readAbilities() {
+        const ToldValue& told = all_->at("Capabilities");
+        std::string levels = told.at("RAID Level Supported").text();
+        for (std::size_t begin = 0; begin < levels.size();) {
+            // A comma inside of parentheses parts nothing.
+            std::size_t end = begin;
+            for (int depth = 0; end < levels.size() && (levels[end] != ',' || depth > 0); ++end) {
+                depth += levels[end] == '(' ? 1 : levels[end] == ')' ? -1 : 0;
+            }
+            std::string level = storcliLevel(std::string_view(levels).substr(begin, end - begin));
+            if (!level.empty() && std::find(facts_.raidTypes.begin(), facts_.raidTypes.end(),
+                                            level) == facts_.raidTypes.end()) {
+                facts_.raidTypes.push_back(std::move(level));
+            }
+            begin = end + 1;
+        }
+        facts_.minStripSizeBytes = sizeOf(told.at("Min Strip Size"));
+        facts_.maxStripSizeBytes = sizeOf(told.at("Max Strip Size"));
+        ControllerAbilities& abilities = facts_.abilities;
+        abilities.mostDrives = told.at("Max Arms Per VD").smallNumber().value_or(0);
+        abilities.mostSpans = told.at("Max Spans Per VD").smallNumber().value_or(0);
+        abilities.mostVolumesPerArray = told.at("Max VD per array").smallNumber().value_or(0);
+        const auto ofHdd = told.at("Mix of SAS/SATA of HDD type in VD").truth();
+        const auto ofSsd = told.at("Mix of SAS/SATA of SSD type in VD").truth();
+        if (ofHdd || ofSsd) {
+            abilities.mixesProtocols = ofHdd.value_or(true) && ofSsd.value_or(true);
+        }
+        abilities.mixesMedia = told.at("Mix of SSD/HDD in VD").truth();
+        const ToldValue& usual = all_->at("Defaults");
+        abilities.usualStripSizeBytes = sizeOf(usual.at("Strip Size"));
+        abilities.usualWriteCache = storcliWriteMode(usual.at("Write Policy").text());
+        abilities.usualReadCache = storcliReadMode(usual.at("Read Policy").text());
+        mostVolumes_ = told.at("Max Number of VDs").smallNumber();
+        for (const ToldValue& row : all_->at("Policies").at("Policies Table").items()) {
+            if (row.at("Policy").text() == "Rebuild Rate" && facts_.rebuildRate.empty()) {
+                std::string rate = row.at("Current").text();
+                rate.erase(std::remove(rate.begin(), rate.end(), ' '), rate.end());
+                facts_.rebuildRatePercent = std::nullopt;
+                if (const auto percent = row.at("Current").number(); percent && *percent <= 100) {
+                    facts_.rebuildRatePercent = static_cast<std::int32_t>(*percent);
+                }
+                facts_.rebuildRate = std::move(rate);
+            }
+        }
+    }
+
+    static std::optional<std::uint64_t> sizeOf(const ToldValue& value) {
+        const auto size = parseSize(value.text());
+        return size && size->bytes > 0 ? std::optional(size->bytes) : std::nullopt;
+    }
+
+    void readTopology() {
+        std::size_t rows = 0;
+        for (const ToldValue& row : all_->at("TOPOLOGY").items()) {
+            if (++rows > mostRows) {
+                break;
+            }
+            const std::string word = row.at("State").text();
+            const auto group = row.at("DG").smallNumber();
+            const auto span = row.at("Arr").smallNumber();
+            const auto line = row.at("Row").smallNumber();
+            const auto place = storcliPlace(row.at("EID:Slot").text());
+            const bool isSpare = word == "DHS" || word == "GHS";
+            if (isSpare) {
+                if (place && group) {
+                    covered_[place->location()].push_back(std::to_string(*group));
+                }
+                continue;
+            }
+            if (!group) {
+                continue;
+            }
+            Group& entry = groups_[*group];
+            ++entry.rows;
+            if (span && line) {
+                std::string member = place ? place->location() : std::string(missingMember);
+                members_.insert(member);
+                entry.members[*span].emplace(*line, std::move(member));
+            }
+        }
+    }
+
+    [[nodiscard]] std::optional<std::int32_t> expectedDrives() const {
+        return all_->at("Physical Drives").smallNumber();
+    }
+    [[nodiscard]] std::optional<std::int32_t> expectedVolumes() const {
+        return all_->at("Virtual Drives").smallNumber();
+    }
+
+    /// What a drive's own listing has of it: its row, and its details.
+    struct DrivePart {
+        const ToldValue* row = nullptr;
+        const ToldValue* details = nullptr;
+        std::size_t listing = 0;
+    };
+
+    void readDrives() {
+        std::map<std::string, DrivePart> parts;
+        std::vector<std::pair<StorcliPlace, const ToldValue*>> rows;
+        std::set<std::string> listed;
+        const auto add = [&](const ToldValue& row, std::size_t listing) {
+            const auto place = storcliPlace(row.at("EID:Slt").text());
+            ++facts_.listings[listing].blocks;
+            if (!place) {
+                broken(listing, "PD LIST", "physical drive without a slot number");
+                return;
+            }
+            ++facts_.listings[listing].blocksRead;
+            if (listed.insert(place->location()).second) {
+                rows.emplace_back(*place, &row);
+            }
+        };
+        for (const Document* const document : drives_) {
+            readParts(*document, parts);
+        }
+        for (const ToldValue& row : all_->at("PD LIST").items()) {
+            if (rows.size() < mostRows) {
+                add(row, all_->index);
+            }
+        }
+        for (const auto& [location, part] : parts) {
+            if (part.row != nullptr && listed.count(location) == 0 && rows.size() < mostRows) {
+                add(*part.row, part.listing);
+            }
+        }
+        std::vector<std::string> unknown;
+        std::vector<std::string> silent;
+        for (const auto& [place, row] : rows) {
+            const auto part = parts.find(place.location());
+            readDrive(place, *row, part == parts.end() ? DrivePart() : part->second, unknown,
+                      silent);
+        }
+        if (!unknown.empty()) {
+            find(family_code::unknownWord, countOf(unknown.size(), "drive is", "drives are") +
+                                               " in a state that zolexctl "
+                                               "does not know, and not planned with: " +
+                                               listOf(unknown));
+        }
+        if (!silent.empty()) {
+            find(family_code::noDetails,
+                 countOf(silent.size(), "drive tells", "drives tell") + " no details, and " +
+                     (silent.size() == 1 ? "is" : "are") + " not planned with: " + listOf(silent));
+        }
+    }
+
+    void readParts(const Document& document, std::map<std::string, DrivePart>& parts) {
+        constexpr std::string_view start = "Drive ";
+        constexpr std::string_view details = "Detailed Information";
+        for (const auto& [key, value] : document.data->members()) {
+            if (!key.starts_with(start)) {
+                continue;
+            }
+            const std::string_view rest = std::string_view(key).substr(start.size());
+            const std::string_view path = rest.substr(0, rest.find(' '));
+            const auto place = storcliPathPlace(path);
+            if (!place) {
+                continue;
+            }
+            DrivePart& part = parts[place->location()];
+            part.listing = document.index;
+            if (rest.size() == path.size()) {
+                part.row = value.items().empty() ? &value : &value.items().front();
+                ++facts_.listings[document.index].blocks;
+                ++facts_.listings[document.index].blocksRead;
+            } else if (rest.ends_with(details)) {
+                part.details = &value;
+            }
+        }
+        for (const ToldValue& row : document.status->at("Detailed Status").items()) {
+            const std::int32_t code = row.at("ErrCd").smallNumber().value_or(0);
+            const auto place = storcliPathPlace(row.at("Drive").text());
+            if (code != 0 && place) {
+                errors_[place->location()] = code;
+            }
+        }
+    }
+
+    /// The member whose key ends so: keys have the drive's path in front.
+    static const ToldValue& section(const ToldValue* details, std::string_view ending) {
+        static const ToldValue none;
+        if (details != nullptr) {
+            for (const auto& [key, value] : details->members()) {
+                if (key.ends_with(ending)) {
+                    return value;
+                }
+            }
+        }
+        return none;
+    }
+
+    void readDrive(const StorcliPlace& place, const ToldValue& row, const DrivePart& part,
+                   std::vector<std::string>& unknown, std::vector<std::string>& silent) {
+        const ToldValue& state = section(part.details, " State");
+        const ToldValue& attributes = section(part.details, " Device attributes");
+        const ToldValue& settings = section(part.details, " Policies/Settings");
+        DriveFacts& drive = facts_.drives.emplace_back();
+        drive.location = place.location();
+        drive.enclosure = place.enclosure;
+        drive.slot = place.slot;
+        drive.number = row.at("DID").smallNumber();
+        drive.serialNumber = attributes.at("SN").toldText();
+        drive.manufacturer = attributes.at("Manufacturer Id").toldText();
+        drive.model = attributes.at("Model Number").toldText();
+        drive.revision = attributes.at("Firmware Revision").toldText();
+        drive.wwn = attributes.at("WWN").toldText();
+        if (drive.model.empty()) {
+            drive.model = row.at("Model").toldText();
+        }
+        drive.protocol = protocolWord(row.at("Intf").toldText());
+        drive.mediaType = row.at("Med").toldText();
+        drive.mediaErrorCount = state.at("Media Error Count").number();
+        drive.otherErrorCount = state.at("Other Error Count").number();
+        drive.predictedFailureCount = state.at("Predictive Failure Count").number();
+        drive.temperatureCelsius = temperatureOf(state.at("Drive Temperature"));
+        drive.place.listing = part.details != nullptr ? part.listing : all_->index;
+        drive.place.line =
+            lineOf(drive.place.listing,
+                   part.details != nullptr ? pathOf(place) : std::string("\"PD LIST\""));
+        readSize(row, attributes, drive);
+        readState(row, drive, unknown);
+        if (state.at("S.M.A.R.T alert flagged by drive").truth().value_or(false)) {
+            drive.predictedFailureCount =
+                std::max<std::uint64_t>(drive.predictedFailureCount.value_or(0), 1);
+            drive.health = drive.health == Health::ok ? Health::warning : drive.health;
+        }
+        readSpare(row, drive);
+        if (settings.at("Locked").truth().value_or(false)) {
+            bar(drive, "locked by its encryption");
+        }
+        if (part.details == nullptr) {
+            const auto error = errors_.find(drive.location);
+            const std::string why =
+                error == errors_.end() ? "" : " (error " + std::to_string(error->second) + ")";
+            silent.push_back(drive.location + why);
+            bar(drive, "it does not tell its details" + why);
+        }
+    }
+
+    static void bar(DriveFacts& drive, std::string why) {
+        if (drive.barred.empty()) {
+            drive.barred = std::move(why);
+        }
+    }
+
+    [[nodiscard]] std::string pathOf(const StorcliPlace& place) const {
+        return "\"Drive /c" + std::to_string(controller_.adapter) +
+               (place.enclosure ? "/e" + std::to_string(*place.enclosure) : "") + "/s" +
+               std::to_string(place.slot) + "\"";
+    }
+
+    static std::string protocolWord(const std::string& told) {
+        return text::equalsNoCase(told, "NVMe") ? "NVMe" : told;
+    }
+
+    static std::optional<std::int32_t> temperatureOf(const ToldValue& value) {
+        const auto degrees = value.number();
+        constexpr std::uint64_t most = 1000;
+        return degrees && *degrees < most ? std::optional(static_cast<std::int32_t>(*degrees))
+                                          : std::nullopt;
+    }
+
+    /// What arrays are made of: sectors as the drive tells them, else the text.
+    void readSize(const ToldValue& row, const ToldValue& attributes, DriveFacts& drive) const {
+        constexpr std::uint64_t mostSector = std::uint64_t{1} << 20U;
+        const auto sector = sizeOf(attributes.at("Logical Sector Size"));
+        const auto ofRow = sizeOf(row.at("SeSz"));
+        const std::uint64_t block = sector.value_or(ofRow.value_or(0));
+        if (block > 0 && block <= mostSector) {
+            drive.blockSizeBytes = static_cast<std::uint32_t>(block);
+        }
+        const auto sectors = hexSectors(attributes.at("Coerced size").text());
+        constexpr std::uint64_t most = std::uint64_t{1} << 62U;
+        if (sectors && *sectors > 0 && drive.blockSizeBytes && *sectors <= most / block) {
+            drive.capacityBytes = *sectors * block;
+            return;
+        }
+        if (const auto size = storcliSize(row.at("Size").text(), units())) {
+            drive.capacityBytes = size->bytes;
+            drive.capacityTolerance = size->tolerance;
+        }
+    }
+
+    static void readState(const ToldValue& row, DriveFacts& drive,
+                          std::vector<std::string>& unknown) {
+        drive.reportedState = row.at("State").text();
+        const StorcliDriveWord* const word = storcliDriveWord(drive.reportedState);
+        if (word == nullptr) {
+            unknown.push_back(drive.location + " (" + printable(drive.reportedState) + ")");
+            bar(drive, "its state is not known: " + printable(drive.reportedState));
+        } else {
+            drive.state = word->state;
+            drive.health = word->health;
+            drive.hotspare = word->hotspare;
+            drive.barred = word->barred;
+        }
+        const std::string power = row.at("Sp").text();
+        drive.isForeign =
+            drive.state == DriveState::foreign || row.at("DG").text() == "F" || power == "F";
+        if (drive.isForeign && drive.state == DriveState::free) {
+            drive.state = DriveState::foreign;
+        }
+        if (power == "T" && drive.state == DriveState::free) {
+            bar(drive, "its power state is changing");
+        }
+    }
+
+    void readSpare(const ToldValue& row, DriveFacts& drive) {
+        if (drive.hotspare != HotspareKind::dedicated) {
+            return;
+        }
+        const auto told = covered_.find(drive.location);
+        if (told != covered_.end()) {
+            drive.covers = told->second;
+            std::sort(drive.covers.begin(), drive.covers.end(),
+                      [](const std::string& a, const std::string& b) {
+                          return text::leadingInt(a) < text::leadingInt(b);
+                      });
+            drive.covers.erase(std::unique(drive.covers.begin(), drive.covers.end()),
+                               drive.covers.end());
+            return;
+        }
+        for (const std::int32_t group : numbersIn(row.at("DG").text())) {
+            drive.covers.push_back(std::to_string(group));
+        }
+    }
+
+    void readForeign() {
+        if (foreign_ == nullptr) {
+            return;
+        }
+        const StorcliAnswer& answer = foreign_->answer;
+        if (answer.isFailure()) {
+            const bool isNone = answer.errorCode == errorNone ||
+                                text::containsNoCase(answer.description, "no foreign");
+            if (answer.errorCode == errorForeignIncomplete ||
+                text::containsNoCase(answer.description, "incomplete")) {
+                facts_.foreignConfigurations.emplace_back("incomplete: drives of it are missing");
+                find(family_code::foreignIncomplete,
+                     "a foreign configuration is incomplete: drives of it are missing");
+            } else if (!isNone) {
+                tellNoData(*foreign_);
+            }
+        }
+        for (const char* const key : {"FOREIGN CONFIGURATION", "FOREIGN DG LIST"}) {
+            std::size_t rows = 0;
+            for (const ToldValue& row : foreign_->at(key).items()) {
+                if (++rows > mostRows) {
+                    break;
+                }
+                readForeignRow(row);
+            }
+        }
+    }
+
+    void readForeignRow(const ToldValue& row) {
+        ++facts_.listings[foreign_->index].blocks;
+        ++facts_.listings[foreign_->index].blocksRead;
+        const std::string group = row.at("DG").toldText();
+        const std::string level = row.at("Type").toldText();
+        const std::string size = row.at("Size").toldText();
+        const auto volumes = row.at("NoVDs").smallNumber();
+        std::string line = group.empty() ? std::string() : "DG " + group;
+        for (const std::string& part : {level, size,
+                                        volumes ? countOf(static_cast<std::size_t>(*volumes),
+                                                          "logical drive", "logical drives")
+                                                : std::string()}) {
+            if (!part.empty()) {
+                line += (line.empty() ? "" : line == "DG " + group ? ": " : ", ") + part;
+            }
+        }
+        if (!line.empty()) {
+            facts_.foreignConfigurations.push_back(std::move(line));
+        }
+    }
+
+    /// What all listings have of one logical drive.
+    struct VolumePart {
+        std::int32_t number = 0;
+        const ToldValue* row = nullptr;
+        std::size_t listing = 0;
+        std::string stamp;
+    };
+
+    void readVolumes() {
+        std::vector<VolumePart> parts;
+        std::set<std::int32_t> listed;
+        const auto add = [&](const ToldValue& row, std::size_t listing) {
+            const std::string told = row.at("DG/VD").text();
+            const auto number = wholeNumber(text::trim(text::token(told, "/", 1)));
+            ++facts_.listings[listing].blocks;
+            if (!number) {
+                broken(listing, "VD LIST", "logical drive without a number");
+                return;
+            }
+            ++facts_.listings[listing].blocksRead;
+            if (listed.insert(*number).second && parts.size() < mostRows) {
+                parts.push_back({*number, &row, listing, {}});
+            }
+        };
+        for (const ToldValue& row : all_->at("VD LIST").items()) {
+            add(row, all_->index);
+        }
+        if (volumes_ != nullptr) {
+            for (const auto& [key, value] : volumes_->data->members()) {
+                if (key.starts_with("/c") && text::contains(key, "/v") && !value.items().empty()) {
+                    add(value.items().front(), volumes_->index);
+                }
+            }
+        }
+        for (VolumePart& part : parts) {
+            part.stamp = stampOf(properties(part.number));
+        }
+        order(parts);
+        std::vector<std::string> silent;
+        for (const VolumePart& part : parts) {
+            readVolume(part, silent);
+        }
+        if (!silent.empty()) {
+            find(family_code::noDetails,
+                 countOf(silent.size(), "logical drive tells", "logical drives tell") +
+                     " no details: " + listOf(silent));
+        }
+    }
+
+    [[nodiscard]] const ToldValue& properties(std::int32_t number) const {
+        static const ToldValue none;
+        return volumes_ == nullptr ? none
+                                   : volumes_->at("VD" + std::to_string(number) + " Properties");
+    }
+
+    static std::int32_t groupOf(const VolumePart& part) {
+        return wholeNumber(text::trim(text::token(part.row->at("DG/VD").text(), "/", 0)))
+            .value_or(-1);
+    }
+
+    /// Groups by their number, and in each the logical drives as they lie: as they were made, or as
+    /// their numbers run, which begin at the highest on controllers of the latest generation.
+    void order(std::vector<VolumePart>& parts) const {
+        std::int32_t highest = -1;
+        for (const VolumePart& part : parts) {
+            highest = std::max(highest, part.number);
+        }
+        const bool runsDown = mostVolumes_ && highest == *mostVolumes_ - 1;
+        const bool hasStamps = std::none_of(
+            parts.begin(), parts.end(), [](const VolumePart& part) { return part.stamp.empty(); });
+        std::stable_sort(parts.begin(), parts.end(), [&](const VolumePart& a, const VolumePart& b) {
+            const auto key = [&](const VolumePart& part) {
+                return std::tuple(groupOf(part), hasStamps ? part.stamp : std::string(),
+                                  runsDown ? -part.number : part.number);
+            };
+            return key(a) < key(b);
+        });
+    }
+
+    void readVolume(const VolumePart& part, std::vector<std::string>& silent) {
+        const ToldValue& row = *part.row;
+        const ToldValue& told = properties(part.number);
+        LogicalDriveFacts& volume = facts_.logicalDrives.emplace_back();
+        volume.id = std::to_string(part.number);
+        volume.name = row.at("Name").text();
+        volume.array = std::to_string(groupOf(part));
+        volume.reportedLevel = row.atAny({"TYPE", "Type"}).text();
+        volume.raidType = storcliLevel(volume.reportedLevel);
+        volume.reportedState = row.at("State").text();
+        volume.health = storcliVolumeHealth(volume.reportedState);
+        volume.stripSizeBytes = sizeOf(told.at("Strip Size"));
+        volume.device = told.at("OS Drive Name").toldText();
+        volume.place.listing = part.listing;
+        volume.place.line = lineOf(part.listing, "\"" + row.at("DG/VD").text() + "\"");
+        readSpans(part, volume);
+        readVolumeSize(row, told, volume);
+        readCache(row, told, volume);
+        if (!told.isObject()) {
+            silent.push_back("VD " + volume.id);
+        }
+    }
+
+    /// Span by span, the members in the order of their rows.
+    void readSpans(const VolumePart& part, LogicalDriveFacts& volume) {
+        const auto group = groups_.find(groupOf(part));
+        if (group != groups_.end() && !group->second.members.empty()) {
+            for (const auto& [span, rows] : group->second.members) {
+                std::vector<std::string>& members = volume.spans.emplace_back();
+                for (const auto& [row, member] : rows) {
+                    members.push_back(member);
+                }
+            }
+            return;
+        }
+        if (volumes_ == nullptr) {
+            return;
+        }
+        const ToldValue& rows = volumes_->at("PDs for VD " + volume.id);
+        const auto perSpan = static_cast<std::size_t>(
+            properties(part.number).at("Number of Drives Per Span").smallNumber().value_or(0));
+        std::size_t count = 0;
+        for (const ToldValue& row : rows.items()) {
+            const auto place = storcliPlace(row.at("EID:Slt").text());
+            if (!place || count >= mostRows) {
+                continue;
+            }
+            if (volume.spans.empty() || (perSpan > 0 && volume.spans.back().size() >= perSpan)) {
+                volume.spans.emplace_back();
+            }
+            volume.spans.back().push_back(place->location());
+            ++count;
+        }
+    }
+
+    void readVolumeSize(const ToldValue& row, const ToldValue& told,
+                        LogicalDriveFacts& volume) const {
+        const auto text = storcliSize(row.at("Size").text(), StorcliUnits::binary);
+        const auto blocks = told.at("Number of Blocks").number();
+        constexpr std::uint64_t largestBlock = 4096;
+        constexpr std::uint64_t most = (std::uint64_t{1} << 62U) / largestBlock;
+        if (blocks && *blocks > 0 && *blocks <= most) {
+            const auto fits = [&](std::uint64_t bytes) {
+                return text && bytes >= text->bytes && bytes - text->bytes <= text->tolerance;
+            };
+            const std::uint64_t bytes = *blocks * blockBytes;
+            volume.capacityBytes =
+                !fits(bytes) && fits(*blocks * largestBlock) ? *blocks * largestBlock : bytes;
+            return;
+        }
+        if (text) {
+            volume.capacityBytes = text->bytes;
+            volume.capacityTolerance = text->tolerance;
+        }
+    }
+
+    /// The mode that is set counts; what runs may be another while a battery charges.
+    void readCache(const ToldValue& row, const ToldValue& told, LogicalDriveFacts& volume) {
+        const std::string word = row.at("Cache").text();
+        const auto runs = storcliCache(word);
+        const std::string set = storcliWriteMode(told.at("Write Cache(initial setting)").text());
+        if (runs) {
+            volume.readCache = runs->read;
+            volume.writeCache = runs->write;
+        }
+        const bool isSetBack = set.ends_with("WriteBack");
+        const bool runsThrough = volume.writeCache == "WriteThrough";
+        if (!set.empty() &&
+            (volume.writeCache.empty() || (isSetBack && runsThrough) || set == "WriteThrough")) {
+            if (runs && isSetBack && runsThrough) {
+                find(family_code::cacheFallsBack,
+                     "VD " + volume.id + " is set to write-back and runs as write-through (" +
+                         printable(word) + ")");
+            }
+            volume.writeCache = set;
+        }
+        if (!runs && !word.empty()) {
+            find(family_code::unknownWord, "VD " + volume.id +
+                                               " has cache modes that zolexctl "
+                                               "does not know: " +
+                                               printable(word));
+        }
+    }
+
+    /// A listing that tells fewer drives than it counts is none to plan by.
+    void judgeCoverage() {
+        const auto drives = expectedDrives();
+        const auto volumes = expectedVolumes();
+        const auto groups = all_->data->atAny({"Drive Groups", "Arrays"}).smallNumber();
+        const bool tellsDrives = drives || !facts_.drives.empty() || all_->at("PD LIST").isThere();
+        if (!tellsDrives) {
+            notWhole("the drives are not listed");
+        } else if (drives && static_cast<std::size_t>(*drives) != facts_.drives.size()) {
+            notWhole(std::to_string(facts_.drives.size()) + " of " + std::to_string(*drives) +
+                     " physical drives are listed");
+        }
+        if (volumes && static_cast<std::size_t>(*volumes) != facts_.logicalDrives.size()) {
+            notWhole(std::to_string(facts_.logicalDrives.size()) + " of " +
+                     std::to_string(*volumes) + " logical drives are listed");
+        }
+        if (groups && all_->at("TOPOLOGY").isThere() &&
+            static_cast<std::size_t>(*groups) != groups_.size()) {
+            notWhole(std::to_string(groups_.size()) + " of " + std::to_string(*groups) +
+                     " drive groups are listed");
+        }
+        if (!facts_.listings[all_->index].isListing) {
+            notWhole("the answer has no status");
+        }
+        for (const LogicalDriveFacts& volume : facts_.logicalDrives) {
+            if (volume.spans.empty()) {
+                notWhole("the drives of VD " + volume.id + " are not told");
+            }
+        }
+        for (const Document* const document : {foreign_, volumes_}) {
+            if (document != nullptr && !document->status->isObject()) {
+                tellNoData(*document);
+                notWhole(document->command + " tells nothing");
+            }
+        }
+    }
+
+    void notWhole(const std::string& why) {
+        controller_.failed = true;
+        find(family_code::notWhole, "the listing is not whole: " + why);
+    }
+
+    /// Failure with everything told is worth a word, and no more.
+    void judgeAnswers() {
+        for (const Document& document : documents_) {
+            const bool isOfForeign = &document == foreign_;
+            const bool isOfNoVolumes = &document == volumes_ && facts_.logicalDrives.empty();
+            if (!document.answer.isFailure() || isOfForeign || isOfNoVolumes ||
+                !document.data->isObject() || controller_.failed) {
+                continue;
+            }
+            find(family_code::saysFailure,
+                 document.command + " says " + printable(document.answer.status) + ", and lists" +
+                     (errors_.empty() ? " all that there is" : " all that answers"),
+                 document.answer.description);
+        }
+    }
+
+    void countKeys() {
+        for (const Document& document : documents_) {
+            const ToldValue::Count count = document.json.value.count();
+            facts_.listings[document.index].keys = count.all;
+            facts_.listings[document.index].keysUsed = count.used;
+        }
+    }
+
+    void broken(std::size_t listing, std::string_view key, std::string what) {
+        constexpr std::size_t mostBroken = 100;
+        if (facts_.broken.size() < mostBroken) {
+            facts_.broken.push_back(
+                {{listing, lineOf(listing, "\"" + std::string(key) + "\"")}, std::move(what)});
+        }
+    }
+
+    /// The line in which a text stands first; 1 where it does not.
+    [[nodiscard]] std::int32_t lineOf(std::size_t listing, std::string_view wanted) {
+        const std::string& output = controller_.listings[listing].output;
+        // Looked for behind the one before: they come in the order of the listing, mostly.
+        auto& [at, line] = looked_[listing];
+        std::size_t found = output.find(wanted, at);
+        if (found == std::string::npos) {
+            at = 0;
+            line = 1;
+            found = output.find(wanted);
+        }
+        if (found == std::string::npos) {
+            return 1;
+        }
+        line += static_cast<std::int32_t>(
+            std::count(output.begin() + static_cast<std::ptrdiff_t>(at),
+                       output.begin() + static_cast<std::ptrdiff_t>(found), '\n'));
+        at = found;
+        return line;
+    }
+
+    struct Looked {
+        std::size_t at = 0;
+        std::int32_t line = 1;
+    };
+
+    FamilyController& controller_;
+    Facts& facts_;
+    std::vector<Document> documents_;
+    const Document* all_ = nullptr;
+    const Document* volumes_ = nullptr;
+    const Document* foreign_ = nullptr;
+    std::vector<const Document*> drives_;
+    std::map<std::int32_t, Group> groups_;
+    std::set<std::string> members_;
+    std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
+    std::map<std::string, std::int32_t> errors_;              ///< of drives that do not answer
+    std::optional<std::int32_t> mostVolumes_;
+    std::map<std::size_t, Looked> looked_;
+};
+
+} // namespace
+
+bool StorcliAnswer::isFailure() const {
+    return !text::equalsNoCase(status, "Success");
+}
+
+StorcliAnswer storcliAnswer(std::string_view output) {
+    const ToldJson json = readToldJson(output);
+    return answerOf(json, entryOf(json, std::nullopt), output);
+}
+
+std::optional<std::vector<StorcliListed>> storcliControllers(std::string_view output) {
+    const ToldJson json = readToldJson(output);
+    const ToldValue& data = entryOf(json, std::nullopt).at("Response Data");
+    if (!json.isJson || !data.isObject()) {
+        return std::nullopt;
+    }
+    std::vector<StorcliListed> listed;
+    for (const ToldValue& row : data.at("System Overview").items()) {
+        const auto number = row.at("Ctl").smallNumber();
+        const bool isThere = std::any_of(listed.begin(), listed.end(), [number](const auto& each) {
+            return each.number == number;
+        });
+        if (number && !isThere && listed.size() < mostControllers) {
+            listed.push_back({*number, row.at("Model").toldText()});
+        }
+    }
+    const auto count = data.at("Number of Controllers").smallNumber();
+    if (listed.empty() && count && !data.at("IT System Overview").isThere()) {
+        for (std::int32_t i = 0; i < std::min<std::int32_t>(*count, mostControllers); ++i) {
+            listed.push_back({i, {}});
+        }
+    }
+    return listed.empty() && !count ? std::nullopt : std::optional(std::move(listed));
+}
+
+StorcliPlaces storcliPlaces(std::string_view output) {
+    const ToldJson json = readToldJson(output);
+    const ToldValue& data = entryOf(json, std::nullopt).at("Response Data");
+    StorcliPlaces places;
+    for (const ToldValue& row : data.at("PD LIST").items()) {
+        if (const auto place = storcliPlace(row.at("EID:Slt").text())) {
+            (place->enclosure ? places.inEnclosures : places.outside) = true;
+        }
+    }
+    return places;
+}
+
+void decodeStorcli(FamilyController& controller) {
+    Decoder(controller).run();
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,849 @@
+#include "companion/planning/FamilyLayout.h"
+
+#include "companion/binding/DriveChoice.h"
+#include "companion/families/SpanRules.h"
+#include "companion/lint/Entries.h"
+#include "companion/machine/Join.h"
+#include "companion/planning/FamilyDrives.h"
+#include "companion/planning/PlanFaults.h"
+#include "companion/planning/Refusals.h"
+#include "companion/text/Sizes.h"
+#include "model/Codes.h"
+#include "policies/PolicyKeywords.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
+constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
+constexpr std::uint64_t percentOfAll = 100;
+/// From so many drives on there is one hot spare where the policy does not say.
+constexpr std::size_t drivesForASpare = 4;
+constexpr std::size_t mostAutomaticDrives = 32;
+
+std::string raidTypeOf(std::int32_t level) {
+    return level == raid_level::volume || level == raid_level::simpleVolume
+               ? "None"
+               : std::string("RAID") + raidLevelWord(level);
+}
+
+/// The level of an array whose level no entry gives.
+std::int32_t usualLevel(std::size_t drives) {
+    constexpr std::size_t forParity = 3;
+    return drives >= forParity ? raid_level::raid5
+           : drives == 2       ? raid_level::raid1
+                               : raid_level::raid0;
+}
+
+bool isRedundant(std::string_view raidType) {
+    return raidType != "RAID0" && raidType != "None";
+}
+
+std::string sizeWords(const DriveSize& size) {
+    return size.kind == DriveSize::Kind::mb        ? std::to_string(size.value) + " MB"
+           : size.kind == DriveSize::Kind::percent ? std::to_string(size.value) + "%"
+                                                   : "FILL";
+}
+
+/// One logical drive as a policy asks for it.
+struct VolumeAsk {
+    std::size_t array = 0;
+    DriveSize size;
+    std::int32_t level = raid_level::notGiven;
+    std::int32_t writeCache = write_cache::notGiven;
+    const LogicalView* view = nullptr;         ///< the entry that gives it; or null
+    const KindFileEntry* levelEntry = nullptr; ///< `Level.<x>`
+    std::string levelWord;
+};
+
+class LayoutMaker {
+  public:
+    LayoutMaker(const FamilyCase& planned, ControllerPlanning& planning)
+        : planned_(planned), planning_(planning), view_(planned.view),
+          limits_(planned.family.limits(planned.detail.facts)),
+          drives_(planned.detail, planned.family, planned.failedMembersStay) {}
+
+    std::vector<Finding> make() {
+        if (planned_.kinds != nullptr && !planned_.kinds->drives.empty()) {
+            takeKinds();
+        } else if (view_.customArrays) {
+            takeLists();
+        } else {
+            takeSpares();
+            takeAlike();
+        }
+        if (hasErrors(findings_)) {
+            return std::move(findings_);
+        }
+        checkDrives();
+        readSettings();
+        makeVolumes();
+        coverBySpares();
+        tellIdle();
+        return std::move(findings_);
+    }
+
+  private:
+    // What is said.
+
+    Finding& add(Finding finding, const Piece* piece) {
+        finding.file = planned_.file;
+        if (piece != nullptr && !planned_.file.empty()) {
+            finding.start = piece->start;
+            finding.end = piece->end;
+        } else {
+            finding.file.clear();
+        }
+        findings_.push_back(std::move(finding));
+        return findings_.back();
+    }
+    /// Of a rule, refused as the plan is made.
+    Finding& fault(const char* code, const Piece* piece, std::string summary, std::string help) {
+        Finding finding;
+        finding.code = code;
+        finding.refusedBy = RefusedBy::plan;
+        finding.summary = std::move(summary);
+        finding.help.push_back(std::move(help));
+        return add(std::move(finding), piece);
+    }
+    Finding& problem(std::string_view code, const Piece* piece, std::string summary,
+                     std::string help) {
+        return add(planFault(code, std::move(summary), {std::move(help)}), piece);
+    }
+
+    // Drives.
+
+    [[nodiscard]] bool isTaken(const MachineDrive& drive) const {
+        return takenBy_.contains(drive.facts.location);
+    }
+    /// False when something has it already, which is told.
+    bool take(const MachineDrive& drive, const std::string& keyword, const Piece* piece) {
+        const auto [found, isNew] = takenBy_.emplace(drive.facts.location, keyword);
+        if (isNew) {
+            return true;
+        }
+        const bool isOfSpares =
+            keyword == keyword::hotspares || found->second == keyword::hotspares;
+        fault(found->second == keyword ? "ZX301"
+              : isOfSpares             ? "ZX502"
+                                       : "ZX302",
+              piece,
+              drive.facts.location + " is in " + keyword +
+                  (found->second == keyword ? " twice" : " and in " + found->second),
+              "name each drive once");
+        return false;
+    }
+
+    [[nodiscard]] std::string driveHelp(const MachineDrive& drive) const {
+        switch (drive.facts.state) {
+        case DriveState::jbod:
+            return "making it good loses its data; should that be meant: " +
+                   planned_.family.makeGood(planned_.detail.adapter, drive.facts);
+        case DriveState::failed:
+        case DriveState::missing:
+            return "replace the drive, or take it out of the policy";
+        case DriveState::rebuilding:
+            return "wait until it is rebuilt";
+        default:
+            return "take it out of the policy: zolexctl show lists the drives";
+        }
+    }
+
+    /// The drives of a list; those that cannot be used are told.
+    std::vector<PlannedDrive> listed(const DriveListView& list) {
+        std::vector<PlannedDrive> chosen;
+        const std::string keyword = list.entry->keyword.text;
+        for (const DriveView& view : list.drives) {
+            const MachineDrive* const drive = drives_.find(view);
+            if (drive == nullptr) {
+                fault(view.number > 0 ? "ZX304" : "ZX303", &view.piece,
+                      view.number > 0
+                          ? "there is no drive " + view.piece.text + ": the controller has " +
+                                countOf(drives_.all().size(), "drive")
+                          : "there is no drive at " + view.piece.text,
+                      "zolexctl show lists the drives, their numbers and places");
+                continue;
+            }
+            if (!take(*drive, keyword, &view.piece)) {
+                continue;
+            }
+            if (drives_.useOf(*drive) == FamilyDrives::Use::bad) {
+                Finding& finding = fault("ZX702", &view.piece,
+                                         keyword + " names " + drive->facts.location + ": " +
+                                             drives_.whyNot(*drive),
+                                         driveHelp(*drive));
+                finding.refusedBy = RefusedBy::plan;
+                continue;
+            }
+            chosen.push_back(
+                {drive->facts.location, {"listed", keyword, lineOf(list.entry), view.piece.text}});
+        }
+        return chosen;
+    }
+
+    [[nodiscard]] std::int32_t lineOf(const DocumentEntry* entry) const {
+        return entry == nullptr || planned_.file.empty() ? 0 : entry->keyword.start.line;
+    }
+
+    PlannedArray& addArray(std::size_t letter) {
+        PlannedArray& array = planning_.arrays.emplace_back();
+        array.id = arrayLetters(letter);
+        letters_.push_back(letter);
+        return array;
+    }
+
+    void takeLists() {
+        // What is named comes first, so that nothing else takes it.
+        std::map<std::size_t, std::vector<PlannedDrive>> lists;
+        for (const DriveListView& list : view_.arrays) {
+            if (!list.isAll) {
+                lists[list.index] = listed(list);
+            }
+        }
+        if (view_.hotspares) {
+            takeListedSpares();
+        } else {
+            takeSpares();
+        }
+        for (const DriveListView& list : view_.arrays) {
+            if (list.isAll) {
+                lists[list.index] = allThatAreLeft(list);
+            }
+        }
+        for (const DriveListView& list : view_.arrays) {
+            PlannedArray& array = addArray(list.index);
+            array.drives = std::move(lists[list.index]);
+            if (array.drives.empty() && !hasErrors(findings_)) {
+                fault("ZX304", &list.entry->value,
+                      list.entry->keyword.text + " finds no good drive that is free for it",
+                      "zolexctl show lists the drives");
+            }
+        }
+    }
+
+    std::vector<PlannedDrive> allThatAreLeft(const DriveListView& list) {
+        std::vector<PlannedDrive> chosen;
+        for (const MachineDrive* const drive : drives_.all()) {
+            if (!isTaken(*drive) && drives_.isGood(*drive)) {
+                takenBy_.emplace(drive->facts.location, list.entry->keyword.text);
+                chosen.push_back(
+                    {drive->facts.location,
+                     {"all-remaining", list.entry->keyword.text, lineOf(list.entry), "ALL"}});
+            }
+        }
+        return chosen;
+    }
+
+    void takeListedSpares() {
+        for (PlannedDrive& drive : listed(*view_.hotspares)) {
+            PlannedSpare& spare = planning_.spares.emplace_back();
+            spare.location = std::move(drive.location);
+            spare.reason = std::move(drive.reason);
+        }
+    }
+
+    /// Hot spares that no entry names: the largest good drives, of equal ones the last.
+    void takeSpares() {
+        PlanReason reason{"largest-last", "", 0, ""};
+        std::int32_t count = 0;
+        if (view_.arrayDefaults && view_.arrayDefaults->given.hotspareCount != notGiven) {
+            count = std::max(view_.arrayDefaults->given.hotspareCount, 0);
+            reason.keyword = view_.arrayDefaults->entry->keyword.text;
+            reason.line = lineOf(view_.arrayDefaults->entry);
+        } else if (!view_.isGenerated()) {
+            count = goodDrives() >= drivesForASpare ? 1 : 0;
+        }
+        for (std::int32_t made = 0; made < count; ++made) {
+            const MachineDrive* best = nullptr;
+            for (const MachineDrive* const drive : drives_.all()) {
+                const bool isBetter = best == nullptr ||
+                                      FamilyDrives::bytesOf(*drive) >= FamilyDrives::bytesOf(*best);
+                best = !isTaken(*drive) && drives_.isGood(*drive) && isBetter ? drive : best;
+            }
+            if (best == nullptr) {
+                // A default one is not missed where every drive has its job.
+                if (!reason.keyword.empty()) {
+                    fault("ZX503", &view_.arrayDefaults->hotspares,
+                          std::to_string(count) +
+                              (count == 1 ? " hot spare is" : " hot spares are") +
+                              " asked for, and " + std::to_string(made) + " can be had",
+                          "ask for fewer, or leave drives for them");
+                }
+                return;
+            }
+            takenBy_.emplace(best->facts.location, keyword::hotspares);
+            PlannedSpare& spare = planning_.spares.emplace_back();
+            spare.location = best->facts.location;
+            spare.reason = reason;
+        }
+    }
+
+    [[nodiscard]] std::size_t goodDrives() const {
+        return static_cast<std::size_t>(
+            std::count_if(drives_.all().begin(), drives_.all().end(),
+                          [this](const MachineDrive* drive) { return drives_.isGood(*drive); }));
+    }
+
+    /// Automatic arrays: the first free drive, and those that are like it.
+    void takeAlike() {
+        const std::int32_t variance =
+            view_.arrayDefaults ? view_.arrayDefaults->given.variancePercent : 0;
+        for (std::size_t first = 0; first < drives_.all().size(); ++first) {
+            const MachineDrive& leader = *drives_.all()[first];
+            if (isTaken(leader) || !drives_.isGood(leader)) {
+                continue;
+            }
+            PlannedArray& array = addArray(planning_.arrays.size());
+            for (std::size_t i = first;
+                 i < drives_.all().size() && array.drives.size() < mostAutomaticDrives; ++i) {
+                const MachineDrive& drive = *drives_.all()[i];
+                if (isTaken(drive) || !drives_.isGood(drive) || !isLike(leader, drive, variance)) {
+                    continue;
+                }
+                takenBy_.emplace(drive.facts.location, "array " + array.id);
+                PlanReason reason{"first-free", "", 0, ""};
+                if (i != first) {
+                    reason = {"like-first", "", 0, std::to_string(variance) + "%"};
+                }
+                array.drives.push_back({drive.facts.location, std::move(reason)});
+            }
+        }
+    }
+
+    [[nodiscard]] bool isLike(const MachineDrive& leader, const MachineDrive& drive,
+                              std::int32_t variance) const {
+        const std::uint64_t size = FamilyDrives::bytesOf(leader);
+        const std::uint64_t other = FamilyDrives::bytesOf(drive);
+        // Sizes are listed in MB by older utilities: what is off by less is the same size.
+        const std::uint64_t tolerance =
+            size / percentOfAll * static_cast<std::uint64_t>(variance) + bytesOfMb - 1;
+        return leader.facts.mediaType == drive.facts.mediaType &&
+               leader.facts.protocol == drive.facts.protocol &&
+               leader.facts.blockSizeBytes == drive.facts.blockSizeBytes &&
+               other + tolerance >= size && other <= size + tolerance;
+    }
+
+    void takeKinds() {
+        const KindSection& kinds = *planned_.kinds;
+        const DriveUse use{[this](const MachineDrive& drive) { return drives_.isGood(drive); },
+                           [](const MachineDrive& drive) { return FamilyDrives::bytesOf(drive); }};
+        DriveChoice choice = chooseDrives(kinds, planned_.detail, use);
+        for (const BindingFault& each : choice.faults) {
+            Finding& finding = fault(each.code.c_str(), nullptr, each.keyword + ": " + each.what,
+                                     each.help.empty() ? "zolexctl show" : each.help);
+            finding.file = planned_.file;
+            finding.start = {each.line, each.column, 0};
+            finding.end = {each.line, each.endColumn, 0};
+        }
+        if (!choice.faults.empty()) {
+            return;
+        }
+        for (const KindSection::Drives& drives : kinds.drives) {
+            PlannedArray& array = addArray(static_cast<std::size_t>(drives.letter - 'A'));
+            for (const ChosenDrive& chosen : choice.arrays[drives.letter]) {
+                array.drives.push_back(
+                    {chosen.drive->facts.location, reasonOf(chosen, *drives.entry)});
+            }
+            bind(*drives.entry, choice.arrays[drives.letter], "array " + array.id);
+        }
+        if (kinds.sparesEntry != nullptr) {
+            for (const ChosenDrive& chosen : choice.spares) {
+                PlannedSpare& spare = planning_.spares.emplace_back();
+                spare.location = chosen.drive->facts.location;
+                spare.reason = reasonOf(chosen, *kinds.sparesEntry);
+            }
+            bind(*kinds.sparesEntry, choice.spares, "hot spares");
+            dedicateSpares(*kinds.spares);
+        }
+    }
+
+    static PlanReason reasonOf(const ChosenDrive& chosen, const KindFileEntry& entry) {
+        return {chosen.code, entry.keyword.text, static_cast<std::int32_t>(entry.line) + 1,
+                chosen.why};
+    }
+
+    void bind(const KindFileEntry& entry, const std::vector<ChosenDrive>& chosen,
+              const std::string& what) {
+        Binding binding;
+        binding.keyword = entry.keyword.text;
+        binding.line = static_cast<std::int32_t>(entry.line) + 1;
+        binding.value = entry.value;
+        binding.becomes = what + ":";
+        for (const ChosenDrive& each : chosen) {
+            binding.becomes += " " + each.drive->facts.location;
+            binding.drives.push_back({each.drive->facts.location, each.code, each.why});
+        }
+        planning_.bindings.push_back(std::move(binding));
+    }
+
+    /// Spares that cover some arrays are theirs alone; those that cover all are everybody's.
+    void dedicateSpares(const SparesWish& wish) {
+        std::size_t spare = 0;
+        for (const SpareGroup& group : wish.groups) {
+            std::vector<std::string> letters;
+            for (const KindWord& word : group.covers) {
+                letters.push_back(word.text);
+            }
+            const bool isForAll = letters.empty() || letters.size() >= planning_.arrays.size();
+            for (std::int32_t i = 0; i < group.count && spare < planning_.spares.size(); ++i) {
+                planning_.spares[spare].isDedicated = !isForAll && limits_.hasDedicatedSpares;
+                planning_.spares[spare].covers =
+                    planning_.spares[spare].isDedicated ? letters : std::vector<std::string>();
+                ++spare;
+            }
+        }
+    }
+
+    // What is held against the limits.
+
+    [[nodiscard]] const DriveFacts& factsOf(const std::string& location) const {
+        return *planned_.detail.facts.drive(location);
+    }
+    [[nodiscard]] const Piece* placeOf(const PlannedArray& array) const {
+        for (const DriveListView& list : view_.arrays) {
+            if (view_.customArrays && arrayLetters(list.index) == array.id) {
+                return &list.entry->value;
+            }
+        }
+        return nullptr;
+    }
+
+    void checkDrives() {
+        for (const PlannedArray& array : planning_.arrays) {
+            if (limits_.mostDrives > 0 && array.drives.size() > limits_.mostDrives) {
+                fault("ZX305", placeOf(array),
+                      "array " + array.id + " has " + std::to_string(array.drives.size()) +
+                          " drives, and the controller takes " + std::to_string(limits_.mostDrives),
+                      "make several arrays of them");
+            }
+            std::set<std::string> protocols;
+            std::set<std::string> media;
+            std::set<std::string> sectors;
+            for (const PlannedDrive& drive : array.drives) {
+                const DriveFacts& facts = factsOf(drive.location);
+                protocols.insert(facts.protocol);
+                media.insert(facts.mediaType);
+                sectors.insert(facts.blockSizeBytes ? std::to_string(*facts.blockSizeBytes) : "");
+            }
+            tellUnlike(array, sectors, false, " bytes to the sector");
+            tellUnlike(array, protocols, limits_.mixesProtocols, "");
+            tellUnlike(array, media, limits_.mixesMedia, "");
+        }
+    }
+
+    void tellUnlike(const PlannedArray& array, std::set<std::string> kinds, bool mayMix,
+                    const char* unit) {
+        kinds.erase("");
+        if (kinds.size() < 2 || mayMix) {
+            return;
+        }
+        std::vector<std::string> words;
+        for (const std::string& kind : kinds) {
+            words.push_back(kind + unit);
+        }
+        problem(problem::drivesUnlike, placeOf(array),
+                "array " + array.id + " has drives of " + joinWords(words) +
+                    ", which the controller does not put together",
+                "name drives of one kind: zolexctl show lists them");
+    }
+
+    // Settings.
+
+    void readSettings() {
+        if (view_.stripeSize) {
+            strip_ =
+                (std::uint64_t{8} << static_cast<unsigned>(view_.stripeSize->code)) * bytesOfKb;
+            const bool isTooSmall = strip_ < limits_.leastStripBytes;
+            const bool isTooLarge = limits_.mostStripBytes > 0 && strip_ > limits_.mostStripBytes;
+            if (isTooSmall || isTooLarge) {
+                fault("ZX403", &view_.stripeSize->entry->value,
+                      "a strip size of " + stripSizeLine(*strip_) + " is not of " +
+                          planned_.detail.model + ", which takes " +
+                          stripSizeLine(limits_.leastStripBytes) + " to " +
+                          stripSizeLine(limits_.mostStripBytes),
+                      "take the line out for the controller's own");
+            }
+        }
+        if (view_.readAhead && limits_.setsCaches) {
+            readCache_ = view_.readAhead->code == read_ahead::off ? "Off" : "ReadAhead";
+        }
+        if (view_.rebuildRate) {
+            planning_.rebuildRate = view_.rebuildRate->code == rebuild_rate::high     ? "HIGH"
+                                    : view_.rebuildRate->code == rebuild_rate::medium ? "MEDIUM"
+                                                                                      : "LOW";
+        }
+    }
+
+    static PlanReason given(const DocumentEntry* entry, std::string as, std::int32_t line) {
+        return {"given", entry->keyword.text, line, std::move(as)};
+    }
+    [[nodiscard]] PlanReason settingReason(const std::optional<SettingView>& setting) const {
+        return setting ? given(setting->entry, setting->entry->value.text, lineOf(setting->entry))
+                       : PlanReason{"left-to-controller", "", 0, ""};
+    }
+
+    // Logical drives.
+
+    [[nodiscard]] const KindSection::Level* levelOf(const PlannedArray& array) const {
+        if (planned_.kinds == nullptr) {
+            return nullptr;
+        }
+        const auto found =
+            std::find_if(planned_.kinds->levels.begin(), planned_.kinds->levels.end(),
+                         [&](const auto& each) { return std::string(1, each.letter) == array.id; });
+        return found == planned_.kinds->levels.end() ? nullptr : &*found;
+    }
+
+    [[nodiscard]] VolumeAsk usualAsk(std::size_t array) const {
+        VolumeAsk ask;
+        ask.array = array;
+        if (view_.logicalDefaults) {
+            ask.view = &*view_.logicalDefaults;
+            ask.size = ask.view->given.size;
+            ask.level = ask.view->given.raidLevel;
+            ask.writeCache = ask.view->given.writeCache;
+        }
+        return ask;
+    }
+
+    [[nodiscard]] std::vector<VolumeAsk> asks() {
+        std::vector<VolumeAsk> all;
+        const bool isCustom = view_.customLogicalDrives && !view_.logicalDrives.empty();
+        if (isCustom) {
+            for (const LogicalView& logical : view_.logicalDrives) {
+                addGiven(logical, all);
+            }
+        }
+        for (std::size_t array = 0; array < planning_.arrays.size(); ++array) {
+            const KindSection::Level* const level = levelOf(planning_.arrays[array]);
+            if (level != nullptr) {
+                VolumeAsk ask = usualAsk(array);
+                if (chooseLevel(*level, planning_.arrays[array], ask)) {
+                    all.push_back(std::move(ask));
+                }
+            } else if (!isCustom) {
+                all.push_back(usualAsk(array));
+            } else if (std::none_of(all.begin(), all.end(),
+                                    [array](const VolumeAsk& ask) { return ask.array == array; })) {
+                fault("ZX308", placeOf(planning_.arrays[array]),
+                      "no logical drive lies on array " + planning_.arrays[array].id,
+                      "write one: Logical." + std::to_string(view_.logicalDrives.size() + 1) +
+                          " = " + planning_.arrays[array].id + ":FILL:AUTO");
+            }
+        }
+        return all;
+    }
+
+    void addGiven(const LogicalView& logical, std::vector<VolumeAsk>& all) {
+        const auto letter = std::find(letters_.begin(), letters_.end(),
+                                      static_cast<std::size_t>(logical.given.arrayIndex));
+        if (letter == letters_.end()) {
+            fault("ZX106", &logical.array,
+                  logical.entry->keyword.text + " lies on array " + logical.array.text +
+                      ", which there is not",
+                  "arrays are " + planning_.arrays.front().id + " to " +
+                      planning_.arrays.back().id);
+            return;
+        }
+        VolumeAsk ask;
+        ask.array = static_cast<std::size_t>(letter - letters_.begin());
+        ask.view = &logical;
+        ask.size = logical.given.size;
+        ask.level = logical.given.raidLevel;
+        ask.writeCache = logical.given.writeCache;
+        all.push_back(ask);
+    }
+
+    /// Why the array does not take the level; empty when it does.
+    [[nodiscard]] SpanChoice spansOf(const std::string& raidType, std::size_t drives) const {
+        if (std::find(limits_.raidTypes.begin(), limits_.raidTypes.end(), raidType) ==
+            limits_.raidTypes.end()) {
+            std::vector<std::string> words;
+            for (const std::string& each : limits_.raidTypes) {
+                words.push_back(levelWords(each).substr(sizeof("RAID")));
+            }
+            return {0,
+                    levelWords(raidType) + " is not of " + planned_.detail.model + ", which has " +
+                        joinWords(words),
+                    "take another level"};
+        }
+        const std::int32_t wanted = planned_.kinds == nullptr ? 0 : planned_.kinds->spans;
+        return chooseSpans(raidType, drives, static_cast<std::size_t>(wanted), limits_);
+    }
+
+    bool chooseLevel(const KindSection::Level& level, const PlannedArray& array, VolumeAsk& ask) {
+        std::string why;
+        for (const LevelWish::Choice& choice : level.wish.choices) {
+            const SpanChoice spans = spansOf(raidTypeOf(choice.level), array.drives.size());
+            if (spans.fault.empty()) {
+                ask.level = choice.level;
+                ask.levelEntry = level.entry;
+                ask.levelWord = choice.word.text;
+                return true;
+            }
+            why += (why.empty() ? "" : "; ") + spans.fault;
+        }
+        Finding& finding =
+            fault("ZX313", nullptr, level.entry->keyword.text + ": no level is possible: " + why,
+                  "add another level, or change the number of drives of Drives." + array.id);
+        finding.file = planned_.file;
+        finding.start = {static_cast<std::int32_t>(level.entry->line) + 1, level.entry->valueColumn,
+                         0};
+        finding.end = {finding.start.line, level.entry->endColumn(), 0};
+        return false;
+    }
+
+    void makeVolumes() {
+        const std::vector<VolumeAsk> all = asks();
+        std::map<std::size_t, std::string> levels; // of arrays
+        for (const VolumeAsk& ask : all) {
+            addVolume(ask, levels);
+        }
+        checkCounts();
+    }
+
+    void addVolume(const VolumeAsk& ask, std::map<std::size_t, std::string>& levels) {
+        PlannedArray& array = planning_.arrays[ask.array];
+        const bool isUsual = ask.level == raid_level::notGiven;
+        const std::int32_t level = isUsual ? usualLevel(array.drives.size()) : ask.level;
+        PlannedVolume volume;
+        volume.id = "Logical." + std::to_string(planning_.volumes.size() + 1);
+        volume.array = array.id;
+        volume.raidType = raidTypeOf(level);
+        const Piece* const levelPiece = ask.view == nullptr ? placeOf(array) : &ask.view->level;
+        const auto [first, isFirst] = levels.emplace(ask.array, volume.raidType);
+        if (isFirst) {
+            const SpanChoice spans = spansOf(volume.raidType, array.drives.size());
+            if (!spans.fault.empty()) {
+                const bool isUnknown = spans.fault.find(" is not ") != std::string::npos;
+                fault(isUnknown ? "ZX401" : "ZX402", levelPiece,
+                      "array " + array.id + ": " + spans.fault, spans.help);
+                return;
+            }
+            array.drivesPerSpan = spans.drivesPerSpan;
+        } else if (first->second != volume.raidType) {
+            fault("ZX405", levelPiece,
+                  "array " + array.id + " has " + levelWords(first->second) + " and " +
+                      levelWords(volume.raidType) + ": its drives take one level",
+                  "give all logical drives of the array one level");
+            return;
+        }
+        volume.sizePolicy = sizeWords(ask.size);
+        volume.stripSizeBytes = strip_;
+        volume.readCache = readCache_;
+        if (limits_.setsCaches) {
+            volume.writeCache = ask.writeCache == write_cache::on    ? "UnprotectedWriteBack"
+                                : ask.writeCache == write_cache::off ? "WriteThrough"
+                                                                     : "";
+        }
+        measure(ask, array, volume);
+        addReasons(ask, isUsual, volume);
+        planning_.volumes.push_back(std::move(volume));
+    }
+
+    void addReasons(const VolumeAsk& ask, bool isUsual, PlannedVolume& volume) const {
+        const PlanReason left{"left-to-controller", "", 0, ""};
+        const auto ofEntry = [&](const std::string& as) {
+            return ask.view == nullptr ? PlanReason{"class-default", "", 0, ""}
+                                       : given(ask.view->entry, as, lineOf(ask.view->entry));
+        };
+        volume.reasons["raid_type"] =
+            ask.levelEntry != nullptr
+                ? PlanReason{"given", ask.levelEntry->keyword.text,
+                             static_cast<std::int32_t>(ask.levelEntry->line) + 1, ask.levelWord}
+            : isUsual ? PlanReason{"class-default", "", 0, ""}
+                      : ofEntry(ask.view->level.text);
+        volume.reasons["size"] = ofEntry(ask.view == nullptr ? "" : ask.view->size.text);
+        volume.reasons["write_cache_policy"] =
+            volume.writeCache.empty() || ask.view == nullptr || !ask.view->cache
+                ? left
+                : ofEntry(ask.view->cache->text);
+        volume.reasons["strip_size_bytes"] = settingReason(view_.stripeSize);
+        volume.reasons["read_cache_policy"] =
+            volume.readCache.empty() ? left : settingReason(view_.readAhead);
+    }
+
+    /// Capacities, as far as they may be off: a full stripe, a MB, and for what takes the rest what
+    /// controllers keep for themselves.
+    void measure(const VolumeAsk& ask, PlannedArray& array, PlannedVolume& volume) {
+        constexpr std::uint64_t usualStrip = 256 * bytesOfKb;
+        std::uint64_t smallest = std::numeric_limits<std::uint64_t>::max();
+        std::uint64_t tolerance = 0;
+        for (const PlannedDrive& drive : array.drives) {
+            const DriveFacts& facts = factsOf(drive.location);
+            if (facts.capacityBytes) {
+                smallest = std::min(smallest, *facts.capacityBytes);
+            }
+            tolerance += facts.capacityTolerance;
+        }
+        smallest = smallest == std::numeric_limits<std::uint64_t>::max() ? 0 : smallest;
+        const std::uint64_t drives = array.drives.size();
+        const std::uint64_t spans = array.drivesPerSpan == 0 ? 1 : drives / array.drivesPerSpan;
+        const std::uint64_t all = smallest / 2 * dataHalves(volume.raidType, drives, spans);
+        array.capacityBytes = smallest * drives;
+        const std::uint64_t stripe = volume.stripSizeBytes.value_or(usualStrip) * drives;
+        std::uint64_t& used = used_[ask.array];
+        const std::uint64_t left = all > used ? all - used : 0;
+        volume.fills = ask.size.kind == DriveSize::Kind::rest;
+        volume.toleranceBytes = stripe + bytesOfMb;
+        const auto value = static_cast<std::uint64_t>(std::max(ask.size.value, 0));
+        volume.capacityBytes = ask.size.kind == DriveSize::Kind::mb ? value * bytesOfMb
+                               : volume.fills                       ? left
+                                                                    : all / percentOfAll * value;
+        // What is meant as all that is there takes the rest, too.
+        const std::uint64_t end = used + volume.capacityBytes;
+        if (!volume.fills && end <= all && all - end < fillMarginBytes) {
+            volume.fills = true;
+            volume.capacityBytes = left;
+        }
+        if (volume.fills) {
+            volume.toleranceBytes =
+                stripe + tolerance + fillMarginBytes + metadataBytes(volume.capacityBytes);
+            // A mirror of more than two drives holds half of them, or one: controllers differ.
+            const bool isMirror = volume.raidType == "RAID1" || volume.raidType == "RAID10";
+            const std::uint64_t least = smallest * spans;
+            if (isMirror && drives > 2 * spans && volume.capacityBytes > least) {
+                volume.toleranceBytes += volume.capacityBytes - least;
+            }
+        }
+        const bool isTooLarge = volume.capacityBytes > left;
+        const bool isNothing = volume.capacityBytes < bytesOfMb;
+        if (isTooLarge || isNothing) {
+            problem(problem::noRoom, ask.view == nullptr ? nullptr : &ask.view->size,
+                    volume.id + " on array " + array.id + " is to have " +
+                        (isNothing ? "what is left" : sizeText(volume.capacityBytes)) + ", and " +
+                        (left < bytesOfMb ? "nothing" : sizeText(left)) + " is left",
+                    "give it less, or the logical drives before it");
+        }
+        used += volume.capacityBytes;
+    }
+
+    void checkCounts() {
+        std::map<std::string, std::size_t> counts;
+        for (const PlannedVolume& volume : planning_.volumes) {
+            ++counts[volume.array];
+        }
+        for (const auto& [array, count] : counts) {
+            if (limits_.mostVolumesPerGroup > 0 && count > limits_.mostVolumesPerGroup) {
+                fault("ZX405", nullptr,
+                      "array " + array + " has " + countOf(count, "logical drive") +
+                          ", and the controller takes " +
+                          std::to_string(limits_.mostVolumesPerGroup),
+                      "make fewer logical drives on it");
+            }
+        }
+        if (limits_.mostVolumes > 0 && planning_.volumes.size() > limits_.mostVolumes) {
+            fault("ZX405", nullptr,
+                  countOf(planning_.volumes.size(), "logical drive") +
+                      " are planned, and the controller takes " +
+                      std::to_string(limits_.mostVolumes),
+                  "make fewer logical drives");
+        }
+    }
+
+    // Hot spares.
+
+    void coverBySpares() {
+        for (PlannedSpare& spare : planning_.spares) {
+            const bool isAsked = spare.isDedicated;
+            std::vector<std::string> covers;
+            for (const PlannedArray& array : planning_.arrays) {
+                const bool isMeant = !isAsked || std::find(spare.covers.begin(), spare.covers.end(),
+                                                           array.id) != spare.covers.end();
+                if (isMeant && canStandIn(spare, array)) {
+                    covers.push_back(array.id);
+                }
+            }
+            if (!isAsked) {
+                spare.covers = std::move(covers);
+            } else if (covers.size() < spare.covers.size()) {
+                problem(problem::spareNotMade, nullptr,
+                        "the hot spare " + spare.location + " cannot stand in for array " +
+                            joinWords(spare.covers),
+                        "take a spare that is as large and of the same kind");
+            }
+            if (!isAsked && !limits_.hasGlobalSpares && limits_.hasDedicatedSpares) {
+                spare.isDedicated = true;
+            }
+        }
+    }
+
+    [[nodiscard]] bool canStandIn(const PlannedSpare& spare, const PlannedArray& array) const {
+        const DriveFacts& own = factsOf(spare.location);
+        const bool isOfUse = std::any_of(
+            planning_.volumes.begin(), planning_.volumes.end(), [&](const PlannedVolume& volume) {
+                return volume.array == array.id && isRedundant(volume.raidType);
+            });
+        std::uint64_t smallest = std::numeric_limits<std::uint64_t>::max();
+        bool isLike = true;
+        for (const PlannedDrive& drive : array.drives) {
+            const DriveFacts& facts = factsOf(drive.location);
+            smallest = std::min(smallest, facts.capacityBytes.value_or(0));
+            isLike = isLike && facts.blockSizeBytes == own.blockSizeBytes &&
+                     (limits_.mixesProtocols || facts.protocol == own.protocol) &&
+                     (limits_.mixesMedia || facts.mediaType == own.mediaType);
+        }
+        return isOfUse && isLike && own.capacityBytes.value_or(0) >= smallest;
+    }
+
+    /// Good drives that get no job, and JBOD drives, which nobody may take for free ones.
+    void tellIdle() {
+        std::vector<std::string> idle;
+        for (const MachineDrive* const drive : drives_.all()) {
+            if (!isJobless(*drive)) {
+                continue;
+            }
+            idle.push_back(drive->facts.location);
+        }
+        if (!idle.empty() && !planning_.arrays.empty()) {
+            Finding finding;
+            finding.code = "ZX712";
+            finding.severity = Severity::note;
+            finding.summary = joinWords(idle) + (idle.size() == 1 ? " gets" : " get") + " no job";
+            add(std::move(finding), nullptr);
+        }
+    }
+
+    [[nodiscard]] bool isJobless(const MachineDrive& drive) const {
+        const std::string& location = drive.facts.location;
+        const bool isMember = std::any_of(
+            planning_.arrays.begin(), planning_.arrays.end(), [&](const PlannedArray& array) {
+                return std::any_of(array.drives.begin(), array.drives.end(),
+                                   [&](const auto& each) { return each.location == location; });
+            });
+        const bool isSpare =
+            std::any_of(planning_.spares.begin(), planning_.spares.end(),
+                        [&](const PlannedSpare& spare) { return spare.location == location; });
+        return !isMember && !isSpare && drives_.isGood(drive);
+    }
+
+    const FamilyCase& planned_;
+    ControllerPlanning& planning_;
+    const PolicyView& view_;
+    const FamilyLimits limits_;
+    const FamilyDrives drives_;
+    std::vector<Finding> findings_;
+    std::map<std::string, std::string> takenBy_; ///< keyword, by location
+    std::vector<std::size_t> letters_;           ///< of each planned array, 0 for A
+    std::map<std::size_t, std::uint64_t> used_;  ///< bytes, by the place of the array
+    std::optional<std::uint64_t> strip_;
+    std::string readCache_;
+};
+
+} // namespace
+
+std::vector<Finding> fillFamilyLayout(const FamilyCase& planned, ControllerPlanning& planning) {
+    return LayoutMaker(planned, planning).make();
+}
+
+} // namespace zolex::companion

@@ -1,0 +1,214 @@
+#include "companion/planning/FamilyPlanner.h"
+
+#include "companion/families/Family.h"
+#include "companion/families/FamilyCodes.h"
+#include "companion/planning/FamilyLayout.h"
+#include "companion/planning/FamilySteps.h"
+#include "companion/planning/HealthyView.h"
+#include "companion/planning/Matching.h"
+#include "companion/planning/PlanFaults.h"
+#include "companion/planning/Warnings.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+bool isHurt(const DriveFacts& drive) {
+    return drive.state == DriveState::failed || drive.state == DriveState::missing ||
+           drive.state == DriveState::rebuilding;
+}
+
+/// Whether what is lost may not be listed.
+bool isDoubtful(const Finding& finding) {
+    return finding.code == problem::brokenBlock || finding.code == family_code::notWhole ||
+           finding.code == family_code::noDetails;
+}
+
+/// Its place among the controllers of its family, from 1.
+std::int32_t placeInFamily(const Snapshot& snapshot, const ControllerSnapshot& detail) {
+    return 1 + static_cast<std::int32_t>(std::count_if(
+                   snapshot.families.begin(), snapshot.families.end(),
+                   [&detail](const FamilyPlace& other) {
+                       return other.utility == detail.utility && other.number < detail.number;
+                   }));
+}
+
+void refuse(ControllerPlanning& planning) {
+    planning.disposition = Disposition::refused;
+    planning.steps.clear();
+    planning.losses.clear();
+}
+
+} // namespace
+
+/// A plan that may be taken, or not.
+struct FamilyPlanner::Attempt {
+    ControllerPlanning planning;
+    std::vector<Finding> findings;
+
+    [[nodiscard]] bool stands() const {
+        return !hasErrors(findings) && planning.comparison.result != Sameness::different;
+    }
+};
+
+FamilyPlanner::FamilyPlanner(const Snapshot& snapshot, const PlanRequest& request,
+                             const PlanPolicies* policies, Refusals& refusals)
+    : snapshot_(snapshot), request_(request), policies_(policies), refusals_(refusals) {
+    if (policies != nullptr && !policies->isDefault) {
+        document_ = scanPolicies(request.policiesFile, request.policiesText);
+        views_ = viewPolicies(document_);
+        kinds_ = readKindFile(request.policiesText);
+    }
+}
+
+ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
+    ControllerPlanning planning;
+    planning.controller = withoutListings(detail);
+    planning.oldDifferences = {"zolex does not know this controller, and leaves it as it is"};
+    const Family* const family = findFamily(detail.utility);
+    if (detail.failed || family == nullptr) {
+        std::vector<Finding> findings = detail.findings;
+        for (Finding& finding : findings) {
+            finding.refusedBy = RefusedBy::plan; // why there can be none
+        }
+        findings.push_back(
+            planFault(problem::notCaptured,
+                      "controller " + std::to_string(detail.number) + " could not be captured",
+                      {"zolexctl doctor"}));
+        refusals_.sort(std::move(findings), planning);
+        refuse(planning);
+        return planning;
+    }
+    planning.before = capturedLayout(detail.facts);
+    if (policies_ == nullptr) {
+        planning.because = "the policies are at fault";
+        return planning;
+    }
+    ControllerMatch wanted;
+    wanted.family = family->name();
+    wanted.pciIds = detail.pciIds;
+    wanted.values.machineType = snapshot_.machine.machineType;
+    wanted.values.serialNumber = snapshot_.machine.serialNumber;
+    wanted.values.controllerType = CString(detail.model);
+    wanted.values.controllerNumber = detail.number;
+    wanted.values.scanOrder = placeInFamily(snapshot_, detail);
+    wanted.values.numberOfDrives = static_cast<std::int32_t>(detail.drives.size());
+    MatchedPolicy match = matchPolicies(*policies_, wanted);
+    planning.considered = std::move(match.considered);
+    if (match.unknown) {
+        finish(planning, {std::move(*match.unknown)});
+        return planning;
+    }
+    if (detail.drives.empty() || !match.index) {
+        planning.disposition = Disposition::skipped;
+        planning.because =
+            detail.drives.empty() ? "it has no drives" : whyUnmatched(planning.considered);
+        return planning;
+    }
+    planning.policy = policies_->views[*match.index].name();
+    planning.policyLine = policies_->fileLine(policies_->views[*match.index].policy->header.line);
+    planning.matchedBy = std::move(match.matchedBy);
+    const bool isTrusted = std::none_of(detail.findings.begin(), detail.findings.end(), isMisread);
+    const auto take = [&](Attempt& found) {
+        std::swap(planning.arrays, found.planning.arrays);
+        std::swap(planning.volumes, found.planning.volumes);
+        std::swap(planning.spares, found.planning.spares);
+        std::swap(planning.bindings, found.planning.bindings);
+        planning.rebuildRate = found.planning.rebuildRate;
+        planning.after = std::move(found.planning.after);
+        planning.comparison = std::move(found.planning.comparison);
+    };
+    const bool mayStand = isTrusted && request_.strategy != StrategyWish::rebuild;
+    const bool hasHurt =
+        std::any_of(detail.facts.drives.begin(), detail.facts.drives.end(), isHurt);
+    for (const bool failedMembersStay : {true, false}) {
+        if (failedMembersStay && (!hasHurt || !mayStand)) {
+            continue;
+        }
+        Attempt found = attempt(detail, *match.index, failedMembersStay);
+        if (mayStand && found.stands()) {
+            take(found);
+            planning.disposition = Disposition::already;
+            planning.because = whyItStands(planning.comparison);
+            for (Finding& finding : found.findings) {
+                planning.warnings.push_back(std::move(finding));
+            }
+            for (Finding finding : detail.findings) {
+                finding.severity = std::min(finding.severity, Severity::warning);
+                planning.warnings.push_back(std::move(finding));
+            }
+            for (Finding& finding : planWarnings(planning)) {
+                planning.warnings.push_back(std::move(finding));
+            }
+            return planning;
+        }
+        if (!failedMembersStay) {
+            take(found);
+            finish(planning, std::move(found.findings));
+        }
+    }
+    return planning;
+}
+
+FamilyPlanner::Attempt FamilyPlanner::attempt(const ControllerSnapshot& detail, std::size_t policy,
+                                              bool failedMembersStay) const {
+    Attempt attempt;
+    std::vector<BindingFault> faults;
+    std::optional<KindSection> kinds;
+    const bool isDefault = policies_->isDefault;
+    if (!isDefault && policy < kinds_.sections.size() && kinds_.sections[policy].hasKindEntries()) {
+        kinds = readKindSection(kinds_.sections[policy], faults);
+    }
+    const FamilyCase planned{detail,
+                             *findFamily(detail.utility),
+                             isDefault ? policies_->views[policy] : views_.at(policy),
+                             kinds ? &*kinds : nullptr,
+                             isDefault ? std::string() : request_.policiesFile,
+                             failedMembersStay};
+    attempt.findings = fillFamilyLayout(planned, attempt.planning);
+    if (hasErrors(attempt.findings)) {
+        attempt.planning.arrays.clear();
+        attempt.planning.volumes.clear();
+        attempt.planning.spares.clear();
+        return attempt;
+    }
+    attempt.planning.after = layoutOf(attempt.planning);
+    attempt.planning.comparison =
+        compareLayouts(detail.facts, capturedLayout(detail.facts), attempt.planning.after,
+                       {.utility = detail.utility});
+    return attempt;
+}
+
+void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> found) {
+    planning.disposition = Disposition::planned;
+    const bool isPlanned = !hasErrors(found);
+    refuseMisread(planning.controller.findings);
+    for (const Finding& finding : planning.controller.findings) {
+        found.push_back(finding);
+        if (isDoubtful(finding)) {
+            found.back().severity = Severity::error; // what is lost may not be listed
+        }
+    }
+    refusals_.sort(std::move(found), planning);
+    if (isPlanned) {
+        const std::size_t told = planning.diagnostics.size();
+        makeFamilySteps(*findFamily(planning.controller.utility), request_.strategy, planning);
+        std::vector<Finding> ofSteps(
+            std::make_move_iterator(planning.diagnostics.begin() + static_cast<long>(told)),
+            std::make_move_iterator(planning.diagnostics.end()));
+        planning.diagnostics.resize(told);
+        refusals_.sort(std::move(ofSteps), planning);
+    }
+    if (hasErrors(planning.diagnostics)) {
+        refuse(planning);
+        return;
+    }
+    for (Finding& finding : planWarnings(planning)) {
+        planning.warnings.push_back(std::move(finding));
+    }
+}
+
+} // namespace zolex::companion

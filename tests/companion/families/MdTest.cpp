@@ -1,0 +1,594 @@
+#include "companion/families/md/DiskList.h"
+#include "companion/families/md/MdCommands.h"
+#include "companion/families/md/MdDecode.h"
+#include "companion/families/md/MdFamily.h"
+#include "companion/families/md/MdHost.h"
+#include "companion/families/md/Signatures.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+/// The family of Linux md over a machine that is made up.
+namespace zolex::companion::md {
+
+namespace {
+
+constexpr std::uint64_t gibibyte = std::uint64_t{1} << 30U;
+
+void put(std::string& bytes, std::size_t place, std::uint64_t value, int count) {
+    for (int i = 0; i < count; ++i) {
+        bytes[place + static_cast<std::size_t>(i)] = static_cast<char>(value >> (8 * i) & 255U);
+    }
+}
+
+/// The first MiB of a drive with a superblock of version 1.2.
+std::string superblockHead(const std::string& name, char uuid, int level, unsigned disks,
+                           unsigned role) {
+    std::string head(DriveEnds::most, '\0');
+    constexpr std::size_t at = 4096;
+    put(head, at, 0xa92b4efc, 4);
+    put(head, at + 4, 1, 4);
+    head.replace(at + 16, 16, std::string(16, uuid));
+    head.replace(at + 32, name.size(), name);
+    put(head, at + 72, static_cast<std::uint64_t>(level), 4);
+    put(head, at + 80, gibibyte / 512, 8);
+    put(head, at + 88, 128, 4);
+    put(head, at + 92, disks, 4);
+    put(head, at + 160, role, 4);
+    put(head, at + 220, 8, 4);
+    for (unsigned i = 0; i < 8; ++i) {
+        put(head, at + 256 + 2 * i, i < disks ? i : 0xffff, 2);
+    }
+    return head;
+}
+
+/// Files and links of a machine, all in memory.
+class MadeUpFiles : public DiskFiles {
+  public:
+    std::map<std::string, std::string> files;
+    std::map<std::string, std::string> links;
+    std::map<std::string, std::string> faults; ///< of opening a device
+    struct Drive {
+        std::uint64_t bytes = 2 * gibibyte;
+        std::string head = std::string(DriveEnds::most, '\0');
+        std::string tail = std::string(DriveEnds::most, '\0');
+    };
+    std::map<std::string, Drive> drives;
+
+    void addDrive(const std::string& name, int target, std::uint64_t bytes = 2 * gibibyte) {
+        const std::string block = "/sys/block/" + name;
+        files[block + "/size"] = std::to_string(bytes / 512) + "\n";
+        files[block + "/ro"] = "0\n";
+        files[block + "/removable"] = "0\n";
+        files[block + "/dev"] = "8:" + std::to_string(target * 16) + "\n";
+        files[block + "/queue/rotational"] = "1\n";
+        files[block + "/queue/logical_block_size"] = "512\n";
+        files[block + "/device/vpd_pg80"] = std::string("\0\x80\0\x04", 4) + "S-" + name;
+        files[block + "/device/vendor"] = "ATA     \n";
+        files[block + "/device/model"] = "DISK\n";
+        links[block + "/device"] = "/sys/devices/pci0/host3/3:0:" + std::to_string(target) + ":0";
+        links["/dev/disk/by-id/ata-DISK_S-" + name] = "/dev/" + name;
+        links["/dev/disk/by-id/wwn-0x5000" + name] = "/dev/" + name;
+        drives[name].bytes = bytes;
+    }
+
+    void addArray(const std::string& node, const std::string& level,
+                  const std::vector<std::string>& members) {
+        const std::string folder = "/sys/block/" + node + "/md/";
+        files[folder + "level"] = level + "\n";
+        files[folder + "raid_disks"] = std::to_string(members.size()) + "\n";
+        files[folder + "chunk_size"] = "65536\n";
+        files[folder + "array_state"] = "clean\n";
+        files[folder + "sync_action"] = "idle\n";
+        files[folder + "metadata_version"] = "1.2\n";
+        files[folder + "degraded"] = "0\n";
+        files["/sys/block/" + node + "/size"] = std::to_string(gibibyte / 512) + "\n";
+        files["/sys/block/" + node + "/dev"] = "9:127\n";
+        int slot = 0;
+        for (const std::string& member : members) {
+            files[folder + "dev-" + member + "/state"] = "in_sync\n";
+            files[folder + "dev-" + member + "/slot"] = std::to_string(slot++) + "\n";
+            files["/sys/block/" + member + "/holders/" + node] = "";
+            files["/sys/block/" + node + "/slaves/" + member] = "";
+        }
+    }
+
+    std::vector<std::string> entries(const std::string& folder) override {
+        std::set<std::string> found;
+        const auto take = [&](const std::map<std::string, std::string>& all) {
+            for (const auto& [path, content] : all) {
+                if (path.starts_with(folder + "/")) {
+                    const std::string rest = path.substr(folder.size() + 1);
+                    found.insert(rest.substr(0, rest.find('/')));
+                }
+            }
+        };
+        take(files);
+        take(links);
+        return {found.begin(), found.end()};
+    }
+
+    std::optional<std::string> read(const std::string& file, std::uint64_t offset,
+                                    std::size_t most) override {
+        if (const auto found = files.find(file); found != files.end()) {
+            return found->second.substr(0, most);
+        }
+        const auto drive = drives.find(file.substr(file.rfind('/') + 1));
+        if (!file.starts_with("/dev/") || drive == drives.end()) {
+            return std::nullopt;
+        }
+        const Drive& found = drive->second;
+        return offset == 0 ? found.head.substr(0, most)
+                           : found.tail.substr(offset - (found.bytes - found.tail.size()), most);
+    }
+
+    std::string resolved(const std::string& path) override {
+        const auto found = links.find(path);
+        return found != links.end() ? found->second : files.contains(path) ? path : "";
+    }
+
+    std::string whyNotOpened(const std::string& device) override {
+        const auto found = faults.find(device);
+        return found == faults.end() ? "" : found->second;
+    }
+};
+
+struct MdTest : testing::Test {
+    MadeUpFiles files;
+    FamilyMachine machine;
+    std::vector<std::string> calls; ///< of mdadm
+    std::vector<ChildResult> answers;
+    int pauses = 0;
+
+    MdTest() {
+        machine.program = "/sbin/mdadm";
+        machine.pauseOneSecond = [this] { ++pauses; };
+        machine.start = [this](const std::vector<std::string>& arguments,
+                               std::chrono::milliseconds) {
+            std::string call;
+            for (const std::string& argument : arguments) {
+                call += (call.empty() ? "" : " ") + argument;
+            }
+            calls.push_back(call);
+            ChildResult result;
+            result.outcome = ChildOutcome::ended;
+            if (!answers.empty()) {
+                result = answers.front();
+                answers.erase(answers.begin());
+            }
+            return result;
+        };
+        files.addDrive("sda", 0);
+        files.addDrive("sdb", 1);
+        files.addDrive("sdc", 2);
+    }
+
+    ChildResult run(const std::string& line) {
+        return MdHost(machine, &files).run(line, std::chrono::seconds(1));
+    }
+
+    std::string why(const std::string& name) {
+        DiskScan scan;
+        scan.files = &files;
+        for (const ListedDisk& disk : listDisks(scan).disks) {
+            if (disk.name == name) {
+                return disk.why;
+            }
+        }
+        return "not listed";
+    }
+};
+
+VolumeWish mirror(const std::string& first = "ata-DISK_S-sda",
+                  const std::string& second = "ata-DISK_S-sdb") {
+    VolumeWish wish;
+    wish.raidType = "RAID1";
+    wish.name = "data";
+    wish.spans = {{first, second}};
+    return wish;
+}
+
+const std::string mirrorLine =
+    "MD --create /dev/md/zolex-data --metadata=1.2 \"--homehost=<none>\" --name=zolex-data "
+    "--level=1 --raid-devices=2 --bitmap=internal /dev/disk/by-id/ata-DISK_S-sda "
+    "/dev/disk/by-id/ata-DISK_S-sdb";
+
+TEST_F(MdTest, ADriveThatNothingUsesIsACandidate) {
+    EXPECT_EQ(why("sda"), "");
+    DiskScan scan;
+    scan.files = &files;
+    const ListedDisk disk = listDisks(scan).disks.at(0);
+    EXPECT_EQ(disk.id, "ata-DISK_S-sda");
+    EXPECT_EQ(disk.serialNumber, "S-sda");
+    EXPECT_EQ(disk.protocol, "SATA");
+    EXPECT_EQ(disk.mediaType, "HDD");
+    EXPECT_EQ(disk.channel, 3);
+    EXPECT_EQ(disk.target, 0);
+    EXPECT_EQ(disk.bytes, 2 * gibibyte);
+}
+
+TEST_F(MdTest, EachRefusalOfADriveHasItsReason) {
+    files.files["/sys/block/sda/removable"] = "1\n";
+    EXPECT_EQ(why("sda"), "it is removable");
+    files.files["/sys/block/sda/removable"] = "0\n";
+    files.files["/sys/block/sda/ro"] = "1\n";
+    EXPECT_EQ(why("sda"), "it is read-only");
+    files.files["/sys/block/sda/ro"] = "0\n";
+    files.addDrive("sdd", 3, gibibyte - 512);
+    EXPECT_EQ(why("sdd"), "it is too small: 1023 MB");
+    files.addDrive("sdd", 3);
+    files.links.erase("/dev/disk/by-id/ata-DISK_S-sdd");
+    files.links.erase("/dev/disk/by-id/wwn-0x5000sdd");
+    EXPECT_EQ(why("sdd"), "it has no name in /dev/disk/by-id");
+    files.addDrive("sdd", 3);
+    files.files["/sys/block/sdd/device/vpd_pg80"] = files.files["/sys/block/sda/device/vpd_pg80"];
+    EXPECT_EQ(why("sda"), "it has the serial number of sdd, too");
+    files.addDrive("sdd", 3);
+    files.files["/sys/block/sda/holders/dm-0"] = "";
+    EXPECT_EQ(why("sda"), "in use: held by dm-0");
+    files.files.erase("/sys/block/sda/holders/dm-0");
+    files.files["/sys/block/sda/sda1/partition"] = "1\n";
+    EXPECT_EQ(why("sda"), "in use: it has partitions (sda1)");
+    files.files.erase("/sys/block/sda/sda1/partition");
+    files.faults["/dev/sda"] = "Device or resource busy";
+    EXPECT_EQ(why("sda"), "in use: it cannot be opened alone: Device or resource busy");
+    files.faults.clear();
+    files.drives["sda"].head.clear();
+    EXPECT_EQ(why("sda"), "its first and last MiB cannot be read");
+    files.drives["sda"].head = superblockHead("srv:data", 'a', 1, 2, 0);
+    EXPECT_EQ(why("sda"), "in use: member of the md array srv:data, which does not run");
+    files.drives["sda"].head = std::string(DriveEnds::most, '\0');
+    files.drives["sda"].head[7] = 'x';
+    EXPECT_EQ(why("sda"), "in use: it carries unknown data in its first 4 KiB");
+    EXPECT_EQ(why("sdb"), "");
+}
+
+TEST_F(MdTest, WhatIsNoWholeDriveOfTheMachineIsNotListed) {
+    for (const char* const name :
+         {"loop0", "ram0", "zram0", "sr0", "dm-0", "md1", "nbd0", "rbd0", "sda1"}) {
+        files.addDrive(name, 9);
+        EXPECT_EQ(why(name), name == std::string("sda1") ? "" : "not listed") << name;
+    }
+    files.addDrive("nvme0c0n1", 9);
+    files.files["/sys/block/nvme0c0n1/hidden"] = "1\n";
+    EXPECT_EQ(why("nvme0c0n1"), "not listed");
+}
+
+TEST_F(MdTest, MountsAndSwapAreFollowedToTheirDrives) {
+    files.files["/proc/self/mountinfo"] = "20 1 8:0 / /srv/my\\040data rw - ext4 /dev/sda rw\n"
+                                          "21 1 0:33 / /pool rw shared:1 - btrfs /dev/sdb rw\n"
+                                          "22 1 253:0 / / rw - ext4 /dev/mapper/root rw\n";
+    files.files["/sys/block/dm-0/dev"] = "253:0\n";
+    files.files["/sys/block/dm-0/slaves/sdc"] = "";
+    files.files["/proc/swaps"] = "Filename Type Size Used Priority\n/dev/sdd partition 9 0 -2\n";
+    files.addDrive("sdd", 3);
+    EXPECT_EQ(why("sda"), "in use: mounted at /srv/my data");
+    EXPECT_EQ(why("sdb"), "in use: mounted at /pool");
+    EXPECT_EQ(why("sdc"), "in use: it holds the system's root");
+    EXPECT_EQ(why("sdd"), "in use: the system swaps to it");
+}
+
+TEST_F(MdTest, WhatBlkidFindsBarsADriveToo) {
+    files.files["/usr/sbin/blkid"] = "";
+    DiskScan scan;
+    scan.files = &files;
+    std::uint32_t code = 0;
+    scan.run = [&code](const std::vector<std::string>& arguments) -> std::optional<ProgramAnswer> {
+        if (arguments[0] != "/usr/sbin/blkid") {
+            return std::nullopt;
+        }
+        EXPECT_EQ(arguments[1], "-p");
+        return ProgramAnswer{code, code == 0 ? "DEVNAME=/dev/sda\nTYPE=ufs\n" : ""};
+    };
+    EXPECT_EQ(listDisks(scan).disks[0].why, "in use: it carries ufs (blkid)");
+    code = 8;
+    EXPECT_EQ(listDisks(scan).disks[0].why, "in use: it carries several signatures (blkid)");
+    code = 2;
+    EXPECT_EQ(listDisks(scan).disks[0].why, "");
+}
+
+struct SignatureCase {
+    const char* name;
+    bool atEnd;
+    std::size_t place; ///< from the beginning, or before the end
+    std::string bytes;
+};
+
+TEST(MdSignatures, AreFoundWhereTheyStand) {
+    const std::vector<SignatureCase> cases = {
+        {"a GPT partition table", false, 512, "EFI PART"},
+        {"a GPT partition table", false, 4096, "EFI PART"},
+        {"the second table of a GPT", true, 512, "EFI PART"},
+        {"an MBR partition table or boot sector", false, 510, "\x55\xaa"},
+        {"ext2, ext3 or ext4", false, 1080, "\x53\xef"},
+        {"xfs", false, 0, "XFSB"},
+        {"btrfs", false, 65600, "_BHRfS_M"},
+        {"LVM2", false, 512, "LABELONE"},
+        {"LUKS", false, 0, "LUKS\xba\xbe"},
+        {"LUKS", false, 16384, "SKUL\xba\xbe"},
+        {"RAID of Intel's firmware (IMSM)", true, 1024, "Intel Raid ISM Cfg Sig. "},
+        {"RAID of a controller (DDF)", true, 512, "\xde\x11\xde\x11"},
+        {"swap", false, 4086, "SWAPSPACE2"},
+        {"swap", false, 65526, "SWAPSPACE2"},
+        {"zfs", false, 131072 + 1024, std::string("\x0c\xb1\xba\0\0\0\0\0", 8)},
+        {"unknown data in its first 4 KiB", false, 4095, "x"},
+    };
+    for (const SignatureCase& each : cases) {
+        DriveEnds ends{std::string(DriveEnds::most, '\0'), std::string(DriveEnds::most, '\0'),
+                       3 * gibibyte};
+        EXPECT_TRUE(signaturesOf(ends).empty());
+        std::string& part = each.atEnd ? ends.tail : ends.head;
+        part.replace(each.atEnd ? part.size() - each.place : each.place, each.bytes.size(),
+                     each.bytes);
+        EXPECT_EQ(signaturesOf(ends), std::vector<std::string>{each.name}) << each.place;
+    }
+}
+
+TEST(MdSignatures, SuperblocksOfEachVersionAreFound) {
+    DriveEnds ends{superblockHead("zolex-data", 'a', 5, 3, 1), std::string(DriveEnds::most, '\0'),
+                   3 * gibibyte};
+    const auto newest = superblockOf(ends);
+    ASSERT_TRUE(newest);
+    EXPECT_EQ(newest->version, "1.2");
+    EXPECT_EQ(newest->name, "zolex-data");
+    EXPECT_EQ(newest->uuid, "61616161:61616161:61616161:61616161");
+    EXPECT_EQ(newest->level, 5);
+    EXPECT_EQ(newest->raidDisks, 3U);
+    EXPECT_EQ(newest->chunkBytes, 65536U);
+    EXPECT_EQ(newest->role, 1U);
+    EXPECT_TRUE(signaturesOf(ends).empty());
+    const std::string superblock = ends.head.substr(4096, 1024);
+    ends.head.assign(DriveEnds::most, '\0');
+    ends.tail.replace(ends.tail.size() - 8192, superblock.size(), superblock);
+    EXPECT_EQ(superblockOf(ends)->version, "1.0");
+    ends.tail.assign(DriveEnds::most, '\0');
+    put(ends.tail, ends.tail.size() - 65536, 0xa92b4efc, 4);
+    EXPECT_EQ(superblockOf(ends)->version, "0.90");
+    ends.tail.assign(DriveEnds::most, '\0');
+    EXPECT_FALSE(superblockOf(ends));
+}
+
+TEST(MdCommands, AreWrittenForEachLevel) {
+    EXPECT_EQ(createLine(mirror()), mirrorLine);
+    VolumeWish wish;
+    wish.raidType = "RAID5";
+    wish.spans = {{"a", "b", "c"}};
+    wish.stripSizeBytes = 65536;
+    wish.spares = {"d"};
+    EXPECT_EQ(createLine(wish),
+              "MD --create /dev/md/zolex-0e3d5a13 --metadata=1.2 \"--homehost=<none>\" "
+              "--name=zolex-0e3d5a13 --level=5 --raid-devices=3 --chunk=64 --spare-devices=1 "
+              "--bitmap=internal /dev/disk/by-id/a /dev/disk/by-id/b /dev/disk/by-id/c "
+              "/dev/disk/by-id/d");
+    wish.raidType = "RAID1E";
+    wish.spares.clear();
+    wish.name = "x";
+    EXPECT_NE(createLine(wish).find(" --level=10 --raid-devices=3 "), std::string::npos);
+    wish.raidType = "RAID0";
+    EXPECT_EQ(createLine(wish),
+              "MD --create /dev/md/zolex-x --metadata=1.2 \"--homehost=<none>\" --name=zolex-x "
+              "--level=0 --raid-devices=3 --chunk=64 /dev/disk/by-id/a /dev/disk/by-id/b "
+              "/dev/disk/by-id/c");
+    for (const char* const level : {"RAID4", "RAID50", "RAID60", "None", "RAID6", "RAID10"}) {
+        wish.raidType = level;
+        EXPECT_EQ(createLine(wish), "") << level;
+    }
+    EXPECT_EQ(deleteLine("zolex-x", {"a", "b"}),
+              "MD --stop /dev/md/zolex-x --zero-superblock /dev/disk/by-id/a /dev/disk/by-id/b");
+    EXPECT_EQ(deleteLine("data", {"a"}), "");
+}
+
+TEST(MdCommands, DrivesThatDifferTooMuchAreRefusedBeforeMdadmAsks) {
+    Facts facts;
+    for (const char* const location : {"ata-DISK_S-sda", "ata-DISK_S-sdb"}) {
+        DriveFacts& drive = facts.drives.emplace_back();
+        drive.location = location;
+        drive.capacityBytes = 1000 * gibibyte;
+    }
+    EXPECT_EQ(whyNoArray(mirror(), facts), "");
+    facts.drives[0].capacityBytes = 1011 * gibibyte;
+    EXPECT_EQ(whyNoArray(mirror(), facts),
+              "its drives differ by more than 1 % (1000 GB and 1011 GB), which mdadm makes no "
+              "array of unless it is forced");
+}
+
+TEST_F(MdTest, NoLineEverForcesMdadm) {
+    for (const std::string word : {"--run", "-R", "--force", "-f", "--assume-clean", "--level=x",
+                                   "--name=other", "--bitmap=none", "/dev/sda"}) {
+        std::string line = mirrorLine;
+        line.insert(line.find(" --level"), " " + word);
+        EXPECT_EQ(run(line).exitCode, MdHost::refused) << word;
+        EXPECT_EQ(run(mirrorLine + " " + word).exitCode, MdHost::refused) << word;
+    }
+    for (const char* const line :
+         {"MD", "MD --run /dev/md/zolex-a", "MD --stop /dev/md/zolex-a", "MD --stop --scan",
+          "MD --zero-superblock /dev/sda", "MD --manage /dev/md/zolex-a --fail /dev/sda",
+          "MD --stop /dev/md127 --zero-superblock /dev/disk/by-id/a", "MD --detail /dev/md1"}) {
+        EXPECT_EQ(run(line).exitCode, MdHost::refused) << line;
+    }
+    EXPECT_TRUE(calls.empty());
+    for (const char* const level : {"RAID0", "RAID1", "RAID5", "RAID6", "RAID10", "RAID1E"}) {
+        for (std::size_t drives = 2; drives < 9; ++drives) {
+            VolumeWish wish;
+            wish.raidType = level;
+            wish.spans.emplace_back();
+            for (std::size_t i = 0; i < drives; ++i) {
+                wish.spans[0].push_back("d" + std::to_string(i));
+            }
+            const std::string line = createLine(wish);
+            EXPECT_EQ(line.find("--run"), std::string::npos);
+            EXPECT_EQ(line.find("--force"), std::string::npos);
+            EXPECT_EQ(line.empty(), !whyNoArray(wish, Facts()).empty());
+        }
+    }
+}
+
+TEST_F(MdTest, MdadmIsStartedForDrivesThatNothingUses) {
+    EXPECT_EQ(run(mirrorLine).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{
+                         "/sbin/mdadm --create /dev/md/zolex-data --metadata=1.2 "
+                         "--homehost=<none> --name=zolex-data --level=1 --raid-devices=2 "
+                         "--bitmap=internal /dev/disk/by-id/ata-DISK_S-sda "
+                         "/dev/disk/by-id/ata-DISK_S-sdb"});
+}
+
+TEST_F(MdTest, MdadmIsNotStartedForADriveThatIsRefused) {
+    const MadeUpFiles before = files;
+    const std::vector<std::function<void()>> uses = {
+        [this] { files.files["/proc/self/mountinfo"] = "1 1 8:16 / /srv rw - ext4 /dev/sdb rw\n"; },
+        [this] { files.files["/sys/block/sdb/sdb1/partition"] = "1\n"; },
+        [this] { files.files["/proc/swaps"] = "/dev/sdb partition 9 0 -2\n"; },
+        [this] { files.drives["sdb"].head.replace(512, 8, "LABELONE"); },
+        [this] { files.drives["sdb"].head.replace(0, 4, "LUKS"); },
+        [this] { files.drives["sdb"].head = superblockHead("srv:x", 'b', 1, 2, 0); },
+        [this] { files.drives["sdb"].head.replace(0, 4, "XFSB"); },
+        [this] { files.files["/sys/block/sdb/ro"] = "1\n"; },
+        [this] { files.faults["/dev/sdb"] = "Device or resource busy"; },
+        [this] { files.links.erase("/dev/disk/by-id/ata-DISK_S-sdb"); },
+        [this] { files.drives["sdb"].head = superblockHead("zolex-data", 'b', 1, 2, 0); },
+    };
+    for (std::size_t i = 0; i < uses.size(); ++i) {
+        files = before;
+        uses[i]();
+        const ChildResult result = run(mirrorLine);
+        EXPECT_EQ(result.exitCode, MdHost::refused) << i;
+        EXPECT_NE(result.output.find("touched"), std::string::npos) << result.output;
+    }
+    EXPECT_TRUE(calls.empty());
+}
+
+TEST_F(MdTest, WhatIsBusyIsAskedForFiveTimes) {
+    ChildResult busy;
+    busy.outcome = ChildOutcome::ended;
+    busy.exitCode = 2;
+    busy.output = "mdadm: cannot open /dev/disk/by-id/x: Device or resource busy\n";
+    answers.assign(9, busy);
+    EXPECT_EQ(run(mirrorLine).exitCode, 2U);
+    EXPECT_EQ(calls.size(), 5U);
+    EXPECT_EQ(pauses, 4);
+    answers.assign(2, busy);
+    EXPECT_EQ(run(mirrorLine).exitCode, 0U);
+    EXPECT_EQ(calls.size(), 8U);
+}
+
+TEST_F(MdTest, OnlyOurOwnArraysAreStopped) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    const std::string line = "MD --stop /dev/md/zolex-data --zero-superblock "
+                             "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb";
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'b', 1, 2, 1);
+    EXPECT_EQ(run(line).output.substr(0, 79),
+              "zolexctl: zolex-data is not touched: it is not proved that zolexctl has made it");
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.files["/proc/self/mountinfo"] = "1 1 9:127 / /srv rw - ext4 /dev/md127 rw\n";
+    EXPECT_EQ(run(line).output, "zolexctl: zolex-data is not touched: mounted at /srv.\n");
+    files.files.erase("/proc/self/mountinfo");
+    files.files["/sys/block/md127/holders/dm-1"] = "";
+    EXPECT_EQ(run(line).output, "zolexctl: zolex-data is not touched: held by dm-1.\n");
+    files.files.erase("/sys/block/md127/holders/dm-1");
+    files.drives["sda"].tail.replace(DriveEnds::most - 512, 8, "EFI PART");
+    EXPECT_EQ(run(line).output,
+              "zolexctl: zolex-data is not touched: ata-DISK_S-sda carries the second table of a "
+              "GPT, too. Clear what is on the array first: wipefs --all /dev/md/zolex-data.\n");
+    files.drives["sda"].tail.assign(DriveEnds::most, '\0');
+    EXPECT_TRUE(calls.empty());
+    (void)run(line);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --stop /dev/md127"});
+}
+
+TEST_F(MdTest, OurArraysAreLogicalDrivesAndOthersBarTheirDrives) {
+    files.addDrive("sdd", 3);
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.addArray("md126", "raid1", {"sdc", "sdd"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.drives["sdc"].head = superblockHead("srv:old", 'b', 1, 2, 0);
+    files.drives["sdd"].head = superblockHead("srv:old", 'b', 1, 2, 1);
+    DiskScan scan;
+    scan.files = &files;
+    const DiskList list = listDisks(scan);
+    EXPECT_EQ(diskListFrom(toText(list)), list);
+    const Facts facts = factsOf(list);
+    ASSERT_EQ(facts.logicalDrives.size(), 1U);
+    const LogicalDriveFacts& volume = facts.logicalDrives[0];
+    EXPECT_EQ(volume.id, "zolex-data");
+    EXPECT_EQ(volume.name, "data");
+    EXPECT_EQ(volume.raidType, "RAID1");
+    EXPECT_EQ(volume.reportedState, "active");
+    EXPECT_EQ(volume.spans,
+              (std::vector<std::vector<std::string>>{{"ata-DISK_S-sda", "ata-DISK_S-sdb"}}));
+    EXPECT_EQ(facts.drive("ata-DISK_S-sda")->state, DriveState::member);
+    EXPECT_EQ(facts.drive("ata-DISK_S-sdc")->barred, "in use: member of the md array srv:old");
+    EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sda")), "");
+    EXPECT_NE(family().whyNotUsable(*facts.drive("ata-DISK_S-sdc")), "");
+}
+
+TEST_F(MdTest, StatesComeFromTheKernel) {
+    files.addArray("md127", "raid5", {"sda", "sdb", "sdc"});
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb", "sdc"}) {
+        files.drives[name].head = superblockHead("zolex-data", 'a', 5, 3, role++);
+    }
+    const auto facts = [this] {
+        DiskScan scan;
+        scan.files = &files;
+        return factsOf(listDisks(scan));
+    };
+    const std::string member = "/sys/block/md127/md/dev-sdc/";
+    // As it is right after it was made.
+    files.files[member + "state"] = "spare\n";
+    files.files["/sys/block/md127/md/degraded"] = "1\n";
+    files.files["/sys/block/md127/md/sync_action"] = "recover\n";
+    EXPECT_EQ(facts().logicalDrives[0].reportedState, "recovering");
+    EXPECT_EQ(facts().logicalDrives[0].health, Health::ok);
+    EXPECT_EQ(facts().drives[2].state, DriveState::rebuilding);
+    files.files[member + "state"] = "faulty\n";
+    files.files[member + "slot"] = "none\n";
+    EXPECT_EQ(facts().logicalDrives[0].reportedState, "degraded");
+    EXPECT_EQ(facts().drives[2].state, DriveState::failed);
+    EXPECT_EQ(facts().logicalDrives[0].spans[0][2], "Missing");
+    files.files[member + "state"] = "spare\n";
+    EXPECT_EQ(facts().drives[2].hotspare, HotspareKind::dedicated);
+    EXPECT_EQ(facts().drives[2].covers, std::vector<std::string>{"zolex-data"});
+}
+
+/// A platform that must not be asked.
+TEST(MdFamily, IsAskedForByNameAlone) {
+    EXPECT_TRUE(family().isOptIn());
+    EXPECT_TRUE(family().isReading("MD drives"));
+    EXPECT_TRUE(family().isReading("MD --detail --export /dev/md127"));
+    EXPECT_FALSE(family().isReading(mirrorLine));
+    EXPECT_FALSE(family().isReading("MD --detail --export /dev/md127 --run"));
+    FamilyMachine machine;
+    EXPECT_EQ(MdHost(machine, nullptr).run("MD drives", std::chrono::seconds(1)).output,
+              "zolexctl: md is a part of Linux, and this is another system.\n");
+}
+
+TEST(MdFamily, TellsWhatMdadmWouldHaveAsked) {
+    const FamilyVerdict verdict = family().judge(
+        mirrorLine, 1,
+        "mdadm: /dev/sdb appears to contain an ext2fs file system\n       size=1K  mtime=now\n"
+        "Continue creating array? mdadm: create aborted.\n");
+    EXPECT_FALSE(verdict.isDone);
+    EXPECT_EQ(verdict.why, "mdadm: /dev/sdb appears to contain an ext2fs file system");
+    EXPECT_TRUE(family().judge(mirrorLine, 0, "").isDone);
+    EXPECT_EQ(family().judge(mirrorLine, 2, "").why, "mdadm ended with 2");
+}
+
+TEST(MdList, TextsThatAreNoneGiveNothing) {
+    EXPECT_FALSE(diskListFrom(""));
+    EXPECT_FALSE(diskListFrom("{}"));
+    EXPECT_FALSE(diskListFrom(std::string(100, '[')));
+    const auto odd = diskListFrom(R"({"kind":"zolexctl drives of Linux","drives":[1,{"bytes":-1,)"
+                                  R"("target":1e9,"channel":99999999999}],"arrays":7})");
+    ASSERT_TRUE(odd);
+    EXPECT_EQ(odd->disks.size(), 2U);
+    EXPECT_EQ(odd->disks[1], ListedDisk());
+}
+
+} // namespace
+
+} // namespace zolex::companion::md

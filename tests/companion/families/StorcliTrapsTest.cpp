@@ -1,0 +1,458 @@
+// What listings do to whoever reads them in a hurry, one by one.
+
+#include "companion/families/StorcliListings.h"
+#include "companion/families/storcli/StorcliWords.h"
+#include "companion/families/storcli/ToldValue.h"
+
+#include <algorithm>
+
+namespace zolex::companion {
+namespace {
+
+using namespace test; // NOLINT: the words of these tests
+
+constexpr const char* all = "/c0 show all J";
+constexpr const char* drives = "/c0/eall/sall show all J";
+constexpr const char* volumes = "/c0/vall show all J";
+
+const DriveFacts& driveOf(const FamilyController& controller, const std::string& location) {
+    static const DriveFacts none;
+    const DriveFacts* const found = controller.facts.drive(location);
+    EXPECT_NE(found, nullptr) << location;
+    return found == nullptr ? none : *found;
+}
+
+TEST(StorcliTraps, ExactSizeOfADriveComesFromItsCoercedSectors) {
+    StorcliServer server;
+    server.edit(drives, "\"Coerced size\" : \"893.750 GB [0x6fb80000 Sectors]\"",
+                "\"Coerced size\" : \"1 TB [0x10 Sectors]\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:0").capacityBytes, 16U * 512);
+}
+
+TEST(StorcliTraps, ExactSizeOfAVolumeComesFromItsBlocks) {
+    StorcliServer server;
+    server.edit(volumes, "\"Number of Blocks\" : 1874329600", "\"Number of Blocks\" : 1874329601");
+    EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 1874329601U * 512);
+    // Blocks of 4096 bytes, where those of 512 contradict the text.
+    server.edit(volumes, "\"Number of Blocks\" : 1874329601", "\"Number of Blocks\" : 234291200");
+    EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 234291200U * 4096);
+}
+
+TEST(StorcliTraps, TextIsCutAndOnlyTheLeastSize) {
+    const auto tera = storcliSize("7.277 TB", StorcliUnits::binary);
+    ASSERT_TRUE(tera);
+    constexpr std::uint64_t exact = 0x3a3800000ULL * 512;
+    EXPECT_LE(tera->bytes, exact);
+    EXPECT_LE(exact, tera->bytes + tera->tolerance);
+    EXPECT_EQ(tera->tolerance, std::uint64_t{2} << 30U);
+    const auto giga = storcliSize("893.750 GB", StorcliUnits::binary);
+    ASSERT_TRUE(giga);
+    EXPECT_EQ(giga->bytes, 0x6fb80000ULL * 512);
+    EXPECT_EQ(giga->tolerance, (std::uint64_t{1} << 20U) + (std::uint64_t{1} << 30U) / 1000);
+}
+
+TEST(StorcliTraps, EarlyVersionsHaveOneDecimal) {
+    const auto size = storcliSize("931.0 GB", StorcliUnits::binary);
+    ASSERT_TRUE(size);
+    EXPECT_EQ(size->bytes, std::uint64_t{931} << 30U);
+    EXPECT_GE(size->tolerance, (std::uint64_t{1} << 30U) / 10);
+}
+
+TEST(StorcliTraps, AWordOfSizeIsDecidedBySectors) {
+    StorcliServer server;
+    server.edit(all, "\"Drive Groups\" :", "\"Arrays\" :");
+    server.edit(all, "\"893.750 GB\"", "\"959.66 GB\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(driveOf(controller, "252:0").capacityBytes, 959656755200U);
+    EXPECT_EQ(driveOf(controller, "252:0").capacityTolerance, 0U);
+    const auto alone = storcliSize("959.66 GB", StorcliUnits::decimal);
+    ASSERT_TRUE(alone);
+    EXPECT_LE(alone->bytes, 959656755200U);
+    EXPECT_LE(959656755200U, alone->bytes + alone->tolerance);
+}
+
+TEST(StorcliTraps, SectorsOf4KbAreNotOf512) {
+    const DriveFacts drive = driveOf(StorcliServer().controller(), "252:15");
+    EXPECT_EQ(drive.blockSizeBytes, 4096U);
+    EXPECT_EQ(drive.capacityBytes, 0x74700000ULL * 4096);
+}
+
+TEST(StorcliTraps, NumbersOfVolumesAreNoPositions) {
+    StorcliServer server;
+    server.edit(all, "\"DG/VD\" : \"0/239\"", "\"DG/VD\" : \"0/7\"");
+    server.edit(volumes, "239", "7");
+    const FamilyController controller = server.controller();
+    std::vector<std::string> ids;
+    for (const LogicalDriveFacts& volume : controller.facts.logicalDrives) {
+        ids.push_back(volume.id);
+        EXPECT_FALSE(volume.commandNumber);
+    }
+    // As they were made, group by group.
+    EXPECT_EQ(ids, Lines({"7", "238", "237", "236"}));
+}
+
+TEST(StorcliTraps, WithoutDatesTheNumbersTellTheOrder) {
+    StorcliServer server;
+    server.edit(volumes, "\"Creation Date\"", "\"Created\"");
+    std::vector<std::string> ids;
+    for (const LogicalDriveFacts& volume : server.controller().facts.logicalDrives) {
+        ids.push_back(volume.id);
+    }
+    EXPECT_EQ(ids, Lines({"239", "238", "237", "236"})); // the highest is the first possible
+    server.edit(all, "\"Max Number of VDs\" : 240", "\"Max Number of VDs\" : 512");
+    ids.clear();
+    for (const LogicalDriveFacts& volume : server.controller().facts.logicalDrives) {
+        ids.push_back(volume.id);
+    }
+    EXPECT_EQ(ids, Lines({"239", "238", "236", "237"}));
+}
+
+TEST(StorcliTraps, EnclosuresAreOf16BitsAndDrivesMayBeInNone) {
+    StorcliServer server;
+    for (const char* const call : {all, drives, volumes}) {
+        server.edit(call, "\"252:0\"", "\" :0\"");
+        server.edit(call, "\"252:1\"", "\"65535:1\"");
+    }
+    server.edit(drives, "/c0/e252/s0 ", "/c0/s0 ");
+    server.edit(drives, "/c0/e252/s0\"", "/c0/s0\"");
+    server.edit(drives, "/c0/e252/s1 ", "/c0/e65535/s1 ");
+    server.edit(drives, "/c0/e252/s1\"", "/c0/e65535/s1\"");
+    server.answer("/c0/sall show all J",
+                  server.answers.at("STORCLI " + std::string(drives)).output);
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(driveOf(controller, ":0").serialNumber, "NV004100");
+    EXPECT_FALSE(driveOf(controller, ":0").enclosure);
+    EXPECT_EQ(driveOf(controller, "65535:1").serialNumber, "NV004101");
+    EXPECT_EQ(controller.facts.logicalDrives[0].spans,
+              (std::vector<std::vector<std::string>>{{":0", "65535:1"}}));
+    EXPECT_NE(
+        std::find(server.calls.begin(), server.calls.end(), "STORCLI /c0/sall show all J nolog"),
+        server.calls.end());
+    EXPECT_EQ(findingsOf(controller.findings), Lines());
+}
+
+TEST(StorcliTraps, TheKeyOfADriveIsItsSerialNumberAndNotItsDeviceId) {
+    StorcliServer server;
+    const Facts before = server.controller().facts;
+    server.edit(all, "\"DID\" : 8,", "\"DID\" : 77,");
+    const Facts after = server.controller().facts;
+    EXPECT_EQ(before.drives[0].serialNumber, after.drives[0].serialNumber);
+    EXPECT_EQ(after.drives[0].number, 77);
+}
+
+TEST(StorcliTraps, NumbersMayBeTextsAndTextsNumbers) {
+    StorcliServer server;
+    const Facts before = server.controller().facts;
+    server.edit(all, "\"DG\" : 1,", "\"DG\" : \"1\",");
+    server.edit(all, "\"Controller\" : 0", "\"Controller\" : \"0\"");
+    server.edit(all, "\"Vendor Id\" : 4096", "\"Vendor Id\" : \"0x1000\"");
+    server.edit(all, "\"Physical Drives\" : 16", "\"Physical Drives\" : \"16\"");
+    Facts after = server.controller().facts;
+    EXPECT_EQ(describeAll(before.drives), describeAll(after.drives));
+    EXPECT_EQ(describeAll(before.logicalDrives), describeAll(after.logicalDrives));
+    EXPECT_EQ(before.pciIds, after.pciIds);
+}
+
+TEST(StorcliTraps, OfTwoKeysOfOneNameTheFirstCountsAndItIsSaid) {
+    StorcliServer server;
+    server.edit(all, "\"Serial Number\" : \"NX26400017\",",
+                "\"Serial Number\" : \"NX26400017\", \"Serial Number\" : \"other\",");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.serialNumber, "NX26400017");
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP135 STORCLI /c0 show all J nolog: \"Serial Number\" stands twice; the "
+                     "first counts"}));
+}
+
+TEST(StorcliTraps, BlanksAroundKeysAndValuesDoNotCount) {
+    StorcliServer server;
+    server.edit(all, "\"Model\" : \"MegaRAID N3916-16i 8GB\"",
+                "\" Model  \" : \"  MegaRAID N3916-16i 8GB  \"");
+    server.edit(drives, "\"SN\"", "\"SN \"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.model, "MegaRAID-N3916-16i-8GB");
+    EXPECT_EQ(driveOf(controller, "252:0").serialNumber, "NV004100");
+}
+
+TEST(StorcliTraps, AMissingSectionKillsNothing) {
+    for (const char* const section : {"Bus", "Version", "Status", "Capabilities", "Basics"}) {
+        StorcliServer server;
+        server.edit(all, "\"" + std::string(section) + "\" : {", "\"Elsewhere\" : {");
+        const FamilyController controller = server.controller();
+        EXPECT_FALSE(controller.failed) << section;
+        EXPECT_EQ(controller.facts.drives.size(), 16U) << section;
+        EXPECT_EQ(
+            findingsOf(controller.findings),
+            Lines({"ZP134 STORCLI /c0 show all J nolog does not tell: " + std::string(section)}));
+    }
+}
+
+TEST(StorcliTraps, WithoutTopologySpansComeFromTheVolumes) {
+    StorcliServer server;
+    server.edit(all, "\"TOPOLOGY\"", "\"Elsewhere\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(describeAll(controller.facts.logicalDrives),
+              describeAll(StorcliServer().controller().facts.logicalDrives));
+}
+
+TEST(StorcliTraps, AWordOfTomorrowIsKeptAndNeverPlanned) {
+    StorcliServer server;
+    server.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Tmrw\"");
+    const FamilyController controller = server.controller();
+    const DriveFacts drive = driveOf(controller, "252:12");
+    EXPECT_EQ(drive.reportedState, "Tmrw");
+    EXPECT_EQ(drive.state, DriveState::unknown);
+    EXPECT_EQ(drive.barred, "its state is not known: Tmrw");
+    EXPECT_EQ(Storcli().whyNotUsable(drive), "its state is not known: Tmrw");
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP133 1 drive is in a state that zolexctl does not know, and not planned "
+                     "with: 252:12 (Tmrw)"}));
+}
+
+TEST(StorcliTraps, EveryWordOfADriveIsKnown) {
+    struct Case {
+        const char* word;
+        DriveState state;
+        Health health;
+        bool isBarred;
+    };
+    const Case cases[] = {
+        {"Onln", DriveState::member, Health::ok, false},
+        {"Offln", DriveState::failed, Health::critical, false},
+        {"UGood", DriveState::free, Health::ok, false},
+        {"UBad", DriveState::failed, Health::critical, false},
+        {"Failed", DriveState::failed, Health::critical, false},
+        {"Rbld", DriveState::rebuilding, Health::warning, false},
+        {"Cpybck", DriveState::rebuilding, Health::warning, false},
+        {"GHS", DriveState::hotspare, Health::ok, false},
+        {"DHS", DriveState::hotspare, Health::ok, false},
+        {"JBOD", DriveState::jbod, Health::ok, true},
+        {"Msng", DriveState::missing, Health::critical, false},
+        {"UGUnsp", DriveState::free, Health::warning, true},
+        {"UBUnsp", DriveState::failed, Health::critical, true},
+        {"UGShld", DriveState::free, Health::warning, true},
+        {"HSPShld", DriveState::hotspare, Health::warning, true},
+        {"CFShld", DriveState::member, Health::warning, true},
+        {"CBShld", DriveState::rebuilding, Health::warning, true},
+        {"Sntze", DriveState::free, Health::warning, true},
+    };
+    for (const Case& each : cases) {
+        const StorcliDriveWord* const word = storcliDriveWord(each.word);
+        ASSERT_NE(word, nullptr) << each.word;
+        EXPECT_EQ(word->state, each.state) << each.word;
+        EXPECT_EQ(word->health, each.health) << each.word;
+        EXPECT_EQ(!word->barred.empty(), each.isBarred) << each.word;
+    }
+}
+
+TEST(StorcliTraps, LockedDrivesAreNotPlanned) {
+    StorcliServer server;
+    server.edit(drives, "\"Locked\" : \"No\"", "\"Locked\" : \"Yes\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").barred, "locked by its encryption");
+}
+
+TEST(StorcliTraps, ASpareMayCoverSeveralGroups) {
+    StorcliServer server;
+    server.edit(all, "\"DG\" : 2,\n\t\t\t\t\"Arr\" : \"-\",\n\t\t\t\t\"Row\" : \"-\",",
+                "\"DG\" : 2, \"EID:Slot\" : \"252:11\", \"State\" : \"DHS\" }, {\n\t\t\t\t\"DG\" : "
+                "2,\n\t\t\t\t\"Arr\" : \"-\",\n\t\t\t\t\"Row\" : \"-\",");
+    EXPECT_EQ(driveOf(server.controller(), "252:11").covers, Lines({"1", "2"}));
+}
+
+TEST(StorcliTraps, TheModeThatIsSetCountsAndTheOneThatRunsIsTold) {
+    StorcliServer server;
+    server.edit(all, "\"Cache\" : \"RWBD\"", "\"Cache\" : \"RWTD\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.logicalDrives[0].writeCache, "ProtectedWriteBack");
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP136 VD 239 is set to write-back and runs as write-through (RWTD)",
+                     "ZP136 VD 238 is set to write-back and runs as write-through (RWTD)"}));
+}
+
+TEST(StorcliTraps, CacheWords) {
+    const auto cache = [](const char* word) {
+        const auto told = storcliCache(word);
+        return told ? told->read + " " + told->write : std::string("-");
+    };
+    EXPECT_EQ(cache("RWTD"), "ReadAhead WriteThrough");
+    EXPECT_EQ(cache("NRWTD"), "Off WriteThrough");
+    EXPECT_EQ(cache("RAWBC"), "ReadAhead UnprotectedWriteBack");
+    EXPECT_EQ(cache("NRFWBD"), "Off UnprotectedWriteBack");
+    EXPECT_EQ(cache("NRWBC"), "Off ProtectedWriteBack");
+    for (const char* const other : {"", "R", "RC", "WTD", "RWT", "NR,WB", "RWTDX"}) {
+        EXPECT_EQ(cache(other), "-") << other;
+    }
+}
+
+TEST(StorcliTraps, AListingThatListsLessThanItCountsIsNone) {
+    struct Case {
+        const char* from;
+        const char* to;
+        const char* finding;
+    };
+    const Case cases[] = {
+        {"\"Physical Drives\" : 16", "\"Physical Drives\" : 17",
+         "ZP131 the listing is not whole: 16 of 17 physical drives are listed"},
+        {"\"Virtual Drives\" : 4", "\"Virtual Drives\" : 5",
+         "ZP131 the listing is not whole: 4 of 5 logical drives are listed"},
+        {"\"Drive Groups\" : 3", "\"Drive Groups\" : 4",
+         "ZP131 the listing is not whole: 3 of 4 drive groups are listed"},
+    };
+    for (const Case& each : cases) {
+        StorcliServer server;
+        server.edit(all, each.from, each.to);
+        const FamilyController controller = server.controller();
+        EXPECT_TRUE(controller.failed) << each.from;
+        EXPECT_EQ(findingsOf(controller.findings), Lines({each.finding}));
+    }
+}
+
+TEST(StorcliTraps, FailureWithEverythingListedIsAWarning) {
+    StorcliServer server;
+    server.editOnce(all, "\"Status\" : \"Success\"", "\"Status\" : \"Failure\"");
+    const FamilyController controller = server.controller();
+    EXPECT_FALSE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP137 STORCLI /c0 show all J nolog says Failure, and lists all that there "
+                     "is"}));
+}
+
+TEST(StorcliTraps, TextThoughJsonWasAsked) {
+    StorcliServer server;
+    server.answer(all, listing("storcli2-syntax-error.txt"), 1);
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP130 STORCLI /c0 show all J nolog answers in another form than JSON: "
+                     "syntax error, unexpected TOKEN_JBOD, expecting TOKEN_HOTSPARE_DRIVE"}));
+    server.answer("show J", "storcli64: error while loading shared libraries\n", 127);
+    EXPECT_EQ(findingsOf(server.capture().findings),
+              Lines({"ZP130 STORCLI show J nolog answers in another form than JSON"}));
+}
+
+TEST(StorcliTraps, ATruncatedAnswerIsNoListing) {
+    StorcliServer server;
+    std::string& output = server.answers.at("STORCLI " + std::string(all)).output;
+    output.resize(output.size() / 2);
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP130 STORCLI /c0 show all J nolog answers in another form than JSON"}));
+}
+
+TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {
+    StorcliServer server;
+    server.refusesNoLog = true;
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.drives.size(), 16U);
+    EXPECT_EQ(server.calls, Lines({"STORCLI show J nolog", "STORCLI show J",
+                                   "STORCLI /c0 show all J", "STORCLI /c0/eall/sall show all J",
+                                   "STORCLI /c0/vall show all J", "STORCLI /c0/fall show J"}));
+    EXPECT_TRUE(Storcli().leavesFiles("STORCLI /c0 show all J"));
+}
+
+TEST(StorcliTraps, HostAdaptersBesideAreLeftOut) {
+    StorcliServer server;
+    server.answer("show J",
+                  "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Success\"},\"Response "
+                  "Data\":{\"Number of Controllers\":2,\"System Overview\":[{\"Ctl\":\"0\"}],\"IT "
+                  "System Overview\":[{\"Ctl\":1}]}}]}");
+    EXPECT_EQ(server.capture().controllers.size(), 1U);
+}
+
+TEST(StorcliTraps, NoControllerIsNoFault) {
+    StorcliServer server;
+    server.answer("show J",
+                  "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Failure\",\"Description\":"
+                  "\"No Controller found\"}}]}",
+                  255);
+    FamilyCapture captured = server.capture();
+    EXPECT_TRUE(captured.controllers.empty());
+    EXPECT_EQ(findingsOf(captured.findings), Lines());
+    server.answer("show J", StorcliServer::overview({}));
+    captured = server.capture();
+    EXPECT_TRUE(captured.controllers.empty());
+    EXPECT_EQ(findingsOf(captured.findings), Lines());
+}
+
+TEST(StorcliTraps, EarlyVersionsTellLess) {
+    StorcliServer server;
+    for (const char* const call : {all, drives, volumes}) {
+        server.edit(call, "\"CLI Version\" : \"007.2507.0000.0000 Mar 11, 2024\",", "");
+        server.edit(call, ",\n\t\t\t\t\"Type\" : \"-\"\n", "\n");
+    }
+    server.edit(all, "\"DG\" : 1,", "\"DG\" : \"1\",");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(describeAll(controller.facts.drives),
+              describeAll(StorcliServer().controller().facts.drives));
+    EXPECT_EQ(findingsOf(controller.findings), Lines());
+}
+
+TEST(StorcliTraps, ForeignListsOfLaterVersions) {
+    StorcliServer server;
+    server.edit("/c0/fall show J", "FOREIGN CONFIGURATION", "FOREIGN DG LIST");
+    EXPECT_EQ(server.controller().facts.foreignConfigurations,
+              Lines({"DG 0: RAID0, 7.277 TB, 1 logical drive"}));
+    std::string incomplete = replaced(listing("storcli-c0-fall-show-none.json"), "50", "59");
+    server.answer("/c0/fall show J",
+                  replaced(incomplete, "No foreign configuration", "Foreign configuration "), 59);
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.foreignConfigurations,
+              Lines({"incomplete: drives of it are missing"}));
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP138 a foreign configuration is incomplete: drives of it are missing"}));
+}
+
+TEST(StorcliTraps, JsonThatIsNoneEndsInNoException) {
+    EXPECT_FALSE(readToldJson("").isJson);
+    EXPECT_FALSE(readToldJson("{").isJson);
+    EXPECT_FALSE(readToldJson("}{").isJson);
+    EXPECT_EQ(readToldJson(std::string(65, '[')).isJson, false);
+    std::string deep = "{\"a\":";
+    for (int i = 0; i < 100; ++i) {
+        deep += "[";
+    }
+    EXPECT_EQ(readToldJson(deep + std::string(100, ']') + "}").fault,
+              "its values lie deeper than 64");
+    EXPECT_TRUE(readToldJson("warning: cannot lock\n{\"a\":\"\xff\t\"}\nbye").isJson);
+    EXPECT_EQ(readToldJson("{\"a\":\"x\xffy\"}").value.at("a").text(), "x?y");
+    EXPECT_EQ(readToldJson(std::string((64U << 20U) + 1, ' ')).fault, "it is larger than 64 MB");
+}
+
+TEST(StorcliTraps, PciAddresses) {
+    EXPECT_EQ(storcliPciAddress("00:c1:00:00"), "0000:c1:00.0");
+    EXPECT_EQ(storcliPciAddress("01:03:1f:07"), "0001:03:1f.7");
+    for (const char* const other : {"", "00:c1:00", "00:c1:00:00:00", "00:g1:00:00", "00:c1:20:00",
+                                    "00:c1:00:08", "-", "00:100:00:00"}) {
+        EXPECT_EQ(storcliPciAddress(other), "") << other;
+    }
+    StorcliServer server;
+    server.edit(all, "\"PCI Address\"", "\"Address\"");
+    EXPECT_EQ(server.controller().pci, "0000:c1:00.0"); // of the bus, in decimal
+}
+
+TEST(StorcliTraps, ModelsAreNamedByLettersAndDigits) {
+    EXPECT_EQ(storcliModel("PERC H755 Front"), "PERC-H755-Front");
+    EXPECT_EQ(storcliModel("MegaRAID 9560-8i 4GB"), "MegaRAID-9560-8i-4GB");
+    EXPECT_EQ(storcliModel("  (HPE)  MR416i-p Gen10+ "), "HPE-MR416i-p-Gen10");
+}
+
+TEST(StorcliTraps, OnlyReadingLinesRead) {
+    const Storcli family;
+    for (const char* const line :
+         {"STORCLI show J nolog", "STORCLI show J", "STORCLI /c12/eall/sall show all J nolog",
+          "STORCLI /c0/fall show J nolog \n", "STORCLI /c0/dall show all J nolog"}) {
+        EXPECT_TRUE(family.isReading(line)) << line;
+    }
+    for (const char* const line :
+         {"STORCLI", "STORCLI /c0 show", "STORCLI /c0 delete config J nolog", "storcli show J",
+          "STORCLI /c0 show all J nolog force", "STORCLI /c0/fall del J nolog",
+          "STORCLI /c0 show all J; rm x", "STORCLI /call show all J nolog",
+          "UTIL.BAT STORCLI show J", "STORCLI /c0/v0 show all J\nSTORCLI /c0/v0 del",
+          "STORCLI /c99999 show all J nolog"}) {
+        EXPECT_FALSE(family.isReading(line)) << line;
+    }
+}
+
+} // namespace
+} // namespace zolex::companion

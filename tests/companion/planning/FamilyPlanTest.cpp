@@ -1,0 +1,457 @@
+#include "FamilyServer.h"
+#include "companion/rewriting/CapturedPolicies.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+namespace zolex::companion {
+namespace {
+
+std::string policy(const std::string& entries, const std::string& applies = "t:STORCLI") {
+    return "[Policy.one]\nAppliesTo.1 = " + applies + "\n" + entries;
+}
+
+std::string custom(const std::string& entries) {
+    return policy("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n" + entries);
+}
+
+TEST(FamilyPlan, AutomaticAsOnTheSeven) {
+    FamilyServer server;
+    server.addDrives(8);
+    EXPECT_EQ(planLines(server.plan(policy(""))),
+              "planned\n"
+              "RAID5 fill: 252:0 252:1 252:2 252:3 252:4 252:5 252:6\n"
+              "hot spare: 252:7\n"
+              "STORCLI /c0 add vd r5 "
+              "drives=252:0,252:1,252:2,252:3,252:4,252:5,252:6 J nolog\n"
+              "STORCLI /c0/e252/s7 add hotsparedrive J nolog\n");
+    EXPECT_EQ(planLines(server.defaults()), planLines(server.plan(policy(""))));
+}
+
+TEST(FamilyPlan, UnlikeDrivesAreArraysOfTheirOwn) {
+    FamilyServer server;
+    server.add(252, 0);
+    server.add(252, 1);
+    server.add(252, 2, 500, "SATA", "SSD");
+    EXPECT_EQ(planLines(server.plan(policy(""))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID0 fill: 252:2\n"
+              "STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n"
+              "STORCLI /c0 add vd r0 drives=252:2 J nolog\n");
+}
+
+TEST(FamilyPlan, WhichPolicyHolds) {
+    FamilyServer server;
+    server.addDrives(2);
+    const MachinePlan plan = server.plan("[Policy.other]\nAppliesTo.1 = t:PERC-H8*\n"
+                                         "AppliesTo.2 = t:STORCLI,o:2\n"
+                                         "[Policy.this]\nAppliesTo.1 = t:perc-h7*,o:1,d:2,c:1\n");
+    ASSERT_EQ(plan.controllers.size(), 1U);
+    EXPECT_EQ(plan.controllers.front().policy, "Policy.this");
+    EXPECT_EQ(plan.controllers.front().matchedBy, "AppliesTo.1");
+    const PolicyMatch& other = plan.controllers.front().considered.front();
+    EXPECT_EQ(other.matched, false);
+    EXPECT_EQ(other.entries.at(0).specifiers.at(0).specifier, "t:PERC-H8*");
+    EXPECT_EQ(other.entries.at(0).specifiers.at(0).actual, "PERC-H755-Front");
+    EXPECT_TRUE(other.entries.at(1).specifiers.at(0).holds);
+    EXPECT_FALSE(other.entries.at(1).specifiers.at(1).holds);
+    EXPECT_EQ(planLines(server.plan("[Policy.x]\nAppliesTo.1 = t:MD\n")),
+              "skipped: no policy fits: Policy.x asks for t:MD, and it is PERC-H755-Front\n");
+}
+
+TEST(FamilyPlan, ListedDrivesByNumberAndPlace) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.add(253, 4);
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,3\nLogical.1 = A:FILL:1\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:2\n"
+              "STORCLI /c0 add vd r1 drives=252:0,252:2 J nolog\n");
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1:0,2:4\nLogical.1 = A:FILL:1\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 253:4\n"
+              "STORCLI /c0 add vd r1 drives=252:0,253:4 J nolog\n");
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 252:0,253:4\nLogical.1 = A:FILL:1\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 253:4\n"
+              "STORCLI /c0 add vd r1 drives=252:0,253:4 J nolog\n");
+}
+
+TEST(FamilyPlan, SizesStripCachesAndSeveralOnOneArray) {
+    FamilyServer server;
+    server.addDrives(4);
+    EXPECT_EQ(
+        planLines(server.plan(custom("Array.A = 1,2,3,4\nStripeSize = 256\nReadAhead = OFF\n"
+                                     "Logical.1 = A:102400:5:ON\nLogical.2 = A:25%:5:OFF\n"
+                                     "Logical.3 = A:FILL:5\nRebuildRate = MED\n"))),
+        "planned\n"
+        "RAID5 100.0 GB, strip 256 KB, write-back, no read-ahead; "
+        "RAID5 750.0 GB, strip 256 KB, write-through, no read-ahead; "
+        "RAID5 fill, strip 256 KB, no read-ahead: 252:0 252:1 252:2 252:3\n"
+        "STORCLI /c0 add vd r5 Size=102400MB drives=252:0,252:1,252:2,252:3 WB nora Strip=256 "
+        "J nolog\n"
+        "STORCLI /c0 add vd r5 Size=768000MB drives=252:0,252:1,252:2,252:3 WT nora Strip=256 "
+        "J nolog\n"
+        "STORCLI /c0 add vd r5 drives=252:0,252:1,252:2,252:3 nora Strip=256 J nolog\n"
+        "STORCLI /c0 set rebuildrate=30 J nolog\n");
+}
+
+TEST(FamilyPlan, Spans) {
+    FamilyServer server;
+    server.addDrives(20);
+    const MachinePlan plan = server.plan(custom("Array.A = ALL\nLogical.1 = A:FILL:10\n"));
+    ASSERT_EQ(plan.steps().size(), 1U);
+    EXPECT_NE(plan.steps().front().command.find(" PDperArray=4 "), std::string::npos);
+    EXPECT_EQ(plan.controllers.front().after.groups.front().spans.size(), 5U);
+    const MachinePlan asTold =
+        server.plan(custom("Array.A = 1,2,3,4,5,6,7,8,9,10,11,12\nLogical.1 = A:FILL:50\n"
+                           "Spans = 4\n"));
+    ASSERT_EQ(asTold.steps().size(), 1U) << planLines(asTold);
+    EXPECT_NE(asTold.steps().front().command.find(" PDperArray=3 "), std::string::npos);
+}
+
+TEST(FamilyPlan, DrivesByWhatTheyAreWithSparesOfTheirOwn) {
+    FamilyServer server;
+    for (std::int32_t slot = 0; slot < 4; ++slot) {
+        server.add(252, slot, 1000, "SAS", "HDD");
+    }
+    for (std::int32_t slot = 4; slot < 8; ++slot) {
+        server.add(252, slot, 480, "SATA", "SSD");
+    }
+    EXPECT_EQ(planLines(server.plan(policy("Drives.A = 2 x SSD\nDrives.B = 3 x HDD\n"
+                                           "Spares = 1 covering A and 1 covering B\n"
+                                           "Level.A = 5 else 1\n"))),
+              "planned\n"
+              "RAID5 fill: 252:0 252:1 252:2\n"
+              "RAID1 fill: 252:4 252:5\n"
+              "dedicated hot spare: 252:3\n"
+              "dedicated hot spare: 252:7\n"
+              "STORCLI /c0 add vd r1 drives=252:4,252:5 Spares=252:7 J nolog\n"
+              "STORCLI /c0 add vd r5 drives=252:0,252:1,252:2 Spares=252:3 J nolog\n");
+}
+
+TEST(FamilyPlan, WhatStandsStays) {
+    FamilyServer server;
+    server.addDrives(6);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.makeSpare(5);
+    const std::string text =
+        custom("Array.A = 1,2\nArray.B = 3,4,5\nHotspares = 6\nLogical.1 = A:FILL:1\n"
+               "Logical.2 = B:FILL:5\n");
+    EXPECT_EQ(planLines(server.plan(text)),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID5 fill: 252:2 252:3 252:4\n"
+              "hot spare: 252:5\n"
+              "STORCLI /c0 add vd r5 drives=252:2,252:3,252:4 J nolog\n");
+    server.addVolume("238", "1", "RAID5", {{2, 3, 4}}, 2000);
+    const MachinePlan same = server.plan(text);
+    EXPECT_EQ(dispositionWord(same.controllers.front().disposition), "already") << planLines(same);
+    EXPECT_TRUE(same.steps().empty());
+}
+
+TEST(FamilyPlan, SingleDeletesAndSparesInTheWay) {
+    FamilyServer server;
+    server.addDrives(6);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("238", "1", "RAID1", {{2, 3}}, 1000);
+    server.makeSpare(4, {"1"});
+    const MachinePlan plan = server.plan(
+        custom("Array.A = 1,2\nArray.B = 3,4,5,6\nLogical.1 = A:FILL:1\nLogical.2 = B:FILL:10\n"));
+    EXPECT_EQ(planLines(plan), "planned\n"
+                               "RAID1 fill: 252:0 252:1\n"
+                               "RAID10 fill: (252:2 252:3) (252:4 252:5)\n"
+                               "loses hotspare 252:4\n"
+                               "loses logical_drive 238\n"
+                               "STORCLI /c0/e252/s4 delete hotsparedrive J nolog\n"
+                               "STORCLI /c0/v238 del J nolog\n"
+                               "STORCLI /c0 add vd r10 drives=252:2,252:3,252:4,252:5 PDperArray=2 "
+                               "J nolog\n");
+    EXPECT_FALSE(plan.consent.empty());
+    EXPECT_EQ(plan.oldCommand.wouldRun, std::vector<std::string>());
+}
+
+TEST(FamilyPlan, ADedicatedSpareStaysWithItsGroup) {
+    FamilyServer server;
+    server.addDrives(5);
+    server.addVolume("0", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("1", "1", "RAID0", {{2}}, 1000);
+    server.makeSpare(4, {"0"});
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,2\nArray.B = 3,4\nHotspares = 5\n"
+                                           "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:0\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID0 fill: 252:2 252:3\n"
+              "hot spare: 252:4\n"
+              "loses logical_drive 1\n"
+              "STORCLI /c0/v1 del J nolog\n"
+              "STORCLI /c0 add vd r0 drives=252:2,252:3 J nolog\n");
+}
+
+TEST(FamilyPlan, ADedicatedSpareOfAnotherArray) {
+    FamilyServer server;
+    server.addDrives(5);
+    server.addVolume("0", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("1", "1", "RAID1", {{2, 3}}, 1000);
+    server.makeSpare(4, {"0"});
+    const std::string start = "Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3\n"
+                              "Level.A = 1\nLevel.B = 1\nSpares = slots 252:4 covering ";
+    EXPECT_EQ(planLines(server.plan(policy(start + "A\n"))).substr(0, 7), "already");
+    EXPECT_EQ(planLines(server.plan(policy(start + "B\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID1 fill: 252:2 252:3\n"
+              "dedicated hot spare: 252:4\n"
+              "loses hotspare 252:4\n"
+              "STORCLI /c0/e252/s4 delete hotsparedrive J nolog\n"
+              "STORCLI /c0/e252/s4 add hotsparedrive DGs=1 J nolog\n");
+}
+
+TEST(FamilyPlan, OnlyCachesDiffer) {
+    FamilyServer server;
+    server.addDrives(2);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000).writeCache = "WriteThrough";
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1:ON\n"))),
+              "planned\n"
+              "RAID1 fill, write-back: 252:0 252:1\n"
+              "STORCLI /c0/v239 set wrcache=WB J nolog\n");
+}
+
+TEST(FamilyPlan, Rebuild) {
+    FamilyServer server;
+    server.addDrives(3);
+    server.addVolume("0", "0", "RAID1", {{0, 1}}, 1000);
+    server.makeSpare(2);
+    const std::string text = custom("Array.A = 1,2\nHotspares = 3\nLogical.1 = A:FILL:1\n");
+    EXPECT_EQ(planLines(server.plan(text, StrategyWish::rebuild)),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "hot spare: 252:2\n"
+              "loses hotspare 252:2\n"
+              "loses logical_drive 0\n"
+              "STORCLI /c0/e252/s2 delete hotsparedrive J nolog\n"
+              "STORCLI /c0/v0 del J nolog\n"
+              "STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n"
+              "STORCLI /c0/e252/s2 add hotsparedrive J nolog\n");
+    EXPECT_EQ(server.plan(text).steps().size(), 0U);
+}
+
+TEST(FamilyPlan, AddingIsNotEnough) {
+    FamilyServer server;
+    server.addDrives(2);
+    server.addVolume("0", "0", "RAID0", {{0, 1}}, 2000);
+    EXPECT_EQ(
+        planLines(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n"), StrategyWish::add)),
+        "refused: adding is not enough: this takes a rebuild\n"
+        "error ZP220: adding is not enough: this takes a rebuild\n"
+        "  help: see what a rebuild would remove: zolexctl plan site.ini --strategy auto\n"
+        "RAID1 fill: 252:0 252:1\n");
+}
+
+TEST(FamilyPlan, ForeignDrivesOnlyWhereTheyAreNamed) {
+    FamilyServer server;
+    server.addDrives(3);
+    for (const std::int32_t slot : {1, 2}) {
+        server.driveAt(slot).isForeign = true;
+    }
+    EXPECT_EQ(planLines(server.plan(policy("Array_Defaults = 0%:0\n"))),
+              "planned\n"
+              "RAID0 fill: 252:0\n"
+              "STORCLI /c0 add vd r0 drives=252:0 J nolog\n");
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "loses foreign 252:1\n"
+              "loses foreign 252:2\n"
+              "STORCLI /c0/fall del J nolog\n"
+              "STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n");
+}
+
+TEST(FamilyPlan, DrivesThatCannotBeUsed) {
+    FamilyServer server;
+    server.addDrives(3);
+    server.driveAt(0).state = DriveState::jbod;
+    server.driveAt(0).reportedState = "JBOD";
+    server.driveAt(1).state = DriveState::failed;
+    server.driveAt(1).reportedState = "UBad";
+    EXPECT_EQ(
+        planLines(server.plan(custom("Array.A = 1,2,3,9\nLogical.1 = A:FILL:5\n"))),
+        "refused: Array.A names 252:0: it is a JBOD drive: the system has it as it is, and 2 "
+        "more faults\n"
+        "error ZX702: Array.A names 252:0: it is a JBOD drive: the system has it as it is\n"
+        "  help: making it good loses its data; should that be meant: STORCLI /c0/e252/s0 set "
+        "good force\n"
+        "error ZX702: Array.A names 252:1: it is UBad, which is no good drive\n"
+        "  help: replace the drive, or take it out of the policy\n"
+        "error ZX304: there is no drive 9: the controller has 3 drives\n"
+        "  help: zolexctl show lists the drives, their numbers and places\n");
+}
+
+TEST(FamilyPlan, UnlikeDrivesInAnArray) {
+    FamilyServer server;
+    server.add(252, 0);
+    server.add(252, 1, 1000, "SATA", "SSD").blockSizeBytes = 4096;
+    EXPECT_EQ(
+        planLines(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n"))),
+        "refused: array A has drives of 4096 bytes to the sector and 512 bytes to the sector, "
+        "which the controller does not put together, and 2 more faults\n"
+        "error ZP224: array A has drives of 4096 bytes to the sector and 512 bytes to the "
+        "sector, which the controller does not put together\n"
+        "  help: name drives of one kind: zolexctl show lists them\n"
+        "error ZP224: array A has drives of SAS and SATA, which the controller does not put "
+        "together\n"
+        "  help: name drives of one kind: zolexctl show lists them\n"
+        "error ZP224: array A has drives of HDD and SSD, which the controller does not put "
+        "together\n"
+        "  help: name drives of one kind: zolexctl show lists them\n");
+    server.controller().facts.abilities.mixesProtocols = true;
+    server.controller().facts.abilities.mixesMedia = true;
+    server.driveAt(1).blockSizeBytes = 512;
+    EXPECT_EQ(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n")).steps().size(), 1U);
+}
+
+TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.controller().facts.raidTypes = {"RAID0", "RAID1", "RAID10"};
+    server.controller().facts.maxStripSizeBytes = 256 * 1024;
+    const MachinePlan plan =
+        server.plan(custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:5\nStripeSize = 512\n"));
+    EXPECT_EQ(planLines(plan),
+              "refused: array A: RAID 5 is not of PERC-H755-Front, which has 0, 1 and 10, and 1 "
+              "more fault\n"
+              "error ZX401: array A: RAID 5 is not of PERC-H755-Front, which has 0, 1 and 10\n"
+              "  help: take another level\n"
+              "error ZX403: a strip size of 512 KB is not of PERC-H755-Front, which takes 8 KB to "
+              "256 KB\n"
+              "  help: take the line out for the controller's own\n");
+}
+
+TEST(FamilyPlan, NoRoomAndOneLevelForAnArray) {
+    FamilyServer server;
+    server.addDrives(2, 100);
+    EXPECT_EQ(planLines(server.plan(
+                  custom("Array.A = 1,2\nLogical.1 = A:204800:1\nLogical.2 = A:FILL:0\n"))),
+              "refused: Logical.1 on array A is to have 200.0 GB, and 100.0 GB is left, and 1 more "
+              "fault\n"
+              "error ZP225: Logical.1 on array A is to have 200.0 GB, and 100.0 GB is left\n"
+              "  help: give it less, or the logical drives before it\n"
+              "error ZX405: array A has RAID 1 and RAID 0: its drives take one level\n"
+              "  help: give all logical drives of the array one level\n");
+}
+
+TEST(FamilyPlan, AFailedMemberKeepsItsNumber) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.addVolume("0", "0", "RAID5", {{0, 1, 2}}, 2000);
+    server.driveAt(1).state = DriveState::failed;
+    server.driveAt(1).reportedState = "Offln";
+    server.driveAt(1).health = Health::critical;
+    const MachinePlan plan = server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n"));
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+}
+
+TEST(FamilyPlan, ASpareThatSteppedInIsEquivalent) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.addVolume("0", "0", "RAID5", {{0, 1, 3}}, 2000);
+    server.makeSpare(2);
+    const MachinePlan plan = server.plan(policy(""));
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+    EXPECT_EQ(plan.controllers.front().comparison.result, Sameness::equivalent);
+}
+
+TEST(FamilyPlan, EachDriveHasItsReason) {
+    FamilyServer server;
+    server.addDrives(4);
+    const MachinePlan plan = server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:AUTO\n"));
+    const ControllerPlanning& planning = plan.controllers.front();
+    EXPECT_EQ(planning.arrays.front().drives.front().reason,
+              (PlanReason{"listed", "Array.A", 6, "1"}));
+    EXPECT_EQ(planning.volumes.front().reasons.at("raid_type"),
+              (PlanReason{"class-default", "", 0, ""}));
+    EXPECT_EQ(planning.volumes.front().reasons.at("size"),
+              (PlanReason{"given", "Logical.1", 7, "FILL"}));
+}
+
+/// The captured policies of a server are planned as what stands there.
+void expectComesBack(FamilyServer& server, const std::string& expected) {
+    static_cast<void>(server.defaults()); // joins the drives
+    const CapturedPolicies captured = capturedPolicies(server.snapshot, {});
+    EXPECT_TRUE(captured.comesBack) << captured.text;
+    const std::size_t begin = captured.text.find("[Policy.");
+    ASSERT_NE(begin, std::string::npos) << captured.text;
+    EXPECT_EQ(captured.text.substr(begin), expected);
+    const MachinePlan plan = server.plan(captured.text);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+}
+
+TEST(FamilyPlan, WhatStandsAsPoliciesComesBack) {
+    FamilyServer server;
+    server.addDrives(10);
+    LogicalDriveFacts& first = server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 500);
+    first.stripSizeBytes = 256 * 1024;
+    first.writeCache = "UnprotectedWriteBack";
+    first.readCache = "ReadAhead";
+    LogicalDriveFacts& second = server.addVolume("238", "0", "RAID5", {{0, 1, 2}}, 1500);
+    second.stripSizeBytes = 256 * 1024;
+    second.writeCache = "WriteThrough";
+    second.readCache = "ReadAhead";
+    LogicalDriveFacts& third = server.addVolume("237", "1", "RAID10", {{3, 4}, {5, 6}}, 2000);
+    third.stripSizeBytes = 256 * 1024;
+    third.readCache = "ReadAhead";
+    server.makeSpare(9);
+    expectComesBack(server, "[Policy.PERC-H755-Front-1]\n\n"
+                            "AppliesTo.1 = t:PERC-H755-Front,d:10\n\n"
+                            "StripeSize = 256\nReadAhead = ON\n\n"
+                            "Array_Mode = CUSTOM\nArray.A = 1,2,3\nArray.B = 4,5,6,7\n"
+                            "Hotspares = 10\n\n"
+                            "Logical_Mode = CUSTOM\nLogical.1 = A:512000:5:ON\n"
+                            "Logical.2 = A:FILL:5:OFF\nLogical.3 = B:FILL:10\n");
+}
+
+TEST(FamilyPlan, SpansAndDedicatedSparesComeBack) {
+    FamilyServer server;
+    server.addDrives(14);
+    server.addVolume("0", "0", "RAID50", {{0, 1, 2}, {3, 4, 5}, {6, 7, 8}, {9, 10, 11}}, 8000);
+    server.makeSpare(12, {"0"});
+    server.makeSpare(13);
+    expectComesBack(server,
+                    "[Policy.PERC-H755-Front-1]\n\n"
+                    "AppliesTo.1 = t:PERC-H755-Front,d:14\n\n"
+                    "Spans = 4\n\n"
+                    "Drives.A = slots 252:0,252:1,252:2,252:3,252:4,252:5,252:6,252:7,252:8,252:9,"
+                    "252:10,252:11\n"
+                    "Spares = slots 252:12 covering A and slots 252:13\n\n"
+                    "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:50\n");
+}
+
+TEST(FamilyPlan, TwoHundredAndFortyDrivesInTime) {
+    FamilyServer server;
+    for (std::int32_t enclosure = 0; enclosure < 10; ++enclosure) {
+        for (std::int32_t slot = 0; slot < 24; ++slot) {
+            server.add(300 + enclosure, slot);
+        }
+    }
+    const std::clock_t begin = std::clock();
+    const MachinePlan plan = server.plan(policy("Array_Defaults = 0%:8\n"));
+    const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+    EXPECT_EQ(plan.controllers.front().arrays.size(), 8U);
+    EXPECT_EQ(plan.controllers.front().spares.size(), 8U);
+    EXPECT_LT(seconds, 1.0); // a tenth of it as it is shipped
+}
+
+TEST(FamilyPlan, TheSevenAreNotTouchedByTheTypes) {
+    PlanRequest request;
+    request.policiesFile = "site.ini";
+    request.policiesText = policy("");
+    const MachinePlan plan = planMachine(Snapshot(), request);
+    for (const Finding& finding : plan.policiesFindings) {
+        EXPECT_NE(severityWord(finding.severity), "error") << finding.summary;
+    }
+}
+
+} // namespace
+} // namespace zolex::companion
