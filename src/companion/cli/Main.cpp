@@ -3,6 +3,7 @@
 #include "companion/cli/CommandLine.h"
 #include "companion/cli/Help.h"
 #include "companion/commands/Commands.h"
+#include "companion/machine/CarryOut.h"
 #include "companion/text/StreamState.h"
 #include "companion/text/StyleChoice.h"
 #include "platform/Platform.h"
@@ -10,6 +11,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -128,6 +130,9 @@ int runArguments(const std::vector<std::string>& arguments, Platform& platform) 
 
 int runProgram(int argc, const char* const* argv, Platform& platform) {
     try {
+        if (argc > 1 && std::string_view(argv[1]) == carryOutWord) {
+            return carryOut(platform, std::vector<std::string>(argv + 1, argv + argc));
+        }
         return runArguments(argc > 1 ? std::vector<std::string>(argv + 1, argv + argc)
                                      : std::vector<std::string>(),
                             platform);

@@ -3,6 +3,7 @@
 #include "companion/cli/Suggestion.h"
 #include "companion/commands/DestroyWish.h"
 #include "companion/commands/Explanations.h"
+#include "companion/families/Family.h"
 #include "companion/lint/Rules.h"
 
 #include <algorithm>
@@ -135,6 +136,23 @@ std::string faultOfUtility(std::string_view text) {
     }
     return fault + ": they are MEGACLI, ARCCONF, HRCONF, QTCSEND, CFGGEN, CFGGEN1.02.02, HYPERWIN, "
                    "STORCLI";
+}
+
+std::string familyNamed(std::string_view text) {
+    const Family* const family = findFamily(text);
+    return family != nullptr && family->isOptIn() && upper(text) == family->name()
+               ? std::string(family->name())
+               : std::string();
+}
+
+std::string faultOfFamily(std::string_view text) {
+    return familyNamed(text).empty()
+               ? inQuotes(text) + " is no family that is asked for by name: that is md alone"
+               : std::string();
+}
+
+std::string faultOfMegabytes(std::string_view text) {
+    return faultOfNumber(text, 1, mostLeastMegabytes);
 }
 
 std::string faultOfControllers(std::string_view text) {
