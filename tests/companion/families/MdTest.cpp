@@ -560,7 +560,64 @@ TEST_F(MdTest, StatesComeFromTheKernel) {
     EXPECT_EQ(facts().drives[2].covers, std::vector<std::string>{"zolex-data"});
 }
 
-/// A platform that must not be asked.
+/// A machine whose answers are those of a host over files that are made up.
+class HostPlatform : public Platform {
+  public:
+    HostPlatform(const FamilyMachine& machine, DiskFiles& files) : host_(machine, &files) {}
+    std::vector<std::string> lines;
+
+    Console& console() override { throw std::logic_error("console"); }
+    FileSystem& files() override { throw std::logic_error("files"); }
+    std::unique_ptr<PCI_DevList_VC> pciDevices() override { throw std::logic_error("bus"); }
+    void pauseOneSecond() override {}
+    LocalTime localTime() override { return {}; }
+    ChildResult runChild(std::string_view line, bool, std::chrono::milliseconds limit) override {
+        lines.emplace_back(line);
+        return host_.run(line, limit);
+    }
+
+  private:
+    MdHost host_;
+};
+
+TEST_F(MdTest, NothingIsRunUnlessItIsAskedForByName) {
+    HostPlatform platform(machine, files);
+    FamilyRequest request;
+    EXPECT_TRUE(family().capture(platform, request).controllers.empty());
+    EXPECT_TRUE(platform.lines.empty());
+    EXPECT_TRUE(calls.empty());
+    request.isAskedFor = true;
+    const FamilyCapture capture = family().capture(platform, request);
+    ASSERT_EQ(capture.controllers.size(), 1U);
+    EXPECT_EQ(capture.controllers[0].model, "LINUX-MD");
+    EXPECT_EQ(capture.controllers[0].facts.drives.size(), 3U);
+    EXPECT_EQ(platform.lines, (std::vector<std::string>{"MD drives", "MD --version"}));
+}
+
+TEST_F(MdTest, AnArrayOfWhichMdadmTellsOtherwiseIsNotDeleted) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    HostPlatform platform(machine, files);
+    FamilyRequest request;
+    request.isAskedFor = true;
+    ChildResult version;
+    version.outcome = ChildOutcome::ended;
+    version.output = "mdadm - v4.2\n";
+    ChildResult detail = version;
+    const auto deleting = [&] {
+        answers = {version, detail};
+        const FamilyCapture capture = family().capture(platform, request);
+        return family().deleteVolume(0, capture.controllers.at(0).facts.logicalDrives.at(0));
+    };
+    detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=zolex-data\n";
+    EXPECT_EQ(deleting(), "MD --stop /dev/md/zolex-data --zero-superblock "
+                          "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb");
+    detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=srv:data\n";
+    EXPECT_EQ(deleting(), "");
+    EXPECT_EQ(calls.back(), "/sbin/mdadm --detail --export /dev/md127");
+}
+
 TEST(MdFamily, IsAskedForByNameAlone) {
     EXPECT_TRUE(family().isOptIn());
     EXPECT_TRUE(family().isReading("MD drives"));
