@@ -145,7 +145,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 43> options{{
+constexpr std::array<OptionRow, 45> options{{
     {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
     {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
      only(Command::plan) | only(Command::apply), false, faultOfStrategy},
