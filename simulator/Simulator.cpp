@@ -7,6 +7,7 @@
 #include "setup/Init.h"
 
 #include <array>
+#include <fstream>
 #include <ostream>
 #include <string_view>
 
@@ -58,7 +59,7 @@ struct UtilityProgram {
     std::string_view utility;
 };
 // clang-format off
-constexpr std::array<UtilityProgram, 8> utilityPrograms = {{
+constexpr std::array<UtilityProgram, 12> utilityPrograms = {{
     {"MegaCli64",     "MEGACLI"},
     {"MegaCli",       "MEGACLI"},
     {"arcconf",       "ARCCONF"},
@@ -67,6 +68,10 @@ constexpr std::array<UtilityProgram, 8> utilityPrograms = {{
     {"cfggen",        "CFGGEN"},
     {"cfggen1.02.02", "CFGGEN1.02.02"},
     {"hyperwin",      "HYPERWIN"},
+    {"storcli64",     "storcli64"},
+    {"storcli",       "storcli"},
+    {"perccli64",     "perccli64"},
+    {"perccli",       "perccli"},
 }};
 // clang-format on
 
@@ -132,11 +137,22 @@ class Session {
         if (problem_.found()) {
             return tellProblem();
         }
+        if (result.leavesLog) {
+            leaveLog(arguments);
+        }
         output_ << result.output << std::flush;
         return result.exitCode;
     }
 
   private:
+    /// Adds the command to the log file in the current folder.
+    void leaveLog(const std::vector<std::string>& arguments) const {
+        if (!environment_.current.empty()) {
+            std::ofstream log(environment_.current / "storcli.log", std::ios::app);
+            log << join(arguments, " ") << "\n";
+        }
+    }
+
     void playFault(const Fault& fault) {
         if (fault.delayMs > 0 && environment_.pause) {
             environment_.pause(std::chrono::milliseconds(fault.delayMs));

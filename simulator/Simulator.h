@@ -15,6 +15,7 @@ namespace zolex_sim {
 struct Environment {
     std::filesystem::path folder;  ///< where the server is
     std::filesystem::path program; ///< the running executable, which `init` puts into a new folder
+    std::filesystem::path current; ///< where utilities leave their log files; empty: nowhere
     std::function<void(std::chrono::milliseconds)> pause; ///< for delays of the fault section
     StepFailure failsToSave; ///< fails steps of replacing the state file; for tests
 };

@@ -45,6 +45,8 @@ int run(int argc, char** argv) {
     zolex_sim::Environment environment;
     environment.program = program;
     environment.folder = serverFolder(argc > 0 ? arguments.front() : std::string(), program);
+    std::error_code error;
+    environment.current = std::filesystem::current_path(error);
     environment.pause = [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); };
 #ifdef _WIN32
     // A program is often started without its folder and suffix.

@@ -3,6 +3,7 @@
 #include "model/BlockFields.h"
 #include "model/ConfFields.h"
 #include "model/Operations.h"
+#include "model/StorcliFields.h"
 #include "model/Text.h"
 #include "model/Utility.h"
 
@@ -383,8 +384,30 @@ Controller readController(Fields& fields, std::size_t number) {
     return controller;
 }
 
+/// What a fault does to an answer of STORCLI: a word, and what it is about.
+Effect readEffect(Fields& fields) {
+    Effect effect;
+    effect.kind = fields.word<EffectKind>("effect", effectNamed);
+    if (fields.has("drive")) {
+        effect.drive = parseLocation(fields.text("drive"));
+        if (!effect.drive) {
+            fields.complain("drive", "is written like \"252:0\" or \":0\"");
+        }
+    }
+    if (effect.kind == EffectKind::missingSection) {
+        effect.section = fields.text("section");
+    }
+    if (effect.kind == EffectKind::refused) {
+        effect.errorCode = fields.smallNumber("errorCode", 1, 255, 255);
+    }
+    return effect;
+}
+
 Fault readFault(Fields& fields) {
     Fault fault;
+    if (fields.has("effect")) {
+        fault.effect = readEffect(fields);
+    }
     fault.match = fields.text("match", std::nullopt, 255);
     fault.occurrence = fields.smallNumber("occurrence", 0, 1'000'000, 0);
     if (fields.has("exitCode")) {
@@ -410,6 +433,9 @@ void checkPciPlaces(const Server& server, Problem& problem) {
     for (const Controller& controller : server.controllers) {
         all.push_back(controller.identity.pci);
     }
+    for (const storcli::Controller& controller : server.storcliControllers) {
+        all.push_back(controller.pci);
+    }
     std::sort(all.begin(), all.end(), standsBefore);
     for (std::size_t i = 1; i < all.size(); ++i) {
         if (!standsBefore(all[i - 1], all[i])) {
@@ -417,6 +443,13 @@ void checkPciPlaces(const Server& server, Problem& problem) {
                                      all[i].bus, all[i].device, all[i].function));
         }
     }
+}
+
+/// Whether a controller's definition is one of today's machine.
+bool isOfToday(const Json& item) {
+    const auto utility = item.is_object() ? item.find("utility") : item.end();
+    return utility != item.end() && utility->is_string() &&
+           equalsIgnoringCase(utility->get_ref<const std::string&>(), storcli::utilityWord);
 }
 
 void readServer(Fields& fields, Server& server) {
@@ -430,12 +463,17 @@ void readServer(Fields& fields, Server& server) {
     });
     fields.list("controllers", [&](const Json& item, const std::string& path) {
         Fields controller(item, path, fields.problem());
-        const std::size_t number = server.controllers.size();
+        const std::size_t number = server.controllers.size() + server.storcliControllers.size();
         if (number == maxControllers) {
             controller.problem().report(path + ": too many controllers");
             return;
         }
-        server.controllers.push_back(readController(controller, number));
+        if (isOfToday(item)) {
+            static_cast<void>(controller.has("utility"));
+            server.storcliControllers.push_back(storcli::readController(controller, number));
+        } else {
+            server.controllers.push_back(readController(controller, server.controllers.size()));
+        }
         controller.finish();
     });
     readPciDevices(fields, server);

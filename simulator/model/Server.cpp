@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <tuple>
+#include <utility>
 
 namespace zolex_sim {
 namespace {
@@ -19,6 +20,10 @@ constexpr std::array<std::string_view, 10> statusWords = {
     "online", "rebuild", "jbod",   "missing", "dedicated"};
 static_assert(statusWords.size() == static_cast<std::size_t>(DriveStatus::dedicated) + 1);
 constexpr std::array<std::string_view, 2> mediumWords = {"hdd", "ssd"};
+constexpr std::array<std::string_view, 7> effectWords = {
+    "sickDrive",      "plainText",      "truncated", "unknownKey",
+    "missingSection", "wordOfTomorrow", "refused"};
+static_assert(effectWords.size() == static_cast<std::size_t>(EffectKind::refused) + 1);
 constexpr std::array<std::string_view, 2> writeWords = {"WT", "WB"};
 constexpr std::array<std::string_view, 3> readWords = {"ADRA", "RA", "NORA"};
 
@@ -110,6 +115,10 @@ std::string_view statusWord(DriveStatus status) {
 std::optional<DriveStatus> statusNamed(std::string_view word) {
     return valueNamed<DriveStatus>(statusWords, word);
 }
+std::optional<EffectKind> effectNamed(std::string_view word) {
+    return valueNamed<EffectKind>(effectWords, word);
+}
+
 std::optional<Medium> mediumNamed(std::string_view word) {
     return valueNamed<Medium>(mediumWords, word);
 }
@@ -288,6 +297,25 @@ std::vector<const Controller*> Server::controllersInPciOrder() const {
     std::stable_sort(ordered.begin(), ordered.end(), [](const auto* a, const auto* b) {
         return standsBefore(a->identity.pci, b->identity.pci);
     });
+    return ordered;
+}
+
+std::vector<const storcli::Controller*> Server::storcliInPciOrder() const {
+    std::vector<const storcli::Controller*> ordered;
+    ordered.reserve(storcliControllers.size());
+    for (const storcli::Controller& controller : storcliControllers) {
+        ordered.push_back(&controller);
+    }
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const auto* a, const auto* b) { return standsBefore(a->pci, b->pci); });
+    return ordered;
+}
+
+std::vector<storcli::Controller*> Server::storcliInPciOrder() {
+    std::vector<storcli::Controller*> ordered;
+    for (const storcli::Controller* controller : std::as_const(*this).storcliInPciOrder()) {
+        ordered.push_back(const_cast<storcli::Controller*>(controller));
+    }
     return ordered;
 }
 

@@ -1,34 +1,17 @@
 #pragma once
 
+#include "model/Basics.h"
 #include "model/RaidLevel.h"
+#include "model/StorcliController.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 namespace zolex_sim {
-
-/// Where a drive sits. Drives outside every enclosure have no enclosure number. For the utilities
-/// that address drives by channel and device, these are the two numbers.
-struct DriveLocation {
-    std::optional<int> enclosure;
-    int slot = 0;
-    friend bool operator==(const DriveLocation&, const DriveLocation&) = default;
-    friend bool operator<(const DriveLocation& a, const DriveLocation& b) {
-        return std::tie(a.enclosure, a.slot) < std::tie(b.enclosure, b.slot);
-    }
-};
-
-/// "252:3", or ":3" for a drive outside every enclosure.
-std::string toText(const DriveLocation& location);
-/// The texts of several locations with "," between them.
-std::string toText(const std::vector<DriveLocation>& locations);
-/// The location that such a text names; numbers up to 65535.
-std::optional<DriveLocation> parseLocation(std::string_view text);
 
 /// jbod: shown to the system as it is; of MEGACLI. missing: a member that is not there, which no
 /// listing of drives tells of; it stands for one in copies of real controllers. dedicated: a hot
@@ -49,12 +32,6 @@ enum class DriveStatus : std::uint8_t {
 /// The status word of the definition and state files.
 std::string_view statusWord(DriveStatus status);
 std::optional<DriveStatus> statusNamed(std::string_view word);
-
-/// What a drive keeps its data on.
-enum class Medium : std::uint8_t { disk, solidState };
-
-/// The words of the definition: "hdd", "ssd".
-std::optional<Medium> mediumNamed(std::string_view word);
 
 constexpr std::int64_t sectorsPerMb = 2048;
 
@@ -125,23 +102,6 @@ struct LogicalDrive {
 };
 
 enum class LogicalDriveState : std::uint8_t { optimal, partiallyDegraded, degraded, offline };
-
-/// One PCI function of the server.
-struct PciFunction {
-    int bus = 0;
-    int device = 0;
-    int function = 0;
-    std::uint16_t vendorId = 0;
-    std::uint16_t deviceId = 0;
-    std::uint16_t subsystemVendorId = 0;
-    std::uint16_t subsystemId = 0;
-    std::uint32_t classCode = 0; ///< 24 bits
-    std::uint8_t revision = 0;
-    std::string description;
-};
-
-/// The order in which a system lists its functions: bus, device, function.
-bool standsBefore(const PciFunction& a, const PciFunction& b);
 
 /// Generations of a utility's firmware, which print different listings. Only ARCCONF has the
 /// newest.
@@ -224,13 +184,6 @@ struct ControllerIdentity {
     BlockIdentity block;
 };
 
-/// The place of a member drive.
-struct MemberPlace {
-    std::size_t array = 0;
-    std::size_t span = 0;
-    std::size_t arm = 0; ///< within the span
-};
-
 /// Foreign drives that belong together.
 struct ForeignGroup {
     std::optional<std::size_t> configuration; ///< index into the controller's; absent: unknown
@@ -278,6 +231,27 @@ class Controller {
     [[nodiscard]] std::size_t nextNumber() const;
 };
 
+/// What a fault does to an answer of STORCLI instead of ending the command.
+enum class EffectKind : std::uint8_t {
+    sickDrive,      ///< one drive does not answer: Failure with all others
+    plainText,      ///< text, though JSON was asked for
+    truncated,      ///< cut in the middle
+    unknownKey,     ///< a key more in every object
+    missingSection, ///< a section less
+    wordOfTomorrow, ///< a drive in a state that no list has
+    refused,        ///< Failure with a number, and nothing is done
+};
+
+/// The words of the definition: "sickDrive" and so on.
+std::optional<EffectKind> effectNamed(std::string_view word);
+
+struct Effect {
+    EffectKind kind = EffectKind::truncated;
+    std::optional<DriveLocation> drive; ///< absent: the first one
+    std::string section;
+    int errorCode = 0; ///< that the refusal tells
+};
+
 /// A command that is to go wrong.
 struct Fault {
     std::string match;           ///< part of the command's text, letter case ignored
@@ -287,6 +261,7 @@ struct Fault {
     std::string output;           ///< printed before anything else
     std::int64_t outputBytes = 0; ///< that many bytes of filler lines are printed too
     int seen = 0;                 ///< matching commands so far, up to the occurrence
+    std::optional<Effect> effect; ///< on the answer, which then comes
 };
 
 class Server {
@@ -298,11 +273,17 @@ class Server {
     std::vector<Controller> controllers; ///< in the order of the definition
     std::vector<PciFunction> otherDevices;
     std::vector<Fault> faults;
+    std::vector<storcli::Controller> storcliControllers; ///< in the order of the definition
+    /// What a fault does to the command that is played next; no file holds it.
+    std::optional<Effect> effect;
 
     /// The controllers that the utility drives, in the order of the PCI listing: adapter 0 first.
     [[nodiscard]] std::vector<Controller*> adaptersOf(std::string_view utility);
     /// Every controller, in the order of the PCI listing.
     [[nodiscard]] std::vector<const Controller*> controllersInPciOrder() const;
+    /// The controllers of today, likewise; they are numbered apart.
+    [[nodiscard]] std::vector<const storcli::Controller*> storcliInPciOrder() const;
+    [[nodiscard]] std::vector<storcli::Controller*> storcliInPciOrder();
 };
 
 } // namespace zolex_sim

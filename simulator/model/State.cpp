@@ -2,6 +2,7 @@
 
 #include "model/Definition.h"
 #include "model/Operations.h"
+#include "model/StorcliFields.h"
 
 #include <utility>
 
@@ -216,6 +217,22 @@ void readControllers(Fields& fields, Server& server) {
     }
 }
 
+void readStorcliControllers(Fields& fields, Server& server) {
+    std::size_t read = 0;
+    fields.list("storcli", [&](const Json& item, const std::string& path) {
+        Fields state(item, path, fields.problem());
+        if (read == server.storcliControllers.size()) {
+            fields.complain("storcli", "there are more than the definition has");
+            return;
+        }
+        storcli::readState(state, server.storcliControllers[read++]);
+        state.finish();
+    });
+    if (read < server.storcliControllers.size()) {
+        fields.complain("storcli", "there are fewer than the definition has");
+    }
+}
+
 /// Faults may be added to a definition later, or taken out: counts that are missing are 0.
 void readFaults(Fields& fields, Server& server) {
     std::size_t read = 0;
@@ -242,6 +259,9 @@ std::string writeState(const Server& server) {
     Json state;
     state["format"] = stateFormat;
     state["controllers"] = std::move(controllers);
+    for (const storcli::Controller& controller : server.storcliControllers) {
+        state["storcli"].push_back(storcli::stateJson(controller));
+    }
     state["faultsSeen"] = std::move(faults);
     return state.dump(2) + "\n";
 }
@@ -254,6 +274,9 @@ void readState(std::string_view text, Server& server, Problem& problem) {
     Fields fields(json, "", problem);
     fields.smallNumber("format", stateFormat, stateFormat);
     readControllers(fields, server);
+    if (!problem.found()) {
+        readStorcliControllers(fields, server);
+    }
     readFaults(fields, server);
     fields.finish();
 }

@@ -22,6 +22,7 @@ FaultMatch countFaults(Server& server, std::string_view command) {
             match.due = &fault;
         }
     }
+    server.effect = match.due != nullptr ? match.due->effect : std::nullopt;
     return match;
 }
 

@@ -6,6 +6,7 @@
 #include "megacli/Megacli.h"
 #include "model/Text.h"
 #include "qtcsend/Qtcsend.h"
+#include "storcli/Storcli.h"
 
 #include <array>
 #include <string_view>
@@ -13,13 +14,13 @@
 namespace zolex_sim {
 namespace {
 
-// The utilities that UTIL.BAT starts.
+// The utilities that UTIL.BAT starts, and those that are called by a usual name.
 struct Utility {
     std::string_view name;
     PlayResult (*play)(Server&, const std::vector<std::string>& options);
 };
 // clang-format off
-constexpr std::array<Utility, 7> utilities = {{
+constexpr std::array<Utility, 11> utilities = {{
     {"MEGACLI", megacli::play},
     {"ARCCONF", conf::playArcconf},
     {"HRCONF", conf::playHrconf},
@@ -27,6 +28,10 @@ constexpr std::array<Utility, 7> utilities = {{
     {"CFGGEN", cfggen::playSas},
     {"CFGGEN1.02.02", cfggen::playScsi},
     {"HYPERWIN", hyperwin::play},
+    {"STORCLI", storcli::play},
+    {"storcli64", storcli::play},
+    {"perccli", storcli::play},
+    {"perccli64", storcli::play},
 }};
 // clang-format on
 
@@ -52,6 +57,9 @@ PlayResult playDetector(Server& server, const std::vector<std::string>& argument
     for (const Controller& controller : server.controllers) {
         drives += controller.drives.size();
     }
+    for (const storcli::Controller& controller : server.storcliControllers) {
+        drives += controller.drives.size();
+    }
     return {server.detectorExitCode,
             formatted("Hardware detection\n"
                       "\n"
@@ -63,7 +71,7 @@ PlayResult playDetector(Server& server, const std::vector<std::string>& argument
                       "RAID_Controllers=%zu\n"
                       "Disk_Drives=%zu\n",
                       server.machineType.c_str(), server.serialNumber.c_str(),
-                      server.controllers.size(), drives)};
+                      server.controllers.size() + server.storcliControllers.size(), drives)};
 }
 
 PlayResult playFakeraid(Server& server, const std::vector<std::string>& arguments) {

@@ -52,6 +52,38 @@ std::string foreignLine(const Controller& controller, const ForeignGroup& group,
     return text + (carried.name.empty() ? "" : ", \"" + carried.name + "\"") + "\n";
 }
 
+std::string storcliText(const storcli::Controller& controller, std::size_t number) {
+    const PciFunction& pci = controller.pci;
+    std::string text =
+        formatted("\nController %zu: %s, STORCLI, PCI %d:%d:%d %04X:%04X:%04X:%04X\n", number,
+                  controller.model.c_str(), pci.bus, pci.device, pci.function, pci.vendorId,
+                  pci.deviceId, pci.subsystemVendorId, pci.subsystemId);
+    for (const storcli::Drive& drive : controller.drives) {
+        text += formatted("  drive %-8s %14lld sectors of %d bytes  %-4s %-20s %s%s\n",
+                          toText(drive.place).c_str(), static_cast<long long>(drive.sectors),
+                          drive.sectorBytes, drive.interface.c_str(), drive.serial.c_str(),
+                          std::string(wordOf(drive.state)).c_str(),
+                          drive.medium == Medium::solidState ? ", ssd" : "");
+    }
+    for (std::size_t group = 0; group < controller.groups.size(); ++group) {
+        text += formatted("  drive group %zu:", group);
+        for (const std::vector<DriveLocation>& span : controller.groups[group].spans) {
+            text += " [" + toText(span) + "]";
+        }
+        text += "\n";
+    }
+    for (const storcli::Volume& volume : controller.volumes) {
+        text +=
+            formatted("  virtual drive %d: group %zu, %s, %lld blocks, strip %d KB, %s, %s%s%s\n",
+                      volume.number, volume.group, std::string(rulesOf(volume.level).name).c_str(),
+                      static_cast<long long>(volume.blocks), volume.stripKb,
+                      std::string(wordOf(volume.cache)).c_str(), volume.readAhead ? "RA" : "NORA",
+                      volume.name.empty() ? "" : (", \"" + volume.name + "\"").c_str(),
+                      volume.hasSystem ? ", with an operating system" : "");
+    }
+    return text;
+}
+
 } // namespace
 
 PlayResult showServer(Server& server, const std::vector<std::string>& arguments) {
@@ -76,6 +108,9 @@ PlayResult showServer(Server& server, const std::vector<std::string>& arguments)
         for (const ForeignGroup& group : controller->foreignGroups()) {
             text += foreignLine(*controller, group, foreign++);
         }
+    }
+    for (const storcli::Controller* controller : server.storcliInPciOrder()) {
+        text += storcliText(*controller, number++);
     }
     return {0, text};
 }

@@ -70,7 +70,7 @@ class FolderWriter {
     /// False at the first thing that could not be written; see failure().
     bool write(const Server& server, std::string_view definition) {
         const std::vector<ServerFile> files = filesOf(server, definition);
-        return prepare(files) && writeFiles(files) && placePrograms();
+        return prepare(server, files) && writeFiles(files) && placePrograms(server);
     }
 
     /// What could not be done.
@@ -84,7 +84,7 @@ class FolderWriter {
 
     /// Makes the folder and takes the PCI tree of an earlier server away. In a folder that is not a
     /// server's a folder "pci" and files of somebody else's stay untouched.
-    bool prepare(const std::vector<ServerFile>& files) {
+    bool prepare(const Server& server, const std::vector<ServerFile>& files) {
         std::error_code error;
         fs::create_directories(folder_, error);
         if (!fs::is_directory(folder_, error)) {
@@ -93,7 +93,7 @@ class FolderWriter {
         const fs::path pci = folder_ / "pci";
         if (fs::exists(folder_ / "server.json", error)) {
             fs::remove_all(pci, error);
-            return error ? fail("cannot remove", pci) : true;
+            return error ? fail("cannot remove", pci) : removeEarlier();
         }
         if (fs::exists(pci, error)) {
             return fail("this is not a server's folder, but it has a folder", pci);
@@ -104,9 +104,22 @@ class FolderWriter {
                             folder_ / file.name);
             }
         }
-        for (const std::string& name : rolePrograms()) {
+        for (const std::string& name : rolePrograms(server)) {
             if (fs::exists(fs::symlink_status(folder_ / name, error))) {
                 return fail("this is not a server's folder, but it has a file", folder_ / name);
+            }
+        }
+        return true;
+    }
+
+    /// Takes away what an earlier server had and this one may not have.
+    bool removeEarlier() {
+        for (const char* name :
+             {"sample-policies.ini", "storcli64", "storcli64.exe", "perccli64", "perccli64.exe"}) {
+            const fs::path path = folder_ / name;
+            std::error_code error;
+            if (!fs::equivalent(path, program_, error) || fs::is_symlink(path, error)) {
+                fs::remove(path, error);
             }
         }
         return true;
@@ -134,8 +147,10 @@ class FolderWriter {
         files.push_back(pciRegistry(server));
         files.push_back(pciRegistryRemoval(server));
         files.push_back(inventory(server));
-        files.push_back(samplePolicies(server));
-        for (ServerFile& launcher : launchers(target_)) {
+        if (!server.controllers.empty() || server.storcliControllers.empty()) {
+            files.push_back(samplePolicies(server));
+        }
+        for (ServerFile& launcher : launchers(server, target_)) {
             files.push_back(std::move(launcher));
         }
         files.push_back({"server.json", std::string(definition)});
@@ -167,13 +182,19 @@ class FolderWriter {
     }
 
     /// The roles that are played by a copy of this program under another name.
-    [[nodiscard]] std::vector<std::string> rolePrograms() const {
-        return target_ == Target::windows ? std::vector<std::string>{"hwdetect.exe", "fakeraid.exe"}
-                                          : std::vector<std::string>();
+    [[nodiscard]] std::vector<std::string> rolePrograms(const Server& server) const {
+        if (target_ != Target::windows) {
+            return {};
+        }
+        std::vector<std::string> names = {"hwdetect.exe", "fakeraid.exe"};
+        for (const std::string& name : utilitiesOfToday(server)) {
+            names.push_back(name + ".exe");
+        }
+        return names;
     }
 
-    bool placePrograms() {
-        const std::vector<std::string> roles = rolePrograms();
+    bool placePrograms(const Server& server) {
+        const std::vector<std::string> roles = rolePrograms(server);
         return placeProgram(target_ == Target::windows ? "ZOLEX-SIM.EXE" : "zolex-sim") &&
                std::all_of(roles.begin(), roles.end(),
                            [this](const std::string& name) { return placeProgram(name); });
@@ -230,6 +251,14 @@ std::string nextSteps(const fs::path& folder, const fs::path& program, const Ser
     const fs::path found = fs::weakly_canonical(folder, error);
     const std::string place = fs::path(error ? folder : found).make_preferred().string();
     const std::string zolex = calledZolex(program, target);
+    if (server.controllers.empty() && !server.storcliControllers.empty()) {
+        const std::string utility = utilitiesOfToday(server).front();
+        return target == Target::windows
+                   ? "To list its first controller:\n  cd /d " + quoted(place, target) + "\n  " +
+                         utility + " /c0 show all J nolog\n"
+                   : "To list its first controller:\n  cd " + quoted(place, target) + "\n  ./" +
+                         utility + " /c0 show all J nolog\n";
+    }
     if (samplePoliciesNeedReset(server)) {
         return "It is configured already. To write its arrays as policies:\n" +
                commandLines(place, zolex, "/c /f:captured.ini", target) +
@@ -251,9 +280,11 @@ Target hostTarget() {
 
 std::string sampleList() {
     std::string text = "Samples:\n";
-    for (const Sample& sample : samples()) {
-        text += formatted("  %-16s %s\n", std::string(sample.name).c_str(),
-                          std::string(sample.about).c_str());
+    for (const std::span<const Sample> list : {samples(), samplesOfToday()}) {
+        for (const Sample& sample : list) {
+            text += formatted("  %-16s %s\n", std::string(sample.name).c_str(),
+                              std::string(sample.about).c_str());
+        }
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #include "setup/ServerFiles.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace zolex_sim {
@@ -13,13 +14,29 @@ std::string script(std::string_view head, std::string_view role) {
 
 } // namespace
 
-std::vector<ServerFile> launchers(Target target) {
+std::vector<std::string> utilitiesOfToday(const Server& server) {
+    std::vector<std::string> names;
+    for (const storcli::Controller& controller : server.storcliControllers) {
+        const char* name =
+            controller.branding == storcli::Branding::perc ? "perccli64" : "storcli64";
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            names.emplace_back(name);
+        }
+    }
+    return names;
+}
+
+std::vector<ServerFile> launchers(const Server& server, Target target) {
     if (target == Target::windows) {
         return {{"UTIL.BAT", "@\"%~dp0ZOLEX-SIM.EXE\" util %*\r\n"}};
     }
-    return {{"UTIL.BAT", script("", "util"), true},
-            {"hwdetect.exe", script("#!/bin/sh\n", "hwdetect"), true},
-            {"fakeraid", script("#!/bin/sh\n", "fakeraid"), true}};
+    std::vector<ServerFile> files = {{"UTIL.BAT", script("", "util"), true},
+                                     {"hwdetect.exe", script("#!/bin/sh\n", "hwdetect"), true},
+                                     {"fakeraid", script("#!/bin/sh\n", "fakeraid"), true}};
+    for (const std::string& name : utilitiesOfToday(server)) {
+        files.push_back({name, script("#!/bin/sh\n", "util " + name), true});
+    }
+    return files;
 }
 
 } // namespace zolex_sim

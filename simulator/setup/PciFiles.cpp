@@ -12,6 +12,9 @@ std::vector<PciFunction> functionsOf(const Server& server) {
     for (const Controller& controller : server.controllers) {
         functions.push_back(controller.identity.pci);
     }
+    for (const storcli::Controller& controller : server.storcliControllers) {
+        functions.push_back(controller.pci);
+    }
     std::sort(functions.begin(), functions.end(), standsBefore);
     return functions;
 }

@@ -3,6 +3,7 @@
 #include "model/Text.h"
 #include "setup/BlockSamples.h"
 #include "setup/ConfSamples.h"
+#include "setup/StorcliSamples.h"
 
 #include <array>
 
@@ -181,6 +182,11 @@ constexpr std::array<Sample, 12> all = {{
     {"hyperwin",        "one controller driven by HYPERWIN",           hyperwinSample},
     {"mixed",           "one controller of each utility",              mixedSample},
 }};
+constexpr std::array<Sample, 3> ofToday = {{
+    {"storcli",         "one controller driven by STORCLI, configured", storcliSample},
+    {"storcli-blank",   "one controller driven by STORCLI, two enclosures", storcliBlankSample},
+    {"percli",          "one controller driven by PERCCLI, configured", percliSample},
+}};
 // clang-format on
 
 } // namespace
@@ -189,10 +195,16 @@ std::span<const Sample> samples() {
     return all;
 }
 
+std::span<const Sample> samplesOfToday() {
+    return ofToday;
+}
+
 const Sample* sampleNamed(std::string_view name) {
-    for (const Sample& sample : all) {
-        if (equalsIgnoringCase(sample.name, name)) {
-            return &sample;
+    for (const std::span<const Sample> list : {samples(), samplesOfToday()}) {
+        for (const Sample& sample : list) {
+            if (equalsIgnoringCase(sample.name, name)) {
+                return &sample;
+            }
         }
     }
     return nullptr;

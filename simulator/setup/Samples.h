@@ -12,8 +12,10 @@ struct Sample {
     std::string_view definition;
 };
 
-/// The first one is the default.
+/// Servers that zolex configures. The first one is the default.
 std::span<const Sample> samples();
+/// Servers whose controllers zolex does not know.
+std::span<const Sample> samplesOfToday();
 /// Null for an unknown name.
 const Sample* sampleNamed(std::string_view name);
 

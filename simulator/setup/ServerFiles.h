@@ -35,9 +35,13 @@ ServerFile samplePolicies(const Server& server);
 /// Whether they ask for drives that are free only after a reset: a controller has no other.
 bool samplePoliciesNeedReset(const Server& server);
 
+/// The names of the utilities of today that the server's controllers are driven by: "storcli64",
+/// "perccli64".
+std::vector<std::string> utilitiesOfToday(const Server& server);
+
 /// The scripts that start the program in its roles. None is needed on Windows for a role whose
 /// program is a copy of this one.
-std::vector<ServerFile> launchers(Target target);
+std::vector<ServerFile> launchers(const Server& server, Target target);
 
 /// The drives that a run of zolex counts, in its order: enclosures in the order in which drives
 /// name them (four at most), in each the slots 0 to 35.

@@ -71,7 +71,7 @@ TEST_F(Init, LaysOutAFolderOnPosix) {
 #endif
 
 TEST_F(Init, ScriptsOfPosixSystems) {
-    const std::vector<ServerFile> files = launchers(Target::posix);
+    const std::vector<ServerFile> files = launchers(Server(), Target::posix);
     ASSERT_EQ(files.size(), 3U);
     EXPECT_EQ(files[0].name, "UTIL.BAT");
     EXPECT_EQ(files[0].content, "here=${0%/*}\n"

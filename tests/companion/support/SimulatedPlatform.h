@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Definition.h"
+#include "model/Text.h"
 #include "platform/CommandLineSplit.h"
 #include "roles/Faults.h"
 #include "roles/Roles.h"
@@ -49,6 +50,9 @@ class SimulatedPlatform : public zolex::test::FakePlatform {
         for (const zolex_sim::Controller* controller : server.controllersInPciOrder()) {
             addDevice(controller->identity.pci);
         }
+        for (const zolex_sim::storcli::Controller* controller : server.storcliInPciOrder()) {
+            addDevice(controller->pci);
+        }
         for (const zolex_sim::PciFunction& other : server.otherDevices) {
             addDevice(other);
         }
@@ -80,10 +84,17 @@ class SimulatedPlatform : public zolex::test::FakePlatform {
                 return playRole("", arguments, zolex_sim::playUtility);
             }
         }
+        for (const char* const utility : {"storcli64", "storcli", "perccli64", "perccli"}) {
+            if (zolex_sim::equalsIgnoringCase(name, utility)) {
+                arguments.insert(arguments.begin() + 1, utility);
+                return playRole("", arguments, zolex_sim::playUtility);
+            }
+        }
         return {};
     }
 
     zolex_sim::Server server;
+    int logsLeft = 0; ///< commands that have written a log file into the current folder
 
   private:
     using Role = zolex_sim::PlayResult (*)(zolex_sim::Server&, const std::vector<std::string>&);
@@ -114,6 +125,7 @@ class SimulatedPlatform : public zolex::test::FakePlatform {
             }
         }
         const zolex_sim::PlayResult result = role(server, rest);
+        logsLeft += result.leavesLog ? 1 : 0;
         return ended(static_cast<std::uint32_t>(result.exitCode), output + result.output);
     }
 
