@@ -1,6 +1,7 @@
 #include "companion/binding/ConvertPolicies.h"
 
 #include "companion/binding/BoundPolicies.h"
+#include "companion/binding/FamilyTypes.h"
 #include "companion/binding/KindFile.h"
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/ProblemCodes.h"
@@ -59,7 +60,7 @@ class Converter {
   public:
     Converter(const Snapshot& snapshot, const ConvertRequest& request)
         : snapshot_(snapshot), request_(request), source_(readKindFile(request.text)),
-          aside_(withoutKindEntries(request.text)) {}
+          aside_(withoutFamilyTypes(withoutKindEntries(request.text))) {}
 
     ConvertedPolicies run() {
         SilentReport silent;
@@ -109,6 +110,11 @@ class Converter {
 
     void bind(const ControllerSnapshot& detail, const PolicyList& policies) {
         const RAIDController* const record = snapshot_.controllers.controller(detail.index);
+        if (detail.index == ControllerSnapshot::noRecord) {
+            note(problem::convertNoPolicy,
+                 controllerWords(detail.number) + " is not known to zolex: it gets no policy");
+            return;
+        }
         if (detail.failed || record == nullptr) {
             Finding failed = problemFinding(problem::utilityFailed,
                                             controllerWords(detail.number) +
@@ -147,8 +153,8 @@ class Converter {
             }
             tellAt(std::move(finding), fault.line, fault.column, fault.endColumn);
         }
-        const PolicyFile read =
-            readPolicies(made.text, ControllerCatalogue(), PolicyOptions(), silent);
+        const PolicyFile read = readPolicies(withoutFamilyTypes(made.text), ControllerCatalogue(),
+                                             PolicyOptions(), silent);
         if (made.faults.empty() && read.policies) {
             bound.bound = read.policies->policies().at(bound.policy);
             bound.text = std::move(made.text);

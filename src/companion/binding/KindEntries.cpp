@@ -22,7 +22,7 @@ constexpr const char* levelHelp = "write levels between else: 6 else 5 else 1";
 constexpr std::size_t longestQuoted = 40;
 
 constexpr std::array<std::string_view, 2> mediaWords = {"SSD", "HDD"};
-constexpr std::array<std::string_view, 4> protocolWords = {"SAS", "SATA", "SCSI", "PATA"};
+constexpr std::array<std::string_view, 5> protocolWords = {"SAS", "SATA", "SCSI", "PATA", "NVMe"};
 
 struct SizeUnit {
     std::string_view name;
@@ -84,10 +84,11 @@ class WordReader {
     }
     /// What stands from the word at hand on, up to the word `end`, as the fields of a list between
     /// commas; blanks around them are no part of them.
-    std::vector<KindWord> takeList(std::string_view end = {}) {
+    std::vector<KindWord> takeList(std::string_view end = {}, std::string_view otherEnd = {}) {
         const std::int32_t first = peek().column;
         std::int32_t last = first;
-        while (!isAtEnd() && (end.empty() || !isWord(peek(), end))) {
+        while (!isAtEnd() && (end.empty() || !isWord(peek(), end)) &&
+               (otherEnd.empty() || !isWord(peek(), otherEnd))) {
             last = take().endColumn;
         }
         return fields(first, last);
@@ -181,8 +182,9 @@ std::int32_t countOf(const KindWord& word, std::int32_t most, const char* things
 
 /// A list of slots or serial numbers.
 std::vector<KindWord> namesOf(WordReader& words, const char* thing, std::int32_t most,
-                              const char* help) {
-    std::vector<KindWord> names = words.takeList();
+                              const char* help, std::string_view end = {},
+                              std::string_view otherEnd = {}) {
+    std::vector<KindWord> names = words.takeList(end, otherEnd);
     for (std::size_t i = 0; i < names.size(); ++i) {
         const KindWord& name = names[i];
         if (name.text.empty()) {
@@ -405,12 +407,12 @@ class SparesReader {
         SparesWish wish;
         if (words_.takeIf("slots")) {
             wish.form = KindForm::slots;
-            wish.names = namesOf(words_, "slot", mostKindSpares, sparesHelp);
+            readNamed("slots", "slot", wish);
             return wish;
         }
         if (words_.takeIf("serials")) {
             wish.form = KindForm::serials;
-            wish.names = namesOf(words_, "serial number", mostKindSpares, sparesHelp);
+            readNamed("serials", "serial number", wish);
             return wish;
         }
         do {
@@ -423,6 +425,39 @@ class SparesReader {
     }
 
   private:
+    /// Names, and the arrays that they cover where some do: "slots 32:6 covering A and slots 32:7".
+    void readNamed(std::string_view form, const char* thing, SparesWish& wish) {
+        bool coversSome = false;
+        do {
+            SpareGroup group;
+            std::vector<KindWord> names =
+                namesOf(words_, thing, mostKindSpares, sparesHelp, "covering", "and");
+            group.count = static_cast<std::int32_t>(names.size());
+            total_ += group.count;
+            if (total_ > mostKindSpares) {
+                fail(names.front(), "more than " + std::to_string(mostKindSpares) + " drives",
+                     sparesHelp);
+            }
+            wish.names.insert(wish.names.end(), names.begin(), names.end());
+            readCovers(group);
+            coversSome = coversSome || !group.covers.empty();
+            wish.groups.push_back(std::move(group));
+        } while (words_.takeIf("and") && takeForm(form));
+        if (!words_.isAtEnd()) {
+            fail(words_.peek(), quotedWord(words_.peek().text) + " is no \"and\"", sparesHelp);
+        }
+        if (!coversSome) {
+            wish.groups.clear();
+        }
+    }
+
+    bool takeForm(std::string_view form) {
+        if (!words_.takeIf(form)) {
+            failUnexpected(words_.peek(), "\"" + std::string(form) + "\"", sparesHelp);
+        }
+        return true;
+    }
+
     SpareGroup readGroup() {
         SpareGroup group;
         const KindWord& word = words_.take();
@@ -431,8 +466,13 @@ class SparesReader {
         if (total_ > mostKindSpares) {
             fail(word, "more than " + std::to_string(mostKindSpares) + " hot spares", sparesHelp);
         }
+        readCovers(group);
+        return group;
+    }
+
+    void readCovers(SpareGroup& group) {
         if (!words_.takeIf("covering")) {
-            return group;
+            return;
         }
         group.covers = words_.takeList("and");
         for (KindWord& letter : group.covers) {
@@ -442,7 +482,6 @@ class SparesReader {
             }
             letter.text = std::string(1, c);
         }
-        return group;
     }
 
     WordReader words_;

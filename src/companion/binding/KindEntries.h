@@ -77,6 +77,7 @@ struct SpareGroup {
 struct SparesWish {
     KindForm form = KindForm::kind;
     std::vector<KindWord> names;
+    /// Of named ones only where some cover certain arrays: how many of the names are of each.
     std::vector<SpareGroup> groups;
     friend bool operator==(const SparesWish&, const SparesWish&) = default;
 };

@@ -6,6 +6,7 @@
 #include "companion/lint/Lint.h"
 #include "companion/lint/PolicyDocument.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/Plan.h"
 #include "companion/text/Diagnostics.h"
 #include "companion/text/OutputFile.h"
 #include "companion/text/Table.h"
@@ -91,7 +92,57 @@ class Check {
         std::vector<const Snapshot*> snapshots;
         std::transform(machines_.begin(), machines_.end(), std::back_inserter(snapshots),
                        [](const RecordedMachine& machine) { return &machine.snapshot; });
-        return lint(document, snapshots, selection_);
+        std::vector<Finding> found = lint(document, snapshots, selection_);
+        for (const RecordedMachine& machine : machines_) {
+            addOfFamilies(document, machine.snapshot, found);
+        }
+        return found;
+    }
+
+    /// What a plan would say of the controllers that zolex does not know.
+    void addOfFamilies(const PolicyDocument& document, const Snapshot& snapshot,
+                       std::vector<Finding>& found) const {
+        const bool isReadable = std::none_of(found.begin(), found.end(), [](const Finding& each) {
+            return each.severity == Severity::error && each.refusedBy == RefusedBy::zolex;
+        });
+        Snapshot part;
+        part.machine = snapshot.machine;
+        std::copy_if(snapshot.details.begin(), snapshot.details.end(),
+                     std::back_inserter(part.details), [](const ControllerSnapshot& each) {
+                         return each.index == ControllerSnapshot::noRecord && !each.failed;
+                     });
+        if (!isReadable || part.details.empty()) {
+            return;
+        }
+        PlanRequest request;
+        request.policiesFile = document.file;
+        request.policiesText = document.text;
+        for (ControllerPlanning& planning : planMachine(part, request).controllers) {
+            std::vector<Finding>& all = planning.diagnostics;
+            std::move(planning.warnings.begin(), planning.warnings.end(), std::back_inserter(all));
+            for (Finding& finding : all) {
+                if (finding.start.line > 0 && isSelected(document, finding)) {
+                    finding.summary = "controller " + std::to_string(planning.controller.number) +
+                                      ": " + finding.summary;
+                    found.push_back(std::move(finding));
+                }
+            }
+        }
+    }
+
+    [[nodiscard]] bool isSelected(const PolicyDocument& document, const Finding& finding) const {
+        const auto isOneOf = [&finding](const std::vector<std::string>& rules) {
+            return std::any_of(rules.begin(), rules.end(), [&finding](const std::string& rule) {
+                return finding.code.starts_with(rule);
+            });
+        };
+        const bool isQuiet = std::any_of(
+            document.ignored.begin(), document.ignored.end(), [&](const IgnoredFindings& each) {
+                return each.firstLine <= finding.start.line &&
+                       finding.start.line <= each.lastLine && isOneOf(each.rules);
+            });
+        return (selection_.select.empty() || isOneOf(selection_.select)) &&
+               !isOneOf(selection_.ignore) && !isQuiet;
     }
 
     void checkFile(const std::string& file) {

@@ -81,6 +81,9 @@ PlannedArray readArray(const Part& part) {
     PlannedArray array;
     array.id = part.word("id");
     array.capacityBytes = part.number<std::uint64_t>("capacity_bytes");
+    if (part.has("drives_per_span")) {
+        array.drivesPerSpan = part.number<std::size_t>("drives_per_span", 1);
+    }
     for (const Part& each : part.objects("drives", mostPlanDrives)) {
         array.drives.push_back({each.word("location"), readReason(each.object("reason"))});
     }
@@ -122,8 +125,10 @@ void readAfter(const Part& controller, ControllerPlanning& planning) {
         planning.volumes.push_back(readVolume(each));
     }
     for (const Part& each : part.objects("hotspares", mostPlanDrives)) {
+        const bool isDedicated =
+            each.has("hotspare_type") && each.word("hotspare_type") == "Dedicated";
         planning.spares.push_back({each.word("location"), each.words("covers", mostPlanDrives),
-                                   readReason(each.object("reason"))});
+                                   readReason(each.object("reason")), isDedicated});
     }
 }
 

@@ -528,10 +528,12 @@ class LayoutComparison {
         return spare.isDedicated ? "dedicated" : "global";
     }
 
-    /// A dedicated spare has one array, which listings do not name.
+    /// A dedicated spare has one array, which some listings do not name.
     [[nodiscard]] bool coversAsMuch(const LayoutSpare& wanted, const LayoutSpare& found) const {
         if (wanted.isDedicated == found.isDedicated) {
-            return true;
+            const DriveFacts* const drive = classes_.drive(found.location);
+            return !wanted.isDedicated || drive == nullptr || drive->covers.empty() ||
+                   coversTheSame(wanted, drive->covers);
         }
         const auto redundant = static_cast<std::size_t>(std::count_if(
             wanted_.groups.begin(), wanted_.groups.end(), [](const LayoutGroup& group) {
@@ -541,6 +543,22 @@ class LayoutComparison {
                     });
             }));
         return redundant <= 1;
+    }
+
+    /// Whether the captured groups of these ids stand for those that the wanted spare is of.
+    [[nodiscard]] bool coversTheSame(const LayoutSpare& wanted, const Locations& covers) const {
+        for (std::size_t i = 0; i < wanted_.groups.size(); ++i) {
+            const bool isWanted = std::find(wanted.covers.begin(), wanted.covers.end(),
+                                            wanted_.groups[i].id) != wanted.covers.end();
+            const bool stands = matches_[i].how != Match::How::none;
+            const bool isCovered =
+                stands && std::find(covers.begin(), covers.end(),
+                                    captured_.groups[matches_[i].captured].id) != covers.end();
+            if (isWanted != isCovered) {
+                return false;
+            }
+        }
+        return true;
     }
 
     void tellOtherSpares(const std::vector<bool>& isUsed) {

@@ -1,8 +1,11 @@
+#include "companion/families/ModelTexts.h"
 #include "companion/lint/Effects.h"
 #include "companion/lint/Entries.h"
 #include "companion/lint/Levels.h"
 #include "companion/lint/PolicyView.h"
 #include "companion/lint/RuleGroups.h"
+#include "engine/ConfigClasses.h"
+#include "foundation/Text.h"
 #include "model/Codes.h"
 #include "model/TypeTraits.h"
 #include "policies/PolicyKeywords.h"
@@ -81,6 +84,9 @@ class LogicalChecks {
         if (level == raid_level::notGiven) {
             return;
         }
+        if (tellFamilies(view)) {
+            return;
+        }
         const Verdict wordless =
             judgeKinds(policy_, [&](const Kind& kind) { return !models_.hasCommand(kind, level); });
         if (!isPlanned && wordless.severity()) {
@@ -103,6 +109,44 @@ class LogicalChecks {
         if (!isPlanned) {
             finding.refusedBy = RefusedBy::utility;
         }
+    }
+
+    /// Levels that no controller of a family has. True when it is told.
+    bool tellFamilies(const LogicalView& view) {
+        const std::int32_t level = view.given.raidLevel;
+        const Verdict verdict = judgeEntries(policy_, [level](const EntryView& entry) {
+            const std::string_view type = entry.given.controllerType.view();
+            return !isFamilyType(type)                  ? Answer::notGiven
+                   : familyLevels(type).contains(level) ? Answer::fine
+                                                        : Answer::faulty;
+        });
+        const auto severity = verdict.severity();
+        if (!severity) {
+            return false;
+        }
+        const EntryView& entry = *verdict.faulty().front();
+        const std::string type = entry.given.controllerType.c_str();
+        std::vector<std::string> words;
+        for (std::int32_t code = raid_level::raid0; code < raid_level::notGiven; ++code) {
+            if (familyLevels(type).contains(code)) {
+                words.emplace_back(raidLevelWord(code));
+            }
+        }
+        Finding& finding = sink_.add(
+            "ZX401", view.level, levelName(level) + " is not possible on t:" + type,
+            {"such controllers have " + joinWords(words, ", "), placeOf(entry) + " names them"});
+        finding.severity = *severity;
+        return true;
+    }
+
+    /// The levels that controllers of a type can have at all.
+    static CodeSet familyLevels(std::string_view type) {
+        return text::equalsNoCase(type, "MD") || text::equalsNoCase(type, "LINUX-MD")
+                   ? CodeSet{raid_level::raid0, raid_level::raid1, raid_level::raid1E,
+                             raid_level::raid5, raid_level::raid6, raid_level::raid10}
+                   : CodeSet{raid_level::raid0, raid_level::raid1,  raid_level::raid5,
+                             raid_level::raid6, raid_level::raid10, raid_level::raid50,
+                             raid_level::raid60};
     }
 
     void tellWordless(const LogicalView& view, const Verdict& verdict) {

@@ -1,5 +1,6 @@
 #include "commands/CommandLines.h"
 #include "companion/binding/BoundPolicies.h"
+#include "companion/binding/FamilyTypes.h"
 #include "companion/binding/WrittenPlaces.h"
 #include "companion/lint/Effects.h"
 #include "companion/lint/Entries.h"
@@ -190,8 +191,8 @@ class KindMachines {
           aside_(scanPolicies(document.file, withoutKindEntries(document.text))),
           asideViews_(viewPolicies(aside_)) {
         SilentReport silent;
-        const PolicyFile file =
-            readPolicies(aside_.text, ControllerCatalogue(), PolicyOptions(), silent);
+        const PolicyFile file = readPolicies(withoutFamilyTypes(aside_.text), ControllerCatalogue(),
+                                             PolicyOptions(), silent);
         if (kindEntryFaults(document.text).empty() && file.policies &&
             file.policies->count() == document.policies.size()) {
             asidePolicies_ = *file.policies;
@@ -233,8 +234,8 @@ class KindMachines {
         }
         SilentReport silent;
         const PolicyDocument boundDocument = scanPolicies(document_.file, bound.text);
-        const PolicyFile file =
-            readPolicies(bound.text, ControllerCatalogue(), PolicyOptions(), silent);
+        const PolicyFile file = readPolicies(withoutFamilyTypes(bound.text), ControllerCatalogue(),
+                                             PolicyOptions(), silent);
         FindingSink own(document_.file);
         machine.check(detail, viewPolicies(boundDocument), *file.policies, own, bound.uncovered);
         BoundFindings findings(document_, bound, sink_);
@@ -289,8 +290,8 @@ void checkGroup7(const PolicyDocument& document, const std::vector<const Snapsho
         return;
     }
     SilentReport silent;
-    const PolicyFile file =
-        readPolicies(document.text, ControllerCatalogue(), PolicyOptions(), silent);
+    const PolicyFile file = readPolicies(withoutFamilyTypes(document.text), ControllerCatalogue(),
+                                         PolicyOptions(), silent);
     if (!file.policies || file.policies->count() != document.policies.size()) {
         return; // what zolex refuses is told already
     }

@@ -252,7 +252,7 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::spareNotMade, error, "a hot spare that cannot be made as it is asked for",
      "A spare of some arrays alone has to be as large as their drives, of the same kind, and made "
      "together with one array, or for arrays that stand already.",
-     "Write one spare for each array, or one for all:\n  Spares = 1 covering A, 1 covering B"},
+     "Write one spare for each array, or one for all:\n  Spares = 1 covering A and 1 covering B"},
     {problem::otherMachine, error, "a plan is held against another machine than its own",
      "Its drives and controllers are others, though they may be called the same.",
      "plan for this machine, and compare with that: zolexctl diff POLICIES"},

@@ -1,12 +1,12 @@
 #include "companion/planning/FamilyLayout.h"
 
 #include "companion/binding/DriveChoice.h"
+#include "companion/families/SpanRules.h"
 #include "companion/lint/Entries.h"
 #include "companion/machine/Join.h"
 #include "companion/planning/FamilyDrives.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Refusals.h"
-#include "companion/planning/SpanRules.h"
 #include "companion/text/Sizes.h"
 #include "model/Codes.h"
 #include "policies/PolicyKeywords.h"
@@ -709,6 +709,12 @@ class LayoutMaker {
         if (volume.fills) {
             volume.toleranceBytes =
                 stripe + tolerance + fillMarginBytes + metadataBytes(volume.capacityBytes);
+            // A mirror of more than two drives holds half of them, or one: controllers differ.
+            const bool isMirror = volume.raidType == "RAID1" || volume.raidType == "RAID10";
+            const std::uint64_t least = smallest * spans;
+            if (isMirror && drives > 2 * spans && volume.capacityBytes > least) {
+                volume.toleranceBytes += volume.capacityBytes - least;
+            }
         }
         const bool isTooLarge = volume.capacityBytes > left;
         const bool isNothing = volume.capacityBytes < bytesOfMb;

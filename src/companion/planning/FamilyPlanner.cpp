@@ -29,11 +29,11 @@ bool isDoubtful(const Finding& finding) {
 
 /// Its place among the controllers of its family, from 1.
 std::int32_t placeInFamily(const Snapshot& snapshot, const ControllerSnapshot& detail) {
-    std::int32_t place = 1;
-    for (const ControllerSnapshot& other : snapshot.details) {
-        place += other.utility == detail.utility && other.number < detail.number ? 1 : 0;
-    }
-    return place;
+    return 1 + static_cast<std::int32_t>(std::count_if(
+                   snapshot.families.begin(), snapshot.families.end(),
+                   [&detail](const FamilyPlace& other) {
+                       return other.utility == detail.utility && other.number < detail.number;
+                   }));
 }
 
 void refuse(ControllerPlanning& planning) {

@@ -196,6 +196,11 @@ class StepMaker {
         if (isFirst) {
             wish.spares = sparesWith(array.id);
         }
+        if (std::string why = family_.whyNotMade(wish, planning_.controller.facts); !why.empty()) {
+            faults_.push_back(planFault(problem::lineNotMade,
+                                        volume.id + " on array " + array.id + ": " + why,
+                                        {"change the entry, and try it: zolexctl plan POLICIES"}));
+        }
         std::string summary = "create " + (isFirst ? array.id : volume.id + " on " + array.id) +
                               ": " + volume.raidType + " on " + driveList(drives);
         for (const std::string& spare : wish.spares) {
@@ -278,7 +283,7 @@ class StepMaker {
                     problem::spareNotMade,
                     "the hot spare " + spare.location + " is to be of " + joinWords(spare.covers) +
                         " alone, and array " + letter + " has no number before it is made",
-                    {"write one spare for each array: Spares = 1 covering A, 1 covering B",
+                    {"write one spare for each array: Spares = 1 covering A and 1 covering B",
                      "or one for all: Spares = 1"}));
                 return false;
             }

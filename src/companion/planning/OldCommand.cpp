@@ -107,7 +107,10 @@ class OldRun {
     }
 
     void tellPolicies() {
-        if (hasKinds()) {
+        if (hasKinds() && !hasKindEntries(request_.policiesText)) {
+            differences_.emplace_back(
+                "zolex refuses the file: it does not know controllers of families (t:)");
+        } else if (hasKinds()) {
             differences_.push_back(
                 "zolex refuses the file: Drives.*, Spares and Level.* are for zolexctl alone; "
                 "zolexctl record -o server.zrec, and zolexctl convert --to policies " +

@@ -51,7 +51,11 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request) {
     plan.command = planCommand(request, request.accept);
     Refusals refusals(request);
     plan.diagnostics = snapshot.findings;
-    if (snapshot.controllers.count() == 0) {
+    const bool hasFamilies =
+        std::any_of(snapshot.details.begin(), snapshot.details.end(), [](const auto& detail) {
+            return detail.index == ControllerSnapshot::noRecord;
+        });
+    if (snapshot.controllers.count() == 0 && !hasFamilies) {
         plan.diagnostics.push_back(
             problemFinding(problem::noControllers, "there is no RAID controller in this machine"));
     }

@@ -1,5 +1,6 @@
 #include "companion/rewriting/CapturedPolicies.h"
 
+#include "companion/rewriting/FamilyPolicies.h"
 #include "companion/rewriting/PlanComparison.h"
 #include "companion/rewriting/PolicyWriter.h"
 #include "companion/rewriting/WantedLayout.h"
@@ -24,6 +25,7 @@ struct Chapter {
     std::optional<WantedLayout> layout;
     std::string policy; ///< its section; empty: none
     std::vector<Finding> findings;
+    bool isOfFamily = false; ///< zolex does not know the controller
 };
 
 std::string machineLine(const Machine& machine) {
@@ -36,7 +38,7 @@ std::string machineLine(const Machine& machine) {
     return text;
 }
 
-std::string controllerLine(const ControllerSnapshot& details, const RAIDController& controller) {
+std::string controllerLine(const ControllerSnapshot& details, std::size_t drives) {
     std::string text = "Controller " + std::to_string(details.number) + ": " + details.model;
     if (!details.facts.serialNumber.empty()) {
         text += ", serial number " + details.facts.serialNumber;
@@ -44,7 +46,6 @@ std::string controllerLine(const ControllerSnapshot& details, const RAIDControll
     if (!details.pci.empty()) {
         text += ", PCI " + details.pci;
     }
-    const std::int32_t drives = controller.numberOfDrives();
     return text + ", " + std::to_string(drives) + (drives == 1 ? " drive" : " drives");
 }
 
@@ -151,19 +152,35 @@ class Captured {
     }
 
   private:
-    Chapter chapterOf(const ControllerSnapshot& details) {
+    /// Whether another controller has the model and as many drives.
+    [[nodiscard]] bool hasTwin(const ControllerSnapshot& details) const {
+        return std::any_of(snapshot_.details.begin(), snapshot_.details.end(),
+                           [&details](const ControllerSnapshot& other) {
+                               return other.number != details.number &&
+                                      other.model == details.model &&
+                                      other.drives.size() == details.drives.size();
+                           });
+    }
+
+    /// Of a controller that zolex does not know.
+    Chapter familyChapter(const ControllerSnapshot& details) {
         Chapter chapter;
-        const RAIDController* const record = snapshot_.controllers.controller(details.index);
-        if (record == nullptr) {
-            chapter.findings.push_back(captureFinding(details, "ZC101", Severity::warning,
-                                                      "policies for a controller of " +
-                                                          details.utility +
-                                                          " cannot be written from its layout yet",
-                                                      {"zolexctl show"}));
-            return chapter;
+        chapter.comments = commentLines("", controllerLine(details, details.drives.size()));
+        FamilyPolicy policy = familyPolicy(details, options_.exact, hasTwin(details));
+        chapter.policy = std::move(policy.text);
+        chapter.findings = std::move(policy.findings);
+        chapter.isOfFamily = true;
+        return chapter;
+    }
+
+    Chapter chapterOf(const ControllerSnapshot& details) {
+        if (details.index == ControllerSnapshot::noRecord) {
+            return familyChapter(details);
         }
-        const RAIDController& controller = *record;
-        chapter.comments = commentLines("", controllerLine(details, controller));
+        const RAIDController& controller = *snapshot_.controllers.controller(details.index);
+        Chapter chapter;
+        chapter.comments = commentLines(
+            "", controllerLine(details, static_cast<std::size_t>(controller.numberOfDrives())));
         if (std::optional<Finding> why = whyNone(details, controller)) {
             chapter.findings.push_back(*std::move(why));
             return chapter;
@@ -182,7 +199,7 @@ class Captured {
     void plan() {
         std::string sections;
         for (const Chapter& chapter : chapters_) {
-            sections += chapter.policy;
+            sections += chapter.isOfFamily ? "" : chapter.policy;
         }
         if (sections.empty()) {
             return;
@@ -238,6 +255,11 @@ class Captured {
                                              "refuse it [ZC119]."
                                            : "Deploying it makes these arrays anew: what is on the "
                                              "drives is lost.");
+        if (std::any_of(chapters_.begin(), chapters_.end(), [](const Chapter& chapter) {
+                return chapter.isOfFamily && !chapter.policy.empty();
+            })) {
+            text += commentLines("", "zolex refuses this file: it is for zolexctl alone.");
+        }
         if (chapters_.empty()) {
             text += commentLines("", "There is no controller.");
         }

@@ -70,5 +70,30 @@ AppliesTo.2 = t:MegaRAID-9560-8i-4GB
 )");
 }
 
+TEST(ZX610, NoSuchFamily) {
+    EXPECT_EQ(lintText(R"([Policy.one]
+AppliesTo.1 = t:PERC-H7*
+AppliesTo.2 = t:STORCLI3
+)"),
+              R"(2:15 note zolex ZX610: zolex refuses this file: it does not know t:PERC-H7*
+  help: keep the policies for such controllers in a file of their own
+3:17 error zolex ZX203: no controller model is called "STORCLI3"
+  help: zolexctl show names the model of each controller
+)");
+}
+
+TEST(ZX401, LevelsThatNoFamilyHas) {
+    EXPECT_EQ(lintText(R"([Policy.one]
+AppliesTo.1 = t:STORCLI,d:4
+Logical_Defaults = FILL:5EE
+)"),
+              R"(2:15 note zolex ZX610: zolex refuses this file: it does not know t:STORCLI
+  help: keep the policies for such controllers in a file of their own
+3:25 error plan ZX401: RAID 5EE is not possible on t:STORCLI
+  help: such controllers have 0, 1, 5, 6, 10, 50, 60
+  help: AppliesTo.1 (line 2) names them
+)");
+}
+
 } // namespace
 } // namespace zolex::companion

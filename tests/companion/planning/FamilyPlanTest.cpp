@@ -1,4 +1,5 @@
 #include "FamilyServer.h"
+#include "companion/rewriting/CapturedPolicies.h"
 
 #include <gtest/gtest.h>
 
@@ -86,8 +87,8 @@ TEST(FamilyPlan, SizesStripCachesAndSeveralOnOneArray) {
                                      "Logical.1 = A:102400:5:ON\nLogical.2 = A:25%:5:OFF\n"
                                      "Logical.3 = A:FILL:5\nRebuildRate = MED\n"))),
         "planned\n"
-        "RAID5 100 GB, strip 256 KB, write-back, no read-ahead; "
-        "RAID5 750 GB, strip 256 KB, write-through, no read-ahead; "
+        "RAID5 100.0 GB, strip 256 KB, write-back, no read-ahead; "
+        "RAID5 750.0 GB, strip 256 KB, write-through, no read-ahead; "
         "RAID5 fill, strip 256 KB, no read-ahead: 252:0 252:1 252:2 252:3\n"
         "STORCLI /c0 add vd r5 Size=102400MB drives=252:0,252:1,252:2,252:3 WB nora Strip=256 "
         "J nolog\n"
@@ -120,7 +121,7 @@ TEST(FamilyPlan, DrivesByWhatTheyAreWithSparesOfTheirOwn) {
         server.add(252, slot, 480, "SATA", "SSD");
     }
     EXPECT_EQ(planLines(server.plan(policy("Drives.A = 2 x SSD\nDrives.B = 3 x HDD\n"
-                                           "Spares = 1 covering A, 1 covering B\n"
+                                           "Spares = 1 covering A and 1 covering B\n"
                                            "Level.A = 5 else 1\n"))),
               "planned\n"
               "RAID5 fill: 252:0 252:1 252:2\n"
@@ -187,6 +188,25 @@ TEST(FamilyPlan, ADedicatedSpareStaysWithItsGroup) {
               "loses logical_drive 1\n"
               "STORCLI /c0/v1 del J nolog\n"
               "STORCLI /c0 add vd r0 drives=252:2,252:3 J nolog\n");
+}
+
+TEST(FamilyPlan, ADedicatedSpareOfAnotherArray) {
+    FamilyServer server;
+    server.addDrives(5);
+    server.addVolume("0", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("1", "1", "RAID1", {{2, 3}}, 1000);
+    server.makeSpare(4, {"0"});
+    const std::string start = "Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3\n"
+                              "Level.A = 1\nLevel.B = 1\nSpares = slots 252:4 covering ";
+    EXPECT_EQ(planLines(server.plan(policy(start + "A\n"))).substr(0, 7), "already");
+    EXPECT_EQ(planLines(server.plan(policy(start + "B\n"))),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID1 fill: 252:2 252:3\n"
+              "dedicated hot spare: 252:4\n"
+              "loses hotspare 252:4\n"
+              "STORCLI /c0/e252/s4 delete hotsparedrive J nolog\n"
+              "STORCLI /c0/e252/s4 add hotsparedrive DGs=1 J nolog\n");
 }
 
 TEST(FamilyPlan, OnlyCachesDiffer) {
@@ -300,8 +320,8 @@ TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
     const MachinePlan plan =
         server.plan(custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:5\nStripeSize = 512\n"));
     EXPECT_EQ(planLines(plan),
-              "refused: a strip size of 512 KB is not of PERC-H755-Front, which takes 8 KB to 256 "
-              "KB, and 1 more fault\n"
+              "refused: array A: RAID 5 is not of PERC-H755-Front, which has 0, 1 and 10, and 1 "
+              "more fault\n"
               "error ZX401: array A: RAID 5 is not of PERC-H755-Front, which has 0, 1 and 10\n"
               "  help: take another level\n"
               "error ZX403: a strip size of 512 KB is not of PERC-H755-Front, which takes 8 KB to "
@@ -312,14 +332,14 @@ TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
 TEST(FamilyPlan, NoRoomAndOneLevelForAnArray) {
     FamilyServer server;
     server.addDrives(2, 100);
-    EXPECT_EQ(
-        planLines(
-            server.plan(custom("Array.A = 1,2\nLogical.1 = A:204800:1\nLogical.2 = A:FILL:0\n"))),
-        "refused: Logical.1 on array A is to have 200 GB, and 100 GB is left, and 1 more fault\n"
-        "error ZP225: Logical.1 on array A is to have 200 GB, and 100 GB is left\n"
-        "  help: give it less, or the logical drives before it\n"
-        "error ZX405: array A has RAID 1 and RAID 0: its drives take one level\n"
-        "  help: give all logical drives of the array one level\n");
+    EXPECT_EQ(planLines(server.plan(
+                  custom("Array.A = 1,2\nLogical.1 = A:204800:1\nLogical.2 = A:FILL:0\n"))),
+              "refused: Logical.1 on array A is to have 200.0 GB, and 100.0 GB is left, and 1 more "
+              "fault\n"
+              "error ZP225: Logical.1 on array A is to have 200.0 GB, and 100.0 GB is left\n"
+              "  help: give it less, or the logical drives before it\n"
+              "error ZX405: array A has RAID 1 and RAID 0: its drives take one level\n"
+              "  help: give all logical drives of the array one level\n");
 }
 
 TEST(FamilyPlan, AFailedMemberKeepsItsNumber) {
@@ -354,6 +374,58 @@ TEST(FamilyPlan, EachDriveHasItsReason) {
               (PlanReason{"class-default", "", 0, ""}));
     EXPECT_EQ(planning.volumes.front().reasons.at("size"),
               (PlanReason{"given", "Logical.1", 7, "FILL"}));
+}
+
+/// The captured policies of a server are planned as what stands there.
+void expectComesBack(FamilyServer& server, const std::string& expected) {
+    static_cast<void>(server.defaults()); // joins the drives
+    const CapturedPolicies captured = capturedPolicies(server.snapshot, {});
+    EXPECT_TRUE(captured.comesBack) << captured.text;
+    const std::size_t begin = captured.text.find("[Policy.");
+    ASSERT_NE(begin, std::string::npos) << captured.text;
+    EXPECT_EQ(captured.text.substr(begin), expected);
+    const MachinePlan plan = server.plan(captured.text);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+}
+
+TEST(FamilyPlan, WhatStandsAsPoliciesComesBack) {
+    FamilyServer server;
+    server.addDrives(10);
+    LogicalDriveFacts& first = server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 500);
+    first.stripSizeBytes = 256 * 1024;
+    first.writeCache = "UnprotectedWriteBack";
+    first.readCache = "ReadAhead";
+    LogicalDriveFacts& second = server.addVolume("238", "0", "RAID5", {{0, 1, 2}}, 1500);
+    second.stripSizeBytes = 256 * 1024;
+    second.writeCache = "WriteThrough";
+    second.readCache = "ReadAhead";
+    LogicalDriveFacts& third = server.addVolume("237", "1", "RAID10", {{3, 4}, {5, 6}}, 2000);
+    third.stripSizeBytes = 256 * 1024;
+    third.readCache = "ReadAhead";
+    server.makeSpare(9);
+    expectComesBack(server, "[Policy.PERC-H755-Front-1]\n\n"
+                            "AppliesTo.1 = t:PERC-H755-Front,d:10\n\n"
+                            "StripeSize = 256\nReadAhead = ON\n\n"
+                            "Array_Mode = CUSTOM\nArray.A = 1,2,3\nArray.B = 4,5,6,7\n"
+                            "Hotspares = 10\n\n"
+                            "Logical_Mode = CUSTOM\nLogical.1 = A:512000:5:ON\n"
+                            "Logical.2 = A:FILL:5:OFF\nLogical.3 = B:FILL:10\n");
+}
+
+TEST(FamilyPlan, SpansAndDedicatedSparesComeBack) {
+    FamilyServer server;
+    server.addDrives(14);
+    server.addVolume("0", "0", "RAID50", {{0, 1, 2}, {3, 4, 5}, {6, 7, 8}, {9, 10, 11}}, 8000);
+    server.makeSpare(12, {"0"});
+    server.makeSpare(13);
+    expectComesBack(server,
+                    "[Policy.PERC-H755-Front-1]\n\n"
+                    "AppliesTo.1 = t:PERC-H755-Front,d:14\n\n"
+                    "Spans = 4\n\n"
+                    "Drives.A = slots 252:0,252:1,252:2,252:3,252:4,252:5,252:6,252:7,252:8,252:9,"
+                    "252:10,252:11\n"
+                    "Spares = slots 252:12 covering A and slots 252:13\n\n"
+                    "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:50\n");
 }
 
 TEST(FamilyPlan, TwoHundredAndFortyDrivesInTime) {

@@ -1,4 +1,4 @@
-#include "companion/planning/SpanRules.h"
+#include "companion/families/SpanRules.h"
 
 #include <algorithm>
 #include <array>

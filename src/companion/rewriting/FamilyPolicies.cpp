@@ -1,0 +1,282 @@
+#include "companion/rewriting/FamilyPolicies.h"
+
+#include "companion/families/Family.h"
+#include "companion/families/ModelTexts.h"
+#include "companion/families/SpanRules.h"
+#include "companion/layout/Layout.h"
+#include "companion/machine/Join.h"
+#include "companion/rewriting/WantedLayout.h"
+#include "policies/PolicyKeywords.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace zolex::companion {
+
+namespace {
+
+constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
+constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
+constexpr std::size_t mostArrays = 8;
+constexpr std::size_t mostListedSpares = 8;
+constexpr std::array<std::string_view, 7> levels = {"RAID0",  "RAID1",  "RAID5", "RAID6",
+                                                    "RAID10", "RAID50", "RAID60"};
+
+std::string entry(const std::string& keyword, const std::string& value) {
+    return keyword + " = " + value + "\n";
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ",") + word;
+    }
+    return text;
+}
+
+class Writer {
+  public:
+    Writer(const ControllerSnapshot& details, bool exact, bool namesNumber)
+        : details_(details), exact_(exact), namesNumber_(namesNumber),
+          layout_(capturedLayout(details.facts)) {}
+
+    FamilyPolicy write() {
+        if (details_.failed) {
+            tell("ZC101", Severity::warning,
+                 "its utility failed, so that there is no policy for it", {"zolexctl doctor"});
+            return std::move(policy_);
+        }
+        if (layout_.groups.empty()) {
+            tell(layout_.spares.empty() ? "ZC101" : "ZC102",
+                 layout_.spares.empty() ? Severity::note : Severity::warning,
+                 layout_.spares.empty() ? "it has no arrays, so that there is no policy for it"
+                                        : "it has hot spares and no array: no policy can say that");
+            return std::move(policy_);
+        }
+        if (!isSayable()) {
+            return std::move(policy_);
+        }
+        for (const LayoutSpare& spare : layout_.spares) {
+            hasDedicated_ = hasDedicated_ || spare.isDedicated;
+        }
+        policy_.text =
+            "[Policy." + details_.model + "-" + std::to_string(details_.number) + "]\n\n" +
+            entry(std::string(keyword::appliesTo) + "1",
+                  "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
+                      (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
+            "\n" + settings() + arrays() + logicalDrives();
+        return std::move(policy_);
+    }
+
+  private:
+    void tell(const char* code, Severity severity, const std::string& what,
+              std::vector<std::string> help = {}) {
+        policy_.findings.push_back(captureFinding(details_, code, severity, what, std::move(help)));
+    }
+
+    /// A model whose text is no type goes by its family.
+    [[nodiscard]] const std::string& typeOf() const {
+        return isFamilyType(details_.model) ? details_.model : details_.utility;
+    }
+
+    bool isSayable() {
+        std::size_t volumes = 0;
+        for (const LayoutGroup& group : layout_.groups) {
+            volumes += group.volumes.size();
+            for (const LayoutVolume& volume : group.volumes) {
+                if (std::find(levels.begin(), levels.end(), volume.raidType) == levels.end()) {
+                    tell(
+                        "ZC113", Severity::warning,
+                        "it has a RAID level that policies cannot name, so that there is no policy "
+                        "for it");
+                    return false;
+                }
+            }
+            for (const std::string& location : group.drives()) {
+                if (numberOf(location).empty()) {
+                    tell("ZC116", Severity::warning,
+                         location + " is of an array and is not listed, so that there is no policy "
+                                    "for it");
+                    return false;
+                }
+            }
+        }
+        const auto most = static_cast<std::size_t>(keyword::lastLogical);
+        if (layout_.groups.size() > mostArrays || volumes > most ||
+            layout_.spares.size() > mostListedSpares) {
+            tell("ZC116", Severity::warning,
+                 "it has more than a policy can say: 8 arrays, 9 logical drives and 8 hot spares, "
+                 "so that there is no policy for it");
+            return false;
+        }
+        return true;
+    }
+
+    [[nodiscard]] std::string numberOf(const std::string& location) const {
+        for (std::size_t i = 0; i < details_.drives.size(); ++i) {
+            if (details_.drives[i].facts.location == location) {
+                return std::to_string(
+                    details_.drives[i].policyNumber.value_or(static_cast<std::int32_t>(i) + 1));
+            }
+        }
+        return {};
+    }
+
+    /// What all volumes have in common; nothing where they differ.
+    template <typename Value>
+    std::optional<Value> common(Value LayoutVolume::*attribute, const char* words) {
+        std::set<Value> values;
+        for (const LayoutGroup& group : layout_.groups) {
+            for (const LayoutVolume& volume : group.volumes) {
+                values.insert(volume.*attribute);
+            }
+        }
+        if (values.size() > 1) {
+            tell("ZC116", Severity::warning,
+                 std::string("its logical drives differ in ") + words +
+                     ", and a policy has one: it is left to the controller");
+            return std::nullopt;
+        }
+        return *values.begin();
+    }
+
+    std::string settings() {
+        std::string text;
+        const auto strip = common(&LayoutVolume::stripSizeBytes, "strip size");
+        if (strip && *strip) {
+            text += entry(keyword::stripeSize, std::to_string(**strip / bytesOfKb));
+        }
+        const auto read = common(&LayoutVolume::readCache, "read-ahead");
+        if (read && !read->empty()) {
+            text += entry(keyword::readAhead, *read == "Off"         ? "OFF"
+                                              : *read == "ReadAhead" ? "ON"
+                                                                     : "ADAPTIVE");
+        }
+        const Family* const family = findFamily(details_.utility);
+        if (const std::size_t spans = family == nullptr ? 0 : unusualSpans(*family); spans > 0) {
+            text += entry("Spans", std::to_string(spans));
+        }
+        return text.empty() ? text : text + "\n";
+    }
+
+    /// How many spans the groups have where those that are chosen would be others; 0: they are not.
+    std::size_t unusualSpans(const Family& family) {
+        const FamilyLimits limits = family.limits(details_.facts);
+        std::set<std::size_t> all;
+        bool isUnusual = false;
+        for (const LayoutGroup& group : layout_.groups) {
+            if (group.spans.size() < 2) {
+                continue;
+            }
+            all.insert(group.spans.size());
+            const SpanChoice choice =
+                chooseSpans(group.volumes.front().raidType, group.drives().size(), 0, limits);
+            isUnusual = isUnusual || choice.drivesPerSpan != group.spans.front().size();
+        }
+        if (!isUnusual) {
+            return 0;
+        }
+        if (all.size() > 1) {
+            tell("ZC116", Severity::warning,
+                 "its arrays have other numbers of spans than would be chosen, and a policy has "
+                 "one");
+            return 0;
+        }
+        return *all.begin();
+    }
+
+    [[nodiscard]] static std::string letterOf(std::size_t group) { return arrayLetters(group); }
+
+    /// Drives in the order of their spans, which is the one in which they are cut.
+    [[nodiscard]] static std::vector<std::string> drivesOf(const LayoutGroup& group) {
+        std::vector<std::string> drives;
+        for (const std::vector<std::string>& span : group.spans) {
+            drives.insert(drives.end(), span.begin(), span.end());
+        }
+        return drives;
+    }
+
+    std::string arrays() {
+        std::string text = hasDedicated_ ? "" : entry(keyword::arrayMode, "CUSTOM");
+        for (std::size_t i = 0; i < layout_.groups.size(); ++i) {
+            const std::vector<std::string> drives = drivesOf(layout_.groups[i]);
+            if (hasDedicated_) {
+                text += entry("Drives." + letterOf(i), "slots " + joined(drives));
+                continue;
+            }
+            std::vector<std::string> numbers;
+            for (const std::string& location : drives) {
+                numbers.push_back(numberOf(location));
+            }
+            text += entry(keyword::array + letterOf(i), joined(numbers));
+        }
+        return text + spares() + "\n";
+    }
+
+    std::string spares() {
+        if (layout_.spares.empty()) {
+            return entry(keyword::arrayDefaults, "0%:0");
+        }
+        std::string text;
+        for (const LayoutSpare& spare : layout_.spares) {
+            if (hasDedicated_) {
+                text += (text.empty() ? "" : " and ") + ("slots " + spare.location) + covers(spare);
+            } else {
+                text += (text.empty() ? "" : ",") + numberOf(spare.location);
+            }
+        }
+        return entry(hasDedicated_ ? "Spares" : keyword::hotspares, text);
+    }
+
+    /// " covering A" of a dedicated spare.
+    [[nodiscard]] std::string covers(const LayoutSpare& spare) const {
+        const DriveFacts* const drive = details_.facts.drive(spare.location);
+        std::vector<std::string> letters;
+        for (std::size_t i = 0; i < layout_.groups.size() && drive != nullptr; ++i) {
+            if (spare.isDedicated && std::find(drive->covers.begin(), drive->covers.end(),
+                                               layout_.groups[i].id) != drive->covers.end()) {
+                letters.push_back(letterOf(i));
+            }
+        }
+        return letters.empty() ? "" : " covering " + joined(letters);
+    }
+
+    std::string logicalDrives() {
+        std::string text = entry(keyword::logicalMode, "CUSTOM");
+        std::size_t number = 0;
+        for (std::size_t i = 0; i < layout_.groups.size(); ++i) {
+            for (const LayoutVolume& volume : layout_.groups[i].volumes) {
+                const std::string size =
+                    volume.fills && !exact_
+                        ? "FILL"
+                        : std::to_string(volume.capacityBytes.value_or(0) / bytesOfMb);
+                const std::string cache = volume.writeCache.empty()             ? ""
+                                          : volume.writeCache == "WriteThrough" ? ":OFF"
+                                                                                : ":ON";
+                text += entry(keyword::logical + std::to_string(++number),
+                              letterOf(i) + ":" + size + ":" + volume.raidType.substr(4) + cache);
+            }
+        }
+        return text + "\n";
+    }
+
+    const ControllerSnapshot& details_;
+    const bool exact_;
+    const bool namesNumber_;
+    const Layout layout_;
+    bool hasDedicated_ = false; ///< hot spares, which lists of numbers cannot say
+    FamilyPolicy policy_;
+};
+
+} // namespace
+
+FamilyPolicy familyPolicy(const ControllerSnapshot& details, bool exact, bool namesNumber) {
+    return Writer(details, exact, namesNumber).write();
+}
+
+} // namespace zolex::companion
