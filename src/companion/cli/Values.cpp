@@ -26,8 +26,9 @@ constexpr std::array<std::pair<std::string_view, Format>, 8> formats{{
     {"github", Format::github},
 }};
 
-constexpr std::array<std::string_view, 8> utilities{
-    "MEGACLI", "ARCCONF", "HRCONF", "QTCSEND", "CFGGEN", "CFGGEN1.02.02", "HYPERWIN", "STORCLI"};
+constexpr std::array<std::string_view, 9> utilities{"MEGACLI",  "ARCCONF", "HRCONF",
+                                                    "QTCSEND",  "CFGGEN",  "CFGGEN1.02.02",
+                                                    "HYPERWIN", "STORCLI", "MD"};
 
 std::string faultOfNumber(std::string_view text, std::int32_t least, std::int32_t most) {
     if (wholeNumber(text, least, most)) {
@@ -135,7 +136,7 @@ std::string faultOfUtility(std::string_view text) {
         return fault.append("; did you mean ").append(nearest).append("?");
     }
     return fault + ": they are MEGACLI, ARCCONF, HRCONF, QTCSEND, CFGGEN, CFGGEN1.02.02, HYPERWIN, "
-                   "STORCLI";
+                   "STORCLI, MD";
 }
 
 std::string familyNamed(std::string_view text) {
