@@ -347,6 +347,13 @@ MachineOptions readMachine(const Arguments& arguments) {
                                 helpOf(arguments.command())};
         }
     }
+    for (const std::string& text : arguments.values("--family")) {
+        machine.families.push_back(familyNamed(text));
+    }
+    if (arguments.has("--md-min")) {
+        const auto megabytes = wholeNumber(arguments.value("--md-min"), 1, mostLeastMegabytes);
+        machine.leastDriveBytes = static_cast<std::uint64_t>(megabytes.value_or(1)) << 20U;
+    }
     machine.recording = arguments.value("--recording");
     machine.record = arguments.value("--record");
     for (const std::string& text : arguments.values("--controller")) {

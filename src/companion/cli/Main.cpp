@@ -4,6 +4,7 @@
 #include "companion/cli/Help.h"
 #include "companion/cli/Pieces.h"
 #include "companion/commands/Commands.h"
+#include "companion/machine/CarryOut.h"
 #include "companion/text/StreamState.h"
 #include "companion/text/StyleChoice.h"
 #include "platform/Platform.h"
@@ -11,6 +12,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -132,6 +134,9 @@ int runArguments(const std::vector<std::string>& arguments, Platform& platform) 
 
 int runProgram(int argc, const char* const* argv, Platform& platform) {
     try {
+        if (argc > 1 && std::string_view(argv[1]) == carryOutWord) {
+            return carryOut(platform, std::vector<std::string>(argv + 1, argv + argc));
+        }
         return runArguments(argc > 1 ? std::vector<std::string>(argv + 1, argv + argc)
                                      : std::vector<std::string>(),
                             platform);

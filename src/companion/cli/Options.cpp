@@ -172,7 +172,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
 }};
 
 // name, short name, value, text, commands, whether it repeats, what is wrong with a value
-constexpr std::array<OptionRow, 49> options{{
+constexpr std::array<OptionRow, 51> options{{
     {"--exit-code", "", "", "end with 1 when there is something to do", only(Command::plan)},
     {"--strategy", "", "WORD", "auto, add (nothing is removed) or rebuild (all is made anew)",
      only(Command::plan) | only(Command::apply) | only(Command::rehearse), false, faultOfStrategy},
@@ -245,6 +245,10 @@ constexpr std::array<OptionRow, 49> options{{
      lookers | changers | guarding, false, faultOfText},
     {"--utility", "", "NAME=PATH", "the program of a utility: MEGACLI=/opt/MegaCli64",
      lookers | changers, true, faultOfUtility},
+    {"--family", "", "NAME", "ask this family, too: md, the arrays of Linux itself",
+     lookers | changers, true, faultOfFamily},
+    {"--md-min", "", "MB", "leave drives below this size alone with --family md (1024)",
+     lookers | changers, false, faultOfMegabytes},
     {"--capture-limit-seconds", "", "N", "how long reading one listing may take (300)",
      lookers | changers | guarding, false, faultOfLimit},
     {"--machine-type", "", "TEXT", "the type of the machine, instead of asking for it",

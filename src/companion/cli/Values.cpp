@@ -3,6 +3,7 @@
 #include "companion/cli/Suggestion.h"
 #include "companion/commands/DestroyWish.h"
 #include "companion/commands/Explanations.h"
+#include "companion/families/Family.h"
 #include "companion/lint/Rules.h"
 #include "model/ControllerCatalogue.h"
 
@@ -26,8 +27,9 @@ constexpr std::array<std::pair<std::string_view, Format>, 8> formats{{
     {"github", Format::github},
 }};
 
-constexpr std::array<std::string_view, 8> utilities{
-    "MEGACLI", "ARCCONF", "HRCONF", "QTCSEND", "CFGGEN", "CFGGEN1.02.02", "HYPERWIN", "STORCLI"};
+constexpr std::array<std::string_view, 9> utilities{"MEGACLI",  "ARCCONF", "HRCONF",
+                                                    "QTCSEND",  "CFGGEN",  "CFGGEN1.02.02",
+                                                    "HYPERWIN", "STORCLI", "MD"};
 
 std::string faultOfNumber(std::string_view text, std::int32_t least, std::int32_t most) {
     if (wholeNumber(text, least, most)) {
@@ -135,7 +137,24 @@ std::string faultOfUtility(std::string_view text) {
         return fault.append("; did you mean ").append(nearest).append("?");
     }
     return fault + ": they are MEGACLI, ARCCONF, HRCONF, QTCSEND, CFGGEN, CFGGEN1.02.02, HYPERWIN, "
-                   "STORCLI";
+                   "STORCLI, MD";
+}
+
+std::string familyNamed(std::string_view text) {
+    const Family* const family = findFamily(text);
+    return family != nullptr && family->isOptIn() && upper(text) == family->name()
+               ? std::string(family->name())
+               : std::string();
+}
+
+std::string faultOfFamily(std::string_view text) {
+    return familyNamed(text).empty()
+               ? inQuotes(text) + " is no family that is asked for by name: that is md alone"
+               : std::string();
+}
+
+std::string faultOfMegabytes(std::string_view text) {
+    return faultOfNumber(text, 1, mostLeastMegabytes);
 }
 
 std::string faultOfControllers(std::string_view text) {

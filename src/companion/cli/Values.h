@@ -16,6 +16,7 @@ namespace zolex::companion {
 inline constexpr std::int32_t largestControllerNumber = 999;
 inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
 inline constexpr std::int32_t mostJobs = 256;
+inline constexpr std::int32_t mostLeastMegabytes = 1048576;
 
 /// What somebody typed, so that no terminal is steered by it.
 [[nodiscard]] std::string inQuotes(std::string_view text);
@@ -25,6 +26,8 @@ inline constexpr std::int32_t mostJobs = 256;
 [[nodiscard]] std::optional<std::vector<std::int32_t>> controllerNumbers(std::string_view text);
 /// "MEGACLI=/opt/MegaCli64", the name in any letter case; nothing when it is none.
 [[nodiscard]] std::optional<std::pair<std::string, std::string>> utilityPath(std::string_view text);
+/// The family that is asked only by name, in any letter case; empty when it is none.
+[[nodiscard]] std::string familyNamed(std::string_view text);
 /// The parts of "ZX5,ZX301".
 [[nodiscard]] std::vector<std::string> parts(std::string_view text);
 [[nodiscard]] std::optional<std::int32_t> wholeNumber(std::string_view text, std::int32_t least,
@@ -35,6 +38,8 @@ inline constexpr std::int32_t mostJobs = 256;
 [[nodiscard]] std::string faultOfWidth(std::string_view text);
 [[nodiscard]] std::string faultOfColour(std::string_view text);
 [[nodiscard]] std::string faultOfUtility(std::string_view text);
+[[nodiscard]] std::string faultOfFamily(std::string_view text);
+[[nodiscard]] std::string faultOfMegabytes(std::string_view text);
 [[nodiscard]] std::string faultOfControllers(std::string_view text);
 [[nodiscard]] std::string faultOfLimit(std::string_view text);
 [[nodiscard]] std::string faultOfJobs(std::string_view text);

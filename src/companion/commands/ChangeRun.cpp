@@ -144,10 +144,7 @@ class ChangeRun::Keeper : public JournalKeeper {
 ChangeRun::ChangeRun(Context& context, const ApplyOptions& options, std::string journalFile,
                      std::string command)
     : context_(context), options_(options), journalFile_(std::move(journalFile)),
-      command_(std::move(command)),
-      machine_(context.platform, findUtilities(systemFolders(context.platform.files(),
-                                                             context.machine.utilitiesFolder),
-                                               context.machine.utilities)),
+      command_(std::move(command)), machine_(context.platform, utilitiesOf(context)),
       // What a command writes stands beside the journal until the journal has it.
       reading_(machine_, {journalFile_}) {}
 

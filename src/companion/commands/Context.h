@@ -35,6 +35,8 @@ enum class Format { text, json, svg, html, policies, concise, sarif, github };
 struct MachineOptions {
     std::string utilitiesFolder;                  ///< where UTIL.BAT and hwdetect.exe are; or empty
     std::map<std::string, std::string> utilities; ///< "MEGACLI" -> path
+    std::vector<std::string> families;            ///< that are asked only by name: "MD"
+    std::uint64_t leastDriveBytes = 0;            ///< as in Utilities
     std::string recording;                        ///< read instead of the machine; or empty
     std::string record;                           ///< file that keeps the calls; or empty
     std::vector<std::int32_t> controllers;        ///< numbers from 1; empty: all

@@ -110,6 +110,14 @@ RecordingHeader recordingHeader(Context& context, const LocalTime& now) {
     return header;
 }
 
+Utilities utilitiesOf(Context& context) {
+    Utilities utilities =
+        findUtilities(systemFolders(context.platform.files(), context.machine.utilitiesFolder),
+                      context.machine.utilities);
+    utilities.leastDriveBytes = context.machine.leastDriveBytes;
+    return utilities;
+}
+
 CaptureRequest captureRequest(Context& context, const Utilities* utilities) {
     CaptureRequest request;
     request.utilities = utilities;
@@ -118,6 +126,7 @@ CaptureRequest captureRequest(Context& context, const Utilities* utilities) {
     request.controllers = context.machine.controllers;
     request.limit = context.machine.captureLimit;
     request.asksFamilies = true;
+    request.families = context.machine.families;
     // A recording answers at once.
     if (context.showsProgress && context.machine.recording.empty()) {
         request.progress = [&context](const std::string& text) {
@@ -138,9 +147,7 @@ std::optional<Recording> loadRecording(Context& context, const std::string& file
 
 int lookAtMachine(Context& context, const Look& look) {
     if (context.machine.recording.empty()) {
-        const Utilities utilities =
-            findUtilities(systemFolders(context.platform.files(), context.machine.utilitiesFolder),
-                          context.machine.utilities);
+        const Utilities utilities = utilitiesOf(context);
         UtilityPlatform machine(context.platform, utilities);
         return lookAt(context, machine, utilities, look);
     }

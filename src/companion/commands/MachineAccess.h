@@ -21,6 +21,9 @@ namespace zolex::companion {
 int lookAtMachine(Context& context,
                   const std::function<int(Platform& machine, const Utilities& utilities)>& look);
 
+/// The programs that are there, and what the options say of them.
+[[nodiscard]] Utilities utilitiesOf(Context& context);
+
 /// What of the machine the options ask for, with a line for each child where the context shows
 /// progress. `context` and `utilities` outlive what is returned.
 [[nodiscard]] CaptureRequest captureRequest(Context& context, const Utilities* utilities);

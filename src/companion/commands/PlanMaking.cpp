@@ -45,6 +45,12 @@ std::string machineArguments(const MachineOptions& machine) {
     for (const auto& [name, path] : machine.utilities) {
         addArgument(command, "--utility", std::string(name).append("=").append(path));
     }
+    for (const std::string& family : machine.families) {
+        addArgument(command, "--family", family);
+    }
+    if (machine.leastDriveBytes != 0) {
+        addArgument(command, "--md-min", std::to_string(machine.leastDriveBytes >> 20U));
+    }
     addArgument(command, "--machine-type", machine.machineType);
     addArgument(command, "--serial", machine.serialNumber);
     return command;

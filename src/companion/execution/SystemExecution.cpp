@@ -1,6 +1,7 @@
 #include "companion/execution/SystemExecution.h"
 
 #include "companion/execution/SystemParts.h"
+#include "companion/machine/CarryOut.h"
 #include "companion/machine/ProgramStart.h"
 #include "companion/machine/System.h"
 #include "companion/machine/Utilities.h"
@@ -23,7 +24,11 @@ class SystemExecution : public ExecutionSystem {
 
     std::unique_ptr<StartedChild> start(std::string_view commandLine,
                                         const std::string& output) override {
-        const auto line = commandLineOf(utilities_.argumentsOf(commandLine), systemSplitting());
+        std::vector<std::string> arguments = carryingArguments(utilities_, commandLine);
+        if (arguments.empty()) {
+            arguments = utilities_.argumentsOf(commandLine);
+        }
+        const auto line = commandLineOf(arguments, systemSplitting());
         return parts::startProgram(line.value_or(std::string()), output_file::systemName(output),
                                    interruptions_);
     }

@@ -136,8 +136,10 @@ class Family {
     [[nodiscard]] virtual FamilyCapture capture(Platform& platform,
                                                 const FamilyRequest& request) const = 0;
 
-    /// Carries out a command line on this machine. Nothing: it is no more than the start of the
-    /// family's program with these arguments.
+    /// Whether it carries out its command lines itself, as they are more than the start of its
+    /// program.
+    [[nodiscard]] virtual bool carriesOut() const { return false; }
+    /// Does so; nothing for a family that does not.
     [[nodiscard]] virtual std::optional<ChildResult>
     carryOut(const FamilyMachine& machine, std::string_view commandLine,
              std::chrono::milliseconds limit) const {

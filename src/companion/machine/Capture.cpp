@@ -372,7 +372,11 @@ class Capturer {
         while (const PciDevice* const device = devices_->next()) {
             const KnownFunction known = knownFunction(*device);
             std::string pci = pciPlaceOf(*device);
-            if (!known.family.empty() &&
+            // One that could not be asked has told no place: it may be this.
+            const bool isUnsure =
+                std::find(driven.begin(), driven.end(), std::string()) != driven.end() &&
+                findFamily(known.family) != nullptr;
+            if (!known.family.empty() && !isUnsure &&
                 std::find(driven.begin(), driven.end(), pci) == driven.end()) {
                 snapshot_.undriven.push_back(
                     {std::move(pci), pciIdsOf(*device), std::string(known.family), known.isSure});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -46,7 +47,9 @@ struct Utilities {
     std::string wrapper;  ///< path of UTIL.BAT; empty: there is none
     std::string detector; ///< path of hwdetect.exe; empty: there is none
     std::map<std::string, std::string, std::less<>>
-        programs;                                          ///< "MEGACLI" -> path, beside UTIL.BAT
+        programs; ///< "MEGACLI" -> path, beside UTIL.BAT
+    /// Smaller drives are left alone by families that look for drives; 0: the family's own bound.
+    std::uint64_t leastDriveBytes = 0;
     std::map<std::string, std::string, std::less<>> named; ///< the same, named by the user
 
     /// The program that the utility is started by: the one that the user named, else UTIL.BAT, else

@@ -1,6 +1,7 @@
 #include "companion/machine/UtilityPlatform.h"
 
 #include "companion/families/Family.h"
+#include "companion/machine/CarryOut.h"
 #include "companion/machine/Firmware.h"
 #include "companion/machine/ProgramStart.h"
 #include "companion/machine/System.h"
@@ -9,6 +10,9 @@ namespace zolex::companion {
 
 ChildResult UtilityPlatform::runChild(std::string_view commandLine, bool capture,
                                       std::chrono::milliseconds limit) {
+    if (const auto carried = carriedOut(system_, utilities_, commandLine, limit)) {
+        return *carried;
+    }
     std::vector<std::string> arguments = utilities_.argumentsOf(commandLine);
     if (arguments.empty()) {
         return {};

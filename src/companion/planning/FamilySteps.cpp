@@ -206,6 +206,13 @@ class StepMaker {
         for (const std::string& spare : wish.spares) {
             summary += ", spare " + spare;
         }
+        const std::string why = family_.whyNotMade(wish, planning_.controller.facts);
+        if (!why.empty()) {
+            faults_.push_back(
+                planFault(problem::lineNotMade, array.id + " cannot be made: " + why,
+                          {"give array " + array.id + " other drives or another level"}));
+            return;
+        }
         PlanStep& step = add(isFirst ? "create-array" : "create-logical-drive",
                              family_.createVolume(adapter(), wish), std::move(summary));
         if (isFirst) {

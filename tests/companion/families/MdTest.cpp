@@ -18,6 +18,13 @@ namespace {
 
 constexpr std::uint64_t gibibyte = std::uint64_t{1} << 30U;
 
+/// What stands on an empty drive. Not a text that the compiler would make.
+std::string zeros() {
+    std::string text;
+    text.resize(DriveEnds::most);
+    return text;
+}
+
 void put(std::string& bytes, std::size_t place, std::uint64_t value, int count) {
     for (int i = 0; i < count; ++i) {
         bytes[place + static_cast<std::size_t>(i)] = static_cast<char>(value >> (8 * i) & 255U);
@@ -27,7 +34,7 @@ void put(std::string& bytes, std::size_t place, std::uint64_t value, int count) 
 /// The first MiB of a drive with a superblock of version 1.2.
 std::string superblockHead(const std::string& name, char uuid, int level, unsigned disks,
                            unsigned role) {
-    std::string head(DriveEnds::most, '\0');
+    std::string head = zeros();
     constexpr std::size_t at = 4096;
     put(head, at, 0xa92b4efc, 4);
     put(head, at + 4, 1, 4);
@@ -53,8 +60,8 @@ class MadeUpFiles : public DiskFiles {
     std::map<std::string, std::string> faults; ///< of opening a device
     struct Drive {
         std::uint64_t bytes = 2 * gibibyte;
-        std::string head = std::string(DriveEnds::most, '\0');
-        std::string tail = std::string(DriveEnds::most, '\0');
+        std::string head = zeros();
+        std::string tail = zeros();
     };
     std::map<std::string, Drive> drives;
 
@@ -217,8 +224,8 @@ TEST_F(MdTest, EachRefusalOfADriveHasItsReason) {
     files.files["/sys/block/sda/ro"] = "1\n";
     EXPECT_EQ(why("sda"), "it is read-only");
     files.files["/sys/block/sda/ro"] = "0\n";
-    files.addDrive("sdd", 3, gibibyte - 512);
-    EXPECT_EQ(why("sdd"), "it is too small: 1023 MB");
+    files.addDrive("sdd", 3, gibibyte - 4096);
+    EXPECT_EQ(why("sdd"), "it is too small: 1024 MB");
     files.addDrive("sdd", 3);
     files.links.erase("/dev/disk/by-id/ata-DISK_S-sdd");
     files.links.erase("/dev/disk/by-id/wwn-0x5000sdd");
@@ -240,7 +247,7 @@ TEST_F(MdTest, EachRefusalOfADriveHasItsReason) {
     EXPECT_EQ(why("sda"), "its first and last MiB cannot be read");
     files.drives["sda"].head = superblockHead("srv:data", 'a', 1, 2, 0);
     EXPECT_EQ(why("sda"), "in use: member of the md array srv:data, which does not run");
-    files.drives["sda"].head = std::string(DriveEnds::most, '\0');
+    files.drives["sda"].head = zeros();
     files.drives["sda"].head[7] = 'x';
     EXPECT_EQ(why("sda"), "in use: it carries unknown data in its first 4 KiB");
     EXPECT_EQ(why("sdb"), "");
@@ -317,8 +324,7 @@ TEST(MdSignatures, AreFoundWhereTheyStand) {
         {"unknown data in its first 4 KiB", false, 4095, "x"},
     };
     for (const SignatureCase& each : cases) {
-        DriveEnds ends{std::string(DriveEnds::most, '\0'), std::string(DriveEnds::most, '\0'),
-                       3 * gibibyte};
+        DriveEnds ends{zeros(), zeros(), 3 * gibibyte};
         EXPECT_TRUE(signaturesOf(ends).empty());
         std::string& part = each.atEnd ? ends.tail : ends.head;
         part.replace(each.atEnd ? part.size() - each.place : each.place, each.bytes.size(),
@@ -328,8 +334,7 @@ TEST(MdSignatures, AreFoundWhereTheyStand) {
 }
 
 TEST(MdSignatures, SuperblocksOfEachVersionAreFound) {
-    DriveEnds ends{superblockHead("zolex-data", 'a', 5, 3, 1), std::string(DriveEnds::most, '\0'),
-                   3 * gibibyte};
+    DriveEnds ends{superblockHead("zolex-data", 'a', 5, 3, 1), zeros(), 3 * gibibyte};
     const auto newest = superblockOf(ends);
     ASSERT_TRUE(newest);
     EXPECT_EQ(newest->version, "1.2");
@@ -341,13 +346,13 @@ TEST(MdSignatures, SuperblocksOfEachVersionAreFound) {
     EXPECT_EQ(newest->role, 1U);
     EXPECT_TRUE(signaturesOf(ends).empty());
     const std::string superblock = ends.head.substr(4096, 1024);
-    ends.head.assign(DriveEnds::most, '\0');
+    ends.head = zeros();
     ends.tail.replace(ends.tail.size() - 8192, superblock.size(), superblock);
     EXPECT_EQ(superblockOf(ends)->version, "1.0");
-    ends.tail.assign(DriveEnds::most, '\0');
+    ends.tail = zeros();
     put(ends.tail, ends.tail.size() - 65536, 0xa92b4efc, 4);
     EXPECT_EQ(superblockOf(ends)->version, "0.90");
-    ends.tail.assign(DriveEnds::most, '\0');
+    ends.tail = zeros();
     EXPECT_FALSE(superblockOf(ends));
 }
 
@@ -359,8 +364,8 @@ TEST(MdCommands, AreWrittenForEachLevel) {
     wish.stripSizeBytes = 65536;
     wish.spares = {"d"};
     EXPECT_EQ(createLine(wish),
-              "MD --create /dev/md/zolex-0e3d5a13 --metadata=1.2 \"--homehost=<none>\" "
-              "--name=zolex-0e3d5a13 --level=5 --raid-devices=3 --chunk=64 --spare-devices=1 "
+              "MD --create /dev/md/zolex-bea92a47 --metadata=1.2 \"--homehost=<none>\" "
+              "--name=zolex-bea92a47 --level=5 --raid-devices=3 --chunk=64 --spare-devices=1 "
               "--bitmap=internal /dev/disk/by-id/a /dev/disk/by-id/b /dev/disk/by-id/c "
               "/dev/disk/by-id/d");
     wish.raidType = "RAID1E";
@@ -391,7 +396,7 @@ TEST(MdCommands, DrivesThatDifferTooMuchAreRefusedBeforeMdadmAsks) {
     EXPECT_EQ(whyNoArray(mirror(), facts), "");
     facts.drives[0].capacityBytes = 1011 * gibibyte;
     EXPECT_EQ(whyNoArray(mirror(), facts),
-              "its drives differ by more than 1 % (1000 GB and 1011 GB), which mdadm makes no "
+              "its drives differ by more than 1 % (1000.0 GB and 1011.0 GB), which mdadm makes no "
               "array of unless it is forced");
 }
 
@@ -492,8 +497,8 @@ TEST_F(MdTest, OnlyOurOwnArraysAreStopped) {
     files.drives["sda"].tail.replace(DriveEnds::most - 512, 8, "EFI PART");
     EXPECT_EQ(run(line).output,
               "zolexctl: zolex-data is not touched: ata-DISK_S-sda carries the second table of a "
-              "GPT, too. Clear what is on the array first: wipefs --all /dev/md/zolex-data.\n");
-    files.drives["sda"].tail.assign(DriveEnds::most, '\0');
+              "GPT, too. Clear what is on the array first: wipefs --all /dev/md/zolex-data\n");
+    files.drives["sda"].tail = zeros();
     EXPECT_TRUE(calls.empty());
     (void)run(line);
     EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --stop /dev/md127"});
@@ -555,7 +560,64 @@ TEST_F(MdTest, StatesComeFromTheKernel) {
     EXPECT_EQ(facts().drives[2].covers, std::vector<std::string>{"zolex-data"});
 }
 
-/// A platform that must not be asked.
+/// A machine whose answers are those of a host over files that are made up.
+class HostPlatform : public Platform {
+  public:
+    HostPlatform(const FamilyMachine& machine, DiskFiles& files) : host_(machine, &files) {}
+    std::vector<std::string> lines;
+
+    Console& console() override { throw std::logic_error("console"); }
+    FileSystem& files() override { throw std::logic_error("files"); }
+    std::unique_ptr<PCI_DevList_VC> pciDevices() override { throw std::logic_error("bus"); }
+    void pauseOneSecond() override {}
+    LocalTime localTime() override { return {}; }
+    ChildResult runChild(std::string_view line, bool, std::chrono::milliseconds limit) override {
+        lines.emplace_back(line);
+        return host_.run(line, limit);
+    }
+
+  private:
+    MdHost host_;
+};
+
+TEST_F(MdTest, NothingIsRunUnlessItIsAskedForByName) {
+    HostPlatform platform(machine, files);
+    FamilyRequest request;
+    EXPECT_TRUE(family().capture(platform, request).controllers.empty());
+    EXPECT_TRUE(platform.lines.empty());
+    EXPECT_TRUE(calls.empty());
+    request.isAskedFor = true;
+    const FamilyCapture capture = family().capture(platform, request);
+    ASSERT_EQ(capture.controllers.size(), 1U);
+    EXPECT_EQ(capture.controllers[0].model, "LINUX-MD");
+    EXPECT_EQ(capture.controllers[0].facts.drives.size(), 3U);
+    EXPECT_EQ(platform.lines, (std::vector<std::string>{"MD drives", "MD --version"}));
+}
+
+TEST_F(MdTest, AnArrayOfWhichMdadmTellsOtherwiseIsNotDeleted) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    HostPlatform platform(machine, files);
+    FamilyRequest request;
+    request.isAskedFor = true;
+    ChildResult version;
+    version.outcome = ChildOutcome::ended;
+    version.output = "mdadm - v4.2\n";
+    ChildResult detail = version;
+    const auto deleting = [&] {
+        answers = {version, detail};
+        const FamilyCapture capture = family().capture(platform, request);
+        return family().deleteVolume(0, capture.controllers.at(0).facts.logicalDrives.at(0));
+    };
+    detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=zolex-data\n";
+    EXPECT_EQ(deleting(), "MD --stop /dev/md/zolex-data --zero-superblock "
+                          "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb");
+    detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=srv:data\n";
+    EXPECT_EQ(deleting(), "");
+    EXPECT_EQ(calls.back(), "/sbin/mdadm --detail --export /dev/md127");
+}
+
 TEST(MdFamily, IsAskedForByNameAlone) {
     EXPECT_TRUE(family().isOptIn());
     EXPECT_TRUE(family().isReading("MD drives"));

@@ -113,7 +113,7 @@ TEST(StorcliReading, OneDriveThatAnswersNotEndsNoListing) {
     EXPECT_FALSE(controller.failed);
     ASSERT_EQ(controller.facts.drives.size(), 16U);
     EXPECT_EQ(describe(controller.facts.drives[13]),
-              "252:13  \"\" \"NV8000SAS12\"  SAS HDD 8001246191616+2147483648 of 512 UBad failed "
+              "252:13  \"\" \"NV8000SAS12\"  SAS HDD 8001146115325+2147483648 of 512 UBad failed "
               "critical errors - - - C - wwn  barred: it does not tell its details (error 46)");
     EXPECT_EQ(describe(controller.facts.drives[12]).substr(0, 15), "252:12 NV004112");
     EXPECT_EQ(findingsOf(controller.findings),

@@ -32,10 +32,10 @@ TEST(StorcliTraps, ExactSizeOfADriveComesFromItsCoercedSectors) {
 TEST(StorcliTraps, ExactSizeOfAVolumeComesFromItsBlocks) {
     StorcliServer server;
     server.edit(volumes, "\"Number of Blocks\" : 1874329600", "\"Number of Blocks\" : 1874329601");
-    EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 1874329601U * 512);
+    EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 1874329601ULL * 512);
     // Blocks of 4096 bytes, where those of 512 contradict the text.
     server.edit(volumes, "\"Number of Blocks\" : 1874329601", "\"Number of Blocks\" : 234291200");
-    EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 234291200U * 4096);
+    EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 234291200ULL * 4096);
 }
 
 TEST(StorcliTraps, TextIsCutAndOnlyTheLeastSize) {
@@ -48,7 +48,7 @@ TEST(StorcliTraps, TextIsCutAndOnlyTheLeastSize) {
     const auto giga = storcliSize("893.750 GB", StorcliUnits::binary);
     ASSERT_TRUE(giga);
     EXPECT_EQ(giga->bytes, 0x6fb80000ULL * 512);
-    EXPECT_EQ(giga->tolerance, (std::uint64_t{1} << 20U) + (std::uint64_t{1} << 30U) / 1000);
+    EXPECT_EQ(giga->tolerance, (std::uint64_t{1} << 20U) + (std::uint64_t{1} << 30U) / 1000 + 1);
 }
 
 TEST(StorcliTraps, EarlyVersionsHaveOneDecimal) {

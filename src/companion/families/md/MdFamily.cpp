@@ -145,6 +145,7 @@ class MdFamily : public Family {
         return request.isAskedFor ? Capture(platform, request).take() : FamilyCapture();
     }
 
+    bool carriesOut() const override { return true; }
     std::optional<ChildResult> carryOut(const FamilyMachine& machine, std::string_view commandLine,
                                         std::chrono::milliseconds limit) const override {
         const std::unique_ptr<DiskFiles> files = systemDiskFiles();

@@ -5,6 +5,7 @@
 #include "companion/families/storcli/Errors.h"
 #include "companion/families/storcli/Limits.h"
 #include "companion/families/storcli/StorcliDecode.h"
+#include "companion/families/storcli/StorcliWords.h"
 #include "companion/text/Terminal.h"
 #include "foundation/Text.h"
 
@@ -112,7 +113,7 @@ class Asker {
     void captureController(const StorcliListed& listed) {
         FamilyController controller;
         controller.adapter = listed.number;
-        controller.model = listed.model;
+        controller.model = storcliModel(listed.model);
         const std::string path = "/c" + std::to_string(listed.number);
         if (take(controller, path + " show all J")) {
             const StorcliPlaces places = storcliPlaces(controller.listings.front().output);

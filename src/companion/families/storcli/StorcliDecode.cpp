@@ -51,7 +51,7 @@ void readTextStatus(std::string_view output, StorcliAnswer& answer) {
         if (const auto status = lineValue(line, "Status")) {
             answer.status = cleanText(*status);
         } else if (const auto description = lineValue(line, "Description")) {
-            answer.description = cleanText(*description);
+            answer.description = *description == "None" ? "" : cleanText(*description);
         } else if (const auto version = lineValue(line, "CLI Version")) {
             answer.cliVersion = cleanText(*version);
         }
