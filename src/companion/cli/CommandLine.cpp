@@ -409,7 +409,7 @@ std::vector<std::string> wordsOf(const Arguments& arguments, std::size_t least, 
 }
 
 /// What is read is not written over: it would be gone.
-void refuseToReplace(std::initializer_list<std::string> inputs, const std::string& option,
+void refuseToReplace(const std::vector<std::string>& inputs, const std::string& option,
                      const std::string& output) {
     if (!output.empty() && output != "-" &&
         std::find(inputs.begin(), inputs.end(), output) != inputs.end()) {
@@ -578,12 +578,8 @@ void readCheck(const Arguments& arguments, Request& request) {
     request.check.ignore = arguments.partsOf("--ignore");
     request.check.asOld = arguments.has("--as-old");
     request.check.fix = arguments.has("--fix");
-    for (const std::string& file : request.check.files) {
-        refuseToReplace({file}, "-o", request.outputFile);
-    }
-    for (const std::string& machine : request.check.machines) {
-        refuseToReplace({machine}, "-o", request.outputFile);
-    }
+    refuseToReplace(request.check.files, "-o", request.outputFile);
+    refuseToReplace(request.check.machines, "-o", request.outputFile);
 }
 
 void readRehearse(const Arguments& arguments, Request& request) {
@@ -602,10 +598,8 @@ void readRehearse(const Arguments& arguments, Request& request) {
     rehearse.page = arguments.value("--html");
     refuseToReplace({rehearse.policies.file}, "--html", rehearse.page);
     refuseToReplace({rehearse.policies.file}, "-o", request.outputFile);
-    for (const std::string& recording : rehearse.recordings) {
-        refuseToReplace({recording}, "--html", rehearse.page);
-        refuseToReplace({recording}, "-o", request.outputFile);
-    }
+    refuseToReplace(rehearse.recordings, "--html", rehearse.page);
+    refuseToReplace(rehearse.recordings, "-o", request.outputFile);
     for (const std::string& text : arguments.values("--what-if")) {
         Supposition supposition = suppositionOf(text).value_or(Supposition());
         for (const Supposition& other : rehearse.suppositions) {

@@ -1,7 +1,6 @@
 #include "companion/binding/ConvertPolicies.h"
 #include "companion/commands/Commands.h"
 #include "companion/commands/ConvertIronic.h"
-#include "companion/commands/MachineAccess.h"
 #include "companion/commands/PolicyFiles.h"
 #include "companion/lint/Lint.h"
 #include "companion/lint/PolicyDocument.h"
@@ -46,17 +45,12 @@ int convert(Context& context, const ConvertOptions& options) {
         tellConverted(context, std::move(faults), source);
         return refuseConversion(context, read.name);
     }
-    RecordedMachines loaded = loadMachines(context, {options.machine});
-    if (!loaded.faults.empty()) {
-        tellConverted(context, std::move(loaded.faults), source);
-        return refuseConversion(context, read.name);
+    const auto machine = loadMachine(context, options.machine, source);
+    if (!machine) {
+        return exit_code::notPossible;
     }
-    const std::vector<RecordedMachine>& machines = loaded.machines;
-    if (machines.size() != 1) {
-        return refuseMachines(context, options.machine, machines.size());
-    }
-    ConvertedPolicies converted = convertToPolicies(
-        machines.front().snapshot, {read.name, read.text, std::string(ZOLEX_VERSION)});
+    ConvertedPolicies converted =
+        convertToPolicies(machine->snapshot, {read.name, read.text, std::string(ZOLEX_VERSION)});
     for (Finding& finding : converted.findings) {
         nameInHelp(finding, "POLICIES", read.name == "<stdin>" ? "-" : read.name);
         nameInHelp(finding, "RECORDING", options.machine);

@@ -1,7 +1,6 @@
 #include "companion/commands/ConvertIronic.h"
 
 #include "companion/commands/FileKind.h"
-#include "companion/commands/MachineAccess.h"
 #include "companion/commands/PolicyFiles.h"
 #include "companion/exchange/IronicToPolicies.h"
 #include "companion/exchange/PoliciesToIronic.h"
@@ -19,22 +18,6 @@
 namespace zolex::companion {
 
 namespace {
-
-/// The recorded machine; nothing, after a message, when there is not just one.
-std::optional<RecordedMachine> loadMachine(Context& context, const std::string& path,
-                                           const SourceFile& source) {
-    RecordedMachines loaded = loadMachines(context, {path});
-    if (!loaded.faults.empty()) {
-        tellConverted(context, std::move(loaded.faults), source);
-        refuseConversion(context, source.name);
-        return std::nullopt;
-    }
-    if (loaded.machines.size() != 1) {
-        refuseMachines(context, path, loaded.machines.size());
-        return std::nullopt;
-    }
-    return std::move(loaded.machines.front());
-}
 
 void nameFiles(std::vector<Finding>& findings, const std::string& file,
                const ConvertOptions& options) {
@@ -122,11 +105,22 @@ int refuseConversion(Context& context, const std::string& name) {
                     "mend what is told above, and convert again");
 }
 
-int refuseMachines(Context& context, const std::string& path, std::size_t count) {
-    return failWith(context,
-                    printable(path) + " has recordings of " + std::to_string(count) +
-                        " machines, and drives are told for one",
-                    "name the recording: --machine server.zrec");
+std::optional<RecordedMachine> loadMachine(Context& context, const std::string& path,
+                                           const SourceFile& source) {
+    RecordedMachines loaded = loadMachines(context, {path});
+    if (!loaded.faults.empty()) {
+        tellConverted(context, std::move(loaded.faults), source);
+        refuseConversion(context, source.name);
+        return std::nullopt;
+    }
+    if (loaded.machines.size() != 1) {
+        failWith(context,
+                 printable(path) + " has recordings of " + std::to_string(loaded.machines.size()) +
+                     " machines, and drives are told for one",
+                 "name the recording: --machine server.zrec");
+        return std::nullopt;
+    }
+    return std::move(loaded.machines.front());
 }
 
 int convertFromIronic(Context& context, const ConvertOptions& options) {

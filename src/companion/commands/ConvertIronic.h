@@ -1,10 +1,11 @@
 #pragma once
 
 #include "companion/commands/Commands.h"
+#include "companion/commands/MachineAccess.h"
 #include "companion/findings/Finding.h"
 #include "companion/text/Diagnostics.h"
 
-#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,8 @@ int convertToIronic(Context& context, const ConvertOptions& options);
 void tellConverted(Context& context, std::vector<Finding> findings, const SourceFile& source);
 /// Of findings that were told: nothing was written of the file. The exit code.
 int refuseConversion(Context& context, const std::string& name);
-/// Where recordings of one machine are wanted, and there are `count`. The exit code.
-int refuseMachines(Context& context, const std::string& path, std::size_t count);
+/// The recorded machine; nothing, after a message, when there is not just one.
+[[nodiscard]] std::optional<RecordedMachine> loadMachine(Context& context, const std::string& path,
+                                                         const SourceFile& source);
 
 } // namespace zolex::companion
