@@ -153,7 +153,7 @@ class ControllerChanges {
             change(subject + "its size is " + std::to_string(size(now)) + " MB, it was " +
                    std::to_string(size(drive)) + " MB");
         }
-        if (now.barred != drive.barred && !now.barred.empty()) {
+        if (now.state != drive.state && !now.barred.empty()) { // plans do not tell what barred it
             swap("drive " + drive.location + " is not to be used now: " + printable(now.barred));
         }
         if (driveCondition(drive) != driveCondition(now)) {

@@ -355,6 +355,7 @@ class Resumption {
                      " have other numbers than the plan's commands say";
         fault.help = {planAgainHelp(run_.plan)};
         progress.next = done;
+        progress.failedStep = planning.steps[std::min(done, planning.steps.size() - 1)].step;
         run_.failController(progress, "its logical drives have other numbers", std::move(fault));
         return true;
     }

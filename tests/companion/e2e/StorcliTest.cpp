@@ -63,7 +63,22 @@ TEST(Storcli, IsShownAndExamined) {
     StorcliServer server("percli");
     const ProgramRun shown = server.zolexctl({"show"});
     EXPECT_EQ(shown.exitCode, 0) << shown.error;
-    EXPECT_EQ(shown.output, "");
+    EXPECT_EQ(shown.output, R"(Machine R750, serial KQ92P3C
+Controller 1  PERC H755 Front (PERC-H755-Front)  serial NX26400017
+              PCI 65:00.0 1000:10e2 1028:1ae1  firmware 52.26.0-0001
+              levels 0 1 5 6 00 10 50 60, strip 64-1024 KB, rebuild rate 30 %
+  Enclosure 64  no  location      size  drive              state  in
+                 1  64:0      893.8 GB  ATA NVS960-D 1000  Onln   A
+                 2  64:1      893.8 GB  ATA NVS960-D 1001  Onln   A
+                 3  64:2      893.8 GB  ATA NVS960-D 1002  UGood  free
+                 4  64:3      893.8 GB  ATA NVS960-D 1003  UGood  free
+                 5  64:4      893.8 GB  ATA NVS960-D 1004  UGood  free
+                 6  64:5      893.8 GB  ATA NVS960-D 1005  UGood  free
+                 7  64:6      893.8 GB  ATA NVS960-D 1006  UGood  free
+                 8  64:7      893.8 GB  ATA NVS960-D 1007  UGood  free
+  A  64:0 64:1  LD 239  RAID1  893.8 GB  optl  write-back  256 KB  "boot"
+  .  64:2-64:7  6 free drives, 5.24 TB
+)");
     const ProgramRun doctor = server.zolexctl({"doctor"});
     EXPECT_EQ(doctor.exitCode, 0) << doctor.output << doctor.error;
     EXPECT_NE(doctor.output.find("STORCLI         ok      controller 1: PERC H755 Front"),
@@ -75,14 +90,32 @@ TEST(Storcli, IsPlannedAppliedAndProved) {
     StorcliServer server("storcli-blank");
     server.write("site.ini", sitePolicies);
     EXPECT_EQ(server.plan({"site.ini"}), "");
-    const std::vector<std::string> commands = valuesOf(server.read("plan.json"), "command");
-    EXPECT_EQ(commands, std::vector<std::string>{});
+    EXPECT_EQ(valuesOf(server.read("plan.json"), "command"),
+              (std::vector<std::string>{
+                  "STORCLI /c0 add vd r1 drives=252:0,252:1 WB J nolog",
+                  "STORCLI /c0 add vd r5 Size=102400MB drives=62:0,62:1,62:2,62:3 WB J nolog",
+                  "STORCLI /c0 add vd r5 drives=62:0,62:1,62:2,62:3 WT J nolog",
+                  "STORCLI /c0/e62/s11 add hotsparedrive J nolog"}));
     const ProgramRun run = server.apply({"plan.json", "--certificate", "c.json"});
     EXPECT_EQ(run.exitCode, 0) << run.error;
-    EXPECT_EQ(withoutTimesOfRun(run.output), "");
+    EXPECT_EQ(withoutTimesOfRun(run.output),
+              R"(Machine    7X06 KQ91S2M, controller serial NX26400017             as planned for
+State      16 drives, no logical drives                           as planned for
+Consent    nothing is lost                                        not needed
+Journal    plan.journal.jsonl
+
+[1/4] create A: RAID1 on 252:0 252:1                        ok  exit 0 N s
+[2/4] create B: RAID5 on 62:0 62:1 62:2 62:3                ok  exit 0 N s
+[3/4] create Logical.3 on B: RAID5 on 62:0 62:1 62:...      ok  exit 0 N s
+[4/4] make 62:11 a spare                                    ok  exit 0 N s
+Verified   captured again: 3 logical drives, 1 spare, as planned
+Certificate c.json   sha256 HASH
+Controller 1  configured
+Done: 1 controller configured.
+)");
     keepDocument("apply-storcli.jsonl", server.read("plan.journal.jsonl"));
     keepDocument("certificate-storcli", server.read("c.json"));
-    keepDocument("plan-storcli.json", server.read("plan.json"));
+    keepDocument("plan-storcli-applied", server.read("plan.json"));
     for (const char* const file : {"site.ini", "plan.json", "c.json"}) {
         server.expectSame(file);
     }
@@ -97,7 +130,10 @@ TEST(Storcli, KeepsTheSystemOfAPercAndLosesNothing) {
     StorcliServer server("percli");
     server.write("data.ini", dataPolicies);
     EXPECT_EQ(server.plan({"data.ini"}), "");
-    EXPECT_EQ(valuesOf(server.read("plan.json"), "command"), std::vector<std::string>{});
+    EXPECT_EQ(
+        valuesOf(server.read("plan.json"), "command"),
+        (std::vector<std::string>{"STORCLI /c0 add vd r6 drives=64:2,64:3,64:4,64:5,64:6 J nolog",
+                                  "STORCLI /c0/e64/s7 add hotsparedrive J nolog"}));
     const ProgramRun run = server.apply({"plan.json"});
     EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
     EXPECT_NE(server.shown().find("boot"), std::string::npos) << server.shown();
@@ -110,22 +146,72 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
     const std::string before = server.shown();
     const ProgramRun asked = server.change({"reset"});
     EXPECT_EQ(asked.exitCode, 3);
-    EXPECT_EQ(asked.error, "");
+    EXPECT_EQ(asked.error,
+              R"(error: 4 logical drives (37.26 TB), 2 hot spares and 1 foreign configuration
+       would be lost, and nobody has agreed to it [ZA103]
+  help: zolexctl reset --destroy 5350-B4K9
+)");
     EXPECT_EQ(server.shown(), before);
     const ProgramRun run = server.change({"reset", "--destroy", "any"});
     EXPECT_EQ(run.exitCode, 4);
-    EXPECT_EQ(run.error, "");
-    EXPECT_EQ(withoutTimesOfRun(run.output), "");
+    EXPECT_EQ(run.error,
+              R"(error: step 3 of 7 was refused (VD has OS/FS, use force to delete it. (error
+       255)): delete LD 239: RAID1 on 252:0 252:1 [ZA111]
+  STORCLI /c0/v239 del J nolog
+  now on controller 1: still there: LD 239; still there: LD 238; still there: LD
+    237; still there: LD 236
+  remains: step 3: delete LD 239: RAID1 on 252:0 252:1
+  remains: step 4: delete LD 238: RAID5 on 252:2 252:3 252:4 252:5
+  remains: step 5: delete LD 237: RAID10 on 252:6 252:7 252:8 252:9
+  remains: step 6: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9
+  remains: step 7: clear the layouts of other controllers: 252:18 (DG 0: RAID0,
+    7.277 TB, 1 logical drive)
+  help: the system has files there; move them, or delete it by hand
+  help: zolexctl apply --resume reset.journal.jsonl goes on when its cause is mended
+  help: zolexctl reset plans from what is there
+)");
+    const std::string losses =
+        "This destroys 4 logical drives (37.26 TB), 2 hot spares and 1 foreign\n"
+        "configuration:\n"
+        "  - spare 252:11                                   controller 1\n"
+        "  - spare 252:10                                   controller 1\n"
+        "  - LD 239          RAID1   893.8 GB  252:0 252:1  controller 1\n"
+        "  - LD 238          RAID5   21.83 TB  252:2-252:5  controller 1\n"
+        "  - LD 237          RAID10  156.3 GB  252:6-252:9  controller 1\n"
+        "  - LD 236          RAID10  14.40 TB  252:6-252:9  controller 1\n"
+        "  - foreign 252:18  RAID0    7.28 TB               controller 1\n";
+    EXPECT_NE(asked.output.find(losses), std::string::npos) << asked.output;
+    const std::string output = withoutTimesOfRun(run.output);
+    EXPECT_EQ(output.substr(output.find("Consent")),
+              R"(Consent    5350-B4K9: spare 252:11, spare 252:10, LD 239, LD
+           238, LD 237, LD 236 and foreign 252:18 of controller
+           1                                                      agreed
+Journal    reset.journal.jsonl
+
+[1/7] remove the spare 252:11                               ok  exit 0 N s
+[2/7] remove the spare 252:10                               ok  exit 0 N s
+[3/7] delete LD 239: RAID1 on 252:0 252:1               FAILED  exit 255 N s
+Controller 1  failed: step 3 of 7: VD has OS/FS, use force to delete it. (error
+              255)
+Stopped on the way. reset.journal.jsonl tells what was done.
+)");
     const ProgramRun journal = server.zolexctl({"show", "reset.journal.jsonl"});
     EXPECT_EQ(journal.exitCode, 0) << journal.error;
-    EXPECT_EQ(withoutTimesOfRun(journal.output), "");
+    expectPieces(journal.output, {"[3/7]     FAILED, exit 255, ",
+                                  "                    STORCLI /c0/v239 del J nolog\n"
+                                  "                    | VD has OS/FS, use force to delete it. "
+                                  "(error 255)\n",
+                                  "  x step 3  failed  delete LD 239: RAID1 on 252:0 252:1\n"
+                                  "  . 4 steps were not begun\n"});
     keepDocument("reset-storcli.jsonl", server.read("reset.journal.jsonl"));
     // Whoever means it deletes it, and the run goes on.
     server.util({"storcli64", "/c0/v239", "del", "force", "J", "nolog"});
     const ProgramRun resumed = server.apply({"--resume", "reset.journal.jsonl"});
     EXPECT_EQ(resumed.exitCode, 0) << resumed.output << resumed.error;
-    const ProgramRun again = server.change({"reset"});
+    server.expectNothingLeft();
+    const ProgramRun again = server.change({"reset", "--journal", "again.jsonl"});
     EXPECT_EQ(again.exitCode, 0) << again.output << again.error;
+    EXPECT_FALSE(server.exists("again.jsonl"));
 }
 
 /// Each command is run once more without the word, in a folder that goes.
@@ -138,10 +224,29 @@ TEST(Storcli, NologIsNotKnown) {
     server.plan({"site.ini"});
     const ProgramRun run = server.apply({"plan.json"});
     EXPECT_EQ(run.exitCode, 0) << run.error;
-    EXPECT_EQ(withoutTimesOfRun(run.output), "");
+    EXPECT_EQ(withoutTimesOfRun(run.output),
+              R"(Machine    7X06 KQ91S2M, controller serial NX26400017             as planned for
+State      16 drives, no logical drives                           as planned for
+Consent    nothing is lost                                        not needed
+Journal    plan.journal.jsonl
+
+[1/1] create A: RAID1 on 252:0 252:1                     again  exit 255 N s
+      Un-supported Command (error 255): run again as STORCLI /c0 add vd r1
+      drives=252:0,252:1 J
+[1/1] create A: RAID1 on 252:0 252:1                        ok  exit 0 N s
+Verified   captured again: 1 logical drive, as planned
+Controller 1  configured
+Done: 1 controller configured.
+)");
     EXPECT_EQ(run.error, "");
     const ProgramRun journal = server.zolexctl({"show", "plan.journal.jsonl"});
-    EXPECT_EQ(withoutTimesOfRun(journal.output), "");
+    expectPieces(journal.output,
+                 {"[1/1]     not known, exit 255, ",
+                  "                    STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n"
+                  "                    | Un-supported Command (error 255)\n"
+                  "                    run again as STORCLI /c0 add vd r1 drives=252:0,252:1 J\n",
+                  "[1/1]     create A: RAID1 on 252:0 252:1 (attempt 2)\n",
+                  "[1/1]     ok, exit 0, ", "The run ended as planned.\n"});
     keepDocument("apply-storcli-nolog.jsonl", server.read("plan.journal.jsonl"));
     server.expectNothingToDo("site.ini");
 }
@@ -156,7 +261,11 @@ TEST(Storcli, SuccessWithNothingDoneIsNotBelieved) {
         "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Success\"}}]}\n"})");
     const ProgramRun run = server.apply({"plan.json"});
     EXPECT_EQ(run.exitCode, 5) << run.output;
-    EXPECT_EQ(run.error, "");
+    EXPECT_EQ(run.error,
+              R"(error: what stands on controller 1 now is not what was planned [ZA114]
+  Logical.1, missing: planned is RAID1 fill: 252:0 252:1; found is none
+  help: zolexctl plan site.ini plans from what is there
+)");
     server.setFaults("");
     server.plan({"site.ini", "-o", "next.json"});
     EXPECT_EQ(server.apply({"next.json"}).exitCode, 0);
@@ -170,7 +279,9 @@ TEST(Storcli, ARecordingReplays) {
     const ProgramRun replayed = server.zolexctl({"show", "--recording", "server.zrec"});
     EXPECT_EQ(replayed.exitCode, 0) << replayed.error;
     EXPECT_EQ(replayed.output, live.output);
-    EXPECT_EQ(server.zolexctl({"replay", "server.zrec"}).exitCode, 0);
+    const ProgramRun replay = server.zolexctl({"replay", "server.zrec", "--", "zolexctl", "show"});
+    EXPECT_EQ(replay.exitCode, 0) << replay.error;
+    EXPECT_EQ(replay.output, live.output);
 }
 
 /// The program is named, and stands in another folder under another name.
@@ -189,7 +300,7 @@ TEST(Storcli, TheProgramIsNamed) {
     fs::copy(server.folder() / "zolex-sim", server.folder() / "tools" / "zolex-sim",
              fs::copy_options::copy_symlinks);
 #endif
-    EXPECT_NE(server.zolexctl({"show"}).output.find("no supported"), std::string::npos);
+    EXPECT_EQ(server.zolexctl({"show"}).output.find("Controller 1"), std::string::npos);
     const std::string named = "STORCLI=" + other;
     EXPECT_EQ(server.zolexctl({"show", "--utility", named}).exitCode, 0);
     server.write("site.ini", "[Policy.one]\nAppliesTo.1 = t:STORCLI\n"
@@ -197,6 +308,35 @@ TEST(Storcli, TheProgramIsNamed) {
     server.plan({"site.ini", "--utility", named});
     const ProgramRun run = server.apply({"plan.json", "--utility", named});
     EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
+}
+
+/// guard lets zolex work on its own controller; what zolex does not know stays.
+TEST(Storcli, ZolexIsGuardedBesideIt) {
+    std::string definition = megaServer(eightDrives);
+    const std::string end = "]}]}";
+    EXPECT_TRUE(definition.ends_with(end));
+    definition.resize(definition.size() - 2);
+    definition += R"(, {"utility": "STORCLI", "pci": {"bus": 193}, "drives": [
+        {"enclosure": 252, "slot": 0, "count": 2, "sectors": 41943040}], "virtualDrives": [
+        {"level": "RAID1", "spans": [["252:0", "252:1"]], "name": "keep"}]}]})";
+    StorcliServer server(definition);
+#ifdef _WIN32
+    const char* const program = "ZOLEX.EXE";
+    const char* const call = ".\\ZOLEX.EXE";
+#else
+    const char* const program = "zolex";
+    const char* const call = "./zolex";
+#endif
+    fs::copy_file(ZOLEX_UNPAUSED_PROGRAM, server.folder() / program);
+    server.write("web.ini", webPolicies);
+    const ProgramRun run =
+        server.start(ZOLEXCTL_PROGRAM, {"guard", "--", call, "/r", "/y", "/f:web.ini"});
+    EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
+    const std::string shown = server.shown();
+    EXPECT_NE(shown.find("\"keep\""), std::string::npos) << shown;
+    const ProgramRun both = server.zolexctl({"show"});
+    EXPECT_EQ(both.exitCode, 0) << both.error;
+    expectPieces(both.output, {"Controller 1  LSI", "Controller 2  MegaRAID"});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,10 @@ struct StorcliRun {
     std::string policies;
 };
 
+inline void PrintTo(const StorcliRun& run, std::ostream* stream) {
+    *stream << run.name;
+}
+
 /// A controller with 16 drives behind it; `more` are further fields.
 inline std::string storcliServer(const std::string& more) {
     return R"({"machineType": "7X06", "serialNumber": "KQ1", "controllers": [{
@@ -20,7 +25,7 @@ inline std::string storcliServer(const std::string& more) {
 }
 
 inline std::string storcliPolicies(const std::string& entries) {
-    return "[Policy.site]\nAppliesTo.1 = t:STORCLI\nArray_Defaults = 0%:0\n" + entries;
+    return "[Policy.site]\nAppliesTo.1 = t:STORCLI\n" + entries;
 }
 
 /// Twelve equal free drives.
@@ -45,7 +50,8 @@ inline constexpr const char* usedDrives =
 /// Plans that begin with nothing, take all away, keep a part, need a foreign drive, set caches; in
 /// each branding, in each version, with numbers of volumes that go up and down.
 inline std::vector<StorcliRun> storcliRuns() {
-    const std::string custom = "Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\n";
+    const std::string custom =
+        "Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n";
     const std::string all =
         storcliPolicies("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3,252:4,252:5\n"
                         "Level.A = 1\nLevel.B = 10\n"
@@ -66,6 +72,10 @@ inline std::vector<StorcliRun> storcliRuns() {
          storcliServer(R"(, "branding": "perc", "version": "007.1616", "vdNumbers": "up")") +
              usedDrives + "]}]}",
          all},
+        {"SparesOfStandingGroups", storcliServer("") + usedDrives + "]}]}",
+         storcliPolicies("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3,252:4,252:5\n"
+                         "Level.A = 1\nLevel.B = 5\n"
+                         "Spares = 1 covering A and 1 covering B\n")},
         {"RebuiltFirstVersion", storcliServer(R"(, "version": "1.x")") + usedDrives + "]}]}",
          other},
         {"PartKept",
