@@ -6,6 +6,7 @@
 #include "companion/layout/Layout.h"
 #include "companion/machine/Join.h"
 #include "companion/rewriting/WantedLayout.h"
+#include "companion/text/Terminal.h"
 #include "policies/PolicyKeywords.h"
 
 #include <algorithm>
@@ -64,12 +65,13 @@ class Writer {
         for (const LayoutSpare& spare : layout_.spares) {
             hasDedicated_ = hasDedicated_ || spare.isDedicated;
         }
-        policy_.text =
-            "[Policy." + details_.model + "-" + std::to_string(details_.number) + "]\n\n" +
-            entry(std::string(keyword::appliesTo) + "1",
-                  "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
-                      (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
-            "\n" + settings() + arrays() + logicalDrives();
+        policy_.text = "[Policy." + details_.model + "-" + std::to_string(details_.number) +
+                       "]\n\n" +
+                       entry(std::string(keyword::appliesTo) + "1",
+                             "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
+                                 (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
+                       "\n" + settings() + arrays() + logicalDrives();
+        tellNames();
         return std::move(policy_);
     }
 
@@ -263,6 +265,16 @@ class Writer {
             }
         }
         return text + "\n";
+    }
+
+    void tellNames() {
+        for (const LogicalDriveFacts& volume : details_.facts.logicalDrives) {
+            if (!volume.name.empty()) {
+                tell("ZC117", Severity::note,
+                     "logical drive " + volume.id + " is called \"" + printable(volume.name) +
+                         "\": policies give no names");
+            }
+        }
     }
 
     const ControllerSnapshot& details_;
