@@ -178,7 +178,7 @@ std::vector<LayoutCase> layouts() {
                 "Level.A = 1\nLevel.B = 5\nSpares = 1 covering B and 1\n")},
         {"by place", custom("Array.A = 1:5,1:6\nArray.B = 252:10,252:11\n"
                             "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:0\n")},
-        {"by kind", policy("Drives.A = 2 SSD\nDrives.B = 4 HDD\nLevel.A = 1\nLevel.B = 5\n"),
+        {"by kind", policy("Drives.A = 2 x SSD\nDrives.B = 4 x HDD\nLevel.A = 1\nLevel.B = 5\n"),
          unlike},
         {"unlike drives by themselves", policy("Array_Defaults = 0%:0\n"), unlike},
         {"in no enclosure", custom("Array.A = 1,2,3\nHotspares = 8\nLogical.1 = A:FILL:5\n"), bare},
