@@ -140,7 +140,6 @@ class StepMaker {
         PlanStep& step =
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
                         "clear the layouts of other controllers: " + driveList(drives));
-        step.isRepeatable = true;
         for (const std::string& drive : drives) {
             lose(step, foreignLoss(planning_, drive));
         }

@@ -248,15 +248,19 @@ class Writer {
         return letters.empty() ? "" : " covering " + joined(letters);
     }
 
+    /// In MB. The utility cuts a size down to whole stripes, so that the next MB above what was cut
+    /// makes the same again.
+    [[nodiscard]] static std::string sizeOf(const LayoutVolume& volume) {
+        const std::uint64_t bytes = volume.capacityBytes.value_or(0);
+        return std::to_string((bytes + (volume.fills ? 0 : bytesOfMb - 1)) / bytesOfMb);
+    }
+
     std::string logicalDrives() {
         std::string text = entry(keyword::logicalMode, "CUSTOM");
         std::size_t number = 0;
         for (std::size_t i = 0; i < layout_.groups.size(); ++i) {
             for (const LayoutVolume& volume : layout_.groups[i].volumes) {
-                const std::string size =
-                    volume.fills && !exact_
-                        ? "FILL"
-                        : std::to_string(volume.capacityBytes.value_or(0) / bytesOfMb);
+                const std::string size = volume.fills && !exact_ ? "FILL" : sizeOf(volume);
                 const std::string cache = volume.writeCache.empty()             ? ""
                                           : volume.writeCache == "WriteThrough" ? ":OFF"
                                                                                 : ":ON";

@@ -96,7 +96,8 @@ TEST(StorcliCopy, DoesWhatTheOriginalDoes) {
         StorcliServer server("storcli-blank");
         test::makeRandom(server, random);
         // The copy does not know what number is next on a controller without logical drives.
-        server.platform.server.storcliControllers.front().numbersUp = false;
+        auto& controller = server.platform.server.storcliControllers.front();
+        controller.numbersUp = controller.numbersUp && !controller.volumes.empty();
         Snapshot snapshot = server.snapshot();
         MadeCopy made = copyController(snapshot.details.front(), 0);
         ASSERT_TRUE(made.copy) << seed << " " << made.because;
@@ -133,7 +134,7 @@ TEST(StorcliCopy, AnswersUnderTheNumberOfItsOriginal) {
         return made.copy->play(splitCommandLine(line)).why;
     };
     EXPECT_EQ(play("STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog"),
-              "Drive not found (error 255)");
+              "RAID level is not supported. (error 255)");
     EXPECT_EQ(play("STORCLI /c1 add vd r1 drives=252:0,252:1 J nolog"), "");
     EXPECT_EQ(made.copy->capture().logicalDrives.size(), 1U);
 }

@@ -143,16 +143,19 @@ TEST(StorcliRehearsal, TellsWhatTheUtilityWouldRefuseInItsWords) {
         "ZP240 step 1 would be refused: Invalid number of drives for the RAID level. (error "
         "255)\n"
         "STORCLI /c0 add vd r5 drives=62:0,62:1 J nolog\n"
+        "help: change what the utility names, and try it: zolexctl plan site.ini\n"
         "help: look at its drives: zolexctl show --controller 1\n");
     EXPECT_EQ(
         refusal("storcli-blank", mirror, line("STORCLI /c0 add vd r1 drives=62:2,62:3 J nolog")),
         "ZP242 the commands would end in another layout than planned\n"
-        "62:2 62:3, drives: would be 62:2 62:3; planned is 62:0 62:1\n"
+        "LD 239, moved: would be 62:2 62:3; planned is 62:0 62:1\n"
+        "help: zolexctl record --redact -o report.zrec, and report it\n"
         "help: look at its drives: zolexctl show --controller 1\n");
     EXPECT_EQ(refusal("storcli-blank", mirror, line("STORCLI /c0/v239 set wrcache=WT J nolog")),
-              "ZP240 step 1 would be refused: Invalid VD number (error 255)\n"
+              "ZP240 step 1 would be refused: Set VD failed.; Invalid VD number (error 255)\n"
               "STORCLI /c0/v239 set wrcache=WT J nolog\n"
-              "help: zolexctl show\n"
+              "help: look at what stands, and plan anew: zolexctl plan site.ini\n"
+              "help: change what the utility names, and try it: zolexctl plan site.ini\n"
               "help: look at its drives: zolexctl show --controller 1\n");
 }
 
@@ -245,6 +248,7 @@ FleetTerms termsOf(const std::string& policies) {
     FleetTerms terms;
     terms.request.policiesFile = "site.ini";
     terms.request.policiesText = policies;
+    terms.everyFault = true;
     return terms;
 }
 
@@ -293,7 +297,7 @@ TEST(StorcliFleet, OldAndNewServersAreRehearsedTogether) {
     EXPECT_EQ(lines, (Lines{"old as-planned 1 commands, 1 faults, Policy.old",
                             "percli as-planned 1 commands, 1 faults, Policy.new",
                             "storcli-blank as-planned 2 commands, 2 faults, Policy.new"}));
-    ASSERT_EQ(fleet.unused.size(), 2U); // the entry of one policy, and a policy
+    ASSERT_EQ(fleet.unused.size(), 1U); // Policy.none
 }
 
 } // namespace
