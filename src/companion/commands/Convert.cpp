@@ -28,7 +28,7 @@ std::vector<Finding> faultsOf(const PolicyDocument& document) {
 }
 
 /// Errors of the text that its source has not.
-std::vector<Finding> newErrorsOf(const SourceFile& source, const std::string& text) {
+std::vector<Finding> newErrorsOf(const PoliciesText& source, const std::string& text) {
     const std::vector<Finding> old = lint(scanPolicies(source.name, source.text), {});
     std::vector<Finding> findings = lint(scanPolicies(source.name, text), {});
     std::erase_if(findings, [&old](const Finding& finding) {
@@ -55,7 +55,7 @@ int convertType(Context& context, const ConvertOptions& options, const PoliciesT
         none.file = read.name;
         return refuse({std::move(none)}, read.text);
     }
-    std::vector<Finding> faults = newErrorsOf({read.name, read.text}, moved.text);
+    std::vector<Finding> faults = newErrorsOf(read, moved.text);
     if (!faults.empty()) {
         return refuse(std::move(faults), moved.text);
     }
