@@ -88,6 +88,7 @@ struct FamilyLimits {
     bool setsCaches = false;     ///< write and read-ahead modes can be told
     bool hasGlobalSpares = false;
     bool hasDedicatedSpares = false;
+    DeepMirrors deepMirrors = DeepMirrors::ofPairs;
 };
 
 /// What a command came to.
@@ -178,8 +179,6 @@ class Family {
     /// The same arrays as the spare is listed with.
     [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter, const std::string& location,
                                                   const std::vector<std::string>& arrays) const = 0;
-    /// Whether the ids of arrays may be others when an array is gone.
-    [[nodiscard]] virtual bool numbersArraysAnew() const { return false; }
     [[nodiscard]] virtual std::string clearForeign(std::int32_t adapter) const = 0;
     /// "write_cache_policy" or "read_cache_policy", with the word of LayoutVolume.
     [[nodiscard]] virtual std::string setCache(std::int32_t adapter,

@@ -6,6 +6,7 @@
 #include "companion/planning/Losses.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Strategy.h"
+#include "foundation/Text.h"
 #include "platform/CommandLineSplit.h"
 
 #include <algorithm>
@@ -28,8 +29,8 @@ class StepMaker {
 
     void make() {
         nameCovers();
-        makeSparesOfStanding();
         removeSpares();
+        makeSparesOfStanding();
         removeVolumes();
         clearForeign();
         for (std::size_t array = 0; array < planning_.arrays.size(); ++array) {
@@ -231,11 +232,6 @@ class StepMaker {
         if (isFirst) {
             wish.spares = sparesWith(array.id);
         }
-        if (std::string why = family_.whyNotMade(wish, planning_.controller.facts); !why.empty()) {
-            faults_.push_back(planFault(problem::lineNotMade,
-                                        volume.id + " on array " + array.id + ": " + why,
-                                        {"change the entry, and try it: zolexctl plan POLICIES"}));
-        }
         std::string summary = "create " + (isFirst ? array.id : volume.id + " on " + array.id) +
                               ": " + volume.raidType + " on " + driveList(drives);
         for (const std::string& spare : wish.spares) {
@@ -290,39 +286,61 @@ class StepMaker {
         }
     }
 
-    /// Spares of arrays that stand are made before a group goes where the ids of groups are others
-    /// then.
+    /// Dedicated spares of arrays that stand, as long as these have the numbers that were captured:
+    /// whether the numbers of the others change when an array goes depends on the utility.
     void makeSparesOfStanding() {
-        const std::vector<std::size_t>& kept = choice_.parts.volumesKept;
-        if (!family_.numbersArraysAnew() ||
-            std::find(kept.begin(), kept.end(), std::size_t{0}) == kept.end()) {
-            return;
-        }
         for (const std::size_t index : choice_.parts.missingSpares) {
             const LayoutSpare& spare = planning_.after.spares[index];
-            if (!spare.isDedicated || !standAll(spare.covers)) {
+            const std::vector<std::string>& covers = spare.covers;
+            const auto stands = [this](const std::string& letter) {
+                return !standingId(letter).empty();
+            };
+            const auto mayChange = [this](const std::string& letter) {
+                return numberMayChange(standingId(letter));
+            };
+            if (!spare.isDedicated || !std::all_of(covers.begin(), covers.end(), stands) ||
+                std::none_of(covers.begin(), covers.end(), mayChange)) {
                 continue;
             }
-            const DriveFacts* const drive = planning_.controller.facts.drive(spare.location);
-            if (drive != nullptr && drive->state == DriveState::free) {
+            if (isFree(spare.location)) {
                 makeSpare(spare);
-                continue;
+            } else {
+                faults_.push_back(planFault(
+                    problem::spareNotMade,
+                    "the hot spare " + spare.location + " is to be of " + joinWords(spare.covers) +
+                        " alone, whose number may change with the arrays that go before the "
+                        "drive is free",
+                    {"leave this spare out, apply, and plan once more with it",
+                     "or write one for all: Spares = 1"}));
+                made_.insert(spare.location);
             }
-            made_.insert(spare.location);
-            faults_.push_back(planFault(
-                problem::spareNotMade,
-                "the hot spare " + spare.location + " is to be of " + joinWords(spare.covers) +
-                    " alone, is in use, and arrays may have other numbers when others are gone",
-                {"name a free drive, or make one for all: Spares = 1",
-                 "or plan and apply twice, the first time without this spare"}));
         }
     }
 
-    [[nodiscard]] bool standAll(const std::vector<std::string>& arrays) const {
-        return std::all_of(arrays.begin(), arrays.end(), [this](const std::string& array) {
-            const auto group = groupOf(array);
-            return group && choice_.parts.standsOn[*group];
-        });
+    /// The utility's id of an array that stands; empty of another.
+    [[nodiscard]] std::string standingId(const std::string& letter) const {
+        const auto group = groupOf(letter);
+        const auto captured = group ? choice_.parts.standsOn[*group] : std::nullopt;
+        return captured ? planning_.before.groups[*captured].id : std::string();
+    }
+
+    /// Whether an array of a lower number goes. Names do not change.
+    [[nodiscard]] bool numberMayChange(const std::string& id) const {
+        const auto number = text::wholeNumber(id);
+        for (std::size_t index = 0; number && index < planning_.before.groups.size(); ++index) {
+            const auto other = text::wholeNumber(planning_.before.groups[index].id);
+            if (choice_.parts.volumesKept[index] == 0 && other && *other < *number) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Whether the drive is free, or was a spare that has been removed.
+    [[nodiscard]] bool isFree(const std::string& location) const {
+        const DriveFacts* const drive = planning_.controller.facts.drive(location);
+        return drive != nullptr && !drive->isForeign &&
+               (drive->state == DriveState::free || drive->state == DriveState::hotspare);
     }
 
     void makeSpares() {

@@ -163,6 +163,7 @@ class Decoder {
             return;
         }
         tellDuplicates();
+        facts_.deepMirrors = DeepMirrors::ofPairs;
         readBasics();
         readAbilities();
         readTopology();
