@@ -119,7 +119,7 @@ TEST(RecordingEndToEnd, OfAKilledRunIsReadableUpToThere) {
         server.zolexctl({"replay", "a.zrec.partial", "--", "zolex", "/c:t,d", "/f:x.ini"});
     EXPECT_EQ(2, replayed.exitCode);
     EXPECT_EQ(
-        "note: a.zrec.partial:6:1: the recording has no end: it was interrupted. What it holds "
+        "note: a.zrec.partial:7:1: the recording has no end: it was interrupted. What it holds "
         "can be used [ZR108]\n"
         "error: a.zrec.partial does not hold the call UTIL.BAT MEGACLI -adpallinfo -a0\n"
         "  help: a recording answers only what was asked when it was made; nothing was run on "
