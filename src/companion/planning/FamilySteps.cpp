@@ -156,7 +156,7 @@ class StepMaker {
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
                         "clear the layouts of other controllers: " + driveList(drives) + told +
                             (told.empty() ? "" : ")"));
-        step.isRepeatable = true;
+        // Where there are none any more it is refused.
         for (const std::string& drive : drives) {
             Loss loss = foreignLoss(planning_, drive);
             loss.raidType = foreignLevels();
