@@ -45,7 +45,8 @@ struct LayoutGroup {
 
 struct LayoutSpare {
     std::string location;
-    std::vector<std::string> covers; ///< wanted: ids of groups; captured: empty
+    /// Wanted: ids of groups; captured: empty, but what a plan's steps begin with.
+    std::vector<std::string> covers;
     bool isDedicated = false;
     bool isListed = false; ///< wanted: the policy names this very drive
     friend bool operator==(const LayoutSpare&, const LayoutSpare&) = default;

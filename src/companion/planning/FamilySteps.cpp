@@ -28,6 +28,7 @@ class StepMaker {
         : family_(family), planning_(planning), choice_(choice) {}
 
     void make() {
+        nameCovers();
         removeSpares();
         makeSparesOfStanding();
         removeVolumes();
@@ -75,6 +76,16 @@ class StepMaker {
     void lose(PlanStep& step, Loss loss) {
         step.destroys.push_back(loss.id);
         planning_.losses.push_back(std::move(loss));
+    }
+    /// What the spares that stand are of, as their drives tell: a run that is gone on with looks at
+    /// it.
+    void nameCovers() {
+        for (LayoutSpare& spare : planning_.before.spares) {
+            const DriveFacts* const drive = planning_.controller.facts.drive(spare.location);
+            if (spare.isDedicated && drive != nullptr) {
+                spare.covers = drive->covers;
+            }
+        }
     }
     [[nodiscard]] std::int32_t adapter() const { return planning_.controller.adapter; }
 
@@ -137,12 +148,36 @@ class StepMaker {
         if (!choice_.clearsForeign || drives.empty()) {
             return;
         }
+        std::string told;
+        for (const std::string& line : planning_.controller.facts.foreignConfigurations) {
+            told += (told.empty() ? " (" : "; ") + line;
+        }
         PlanStep& step =
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
-                        "clear the layouts of other controllers: " + driveList(drives));
+                        "clear the layouts of other controllers: " + driveList(drives) + told +
+                            (told.empty() ? "" : ")"));
+        step.isRepeatable = true;
         for (const std::string& drive : drives) {
-            lose(step, foreignLoss(planning_, drive));
+            Loss loss = foreignLoss(planning_, drive);
+            loss.raidType = foreignLevels();
+            lose(step, std::move(loss));
         }
+    }
+
+    /// "RAID1", "RAID0/RAID5": which drives a layout of another controller has is not told.
+    [[nodiscard]] std::string foreignLevels() const {
+        std::set<std::string> levels;
+        for (const std::string& line : planning_.controller.facts.foreignConfigurations) {
+            const std::size_t begin = line.find("RAID");
+            if (begin != std::string::npos) {
+                levels.insert(line.substr(begin, line.find(',', begin) - begin));
+            }
+        }
+        std::string text;
+        for (const std::string& level : levels) {
+            text += (text.empty() ? "" : "/") + level;
+        }
+        return text;
     }
 
     // What comes.
@@ -318,15 +353,15 @@ class StepMaker {
     }
 
     void makeSpare(const LayoutSpare& spare) {
+        made_.insert(spare.location);
         std::vector<std::string> arrays;
-        if (!spare.isDedicated || findArrays(spare, arrays)) {
-            made_.insert(spare.location);
-            PlanStep& step =
-                add("create-spare", family_.addSpare(adapter(), spare.location, arrays),
-                    "make " + spare.location + " a spare" +
-                        (spare.isDedicated ? " of " + joinWords(spare.covers) : ""));
-            step.creates = {spare.location};
+        if (spare.isDedicated && !findArrays(spare, arrays)) {
+            return;
         }
+        PlanStep& step = add("create-spare", family_.addSpare(adapter(), spare.location, arrays),
+                             "make " + spare.location + " a spare" +
+                                 (spare.isDedicated ? " of " + joinWords(spare.covers) : ""));
+        step.creates = {spare.location};
     }
 
     /// The utility's numbers of the arrays that stand; false after a fault.
