@@ -156,7 +156,6 @@ class StepMaker {
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
                         "clear the layouts of other controllers: " + driveList(drives) + told +
                             (told.empty() ? "" : ")"));
-        step.isRepeatable = true;
         for (const std::string& drive : drives) {
             Loss loss = foreignLoss(planning_, drive);
             loss.raidType = foreignLevels();
