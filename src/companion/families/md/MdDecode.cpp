@@ -52,7 +52,7 @@ DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
     const ListedArray* const array = ownArrayOf(list, disk);
     if (array == nullptr) {
         facts.state = disk.why.empty() ? DriveState::free : DriveState::jbod;
-        facts.reportedState = disk.why.empty() ? "free" : "in use";
+        facts.reportedState = disk.why.empty() ? "free" : disk.why;
         return facts;
     }
     facts.reportedState = disk.arrayState;
