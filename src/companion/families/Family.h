@@ -178,6 +178,8 @@ class Family {
     /// The same arrays as the spare is listed with.
     [[nodiscard]] virtual std::string removeSpare(std::int32_t adapter, const std::string& location,
                                                   const std::vector<std::string>& arrays) const = 0;
+    /// Whether the ids of arrays may be others when an array is gone.
+    [[nodiscard]] virtual bool numbersArraysAnew() const { return false; }
     [[nodiscard]] virtual std::string clearForeign(std::int32_t adapter) const = 0;
     /// "write_cache_policy" or "read_cache_policy", with the word of LayoutVolume.
     [[nodiscard]] virtual std::string setCache(std::int32_t adapter,

@@ -27,6 +27,7 @@ class StepMaker {
         : family_(family), planning_(planning), choice_(choice) {}
 
     void make() {
+        makeSparesOfStanding();
         removeSpares();
         removeVolumes();
         clearForeign();
@@ -135,13 +136,36 @@ class StepMaker {
         if (!choice_.clearsForeign || drives.empty()) {
             return;
         }
+        std::string told;
+        for (const std::string& line : planning_.controller.facts.foreignConfigurations) {
+            told += (told.empty() ? " (" : "; ") + line;
+        }
         PlanStep& step =
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
-                        "clear the layouts of other controllers: " + driveList(drives));
+                        "clear the layouts of other controllers: " + driveList(drives) + told +
+                            (told.empty() ? "" : ")"));
         step.isRepeatable = true;
         for (const std::string& drive : drives) {
-            lose(step, foreignLoss(planning_, drive));
+            Loss loss = foreignLoss(planning_, drive);
+            loss.raidType = foreignLevels();
+            lose(step, std::move(loss));
         }
+    }
+
+    /// "RAID1", "RAID0/RAID5": which drives a layout of another controller has is not told.
+    [[nodiscard]] std::string foreignLevels() const {
+        std::set<std::string> levels;
+        for (const std::string& line : planning_.controller.facts.foreignConfigurations) {
+            const std::size_t begin = line.find("RAID");
+            if (begin != std::string::npos) {
+                levels.insert(line.substr(begin, line.find(',', begin) - begin));
+            }
+        }
+        std::string text;
+        for (const std::string& level : levels) {
+            text += (text.empty() ? "" : "/") + level;
+        }
+        return text;
     }
 
     // What comes.
@@ -255,22 +279,60 @@ class StepMaker {
         }
     }
 
+    /// Spares of arrays that stand are made before a group goes where the ids of groups are others
+    /// then.
+    void makeSparesOfStanding() {
+        const std::vector<std::size_t>& kept = choice_.parts.volumesKept;
+        if (!family_.numbersArraysAnew() ||
+            std::find(kept.begin(), kept.end(), std::size_t{0}) == kept.end()) {
+            return;
+        }
+        for (const std::size_t index : choice_.parts.missingSpares) {
+            const LayoutSpare& spare = planning_.after.spares[index];
+            if (!spare.isDedicated || !standAll(spare.covers)) {
+                continue;
+            }
+            const DriveFacts* const drive = planning_.controller.facts.drive(spare.location);
+            if (drive != nullptr && drive->state == DriveState::free) {
+                makeSpare(spare);
+                continue;
+            }
+            made_.insert(spare.location);
+            faults_.push_back(planFault(
+                problem::spareNotMade,
+                "the hot spare " + spare.location + " is to be of " + joinWords(spare.covers) +
+                    " alone, is in use, and arrays may have other numbers when others are gone",
+                {"name a free drive, or make one for all: Spares = 1",
+                 "or plan and apply twice, the first time without this spare"}));
+        }
+    }
+
+    [[nodiscard]] bool standAll(const std::vector<std::string>& arrays) const {
+        return std::all_of(arrays.begin(), arrays.end(), [this](const std::string& array) {
+            const auto group = groupOf(array);
+            return group && choice_.parts.standsOn[*group];
+        });
+    }
+
     void makeSpares() {
         for (const std::size_t index : choice_.parts.missingSpares) {
             const LayoutSpare& spare = planning_.after.spares[index];
-            if (made_.contains(spare.location)) {
-                continue;
+            if (!made_.contains(spare.location)) {
+                makeSpare(spare);
             }
-            std::vector<std::string> arrays;
-            if (spare.isDedicated && !findArrays(spare, arrays)) {
-                continue;
-            }
-            PlanStep& step =
-                add("create-spare", family_.addSpare(adapter(), spare.location, arrays),
-                    "make " + spare.location + " a spare" +
-                        (spare.isDedicated ? " of " + joinWords(spare.covers) : ""));
-            step.creates = {spare.location};
         }
+    }
+
+    void makeSpare(const LayoutSpare& spare) {
+        made_.insert(spare.location);
+        std::vector<std::string> arrays;
+        if (spare.isDedicated && !findArrays(spare, arrays)) {
+            return;
+        }
+        PlanStep& step = add("create-spare", family_.addSpare(adapter(), spare.location, arrays),
+                             "make " + spare.location + " a spare" +
+                                 (spare.isDedicated ? " of " + joinWords(spare.covers) : ""));
+        step.creates = {spare.location};
     }
 
     /// The utility's numbers of the arrays that stand; false after a fault.

@@ -27,6 +27,7 @@ class Storcli : public Family {
                                        const std::vector<std::string>& arrays) const override;
     [[nodiscard]] std::string removeSpare(std::int32_t adapter, const std::string& location,
                                           const std::vector<std::string>& arrays) const override;
+    [[nodiscard]] bool numbersArraysAnew() const override { return true; }
     [[nodiscard]] std::string clearForeign(std::int32_t adapter) const override;
     [[nodiscard]] std::string setCache(std::int32_t adapter, const LogicalDriveFacts& volume,
                                        std::string_view attribute,
