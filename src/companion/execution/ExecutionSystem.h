@@ -76,7 +76,7 @@ class ExecutionSystem {
     virtual std::unique_ptr<StartedChild> start(std::string_view commandLine,
                                                 const std::string& output) = 0;
     /// Removes the folder of a child that wrote to `output` and has ended, if it had one.
-    virtual void removeFolder(const std::string& /*output*/) {}
+    virtual void removeFolder(const std::string& output) = 0;
     [[nodiscard]] virtual ProcessIdentity ownProcess() = 0;
     /// Whether this very process still runs.
     [[nodiscard]] virtual bool isRunning(const ProcessIdentity& process) = 0;

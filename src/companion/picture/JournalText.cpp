@@ -4,6 +4,7 @@
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
 #include "companion/text/TypedWord.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -205,7 +206,7 @@ class JournalWriter {
         }
         // An answer in JSON says no more than the reason.
         const bool isInWords =
-            !event.reason.empty() && text::trim(event.output, " \t\r\n").starts_with('{');
+            !event.reason.empty() && zolex::text::trim(event.output, " \t\r\n").starts_with('{');
         if ((!event.accepted && !isInWords) || terms_.verbose) {
             output(event);
         }

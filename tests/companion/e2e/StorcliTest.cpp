@@ -133,7 +133,7 @@ TEST(Storcli, NologIsNotKnown) {
     StorcliServer server("storcli-blank");
     server.addField(R"("refusesNolog": true)");
     EXPECT_EQ(server.zolexctl({"show"}).exitCode, 0);
-    server.write("site.ini", "[Policy.one]\nAppliesTo.1 = t:STORCLI\nSpares = 0\n"
+    server.write("site.ini", "[Policy.one]\nAppliesTo.1 = t:STORCLI\n"
                              "Drives.A = slots 252:0,252:1\nLevel.A = 1\n");
     server.plan({"site.ini"});
     const ProgramRun run = server.apply({"plan.json"});
@@ -192,7 +192,7 @@ TEST(Storcli, TheProgramIsNamed) {
     EXPECT_NE(server.zolexctl({"show"}).output.find("no supported"), std::string::npos);
     const std::string named = "STORCLI=" + other;
     EXPECT_EQ(server.zolexctl({"show", "--utility", named}).exitCode, 0);
-    server.write("site.ini", "[Policy.one]\nAppliesTo.1 = t:STORCLI\nSpares = 0\n"
+    server.write("site.ini", "[Policy.one]\nAppliesTo.1 = t:STORCLI\n"
                              "Drives.A = slots 252:0,252:1\nLevel.A = 1\n");
     server.plan({"site.ini", "--utility", named});
     const ProgramRun run = server.apply({"plan.json", "--utility", named});

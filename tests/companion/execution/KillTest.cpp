@@ -71,6 +71,7 @@ class KilledRun : public testing::TestWithParam<KillCase> {
         bench_.server.platform.fileFake.files.clear();
         bench_.disk = {};
         bench_.system.locks.clear();
+        bench_.system.folders.clear();
         bench_.system.restart();
         bench_.listener.log.clear();
     }
@@ -125,6 +126,7 @@ class KilledRun : public testing::TestWithParam<KillCase> {
         EXPECT_EQ(end.exitCode, 0) << where << "\n" << testing::PrintToString(test::endLines(end));
         EXPECT_EQ(bench_.layout(), planned) << where;
         EXPECT_TRUE(bench_.system.locks.empty()) << where;
+        EXPECT_TRUE(bench_.system.folders.empty()) << where;
         EXPECT_EQ(bench_.system.running(), Lines{}) << where;
     }
 

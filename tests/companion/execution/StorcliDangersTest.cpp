@@ -143,7 +143,7 @@ TEST(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
 /// The utility does not know "nolog": each command is run once more without it.
 TEST(StorcliNolog, IsNotKnown) {
     ApplyBench bench(test::storcliServer(R"(, "refusesNolog": true)") + test::freeDrives + "]}]}");
-    bench.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\nSpares = 0\n"),
+    bench.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"),
                    StrategyWish::automatic, false);
     EXPECT_EQ(endLines(bench.apply()), (Lines{"0: ", "controller 1: configured"}));
     EXPECT_EQ(bench.system.started, (Lines{"STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog",

@@ -1,7 +1,7 @@
 // Plans for today's controllers, carried out, failed and gone on with, in one process.
 
-#include "companion/execution/StorcliRuns.h"
 #include "companion/execution/ApplyBench.h"
+#include "companion/execution/StorcliRuns.h"
 #include "companion/planning/ResetPlan.h"
 #include "model/StorcliController.h"
 
@@ -117,6 +117,7 @@ TEST_P(StorcliApply, EndsAsPlannedAndLeavesNothingToDo) {
     const ApplyEnd end = bench_.apply();
     EXPECT_EQ(endLines(end), (Lines{"0: ", "controller 1: configured"}));
     EXPECT_TRUE(end.isVerified);
+    EXPECT_TRUE(bench_.system.folders.empty());
     expectNothingToDo("");
     for (const std::string& line : bench_.system.started) {
         EXPECT_EQ(line.find("force"), std::string::npos) << line;
@@ -150,6 +151,7 @@ TEST_P(StorcliApply, EachCommandFailsOnceAndIsGoneOnWith) {
             EXPECT_EQ(resumed.exitCode, 0) << where << testing::PrintToString(endLines(resumed))
                                            << testing::PrintToString(bench_.events());
             EXPECT_TRUE(resumed.isVerified) << where;
+            EXPECT_TRUE(bench_.system.folders.empty()) << where;
             EXPECT_EQ(bench_.layout(), planned) << where;
             if (HasFailure()) {
                 return;
