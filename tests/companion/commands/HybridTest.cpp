@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace zolex::companion {
 namespace {
@@ -54,12 +55,15 @@ std::string oneCardOfBoth() {
     return replacedIn(definitionOf("storcli"), "0x10e2", "0x0079");
 }
 
+const std::vector<std::string> ofBoth = {"UTIL.BAT", "hwdetect.exe", "storcli64", "storcli64.exe",
+                                         "MegaCli64"};
+
 Ran run(SimulatedPlatform& platform, const std::function<int(Context&)>& command,
-        std::map<std::string, std::string> utilities = {}) {
+        std::map<std::string, std::string> utilities = {},
+        const std::vector<std::string>& programs = ofBoth) {
     for (const char* const folder : {"tools/", "tools\\"}) {
-        for (const char* const program :
-             {"UTIL.BAT", "hwdetect.exe", "storcli64", "storcli64.exe", "MegaCli64"}) {
-            platform.fileFake.files[std::string(folder) + program] = "";
+        for (const std::string& program : programs) {
+            platform.fileFake.files[folder + program] = "";
         }
     }
     MachineOptions machine;
@@ -130,9 +134,7 @@ TEST(Hybrid, DoctorLooksAtBoth) {
     const Ran ran = run(platform, doctor);
     EXPECT_TRUE(holds(ran.output, "\nMEGACLI         ok      controller 1: ")) << ran.output;
     EXPECT_TRUE(holds(ran.output, "\nSTORCLI         ok      controller 2: ")) << ran.output;
-    EXPECT_TRUE(holds(ran.output, "; tools/storcli64, version\n                        "
-                                  "007.2507.0000.0000\n"))
-        << ran.output;
+    EXPECT_TRUE(holds(ran.output, "007.2507.0000.0000\n")) << ran.output;
     EXPECT_FALSE(holds(ran.output, "ZP140")) << ran.output;
     EXPECT_EQ(ran.code, exit_code::done) << ran.output;
 }
@@ -176,6 +178,34 @@ TEST(Hybrid, TheOneThatIsNamedDrivesIt) {
                       "  help: to use STORCLI, name its program: zolexctl --utility\n"
                       "        STORCLI=/path/storcli64 doctor\n"))
         << ran.output;
+}
+
+TEST(Hybrid, TheNextGenerationAloneIsAsNoController) {
+    SimulatedPlatform platform("storcli");
+    platform.devices.front().deviceId = 0x00a5;
+    const std::vector<std::string> programs = {"hwdetect.exe", "storcli2", "storcli2.exe"};
+    Ran ran = run(
+        platform, [](Context& context) { return show(context, {}); }, {}, programs);
+    EXPECT_EQ(ran.code, exit_code::done);
+    EXPECT_EQ(ran.error,
+              "no supported RAID controller was found\n"
+              "note: PCI 0000:c1:00.0: a RAID controller (1000:00a5:1000:4000) is on the "
+              "bus, of the utility STORCLI2, which zolexctl does not drive yet\n");
+    EXPECT_FALSE(hasAsked(platform, "storcli"));
+    ran = run(platform, doctor, {}, programs);
+    EXPECT_EQ(ran.code, exit_code::found);
+    EXPECT_TRUE(holds(ran.output, "note: STORCLI2: ")) << ran.output;
+    EXPECT_TRUE(holds(ran.output, " is there, and zolexctl does not drive it yet")) << ran.output;
+    EXPECT_FALSE(hasAsked(platform, "storcli"));
+    platform.fileFake.files["site.ini"] = policiesOfBoth;
+    PlanOptions options;
+    options.file = "site.ini";
+    ran = run(
+        platform, [&](Context& context) { return plan(context, options); }, {}, programs);
+    EXPECT_EQ(ran.code, exit_code::notPossible);
+    EXPECT_EQ(ran.error, "error: no supported RAID controller was found\n"
+                         "  help: zolexctl doctor tells what is there\n");
+    EXPECT_FALSE(hasAsked(platform, "storcli"));
 }
 
 } // namespace
