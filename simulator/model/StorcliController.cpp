@@ -28,10 +28,10 @@ constexpr std::array<std::string_view, 6> versionWords = {"1.x",      "007.1017"
 constexpr std::array<std::string_view, 3> brandingWords = {"lsi", "perc", "hpe"};
 constexpr std::array<std::string_view, 3> batteryWords = {"none", "optimal", "failed"};
 constexpr std::array<std::string_view, 3> cacheWords = {"WT", "WB", "AWB"};
-constexpr std::array<std::string_view, 11> stateWords = {
+constexpr std::array<std::string_view, 12> stateWords = {
     "good",    "bad",    "jbod",     "online",    "rebuild", "copyback",
-    "offline", "failed", "hotspare", "dedicated", "foreign"};
-static_assert(stateWords.size() == static_cast<std::size_t>(DriveState::foreign) + 1);
+    "offline", "failed", "hotspare", "dedicated", "foreign", "missing"};
+static_assert(stateWords.size() == static_cast<std::size_t>(DriveState::missing) + 1);
 
 template <typename Value, std::size_t count>
 std::optional<Value> valueNamed(const std::array<std::string_view, count>& words,
@@ -47,7 +47,7 @@ std::optional<Value> valueNamed(const std::array<std::string_view, count>& words
 std::int64_t dataDrivesOfSpan(Level level, std::size_t drives) {
     const int redundancy = rulesOf(level).redundancy;
     const auto count = static_cast<std::int64_t>(drives);
-    return redundancy < 0 ? 1 : count - redundancy;
+    return redundancy < 0 ? count / 2 : count - redundancy;
 }
 
 bool holdsData(const Drive& drive) {
@@ -95,6 +95,11 @@ std::string_view wordOf(Cache cache) {
 
 std::string_view wordOf(DriveState state) {
     return stateWords[static_cast<std::size_t>(state)];
+}
+
+std::size_t Controller::driveCount() const {
+    return static_cast<std::size_t>(std::count_if(
+        drives.begin(), drives.end(), [](const Drive& drive) { return drive.isThere(); }));
 }
 
 const Drive* Controller::driveAt(const DriveLocation& place) const {
@@ -193,9 +198,18 @@ std::int64_t Controller::roomLeft(std::size_t group, Level level) const {
 }
 
 VolumeState Controller::stateOf(Level level, const std::vector<DriveLocation>& span) const {
-    const auto gone = static_cast<std::int64_t>(
-        std::count_if(span.begin(), span.end(),
-                      [&](const DriveLocation& place) { return !holdsData(*driveAt(place)); }));
+    const auto isGone = [&](const DriveLocation& place) { return !holdsData(*driveAt(place)); };
+    if (rulesOf(level).inSpan == Level::raid1) {
+        VolumeState worst = VolumeState::optimal;
+        for (std::size_t i = 0; i + 1 < span.size(); i += 2) {
+            const int lost = (isGone(span[i]) ? 1 : 0) + (isGone(span[i + 1]) ? 1 : 0);
+            worst = std::max(worst, lost == 2   ? VolumeState::offline
+                                    : lost == 1 ? VolumeState::degraded
+                                                : VolumeState::optimal);
+        }
+        return worst;
+    }
+    const auto gone = static_cast<std::int64_t>(std::count_if(span.begin(), span.end(), isGone));
     const std::int64_t tolerated =
         static_cast<std::int64_t>(span.size()) - dataDrivesOfSpan(level, span.size());
     if (gone == 0) {
@@ -258,7 +272,9 @@ void Controller::dissolve(std::size_t group) {
             Drive& drive = *driveAt(place);
             const bool lost =
                 drive.state == DriveState::failed || drive.state == DriveState::offline;
-            drive.state = lost ? DriveState::bad : DriveState::good;
+            drive.state = !drive.isThere() ? DriveState::missing
+                          : lost           ? DriveState::bad
+                                           : DriveState::good;
         }
     }
     groups.erase(groups.begin() + static_cast<std::ptrdiff_t>(group));

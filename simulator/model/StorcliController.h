@@ -33,6 +33,7 @@ enum class DriveState : std::uint8_t {
     globalSpare,
     dedicatedSpare,
     foreign,
+    missing, ///< a member that is not there: no list of drives has it
 };
 enum class VolumeState : std::uint8_t { optimal, partiallyDegraded, degraded, offline };
 
@@ -42,7 +43,7 @@ struct Rules {
     Level inSpan;          ///< the level of one span
     bool spanned;
     int minDrives;  ///< of one span
-    int redundancy; ///< drives of one span that hold no data; -1: all but one
+    int redundancy; ///< drives of one span that hold no data; -1: of mirrored pairs one
 };
 
 const Rules& rulesOf(Level level);
@@ -79,6 +80,8 @@ struct Drive {
     std::vector<std::size_t> groups; ///< of a dedicated spare
     bool locating = false;
 
+    [[nodiscard]] bool isThere() const { return state != DriveState::missing; }
+
     /// The coerced size in blocks of 512 bytes.
     [[nodiscard]] std::int64_t blocks() const { return sectors * (sectorBytes / 512); }
     /// What the firmware keeps for itself, 512 MiB, is not in it.
@@ -89,6 +92,7 @@ struct Drive {
 
 struct Group {
     std::vector<std::vector<DriveLocation>> spans;
+    friend bool operator==(const Group&, const Group&) = default;
 };
 
 struct Volume {
@@ -105,6 +109,7 @@ struct Volume {
     bool hasSystem = false; ///< an operating system is on it
     bool consistent = true;
     int order = 0; ///< in which they were made
+    friend bool operator==(const Volume&, const Volume&) = default;
 };
 
 /// What another controller has left on drives that are foreign here.
@@ -150,6 +155,9 @@ class Controller {
     Cache defaultCache = Cache::writeBack;
     bool defaultReadAhead = true;
     int maxVolumes = 240;
+    int maxArms = 32;
+    int maxSpans = 8;
+    int maxVolumesPerGroup = 16;
     std::vector<Level> levels;
     std::vector<Drive> drives;
     std::vector<Enclosure> enclosures;
@@ -161,11 +169,10 @@ class Controller {
     std::vector<Group> groups;
     std::vector<Volume> volumes; ///< by number
 
-    static constexpr int maxArms = 32;
-    static constexpr int maxSpans = 8;
-    static constexpr int maxVolumesPerGroup = 16;
     static constexpr int lastNumber = 239;
 
+    /// How many drives are there.
+    [[nodiscard]] std::size_t driveCount() const;
     [[nodiscard]] const Drive* driveAt(const DriveLocation& place) const;
     [[nodiscard]] Drive* driveAt(const DriveLocation& place);
     [[nodiscard]] std::optional<MemberPlace> placeOf(const DriveLocation& place) const;

@@ -236,6 +236,7 @@ void takeMembers(Fields& fields, Controller& controller, const std::vector<Place
             case DriveState::copyback:
             case DriveState::offline:
             case DriveState::failed:
+            case DriveState::missing:
                 break;
             default:
                 fields.complain("spans", "the drive at " + toText(place) + " can be no member");
@@ -266,6 +267,7 @@ std::optional<std::size_t> readGroup(Fields& fields, const Json& item, const std
     const bool fits = !spans.empty() && (spans.size() > 1) == rules.spanned &&
                       std::all_of(spans.begin(), spans.end(), [&](const Places& span) {
                           return span.size() == spans.front().size() &&
+                                 (rules.redundancy >= 0 || span.size() % 2 == 0) &&
                                  span.size() >= static_cast<std::size_t>(rules.minDrives);
                       });
     if (!fits) {
@@ -325,7 +327,8 @@ void readVolumes(Fields& fields, Controller& controller) {
         }
     });
     for (const Drive& drive : controller.drives) {
-        const bool busy = drive.state == DriveState::rebuild || drive.state == DriveState::copyback;
+        const bool busy = drive.state == DriveState::rebuild ||
+                          drive.state == DriveState::copyback || !drive.isThere();
         const bool lost = std::any_of(drive.groups.begin(), drive.groups.end(), [&](auto group) {
             return group >= controller.groups.size();
         });
@@ -453,9 +456,9 @@ void readDriveState(Fields& fields, Drive& drive, const Controller& controller) 
     const bool member = controller.placeOf(drive.place).has_value();
     const bool can = drive.state == DriveState::online || drive.state == DriveState::rebuild ||
                      drive.state == DriveState::copyback || drive.state == DriveState::offline ||
-                     drive.state == DriveState::failed;
-    const bool free =
-        !can || drive.state == DriveState::failed || drive.state == DriveState::offline;
+                     drive.state == DriveState::failed || !drive.isThere();
+    const bool free = !can || drive.state == DriveState::failed ||
+                      drive.state == DriveState::offline || !drive.isThere();
     if (member ? !can : !free) {
         fields.complain("status", "does not fit the groups");
     }

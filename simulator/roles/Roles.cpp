@@ -58,7 +58,7 @@ PlayResult playDetector(Server& server, const std::vector<std::string>& argument
         drives += controller.drives.size();
     }
     for (const storcli::Controller& controller : server.storcliControllers) {
-        drives += controller.drives.size();
+        drives += controller.driveCount();
     }
     return {server.detectorExitCode,
             formatted("Hardware detection\n"

@@ -202,7 +202,7 @@ class Creation {
         std::set<DriveLocation> seen;
         for (const DriveLocation& place : request_.drives) {
             const Drive* const drive = controller_.driveAt(place);
-            if (drive == nullptr) {
+            if (drive == nullptr || !drive->isThere()) {
                 return Refusal{ownRefusal, "Drive not found"};
             }
             if (!seen.insert(place).second) {
@@ -220,14 +220,15 @@ class Creation {
         }
         const std::size_t count = request_.drives.size();
         const std::size_t arms = rules.spanned ? request_.drivesPerSpan : count;
-        if (count % arms != 0 || arms < static_cast<std::size_t>(rules.minDrives) ||
+        const bool isOdd = rules.redundancy < 0 && arms % 2 != 0; // mirrors are of pairs
+        if (count % arms != 0 || arms < static_cast<std::size_t>(rules.minDrives) || isOdd ||
             (rules.spanned && count == arms)) {
             return Refusal{ownRefusal, "Invalid number of drives for the RAID level."};
         }
-        if (arms > Controller::maxArms) {
+        if (arms > static_cast<std::size_t>(controller_.maxArms)) {
             return Refusal{ownRefusal, "Maximum number of arms exceeded."};
         }
-        if (count / arms > Controller::maxSpans) {
+        if (count / arms > static_cast<std::size_t>(controller_.maxSpans)) {
             return Refusal{ownRefusal, "Maximum number of spans exceeded."};
         }
         for (std::size_t i = 0; i < count; i += arms) {
@@ -311,7 +312,7 @@ class Creation {
     std::optional<Refusal> checkSpares() {
         for (const DriveLocation& place : request_.spares) {
             const Drive* const spare = controller_.driveAt(place);
-            if (spare == nullptr) {
+            if (spare == nullptr || !spare->isThere()) {
                 return Refusal{ownRefusal, "Drive not found"};
             }
             if (spare->state != DriveState::good ||
@@ -368,7 +369,7 @@ class Creation {
             std::count_if(changed.volumes.begin(), changed.volumes.end(),
                           [&](const Volume& other) { return other.group == *group_; });
         const std::optional<int> number = changed.nextNumber();
-        if (!number || onGroup >= Controller::maxVolumesPerGroup) {
+        if (!number || onGroup >= changed.maxVolumesPerGroup) {
             return Refusal{tooManyVolumes, "no more virtual drives can be made"};
         }
         volume.number = *number;

@@ -90,8 +90,10 @@ Value rowValue(const View& view, const TopologyRow& row) {
 
 TopologyRow driveTopology(const View& view, const Drive& drive) {
     TopologyRow row;
-    row.place = placeText(drive.place);
-    row.deviceId = drive.deviceId;
+    if (drive.isThere()) {
+        row.place = placeText(drive.place);
+        row.deviceId = drive.deviceId;
+    }
     row.type = "DRIVE";
     row.state = driveWord(view, drive);
     row.size = driveSize(view, drive);
@@ -312,9 +314,9 @@ Value capabilities(const Controller& controller) {
     value.add("Mix of SAS/SATA of HDD type in VD", allowed(controller.mixesSasSataDisks));
     value.add("Mix of SAS/SATA of SSD type in VD", allowed(controller.mixesSasSataSsds));
     value.add("Mix of SSD/HDD in VD", allowed(controller.mixesMedia));
-    value.add("Max Arms Per VD", Controller::maxArms);
-    value.add("Max Spans Per VD", Controller::maxSpans).add("Max Arrays", 240);
-    value.add("Max VD per array", Controller::maxVolumesPerGroup);
+    value.add("Max Arms Per VD", controller.maxArms);
+    value.add("Max Spans Per VD", controller.maxSpans).add("Max Arrays", 240);
+    value.add("Max VD per array", controller.maxVolumesPerGroup);
     value.add("Max Number of VDs", controller.maxVolumes);
     value.add("Min Strip Size", stripText(controller.minStripKb));
     return value.add("Max Strip Size", stripText(controller.maxStripKb));
@@ -324,8 +326,9 @@ Value enclosureRows(const View& view) {
     Value rows = Value::list();
     for (const Enclosure& enclosure : view.controller.enclosures) {
         const auto drives = std::count_if(
-            view.controller.drives.begin(), view.controller.drives.end(),
-            [&](const Drive& drive) { return drive.place.enclosure == enclosure.id; });
+            view.controller.drives.begin(), view.controller.drives.end(), [&](const Drive& drive) {
+                return drive.isThere() && drive.place.enclosure == enclosure.id;
+            });
         Value row = Value::object();
         row.add("EID", enclosure.id).add("State", "OK").add("Slots", enclosure.slots);
         row.add("PD", static_cast<std::int64_t>(drives)).add("PS", 0).add("Fans", 0);
@@ -363,11 +366,13 @@ void addLists(const View& view, Value& data) {
         }
         data.add("VD LIST", std::move(rows));
     }
-    data.add("Physical Drives", controller.drives.size());
-    if (!controller.drives.empty()) {
+    data.add("Physical Drives", controller.driveCount());
+    if (controller.driveCount() > 0) {
         Value rows = Value::list();
         for (const Drive& drive : controller.drives) {
-            rows.add(driveRow(view, drive));
+            if (drive.isThere()) {
+                rows.add(driveRow(view, drive));
+            }
         }
         data.add("PD LIST", std::move(rows));
     }
@@ -507,7 +512,7 @@ Value overviewRow(const View& view) {
     }
     Value row = Value::object();
     row.add("Ctl", view.number).add("Model", controller.model).add("Ports", 16);
-    row.add("PDs", controller.drives.size()).add("DGs", controller.groups.size());
+    row.add("PDs", controller.driveCount()).add("DGs", controller.groups.size());
     row.add("DNOpt", faultyGroups).add("VDs", controller.volumes.size()).add("VNOpt", faulty);
     row.add("BBU", controller.battery == Battery::none      ? "N/A"
                    : controller.battery == Battery::optimal ? "Opt"
@@ -578,7 +583,10 @@ Value memberRows(const View& view, const Volume& volume) {
     Value rows = Value::list();
     for (const std::vector<DriveLocation>& span : view.controller.groups[volume.group].spans) {
         for (const DriveLocation& place : span) {
-            rows.add(driveRow(view, *view.controller.driveAt(place)));
+            const Drive& drive = *view.controller.driveAt(place);
+            if (drive.isThere()) {
+                rows.add(driveRow(view, drive));
+            }
         }
     }
     return rows;
@@ -604,9 +612,10 @@ Value volumeProperties(const View& view, const Volume& volume) {
     value.add("Data Protection", "Disabled");
     value.add("Active Operations", rebuilds ? "Rebuild in progress" : "None");
     value.add("Exposed to OS", "Yes").add("OS Drive Name", volume.device);
-    value.add("Creation Date", "01-03-2026");
+    constexpr int perDay = 120; // between ten and twelve
+    value.add("Creation Date", formatted("%02d-03-2026", 1 + volume.order / perDay % 28));
     value.add("Creation Time",
-              formatted("%d:%02d:00 AM", 10 + volume.order / 60 % 2, volume.order % 60));
+              formatted("%d:%02d:00 AM", 10 + volume.order % perDay / 60, volume.order % 60));
     value.add("Emulation type", "default").add("Is LD Ready for OS Requests", "Yes");
     return value.add("SCSI NAA Id", formatted("6%015llx2d1f0000%08x",
                                               static_cast<unsigned long long>(
@@ -637,6 +646,9 @@ Value groupData(const View& view) {
     Value members = Value::list();
     Value unconfigured = Value::list();
     for (const Drive& drive : controller.drives) {
+        if (!drive.isThere()) {
+            continue;
+        }
         const bool member = controller.placeOf(drive.place).has_value();
         (member ? members : unconfigured).add(driveRow(view, drive));
     }

@@ -190,7 +190,8 @@ class Session {
         std::vector<DriveLocation> places;
         for (const Drive& drive : controller_.drives) {
             const bool inEnclosure = drive.place.enclosure.has_value();
-            if (inEnclosure == target_.inEnclosures && named(target_.items, drive.place.slot) &&
+            if (drive.isThere() && inEnclosure == target_.inEnclosures &&
+                named(target_.items, drive.place.slot) &&
                 (!inEnclosure || named(target_.enclosures, *drive.place.enclosure))) {
                 places.push_back(drive.place);
             }
@@ -211,7 +212,8 @@ class Session {
             for (const int slot : *target_.items) {
                 const DriveLocation place{enclosure < 0 ? std::nullopt : std::optional(enclosure),
                                           slot};
-                if (controller_.driveAt(place) == nullptr) {
+                const Drive* const drive = controller_.driveAt(place);
+                if (drive == nullptr || !drive->isThere()) {
                     tell("Drive", pathText(view_.number, place),
                          Refusal{ownRefusal, "Drive not found"});
                 }

@@ -17,8 +17,9 @@ constexpr std::array<std::string_view, 6> versions = {
     "007.3703.0000.0000 Jan 14, 2026",
     "008.0005.0000.0010 Feb 22, 2023",
 };
-constexpr std::array<std::string_view, 11> driveWords = {
-    "UGood", "UBad", "JBOD", "Onln", "Rbld", "Cpybck", "Offln", "Failed", "GHS", "DHS", "UGood"};
+constexpr std::array<std::string_view, 12> driveWords = {"UGood", "UBad",   "JBOD",  "Onln",
+                                                         "Rbld",  "Cpybck", "Offln", "Failed",
+                                                         "GHS",   "DHS",    "UGood", "Msng"};
 constexpr std::array<std::string_view, 4> volumeWords = {"Optl", "Pdgd", "Dgrd", "OfLn"};
 
 std::string decimalText(std::int64_t bytes) {

@@ -616,10 +616,28 @@ void readRehearse(const Arguments& arguments, Request& request) {
     }
 }
 
+/// "STORCLI" of "t:STORCLI".
+std::string withoutSpecifier(std::string text) {
+    const bool hasOne = text.starts_with("t:") || text.starts_with("T:");
+    return hasOne ? text.substr(2) : text;
+}
+
 void readConvert(const Arguments& arguments, Request& request) {
     const bool isFrom = arguments.has("--from");
     request.convert.file =
         wordsOf(arguments, 1, 1, isFrom ? "a RAID configuration" : "a policies file").front();
+    const std::string model = arguments.value("--model");
+    if (const std::size_t equals = model.find('='); equals != std::string::npos) {
+        if (isFrom || arguments.has("--to") || arguments.has("--machine")) {
+            throw ArgumentFault{"--model with two types takes policies alone",
+                                "zolexctl convert --model " + model + " POLICIES"};
+        }
+        request.convert.to = "policies";
+        request.convert.fromType = withoutSpecifier(model.substr(0, equals));
+        request.convert.toType = withoutSpecifier(model.substr(equals + 1));
+        refuseToReplace({request.convert.file}, "-o", request.outputFile);
+        return;
+    }
     if (isFrom == arguments.has("--to")) {
         throw ArgumentFault{isFrom ? "convert takes --to or --from, not both"
                                    : "convert needs --to policies, --to ironic or --from ironic",

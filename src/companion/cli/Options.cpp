@@ -133,7 +133,7 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "zolexctl rehearse site.ini fleet/\n"
      "zolexctl rehearse site.ini fleet/ --every-fault --html fleet.html\n"
      "zolexctl rehearse site.ini fleet/ --what-if fail:32:3"},
-    {Command::convert, "convert", "convert --to WHAT|--from ironic FILE [OPTIONS]",
+    {Command::convert, "convert", "convert --to WHAT|--from ironic|--model OLD=NEW FILE [OPTIONS]",
      "policies for zolex, from and to Ironic",
      "With --to policies it writes the policies of FILE as zolex takes them for one recorded "
      "server: Drives.<x>, Spares and Level.<x>, which only zolexctl knows, become the drives and "
@@ -145,12 +145,15 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "With --from ironic it writes policies, of such a configuration: one for each controller "
      "that it names, or for that of --model. With --machine drives are found by their locations, "
      "free ones are chosen where none are named, and the policies are planned.\n"
+     "With --model OLD=NEW it writes policies for controllers of one type as policies for those of "
+     "another: t:OLD becomes t:NEW, and what such controllers cannot have is refused.\n"
      "FILE may be - for standard input. It touches no server.\n"
      "Exit code: 0 it was written, and what it does not say was told; 2 nothing was written.",
      "text",
      "zolexctl convert --to policies --machine web1.zrec kinds.ini -o web1.ini\n"
      "zolexctl convert --to ironic --machine web1.zrec web.ini -o node7.json\n"
-     "zolexctl convert --from ironic node7.json --model LSI-MegaRAID-8480 -o n7.ini"},
+     "zolexctl convert --from ironic node7.json --model LSI-MegaRAID-8480 -o n7.ini\n"
+     "zolexctl convert --model t:LSI-MegaRAID-8480=t:STORCLI old.ini -o new.ini"},
     {Command::guard, "guard", "guard [OPTIONS] -- zolex [ARGUMENTS]",
      "zolex, but only when all of it can be done",
      "Stands in front of zolex, for command lines that exist. It reads the switches as zolex does, "
@@ -226,7 +229,8 @@ constexpr std::array<OptionRow, 51> options{{
      false, faultOfTarget},
     {"--from", "", "ironic", "write policies, of a RAID configuration of Ironic",
      only(Command::convert), false, faultOfOrigin},
-    {"--model", "", "MODEL", "the controller that is meant: LSI-MegaRAID-8480",
+    {"--model", "", "MODEL",
+     "the controller that is meant: LSI-MegaRAID-8480; or OLD=NEW, types of policies",
      only(Command::convert), false, faultOfModel},
     {"--select", "", "IDS", "only these rules, such as ZX301,ZX5", only(Command::check), true,
      faultOfSelected},

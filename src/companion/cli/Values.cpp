@@ -4,6 +4,7 @@
 #include "companion/commands/DestroyWish.h"
 #include "companion/commands/Explanations.h"
 #include "companion/families/Family.h"
+#include "companion/families/ModelTexts.h"
 #include "companion/lint/Rules.h"
 #include "model/ControllerCatalogue.h"
 
@@ -183,10 +184,24 @@ std::string faultOfOrigin(std::string_view text) {
 }
 
 std::string faultOfModel(std::string_view text) {
-    return ControllerCatalogue::isValidControllerName(text)
-               ? ""
-               : inQuotes(text) + " is no model that policies can name: " +
-                     ControllerCatalogue::modelNames().c_str();
+    if (const std::size_t equals = text.find('='); equals != std::string_view::npos) {
+        for (std::string_view type : {text.substr(0, equals), text.substr(equals + 1)}) {
+            type.remove_prefix(type.starts_with("t:") || type.starts_with("T:") ? 2 : 0);
+            if (!ControllerCatalogue::isValidControllerName(type) && !isFamilyType(type)) {
+                return inQuotes(type) +
+                       " is no type that policies can name: write OLD=NEW, such as "
+                       "t:LSI-MegaRAID-8480=t:STORCLI";
+            }
+        }
+        return {};
+    }
+    const bool isModel = ControllerCatalogue::isValidControllerName(text) ||
+                         (isFamilyType(text) && text.find('*') == std::string_view::npos);
+    return isModel ? ""
+                   : inQuotes(text) +
+                         " is no model that policies can name: STORCLI, the text of a "
+                         "model such as PERC-H755-Front, or " +
+                         ControllerCatalogue::modelNames().c_str();
 }
 
 std::string faultOfRules(std::string_view text) {

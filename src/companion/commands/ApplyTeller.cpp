@@ -208,6 +208,11 @@ void ApplyTeller::tell(const JournalStepEnded& ended) {
         stepLine(ended.step, "RUNNING", Emphasis::warning, aligned(time, 14));
         return;
     }
+    if (!ended.instead.empty()) {
+        stepLine(ended.step, "again", Emphasis::warning, outcome + time);
+        below(ended.reason + ": run again as " + ended.instead);
+        return;
+    }
     stepLine(ended.step, ended.accepted ? "ok" : "FAILED",
              ended.accepted ? Emphasis::good : Emphasis::bad,
              hasRun ? outcome + time : "not started");
@@ -215,8 +220,12 @@ void ApplyTeller::tell(const JournalStepEnded& ended) {
 
 void ApplyTeller::tell(const JournalStepFoundDone& found) {
     stepLine(found.step, "done", Emphasis::good, "before");
+    below(found.why);
+}
+
+void ApplyTeller::below(const std::string& text) {
     if (tellsAll()) {
-        write(emphasized("      " + foldedWords(printable(found.why), 6, 6,
+        write(emphasized("      " + foldedWords(printable(text), 6, 6,
                                                 static_cast<std::size_t>(context_.style.width)),
                          Emphasis::dim, context_.style) +
               "\n");

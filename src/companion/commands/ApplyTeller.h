@@ -75,6 +75,8 @@ class ApplyTeller : public ApplyListener {
     void writeError(const std::string& text);
     /// Takes the line of the running step away.
     void clearLive();
+    /// Below the line of a step.
+    void below(const std::string& text);
     void live(const std::string& state);
     /// "Machine    8837 KQ10Z7V                        as planned for".
     void head(const char* name, const std::string& what, const std::string& state,

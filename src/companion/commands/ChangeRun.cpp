@@ -107,6 +107,7 @@ class ChangeRun::Ticking : public ExecutionSystem {
         return child == nullptr ? nullptr
                                 : std::make_unique<TickingChild>(std::move(child), inner_, teller_);
     }
+    void removeFolder(const std::string& output) override { inner_.removeFolder(output); }
     ProcessIdentity ownProcess() override { return inner_.ownProcess(); }
     bool isRunning(const ProcessIdentity& process) override { return inner_.isRunning(process); }
     Interruption interruption() override { return inner_.interruption(); }

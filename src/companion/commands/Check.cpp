@@ -107,6 +107,7 @@ class Check {
         });
         Snapshot part;
         part.machine = snapshot.machine;
+        part.families = snapshot.families; // the numbers by which policies may name them
         std::copy_if(snapshot.details.begin(), snapshot.details.end(),
                      std::back_inserter(part.details), [](const ControllerSnapshot& each) {
                          return each.index == ControllerSnapshot::noRecord && !each.failed;

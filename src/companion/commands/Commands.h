@@ -97,6 +97,9 @@ struct ConvertOptions {
     std::string machine; ///< a recording, or for Ironic a plan; or empty
     std::string from{};  ///< "ironic"; or empty
     std::string model{}; ///< of the controller that is meant; or empty
+    /// Policies for controllers of this type become policies for the other; or empty.
+    std::string fromType{};
+    std::string toType{};
 };
 int convert(Context& context, const ConvertOptions& options);
 

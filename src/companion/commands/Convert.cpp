@@ -1,4 +1,5 @@
 #include "companion/binding/ConvertPolicies.h"
+#include "companion/binding/MovedTypes.h"
 #include "companion/commands/Commands.h"
 #include "companion/commands/ConvertIronic.h"
 #include "companion/commands/PolicyFiles.h"
@@ -6,6 +7,7 @@
 #include "companion/lint/PolicyDocument.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/text/Diagnostics.h"
+#include "companion/text/Terminal.h"
 
 #include <algorithm>
 #include <string>
@@ -23,6 +25,49 @@ std::vector<Finding> faultsOf(const PolicyDocument& document) {
         return finding.severity != Severity::error || finding.refusedBy != RefusedBy::zolex;
     });
     return findings;
+}
+
+/// Errors of the text that its source has not.
+std::vector<Finding> newErrorsOf(const PoliciesText& source, const std::string& text) {
+    const std::vector<Finding> old = lint(scanPolicies(source.name, source.text), {});
+    std::vector<Finding> findings = lint(scanPolicies(source.name, text), {});
+    std::erase_if(findings, [&old](const Finding& finding) {
+        return finding.severity != Severity::error ||
+               std::any_of(old.begin(), old.end(), [&finding](const Finding& other) {
+                   return other.severity == Severity::error && other.code == finding.code &&
+                          other.start.line == finding.start.line;
+               });
+    });
+    return findings;
+}
+
+/// Policies for another type of controllers.
+int convertType(Context& context, const ConvertOptions& options, const PoliciesText& read) {
+    const MovedPolicies moved = moveTypes(read.text, options.fromType, options.toType);
+    const auto refuse = [&](std::vector<Finding> findings, const std::string& text) {
+        tellConverted(context, std::move(findings), {read.name, text});
+        return refuseConversion(context, read.name);
+    };
+    if (moved.entries == 0) {
+        Finding none = problemFinding(problem::convertNoType,
+                                      "no policy is for t:" + printable(options.fromType));
+        none.severity = Severity::error;
+        none.file = read.name;
+        return refuse({std::move(none)}, read.text);
+    }
+    std::vector<Finding> faults = newErrorsOf(read, moved.text);
+    if (!faults.empty()) {
+        return refuse(std::move(faults), moved.text);
+    }
+    if (!moved.placesIn.empty()) {
+        Finding places = problemFinding(problem::convertPlaces,
+                                        moved.placesIn + " names drives by channel and id, which " +
+                                            printable(options.toType) + " may count otherwise");
+        places.severity = Severity::note;
+        places.file = read.name;
+        tellConverted(context, {std::move(places)}, {read.name, read.text});
+    }
+    return deliver(context, moved.text) ? exit_code::done : exit_code::notPossible;
 }
 
 } // namespace
@@ -44,6 +89,9 @@ int convert(Context& context, const ConvertOptions& options) {
     if (!faults.empty()) {
         tellConverted(context, std::move(faults), source);
         return refuseConversion(context, read.name);
+    }
+    if (!options.fromType.empty()) {
+        return convertType(context, options, read);
     }
     const auto machine = loadMachine(context, options.machine, source);
     if (!machine) {

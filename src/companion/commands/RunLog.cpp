@@ -45,7 +45,9 @@ class EventLine {
         return nameOf(ended.step) + ": " + outcomeText(ended.outcome, ended.exitCode) +
                (ended.accepted ? ", accepted, " : ", not accepted, ") +
                exactSeconds(ended.durationMs) + ", " + std::to_string(ended.outputBytes) +
-               (ended.outputBytes == 1 ? " byte" : " bytes") + " printed";
+               (ended.outputBytes == 1 ? " byte" : " bytes") + " printed" +
+               (ended.reason.empty() ? "" : ": " + ended.reason) +
+               (ended.instead.empty() ? "" : "; run again as " + ended.instead);
     }
     std::string operator()(const JournalStepFoundDone& found) const {
         return nameOf(found.step) + ": found done: " + found.why;

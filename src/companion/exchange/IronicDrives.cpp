@@ -1,5 +1,7 @@
 #include "companion/exchange/IronicDrives.h"
 
+#include "companion/families/Family.h"
+#include "companion/families/ModelTexts.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
 #include "foundation/Text.h"
@@ -206,8 +208,8 @@ class Placer {
         for (const MachineDrive& drive : target_.details->drives) {
             if (members.size() < wanted && drive.policyNumber && drive.policyPosition &&
                 drive.facts.state == DriveState::free && !drive.facts.isForeign &&
-                drive.facts.health != Health::critical && fits(drive.facts, disk) &&
-                !isTaken(memberOf(drive))) {
+                drive.facts.barred.empty() && drive.facts.health != Health::critical &&
+                fits(drive.facts, disk) && !isTaken(memberOf(drive))) {
                 members.push_back(memberOf(drive));
             }
         }
@@ -287,6 +289,8 @@ class Placer {
             tell_(index, "physical_disks", "ZX955",
                   "these are the drives of " + other + ", and not both say share_physical_disks",
                   {"name other drives, or add \"share_physical_disks\": true to both"});
+        } else if (makesSeveral()) {
+            array.disks.push_back(index);
         } else if (!target_.kind) {
             tell_(index, "share_physical_disks", "ZX955",
                   "whether the controller makes a second logical drive on these drives is not "
@@ -300,6 +304,26 @@ class Placer {
         } else {
             array.disks.push_back(index);
         }
+    }
+
+    /// Texts of models are those of STORCLI's, but for "LINUX-MD".
+    static const Family* familyOf(const std::string& type) {
+        const Family* const named = findFamily(type);
+        return named != nullptr || !isFamilyType(type) || isFamilyName(type) ||
+                       text::equalsNoCase(type, "LINUX-MD")
+                   ? named
+                   : findFamily("STORCLI");
+    }
+
+    /// Whether it is a controller of a family that makes several logical drives on one array.
+    [[nodiscard]] bool makesSeveral() const {
+        const Family* const family = target_.details != nullptr
+                                         ? findFamily(target_.details->utility)
+                                         : familyOf(target_.model);
+        const Facts none;
+        return family != nullptr &&
+               family->limits(target_.details == nullptr ? none : target_.details->facts)
+                       .mostVolumesPerGroup > 1;
     }
 
     /// What takes the rest of the space is made last.

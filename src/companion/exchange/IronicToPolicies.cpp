@@ -4,6 +4,7 @@
 #include "companion/exchange/IronicDocument.h"
 #include "companion/exchange/IronicDrives.h"
 #include "companion/exchange/JsonPlaces.h"
+#include "companion/families/ModelTexts.h"
 #include "companion/lint/Lint.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Plan.h"
@@ -56,7 +57,8 @@ std::optional<NamedController> namedController(std::string_view text) {
         if (isNumber && number && *number >= 1 && *number <= mostControllers && named.number == 0) {
             named.number = *number;
         } else if (!isNumber && named.model.empty() &&
-                   ControllerCatalogue::isValidControllerName(field)) {
+                   (ControllerCatalogue::isValidControllerName(field) ||
+                    (isFamilyType(field) && field.find('*') == std::string_view::npos))) {
             named.model = field;
         } else {
             return std::nullopt;
@@ -236,10 +238,18 @@ class IronicConverter {
         return true;
     }
 
+    /// Whether the controller is called so; those of families by their family, too.
+    static bool isModelOf(const std::string& model, const ControllerSnapshot& details) {
+        const bool isOfFamily = details.index == ControllerSnapshot::noRecord;
+        return details.model == model ||
+               (isOfFamily &&
+                familyTypeHolds(model, details.utility, details.model, details.pciIds));
+    }
+
     const ControllerSnapshot* onMachine(std::size_t index, const NamedController& named) {
         std::vector<const ControllerSnapshot*> found;
         for (const ControllerSnapshot& details : request_.machine->details) {
-            if ((named.model.empty() || details.model == named.model) &&
+            if ((named.model.empty() || isModelOf(named.model, details)) &&
                 (named.number == 0 || details.number == named.number)) {
                 found.push_back(&details);
             }
@@ -364,6 +374,9 @@ class IronicConverter {
     }
 
     [[nodiscard]] std::string appliesTo(const IronicTarget& target) const {
+        if (target.details != nullptr && target.details->index == ControllerSnapshot::noRecord) {
+            return appliesToFamily(*target.details);
+        }
         if (target.details != nullptr) {
             const ControllerList& controllers = request_.machine->controllers;
             const RAIDController* const record = controllers.controller(target.details->index);
@@ -374,6 +387,13 @@ class IronicConverter {
         return (target.model.empty() ? "" : "t:" + target.model) +
                (target.model.empty() || target.number == 0 ? "" : ",") +
                (target.number == 0 ? "" : "c:" + std::to_string(target.number));
+    }
+
+    [[nodiscard]] std::string appliesToFamily(const ControllerSnapshot& details) const {
+        const bool isAlone = request_.machine->count() == 1;
+        return "t:" + (isFamilyType(details.model) ? details.model : details.utility) +
+               ",d:" + std::to_string(details.drives.size()) +
+               (isAlone ? "" : ",c:" + std::to_string(details.number));
     }
 
     [[nodiscard]] static bool takesSizes(const IronicTarget& target) {

@@ -2,6 +2,7 @@
 
 #include "companion/exchange/ConvertFinding.h"
 #include "companion/exchange/IronicDocument.h"
+#include "companion/families/ModelTexts.h"
 #include "companion/lint/PolicyDocument.h"
 #include "companion/text/Terminal.h"
 #include "foundation/Text.h"
@@ -25,8 +26,8 @@ constexpr std::uint64_t bytesPerGib = std::uint64_t{1} << 30U;
 constexpr std::uint64_t bytesPerMib = std::uint64_t{1} << 20U;
 
 /// Settings that Ironic has no property for.
-constexpr std::array<std::string_view, 4> lostSettings = {"StripeSize", "RebuildRate", "ReadAhead",
-                                                          "Init"};
+constexpr std::array<std::string_view, 5> lostSettings = {"StripeSize", "RebuildRate", "ReadAhead",
+                                                          "Init", "Spans"};
 
 class Drafter {
   public:
@@ -180,7 +181,7 @@ class Drafter {
     [[nodiscard]] std::string controllerName(const ControllerPlanning& planning) const {
         const std::string& model = planning.controller.model;
         std::string number = "c:" + std::to_string(planning.controller.number);
-        if (!ControllerCatalogue::isValidControllerName(model)) {
+        if (!ControllerCatalogue::isValidControllerName(model) && !isFamilyType(model)) {
             return number;
         }
         const auto count = std::count_if(

@@ -166,7 +166,9 @@ ControllerDiff controllerDiff(const Snapshot& snapshot, const Certificate::Contr
     }
     const std::vector<DriveDrift> changes =
         driveDrifts(controller.facts.drives, details->facts.drives);
-    Layout wanted = layoutBehind(controller.layout, changes);
+    Layout layout = controller.layout; // a document does not tell what its mirrors are
+    layout.deepMirrors = details->facts.deepMirrors;
+    Layout wanted = layoutBehind(layout, changes);
     for (LayoutGroup& group : wanted.groups) {
         group.isListed = true;
     }

@@ -71,9 +71,12 @@ class ExecutionSystem {
     /// Starts a command line as zolex writes it ("UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT") in a
     /// process group of its own, without standard input. Its output goes to the file `output`,
     /// which is made anew, so that it outlives this process unharmed, and stays until it is removed
-    /// by whoever has read it. Null when it cannot be started.
+    /// by whoever has read it. A command line that makes its utility write files into the current
+    /// folder runs in a new one beside the output. Null when it cannot be started.
     virtual std::unique_ptr<StartedChild> start(std::string_view commandLine,
                                                 const std::string& output) = 0;
+    /// Removes the folder of a child that wrote to `output` and has ended, if it had one.
+    virtual void removeFolder(const std::string& output) = 0;
     [[nodiscard]] virtual ProcessIdentity ownProcess() = 0;
     /// Whether this very process still runs.
     [[nodiscard]] virtual bool isRunning(const ProcessIdentity& process) = 0;

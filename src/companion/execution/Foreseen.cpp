@@ -48,8 +48,12 @@ class ForeseenLayout {
 
     void removeVolumes(const std::vector<std::string>& ids) {
         for (LayoutGroup& group : layout_.groups) {
-            std::erase_if(group.volumes,
-                          [&](const LayoutVolume& volume) { return holds(ids, volume.id); });
+            const bool leavesRoom = std::erase_if(group.volumes, [&](const LayoutVolume& volume) {
+                                        return holds(ids, volume.id);
+                                    }) > 0;
+            for (LayoutVolume& volume : group.volumes) {
+                volume.fills = volume.fills && !leavesRoom;
+            }
         }
         std::erase_if(layout_.groups,
                       [](const LayoutGroup& group) { return group.volumes.empty(); });
@@ -67,8 +71,23 @@ class ForeseenLayout {
         for (const LayoutSpare& spare : planning_.after.spares) {
             if (holds(ids, spare.location)) {
                 layout_.spares.push_back(spare);
+                for (std::string& array : layout_.spares.back().covers) {
+                    array = idOf(array);
+                }
             }
         }
+    }
+
+    /// The id that the wanted array has where it stands.
+    [[nodiscard]] std::string idOf(const std::string& array) const {
+        for (const LayoutGroup& wanted : planning_.after.groups) {
+            for (const LayoutGroup& group : layout_.groups) {
+                if (wanted.id == array && group.drives() == wanted.drives()) {
+                    return group.id;
+                }
+            }
+        }
+        return array;
     }
 
     /// Cache modes are as they come until the last step that sets some is done.

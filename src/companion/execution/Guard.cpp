@@ -99,7 +99,8 @@ class ControllerChanges {
     }
 
     Lines changes;
-    Lines swapped; ///< of them those by which a drive is another one, or is gone
+    Lines swapped; ///< of them those by which a drive is another one, is gone, or is now in use
+    bool isRenumbered = false; ///< the layout is as it was, but for numbers of logical drives
     Lines firmware;
 
   private:
@@ -152,6 +153,9 @@ class ControllerChanges {
             change(subject + "its size is " + std::to_string(size(now)) + " MB, it was " +
                    std::to_string(size(drive)) + " MB");
         }
+        if (now.state != drive.state && !now.barred.empty()) { // plans do not tell what barred it
+            swap("drive " + drive.location + " is not to be used now: " + printable(now.barred));
+        }
         if (driveCondition(drive) != driveCondition(now)) {
             change("drive " + drive.location + " is " + std::string(driveCondition(now)) + " (" +
                    told(now.reportedState) + "), it was " + std::string(driveCondition(drive)));
@@ -167,6 +171,10 @@ class ControllerChanges {
         const std::string before =
             planning.beforeHash.empty() ? layoutHash(planned_.facts) : planning.beforeHash;
         if (layoutHash(found_.facts) == before) {
+            for (const std::string& line : otherwiseNumbered(planning, 0, found_.facts)) {
+                change(line);
+                isRenumbered = true;
+            }
             return;
         }
         const Layout is = capturedLayout(found_.facts);
@@ -245,6 +253,39 @@ const ControllerSnapshot* capturedController(const Snapshot& snapshot, std::int3
     return found == snapshot.details.end() || found->failed ? nullptr : &*found;
 }
 
+std::vector<std::string> otherwiseNumbered(const ControllerPlanning& planning, std::size_t done,
+                                           const Facts& facts) {
+    std::vector<std::string> gone;
+    for (std::size_t i = 0; i < std::min(done, planning.steps.size()); ++i) {
+        const PlanStep& step = planning.steps[i];
+        if (step.action == "clear") {
+            return {};
+        }
+        gone.insert(gone.end(), step.destroys.begin(), step.destroys.end());
+    }
+    const Layout found = capturedLayout(facts);
+    Lines lines;
+    for (const LayoutGroup& group : planning.before.groups) {
+        Lines ids;
+        for (const LayoutVolume& volume : group.volumes) {
+            if (std::find(gone.begin(), gone.end(), volume.id) == gone.end()) {
+                ids.push_back(volume.id);
+            }
+        }
+        const auto same =
+            std::find_if(found.groups.begin(), found.groups.end(),
+                         [&](const LayoutGroup& each) { return each.drives() == group.drives(); });
+        for (std::size_t i = 0; i < ids.size(); ++i) {
+            const bool isThere = same != found.groups.end() && i < same->volumes.size();
+            if (isThere && same->volumes[i].id != ids[i]) {
+                lines.push_back("LD " + printable(ids[i]) + " on " + locationsLine(group.drives()) +
+                                " has the number " + printable(same->volumes[i].id) + " now");
+            }
+        }
+    }
+    return lines;
+}
+
 std::string planAgainHelp(const MachinePlan& plan) {
     return printable(planCommand(plan)) + " plans from what is there";
 }
@@ -305,6 +346,7 @@ std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& 
                                    std::vector<std::string>& warnings) {
     Lines changed;
     bool isExplained = false;
+    bool isRenumbered = false;
     for (const ControllerPlanning& planning : plan.controllers) {
         const std::int32_t number = planning.controller.number;
         const ControllerSnapshot* const found = capturedController(snapshot, number);
@@ -313,10 +355,11 @@ std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& 
         }
         const ControllerChanges changes(planning, *found);
         isExplained = isExplained || !changes.changes.empty() || !changes.firmware.empty();
+        isRenumbered = isRenumbered || (changes.isRenumbered && isAsked(controllers, number));
         append(warnings, changes.firmware);
         append(isAsked(controllers, number) ? changed : warnings, changes.changes);
     }
-    if (fingerprintOf(snapshot).state == plan.fingerprint.state) {
+    if (!isRenumbered && fingerprintOf(snapshot).state == plan.fingerprint.state) {
         return std::nullopt;
     }
     if (changed.empty() && !isExplained) {

@@ -45,6 +45,11 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                   const std::vector<std::int32_t>& controllers);
 
+/// Which logical drives that stood before the plan, and that none of its first `done` steps
+/// removes, have another number now: a command line that names one would reach another.
+[[nodiscard]] std::vector<std::string> otherwiseNumbered(const ControllerPlanning& planning,
+                                                         std::size_t done, const Facts& facts);
+
 /// "zolexctl plan site.ini plans from what is there".
 [[nodiscard]] std::string planAgainHelp(const MachinePlan& plan);
 

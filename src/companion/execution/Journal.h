@@ -85,6 +85,8 @@ struct JournalStepEnded {
     std::int64_t durationMs = 0;
     std::string output;            ///< its first 64 KB
     std::uint64_t outputBytes = 0; ///< how long it is in whole
+    std::string reason;  ///< why it is not accepted, where the utility's words tell; or empty
+    std::string instead; ///< the command line that is run in its place, as it has done nothing
 };
 
 /// Of a resumption: the layout says that the step has done its work.

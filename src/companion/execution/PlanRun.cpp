@@ -9,6 +9,7 @@
 #include "companion/text/Terminal.h"
 #include "companion/text/TypedWord.h"
 #include "foundation/FileSystem.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <new>
@@ -53,6 +54,11 @@ FamilyVerdict verdictOf(const std::string& command, const ChildResult& result) {
         return verdict;
     }
     return family->judge(command, result.exitCode, result.output);
+}
+
+/// Whether the verdict says in words what the output says in JSON.
+bool isInWords(const FamilyVerdict& verdict, const ChildResult& result) {
+    return !verdict.why.empty() && text::trim(result.output, " \t\r\n").starts_with('{');
 }
 
 bool wasStarted(const ChildResult& result) {
@@ -273,7 +279,7 @@ std::optional<std::string> PlanRun::runLine(ControllerProgress& progress,
     progress.isBegun = true;
     ChildResult result;
     if (!pauseBefore(step)) {
-        noteEnd(step, result, milliseconds(0), FamilyVerdict());
+        noteEnd(step, result, milliseconds(0), FamilyVerdict(), false);
         stopRun(interruptedFault(step));
         return std::nullopt;
     }
@@ -298,14 +304,18 @@ std::optional<std::string> PlanRun::runLine(ControllerProgress& progress,
         guarded([&] { locks_.note({}); });
     }
     const FamilyVerdict verdict = verdictOf(command, result);
-    if (noteEnd(step, result, duration, verdict)) {
+    const bool isRetried = !verdict.instead.empty() && command == step.command;
+    if (noteEnd(step, result, duration, verdict, isRetried)) {
         ++progress.next;
         return std::nullopt;
     }
-    if (!verdict.instead.empty() && command == step.command) {
+    if (isRetried && mayGoOn(progress)) {
         return verdict.instead;
     }
-    tellNotAccepted(progress, step, result, identity, fault, verdict);
+    if (isStopped_) {
+        return std::nullopt;
+    }
+    tellNotAccepted(progress, step, command, result, identity, fault, verdict);
     return std::nullopt;
 }
 
@@ -378,7 +388,7 @@ void PlanRun::tellInterruption() {
 /// Notes how a step has ended; whether it counts as done. The output is in the journal then, and
 /// its file goes.
 bool PlanRun::noteEnd(const PlanStep& step, ChildResult& result, milliseconds duration,
-                      const FamilyVerdict& verdict) {
+                      const FamilyVerdict& verdict, bool isRetried) {
     JournalStepEnded ended;
     ended.step = step.step;
     ended.outcome = result.outcome;
@@ -393,6 +403,10 @@ bool PlanRun::noteEnd(const PlanStep& step, ChildResult& result, milliseconds du
         result.output.resize(mostJournalOutput);
     }
     ended.output = result.output;
+    if (!ended.accepted) {
+        ended.reason = verdict.why;
+        ended.instead = isRetried ? verdict.instead : std::string();
+    }
     const bool isWritten = write(ended);
     if (isWritten && hasEnded(result)) {
         removeOutput();
@@ -402,6 +416,7 @@ bool PlanRun::noteEnd(const PlanStep& step, ChildResult& result, milliseconds du
 
 void PlanRun::removeOutput() {
     guarded([&] { machine.files().remove(outputFile()); });
+    guarded([&] { system.removeFolder(outputFile()); });
 }
 
 std::optional<std::string> PlanRun::takeOutput(std::size_t most) {
@@ -415,13 +430,15 @@ std::optional<std::string> PlanRun::takeOutput(std::size_t most) {
 }
 
 void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step,
-                              const ChildResult& result, const ProcessIdentity& child,
-                              const std::string& startFault, const FamilyVerdict& verdict) {
+                              const std::string& command, const ChildResult& result,
+                              const ProcessIdentity& child, const std::string& startFault,
+                              const FamilyVerdict& verdict) {
     const std::string name = stepName(step, totalSteps_);
     progress.failedStep = step.step;
     RunFault fault;
     fault.exitCode = apply_code::stopped;
-    fault.details = commandLines(step, result.output);
+    fault.details =
+        commandLines(command, isInWords(verdict, result) ? std::string() : result.output);
     std::string why;
     if (hasEnded(result)) {
         why = "exit code " + std::to_string(result.exitCode);

@@ -103,10 +103,11 @@ class PlanRun {
     /// Else the line that is to be run in its place.
     std::optional<std::string> runLine(ControllerProgress& progress, const std::string& command);
     bool noteEnd(const PlanStep& step, ChildResult& result, std::chrono::milliseconds duration,
-                 const FamilyVerdict& verdict);
+                 const FamilyVerdict& verdict, bool isRetried);
     void tellNotAccepted(ControllerProgress& progress, const PlanStep& step,
-                         const ChildResult& result, const ProcessIdentity& child,
-                         const std::string& startFault, const FamilyVerdict& verdict);
+                         const std::string& command, const ChildResult& result,
+                         const ProcessIdentity& child, const std::string& startFault,
+                         const FamilyVerdict& verdict);
     void tellNow(const ControllerProgress& progress, RunFault& fault);
     [[nodiscard]] RunFault journalFault() const;
     [[nodiscard]] RunFault interruptedFault(const PlanStep& step) const;
@@ -169,7 +170,7 @@ ApplyEnd carriedOut(Platform& machine, const CaptureRequest& capture, ExecutionS
 }
 
 /// The lines below a refused command: it, and the utility's own words.
-[[nodiscard]] std::vector<std::string> commandLines(const PlanStep& step,
+[[nodiscard]] std::vector<std::string> commandLines(const std::string& command,
                                                     const std::string& output);
 /// "now on controller 1: A stands, B does not; LD 0 is gone".
 [[nodiscard]] std::string nowLine(const ControllerPlanning& planning, const Facts& facts);

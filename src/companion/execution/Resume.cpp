@@ -327,7 +327,37 @@ class Resumption {
         at.standsBefore = standsAfterSteps(run_.plan, planning, k, found->facts);
         at.standsAfter = standsAfterSteps(run_.plan, planning, k + 1, found->facts);
         at.isPartOfBefore = isPartOf(layoutAfterSteps(planning, k), planning, found->facts);
-        carryOn(progress, k, resumeAction(at), at, *found);
+        const ResumeAction action = resumeAction(at);
+        const bool isAgain = action == ResumeAction::begin || action == ResumeAction::again;
+        if (action != ResumeAction::stop &&
+            isNumberedOtherwise(progress, isAgain ? k : k + 1, found->facts)) {
+            return;
+        }
+        carryOn(progress, k, action, at, *found);
+    }
+
+    /// Whether what stands is what was foreseen, but for the numbers by which the commands of a
+    /// family name it. Those of zolex's utilities may be positions.
+    bool isNumberedOtherwise(ControllerProgress& progress, std::size_t done, const Facts& facts) {
+        const ControllerPlanning& planning = *progress.planning;
+        if (findFamily(planning.controller.utility) == nullptr) {
+            return false;
+        }
+        RunFault fault;
+        fault.details = otherwiseNumbered(planning, done, facts);
+        if (fault.details.empty()) {
+            return false;
+        }
+        fault.exitCode = apply_code::stopped;
+        fault.code = run_problem::standsElsewhere;
+        fault.what = "the logical drives of controller " +
+                     std::to_string(planning.controller.number) +
+                     " have other numbers than the plan's commands say";
+        fault.help = {planAgainHelp(run_.plan)};
+        progress.next = done;
+        progress.failedStep = planning.steps[std::min(done, planning.steps.size() - 1)].step;
+        run_.failController(progress, "its logical drives have other numbers", std::move(fault));
+        return true;
     }
 
     void carryOn(ControllerProgress& progress, std::size_t k, ResumeAction action,

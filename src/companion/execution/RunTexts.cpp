@@ -23,8 +23,8 @@ std::string verb(std::size_t count, const char* one, const char* many) {
 
 } // namespace
 
-std::vector<std::string> commandLines(const PlanStep& step, const std::string& output) {
-    std::vector<std::string> lines = {printable(step.command)};
+std::vector<std::string> commandLines(const std::string& command, const std::string& output) {
+    std::vector<std::string> lines = {printable(command)};
     std::string_view rest = output;
     while (!rest.empty() && lines.size() <= mostLines) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
@@ -114,10 +114,10 @@ std::string nowLine(const ControllerPlanning& planning, const Facts& facts) {
         }
     }
     if (others.empty() && !planning.losses.empty()) {
-        line += "; what the plan removes is gone";
+        line += (line.empty() ? "" : "; ") + std::string("what the plan removes is gone");
     }
     for (const std::string& other : others) {
-        line += "; still there: " + other;
+        line += (line.empty() ? "still there: " : "; still there: ") + other;
     }
     return "now on controller " + std::to_string(planning.controller.number) + ": " +
            (line.empty() ? "nothing stands" : printable(line));

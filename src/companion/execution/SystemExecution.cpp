@@ -1,6 +1,7 @@
 #include "companion/execution/SystemExecution.h"
 
 #include "companion/execution/SystemParts.h"
+#include "companion/families/Family.h"
 #include "companion/machine/CarryOut.h"
 #include "companion/machine/ProgramStart.h"
 #include "companion/machine/System.h"
@@ -28,9 +29,28 @@ class SystemExecution : public ExecutionSystem {
         if (arguments.empty()) {
             arguments = utilities_.argumentsOf(commandLine);
         }
+        std::string folder;
+        const Family* const family = findFamily(commandLine);
+        if (family != nullptr && family->leavesFiles(commandLine) && !arguments.empty()) {
+            // What an earlier process of this run has left there goes.
+            removeFolder(output);
+            if (!system::makeFolder(folderBeside(output))) {
+                return nullptr;
+            }
+            folder = system::absolutePath(folderBeside(output));
+            arguments.front() = system::absolutePath(arguments.front());
+        }
         const auto line = commandLineOf(arguments, systemSplitting());
-        return parts::startProgram(line.value_or(std::string()), output_file::systemName(output),
-                                   interruptions_);
+        auto child = parts::startProgram(line.value_or(std::string()),
+                                         output_file::systemName(output), interruptions_, folder);
+        if (!child && !folder.empty()) {
+            removeFolder(output);
+        }
+        return child;
+    }
+
+    void removeFolder(const std::string& output) override {
+        system::removeFolder(folderBeside(output));
     }
 
     ProcessIdentity ownProcess() override { return parts::ownProcess(); }
@@ -75,6 +95,10 @@ class SystemExecution : public ExecutionSystem {
     }
 
   private:
+    static std::string folderBeside(const std::string& output) {
+        return output_file::systemName(output) + ".folder";
+    }
+
     Platform& system_;
     const Utilities& utilities_;
     /// Children that are not waited for to their end may outlive this object.

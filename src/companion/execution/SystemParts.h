@@ -30,10 +30,12 @@ class Interruptions {
 /// As an object of `await`; nothing: there is none.
 [[nodiscard]] std::optional<std::intptr_t> standardInput();
 
-/// Starts a command line as the system takes it; an empty one starts nothing.
+/// Starts a command line as the system takes it; an empty one starts nothing. `folder` is the
+/// child's current folder; empty: this process's.
 [[nodiscard]] std::unique_ptr<StartedChild> startProgram(std::string_view commandLine,
                                                          const std::string& output,
-                                                         std::shared_ptr<Interruptions> waits);
+                                                         std::shared_ptr<Interruptions> waits,
+                                                         const std::string& folder = {});
 
 [[nodiscard]] ProcessIdentity ownProcess();
 [[nodiscard]] bool isRunning(const ProcessIdentity& process);

@@ -29,6 +29,13 @@ enum class DriveState {
 
 enum class HotspareKind { none, global, dedicated };
 
+/// What a mirror of more than two drives is where it has one span.
+enum class DeepMirrors {
+    asRaid10, ///< mirrored pairs: RAID 10 under another name
+    ofPairs,  ///< mirrored pairs, and a level of its own beside RAID 10, which has spans
+    ofAll,    ///< every drive holds all data
+};
+
 /// Where a record begins in the listings.
 struct ListingPlace {
     std::size_t listing = 0; ///< index, from 0
@@ -161,6 +168,7 @@ struct Facts {
     std::optional<std::int32_t> rebuildRatePercent;
     std::string rebuildRate; ///< in the utility's own words: "30%", "High"
     ControllerAbilities abilities;
+    DeepMirrors deepMirrors = DeepMirrors::asRaid10;
     /// In the order of the listing that lists the drives, one for each location.
     std::vector<DriveFacts> drives;
     std::vector<LogicalDriveFacts> logicalDrives;

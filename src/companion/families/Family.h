@@ -88,6 +88,7 @@ struct FamilyLimits {
     bool setsCaches = false;     ///< write and read-ahead modes can be told
     bool hasGlobalSpares = false;
     bool hasDedicatedSpares = false;
+    DeepMirrors deepMirrors = DeepMirrors::ofPairs;
 };
 
 /// What a command came to.

@@ -65,8 +65,12 @@ SpanChoice chooseSpans(std::string_view raidType, std::size_t drives, std::size_
     const bool makesSpans = row->hasSpans && limits.mostSpans >= leastSpans;
     if (!makesSpans) {
         const std::size_t least = row->hasSpans ? row->least * leastSpans : row->least;
-        if (drives < least || (row->isEven && drives % 2 != 0)) {
-            return refused(raidType, " takes " + std::string(row->takes) + has,
+        // Where each drive of a mirror holds all, any number of them will do.
+        const bool isMirrorOfAll = raidType == "RAID1" && limits.deepMirrors == DeepMirrors::ofAll;
+        if (drives < least || (row->isEven && !isMirrorOfAll && drives % 2 != 0)) {
+            return refused(raidType,
+                           " takes " +
+                               std::string(isMirrorOfAll ? "2 drives or more" : row->takes) + has,
                            "change the drives of the array, or take another level");
         }
         if (drives > mostOfSpan) {

@@ -73,6 +73,16 @@ std::int64_t bounded(std::int64_t number) {
     return std::clamp<std::int64_t>(number, 0, mostJsonNumber);
 }
 
+void addIfTold(Json& line, const char* name, std::string_view text) {
+    if (!text.empty()) {
+        line[name] = taken(text);
+    }
+}
+
+std::string readIfTold(const Part& line, const char* name) {
+    return line.has(name) ? line.textOrNull(name) : std::string();
+}
+
 void addProcess(Json& line, const ProcessIdentity& process) {
     line["pid"] = bounded(process.pid);
     line["process_started_at"] = takenOrNull(process.startedAt);
@@ -139,6 +149,8 @@ struct EventWriter {
         line["output_bytes"] =
             bounded(std::max<std::uint64_t>(event.outputBytes, event.output.size()));
         addBytes(line, "output", std::string_view(event.output).substr(0, mostJournalOutput));
+        addIfTold(line, "reason", event.reason);
+        addIfTold(line, "instead", event.instead);
     }
     void operator()(const JournalStepFoundDone& event) const {
         line["step"] = event.step;
@@ -328,6 +340,8 @@ class EventReader {
         event.durationMs = line.number("duration_ms");
         event.outputBytes = line.number<std::uint64_t>("output_bytes");
         event.output = readBytesOf(line, "output", mostJournalOutput);
+        event.reason = readIfTold(line, "reason");
+        event.instead = readIfTold(line, "instead");
         if (event.output.size() > event.outputBytes) {
             line.fail("output_bytes", "is less than \"output\" has");
         }

@@ -1,5 +1,7 @@
+#include "companion/families/Family.h"
 #include "companion/json/PlanPieces.h"
 #include "companion/planning/Steps.h"
+#include "foundation/Text.h"
 #include "platform/CommandLineSplit.h"
 
 #include <algorithm>
@@ -244,12 +246,24 @@ class StepCheck {
     static void checkCommand(const PlanStep& step, const ControllerSnapshot& controller,
                              const Part& item) {
         constexpr std::string_view wrapper = "UTIL.BAT";
-        if (step.argv.size() < 2 || step.argv[0] != wrapper || step.argv[1] != controller.utility) {
-            item.fail("argv",
-                      "does not begin with " + std::string(wrapper) + " and " + controller.utility);
+        const bool isOfFamily = findFamily(controller.utility) != nullptr;
+        const std::size_t word = isOfFamily ? 0 : 1; // of the utility
+        if (step.argv.size() <= word ||
+            step.argv[0] != (isOfFamily ? controller.utility : wrapper) ||
+            step.argv[word] != controller.utility) {
+            item.fail("argv", "does not begin with " +
+                                  (isOfFamily ? std::string() : std::string(wrapper) + " and ") +
+                                  controller.utility);
         }
         if (step.argv != splitCommandLine(step.command)) {
             item.fail("argv", "is not what \"command\" says");
+        }
+        // No plan is made with it: a utility's refusal of what the system uses is heeded.
+        const auto isForce = [](const std::string& argument) {
+            return text::equalsNoCase(argument, "force") || text::equalsNoCase(argument, "--force");
+        };
+        if (isOfFamily && std::any_of(step.argv.begin(), step.argv.end(), isForce)) {
+            item.fail("argv", "has \"force\", which no plan says");
         }
     }
 

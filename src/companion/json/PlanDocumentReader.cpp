@@ -183,6 +183,7 @@ ControllerPlanning readPlanning(const Part& part) {
     checkPlanning(planning, part);
     addStandingLayout(planning.before, planning.controller);
     planning.after = layoutOf(planning);
+    planning.before.deepMirrors = planning.after.deepMirrors;
     return planning;
 }
 

@@ -1,3 +1,4 @@
+#include "companion/families/Family.h"
 #include "companion/json/MachinePieces.h"
 #include "companion/json/PlanPieces.h"
 
@@ -220,10 +221,12 @@ ControllerSnapshot readPlanController(const Part& part) {
     ControllerSnapshot controller;
     Facts& facts = controller.facts;
     controller.number = part.number<std::int32_t>("number", 1, mostNumber);
-    controller.index = static_cast<std::size_t>(controller.number) - 1;
     controller.failed = !part.truth("captured");
     controller.model = part.wordOrNull("model");
     controller.utility = part.word("utility");
+    controller.index = findFamily(controller.utility) == nullptr
+                           ? static_cast<std::size_t>(controller.number) - 1
+                           : ControllerSnapshot::noRecord;
     controller.adapter = part.number<std::int32_t>("adapter", 0, mostNumber);
     controller.pci = part.wordOrNull("pci");
     controller.pciIds = part.wordOrNull("pci_ids");

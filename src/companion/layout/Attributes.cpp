@@ -69,7 +69,7 @@ class VolumeComparison {
             cannotCompare("capacity_bytes");
             return;
         }
-        if (wanted_.fills ? isFilling() || isDeepMirror() : isOfWantedSize()) {
+        if (wanted_.fills ? isFilling() : isOfWantedSize()) {
             return;
         }
         const std::uint64_t found = *captured_.capacityBytes;
@@ -81,14 +81,6 @@ class VolumeComparison {
 
     [[nodiscard]] std::uint64_t granularity() const {
         return std::max(captured_.toleranceBytes, wanted_.toleranceBytes);
-    }
-
-    /// A mirror of more than two drives holds half of them, or one: what is wanted allows for both.
-    [[nodiscard]] bool isDeepMirror() const {
-        const std::uint64_t size = wanted_.capacityBytes.value_or(0);
-        const std::uint64_t found = *captured_.capacityBytes;
-        return wanted_.raidType == "RAID10" && wanted_.toleranceBytes >= size / 2 && found < size &&
-               size - found <= wanted_.toleranceBytes;
     }
 
     [[nodiscard]] bool isOfWantedSize() const {

@@ -271,6 +271,7 @@ class LayoutComparison {
             std::replace(span.begin(), span.end(), gone, come);
         }
         Layout one;
+        one.deepMirrors = wanted_.deepMirrors;
         one.groups.push_back(std::move(group));
         normalize(one);
         const std::vector<LayoutVolume>& volumes = captured_.groups[captured].volumes;

@@ -60,9 +60,10 @@ std::vector<Span> cutInto(const Span& drives, std::size_t size) {
     return spans;
 }
 
-/// A mirror over more than two drives is mirrored pairs under another name.
-void nameLevel(std::string& raidType, std::size_t drives) {
-    if (raidType == "RAID1" && drives > pairOfDrives && drives % pairOfDrives == 0) {
+/// A mirror over more than two drives may be mirrored pairs under another name.
+void nameLevel(std::string& raidType, std::size_t drives, DeepMirrors deepMirrors) {
+    if (deepMirrors == DeepMirrors::asRaid10 && raidType == "RAID1" && drives > pairOfDrives &&
+        drives % pairOfDrives == 0) {
         raidType = "RAID10";
     }
 }
@@ -107,9 +108,10 @@ void sortSpares(std::vector<LayoutSpare>& spares) {
 struct CapturedVolume {
     LayoutVolume volume;
     std::vector<Span> spans;
+    DeepMirrors deepMirrors = DeepMirrors::asRaid10;
 
     [[nodiscard]] std::uint64_t halves() const {
-        return dataHalves(volume.raidType, countDrives(spans), spans.size());
+        return dataHalves(volume.raidType, countDrives(spans), spans.size(), deepMirrors);
     }
     /// What it takes of each member.
     [[nodiscard]] std::uint64_t share() const {
@@ -118,8 +120,9 @@ struct CapturedVolume {
     }
 };
 
-CapturedVolume volumeOf(const LogicalDriveFacts& facts) {
+CapturedVolume volumeOf(const LogicalDriveFacts& facts, DeepMirrors deepMirrors) {
     CapturedVolume captured;
+    captured.deepMirrors = deepMirrors;
     LayoutVolume& volume = captured.volume;
     volume.id = facts.id;
     volume.raidType = facts.raidType.empty() ? facts.reportedLevel : facts.raidType;
@@ -131,7 +134,7 @@ CapturedVolume volumeOf(const LogicalDriveFacts& facts) {
     volume.reportedState = facts.reportedState;
     volume.health = facts.health;
     captured.spans = facts.spans;
-    nameLevel(volume.raidType, countDrives(captured.spans));
+    nameLevel(volume.raidType, countDrives(captured.spans), deepMirrors);
     orderSpans(volume.raidType, captured.spans);
     return captured;
 }
@@ -189,7 +192,7 @@ std::vector<LayoutGroup> groupsOf(const Facts& facts) {
     std::vector<Draft> drafts;
     std::map<Span, std::size_t> byDrives;
     for (const LogicalDriveFacts& logical : facts.logicalDrives) {
-        CapturedVolume volume = volumeOf(logical);
+        CapturedVolume volume = volumeOf(logical, facts.deepMirrors);
         Draft draft;
         draft.group.id = logical.array;
         draft.group.spans = volume.spans;
@@ -262,6 +265,7 @@ std::vector<std::string> LayoutGroup::drives() const {
 
 Layout capturedLayout(const Facts& facts) {
     Layout layout;
+    layout.deepMirrors = facts.deepMirrors;
     layout.groups = groupsOf(facts);
     sortGroups(layout.groups);
     for (const DriveFacts& drive : facts.drives) {
@@ -284,7 +288,7 @@ void normalize(Layout& layout) {
     mergeGroups(layout);
     for (LayoutGroup& group : layout.groups) {
         for (LayoutVolume& volume : group.volumes) {
-            nameLevel(volume.raidType, countDrives(group.spans));
+            nameLevel(volume.raidType, countDrives(group.spans), layout.deepMirrors);
         }
         orderSpans(group.volumes.empty() ? std::string_view() : group.volumes.front().raidType,
                    group.spans);
@@ -294,7 +298,11 @@ void normalize(Layout& layout) {
     std::sort(layout.foreignDrives.begin(), layout.foreignDrives.end(), locationStandsBefore);
 }
 
-std::uint64_t dataHalves(std::string_view raidType, std::uint64_t drives, std::uint64_t spans) {
+std::uint64_t dataHalves(std::string_view raidType, std::uint64_t drives, std::uint64_t spans,
+                         DeepMirrors deepMirrors) {
+    if (raidType == "RAID1" && deepMirrors == DeepMirrors::ofAll) {
+        return std::min<std::uint64_t>(drives, pairOfDrives);
+    }
     struct Row {
         std::string_view level;
         std::uint64_t kept; ///< drives that hold none

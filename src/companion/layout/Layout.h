@@ -45,7 +45,8 @@ struct LayoutGroup {
 
 struct LayoutSpare {
     std::string location;
-    std::vector<std::string> covers; ///< wanted: ids of groups; captured: empty
+    /// Wanted: ids of groups; captured: empty, but what a plan's steps begin with.
+    std::vector<std::string> covers;
     bool isDedicated = false;
     bool isListed = false; ///< wanted: the policy names this very drive
     friend bool operator==(const LayoutSpare&, const LayoutSpare&) = default;
@@ -57,6 +58,7 @@ struct Layout {
     std::vector<LayoutGroup> groups;
     std::vector<LayoutSpare> spares;
     std::vector<std::string> foreignDrives; ///< locations, sorted
+    DeepMirrors deepMirrors = DeepMirrors::asRaid10;
     friend bool operator==(const Layout&, const Layout&) = default;
 };
 
@@ -64,14 +66,15 @@ struct Layout {
 [[nodiscard]] Layout capturedLayout(const Facts& facts);
 
 /// Sorts groups, spans and spares, makes one group of those over the same drives, cuts the drives
-/// of a group that come as one span into the spans of its level, and has one word for one thing: a
-/// mirror of more than two drives is RAID 10 of pairs.
+/// of a group that come as one span into the spans of its level, and has one word for one thing:
+/// where `deepMirrors` says so, a mirror of more than two drives is RAID 10 of pairs.
 void normalize(Layout& layout);
 
 /// Drives' worth of data that a logical drive holds, in halves of a drive: 2 of a mirror of two, 4
 /// of RAID 5 of three. 0 where there are too few drives.
 [[nodiscard]] std::uint64_t dataHalves(std::string_view raidType, std::uint64_t drives,
-                                       std::uint64_t spans);
+                                       std::uint64_t spans,
+                                       DeepMirrors deepMirrors = DeepMirrors::asRaid10);
 /// What zolex itself takes for the rest of an array, in bytes.
 inline constexpr std::uint64_t fillMarginBytes = std::uint64_t{139} << 20U;
 /// What metadata may take of `bytes` of drives: two of a thousand.

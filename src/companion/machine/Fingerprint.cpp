@@ -72,6 +72,9 @@ std::string stateText(const ControllerSnapshot& controller) {
                                                  : facts.inquiry);
         append(text, facts.capacityBytes ? std::to_string(*facts.capacityBytes / bytesOfMb) : "");
         append(text, driveCondition(facts));
+        if (!facts.barred.empty()) {
+            append(text, facts.barred);
+        }
         drives.push_back(std::move(text));
     }
     std::sort(drives.begin(), drives.end());
@@ -128,6 +131,8 @@ std::string_view driveCondition(const DriveFacts& drive) {
         return "foreign";
     case DriveState::rebuilding:
         return "rebuilding";
+    case DriveState::jbod:
+        return "shown to the system";
     default:
         return drive.health == Health::critical ? "failed" : "good";
     }

@@ -305,6 +305,13 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {problem::convertLevels, note, "the other levels are left out",
      "zolex takes one level. When drives are added or taken out, it is not chosen anew.",
      "convert the policies again when the drives change"},
+    {problem::convertPlaces, note, "places of drives are counted anew",
+     "Drives by channel and id: the channel is the place of the enclosure among those that the other "
+     "utility lists, 1 being for drives in no enclosure where there are such.",
+     "look at the places: zolexctl show"},
+    {problem::convertNoType, error, "no policy is for controllers of the type",
+     "No AppliesTo entry names it, and nothing would be changed.",
+     "write it as the file has it: --model t:LSI-MegaRAID-8480=t:STORCLI"},
     {problem::ironicUnreadable, error, "a RAID configuration of Ironic cannot be read from its file",
      "Nothing was written. The file is missing, or this user has no right to read it.",
      "give the name of the file, or - for standard input"},

@@ -31,6 +31,12 @@ struct TemporaryFolder {
 /// Looks at it; nothing is written.
 [[nodiscard]] TemporaryFolder temporaryFolder();
 
+/// Makes a folder; false when it cannot be made, or is there.
+[[nodiscard]] bool makeFolder(const std::string& name);
+/// Removes a folder with the files that are in it. What is no folder, and a link to one, stays.
+/// The system's last error is as before.
+void removeFolder(const std::string& name);
+
 /// A folder of its own for a child that leaves files in its current folder. It goes with the files
 /// that are in it.
 class EmptyFolder {

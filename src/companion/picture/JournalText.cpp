@@ -4,6 +4,7 @@
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
 #include "companion/text/TypedWord.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -183,17 +184,30 @@ class JournalWriter {
         StepState& state = steps_[event.step];
         state.isDone = event.accepted;
         state.hasFailed = !event.accepted && event.outcome != ChildOutcome::stillRunning;
-        std::string text = event.accepted ? "ok, " : "FAILED, ";
+        const bool isAgain = !event.instead.empty();
+        std::string text = event.accepted ? "ok, " : isAgain ? "not known, " : "FAILED, ";
         text += endText(event) + ", " + timeText(event.durationMs);
         if (event.outcome == ChildOutcome::stillRunning) {
             text = event.durationMs > 0 ? "had not ended after " + timeText(event.durationMs)
                                         : "its end was not seen";
         }
-        stepLine(event.step, text, event.accepted ? Emphasis::good : Emphasis::bad);
+        stepLine(event.step, text,
+                 event.accepted ? Emphasis::good
+                 : isAgain      ? Emphasis::warning
+                                : Emphasis::bad);
         if (!event.accepted && isNamed(event.step) && !terms_.verbose) {
             below(printable(state.command), Emphasis::dim);
         }
-        if (!event.accepted || terms_.verbose) {
+        if (!event.reason.empty()) {
+            below("| " + printable(event.reason), Emphasis::plain);
+        }
+        if (isAgain) {
+            below("run again as " + printable(event.instead), Emphasis::dim);
+        }
+        // An answer in JSON says no more than the reason.
+        const bool isInWords =
+            !event.reason.empty() && zolex::text::trim(event.output, " \t\r\n").starts_with('{');
+        if ((!event.accepted && !isInWords) || terms_.verbose) {
             output(event);
         }
     }

@@ -477,6 +477,15 @@ class LayoutMaker {
         if (view_.readAhead && limits_.setsCaches) {
             readCache_ = view_.readAhead->code == read_ahead::off ? "Off" : "ReadAhead";
         }
+        if (view_.init) {
+            Finding finding;
+            finding.code = "ZX408";
+            finding.severity = Severity::warning;
+            finding.summary = std::string(keyword::init) + " has no effect: " +
+                              planned_.detail.utility + " is not told how to initialise";
+            finding.help = {"take the line out"};
+            add(std::move(finding), &view_.init->entry->keyword);
+        }
         if (view_.rebuildRate) {
             planning_.rebuildRate = view_.rebuildRate->code == rebuild_rate::high     ? "HIGH"
                                     : view_.rebuildRate->code == rebuild_rate::medium ? "MEDIUM"
@@ -689,7 +698,8 @@ class LayoutMaker {
         smallest = smallest == std::numeric_limits<std::uint64_t>::max() ? 0 : smallest;
         const std::uint64_t drives = array.drives.size();
         const std::uint64_t spans = array.drivesPerSpan == 0 ? 1 : drives / array.drivesPerSpan;
-        const std::uint64_t all = smallest / 2 * dataHalves(volume.raidType, drives, spans);
+        const std::uint64_t all =
+            smallest / 2 * dataHalves(volume.raidType, drives, spans, limits_.deepMirrors);
         array.capacityBytes = smallest * drives;
         const std::uint64_t stripe = volume.stripSizeBytes.value_or(usualStrip) * drives;
         std::uint64_t& used = used_[ask.array];
@@ -709,12 +719,6 @@ class LayoutMaker {
         if (volume.fills) {
             volume.toleranceBytes =
                 stripe + tolerance + fillMarginBytes + metadataBytes(volume.capacityBytes);
-            // A mirror of more than two drives holds half of them, or one: controllers differ.
-            const bool isMirror = volume.raidType == "RAID1" || volume.raidType == "RAID10";
-            const std::uint64_t least = smallest * spans;
-            if (isMirror && drives > 2 * spans && volume.capacityBytes > least) {
-                volume.toleranceBytes += volume.capacityBytes - least;
-            }
         }
         const bool isTooLarge = volume.capacityBytes > left;
         const bool isNothing = volume.capacityBytes < bytesOfMb;

@@ -175,6 +175,7 @@ FamilyPlanner::Attempt FamilyPlanner::attempt(const ControllerSnapshot& detail, 
         attempt.planning.spares.clear();
         return attempt;
     }
+    attempt.planning.controller.utility = detail.utility;
     attempt.planning.after = layoutOf(attempt.planning);
     attempt.planning.comparison =
         compareLayouts(detail.facts, capturedLayout(detail.facts), attempt.planning.after,

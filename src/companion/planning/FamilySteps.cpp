@@ -6,6 +6,7 @@
 #include "companion/planning/Losses.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Strategy.h"
+#include "foundation/Text.h"
 #include "platform/CommandLineSplit.h"
 
 #include <algorithm>
@@ -27,7 +28,9 @@ class StepMaker {
         : family_(family), planning_(planning), choice_(choice) {}
 
     void make() {
+        nameCovers();
         removeSpares();
+        makeSparesOfStanding();
         removeVolumes();
         clearForeign();
         for (std::size_t array = 0; array < planning_.arrays.size(); ++array) {
@@ -73,6 +76,16 @@ class StepMaker {
     void lose(PlanStep& step, Loss loss) {
         step.destroys.push_back(loss.id);
         planning_.losses.push_back(std::move(loss));
+    }
+    /// What the spares that stand are of, as their drives tell: a run that is gone on with looks at
+    /// it.
+    void nameCovers() {
+        for (LayoutSpare& spare : planning_.before.spares) {
+            const DriveFacts* const drive = planning_.controller.facts.drive(spare.location);
+            if (spare.isDedicated && drive != nullptr) {
+                spare.covers = drive->covers;
+            }
+        }
     }
     [[nodiscard]] std::int32_t adapter() const { return planning_.controller.adapter; }
 
@@ -135,13 +148,36 @@ class StepMaker {
         if (!choice_.clearsForeign || drives.empty()) {
             return;
         }
+        std::string told;
+        for (const std::string& line : planning_.controller.facts.foreignConfigurations) {
+            told += (told.empty() ? " (" : "; ") + line;
+        }
         PlanStep& step =
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
-                        "clear the layouts of other controllers: " + driveList(drives));
+                        "clear the layouts of other controllers: " + driveList(drives) + told +
+                            (told.empty() ? "" : ")"));
         step.isRepeatable = true;
         for (const std::string& drive : drives) {
-            lose(step, foreignLoss(planning_, drive));
+            Loss loss = foreignLoss(planning_, drive);
+            loss.raidType = foreignLevels();
+            lose(step, std::move(loss));
         }
+    }
+
+    /// "RAID1", "RAID0/RAID5": which drives a layout of another controller has is not told.
+    [[nodiscard]] std::string foreignLevels() const {
+        std::set<std::string> levels;
+        for (const std::string& line : planning_.controller.facts.foreignConfigurations) {
+            const std::size_t begin = line.find("RAID");
+            if (begin != std::string::npos) {
+                levels.insert(line.substr(begin, line.find(',', begin) - begin));
+            }
+        }
+        std::string text;
+        for (const std::string& level : levels) {
+            text += (text.empty() ? "" : "/") + level;
+        }
+        return text;
     }
 
     // What comes.
@@ -195,11 +231,6 @@ class StepMaker {
         wish.readCache = volume.readCache;
         if (isFirst) {
             wish.spares = sparesWith(array.id);
-        }
-        if (std::string why = family_.whyNotMade(wish, planning_.controller.facts); !why.empty()) {
-            faults_.push_back(planFault(problem::lineNotMade,
-                                        volume.id + " on array " + array.id + ": " + why,
-                                        {"change the entry, and try it: zolexctl plan POLICIES"}));
         }
         std::string summary = "create " + (isFirst ? array.id : volume.id + " on " + array.id) +
                               ": " + volume.raidType + " on " + driveList(drives);
@@ -255,22 +286,82 @@ class StepMaker {
         }
     }
 
+    /// Dedicated spares of arrays that stand, as long as these have the numbers that were captured:
+    /// whether the numbers of the others change when an array goes depends on the utility.
+    void makeSparesOfStanding() {
+        for (const std::size_t index : choice_.parts.missingSpares) {
+            const LayoutSpare& spare = planning_.after.spares[index];
+            const std::vector<std::string>& covers = spare.covers;
+            const auto stands = [this](const std::string& letter) {
+                return !standingId(letter).empty();
+            };
+            const auto mayChange = [this](const std::string& letter) {
+                return numberMayChange(standingId(letter));
+            };
+            if (!spare.isDedicated || !std::all_of(covers.begin(), covers.end(), stands) ||
+                std::none_of(covers.begin(), covers.end(), mayChange)) {
+                continue;
+            }
+            if (isFree(spare.location)) {
+                makeSpare(spare);
+            } else {
+                faults_.push_back(planFault(
+                    problem::spareNotMade,
+                    "the hot spare " + spare.location + " is to be of " + joinWords(spare.covers) +
+                        " alone, whose number may change with the arrays that go before the "
+                        "drive is free",
+                    {"leave this spare out, apply, and plan once more with it",
+                     "or write one for all: Spares = 1"}));
+                made_.insert(spare.location);
+            }
+        }
+    }
+
+    /// The utility's id of an array that stands; empty of another.
+    [[nodiscard]] std::string standingId(const std::string& letter) const {
+        const auto group = groupOf(letter);
+        const auto captured = group ? choice_.parts.standsOn[*group] : std::nullopt;
+        return captured ? planning_.before.groups[*captured].id : std::string();
+    }
+
+    /// Whether an array of a lower number goes. Names do not change.
+    [[nodiscard]] bool numberMayChange(const std::string& id) const {
+        const auto number = text::wholeNumber(id);
+        for (std::size_t index = 0; number && index < planning_.before.groups.size(); ++index) {
+            const auto other = text::wholeNumber(planning_.before.groups[index].id);
+            if (choice_.parts.volumesKept[index] == 0 && other && *other < *number) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Whether the drive is free, or was a spare that has been removed.
+    [[nodiscard]] bool isFree(const std::string& location) const {
+        const DriveFacts* const drive = planning_.controller.facts.drive(location);
+        return drive != nullptr && !drive->isForeign &&
+               (drive->state == DriveState::free || drive->state == DriveState::hotspare);
+    }
+
     void makeSpares() {
         for (const std::size_t index : choice_.parts.missingSpares) {
             const LayoutSpare& spare = planning_.after.spares[index];
-            if (made_.contains(spare.location)) {
-                continue;
+            if (!made_.contains(spare.location)) {
+                makeSpare(spare);
             }
-            std::vector<std::string> arrays;
-            if (spare.isDedicated && !findArrays(spare, arrays)) {
-                continue;
-            }
-            PlanStep& step =
-                add("create-spare", family_.addSpare(adapter(), spare.location, arrays),
-                    "make " + spare.location + " a spare" +
-                        (spare.isDedicated ? " of " + joinWords(spare.covers) : ""));
-            step.creates = {spare.location};
         }
+    }
+
+    void makeSpare(const LayoutSpare& spare) {
+        made_.insert(spare.location);
+        std::vector<std::string> arrays;
+        if (spare.isDedicated && !findArrays(spare, arrays)) {
+            return;
+        }
+        PlanStep& step = add("create-spare", family_.addSpare(adapter(), spare.location, arrays),
+                             "make " + spare.location + " a spare" +
+                                 (spare.isDedicated ? " of " + joinWords(spare.covers) : ""));
+        step.creates = {spare.location};
     }
 
     /// The utility's numbers of the arrays that stand; false after a fault.

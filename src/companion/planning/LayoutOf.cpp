@@ -1,3 +1,4 @@
+#include "companion/families/Family.h"
 #include "companion/planning/Plan.h"
 
 #include <algorithm>
@@ -98,6 +99,9 @@ Layout layoutOf(const ControllerPlanning& planning) {
         }
     }
     Layout layout;
+    if (const Family* const family = findFamily(planning.controller.utility)) {
+        layout.deepMirrors = family->limits(planning.controller.facts).deepMirrors;
+    }
     layout.groups = groups.take();
     for (const PlannedSpare& planned : planning.spares) {
         LayoutSpare spare;

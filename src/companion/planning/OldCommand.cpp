@@ -29,7 +29,7 @@ class OldRun {
 
     OldCommand run() {
         OldCommand old;
-        if (isAnythingPlanned() && !hasKinds()) {
+        if (isAnythingPlanned() && !hasKinds() && snapshot_.controllers.count() > 0) {
             old.wouldRun = {"zolex " + (mustClear() ? std::string("/r /y ") : std::string()) +
                             (request_.classDefaults ? "/d" : "/f:" + request_.policiesFile)};
         }
@@ -164,10 +164,15 @@ class OldRun {
 
     /// zolex configures all controllers, and knows no other way.
     void tellOthers() {
-        if (isAnythingPlanned() && snapshot_.details.size() < snapshot_.controllers.count()) {
-            differences_.push_back(
-                std::string(configuresAll) + std::to_string(snapshot_.controllers.count()) +
-                " controllers, and this plan " + std::to_string(snapshot_.details.size()));
+        const auto known = std::count_if(snapshot_.details.begin(), snapshot_.details.end(),
+                                         [](const ControllerSnapshot& detail) {
+                                             return detail.index != ControllerSnapshot::noRecord;
+                                         });
+        const auto planned = static_cast<std::size_t>(known);
+        if (isAnythingPlanned() && planned < snapshot_.controllers.count()) {
+            differences_.push_back(std::string(configuresAll) +
+                                   std::to_string(snapshot_.controllers.count()) +
+                                   " controllers, and this plan " + std::to_string(planned));
         }
     }
 

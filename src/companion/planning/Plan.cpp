@@ -59,7 +59,7 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request,
         std::any_of(snapshot.details.begin(), snapshot.details.end(), [](const auto& detail) {
             return detail.index == ControllerSnapshot::noRecord;
         });
-    if (snapshot.controllers.count() == 0 && !hasFamilies) {
+    if (snapshot.count() == 0 && !hasFamilies) {
         plan.diagnostics.push_back(
             problemFinding(problem::noControllers, "there is no RAID controller in this machine"));
     }

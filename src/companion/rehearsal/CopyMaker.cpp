@@ -1,8 +1,8 @@
 #include "companion/rehearsal/CopyMaker.h"
 
 #include "companion/layout/NormalForm.h"
-
-#include "companion/text/Terminal.h"
+#include "companion/rehearsal/NoCopy.h"
+#include "companion/rehearsal/StorcliCopy.h"
 #include "foundation/Text.h"
 #include "model/Utility.h"
 
@@ -10,7 +10,6 @@
 #include <array>
 #include <map>
 #include <set>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -25,12 +24,6 @@ using zolex_sim::Generation;
 constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 constexpr std::uint64_t bytesOfSector = 512;
-
-/// What keeps a controller from being copied.
-class NoCopy : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 /// What the facts leave open.
 struct CopyForm {
@@ -101,12 +94,6 @@ std::vector<CopyForm> formsOf(const ControllerSnapshot& original) {
     return forms;
 }
 
-/// How people are told of a text from a listing.
-std::string quoted(std::string_view text) {
-    constexpr std::size_t longest = 60;
-    return "\"" + printable(text.substr(0, longest)) + "\"";
-}
-
 std::int64_t asSigned(std::uint64_t number) {
     return static_cast<std::int64_t>(number);
 }
@@ -125,7 +112,7 @@ class CopyBuilder {
 
     zolex_sim::Controller build() {
         if (traits_ == nullptr) {
-            throw NoCopy("the virtual server has no utility " + quoted(original_.utility));
+            throw NoCopy("the virtual server has no utility " + quotedText(original_.utility));
         }
         addIdentity();
         for (const DriveFacts& drive : facts_.drives) {
@@ -313,7 +300,7 @@ class CopyBuilder {
             break;
         }
         throw NoCopy("drive " + facts.location + " has a state that is not known, " +
-                     quoted(facts.reportedState));
+                     quotedText(facts.reportedState));
     }
 
     void setSize(const DriveFacts& facts, zolex_sim::Drive& drive) const {
@@ -340,7 +327,7 @@ class CopyBuilder {
         const std::optional<zolex_sim::RaidLevel> level = levelOf(facts.raidType);
         if (facts.raidType.empty() || !level) {
             throw NoCopy(name + " has a RAID level that is not known, " +
-                         quoted(facts.reportedLevel));
+                         quotedText(facts.reportedLevel));
         }
         zolex_sim::LogicalDrive volume;
         volume.level = *level;
@@ -444,7 +431,7 @@ class CopyBuilder {
         const bool isMissing = location == "Missing" || location.starts_with("PD ");
         if (!isMissing) {
             throw NoCopy("a member of LD " + facts.id + " is no drive that is listed, " +
-                         quoted(location));
+                         quotedText(location));
         }
         zolex_sim::Drive drive;
         constexpr int nowhere = 70000; // no command can name it
@@ -587,6 +574,26 @@ std::string differenceOf(const ControllerSnapshot& original, VirtualCopy& copy, 
     return difference;
 }
 
+/// Of one that STORCLI drives.
+MadeCopy copyStorcli(const ControllerSnapshot& original) {
+    MadeCopy made;
+    try {
+        VirtualCopy copy(original, storcli_copy::make(original));
+        Facts found = copy.read();
+        made.because = storcli_copy::differenceOf(original.facts, found);
+        made.facts = copy.inPlaceOfOriginal(std::move(found));
+        if (made.because.empty() && normalForm(made.facts) != normalForm(original.facts)) {
+            made.because = "the copy has another layout";
+        }
+        if (made.because.empty()) {
+            made.copy = std::move(copy);
+        }
+    } catch (const NoCopy& fault) {
+        made.because = fault.what();
+    }
+    return made;
+}
+
 } // namespace
 
 MadeCopy copyController(const ControllerSnapshot& original, std::int32_t controllerType) {
@@ -598,6 +605,13 @@ MadeCopy copyController(const ControllerSnapshot& original, std::int32_t control
     constexpr std::int32_t mostAdapters = 64;
     if (original.adapter < 0 || original.adapter > mostAdapters) {
         made.because = "its utility has no number for it";
+        return made;
+    }
+    if (original.index == ControllerSnapshot::noRecord) {
+        if (original.utility == "STORCLI") {
+            return copyStorcli(original);
+        }
+        made.because = "controllers of " + original.utility + " are not copied";
         return made;
     }
     for (const CopyForm& form : formsOf(original)) {

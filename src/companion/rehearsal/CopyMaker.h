@@ -18,7 +18,8 @@ struct MadeCopy {
 /// Makes a virtual copy of the controller: its drives, their states, its logical drives and spares.
 /// Where the listings leave open what the controller is (the generation of its utility, how it
 /// names members), each kind is tried. What is made is captured by the original's own commands:
-/// only a copy with the same drives and the same layout counts.
+/// only a copy with the same drives and the same layout counts. The type is that of zolex; it is
+/// not looked at for controllers that zolex does not know.
 [[nodiscard]] MadeCopy copyController(const ControllerSnapshot& original,
                                       std::int32_t controllerType);
 

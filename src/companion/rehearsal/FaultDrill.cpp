@@ -75,7 +75,7 @@ class Drill {
             if ((mayJoin || i > index) && copy_.state() == stages_[i].state) {
                 return true;
             }
-            if (!isAccepted(steps_[i], copy_.play(steps_[i].argv).exitCode)) {
+            if (!isAccepted(steps_[i], copy_.play(steps_[i].argv))) {
                 return false;
             }
         }
@@ -98,9 +98,10 @@ ResumeAt resumeAt(std::string_view found, std::string_view before, std::string_v
     return found == after && before != after ? ResumeAt::behind : ResumeAt::nowhere;
 }
 
-bool isAccepted(const PlanStep& step, std::int32_t exitCode) {
-    return std::find(step.acceptedExitCodes.begin(), step.acceptedExitCodes.end(), exitCode) !=
-           step.acceptedExitCodes.end();
+bool isAccepted(const PlanStep& step, const PlayedLine& played) {
+    return !played.isRefused &&
+           std::find(step.acceptedExitCodes.begin(), step.acceptedExitCodes.end(),
+                     played.exitCode) != step.acceptedExitCodes.end();
 }
 
 DrillResult drillFaults(VirtualCopy& copy, const std::vector<PlanStep>& steps,

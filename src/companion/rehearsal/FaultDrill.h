@@ -33,8 +33,8 @@ struct DrillResult {
     std::vector<std::int32_t> notResumable; ///< numbers of the others
 };
 
-/// Whether the step's exit code counts as success.
-[[nodiscard]] bool isAccepted(const PlanStep& step, std::int32_t exitCode);
+/// Whether what the step came to counts as success.
+[[nodiscard]] bool isAccepted(const PlanStep& step, const PlayedLine& played);
 
 /// Makes each step fail: once without doing anything, once having done its work, and one that is
 /// repeatable is run a second time. Each time the plan goes on as a resumption would, and must come

@@ -81,11 +81,8 @@ class ControllerRehearsal {
         keepStage();
         for (PlanStep& step : planning_.steps) {
             const PlayedLine played = copy_.play(step.argv);
-            if (!isAccepted(step, played.exitCode)) {
-                refuse(problem::stepRefused,
-                       stepText(step) + " would be refused: exit code " +
-                           std::to_string(played.exitCode),
-                       step.command + wordsOf(played.output));
+            if (!isAccepted(step, played)) {
+                refuseStep(step, played);
                 return false;
             }
             if (const std::string spare = copy_.doubtfulSpare(stages_.back().state);
@@ -153,6 +150,17 @@ class ControllerRehearsal {
         return true;
     }
 
+    /// A family's utility says why in a line of its own.
+    void refuseStep(const PlanStep& step, const PlayedLine& played) {
+        refuse(problem::stepRefused,
+               stepText(step) + " would be refused: " +
+                   (played.why.empty() ? "exit code " + std::to_string(played.exitCode)
+                                       : printable(played.why)),
+               step.command + (played.why.empty() ? wordsOf(played.output) : ""));
+        std::vector<std::string>& help = planning_.diagnostics.back().help;
+        help.insert(help.begin(), played.help.begin(), played.help.end());
+    }
+
     void refuse(std::string_view code, std::string summary, std::string detail) {
         Finding finding = problemFinding(code, std::move(summary), std::move(detail));
         finding.refusedBy = RefusedBy::plan;
@@ -183,11 +191,12 @@ MadeCopy copyOf(const Snapshot& snapshot, std::int32_t number) {
     const ControllerSnapshot* const captured = capturedOf(snapshot, number);
     const RAIDController* const record =
         captured == nullptr ? nullptr : snapshot.controllers.controller(captured->index);
+    if (captured != nullptr && captured->index == ControllerSnapshot::noRecord) {
+        return copyController(*captured, 0);
+    }
     if (record == nullptr) {
         MadeCopy none;
-        none.because = captured == nullptr || captured->failed
-                           ? "it was not captured"
-                           : "controllers of " + captured->utility + " are not copied";
+        none.because = "it was not captured";
         return none;
     }
     const ControllerSnapshot* const first = &*std::find_if(

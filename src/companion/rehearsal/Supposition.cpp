@@ -2,6 +2,7 @@
 
 #include "companion/recording/Recording.h"
 #include "companion/rehearsal/CopyMaker.h"
+#include "companion/rehearsal/StorcliCopy.h"
 #include "companion/text/Terminal.h"
 #include "foundation/Text.h"
 #include "model/Definition.h"
@@ -146,6 +147,56 @@ void change(zolex_sim::Controller& controller, const DriveLocation& location,
     controller.drives.insert(controller.drives.begin() + index, std::move(other));
 }
 
+// The same of a controller that STORCLI drives.
+
+bool isMember(const zolex_sim::storcli::Controller& controller, const DriveLocation& place) {
+    return controller.placeOf(place).has_value();
+}
+
+/// Takes the drive out; the array that it was in misses a member.
+void takeOut(zolex_sim::storcli::Controller& controller, const DriveLocation& place) {
+    const auto drive =
+        controller.drives.begin() + (controller.driveAt(place) - controller.drives.data());
+    if (!isMember(controller, place)) {
+        controller.drives.erase(drive);
+        return;
+    }
+    constexpr int nowhere = 70001; // no command can name it
+    const DriveLocation gone{nowhere, static_cast<int>(drive - controller.drives.begin())};
+    for (zolex_sim::storcli::Group& group : controller.groups) {
+        for (std::vector<DriveLocation>& span : group.spans) {
+            std::replace(span.begin(), span.end(), place, gone);
+        }
+    }
+    drive->place = gone;
+    drive->state = zolex_sim::storcli::DriveState::missing;
+}
+
+void change(zolex_sim::storcli::Controller& controller, const DriveLocation& place,
+            const Supposition& supposition) {
+    using zolex_sim::storcli::DriveState;
+    if (supposition.kind == Supposition::Kind::missing) {
+        takeOut(controller, place);
+        return;
+    }
+    zolex_sim::storcli::Drive& drive = *controller.driveAt(place);
+    if (supposition.kind == Supposition::Kind::fail) {
+        drive.state = isMember(controller, place) ? DriveState::failed : DriveState::bad;
+        drive.groups.clear();
+        return;
+    }
+    zolex_sim::storcli::Drive other = drive;
+    other.sectors = std::int64_t{supposition.sizeMb} * (1 << 20) / other.sectorBytes;
+    other.rawSectors = other.sectors + (std::int64_t{512} << 20) / other.sectorBytes;
+    if (!isMember(controller, place)) {
+        drive = std::move(other);
+        return;
+    }
+    takeOut(controller, place); // another one has taken the place of a member
+    other.state = DriveState::good;
+    controller.drives.push_back(std::move(other));
+}
+
 /// Whether the listings tell what is supposed.
 bool isTold(const Facts& facts, const Supposition& supposition) {
     const DriveFacts* const drive = facts.drive(supposition.location);
@@ -208,7 +259,39 @@ class Supposing {
         return own;
     }
 
+    /// The drives that are supposed to be other, in the copy.
+    template <typename Controller, typename Place>
+    bool changeAll(const ControllerSnapshot& detail, const std::vector<std::size_t>& own,
+                   Controller& controller, const Place& placeInCopy) {
+        for (const std::size_t index : own) {
+            const std::string& location = suppositions_[index].location;
+            const DriveLocation place = placeInCopy(*detail.facts.drive(location));
+            if (controller.driveAt(place) == nullptr) {
+                return fail(detail.number, "its copy has no drive " + location);
+            }
+            change(controller, place, suppositions_[index]);
+        }
+        changed_.push_back(detail.number);
+        return true;
+    }
+
+    bool putOfFamily(const ControllerSnapshot& detail, const std::vector<std::size_t>& own) {
+        const MadeCopy made = copyController(detail, 0);
+        if (!made.copy) {
+            return fail(detail.number, made.because);
+        }
+        zolex_sim::storcli::Controller changed = made.copy->storcli();
+        if (!changeAll(detail, own, changed, storcli_copy::placeOf)) {
+            return false;
+        }
+        platform_.put(detail, VirtualCopy(detail, std::move(changed)));
+        return true;
+    }
+
     bool put(const ControllerSnapshot& detail, const std::vector<std::size_t>& own) {
+        if (detail.index == ControllerSnapshot::noRecord) {
+            return putOfFamily(detail, own);
+        }
         const RAIDController* const record = snapshot_.controllers.controller(detail.index);
         MadeCopy made;
         made.because = "it was not captured";
@@ -220,15 +303,12 @@ class Supposing {
         }
         zolex_sim::Controller changed = made.copy->controller();
         setPciPlace(changed, detail.facts.pciAddress);
-        for (const std::size_t index : own) {
-            const std::string& location = suppositions_[index].location;
-            const DriveLocation place = placeInCopy(*detail.facts.drive(location), detail.utility);
-            if (changed.driveAt(place) == nullptr) {
-                return fail(detail.number, "its copy has no drive " + location);
-            }
-            change(changed, place, suppositions_[index]);
+        const auto place = [&detail](const DriveFacts& drive) {
+            return placeInCopy(drive, detail.utility);
+        };
+        if (!changeAll(detail, own, changed, place)) {
+            return false;
         }
-        changed_.push_back(detail.number);
         platform_.put(detail, VirtualCopy(detail, record->type(), std::move(changed)));
         return true;
     }

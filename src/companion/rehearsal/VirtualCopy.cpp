@@ -1,6 +1,7 @@
 #include "companion/rehearsal/VirtualCopy.h"
 
 #include "companion/facts/FactsReader.h"
+#include "companion/families/storcli/StorcliDecode.h"
 #include "foundation/Text.h"
 #include "platform/CommandLineSplit.h"
 #include "roles/Roles.h"
@@ -48,6 +49,22 @@ zolex_sim::Controller placeholderOf(const std::string& utility) {
     zolex_sim::Controller controller;
     controller.identity.utility = utility;
     return controller;
+}
+
+/// One of STORCLI's that stands before all others on the bus.
+zolex_sim::storcli::Controller storcliPlaceholder() {
+    zolex_sim::storcli::Controller controller;
+    controller.pci.bus = -1;
+    return controller;
+}
+
+/// The line of a command, as families judge it.
+std::string lineOf(const std::string& utility, const std::vector<std::string>& arguments) {
+    std::string line = utility;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        line += " " + arguments[i];
+    }
+    return line;
 }
 
 void takeState(DriveFacts& drive, const DriveFacts& found) {
@@ -133,14 +150,52 @@ VirtualCopy::VirtualCopy(const ControllerSnapshot& original, std::int32_t contro
     server_.controllers.push_back(std::move(copy));
 }
 
+VirtualCopy::VirtualCopy(const ControllerSnapshot& original, zolex_sim::storcli::Controller copy)
+    : utility_(original.utility), type_(0), isStorcli_(true), adapter_(original.adapter),
+      original_(original.facts) {
+    for (const CapturedListing& listing : original.commands) {
+        commands_.push_back(listing.command);
+        listings_.push_back(utilityArguments(utility_, splitCommandLine(listing.command)));
+    }
+    original_.logicalDrives.clear();
+    original_.listings.clear();
+    original_.broken.clear();
+    server_.storcliControllers.assign(static_cast<std::size_t>(std::max(adapter_, 0)),
+                                      storcliPlaceholder());
+    server_.storcliControllers.push_back(std::move(copy));
+}
+
 PlayedLine VirtualCopy::play(const std::vector<std::string>& argv) {
-    zolex_sim::PlayResult result =
-        zolex_sim::playUtility(server_, utilityArguments(utility_, argv));
-    return {result.exitCode, std::move(result.output)};
+    const std::vector<std::string> arguments = utilityArguments(utility_, argv);
+    zolex_sim::PlayResult result = zolex_sim::playUtility(server_, arguments);
+    PlayedLine played{result.exitCode, std::move(result.output), false, {}, {}};
+    const Family* const family = isStorcli_ ? findFamily(utility_) : nullptr;
+    const std::string line = lineOf(utility_, arguments);
+    if (family == nullptr || family->isReading(line)) {
+        return played;
+    }
+    FamilyVerdict verdict =
+        family->judge(line, static_cast<std::uint32_t>(played.exitCode), played.output);
+    if (!verdict.isDone && !verdict.instead.empty() && verdict.instead != line) {
+        return play(splitCommandLine(verdict.instead));
+    }
+    played.isRefused = !verdict.isDone;
+    played.why = std::move(verdict.why);
+    played.help = std::move(verdict.help);
+    return played;
 }
 
 CopyState VirtualCopy::state() const {
     CopyState state;
+    if (isStorcli_) {
+        for (const zolex_sim::storcli::Drive& drive : storcli().drives) {
+            state.storcli.drives.push_back({drive.state, drive.groups});
+        }
+        state.storcli.groups = storcli().groups;
+        state.storcli.volumes = storcli().volumes;
+        state.storcli.rebuildRate = storcli().rebuildRate;
+        return state;
+    }
     state.drives.reserve(copy().drives.size());
     for (const zolex_sim::Drive& drive : copy().drives) {
         state.drives.push_back(drive.status);
@@ -151,6 +206,17 @@ CopyState VirtualCopy::state() const {
 }
 
 void VirtualCopy::restore(const CopyState& state) {
+    if (isStorcli_) {
+        zolex_sim::storcli::Controller& controller = server_.storcliControllers.back();
+        for (std::size_t i = 0; i < state.storcli.drives.size(); ++i) {
+            controller.drives[i].state = state.storcli.drives[i].state;
+            controller.drives[i].groups = state.storcli.drives[i].groups;
+        }
+        controller.groups = state.storcli.groups;
+        controller.volumes = state.storcli.volumes;
+        controller.rebuildRate = state.storcli.rebuildRate;
+        return;
+    }
     for (std::size_t i = 0; i < state.drives.size(); ++i) {
         copy().drives[i].status = state.drives[i];
     }
@@ -158,7 +224,22 @@ void VirtualCopy::restore(const CopyState& state) {
     copy().logicalDrives = state.logicalDrives;
 }
 
+std::string VirtualCopy::lostSpare(const CopyState& before) const {
+    using zolex_sim::storcli::DriveState;
+    for (std::size_t i = 0; i < before.storcli.drives.size(); ++i) {
+        const zolex_sim::storcli::Drive& drive = storcli().drives[i];
+        if (before.storcli.drives[i].state == DriveState::dedicatedSpare &&
+            drive.state == DriveState::globalSpare) {
+            return toText(drive.place);
+        }
+    }
+    return {};
+}
+
 std::string VirtualCopy::doubtfulSpare(const CopyState& before) const {
+    if (isStorcli_) {
+        return lostSpare(before);
+    }
     const std::vector<zolex_sim::Drive>& drives = copy().drives;
     const auto spare =
         std::find_if(drives.begin(), drives.end(), [](const zolex_sim::Drive& drive) {
@@ -178,12 +259,73 @@ Facts VirtualCopy::readFrom(zolex_sim::Server& server) const {
     return readFacts(type_, texts);
 }
 
+Facts VirtualCopy::readStorcli() {
+    FamilyController controller;
+    controller.adapter = adapter_;
+    for (std::size_t i = 0; i < listings_.size(); ++i) {
+        zolex_sim::PlayResult played = zolex_sim::playUtility(server_, listings_[i]);
+        FamilyListing& listing = controller.listings.emplace_back();
+        listing.command = commands_[i];
+        listing.outcome = ChildOutcome::ended;
+        listing.exitCode = static_cast<std::uint32_t>(played.exitCode);
+        listing.output = std::move(played.output);
+    }
+    decodeStorcli(controller);
+    return std::move(controller.facts);
+}
+
 Facts VirtualCopy::read() {
-    return readFrom(server_);
+    if (!isStorcli_) {
+        return readFrom(server_);
+    }
+    Facts facts = readStorcli();
+    if (first_.empty()) {
+        first_ = facts.drives;
+    }
+    return facts;
+}
+
+/// A drive is as it was captured until a command has changed it.
+void VirtualCopy::takeChanges(std::vector<DriveFacts>& drives,
+                              const std::vector<DriveFacts>& found) const {
+    std::unordered_map<std::string_view, const DriveFacts*> before;
+    for (const DriveFacts& drive : first_) {
+        before.emplace(drive.location, &drive);
+    }
+    std::vector<DriveFacts> changed;
+    for (const DriveFacts& drive : found) {
+        const auto first = before.find(drive.location);
+        const bool isSame = first != before.end() && first->second->state == drive.state &&
+                            first->second->reportedState == drive.reportedState &&
+                            first->second->isForeign == drive.isForeign &&
+                            first->second->covers == drive.covers;
+        if (!isSame) {
+            changed.push_back(drive);
+        }
+    }
+    takeStates(drives, changed);
+    for (DriveFacts& drive : drives) {
+        const auto at =
+            std::find_if(changed.begin(), changed.end(), [&drive](const DriveFacts& each) {
+                return each.location == drive.location;
+            });
+        if (at != changed.end()) {
+            drive.covers = at->covers;
+            drive.barred = at->barred;
+        }
+    }
 }
 
 Facts VirtualCopy::inPlaceOfOriginal(Facts found) const {
     Facts facts = original_;
+    if (isStorcli_) {
+        takeChanges(facts.drives, found.drives);
+        facts.logicalDrives = std::move(found.logicalDrives);
+        if (found.foreignConfigurations.empty()) {
+            facts.foreignConfigurations.clear();
+        }
+        return facts;
+    }
     takeStates(facts.drives, found.drives);
     facts.logicalDrives = std::move(found.logicalDrives);
     facts.foreignConfigurations = std::move(found.foreignConfigurations);
@@ -230,7 +372,8 @@ zolex_sim::Controller VirtualCopy::changedPart(const CopyState& before,
 
 Facts VirtualCopy::capture(const CopyState& before, Facts facts) {
     // HYPERWIN tells members by what is not listed.
-    if (utility_ == "HYPERWIN" || facts.logicalDrives.size() != before.logicalDrives.size()) {
+    if (isStorcli_ || utility_ == "HYPERWIN" ||
+        facts.logicalDrives.size() != before.logicalDrives.size()) {
         return capture();
     }
     const CopyState now = state();

@@ -16,6 +16,24 @@ namespace zolex::companion {
 struct PlayedLine {
     std::int32_t exitCode = 0;
     std::string output;
+    /// Of a family: its utility says no, whatever the exit code is, in these words.
+    bool isRefused = false;
+    std::string why;
+    std::vector<std::string> help;
+};
+
+/// What command lines can change of a controller that STORCLI drives.
+struct StorcliState {
+    struct Drive {
+        zolex_sim::storcli::DriveState state = zolex_sim::storcli::DriveState::good;
+        std::vector<std::size_t> groups;
+        friend bool operator==(const Drive&, const Drive&) = default;
+    };
+    std::vector<Drive> drives; ///< in the order of the copy's drives
+    std::vector<zolex_sim::storcli::Group> groups;
+    std::vector<zolex_sim::storcli::Volume> volumes;
+    int rebuildRate = 0;
+    friend bool operator==(const StorcliState&, const StorcliState&) = default;
 };
 
 /// What command lines can change of a copy.
@@ -23,6 +41,7 @@ struct CopyState {
     std::vector<zolex_sim::DriveStatus> drives; ///< in the order of the copy's drives
     std::vector<zolex_sim::Array> arrays;
     std::vector<zolex_sim::LogicalDrive> logicalDrives;
+    StorcliState storcli; ///< of a copy of one that STORCLI drives; the others are empty then
     friend bool operator==(const CopyState&, const CopyState&) = default;
 };
 
@@ -34,13 +53,20 @@ class VirtualCopy {
     /// change.
     VirtualCopy(const ControllerSnapshot& original, std::int32_t controllerType,
                 zolex_sim::Controller copy);
+    /// Of a controller that STORCLI drives.
+    VirtualCopy(const ControllerSnapshot& original, zolex_sim::storcli::Controller copy);
 
     /// Runs a command line: a program with whatever path, be it UTIL.BAT with the utility's word or
-    /// the utility itself, and its options.
+    /// the utility itself, and its options. Where the utility refuses a word that it does not know,
+    /// the line that its family has for this is run.
     PlayedLine play(const std::vector<std::string>& argv);
 
     /// The controller of the virtual server, as it stands.
     [[nodiscard]] const zolex_sim::Controller& controller() const { return copy(); }
+    /// The same of one that STORCLI drives.
+    [[nodiscard]] const zolex_sim::storcli::Controller& storcli() const {
+        return server_.storcliControllers.back();
+    }
     [[nodiscard]] CopyState state() const;
     void restore(const CopyState& state);
     /// The location of a dedicated hot spare that stands while fewer arrays do than before: of a
@@ -60,12 +86,19 @@ class VirtualCopy {
     [[nodiscard]] zolex_sim::Controller& copy() { return server_.controllers.back(); }
     [[nodiscard]] const zolex_sim::Controller& copy() const { return server_.controllers.back(); }
     [[nodiscard]] Facts readFrom(zolex_sim::Server& server) const;
+    [[nodiscard]] Facts readStorcli();
+    void takeChanges(std::vector<DriveFacts>& drives, const std::vector<DriveFacts>& found) const;
+    [[nodiscard]] std::string lostSpare(const CopyState& before) const;
     [[nodiscard]] zolex_sim::Controller changedPart(const CopyState& before,
                                                     const std::vector<bool>& isArrayKept) const;
 
     std::string utility_;
     std::int32_t type_;
+    bool isStorcli_ = false;
+    std::int32_t adapter_ = 0;
     std::vector<std::vector<std::string>> listings_; ///< arguments of the listing commands
+    std::vector<std::string> commands_;              ///< the same as lines, of a family
+    std::vector<DriveFacts> first_;                  ///< STORCLI: as the copy was read first
     Facts original_;
     zolex_sim::Server server_; ///< the copy is the last of its controllers
 };

@@ -6,6 +6,7 @@
 #include "companion/layout/Layout.h"
 #include "companion/machine/Join.h"
 #include "companion/rewriting/WantedLayout.h"
+#include "companion/text/Terminal.h"
 #include "policies/PolicyKeywords.h"
 
 #include <algorithm>
@@ -64,12 +65,13 @@ class Writer {
         for (const LayoutSpare& spare : layout_.spares) {
             hasDedicated_ = hasDedicated_ || spare.isDedicated;
         }
-        policy_.text =
-            "[Policy." + details_.model + "-" + std::to_string(details_.number) + "]\n\n" +
-            entry(std::string(keyword::appliesTo) + "1",
-                  "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
-                      (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
-            "\n" + settings() + arrays() + logicalDrives();
+        policy_.text = "[Policy." + details_.model + "-" + std::to_string(details_.number) +
+                       "]\n\n" +
+                       entry(std::string(keyword::appliesTo) + "1",
+                             "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
+                                 (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
+                       "\n" + settings() + arrays() + logicalDrives();
+        tellNames();
         return std::move(policy_);
     }
 
@@ -246,15 +248,19 @@ class Writer {
         return letters.empty() ? "" : " covering " + joined(letters);
     }
 
+    /// In MB. The utility cuts a size down to whole stripes, so that the next MB above what was cut
+    /// makes the same again.
+    [[nodiscard]] static std::string sizeOf(const LayoutVolume& volume) {
+        const std::uint64_t bytes = volume.capacityBytes.value_or(0);
+        return std::to_string((bytes + (volume.fills ? 0 : bytesOfMb - 1)) / bytesOfMb);
+    }
+
     std::string logicalDrives() {
         std::string text = entry(keyword::logicalMode, "CUSTOM");
         std::size_t number = 0;
         for (std::size_t i = 0; i < layout_.groups.size(); ++i) {
             for (const LayoutVolume& volume : layout_.groups[i].volumes) {
-                const std::string size =
-                    volume.fills && !exact_
-                        ? "FILL"
-                        : std::to_string(volume.capacityBytes.value_or(0) / bytesOfMb);
+                const std::string size = volume.fills && !exact_ ? "FILL" : sizeOf(volume);
                 const std::string cache = volume.writeCache.empty()             ? ""
                                           : volume.writeCache == "WriteThrough" ? ":OFF"
                                                                                 : ":ON";
@@ -263,6 +269,16 @@ class Writer {
             }
         }
         return text + "\n";
+    }
+
+    void tellNames() {
+        for (const LogicalDriveFacts& volume : details_.facts.logicalDrives) {
+            if (!volume.name.empty()) {
+                tell("ZC117", Severity::note,
+                     "logical drive " + volume.id + " is called \"" + printable(volume.name) +
+                         "\": policies give no names");
+            }
+        }
     }
 
     const ControllerSnapshot& details_;

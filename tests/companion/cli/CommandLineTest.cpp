@@ -142,6 +142,28 @@ TEST(CommandLine, ReadsTheOptionsOfConvert) {
               "convert does not take \"c\" besides \"b\"\nzolexctl convert --help");
 }
 
+TEST(CommandLine, ReadsTwoTypesOfConvert) {
+    const Request moved =
+        requestOf({"convert", "--model", "t:LSI-MegaRAID-8480=t:STORCLI", "old.ini"});
+    EXPECT_EQ(moved.convert.file, "old.ini");
+    EXPECT_EQ(moved.convert.to, "policies");
+    EXPECT_EQ(moved.convert.fromType, "LSI-MegaRAID-8480");
+    EXPECT_EQ(moved.convert.toType, "STORCLI");
+    const Request bare = requestOf({"convert", "old.ini", "--model", "STORCLI=PERC-H7*"});
+    EXPECT_EQ(bare.convert.fromType, "STORCLI");
+    EXPECT_EQ(bare.convert.toType, "PERC-H7*");
+    EXPECT_EQ(faultOf({"convert", "--to", "ironic", "--model", "STORCLI=MD", "old.ini"}),
+              "--model with two types takes policies alone\n"
+              "zolexctl convert --model STORCLI=MD POLICIES");
+    EXPECT_EQ(faultOf({"convert", "--model", "t:STORCLI=t:Nothing", "old.ini"}),
+              "--model: \"Nothing\" is no type that policies can name: write OLD=NEW, such as "
+              "t:LSI-MegaRAID-8480=t:STORCLI\n"
+              "zolexctl convert --help");
+    EXPECT_EQ(requestOf({"convert", "--from", "ironic", "n7.json", "--model", "PERC-H755-Front"})
+                  .convert.model,
+              "PERC-H755-Front");
+}
+
 TEST(CommandLine, ReadsTheOptionsOfConvertForIronic) {
     const Request to = requestOf({"convert", "--to", "ironic", "--machine", "a.zrec", "web.ini"});
     EXPECT_EQ(to.convert.to, "ironic");
@@ -172,9 +194,9 @@ TEST(CommandLine, ReadsTheOptionsOfConvertForIronic) {
     EXPECT_EQ(
         faultOf({"convert", "--from", "ironic", "n7.json", "--model", "LSI"})
             .substr(0, std::string_view("--model: \"LSI\" is no model that policies can name: "
-                                        "Kestrix-A1, ")
+                                        "STORCLI, ")
                            .size()),
-        "--model: \"LSI\" is no model that policies can name: Kestrix-A1, ");
+        "--model: \"LSI\" is no model that policies can name: STORCLI, ");
 }
 
 TEST(CommandLine, RefusesToWriteOverWhatIsRead) {

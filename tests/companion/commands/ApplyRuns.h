@@ -26,6 +26,7 @@ class BorrowedSystem : public ExecutionSystem {
                                         const std::string& output) override {
         return inner_.start(commandLine, output);
     }
+    void removeFolder(const std::string& output) override { inner_.removeFolder(output); }
     ProcessIdentity ownProcess() override { return inner_.ownProcess(); }
     bool isRunning(const ProcessIdentity& process) override { return inner_.isRunning(process); }
     Interruption interruption() override { return inner_.interruption(); }

@@ -119,7 +119,7 @@ TEST(RecordingEndToEnd, OfAKilledRunIsReadableUpToThere) {
         server.zolexctl({"replay", "a.zrec.partial", "--", "zolex", "/c:t,d", "/f:x.ini"});
     EXPECT_EQ(2, replayed.exitCode);
     EXPECT_EQ(
-        "note: a.zrec.partial:6:1: the recording has no end: it was interrupted. What it holds "
+        "note: a.zrec.partial:7:1: the recording has no end: it was interrupted. What it holds "
         "can be used [ZR108]\n"
         "error: a.zrec.partial does not hold the call UTIL.BAT MEGACLI -adpallinfo -a0\n"
         "  help: a recording answers only what was asked when it was made; nothing was run on "
@@ -147,7 +147,7 @@ TEST(RecordingEndToEnd, ToAPipeIsWrittenStraight) {
     EXPECT_EQ(0U, run.output.find("{\"format\":\"zolex-recording\"")) << run.output;
     EXPECT_NE(std::string::npos, run.output.find("\"sha256\"")) << run.output;
     EXPECT_TRUE(run.output.ends_with("\"}\n")) << run.output;
-    EXPECT_EQ(0U, run.error.find("1 controller, 4 utility calls, ")) << run.error;
+    EXPECT_EQ(0U, run.error.find("1 controller, 5 utility calls, ")) << run.error;
 }
 #endif
 

@@ -120,6 +120,7 @@ class ApplyBench {
             return std::make_unique<Keeper>(*this);
         };
         terms.dropJournal = [this] { disk = {}; };
+        capture = server.request();
         capture.limit = std::chrono::seconds(300);
     }
     ApplyBench(const ApplyBench&) = delete;

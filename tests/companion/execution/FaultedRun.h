@@ -72,6 +72,7 @@ class FaultedSystem : public ExecutionSystem {
         return std::make_unique<Child>(*this, std::move(result), running_);
     }
 
+    void removeFolder(const std::string& /*output*/) override {}
     ProcessIdentity ownProcess() override { return {4700, "now"}; }
     /// What nobody has waited for ends some seconds later.
     bool isRunning(const ProcessIdentity& process) override {

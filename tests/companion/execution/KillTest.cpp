@@ -2,6 +2,7 @@
 // planned layout.
 
 #include "companion/execution/ApplyBench.h"
+#include "companion/execution/StorcliRuns.h"
 
 #include <gtest/gtest.h>
 
@@ -21,16 +22,21 @@ constexpr const char* onePolicy = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaul
 enum class Start { blank, configured, spare };
 
 struct KillCase {
-    std::string sample;
+    std::string sample; ///< or a definition
     Start start = Start::blank;
+    std::string name = sample;
+    std::string policies = {}; ///< instead of those of the sample
 };
 
 void PrintTo(const KillCase& each, std::ostream* stream) {
-    *stream << each.sample << " " << static_cast<int>(each.start);
+    *stream << each.name << " " << static_cast<int>(each.start);
 }
 
 std::string nameOf(const testing::TestParamInfo<KillCase>& info) {
-    std::string name = info.param.sample;
+    std::string name = info.param.name;
+    if (!info.param.policies.empty()) {
+        return "Storcli" + name;
+    }
     std::replace(name.begin(), name.end(), '-', '_');
     std::replace(name.begin(), name.end(), '.', '_');
     return name + (info.param.start == Start::blank        ? "Blank"
@@ -41,6 +47,11 @@ std::string nameOf(const testing::TestParamInfo<KillCase>& info) {
 class KilledRun : public testing::TestWithParam<KillCase> {
   protected:
     KilledRun() : bench_(GetParam().sample) {
+        if (!GetParam().policies.empty()) {
+            bench_.makePlan(GetParam().policies, StrategyWish::automatic, false);
+            initial_ = bench_.server.platform.server;
+            return;
+        }
         const std::string policies = bench_.server.samplePolicies();
         StrategyWish wish = StrategyWish::automatic;
         std::string planned = policies;
@@ -60,6 +71,7 @@ class KilledRun : public testing::TestWithParam<KillCase> {
         bench_.server.platform.fileFake.files.clear();
         bench_.disk = {};
         bench_.system.locks.clear();
+        bench_.system.folders.clear();
         bench_.system.restart();
         bench_.listener.log.clear();
     }
@@ -114,6 +126,7 @@ class KilledRun : public testing::TestWithParam<KillCase> {
         EXPECT_EQ(end.exitCode, 0) << where << "\n" << testing::PrintToString(test::endLines(end));
         EXPECT_EQ(bench_.layout(), planned) << where;
         EXPECT_TRUE(bench_.system.locks.empty()) << where;
+        EXPECT_TRUE(bench_.system.folders.empty()) << where;
         EXPECT_EQ(bench_.system.running(), Lines{}) << where;
     }
 
@@ -227,13 +240,20 @@ std::vector<KillCase> killCases() {
 #ifdef ZOLEX_FEW_CASES
     const Lines samples{"single", "arcconf"};
 #else
-    const Lines samples = test::SimulatedPlatform::samples();
+    Lines samples = test::SimulatedPlatform::samples();
+    // They have no policies of their own.
+    std::erase_if(samples, [](const std::string& sample) {
+        return sample.starts_with("storcli") || sample == "percli";
+    });
 #endif
     std::vector<KillCase> cases;
     for (const std::string& sample : samples) {
         for (const Start start : {Start::blank, Start::configured, Start::spare}) {
             cases.push_back({sample, start});
         }
+    }
+    for (const test::StorcliRun& run : test::storcliRuns()) {
+        cases.push_back({run.definition, Start::blank, run.name, run.policies});
     }
     return cases;
 }

@@ -54,6 +54,40 @@ TEST_F(SystemExecutionTest, TheOutputGoesToANewFile) {
     EXPECT_EQ(read("out"), "new");
 }
 
+TEST_F(SystemExecutionTest, ACommandLineThatLeavesFilesRunsInAFolderOfItsOwn) {
+    utilities.named["STORCLI"] = ZOLEX_TEST_WORKER;
+    for (const char* const time : {"first", "again"}) {
+        const auto child = system->start("STORCLI make storcli.log text a exit 3 J", "out");
+        ASSERT_NE(child, nullptr) << time;
+        const ChildResult result = endOf(*child);
+        EXPECT_EQ(result.exitCode, 3U);
+        EXPECT_EQ(result.output, "a");
+        EXPECT_FALSE(std::filesystem::exists("storcli.log"));
+        EXPECT_TRUE(std::filesystem::exists("out.folder/storcli.log"));
+    }
+    system->removeFolder("out");
+    EXPECT_FALSE(std::filesystem::exists("out.folder"));
+    EXPECT_EQ(read("out"), "a");
+    system->removeFolder("out"); // none is there
+    const auto other = system->start("STORCLI make own.log text b exit 0 J nolog", "out");
+    ASSERT_NE(other, nullptr);
+    EXPECT_EQ(endOf(*other).output, "b");
+    EXPECT_TRUE(std::filesystem::exists("own.log")) << "it was to leave none";
+    EXPECT_FALSE(std::filesystem::exists("out.folder"));
+}
+
+TEST_F(SystemExecutionTest, WithoutAFolderOfItsOwnNothingIsStarted) {
+    utilities.named["STORCLI"] = ZOLEX_TEST_WORKER;
+    directory.write("out.folder", "somebody else's");
+    EXPECT_EQ(system->start("STORCLI text a J", "out"), nullptr);
+    EXPECT_EQ(system->start("STORCLI text a J", "no-folder/out"), nullptr);
+    EXPECT_EQ(read("out.folder"), "somebody else's");
+    utilities.named["STORCLI"] = "no-such-program";
+    EXPECT_EQ(system->start("STORCLI text a J", "other"), nullptr);
+    EXPECT_EQ(lastSystemError(), "there is no such file or folder");
+    EXPECT_FALSE(std::filesystem::exists("other.folder"));
+}
+
 TEST_F(SystemExecutionTest, AnOutputThatAnotherChildStillWritesIsLeftToIt) {
     const auto first = system->start("UTIL.BAT WORKER text first until go text more", "out");
     ASSERT_NE(first, nullptr);

@@ -35,6 +35,17 @@ TEST(SpanRules, MirrorsArePairsUntilThereAreTooMany) {
               "32 at most, and the array has 2");
 }
 
+TEST(SpanRules, MirrorsOfAllDrivesHaveAnyNumberOfThem) {
+    EXPECT_EQ(spans("RAID1", 4), "-");
+    EXPECT_EQ(spans("RAID1", 3),
+              "RAID 1 takes an even number of drives, 2 or more, and the array has 3");
+    FamilyLimits ofAll = usualLimits();
+    ofAll.deepMirrors = DeepMirrors::ofAll;
+    EXPECT_EQ(chooseSpans("RAID1", 3, 0, ofAll).fault, "");
+    EXPECT_EQ(chooseSpans("RAID1", 1, 0, ofAll).fault,
+              "RAID 1 takes 2 drives or more, and the array has 1");
+}
+
 TEST(SpanRules, ParityHasAsFewSpansAsDivideEvenly) {
     EXPECT_EQ(spans("RAID50", 6), "3");
     EXPECT_EQ(spans("RAID50", 9), "3");

@@ -186,7 +186,7 @@ TEST(StorcliJudge, AVolumeOfTheSystemStays) {
     EXPECT_EQ(judged(255, answer("Failure", "Delete VD failed",
                                  R"({"VD":0,"Status":"Failed","ErrCd":255,)"
                                  R"("ErrMsg":"VD has OS/FS, use force"})")),
-              "refused: Delete VD failed; VD has OS/FS, use force (error 255)\n"
+              "refused: VD has OS/FS, use force (error 255)\n"
               "help: the system has files there; move them, or delete it by hand");
 }
 

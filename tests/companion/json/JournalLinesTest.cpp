@@ -157,6 +157,37 @@ TEST(JournalLines, ReadsWhatItHasWritten) {
     EXPECT_EQ(journal.lastHash, prev);
 }
 
+/// A utility that does not know a word of its command, and refuses the other one, too.
+TEST(JournalLines, HasTheReasonOfAUtilityThatAnswersInWords) {
+    JournalStepEnded first;
+    first.step = 1;
+    first.exitCode = 255;
+    first.reason = "Un-supported Command (error 255)";
+    first.instead = "STORCLI /c0/v239 del J";
+    JournalStepEnded second = first;
+    second.reason = "VD has OS/FS, use force to delete it. (error 255)";
+    second.instead.clear();
+    const std::string text = journalText({exampleJournalBegin(), first, second});
+    keepDocument("journal-reasons.jsonl", text);
+    const std::vector<std::string> lines = linesOf(text);
+    EXPECT_TRUE(lines[1].ends_with(
+        R"("output":null,"reason":"Un-supported Command (error 255)",)"
+        R"("instead":"STORCLI /c0/v239 del J"})"
+        "\n"))
+        << lines[1];
+    EXPECT_TRUE(lines[2].ends_with(
+        R"("output":null,"reason":"VD has OS/FS, use force to delete it. (error 255)"
+})"
+        "\n"))
+        << lines[2];
+const JournalReading reading = readJournal(text, "a.jsonl");
+ASSERT_TRUE(reading.journal) << textOf(reading);
+const auto& read = std::get<JournalStepEnded>(reading.journal->entries[1].event);
+EXPECT_EQ(read.reason, first.reason);
+EXPECT_EQ(read.instead, first.instead);
+EXPECT_EQ(std::get<JournalStepEnded>(reading.journal->entries[2].event).instead, "");
+}
+
 TEST(JournalLines, KeepsBytesThatAreNoUtf8AndCutsWhatIsTooLong) {
     JournalBegin begin = exampleJournalBegin();
     begin.planFile = "pl\xE4n.json";

@@ -55,6 +55,22 @@ std::string written(const PlanReading& reading) {
                         : "not read: " + reading.findings[0].summary;
 }
 
+/// What zolex does not know has no record of it, and mirrors of a kind of their own.
+TEST(PlanReader, ControllersOfFamiliesHaveNoRecord) {
+    MachinePlan plan = agreedPlan();
+    plan.controllers[0].controller.utility = "STORCLI";
+    const PlanReading reading = readPlanDocument(planDocument(plan, planHead()), "plan.json");
+    ASSERT_TRUE(reading.plan) << reading.findings.at(0).summary;
+    const ControllerPlanning& planning = reading.plan->controllers.at(0);
+    EXPECT_EQ(planning.controller.index, ControllerSnapshot::noRecord);
+    EXPECT_EQ(planning.before.deepMirrors, DeepMirrors::ofPairs);
+    EXPECT_EQ(planning.after.deepMirrors, DeepMirrors::ofPairs);
+    const PlanReading old = readPlanDocument(planDocument(agreedPlan(), planHead()), "plan.json");
+    ASSERT_TRUE(old.plan);
+    EXPECT_EQ(old.plan->controllers.at(0).controller.index, 0U);
+    EXPECT_EQ(old.plan->controllers.at(0).after.deepMirrors, DeepMirrors::asRaid10);
+}
+
 TEST(PlanReader, WhatWasWrittenComesBackByteForByte) {
     MachinePlan blank = agreedPlan();
     blank.controllers[0].before = {};

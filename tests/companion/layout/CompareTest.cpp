@@ -445,6 +445,36 @@ TEST(Compare, AMirrorOfFourDrivesIsRaid10OfPairs) {
     EXPECT_EQ(server.against(wanted).result, Sameness::same);
 }
 
+TEST(Compare, AMirrorOfFourDrivesThatIsALevelOfItsOwnIsNoRaid10) {
+    for (const DeepMirrors kind : {DeepMirrors::ofPairs, DeepMirrors::ofAll}) {
+        const std::uint64_t size = (kind == DeepMirrors::ofPairs ? 2 : 1) * driveMb;
+        Server server;
+        server.facts.deepMirrors = kind;
+        server.add("RAID1", {{slot(0), slot(1), slot(2), slot(3)}}, size);
+        EXPECT_EQ(capturedLayout(server.facts).groups.at(0).spans.size(), 1U);
+        EXPECT_TRUE(capturedLayout(server.facts).groups.at(0).volumes.at(0).fills);
+        Layout wanted;
+        wanted.deepMirrors = kind;
+        LayoutGroup& group = wanted.groups.emplace_back();
+        group.isListed = true;
+        group.spans = {{slot(3), slot(2), slot(1), slot(0)}};
+        LayoutVolume& volume = group.volumes.emplace_back();
+        volume.raidType = "RAID1";
+        volume.fills = true;
+        volume.capacityBytes = size * mb;
+        normalize(wanted);
+        EXPECT_EQ(server.against(wanted).result, Sameness::same);
+        // Half of the room is not all of it.
+        Server half;
+        half.facts.deepMirrors = kind;
+        half.add("RAID1", {{slot(0), slot(1), slot(2), slot(3)}}, size / 2);
+        EXPECT_EQ(half.against(wanted).result, Sameness::different);
+        wanted.groups[0].volumes[0].raidType = "RAID10";
+        normalize(wanted);
+        EXPECT_EQ(server.against(wanted).result, Sameness::different);
+    }
+}
+
 TEST(Compare, SpansThatTheListingTellsAreCompared) {
     Server before;
     before.add("RAID10", {{slot(0), slot(1)}, {slot(2), slot(3)}}, 2 * driveMb);

@@ -233,6 +233,48 @@ The run ended as planned.
 )");
 }
 
+/// What a utility says in JSON is told by its reason; --verbose shows the whole answer.
+TEST(JournalText, AReasonStandsForAnAnswerInJson) {
+    std::vector<JournalEvent> events = exampleJournalEvents();
+    events.resize(6);
+    auto& first = std::get<JournalStepEnded>(events[5]);
+    first.exitCode = 255;
+    first.accepted = false;
+    first.output = "{\n\"Controllers\":[]\n}\n";
+    first.outputBytes = first.output.size();
+    JournalStepEnded second = first;
+    first.reason = "Un-supported Command (error 255)";
+    first.instead = "STORCLI /c0/v239 del J";
+    second.reason = "VD has OS/FS, use force to delete it. (error 255)";
+    events.push_back(exampleStepStarted(1, first.instead, 'a', 'b'));
+    std::get<JournalStepStarted>(events.back()).attempt = 2;
+    events.emplace_back(second);
+    events.push_back(JournalEnd{4, {}, "step 1 of 3 was refused"});
+    const std::string text = shown(historyOf(events), false);
+    EXPECT_EQ(text.substr(text.find("21:06:04")),
+              R"(21:06:04  [1/3]     clear configuration, controller 1
+21:06:06  [1/3]     not known, exit 255, 2.1 s
+                    UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT
+                    | Un-supported Command (error 255)
+                    run again as STORCLI /c0/v239 del J
+21:06:07  [1/3]     clear configuration, controller 1 (attempt 2)
+21:06:08  [1/3]     FAILED, exit 255, 2.1 s
+                    STORCLI /c0/v239 del J
+                    | VD has OS/FS, use force to delete it. (error 255)
+21:06:09  ended     exit code 4: step 1 of 3 was refused
+
+What was done
+  x step 1  failed  clear configuration, controller 1
+  . 2 steps were not begun
+
+The run was stopped on its way.
+  help: zolexctl apply --resume plan.journal.jsonl goes on when the cause is
+  mended
+  help: zolexctl plan site.ini plans from what is there
+)");
+    EXPECT_NE(shown(historyOf(events), true).find("| \"Controllers\":[]"), std::string::npos);
+}
+
 TEST(JournalText, VerboseShowsCommandsAndOutputs) {
     std::vector<JournalEvent> events = exampleJournalEvents();
     events.resize(6);

@@ -20,6 +20,8 @@ class FamilyServer {
         controller.model = model;
         controller.utility = "STORCLI";
         controller.facts.productName = model;
+        controller.facts.deepMirrors = DeepMirrors::ofPairs;
+        snapshot.families = {{1, "STORCLI", false}};
     }
 
     [[nodiscard]] ControllerSnapshot& controller() { return snapshot.details.front(); }

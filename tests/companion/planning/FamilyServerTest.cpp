@@ -1,116 +1,112 @@
-// Plans carried out on a virtual server of today's controllers: what is captured then is what was
-// planned, and nothing is left to do.
+// Plans carried out on a virtual server of today's controllers, for thirty layouts in each branding
+// and version: what is captured then is what was planned, captured policies make the same on
+// another server, a run that stops at any command can be gone on with, and nothing is left to do.
 
 #include "FamilyServer.h"
-#include "companion/families/Family.h"
-#include "companion/machine/Capture.h"
-#include "companion/machine/Utilities.h"
+#include "companion/layout/NormalForm.h"
 #include "companion/rewriting/CapturedPolicies.h"
-#include "model/Definition.h"
-#include "platform/CommandLineSplit.h"
-#include "roles/Roles.h"
-#include "support/FakePlatform.h"
+#include "companion/support/StorcliServer.h"
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace zolex::companion {
 namespace {
 
-/// A virtual server with one controller.
-class VirtualStorcli {
-  public:
-    explicit VirtualStorcli(const std::string& extra, const std::string& drives) {
-        zolex_sim::Problem problem;
-        server_ = zolex_sim::readDefinition(
-            R"({"machineType": "7X06", "serialNumber": "KQ1", "controllers": [{
-            "utility": "STORCLI", "pci": {"bus": 193})" +
-                extra + R"(, "drives": [)" + drives + "]}]}",
-            problem);
-        EXPECT_FALSE(problem.found()) << problem.text();
-        platform_.respond = [this](const std::string& line) { return play(line); };
-        utilities_.programs["STORCLI"] = "/opt/storcli64";
-    }
+using test::StorcliServer;
 
-    Snapshot capture() {
-        CaptureRequest request;
-        request.machineType = "7X06";
-        request.serialNumber = "KQ1";
-        request.asksFamilies = true;
-        request.utilities = &utilities_;
-        return captureMachine(platform_, request);
-    }
-
-    /// What a step came to, as its family judges it; empty: done.
-    std::string run(const PlanStep& step) {
-        const ChildResult result = play(step.command);
-        const Family* const family = findFamily(step.command);
-        if (family == nullptr) {
-            return "no family";
-        }
-        const FamilyVerdict verdict = family->judge(step.command, result.exitCode, result.output);
-        return verdict.isDone ? "" : step.command + ": " + verdict.why;
-    }
-    [[nodiscard]] int logsLeft() const { return logsLeft_; }
-
-  private:
-    ChildResult play(const std::string& line) {
-        std::vector<std::string> words = splitCommandLine(line);
-        ChildResult result;
-        if (words.empty() || words.front() != "STORCLI") {
-            return result;
-        }
-        words.front() = "storcli64";
-        const zolex_sim::PlayResult played = zolex_sim::playUtility(server_, words);
-        result.outcome = ChildOutcome::ended;
-        result.exitCode = static_cast<std::uint32_t>(played.exitCode);
-        result.output = played.output;
-        logsLeft_ += played.leavesLog ? 1 : 0;
-        return result;
-    }
-
-    zolex_sim::Server server_;
-    zolex::test::FakePlatform platform_;
-    Utilities utilities_;
-    int logsLeft_ = 0;
+/// A plan, or why there is none.
+struct Made {
+    MachinePlan plan;
+    std::string fault;
 };
 
-MachinePlan planOf(const Snapshot& snapshot, const std::string& policies) {
-    PlanRequest request;
-    request.policiesFile = "site.ini";
-    request.policiesText = policies;
-    return planMachine(snapshot, request);
+Made planned(StorcliServer& server, const std::string& policies) {
+    Made made{server.plan(policies), {}};
+    if (!made.plan.isApplicable()) {
+        made.fault = "not planned:\n" + policies + planLines(made.plan);
+    }
+    return made;
 }
 
-/// "" when the policies are carried out, what stands then is what was planned, a second plan is
-/// empty, and so is one of the captured policies.
-std::string carriedOut(VirtualStorcli& server, const std::string& policies) {
-    const MachinePlan plan = planOf(server.capture(), policies);
-    if (!plan.isApplicable() || plan.steps().empty()) {
-        return "not planned: " + planLines(plan);
-    }
-    for (const PlanStep& step : plan.steps()) {
-        if (const std::string why = server.run(step); !why.empty()) {
+/// Empty when all steps from this one on are done.
+std::string runSteps(StorcliServer& server, const MachinePlan& plan, std::size_t first = 0) {
+    const std::vector<PlanStep> steps = plan.steps();
+    for (std::size_t i = first; i < steps.size(); ++i) {
+        if (const std::string why = server.run(steps[i].command); !why.empty()) {
             return why + "\n" + planLines(plan);
         }
     }
-    const Snapshot now = server.capture();
-    const MachinePlan again = planOf(now, policies);
-    if (!again.isApplicable() || !again.steps().empty()) {
-        std::string why;
-        for (const Difference& each : again.controllers.front().comparison.differences) {
-            why += each.attribute + ": " + each.wanted + ", found " + each.found + "\n";
-        }
-        return "a second plan is not empty: " + why + planLines(again);
-    }
-    const CapturedPolicies captured = capturedPolicies(now, {});
-    const MachinePlan byCaptured = planOf(now, captured.text);
-    if (!byCaptured.isApplicable() || !byCaptured.steps().empty()) {
-        return "captured policies are not what stands: " + captured.text + planLines(byCaptured);
-    }
-    return server.logsLeft() == 0 ? "" : "a log file is left";
+    return {};
 }
 
-constexpr const char* hdds = R"({"enclosure": 252, "slot": 0, "count": 24, "sectors": 41943040})";
+std::string carryOut(StorcliServer& server, const std::string& policies) {
+    const Made made = planned(server, policies);
+    return made.fault.empty() ? runSteps(server, made.plan) : made.fault;
+}
+
+/// Empty when a plan has nothing to do.
+std::string somethingLeft(StorcliServer& server, const std::string& policies) {
+    const Made made = planned(server, policies);
+    if (!made.fault.empty() || made.plan.steps().empty()) {
+        return made.fault;
+    }
+    std::string why = "something is left to do:\n" + policies;
+    for (const Difference& each : made.plan.controllers.front().comparison.differences) {
+        why += each.attribute + ": " + each.wanted + ", found " + each.found + "\n";
+    }
+    return why + planLines(made.plan);
+}
+
+/// What stands: layout, strips, caches, and what dedicated spares are for.
+std::string standing(StorcliServer& server) {
+    const Snapshot snapshot = server.snapshot();
+    std::string text;
+    for (const ControllerSnapshot& detail : snapshot.details) {
+        text += normalForm(detail.facts);
+        for (const DriveFacts& drive : detail.facts.drives) {
+            for (const std::string& array : drive.covers) {
+                const auto volume = std::find_if(
+                    detail.facts.logicalDrives.begin(), detail.facts.logicalDrives.end(),
+                    [&array](const LogicalDriveFacts& each) { return each.array == array; });
+                text +=
+                    drive.location + " is for the array of " +
+                    (volume == detail.facts.logicalDrives.end() ? "nothing"
+                                                                : volume->spans.front().front()) +
+                    "\n";
+            }
+        }
+    }
+    return text;
+}
+
+/// Each command fails once, having done nothing or all of it, and a new plan goes on from there.
+/// Empty when all come to the same end.
+std::string gonOnFromEachFault(const std::string& definition, const std::string& policies,
+                               const std::string& end) {
+    StorcliServer first(definition);
+    const std::size_t steps = first.plan(policies).steps().size();
+    for (std::size_t failed = 0; failed < steps; ++failed) {
+        for (const bool isDone : {false, true}) {
+            StorcliServer server(definition);
+            const MachinePlan plan = server.plan(policies);
+            const std::vector<PlanStep> all = plan.steps();
+            for (std::size_t i = 0; i < failed + (isDone ? 1 : 0); ++i) {
+                server.run(all[i].command);
+            }
+            std::string why = carryOut(server, policies);
+            why = why.empty() && standing(server) != end
+                      ? "another end:\n" + standing(server) + "and not\n" + end
+                      : why;
+            if (!why.empty()) {
+                return all[failed].command + (isDone ? ", done, " : ", not done, ") +
+                       "was to be gone on from: " + why;
+            }
+        }
+    }
+    return {};
+}
 
 std::string policy(const std::string& entries) {
     return "[Policy.one]\nAppliesTo.1 = t:STORCLI\n" + entries;
@@ -119,58 +115,156 @@ std::string custom(const std::string& entries) {
     return policy("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n" + entries);
 }
 
+constexpr const char* hdds = R"({"enclosure": 252, "slot": 0, "count": 24, "sectors": 41943040})";
+constexpr const char* bare = R"({"slot": 0, "count": 8, "sectors": 41943040})";
+constexpr const char* twoBoxes =
+    R"({"enclosure": 62, "slot": 0, "count": 6, "sectors": 41943040},
+       {"enclosure": 320, "slot": 0, "count": 6, "sectors": 41943040})";
+constexpr const char* large =
+    R"({"enclosure": 252, "slot": 0, "count": 6, "sectors": 5242880, "sectorBytes": 4096})";
+constexpr const char* someJbod =
+    R"({"enclosure": 252, "slot": 0, "count": 2, "sectors": 41943040, "status": "jbod"},
+       {"enclosure": 252, "slot": 2, "count": 6, "sectors": 41943040})";
+constexpr const char* someForeign =
+    R"({"enclosure": 252, "slot": 0, "count": 8, "sectors": 41943040})";
+constexpr const char* foreignSet =
+    R"(, "foreign": [{"level": "RAID1", "drives": ["252:6", "252:7"]}])";
+constexpr const char* unlike =
+    R"({"enclosure": 252, "slot": 0, "count": 4, "sectors": 41943040},
+       {"enclosure": 252, "slot": 4, "count": 4, "sectors": 62914560, "interface": "SATA",
+        "medium": "ssd"})";
+
 struct LayoutCase {
     const char* name;
     std::string policies;
+    const char* drives = hdds;
+    const char* fields = "";
 };
 
 std::vector<LayoutCase> layouts() {
     const std::string eight = "Array.A = 1,2,3,4,5,6,7,8\n";
     return {
         {"automatic", policy("")},
-        {"raid0", custom("Array.A = 1\nLogical.1 = A:FILL:0\n")},
-        {"raid0 of three", custom("Array.A = 1,2,3\nLogical.1 = A:FILL:0\nStripeSize = 64\n")},
-        {"raid1", custom("Array.A = 1,2\nLogical.1 = A:FILL:1:ON\n")},
-        {"raid1 of four", custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:1\n")},
-        {"raid5", custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5:OFF\nReadAhead = ON\n")},
-        {"raid6", custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:6\nReadAhead = OFF\n")},
-        {"raid10", custom(eight + "Logical.1 = A:FILL:10\n")},
-        {"raid10 of twenty", custom("Array.A = ALL\nHotspares = 21,22,23,24\n"
-                                    "Logical.1 = A:FILL:10\n")},
-        {"raid50", custom(eight + "Logical.1 = A:FILL:50\n")},
-        {"raid50 in four", custom("Array.A = 1,2,3,4,5,6,7,8,9,10,11,12\nSpans = 4\n"
-                                  "Logical.1 = A:FILL:50\n")},
-        {"raid60", custom(eight + "Logical.1 = A:FILL:60\n")},
-        {"two on one",
+        {"raid 0", custom("Array.A = 1\nLogical.1 = A:FILL:0\n")},
+        {"raid 0 of three, strip",
+         custom("Array.A = 1,2,3\nLogical.1 = A:FILL:0\nStripeSize = 64\n")},
+        {"raid 1, cache on", custom("Array.A = 1,2\nLogical.1 = A:FILL:1:ON\n")},
+        {"mirror of four", custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:1\n")},
+        {"mirror of six, half", custom("Array.A = 1,2,3,4,5,6\nLogical.1 = A:50%:1\n")},
+        {"raid 5, cache off, read-ahead",
+         custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5:OFF\nReadAhead = ON\n")},
+        {"raid 6, no read-ahead",
+         custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:6\nReadAhead = OFF\n")},
+        {"raid 10", custom(eight + "Logical.1 = A:FILL:10\n")},
+        {"raid 10 of twenty", custom("Array.A = ALL\nHotspares = 21,22,23,24\n"
+                                     "Logical.1 = A:FILL:10\n")},
+        {"raid 50", custom(eight + "Logical.1 = A:FILL:50\n")},
+        {"raid 50 in four", custom("Array.A = 1,2,3,4,5,6,7,8,9,10,11,12\nSpans = 4\n"
+                                   "Logical.1 = A:FILL:50\n")},
+        {"raid 60", custom(eight + "Logical.1 = A:FILL:60\n")},
+        {"two on a group",
          custom("Array.A = 1,2,3\nLogical.1 = A:4096:5:ON\nLogical.2 = A:FILL:5:OFF\n")},
-        {"three on one", custom("Array.A = 1,2,3,4\nLogical.1 = A:4096:10\nLogical.2 = A:25%:10\n"
-                                "Logical.3 = A:FILL:10\n")},
+        {"three on a group", custom("Array.A = 1,2,3,4\nLogical.1 = A:4096:10\n"
+                                    "Logical.2 = A:25%:10\nLogical.3 = A:FILL:10\n")},
+        {"two on a mirror of four",
+         custom("Array.A = 1,2,3,4\nLogical.1 = A:8192:1\nLogical.2 = A:FILL:1\n")},
         {"global spares", custom("Array.A = 1,2,3\nHotspares = 23,24\nLogical.1 = A:FILL:5\n")},
         {"dedicated spares",
          policy("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3,252:4\n"
                 "Level.A = 1\nLevel.B = 5\n"
                 "Spares = 1 covering A and 1 covering B\n")},
-        {"by place", custom("Array.A = 1:5,1:6\nArray.B = 252:10,252:11\nLogical.1 = A:FILL:1\n"
-                            "Logical.2 = B:FILL:0\n")},
+        {"dedicated and global spares",
+         policy("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3,252:4\n"
+                "Level.A = 1\nLevel.B = 5\nSpares = 1 covering B and 1\n")},
+        {"by place", custom("Array.A = 1:5,1:6\nArray.B = 252:10,252:11\n"
+                            "Logical.1 = A:FILL:1\nLogical.2 = B:FILL:0\n")},
+        {"by kind", policy("Drives.A = 2 x SSD\nDrives.B = 4 x HDD\nLevel.A = 1\nLevel.B = 5\n"),
+         unlike},
+        {"unlike drives by themselves", policy("Array_Defaults = 0%:0\n"), unlike},
+        {"in no enclosure", custom("Array.A = 1,2,3\nHotspares = 8\nLogical.1 = A:FILL:5\n"), bare},
+        {"two enclosures",
+         custom("Array.A = 62:0,62:1,320:0,320:1\nHotspares = 62:5\nLogical.1 = A:FILL:10\n"),
+         twoBoxes},
+        {"4Kn", custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:6\nHotspares = 6\n"), large},
+        {"JBOD drives stay", custom("Array.A = 3,4,5\nHotspares = 8\nLogical.1 = A:FILL:5\n"),
+         someJbod},
+        {"foreign drives stay", custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n"), someForeign,
+         foreignSet},
+        {"foreign drives go", custom("Array.A = 5,6,7,8\nLogical.1 = A:FILL:10\n"), someForeign,
+         foreignSet},
+        {"without a battery", custom("Array.A = 1,2\nLogical.1 = A:FILL:1:ON\nStripeSize = 1024\n"),
+         hdds, R"(, "battery": "none", "showsRunningCache": true)"},
+        {"numbers from 0 on",
+         custom("Array.A = 1,2\nArray.B = 3,4,5\nLogical.1 = A:FILL:1\n"
+                "Logical.2 = B:4096:5\nLogical.3 = B:FILL:5\nRebuildRate = HIGH\n"),
+         hdds, R"(, "vdNumbers": "up")"},
+        {"a utility that knows no nolog", custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n"), hdds,
+         R"(, "refusesNolog": true)"},
     };
 }
 
-TEST(FamilyServer, LayoutsInEachBrandingAndVersion) {
-    for (const char* const extra :
-         {"", R"(, "branding": "perc")", R"(, "branding": "hpe")", R"(, "version": "1.x")",
-          R"(, "version": "007.1017")", R"(, "version": "007.3703")"}) {
-        for (const LayoutCase& each : layouts()) {
-            VirtualStorcli server(extra, hdds);
-            EXPECT_EQ(carriedOut(server, each.policies), "") << each.name << extra;
+class FamilyLayouts : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(FamilyLayouts, InEachBrandingAndVersion) {
+    const std::vector<LayoutCase> all = layouts();
+    ASSERT_GE(all.size(), 30U);
+    const LayoutCase& layout = all[GetParam()];
+    SCOPED_TRACE(layout.name);
+    std::size_t turn = 0;
+    for (const char* const branding : {"lsi", "perc", "hpe"}) {
+        for (const char* const version : {"1.x", "007.1017", "007.3703"}) {
+            const std::string kind = std::string(", \"branding\": \"") + branding +
+                                     "\", \"version\": \"" + version + "\"";
+            SCOPED_TRACE(kind);
+            const std::string definition =
+                StorcliServer::definition(kind + layout.fields, layout.drives);
+            StorcliServer server(definition);
+            ASSERT_EQ(carryOut(server, layout.policies), "");
+            ASSERT_EQ(somethingLeft(server, layout.policies), "");
+            const std::string end = standing(server);
+            // The captured policies make the same of another server, and nothing of this one.
+            const std::string captured = capturedPolicies(server.snapshot(), {}).text;
+            ASSERT_EQ(somethingLeft(server, captured), "");
+            StorcliServer other(definition);
+            ASSERT_EQ(carryOut(other, captured), "");
+            EXPECT_EQ(standing(other), end) << captured;
+            EXPECT_EQ(capturedPolicies(other.snapshot(), {}).text, captured);
+            if (turn++ == GetParam() % 9) {
+                EXPECT_EQ(gonOnFromEachFault(definition, layout.policies, end), "");
+            }
+            if (std::string_view(layout.fields).find("refusesNolog") == std::string_view::npos) {
+                EXPECT_EQ(server.platform.logsLeft + other.platform.logsLeft, 0);
+            }
         }
     }
 }
 
+INSTANTIATE_TEST_SUITE_P(All, FamilyLayouts, testing::Range(std::size_t{0}, layouts().size()));
+
 TEST(FamilyServer, OneLayoutAfterAnother) {
-    VirtualStorcli server("", hdds);
+    StorcliServer server(StorcliServer::definition("", hdds));
     for (const LayoutCase& each : layouts()) {
-        EXPECT_EQ(carriedOut(server, each.policies), "") << each.name;
+        if (each.drives == hdds && *each.fields == '\0') {
+            EXPECT_EQ(carryOut(server, each.policies), "") << each.name;
+            EXPECT_EQ(somethingLeft(server, each.policies), "") << each.name;
+        }
     }
+}
+
+TEST(FamilyServer, ConsentListsForeignDrivesThatArePlannedWithAndNoOthers) {
+    const std::string definition = StorcliServer::definition(foreignSet, someForeign);
+    StorcliServer server(definition);
+    const auto foreign = [&server](const char* drives) {
+        const MachinePlan plan =
+            server.plan(custom(std::string("Array.A = ") + drives + "\nLogical.1 = A:FILL:1\n"));
+        std::string text = plan.consent.empty() ? "no consent" : "consent";
+        for (const Loss& loss : plan.losses()) {
+            text += "\n" + loss.kind + " " + loss.id;
+        }
+        return text;
+    };
+    EXPECT_EQ(foreign("1,2"), "no consent");
+    EXPECT_EQ(foreign("1,7"), "consent\nforeign 252:6\nforeign 252:7");
 }
 
 } // namespace

@@ -24,7 +24,13 @@ class PlannedServer {
         return zolex_sim::samplePolicies(platform.server).content;
     }
 
-    Snapshot snapshot() { return captureMachine(platform, {}); }
+    /// What a capture of it asks for: its families too, where it has some.
+    [[nodiscard]] CaptureRequest request() const {
+        CaptureRequest request;
+        request.asksFamilies = !platform.server.storcliControllers.empty();
+        return request;
+    }
+    Snapshot snapshot() { return captureMachine(platform, request()); }
 
     MachinePlan plan(const std::string& policies, StrategyWish wish = StrategyWish::automatic) {
         PlanRequest request;

@@ -168,7 +168,7 @@ TEST(Record, TellsWhatIsInTheRecording) {
     EXPECT_EQ("", recorded.error);
     const std::size_t size = TemporaryDirectory::read("a.zrec").size();
     const std::size_t tenths = (size * 10 + 512) / 1024;
-    EXPECT_EQ("1 controller, 4 utility calls, 1 detector call, 3 PCI functions, " +
+    EXPECT_EQ("1 controller, 5 utility calls, 1 detector call, 3 PCI functions, " +
                   std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " KB\n",
               recorded.output);
 }
@@ -197,6 +197,7 @@ TEST(Record, ShowsProgressOfTheMachineAlone) {
     context.showsProgress = true;
     EXPECT_EQ(0, record(context, {}));
     EXPECT_EQ("hardware detector\n"
+              "STORCLI show J nolog\n"
               "controller 1 of 1: UTIL.BAT MEGACLI -LdPdInfo -a0\n"
               "controller 1 of 1: UTIL.BAT MEGACLI -pdList -a0\n"
               "controller 1 of 1: UTIL.BAT MEGACLI -adpallinfo -a0\n",
@@ -447,8 +448,8 @@ TEST(Replay, OfAnInterruptedRecordingSaysSo) {
     folder.write("a.zrec", text.substr(0, text.rfind("{\"seq\"") + 9));
     const Seen seen = runReplay("a.zrec", {"zolex", "/c:t,d", "/f:written.ini"});
     EXPECT_EQ(0, seen.exitCode);
-    EXPECT_EQ("note: a.zrec:11:1: the last line was cut and is left out [ZR107]\n"
-              "note: a.zrec:11:1: the recording has no end: it was interrupted. What it holds can "
+    EXPECT_EQ("note: a.zrec:12:1: the last line was cut and is left out [ZR107]\n"
+              "note: a.zrec:12:1: the recording has no end: it was interrupted. What it holds can "
               "be used [ZR108]\n",
               seen.error);
 }

@@ -33,7 +33,7 @@ struct Course {
         stages.push_back({copy->state(), layoutHash(copy->capture())});
         for (std::size_t i = 0; i < steps.size(); ++i) {
             steps[i].step = static_cast<std::int32_t>(i) + 1;
-            EXPECT_TRUE(isAccepted(steps[i], copy->play(steps[i].argv).exitCode));
+            EXPECT_TRUE(isAccepted(steps[i], copy->play(steps[i].argv)));
             stages.push_back({copy->state(), layoutHash(copy->capture())});
         }
     }

@@ -29,7 +29,7 @@ inline std::string bareName(std::string_view program) {
 /// A machine that is a virtual server, in one process: its children are the server's utilities and
 /// its hardware detector, its PCI functions those of the server, its files are in memory. A child
 /// is UTIL.BAT with the utility's word, hwdetect.exe, or a utility under one of its usual names, in
-/// whatever folder. What is not one of these cannot be started.
+/// whatever folder, or the word of a family. What is not one of these cannot be started.
 class SimulatedPlatform : public zolex::test::FakePlatform {
   public:
     /// Of a sample by its name ("single"), or of a definition (a text that begins with "{").
@@ -84,7 +84,8 @@ class SimulatedPlatform : public zolex::test::FakePlatform {
                 return playRole("", arguments, zolex_sim::playUtility);
             }
         }
-        for (const char* const utility : {"storcli64", "storcli", "perccli64", "perccli"}) {
+        for (const char* const utility :
+             {"STORCLI", "storcli64", "storcli", "perccli64", "perccli"}) {
             if (zolex_sim::equalsIgnoringCase(name, utility)) {
                 arguments.insert(arguments.begin() + 1, utility);
                 return playRole("", arguments, zolex_sim::playUtility);

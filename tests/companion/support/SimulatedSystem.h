@@ -1,6 +1,7 @@
 #pragma once
 
 #include "companion/execution/ExecutionSystem.h"
+#include "companion/families/Family.h"
 #include "companion/support/SimulatedPlatform.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -58,6 +60,8 @@ class SimulatedSystem : public ExecutionSystem {
     std::vector<std::string> started; ///< command lines
     std::vector<Milliseconds> pauses; ///< what was slept
     bool ranWhenKilled = false;       ///< a child was at work when the process was killed
+
+    std::set<std::string> folders; ///< of children that leave files, by their outputs
 
     struct LockFile {
         bool isHeld = false;
@@ -166,12 +170,17 @@ class SimulatedSystem : public ExecutionSystem {
         child.endsAt = hangs ? Milliseconds::max() : now_ + childTakes;
         auto handle = std::make_unique<Handle>(*this, children_.size());
         platform_.fileFake.files[output] = "";
+        if (const Family* const family = findFamily(line);
+            family != nullptr && family->leavesFiles(line)) {
+            folders.insert(output);
+        }
         children_.reserve(children_.size() + 1);
         started.push_back(line);
         children_.push_back(std::move(child)); // it runs from now on
         moment("started");
         return handle;
     }
+    void removeFolder(const std::string& output) override { folders.erase(output); }
     [[nodiscard]] ProcessIdentity ownProcess() override { return own_; }
     [[nodiscard]] bool isRunning(const ProcessIdentity& process) override {
         return process == own_ ||

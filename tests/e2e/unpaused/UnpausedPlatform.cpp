@@ -24,6 +24,10 @@ class UnpausedPlatform : public Platform {
             commandLine, capture,
             shorter == nullptr ? limit : std::chrono::milliseconds(std::atol(shorter)));
     }
+    ChildResult runChildIn(const std::string& folder, std::string_view commandLine, bool capture,
+                           std::chrono::milliseconds limit) override {
+        return system_->runChildIn(folder, commandLine, capture, limit);
+    }
     std::unique_ptr<PCI_DevList_VC> pciDevices() override { return system_->pciDevices(); }
     void pauseOneSecond() override {}
     LocalTime localTime() override { return system_->localTime(); }

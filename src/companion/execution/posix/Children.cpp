@@ -65,12 +65,12 @@ class PosixChild : public StartedChild {
     explicit PosixChild(std::shared_ptr<Interruptions> waits) : waits_(std::move(waits)) {}
 
     /// Everything that takes memory comes before the child is there.
-    bool start(std::string_view commandLine, const std::string& output) {
+    bool start(std::string_view commandLine, const std::string& output, const std::string& folder) {
         output_ = makeAnew(output);
         if (!output_.isOpen()) {
             return false;
         }
-        const auto child = zolex::posix::startChild(commandLine, output_.get(), true);
+        const auto child = zolex::posix::startChild(commandLine, output_.get(), true, folder);
         if (!child) {
             const int error = errno;
             ::unlink(output.c_str());
@@ -144,13 +144,14 @@ class PosixChild : public StartedChild {
 } // namespace
 
 std::unique_ptr<StartedChild> startProgram(std::string_view commandLine, const std::string& output,
-                                           std::shared_ptr<Interruptions> waits) {
+                                           std::shared_ptr<Interruptions> waits,
+                                           const std::string& folder) {
     if (commandLine.empty()) {
         errno = ENOENT;
         return nullptr;
     }
     auto child = std::make_unique<PosixChild>(std::move(waits));
-    if (!child->start(commandLine, output)) {
+    if (!child->start(commandLine, output, folder)) {
         const int error = errno;
         child.reset();
         errno = error;

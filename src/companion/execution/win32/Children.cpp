@@ -111,7 +111,7 @@ constexpr DWORD apart = CREATE_NEW_PROCESS_GROUP | CREATE_NO_WINDOW;
 
 /// False, and the last error, when it cannot be started.
 bool startApart(std::string_view commandLine, HANDLE input, HANDLE output,
-                PROCESS_INFORMATION& started) {
+                const std::string& folder, PROCESS_INFORMATION& started) {
     const Inheritance inheritance({input, output});
     STARTUPINFOEXA startup{};
     startup.lpAttributeList = inheritance.get();
@@ -127,7 +127,8 @@ bool startApart(std::string_view commandLine, HANDLE input, HANDLE output,
     for (const DWORD job : {DWORD{CREATE_BREAKAWAY_FROM_JOB}, DWORD{0}}) {
         std::string writable(commandLine);
         if (CreateProcessA(nullptr, writable.data(), nullptr, nullptr, TRUE, flags | job, nullptr,
-                           nullptr, &startup.StartupInfo, &started) != 0) {
+                           folder.empty() ? nullptr : folder.c_str(), &startup.StartupInfo,
+                           &started) != 0) {
             return true;
         }
         if (GetLastError() != ERROR_ACCESS_DENIED) {
@@ -141,7 +142,7 @@ class WindowsChild : public StartedChild {
   public:
     explicit WindowsChild(std::shared_ptr<Interruptions> waits) : waits_(std::move(waits)) {}
 
-    bool start(std::string_view commandLine, const std::string& output) {
+    bool start(std::string_view commandLine, const std::string& output, const std::string& folder) {
         removeFile(output);
         const Handle writing = openInherited(output, GENERIC_WRITE, CREATE_NEW);
         if (writing.get() == nullptr) {
@@ -151,7 +152,7 @@ class WindowsChild : public StartedChild {
         const Handle input = openInherited("NUL", GENERIC_READ, OPEN_EXISTING);
         PROCESS_INFORMATION started{};
         if (output_.get() == nullptr || input.get() == nullptr ||
-            !startApart(commandLine, input.get(), writing.get(), started)) {
+            !startApart(commandLine, input.get(), writing.get(), folder, started)) {
             const DWORD error = GetLastError();
             output_.close();
             DeleteFileA(output.c_str());
@@ -213,13 +214,14 @@ class WindowsChild : public StartedChild {
 } // namespace
 
 std::unique_ptr<StartedChild> startProgram(std::string_view commandLine, const std::string& output,
-                                           std::shared_ptr<Interruptions> waits) {
+                                           std::shared_ptr<Interruptions> waits,
+                                           const std::string& folder) {
     if (commandLine.empty()) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return nullptr;
     }
     auto child = std::make_unique<WindowsChild>(std::move(waits));
-    if (!child->start(commandLine, output)) {
+    if (!child->start(commandLine, output, folder)) {
         const DWORD error = GetLastError();
         child.reset();
         SetLastError(error);

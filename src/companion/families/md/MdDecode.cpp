@@ -190,6 +190,7 @@ Facts factsOf(const DiskList& list) {
     Facts facts;
     facts.productName = "Linux md";
     facts.driverVersion = list.kernel.empty() ? "" : "Linux " + list.kernel;
+    facts.deepMirrors = DeepMirrors::ofAll;
     facts.raidTypes = {"RAID0", "RAID1", "RAID1E", "RAID5", "RAID6", "RAID10"};
     facts.minStripSizeBytes = std::uint64_t{4} << 10U;
     facts.maxStripSizeBytes = std::uint64_t{1} << 30U;

@@ -161,6 +161,7 @@ class MdFamily : public Family {
         limits.mixesProtocols = true;
         limits.mixesMedia = true;
         limits.hasDedicatedSpares = true;
+        limits.deepMirrors = DeepMirrors::ofAll;
         return limits;
     }
 

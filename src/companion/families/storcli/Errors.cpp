@@ -136,19 +136,18 @@ class Judgement {
 
   private:
     void readStatus(const Json& status) {
-        const std::string word = textOf(status, "Status");
-        if (text::equalsNoCase(word, "Success")) {
-            hasSuccess_ = true;
-        } else {
-            hasFailure_ = true;
-            tell(textOf(status, "Description"));
-        }
+        const bool saysSuccess = text::equalsNoCase(textOf(status, "Status"), "Success");
+        hasSuccess_ = hasSuccess_ || saysSuccess;
+        hasFailure_ = hasFailure_ || !saysSuccess;
+        const std::size_t had = words_.size();
         const Json* const details = find(status, "Detailed Status");
-        if (details == nullptr || !details->is_array()) {
-            return;
+        if (details != nullptr && details->is_array()) {
+            for (const Json& row : *details) {
+                readDetail(row);
+            }
         }
-        for (const Json& row : *details) {
-            readDetail(row);
+        if (!saysSuccess && words_.size() == had) {
+            tell(textOf(status, "Description")); // else it says no more than they do
         }
     }
 

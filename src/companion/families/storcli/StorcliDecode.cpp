@@ -172,6 +172,7 @@ class Decoder {
             return;
         }
         tellDuplicates();
+        facts_.deepMirrors = DeepMirrors::ofPairs;
         readBasics();
         readAbilities();
         readTopology();

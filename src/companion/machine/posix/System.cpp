@@ -1,10 +1,13 @@
 #include "companion/machine/System.h"
 
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 #include <utility>
@@ -63,16 +66,34 @@ EmptyFolder::EmptyFolder() {
 }
 
 EmptyFolder::~EmptyFolder() {
-    if (name_.empty()) {
+    if (!name_.empty()) {
+        removeFolder(name_);
+    }
+}
+
+bool makeFolder(const std::string& name) {
+    constexpr mode_t own = 0700;
+    return ::mkdir(name.c_str(), own) == 0;
+}
+
+void removeFolder(const std::string& name) {
+    const int error = errno;
+    const int descriptor =
+        ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        errno = error;
         return;
     }
-    if (DIR* const folder = ::opendir(name_.c_str()); folder != nullptr) {
+    if (DIR* const folder = ::fdopendir(descriptor); folder != nullptr) {
         while (const dirent* const entry = ::readdir(folder)) {
             ::unlinkat(::dirfd(folder), entry->d_name, 0);
         }
         ::closedir(folder);
+    } else {
+        ::close(descriptor);
     }
-    ::rmdir(name_.c_str());
+    ::rmdir(name.c_str());
+    errno = error;
 }
 
 std::string absolutePath(const std::string& path) {

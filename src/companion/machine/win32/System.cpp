@@ -74,18 +74,35 @@ EmptyFolder::EmptyFolder() {
 }
 
 EmptyFolder::~EmptyFolder() {
-    if (name_.empty()) {
+    if (!name_.empty()) {
+        removeFolder(name_);
+    }
+}
+
+bool makeFolder(const std::string& name) {
+    return CreateDirectoryA(name.c_str(), nullptr) != 0;
+}
+
+void removeFolder(const std::string& name) {
+    const DWORD error = GetLastError();
+    const DWORD attributes = GetFileAttributesA(name.c_str());
+    const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES &&
+                          (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+                          (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+    if (!isFolder) {
+        SetLastError(error);
         return;
     }
     WIN32_FIND_DATAA found{};
-    const HANDLE search = FindFirstFileA((name_ + "\\*").c_str(), &found);
+    const HANDLE search = FindFirstFileA((name + "\\*").c_str(), &found);
     if (search != INVALID_HANDLE_VALUE) {
         do {
-            DeleteFileA((name_ + "\\" + static_cast<const char*>(found.cFileName)).c_str());
+            DeleteFileA((name + "\\" + static_cast<const char*>(found.cFileName)).c_str());
         } while (FindNextFileA(search, &found) != 0);
         FindClose(search);
     }
-    RemoveDirectoryA(name_.c_str());
+    RemoveDirectoryA(name.c_str());
+    SetLastError(error);
 }
 
 std::string absolutePath(const std::string& path) {

@@ -23,6 +23,7 @@ class UnpausedExecution : public ExecutionSystem {
                                         const std::string& output) override {
         return system_->start(commandLine, output);
     }
+    void removeFolder(const std::string& output) override { system_->removeFolder(output); }
     ProcessIdentity ownProcess() override { return system_->ownProcess(); }
     bool isRunning(const ProcessIdentity& process) override { return system_->isRunning(process); }
     Interruption interruption() override { return system_->interruption(); }

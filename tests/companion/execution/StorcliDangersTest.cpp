@@ -1,0 +1,216 @@
+// What happens to a server with a controller of today between plan, apply and resume: nothing is
+// lost that was not agreed to.
+
+#include "companion/execution/ApplyBench.h"
+#include "companion/execution/StorcliRuns.h"
+#include "model/StorcliController.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace zolex::companion {
+namespace {
+
+using test::ApplyBench;
+using test::endLines;
+using test::Lines;
+using Controller = zolex_sim::storcli::Controller;
+using zolex_sim::storcli::DriveState;
+
+/// The layout of usedDrives goes but for the RAID 5; a mirror comes.
+constexpr const char* policies =
+    "Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n"
+    "Array.A = 3,4,5,6\nArray.B = 1,2,13,14\n"
+    "Logical.1 = A:FILL:5:ON\nLogical.2 = B:FILL:10\n";
+
+class StorcliDangers : public testing::Test {
+  protected:
+    StorcliDangers() : bench_(test::storcliServer("") + test::usedDrives + "]}]}") {
+        bench_.makePlan(test::storcliPolicies(policies), StrategyWish::automatic, false);
+        initial_ = bench_.server.platform.server;
+    }
+
+    Controller& controller() { return bench_.server.platform.server.storcliControllers.front(); }
+    /// Each of the two has the number of the other.
+    void swapNumbers(std::size_t one, std::size_t other) {
+        std::swap(controller().volumes[one], controller().volumes[other]); // they stand by numbers
+        std::swap(controller().volumes[one].number, controller().volumes[other].number);
+    }
+    zolex_sim::storcli::Drive& drive(std::size_t slot) { return controller().drives.at(slot); }
+
+    /// The details of an apply that is refused and starts nothing, after a change.
+    Lines refusedAfter(const std::function<void()>& change) {
+        bench_.server.platform.server = initial_;
+        bench_.system.started.clear();
+        change();
+        const ApplyEnd end = bench_.apply();
+        EXPECT_EQ(end.exitCode, 3) << testing::PrintToString(endLines(end));
+        EXPECT_EQ(bench_.system.started, Lines{});
+        EXPECT_FALSE(bench_.disk.isThere);
+        return end.details;
+    }
+
+    /// Interrupts the run behind so many commands.
+    void interruptBehind(std::size_t commands) {
+        std::size_t ended = 0;
+        bench_.system.onMoment = [this, commands, ended](const std::string& moment) mutable {
+            if (moment == "ended" && ++ended == commands) {
+                bench_.system.isInterrupted = true;
+            }
+        };
+        EXPECT_EQ(bench_.apply().exitCode, 4);
+        bench_.system.onMoment = nullptr;
+        bench_.system.restart();
+        bench_.system.started.clear();
+    }
+
+    ApplyBench bench_;
+    zolex_sim::Server initial_;
+};
+
+TEST_F(StorcliDangers, APlanHoldsForWhatItWasMadeFor) {
+    ASSERT_EQ(test::faultsOf(bench_.plan), Lines{});
+    EXPECT_EQ(
+        test::commandsOf(bench_.plan),
+        (Lines{"STORCLI /c0/e252/s11 delete hotsparedrive J nolog",
+               "STORCLI /c0/e252/s10 delete hotsparedrive J nolog", "STORCLI /c0/v239 del J nolog",
+               "STORCLI /c0/v237 del J nolog", "STORCLI /c0/v236 del J nolog",
+               "STORCLI /c0 add vd r10 drives=252:0,252:1,252:12,252:13 PDperArray=2 J nolog"}));
+    EXPECT_EQ(refusedAfter([&] { controller().drives.erase(controller().drives.begin() + 12); }),
+              Lines{"controller 1: drive 252:12, serial number ZM000012, is gone"});
+    EXPECT_EQ(refusedAfter([&] { drive(12).serial = "OTHER"; }),
+              Lines{"controller 1: drive 252:12: serial number OTHER in the place of serial number "
+                    "ZM000012"});
+    EXPECT_EQ(refusedAfter([&] { drive(12).state = DriveState::jbod; }),
+              (Lines{"controller 1: drive 252:12 is not to be used now: needs `set good force`, "
+                     "which loses its data",
+                     "controller 1: drive 252:12 is shown to the system (JBOD), it was good"}));
+    EXPECT_EQ(refusedAfter([&] { drive(12).state = DriveState::bad; }),
+              Lines{"controller 1: drive 252:12 is failed (UBad), it was good"});
+    EXPECT_EQ(refusedAfter([&] { drive(12).state = DriveState::globalSpare; }),
+              Lines{"controller 1: there now: hot spare: 252:12"});
+    EXPECT_EQ(refusedAfter([&] { drive(10).state = DriveState::good; }),
+              Lines{"controller 1: no longer there: hot spare: 252:10"});
+    EXPECT_EQ(refusedAfter([&] {
+                  drive(13).state = DriveState::foreign;
+                  controller().foreignSets.push_back(
+                      {zolex_sim::storcli::Level::raid0, 1000, 1, 0, {drive(13).place}});
+              }),
+              (Lines{"controller 1: drive 252:13 is foreign (UGood), it was good",
+                     "controller 1: there now: foreign: 252:13"}));
+    EXPECT_EQ(refusedAfter([&] { controller().foreignSets.front().blocks = 5000; }),
+              Lines{"controller 1: its layout is not what it was"});
+    EXPECT_EQ(refusedAfter([&] { controller().remove(controller().volumes.back().number); }),
+              Lines{"controller 1: no longer there: LD 239, RAID1 fill, strip 64 KB, protected "
+                    "write-back, read-ahead: 252:0 252:1"});
+}
+
+/// Somebody deletes two logical drives and makes them again, each with the number of the other.
+TEST_F(StorcliDangers, ANumberThatIsAnothersIsFound) {
+    EXPECT_EQ(refusedAfter([this] { swapNumbers(0, 1); }),
+              (Lines{"controller 1: LD 237 on 252:6 252:7 252:8 252:9 has the number 236 now",
+                     "controller 1: LD 236 on 252:6 252:7 252:8 252:9 has the number 237 now"}));
+    EXPECT_EQ(refusedAfter([this] { swapNumbers(2, 3); }),
+              (Lines{"controller 1: LD 239 on 252:0 252:1 has the number 238 now",
+                     "controller 1: LD 238 on 252:2 252:3 252:4 252:5 has the number 239 now"}));
+}
+
+TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWhenARunIsGoneOnWith) {
+    interruptBehind(1);
+    swapNumbers(0, 1);
+    const Lines stood = bench_.layout();
+    EXPECT_EQ(
+        endLines(bench_.resume()),
+        (Lines{
+            "4: the logical drives of controller 1 have other numbers than the plan's commands say",
+            "  LD 237 on 252:6 252:7 252:8 252:9 has the number 236 now",
+            "  LD 236 on 252:6 252:7 252:8 252:9 has the number 237 now",
+            "  remains: step 2: remove the spare 252:10",
+            "  remains: step 3: delete LD 239: RAID1 on 252:0 252:1",
+            "  remains: step 4: delete LD 237: RAID10 on 252:6 252:7 252:8 252:9",
+            "  remains: step 5: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+            "  remains: step 6: create B: RAID10 on 252:0 252:1 252:12 252:13",
+            "help: zolexctl plan site.ini plans from what is there",
+            "controller 1: failed step 2 of 6: its logical drives have other numbers"}));
+    EXPECT_EQ(bench_.system.started, Lines{});
+    EXPECT_EQ(bench_.layout(), stood);
+}
+
+TEST_F(StorcliDangers, ADriveThatTheSystemHasByNowIsLeftToIt) {
+    interruptBehind(1);
+    drive(12).state = DriveState::jbod;
+    EXPECT_EQ(endLines(bench_.resume()),
+              (Lines{"3: drives are not those that were planned for",
+                     "  controller 1: drive 252:12 is not to be used now: needs `set good force`, "
+                     "which loses its data",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 2 of 6: stopped at this step"}));
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
+/// What the system is on is not deleted, and "force" is never said.
+TEST_F(StorcliDangers, ALogicalDriveOfTheSystemStays) {
+    controller().volumes[0].hasSystem = true;
+    controller().volumes[0].device = "/dev/sda";
+    EXPECT_EQ(
+        endLines(bench_.apply()),
+        (Lines{"4: step 5 of 6 was refused (VD has OS/FS, use force to delete it. (error 255)): "
+               "delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+               "  STORCLI /c0/v236 del J nolog",
+               "  now on controller 1: array A stands, array B does not; still there: LD 236",
+               "  remains: step 5: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+               "  remains: step 6: create B: RAID10 on 252:0 252:1 252:12 252:13",
+               "help: the system has files there; move them, or delete it by hand",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when its cause is mended",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 5 of 6: VD has OS/FS, use force to delete it. (error "
+               "255)"}));
+    for (const std::string& line : bench_.system.started) {
+        EXPECT_EQ(line.find("force"), std::string::npos) << line;
+    }
+    // Whoever means it deletes it, and the run goes on.
+    controller().remove(controller().volumes[0].number);
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Numbers of groups are positions here: a spare of one that stays is made before another goes.
+TEST(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
+    const std::string drives =
+        R"({"enclosure": 252, "slot": 0, "count": 12, "sectors": 41943040}], "virtualDrives": [
+        {"level": "RAID1", "spans": [["252:0", "252:1"]]},
+        {"level": "RAID5", "spans": [["252:2", "252:3", "252:4", "252:5"]]},
+        {"level": "RAID5", "spans": [["252:6", "252:7", "252:8", "252:9"]]})";
+    ApplyBench bench(test::storcliServer("") + drives + "]}]}");
+    bench.makePlan(test::storcliPolicies("Drives.A = slots 252:2,252:3,252:4,252:5\nLevel.A = 5\n"
+                                         "Drives.B = slots 252:6,252:7,252:8,252:9\nLevel.B = 5\n"
+                                         "Spares = 1 covering A and 1 covering B\n"),
+                   StrategyWish::automatic, false);
+    ASSERT_EQ(test::faultsOf(bench.plan), Lines{});
+    EXPECT_EQ(test::commandsOf(bench.plan),
+              (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=1 J nolog",
+                     "STORCLI /c0/e252/s11 add hotsparedrive DGs=2 J nolog",
+                     "STORCLI /c0/v239 del J nolog"}));
+    EXPECT_EQ(endLines(bench.apply()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// The utility does not know "nolog": each command is run once more without it.
+TEST(StorcliNolog, IsNotKnown) {
+    ApplyBench bench(test::storcliServer(R"(, "refusesNolog": true)") + test::freeDrives + "]}]}");
+    bench.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"),
+                   StrategyWish::automatic, false);
+    EXPECT_EQ(endLines(bench.apply()), (Lines{"0: ", "controller 1: configured"}));
+    EXPECT_EQ(bench.system.started, (Lines{"STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog",
+                                           "STORCLI /c0 add vd r1 drives=252:0,252:1 J"}));
+    const auto ended = bench.eventsOf<JournalStepEnded>();
+    ASSERT_EQ(ended.size(), 2U);
+    EXPECT_EQ(ended[0].reason, "Un-supported Command (error 255)");
+    EXPECT_EQ(ended[0].instead, "STORCLI /c0 add vd r1 drives=252:0,252:1 J");
+    EXPECT_EQ(ended[1].reason + ended[1].instead, "");
+}
+
+} // namespace
+} // namespace zolex::companion
