@@ -13,11 +13,13 @@ put() {
     touch -d "@$commit_time" "$3"
 }
 
-# put_companion FOLDER: the description of zolexctl with its pictures, and how a fleet is configured.
+# put_companion FOLDER: the description of zolexctl with its pictures, which controllers are served, and
+# how the first server and how a fleet is configured.
 put_companion() {
     local name
-    put 644 docs/companion.md "$1/companion.md"
-    put 644 docs/fleet.md "$1/fleet.md"
+    for name in companion controllers first-server fleet; do
+        put 644 "docs/$name.md" "$1/$name.md"
+    done
     for name in docs/pictures/*.svg; do
         put 644 "$name" "$1/pictures/$(basename "$name")"
     done

@@ -92,12 +92,15 @@ constexpr std::array<CommandRow, commandCount - 1> commands{{
      "zolexctl check site.ini\n"
      "zolexctl check site.ini --machine fleet/"},
     {Command::doctor, "doctor", "doctor [OPTIONS]", "are the utilities there, are they read",
-     "Looks whether everything that zolex runs is there and tells the truth: the utilities, "
-     "whether "
-     "their exit codes arrive, whether each listing is read to its end, the machine's type and "
-     "serial number. It only reads: nothing on the server is changed.\n"
+     "Looks whether everything that zolex and zolexctl run is there and tells the truth: the "
+     "utilities and where they were found, whether their exit codes arrive, whether each listing "
+     "is read to its end and what it does not tell, the machine's type and serial number. RAID "
+     "controllers on the bus that nothing drives are told, and two utilities that drive one. "
+     "It only reads: nothing on the server is changed.\n"
      "Exit code: 0 all is well, 1 there are findings, 2 it could not look.",
-     "text json", "zolexctl doctor\nzolexctl doctor --utilities /opt/raid -v"},
+     "text json",
+     "zolexctl doctor\nzolexctl doctor --utilities /opt/raid -v\n"
+     "zolexctl doctor --utility STORCLI=/root/perccli64"},
     {Command::record, "record", "record -o FILE [OPTIONS]", "keep every utility call of a capture",
      "Looks at this server as show does, and keeps everything that was asked and answered in FILE. "
      "Each command that reads can be run on it later, on any system: zolexctl show FILE. It only "

@@ -183,7 +183,9 @@ class Writer {
                 controller(check, each);
             }
         }
-        if (!isAsked) {
+        if (!isAsked && check.controllers.empty()) {
+            row(check.name, "FAIL", printable(check.program) + "; tells of no controller");
+        } else if (!isAsked) {
             row(check.name, check.state == State::missing ? "MISSING" : "-",
                 "its controllers were not asked");
         }
@@ -198,6 +200,9 @@ class Writer {
         }
         if (!check.usesWrapper && !check.program.empty()) {
             text += "; " + printable(check.program);
+            if (!facts.utilityVersion.empty()) {
+                text += ", version " + printable(text::token(facts.utilityVersion, " ", 0));
+            }
         }
         if (check.state == UtilityCheck::State::missing) {
             row(check.name, "MISSING", text + " needs it");

@@ -158,6 +158,7 @@ struct Facts {
     std::string firmwareVersion;
     std::string biosVersion;
     std::string driverVersion;
+    std::string utilityVersion; ///< of the program that told all this, where it tells its own
     std::string reportedState;
     std::string pciIds;                 ///< "1000:0411:1000:1002" where the listing tells them
     std::string pciAddress;             ///< "02:0e.0" where the listing tells it, in hexadecimal

@@ -247,6 +247,7 @@ class Capturer {
                 askFamily(*family);
             }
         }
+        placeFailed();
         std::stable_sort(further_.begin(), further_.end(), [](const Told& a, const Told& b) {
             const auto key = [](const Told& told) {
                 return std::pair(told.controller.pci.empty(),
@@ -317,18 +318,79 @@ class Capturer {
         }
         if (isNamed(other) && !isNamed(own)) {
             tellBoth(both + other + " is used, because it was named");
+            snapshot_.findings.back().help = {"to use " + own +
+                                              ", name its program: " + namingOption(own)};
             return;
         }
-        if (told.controller.failed) {
-            tellBoth(both + other + " is used, because " + own + " fails");
+        if (told.controller.failed && isThere(other)) {
+            const auto& findings = told.controller.findings;
+            tellBoth(both + other + " is used, because " + own + " fails",
+                     findings.empty() ? std::string() : findings.front().summary);
             return;
         }
         tellBoth(both + own + " is used");
         taken_.emplace(*known, std::move(told));
     }
 
-    void tellBoth(std::string summary) {
-        snapshot_.findings.push_back(problemFinding(problem::drivenByBoth, std::move(summary)));
+    /// A controller that its utility fails for tells no place. Where nothing else on the bus can be
+    /// it, it is a card that zolex knows too.
+    void placeFailed() {
+        std::vector<std::string> cards;
+        for (std::size_t i = 0; i < snapshot_.controllers.count(); ++i) {
+            const FunctionIdentity card = functionOf(*snapshot_.controllers.controller(i));
+            if (utilityOfType(card.type) == "MEGACLI" && !card.pci.empty() && !isTold(card.pci)) {
+                cards.push_back(card.pci);
+            }
+        }
+        if (cards.empty() || hasUntoldFunction()) {
+            return;
+        }
+        auto card = cards.begin();
+        for (Told& told : std::exchange(further_, {})) {
+            const FamilyController& controller = told.controller;
+            if (controller.failed && controller.pci.empty() && !told.family->isOptIn() &&
+                card != cards.end()) {
+                told.controller.pci = *card++;
+            }
+            place(std::move(told));
+        }
+    }
+
+    [[nodiscard]] bool isTold(const std::string& pci) const {
+        return std::find(familyFunctions_.begin(), familyFunctions_.end(), pci) !=
+               familyFunctions_.end();
+    }
+
+    /// Whether the bus has a controller of a family that neither it nor zolex tells of.
+    [[nodiscard]] bool hasUntoldFunction() const {
+        if (devices_ == nullptr) {
+            return false;
+        }
+        devices_->reset();
+        while (const PciDevice* const device = devices_->next()) {
+            const std::string pci = pciPlaceOf(*device);
+            if (findFamily(knownFunction(*device).family) != nullptr && !cardAt(pci) &&
+                !isTold(pci)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void tellBoth(std::string summary, std::string detail = {}) {
+        snapshot_.findings.push_back(
+            problemFinding(problem::drivenByBoth, std::move(summary), std::move(detail)));
+    }
+
+    /// Whether the program of a utility is there, as far as that is known.
+    [[nodiscard]] bool isThere(const std::string& utility) const {
+        return request_.utilities == nullptr || !request_.utilities->programOf(utility).empty();
+    }
+
+    /// The same of a family's own program: UTIL.BAT need not know it.
+    [[nodiscard]] bool hasOwnProgram(std::string_view family) const {
+        return request_.utilities == nullptr || (!request_.utilities->programOf(family).empty() &&
+                                                 !request_.utilities->usesWrapper(family));
     }
 
     [[nodiscard]] bool isNamed(const std::string& utility) const {
@@ -379,8 +441,9 @@ class Capturer {
                 findFamily(known.family) != nullptr;
             if (!known.family.empty() && !isUnsure &&
                 std::find(driven.begin(), driven.end(), pci) == driven.end()) {
-                snapshot_.undriven.push_back(
-                    {std::move(pci), pciIdsOf(*device), std::string(known.family), known.isSure});
+                snapshot_.undriven.push_back({std::move(pci), pciIdsOf(*device),
+                                              std::string(known.family), known.isSure,
+                                              hasOwnProgram(known.family)});
             }
         }
     }

@@ -127,11 +127,22 @@ void tellUtility(const UtilityCheck& check, std::vector<SubjectFinding>& finding
     }
 }
 
+/// Whether the list of its controllers could not be had of a family.
+bool hasTrouble(const Snapshot& snapshot, const std::string& family) {
+    return std::any_of(
+        snapshot.findings.begin(), snapshot.findings.end(), [&family](const Finding& finding) {
+            return finding.severity != Severity::note && finding.summary.starts_with(family + " ");
+        });
+}
+
 /// Families have a row where they are of use: their program is there, or a controller.
 void addFamilies(const Snapshot& snapshot, const Utilities& utilities, Examination& examination) {
     for (const Family* const family : families()) {
         UtilityCheck check = checkUtility(family->name(), snapshot, utilities, {});
         const bool isThere = !check.controllers.empty() || !check.program.empty();
+        if (check.controllers.empty() && hasTrouble(snapshot, check.name)) {
+            check.state = UtilityCheck::State::failed;
+        }
         if (isThere) {
             examination.utilities.push_back(std::move(check));
         }
@@ -211,12 +222,17 @@ std::string undrivenText(const UndrivenFunction& function) {
     return std::string(function.isSure ? "a RAID controller ("
                                        : "what may be a RAID controller (") +
            function.pciIds + ") " +
-           (isOurs ? "is on the bus, and " + function.family + " tells of none there"
-                   : "is on the bus, of the utility " + function.family +
-                         ", which zolexctl does not drive yet");
+           (isOurs
+                ? "is on the bus, and " + function.family +
+                      (function.isAsked ? " tells of none there" : ", which drives it, is missing")
+                : "is on the bus, of the utility " + function.family +
+                      ", which zolexctl does not drive yet");
 }
 
 std::string undrivenHelp(const UndrivenFunction& function) {
+    if (findFamily(function.family) != nullptr && function.isAsked) {
+        return "run the utility by hand, and look whether the driver of the controller is loaded";
+    }
     return findFamily(function.family) != nullptr
                ? "install " + function.family + ", or name it: " + namingOption(function.family)
                : "configure it with its own utility";

@@ -32,7 +32,7 @@ struct ExitCodeProbe {
 [[nodiscard]] std::vector<ExitCodeProbe>
 probeExitCodes(Platform& platform, const Snapshot& snapshot, std::chrono::milliseconds limit);
 
-/// One utility of the seven.
+/// One utility, of the seven or of a family.
 struct UtilityCheck {
     enum class State {
         ok,

@@ -138,8 +138,9 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "An array or a hot spare would be made of another drive than the one that was asked for.",
      "use drives in one enclosure only, or configure this controller by hand"},
     {family_code::textAnswer, error, "a utility answers in another form than JSON",
-     "Nothing of the controller is known. A command that the utility does not know, and a program "
-     "that cannot be loaded, are answered so.",
+     "Nothing of the controller is known. A build that answers in text although JSON was asked for "
+     "cannot be served. A command that the utility does not know, and a program that cannot be "
+     "loaded, are answered so, too.",
      "run the command by hand, and look at what it prints"},
     {family_code::notWhole, error, "a listing tells less than it counts",
      "Nothing is planned on this controller: a drive that is not listed may hold data.",

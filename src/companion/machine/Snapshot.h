@@ -72,10 +72,11 @@ struct FamilyPlace {
 
 /// A RAID controller on the bus that no utility has told of.
 struct UndrivenFunction {
-    std::string pci;     ///< "0000:02:0e.0"
-    std::string pciIds;  ///< "1000:0411:1000:1002"
-    std::string family;  ///< the word of the utility that would drive it
-    bool isSure = false; ///< it is a RAID controller; else it may be a host adapter
+    std::string pci;      ///< "0000:02:0e.0"
+    std::string pciIds;   ///< "1000:0411:1000:1002"
+    std::string family;   ///< the word of the utility that would drive it
+    bool isSure = false;  ///< it is a RAID controller; else it may be a host adapter
+    bool isAsked = false; ///< that utility is there, and does not tell of it
 };
 
 /// Everything that is known of one machine at one moment.

@@ -122,6 +122,21 @@ TEST(StorcliJudge, Success) {
               "done");
 }
 
+TEST(StorcliJudge, WordsAndDashesMoveWithTheVersions) {
+    for (const char* const words : {"Add VD Succeeded.", "Add VD succeeded", "None", "-"}) {
+        EXPECT_EQ(judged(0, answer("Success", words)), "done") << words;
+    }
+    EXPECT_EQ(judged(0, answer("Success", "None",
+                               R"({"VD":239,"Status":"Success","ErrCd":"-","ErrMsg":"-"})")),
+              "done");
+    // A refused capacity has no row of details that tells a message.
+    EXPECT_EQ(judged(13, answer("Failure", "disk doesn't have enough capacity",
+                                R"({"VD":"0 KB","ErrCd":13,"Status":"Failed",)"
+                                R"("Description":"disk doesn't have enough capacity"})")),
+              "refused: disk doesn't have enough capacity (error 13)\n"
+              "help: plan for what is there: zolexctl plan POLICIES");
+}
+
 TEST(StorcliJudge, AFailureWithExitCode0IsARefusal) {
     EXPECT_EQ(judged(0, answer("Failure", "Operation not allowed.")),
               "refused: Operation not allowed.\n"

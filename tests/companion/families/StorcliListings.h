@@ -82,7 +82,7 @@ struct StorcliServer {
             std::string call = line;
             if (call.ends_with(" nolog")) {
                 if (refusesNoLog) {
-                    return ChildResult{ChildOutcome::ended, 255,
+                    return ChildResult{ChildOutcome::ended, refusalCode,
                                        "{\"Controllers\":[{\"Command Status\":{\"Status\":"
                                        "\"Failure\",\"Description\":\"Un-supported Command\"}}]}"};
                 }
@@ -102,6 +102,7 @@ struct StorcliServer {
     }
 
     bool refusesNoLog = false;
+    std::uint32_t refusalCode = 255;
 };
 
 inline std::string word(DriveState state) {

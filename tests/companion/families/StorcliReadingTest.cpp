@@ -67,6 +67,7 @@ TEST(StorcliReading, TheControllerItself) {
     EXPECT_EQ(facts.firmwareVersion, "52.26.0-0001");
     EXPECT_EQ(facts.biosVersion, "7.26.00.0_0x071A0000");
     EXPECT_EQ(facts.driverVersion, "07.719.03.00-rc1");
+    EXPECT_EQ(facts.utilityVersion, "007.2507.0000.0000 Mar 11, 2024");
     EXPECT_EQ(facts.reportedState, "Needs Attention");
     EXPECT_EQ(facts.raidTypes,
               Lines({"RAID0", "RAID1", "RAID5", "RAID6", "RAID00", "RAID10", "RAID50", "RAID60"}));
@@ -145,7 +146,7 @@ TEST(StorcliReading, GenerationEightIsNotHalfDriven) {
     EXPECT_TRUE(controller.failed);
     EXPECT_TRUE(controller.facts.drives.empty());
     EXPECT_EQ(findingsOf(controller.findings),
-              Lines({"ZP139 the utility is of generation 008, which zolexctl does not drive yet: "
+              Lines({"ZP139 STORCLI is of generation 008, which zolexctl does not drive yet: "
                      "008.0005.0000.0010 Feb 22, 2023"}));
 }
 

@@ -107,6 +107,49 @@ TEST(StorcliTraps, WithoutDatesTheNumbersTellTheOrder) {
     EXPECT_EQ(ids, Lines({"239", "238", "236", "237"}));
 }
 
+TEST(StorcliTraps, DrivesAreTakenByTheirPlacesAndNotByTheirOrder) {
+    StorcliServer server;
+    // The rows of two drives have changed places; nothing else has.
+    server.edit(all, "\"252:14\"", "\"252:99\"");
+    server.edit(all, "\"252:12\"", "\"252:14\"");
+    server.edit(all, "\"252:99\"", "\"252:12\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.drives[12].location, "252:14");
+    EXPECT_EQ(controller.facts.drives[12].serialNumber, "NV004114");
+    EXPECT_EQ(controller.facts.drives[14].location, "252:12");
+    EXPECT_EQ(controller.facts.drives[14].serialNumber, "NV004112");
+}
+
+TEST(StorcliTraps, SlotsOfTwoEnclosuresAreNotMixedUp) {
+    StorcliServer server;
+    server.edit(all, "\"252:13\"", "\"253:12\"");
+    server.edit(drives, "\"252:13\"", "\"253:12\"");
+    server.edit(drives, "/c0/e252/s13", "/c0/e253/s12");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(driveOf(controller, "252:12").serialNumber, "NV004112");
+    EXPECT_EQ(driveOf(controller, "253:12").serialNumber, "NV004113");
+    EXPECT_EQ(findingsOf(controller.findings), Lines());
+}
+
+TEST(StorcliTraps, DrivesOfNvmeAndUnitsOfStrips) {
+    StorcliServer server;
+    server.editOnce(all, "\"Intf\" : \"SATA\"", "\"Intf\" : \"NVMe\"");
+    server.edit(all, "\"Min Strip Size\" : \"64 KB\"", "\"Min Strip Size\" : \"512Bytes\"");
+    server.edit(all, "\"Max Strip Size\" : \"1.000 MB\"", "\"Max Strip Size\" : \"64 KB\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(driveOf(controller, "252:0").protocol, "NVMe");
+    EXPECT_EQ(controller.facts.minStripSizeBytes, 512U);
+    EXPECT_EQ(controller.facts.maxStripSizeBytes, 65536U);
+}
+
+TEST(StorcliTraps, ALongTextInsideIsNoMatter) {
+    StorcliServer server;
+    const FamilyController before = server.controller();
+    server.edit(drives, "\"Inquiry Data\" : \"",
+                "\"Inquiry Data\" : \"" + std::string(100000, ' '));
+    EXPECT_EQ(describeAll(server.controller().facts.drives), describeAll(before.facts.drives));
+}
+
 TEST(StorcliTraps, EnclosuresAreOf16BitsAndDrivesMayBeInNone) {
     StorcliServer server;
     for (const char* const call : {all, drives, volumes}) {
@@ -245,6 +288,52 @@ TEST(StorcliTraps, EveryWordOfADriveIsKnown) {
     }
 }
 
+TEST(StorcliTraps, EveryWordOfAVolumeIsKnownAndOthersAreTold) {
+    for (const char* const word : {"Optl", "HD"}) {
+        EXPECT_EQ(storcliVolumeHealth(word), Health::ok) << word;
+    }
+    for (const char* const word : {"Dgrd", "Pdgd", "Rec", "TRANS", "B"}) {
+        EXPECT_EQ(storcliVolumeHealth(word), Health::warning) << word;
+    }
+    EXPECT_EQ(storcliVolumeHealth("OfLn"), Health::critical);
+    EXPECT_EQ(storcliVolumeHealth("Tmrw"), Health::unknown);
+    for (const char* const level :
+         {"RAID0", "RAID1", "RAID5", "RAID6", "RAID00", "RAID10", "RAID50", "RAID60"}) {
+        EXPECT_EQ(storcliLevel(level), level);
+    }
+    StorcliServer server;
+    server.edit(all, "\"State\" : \"Dgrd\",\n\t\t\t\t\"Access\"",
+                "\"State\" : \"Tmrw\",\n\t\t\t\t\"Access\"");
+    server.edit(all, "\"DG/VD\" : \"2/237\",\n\t\t\t\t\"TYPE\" : \"RAID10\"",
+                "\"DG/VD\" : \"2/237\",\n\t\t\t\t\"TYPE\" : \"Cac1\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.logicalDrives[1].reportedState, "Tmrw");
+    EXPECT_EQ(controller.facts.logicalDrives[1].health, Health::unknown);
+    EXPECT_EQ(controller.facts.logicalDrives[2].reportedLevel, "Cac1");
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP133 VD 238 is in a state that zolexctl does not know: Tmrw",
+                     "ZP133 VD 237 has a level that zolexctl does not know: Cac1"}));
+}
+
+TEST(StorcliTraps, ADriveWhosePowerChangesIsNotPlanned) {
+    StorcliServer server;
+    server.edit(all, "\"Sp\" : \"U\"", "\"Sp\" : \"T\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").barred, "its power state is changing");
+}
+
+TEST(StorcliTraps, AForeignDriveIsToldInThreePlaces) {
+    StorcliServer server;
+    EXPECT_TRUE(driveOf(server.controller(), "252:15").isForeign); // by its group
+    EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::free);
+    server.editOnce("/c0/fall show J", "\"FOREIGN CONFIGURATION\"",
+                    "\"FOREIGN PD LIST\" : [ { \"EID:Slt\" : \"252:12\", \"State\" : "
+                    "\"Foreign\" } ],\n\"FOREIGN DG LIST\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign);
+    StorcliServer second;
+    second.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Frgn\"");
+    EXPECT_EQ(driveOf(second.controller(), "252:12").state, DriveState::foreign);
+}
+
 TEST(StorcliTraps, LockedDrivesAreNotPlanned) {
     StorcliServer server;
     server.edit(drives, "\"Locked\" : \"No\"", "\"Locked\" : \"Yes\"");
@@ -307,6 +396,30 @@ TEST(StorcliTraps, AListingThatListsLessThanItCountsIsNone) {
     }
 }
 
+TEST(StorcliTraps, AGroupWhoseDrivesAreNotListedIsNone) {
+    StorcliServer server;
+    server.edit(all, "\"DG\" : 0,\n\t\t\t\t\"Arr\" : 0,\n\t\t\t\t\"Row\" : ",
+                "\"DG\" : 0,\n\t\t\t\t\"Arr\" : 0,\n\t\t\t\t\"Line\" : ");
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(
+        findingsOf(controller.findings),
+        Lines({"ZP131 the listing is not whole: the drives of drive group 0 are not listed"}));
+}
+
+TEST(StorcliTraps, ADriveInAnArrayWithoutALogicalDriveIsNotFree) {
+    StorcliServer server;
+    server.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Onln\"");
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP131 the listing is not whole: no logical drive is listed of 252:12"}));
+    StorcliServer copied;
+    copied.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Cpybck\"");
+    EXPECT_EQ(Storcli().whyNotUsable(driveOf(copied.controller(), "252:12")),
+              "data is being written to it, and no logical drive tells of it");
+}
+
 TEST(StorcliTraps, FailureWithEverythingListedIsAWarning) {
     StorcliServer server;
     server.editOnce(all, "\"Status\" : \"Success\"", "\"Status\" : \"Failure\"");
@@ -323,11 +436,37 @@ TEST(StorcliTraps, TextThoughJsonWasAsked) {
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);
     EXPECT_EQ(findingsOf(controller.findings),
-              Lines({"ZP130 STORCLI /c0 show all J nolog answers in another form than JSON: "
-                     "syntax error, unexpected TOKEN_JBOD, expecting TOKEN_HOTSPARE_DRIVE"}));
+              Lines({"ZP139 STORCLI is of generation 008, which zolexctl does not drive yet: "
+                     "008.0005.0000.0010 Feb 22, 2023"}));
+    server.answer(all, replaced(listing("storcli2-syntax-error.txt"), "008.0005", "007.0709"), 1);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP130 STORCLI /c0 show all J nolog answers in text, though JSON was asked "
+                     "for: syntax error, unexpected TOKEN_JBOD, expecting TOKEN_HOTSPARE_DRIVE"}));
     server.answer("show J", "storcli64: error while loading shared libraries\n", 127);
     EXPECT_EQ(findingsOf(server.capture().findings),
-              Lines({"ZP130 STORCLI show J nolog answers in another form than JSON"}));
+              Lines({"ZP130 STORCLI show J nolog prints no answer: storcli64: error while loading "
+                     "shared libraries"}));
+}
+
+TEST(StorcliTraps, ATextStillSaysWhichControllerItIs) {
+    StorcliServer server;
+    server.answer(all, "CLI Version = 007.1108.0000.0000 July 17, 2019\nStatus = Success\n"
+                       "Description = None\n\n\nBasics :\n======\nController = 0\n"
+                       "Model = PERC H730P Mini\nSerial Number = 7AB01C2\n"
+                       "PCI Address = 00:02:00:00\n");
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(controller.facts.productName, "PERC H730P Mini");
+    EXPECT_EQ(controller.facts.serialNumber, "7AB01C2");
+    EXPECT_EQ(controller.pci, "0000:02:00.0");
+    ASSERT_EQ(controller.findings.size(), 1U);
+    EXPECT_EQ(controller.findings[0].summary,
+              "STORCLI /c0 show all J nolog answers in text, though JSON was asked for");
+    EXPECT_EQ(controller.findings[0].detail,
+              "exit code 0; version 007.1108.0000.0000 July 17, 2019");
+    EXPECT_EQ(controller.findings[0].help,
+              Lines({"install a version of the utility that answers in JSON, or name one: "
+                     "zolexctl --utility STORCLI=/path/storcli64 doctor"}));
 }
 
 TEST(StorcliTraps, ATruncatedAnswerIsNoListing) {
@@ -337,7 +476,7 @@ TEST(StorcliTraps, ATruncatedAnswerIsNoListing) {
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);
     EXPECT_EQ(findingsOf(controller.findings),
-              Lines({"ZP130 STORCLI /c0 show all J nolog answers in another form than JSON"}));
+              Lines({"ZP130 STORCLI /c0 show all J nolog answers with JSON that is not whole"}));
 }
 
 TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {
@@ -349,6 +488,24 @@ TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {
                                    "STORCLI /c0 show all J", "STORCLI /c0/eall/sall show all J",
                                    "STORCLI /c0/vall show all J", "STORCLI /c0/fall show J"}));
     EXPECT_TRUE(Storcli().leavesFiles("STORCLI /c0 show all J"));
+    // Some versions refuse it and end with 0.
+    StorcliServer second;
+    second.refusesNoLog = true;
+    second.refusalCode = 0;
+    EXPECT_EQ(second.controller().facts.drives.size(), 16U);
+}
+
+TEST(StorcliTraps, WhatIsRefusedWithoutNoLogTooIsAskedTwiceAndNoMore) {
+    StorcliServer server;
+    server.answers.clear();
+    server.answer("show J",
+                  "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Failure\","
+                  "\"Description\":\"Un-supported Command\"}}]}",
+                  255);
+    const FamilyCapture captured = server.capture();
+    EXPECT_EQ(server.calls, Lines({"STORCLI show J nolog", "STORCLI show J"}));
+    EXPECT_EQ(findingsOf(captured.findings),
+              Lines({"ZP104 STORCLI show J nolog tells nothing: Un-supported Command"}));
 }
 
 TEST(StorcliTraps, HostAdaptersBesideAreLeftOut) {
@@ -357,7 +514,65 @@ TEST(StorcliTraps, HostAdaptersBesideAreLeftOut) {
                   "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Success\"},\"Response "
                   "Data\":{\"Number of Controllers\":2,\"System Overview\":[{\"Ctl\":\"0\"}],\"IT "
                   "System Overview\":[{\"Ctl\":1}]}}]}");
-    EXPECT_EQ(server.capture().controllers.size(), 1U);
+    const FamilyCapture captured = server.capture();
+    EXPECT_EQ(captured.controllers.size(), 1U);
+    EXPECT_EQ(findingsOf(captured.findings), Lines());
+}
+
+TEST(StorcliTraps, ControllersThatAreCountedAndNotListedAreTold) {
+    StorcliServer server;
+    server.answer("show J", replaced(StorcliServer::overview({{"0", "A"}}), "Controllers\":1",
+                                     "Controllers\":3"));
+    const FamilyCapture captured = server.capture();
+    EXPECT_EQ(captured.controllers.size(), 1U);
+    EXPECT_EQ(findingsOf(captured.findings),
+              Lines({"ZP131 STORCLI show J nolog counts 3 controllers and lists 1"}));
+}
+
+TEST(StorcliTraps, TheNextGenerationUnderAnyNameIsAskedForNothingMore) {
+    StorcliServer server;
+    server.edit("show J", "007.2507", "008.0005.0000.0010 Feb 22, 2023");
+    FamilyCapture captured = server.capture();
+    EXPECT_EQ(server.calls, Lines({"STORCLI show J nolog"}));
+    EXPECT_TRUE(captured.controllers.empty());
+    const Lines told = {"ZP139 STORCLI is of generation 008, which zolexctl does not drive yet: "
+                        "008.0005.0000.0010 Feb 22, 2023"};
+    EXPECT_EQ(findingsOf(captured.findings), told);
+    server.answer("show J", listing("storcli2-syntax-error.txt"), 255);
+    EXPECT_EQ(findingsOf(server.capture().findings), told);
+}
+
+TEST(StorcliTraps, AnAnswerOfAnotherControllerIsNone) {
+    StorcliServer server;
+    server.editOnce(all, "\"Controller\" : 0", "\"Controller\" : 1");
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_TRUE(controller.facts.drives.empty());
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP104 STORCLI /c0 show all J nolog tells nothing"}));
+    // One that tells no number is that of the call; of several it is the one of its number.
+    server.editOnce(all, "\"Controller\" : 1,", "");
+    EXPECT_EQ(findingsOf(server.controller().findings), Lines());
+    server.editOnce(all, "\"Controllers\":[\n",
+                    "\"Controllers\":[\n{\"Command Status\":{\"Controller\":1,\"Status\":"
+                    "\"Success\"},\"Response Data\":{}},\n");
+    EXPECT_EQ(server.controller().facts.drives.size(), 16U);
+}
+
+TEST(StorcliTraps, ACallThatDoesNotEndIsTold) {
+    StorcliServer server;
+    server.answers["STORCLI " + std::string(all)] = {ChildOutcome::stillRunning, 0, ""};
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP103 STORCLI /c0 show all J nolog did not end within 300 s"}));
+    EXPECT_EQ(server.calls, Lines({"STORCLI show J nolog", "STORCLI /c0 show all J nolog"}));
+}
+
+TEST(StorcliTraps, ProgramsInTheirOrder) {
+    const auto programs = Storcli().programs();
+    EXPECT_EQ(Lines(programs.begin(), programs.end()),
+              Lines({"storcli64", "storcli", "perccli64", "perccli"}));
 }
 
 TEST(StorcliTraps, NoControllerIsNoFault) {

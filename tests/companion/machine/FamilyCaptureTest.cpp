@@ -153,15 +153,62 @@ TEST(FamilyCapture, MegacliIsUsedWhereStorcliFails) {
     const Snapshot snapshot = machine.capture();
     ASSERT_EQ(snapshot.details.size(), 1U);
     EXPECT_EQ(snapshot.details[0].utility, "MEGACLI");
+    ASSERT_FALSE(snapshot.findings.empty());
+    EXPECT_EQ(snapshot.findings[0].summary, "controller 1 is driven by STORCLI and by MEGACLI: "
+                                            "MEGACLI is used, because STORCLI fails");
+    EXPECT_EQ(snapshot.findings[0].detail,
+              "the listing is not whole: 16 of 17 physical drives are listed");
+    // There is nothing to fall back to.
+    machine.utilities = utilitiesWith({"STORCLI"});
+    EXPECT_EQ(summaryOf(machine.capture()),
+              Lines({"1 STORCLI MegaRAID-N3916-16i-8GB no record failed",
+                     "ZP140 controller 1 is driven by STORCLI and by MEGACLI: STORCLI is used"}));
+}
+
+TEST(FamilyCapture, AFailureThatTellsNoPlaceIsThatOfTheOneCard) {
+    FamilyMachine machine;
+    machine.platform.devices = {oldCard(2)};
+    machine.server.answer("/c0 show all J", "Status = Success\n");
+    const Lines megacliIsUsed = {
+        "1 MEGACLI LSI-MegaRAID-8480 failed",
+        "ZP140 controller 1 is driven by STORCLI and by MEGACLI: MEGACLI is used, because STORCLI "
+        "fails"};
+    EXPECT_EQ(summaryOf(machine.capture()), megacliIsUsed);
+    // It may be another one, which is on the bus too.
+    machine.platform.devices = {oldCard(2), card(0x1000, 0x10e2, 0xc1)};
+    EXPECT_EQ(summaryOf(machine.capture()),
+              Lines({"1 MEGACLI LSI-MegaRAID-8480 failed",
+                     "2 STORCLI MegaRAID-N3916-16i-8GB no record failed"}));
+    // The text says where it is.
+    machine.server.answer("/c0 show all J", "Status = Success\nPCI Address = 00:02:00:00\n");
+    EXPECT_EQ(summaryOf(machine.capture()), megacliIsUsed);
 }
 
 TEST(FamilyCapture, IsAskedOnlyWhereItIsThere) {
     FamilyMachine machine;
-    machine.utilities = utilitiesWith({"MEGACLI"});
+    machine.utilities = utilitiesWith({"MEGACLI", "STORCLI2"});
     EXPECT_EQ(summaryOf(machine.capture()), Lines());
     machine.utilities = utilitiesWith({"STORCLI"});
     machine.request.asksFamilies = false;
     EXPECT_EQ(summaryOf(machine.capture()), Lines());
+    for (const std::string& line : machine.platform.children) {
+        EXPECT_EQ(line.find("STORCLI"), std::string::npos) << line;
+        EXPECT_EQ(line.find("MD"), std::string::npos) << line;
+    }
+}
+
+TEST(FamilyCapture, HardwareThatIsNotGenuineIsRefused) {
+    for (const char* const id : {"4320", "4323", "4324", "4327"}) { // 10e0, 10e3, 10e4, 10e7
+        FamilyMachine machine;
+        machine.server.edit("/c0 show all J", "\"Device Id\" : 4322",
+                            "\"Device Id\" : " + std::string(id));
+        const Snapshot snapshot = machine.capture();
+        ASSERT_EQ(snapshot.details.size(), 1U);
+        EXPECT_TRUE(snapshot.details[0].failed) << id;
+        ASSERT_EQ(snapshot.details[0].findings.size(), 1U);
+        EXPECT_EQ(snapshot.details[0].findings[0].code, "ZP141");
+        EXPECT_TRUE(snapshot.details[0].drives.empty());
+    }
 }
 
 TEST(FamilyCapture, ThroughUtilBatOnlyWhenItIsNotFoundByItsOwnName) {
@@ -175,6 +222,19 @@ TEST(FamilyCapture, ThroughUtilBatOnlyWhenItIsNotFoundByItsOwnName) {
     utilities.named["STORCLI"] = "/root/perccli64";
     EXPECT_EQ(utilities.argumentsOf("STORCLI show J nolog"),
               Lines({"/root/perccli64", "show", "J", "nolog"}));
+}
+
+TEST(FamilyCapture, OneThatItsUtilityDoesNotTellOf) {
+    FamilyMachine machine;
+    machine.server.answer("show J", StorcliServer::overview({}));
+    machine.platform.devices = {card(0x1000, 0x10e2, 0xc1)};
+    const Snapshot snapshot = machine.capture();
+    ASSERT_EQ(snapshot.undriven.size(), 1U);
+    EXPECT_EQ(undrivenText(snapshot.undriven[0]),
+              "a RAID controller (1000:10e2:1000:1002) is on the bus, and STORCLI tells of none "
+              "there");
+    EXPECT_EQ(undrivenHelp(snapshot.undriven[0]),
+              "run the utility by hand, and look whether the driver of the controller is loaded");
 }
 
 TEST(FamilyCapture, ControllersThatNobodyDrives) {
@@ -196,7 +256,7 @@ TEST(FamilyCapture, ControllersThatNobodyDrives) {
                      "PCI 0000:04:00.0: what may be a RAID controller (1000:0097:1000:1002) is on "
                      "the bus, of the utility SAS3IRCU, which zolexctl does not drive yet",
                      "PCI 0000:c1:00.0: a RAID controller (1000:10e2:1000:1002) is on the bus, and "
-                     "STORCLI tells of none there",
+                     "STORCLI, which drives it, is missing",
                      "STORCLI2: /opt/STORCLI2 is there, and zolexctl does not drive it yet"}));
 }
 

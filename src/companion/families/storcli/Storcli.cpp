@@ -6,7 +6,6 @@
 #include "companion/families/storcli/Limits.h"
 #include "companion/families/storcli/StorcliDecode.h"
 #include "companion/families/storcli/StorcliWords.h"
-#include "companion/text/Terminal.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -82,34 +81,34 @@ class Asker {
             }
             return std::move(capture_);
         }
-        const auto listed = storcliControllers(overview.output);
-        if (!listed) {
-            tellNoList(overview);
+        const StorcliAnswer answer = storcliAnswer(overview.output);
+        const auto list = storcliControllers(overview.output);
+        if (answer.isOfGeneration8()) {
+            capture_.findings.push_back(storcliOfGeneration8(answer));
             return std::move(capture_);
         }
-        for (const StorcliListed& each : *listed) {
+        if (!list) {
+            // A utility that finds no controller says so as a failure.
+            if (!text::containsNoCase(answer.description, "no controller")) {
+                capture_.findings.push_back(storcliNoAnswer(overview, answer));
+            }
+            return std::move(capture_);
+        }
+        if (list->counted > list->listed && list->listed > 0) {
+            capture_.findings.push_back(
+                {std::string(family_code::notWhole),
+                 overview.command + " counts " + std::to_string(list->counted) +
+                     " controllers and lists " + std::to_string(list->listed),
+                 {},
+                 {}});
+        }
+        for (const StorcliListed& each : list->controllers) {
             captureController(each);
         }
         return std::move(capture_);
     }
 
   private:
-    /// A utility that finds no controller says so as a failure.
-    void tellNoList(const FamilyListing& overview) {
-        const StorcliAnswer answer = storcliAnswer(overview.output);
-        if (text::containsNoCase(answer.description, "no controller")) {
-            return;
-        }
-        capture_.findings.push_back(
-            {std::string(answer.isJson ? family_code::utilityFails : family_code::textAnswer),
-             overview.command +
-                 (answer.isJson ? " lists no controllers" : " answers in another form than JSON") +
-                 (answer.description.empty() ? "" : ": " + printable(answer.description)),
-             "exit code " + std::to_string(overview.exitCode) +
-                 (answer.fault.empty() ? "" : "; " + answer.fault),
-             {}});
-    }
-
     void captureController(const StorcliListed& listed) {
         FamilyController controller;
         controller.adapter = listed.number;
@@ -169,9 +168,6 @@ class Asker {
     }
 
     static bool refusesNoLog(const FamilyListing& listing) {
-        if (listing.exitCode == 0) {
-            return false;
-        }
         const StorcliAnswer answer = storcliAnswer(listing.output);
         return answer.isFailure() && (text::containsNoCase(answer.description, "un-supported") ||
                                       text::containsNoCase(answer.description, "unsupported") ||

@@ -44,30 +44,39 @@ std::optional<std::string_view> lineValue(std::string_view line, std::string_vie
     return rest.starts_with('=') ? std::optional(text::trim(rest.substr(1), " \t")) : std::nullopt;
 }
 
-void readTextStatus(std::string_view output, StorcliAnswer& answer) {
+/// The value of the first line "Key = value" of a text; empty: there is none.
+std::string textValue(std::string_view output, std::string_view key) {
     constexpr int mostLines = 200;
     for (int i = 0; i < mostLines && !output.empty(); ++i) {
-        const std::string_view line = takeLine(output);
-        if (const auto status = lineValue(line, "Status")) {
-            answer.status = cleanText(*status);
-        } else if (const auto description = lineValue(line, "Description")) {
-            answer.description = *description == "None" ? "" : cleanText(*description);
-        } else if (const auto version = lineValue(line, "CLI Version")) {
-            answer.cliVersion = cleanText(*version);
+        if (const auto value = lineValue(takeLine(output), key)) {
+            return cleanText(*value);
         }
     }
+    return {};
 }
 
-/// The entry of a controller; of one document with several that of its own number.
+void readTextStatus(std::string_view output, StorcliAnswer& answer) {
+    answer.status = textValue(output, "Status");
+    answer.description = textValue(output, "Description");
+    answer.description = answer.description == "None" ? "" : answer.description;
+    answer.cliVersion = textValue(output, "CLI Version");
+}
+
+/// The entry of a controller: that of its own number, or the first that tells no number. One that
+/// tells another number is of another controller. Without a number the first of all.
 const ToldValue& entryOf(const ToldJson& json, std::optional<std::int32_t> adapter) {
-    const std::vector<ToldValue>& all = json.value.at("Controllers").items();
-    for (const ToldValue& each : all) {
-        if (adapter && each.at("Command Status").at("Controller").smallNumber() == adapter) {
+    static const ToldValue none;
+    const ToldValue* unnumbered = &none;
+    for (const ToldValue& each : json.value.at("Controllers").items()) {
+        const auto number = each.at("Command Status").at("Controller").smallNumber();
+        if (!adapter || number == adapter) {
             return each;
         }
+        if (!number && !unnumbered->isThere()) {
+            unnumbered = &each;
+        }
     }
-    static const ToldValue none;
-    return all.empty() ? none : all.front();
+    return *unnumbered;
 }
 
 StorcliAnswer answerOf(const ToldJson& json, const ToldValue& entry, std::string_view output) {
@@ -213,36 +222,35 @@ class Decoder {
         if (listing.outcome != ChildOutcome::ended && listing.outcome != ChildOutcome::notClosed) {
             return; // told by whoever called
         }
-        const StorcliAnswer& answer = document.answer;
-        if (!answer.isJson) {
-            find(family_code::textAnswer,
-                 document.command + " answers in another form than JSON" +
-                     (answer.description.empty() ? "" : ": " + printable(answer.description)),
-                 answer.fault + "; exit code " + std::to_string(listing.exitCode));
-            return;
-        }
-        find(family_code::utilityFails,
-             document.command + " tells nothing" +
-                 (answer.description.empty() ? "" : ": " + printable(answer.description)),
-             "exit code " + std::to_string(listing.exitCode));
+        controller_.findings.push_back(storcliNoAnswer(listing, document.answer));
     }
 
     bool hasController() {
-        if (all_ != nullptr && all_->data->isObject()) {
-            if (all_->answer.cliVersion.starts_with("008")) {
-                controller_.failed = true;
-                find(family_code::notDriven,
-                     "the utility is of generation 008, which zolexctl does not drive yet: " +
-                         printable(all_->answer.cliVersion));
-                return false;
-            }
+        const bool isOfGeneration8 = all_ != nullptr && all_->answer.isOfGeneration8();
+        if (!isOfGeneration8 && all_ != nullptr && all_->data->isObject()) {
             return true;
         }
         controller_.failed = true;
+        if (isOfGeneration8) {
+            controller_.findings.push_back(storcliOfGeneration8(all_->answer));
+            return false;
+        }
         if (all_ != nullptr) {
             tellNoData(*all_);
+            nameFromText();
         }
         return false;
+    }
+
+    /// What a text in the place of JSON says of the controller itself, so that it can be named.
+    void nameFromText() {
+        if (all_->answer.isJson) {
+            return;
+        }
+        const std::string& output = controller_.listings[all_->index].output;
+        facts_.productName = textValue(output, "Model");
+        facts_.serialNumber = textValue(output, "Serial Number");
+        controller_.pci = storcliPciAddress(textValue(output, "PCI Address"));
     }
 
     void tellDuplicates() {
@@ -262,6 +270,7 @@ class Decoder {
         facts_.productName = basics.atAny({"Model", "Product Name"}).toldText();
         facts_.serialNumber = basics.at("Serial Number").toldText();
         controller_.model = storcliModel(facts_.productName);
+        facts_.utilityVersion = all_->answer.cliVersion;
         const ToldValue& version = all_->at("Version");
         facts_.firmwareVersion =
             version.atAny({"Firmware Package Build", "Firmware Version"}).toldText();
@@ -399,9 +408,8 @@ class Decoder {
             Group& entry = groups_[*group];
             ++entry.rows;
             if (span && line) {
-                std::string member = place ? place->location() : std::string(missingMember);
-                members_.insert(member);
-                entry.members[*span].emplace(*line, std::move(member));
+                entry.members[*span].emplace(*line, place ? place->location()
+                                                          : std::string(missingMember));
             }
         }
     }
@@ -606,8 +614,8 @@ class Decoder {
         }
     }
 
-    static void readState(const ToldValue& row, DriveFacts& drive,
-                          std::vector<std::string>& unknown) {
+    void readState(const ToldValue& row, DriveFacts& drive,
+                   std::vector<std::string>& unknown) const {
         drive.reportedState = row.at("State").text();
         const StorcliDriveWord* const word = storcliDriveWord(drive.reportedState);
         if (word == nullptr) {
@@ -620,8 +628,8 @@ class Decoder {
             drive.barred = word->barred;
         }
         const std::string power = row.at("Sp").text();
-        drive.isForeign =
-            drive.state == DriveState::foreign || row.at("DG").text() == "F" || power == "F";
+        drive.isForeign = drive.state == DriveState::foreign || row.at("DG").text() == "F" ||
+                          power == "F" || foreignPlaces_.count(drive.location) != 0;
         if (drive.isForeign && drive.state == DriveState::free) {
             drive.state = DriveState::foreign;
         }
@@ -674,6 +682,12 @@ class Decoder {
                     break;
                 }
                 readForeignRow(row);
+            }
+        }
+        for (const ToldValue& row : foreign_->at("FOREIGN PD LIST").items()) {
+            const auto place = storcliPlace(row.atAny({"EID:Slt", "EID:Slot"}).text());
+            if (place && foreignPlaces_.size() < mostRows) {
+                foreignPlaces_.insert(place->location());
             }
         }
     }
@@ -789,6 +803,7 @@ class Decoder {
         volume.raidType = storcliLevel(volume.reportedLevel);
         volume.reportedState = row.at("State").text();
         volume.health = storcliVolumeHealth(volume.reportedState);
+        tellUnknownWords(volume);
         volume.stripSizeBytes = sizeOf(told.at("Strip Size"));
         volume.device = told.at("OS Drive Name").toldText();
         volume.place.listing = part.listing;
@@ -798,6 +813,19 @@ class Decoder {
         readCache(row, told, volume);
         if (!told.isObject()) {
             silent.push_back("VD " + volume.id);
+        }
+    }
+
+    void tellUnknownWords(const LogicalDriveFacts& volume) {
+        if (volume.health == Health::unknown) {
+            find(family_code::unknownWord, "VD " + volume.id +
+                                               " is in a state that zolexctl does not know: " +
+                                               printable(volume.reportedState));
+        }
+        if (volume.raidType.empty()) {
+            find(family_code::unknownWord, "VD " + volume.id +
+                                               " has a level that zolexctl does not know: " +
+                                               printable(volume.reportedLevel));
         }
     }
 
@@ -911,11 +939,41 @@ class Decoder {
                 notWhole("the drives of VD " + volume.id + " are not told");
             }
         }
+        for (const auto& [number, group] : groups_) {
+            if (group.members.empty()) {
+                notWhole("the drives of drive group " + std::to_string(number) + " are not listed");
+            }
+        }
+        judgeMembers();
         for (const Document* const document : {foreign_, volumes_}) {
             if (document != nullptr && !document->status->isObject()) {
                 tellNoData(*document);
                 notWhole(document->command + " tells nothing");
             }
+        }
+    }
+
+    /// A drive in an array that no logical drive tells of is not free, whatever else is there.
+    void judgeMembers() {
+        std::set<std::string> told;
+        for (const LogicalDriveFacts& volume : facts_.logicalDrives) {
+            for (const std::vector<std::string>& span : volume.spans) {
+                told.insert(span.begin(), span.end());
+            }
+        }
+        std::vector<std::string> loose;
+        for (DriveFacts& drive : facts_.drives) {
+            if (told.count(drive.location) != 0) {
+                continue;
+            }
+            if (drive.state == DriveState::member) {
+                loose.push_back(drive.location);
+            } else if (drive.state == DriveState::rebuilding) {
+                bar(drive, "data is being written to it, and no logical drive tells of it");
+            }
+        }
+        if (!loose.empty()) {
+            notWhole("no logical drive is listed of " + listOf(loose));
         }
     }
 
@@ -990,8 +1048,8 @@ class Decoder {
     const Document* foreign_ = nullptr;
     std::vector<const Document*> drives_;
     std::map<std::int32_t, Group> groups_;
-    std::set<std::string> members_;
     std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
+    std::set<std::string> foreignPlaces_;                     ///< that the list of foreign ones has
     std::map<std::string, std::int32_t> errors_;              ///< of drives that do not answer
     std::optional<std::int32_t> mostVolumes_;
     std::map<std::size_t, Looked> looked_;
@@ -1008,13 +1066,53 @@ StorcliAnswer storcliAnswer(std::string_view output) {
     return answerOf(json, entryOf(json, std::nullopt), output);
 }
 
-std::optional<std::vector<StorcliListed>> storcliControllers(std::string_view output) {
+FamilyFinding storcliNoAnswer(const FamilyListing& listing, const StorcliAnswer& answer) {
+    const std::string code = "exit code " + std::to_string(listing.exitCode);
+    const std::string words =
+        answer.description.empty() ? std::string() : ": " + printable(answer.description);
+    if (answer.isJson) {
+        return {std::string(family_code::utilityFails),
+                listing.command + " tells nothing" + words,
+                code,
+                {}};
+    }
+    std::string_view output = listing.output;
+    if (!answer.status.empty()) {
+        return {std::string(family_code::textAnswer),
+                listing.command + " answers in text, though JSON was asked for" + words,
+                code + (answer.cliVersion.empty() ? "" : "; version " + answer.cliVersion),
+                {"install a version of the utility that answers in JSON, or name one: zolexctl "
+                 "--utility STORCLI=/path/storcli64 doctor"}};
+    }
+    if (text::contains(output, "{")) {
+        return {std::string(family_code::textAnswer),
+                listing.command + " answers with JSON that is not whole",
+                answer.fault + "; " + code,
+                {}};
+    }
+    const std::string first = cleanText(takeLine(output));
+    return {std::string(family_code::textAnswer),
+            listing.command + " prints no answer" + (first.empty() ? "" : ": " + printable(first)),
+            code,
+            {}};
+}
+
+FamilyFinding storcliOfGeneration8(const StorcliAnswer& answer) {
+    return {std::string(family_code::notDriven),
+            "STORCLI is of generation 008, which zolexctl does not drive yet: " +
+                printable(answer.cliVersion),
+            {},
+            {}};
+}
+
+std::optional<StorcliOverview> storcliControllers(std::string_view output) {
     const ToldJson json = readToldJson(output);
     const ToldValue& data = entryOf(json, std::nullopt).at("Response Data");
     if (!json.isJson || !data.isObject()) {
         return std::nullopt;
     }
-    std::vector<StorcliListed> listed;
+    StorcliOverview overview;
+    std::vector<StorcliListed>& listed = overview.controllers;
     for (const ToldValue& row : data.at("System Overview").items()) {
         const auto number = row.at("Ctl").smallNumber();
         const bool isThere = std::any_of(listed.begin(), listed.end(), [number](const auto& each) {
@@ -1030,7 +1128,12 @@ std::optional<std::vector<StorcliListed>> storcliControllers(std::string_view ou
             listed.push_back({i, {}});
         }
     }
-    return listed.empty() && !count ? std::nullopt : std::optional(std::move(listed));
+    if (listed.empty() && !count) {
+        return std::nullopt;
+    }
+    overview.listed = listed.size() + data.at("IT System Overview").items().size();
+    overview.counted = static_cast<std::size_t>(count.value_or(0));
+    return overview;
 }
 
 StorcliPlaces storcliPlaces(std::string_view output) {

@@ -19,6 +19,7 @@ struct StorcliAnswer {
     std::string fault; ///< why it is none
 
     [[nodiscard]] bool isFailure() const;
+    [[nodiscard]] bool isOfGeneration8() const { return cliVersion.starts_with("008"); }
 };
 
 /// Reads the status of an answer, in JSON or in plain text.
@@ -30,8 +31,21 @@ struct StorcliListed {
     std::string model;
 };
 
-/// The RAID controllers that "show" lists; nothing: the answer is no such list.
-[[nodiscard]] std::optional<std::vector<StorcliListed>> storcliControllers(std::string_view output);
+/// What "show" lists.
+struct StorcliOverview {
+    std::vector<StorcliListed> controllers; ///< of RAID
+    std::size_t listed = 0;                 ///< with host adapters
+    std::size_t counted = 0;                ///< 0: not told
+};
+
+/// Nothing: the answer is no such list.
+[[nodiscard]] std::optional<StorcliOverview> storcliControllers(std::string_view output);
+
+/// What is to be said of a call that has ended, and whose answer lists nothing.
+[[nodiscard]] FamilyFinding storcliNoAnswer(const FamilyListing& listing,
+                                            const StorcliAnswer& answer);
+/// The same of one that the next generation of the utility has answered.
+[[nodiscard]] FamilyFinding storcliOfGeneration8(const StorcliAnswer& answer);
 
 /// Whether the answer to "/cN show all" names drives in no enclosure, which a call for all
 /// enclosures leaves out; drives in an enclosure.

@@ -55,6 +55,8 @@ constexpr auto volumeWords = std::to_array<VolumeWord>({
     {"Pdgd", Health::warning},
     {"Rec",  Health::warning},
     {"TRANS", Health::warning},
+    {"HD",   Health::ok},      // hidden
+    {"B",    Health::warning}, // blocked
     {"OfLn", Health::critical},
 });
 
