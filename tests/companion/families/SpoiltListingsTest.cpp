@@ -102,7 +102,7 @@ void expectConsistent(const FamilyController& controller) {
 }
 
 TEST(SpoiltListings, AreReadToTheirEndTenThousandTimes) {
-    const StorcliServer whole;
+    const ListedController whole;
     std::mt19937 random(20261122); // NOLINT: the same each time
     const std::vector<std::string> calls = {
         "STORCLI /c0 show all J", "STORCLI /c0/eall/sall show all J", "STORCLI /c0/vall show all J",

@@ -37,11 +37,11 @@ inline std::string replacedOnce(std::string text, const std::string& from, const
 }
 
 /// What the utility prints, and how it ends, call by call.
-struct StorcliServer {
+struct ListedController {
     std::map<std::string, ChildResult> answers;
     std::vector<std::string> calls;
 
-    StorcliServer() {
+    ListedController() {
         answer("show J", overview({{"0", "MegaRAID N3916-16i 8GB"}}));
         answer("/c0 show all J", listing("storcli-c0-show-all.json"));
         answer("/c0/eall/sall show all J", listing("storcli-c0-eall-sall-show-all.json"));

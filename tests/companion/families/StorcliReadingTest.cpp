@@ -33,7 +33,7 @@ TEST(StorcliReading, TheDrivesOfAServer) {
         "252:15 NV004115 \"NORVIK\" \"NV8000SAS12-4K\" N101 SAS HDD 8001524072448 of 4096 UGood "
         "foreign ok errors 0 0 0 C 39 wwn 500AAA000000420F is foreign",
     };
-    const FamilyController controller = StorcliServer().controller();
+    const FamilyController controller = ListedController().controller();
     EXPECT_EQ(describeAll(controller.facts.drives), wanted);
     EXPECT_EQ(findingsOf(controller.findings), Lines());
     EXPECT_FALSE(controller.failed);
@@ -50,11 +50,11 @@ TEST(StorcliReading, TheLogicalDrivesOfAServer) {
         "236 \"data\" in 2 RAID10 (252:6 252:7)(252:8 252:9) 15835275984896 strip 1048576 "
         "UnprotectedWriteBack ReadAhead Optl ok /dev/sdd",
     };
-    EXPECT_EQ(describeAll(StorcliServer().controller().facts.logicalDrives), wanted);
+    EXPECT_EQ(describeAll(ListedController().controller().facts.logicalDrives), wanted);
 }
 
 TEST(StorcliReading, TheControllerItself) {
-    const FamilyController controller = StorcliServer().controller();
+    const FamilyController controller = ListedController().controller();
     const Facts& facts = controller.facts;
     EXPECT_EQ(controller.adapter, 0);
     EXPECT_EQ(controller.model, "MegaRAID-N3916-16i-8GB");
@@ -87,7 +87,7 @@ TEST(StorcliReading, TheControllerItself) {
 }
 
 TEST(StorcliReading, FourCallsForEachController) {
-    StorcliServer server;
+    ListedController server;
     server.controller();
     EXPECT_EQ(server.calls,
               Lines({"STORCLI show J nolog", "STORCLI /c0 show all J nolog",
@@ -100,7 +100,7 @@ TEST(StorcliReading, FourCallsForEachController) {
 }
 
 TEST(StorcliReading, NoForeignConfigurationIsNoError) {
-    StorcliServer server;
+    ListedController server;
     server.answer("/c0/fall show J", listing("storcli-c0-fall-show-none.json"), 50);
     const FamilyController controller = server.controller();
     EXPECT_EQ(controller.facts.foreignConfigurations, Lines());
@@ -108,7 +108,7 @@ TEST(StorcliReading, NoForeignConfigurationIsNoError) {
 }
 
 TEST(StorcliReading, OneDriveThatAnswersNotEndsNoListing) {
-    StorcliServer server;
+    ListedController server;
     server.answer("/c0/eall/sall show all J", listing("storcli-one-drive-answers-not.json"), 46);
     const FamilyController controller = server.controller();
     EXPECT_FALSE(controller.failed);
@@ -140,7 +140,7 @@ TEST(StorcliReading, AnswersToChanges) {
 }
 
 TEST(StorcliReading, GenerationEightIsNotHalfDriven) {
-    StorcliServer server;
+    ListedController server;
     server.answer("/c0 show all J", listing("storcli2-c0-show-all.json"));
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);

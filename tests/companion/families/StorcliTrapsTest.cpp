@@ -23,14 +23,14 @@ const DriveFacts& driveOf(const FamilyController& controller, const std::string&
 }
 
 TEST(StorcliTraps, ExactSizeOfADriveComesFromItsCoercedSectors) {
-    StorcliServer server;
+    ListedController server;
     server.edit(drives, "\"Coerced size\" : \"893.750 GB [0x6fb80000 Sectors]\"",
                 "\"Coerced size\" : \"1 TB [0x10 Sectors]\"");
     EXPECT_EQ(driveOf(server.controller(), "252:0").capacityBytes, 16U * 512);
 }
 
 TEST(StorcliTraps, ExactSizeOfAVolumeComesFromItsBlocks) {
-    StorcliServer server;
+    ListedController server;
     server.edit(volumes, "\"Number of Blocks\" : 1874329600", "\"Number of Blocks\" : 1874329601");
     EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 1874329601ULL * 512);
     // Blocks of 4096 bytes, where those of 512 contradict the text.
@@ -59,7 +59,7 @@ TEST(StorcliTraps, EarlyVersionsHaveOneDecimal) {
 }
 
 TEST(StorcliTraps, AWordOfSizeIsDecidedBySectors) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"Drive Groups\" :", "\"Arrays\" :");
     server.edit(all, "\"893.750 GB\"", "\"959.66 GB\"");
     const FamilyController controller = server.controller();
@@ -72,13 +72,13 @@ TEST(StorcliTraps, AWordOfSizeIsDecidedBySectors) {
 }
 
 TEST(StorcliTraps, SectorsOf4KbAreNotOf512) {
-    const DriveFacts drive = driveOf(StorcliServer().controller(), "252:15");
+    const DriveFacts drive = driveOf(ListedController().controller(), "252:15");
     EXPECT_EQ(drive.blockSizeBytes, 4096U);
     EXPECT_EQ(drive.capacityBytes, 0x74700000ULL * 4096);
 }
 
 TEST(StorcliTraps, NumbersOfVolumesAreNoPositions) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"DG/VD\" : \"0/239\"", "\"DG/VD\" : \"0/7\"");
     server.edit(volumes, "239", "7");
     const FamilyController controller = server.controller();
@@ -92,7 +92,7 @@ TEST(StorcliTraps, NumbersOfVolumesAreNoPositions) {
 }
 
 TEST(StorcliTraps, WithoutDatesTheNumbersTellTheOrder) {
-    StorcliServer server;
+    ListedController server;
     server.edit(volumes, "\"Creation Date\"", "\"Created\"");
     std::vector<std::string> ids;
     for (const LogicalDriveFacts& volume : server.controller().facts.logicalDrives) {
@@ -108,7 +108,7 @@ TEST(StorcliTraps, WithoutDatesTheNumbersTellTheOrder) {
 }
 
 TEST(StorcliTraps, DrivesAreTakenByTheirPlacesAndNotByTheirOrder) {
-    StorcliServer server;
+    ListedController server;
     // The rows of two drives have changed places; nothing else has.
     server.edit(all, "\"252:14\"", "\"252:99\"");
     server.edit(all, "\"252:12\"", "\"252:14\"");
@@ -121,7 +121,7 @@ TEST(StorcliTraps, DrivesAreTakenByTheirPlacesAndNotByTheirOrder) {
 }
 
 TEST(StorcliTraps, SlotsOfTwoEnclosuresAreNotMixedUp) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"252:13\"", "\"253:12\"");
     server.edit(drives, "\"252:13\"", "\"253:12\"");
     server.edit(drives, "/c0/e252/s13", "/c0/e253/s12");
@@ -132,7 +132,7 @@ TEST(StorcliTraps, SlotsOfTwoEnclosuresAreNotMixedUp) {
 }
 
 TEST(StorcliTraps, DrivesOfNvmeAndUnitsOfStrips) {
-    StorcliServer server;
+    ListedController server;
     server.editOnce(all, "\"Intf\" : \"SATA\"", "\"Intf\" : \"NVMe\"");
     server.edit(all, "\"Min Strip Size\" : \"64 KB\"", "\"Min Strip Size\" : \"512Bytes\"");
     server.edit(all, "\"Max Strip Size\" : \"1.000 MB\"", "\"Max Strip Size\" : \"64 KB\"");
@@ -143,7 +143,7 @@ TEST(StorcliTraps, DrivesOfNvmeAndUnitsOfStrips) {
 }
 
 TEST(StorcliTraps, ALongTextInsideIsNoMatter) {
-    StorcliServer server;
+    ListedController server;
     const FamilyController before = server.controller();
     server.edit(drives, "\"Inquiry Data\" : \"",
                 "\"Inquiry Data\" : \"" + std::string(100000, ' '));
@@ -151,7 +151,7 @@ TEST(StorcliTraps, ALongTextInsideIsNoMatter) {
 }
 
 TEST(StorcliTraps, EnclosuresAreOf16BitsAndDrivesMayBeInNone) {
-    StorcliServer server;
+    ListedController server;
     for (const char* const call : {all, drives, volumes}) {
         server.edit(call, "\"252:0\"", "\" :0\"");
         server.edit(call, "\"252:1\"", "\"65535:1\"");
@@ -175,7 +175,7 @@ TEST(StorcliTraps, EnclosuresAreOf16BitsAndDrivesMayBeInNone) {
 }
 
 TEST(StorcliTraps, TheKeyOfADriveIsItsSerialNumberAndNotItsDeviceId) {
-    StorcliServer server;
+    ListedController server;
     const Facts before = server.controller().facts;
     server.edit(all, "\"DID\" : 8,", "\"DID\" : 77,");
     const Facts after = server.controller().facts;
@@ -184,7 +184,7 @@ TEST(StorcliTraps, TheKeyOfADriveIsItsSerialNumberAndNotItsDeviceId) {
 }
 
 TEST(StorcliTraps, NumbersMayBeTextsAndTextsNumbers) {
-    StorcliServer server;
+    ListedController server;
     const Facts before = server.controller().facts;
     server.edit(all, "\"DG\" : 1,", "\"DG\" : \"1\",");
     server.edit(all, "\"Controller\" : 0", "\"Controller\" : \"0\"");
@@ -197,7 +197,7 @@ TEST(StorcliTraps, NumbersMayBeTextsAndTextsNumbers) {
 }
 
 TEST(StorcliTraps, OfTwoKeysOfOneNameTheFirstCountsAndItIsSaid) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"Serial Number\" : \"NX26400017\",",
                 "\"Serial Number\" : \"NX26400017\", \"Serial Number\" : \"other\",");
     const FamilyController controller = server.controller();
@@ -208,7 +208,7 @@ TEST(StorcliTraps, OfTwoKeysOfOneNameTheFirstCountsAndItIsSaid) {
 }
 
 TEST(StorcliTraps, BlanksAroundKeysAndValuesDoNotCount) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"Model\" : \"MegaRAID N3916-16i 8GB\"",
                 "\" Model  \" : \"  MegaRAID N3916-16i 8GB  \"");
     server.edit(drives, "\"SN\"", "\"SN \"");
@@ -219,7 +219,7 @@ TEST(StorcliTraps, BlanksAroundKeysAndValuesDoNotCount) {
 
 TEST(StorcliTraps, AMissingSectionKillsNothing) {
     for (const char* const section : {"Bus", "Version", "Status", "Capabilities", "Basics"}) {
-        StorcliServer server;
+        ListedController server;
         server.edit(all, "\"" + std::string(section) + "\" : {", "\"Elsewhere\" : {");
         const FamilyController controller = server.controller();
         EXPECT_FALSE(controller.failed) << section;
@@ -231,15 +231,15 @@ TEST(StorcliTraps, AMissingSectionKillsNothing) {
 }
 
 TEST(StorcliTraps, WithoutTopologySpansComeFromTheVolumes) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"TOPOLOGY\"", "\"Elsewhere\"");
     const FamilyController controller = server.controller();
     EXPECT_EQ(describeAll(controller.facts.logicalDrives),
-              describeAll(StorcliServer().controller().facts.logicalDrives));
+              describeAll(ListedController().controller().facts.logicalDrives));
 }
 
 TEST(StorcliTraps, AWordOfTomorrowIsKeptAndNeverPlanned) {
-    StorcliServer server;
+    ListedController server;
     server.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Tmrw\"");
     const FamilyController controller = server.controller();
     const DriveFacts drive = driveOf(controller, "252:12");
@@ -301,7 +301,7 @@ TEST(StorcliTraps, EveryWordOfAVolumeIsKnownAndOthersAreTold) {
          {"RAID0", "RAID1", "RAID5", "RAID6", "RAID00", "RAID10", "RAID50", "RAID60"}) {
         EXPECT_EQ(storcliLevel(level), level);
     }
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"State\" : \"Dgrd\",\n\t\t\t\t\"Access\"",
                 "\"State\" : \"Tmrw\",\n\t\t\t\t\"Access\"");
     server.edit(all, "\"DG/VD\" : \"2/237\",\n\t\t\t\t\"TYPE\" : \"RAID10\"",
@@ -316,32 +316,32 @@ TEST(StorcliTraps, EveryWordOfAVolumeIsKnownAndOthersAreTold) {
 }
 
 TEST(StorcliTraps, ADriveWhosePowerChangesIsNotPlanned) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"Sp\" : \"U\"", "\"Sp\" : \"T\"");
     EXPECT_EQ(driveOf(server.controller(), "252:12").barred, "its power state is changing");
 }
 
 TEST(StorcliTraps, AForeignDriveIsToldInThreePlaces) {
-    StorcliServer server;
+    ListedController server;
     EXPECT_TRUE(driveOf(server.controller(), "252:15").isForeign); // by its group
     EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::free);
     server.editOnce("/c0/fall show J", "\"FOREIGN CONFIGURATION\"",
                     "\"FOREIGN PD LIST\" : [ { \"EID:Slt\" : \"252:12\", \"State\" : "
                     "\"Foreign\" } ],\n\"FOREIGN DG LIST\"");
     EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign);
-    StorcliServer second;
+    ListedController second;
     second.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Frgn\"");
     EXPECT_EQ(driveOf(second.controller(), "252:12").state, DriveState::foreign);
 }
 
 TEST(StorcliTraps, LockedDrivesAreNotPlanned) {
-    StorcliServer server;
+    ListedController server;
     server.edit(drives, "\"Locked\" : \"No\"", "\"Locked\" : \"Yes\"");
     EXPECT_EQ(driveOf(server.controller(), "252:12").barred, "locked by its encryption");
 }
 
 TEST(StorcliTraps, ASpareMayCoverSeveralGroups) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"DG\" : 2,\n\t\t\t\t\"Arr\" : \"-\",\n\t\t\t\t\"Row\" : \"-\",",
                 "\"DG\" : 2, \"EID:Slot\" : \"252:11\", \"State\" : \"DHS\" }, {\n\t\t\t\t\"DG\" : "
                 "2,\n\t\t\t\t\"Arr\" : \"-\",\n\t\t\t\t\"Row\" : \"-\",");
@@ -349,7 +349,7 @@ TEST(StorcliTraps, ASpareMayCoverSeveralGroups) {
 }
 
 TEST(StorcliTraps, TheModeThatIsSetCountsAndTheOneThatRunsIsTold) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"Cache\" : \"RWBD\"", "\"Cache\" : \"RWTD\"");
     const FamilyController controller = server.controller();
     EXPECT_EQ(controller.facts.logicalDrives[0].writeCache, "ProtectedWriteBack");
@@ -388,7 +388,7 @@ TEST(StorcliTraps, AListingThatListsLessThanItCountsIsNone) {
          "ZP131 the listing is not whole: 3 of 4 drive groups are listed"},
     };
     for (const Case& each : cases) {
-        StorcliServer server;
+        ListedController server;
         server.edit(all, each.from, each.to);
         const FamilyController controller = server.controller();
         EXPECT_TRUE(controller.failed) << each.from;
@@ -397,7 +397,7 @@ TEST(StorcliTraps, AListingThatListsLessThanItCountsIsNone) {
 }
 
 TEST(StorcliTraps, AGroupWhoseDrivesAreNotListedIsNone) {
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"DG\" : 0,\n\t\t\t\t\"Arr\" : 0,\n\t\t\t\t\"Row\" : ",
                 "\"DG\" : 0,\n\t\t\t\t\"Arr\" : 0,\n\t\t\t\t\"Line\" : ");
     const FamilyController controller = server.controller();
@@ -408,20 +408,20 @@ TEST(StorcliTraps, AGroupWhoseDrivesAreNotListedIsNone) {
 }
 
 TEST(StorcliTraps, ADriveInAnArrayWithoutALogicalDriveIsNotFree) {
-    StorcliServer server;
+    ListedController server;
     server.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Onln\"");
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);
     EXPECT_EQ(findingsOf(controller.findings),
               Lines({"ZP131 the listing is not whole: no logical drive is listed of 252:12"}));
-    StorcliServer copied;
+    ListedController copied;
     copied.editOnce(all, "\"State\" : \"UGood\"", "\"State\" : \"Cpybck\"");
     EXPECT_EQ(Storcli().whyNotUsable(driveOf(copied.controller(), "252:12")),
               "data is being written to it, and no logical drive tells of it");
 }
 
 TEST(StorcliTraps, FailureWithEverythingListedIsAWarning) {
-    StorcliServer server;
+    ListedController server;
     server.editOnce(all, "\"Status\" : \"Success\"", "\"Status\" : \"Failure\"");
     const FamilyController controller = server.controller();
     EXPECT_FALSE(controller.failed);
@@ -431,7 +431,7 @@ TEST(StorcliTraps, FailureWithEverythingListedIsAWarning) {
 }
 
 TEST(StorcliTraps, TextThoughJsonWasAsked) {
-    StorcliServer server;
+    ListedController server;
     server.answer(all, listing("storcli2-syntax-error.txt"), 1);
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);
@@ -449,7 +449,7 @@ TEST(StorcliTraps, TextThoughJsonWasAsked) {
 }
 
 TEST(StorcliTraps, ATextStillSaysWhichControllerItIs) {
-    StorcliServer server;
+    ListedController server;
     server.answer(all, "CLI Version = 007.1108.0000.0000 July 17, 2019\nStatus = Success\n"
                        "Description = None\n\n\nBasics :\n======\nController = 0\n"
                        "Model = PERC H730P Mini\nSerial Number = 7AB01C2\n"
@@ -470,7 +470,7 @@ TEST(StorcliTraps, ATextStillSaysWhichControllerItIs) {
 }
 
 TEST(StorcliTraps, ATruncatedAnswerIsNoListing) {
-    StorcliServer server;
+    ListedController server;
     std::string& output = server.answers.at("STORCLI " + std::string(all)).output;
     output.resize(output.size() / 2);
     const FamilyController controller = server.controller();
@@ -480,7 +480,7 @@ TEST(StorcliTraps, ATruncatedAnswerIsNoListing) {
 }
 
 TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {
-    StorcliServer server;
+    ListedController server;
     server.refusesNoLog = true;
     const FamilyController controller = server.controller();
     EXPECT_EQ(controller.facts.drives.size(), 16U);
@@ -489,14 +489,14 @@ TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {
                                    "STORCLI /c0/vall show all J", "STORCLI /c0/fall show J"}));
     EXPECT_TRUE(Storcli().leavesFiles("STORCLI /c0 show all J"));
     // Some versions refuse it and end with 0.
-    StorcliServer second;
+    ListedController second;
     second.refusesNoLog = true;
     second.refusalCode = 0;
     EXPECT_EQ(second.controller().facts.drives.size(), 16U);
 }
 
 TEST(StorcliTraps, WhatIsRefusedWithoutNoLogTooIsAskedTwiceAndNoMore) {
-    StorcliServer server;
+    ListedController server;
     server.answers.clear();
     server.answer("show J",
                   "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Failure\","
@@ -509,7 +509,7 @@ TEST(StorcliTraps, WhatIsRefusedWithoutNoLogTooIsAskedTwiceAndNoMore) {
 }
 
 TEST(StorcliTraps, HostAdaptersBesideAreLeftOut) {
-    StorcliServer server;
+    ListedController server;
     server.answer("show J",
                   "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Success\"},\"Response "
                   "Data\":{\"Number of Controllers\":2,\"System Overview\":[{\"Ctl\":\"0\"}],\"IT "
@@ -520,8 +520,8 @@ TEST(StorcliTraps, HostAdaptersBesideAreLeftOut) {
 }
 
 TEST(StorcliTraps, ControllersThatAreCountedAndNotListedAreTold) {
-    StorcliServer server;
-    server.answer("show J", replaced(StorcliServer::overview({{"0", "A"}}), "Controllers\":1",
+    ListedController server;
+    server.answer("show J", replaced(ListedController::overview({{"0", "A"}}), "Controllers\":1",
                                      "Controllers\":3"));
     const FamilyCapture captured = server.capture();
     EXPECT_EQ(captured.controllers.size(), 1U);
@@ -530,7 +530,7 @@ TEST(StorcliTraps, ControllersThatAreCountedAndNotListedAreTold) {
 }
 
 TEST(StorcliTraps, TheNextGenerationUnderAnyNameIsAskedForNothingMore) {
-    StorcliServer server;
+    ListedController server;
     server.edit("show J", "007.2507", "008.0005.0000.0010 Feb 22, 2023");
     FamilyCapture captured = server.capture();
     EXPECT_EQ(server.calls, Lines({"STORCLI show J nolog"}));
@@ -543,7 +543,7 @@ TEST(StorcliTraps, TheNextGenerationUnderAnyNameIsAskedForNothingMore) {
 }
 
 TEST(StorcliTraps, AnAnswerOfAnotherControllerIsNone) {
-    StorcliServer server;
+    ListedController server;
     server.editOnce(all, "\"Controller\" : 0", "\"Controller\" : 1");
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);
@@ -560,7 +560,7 @@ TEST(StorcliTraps, AnAnswerOfAnotherControllerIsNone) {
 }
 
 TEST(StorcliTraps, ACallThatDoesNotEndIsTold) {
-    StorcliServer server;
+    ListedController server;
     server.answers["STORCLI " + std::string(all)] = {ChildOutcome::stillRunning, 0, ""};
     const FamilyController controller = server.controller();
     EXPECT_TRUE(controller.failed);
@@ -576,7 +576,7 @@ TEST(StorcliTraps, ProgramsInTheirOrder) {
 }
 
 TEST(StorcliTraps, NoControllerIsNoFault) {
-    StorcliServer server;
+    ListedController server;
     server.answer("show J",
                   "{\"Controllers\":[{\"Command Status\":{\"Status\":\"Failure\",\"Description\":"
                   "\"No Controller found\"}}]}",
@@ -584,14 +584,14 @@ TEST(StorcliTraps, NoControllerIsNoFault) {
     FamilyCapture captured = server.capture();
     EXPECT_TRUE(captured.controllers.empty());
     EXPECT_EQ(findingsOf(captured.findings), Lines());
-    server.answer("show J", StorcliServer::overview({}));
+    server.answer("show J", ListedController::overview({}));
     captured = server.capture();
     EXPECT_TRUE(captured.controllers.empty());
     EXPECT_EQ(findingsOf(captured.findings), Lines());
 }
 
 TEST(StorcliTraps, EarlyVersionsTellLess) {
-    StorcliServer server;
+    ListedController server;
     for (const char* const call : {all, drives, volumes}) {
         server.edit(call, "\"CLI Version\" : \"007.2507.0000.0000 Mar 11, 2024\",", "");
         server.edit(call, ",\n\t\t\t\t\"Type\" : \"-\"\n", "\n");
@@ -599,12 +599,12 @@ TEST(StorcliTraps, EarlyVersionsTellLess) {
     server.edit(all, "\"DG\" : 1,", "\"DG\" : \"1\",");
     const FamilyController controller = server.controller();
     EXPECT_EQ(describeAll(controller.facts.drives),
-              describeAll(StorcliServer().controller().facts.drives));
+              describeAll(ListedController().controller().facts.drives));
     EXPECT_EQ(findingsOf(controller.findings), Lines());
 }
 
 TEST(StorcliTraps, ForeignListsOfLaterVersions) {
-    StorcliServer server;
+    ListedController server;
     server.edit("/c0/fall show J", "FOREIGN CONFIGURATION", "FOREIGN DG LIST");
     EXPECT_EQ(server.controller().facts.foreignConfigurations,
               Lines({"DG 0: RAID0, 7.277 TB, 1 logical drive"}));
@@ -641,7 +641,7 @@ TEST(StorcliTraps, PciAddresses) {
                                     "00:c1:00:08", "-", "00:100:00:00"}) {
         EXPECT_EQ(storcliPciAddress(other), "") << other;
     }
-    StorcliServer server;
+    ListedController server;
     server.edit(all, "\"PCI Address\"", "\"Address\"");
     EXPECT_EQ(server.controller().pci, "0000:c1:00.0"); // of the bus, in decimal
 }

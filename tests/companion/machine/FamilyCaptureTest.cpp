@@ -12,7 +12,7 @@ namespace zolex::companion {
 namespace {
 
 using test::Lines;
-using test::StorcliServer;
+using test::ListedController;
 
 /// A MegaRAID card of the generation that zolex knows.
 PciDevice oldCard(std::uint16_t bus) {
@@ -43,7 +43,7 @@ Utilities utilitiesWith(std::initializer_list<const char*> found) {
 
 /// The machine of the listings, with any cards.
 struct FamilyMachine {
-    StorcliServer server;
+    ListedController server;
     zolex::test::FakePlatform platform;
     Utilities utilities = utilitiesWith({"STORCLI", "MEGACLI"});
     CaptureRequest request;
@@ -226,7 +226,7 @@ TEST(FamilyCapture, ThroughUtilBatOnlyWhenItIsNotFoundByItsOwnName) {
 
 TEST(FamilyCapture, OneThatItsUtilityDoesNotTellOf) {
     FamilyMachine machine;
-    machine.server.answer("show J", StorcliServer::overview({}));
+    machine.server.answer("show J", ListedController::overview({}));
     machine.platform.devices = {card(0x1000, 0x10e2, 0xc1)};
     const Snapshot snapshot = machine.capture();
     ASSERT_EQ(snapshot.undriven.size(), 1U);
