@@ -538,13 +538,16 @@ class IronicConverter {
             }
         }
         for (const PlannedVolume& volume : planning.volumes) {
-            // A size that is close to what is left takes all of it.
-            const auto asked = std::find_if(wanted.begin(), wanted.end(), [&](const auto& row) {
-                return row.starts_with(volume.array + " " +
-                                       std::string(ironicLevelOf(volume.raidType)) + " ") &&
-                       (volume.fills ||
-                        row.ends_with(" " + std::to_string(volume.capacityBytes >> 20U)));
-            });
+            const std::string begin =
+                volume.array + " " + std::string(ironicLevelOf(volume.raidType)) + " ";
+            const std::string size = std::to_string(volume.capacityBytes >> 20U);
+            auto asked =
+                std::find(wanted.begin(), wanted.end(), begin + (volume.fills ? "FILL" : size));
+            if (asked == wanted.end() && volume.fills) {
+                // A size that is close to what is left takes all of it.
+                asked = std::find_if(wanted.begin(), wanted.end(),
+                                     [&begin](const auto& row) { return row.starts_with(begin); });
+            }
             planned.push_back(asked == wanted.end() ? "?" : *asked);
         }
         std::sort(wanted.begin(), wanted.end());

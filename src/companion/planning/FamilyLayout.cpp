@@ -481,8 +481,9 @@ class LayoutMaker {
             Finding finding;
             finding.code = "ZX408";
             finding.severity = Severity::warning;
-            finding.summary = std::string(keyword::init) + " has no effect: " +
-                              planned_.detail.utility + " is not told how to initialise";
+            finding.summary = std::string(keyword::init) +
+                              " has no effect: " + planned_.detail.utility +
+                              " is not told how to initialise";
             finding.help = {"take the line out"};
             add(std::move(finding), &view_.init->entry->keyword);
         }
@@ -579,7 +580,9 @@ class LayoutMaker {
             limits_.raidTypes.end()) {
             std::vector<std::string> words;
             for (const std::string& each : limits_.raidTypes) {
-                words.push_back(levelWords(each).substr(sizeof("RAID")));
+                if (each != "RAID00") { // which policies cannot name
+                    words.push_back(levelWords(each).substr(sizeof("RAID")));
+                }
             }
             return {0,
                     levelWords(raidType) + " is not of " + planned_.detail.model + ", which has " +
