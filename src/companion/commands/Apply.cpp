@@ -168,7 +168,9 @@ class PlanNow {
     PlanNow(Context& context, const ApplyOptions& options, std::string journal)
         : context_(context), options_(options), maker_(context, options.policies),
           run_(context, options, std::move(journal),
-               applyCommand(context, options) + outputArguments(options)) {}
+               applyCommand(context, options) + outputArguments(options)) {
+        maker_.nameCommand(applyCommand(context, options));
+    }
 
     int run() {
         if (!run_.begin() || !maker_.readPolicies()) {

@@ -3,6 +3,7 @@
 #include "companion/commands/FileKind.h"
 #include "companion/commands/MachineAccess.h"
 #include "companion/commands/OwnCertificates.h"
+#include "companion/commands/UnaskedFamilies.h"
 #include "companion/execution/RunCodes.h"
 #include "companion/execution/SystemExecution.h"
 #include "companion/json/CertificateDocument.h"
@@ -152,6 +153,10 @@ ChangeRun::ChangeRun(Context& context, const ApplyOptions& options, std::string 
 ChangeRun::~ChangeRun() = default;
 
 bool ChangeRun::begin() {
+    if (const std::string why = whyFamilyNotHere(context_); !why.empty()) {
+        failWith(context_, why, "carry it out on the Linux machine itself");
+        return false;
+    }
     if (!outputsAreOthers()) {
         return false;
     }
@@ -318,6 +323,10 @@ int ChangeRun::resume(const ChosenPlan& chosen, const JournalHistory& history) {
 }
 
 int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
+    if (std::string why = whyPlanNotSeen(context_, chosen.plan); !why.empty()) {
+        return refuse(exit_code::notPossible, std::move(why) + " [ZP142]",
+                      {command_ + " --family md"});
+    }
     const std::unique_ptr<ExecutionSystem> system =
         context_.makeExecution ? context_.makeExecution(context_.platform, utilities())
                                : makeSystemExecution(context_.platform, utilities());

@@ -2,7 +2,9 @@
 #include "companion/commands/Commands.h"
 #include "companion/commands/FileKind.h"
 #include "companion/commands/MachineAccess.h"
+#include "companion/commands/PlanMaking.h"
 #include "companion/commands/PolicyFiles.h"
+#include "companion/commands/UnaskedFamilies.h"
 #include "companion/execution/CertificateDiff.h"
 #include "companion/json/CertificateDocument.h"
 #include "companion/json/DiffDocument.h"
@@ -127,9 +129,21 @@ class DiffCommand {
 
     int look(Platform& machine, const Utilities& utilities) {
         const Snapshot snapshot = captureMachine(machine, captureRequest(context_, &utilities));
+        const auto notAsked =
+            familyNotAsked(context_, request_.policiesFile, request_.policiesText,
+                           "zolexctl diff " + typedWord(policiesArgument(request_.policiesFile)) +
+                               machineArguments(context_.machine));
+        const std::string notSeen = plan_ ? whyPlanNotSeen(context_, *plan_) : std::string();
+        if (!notSeen.empty()) {
+            return failWith(context_, notSeen,
+                            "zolexctl diff " + typedWord(request_.policiesFile) +
+                                machineArguments(context_.machine) + " --family md");
+        }
         if (snapshot.details.empty()) {
-            return failWith(context_, "no supported RAID controller was found",
-                            "zolexctl doctor tells what is there");
+            return failWithoutController(context_, notAsked);
+        }
+        if (notAsked) {
+            tellNotAsked(context_, *notAsked);
         }
         madeAt_ = timestampOf(machine.localTime());
         MachineDiff diff = certificate_

@@ -1,6 +1,7 @@
 #include "companion/commands/MachineAccess.h"
 
 #include "companion/commands/RecordingOutput.h"
+#include "companion/commands/UnaskedFamilies.h"
 #include "companion/json/RecordingFile.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
@@ -147,6 +148,10 @@ std::optional<Recording> loadRecording(Context& context, const std::string& file
 
 int lookAtMachine(Context& context, const Look& look) {
     if (context.machine.recording.empty()) {
+        if (const std::string why = whyFamilyNotHere(context); !why.empty()) {
+            return failWith(context, why,
+                            "look at a recording of a Linux machine: --recording FILE");
+        }
         const Utilities utilities = utilitiesOf(context);
         UtilityPlatform machine(context.platform, utilities);
         return lookAt(context, machine, utilities, look);

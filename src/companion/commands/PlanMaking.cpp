@@ -2,6 +2,7 @@
 
 #include "companion/commands/MachineAccess.h"
 #include "companion/commands/PolicyFiles.h"
+#include "companion/commands/UnaskedFamilies.h"
 #include "companion/json/PlanDocument.h"
 #include "companion/machine/Capture.h"
 #include "companion/machine/System.h"
@@ -82,10 +83,14 @@ std::optional<MachinePlan> PlanMaker::make(Platform& machine, const Utilities& u
     if (context_.machine.recording.empty()) {
         captureTime_ = system::elapsed() - begin;
     }
+    const auto notAsked = familyNotAsked(context_, request_.policiesFile, request_.policiesText,
+                                         askedCommand_.empty() ? request_.command : askedCommand_);
     if (snapshot.details.empty()) {
-        failWith(context_, "no supported RAID controller was found",
-                 "zolexctl doctor tells what is there");
+        failWithoutController(context_, notAsked);
         return std::nullopt;
+    }
+    if (notAsked) {
+        tellNotAsked(context_, *notAsked);
     }
     madeAt_ = timestampOf(machine.localTime());
     MachinePlan plan = planMachine(snapshot, request_);

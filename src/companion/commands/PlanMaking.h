@@ -9,6 +9,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zolex::companion {
@@ -21,6 +22,8 @@ class PlanMaker {
 
     /// Reads the policies. False after a message; then `faults` has it.
     [[nodiscard]] bool readPolicies();
+    /// What was typed, where it was another command than "zolexctl plan".
+    void nameCommand(std::string command) { askedCommand_ = std::move(command); }
     /// Captures the machine, plans it and rehearses the plan. Nothing, after a message, without any
     /// controller. NoSuchController is passed on.
     [[nodiscard]] std::optional<MachinePlan> make(Platform& machine, const Utilities& utilities);
@@ -39,6 +42,7 @@ class PlanMaker {
     Context& context_;
     const PlanOptions& options_;
     PlanRequest request_;
+    std::string askedCommand_;
     std::optional<Finding> fault_; ///< of the policies file
     std::string madeAt_;
     std::optional<std::chrono::milliseconds> captureTime_;

@@ -223,6 +223,23 @@ class ControllerChanges {
     std::string name_;
 };
 
+/// Controllers that have another number in the commands of their utility: another card has come
+/// before them, or is gone.
+Lines linesOfAdapters(const Snapshot& snapshot, const MachinePlan& plan) {
+    Lines lines;
+    for (const ControllerPlanning& planning : plan.controllers) {
+        const ControllerSnapshot& planned = planning.controller;
+        const ControllerSnapshot* const found = capturedController(snapshot, planned.number);
+        if (found != nullptr && !planned.failed && found->adapter != planned.adapter) {
+            lines.push_back(controllerName(planned.number) + " has the number " +
+                            std::to_string(found->adapter) + " in the commands of " +
+                            printable(planned.utility) + " now, it had " +
+                            std::to_string(planned.adapter));
+        }
+    }
+    return lines;
+}
+
 bool isAsked(const std::vector<std::int32_t>& numbers, std::int32_t number) {
     return numbers.empty() || std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
@@ -330,7 +347,15 @@ std::optional<RunFault> identityFault(const Snapshot& snapshot, const MachinePla
                         {planAgainHelp(plan)},
                         std::string(run_problem::anotherMachine)};
     }
-    Lines lines = linesOfFindings(snapshot, isOtherwiseNumbered);
+    Lines lines = linesOfAdapters(snapshot, plan);
+    if (!lines.empty()) {
+        return RunFault{apply_code::refused,
+                        "the plan's commands would reach another controller",
+                        std::move(lines),
+                        {planAgainHelp(plan)},
+                        std::string(run_problem::anotherMachine)};
+    }
+    lines = linesOfFindings(snapshot, isOtherwiseNumbered);
     if (!lines.empty()) {
         return RunFault{apply_code::refused,
                         "it is not sure which controller a command would reach",

@@ -161,6 +161,10 @@ class Family {
         (void)facts;
         return {};
     }
+    /// Why a logical drive cannot be deleted as it stands; empty for one that can.
+    [[nodiscard]] virtual std::string whyNotDeleted(const LogicalDriveFacts& /*volume*/) const {
+        return {};
+    }
     /// What somebody may type to make a drive usable that the system has as it is; for eyes, as its
     /// data is lost. Empty: there is nothing.
     [[nodiscard]] virtual std::string makeGood(std::int32_t /*adapter*/,

@@ -113,6 +113,9 @@ void writeDrive(DocumentText& out, const MachineDrive& drive) {
     writeStatus(out, facts.health, driveStatus(facts.state));
     out.text("drive_state", driveStateWord(facts.state));
     out.textOrNull("reported_state", facts.reportedState);
+    if (!facts.barred.empty()) {
+        out.text("unusable_reason", facts.barred);
+    }
     out.numberOrNull("media_error_count", facts.mediaErrorCount);
     out.numberOrNull("other_error_count", facts.otherErrorCount);
     out.numberOrNull("predicted_failure_count", facts.predictedFailureCount);

@@ -207,6 +207,7 @@ MachineDrive readDrive(const Part& part) {
     facts.health = status.oneOf<Health>("health", healths, healthWord);
     facts.state = part.oneOf<DriveState>("drive_state", driveStates, driveStateWord);
     facts.reportedState = part.textOrNull("reported_state");
+    facts.barred = part.has("unusable_reason") ? part.text("unusable_reason") : std::string();
     facts.mediaErrorCount = part.numberOrNull<std::uint64_t>("media_error_count");
     facts.otherErrorCount = part.numberOrNull<std::uint64_t>("other_error_count");
     facts.predictedFailureCount = part.numberOrNull<std::uint64_t>("predicted_failure_count");

@@ -45,8 +45,7 @@ struct LayoutGroup {
 
 struct LayoutSpare {
     std::string location;
-    /// Wanted: ids of groups; captured: empty, but what a plan's steps begin with.
-    std::vector<std::string> covers;
+    std::vector<std::string> covers; ///< wanted: ids of groups; captured: empty
     bool isDedicated = false;
     bool isListed = false; ///< wanted: the policy names this very drive
     friend bool operator==(const LayoutSpare&, const LayoutSpare&) = default;

@@ -275,7 +275,8 @@ class Capturer {
         if (!request_.asksFamilies || (family.isOptIn() && !isAskedByName(family))) {
             return false;
         }
-        return family.programs().empty() || request_.utilities == nullptr ||
+        // One that is asked for by name tells itself that its program is not there.
+        return family.isOptIn() || family.programs().empty() || request_.utilities == nullptr ||
                !request_.utilities->programOf(family.name()).empty();
     }
 
@@ -290,7 +291,7 @@ class Capturer {
         const bool isOwnProgram = request_.utilities != nullptr &&
                                   !request_.utilities->programOf(family.name()).empty() &&
                                   !request_.utilities->usesWrapper(family.name());
-        if (isOwnProgram || !captured.controllers.empty()) {
+        if (isOwnProgram || family.isOptIn() || !captured.controllers.empty()) {
             for (const FamilyFinding& told : captured.findings) {
                 snapshot_.findings.push_back(familyFinding(told));
             }

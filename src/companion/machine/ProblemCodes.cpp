@@ -178,6 +178,10 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "Its firmware reports ids that stand for hardware that is not genuine, or not sold. Nothing is "
      "planned on it.",
      "ask its maker"},
+    {problem::familyNotAsked, warning, "policies are for controllers that were not asked for",
+     "Arrays of Linux are made of drives that anything may use: neither mdadm is run nor a drive "
+     "looked at, whatever policies say, unless the command asks for it.",
+     "say it where it is meant: zolexctl plan POLICIES --family md"},
     {problem::documentUnreadable, error, "a plan cannot be read from its file",
      "Nothing was changed. The file is missing, or this user has no right to read it.",
      "name the file that zolexctl plan -o has written"},
@@ -229,6 +233,10 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "A drive has failed or is being rebuilt. Nothing is planned, as the layout is the one that "
      "the policy asks for.",
      "Replace the drive that is named; the controller rebuilds by itself."},
+    {problem::spareOfOne, warning, "a hot spare is one of a single array",
+     "The family has no spare for several arrays: this one is made with the first that has none "
+     "yet, and the others have to get it from whoever watches over them.",
+     "name a spare for each array: Spares = 1 covering A and 1 covering B"},
     {problem::addingIsNotEnough, error, "what is wanted cannot be reached by adding alone",
      "Something that stands on the controller is in the way, or its utility cannot add beside it. "
      "With --strategy add nothing is removed, so nothing is done.",

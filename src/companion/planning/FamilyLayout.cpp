@@ -776,10 +776,37 @@ class LayoutMaker {
                             joinWords(spare.covers),
                         "take a spare that is as large and of the same kind");
             }
-            if (!isAsked && !limits_.hasGlobalSpares && limits_.hasDedicatedSpares) {
+            if (!limits_.hasGlobalSpares && limits_.hasDedicatedSpares) {
                 spare.isDedicated = true;
+                keepOneArray(spare);
             }
         }
+    }
+
+    /// A spare is of one array where there are no others: of the first that has none yet.
+    void keepOneArray(PlannedSpare& spare) {
+        if (spare.covers.empty()) {
+            problem(problem::spareNotMade, nullptr,
+                    "the hot spare " + spare.location + " can stand in for no array",
+                    "use the drive in an array, or have no spare: Array_Defaults = 0%:0");
+            return;
+        }
+        const auto hasOne = [this](const std::string& array) { return spared_.contains(array); };
+        const auto first = std::find_if_not(spare.covers.begin(), spare.covers.end(), hasOne);
+        const std::string own = first == spare.covers.end() ? spare.covers.front() : *first;
+        spared_.insert(own);
+        if (spare.covers.size() > 1) {
+            std::vector<std::string> others = spare.covers;
+            std::erase(others, own);
+            Finding& finding = problem(
+                problem::spareOfOne, nullptr,
+                "the hot spare " + spare.location + " is made one of array " + own +
+                    " alone, and not of " + joinWords(others),
+                "put spare-group=zolex into the ARRAY lines of mdadm.conf (mdadm --detail --scan), "
+                "and mdadm --monitor moves it to where it is needed");
+            finding.severity = Severity::warning;
+        }
+        spare.covers = {own};
     }
 
     [[nodiscard]] bool canStandIn(const PlannedSpare& spare, const PlannedArray& array) const {
@@ -838,6 +865,7 @@ class LayoutMaker {
     const FamilyDrives drives_;
     std::vector<Finding> findings_;
     std::map<std::string, std::string> takenBy_; ///< keyword, by location
+    std::set<std::string> spared_;               ///< arrays with a spare of their own
     std::vector<std::size_t> letters_;           ///< of each planned array, 0 for A
     std::map<std::size_t, std::uint64_t> used_;  ///< bytes, by the place of the array
     std::optional<std::uint64_t> strip_;

@@ -126,6 +126,13 @@ class StepMaker {
                          [](const Going& a, const Going& b) { return a.number > b.number; });
         for (const Going& each : going) {
             const LogicalDriveFacts* const facts = factsOf(each.volume->id);
+            const std::string why = facts == nullptr ? "" : family_.whyNotDeleted(*facts);
+            if (!why.empty()) {
+                faults_.push_back(planFault(problem::lineNotMade,
+                                            "LD " + each.volume->id + " stays: " + why,
+                                            {"end what uses it, and plan again"}));
+                continue;
+            }
             PlanStep& step =
                 addDeleting("delete-logical-drive",
                             facts == nullptr ? "" : family_.deleteVolume(adapter(), *facts),
@@ -156,7 +163,7 @@ class StepMaker {
             addDeleting("clear-foreign", family_.clearForeign(adapter()),
                         "clear the layouts of other controllers: " + driveList(drives) + told +
                             (told.empty() ? "" : ")"));
-        step.isRepeatable = true;
+        // Where there are none any more it is refused.
         for (const std::string& drive : drives) {
             Loss loss = foreignLoss(planning_, drive);
             loss.raidType = foreignLevels();

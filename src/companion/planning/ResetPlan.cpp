@@ -5,6 +5,7 @@
 #include "companion/planning/FamilySteps.h"
 #include "companion/planning/HealthyView.h"
 #include "companion/planning/PlanFaults.h"
+#include "companion/planning/Refusals.h"
 #include "companion/planning/RemovalLines.h"
 #include "companion/planning/Steps.h"
 #include "companion/planning/Strategy.h"
@@ -96,6 +97,10 @@ ControllerPlanning planController(const Snapshot& snapshot, const ControllerSnap
     }
     if (family != nullptr) {
         makeFamilyReset(*family, planning);
+        if (hasErrors(planning.diagnostics)) {
+            planning.disposition = Disposition::refused;
+            planning.because = planning.diagnostics.front().summary;
+        }
     } else {
         makeResetSteps(*record, planning);
     }

@@ -41,7 +41,7 @@ TEST(StorcliIronic, WritesTheModelAndReadsItBack) {
                                  "Logical.2 = B:102400:5\nLogical.3 = B:FILL:5\nSpans = 2\n";
     const MachinePlan plan = server.plan(policies);
     const IronicDraft draft = ironicOf(plan, policies);
-    EXPECT_EQ(tellings(draft.findings), "note ZX958 Spans = 2 is left out: Ironic cannot say it\n");
+    EXPECT_EQ(tellings(draft.findings), "warning ZX958 Spans = 2 is left out: Ironic cannot say it\n");
     EXPECT_EQ(draft.text, R"({
   "logical_disks": [
     {
@@ -56,24 +56,24 @@ TEST(StorcliIronic, WritesTheModelAndReadsItBack) {
     {
       "raid_level": "5",
       "size_gb": 100,
+      "share_physical_disks": true,
       "controller": "PERC-H755-Front",
       "physical_disks": [
         "64:2",
         "64:3",
         "64:4"
-      ],
-      "share_physical_disks": true
+      ]
     },
     {
       "raid_level": "5",
       "size_gb": "MAX",
+      "share_physical_disks": true,
       "controller": "PERC-H755-Front",
       "physical_disks": [
         "64:2",
         "64:3",
         "64:4"
-      ],
-      "share_physical_disks": true
+      ]
     }
   ]
 }

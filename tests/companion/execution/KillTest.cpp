@@ -252,7 +252,15 @@ std::vector<KillCase> killCases() {
             cases.push_back({sample, start});
         }
     }
+#ifdef ZOLEX_FEW_CASES
+    const Lines runs{"RebuiltWithTheForeignDrives"};
+#else
+    const Lines runs{"BlankWithoutNolog", "RebuiltWithTheForeignDrives", "SparesOfStandingGroups"};
+#endif
     for (const test::StorcliRun& run : test::storcliRuns()) {
+        if (std::find(runs.begin(), runs.end(), run.name) == runs.end()) {
+            continue;
+        }
         cases.push_back({run.definition, Start::blank, run.name, run.policies});
     }
     return cases;

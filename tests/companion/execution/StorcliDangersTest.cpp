@@ -118,6 +118,26 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFound) {
                      "controller 1: LD 238 on 252:2 252:3 252:4 252:5 has the number 239 now"}));
 }
 
+/// A host adapter that is put in before it has its number now.
+TEST_F(StorcliDangers, AControllerThatHasTheNumberOfAnotherIsFound) {
+    const Lines told = {"controller 1 has the number 1 in the commands of STORCLI now, it had 0"};
+    const auto putIn = [this] {
+        Controller adapter;
+        adapter.hostAdapter = true;
+        adapter.pci.bus = 10;
+        bench_.server.platform.server.storcliControllers.push_back(adapter);
+    };
+    EXPECT_EQ(refusedAfter(putIn), told);
+    bench_.server.platform.server = initial_;
+    interruptBehind(1);
+    putIn();
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.exitCode, 3);
+    EXPECT_EQ(end.what, "the plan's commands would reach another controller");
+    EXPECT_EQ(end.details, told);
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
 TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWhenARunIsGoneOnWith) {
     interruptBehind(1);
     swapNumbers(0, 1);
@@ -191,8 +211,8 @@ TEST(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
                    StrategyWish::automatic, false);
     ASSERT_EQ(test::faultsOf(bench.plan), Lines{});
     EXPECT_EQ(test::commandsOf(bench.plan),
-              (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=1 J nolog",
-                     "STORCLI /c0/e252/s11 add hotsparedrive DGs=2 J nolog",
+              (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=2 J nolog",
+                     "STORCLI /c0/e252/s11 add hotsparedrive DGs=1 J nolog",
                      "STORCLI /c0/v239 del J nolog"}));
     EXPECT_EQ(endLines(bench.apply()), (Lines{"0: ", "controller 1: configured"}));
 }

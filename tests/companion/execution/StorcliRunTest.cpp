@@ -136,7 +136,12 @@ TEST_P(StorcliApply, EachCommandFailsOnceAndIsGoneOnWith) {
     ASSERT_EQ(bench_.apply().exitCode, 0);
     const Lines planned = bench_.layout();
     const std::size_t commands = bench_.system.started.size();
+    const bool isSample =
+        GetParam().name == "BlankWithoutNolog" || GetParam().name == "RebuiltWithTheForeignDrives";
     for (const Fate fate : honestFates) {
+        if (!isSample && fate != Fate::failureWithZero && fate != Fate::doneButFailure) {
+            continue;
+        }
         for (std::size_t number = 1; number <= commands; ++number) {
             reset();
             failAt(number, fate);

@@ -504,6 +504,59 @@ TEST_F(MdTest, OnlyOurOwnArraysAreStopped) {
     EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --stop /dev/md127"});
 }
 
+TEST_F(MdTest, AnArrayStaysWhereADriveOfItServesSomethingElse) {
+    const std::string line = "MD --stop /dev/md/zolex-data --zero-superblock "
+                             "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb";
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    const MadeUpFiles before = files;
+    const std::vector<std::pair<std::function<void()>, std::string>> uses = {
+        {[this] { files.files["/sys/block/sdb/sdb1/partition"] = "1\n"; },
+         "it has partitions (sdb1)"},
+        {[this] {
+             files.files["/proc/self/mountinfo"] = "1 1 8:16 / /srv rw - ext4 /dev/sdb rw\n";
+         },
+         "mounted at /srv"},
+        {[this] { files.files["/sys/block/sdb/holders/dm-0"] = ""; }, "held by dm-0"},
+        {[this] { files.faults["/dev/sdb"] = "Device or resource busy"; },
+         "it cannot be opened alone: Device or resource busy"},
+    };
+    for (const auto& [use, why] : uses) {
+        files = before;
+        use();
+        const std::string text = "ata-DISK_S-sdb: in use: " + why;
+        EXPECT_EQ(run(line).output, "zolexctl: zolex-data is not touched: " + text + ".\n");
+        DiskScan scan;
+        scan.files = &files;
+        const Facts facts = factsOf(listDisks(scan));
+        EXPECT_EQ(facts.logicalDrives.at(0).reportedState, "stopped, " + text);
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives.at(0)), text);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sdb")), "in use: " + why);
+    }
+    EXPECT_TRUE(calls.empty());
+    files = before;
+    (void)run(line);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
+                                              "/dev/disk/by-id/ata-DISK_S-sda "
+                                              "/dev/disk/by-id/ata-DISK_S-sdb"});
+}
+
+TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.files["/sys/block/md127/md/dev-sdb/state"] = "faulty\n";
+    files.files["/sys/block/md127/md/dev-sdb/slot"] = "none\n";
+    files.files["/sys/block/md127/md/degraded"] = "1\n";
+    DiskScan scan;
+    scan.files = &files;
+    const Facts facts = factsOf(listDisks(scan));
+    EXPECT_EQ(facts.logicalDrives.at(0).reportedState, "degraded");
+    EXPECT_EQ(facts.logicalDrives.at(0).spans,
+              (std::vector<std::vector<std::string>>{{"ata-DISK_S-sda", "ata-DISK_S-sdb"}}));
+    EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::failed);
+}
+
 TEST_F(MdTest, OurArraysAreLogicalDrivesAndOthersBarTheirDrives) {
     files.addDrive("sdd", 3);
     files.addArray("md127", "raid1", {"sda", "sdb"});
@@ -554,7 +607,7 @@ TEST_F(MdTest, StatesComeFromTheKernel) {
     files.files[member + "slot"] = "none\n";
     EXPECT_EQ(facts().logicalDrives[0].reportedState, "degraded");
     EXPECT_EQ(facts().drives[2].state, DriveState::failed);
-    EXPECT_EQ(facts().logicalDrives[0].spans[0][2], "Missing");
+    EXPECT_EQ(facts().logicalDrives[0].spans[0][2], "ata-DISK_S-sdc");
     files.files[member + "state"] = "spare\n";
     EXPECT_EQ(facts().drives[2].hotspare, HotspareKind::dedicated);
     EXPECT_EQ(facts().drives[2].covers, std::vector<std::string>{"zolex-data"});

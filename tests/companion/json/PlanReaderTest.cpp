@@ -1,6 +1,7 @@
 #include "companion/json/PlanDocument.h"
 
 #include "companion/json/PlanDocuments.h"
+#include "platform/CommandLineSplit.h"
 #include "support/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -59,6 +60,10 @@ std::string written(const PlanReading& reading) {
 TEST(PlanReader, ControllersOfFamiliesHaveNoRecord) {
     MachinePlan plan = agreedPlan();
     plan.controllers[0].controller.utility = "STORCLI";
+    for (PlanStep& step : plan.controllers[0].steps) {
+        step.command = "STORCLI /c0 show J nolog";
+        step.argv = splitCommandLine(step.command);
+    }
     const PlanReading reading = readPlanDocument(planDocument(plan, planHead()), "plan.json");
     ASSERT_TRUE(reading.plan) << reading.findings.at(0).summary;
     const ControllerPlanning& planning = reading.plan->controllers.at(0);

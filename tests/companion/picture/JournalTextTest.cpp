@@ -269,7 +269,7 @@ What was done
 
 The run was stopped on its way.
   help: zolexctl apply --resume plan.journal.jsonl goes on when the cause is
-  mended
+        mended
   help: zolexctl plan site.ini plans from what is there
 )");
     EXPECT_NE(shown(historyOf(events), true).find("| \"Controllers\":[]"), std::string::npos);

@@ -251,6 +251,59 @@ TEST(FamilyServer, OneLayoutAfterAnother) {
     }
 }
 
+TEST(FamilyServer, NamesThatPoliciesCannotSayAreTold) {
+    StorcliServer server("storcli");
+    std::string text;
+    for (const Finding& finding : capturedPolicies(server.snapshot(), {}).findings) {
+        if (finding.code == "ZC117") {
+            text += std::string(severityWord(finding.severity)) + " " + finding.summary + "\n";
+        }
+    }
+    EXPECT_EQ(text,
+              "note controller 1: logical drive 239 is called \"system\": policies give no names\n"
+              "note controller 1: logical drive 237 is called \"logs\": policies give no names\n"
+              "note controller 1: logical drive 236 is called \"data\": policies give no names\n");
+}
+
+TEST(FamilyServer, InitIsToldToHaveNoEffect) {
+    StorcliServer server(StorcliServer::definition("", hdds));
+    const MachinePlan plan = server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n"
+                                                "Init = QUICK\n"));
+    ASSERT_TRUE(plan.isApplicable()) << planLines(plan);
+    const std::vector<Finding>& warnings = plan.controllers.front().warnings;
+    const auto told = std::find_if(warnings.begin(), warnings.end(),
+                                   [](const Finding& each) { return each.code == "ZX408"; });
+    ASSERT_NE(told, warnings.end());
+    EXPECT_EQ(told->summary, "Init has no effect: STORCLI is not told how to initialise");
+    EXPECT_EQ(told->start.line, 8);
+}
+
+TEST(FamilyServer, ADedicatedSpareOfAnArrayThatStandsIsMadeBeforeItsNumberMayChange) {
+    const std::string definition = StorcliServer::definition(
+        R"(, "virtualDrives": [{"level": "RAID1", "spans": [["252:0", "252:1"]]},
+                               {"level": "RAID5", "spans": [["252:2", "252:3", "252:4"]]}])",
+        hdds);
+    const std::string begin = "Drives.A = slots 252:2,252:3,252:4\nDrives.B = slots 252:10,252:11\n"
+                              "Level.A = 5\nLevel.B = 1\nSpares = slots 252:";
+    StorcliServer server(definition);
+    const std::string policies = policy(begin + "8 covering A\n");
+    const MachinePlan plan = server.plan(policies);
+    std::string lines;
+    for (const PlanStep& step : plan.steps()) {
+        lines += step.command + "\n";
+    }
+    EXPECT_EQ(lines, "STORCLI /c0/e252/s8 add hotsparedrive DGs=1 J nolog\n"
+                     "STORCLI /c0/v239 del J nolog\n"
+                     "STORCLI /c0 add vd r1 drives=252:10,252:11 J nolog\n")
+        << planLines(plan);
+    EXPECT_EQ(carryOut(server, policies), "");
+    EXPECT_EQ(somethingLeft(server, policies), "");
+    // A drive of the array that goes is free too late.
+    StorcliServer other(definition);
+    const Made late = planned(other, policy(begin + "0 covering A\n"));
+    EXPECT_NE(late.fault.find("ZP226"), std::string::npos) << late.fault;
+}
+
 TEST(FamilyServer, ConsentListsForeignDrivesThatArePlannedWithAndNoOthers) {
     const std::string definition = StorcliServer::definition(foreignSet, someForeign);
     StorcliServer server(definition);

@@ -152,7 +152,7 @@ TEST(StorcliRehearsal, TellsWhatTheUtilityWouldRefuseInItsWords) {
         "help: zolexctl record --redact -o report.zrec, and report it\n"
         "help: look at its drives: zolexctl show --controller 1\n");
     EXPECT_EQ(refusal("storcli-blank", mirror, line("STORCLI /c0/v239 set wrcache=WT J nolog")),
-              "ZP240 step 1 would be refused: Set VD failed.; Invalid VD number (error 255)\n"
+              "ZP240 step 1 would be refused: Invalid VD number (error 255)\n"
               "STORCLI /c0/v239 set wrcache=WT J nolog\n"
               "help: look at what stands, and plan anew: zolexctl plan site.ini\n"
               "help: change what the utility names, and try it: zolexctl plan site.ini\n"

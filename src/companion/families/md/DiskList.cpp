@@ -84,6 +84,10 @@ bool isPlainName(std::string_view name) {
            });
 }
 
+bool has(const std::vector<std::string>& list, const std::string& text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
+
 /// Looks at the machine once.
 class Lister {
   public:
@@ -113,6 +117,7 @@ class Lister {
         nameArrays(list);
         for (ListedDisk& disk : list.disks) {
             disk.why = whyNot(disk, list);
+            holdArray(disk, list);
             const ListedArray* const array = arrayOf(list.arrays, disk);
             const std::vector<std::string>& carried = signatures_[disk.name];
             if (array != nullptr && array->isOurs && !carried.empty()) {
@@ -497,7 +502,8 @@ class Lister {
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
         if (array != nullptr && array->isOurs) {
-            return {};
+            const std::string why = disk.array.empty() ? whyUsedBeside(disk) : std::string();
+            return why.empty() ? why : "in use: " + why;
         }
         if (scan_.whole &&
             std::find(scan_.whole->begin(), scan_.whole->end(), disk.id) == scan_.whole->end()) {
@@ -510,6 +516,27 @@ class Lister {
             return "in use: it cannot be opened alone: " + fault;
         }
         return whyContent(disk);
+    }
+
+    /// What uses a drive of an array that does not run, or that it has dropped out of.
+    std::string whyUsedBeside(const ListedDisk& disk) {
+        if (std::string why = whyUsed(disk, nullptr); !why.empty()) {
+            return why;
+        }
+        const std::string fault = files_.whyNotOpened(device(disk.name));
+        return fault.empty() ? "" : "it cannot be opened alone: " + fault;
+    }
+
+    /// An array stays where a drive that once was of it serves something else now.
+    static void holdArray(const ListedDisk& disk, DiskList& list) {
+        const auto array =
+            std::find_if(list.arrays.begin(), list.arrays.end(), [&disk](const ListedArray& one) {
+                return one.isOurs && has(one.members, disk.name);
+            });
+        if (array != list.arrays.end() && disk.array.empty() && !disk.why.empty() &&
+            array->whyNotStopped.empty()) {
+            array->whyNotStopped = (disk.id.empty() ? disk.name : disk.id) + ": " + disk.why;
+        }
     }
 
     std::string whyUsed(const ListedDisk& disk, const ListedArray* array) {

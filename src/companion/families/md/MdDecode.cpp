@@ -52,7 +52,7 @@ DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
     const ListedArray* const array = ownArrayOf(list, disk);
     if (array == nullptr) {
         facts.state = disk.why.empty() ? DriveState::free : DriveState::jbod;
-        facts.reportedState = disk.why.empty() ? "free" : "in use";
+        facts.reportedState = disk.why.empty() ? "free" : disk.why;
         return facts;
     }
     facts.reportedState = disk.arrayState;
@@ -108,6 +108,18 @@ void tellState(LogicalDriveFacts& volume, const ListedArray& array, std::uint32_
     }
 }
 
+/// A drive that has failed stands where it was, as long as no other has taken its place.
+void placeFailed(const DiskList& list, const ListedArray& array, std::vector<std::string>& places) {
+    for (const ListedDisk& disk : list.disks) {
+        const bool isOfIt =
+            std::find(array.members.begin(), array.members.end(), disk.name) != array.members.end();
+        if (isOfIt && disk.isFailed() && disk.superblock && disk.superblock->role &&
+            *disk.superblock->role < places.size() && places[*disk.superblock->role] == "Missing") {
+            places[*disk.superblock->role] = locationOf(disk);
+        }
+    }
+}
+
 LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
     LogicalDriveFacts volume;
     volume.id = array.name;
@@ -147,6 +159,7 @@ LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
         }
         redundancy = isOdd ? 1 : both != 0 ? 0 : array.raidDisks / 2;
     }
+    placeFailed(list, array, places);
     if (isTen && !isOdd) {
         for (std::size_t i = 0; i + 1 < places.size(); i += 2) {
             volume.spans.push_back({places[i], places[i + 1]});

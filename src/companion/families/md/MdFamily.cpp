@@ -180,8 +180,14 @@ class MdFamily : public Family {
         return createLine(wish);
     }
 
+    std::string whyNotDeleted(const LogicalDriveFacts& volume) const override {
+        const std::size_t use = volume.reportedState.find(useSeparator);
+        return use == std::string::npos ? std::string()
+                                        : volume.reportedState.substr(use + useSeparator.size());
+    }
+
     std::string deleteVolume(std::int32_t, const LogicalDriveFacts& volume) const override {
-        if (volume.reportedState.find(useSeparator) != std::string::npos) {
+        if (!whyNotDeleted(volume).empty()) {
             return {};
         }
         std::vector<std::string> drives;

@@ -200,10 +200,14 @@ ChildResult MdHost::zero(const std::vector<std::string>& ids) {
         Refusal refusal;
         for (const std::string& id : ids) {
             const ListedDisk* const disk = diskWithId(now, id);
-            if (disk == nullptr || !disk->array.empty() || !disk->superblock ||
-                !disk->superblock->name.starts_with(ownPrefix)) {
-                refusal.lines.push_back(untouched(id, "it has no superblock of ours any more") +
-                                        ".");
+            const std::string why =
+                disk == nullptr        ? "no drive has this name now"
+                : !disk->array.empty() ? "it is in a running array again: " + disk->array
+                : !disk->superblock || !disk->superblock->name.starts_with(ownPrefix)
+                    ? "it has no superblock of ours any more"
+                    : disk->why;
+            if (!why.empty()) {
+                refusal.lines.push_back(untouched(id, why) + ".");
             }
         }
         return refusal;
