@@ -569,6 +569,15 @@ TEST(StorcliTraps, ACallThatDoesNotEndIsTold) {
     EXPECT_EQ(server.calls, Lines({"STORCLI show J nolog", "STORCLI /c0 show all J nolog"}));
 }
 
+TEST(StorcliTraps, AProgramThatCannotBeStartedIsTold) {
+    StorcliServer server;
+    server.answers.clear();
+    const FamilyCapture captured = server.capture();
+    EXPECT_TRUE(captured.controllers.empty());
+    EXPECT_EQ(findingsOf(captured.findings),
+              Lines({"ZP102 STORCLI show J nolog cannot be started"}));
+}
+
 TEST(StorcliTraps, ProgramsInTheirOrder) {
     const auto programs = Storcli().programs();
     EXPECT_EQ(Lines(programs.begin(), programs.end()),

@@ -75,10 +75,7 @@ class Asker {
     FamilyCapture run() {
         const FamilyListing overview = ask("show J");
         if (!hasEnded(overview)) {
-            if (overview.outcome == ChildOutcome::stillRunning) {
-                capture_.findings.push_back(
-                    {std::string(family_code::utilityRuns), tooLong(overview), {}, {}});
-            }
+            capture_.findings.push_back(notEnded(overview));
             return std::move(capture_);
         }
         const StorcliAnswer answer = storcliAnswer(overview.output);
@@ -138,20 +135,24 @@ class Asker {
         const bool ended = hasEnded(listing);
         if (!ended) {
             controller.failed = true;
-            const bool runs = listing.outcome == ChildOutcome::stillRunning;
-            controller.findings.push_back(
-                {std::string(runs ? family_code::utilityRuns : family_code::cannotStart),
-                 runs ? tooLong(listing) : listing.command + " cannot be started",
-                 {},
-                 {}});
+            controller.findings.push_back(notEnded(listing));
         }
         controller.listings.push_back(std::move(listing));
         return ended;
     }
 
-    [[nodiscard]] std::string tooLong(const FamilyListing& listing) const {
+    [[nodiscard]] FamilyFinding notEnded(const FamilyListing& listing) const {
+        if (listing.outcome != ChildOutcome::stillRunning) {
+            return {std::string(family_code::cannotStart),
+                    listing.command + " cannot be started",
+                    {},
+                    {}};
+        }
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(request_.limit);
-        return listing.command + " did not end within " + std::to_string(seconds.count()) + " s";
+        return {std::string(family_code::utilityRuns),
+                listing.command + " did not end within " + std::to_string(seconds.count()) + " s",
+                {},
+                {}};
     }
 
     /// Without "nolog" where the utility refuses that.
