@@ -94,10 +94,9 @@ void tellForeign(const ControllerPlanning& planning, std::vector<Finding>& findi
     finding.severity = Severity::warning;
     finding.summary = "the foreign configuration on " + text + " is cleared";
     for (const std::string& line : planning.controller.facts.foreignConfigurations) {
-        finding.summary += (&line == &planning.controller.facts.foreignConfigurations.front()
-                                ? ": "
-                                : "; ") +
-                           line;
+        finding.summary +=
+            (&line == &planning.controller.facts.foreignConfigurations.front() ? ": " : "; ") +
+            line;
     }
     finding.help = {"what another server wrote there is lost; take the drives out to keep it"};
     findings.push_back(std::move(finding));
