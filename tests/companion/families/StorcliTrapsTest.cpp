@@ -570,7 +570,7 @@ TEST(StorcliTraps, ACallThatDoesNotEndIsTold) {
 }
 
 TEST(StorcliTraps, AProgramThatCannotBeStartedIsTold) {
-    StorcliServer server;
+    ListedController server;
     server.answers.clear();
     const FamilyCapture captured = server.capture();
     EXPECT_TRUE(captured.controllers.empty());
