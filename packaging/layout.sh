@@ -23,6 +23,7 @@ put_companion() {
     for name in docs/pictures/*.svg; do
         put 644 "$name" "$1/pictures/$(basename "$name")"
     done
+    put 644 docs/linux-md.md "$1/linux-md.md"
 }
 
 # put_contrib FOLDER: what editors take.

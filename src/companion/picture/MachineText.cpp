@@ -304,6 +304,11 @@ class Writer {
         }
     }
 
+    /// Whether its state is what the system uses it for.
+    [[nodiscard]] static bool isUsed(const DriveFacts& facts) {
+        return !facts.barred.empty() && facts.barred == facts.reportedState;
+    }
+
     /// Drives with one job, as a line of the layout; none where there are no such drives.
     void addGroup(std::vector<LayoutLine>& lines, Role role, HotspareKind kind,
                   std::string_view sign, Emphasis emphasis, const char* one,
@@ -312,7 +317,7 @@ class Writer {
         std::uint64_t bytes = 0;
         for (const MachineDrive& drive : controller_.drives) {
             const bool isDedicated = drive.facts.hotspare == HotspareKind::dedicated;
-            if (roleOf(drive) == role &&
+            if (roleOf(drive) == role && !isUsed(drive.facts) &&
                 (role != Role::hotspare || isDedicated == (kind == HotspareKind::dedicated))) {
                 locations.push_back(drive.facts.location);
                 bytes += drive.facts.capacityBytes.value_or(0);
@@ -325,6 +330,17 @@ class Writer {
         text += bytes > 0 ? ", " + sizeText(bytes) : "";
         lines.push_back(
             {{std::string(sign), emphasis}, locationRanges(locations), {{text, emphasis}}});
+    }
+
+    /// Each with its use.
+    void addUsed(std::vector<LayoutLine>& lines) const {
+        for (const MachineDrive& drive : controller_.drives) {
+            if (roleOf(drive) == Role::jbod && isUsed(drive.facts)) {
+                lines.push_back({{"=", Emphasis::plain},
+                                 {printable(drive.facts.location)},
+                                 {{printable(drive.facts.barred), Emphasis::plain}}});
+            }
+        }
     }
 
     /// Failed drives stand each for itself: whoever changes one needs its serial number.
@@ -373,6 +389,7 @@ class Writer {
                  "dedicated hot spare", "dedicated hot spares");
         addGroup(others, Role::foreign, {}, "~", Emphasis::warning, "foreign drive",
                  "foreign drives");
+        addUsed(others);
         addGroup(others, Role::jbod, {}, "=", Emphasis::plain,
                  "drive that the system sees as it is", "drives that the system sees as they are");
         addGroup(others, Role::unknown, {}, "?", Emphasis::warning, "drive in an unknown state",

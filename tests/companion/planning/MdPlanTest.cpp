@@ -165,7 +165,7 @@ TEST(MdPlan, ADriveInUseIsRefusedWithItsReason) {
 
 TEST(MdPlan, AFailedMemberStandsWhereItWas) {
     LinuxMachine machine(3);
-    machine.addArray("zolex-a", "raid5", {1, 2, 3});
+    machine.addArray("zolex-a", "raid5", {1, 2, 3}).bytes = 200 * gibibyte;
     const std::string policy = "Array.A = 1,2,3\nArray_Defaults = 0%:0\nLogical.1 = A:FILL:5\n";
     EXPECT_EQ(machine.plan(policy).controllers.at(0).disposition, Disposition::already);
     machine.list.disks[1].arrayState = "faulty";
@@ -209,8 +209,8 @@ TEST(MdPlan, NoPlanForcesMdadm) {
         LinuxMachine machine(count);
         std::set<std::string> free;
         for (md::ListedDisk& disk : machine.list.disks) {
-            disk.bytes -= static_cast<std::uint64_t>(below(3)) * gibibyte / 2;
-            disk.why = below(12) == 0 ? "in use: it carries LVM2" : "";
+            disk.bytes -= below(20) == 0 ? 5 * gibibyte : 0;
+            disk.why = below(40) == 0 ? "in use: it carries LVM2" : "";
             if (disk.why.empty()) {
                 free.insert("/dev/disk/by-id/" + disk.id);
             }
@@ -218,18 +218,21 @@ TEST(MdPlan, NoPlanForcesMdadm) {
         std::string policy;
         int next = 1;
         for (const char letter : {'A', 'B', 'C'}) {
-            const int size = 1 + below(5);
+            const int size = 2 + below(4);
             if (next + size - 1 > count) {
                 break;
             }
+            // Levels by the number of drives that they begin with; now and then any.
             constexpr const char* levels[] = {"0", "1", "5", "6", "10", "1E"};
+            const int known = size == 2 ? 2 : size == 3 ? 3 : 4;
+            const char* const level = levels[below(below(10) == 0 ? 6 : known)];
             const std::string name(1, letter);
             policy += "Array." + name + " = ";
             for (int i = 0; i < size; ++i) {
                 policy += (i == 0 ? "" : ",") + std::to_string(next++);
             }
             policy += "\nLogical." + std::to_string(letter - 'A' + 1) + " = " + name +
-                      (below(3) == 0 ? ":20000:" : ":FILL:") + levels[below(6)] + "\n";
+                      (below(5) == 0 ? ":20000:" : ":FILL:") + level + "\n";
         }
         policy += next <= count && below(2) == 0 ? "Hotspares = " + std::to_string(next) + "\n"
                                                  : "Array_Defaults = 0%:0\n";
