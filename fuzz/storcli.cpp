@@ -41,10 +41,9 @@ void checkController(const FamilyController& controller) {
 }
 
 void readListings(Input input) {
-    constexpr const char* calls[] = {"STORCLI /c0 show all J nolog",
-                                     "STORCLI /c0/eall/sall show all J nolog",
-                                     "STORCLI /c0/vall show all J nolog",
-                                     "STORCLI /c0/fall show J nolog"};
+    constexpr const char* calls[] = {
+        "STORCLI /c0 show all J nolog", "STORCLI /c0/eall/sall show all J nolog",
+        "STORCLI /c0/vall show all J nolog", "STORCLI /c0/fall show J nolog"};
     FamilyController controller;
     for (const char* const call : calls) {
         companion::FamilyListing listing;

@@ -41,7 +41,8 @@ TEST(StorcliIronic, WritesTheModelAndReadsItBack) {
                                  "Logical.2 = B:102400:5\nLogical.3 = B:FILL:5\nSpans = 2\n";
     const MachinePlan plan = server.plan(policies);
     const IronicDraft draft = ironicOf(plan, policies);
-    EXPECT_EQ(tellings(draft.findings), "warning ZX958 Spans = 2 is left out: Ironic cannot say it\n");
+    EXPECT_EQ(tellings(draft.findings),
+              "warning ZX958 Spans = 2 is left out: Ironic cannot say it\n");
     EXPECT_EQ(draft.text, R"({
   "logical_disks": [
     {
