@@ -101,7 +101,12 @@ void removeFolder(const std::string& name) {
         } while (FindNextFileA(search, &found) != 0);
         FindClose(search);
     }
-    RemoveDirectoryA(name.c_str());
+    // The system lets go of a folder some time after the end of a program that ran in it.
+    for (int attempt = 0; attempt < 40 && RemoveDirectoryA(name.c_str()) == 0 &&
+                          GetLastError() == ERROR_SHARING_VIOLATION;
+         ++attempt) {
+        Sleep(50);
+    }
     SetLastError(error);
 }
 
