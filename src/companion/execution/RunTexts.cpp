@@ -113,7 +113,10 @@ std::string nowLine(const ControllerPlanning& planning, const Facts& facts) {
             others.push_back(name);
         }
     }
-    if (others.empty() && !planning.losses.empty()) {
+    // Layouts of other controllers are no part of what stands.
+    const bool hasForeign = std::any_of(planning.losses.begin(), planning.losses.end(),
+                                        [](const Loss& loss) { return loss.kind == "foreign"; });
+    if (others.empty() && !planning.losses.empty() && !hasForeign) {
         line += (line.empty() ? "" : "; ") + std::string("what the plan removes is gone");
     }
     for (const std::string& other : others) {

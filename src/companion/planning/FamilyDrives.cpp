@@ -54,6 +54,12 @@ const MachineDrive* FamilyDrives::find(const DriveView& view) const {
     return found == bySlot_.end() ? nullptr : found->second;
 }
 
+bool FamilyDrives::isAmbiguous(const DriveView& view) const {
+    const auto byId =
+        bySlot_.find(std::pair(std::optional(view.position.channel), view.position.id));
+    return view.number <= 0 && byId != bySlot_.end() && find(view) != byId->second;
+}
+
 FamilyDrives::Use FamilyDrives::useOf(const MachineDrive& drive) const {
     const DriveFacts& facts = drive.facts;
     const bool isHurt = facts.state == DriveState::failed || facts.state == DriveState::missing ||

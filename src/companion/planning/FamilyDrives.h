@@ -33,6 +33,8 @@ class FamilyDrives {
     [[nodiscard]] const std::vector<const MachineDrive*>& all() const { return drives_; }
     /// Null without one.
     [[nodiscard]] const MachineDrive* find(const DriveView& view) const;
+    /// Whether a pair names one drive by the enclosure's position and another by its id.
+    [[nodiscard]] bool isAmbiguous(const DriveView& view) const;
     [[nodiscard]] Use useOf(const MachineDrive& drive) const;
     [[nodiscard]] bool isGood(const MachineDrive& drive) const { return useOf(drive) == Use::good; }
     /// Why a bad one cannot be planned with.

@@ -144,7 +144,23 @@ class LayoutMaker {
         return false;
     }
 
+    /// A member that no drive of the list is: it was pulled, or answers no more.
+    [[nodiscard]] bool isMemberMissing() const {
+        const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
+        return std::any_of(all.begin(), all.end(), [this](const LogicalDriveFacts& volume) {
+            return std::any_of(volume.spans.begin(), volume.spans.end(), [this](const auto& span) {
+                return std::any_of(span.begin(), span.end(), [this](const std::string& member) {
+                    return planned_.detail.facts.drive(member) == nullptr;
+                });
+            });
+        });
+    }
+
     [[nodiscard]] std::string driveHelp(const MachineDrive& drive) const {
+        if (!drive.array.empty()) {
+            return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
+                   drive.array;
+        }
         switch (drive.facts.state) {
         case DriveState::jbod:
             return "making it good loses its data; should that be meant: " +
@@ -165,6 +181,23 @@ class LayoutMaker {
         const std::string keyword = list.entry->keyword.text;
         for (const DriveView& view : list.drives) {
             const MachineDrive* const drive = drives_.find(view);
+            if (view.number > 0 && !hasShifted_ && isMemberMissing()) {
+                hasShifted_ = true;
+                Finding& finding = fault(
+                    "ZX701", &view.piece,
+                    keyword + " counts drives, and a drive of an array is missing: the numbers "
+                              "behind it are others",
+                    "put the drive back or replace it, or name drives by their slots");
+                finding.refusedBy = RefusedBy::nobody;
+            }
+            if (view.number <= 0 && drives_.isAmbiguous(view)) {
+                fault("ZX303", &view.piece,
+                      view.piece.text +
+                          " is a drive in the enclosure of that id, or one in another "
+                          "enclosure by its position",
+                      "write the number of the drive: zolexctl show lists it");
+                continue;
+            }
             if (drive == nullptr) {
                 fault(view.number > 0 ? "ZX304" : "ZX303", &view.piece,
                       view.number > 0
@@ -868,6 +901,7 @@ class LayoutMaker {
     const FamilyDrives drives_;
     std::vector<Finding> findings_;
     std::map<std::string, std::string> takenBy_; ///< keyword, by location
+    bool hasShifted_ = false;                    ///< it is told that numbers are others
     std::set<std::string> spared_;               ///< arrays with a spare of their own
     std::vector<std::size_t> letters_;           ///< of each planned array, 0 for A
     std::map<std::size_t, std::uint64_t> used_;  ///< bytes, by the place of the array

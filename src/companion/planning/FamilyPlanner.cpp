@@ -64,6 +64,26 @@ FamilyPlanner::FamilyPlanner(const Snapshot& snapshot, const PlanRequest& reques
     }
 }
 
+namespace {
+
+/// Whether there are no arrays, and no drive of which one could be made.
+bool hasNothingToUse(const Family& family, const Facts& facts) {
+    return facts.logicalDrives.empty() &&
+           std::none_of(facts.drives.begin(), facts.drives.end(), [&](const DriveFacts& drive) {
+               return family.whyNotUsable(drive).empty();
+           });
+}
+
+/// Why, of the first drive; and how many there are.
+std::string whyNotUsed(const Family& family, const Facts& facts) {
+    const DriveFacts& first = facts.drives.front();
+    const std::size_t others = facts.drives.size() - 1;
+    return first.location + ": " + family.whyNotUsable(first) +
+           (others == 0 ? "" : ", and " + std::to_string(others) + " more");
+}
+
+} // namespace
+
 ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
     ControllerPlanning planning;
     planning.controller = withoutListings(detail);
@@ -90,6 +110,7 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
     ControllerMatch wanted;
     wanted.family = family->name();
     wanted.pciIds = detail.pciIds;
+    wanted.needsName = family->isOptIn();
     wanted.values.machineType = snapshot_.machine.machineType;
     wanted.values.serialNumber = snapshot_.machine.serialNumber;
     wanted.values.controllerType = CString(detail.model);
@@ -104,8 +125,10 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
     }
     if (detail.drives.empty() || !match.index) {
         planning.disposition = Disposition::skipped;
-        planning.because =
-            detail.drives.empty() ? "it has no drives" : whyUnmatched(planning.considered);
+        planning.because = detail.drives.empty() ? "it has no drives"
+                           : family->isOptIn()   ? "no policy names it: AppliesTo.1 = t:" +
+                                                     std::string(family->name())
+                                               : whyUnmatched(planning.considered);
         return planning;
     }
     planning.policy = policies_->views[*match.index].name();
@@ -129,6 +152,12 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
             continue;
         }
         Attempt found = attempt(detail, *match.index, failedMembersStay);
+        if (mayStand && found.stands() && hasNothingToUse(*family, detail.facts)) {
+            planning.disposition = Disposition::skipped;
+            planning.because =
+                "none of its drives can be used: " + whyNotUsed(*family, detail.facts);
+            return planning;
+        }
         if (mayStand && found.stands()) {
             take(found);
             planning.disposition = Disposition::already;

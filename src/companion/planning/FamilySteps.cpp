@@ -126,7 +126,7 @@ class StepMaker {
                          [](const Going& a, const Going& b) { return a.number > b.number; });
         for (const Going& each : going) {
             const LogicalDriveFacts* const facts = factsOf(each.volume->id);
-            const std::string why = facts == nullptr ? "" : family_.whyNotDeleted(*facts);
+            const std::string why = facts == nullptr ? "" : whyKept(*facts);
             if (!why.empty()) {
                 faults_.push_back(planFault(problem::lineNotMade,
                                             "LD " + each.volume->id + " stays: " + why,
@@ -141,6 +141,17 @@ class StepMaker {
                                 "on " + driveList(groupDrives(*each.group)));
             lose(step, volumeLoss(planning_, *each.group, *each.volume));
         }
+    }
+
+    /// Nobody can agree to the loss of what is not known.
+    [[nodiscard]] std::string whyKept(const LogicalDriveFacts& volume) const {
+        if (volume.raidType.empty()) {
+            return "its level is not known: " + volume.reportedLevel;
+        }
+        if (volume.health == Health::unknown && !volume.reportedState.empty()) {
+            return "its state is not known: " + volume.reportedState;
+        }
+        return family_.whyNotDeleted(volume);
     }
 
     [[nodiscard]] const LogicalDriveFacts* factsOf(const std::string& id) const {

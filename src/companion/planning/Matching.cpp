@@ -141,9 +141,11 @@ struct PolicyJudge {
             const MatchValues values = valuesFor(entry, controller);
             row.keyword = entry.entry->keyword.text;
             row.line = policies.fileLine(entry.entry->keyword.start.line);
-            row.matched = entry.given.matches(values);
+            const bool isNamed = !entry.given.controllerType.isEmpty() && !policies.isDefault;
+            const bool mayMatch = isNamed || !controller.needsName;
+            row.matched = mayMatch && entry.given.matches(values);
             row.specifiers = matchSpecifiers(entry, values, controller.values.controllerType);
-            const bool isOpen = !row.matched && mightMatch(entry, values);
+            const bool isOpen = mayMatch && !row.matched && mightMatch(entry, values);
             if (isOpen && !result.unknown) {
                 result.unknown = unknownName(policy, entry, values, policies.document.file);
             }
@@ -161,7 +163,7 @@ struct PolicyJudge {
 
 MatchedPolicy matchPolicies(const PlanPolicies& policies, const Machine& machine,
                             std::int32_t number, const RAIDController& record) {
-    return matchPolicies(policies, {valuesOf(machine, number, record), {}, {}});
+    return matchPolicies(policies, {valuesOf(machine, number, record), {}, {}, false});
 }
 
 MatchedPolicy matchPolicies(const PlanPolicies& policies, const ControllerMatch& controller) {

@@ -26,6 +26,7 @@ struct ControllerMatch {
     /// Of a controller that zolex does not know; empty: it knows it.
     std::string family;
     std::string pciIds;
+    bool needsName = false; ///< only entries with t: count
 };
 
 /// Holds the policies against a controller, one after another.

@@ -61,7 +61,27 @@ TEST(PlanReader, ControllersOfFamiliesHaveNoRecord) {
     MachinePlan plan = agreedPlan();
     plan.controllers[0].controller.utility = "STORCLI";
     for (PlanStep& step : plan.controllers[0].steps) {
-        step.command = "STORCLI /c0 show J nolog";
+        step.command = step.action == "delete-logical-drive"
+                           ? "STORCLI /c0/v" + step.destroys.at(0) + " del J nolog"
+                           : "STORCLI /c0 show J nolog";
+        step.argv = splitCommandLine(step.command);
+    }
+    for (PlanStep& step : plan.controllers[0].steps) {
+        const std::string own = step.command;
+        // Another logical drive than the one whose loss is agreed to, or one that nobody is asked
+        // for.
+        step.command = "STORCLI /c0/v77 del J nolog";
+        step.argv = splitCommandLine(step.command);
+        const PlanReading other = readPlanDocument(planDocument(plan, planHead()), "plan.json");
+        if (step.action == "delete-logical-drive" || !step.deletes) {
+            ASSERT_FALSE(other.plan) << step.action;
+            EXPECT_NE(other.findings.at(0).summary.find(
+                          step.deletes ? "command does not delete what \"destroys\" names"
+                                       : "argv deletes, which the step does not say"),
+                      std::string::npos)
+                << other.findings.at(0).summary;
+        }
+        step.command = own;
         step.argv = splitCommandLine(step.command);
     }
     const PlanReading reading = readPlanDocument(planDocument(plan, planHead()), "plan.json");

@@ -42,6 +42,68 @@ TEST(FamilyPlan, UnlikeDrivesAreArraysOfTheirOwn) {
               "STORCLI /c0 add vd r0 drives=252:2 J nolog\n");
 }
 
+TEST(FamilyPlan, WithoutADriveThatCanBeUsedNothingIsAsThePolicySays) {
+    FamilyServer server;
+    server.addDrives(2);
+    for (const std::int32_t slot : {0, 1}) {
+        server.driveAt(slot).state = DriveState::jbod;
+        server.driveAt(slot).reportedState = "JBOD";
+    }
+    EXPECT_EQ(
+        planLines(server.plan(policy(""))),
+        "skipped: none of its drives can be used: 252:0: it is a JBOD drive: the system has it "
+        "as it is, and 1 more\n");
+}
+
+TEST(FamilyPlan, APairThatMayNameTwoDrivesIsRefused) {
+    FamilyServer server;
+    for (const std::int32_t enclosure : {0, 1, 2}) {
+        server.add(enclosure, 0);
+    }
+    const std::string seen =
+        planLines(server.plan(custom("Array.A = 1:0,2:0\nLogical.1 = A:FILL:1\n")));
+    EXPECT_EQ(seen.find("refused: "), 0U) << seen;
+    EXPECT_NE(
+        seen.find("error ZX303: 1:0 is a drive in the enclosure of that id, or one in another "
+                  "enclosure by its position\n"),
+        std::string::npos)
+        << seen;
+    EXPECT_NE(planLines(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n")))
+                  .find("drives=0:0,1:0 "),
+              std::string::npos);
+}
+
+TEST(FamilyPlan, NumbersAreNotTrustedWhileAMemberIsMissing) {
+    FamilyServer server;
+    server.addDrives(8);
+    server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000).spans.front().back() = "Missing";
+    const std::string entries = "Array.A = 1,2,3\nArray.B = 5,6\nLogical.1 = A:FILL:5\n"
+                                "Logical.2 = B:FILL:1\n";
+    const std::string seen = planLines(server.plan(custom(entries)));
+    EXPECT_EQ(seen.find("refused: "), 0U) << seen;
+    EXPECT_NE(
+        seen.find("error ZX701: Array.A counts drives, and a drive of an array is missing: the "
+                  "numbers behind it are others\n"),
+        std::string::npos)
+        << seen;
+}
+
+TEST(FamilyPlan, WhatIsNotKnownIsNotDeleted) {
+    FamilyServer server;
+    server.addDrives(4);
+    LogicalDriveFacts& volume = server.addVolume("239", "0", "", {{0, 1}}, 1000);
+    volume.reportedLevel = "Cac1";
+    const std::string wanted = custom("Array.A = 1,2,3,4\nLogical.1 = A:FILL:5\n");
+    std::string seen = planLines(server.plan(wanted));
+    EXPECT_EQ(seen.find("refused: "), 0U) << seen;
+    EXPECT_NE(seen.find("LD 239 stays: its level is not known: Cac1"), std::string::npos) << seen;
+    server.controller().facts.logicalDrives.front().raidType = "RAID1";
+    server.controller().facts.logicalDrives.front().health = Health::unknown;
+    server.controller().facts.logicalDrives.front().reportedState = "Tmrw";
+    seen = planLines(server.plan(wanted));
+    EXPECT_NE(seen.find("LD 239 stays: its state is not known: Tmrw"), std::string::npos) << seen;
+}
+
 TEST(FamilyPlan, WhichPolicyHolds) {
     FamilyServer server;
     server.addDrives(2);

@@ -122,6 +122,25 @@ TEST(MdPlan, NothingIsLookedAtUnlessItIsAskedFor) {
     EXPECT_EQ(machine.capture().details.size(), 1U);
 }
 
+TEST(MdPlan, OnlyAPolicyThatNamesItHolds) {
+    LinuxMachine machine(4);
+    PlanRequest request;
+    request.policiesFile = "md.ini";
+    for (const char* const applies : {"d:4", "c:1", "ALL"}) {
+        request.policiesText = std::string("[Policy.any]\nAppliesTo.1 = ") + applies + "\n";
+        const ControllerPlanning planning =
+            planMachine(machine.capture(), request).controllers.at(0);
+        EXPECT_EQ(planning.disposition, Disposition::skipped) << applies;
+        EXPECT_EQ(planning.because, "no policy names it: AppliesTo.1 = t:MD") << applies;
+    }
+    request.policiesText = "[Policy.any]\nAppliesTo.1 = d:4,t:MD\n";
+    EXPECT_EQ(planMachine(machine.capture(), request).controllers.at(0).disposition,
+              Disposition::planned);
+    request.classDefaults = true;
+    EXPECT_EQ(planMachine(machine.capture(), request).controllers.at(0).disposition,
+              Disposition::skipped);
+}
+
 TEST(MdPlan, ASpareIsOfTheFirstArrayThatHasNone) {
     LinuxMachine machine(9);
     const MachinePlan plan = machine.plan("Array.A = 1,2\nArray.B = 3,4\nArray.C = 5,6\n"

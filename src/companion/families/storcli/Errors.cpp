@@ -110,9 +110,11 @@ class Judgement {
     void read(std::string_view output) {
         Json document;
         if (output.size() <= largestOutput) {
+            // Wrappers and loaders print lines around it.
             const std::size_t begin = output.find('{');
-            if (begin != std::string_view::npos) {
-                document = Json::parse(output.substr(begin), nullptr, false);
+            const std::size_t last = output.rfind('}');
+            if (begin != std::string_view::npos && last != std::string_view::npos && begin < last) {
+                document = Json::parse(output.substr(begin, last + 1 - begin), nullptr, false);
             }
         }
         const Json* const controllers = find(document, "Controllers");
