@@ -6,7 +6,9 @@ string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 # third-party code built along with it (GoogleTest) keeps its own.
 add_library(zolex_options INTERFACE)
 target_compile_options(zolex_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  -Wall -Wextra -Wpedantic -Wconversion -Werror
+  # A variable of a function hides nothing when its name is one of another source's; see zolex_unity.
+  $<IF:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wno-shadow>,-Wshadow>
   # g++ 12 sees overlapping copies in plain additions of strings.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 # printf formats must mean the same on every system.
@@ -64,6 +66,21 @@ function(zolex_precompile target)
     # g++ 12 then takes its own additions of strings for copies beyond a text.
     target_compile_options(${target} PRIVATE
       $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread>)
+  endif()
+endfunction()
+
+# Most of the time that a test takes to compile goes into headers and templates that its neighbours
+# have too: the sources of a folder are compiled as one, or as some of `size` sources each where one
+# would take too long. A name of an anonymous namespace is therefore taken once in a folder. Builds with
+# sanitizers compile each source alone, so that each shows that it names what it needs; so does
+# ZOLEX_UNITY=OFF, for whoever works on one source.
+function(zolex_unity target)
+  if(ZOLEX_UNITY AND CMAKE_BUILD_TYPE STREQUAL Release AND NOT ZOLEX_SANITIZE)
+    set(size ${ARGN})
+    if(NOT size)
+      set(size 0)
+    endif()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${size})
   endif()
 endfunction()
 

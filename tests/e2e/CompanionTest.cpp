@@ -16,7 +16,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr std::array<const char*, 12> samples{
+constexpr std::array<const char*, 12> sampleServers{
     "single", "enclosures", "two-controllers", "later",       "configured", "arcconf",
     "hrconf", "qtcsend",    "cfggen",          "cfggen-scsi", "hyperwin",   "mixed"};
 
@@ -64,7 +64,7 @@ class CompanionTest : public testing::Test {
 };
 
 TEST_F(CompanionTest, ShowsEverySampleInEveryFormatAndChangesNothing) {
-    for (const char* const sample : samples) {
+    for (const char* const sample : sampleServers) {
         SCOPED_TRACE(sample);
         layOut(sample);
         const std::string state = server.read("state.json");
@@ -92,7 +92,7 @@ TEST_F(CompanionTest, ShowsEverySampleInEveryFormatAndChangesNothing) {
 }
 
 TEST_F(CompanionTest, WhatWasRecordedShowsWhatTheServerShowed) {
-    for (const char* const sample : samples) {
+    for (const char* const sample : sampleServers) {
         SCOPED_TRACE(sample);
         layOut(sample);
         const ProgramRun recorded = zolexctl({"record", "-o", "server.zrec"});

@@ -10,10 +10,6 @@
 namespace zolex::e2e {
 namespace {
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 /// One LSI-MegaRAID-8480 with `drives` drives of 69376 MB, and more fields of the server.
 std::string definition(int drives, const std::string& more = {}) {
     std::string text = R"({"machineType": "8837", "serialNumber": "KQ12345", )" + more +

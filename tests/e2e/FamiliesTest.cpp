@@ -40,10 +40,6 @@ const std::string b7 = pci(2, "0x9005", "0x0286") + R"(, "productName": "Norvik 
 const std::string b8 = pci(2, "0x9005", "0x0286") + R"(, "productName": "Norvik Kestrix B8")";
 const std::string twoDrives = R"({"channel": 0, "device": 0, "count": 2, "sizeMB": 70006})";
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 std::size_t countOf(const std::string& text, const std::string& part) {
     std::size_t count = 0;
     for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {

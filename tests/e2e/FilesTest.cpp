@@ -14,10 +14,6 @@
 namespace zolex::e2e {
 namespace {
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 std::string withCrLf(const std::string& text) {
     std::string result;
     for (const char c : text) {

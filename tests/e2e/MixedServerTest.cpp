@@ -11,10 +11,6 @@
 namespace zolex::e2e {
 namespace {
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 /// The definition of a built-in sample.
 std::string sample(const std::string& name) {
     VirtualServer server;

@@ -13,10 +13,6 @@
 namespace zolex::e2e {
 namespace {
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 /// A server with a configured controller, the policies that its capture gives, and older ones.
 class RealProgramTest : public testing::Test {
   protected:

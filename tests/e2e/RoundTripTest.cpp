@@ -128,7 +128,7 @@ constexpr const char* newest = R"("generation": "newest",)";
 constexpr const char* newestWithExpander = R"("generation": "newest", "expander": true,)";
 constexpr const char* withFailover =
     R"("productName": "Norvik Kestrix B7", "automaticFailover": "Enabled",)";
-constexpr const char* b8 = R"("productName": "Norvik Kestrix B8",)";
+constexpr const char* b8Name = R"("productName": "Norvik Kestrix B8",)";
 
 std::string lsi(const char* device, const char* vendor = "0x0000",
                 const char* subsystem = "0x0000") {
@@ -174,7 +174,7 @@ const std::vector<Family>& families() {
         {"Kestrix-A8", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0285", "subsystemVendorId": "0x9005", "subsystemId": "0x0290")", "", Address::channelDevice, {raid0, raid1, raid5, raid10, volume}, arcconf2Settings},
         {"Kestrix-B1", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0285", "subsystemVendorId": "0x1F3D", "subsystemId": "0x02F2")", "", Address::channelDevice, {raid0, raid1, raid1E, raid5, raid5EE, raid6, raid10, raid50, raid60, volume}, arcconfSettings},
         {"Kestrix-B2", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0285", "subsystemVendorId": "0x1F3D", "subsystemId": "0x034D")", R"("generation": "later",)", Address::channelDevice, {raid0, raid1, raid1E, raid5, raid5EE, raid6, raid10, raid50, raid60, volume}, arcconfSettings},
-        {"Kestrix-B8", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0286")", b8, Address::channelDevice, {raid0, raid1, raid10, volume}, arcconfSettings},
+        {"Kestrix-B8", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0286")", b8Name, Address::channelDevice, {raid0, raid1, raid10, volume}, arcconfSettings},
         {"Kestrix-B7", "ARCCONF", R"("vendorId": "0x9005", "deviceId": "0x0286")", withFailover, Address::channelDevice, {raid0, raid1, raid1E, raid5, raid6, raid10, volume}, arcconfSettings},
         {"Kestrix-A9", "HRCONF", R"("vendorId": "0x8086", "deviceId": "0x25B0")", "", Address::channelDevice, {raid0FromTwo, raid1}, hrconfSettings},
         {"Kestrix-A10", "HRCONF", R"("vendorId": "0x9005", "deviceId": "0x808F")", "", Address::channelDevice, {raid0, raid1, raid10}, hrconf4Settings},

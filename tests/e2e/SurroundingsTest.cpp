@@ -19,12 +19,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* temporary = "ZOLEXM~~.TMP";
+constexpr const char* temporaryFile = "ZOLEXM~~.TMP";
 constexpr const char* mine = "; of the operator\n[Policy.mine]\nAppliesTo.1 = m:0000\n";
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 /// A server whose controller is configured, and what a capture of it appends.
 class SurroundingsTest : public testing::Test {
@@ -54,7 +50,7 @@ TEST_F(SurroundingsTest, AClosedStreamIsTheNullDevice) {
         const ProgramRun run = server.zolexWithout(closed, {"/c", "/f:p.ini", "/v:5"});
         EXPECT_EQ(0, run.exitCode);
         EXPECT_EQ(withoutComments(mine) + wanted, captured("p.ini"));
-        EXPECT_FALSE(server.exists(temporary));
+        EXPECT_FALSE(server.exists(temporaryFile));
     }
 }
 
@@ -72,20 +68,20 @@ TEST_F(SurroundingsTest, TheTemporaryFileIsAlwaysANewOne) {
         SCOPED_TRACE(isHardLink);
         std::error_code error;
         if (isHardLink) {
-            fs::create_hard_link(server.folder() / "victim.txt", server.folder() / temporary,
+            fs::create_hard_link(server.folder() / "victim.txt", server.folder() / temporaryFile,
                                  error);
         } else {
-            fs::create_symlink("victim.txt", server.folder() / temporary, error);
+            fs::create_symlink("victim.txt", server.folder() / temporaryFile, error);
         }
         if (error) {
-            server.write(temporary, "what stood there\n"); // a system without such links
+            server.write(temporaryFile, "what stood there\n"); // a system without such links
         }
         fs::remove(server.folder() / "p.ini");
         const ProgramRun run = server.zolex({"/c", "/f:p.ini"});
         EXPECT_EQ(0, run.exitCode) << run.output;
         EXPECT_EQ(wanted, captured("p.ini"));
         EXPECT_EQ("of somebody else\n", server.read("victim.txt"));
-        EXPECT_FALSE(server.exists(temporary));
+        EXPECT_FALSE(server.exists(temporaryFile));
     }
 }
 
@@ -93,32 +89,32 @@ TEST_F(SurroundingsTest, TheTemporaryFileIsAlwaysANewOne) {
 TEST_F(SurroundingsTest, ThePoliciesFileIsNoTemporaryFile) {
     const std::string noSpace =
         "Could not write to temp space.  ZOLEX requires temp space to run.\n";
-    server.write(temporary, mine);
-    const ProgramRun there = server.zolex({"/c", std::string("/f:") + temporary});
+    server.write(temporaryFile, mine);
+    const ProgramRun there = server.zolex({"/c", std::string("/f:") + temporaryFile});
     EXPECT_EQ(9, there.exitCode) << there.output;
     EXPECT_TRUE(contains(there.output, noSpace)) << there.output;
-    EXPECT_EQ(mine, server.read(temporary));
-    fs::remove(server.folder() / temporary);
-    const ProgramRun missing = server.zolex({"/c", std::string("/f:./") + temporary});
+    EXPECT_EQ(mine, server.read(temporaryFile));
+    fs::remove(server.folder() / temporaryFile);
+    const ProgramRun missing = server.zolex({"/c", std::string("/f:./") + temporaryFile});
     EXPECT_EQ(9, missing.exitCode) << missing.output;
     EXPECT_TRUE(contains(missing.output, noSpace)) << missing.output;
-    EXPECT_FALSE(server.exists(temporary));
+    EXPECT_FALSE(server.exists(temporaryFile));
 }
 
 #ifndef _WIN32
 // Symptom: the same through a link.
 TEST_F(SurroundingsTest, ThePoliciesFileIsNoTemporaryFileByALinkOfPosix) {
-    fs::create_symlink(temporary, server.folder() / "p.ini");
+    fs::create_symlink(temporaryFile, server.folder() / "p.ini");
     EXPECT_EQ(9, server.zolex({"/c", "/f:p.ini"}).exitCode);
-    EXPECT_FALSE(server.exists(temporary));
-    server.write(temporary, mine);
+    EXPECT_FALSE(server.exists(temporaryFile));
+    server.write(temporaryFile, mine);
     EXPECT_EQ(9, server.zolex({"/c", "/f:p.ini"}).exitCode);
-    EXPECT_EQ(mine, server.read(temporary));
+    EXPECT_EQ(mine, server.read(temporaryFile));
 }
 #endif
 
 TEST_F(SurroundingsTest, AFolderInThePlaceOfTheTemporaryFileIsReported) {
-    fs::create_directory(server.folder() / temporary);
+    fs::create_directory(server.folder() / temporaryFile);
     const ProgramRun run = server.zolex({"/c", "/f:p.ini"});
     EXPECT_EQ(9, run.exitCode) << run.output;
     EXPECT_TRUE(contains(run.output, "Could not write to temp space.")) << run.output;
@@ -162,7 +158,7 @@ TEST_F(SurroundingsTest, CapturesAtOnceIntoFilesOfTheirOwnAllArriveWhole) {
     for (const char* name : {"a.ini", "b.ini", "c.ini", "d.ini"}) {
         EXPECT_EQ(wanted, captured(name)) << name;
     }
-    EXPECT_FALSE(server.exists(temporary));
+    EXPECT_FALSE(server.exists(temporaryFile));
 }
 
 // Symptom: captures at once into one file gave their policies the same names, and some ended with
@@ -186,7 +182,7 @@ TEST_F(SurroundingsTest, CapturesAtOnceIntoOneFileWaitForEachOther) {
     std::sort(names.begin(), names.end());
     EXPECT_TRUE(std::adjacent_find(names.begin(), names.end()) == names.end())
         << testing::PrintToString(names);
-    EXPECT_FALSE(server.exists(temporary));
+    EXPECT_FALSE(server.exists(temporaryFile));
     EXPECT_EQ(0, server.zolex({"/f:p.ini", "/fake"}).exitCode); // the file is a valid one
 }
 
@@ -203,7 +199,7 @@ TEST_F(SurroundingsTest, APoliciesFileThatStaysLockedCannotBeOpened) {
     EXPECT_GE(taken, std::chrono::seconds(9));
     EXPECT_LT(taken, std::chrono::seconds(60));
     EXPECT_EQ(mine, server.read("p.ini"));
-    EXPECT_FALSE(server.exists(temporary));
+    EXPECT_FALSE(server.exists(temporaryFile));
     // A deployment only reads it.
     EXPECT_EQ(0, server.zolex({"/f:p.ini", "/fake"}).exitCode);
 }

@@ -72,4 +72,9 @@ std::string withoutComments(const std::string& policies);
 /// Each line of `text` that begins with `start`, without it.
 std::vector<std::string> linesAfter(const std::string& text, const std::string& start);
 
+/// Whether `part` stands in `text`.
+inline bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
 } // namespace zolex::e2e

@@ -16,7 +16,7 @@ Policy automaticPolicy(std::int32_t variancePercent = 0) {
     return policy;
 }
 
-LogicalSpecification specification(std::int32_t raidLevel, std::int32_t arrayIndex = -1) {
+LogicalSpecification ofLevel(std::int32_t raidLevel, std::int32_t arrayIndex = -1) {
     LogicalSpecification given;
     given.raidLevel = raidLevel;
     given.arrayIndex = arrayIndex;
@@ -147,7 +147,7 @@ TEST(MaximumDrivesPerArray, ByTypeWhenNoLevelIsGiven) {
         EXPECT_EQ(firstDriveCount(row.type, row.subtype, automaticPolicy()), row.most) << row.type;
         // A level that is left to the class is not given.
         Policy policy = automaticPolicy();
-        policy.logicalDefaults = specification(raid_level::notGiven);
+        policy.logicalDefaults = ofLevel(raid_level::notGiven);
         EXPECT_EQ(firstDriveCount(row.type, row.subtype, policy), row.most) << row.type;
     }
 }
@@ -164,7 +164,7 @@ TEST(MaximumDrivesPerArray, ByLevelWhenItIsGiven) {
                                 {13, "2", "2"},  {14, "2", "2"}};
     for (const Row& row : rows) {
         Policy policy = automaticPolicy();
-        policy.logicalDefaults = specification(row.level);
+        policy.logicalDefaults = ofLevel(row.level);
         for (const std::int32_t type : {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12}) {
             EXPECT_EQ(firstDriveCount(type, -1, policy), row.others) << type << ' ' << row.level;
         }
@@ -192,9 +192,9 @@ TEST(MaximumDrivesPerArray, AnAllArrayLooksAtItsOwnLogicalDrive) {
         const auto controller = makeController(10, 2, equalDrives(14, 100));
         Policy policy = withoutHotspares(policyWithArrays({arrayOfNumbers({1, 2}), arrayOfAll()}));
         policy.customLogicalDrives = true;
-        policy.logicalDrives = {specification(row.custom, 1)};
+        policy.logicalDrives = {ofLevel(row.custom, 1)};
         if (row.defaults >= 0) {
-            policy.logicalDefaults = specification(row.defaults);
+            policy.logicalDefaults = ofLevel(row.defaults);
         }
         EXPECT_TRUE(plan(bench, *controller, policy));
         EXPECT_EQ(describe(*controller), row.plan);
@@ -206,9 +206,8 @@ TEST(MaximumDrivesPerArray, TheFirstLogicalDriveOfTheArrayDecides) {
     const auto controller = makeController(12, 2, equalDrives(20, 1000));
     Policy policy = withoutHotspares(policyWithArrays({arrayOfNumbers({1}), arrayOfAll()}));
     policy.customLogicalDrives = true;
-    policy.logicalDrives = {specification(raid_level::raid0, 0),
-                            specification(raid_level::raid1, 1),
-                            specification(raid_level::raid0, 1)};
+    policy.logicalDrives = {ofLevel(raid_level::raid0, 0), ofLevel(raid_level::raid1, 1),
+                            ofLevel(raid_level::raid0, 1)};
     ASSERT_TRUE(plan(bench, *controller, policy));
     EXPECT_EQ(describe(*controller),
               "A 1:0 =1000; A 1:1 1:2 =2000; L A 0 FILL 2; L B 1 FILL 2; L B 0 FILL 2; ");
@@ -219,7 +218,7 @@ TEST(MaximumDrivesPerArray, LogicalDrivesOfAnAutomaticModeDoNotCount) {
     Bench bench;
     const auto controller = makeController(12, 2, equalDrives(5, 100));
     Policy policy = withoutHotspares(policyWithArrays({arrayOfAll()}));
-    policy.logicalDrives = {specification(raid_level::raid1, 0)};
+    policy.logicalDrives = {ofLevel(raid_level::raid1, 0)};
     ASSERT_TRUE(plan(bench, *controller, policy));
     EXPECT_EQ(describe(*controller), "A 1:0 1:1 1:2 1:3 1:4 =500; L A 5 FILL 1; ");
 }

@@ -5,7 +5,7 @@
 namespace zolex::test {
 namespace {
 
-constexpr const char* shortageLine = "Not enough available drives to allocate hot spares\n";
+constexpr const char* noSpareLine = "Not enough available drives to allocate hot spares\n";
 
 Policy policyWithHotspareCount(std::int32_t count) {
     Policy policy = makePolicy();
@@ -115,7 +115,7 @@ TEST(AutoHotspares, TooFewDrivesFailThePlan) {
     EXPECT_EQ(bench.takeOutput(), std::string("\n#### ERROR\n\tPolicy.test, Hotspares -- Not "
                                               "enough drives available to create 3 hot-spare "
                                               "drives.\n\tKestrix-C1 controller.\n\n") +
-                                      shortageLine);
+                                      noSpareLine);
     EXPECT_EQ(bench.application.returnCode, 12);
     EXPECT_EQ(describe(*controller), "no plan");
     EXPECT_EQ(describeUsed(*controller), "1:0 1:1 ") << "hot spares made so far stay used";
@@ -204,7 +204,7 @@ TEST(CustomHotspares, AMissingDriveIsNamed) {
         EXPECT_EQ(bench.takeOutput(),
                   std::string("\n#### ERROR\n\tPolicy.test, Hotspares -- The following drive does "
                               "not exist:  ") +
-                      row.drive + "\n\tKestrix-C1 controller.\n\n" + shortageLine);
+                      row.drive + "\n\tKestrix-C1 controller.\n\n" + noSpareLine);
         EXPECT_EQ(bench.application.returnCode, 12);
         EXPECT_EQ(describe(*controller), "no plan");
     }

@@ -5,7 +5,7 @@
 namespace zolex::test {
 namespace {
 
-constexpr const char* shortageLine =
+constexpr const char* noDriveLine =
     "Not enough same size drives to accommodate requested configuration\n";
 
 LogicalSpecification specification(std::int32_t arrayIndex, std::int32_t size,
@@ -101,7 +101,7 @@ TEST(IsRAIDLevelOK, ARefusalIsReported) {
               std::string("\n#### ERROR\n\tCould not use Policy.test to configure Kestrix-C1 "
                           "controller.\nThe number of drives in the Array.A cannot accommodate "
                           "the RAID level specified.\n\n") +
-                  shortageLine);
+                  noDriveLine);
     EXPECT_EQ(bench.application.returnCode, 13);
     EXPECT_EQ(describe(*controller), "no plan");
     EXPECT_EQ(describeUsed(*controller), "1:0 1:1 1:2 1:3 1:4 1:5 1:6 ");
@@ -390,7 +390,7 @@ TEST(CustomLogicalDrives, ADriveCountThatDoesNotFit) {
               std::string("\n#### ERROR\n\tCould not use Policy.test to configure Kestrix-C1 "
                           "controller.\nThe number of drives in the Array.A cannot accommodate "
                           "the RAID level specified.\n\n") +
-                  shortageLine);
+                  noDriveLine);
     EXPECT_EQ(bench.application.returnCode, 13);
 }
 

@@ -27,14 +27,6 @@ Policy policyForNumber(std::int32_t number, Policy policy) {
     return policy;
 }
 
-PolicyList listOf(std::vector<Policy> policies) {
-    PolicyList list;
-    for (Policy& policy : policies) {
-        list.add(std::move(policy));
-    }
-    return list;
-}
-
 /// Ten spares are more than a plan holds.
 Policy policyWithTooManySpares() {
     Policy policy = makePolicy("Policy.spares");

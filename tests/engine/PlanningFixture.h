@@ -179,4 +179,12 @@ inline std::string describeUsed(const RAIDController& controller) {
     return text;
 }
 
+inline PolicyList listOf(std::vector<Policy> policies) {
+    PolicyList list;
+    for (Policy& policy : policies) {
+        list.add(std::move(policy));
+    }
+    return list;
+}
+
 } // namespace zolex::test

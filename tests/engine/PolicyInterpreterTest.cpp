@@ -28,14 +28,6 @@ AppliesTo ofType(const char* model) {
     return entry;
 }
 
-PolicyList listOf(std::vector<Policy> policies) {
-    PolicyList list;
-    for (Policy& policy : policies) {
-        list.add(std::move(policy));
-    }
-    return list;
-}
-
 /// A machine whose detector gave a type and a serial number.
 struct Machine : Bench {
     Machine() {

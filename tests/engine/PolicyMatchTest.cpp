@@ -26,7 +26,7 @@ AppliesTo entryWith(Change change) {
     return entry;
 }
 
-std::string describe(const Reason& reason) {
+std::string reasonText(const Reason& reason) {
     const char* const kind = reason.kind == Reason::Kind::entryMatches   ? "matches"
                              : reason.kind == Reason::Kind::entryDiffers ? "differs"
                                                                          : "gives nothing";
@@ -79,7 +79,7 @@ TEST(ExplainMatch, TheFirstSpecifierThatDoesNotHold) {
          "matches"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(describe(explainMatch(row.entry, valuesOf())), row.reason) << row.title;
+        EXPECT_EQ(reasonText(explainMatch(row.entry, valuesOf())), row.reason) << row.title;
     }
 }
 
@@ -136,7 +136,7 @@ TEST(FindPolicy, EachEntryUpToTheMatchHasItsReason) {
     std::string text;
     for (const Reason& reason : reasons) {
         text += std::to_string(reason.policy) + " " + reason.keyword.c_str() + " " +
-                describe(reason) + "\n";
+                reasonText(reason) + "\n";
     }
     EXPECT_EQ(text, "0 AppliesTo.1 differs d:5, 6\n"
                     "0 AppliesTo.2 gives nothing\n"

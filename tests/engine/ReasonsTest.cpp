@@ -33,7 +33,7 @@ std::string drivesOf(const ControllerPlan& plan) {
 }
 
 /// The reasons for one kind of value: index, why, entry, what is asked and what is planned.
-std::string valuesOf(const ControllerPlan& plan, Reason::Subject subject) {
+std::string reasonValues(const ControllerPlan& plan, Reason::Subject subject) {
     std::string text;
     for (const Reason& reason : plan.reasons) {
         if (reason.subject == subject) {
@@ -99,31 +99,32 @@ TEST(ValueReasons, OfTheNumberOfHotSpares) {
         policy.customArrays = true; // as captured policies have it
         policy.arrays = {arrayOfNumbers({1, 2})};
         policy.arrayDefaults.hotspareCount = row.count;
-        EXPECT_EQ(valuesOf(planOf(policy, equalDrives(5, 1000)), Reason::Subject::hotspareCount),
-                  row.reason)
+        EXPECT_EQ(
+            reasonValues(planOf(policy, equalDrives(5, 1000)), Reason::Subject::hotspareCount),
+            row.reason)
             << row.name << ' ' << row.count;
     }
     Policy policy = makePolicy();
     policy.hotspares = arrayOfNumbers({2, 3});
-    EXPECT_EQ(valuesOf(planOf(policy, equalDrives(5, 1000)), Reason::Subject::hotspareCount),
+    EXPECT_EQ(reasonValues(planOf(policy, equalDrives(5, 1000)), Reason::Subject::hotspareCount),
               "-1 given Hotspares/2/2\n");
 }
 
 TEST(ValueReasons, OfAutomaticLogicalDrives) {
     Policy policy = makePolicy();
     const ControllerPlan byClass = planOf(policy, equalDrives(3, 1000));
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::raidLevel), "0 class default /0/3\n");
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::size), "0 class default /FILL/-101\n");
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::writeCache), "0 class default /0/1\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::raidLevel), "0 class default /0/3\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::size), "0 class default /FILL/-101\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::writeCache), "0 class default /0/1\n");
 
     policy.logicalDefaults =
         LogicalSpecification{-1, driveSize(-50), raid_level::raid0, write_cache::off};
     const ControllerPlan byPolicy = planOf(policy, equalDrives(3, 1000));
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::raidLevel),
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::raidLevel),
               "0 policy default Logical_Defaults/0/0\n");
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::size),
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::size),
               "0 policy default Logical_Defaults/50%/1500\n");
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::writeCache),
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::writeCache),
               "0 policy default Logical_Defaults/0/0\n");
 }
 
@@ -134,34 +135,35 @@ TEST(ValueReasons, OfLogicalDrivesOnTheList) {
     policy.logicalDrives = {{0, driveSize(500), raid_level::raid0, write_cache::on},
                             {0, driveSize(2400), raid_level::raid0, write_cache::notGiven}};
     const ControllerPlan plan = planOf(policy, equalDrives(3, 1000));
-    EXPECT_EQ(valuesOf(plan, Reason::Subject::raidLevel),
+    EXPECT_EQ(reasonValues(plan, Reason::Subject::raidLevel),
               "0 given Logical.1/0/0\n1 given Logical.2/0/0\n");
-    EXPECT_EQ(valuesOf(plan, Reason::Subject::size),
+    EXPECT_EQ(reasonValues(plan, Reason::Subject::size),
               "0 given Logical.1/500/500\n1 given Logical.2/2400/-101\n");
-    EXPECT_EQ(valuesOf(plan, Reason::Subject::writeCache), "0 given Logical.1/1/1\n1 left /0/2\n");
+    EXPECT_EQ(reasonValues(plan, Reason::Subject::writeCache),
+              "0 given Logical.1/1/1\n1 left /0/2\n");
 
     policy.logicalDrives = {{0, {}, raid_level::notGiven, write_cache::notGiven}};
-    EXPECT_EQ(valuesOf(planOf(policy, equalDrives(3, 1000)), Reason::Subject::raidLevel),
+    EXPECT_EQ(reasonValues(planOf(policy, equalDrives(3, 1000)), Reason::Subject::raidLevel),
               "0 class default /0/3\n");
 }
 
 TEST(ValueReasons, OfTheSettings) {
     Policy policy = makePolicy();
     const ControllerPlan byClass = planOf(policy, equalDrives(3, 1000), 7);
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::stripeSize), "-1 class default /0/5\n");
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::readAhead), "-1 class default /0/1\n");
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::rebuildRate), "-1 class default /0/0\n");
-    EXPECT_EQ(valuesOf(byClass, Reason::Subject::init), "-1 class default /0/0\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::stripeSize), "-1 class default /0/5\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::readAhead), "-1 class default /0/1\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::rebuildRate), "-1 class default /0/0\n");
+    EXPECT_EQ(reasonValues(byClass, Reason::Subject::init), "-1 class default /0/0\n");
 
     policy.stripeSize = stripe::kb64;
     policy.readAhead = read_ahead::off;
     policy.rebuildRate = rebuild_rate::medium;
     policy.init = init_choice::build;
     const ControllerPlan byPolicy = planOf(policy, equalDrives(3, 1000), 7);
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::stripeSize), "-1 given StripeSize/3/3\n");
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::readAhead), "-1 given ReadAhead/2/2\n");
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::rebuildRate), "-1 given RebuildRate/1/1\n");
-    EXPECT_EQ(valuesOf(byPolicy, Reason::Subject::init), "-1 given Init/1/1\n");
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::stripeSize), "-1 given StripeSize/3/3\n");
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::readAhead), "-1 given ReadAhead/2/2\n");
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::rebuildRate), "-1 given RebuildRate/1/1\n");
+    EXPECT_EQ(reasonValues(byPolicy, Reason::Subject::init), "-1 given Init/1/1\n");
 }
 
 } // namespace

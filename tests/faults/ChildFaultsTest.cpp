@@ -14,11 +14,11 @@
 namespace zolex::test {
 namespace {
 
-struct Row {
+struct ChildOperation {
     Operation operation;
     const char* name;
 };
-constexpr std::array<Row, 5> childOperations{{
+constexpr std::array<ChildOperation, 5> childOperations{{
     {Operation::pipe, "pipe"},
     {Operation::start, "start"},
     {Operation::limit, "limit"},
@@ -139,7 +139,7 @@ bool isSecondTry(const Outcome& got) {
 /// `faults` has the number of failures of each way.
 void expectManyFaults(std::map<std::string, int> faults) {
     int all = 0;
-    for (const Row& row : childOperations) {
+    for (const ChildOperation& row : childOperations) {
         EXPECT_GT(faults[row.name], 80) << row.name;
         all += faults[row.name];
     }
@@ -151,7 +151,7 @@ TEST(ChildFaults, EachIsToldAndHarmsNothing) {
     for (const Scenario& scenario : scenarios()) {
         const Outcome whole = FaultRun(scenario, {}).run();
         ASSERT_EQ(0, whole.exitCode) << scenario.name;
-        for (const Row& row : childOperations) {
+        for (const ChildOperation& row : childOperations) {
             for (int n = 1;; ++n) {
                 SCOPED_TRACE(std::string(scenario.name) + ", " + row.name + " " +
                              std::to_string(n));
@@ -195,7 +195,7 @@ TEST(ChildFaults, EveryChildFailsFromThenOn) {
     std::map<std::string, int> faults;
     for (const Scenario& scenario : scenarios()) {
         const Outcome whole = FaultRun(scenario, {}).run();
-        for (const Row& row : childOperations) {
+        for (const ChildOperation& row : childOperations) {
             for (int n = 1;; ++n) {
                 SCOPED_TRACE(std::string(scenario.name) + ", " + row.name + " " +
                              std::to_string(n));

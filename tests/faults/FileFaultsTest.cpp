@@ -13,11 +13,11 @@
 namespace zolex::test {
 namespace {
 
-struct Row {
+struct FileOperation {
     Operation operation;
     const char* name;
 };
-constexpr std::array<Row, 11> fileOperations{{
+constexpr std::array<FileOperation, 11> fileOperations{{
     {Operation::open, "open"},
     {Operation::create, "create"},
     {Operation::lock, "lock"},
@@ -91,7 +91,7 @@ TEST_P(FileFaults, EachIsToldAndHarmsNothing) {
     for (const Scenario& scenario : scenarios()) {
         const Outcome whole = FaultRun(scenario, {}).run();
         ASSERT_EQ(0, whole.exitCode) << scenario.name << whole.output;
-        for (const Row& row : fileOperations) {
+        for (const FileOperation& row : fileOperations) {
             for (int n = 1;; ++n) {
                 SCOPED_TRACE(std::string(scenario.name) + ", " + row.name + " " +
                              std::to_string(n));
@@ -120,7 +120,7 @@ TEST_P(FileFaults, EachIsToldAndHarmsNothing) {
             }
         }
     }
-    for (const Row& row : fileOperations) {
+    for (const FileOperation& row : fileOperations) {
         EXPECT_GT(faults[row.name], 0) << row.name;
         RecordProperty(std::string("faults_") + row.name, faults[row.name]);
     }

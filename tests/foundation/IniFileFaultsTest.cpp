@@ -1,6 +1,7 @@
 #include "foundation/IniFile.h"
 
 #include "foundation/AllocationFaults.h"
+#include "foundation/IniSupport.h"
 #include "foundation/StandardError.h"
 #include "support/FakePlatform.h"
 
@@ -19,86 +20,79 @@ namespace {
 
 using namespace std::literals;
 
-constexpr const char* name = "contlist.ini";
-constexpr const char* absent = "<absent>";
-
-std::vector<std::string> linesOf(const IniFile& ini) {
-    std::vector<std::string> lines;
-    for (const CString& line : ini.lines()) {
-        lines.emplace_back(line.view());
-    }
-    return lines;
-}
+using test::absentValue;
+using test::iniName;
+using test::linesOf;
 
 using Lines = std::vector<std::string>;
 
 TEST(IniFile, NothingIsWrittenUnlessModified) {
     test::FakeFileSystem files;
-    files.files[name] = " a = 1 \n";
+    files.files[iniName] = " a = 1 \n";
     {
-        IniFile ini(files, name, true);
+        IniFile ini(files, iniName, true);
         ini.addLine("b=2");
         EXPECT_FALSE(ini.isModified());
     }
-    EXPECT_EQ(files.files[name], " a = 1 \n");
+    EXPECT_EQ(files.files[iniName], " a = 1 \n");
     EXPECT_EQ(files.opened, Lines{"r contlist.ini"});
     {
-        IniFile ini(files, name, true);
+        IniFile ini(files, iniName, true);
         ini.setModified(true);
         ini.setModified(false);
     }
-    EXPECT_EQ(files.files[name], " a = 1 \n");
+    EXPECT_EQ(files.files[iniName], " a = 1 \n");
 }
 
 TEST(IniFile, AModifiedFileIsWrittenBackWithItsLinesTrimmed) {
     test::FakeFileSystem files;
-    files.files[name] = "; head\r\n\r\n [A] \r\n  x = 1  \r\n";
+    files.files[iniName] = "; head\r\n\r\n [A] \r\n  x = 1  \r\n";
     {
-        IniFile ini(files, name, true);
+        IniFile ini(files, iniName, true);
         ini.addLine(" y=2 ");
         ini.setModified(true);
         EXPECT_TRUE(ini.isModified());
     }
-    EXPECT_EQ(files.files[name], "; head\n\n[A]\nx = 1\ny=2\n");
+    EXPECT_EQ(files.files[iniName], "; head\n\n[A]\nx = 1\ny=2\n");
     EXPECT_EQ(files.opened, (Lines{"r contlist.ini", "w+ contlist.ini"}));
 }
 
 TEST(IniFile, WritingBackMakesAFileThatWasAbsent) {
     test::FakeFileSystem files;
     {
-        IniFile ini(files, name, true);
+        IniFile ini(files, iniName, true);
         ini.addLine("[A]");
         ini.setModified(true);
     }
-    EXPECT_EQ(files.files[name], "[A]\n");
+    EXPECT_EQ(files.files[iniName], "[A]\n");
 }
 
 TEST(IniFile, ADeviceThatFailsEndsTheWritingBackAndNothingElse) {
     const std::string whole = "[A]\nx=1\ny=2\n";
     for (long long space = 0; space <= static_cast<long long>(whole.size()); ++space) {
         test::FakeFileSystem files;
-        files.files[name] = whole;
+        files.files[iniName] = whole;
         {
-            IniFile ini(files, name, true);
+            IniFile ini(files, iniName, true);
             ini.setModified(true);
             files.spaceLeft = space;
         }
         // What fitted stands there; no line follows one that was cut.
-        EXPECT_EQ(files.files[name], whole.substr(0, static_cast<std::size_t>(space)));
+        EXPECT_EQ(files.files[iniName], whole.substr(0, static_cast<std::size_t>(space)));
     }
     {
         test::FakeFileSystem files;
-        files.files[name] = whole;
+        files.files[iniName] = whole;
         files.failClose = true;
-        IniFile(files, name, true).setModified(true);
-        EXPECT_EQ(files.files[name], whole);
+        IniFile(files, iniName, true).setModified(true);
+        EXPECT_EQ(files.files[iniName], whole);
     }
     {
         test::FakeFileSystem files;
-        files.files[name] = whole;
+        files.files[iniName] = whole;
         files.refused = {"w+ contlist.ini"};
-        IniFile(files, name, true).setModified(true);
-        EXPECT_EQ(files.files[name], whole);
+        IniFile(files, iniName, true).setModified(true);
+        EXPECT_EQ(files.files[iniName], whole);
     }
 }
 
@@ -143,7 +137,7 @@ TEST(IniFile, TheFirstWriteThatFailsIsTheLast) {
     std::string before;
     for (std::size_t n = 1; n <= pieces.size() + 1; ++n) {
         FaultyFileSystem files(static_cast<int>(n));
-        IniFile ini(files, name, true);
+        IniFile ini(files, iniName, true);
         for (const char* line : {"[A]", "x=1", "y=2"}) {
             ASSERT_TRUE(ini.addLine(line));
         }
@@ -159,8 +153,8 @@ TEST(IniFile, TheFirstWriteThatFailsIsTheLast) {
 
 TEST(IniFile, WritingBackClearsTheModifiedFlagOnlyWhenItSucceeds) {
     test::FakeFileSystem files;
-    files.files[name] = " x = 1 \n";
-    IniFile ini(files, name, true);
+    files.files[iniName] = " x = 1 \n";
+    IniFile ini(files, iniName, true);
     ini.setModified(true);
     files.refused = {"w+ contlist.ini"};
     EXPECT_FALSE(ini.writeBack());
@@ -172,7 +166,7 @@ TEST(IniFile, WritingBackClearsTheModifiedFlagOnlyWhenItSucceeds) {
     files.failClose = false;
     EXPECT_TRUE(ini.writeBack());
     EXPECT_FALSE(ini.isModified());
-    EXPECT_EQ(files.files[name], "x = 1\n");
+    EXPECT_EQ(files.files[iniName], "x = 1\n");
 }
 
 // Memory
@@ -182,15 +176,16 @@ constexpr int saysFalse = 7;
 /// Adds `line` while the n-th request for memory fails; ends the process with what it answered.
 [[noreturn]] void addLineShortOfMemory(const CString& line, std::size_t n) {
     test::FakeFileSystem files;
-    files.files[name] = "[A]\nx=1\n";
-    IniFile ini(files, name, true);
+    files.files[iniName] = "[A]\nx=1\n";
+    IniFile ini(files, iniName, true);
     test::failAllocation(test::Allocation::throwing, n);
     const bool added = ini.addLine(line);
     test::failAllocation(test::Allocation::throwing, 0);
     // The line is held and found, or neither; what was there stays.
     const bool held = linesOf(ini).size() == 3;
-    const bool found = ini.readString("A", "a key longer than any short buffer", absent) == "2";
-    const bool kept = ini.readString("A", "x", absent) == "1";
+    const bool found =
+        ini.readString("A", "a key longer than any short buffer", absentValue) == "2";
+    const bool kept = ini.readString("A", "x", absentValue) == "1";
     if (held != added || found != added || !kept) {
         std::exit(9);
     }
@@ -200,8 +195,8 @@ constexpr int saysFalse = 7;
 TEST(IniFileDeathTest, ALineWithoutMemoryIsReportedAndTheProgramGoesOn) {
     const CString line("a key longer than any short buffer=2");
     test::FakeFileSystem files;
-    files.files[name] = "[A]\nx=1\n";
-    IniFile ini(files, name, true);
+    files.files[iniName] = "[A]\nx=1\n";
+    IniFile ini(files, iniName, true);
     test::failAllocation(test::Allocation::throwing, 0);
     ASSERT_TRUE(ini.addLine(line));
     const std::size_t requests = test::allocationsAsked(test::Allocation::throwing);
@@ -255,7 +250,7 @@ class ShortFileSystem : public FileSystem {
 /// Ends the process with the number of lines that were loaded, checked to be the first ones.
 [[noreturn]] void loadShortOfMemory(std::size_t n) {
     ShortFileSystem files(n);
-    const IniFile ini(files, name, true);
+    const IniFile ini(files, iniName, true);
     test::failAllocation(test::Allocation::throwing, 0);
     const Lines all = {"[A]", "x=1", "y=2", "z=3"};
     const Lines loaded = linesOf(ini);

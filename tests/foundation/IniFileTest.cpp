@@ -1,5 +1,6 @@
 #include "foundation/IniFile.h"
 
+#include "foundation/IniSupport.h"
 #include "foundation/Text.h"
 #include "support/FakePlatform.h"
 
@@ -19,18 +20,19 @@ namespace {
 
 using namespace std::literals;
 
-constexpr const char* name = "contlist.ini";
-constexpr const char* absent = "<absent>";
+using test::absentValue;
+using test::iniName;
+using test::linesOf;
 
 /// One file in memory, loaded.
 class Loaded {
   public:
     explicit Loaded(const std::string& content) {
-        files.files[name] = content;
-        ini = std::make_unique<IniFile>(files, name, true);
+        files.files[iniName] = content;
+        ini = std::make_unique<IniFile>(files, iniName, true);
     }
     std::string read(const char* section, const char* key) {
-        return std::string(ini->readString(section, key, absent).view());
+        return std::string(ini->readString(section, key, absentValue).view());
     }
     std::int32_t number(const char* section, const char* key, std::int32_t defaultValue) {
         return ini->readInteger(section, key, defaultValue);
@@ -39,14 +41,6 @@ class Loaded {
     test::FakeFileSystem files;
     std::unique_ptr<IniFile> ini;
 };
-
-std::vector<std::string> linesOf(const IniFile& ini) {
-    std::vector<std::string> lines;
-    for (const CString& line : ini.lines()) {
-        lines.emplace_back(line.view());
-    }
-    return lines;
-}
 
 using Lines = std::vector<std::string>;
 
@@ -57,7 +51,7 @@ TEST(IniFile, LoadsEveryLineTrimmedAndKeepsBlankOnes) {
     EXPECT_EQ(file.files.opened, Lines{"r contlist.ini"});
     EXPECT_TRUE(file.ini->isOpen());
     EXPECT_FALSE(file.ini->isModified());
-    EXPECT_TRUE(file.ini->name() == name);
+    EXPECT_TRUE(file.ini->name() == iniName);
     EXPECT_TRUE(file.ini->lastValue().isEmpty());
 }
 
@@ -86,19 +80,19 @@ TEST(IniFile, SectionsAndKeysIgnoreLetterCase) {
             EXPECT_EQ(Loaded("[controller.1]\nTYPE = 3\n").read(section, key), "3");
         }
     }
-    EXPECT_EQ(Loaded("[Controller.10]\nType=3\n").read("Controller.1", "Type"), absent);
-    EXPECT_EQ(Loaded("[Controller.1]\nType1=3\n").read("Controller.1", "Type"), absent);
+    EXPECT_EQ(Loaded("[Controller.10]\nType=3\n").read("Controller.1", "Type"), absentValue);
+    EXPECT_EQ(Loaded("[Controller.1]\nType1=3\n").read("Controller.1", "Type"), absentValue);
 }
 
 TEST(IniFile, AKeyBeforeAnySectionIsFoundOnlyWithoutASectionName) {
     Loaded file("Early=1\n[A]\nEarly=2\nLate=3\n");
     EXPECT_EQ(file.read("", "Early"), "1");
     EXPECT_EQ(file.read("A", "Early"), "2");
-    EXPECT_EQ(file.read("", "Late"), absent);
-    EXPECT_EQ(file.read("B", "Early"), absent);
+    EXPECT_EQ(file.read("", "Late"), absentValue);
+    EXPECT_EQ(file.read("B", "Early"), absentValue);
     // A header without a name ends the keys before the first section like any other.
-    EXPECT_EQ(Loaded("[]\nx=1\n").read("", "x"), absent);
-    EXPECT_EQ(Loaded("a=0\n[ ]\nx=1\n").read("", "x"), absent);
+    EXPECT_EQ(Loaded("[]\nx=1\n").read("", "x"), absentValue);
+    EXPECT_EQ(Loaded("a=0\n[ ]\nx=1\n").read("", "x"), absentValue);
 }
 
 TEST(IniFile, AnEmptyValueIsNotTheDefault) {
@@ -119,22 +113,22 @@ TEST(IniFile, TheSectionDecidesAmongEqualKeys) {
     Loaded file("[A]\nKey=1\n[B]\nKey=2\n[C]\n");
     EXPECT_EQ(file.read("A", "Key"), "1");
     EXPECT_EQ(file.read("B", "Key"), "2");
-    EXPECT_EQ(file.read("C", "Key"), absent);
+    EXPECT_EQ(file.read("C", "Key"), absentValue);
 }
 
 TEST(IniFile, TheFirstSectionAndTheFirstKeyOfANameWin) {
     Loaded file("[A]\nKey=1\nKEY=2\n[B]\nx=3\n[a]\nKey=4\nOnly=5\n[B]\nx=6\n");
     EXPECT_EQ(file.read("A", "Key"), "1");
-    EXPECT_EQ(file.read("A", "Only"), absent);
+    EXPECT_EQ(file.read("A", "Only"), absentValue);
     EXPECT_EQ(file.read("B", "x"), "3");
 }
 
 TEST(IniFile, CommentsAndLinesWithoutAnEqualsSignAreSkipped) {
     Loaded file("[A]\n; Type=9\n;Type=8\nType\n\n  ;Type=7\nType=3\nx=1;2\n");
     EXPECT_EQ(file.read("A", "Type"), "3");
-    EXPECT_EQ(file.read("A", "; Type"), absent);
+    EXPECT_EQ(file.read("A", "; Type"), absentValue);
     EXPECT_EQ(file.read("A", "x"), "1;2");
-    EXPECT_EQ(Loaded("; [A]\nType=3\n").read("A", "Type"), absent);
+    EXPECT_EQ(Loaded("; [A]\nType=3\n").read("A", "Type"), absentValue);
 }
 
 TEST(IniFile, AHeaderEndsAtTheFirstBracketOrAtTheEndOfTheLine) {
@@ -147,8 +141,8 @@ TEST(IniFile, AHeaderEndsAtTheFirstBracketOrAtTheEndOfTheLine) {
     EXPECT_EQ(Loaded("[A=1]\nx=1\n").read("A=1", "x"), "1");
     EXPECT_EQ(Loaded("[x=1\ny=2\n").read("x=1", "y"), "2");
     // The name asked for is taken as it is.
-    EXPECT_EQ(Loaded("[ A ]\nx=1\n").read(" A ", "x"), absent);
-    EXPECT_EQ(Loaded("[A]\n x =1\n").read("A", " x "), absent);
+    EXPECT_EQ(Loaded("[ A ]\nx=1\n").read(" A ", "x"), absentValue);
+    EXPECT_EQ(Loaded("[A]\n x =1\n").read("A", " x "), absentValue);
 }
 
 TEST(IniFile, IntegersAreLeadingOnesAndTheDefaultIsForMissingKeys) {
@@ -173,7 +167,7 @@ TEST(IniFile, KeepsTheLastValue) {
     file.read("A", "x");
     EXPECT_TRUE(file.ini->lastValue() == "one");
     file.read("A", "y");
-    EXPECT_TRUE(file.ini->lastValue() == absent);
+    EXPECT_TRUE(file.ini->lastValue() == absentValue);
     file.number("A", "y", -7);
     EXPECT_TRUE(file.ini->lastValue() == "-7");
     const CString copy = file.ini->readString("A", "x", "");
@@ -192,7 +186,7 @@ TEST(IniFile, AnAddedLineIsTrimmedAndFoundLikeTheOthers) {
     EXPECT_EQ(file.read("A", "y"), "2");
     EXPECT_EQ(file.read("A", "x"), "1");
     EXPECT_EQ(file.read("B", "z"), "4");
-    EXPECT_EQ(file.read("A", "z"), absent);
+    EXPECT_EQ(file.read("A", "z"), absentValue);
 }
 
 // Any bytes
@@ -239,7 +233,7 @@ TEST(IniFile, AnyBytesGiveWhatAWalkOfTheLinesGives) {
             for (const char* key : {"", "a", "B", "AB", "1", ";", "[a"}) {
                 const auto expected = walk(lines, section, key);
                 found += expected ? 1 : 0;
-                ASSERT_EQ(file.read(section, key), expected.value_or(absent))
+                ASSERT_EQ(file.read(section, key), expected.value_or(absentValue))
                     << "run " << run << ", section " << section << ", key " << key << "\n"
                     << content;
             }

@@ -74,7 +74,7 @@ TEST_F(NewFiles, AreNotMadeWhereTheyCannotBe) {
     EXPECT_TRUE(fs::is_directory("folder"));
 }
 
-int entered() {
+int numberEntered() {
     static int files = 0;
     files = 0;
     EndingFile::forEach([](const char* /*name*/, EndingFile::Goes /*goes*/) { ++files; });
@@ -84,14 +84,14 @@ int entered() {
 TEST_F(NewFiles, GoWhenASignalEndsTheProcessUnlessTheyAreKept) {
     {
         const auto kept = create("a.tmp", "", Interrupted::kept);
-        EXPECT_EQ(0, entered());
+        EXPECT_EQ(0, numberEntered());
     }
     auto file = create("a.tmp", "", Interrupted::removed);
-    EXPECT_EQ(1, entered());
+    EXPECT_EQ(1, numberEntered());
     EXPECT_TRUE(files.discard(std::move(file), "a.tmp"));
-    EXPECT_EQ(0, entered());
+    EXPECT_EQ(0, numberEntered());
     EXPECT_EQ(create("missing/a.tmp", "", Interrupted::removed), nullptr);
-    EXPECT_EQ(0, entered());
+    EXPECT_EQ(0, numberEntered());
 }
 
 TEST_F(NewFiles, AnotherFileOfTheNameStaysWhenOneIsDiscarded) {
@@ -141,7 +141,7 @@ TEST_F(NewFiles, AFileThatWasMadeToBeLockedGoesUnlessItIsWritten) {
         EXPECT_TRUE(files.lock("p.ini", 0ms).isBusy);
     }
     EXPECT_FALSE(fs::exists("p.ini"));
-    EXPECT_EQ(0, entered());
+    EXPECT_EQ(0, numberEntered());
     {
         const auto made = files.lock("p.ini", 0ms);
         files.open("p.ini", "a")->write("x");

@@ -14,7 +14,7 @@
 namespace zolex {
 namespace {
 
-constexpr const char* name = "a.tmp";
+constexpr const char* temporaryName = "a.tmp";
 
 class TemporaryFileTest : public testing::Test {
   protected:
@@ -22,54 +22,54 @@ class TemporaryFileTest : public testing::Test {
 };
 
 TEST_F(TemporaryFileTest, IsRemovedOnceWhenItIsFinished) {
-    TemporaryFile temporary(files, name);
+    TemporaryFile temporary(files, temporaryName);
     EXPECT_EQ(temporary.file(), nullptr);
     ASSERT_TRUE(temporary.open());
     EXPECT_EQ(files.opened, std::vector<std::string>{"w+ a.tmp"});
     temporary.file()->write("text");
-    EXPECT_TRUE(files.exists(name));
+    EXPECT_TRUE(files.exists(temporaryName));
     EXPECT_TRUE(temporary.finish());
     EXPECT_EQ(temporary.file(), nullptr);
-    EXPECT_FALSE(files.exists(name));
+    EXPECT_FALSE(files.exists(temporaryName));
     EXPECT_TRUE(temporary.finish());
-    EXPECT_EQ(files.removed, std::vector<std::string>{name});
+    EXPECT_EQ(files.removed, std::vector<std::string>{temporaryName});
 }
 
 TEST_F(TemporaryFileTest, IsRemovedWithItsObject) {
     {
-        TemporaryFile temporary(files, name);
+        TemporaryFile temporary(files, temporaryName);
         ASSERT_TRUE(temporary.open());
     }
-    EXPECT_FALSE(files.exists(name));
+    EXPECT_FALSE(files.exists(temporaryName));
 }
 
 TEST_F(TemporaryFileTest, StaysWhenItIsKept) {
     {
-        TemporaryFile temporary(files, name);
+        TemporaryFile temporary(files, temporaryName);
         temporary.setKept(true);
         ASSERT_TRUE(temporary.open());
         EXPECT_TRUE(temporary.finish());
     }
-    EXPECT_TRUE(files.exists(name));
+    EXPECT_TRUE(files.exists(temporaryName));
     EXPECT_TRUE(files.removed.empty());
 }
 
 TEST_F(TemporaryFileTest, WhatCouldNotBeOpenedIsNotRemoved) {
-    files.files[name] = "of somebody else";
+    files.files[temporaryName] = "of somebody else";
     files.refused = {"w+ a.tmp"};
     {
-        TemporaryFile temporary(files, name);
+        TemporaryFile temporary(files, temporaryName);
         EXPECT_FALSE(temporary.open());
         EXPECT_EQ(temporary.file(), nullptr);
         EXPECT_TRUE(temporary.finish());
     }
-    EXPECT_TRUE(files.exists(name));
+    EXPECT_TRUE(files.exists(temporaryName));
 }
 
 TEST_F(TemporaryFileTest, TellsThatItCouldNotBeRemovedAndTriesOnce) {
     files.failRemove = true;
     {
-        TemporaryFile temporary(files, name);
+        TemporaryFile temporary(files, temporaryName);
         ASSERT_TRUE(temporary.open());
         EXPECT_FALSE(temporary.finish());
     }
@@ -93,21 +93,21 @@ class ShortOfMemory : public test::FakeFileSystem {
 TEST(TemporaryFile, IsRemovedAfterAllWhenMemoryWasShortAtFirst) {
     ShortOfMemory files;
     {
-        TemporaryFile temporary(files, name);
+        TemporaryFile temporary(files, temporaryName);
         ASSERT_TRUE(temporary.open());
         EXPECT_THROW(temporary.finish(), std::bad_alloc);
-        EXPECT_TRUE(files.exists(name));
+        EXPECT_TRUE(files.exists(temporaryName));
     }
-    EXPECT_FALSE(files.exists(name));
+    EXPECT_FALSE(files.exists(temporaryName));
 }
 
 TEST(TemporaryFile, ShortMemoryInItsDestructionIsNoException) {
     ShortOfMemory files;
     {
-        TemporaryFile temporary(files, name);
+        TemporaryFile temporary(files, temporaryName);
         ASSERT_TRUE(temporary.open());
     }
-    EXPECT_TRUE(files.exists(name));
+    EXPECT_TRUE(files.exists(temporaryName));
 }
 
 /// Prints its letter when the process ends under it.
@@ -181,7 +181,7 @@ TEST(TemporaryFileDeathTest, IsRemovedWhenTheErrorReporterEndsTheProcess) {
     EXPECT_EXIT(
         {
             Witness files;
-            TemporaryFile temporary(files, name);
+            TemporaryFile temporary(files, temporaryName);
             temporary.open();
             test::failAllocation(test::Allocation::nothrow, 1);
             const CString text("more");
@@ -190,7 +190,7 @@ TEST(TemporaryFileDeathTest, IsRemovedWhenTheErrorReporterEndsTheProcess) {
     EXPECT_EXIT(
         {
             Witness files;
-            TemporaryFile temporary(files, name);
+            TemporaryFile temporary(files, temporaryName);
             temporary.setKept(true);
             temporary.open();
             reportError(ReportMode::endProcess, ReportCategory::detailOnly, "detail");

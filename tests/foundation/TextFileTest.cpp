@@ -17,14 +17,14 @@ namespace {
 
 using namespace std::literals;
 
-constexpr const char* name = "contlist.ini";
+constexpr const char* textName = "contlist.ini";
 
 /// Every line of `content`, as they are read.
 std::vector<std::string> readLines(const std::string& content) {
     test::FakeFileSystem files;
-    files.files[name] = content;
+    files.files[textName] = content;
     TextFile file(files);
-    EXPECT_TRUE(file.open(name, "r"));
+    EXPECT_TRUE(file.open(textName, "r"));
     std::vector<std::string> lines;
     CString line;
     while (file.readLine(line)) {
@@ -36,7 +36,7 @@ std::vector<std::string> readLines(const std::string& content) {
 }
 
 /// What readLines must give, computed one byte at a time.
-std::vector<std::string> linesOf(const std::string& content) {
+std::vector<std::string> linesOfText(const std::string& content) {
     std::vector<std::string> lines(1);
     for (const char c : content) {
         lines.back() += c;
@@ -97,7 +97,7 @@ TEST(TextFile, ReadsAnyBytes) {
         for (char& c : content) {
             c = random() % 20 == 0 ? "\n\r\0 "[random() % 4] : static_cast<char>(random() % 256);
         }
-        ASSERT_EQ(readLines(content), linesOf(content)) << "run " << run;
+        ASSERT_EQ(readLines(content), linesOfText(content)) << "run " << run;
     }
 }
 
@@ -144,18 +144,18 @@ TEST(TextFile, OpensInTheModeAskedForAndKeepsTheName) {
 
 TEST(TextFile, WritesLines) {
     test::FakeFileSystem files;
-    files.files[name] = "old\n";
+    files.files[textName] = "old\n";
     TextFile file(files);
-    ASSERT_TRUE(file.open(name, "w"));
+    ASSERT_TRUE(file.open(textName, "w"));
     EXPECT_TRUE(file.writeLine("[System]"));
     EXPECT_TRUE(file.writeLine(""));
     EXPECT_TRUE(file.writeLine("a=1"));
     EXPECT_TRUE(file.close());
-    EXPECT_EQ(files.files[name], "[System]\n\na=1\n");
-    ASSERT_TRUE(file.open(name, "a"));
+    EXPECT_EQ(files.files[textName], "[System]\n\na=1\n");
+    ASSERT_TRUE(file.open(textName, "a"));
     EXPECT_TRUE(file.writeLine("b=2"));
     EXPECT_TRUE(file.close());
-    EXPECT_EQ(files.files[name], "[System]\n\na=1\nb=2\n");
+    EXPECT_EQ(files.files[textName], "[System]\n\na=1\nb=2\n");
 }
 
 TEST(TextFile, AFullDeviceIsAWriteErrorAtEveryByte) {
@@ -163,7 +163,7 @@ TEST(TextFile, AFullDeviceIsAWriteErrorAtEveryByte) {
         test::FakeFileSystem files;
         files.spaceLeft = space;
         TextFile file(files);
-        ASSERT_TRUE(file.open(name, "w+"));
+        ASSERT_TRUE(file.open(textName, "w+"));
         EXPECT_EQ(file.writeLine("ab"), space >= 3) << space;
         EXPECT_EQ(file.writeLine("cd"), space >= 6) << space;
     }
@@ -171,26 +171,26 @@ TEST(TextFile, AFullDeviceIsAWriteErrorAtEveryByte) {
 
 TEST(TextFile, AFileThatIsNotOpenForItGivesAndTakesNothing) {
     test::FakeFileSystem files;
-    files.files[name] = "a\n";
+    files.files[textName] = "a\n";
     TextFile file(files);
     CString line("kept");
     EXPECT_FALSE(file.readLine(line));
     EXPECT_TRUE(line.isEmpty());
     EXPECT_FALSE(file.writeLine("x"));
     EXPECT_TRUE(file.close());
-    ASSERT_TRUE(file.open(name, "r"));
+    ASSERT_TRUE(file.open(textName, "r"));
     EXPECT_FALSE(file.writeLine("x"));
     EXPECT_TRUE(file.close());
     EXPECT_FALSE(file.isOpen());
     EXPECT_FALSE(file.readLine(line));
     EXPECT_FALSE(file.writeLine("x"));
-    EXPECT_EQ(files.files[name], "a\n");
+    EXPECT_EQ(files.files[textName], "a\n");
 }
 
 TEST(TextFile, ClosingTellsWhenBufferedTextIsLost) {
     test::FakeFileSystem files;
     TextFile file(files);
-    ASSERT_TRUE(file.open(name, "w"));
+    ASSERT_TRUE(file.open(textName, "w"));
     files.failClose = true;
     EXPECT_FALSE(file.close());
     EXPECT_FALSE(file.isOpen());
@@ -236,7 +236,7 @@ TEST(TextFile, ReadsBlocksNotBytes) {
         files.content += "Channel.1=1\n";
     }
     TextFile file(files);
-    ASSERT_TRUE(file.open(name, "r"));
+    ASSERT_TRUE(file.open(textName, "r"));
     CString line;
     int lines = 0;
     while (file.readLine(line)) {
@@ -254,9 +254,9 @@ TEST(TextFile, ALineMayHave16MiBAndNoMore) {
     EXPECT_EQ(readLines(longest), Lines{longest});
     for (const char* rest : {"x\nb\n", "x", "xxxx"}) {
         test::FakeFileSystem files;
-        files.files[name] = "a\n" + longest + rest;
+        files.files[textName] = "a\n" + longest + rest;
         TextFile file(files);
-        ASSERT_TRUE(file.open(name, "r"));
+        ASSERT_TRUE(file.open(textName, "r"));
         CString line;
         EXPECT_TRUE(file.readLine(line));
         EXPECT_FALSE(file.failed());
@@ -265,8 +265,8 @@ TEST(TextFile, ALineMayHave16MiBAndNoMore) {
             EXPECT_TRUE(line.isEmpty());
             EXPECT_TRUE(file.failed());
         }
-        files.files[name] = "a\n";
-        ASSERT_TRUE(file.open(name, "r"));
+        files.files[textName] = "a\n";
+        ASSERT_TRUE(file.open(textName, "r"));
         EXPECT_FALSE(file.failed());
         EXPECT_TRUE(file.readLine(line));
     }

@@ -18,8 +18,8 @@ namespace zolex {
 namespace {
 
 constexpr std::uint16_t maker = ZOLEX_MAKER_PCI_VENDOR_ID;
-constexpr const char* scanOrders = "Entering ControllerList::setControllerScanOrders\n"
-                                   "Exiting ControllerList::setControllerScanOrders\n";
+constexpr const char* tracedScanOrders = "Entering ControllerList::setControllerScanOrders\n"
+                                         "Exiting ControllerList::setControllerScanOrders\n";
 constexpr const char* tooMany =
     "\n#### ERROR\n\tMore than 36 RAID controllers found; only the first 36 are used.\n\n";
 
@@ -46,12 +46,12 @@ PciDevice device(const Ids& ids, std::uint16_t bus = 2, std::uint16_t number = 0
 }
 
 /// A machine with PCI devices, or with a controller-definition file.
-class Machine {
+class ScannedMachine {
   public:
-    explicit Machine(std::int32_t verbosity = 9) : application(platform) {
+    explicit ScannedMachine(std::int32_t verbosity = 9) : application(platform) {
         application.printer().setVerbosity(verbosity);
     }
-    Machine& with(const PciDevice& pciDevice) {
+    ScannedMachine& with(const PciDevice& pciDevice) {
         platform.devices.push_back(pciDevice);
         return *this;
     }
@@ -94,16 +94,16 @@ TEST(ControllerList, HoldsThirtySixControllers) {
 // The PCI devices of the machine
 
 TEST(ControllerList, AMachineWithoutPciDevicesHasNoControllers) {
-    Machine machine;
+    ScannedMachine machine;
     EXPECT_EQ(machine.initialize(), std::string("Entering ControllerList::initialize\n"
                                                 "Total number of PCI devices=0\n") +
-                                        scanOrders + "Exiting ControllerList::initialize\n");
+                                        tracedScanOrders + "Exiting ControllerList::initialize\n");
     EXPECT_EQ(machine.list.count(), 0U);
     EXPECT_EQ(machine.platform.children, (std::vector<std::string>{"hwdetect.exe /i"}));
 }
 
 TEST(ControllerList, FindsControllersInTheOrderOfTheirLocations) {
-    Machine machine;
+    ScannedMachine machine;
     machine.with(device({0x1000, 0x0060, maker, 0x0364}, 17, 31, 7))
         .with(device({0x10DE, 0x1234}, 3, 1, 0))
         .with(device({0x1000, 0x0411, 0x1000, 0x1002}, 2, 0, 0));
@@ -118,7 +118,7 @@ TEST(ControllerList, FindsControllersInTheOrderOfTheirLocations) {
                                         std::string(makersId.view()) +
                                         ":0364\n"
                                         " Controller Name: Kestrix-C1, Type: 12, Subtype: 2\n" +
-                                        scanOrders + "Exiting ControllerList::initialize\n");
+                                        tracedScanOrders + "Exiting ControllerList::initialize\n");
     ASSERT_EQ(machine.list.count(), 2U);
     EXPECT_EQ(machine[0].type(), 12);
     EXPECT_EQ(machine[0].subtype(), 1);
@@ -138,7 +138,7 @@ TEST(ControllerList, FindsControllersInTheOrderOfTheirLocations) {
 
 TEST(ControllerList, PrintsNothingBelowTheTraces) {
     for (const std::int32_t verbosity : {-1, 0, 3, 5, 8}) {
-        Machine machine(verbosity);
+        ScannedMachine machine(verbosity);
         machine.with(device({0x1000, 0x0060, maker, 0x0364}));
         EXPECT_EQ(machine.initialize(), "");
         EXPECT_EQ(machine.list.count(), 1U);
@@ -146,7 +146,7 @@ TEST(ControllerList, PrintsNothingBelowTheTraces) {
 }
 
 TEST(ControllerList, DevicesOutsideTheOrderAreCountedButNotLookedAt) {
-    Machine machine;
+    ScannedMachine machine;
     machine.with(device({0x1000, 0x0056}, 256))
         .with(device({0x1000, 0x0056}, 3, 1))
         .with(device({0x1000, 0x0056}, 3, 32));
@@ -154,13 +154,13 @@ TEST(ControllerList, DevicesOutsideTheOrderAreCountedButNotLookedAt) {
                                     "Total number of PCI devices=3\n"
                                     "Creating new RAIDController with: 3:1:0:1000:0056:0000:0000\n"
                                     " Controller Name: LSI-SAS-RAID, Type: 10, Subtype: -1\n" +
-                                        std::string(scanOrders) +
+                                        std::string(tracedScanOrders) +
                                         "Exiting ControllerList::initialize\n");
     EXPECT_EQ(machine.list.count(), 1U);
 }
 
 TEST(ControllerList, WritesIdsAsFourLargeHexadecimalDigits) {
-    Machine machine;
+    ScannedMachine machine;
     machine.with(device({0x8086, 0x24DF, 0xABCD, 0x000F}, 255, 31, 0));
     machine.initialize();
     ASSERT_EQ(machine.list.count(), 1U);
@@ -170,7 +170,7 @@ TEST(ControllerList, WritesIdsAsFourLargeHexadecimalDigits) {
 }
 
 TEST(ControllerList, GoesOnWithoutTheMachineInformation) {
-    Machine machine;
+    ScannedMachine machine;
     machine.with(device({0x1000, 0x0056}));
     machine.platform.results = {test::FakePlatform::ended(3)};
     EXPECT_EQ(machine.initialize(), "Entering ControllerList::initialize\n"
@@ -179,11 +179,11 @@ TEST(ControllerList, GoesOnWithoutTheMachineInformation) {
                                     "Total number of PCI devices=1\n"
                                     "Creating new RAIDController with: 2:0:0:1000:0056:0000:0000\n"
                                     " Controller Name: LSI-SAS-RAID, Type: 10, Subtype: -1\n" +
-                                        std::string(scanOrders) +
+                                        std::string(tracedScanOrders) +
                                         "Exiting ControllerList::initialize\n");
     EXPECT_EQ(machine.list.count(), 1U);
     EXPECT_FALSE(machine.application.machine.has_value());
-    Machine without(3);
+    ScannedMachine without(3);
     without.platform.results = {{ChildOutcome::notStarted, 0, ""}};
     EXPECT_EQ(without.initialize(), "ZOLEXSupport.gatherHardwareInfo:Execution failed.\n");
     EXPECT_FALSE(without.application.machine.has_value());
@@ -191,7 +191,7 @@ TEST(ControllerList, GoesOnWithoutTheMachineInformation) {
 
 /// The type and subtype of the one device of a machine; -1, -1 when it is no controller.
 std::pair<std::int32_t, std::int32_t> kindOf(const Ids& ids) {
-    Machine machine;
+    ScannedMachine machine;
     machine.with(device(ids));
     machine.initialize();
     if (machine.list.count() == 0) {
@@ -273,7 +273,7 @@ TEST(ControllerList, TheClassTellsOneDeviceInRaidModeApart) {
 
 TEST(ControllerList, OnlyTheFirstThirtySixControllersOfTheBusAreUsed) {
     for (const unsigned found : {36U, 37U, 60U}) {
-        Machine machine(3);
+        ScannedMachine machine(3);
         for (std::uint16_t bus = 0; bus < found; ++bus) {
             machine.with(device({0x1000, 0x0079}, bus));
             machine.with(device({0x10DE, 0x0001}, bus, 1));
@@ -289,9 +289,10 @@ TEST(ControllerList, OnlyTheFirstThirtySixControllersOfTheBusAreUsed) {
 // The controller-definition file
 
 /// A machine whose controllers come from a definition file that holds `content`.
-class Defined : public Machine {
+class Defined : public ScannedMachine {
   public:
-    explicit Defined(const std::string& content, std::int32_t verbosity = 9) : Machine(verbosity) {
+    explicit Defined(const std::string& content, std::int32_t verbosity = 9)
+        : ScannedMachine(verbosity) {
         with(device({0x1000, 0x0079}));
         application.settings.controllerDefinitionFile = "test\\definition.ini";
         platform.fileFake.files["test\\definition.ini"] = content;
@@ -307,7 +308,7 @@ TEST(ControllerList, ReadsADefinitionFileInsteadOfTheBus) {
                                                 "Reading RAID controllers from file:  "
                                                 "test\\definition.ini\n"
                                                 "Number of controllers read:  2\n") +
-                                        scanOrders);
+                                        tracedScanOrders);
     ASSERT_EQ(machine.list.count(), 2U);
     EXPECT_EQ(machine[0].type(), 12);
     EXPECT_EQ(machine[0].subtype(), 2);
@@ -391,7 +392,7 @@ TEST(ControllerList, OnlyTheFirstThirtySixControllersOfADefinitionAreUsed) {
 // Dumps
 
 TEST(ControllerList, DumpsEveryControllerBehindItsHeader) {
-    Machine machine(-1);
+    ScannedMachine machine(-1);
     machine.list.add()->addDrive(1, 0, 500, "SAS");
     machine.list.add()->setCaptured(RAIDConfiguration());
     for (const bool withConfiguration : {false, true}) {
@@ -411,7 +412,7 @@ TEST(ControllerList, DumpsEveryControllerBehindItsHeader) {
         EXPECT_EQ(dump.find("#### START Configuration dump ####\n") != std::string::npos,
                   withConfiguration);
     }
-    Machine empty;
+    ScannedMachine empty;
     EXPECT_EQ(empty.list.dumpText(true), "");
 }
 

@@ -15,8 +15,8 @@
 namespace zolex {
 namespace {
 
-constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t lowestCode = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t highestCode = std::numeric_limits<std::int32_t>::max();
 
 // What each type is driven by. Columns: type, utility command, utility family, the three accepted
 // exit codes, whether an explicit size in MB may be written for it.
@@ -228,7 +228,7 @@ TEST(ControllerCatalogue, EveryTypeHasItsUtilityCommand) {
     for (const TypeFacts& facts : types) {
         EXPECT_STREQ(catalogue.getUtilityCommand(facts.type).c_str(), facts.command) << facts.type;
     }
-    for (const std::int32_t type : {lowest, -1, 0, 13, 22, 23, highest}) {
+    for (const std::int32_t type : {lowestCode, -1, 0, 13, 22, 23, highestCode}) {
         EXPECT_TRUE(catalogue.getUtilityCommand(type).isEmpty()) << type;
     }
 }
@@ -238,7 +238,7 @@ TEST(ControllerCatalogue, ScanOrdersAreCountedByUtilityFamily) {
     for (const TypeFacts& facts : types) {
         EXPECT_EQ(catalogue.getUtilityFamily(facts.type), facts.family) << facts.type;
     }
-    for (const std::int32_t type : {lowest, -1, 0, 13, 99, highest}) {
+    for (const std::int32_t type : {lowestCode, -1, 0, 13, 99, highestCode}) {
         EXPECT_EQ(catalogue.getUtilityFamily(type), 6) << type;
     }
 }
@@ -256,12 +256,12 @@ TEST(ControllerCatalogue, EveryTypeAcceptsItsExitCodes) {
             EXPECT_EQ(catalogue.getAcceptedReturnCode(facts.type, slot), facts.accepted[slot - 1])
                 << facts.type << ", slot " << slot;
         }
-        for (const std::int32_t slot : {lowest, -1, 0, 4, highest}) {
+        for (const std::int32_t slot : {lowestCode, -1, 0, 4, highestCode}) {
             EXPECT_EQ(catalogue.getAcceptedReturnCode(facts.type, slot), -1)
                 << facts.type << ", slot " << slot;
         }
     }
-    for (const std::int32_t type : {lowest, -1, 0, 13, highest}) {
+    for (const std::int32_t type : {lowestCode, -1, 0, 13, highestCode}) {
         EXPECT_EQ(catalogue.getAcceptedReturnCode(type, 1), 0) << type;
         EXPECT_EQ(catalogue.getAcceptedReturnCode(type, 2), -1) << type;
         EXPECT_EQ(catalogue.getAcceptedReturnCode(type, 3), -1) << type;
@@ -304,13 +304,13 @@ TEST(ControllerCatalogue, EveryTypeAndSubtypeHasItsModelName) {
             EXPECT_EQ(catalogue.getControllerName(type, subtype).view(), expected(type, subtype))
                 << type << ", " << subtype;
         }
-        for (const std::int32_t subtype : {lowest, highest}) {
+        for (const std::int32_t subtype : {lowestCode, highestCode}) {
             EXPECT_EQ(catalogue.getControllerName(type, subtype).view(), expected(type, subtype))
                 << type << ", " << subtype;
         }
     }
-    EXPECT_TRUE(catalogue.getControllerName(lowest, 1) == "ERROR-NO-CONTROLLER");
-    EXPECT_TRUE(catalogue.getControllerName(highest, 1) == "ERROR-NO-CONTROLLER");
+    EXPECT_TRUE(catalogue.getControllerName(lowestCode, 1) == "ERROR-NO-CONTROLLER");
+    EXPECT_TRUE(catalogue.getControllerName(highestCode, 1) == "ERROR-NO-CONTROLLER");
 }
 
 TEST(ControllerCatalogue, UnknownSubtypesAndTypesHaveFallBackNames) {
@@ -347,7 +347,7 @@ TEST(ControllerCatalogue, ExplicitSizesAreAcceptedByTheTypesThatTakeThem) {
     for (const TypeFacts& facts : types) {
         EXPECT_EQ(catalogue.acceptsExplicitSize(facts.type), facts.explicitSize) << facts.type;
     }
-    for (const std::int32_t type : {lowest, -1, 0, 13, 99, highest}) {
+    for (const std::int32_t type : {lowestCode, -1, 0, 13, 99, highestCode}) {
         EXPECT_TRUE(catalogue.acceptsExplicitSize(type)) << type;
     }
 }

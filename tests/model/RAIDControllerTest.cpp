@@ -16,8 +16,8 @@
 namespace zolex {
 namespace {
 
-constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t lowestValue = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t highestValue = std::numeric_limits<std::int32_t>::max();
 
 std::string dumpOf(const RAIDController& controller, bool withConfiguration) {
     test::FakeConsole console;
@@ -93,7 +93,7 @@ TEST(RAIDController, RefusesScanOrdersOutsideOneToFifteen) {
         EXPECT_TRUE(controller.setScanOrder(order));
         EXPECT_EQ(controller.scanOrder(), order);
     }
-    for (const std::int32_t order : {lowest, -1, 0, 16, highest}) {
+    for (const std::int32_t order : {lowestValue, -1, 0, 16, highestValue}) {
         EXPECT_FALSE(controller.setScanOrder(order)) << order;
         EXPECT_EQ(controller.scanOrder(), 15) << order;
     }
@@ -106,7 +106,7 @@ TEST(RAIDController, CountsTheDrivesOfChannelsOneToFour) {
     EXPECT_EQ(controller.numberOfDrives(), 0);
     EXPECT_TRUE(controller.addDrive(1, 0, 70000, "SAS"));
     EXPECT_TRUE(controller.addDrive(4, 35, 0, "SAS"));
-    EXPECT_TRUE(controller.addDrive(2, 5, highest, "SAS"));
+    EXPECT_TRUE(controller.addDrive(2, 5, highestValue, "SAS"));
     EXPECT_EQ(controller.numberOfDrives(), 3);
     EXPECT_TRUE(controller.addDrive(1, 0, 80000, "SAS"));
     EXPECT_EQ(controller.numberOfDrives(), 3);
@@ -136,8 +136,14 @@ TEST(RAIDController, HoldsADriveAtEveryPosition) {
 }
 
 TEST(RAIDController, RefusesPositionsOutOfRange) {
-    constexpr std::pair<std::int32_t, std::int32_t> positions[] = {
-        {-1, 0}, {5, 0}, {1, -1}, {1, 36}, {-1, -1}, {5, 36}, {highest, highest}, {lowest, lowest}};
+    constexpr std::pair<std::int32_t, std::int32_t> positions[] = {{-1, 0},
+                                                                   {5, 0},
+                                                                   {1, -1},
+                                                                   {1, 36},
+                                                                   {-1, -1},
+                                                                   {5, 36},
+                                                                   {highestValue, highestValue},
+                                                                   {lowestValue, lowestValue}};
     for (const auto& [channel, id] : positions) {
         RAIDController controller;
         EXPECT_FALSE(RAIDController::isPosition(channel, id));
@@ -264,7 +270,7 @@ TEST(RaidDisk, Dumps) {
     disk.channelNumber = 2;
     disk.id = 14;
     disk.diskNumber = 3;
-    disk.sizeMb = highest;
+    disk.sizeMb = highestValue;
     disk.serialNumber = "3KR 1%s";
     disk.reportedLocation = "Enclosure 1, Slot 14";
     disk.state = "Online, Spun Up";

@@ -125,7 +125,7 @@ struct ScanAccept {
     std::string names; ///< each followed by "|"
 };
 
-const ScanAccept accepts[] = {
+const ScanAccept scanAccepts[] = {
     {"lower case", "[policy.x]\nappliesto.1=ALL\n", "policy.x|"},
     {"every kind of character", "[Policy.aZ0.9_-]\nAppliesTo.1=ALL\n", "Policy.aZ0.9_-|"},
     {"text after the bracket", "  [Policy.A] ; x ]\nAppliesTo.1=ALL\n", "Policy.A|"},
@@ -144,7 +144,7 @@ const ScanAccept accepts[] = {
 };
 
 TEST(PolicyScanTest, AcceptedFilesGiveTheirPoliciesInOrder) {
-    for (const ScanAccept& accept : accepts) {
+    for (const ScanAccept& accept : scanAccepts) {
         PolicyReading reading;
         reading.application.printer().setVerbosity(0); // the notes about unused keywords
         ASSERT_TRUE(reading.read(accept.content)) << accept.what << reading.output();

@@ -11,7 +11,7 @@ namespace {
 using test::errorBlock;
 using test::PolicyReading;
 
-struct Row {
+struct SpecifierRow {
     std::string lines;
     std::string expected;
 };
@@ -20,14 +20,14 @@ std::string text(const CString& value) {
     return std::string(value.view());
 }
 
-std::string dump(const AppliesTo& entry) {
+std::string entryText(const AppliesTo& entry) {
     return "<m:" + text(entry.machineType) + " s:" + text(entry.serialNumber) +
            " t:" + text(entry.controllerType) + " c:" + std::to_string(entry.controllerNumber) +
            " o:" + std::to_string(entry.scanOrder) + " d:" + std::to_string(entry.numberOfDrives) +
            (entry.all ? " ALL>" : ">");
 }
 
-const Row specifierRejects[] = {
+const SpecifierRow specifierRejects[] = {
     {"AppliesTo.2 = c:0", "Policy.A, AppliesTo.2 -- Invalid controller number specified:  0\n"},
     {"AppliesTo.2 = c:", "Policy.A, AppliesTo.2 -- Invalid controller number specified:  \n"},
     {"AppliesTo.2 = c: 1", "Policy.A, AppliesTo.2 -- Invalid controller number specified:   1\n"},
@@ -49,7 +49,7 @@ const Row specifierRejects[] = {
 };
 
 TEST(PolicySpecifierTest, SpecifiersThatAreRefused) {
-    for (const Row& row : specifierRejects) {
+    for (const SpecifierRow& row : specifierRejects) {
         PolicyReading reading;
         EXPECT_FALSE(reading.read("[Policy.A]\nAppliesTo.1 = ALL\n" + row.lines + "\n"))
             << row.lines;
@@ -59,7 +59,7 @@ TEST(PolicySpecifierTest, SpecifiersThatAreRefused) {
 }
 
 TEST(PolicySpecifierTest, AcceptedSpecifiers) {
-    const Row rows[] = {
+    const SpecifierRow rows[] = {
         {"ALL", "<m: s: t: c:-25 o:-25 d:-25 ALL>"},
         {"all", "<m: s: t: c:-25 o:-25 d:-25 ALL>"},
         {"m:8840-4AU, s:KQ 1", "<m:8840-4AU s:KQ 1 t: c:-25 o:-25 d:-25>"},
@@ -69,11 +69,11 @@ TEST(PolicySpecifierTest, AcceptedSpecifiers) {
         {"T:LSI-MegaRAID-8480,ALL", "<m: s: t:LSI-MegaRAID-8480 c:-25 o:-25 d:-25 ALL>"},
         {"c:1,t:Kestrix-A8,c:2,t:LSI-MegaRAID", "<m: s: t:LSI-MegaRAID c:2 o:-25 d:-25>"},
     };
-    for (const Row& row : rows) {
+    for (const SpecifierRow& row : rows) {
         PolicyReading reading;
         ASSERT_TRUE(reading.read("[Policy.A]\nAppliesTo.1=" + row.lines)) << reading.output();
         ASSERT_EQ(reading.policy().appliesTo.size(), 1U);
-        EXPECT_EQ(dump(reading.policy().appliesTo[0]), row.expected) << row.lines;
+        EXPECT_EQ(entryText(reading.policy().appliesTo[0]), row.expected) << row.lines;
     }
 }
 

@@ -64,7 +64,7 @@ std::string policyWith(const std::string& lines) {
     return "[Policy.A]\nAppliesTo.1 = ALL\n" + lines + "\n";
 }
 
-struct Row {
+struct ValueRow {
     std::string lines;
     std::string expected;
 };
@@ -85,7 +85,7 @@ std::string repeat(int count, const std::string& item) {
     return result;
 }
 
-const Row accepts[] = {
+const ValueRow valueAccepts[] = {
     {"", ""},
     {"RebuildRate = HIGH", "rebuild=HIGH"},
     {"RebuildRate = med", "rebuild=MED"},
@@ -139,7 +139,7 @@ const Row accepts[] = {
 };
 
 TEST(PolicyValidatorTest, AcceptedValuesLandInThePolicy) {
-    for (const Row& row : accepts) {
+    for (const ValueRow& row : valueAccepts) {
         PolicyReading reading;
         ASSERT_TRUE(reading.read(policyWith(row.lines))) << row.lines << reading.output();
         EXPECT_EQ(reading.output(), "") << row.lines;
@@ -173,7 +173,7 @@ const std::string letterOrder = "Policy.A -- Arrays must be specified in sequent
 const std::string numberOrder = " -- Logical drives must be specified in sequential order.\n"
                                 "Logical.1 = ...\nLogical.2 = ...\netc.\n";
 
-const Row settingRejects[] = {
+const ValueRow settingRejects[] = {
     {"RebuildRate = fast",
      "Policy.A, RebuildRate -- Invalid specifier:  fast\n\tValid values are:  HIGH MED LOW\n"},
     {"rebuildrate =", "Policy.A, RebuildRate -- Invalid specifier:  \n" + words + "HIGH MED LOW\n"},
@@ -231,7 +231,7 @@ const Row settingRejects[] = {
      "Policy.A, Logical_Defaults -- Invalid size specified:  \n" + sizeHint},
 };
 
-const Row driveRejects[] = {
+const ValueRow driveRejects[] = {
     {"Array_Mode = CUSTOM", "Policy.A -- Missing required entry in policies file:  Array.A\n"
                             "\tThis entry is required when Array_Mode = CUSTOM\n"},
     {"Array_Mode = CUSTOM\nArray.B = x",
@@ -307,8 +307,8 @@ const Row driveRejects[] = {
      "Policy.A, Logical.4 -- Invalid RAID level specified:  x\n" + levelHint},
 };
 
-void expectRejected(std::span<const Row> rows) {
-    for (const Row& row : rows) {
+void expectRejected(std::span<const ValueRow> rows) {
+    for (const ValueRow& row : rows) {
         PolicyReading reading;
         EXPECT_FALSE(reading.read(policyWith(row.lines))) << row.lines;
         EXPECT_EQ(reading.output(), errorBlock(row.expected)) << row.lines;
@@ -325,7 +325,7 @@ TEST(PolicyValidatorTest, ArraysHotSparesAndLogicalDrivesThatAreRefused) {
 }
 
 /// Keywords in the order in which they are validated, each with a faulty value.
-const Row order[] = {
+const ValueRow order[] = {
     {"AppliesTo.1 = x", "Policy.A, AppliesTo.1 -- Invalid specifier:  x\n"},
     {"AppliesTo.2 = x", "Policy.A, AppliesTo.2 -- Invalid specifier:  x\n"},
     {"RebuildRate = x",

@@ -18,10 +18,7 @@
 namespace zolex::properties {
 namespace {
 
-constexpr std::size_t runCommands = 16; ///< of one deploy run
-constexpr unsigned success = 0;
 constexpr unsigned planFailed = 5;
-constexpr unsigned commandFailed = 11;
 
 /// One policy for each controller, for the drives that a capture finds on it.
 std::string policiesFor(const VirtualServer& virtualServer, bool wild) {
@@ -247,19 +244,6 @@ TEST(DeployProperties, TheVirtualServerTakesEveryCommandOfAPlanAndBecomesThePlan
                       const std::vector<Policy> policies = parsePolicies(text);
                       Comparison(virtualServer, machine, before, policies, tally).check(result);
                   });
-}
-
-/// What a capture and the deployment of its policies keep with every utility: arrays with their
-/// members, RAID levels, and the status of each drive.
-std::string layoutOf(const zolex_sim::Controller& controller) {
-    zolex_sim::Controller layout = controller;
-    for (zolex_sim::LogicalDrive& drive : layout.logicalDrives) {
-        zolex_sim::LogicalDrive kept;
-        kept.array = drive.array;
-        kept.level = drive.level;
-        drive = kept;
-    }
-    return describe(layout);
 }
 
 /// Sizes come back with these utilities; with the others the logical drive gets its whole array.

@@ -254,7 +254,6 @@ TEST(DryRunProperties, WhatIsPlannedIsTakenAndStandsThen) {
 
 /// What zolex has made stands as the same policies want it, whatever the server.
 TEST(DryRunProperties, WhatZolexMadeIsAsPlanned) {
-    constexpr std::size_t runCommands = 16; // of one run
     checkProperty({{"made by zolex", 20}}, [=](Tally& tally) {
         const VirtualServer virtualServer = toldServer();
         PlannedServer server(virtualServer.definition());

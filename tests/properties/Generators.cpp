@@ -17,22 +17,22 @@ namespace {
 
 // Numbers of drives that an array of a level takes: the least, and the step to the next number (0:
 // no other). Order: the one in which levels shrink.
-struct LevelShape {
+struct DriveCounts {
     const char* word;
     int least;
     int step;
 };
 // clang-format off
-constexpr std::array<LevelShape, 12> levelShapes{{
+constexpr std::array<DriveCounts, 12> driveCounts{{
     {"0",      1, 1}, {"1",  2, 0}, {"5",  3, 1}, {"10",     4, 2}, {"1E", 3, 1}, {"6", 4, 1},
     {"5E",     4, 1}, {"5EE", 4, 1}, {"50", 6, 2}, {"60",     8, 2}, {"VOLUME", 1, 1},
     {"SIMPLE VOLUME", 1, 0},
 }};
 // clang-format on
 
-const LevelShape& shapeOf(const std::string& level) {
-    return *std::find_if(levelShapes.begin(), levelShapes.end(),
-                         [&level](const LevelShape& shape) { return level == shape.word; });
+const DriveCounts& countsOf(const std::string& level) {
+    return *std::find_if(driveCounts.begin(), driveCounts.end(),
+                         [&level](const DriveCounts& shape) { return level == shape.word; });
 }
 
 bool takesArrayToItself(const std::string& level) {
@@ -171,7 +171,7 @@ class PolicyWriter {
     /// Drives for an array of this level; empty when too few are left.
     std::string listFor(const std::string& name) {
         constexpr int mostDrives = 16;
-        const LevelShape& shape = shapeOf(name);
+        const DriveCounts& shape = countsOf(name);
         const int available = std::min(static_cast<int>(free_.size()), mostDrives);
         if (available < shape.least) {
             return "";
@@ -323,7 +323,7 @@ rc::Gen<ControllerSpec> controllers() {
 const std::vector<std::string>& allLevels() {
     static const std::vector<std::string> words = [] {
         std::vector<std::string> all;
-        for (const LevelShape& shape : levelShapes) {
+        for (const DriveCounts& shape : driveCounts) {
             all.emplace_back(shape.word);
         }
         return all;

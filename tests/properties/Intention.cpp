@@ -299,4 +299,15 @@ std::string describe(const zolex_sim::Controller& controller) {
     return text;
 }
 
+std::string layoutOf(const zolex_sim::Controller& controller) {
+    zolex_sim::Controller layout = controller;
+    for (zolex_sim::LogicalDrive& drive : layout.logicalDrives) {
+        zolex_sim::LogicalDrive kept;
+        kept.array = drive.array;
+        kept.level = drive.level;
+        drive = kept;
+    }
+    return describe(layout);
+}
+
 } // namespace zolex::properties

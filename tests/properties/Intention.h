@@ -65,4 +65,8 @@ class Intention {
 /// Arrays, logical drives and the status of every drive, but for the names of logical drives.
 std::string describe(const zolex_sim::Controller& controller);
 
+/// The same for what a capture and the deployment of its policies keep with every utility: arrays
+/// with their members in order, RAID levels, and the status of each drive.
+std::string layoutOf(const zolex_sim::Controller& controller);
+
 } // namespace zolex::properties

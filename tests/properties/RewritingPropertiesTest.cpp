@@ -14,9 +14,6 @@
 namespace zolex::properties {
 namespace {
 
-constexpr unsigned success = 0;
-constexpr std::size_t runCommands = 16; ///< of one deploy run
-
 /// What a capture of the machine gives, without a second reading of the listings.
 companion::Snapshot snapshotOf(VirtualMachine& machine) {
     RC_ASSERT(machine.capture(true) == success);
@@ -80,18 +77,6 @@ std::unique_ptr<VirtualMachine> configured(const VirtualServer& virtualServer) {
         }
     }
     return nullptr;
-}
-
-/// Arrays with their members in order, RAID levels, and the status of each drive.
-std::string layoutOf(const zolex_sim::Controller& controller) {
-    zolex_sim::Controller layout = controller;
-    for (zolex_sim::LogicalDrive& drive : layout.logicalDrives) {
-        zolex_sim::LogicalDrive kept;
-        kept.array = drive.array;
-        kept.level = drive.level;
-        drive = kept;
-    }
-    return describe(layout);
 }
 
 bool saysSize(std::string_view utility) {

@@ -19,8 +19,6 @@
 namespace zolex::properties {
 namespace {
 
-constexpr unsigned success = 0;
-constexpr unsigned commandFailed = 11;
 using Lines = std::vector<std::string>;
 
 /// Policies for all controllers, each its own.

@@ -14,6 +14,10 @@
 
 namespace zolex::properties {
 
+inline constexpr std::size_t runCommands = 16; ///< of one deploy run
+inline constexpr unsigned success = 0;
+inline constexpr unsigned commandFailed = 11;
+
 /// A model of controller with the utility that drives it, and what its virtual server needs.
 struct Family {
     const char* model;

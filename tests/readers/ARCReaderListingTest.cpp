@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::arc_listing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -296,4 +296,4 @@ TEST(ARCReader, TheNumberOfLogicalDrivesIsNoted) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::arc_listing

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::arc {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -648,4 +648,4 @@ TEST(ARCReader, ReadsOneControllerAfterAnother) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::arc

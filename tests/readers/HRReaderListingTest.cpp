@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::hr_listing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -230,4 +230,4 @@ TEST(HRReader, ReadsOneControllerAfterAnother) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::hr_listing

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::hr {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -402,4 +402,4 @@ TEST(HRReader, WhatTheRecordCannotHoldIsLeftOut) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::hr

@@ -20,7 +20,7 @@ using Lines = std::vector<std::string>;
 using Outputs = std::vector<std::string>;
 
 constexpr ListingOptions hyperwin = {.type = controller_type::lsiIde};
-constexpr ListingOptions drivesOnly = {.type = controller_type::lsiIde, .capture = false};
+constexpr ListingOptions ideDrivesOnly = {.type = controller_type::lsiIde, .capture = false};
 
 constexpr const char* drive0 = "drive 1:0 38154";
 constexpr const char* drive1 = "drive 1:1 38154";
@@ -49,7 +49,7 @@ TEST(IDEReader, StatusCodesPlaceDrives) {
         {{""}, {}},
     };
     for (const auto& [outputs, ids] : rows) {
-        const ListingResult result = readListing(drivesOnly, outputs);
+        const ListingResult result = readListing(ideDrivesOnly, outputs);
         EXPECT_TRUE(result.read);
         EXPECT_EQ(result.of("drive"), drives(ids)) << joinLines(outputs);
         EXPECT_EQ(result.output, "");
@@ -61,7 +61,7 @@ TEST(IDEReader, StatusCodesBeyondThePositionRangeAreLeftOut) {
     for (int i = 0; i < 35; ++i) {
         text += "000a\n";
     }
-    const ListingResult result = readListing(drivesOnly, text + "0000\n0000\n");
+    const ListingResult result = readListing(ideDrivesOnly, text + "0000\n0000\n");
     EXPECT_EQ(result.of("drive"), drives({35}));
     EXPECT_EQ(result.output, "\n#### ERROR\n\tDrive position out of range for controller "
                              "LSI-IDEal-RAID:  channel=1, id=36\n\n");
@@ -103,7 +103,7 @@ TEST(IDEReader, RaidModes) {
         EXPECT_FALSE(result.read);
         EXPECT_EQ(result.lines, (Lines{"controller", drive0}));
         EXPECT_EQ(result.output, "Error: Could not recognize RAID level:  " + mode + "\n");
-        EXPECT_TRUE(readListing(drivesOnly, text + "\n").read);
+        EXPECT_TRUE(readListing(ideDrivesOnly, text + "\n").read);
     }
     // Only the first such line is looked at.
     EXPECT_EQ(
@@ -210,7 +210,7 @@ TEST(IDEReader, SurvivesEveryCut) {
 }
 
 TEST(IDEReader, SurvivesEveryCutWithoutTheCaptureFlag) {
-    expectCuts(drivesOnly, readTestData("hyperwin-list.txt"),
+    expectCuts(ideDrivesOnly, readTestData("hyperwin-list.txt"),
                {{0, "true d=0 a=0 l=0 s=0"}, {8, "true d=1 a=0 l=0 s=0"}});
 }
 

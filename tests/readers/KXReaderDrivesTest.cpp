@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::kx_drives {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -341,4 +341,4 @@ TEST(KXReader, DumpsTheRecordsWithTheDebugFlag) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::kx_drives

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::kx_listing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -369,4 +369,4 @@ TEST(KXReader, SurvivesEveryDoubledLineOfAFamilyListing) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::kx_listing

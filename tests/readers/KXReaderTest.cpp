@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::kx {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -383,4 +383,4 @@ TEST(KXReader, AListingThatEndsBehindTheLayoutStillGivesTheConfiguration) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::kx

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::mega_samples {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -434,4 +434,4 @@ TEST_F(MEGAReaderListingsTest, StrayLinesAndBytesDoNoHarm) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::mega_samples

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace zolex::test {
+namespace zolex::test::pure_reading {
 namespace {
 
 using Texts = std::vector<std::string>;
@@ -140,4 +140,4 @@ TEST(PureReading, ACapturedHotSpareHasItsPositionAndItsEnclosure) {
 }
 
 } // namespace
-} // namespace zolex::test
+} // namespace zolex::test::pure_reading

@@ -7,12 +7,6 @@
 namespace zolex_sim::test {
 namespace {
 
-std::string problemOf(const std::string& definition) {
-    Problem problem;
-    readDefinition(definition, problem);
-    return problem.text();
-}
-
 std::vector<std::string> levelsOf(const ControllerIdentity& identity) {
     std::vector<std::string> names;
     for (const RaidLevel level : identity.levels) {

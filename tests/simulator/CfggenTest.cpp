@@ -116,8 +116,8 @@ TEST(CfggenListing, ParallelForm) {
 }
 
 /// The lines of a listing that hold one of the texts, without the blanks before them.
-std::vector<std::string> linesWith(const std::string& listing,
-                                   const std::vector<std::string>& texts) {
+std::vector<std::string> trimmedLinesWith(const std::string& listing,
+                                          const std::vector<std::string>& texts) {
     std::vector<std::string> found;
     std::istringstream lines(listing);
     for (std::string line; std::getline(lines, line);) {
@@ -134,7 +134,8 @@ std::vector<std::string> linesWith(const std::string& listing,
 TEST(CfggenListing, AnEmptyAdapterHasAllBlocks) {
     Server server = serverOf(definitionOf("CFGGEN", ""));
     const std::string listing = play(server, "CFGGEN 0 DISPLAY").output;
-    EXPECT_EQ(linesWith(listing, {"information", "Initiator", "Target", "Enclosure#", "IR volume"}),
+    EXPECT_EQ(trimmedLinesWith(listing,
+                               {"information", "Initiator", "Target", "Enclosure#", "IR volume"}),
               (std::vector<std::string>{"Controller information",
                                         "Initiator ID                            : 112",
                                         "IR Volume information", "Physical device information",
@@ -145,8 +146,9 @@ TEST(CfggenListing, EnclosuresThatNobodyDescribesFollowTheDrives) {
     Server server = serverOf(definitionOf("CFGGEN", R"(
         {"enclosure": 3, "slot": 4, "sizeMB": 10}, {"slot": 7, "count": 2, "sizeMB": 10})"));
     EXPECT_EQ(
-        linesWith(play(server, "CFGGEN 0 DISPLAY").output,
-                  {"Enclosure #", "Slot #", "Target ID ", "Enclosure#", "Logical", "Numslots"}),
+        trimmedLinesWith(
+            play(server, "CFGGEN 0 DISPLAY").output,
+            {"Enclosure #", "Slot #", "Target ID ", "Enclosure#", "Logical", "Numslots"}),
         (std::vector<std::string>{"Enclosure #                             : 3",
                                   "Slot #                                  : 4",
                                   "Target ID                               : 0",
@@ -171,7 +173,7 @@ TEST(CfggenListing, LevelsAreNumbers) {
         Server server =
             serverOf(definitionOf("CFGGEN", R"({"slot": 0, "count": 3, "sizeMB": 10})"));
         EXPECT_EQ(play(server, formatted("CFGGEN 0 CREATE %s NOPROMPT", row.command)).exitCode, 0);
-        EXPECT_EQ(linesWith(play(server, "CFGGEN 0 DISPLAY").output, {"RAID level"}),
+        EXPECT_EQ(trimmedLinesWith(play(server, "CFGGEN 0 DISPLAY").output, {"RAID level"}),
                   std::vector<std::string>{
                       std::string("RAID level                              : ") + row.result});
     }
@@ -426,7 +428,7 @@ TEST(CfggenCommand, TheStateIsKeptAcrossRuns) {
                            "  Physical hard disks (Target ID)         : 1 2 3\n"),
               std::string::npos)
         << listing;
-    EXPECT_EQ(linesWith(listing, {"State"}).back(),
+    EXPECT_EQ(trimmedLinesWith(listing, {"State"}).back(),
               "State                                   : Hot Spare (HSP)");
     EXPECT_EQ(util("CFGGEN 0 DELETE NOPROMPT").exitCode, 0);
     EXPECT_EQ(util("CFGGEN 0 DISPLAY").output.find("IR volume"), std::string::npos);

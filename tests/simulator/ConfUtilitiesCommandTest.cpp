@@ -6,7 +6,7 @@ namespace {
 
 // Twelve drives of one size, a smaller one, drives on other channels, and one of each kind that is
 // not free.
-constexpr const char* drives = R"(
+constexpr const char* confDrives = R"(
     {"channel": 0, "device": 0, "count": 12, "sizeMB": 1000},
     {"channel": 0, "device": 12, "sizeMB": 900},
     {"channel": 1, "device": 5, "count": 2, "sizeMB": 1000},
@@ -16,7 +16,7 @@ constexpr const char* drives = R"(
     {"channel": 3, "device": 3, "sizeMB": 1000, "status": "hotspare"})";
 
 Server testServer(const char* utility, const std::string& fields = "") {
-    return ConfServer{utility, drives, fields}.server();
+    return ConfServer{utility, confDrives, fields}.server();
 }
 
 /// The logical drives of the first controller, with what only these utilities tell of them.

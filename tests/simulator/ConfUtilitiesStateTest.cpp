@@ -7,12 +7,6 @@
 namespace zolex_sim::test {
 namespace {
 
-std::string problemOf(const std::string& definition) {
-    Problem problem;
-    readDefinition(definition, problem);
-    return problem.text();
-}
-
 TEST(ConfDefinition, FieldsOfTheFamilies) {
     const Server server = ConfServer{"ARCCONF",
                                      R"({"channel": 1, "device": 4, "count": 2, "sizeMB": 10},

@@ -6,12 +6,6 @@ namespace {
 
 constexpr const char* oneDrive = R"({"enclosure": 8, "slot": 0, "sizeMB": 1000})";
 
-std::string problemOf(const std::string& definition) {
-    Problem problem;
-    readDefinition(definition, problem);
-    return problem.text();
-}
-
 /// A definition with one controller whose fields after "utility" and "model" are given.
 std::string withController(const std::string& fields) {
     return R"({"machineType": "1", "serialNumber": "2", "controllers": [

@@ -7,8 +7,8 @@ namespace zolex_sim::test {
 namespace {
 
 constexpr const char* title = "HyperWin Command Line Utility 1.07\n";
-constexpr const char* succeeded = "Error Code (hex)                : 0000\n";
-constexpr const char* failed = "Error Code (hex)                : 0001\n";
+constexpr const char* successCode = "Error Code (hex)                : 0000\n";
+constexpr const char* failureCode = "Error Code (hex)                : 0001\n";
 
 constexpr const char* twoDrives = R"({"id": 0, "count": 2, "sizeMB": 38154})";
 
@@ -59,7 +59,7 @@ TEST(HyperwinListing, TheAdapter) {
             ASSERT_EQ(hyperwin(server, command).exitCode, 0) << command;
         }
         EXPECT_EQ(hyperwin(server, "/L /D00 ").output,
-                  title + ("Adapter 0\n" + std::string(row.lines)) + succeeded);
+                  title + ("Adapter 0\n" + std::string(row.lines)) + successCode);
     }
 }
 
@@ -124,7 +124,7 @@ TEST(HyperwinCommand, Creates) {
         EXPECT_EQ(result.exitCode, 0) << row.options;
         EXPECT_TRUE(result.changed) << row.options;
         EXPECT_EQ(result.output,
-                  title + std::string("The logical array has been created.\n") + succeeded);
+                  title + std::string("The logical array has been created.\n") + successCode);
         EXPECT_EQ(layoutOf(server), row.result) << row.options;
     }
 }
@@ -170,7 +170,7 @@ TEST(HyperwinCommand, RefusesWithAReasonAndChangesNothing) {
         const PlayResult result = hyperwin(server, row.options);
         EXPECT_EQ(result.exitCode, 1) << row.options;
         EXPECT_FALSE(result.changed) << row.options;
-        EXPECT_EQ(result.output, title + ("Error: " + std::string(row.reason)) + "\n" + failed)
+        EXPECT_EQ(result.output, title + ("Error: " + std::string(row.reason)) + "\n" + failureCode)
             << row.options;
         EXPECT_EQ(dump(server.controllers.front()), before) << row.options;
     }
@@ -211,23 +211,23 @@ TEST(HyperwinCommand, RefusesWhatItDoesNotUnderstand) {
         Server server = serverOf(definitionOf("HYPERWIN", twoDrives));
         const PlayResult result = hyperwin(server, row.command);
         EXPECT_EQ(result.exitCode, 1) << row.command;
-        EXPECT_EQ(result.output, title + ("Error: " + std::string(row.result)) + "\n" + failed)
+        EXPECT_EQ(result.output, title + ("Error: " + std::string(row.result)) + "\n" + failureCode)
             << row.command;
         EXPECT_EQ(layoutOf(server), "") << row.command;
     }
     Server other = serverOf(definitionOf("CFGGEN", ""));
     EXPECT_EQ(hyperwin(other, "/L /D00").output,
-              title + std::string("Error: There is no adapter.\n") + failed);
+              title + std::string("Error: There is no adapter.\n") + failureCode);
 }
 
 TEST(HyperwinCommand, TurnsTheWriteCacheOnAndOff) {
     Server server = serverOf(definitionOf("HYPERWIN", twoDrives));
     ASSERT_EQ(hyperwin(server, "/AM /S").exitCode, 0);
     EXPECT_EQ(hyperwin(server, "/OW").output,
-              title + std::string("The write cache is on.\n") + succeeded);
+              title + std::string("The write cache is on.\n") + successCode);
     EXPECT_EQ(server.controllers[0].logicalDrives[0].writePolicy, WritePolicy::writeBack);
     EXPECT_EQ(hyperwin(server, "/O WR").output,
-              title + std::string("The write cache is off.\n") + succeeded);
+              title + std::string("The write cache is off.\n") + successCode);
     EXPECT_EQ(server.controllers[0].logicalDrives[0].writePolicy, WritePolicy::writeThrough);
 }
 
@@ -239,7 +239,7 @@ TEST(HyperwinCommand, DeletesEverything) {
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_TRUE(result.changed);
         EXPECT_EQ(result.output,
-                  title + std::string("All logical arrays have been deleted.\n") + succeeded);
+                  title + std::string("All logical arrays have been deleted.\n") + successCode);
         EXPECT_EQ(layoutOf(server), "");
     }
 }
@@ -255,7 +255,7 @@ TEST(HyperwinCommand, TheStateIsKeptAcrossRuns) {
     EXPECT_EQ(util("/AM  /S ").exitCode, 1);
     EXPECT_EQ(util("/L /D00 ").output, zolex::test::readTestData("hyperwin-list.txt"));
     EXPECT_EQ(util("/Ea").exitCode, 0);
-    EXPECT_EQ(util("/L /D00 ").output, title + std::string("Adapter 0\n") + succeeded);
+    EXPECT_EQ(util("/L /D00 ").output, title + std::string("Adapter 0\n") + successCode);
 }
 
 } // namespace

@@ -45,7 +45,7 @@ struct Listed {
     Lines changed; ///< once the first of the drives is a solid-state drive
 };
 
-constexpr const char* twoDrives = R"({"PLACE": 1, "ID": 0, "sizeMB": 1000 MEDIUM},
+constexpr const char* twoPlaces = R"({"PLACE": 1, "ID": 0, "sizeMB": 1000 MEDIUM},
                                      {"PLACE": 1, "ID": 1, "sizeMB": 1000})";
 
 std::string replaced(std::string text, const std::string& word, const std::string& by) {
@@ -60,7 +60,7 @@ std::string definition(const Listed& listed, const std::string& medium) {
     const std::string utility = listed.utility;
     const bool isConf = utility == "ARCCONF" || utility == "HRCONF";
     const bool hasSlots = utility == "MEGACLI" || utility == "CFGGEN";
-    std::string drives = replaced(twoDrives, "PLACE", hasSlots ? "enclosure" : "channel");
+    std::string drives = replaced(twoPlaces, "PLACE", hasSlots ? "enclosure" : "channel");
     drives = replaced(drives, "ID", hasSlots ? "slot" : isConf ? "device" : "id");
     drives = replaced(drives, " MEDIUM", medium);
     const std::string level = R"("virtualDisks": [{"level": "RAID1", "spans": [["1:0", "1:1"]]}],)";

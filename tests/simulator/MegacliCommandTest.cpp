@@ -5,7 +5,7 @@ namespace {
 
 // Six drives of two sizes in enclosure 8, two outside every enclosure, and one of each kind that is
 // not free.
-constexpr const char* drives = R"(
+constexpr const char* megaDrives = R"(
     {"enclosure": 8, "slot": 0, "count": 8, "sizeMB": 1000},
     {"enclosure": 8, "slot": 8, "sizeMB": 900},
     {"slot": 0, "count": 2, "sizeMB": 500},
@@ -14,12 +14,12 @@ constexpr const char* drives = R"(
     {"enclosure": 9, "slot": 2, "sizeMB": 1000, "status": "foreign"},
     {"enclosure": 9, "slot": 3, "sizeMB": 1000, "status": "hotspare"})";
 
-Server testServer(const std::string& controller = "") {
-    return serverOf(definitionWith(drives, controller));
+Server megaTestServer(const std::string& controller = "") {
+    return serverOf(definitionWith(megaDrives, controller));
 }
 
 /// What is left of the dump when the drives that no test uses are taken away.
-std::string logicalDrivesOf(const Server& server) {
+std::string raidDrivesOf(const Server& server) {
     const std::string text = dump(server.controllers.front());
     const std::size_t found = text.find("RAID");
     return found == std::string::npos ? "" : text.substr(found);
@@ -55,7 +55,7 @@ TEST(MegacliCommand, Creates) {
         {"-CfgLdAdd R1 [:0,8:1] -a0", "RAID1 [:0,8:1] 500MB 64kB WT NORA"},
     };
     for (const auto& row : rows) {
-        Server server = testServer();
+        Server server = megaTestServer();
         const PlayResult result = megacli(server, row.options);
         EXPECT_EQ(result.output, std::string(37, ' ') +
                                      "\nAdapter 0: Created VD 0\n\n"
@@ -63,7 +63,7 @@ TEST(MegacliCommand, Creates) {
             << row.options;
         EXPECT_EQ(result.exitCode, 0) << row.options;
         EXPECT_TRUE(result.changed) << row.options;
-        EXPECT_EQ(logicalDrivesOf(server), row.result) << row.options;
+        EXPECT_EQ(raidDrivesOf(server), row.result) << row.options;
     }
 }
 
@@ -124,7 +124,7 @@ TEST(MegacliCommand, RefusesWithAReasonAndChangesNothing) {
          "A size of 999999999999999999 MB does not fit: the array has room for 1000 MB."},
     };
     for (const auto& row : rows) {
-        Server server = testServer(
+        Server server = megaTestServer(
             R"("maxSpans": 3, "maxDrivesPerSpan": 6,
                "virtualDisks": [{"level": "RAID0", "spans": [["8:7"]]}],)");
         const std::string before = dump(server.controllers.front());
@@ -141,7 +141,7 @@ TEST(MegacliCommand, RefusesWithAReasonAndChangesNothing) {
 }
 
 TEST(MegacliCommand, RefusesLevelsThatTheModelDoesNotSupport) {
-    Server server = testServer(R"("raidLevels": ["RAID0", "RAID1"],)");
+    Server server = megaTestServer(R"("raidLevels": ["RAID0", "RAID1"],)");
     for (const char* options : {"-CfgLdAdd R5 [8:0,8:1,8:2] -a0",
                                 "-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:2,8:3] -a0"}) {
         const PlayResult result = megacli(server, options);
@@ -152,7 +152,7 @@ TEST(MegacliCommand, RefusesLevelsThatTheModelDoesNotSupport) {
 }
 
 TEST(MegacliCommand, RefusesMoreVirtualDisksThanTheControllerTakes) {
-    Server server = testServer(R"("maxVirtualDisks": 2,)");
+    Server server = megaTestServer(R"("maxVirtualDisks": 2,)");
     EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
     EXPECT_NE(megacli(server, "-CfgLdAdd R0 [8:1] -a0").output.find("Created VD 1\n"),
               std::string::npos);
@@ -160,7 +160,7 @@ TEST(MegacliCommand, RefusesMoreVirtualDisksThanTheControllerTakes) {
     EXPECT_EQ(result.exitCode, 0x1e);
     EXPECT_NE(result.output.find("The controller takes no more than 2 virtual disks."),
               std::string::npos);
-    EXPECT_EQ(logicalDrivesOf(server),
+    EXPECT_EQ(raidDrivesOf(server),
               "RAID0 [8:0] 1000MB 64kB WT NORA | RAID0 [8:1] 1000MB 64kB WT NORA");
 }
 
@@ -245,7 +245,7 @@ TEST(MegacliCommand, RefusesWhatItDoesNotUnderstand) {
         {"-CFGFOREIGN -SCAN -A1", "User specified controller is not present."},
     };
     for (const auto& row : rows) {
-        Server server = testServer();
+        Server server = megaTestServer();
         const std::string before = dump(server.controllers.front());
         const PlayResult result = megacli(server, row.options);
         EXPECT_EQ(result.exitCode, 1) << row.options;
@@ -258,7 +258,7 @@ TEST(MegacliCommand, RefusesWhatItDoesNotUnderstand) {
 }
 
 TEST(MegacliCommand, HotSpares) {
-    Server server = testServer();
+    Server server = megaTestServer();
     const PlayResult result = megacli(server, "-PDHSP { -Set } -PhysDrv[ 8:0,:1 ] -a0");
     EXPECT_EQ(result.output,
               std::string(37, ' ') +
@@ -292,16 +292,15 @@ TEST(MegacliCommand, ZeroIsAnEnclosureWhereThereIsOne) {
     Server server = serverOf(
         definitionWith(R"({"slot": 0, "sizeMB": 10}, {"enclosure": 0, "slot": 0, "sizeMB": 20})"));
     EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [0:0] -a0").exitCode, 0);
-    EXPECT_EQ(logicalDrivesOf(server), "RAID0 [0:0] 20MB 64kB WT NORA");
+    EXPECT_EQ(raidDrivesOf(server), "RAID0 [0:0] 20MB 64kB WT NORA");
     EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [:0] -a0").exitCode, 0);
-    EXPECT_EQ(logicalDrivesOf(server),
-              "RAID0 [0:0] 20MB 64kB WT NORA | RAID0 [:0] 10MB 64kB WT NORA");
+    EXPECT_EQ(raidDrivesOf(server), "RAID0 [0:0] 20MB 64kB WT NORA | RAID0 [:0] 10MB 64kB WT NORA");
 }
 
 // Most servers have several virtual disks on one group of drives. A second one was refused, and a
 // deployment of a captured server stopped half built.
 TEST(MegacliCommand, FurtherVirtualDisksOnAnArray) {
-    Server server = testServer();
+    Server server = megaTestServer();
     const auto add = [&server](const char* options) { return megacli(server, options).exitCode; };
     EXPECT_EQ(add("-CfgLdAdd R5 [8:0,8:1,8:2] -sz500 -a0"), 0);
     EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:2,8:0,8:1] WB {-sz600} -a0").output,
@@ -331,7 +330,7 @@ TEST(MegacliCommand, FurtherVirtualDisksOnAnArray) {
 }
 
 TEST(MegacliCommand, FurtherVirtualDisksOverSpans) {
-    Server server = testServer();
+    Server server = megaTestServer();
     const auto add = [&server](const char* options) { return megacli(server, options).exitCode; };
     EXPECT_EQ(add("-CfgSpanAdd R10 -Array0[8:0,8:1] -Array1[8:2,8:3] -sz500 -a0"), 0);
     EXPECT_EQ(add("-CfgSpanAdd R10 -Array0[8:1,8:0] -Array1[8:2,8:3] -sz600 -a0"), 0);
@@ -343,7 +342,7 @@ TEST(MegacliCommand, FurtherVirtualDisksOverSpans) {
 }
 
 TEST(MegacliCommand, AnArrayWithAFailedDriveTakesNoFurtherVirtualDisk) {
-    Server server = testServer(R"("virtualDisks": [{"level": "RAID5",
+    Server server = megaTestServer(R"("virtualDisks": [{"level": "RAID5",
         "spans": [["8:0", "8:1", "9:1"]], "sizeMB": 100}],)");
     EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:0,8:1,9:1] -sz10 -a0").exitCode, 0x26);
 }
@@ -363,7 +362,7 @@ std::string numbersOf(const Server& server) {
 /// Two logical drives on three drives, one on a drive outside every enclosure, one on a mirror
 /// whose second drive has failed.
 Server serverToThinOut() {
-    return testServer(R"("virtualDisks": [
+    return megaTestServer(R"("virtualDisks": [
         {"level": "RAID5", "spans": [["8:0", "8:1", "8:2"]], "sizeMB": 500},
         {"level": "RAID0", "spans": [[":1"]]},
         {"level": "RAID5", "array": 0, "sizeMB": 600},
@@ -441,7 +440,7 @@ TEST(MegacliCommand, RefusesToDeleteWhatIsNotThere) {
 }
 
 TEST(MegacliCommand, RemovesHotSpares) {
-    Server server = testServer();
+    Server server = megaTestServer();
     EXPECT_EQ(megacli(server, "-PDHSP { -Set } -PhysDrv[ :0,8:3 ] -a0").exitCode, 0);
     // All of them or none.
     const struct {
@@ -483,8 +482,8 @@ TEST(MegacliCommand, RemovesHotSpares) {
 }
 
 TEST(MegacliCommand, ClearsTheConfiguration) {
-    Server server =
-        testServer(R"("virtualDisks": [{"level": "RAID5", "spans": [["8:0", "8:1", "9:1"]]}],)");
+    Server server = megaTestServer(
+        R"("virtualDisks": [{"level": "RAID5", "spans": [["8:0", "8:1", "9:1"]]}],)");
     EXPECT_EQ(dump(server.controllers[0]).find("9:1=failed") != std::string::npos, true);
     const PlayResult result = megacli(server, "-CFGCLR -A0 -SILENT");
     EXPECT_EQ(result.exitCode, 0);
@@ -498,7 +497,7 @@ TEST(MegacliCommand, ClearsTheConfiguration) {
 }
 
 TEST(MegacliCommand, ClearsForeignDrives) {
-    Server server = testServer();
+    Server server = megaTestServer();
     const PlayResult first = megacli(server, "-CFGFOREIGN -CLEAR -A0 -SILENT");
     EXPECT_EQ(first.exitCode, 0);
     EXPECT_TRUE(first.changed);

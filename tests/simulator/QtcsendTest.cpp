@@ -4,14 +4,14 @@
 namespace zolex_sim::test {
 namespace {
 
-constexpr const char* title = "Norvik Kestrix Send Utility 7.12.02\n";
+constexpr const char* qtcsendTitle = "Norvik Kestrix Send Utility 7.12.02\n";
 
 std::string completed(const std::string& text) {
-    return title + text + "\nCommand completed successfully.\n";
+    return qtcsendTitle + text + "\nCommand completed successfully.\n";
 }
 
-std::string failed(const std::string& reason) {
-    return title + ("Error: " + reason) + "\n\nCommand failed.\n";
+std::string failedWith(const std::string& reason) {
+    return qtcsendTitle + ("Error: " + reason) + "\n\nCommand failed.\n";
 }
 
 PlayResult qtcsend(Server& server, const std::string& options) {
@@ -157,12 +157,12 @@ TEST(QtcsendListing, SettingsOfTheController) {
 }
 
 // Ten drives on two channels, and one of each kind that is not free.
-constexpr const char* drives = R"(
+constexpr const char* qtcsendDrives = R"(
     {"channel": 1, "id": 0, "count": 7, "sizeMB": 1000},
     {"channel": 2, "id": 0, "count": 3, "sizeMB": 901},
     {"channel": 4, "id": 0, "sizeMB": 1000, "status": "bad"},
     {"channel": 4, "id": 1, "sizeMB": 1000, "status": "failed"})";
-constexpr const char* notFree = "4:0=bad | 4:1=failed | ";
+constexpr const char* qtcsendNotFree = "4:0=bad | 4:1=failed | ";
 
 TEST(QtcsendCommand, CreatesOnANewArray) {
     const CommandRow rows[] = {
@@ -178,14 +178,14 @@ TEST(QtcsendCommand, CreatesOnANewArray) {
         {"newarray max 5ee 1 0 1 1 1 2 1 3 noprompt", "RAID5EE [1:0,1:1,1:2,1:3] 2000MB"},
     };
     for (const CommandRow& row : rows) {
-        Server server = serverOf(definitionOf("QTCSEND", drives));
+        Server server = serverOf(definitionOf("QTCSEND", qtcsendDrives));
         const PlayResult result =
             qtcsend(server, std::string("CREATE 1 LOGICALDRIVE ") + row.command);
         EXPECT_EQ(result.output, completed("Logical drive 1 has been created on array A.\n"))
             << row.command;
         EXPECT_EQ(result.exitCode, 0) << row.command;
         EXPECT_TRUE(result.changed) << row.command;
-        EXPECT_EQ(layoutOf(server), notFree + std::string(row.result)) << row.command;
+        EXPECT_EQ(layoutOf(server), qtcsendNotFree + std::string(row.result)) << row.command;
         EXPECT_EQ(server.controllers[0].logicalDrives[0].stripeKb, 16);
     }
 }
@@ -215,7 +215,7 @@ TEST(QtcsendCommand, CreatesMoreLogicalDrivesOnAnArray) {
         {"1000 5", "100 10", "RAID10 is not supported by this controller."},
     };
     for (const auto& row : rows) {
-        Server server = serverOf(definitionOf("QTCSEND", drives));
+        Server server = serverOf(definitionOf("QTCSEND", qtcsendDrives));
         ASSERT_EQ(qtcsend(server, std::string("CREATE 1 LOGICALDRIVE NEWARRAY ") + row.first +
                                       " 1 0 1 1 1 2 1 3 NOPROMPT")
                       .exitCode,
@@ -232,7 +232,7 @@ TEST(QtcsendCommand, CreatesMoreLogicalDrivesOnAnArray) {
                       row.result)
                 << row.first << ", " << row.further;
         } else {
-            EXPECT_EQ(result.output, failed(row.result)) << row.first << ", " << row.further;
+            EXPECT_EQ(result.output, failedWith(row.result)) << row.first << ", " << row.further;
             EXPECT_EQ(dump(server.controllers[0]), before);
         }
     }
@@ -240,12 +240,12 @@ TEST(QtcsendCommand, CreatesMoreLogicalDrivesOnAnArray) {
 
 TEST(QtcsendCommand, HalfAMbOfAnOddMirrorIsNotLost) {
     // Three drives of 901 MB keep 1351.5 MB of an enhanced mirror.
-    Server server = serverOf(definitionOf("QTCSEND", drives));
+    Server server = serverOf(definitionOf("QTCSEND", qtcsendDrives));
     ASSERT_EQ(
         qtcsend(server, "CREATE 1 LOGICALDRIVE NEWARRAY 351 1E 2 0 2 1 2 2 NOPROMPT").exitCode, 0);
     ASSERT_EQ(qtcsend(server, "CREATE 1 LOGICALDRIVE A 1001 1E NOPROMPT").exitCode, 0);
     EXPECT_EQ(qtcsend(server, "CREATE 1 LOGICALDRIVE A 1 1E NOPROMPT").output,
-              failed("A size of 1 MB does not fit: the array has room for 0 MB."));
+              failedWith("A size of 1 MB does not fit: the array has room for 0 MB."));
 }
 
 TEST(QtcsendCommand, RefusesWithAReasonAndChangesNothing) {
@@ -278,14 +278,15 @@ TEST(QtcsendCommand, RefusesWithAReasonAndChangesNothing) {
         {"H MAX 5 NOPROMPT", "There is no such array."},
     };
     for (const CommandRow& row : rows) {
-        Server server = serverOf(definitionOf(
-            "QTCSEND", drives, R"("virtualDisks": [{"level": "RAID0", "spans": [["1:6"]]}],)"));
+        Server server =
+            serverOf(definitionOf("QTCSEND", qtcsendDrives,
+                                  R"("virtualDisks": [{"level": "RAID0", "spans": [["1:6"]]}],)"));
         ASSERT_EQ(qtcsend(server, "SETSTATE 1 2 2 HSP").exitCode, 0);
         const std::string before = dump(server.controllers.front());
         const PlayResult result =
             qtcsend(server, std::string("CREATE 1 LOGICALDRIVE ") + row.command);
         EXPECT_EQ(result.exitCode, 1) << row.command;
-        EXPECT_EQ(result.output, failed(row.result)) << row.command;
+        EXPECT_EQ(result.output, failedWith(row.result)) << row.command;
         EXPECT_FALSE(result.changed) << row.command;
         EXPECT_EQ(dump(server.controllers.front()), before) << row.command;
     }
@@ -340,17 +341,17 @@ TEST(QtcsendCommand, RefusesWhatItDoesNotUnderstand) {
         {"SETCONFIG 2 DEFAULT NOPROMPT", "There is no controller 2."},
     };
     for (const CommandRow& row : rows) {
-        Server server = serverOf(definitionOf("QTCSEND", drives));
+        Server server = serverOf(definitionOf("QTCSEND", qtcsendDrives));
         const std::string before = dump(server.controllers.front());
         const PlayResult result = qtcsend(server, row.command);
         EXPECT_EQ(result.exitCode, 1) << row.command;
-        EXPECT_EQ(result.output, failed(row.result)) << row.command;
+        EXPECT_EQ(result.output, failedWith(row.result)) << row.command;
         EXPECT_EQ(dump(server.controllers.front()), before) << row.command;
     }
 }
 
 TEST(QtcsendCommand, HotSpares) {
-    Server server = serverOf(definitionOf("QTCSEND", drives));
+    Server server = serverOf(definitionOf("QTCSEND", qtcsendDrives));
     const PlayResult result = qtcsend(server, "SETSTATE 1 2 1 HSP");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_TRUE(result.changed);
@@ -363,25 +364,25 @@ TEST(QtcsendCommand, HotSpares) {
     };
     for (const CommandRow& row : rows) {
         EXPECT_EQ(qtcsend(server, std::string("SETSTATE ") + row.command).output,
-                  failed(row.result));
+                  failedWith(row.result));
     }
     for (int id = 0; id < 7; ++id) {
         EXPECT_EQ(qtcsend(server, formatted("SETSTATE 1 1 %d HSP", id)).exitCode, 0);
     }
     EXPECT_EQ(qtcsend(server, "SETSTATE 1 2 0 HSP").output,
-              failed("The controller takes no more than 8 hot spares."));
+              failedWith("The controller takes no more than 8 hot spares."));
 }
 
 TEST(QtcsendCommand, TakesEightLogicalDrivesAndEightArrays) {
-    Server server = serverOf(definitionOf("QTCSEND", drives));
+    Server server = serverOf(definitionOf("QTCSEND", qtcsendDrives));
     ASSERT_EQ(qtcsend(server, "CREATE 1 LOGICALDRIVE NEWARRAY 10 0 1 0 NOPROMPT").exitCode, 0);
     for (int number = 2; number <= 8; ++number) {
         EXPECT_EQ(qtcsend(server, "CREATE 1 LOGICALDRIVE A 10 0 NOPROMPT").exitCode, 0);
     }
     EXPECT_EQ(qtcsend(server, "CREATE 1 LOGICALDRIVE A 10 0 NOPROMPT").output,
-              failed("The controller takes no more than 8 virtual disks."));
+              failedWith("The controller takes no more than 8 virtual disks."));
 
-    Server large = serverOf(definitionOf("QTCSEND", drives, R"("maxVirtualDisks": 20,)"));
+    Server large = serverOf(definitionOf("QTCSEND", qtcsendDrives, R"("maxVirtualDisks": 20,)"));
     for (int id = 0; id < 7; ++id) {
         ASSERT_EQ(qtcsend(large, formatted("CREATE 1 LOGICALDRIVE NEWARRAY 10 0 1 %d NOPROMPT", id))
                       .exitCode,
@@ -390,7 +391,7 @@ TEST(QtcsendCommand, TakesEightLogicalDrivesAndEightArrays) {
     EXPECT_EQ(qtcsend(large, "CREATE 1 LOGICALDRIVE NEWARRAY 10 0 2 0 NOPROMPT").output,
               completed("Logical drive 8 has been created on array H.\n"));
     EXPECT_EQ(qtcsend(large, "CREATE 1 LOGICALDRIVE NEWARRAY 10 0 2 1 NOPROMPT").output,
-              failed("The controller takes no more than 8 arrays."));
+              failedWith("The controller takes no more than 8 arrays."));
     EXPECT_EQ(qtcsend(large, "CREATE 1 LOGICALDRIVE H 10 0 NOPROMPT").output,
               completed("Logical drive 9 has been created on array H.\n"));
 }

@@ -139,4 +139,11 @@ inline std::string dump(const Controller& controller) {
     return join(parts, " | ");
 }
 
+/// What is wrong with a definition.
+inline std::string problemOf(const std::string& definition) {
+    Problem problem;
+    readDefinition(definition, problem);
+    return problem.text();
+}
+
 } // namespace zolex_sim::test

@@ -3,13 +3,13 @@
 namespace zolex_sim::test {
 namespace {
 
-constexpr const char* drives = R"({"enclosure": 8, "slot": 0, "count": 4, "sizeMB": 1000})";
+constexpr const char* fourDrives = R"({"enclosure": 8, "slot": 0, "count": 4, "sizeMB": 1000})";
 
 /// A folder with a server; `rest` holds further fields of the server, each after a comma.
 class Simulator : public ::testing::Test {
   protected:
     void define(const std::string& rest) const {
-        folder_.write("server.json", definitionWith(drives, "", rest));
+        folder_.write("server.json", definitionWith(fourDrives, "", rest));
     }
 
     TemporaryFolder folder_;

@@ -6,12 +6,13 @@
 namespace zolex_sim::test {
 namespace {
 
-constexpr const char* drives = R"(
+constexpr const char* stateDrives = R"(
     {"enclosure": 8, "slot": 0, "count": 5, "sizeMB": 1000},
     {"slot": 0, "sizeMB": 500, "status": "failed"})";
 
 TEST(State, KeepsEverythingThatCommandsChange) {
-    const std::string definition = definitionWith(drives, "", R"(, "faults": [{"match": "x"}])");
+    const std::string definition =
+        definitionWith(stateDrives, "", R"(, "faults": [{"match": "x"}])");
     Server server = serverOf(definition);
     EXPECT_EQ(megacli(server, "-CfgLdAdd R5 [8:2,8:1,8:0] WB RA {-sz77} -strpsz 16 -a0").exitCode,
               0);
@@ -31,7 +32,7 @@ TEST(State, KeepsEverythingThatCommandsChange) {
 }
 
 TEST(State, KeepsTheNumbersOfLogicalDrives) {
-    const std::string definition = definitionWith(drives);
+    const std::string definition = definitionWith(stateDrives);
     Server server = serverOf(definition);
     for (const char* command : {"-CfgLdAdd R0 [8:0] -a0", "-CfgLdAdd R0 [8:1] -a0",
                                 "-CfgLdAdd R0 [8:2] -a0", "-CfgLdDel -L0,1 -a0"}) {
@@ -57,7 +58,7 @@ TEST(State, KeepsTheNumbersOfLogicalDrives) {
 
 TEST(State, ReplacesAnInitialConfiguration) {
     const std::string definition =
-        definitionWith(drives, R"("virtualDisks": [{"level": "RAID0", "spans": [["8:0"]]}],)");
+        definitionWith(stateDrives, R"("virtualDisks": [{"level": "RAID0", "spans": [["8:0"]]}],)");
     Server server = serverOf(definition);
     EXPECT_EQ(megacli(server, "-CFGCLR -A0").exitCode, 0);
     Server again = serverOf(definition);
@@ -70,7 +71,7 @@ TEST(State, ReplacesAnInitialConfiguration) {
 
 /// The state of one mirrored pair, with a piece of its text replaced.
 std::string stateWith(const std::string& what, const std::string& instead) {
-    Server server = serverOf(definitionWith(drives));
+    Server server = serverOf(definitionWith(stateDrives));
     EXPECT_EQ(megacli(server, "-CfgLdAdd R1 [8:0,8:1] -a0").exitCode, 0);
     std::string text = writeState(server);
     const std::size_t found = text.find(what);
@@ -120,7 +121,7 @@ TEST(State, DamageIsToldClearly) {
          "controllers[0].arrays: an array holds no logical drive"},
     };
     for (const auto& row : rows) {
-        Server server = serverOf(definitionWith(drives));
+        Server server = serverOf(definitionWith(stateDrives));
         Problem problem;
         readState(row.text, server, problem);
         EXPECT_EQ(problem.text(), row.problem) << row.text;
@@ -144,7 +145,7 @@ TEST(State, DamagedNumbersOfLogicalDrivesAreToldClearly) {
          "controllers[0].logicalDrives[0].number: must be a whole number from 0 to 65535"},
     };
     for (const auto& row : rows) {
-        Server server = serverOf(definitionWith(drives));
+        Server server = serverOf(definitionWith(stateDrives));
         EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
         EXPECT_EQ(megacli(server, "-CfgLdAdd R0 [8:1] -a0").exitCode, 0);
         std::string text = writeState(server);
@@ -162,7 +163,7 @@ TEST(State, EveryTruncationIsFoundDamaged) {
     const std::string whole = stateWith("\"format\"", "\"format\"");
     ASSERT_EQ(whole.back(), '\n');
     for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
-        Server server = serverOf(definitionWith(drives));
+        Server server = serverOf(definitionWith(stateDrives));
         Problem problem;
         readState(whole.substr(0, length), server, problem);
         EXPECT_TRUE(problem.found()) << length;
@@ -170,10 +171,10 @@ TEST(State, EveryTruncationIsFoundDamaged) {
 }
 
 TEST(State, FaultsMayBeAddedAndTakenOut) {
-    Server server = serverOf(definitionWith(drives));
+    Server server = serverOf(definitionWith(stateDrives));
     const std::string before = writeState(server);
-    Server more =
-        serverOf(definitionWith(drives, "", R"(, "faults": [{"match": "a"}, {"match": "b"}])"));
+    Server more = serverOf(
+        definitionWith(stateDrives, "", R"(, "faults": [{"match": "a"}, {"match": "b"}])"));
     Problem problem;
     readState(before, more, problem);
     EXPECT_EQ(problem.text(), "");
@@ -202,7 +203,7 @@ TEST(ServerFolder, DamagedFilesEndEveryCommandWithALine) {
     expect("cannot read the definition file " + definition);
     folder.write("server.json", "{}");
     expect("definition file " + definition + ": machineType: is missing");
-    folder.write("server.json", definitionWith(drives));
+    folder.write("server.json", definitionWith(stateDrives));
     EXPECT_EQ(run({"show"}).exitCode, 0);
     folder.write("state.json", "{}");
     expect("state file " + state +
@@ -215,7 +216,7 @@ TEST(ServerFolder, DamagedFilesEndEveryCommandWithALine) {
 
 TEST(ServerFolder, AFailureAtAnyStepOfSavingLeavesTheOldState) {
     const TemporaryFolder folder;
-    folder.write("server.json", definitionWith(drives));
+    folder.write("server.json", definitionWith(stateDrives));
     Runner run(folder.path());
     EXPECT_EQ(run.util("-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
     const std::string before = folder.read("state.json");
@@ -239,7 +240,7 @@ TEST(ServerFolder, AFailureAtAnyStepOfSavingLeavesTheOldState) {
 
 TEST(ServerFolder, TheStateFileIsWholeAtEveryStepOfSaving) {
     const TemporaryFolder folder;
-    folder.write("server.json", definitionWith(drives));
+    folder.write("server.json", definitionWith(stateDrives));
     Runner run(folder.path());
     EXPECT_EQ(run.util("-CfgLdAdd R0 [8:0] -a0").exitCode, 0);
     const std::string before = folder.read("state.json");
@@ -258,7 +259,7 @@ TEST(ServerFolder, TheStateFileIsWholeAtEveryStepOfSaving) {
 
 TEST(ServerFolder, RefusedAndReadingCommandsDoNotTouchTheStateFile) {
     const TemporaryFolder folder;
-    folder.write("server.json", definitionWith(drives));
+    folder.write("server.json", definitionWith(stateDrives));
     const Runner run(folder.path());
     for (const char* options : {"-pdList -a0", "-LdPdInfo -a0", "-AdpAllInfo -a0", "-CFGCLR -A1",
                                 "-CfgLdAdd R5 [8:0] -a0", "-CFGFOREIGN -CLEAR -A0"}) {

@@ -3,7 +3,7 @@
 namespace zolex_sim::test {
 namespace {
 
-constexpr const char* mixedDrives = R"(
+constexpr const char* storcliDrives = R"(
     {"enclosure": 252, "slot": 0, "count": 6, "sectors": 4194304, "rawSectors": 6291456},
     {"enclosure": 252, "slot": 6, "sectors": 2097152, "rawSectors": 6291456},
     {"enclosure": 252, "slot": 7, "sectors": 4194304, "interface": "SATA"},
@@ -18,7 +18,7 @@ constexpr const char* mixedDrives = R"(
 constexpr const char* foreignDrive = R"(, "foreign": [{"drives": ["252:13"]}])";
 
 Server mixedServer(const std::string& more = "") {
-    return serverOf(storcliDefinition(mixedDrives, foreignDrive + more));
+    return serverOf(storcliDefinition(storcliDrives, foreignDrive + more));
 }
 
 /// The virtual drives of the first controller, without its drives.

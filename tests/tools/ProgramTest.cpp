@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 
 #include "support/TemporaryDirectory.h"
+#include "tools/Environment.h"
 
 #include <gtest/gtest.h>
 
@@ -13,13 +14,7 @@
 namespace zolex {
 namespace {
 
-void setVariable(const char* name, const std::string& value) {
-#ifdef _WIN32
-    _putenv_s(name, value.c_str());
-#else
-    ::setenv(name, value.c_str(), 1);
-#endif
-}
+using test::setVariable;
 
 /// The program in the current directory, with values in the folder "dmi".
 class DetectorProgram : public ::testing::Test {

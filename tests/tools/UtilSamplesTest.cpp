@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 
 #include "support/TemporaryDirectory.h"
+#include "tools/Environment.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,8 @@
 namespace zolex {
 namespace {
 
+using test::setVariable;
+
 namespace fs = std::filesystem;
 
 #ifdef _WIN32
@@ -24,18 +27,10 @@ constexpr const char* suffix = ".exe";
 const std::vector<std::string> samples = {"util-windows"};
 /// Separates the folders of PATH.
 constexpr const char* separator = ";";
-
-void setVariable(const std::string& name, const std::string& value) {
-    _putenv_s(name.c_str(), value.c_str());
-}
 #else
 constexpr const char* suffix = "";
 const std::vector<std::string> samples = {"util-sh", "util-linux"};
 constexpr const char* separator = ":";
-
-void setVariable(const std::string& name, const std::string& value) {
-    ::setenv(name.c_str(), value.c_str(), 1);
-}
 #endif
 
 /// The text of a sample as it is shipped: with the line ends of the system.

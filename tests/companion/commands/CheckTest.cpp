@@ -1,4 +1,5 @@
 #include "companion/commands/Commands.h"
+#include "companion/commands/FilesPlatform.h"
 #include "companion/commands/PolicyFiles.h"
 #include "companion/recording/RecordedRuns.h"
 #include "companion/support/KeptDocument.h"
@@ -14,12 +15,6 @@
 
 namespace zolex::companion {
 namespace {
-
-class FilesPlatform : public zolex::test::FakePlatform {
-  public:
-    FileSystem& files() override { return standardFiles; }
-    StandardFileSystem standardFiles;
-};
 
 const std::string sound = "[Policy.web]\n"
                           "AppliesTo.1 = ALL\n";
@@ -61,7 +56,7 @@ class CheckTest : public testing::Test {
     }
 
     zolex::test::TemporaryDirectory folder;
-    FilesPlatform platform;
+    test::FilesPlatform platform;
     Context context{platform, {}, Format::text, {}, {}, {}, false, false, {"check", "p.ini"}};
 };
 

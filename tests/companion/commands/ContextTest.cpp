@@ -1,5 +1,6 @@
 #include "companion/commands/Context.h"
 
+#include "companion/commands/FilesPlatform.h"
 #include "support/FakePlatform.h"
 #include "support/TemporaryDirectory.h"
 
@@ -8,18 +9,12 @@
 namespace zolex::companion {
 namespace {
 
-class FilesPlatform : public test::FakePlatform {
-  public:
-    FileSystem& files() override { return standardFiles; }
-    StandardFileSystem standardFiles;
-};
-
 Context contextOn(Platform& platform) {
     return {platform, {}, Format::text, {}, {}, {}, false, false, {}};
 }
 
 TEST(Context, DeliversToStandardOutput) {
-    test::FakePlatform platform;
+    zolex::test::FakePlatform platform;
     Context context = contextOn(platform);
     EXPECT_TRUE(deliver(context, "text\n"));
     context.outputFile = "-";
@@ -30,12 +25,12 @@ TEST(Context, DeliversToStandardOutput) {
 }
 
 TEST(Context, DeliversToTheOutputFileAlone) {
-    const test::TemporaryDirectory directory;
-    FilesPlatform platform;
+    const zolex::test::TemporaryDirectory directory;
+    test::FilesPlatform platform;
     Context context = contextOn(platform);
     context.outputFile = "a.txt";
     EXPECT_TRUE(deliver(context, "text"));
-    EXPECT_EQ(test::TemporaryDirectory::read("a.txt"), "text");
+    EXPECT_EQ(zolex::test::TemporaryDirectory::read("a.txt"), "text");
     EXPECT_EQ(platform.consoleFake.output, "");
     context.outputFile = "none/a.txt";
     EXPECT_FALSE(deliver(context, "text"));
@@ -46,7 +41,7 @@ TEST(Context, DeliversToTheOutputFileAlone) {
 }
 
 TEST(Context, TellsWhatFailedAndWhatToDo) {
-    test::FakePlatform platform;
+    zolex::test::FakePlatform platform;
     Context context = contextOn(platform);
     EXPECT_EQ(failWith(context, "this"), 2);
     EXPECT_EQ(failWith(context, "that", "do this"), 2);

@@ -54,8 +54,8 @@ std::string pathOf(const std::string& name) {
     return (system::isWindows ? "tools\\" : "tools/") + name;
 }
 
-Examined run(SimulatedPlatform& platform, Format format = Format::text, bool verbose = false,
-             MachineOptions machine = {}) {
+Examined runDoctor(SimulatedPlatform& platform, Format format = Format::text, bool verbose = false,
+                   MachineOptions machine = {}) {
     machine.utilitiesFolder = "tools";
     platform.consoleFake.output.clear();
     platform.consoleFake.error.clear();
@@ -71,7 +71,7 @@ Examined run(SimulatedPlatform& platform, Format format = Format::text, bool ver
 Examined runWrapped(SimulatedPlatform& platform, Format format = Format::text) {
     addFile(platform, "UTIL.BAT");
     addFile(platform, "hwdetect.exe");
-    return run(platform, format);
+    return runDoctor(platform, format);
 }
 
 /// What stands behind the table: the findings.
@@ -114,7 +114,7 @@ TEST(Doctor, FindsUtilitiesByTheirOwnNames) {
         addFile(platform, name + exe);
     }
     addFile(platform, "hwdetect.exe");
-    const Examined examined = run(platform);
+    const Examined examined = runDoctor(platform);
     EXPECT_EQ(examined.code, exit_code::done) << examined.output;
     EXPECT_NE(examined.output.find(
                   "UTIL.BAT        missing not needed: utilities are found by their own names\n"),
@@ -186,7 +186,7 @@ TEST(Doctor, OnARecordingItTellsWhatItToldOfTheMachine) {
         platform.devices.clear();
         platform.children.clear();
         platform.now = {2001, 1, 1, 0, 0, 0};
-        const Examined replayed = run(platform, Format::text, false, options);
+        const Examined replayed = runDoctor(platform, Format::text, false, options);
         EXPECT_EQ(withoutTimes(replayed.output), withoutTimes(live.output));
         EXPECT_EQ(replayed.code, live.code);
         EXPECT_TRUE(platform.children.empty());
@@ -205,7 +205,7 @@ TEST(Doctor, ARecordingWithoutTheVerbTellsNothingOfExitCodes) {
     ASSERT_EQ(show(context, {}), exit_code::done);
     MachineOptions options;
     options.recording = "kept.zrec";
-    const Examined examined = run(platform, Format::text, false, options);
+    const Examined examined = runDoctor(platform, Format::text, false, options);
     EXPECT_EQ(examined.code, exit_code::done) << examined.output;
     EXPECT_TRUE(examined.output.starts_with("UTIL.BAT        ok      " + pathOf("UTIL.BAT") + "\n"))
         << examined.output;
@@ -257,7 +257,7 @@ TEST(Doctor, AProgramOfTheUserThatLosesExitCodesIsFoundToo) {
     addFile(platform, "hwdetect.exe");
     MachineOptions options;
     options.utilities["MEGACLI"] = "/opt/my tools/MegaCli64";
-    const Examined examined = run(platform, Format::text, false, options);
+    const Examined examined = runDoctor(platform, Format::text, false, options);
     EXPECT_EQ(examined.code, exit_code::found);
     EXPECT_NE(examined.output.find("MEGACLI         FAIL    controller 1: LSI MegaRAID SAS 8480E, "
                                    "firmware\n                        1.11.50-0300; /opt/my "
@@ -270,7 +270,7 @@ TEST(Doctor, AUtilityThatIsNeededAndMissingIsToldOnce) {
     SimulatedPlatform platform("two-controllers");
     addFile(platform, "hwdetect.exe");
     addFile(platform, system::isWindows ? "arcconf.exe" : "arcconf");
-    const Examined examined = run(platform);
+    const Examined examined = runDoctor(platform);
     EXPECT_EQ(examined.code, exit_code::found);
     EXPECT_NE(
         examined.output.find("MEGACLI         MISSING controller 1: LSI-MegaRAID-8480 needs it\n"
@@ -286,7 +286,7 @@ TEST(Doctor, AUtilityThatIsNeededAndMissingIsToldOnce) {
         doctor
 1 finding. To report: zolexctl record --redact -o report.zrec
 )");
-    keepDocument("doctor-missing", run(platform, Format::json).output);
+    keepDocument("doctor-missing", runDoctor(platform, Format::json).output);
 }
 
 TEST(Doctor, AUtilityThatFailsIsToldWithWhatItPrinted) {
@@ -361,7 +361,7 @@ TEST(Doctor, KeysThatAreNotKnownAreCounted) {
                         "  -adpallinfo "),
               std::string::npos)
         << brief.output;
-    const Examined verbose = run(platform, Format::text, true);
+    const Examined verbose = runDoctor(platform, Format::text, true);
     EXPECT_NE(verbose.output.find("\"Drive has flagged an odd thing\""), std::string::npos)
         << verbose.output;
     keepDocument("doctor-unknown-keys", runWrapped(platform, Format::json).output);
@@ -393,7 +393,7 @@ TEST(Doctor, ADetectorThatFailsIsAFindingAndTheOptionsAreNone) {
     platform.server.detectorExitCode = 2;
     addFile(platform, "UTIL.BAT");
     addFile(platform, "hwdetect.exe");
-    const Examined examined = run(platform);
+    const Examined examined = runDoctor(platform);
     EXPECT_EQ(examined.code, exit_code::found);
     EXPECT_NE(examined.output.find(
                   "hwdetect.exe    FAIL    hwdetect.exe /i ended with exit code 2; machine type"),
@@ -402,7 +402,7 @@ TEST(Doctor, ADetectorThatFailsIsAFindingAndTheOptionsAreNone) {
     MachineOptions options;
     options.machineType = "8837";
     options.serialNumber = "KQ1";
-    const Examined given = run(platform, Format::text, false, options);
+    const Examined given = runDoctor(platform, Format::text, false, options);
     EXPECT_EQ(given.code, exit_code::done);
     EXPECT_NE(
         given.output.find("hwdetect.exe    ok      machine type 8837, serial KQ1 (options)\n"),
@@ -438,12 +438,12 @@ TEST(Doctor, AControllerThatDoesNotExistIsRefusedInADocumentToo) {
     addFile(platform, "UTIL.BAT");
     MachineOptions options;
     options.controllers = {9};
-    const Examined text = run(platform, Format::text, false, options);
+    const Examined text = runDoctor(platform, Format::text, false, options);
     EXPECT_EQ(text.code, exit_code::notPossible);
     EXPECT_EQ(text.output, "");
     EXPECT_EQ(text.error, "error: there is no controller 9: this machine has one, number 1\n"
                           "  help: zolexctl doctor looks at all that there are\n");
-    const Examined json = run(platform, Format::json, false, options);
+    const Examined json = runDoctor(platform, Format::json, false, options);
     EXPECT_EQ(json.code, exit_code::notPossible);
     EXPECT_NE(json.output.find("\"there is no controller 9: this machine has one, number 1\""),
               std::string::npos);
@@ -456,7 +456,7 @@ TEST(Doctor, ControllersThatWereNotAskedAreSaidSo) {
     options.controllers = {1};
     addFile(platform, "UTIL.BAT");
     addFile(platform, "hwdetect.exe");
-    const Examined examined = run(platform, Format::text, false, options);
+    const Examined examined = runDoctor(platform, Format::text, false, options);
     EXPECT_EQ(examined.code, exit_code::done);
     EXPECT_NE(examined.output.find("ARCCONF         -       its controllers were not asked\n"),
               std::string::npos);

@@ -17,7 +17,7 @@ namespace {
 
 using test::SimulatedPlatform;
 
-struct Ran {
+struct HybridRan {
     int code = -1;
     std::string output;
     std::string error;
@@ -58,9 +58,9 @@ std::string oneCardOfBoth() {
 const std::vector<std::string> ofBoth = {"UTIL.BAT", "hwdetect.exe", "storcli64", "storcli64.exe",
                                          "MegaCli64"};
 
-Ran run(SimulatedPlatform& platform, const std::function<int(Context&)>& command,
-        std::map<std::string, std::string> utilities = {},
-        const std::vector<std::string>& programs = ofBoth) {
+HybridRan runHybrid(SimulatedPlatform& platform, const std::function<int(Context&)>& command,
+                    std::map<std::string, std::string> utilities = {},
+                    const std::vector<std::string>& programs = ofBoth) {
     for (const char* const folder : {"tools/", "tools\\"}) {
         for (const std::string& program : programs) {
             platform.fileFake.files[folder + program] = "";
@@ -73,22 +73,22 @@ Ran run(SimulatedPlatform& platform, const std::function<int(Context&)>& command
     platform.consoleFake.error.clear();
     platform.children.clear();
     Context context{platform, machine, Format::text, "", {}, {}, false, false, {"show"}};
-    Ran ran;
+    HybridRan ran;
     ran.code = command(context);
     ran.output = platform.consoleFake.output;
     ran.error = platform.consoleFake.error;
     return ran;
 }
 
-Ran shown(SimulatedPlatform& platform) {
-    return run(platform, [](Context& context) { return show(context, {}); });
+HybridRan shownHybrid(SimulatedPlatform& platform) {
+    return runHybrid(platform, [](Context& context) { return show(context, {}); });
 }
 
-Ran planned(SimulatedPlatform& platform, const std::string& policies) {
+HybridRan planned(SimulatedPlatform& platform, const std::string& policies) {
     platform.fileFake.files["site.ini"] = policies;
     PlanOptions options;
     options.file = "site.ini";
-    return run(platform, [&](Context& context) { return plan(context, options); });
+    return runHybrid(platform, [&](Context& context) { return plan(context, options); });
 }
 
 bool holds(const std::string& text, const std::string& part) {
@@ -118,7 +118,7 @@ Logical.1 = A:FILL:1
 
 TEST(Hybrid, EachCardHasItsUtility) {
     SimulatedPlatform platform(bothCards());
-    const Ran ran = shown(platform);
+    const HybridRan ran = shownHybrid(platform);
     EXPECT_EQ(ran.code, exit_code::done) << ran.error;
     EXPECT_TRUE(holds(ran.output, "\nController 1  LSI MegaRAID SAS 8480E (LSI-MegaRAID-8480)"))
         << ran.output;
@@ -131,7 +131,7 @@ TEST(Hybrid, EachCardHasItsUtility) {
 
 TEST(Hybrid, DoctorLooksAtBoth) {
     SimulatedPlatform platform(bothCards());
-    const Ran ran = run(platform, doctor);
+    const HybridRan ran = runHybrid(platform, doctor);
     EXPECT_TRUE(holds(ran.output, "\nMEGACLI         ok      controller 1: ")) << ran.output;
     EXPECT_TRUE(holds(ran.output, "\nSTORCLI         ok      controller 2: ")) << ran.output;
     EXPECT_TRUE(holds(ran.output, "007.2507.0000.0000\n")) << ran.output;
@@ -141,7 +141,7 @@ TEST(Hybrid, DoctorLooksAtBoth) {
 
 TEST(Hybrid, OnePlanForBoth) {
     SimulatedPlatform platform(bothCards());
-    const Ran ran = planned(platform, policiesOfBoth);
+    const HybridRan ran = planned(platform, policiesOfBoth);
     EXPECT_EQ(ran.code, exit_code::done) << ran.output << ran.error;
     EXPECT_TRUE(holds(ran.output, "UTIL.BAT MEGACLI ")) << ran.output;
     EXPECT_TRUE(holds(ran.output, "STORCLI /c0 add vd r1 drives=252:12,252:13 ")) << ran.output;
@@ -149,12 +149,12 @@ TEST(Hybrid, OnePlanForBoth) {
 
 TEST(Hybrid, StorcliDrivesACardThatBothDrive) {
     SimulatedPlatform platform(oneCardOfBoth());
-    Ran ran = shown(platform);
+    HybridRan ran = shownHybrid(platform);
     EXPECT_EQ(ran.code, exit_code::done) << ran.error;
     EXPECT_TRUE(holds(ran.output, "\nController 1  MegaRAID N3916-16i 8GB ")) << ran.output;
     EXPECT_FALSE(holds(ran.output, "Controller 2")) << ran.output;
     EXPECT_FALSE(hasAsked(platform, "MEGACLI"));
-    ran = run(platform, doctor);
+    ran = runHybrid(platform, doctor);
     EXPECT_EQ(ran.code, exit_code::done) << ran.output;
     EXPECT_TRUE(holds(ran.output,
                       "note: machine: controller 1 is driven by STORCLI and by MEGACLI: STORCLI is "
@@ -170,7 +170,7 @@ TEST(Hybrid, StorcliDrivesACardThatBothDrive) {
 
 TEST(Hybrid, TheOneThatIsNamedDrivesIt) {
     SimulatedPlatform platform(oneCardOfBoth());
-    const Ran ran = run(platform, doctor, {{"MEGACLI", "tools/MegaCli64"}});
+    const HybridRan ran = runHybrid(platform, doctor, {{"MEGACLI", "tools/MegaCli64"}});
     EXPECT_TRUE(hasAsked(platform, "MegaCli64"));
     EXPECT_TRUE(holds(ran.output,
                       "note: machine: controller 1 is driven by STORCLI and by MEGACLI: "
@@ -184,7 +184,7 @@ TEST(Hybrid, TheNextGenerationAloneIsAsNoController) {
     SimulatedPlatform platform("storcli");
     platform.devices.front().deviceId = 0x00a5;
     const std::vector<std::string> programs = {"hwdetect.exe", "storcli2", "storcli2.exe"};
-    Ran ran = run(
+    HybridRan ran = runHybrid(
         platform, [](Context& context) { return show(context, {}); }, {}, programs);
     EXPECT_EQ(ran.code, exit_code::done);
     EXPECT_EQ(ran.error,
@@ -192,7 +192,7 @@ TEST(Hybrid, TheNextGenerationAloneIsAsNoController) {
               "note: PCI 0000:c1:00.0: a RAID controller (1000:00a5:1000:4000) is on the "
               "bus, of the utility STORCLI2, which zolexctl does not drive yet\n");
     EXPECT_FALSE(hasAsked(platform, "storcli"));
-    ran = run(platform, doctor, {}, programs);
+    ran = runHybrid(platform, doctor, {}, programs);
     EXPECT_EQ(ran.code, exit_code::found);
     EXPECT_TRUE(holds(ran.output, "note: STORCLI2: ")) << ran.output;
     EXPECT_TRUE(holds(ran.output, " is there, and zolexctl does not drive it yet")) << ran.output;
@@ -200,7 +200,7 @@ TEST(Hybrid, TheNextGenerationAloneIsAsNoController) {
     platform.fileFake.files["site.ini"] = policiesOfBoth;
     PlanOptions options;
     options.file = "site.ini";
-    ran = run(
+    ran = runHybrid(
         platform, [&](Context& context) { return plan(context, options); }, {}, programs);
     EXPECT_EQ(ran.code, exit_code::notPossible);
     EXPECT_EQ(ran.error, "error: no supported RAID controller was found\n"

@@ -28,7 +28,8 @@ struct Ran {
     std::string error;
 };
 
-Ran run(SimulatedPlatform& platform, Format format, const std::function<int(Context&)>& command) {
+Ran runCommand(SimulatedPlatform& platform, Format format,
+               const std::function<int(Context&)>& command) {
     for (const char* const folder : {"tools/", "tools\\"}) {
         for (const char* const program : {"UTIL.BAT", "hwdetect.exe"}) {
             platform.fileFake.files[std::string(folder) + program] = "";
@@ -49,7 +50,7 @@ Ran run(SimulatedPlatform& platform, Format format, const std::function<int(Cont
 Ran shown(SimulatedPlatform& platform, Format format, const std::string& file) {
     ShowOptions options;
     options.file = file;
-    return run(platform, format, [&](Context& context) { return show(context, options); });
+    return runCommand(platform, format, [&](Context& context) { return show(context, options); });
 }
 
 Ran compared(SimulatedPlatform& platform, Format format, const std::string& file,
@@ -57,7 +58,7 @@ Ran compared(SimulatedPlatform& platform, Format format, const std::string& file
     DiffOptions options;
     options.file = file;
     options.strict = strict;
-    return run(platform, format, [&](Context& context) { return diff(context, options); });
+    return runCommand(platform, format, [&](Context& context) { return diff(context, options); });
 }
 
 TEST(FileKind, IsToldByTheBeginOfAFile) {

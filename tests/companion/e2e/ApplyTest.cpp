@@ -18,12 +18,6 @@ namespace fs = std::filesystem;
 
 using companion::test::keepDocument;
 
-/// Every sample; together they have all seven utilities.
-std::vector<std::string> sampleNames() {
-    return {"single", "enclosures", "two-controllers", "later",       "configured", "arcconf",
-            "hrconf", "qtcsend",    "cfggen",          "cfggen-scsi", "hyperwin",   "mixed"};
-}
-
 std::string nameOf(const testing::TestParamInfo<std::string>& name) {
     std::string word = name.param;
     word.erase(std::remove(word.begin(), word.end(), '-'), word.end());

@@ -59,7 +59,7 @@ class GuardedServer : public PlannedServer {
 constexpr const char* notStarted = "error: zolex was not started, and nothing was changed\n";
 
 /// A server, what stands on it, a command line of zolex, and what guard says of it.
-struct Danger {
+struct GuardedDanger {
     const char* name;
     std::string definition;
     std::string deployed; ///< policies; empty: nothing stands
@@ -68,10 +68,6 @@ struct Danger {
     int exitCode;
     std::vector<std::string> pieces; ///< of standard error, in this order
 };
-
-std::string eight() {
-    return megaServer(eightDrives);
-}
 
 std::string controllerOf(int bus, const std::string& drives) {
     return R"({"utility": "MEGACLI", "model": "LSI-MegaRAID-8480",
@@ -91,22 +87,7 @@ std::string twoControllers(int drives) {
            controllerOf(2, each) + "," + controllerOf(10, each) + "]}";
 }
 
-/// Pairs of drives as arrays, each a mirror.
-std::string mirrors(int count, const std::string& spares) {
-    std::string text = "[Policy.x]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n";
-    for (int i = 0; i < count; ++i) {
-        text += std::string("Array.") + static_cast<char>('A' + i) + " = " +
-                std::to_string(2 * i + 1) + "," + std::to_string(2 * i + 2) + "\n";
-    }
-    text += "Hotspares = " + spares + "\nLogical_Mode = CUSTOM\n";
-    for (int i = 0; i < count; ++i) {
-        text += "Logical." + std::to_string(i + 1) + " = " + static_cast<char>('A' + i) +
-                ":FILL:1:ON\n";
-    }
-    return text;
-}
-
-std::vector<Danger> dangers() {
+std::vector<GuardedDanger> guardedDangers() {
     const std::string failedDrive = megaServer(R"(
         {"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 69376},
         {"enclosure": 32, "slot": 2, "sizeMB": 69376, "status": "failed"},
@@ -360,10 +341,10 @@ std::vector<Danger> dangers() {
     };
 }
 
-class GuardDanger : public testing::TestWithParam<Danger> {};
+class GuardDanger : public testing::TestWithParam<GuardedDanger> {};
 
 TEST_P(GuardDanger, KeepsZolexFromTheServer) {
-    const Danger& danger = GetParam();
+    const GuardedDanger& danger = GetParam();
     GuardedServer server(danger.definition, danger.deployed);
     server.write("p.ini", danger.policies);
     const std::string before = server.read("state.json");
@@ -374,8 +355,8 @@ TEST_P(GuardDanger, KeepsZolexFromTheServer) {
     EXPECT_EQ(server.read("state.json"), before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Server, GuardDanger, testing::ValuesIn(dangers()),
-                         [](const testing::TestParamInfo<Danger>& danger) {
+INSTANTIATE_TEST_SUITE_P(Server, GuardDanger, testing::ValuesIn(guardedDangers()),
+                         [](const testing::TestParamInfo<GuardedDanger>& danger) {
                              return danger.param.name;
                          });
 

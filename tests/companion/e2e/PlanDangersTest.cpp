@@ -15,17 +15,13 @@ namespace {
 namespace fs = std::filesystem;
 
 /// A server, policies for it, and what a plan says.
-struct Danger {
+struct PlannedDanger {
     const char* name;
     std::string definition;
     std::string policies;
     int exitCode;
     std::vector<std::string> pieces; ///< of the text, in this order
 };
-
-std::string eight() {
-    return megaServer(eightDrives);
-}
 
 constexpr const char* nothingWouldRun = "! Nothing would run: 1 error, on controller 1.";
 
@@ -43,22 +39,7 @@ std::string twoControllers() {
            controller(2) + "," + controller(10) + "]}";
 }
 
-/// Pairs of drives as arrays, each a mirror.
-std::string mirrors(int count, const std::string& spares) {
-    std::string text = "[Policy.x]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n";
-    for (int i = 0; i < count; ++i) {
-        text += std::string("Array.") + static_cast<char>('A' + i) + " = " +
-                std::to_string(2 * i + 1) + "," + std::to_string(2 * i + 2) + "\n";
-    }
-    text += "Hotspares = " + spares + "\nLogical_Mode = CUSTOM\n";
-    for (int i = 0; i < count; ++i) {
-        text += "Logical." + std::to_string(i + 1) + " = " + static_cast<char>('A' + i) +
-                ":FILL:1:ON\n";
-    }
-    return text;
-}
-
-std::vector<Danger> dangers() {
+std::vector<PlannedDanger> plannedDangers() {
     const std::string failedDrive = megaServer(R"(
         {"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 69376},
         {"enclosure": 32, "slot": 2, "sizeMB": 69376, "status": "failed"},
@@ -175,10 +156,10 @@ std::vector<Danger> dangers() {
     };
 }
 
-class PlanDanger : public testing::TestWithParam<Danger> {};
+class PlanDanger : public testing::TestWithParam<PlannedDanger> {};
 
 TEST_P(PlanDanger, IsTold) {
-    const Danger& danger = GetParam();
+    const PlannedDanger& danger = GetParam();
     PlannedServer server(danger.definition);
     server.write("p.ini", danger.policies);
     const ProgramRun plan = server.zolexctl({"plan", "p.ini", "--width", "80"});
@@ -191,8 +172,8 @@ TEST_P(PlanDanger, IsTold) {
     EXPECT_EQ(json.output.find("\"steps\": [") != std::string::npos, danger.exitCode == 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Server, PlanDanger, testing::ValuesIn(dangers()),
-                         [](const testing::TestParamInfo<Danger>& danger) {
+INSTANTIATE_TEST_SUITE_P(Server, PlanDanger, testing::ValuesIn(plannedDangers()),
+                         [](const testing::TestParamInfo<PlannedDanger>& danger) {
                              return danger.param.name;
                          });
 

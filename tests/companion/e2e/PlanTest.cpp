@@ -18,11 +18,6 @@ namespace fs = std::filesystem;
 
 using companion::test::keepDocument;
 
-std::vector<std::string> sampleNames() {
-    return {"single", "enclosures", "two-controllers", "later",       "configured", "arcconf",
-            "hrconf", "qtcsend",    "cfggen",          "cfggen-scsi", "hyperwin",   "mixed"};
-}
-
 class PlanOfASample : public testing::TestWithParam<std::string> {};
 
 /// Before, plan tells what is to be done; when zolex has done it, there is nothing to do.

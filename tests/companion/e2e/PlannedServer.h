@@ -127,4 +127,30 @@ inline void expectPieces(const std::string& text, const std::vector<std::string>
     }
 }
 
+/// Every sample; together they have all seven utilities.
+inline std::vector<std::string> sampleNames() {
+    return {"single", "enclosures", "two-controllers", "later",       "configured", "arcconf",
+            "hrconf", "qtcsend",    "cfggen",          "cfggen-scsi", "hyperwin",   "mixed"};
+}
+
+/// A server with eight equal drives.
+inline std::string eight() {
+    return megaServer(eightDrives);
+}
+
+/// Pairs of drives as arrays, each a mirror.
+inline std::string mirrors(int count, const std::string& spares) {
+    std::string text = "[Policy.x]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n";
+    for (int i = 0; i < count; ++i) {
+        text += std::string("Array.") + static_cast<char>('A' + i) + " = " +
+                std::to_string(2 * i + 1) + "," + std::to_string(2 * i + 2) + "\n";
+    }
+    text += "Hotspares = " + spares + "\nLogical_Mode = CUSTOM\n";
+    for (int i = 0; i < count; ++i) {
+        text += "Logical." + std::to_string(i + 1) + " = " + static_cast<char>('A' + i) +
+                ":FILL:1:ON\n";
+    }
+    return text;
+}
+
 } // namespace zolex::e2e

@@ -23,7 +23,7 @@ std::string tellings(const std::vector<Finding>& findings) {
     return text;
 }
 
-std::string layoutOfPlan(const MachinePlan& plan) {
+std::string layoutTextOfPlan(const MachinePlan& plan) {
     std::string text;
     for (const ControllerPlanning& planning : plan.controllers) {
         for (const std::string& line : layoutLines(planning.after)) {
@@ -102,7 +102,7 @@ Logical.1 = A:FILL:1
 Logical.2 = B:102400:5
 Logical.3 = B:FILL:5
 )") << tellings(back.findings);
-    EXPECT_EQ(layoutOfPlan(server.plan(back.text)), layoutOfPlan(plan));
+    EXPECT_EQ(layoutTextOfPlan(server.plan(back.text)), layoutTextOfPlan(plan));
 }
 
 TEST(StorcliIronic, KeepsTheLayoutsOfServersThatAreSetUp) {

@@ -20,6 +20,17 @@ namespace zolex::companion::test {
 
 using Lines = std::vector<std::string>;
 
+// Policies files of the runs.
+inline constexpr const char* onePolicy = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n";
+inline constexpr const char* twoArrays = "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
+                                         "Array.A = 1,2\nArray.B = 3,4,5\nHotspares = 6\n"
+                                         "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1\n"
+                                         "Logical.2 = B:FILL:5\n";
+inline constexpr const char* otherArrays = "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
+                                           "Array.A = 1,2,3\nArray.B = 4,5\nHotspares = 6\n"
+                                           "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:5\n"
+                                           "Logical.2 = B:FILL:1\n";
+
 /// A journal in memory, as it stands on the disk.
 struct JournalDisk {
     std::vector<JournalEntry> entries;

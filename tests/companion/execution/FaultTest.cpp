@@ -12,16 +12,9 @@ namespace {
 using test::ApplyBench;
 using test::endLines;
 using test::Lines;
+using test::otherArrays;
+using test::twoArrays;
 using test::WriteFault;
-
-constexpr const char* twoArrays = "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
-                                  "Array.A = 1,2\nArray.B = 3,4,5\nHotspares = 6\n"
-                                  "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1\n"
-                                  "Logical.2 = B:FILL:5\n";
-constexpr const char* otherArrays = "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
-                                    "Array.A = 1,2,3\nArray.B = 4,5\nHotspares = 6\n"
-                                    "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:5\n"
-                                    "Logical.2 = B:FILL:1\n";
 
 class Faults : public testing::Test {
   protected:

@@ -9,8 +9,7 @@ namespace {
 
 using test::ApplyBench;
 using test::Lines;
-
-constexpr const char* onePolicy = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n";
+using test::onePolicy;
 
 class ForeseenSample : public testing::TestWithParam<std::string> {
   protected:

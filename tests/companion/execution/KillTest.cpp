@@ -15,8 +15,7 @@ using test::ApplyBench;
 using test::ChildFate;
 using test::Killed;
 using test::Lines;
-
-constexpr const char* onePolicy = "[Policy.all]\nAppliesTo.1 = ALL\nArray_Defaults = 0%:0\n";
+using test::onePolicy;
 
 /// How the server stands before the plan, and what is planned.
 enum class Start { blank, configured, spare };
@@ -32,7 +31,7 @@ void PrintTo(const KillCase& each, std::ostream* stream) {
     *stream << each.name << " " << static_cast<int>(each.start);
 }
 
-std::string nameOf(const testing::TestParamInfo<KillCase>& info) {
+std::string nameOfKill(const testing::TestParamInfo<KillCase>& info) {
     std::string name = info.param.name;
     if (!info.param.policies.empty()) {
         return "Storcli" + name;
@@ -266,7 +265,7 @@ std::vector<KillCase> killCases() {
     return cases;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KilledRun, testing::ValuesIn(killCases()), nameOf);
+INSTANTIATE_TEST_SUITE_P(All, KilledRun, testing::ValuesIn(killCases()), nameOfKill);
 
 } // namespace
 } // namespace zolex::companion

@@ -11,11 +11,8 @@ using test::ApplyBench;
 using test::endLines;
 using test::Killed;
 using test::Lines;
+using test::twoArrays;
 
-constexpr const char* twoArrays = "[Policy.web]\nAppliesTo.1 = ALL\nArray_Mode = CUSTOM\n"
-                                  "Array.A = 1,2\nArray.B = 3,4,5\nHotspares = 6\n"
-                                  "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:1\n"
-                                  "Logical.2 = B:FILL:5\n";
 const Lines configured = {"0: ", "controller 1: configured"};
 
 class Resume : public testing::Test {

@@ -65,7 +65,7 @@ bool isDone(Fate fate) {
            fate == Fate::doneButSilent;
 }
 
-std::string nameOf(const testing::TestParamInfo<StorcliRun>& info) {
+std::string nameOfRun(const testing::TestParamInfo<StorcliRun>& info) {
     return info.param.name;
 }
 
@@ -191,7 +191,7 @@ TEST_P(StorcliApply, SuccessWithNothingDoneIsNotBelieved) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Runs, StorcliApply, testing::ValuesIn(test::storcliRuns()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Runs, StorcliApply, testing::ValuesIn(test::storcliRuns()), nameOfRun);
 
 } // namespace
 } // namespace zolex::companion

@@ -62,15 +62,15 @@ class SystemLock : public test::SystemExecutionTest, public ::testing::WithParam
     std::string outputOf(const std::string& words) { return run(before() + words).output; }
 };
 
-std::string nameOf(const ::testing::TestParamInfo<bool>& test) {
+std::string nameOfSystem(const ::testing::TestParamInfo<bool>& test) {
     return test.param ? "OfSystem" : "PosixWithout";
 }
 
 #ifdef _WIN32
 // A file that is open is locked on every file system there.
-INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true), nameOf);
+INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true), nameOfSystem);
 #else
-INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true, false), nameOf);
+INSTANTIATE_TEST_SUITE_P(Locks, SystemLock, ::testing::Values(true, false), nameOfSystem);
 #endif
 
 TEST_P(SystemLock, IsHeldByOne) {

@@ -2,6 +2,7 @@
 
 #include "companion/facts/FactsReader.h"
 #include "companion/facts/VirtualListings.h"
+#include "companion/support/Texts.h"
 #include "model/Codes.h"
 #include "roles/Roles.h"
 #include "support/TestData.h"
@@ -14,15 +15,11 @@
 namespace zolex::companion {
 namespace {
 
+using test::replaced;
+
 using zolex::test::readTestData;
 using Lines = std::vector<std::string>;
 using Listings = std::vector<std::string>;
-
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    const std::size_t at = text.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? text : text.replace(at, from.size(), to);
-}
 
 std::string upTo(const std::string& text, const std::string& end) {
     return text.substr(0, text.find(end));

@@ -1,6 +1,7 @@
 #include "companion/facts/FactsReader.h"
 
 #include "companion/facts/VirtualListings.h"
+#include "companion/support/Texts.h"
 #include "model/Codes.h"
 #include "support/TestData.h"
 
@@ -11,6 +12,8 @@
 namespace zolex::companion {
 namespace {
 
+using test::replaced;
+
 using zolex::test::readTestData;
 using Lines = std::vector<std::string>;
 
@@ -20,13 +23,6 @@ Facts factsOf(std::int32_t type, const std::vector<std::string>& names) {
         listings.push_back(readTestData(name));
     }
     return readFacts(type, listings);
-}
-
-/// The text with its first `from` replaced; a failure when there is none.
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    const std::size_t at = text.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? text : text.replace(at, from.size(), to);
 }
 
 Lines unknownKeys(const Facts& facts) {

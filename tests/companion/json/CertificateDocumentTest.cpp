@@ -2,6 +2,7 @@
 
 #include "companion/support/ExampleCertificate.h"
 #include "companion/support/KeptDocument.h"
+#include "companion/support/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -11,20 +12,14 @@
 namespace zolex::companion::test {
 namespace {
 
-const DocumentHead head{{"apply", "plan.json"}, "2026-11-21T21:06:20+00:00"};
+const DocumentHead certificateHead{{"apply", "plan.json"}, "2026-11-21T21:06:20+00:00"};
 
 std::string exampleText() {
-    return certificateDocument(exampleCertificate(), head);
-}
-
-std::string replaced(std::string text, std::string_view old, std::string_view with) {
-    const std::size_t at = text.find(old);
-    EXPECT_NE(at, std::string::npos) << old;
-    return at == std::string::npos ? text : text.replace(at, old.size(), with);
+    return certificateDocument(exampleCertificate(), certificateHead);
 }
 
 /// What is told of a text that is not read.
-std::string faultOf(const std::string& text) {
+std::string certificateFault(const std::string& text) {
     const CertificateReading reading = readCertificate(text, "a.json");
     EXPECT_FALSE(reading.certificate);
     EXPECT_EQ(reading.findings.size(), 1U);
@@ -112,30 +107,32 @@ TEST(CertificateDocument, ReadsWhatItHasWritten) {
 }
 
 TEST(CertificateDocument, RefusesWhatIsNone) {
-    EXPECT_EQ(faultOf(""), "a.json:1: this is no JSON: syntax error while parsing value - "
-                           "unexpected end of input; expected '[', '{', or a literal [ZA193]");
-    EXPECT_EQ(faultOf("[]"),
+    EXPECT_EQ(certificateFault(""),
+              "a.json:1: this is no JSON: syntax error while parsing value - "
+              "unexpected end of input; expected '[', '{', or a literal [ZA193]");
+    EXPECT_EQ(certificateFault("[]"),
               "a.json: this is no certificate: \"format\" is not \"zolex-certificate\" [ZA191]");
     const std::string text = exampleText();
-    EXPECT_EQ(faultOf(replaced(text, "zolex-certificate", "zolex-plan")),
+    EXPECT_EQ(certificateFault(replaced(text, "zolex-certificate", "zolex-plan")),
               "a.json: this is no certificate but a document of the format zolex-plan [ZA191]");
-    EXPECT_EQ(faultOf(replaced(text, "\"1.0\"", "\"2.0\"")),
+    EXPECT_EQ(certificateFault(replaced(text, "\"1.0\"", "\"2.0\"")),
               "a.json: this certificate has format version 2.0, of which this program knows "
               "nothing: it reads version 1 [ZA192]");
-    EXPECT_EQ(faultOf(replaced(text, "\"plan_id\"", "\"plan\"")),
+    EXPECT_EQ(certificateFault(replaced(text, "\"plan_id\"", "\"plan\"")),
               "a.json: plan_id is missing [ZA194]");
-    EXPECT_EQ(faultOf(replaced(text, "5555", "555g")),
+    EXPECT_EQ(certificateFault(replaced(text, "5555", "555g")),
               "a.json: plan_sha256 is no hash of 64 hexadecimal digits [ZA194]");
-    EXPECT_EQ(faultOf(replaced(text, "\"location\": \"32:1\"", "\"location\": \"32:0\"")),
+    EXPECT_EQ(certificateFault(replaced(text, "\"location\": \"32:1\"", "\"location\": \"32:0\"")),
               "a.json: controllers[0].drives[1].location stands twice [ZA194]");
-    EXPECT_EQ(faultOf(replaced(text, "\"array\": \"1\"", "\"array\": \"7\"")),
+    EXPECT_EQ(certificateFault(replaced(text, "\"array\": \"1\"", "\"array\": \"7\"")),
               "a.json: controllers[0].layout.logical_drives[1].array \"7\" is none of the arrays "
               "[ZA194]");
-    EXPECT_EQ(faultOf(replaced(text, "\"array\": \"1\"", "\"array\": \"0\"")),
+    EXPECT_EQ(certificateFault(replaced(text, "\"array\": \"1\"", "\"array\": \"0\"")),
               "a.json: controllers[0].layout.arrays has one without a logical drive [ZA194]");
-    EXPECT_EQ(faultOf(replaced(text, "\"result\": \"configured\"", "\"result\": \"done\"")),
-              "a.json: results[0].result is the unknown word \"done\" [ZA194]");
-    EXPECT_EQ(faultOf(replaced(text, "\"number\": 2,", "\"number\": 0,")),
+    EXPECT_EQ(
+        certificateFault(replaced(text, "\"result\": \"configured\"", "\"result\": \"done\"")),
+        "a.json: results[0].result is the unknown word \"done\" [ZA194]");
+    EXPECT_EQ(certificateFault(replaced(text, "\"number\": 2,", "\"number\": 0,")),
               "a.json: results[1].number is no whole number from 1 to 2147483647 [ZA194]");
 }
 

@@ -2,6 +2,7 @@
 
 #include "companion/support/ExamplePlan.h"
 #include "companion/support/KeptDocument.h"
+#include "companion/support/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -10,20 +11,16 @@
 namespace zolex::companion {
 namespace {
 
+using test::between;
+
 using test::exampleDiff;
 using test::exampleFinding;
 using test::keepDocument;
 
-const DocumentHead head{{"diff", "site.ini", "--format", "json"}, "2026-11-21T21:05:00+01:00"};
-
-std::string between(const std::string& text, const std::string& begin, const std::string& end) {
-    const std::size_t at = text.find(begin);
-    const std::size_t stop = at == std::string::npos ? at : text.find("\n" + end, at);
-    return stop == std::string::npos ? "no " + begin : text.substr(at, stop + 1 - at);
-}
+const DocumentHead diffHead{{"diff", "site.ini", "--format", "json"}, "2026-11-21T21:05:00+01:00"};
 
 TEST(DiffDocument, TellsTheWorstAndEachController) {
-    const std::string text = diffDocument(exampleDiff(), head);
+    const std::string text = diffDocument(exampleDiff(), diffHead);
     EXPECT_EQ(between(text, "  \"wanted_by\"", "      \"captured\""), R"~(  "wanted_by": {
     "file": "site.ini",
     "kind": "policies"
@@ -91,7 +88,7 @@ TEST(DiffDocument, TellsTheWorstAndEachController) {
 }
 
 TEST(DiffDocument, HasBothLayouts) {
-    const std::string text = diffDocument(exampleDiff(), head);
+    const std::string text = diffDocument(exampleDiff(), diffHead);
     const std::string second = text.substr(text.find("\"number\": 2"));
     EXPECT_EQ(between(second, "      \"wanted\": {", "      \"diagnostics\""),
               R"(      "wanted": {
@@ -158,7 +155,7 @@ TEST(DiffDocument, SaysWhyAControllerCouldNotBeTold) {
     diff.controllers[1].number = 2;
     diff.controllers[1].result = ControllerDiff::Result::skipped;
     diff.controllers[1].because = "no policy is for this controller";
-    const std::string text = diffDocument(diff, head);
+    const std::string text = diffDocument(diff, diffHead);
     EXPECT_EQ(between(text, "  \"wanted_by\"", "    {\n      \"number\": 2"),
               R"(  "wanted_by": {
     "file": "plan.json",
@@ -200,7 +197,7 @@ TEST(DiffDocument, SaysWhyAControllerCouldNotBeTold) {
 
 TEST(DiffDocument, ACommandThatFailsHasADocumentToo) {
     const std::string text = failedDiffDocument(
-        {exampleFinding("ZP100", Severity::error, "there is no controller 9")}, head);
+        {exampleFinding("ZP100", Severity::error, "there is no controller 9")}, diffHead);
     EXPECT_EQ(text.substr(text.find("\n  \"fingerprint\"")), R"(
   "fingerprint": null,
   "wanted_by": {

@@ -8,7 +8,7 @@
 namespace zolex::companion {
 namespace {
 
-const DocumentHead head{{"rehearse", "site.ini", "fleet"}, "2026-11-22T09:17:00+00:00"};
+const DocumentHead fleetHead{{"rehearse", "site.ini", "fleet"}, "2026-11-22T09:17:00+00:00"};
 
 TEST(FleetDocument, TellsEachServerAndAllOfThem) {
     Fleet fleet = test::exampleFleet();
@@ -17,7 +17,7 @@ TEST(FleetDocument, TellsEachServerAndAllOfThem) {
     fleet.servers[1].faultsTried = 15;
     fleet.servers[1].unresumed = {{1, "UTIL.BAT MEGACLI -CFGCLR -A0 -SILENT"}};
     fleet.findings = {test::fleetFinding("ZP246", Severity::warning, "a server is counted twice")};
-    const std::string text = fleetDocument(fleet, head);
+    const std::string text = fleetDocument(fleet, fleetHead);
     test::keepDocument("fleet-by-hand", text);
     for (const char* piece :
          {"  \"format\": \"zolex-fleet\",\n  \"format_version\": \"1.0\",",
@@ -34,7 +34,8 @@ TEST(FleetDocument, TellsEachServerAndAllOfThem) {
 TEST(FleetDocument, TellsWhyThereIsNone) {
     Fleet fleet;
     const std::string text = failedFleetDocument(
-        fleet, {test::fleetFinding("ZX001", Severity::error, "the file cannot be read")}, head);
+        fleet, {test::fleetFinding("ZX001", Severity::error, "the file cannot be read")},
+        fleetHead);
     test::keepDocument("fleet-failed", text);
     EXPECT_NE(text.find("\"policies\": null"), std::string::npos) << text;
     EXPECT_NE(text.find("\"servers\": []"), std::string::npos) << text;

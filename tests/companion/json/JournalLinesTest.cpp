@@ -4,6 +4,7 @@
 #include "companion/machine/Sha256.h"
 #include "companion/support/ExampleJournal.h"
 #include "companion/support/KeptDocument.h"
+#include "companion/support/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -31,17 +32,11 @@ std::string textOf(const JournalReading& reading) {
     return text;
 }
 
-std::string faultOf(const std::string& text) {
+std::string journalFault(const std::string& text) {
     const JournalReading reading = readJournal(text, "a.jsonl");
     EXPECT_FALSE(reading.journal);
     EXPECT_EQ(reading.findings.size(), 1U);
     return textOf(reading);
-}
-
-std::string replaced(std::string text, std::string_view old, std::string_view with) {
-    const std::size_t at = text.find(old);
-    EXPECT_NE(at, std::string::npos) << old;
-    return at == std::string::npos ? text : text.replace(at, old.size(), with);
 }
 
 /// The lines of the text, each with its line end.
@@ -262,32 +257,32 @@ TEST(JournalLines, ALastLineWithZerosInThePlaceOfItsBytesIsTorn) {
     // Elsewhere than in the last line no loss of power leaves them.
     std::string inside = text;
     inside.replace(start - 5, 3, 3, '\0');
-    EXPECT_NE(faultOf(inside).find("[ZA183]"), std::string::npos) << faultOf(inside);
+    EXPECT_NE(journalFault(inside).find("[ZA183]"), std::string::npos) << journalFault(inside);
 }
 
 TEST(JournalLines, TellsTheLineThatWasChanged) {
     const std::string text = exampleJournalText();
     std::vector<std::string> lines = linesOf(text);
     const std::string third = std::to_string(lines[0].size() + lines[1].size());
-    EXPECT_EQ(faultOf(replaced(text, "typed-serial", "typed-SERIAL")),
+    EXPECT_EQ(journalFault(replaced(text, "typed-serial", "typed-SERIAL")),
               "a.jsonl:3:1@" + third +
                   ": this line is not the one that was written: line 4 has another SHA-256 of it "
                   "[ZA186]\n");
     std::vector<std::string> without = lines;
     without.erase(without.begin() + 2);
-    EXPECT_EQ(faultOf(joined(without)),
+    EXPECT_EQ(journalFault(joined(without)),
               "a.jsonl:3:1@" + third +
                   ": lines were taken out or added: \"seq\" is 4 instead of 3 [ZA186]\n");
     std::vector<std::string> twice = lines;
     twice.insert(twice.begin() + 2, lines[1]);
-    EXPECT_EQ(faultOf(joined(twice)),
+    EXPECT_EQ(journalFault(joined(twice)),
               "a.jsonl:3:1@" + third +
                   ": lines were taken out or added: \"seq\" is 2 instead of 3 [ZA186]\n");
-    EXPECT_EQ(faultOf(replaced(text, std::string(64, '0'), std::string(63, '0') + "1")),
+    EXPECT_EQ(journalFault(replaced(text, std::string(64, '0'), std::string(63, '0') + "1")),
               "a.jsonl:1:1@0: this is not the first line: \"prev\" is not 64 zeros [ZA186]\n");
-    EXPECT_EQ(faultOf(joined({lines.begin() + 1, lines.end()})),
+    EXPECT_EQ(journalFault(joined({lines.begin() + 1, lines.end()})),
               "a.jsonl:1:1@0: this is no journal: \"format\" is not \"zolex-journal\" [ZA181]\n");
-    EXPECT_EQ(faultOf(text + "\n").find("a.jsonl:" + std::to_string(lines.size() + 1)), 0U);
+    EXPECT_EQ(journalFault(text + "\n").find("a.jsonl:" + std::to_string(lines.size() + 1)), 0U);
 }
 
 TEST(JournalLines, EveryByteThatIsChangedBeforeTheLastLineIsNoticed) {
@@ -309,19 +304,22 @@ TEST(JournalLines, EveryByteThatIsChangedBeforeTheLastLineIsNoticed) {
 }
 
 TEST(JournalLines, RefusesWhatIsNoJournal) {
-    EXPECT_EQ(faultOf(""), "a.jsonl: nothing was begun: the journal has not even one whole line "
-                           "[ZA187]\n");
-    EXPECT_EQ(faultOf("Policy.web"), "a.jsonl: this is no journal: it has no whole line [ZA181]\n");
-    EXPECT_EQ(faultOf("[Policy.web]\nArray.A = 1\n"),
+    EXPECT_EQ(journalFault(""),
+              "a.jsonl: nothing was begun: the journal has not even one whole line "
+              "[ZA187]\n");
+    EXPECT_EQ(journalFault("Policy.web"),
+              "a.jsonl: this is no journal: it has no whole line [ZA181]\n");
+    EXPECT_EQ(journalFault("[Policy.web]\nArray.A = 1\n"),
               "a.jsonl:1:1@0: this is no journal: the first line is no JSON object [ZA181]\n");
-    EXPECT_EQ(faultOf("{\"format\":\"zolex-recording\"}\n"),
+    EXPECT_EQ(journalFault("{\"format\":\"zolex-recording\"}\n"),
               "a.jsonl:1:1@0: this is no journal but a document of the format zolex-recording "
               "[ZA181]\n");
     const std::string text = exampleJournalText();
-    EXPECT_EQ(faultOf(replaced(text, R"("format_version":"1.0")", R"("format_version":"2.0")")),
-              "a.jsonl:1:1@0: this journal has format version 2.0, of which this program knows "
-              "nothing: it reads version 1 [ZA182]\n");
-    EXPECT_EQ(faultOf(replaced(text, R"("step":1)", R"("step":1,,)"))
+    EXPECT_EQ(
+        journalFault(replaced(text, R"("format_version":"1.0")", R"("format_version":"2.0")")),
+        "a.jsonl:1:1@0: this journal has format version 2.0, of which this program knows "
+        "nothing: it reads version 1 [ZA182]\n");
+    EXPECT_EQ(journalFault(replaced(text, R"("step":1)", R"("step":1,,)"))
                   .substr(0, std::string_view("a.jsonl:4:").size()),
               "a.jsonl:4:");
 }
@@ -329,7 +327,7 @@ TEST(JournalLines, RefusesWhatIsNoJournal) {
 TEST(JournalLines, RefusesValuesOfAnotherKindThoughTheChainHolds) {
     const std::string text = exampleJournalText();
     const auto fault = [&](std::string_view old, std::string_view with) {
-        std::string told = faultOf(rechained(replaced(text, old, with)));
+        std::string told = journalFault(rechained(replaced(text, old, with)));
         return told.substr(told.find(": ") + 2);
     };
     EXPECT_EQ(fault(R"("step":1,"controller")", R"("step":4,"controller")"),
@@ -377,7 +375,7 @@ TEST(JournalLines, BoundsLines) {
     const std::string text = exampleJournalText();
     const std::string line = R"({"seq":)" + std::string(mostJournalLineBytes, ' ') + "\n";
     const std::vector<std::string> lines = linesOf(text);
-    const std::string fault = faultOf(lines[0] + line);
+    const std::string fault = journalFault(lines[0] + line);
     EXPECT_EQ(fault.substr(fault.find(": ") + 2), "the line is longer than 16 MB [ZA185]\n");
 }
 

@@ -15,7 +15,7 @@ using test::exampleLogicalDrive;
 using test::exampleSnapshot;
 using test::keepDocument;
 
-const DocumentHead head{{"show", "--format", "json"}, "2026-11-21T21:05:00+01:00"};
+const DocumentHead showHead{{"show", "--format", "json"}, "2026-11-21T21:05:00+01:00"};
 
 /// The text from `begin` on, `lines` lines of it.
 std::string linesFrom(const std::string& text, const std::string& begin, int lines) {
@@ -31,7 +31,7 @@ std::string linesFrom(const std::string& text, const std::string& begin, int lin
 }
 
 TEST(MachineDocument, BeginsWithWhatItIs) {
-    const std::string text = machineDocument(exampleSnapshot(), head);
+    const std::string text = machineDocument(exampleSnapshot(), showHead);
     EXPECT_EQ(linesFrom(text, "{", 14), R"({
   "format": "zolex-machine",
   "format_version": "1.0",
@@ -54,7 +54,7 @@ TEST(MachineDocument, BeginsWithWhatItIs) {
 }
 
 TEST(MachineDocument, TellsADriveWithTheWordsOfTheField) {
-    const std::string text = machineDocument(exampleSnapshot(), head);
+    const std::string text = machineDocument(exampleSnapshot(), showHead);
     EXPECT_EQ(linesFrom(text, "          \"location\": \"32:2\"", 28),
               R"(          "location": "32:2",
           "enclosure": 32,
@@ -92,7 +92,7 @@ TEST(MachineDocument, TellsADriveWithTheWordsOfTheField) {
 TEST(MachineDocument, TellsTheLayout) {
     Snapshot snapshot = exampleSnapshot();
     snapshot.details[0].facts.logicalDrives[0].raidType = "None";
-    const std::string text = machineDocument(snapshot, head);
+    const std::string text = machineDocument(snapshot, showHead);
     EXPECT_EQ(linesFrom(text, "      \"layout\": {", 13), R"(      "layout": {
         "arrays": [
           {
@@ -146,8 +146,9 @@ TEST(MachineDocument, TellsTheLayout) {
 }
 
 TEST(MachineDocument, AFindingIsADiagnostic) {
-    EXPECT_EQ(linesFrom(machineDocument(exampleSnapshot(), head), "      \"diagnostics\": [", 12),
-              R"(      "diagnostics": [
+    EXPECT_EQ(
+        linesFrom(machineDocument(exampleSnapshot(), showHead), "      \"diagnostics\": [", 12),
+        R"(      "diagnostics": [
         {
           "code": "ZX701",
           "severity": "warning",
@@ -169,7 +170,7 @@ TEST(MachineDocument, WhatIsNotKnownIsNull) {
     snapshot.details[0].drives.emplace_back().facts.location = "0:1";
     snapshot.details[0].facts.logicalDrives.emplace_back().id = "0";
     snapshot.details[0].arrays.push_back({"A", "", {}, {0}});
-    const std::string text = machineDocument(snapshot, head);
+    const std::string text = machineDocument(snapshot, showHead);
     EXPECT_NE(text.find("\n  \"machine_type\": null,\n  \"serial_number\": null,\n"),
               std::string::npos)
         << text;
@@ -188,7 +189,7 @@ TEST(MachineDocument, NumbersAndTextsAreSuchThatEveryReaderTakesThem) {
     controller.drives[0].facts.mediaErrorCount = std::numeric_limits<std::uint64_t>::max();
     controller.drives[0].facts.temperatureCelsius = -5;
     controller.facts.productName = "a\xFF\x01\"\\";
-    const std::string text = machineDocument(snapshot, head);
+    const std::string text = machineDocument(snapshot, showHead);
     EXPECT_NE(text.find("\"product_name\": \"a\xEF\xBF\xBD\\u0001\\\"\\\\\""), std::string::npos);
     EXPECT_NE(text.find("\"capacity_bytes\": 9007199254740992,"), std::string::npos);
     EXPECT_EQ(text.find("9007199254740993"), std::string::npos);
@@ -201,7 +202,7 @@ TEST(MachineDocument, AControllerThatFailedHasNoLayoutAndTheMachineNoFingerprint
     Snapshot snapshot = exampleSnapshot();
     snapshot.details[0].failed = true;
     snapshot.details[0].commands[0].outcome = ChildOutcome::stillRunning;
-    const std::string text = machineDocument(snapshot, head);
+    const std::string text = machineDocument(snapshot, showHead);
     EXPECT_NE(text.find("\n  \"fingerprint\": null,\n"), std::string::npos);
     EXPECT_NE(text.find("\n      \"captured\": false,\n"), std::string::npos);
     EXPECT_NE(text.find("\n      \"layout\": null,\n"), std::string::npos);
@@ -217,7 +218,7 @@ TEST(MachineDocument, ACommandThatFailsHasADocumentToo) {
     Finding finding;
     finding.code = "ZP100";
     finding.summary = "there is no controller 9";
-    const std::string text = failedMachineDocument({finding}, head);
+    const std::string text = failedMachineDocument({finding}, showHead);
     EXPECT_NE(text.find("\n  \"controllers\": [],\n"), std::string::npos) << text;
     EXPECT_NE(text.find("\"summary\": \"there is no controller 9\""), std::string::npos) << text;
     keepDocument("machine-not-seen", text);

@@ -2,6 +2,7 @@
 
 #include "companion/json/PlanDocuments.h"
 #include "companion/support/KeptDocument.h"
+#include "companion/support/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 namespace zolex::companion {
 namespace {
 
+using test::between;
+
 using test::agreedPlan;
 using test::exampleFinding;
 using test::exampleNothingToDoPlan;
@@ -17,13 +20,6 @@ using test::exampleRefusedPlan;
 using test::fullPlan;
 using test::keepDocument;
 using test::planHead;
-
-/// The text from `begin` on, up to the line that begins with `end`.
-std::string between(const std::string& text, const std::string& begin, const std::string& end) {
-    const std::size_t at = text.find(begin);
-    const std::size_t stop = at == std::string::npos ? at : text.find("\n" + end, at);
-    return stop == std::string::npos ? "no " + begin : text.substr(at, stop + 1 - at);
-}
 
 bool holds(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;

@@ -1,5 +1,7 @@
 #include "companion/layout/Compare.h"
 
+#include "companion/layout/Megabyte.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +11,8 @@
 namespace zolex::companion {
 namespace {
 
-constexpr std::uint64_t mb = std::uint64_t{1} << 20U;
+using test::mb;
+
 constexpr std::uint64_t kb = std::uint64_t{1} << 10U;
 constexpr std::uint64_t driveMb = 69376;
 
@@ -20,7 +23,7 @@ std::string slot(int number) {
     return "32:" + std::to_string(number);
 }
 
-DriveFacts drive(const std::string& location, DriveState state = DriveState::free) {
+DriveFacts boxDrive(const std::string& location, DriveState state = DriveState::free) {
     DriveFacts facts;
     facts.location = location;
     facts.enclosure = 32;
@@ -38,7 +41,7 @@ struct Server {
 
     explicit Server(int drives = 12) {
         for (int i = 0; i < drives; ++i) {
-            facts.drives.push_back(drive(slot(i)));
+            facts.drives.push_back(boxDrive(slot(i)));
         }
     }
 
@@ -321,7 +324,7 @@ TEST(Compare, TwoSparesThatSteppedInAreAMove) {
 TEST(Compare, ListedSparesStandWhereTheyAreListed) {
     const Layout wanted = usual().wanted();
     Server server = usual();
-    server.at(slot(7)) = drive(slot(7));
+    server.at(slot(7)) = boxDrive(slot(7));
     server.addSpare(slot(9));
     EXPECT_EQ(linesOf(server.against(wanted)),
               Lines{"moved 32:7 -: hot spare 32:7 | hot spare 32:9"});
@@ -383,7 +386,7 @@ TEST(Compare, WhatIsMissingAndWhatIsTooMuch) {
     const Server before = usual();
     Server server = usual();
     server.facts.logicalDrives.pop_back();
-    server.at(slot(7)) = drive(slot(7), DriveState::member);
+    server.at(slot(7)) = boxDrive(slot(7), DriveState::member);
     server.add("RAID0", {{slot(9)}}, driveMb);
     server.addSpare(slot(10));
     server.at(slot(10)).capacityBytes = 10 * mb;
@@ -545,7 +548,7 @@ TEST(Compare, AMissingSpareSaysWhatItsDriveDoes) {
         Server server = usual();
         Layout wanted = server.wanted();
         wanted.spares[0].covers = {"A", "B"};
-        server.at(slot(7)) = drive(slot(7), row.state);
+        server.at(slot(7)) = boxDrive(slot(7), row.state);
         EXPECT_EQ(linesOf(server.against(wanted)),
                   Lines{std::string("missing 32:7 -: hot spare (covers A, B) | ") + row.text});
     }

@@ -1,5 +1,7 @@
 #include "companion/layout/Layout.h"
 
+#include "companion/layout/Megabyte.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +10,7 @@
 namespace zolex::companion {
 namespace {
 
-constexpr std::uint64_t mb = std::uint64_t{1} << 20U;
+using test::mb;
 
 using Lines = std::vector<std::string>;
 using Spans = std::vector<std::vector<std::string>>;

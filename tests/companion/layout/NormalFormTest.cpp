@@ -1,5 +1,7 @@
 #include "companion/layout/NormalForm.h"
 
+#include "companion/layout/Megabyte.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -7,11 +9,11 @@
 namespace zolex::companion {
 namespace {
 
-constexpr std::uint64_t mb = std::uint64_t{1} << 20U;
+using test::mb;
 
 using Spans = std::vector<std::vector<std::string>>;
 
-DriveFacts drive(const std::string& location, std::uint64_t sizeMb = 1000) {
+DriveFacts driveOfSize(const std::string& location, std::uint64_t sizeMb = 1000) {
     DriveFacts facts;
     facts.location = location;
     facts.capacityBytes = sizeMb * mb;
@@ -31,7 +33,7 @@ LogicalDriveFacts logical(const std::string& level, Spans spans, std::uint64_t s
 Facts machine(std::vector<LogicalDriveFacts> logicalDrives, int drives = 12) {
     Facts facts;
     for (int slot = 0; slot < drives; ++slot) {
-        facts.drives.push_back(drive("32:" + std::to_string(slot)));
+        facts.drives.push_back(driveOfSize("32:" + std::to_string(slot)));
     }
     facts.logicalDrives = std::move(logicalDrives);
     return facts;

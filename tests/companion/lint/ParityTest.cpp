@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-using namespace zolex;
-using namespace zolex::companion;
+namespace zolex::companion {
+namespace {
 
 TEST(Parity, MutatedPoliciesHaveAnErrorWhereZolexRefusesThem) {
     const std::vector<std::string> shipped = test::shippedPolicies();
@@ -62,3 +62,6 @@ TEST(Parity, MendedPoliciesAreWhatTheyWereToZolex) {
     }
     EXPECT_GT(changed, 50);
 }
+
+} // namespace
+} // namespace zolex::companion

@@ -1,6 +1,7 @@
 #include "companion/picture/DiffText.h"
 #include "companion/picture/Changes.h"
 
+#include "companion/picture/PlainStyle.h"
 #include "companion/support/ExamplePlan.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@ namespace {
 using test::exampleDiff;
 using test::exampleFinding;
 using test::exampleGroup;
-
-const TextStyle plain{false, 80};
 
 /// Everything that is rare: what is too much, a drive that moved, what is in the way, health, a
 /// controller that could not be read, and one without a policy.
@@ -63,7 +62,7 @@ MachineDiff diffOfResult(ControllerDiff::Result result) {
 }
 
 TEST(DiffText, TellsEachAttributeAndTheNextCommand) {
-    EXPECT_EQ(diffText(exampleDiff(), plain, false),
+    EXPECT_EQ(diffText(exampleDiff(), test::plainStyle, false),
               R"(Controller 1  LSI-MegaRAID-8480  Policy.web (site.ini:17)              different
   = LD 0  RAID1   67.8 GB  32:0 32:1
   ~ LD 1  RAID5  271.0 GB  32:2-32:6
@@ -79,7 +78,7 @@ site.ini shows what it takes.
 }
 
 TEST(DiffText, TellsEverythingThatIsRare) {
-    EXPECT_EQ(diffText(rareDiff(), plain, true),
+    EXPECT_EQ(diffText(rareDiff(), test::plainStyle, true),
               R"(Controller 1  LSI-MegaRAID-8480  Policy.web (site.ini:17)              different
   = LD 0   RAID1    67.8 GB  32:0 32:1
   ~ LD 1   RAID5   271.0 GB  32:2-32:6
@@ -139,13 +138,13 @@ site.ini shows what it takes.
 
 TEST(DiffText, EachResultHasItsSentence) {
     using Result = ControllerDiff::Result;
-    EXPECT_EQ(diffText(diffOfResult(Result::same), plain, false),
+    EXPECT_EQ(diffText(diffOfResult(Result::same), test::plainStyle, false),
               R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                            same
   = the same layout
 
 The controller is as the policies say.
 )");
-    EXPECT_EQ(diffText(diffOfResult(Result::equivalent), plain, true),
+    EXPECT_EQ(diffText(diffOfResult(Result::equivalent), test::plainStyle, true),
               R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                      equivalent
   = LD 1   RAID1  67.8 GB  1:0 1:1
   = spare                  1:4
@@ -154,12 +153,12 @@ The controller is as the policies say.
 
 The controller is as the policies say, on equal drives.
 )");
-    EXPECT_EQ(diffText(diffOfResult(Result::skipped), plain, false),
+    EXPECT_EQ(diffText(diffOfResult(Result::skipped), test::plainStyle, false),
               R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                         skipped
 
 Every controller is skipped.
 )");
-    EXPECT_EQ(diffText(diffOfResult(Result::unknown), plain, false),
+    EXPECT_EQ(diffText(diffOfResult(Result::unknown), test::plainStyle, false),
               R"(Controller 2  Kestrix-B7  Policy.db (site.ini:3)                         unknown
 
 The controller could not be compared.
@@ -174,7 +173,7 @@ TEST(DiffText, AMachineAgainstAPlanThatLacksASpare) {
     first.addingIsEnough = true;
     diff.isByPlan = true;
     diff.wantedBy = "plan.json";
-    EXPECT_EQ(diffText(diff, plain, false),
+    EXPECT_EQ(diffText(diff, test::plainStyle, false),
               R"(Controller 1  LSI-MegaRAID-8480  Policy.web                            different
   = LD 0  RAID1   67.8 GB  32:0 32:1
   = LD 1  RAID5  271.0 GB  32:2-32:6
@@ -200,7 +199,7 @@ TEST(DiffText, ColoursAreNeverTheOnlyCarrier) {
                 }
             }
             EXPECT_NE(text, bare);
-            EXPECT_EQ(bare, diffText(diff, plain, verbose));
+            EXPECT_EQ(bare, diffText(diff, test::plainStyle, verbose));
         }
     }
 }
@@ -227,11 +226,11 @@ TEST(DiffText, ARefusedPlanIsNoAddition) {
     first.isRefused = true;
     first.takesRebuild.clear();
     diff.wantedBy = "<stdin>";
-    const std::string text = diffText(diff, plain, false);
+    const std::string text = diffText(diff, test::plainStyle, false);
     EXPECT_EQ(text.substr(text.find("\n\n")),
               "\n\n1 of 2 controllers differs. The plan is refused: zolexctl plan - says why.\n");
     first.result = ControllerDiff::Result::unknown;
-    const std::string unknown = diffText(diff, plain, false);
+    const std::string unknown = diffText(diff, test::plainStyle, false);
     EXPECT_EQ(unknown.substr(unknown.find("\n\n")),
               "\n\n1 of 2 controllers could not be compared. The plan is refused: zolexctl plan "
               "-\nsays why.\n");
@@ -242,7 +241,7 @@ TEST(DiffText, SeveralControllersAreToldOneByOne) {
     ControllerDiff& second = diff.controllers[1];
     second.result = ControllerDiff::Result::different;
     second.toRemove = {"LD 1", "hot spare 1:4"};
-    const std::string text = diffText(diff, plain, false);
+    const std::string text = diffText(diff, test::plainStyle, false);
     EXPECT_EQ(text.substr(text.find("\n\n")), R"(
 
 2 of 2 controllers differ. Controller 1: This takes a rebuild: strip size.
@@ -271,7 +270,7 @@ TEST(DiffText, NothingFromOutsideSteersATerminal) {
             group.volumes[0].raidType = evil;
         }
     }
-    const std::string text = diffText(diff, plain, true);
+    const std::string text = diffText(diff, test::plainStyle, true);
     for (const char* const piece : {"\033", "\xE2\x80\xAE", "\xFF", "b\nc"}) {
         EXPECT_EQ(text.find(piece), std::string::npos) << text;
     }

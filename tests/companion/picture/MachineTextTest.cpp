@@ -1,5 +1,6 @@
 #include "companion/picture/MachineText.h"
 
+#include "companion/picture/PlainStyle.h"
 #include "companion/support/ExampleSnapshot.h"
 
 #include <gtest/gtest.h>
@@ -12,10 +13,8 @@ using test::exampleLogicalDrive;
 using test::exampleSnapshot;
 using test::makeMember;
 
-const TextStyle plain{false, 80};
-
 TEST(MachineText, ShowsWhichDriveIsWhereWhatIsBrokenAndWhatIsFree) {
-    EXPECT_EQ(machineText(exampleSnapshot(), plain, false),
+    EXPECT_EQ(machineText(exampleSnapshot(), test::plainStyle, false),
               R"(Machine 8837, serial KQ10Z7V
 Controller 1  LSI MegaRAID SAS 8480E (LSI-MegaRAID-8480)  serial 1122334455
               PCI 02:0e.0 1000:0411 1000:1002  firmware 1.11.50-0300
@@ -50,7 +49,7 @@ TEST(MachineText, TitlesOfEnclosuresStandBesideTheirDrivesWhereThereIsRoom) {
     controller.arrays.pop_back();
     controller.facts.logicalDrives.pop_back();
     controller.drives[2].facts.reportedState = "Ready";
-    EXPECT_EQ(machineText(snapshot, plain, false),
+    EXPECT_EQ(machineText(snapshot, test::plainStyle, false),
               R"(Machine 8837, serial KQ10Z7V
 Controller 1  LSI MegaRAID SAS 8480E (LSI-MegaRAID-8480)  serial 1122334455
               PCI 02:0e.0 1000:0411 1000:1002  firmware 1.11.50-0300
@@ -130,7 +129,7 @@ TEST(MachineText, ColoursMarkWhatIsBroken) {
             bare += text[i];
         }
     }
-    EXPECT_EQ(bare, machineText(exampleSnapshot(), plain, false));
+    EXPECT_EQ(bare, machineText(exampleSnapshot(), test::plainStyle, false));
 }
 
 /// A controller that has everything that is rare.
@@ -168,7 +167,7 @@ Snapshot rareSnapshot() {
 }
 
 TEST(MachineText, NothingOfALayoutIsLeftOut) {
-    const std::string text = machineText(rareSnapshot(), plain, false);
+    const std::string text = machineText(rareSnapshot(), test::plainStyle, false);
     const std::size_t layout = text.find("  ! 32:2 is failed");
     EXPECT_EQ(text.substr(layout),
               R"(  ! 32:2 is failed and has no number: policies' drive 3 is 32:3 now
@@ -204,7 +203,7 @@ TEST(MachineText, AControllerThatFailedIsTold) {
     controller.findings[0].summary = "UTIL.BAT MEGACLI -pdList -a0 ended with exit code 3";
     controller.findings[0].severity = Severity::error;
     controller.findings[0].help = {"start the command by hand"};
-    EXPECT_EQ(machineText(snapshot, plain, false), R"(Machine 8837, serial KQ10Z7V
+    EXPECT_EQ(machineText(snapshot, test::plainStyle, false), R"(Machine 8837, serial KQ10Z7V
 Controller 1  LSI-MegaRAID-8480
               PCI 02:0e.0 1000:0411 1000:1002
   ! MEGACLI failed: nothing more is known
@@ -214,7 +213,7 @@ Controller 1  LSI-MegaRAID-8480
 }
 
 TEST(MachineText, AMachineWithoutControllersOrNamesIsShownToo) {
-    EXPECT_EQ(machineText(Snapshot(), plain, false),
+    EXPECT_EQ(machineText(Snapshot(), test::plainStyle, false),
               "Machine of unknown type, serial not known\nNo RAID controller\n");
     Snapshot snapshot;
     snapshot.details.emplace_back().number = 1;
@@ -223,10 +222,11 @@ TEST(MachineText, AMachineWithoutControllersOrNamesIsShownToo) {
     finding.summary = "the machine type is not known";
     finding.severity = Severity::note;
     snapshot.findings.push_back(finding);
-    EXPECT_EQ(machineText(snapshot, plain, false), "Machine of unknown type, serial not known\n"
-                                                   "  the machine type is not known\n"
-                                                   "Controller 1  Kestrix-C7\n"
-                                                   "  No drives\n");
+    EXPECT_EQ(machineText(snapshot, test::plainStyle, false),
+              "Machine of unknown type, serial not known\n"
+              "  the machine type is not known\n"
+              "Controller 1  Kestrix-C7\n"
+              "  No drives\n");
 }
 
 TEST(MachineText, MoreIsToldWhenAskedFor) {
@@ -238,7 +238,7 @@ TEST(MachineText, MoreIsToldWhenAskedFor) {
     snapshot.details[0].facts.listings[0].keysUsed = 14;
     snapshot.details[0].findings[0].detail = "Every number behind it names the next drive.";
     snapshot.details[0].findings[0].help = {"name drives by their slot"};
-    const std::string text = machineText(snapshot, plain, true);
+    const std::string text = machineText(snapshot, test::plainStyle, true);
     EXPECT_EQ(text.substr(0, text.find('\n')),
               "Machine 8837, serial KQ10Z7V (told by hwdetect.exe)");
     EXPECT_NE(text.find("  ! 32:2 is failed and has no number: policies' drive 3 is 32:3 now\n"
@@ -259,7 +259,7 @@ TEST(MachineText, TwoControllersHaveALineBetweenThem) {
     Snapshot snapshot = exampleSnapshot();
     snapshot.details.push_back(snapshot.details[0]);
     snapshot.details[1].number = 2;
-    const std::string text = machineText(snapshot, plain, false);
+    const std::string text = machineText(snapshot, test::plainStyle, false);
     EXPECT_NE(text.find("free drive, 67.8 GB\n\nController 2  LSI"), std::string::npos) << text;
 }
 

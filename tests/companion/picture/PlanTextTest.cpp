@@ -1,5 +1,6 @@
 #include "companion/picture/PlanText.h"
 
+#include "companion/picture/PlainStyle.h"
 #include "companion/support/ExamplePlan.h"
 
 #include <gtest/gtest.h>
@@ -21,8 +22,6 @@ using test::examplePlan;
 using test::exampleRefusedPlan;
 using test::makeMember;
 using test::mb;
-
-const TextStyle plain{false, 80};
 
 PlanTextTerms saved() {
     PlanTextTerms terms;
@@ -193,7 +192,7 @@ TEST(PlanText, APictureIsNoPlanThatWasSaved) {
 }
 
 TEST(PlanText, ShowsWhatGoesWhatStaysWhatComesAndWhy) {
-    EXPECT_EQ(planText(examplePlan(), plain, saved()),
+    EXPECT_EQ(planText(examplePlan(), test::plainStyle, saved()),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives
 Policies site.ini: 3 policies, no faults
 
@@ -239,7 +238,7 @@ Plan saved to plan.json. 1 logical drive to create, 1 to destroy, 1 spare.
 }
 
 TEST(PlanText, NothingToDoIsOneLineForEachController) {
-    EXPECT_EQ(planText(exampleNothingToDoPlan(), plain),
+    EXPECT_EQ(planText(exampleNothingToDoPlan(), test::plainStyle),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives
 Policies site.ini: 3 policies, no faults
 
@@ -250,7 +249,7 @@ Nothing to do.
 }
 
 TEST(PlanText, FaultsStandOnTopAndAtTheEnd) {
-    EXPECT_EQ(planText(exampleRefusedPlan(), plain),
+    EXPECT_EQ(planText(exampleRefusedPlan(), test::plainStyle),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives
 Policies site.ini: 3 policies, no faults
 ! Nothing would run: 1 error, on controller 1.
@@ -278,7 +277,7 @@ site.ini:26:13: error: Array.B lists drive 3, and 32:2 has no number since it
 }
 
 TEST(PlanText, TellsEverythingThatIsRare) {
-    EXPECT_EQ(planText(rarePlan(), plain),
+    EXPECT_EQ(planText(rarePlan(), test::plainStyle),
               R"(Machine 8837, serial KQ10Z7V    3 controllers, 18 drives
 Policies site.ini: 3 policies, no faults
 
@@ -434,7 +433,7 @@ TEST(PlanText, VerboseTellsTheReasonsOfAllAndWholeCommandLines) {
     terms.verbose = true;
     terms.captureTime = std::chrono::milliseconds(1240);
     terms.usualTimes["MEGACLI"] = std::chrono::milliseconds(2040);
-    EXPECT_EQ(planText(examplePlan(), plain, terms),
+    EXPECT_EQ(planText(examplePlan(), test::plainStyle, terms),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives, captured in 1.2 s
 Plan p-5f1c09ab77e2, bound to this machine by the serial numbers of controllers
 and drives
@@ -499,7 +498,7 @@ Plan saved to plan.json. 1 logical drive to create, 1 to destroy, 1 spare.
 }
 
 TEST(PlanText, ManyPoliciesAreCutAndManySlotsWrapped) {
-    EXPECT_EQ(planText(largePlan(), plain),
+    EXPECT_EQ(planText(largePlan(), test::plainStyle),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 36 drives
 Policies site.ini: 3 policies, no faults
 
@@ -574,7 +573,8 @@ TEST(PlanText, AFaultOfOneControllerLeavesNoCommandsOfAny) {
     MachinePlan plan = rarePlan();
     plan.controllers[2] = exampleRefusedPlan().controllers[0];
     plan.controllers[2].controller.number = 3;
-    EXPECT_EQ(planText(plan, plain), R"(Machine 8837, serial KQ10Z7V    3 controllers, 18 drives
+    EXPECT_EQ(planText(plan, test::plainStyle),
+              R"(Machine 8837, serial KQ10Z7V    3 controllers, 18 drives
 Policies site.ini: 3 policies, no faults
 ! Nothing would run: 1 error, on controller 3.
 
@@ -655,7 +655,7 @@ TEST(PlanText, DefaultsNeedNoPoliciesAndTimesHaveAColumn) {
     plan.controllers[0].policy.clear();
     PlanTextTerms terms;
     terms.usualTimes["MEGACLI"] = std::chrono::milliseconds(12040);
-    EXPECT_EQ(planText(plan, plain, terms),
+    EXPECT_EQ(planText(plan, test::plainStyle, terms),
               R"(Machine 8837, serial KQ10Z7V    1 controller, 8 drives
 Policies: none, the defaults of each controller's class
 
@@ -704,18 +704,18 @@ TEST(PlanText, OfManyReasonsTheFirstAreShown) {
     plan.controllers[0].strategyBecause.resize(6, {"different", "LD 2 is in the way", "2", {}});
     const std::string begin = "  Strategy rebuild: array B needs 32:5 and 32:6 besides 32:2-32:4 "
                               "(LD 1); LD 2\n  is in the way; LD 2 is in the way; ";
-    EXPECT_NE(planText(plan, plain).find(begin + "and 3 more reasons, which -v shows\n"),
+    EXPECT_NE(planText(plan, test::plainStyle).find(begin + "and 3 more reasons, which -v shows\n"),
               std::string::npos)
-        << planText(plan, plain);
+        << planText(plan, test::plainStyle);
     PlanTextTerms terms;
     terms.verbose = true;
-    EXPECT_NE(planText(plan, plain, terms).find(begin + "LD 2 is in the way; LD 2"),
+    EXPECT_NE(planText(plan, test::plainStyle, terms).find(begin + "LD 2 is in the way; LD 2"),
               std::string::npos);
 }
 
 /// The lines from the loss to the summary.
 std::string carryingOut(const MachinePlan& plan) {
-    const std::string text = planText(plan, plain);
+    const std::string text = planText(plan, test::plainStyle);
     const std::size_t begin = text.find("This destroys");
     return text.substr(begin, text.rfind("\n", text.size() - 2) + 1 - begin);
 }
@@ -747,7 +747,7 @@ TEST(PlanText, ColoursAreNeverTheOnlyCarrier) {
             terms.verbose = verbose;
             const std::string text = planText(plan, {true, 80}, terms);
             EXPECT_NE(text.find("\033["), std::string::npos);
-            EXPECT_EQ(withoutColours(text), planText(plan, plain, terms));
+            EXPECT_EQ(withoutColours(text), planText(plan, test::plainStyle, terms));
         }
     }
     const std::string text = planText(examplePlan(), {true, 80}, saved());
@@ -837,7 +837,7 @@ TEST(PlanText, NothingFromOutsideSteersATerminal) {
     PlanTextTerms terms;
     terms.verbose = true;
     terms.savedTo = evil;
-    const std::string text = planText(plan, plain, terms);
+    const std::string text = planText(plan, test::plainStyle, terms);
     for (const char* const piece : {"\033", "\xE2\x80\xAE", "\xE2\x80\xA8", "\xFF", "b\nc"}) {
         EXPECT_EQ(text.find(piece), std::string::npos) << text;
     }

@@ -8,14 +8,6 @@
 namespace zolex::companion {
 namespace {
 
-std::string policy(const std::string& entries, const std::string& applies = "t:STORCLI") {
-    return "[Policy.one]\nAppliesTo.1 = " + applies + "\n" + entries;
-}
-
-std::string custom(const std::string& entries) {
-    return policy("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n" + entries);
-}
-
 TEST(FamilyPlan, AutomaticAsOnTheSeven) {
     FamilyServer server;
     server.addDrives(8);

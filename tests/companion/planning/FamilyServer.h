@@ -160,4 +160,13 @@ inline std::string planLines(const MachinePlan& plan) {
     return text;
 }
 
+/// A policies file with one policy of these entries.
+inline std::string policy(const std::string& entries, const std::string& applies = "t:STORCLI") {
+    return "[Policy.one]\nAppliesTo.1 = " + applies + "\n" + entries;
+}
+/// The same, where what is not told is not there.
+inline std::string custom(const std::string& entries) {
+    return policy("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n" + entries);
+}
+
 } // namespace zolex::companion

@@ -108,13 +108,6 @@ std::string gonOnFromEachFault(const std::string& definition, const std::string&
     return {};
 }
 
-std::string policy(const std::string& entries) {
-    return "[Policy.one]\nAppliesTo.1 = t:STORCLI\n" + entries;
-}
-std::string custom(const std::string& entries) {
-    return policy("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n" + entries);
-}
-
 constexpr const char* hdds = R"({"enclosure": 252, "slot": 0, "count": 24, "sectors": 41943040})";
 constexpr const char* bare = R"({"slot": 0, "count": 8, "sectors": 41943040})";
 constexpr const char* twoBoxes =

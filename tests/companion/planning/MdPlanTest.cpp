@@ -65,7 +65,7 @@ struct LinuxMachine {
     }
 
     Snapshot capture(const std::vector<std::string>& families = {"MD"}) {
-        test::FakePlatform platform;
+        zolex::test::FakePlatform platform;
         platform.respond = [this](const std::string& line) {
             lines.push_back(line);
             ChildResult result;

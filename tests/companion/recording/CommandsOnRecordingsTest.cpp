@@ -96,7 +96,7 @@ Seen onRecording(const LookingCommand& command) {
     return result;
 }
 
-void expectSameOnRecording(FakePlatform& machine, const std::string& name) {
+void expectSameCommandsOnRecording(FakePlatform& machine, const std::string& name) {
     const Seen recorded = runRecord(machine, "a.zrec");
     ASSERT_EQ("", recorded.error) << name;
     for (const LookingCommand& command : lookingCommands()) {
@@ -109,9 +109,9 @@ TEST(CommandsOnRecordings, GiveWhatTheyGiveOnTheMachine) {
     layOut(folder);
     for (const std::string& sample : SimulatedPlatform::samples()) {
         Server server(sample);
-        expectSameOnRecording(server, sample);
+        expectSameCommandsOnRecording(server, sample);
         configure(server, folder);
-        expectSameOnRecording(server, sample + ", configured");
+        expectSameCommandsOnRecording(server, sample + ", configured");
     }
 }
 

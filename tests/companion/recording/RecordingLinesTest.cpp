@@ -26,7 +26,7 @@ RecordingHeader header() {
     return header;
 }
 
-ChildCall child(std::string command, std::string output) {
+ChildCall recordedChild(std::string command, std::string output) {
     ChildCall call;
     call.command = std::move(command);
     call.limit = std::chrono::milliseconds(300000);
@@ -49,7 +49,7 @@ PciDevice device() {
 }
 
 std::vector<std::pair<CallKind, std::string>> callsAndLines() {
-    ChildCall failed = child("UTIL.BAT MEGACLI -pdList -a0", "\xFF\x01");
+    ChildCall failed = recordedChild("UTIL.BAT MEGACLI -pdList -a0", "\xFF\x01");
     failed.capture = false;
     failed.result.outcome = ChildOutcome::stillRunning;
     failed.result.exitCode = 4294967295U;
@@ -63,7 +63,7 @@ std::vector<std::pair<CallKind, std::string>> callsAndLines() {
         {PciCall{{device()}, 2},
          R"({"seq":1,"call":"pci","count":2,"devices":[{"bus":2,"device":14,"function":0,)"
          R"("ids":"1000:0411:1000:1002","class":"010400","revision":3}]})"},
-        {child("hwdetect.exe /i", "Machine_Type=8837\r\n\t\"\\/ \xC3\xA4\x1B\x7F"),
+        {recordedChild("hwdetect.exe /i", "Machine_Type=8837\r\n\t\"\\/ \xC3\xA4\x1B\x7F"),
          R"({"seq":2,"call":"child","command":"hwdetect.exe /i","capture":true,"limit_ms":300000,)"
          R"("outcome":"ended","exit_code":0,"duration_ms":38,)"
          "\"output\":\"Machine_Type=8837\\r\\n\\t\\\"\\\\/ \xC3\xA4\\u001b\x7F\"}"},
@@ -172,7 +172,7 @@ TEST(RecordingLines, OutputsOfAnyBytesComeBack) {
         "\\u0041", "\b\f\v",   "end\\", "\xE2\x80\xA8"};
     for (const std::string& output : outputs) {
         Recording recording;
-        recording.calls.push_back({child("\"output\":\"" + output, output), 0});
+        recording.calls.push_back({recordedChild("\"output\":\"" + output, output), 0});
         const RecordingReading reading = readRecording(recordingText(recording), "a.zrec");
         ASSERT_TRUE(reading.recording.has_value()) << shown(reading.findings);
         const auto& call = std::get<ChildCall>(reading.recording->calls.at(0).call);
@@ -309,9 +309,9 @@ TEST(RecordingLines, BeyondTheBoundsAreRefused) {
               outcomeOfLine("{\"seq\":1,\"call\":\"pause\",\"x\":\"" +
                             std::string(mostLineBesideOutput, 'x') + "\"}"));
     Recording recording;
-    recording.calls.push_back({child("a", std::string(mostChildOutput, 'x')), 0});
+    recording.calls.push_back({recordedChild("a", std::string(mostChildOutput, 'x')), 0});
     EXPECT_EQ("read", outcomeOf(recordingText(recording)));
-    recording.calls[0].call = child("a", std::string(mostChildOutput + 1, 'x'));
+    recording.calls[0].call = recordedChild("a", std::string(mostChildOutput + 1, 'x'));
     EXPECT_NE(std::string::npos,
               outcomeOf(recordingText(recording))
                   .find("error ZR105: \"output\" is longer than 33554432 bytes\n"));

@@ -244,7 +244,7 @@ TEST(StorcliSupposition, OfAMemberDegradesItsArray) {
     }
 }
 
-FleetTerms termsOf(const std::string& policies) {
+FleetTerms faultTermsOf(const std::string& policies) {
     FleetTerms terms;
     terms.request.policiesFile = "site.ini";
     terms.request.policiesText = policies;
@@ -258,7 +258,7 @@ TEST(StorcliFleet, OldAndNewServersAreRehearsedTogether) {
                                  "[Policy.new]\nAppliesTo.1 = t:PERC-H7*\nAppliesTo.2 = t:STORCLI\n"
                                  "Array_Defaults = 0%:0\n"
                                  "[Policy.none]\nAppliesTo.1 = t:HPE-*\n";
-    const FleetTerms terms = termsOf(policies);
+    const FleetTerms terms = faultTermsOf(policies);
     Fleet fleet;
     fleet.policiesFile = "site.ini";
     const auto add = [&](const char* name, const Snapshot& snapshot, Platform& platform,

@@ -46,7 +46,7 @@ TEST(Supposition, IsReadFromItsText) {
 }
 
 /// What a plan says of a machine.
-Lines linesOf(const Snapshot& snapshot, const std::string& policies) {
+Lines supposedLinesOf(const Snapshot& snapshot, const std::string& policies) {
     PlanRequest request;
     request.policiesFile = "site.ini";
     request.policiesText = policies;
@@ -115,8 +115,8 @@ TEST_P(SuppositionOnSamples, IsPlannedAsIfItWereSo) {
                 }
             }
             if (machine.snapshot && canChange) {
-                EXPECT_EQ(linesOf(*machine.snapshot, policies),
-                          linesOf(server.snapshot(), policies));
+                EXPECT_EQ(supposedLinesOf(*machine.snapshot, policies),
+                          supposedLinesOf(server.snapshot(), policies));
             }
             // It tells neither sizes nor what has failed.
             if (GetParam() != "hyperwin") {
