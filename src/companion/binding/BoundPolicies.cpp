@@ -4,6 +4,7 @@
 #include "companion/binding/FamilyTypes.h"
 #include "companion/binding/KindEntries.h"
 #include "companion/binding/KindFile.h"
+#include "companion/facts/Bytes.h"
 #include "companion/rewriting/PlanComparison.h"
 #include "engine/ConfigClasses.h"
 #include "engine/PlanController.h"
@@ -22,10 +23,6 @@
 namespace zolex::companion {
 
 namespace {
-
-char letterOf(const KindFileEntry& entry) {
-    return text::upper(entry.keyword.text.back());
-}
 
 bool isSpares(const KindFileEntry& entry) {
     return text::equalsNoCase(entry.keyword.text, "Spares");
@@ -60,7 +57,7 @@ void putAside(const KindFileSection& section, std::map<std::size_t, std::string>
             lines[entry.line] = ";";
             continue;
         }
-        const std::string letter(1, letterOf(entry));
+        const std::string letter(1, entry.letter());
         lines[entry.line] = isSpares(entry) ? std::string(keyword::hotspares) + " = 999"
                             : isDrives(entry)
                                 ? std::string(keyword::array) + letter + " = 999"
@@ -89,8 +86,6 @@ std::vector<BoundDrive> boundDrives(const std::vector<ChosenDrive>& drives) {
     }
     return bound;
 }
-
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 
 /// How many bytes the drive is known to have.
 std::uint64_t bytesOf(const MachineDrive& drive, const RAIDController& record) {

@@ -53,11 +53,6 @@ std::string keywordOf(const char* name, char letter) {
     return std::string(name) + letter;
 }
 
-/// What a keyword has behind its dot: one letter, in capitals.
-char letterOf(const KindFileEntry& entry) {
-    return text::upper(entry.keyword.text.back());
-}
-
 /// Reads the entries of one section and holds them against each other.
 class SectionReader {
   public:
@@ -112,19 +107,19 @@ class SectionReader {
                  [this](SparesWish wish) { result_.spares = std::move(wish); });
         } else if (isSpansKeyword(entry.keyword.text)) {
             readSpans(entry);
-        } else if (letterOf(entry) > lastLetter) {
-            addAtKeyword("ZX312", entry, "there is no array " + std::string(1, letterOf(entry)),
+        } else if (entry.letter() > lastLetter) {
+            addAtKeyword("ZX312", entry, "there is no array " + std::string(1, entry.letter()),
                          "arrays are A to H");
             isFaulty_ = true;
         } else if (text::lower(entry.keyword.text.front()) == 'd') {
             take("ZX112", entry, readDrivesWish(entry.value, entry.valueColumn),
                  [&](DrivesWish wish) {
-                     result_.drives.push_back({letterOf(entry), &entry, std::move(wish)});
+                     result_.drives.push_back({entry.letter(), &entry, std::move(wish)});
                  });
         } else {
             take("ZX114", entry, readLevelWish(entry.value, entry.valueColumn),
                  [&](LevelWish wish) {
-                     result_.levels.push_back({letterOf(entry), &entry, std::move(wish)});
+                     result_.levels.push_back({entry.letter(), &entry, std::move(wish)});
                  });
         }
     }
@@ -178,7 +173,7 @@ class SectionReader {
             constexpr std::string_view array = keyword::array;
             if (text::equalsNoCase(own.substr(0, array.size()), array)) {
                 addAtKeyword("ZX311", entry, entry.keyword.text + " beside Drives.<x>",
-                             "write its drives as Drives." + std::string(1, letterOf(entry)) +
+                             "write its drives as Drives." + std::string(1, entry.letter()) +
                                  " = slots 32:0,32:1");
             } else if (text::equalsNoCase(own, keyword::hotspares)) {
                 addAtKeyword("ZX311", entry, "Hotspares beside Drives.<x>",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "companion/binding/KindEntries.h"
+#include "foundation/Text.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +20,8 @@ struct KindFileEntry {
     std::string value;            ///< trimmed
     std::int32_t valueColumn = 0; ///< from 1
     bool isTooLong = false;       ///< the line goes on behind its 255 bytes
+    /// What its keyword has behind its dot: one letter, in capitals.
+    [[nodiscard]] char letter() const { return text::upper(keyword.text.back()); }
     [[nodiscard]] std::int32_t endColumn() const {
         return valueColumn + static_cast<std::int32_t>(value.size());
     }

@@ -2,6 +2,7 @@
 
 #include "companion/cli/Suggestion.h"
 #include "companion/cli/Values.h"
+#include "companion/text/Terminal.h"
 #include "companion/text/TypedWord.h"
 #include "foundation/Text.h"
 

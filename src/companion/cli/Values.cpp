@@ -6,6 +6,7 @@
 #include "companion/families/Family.h"
 #include "companion/families/ModelTexts.h"
 #include "companion/lint/Rules.h"
+#include "companion/text/Terminal.h"
 #include "model/ControllerCatalogue.h"
 
 #include <algorithm>
@@ -49,10 +50,6 @@ std::string upper(std::string_view text) {
 }
 
 } // namespace
-
-std::string inQuotes(std::string_view text) {
-    return "\"" + printable(text) + "\"";
-}
 
 std::optional<Format> formatNamed(std::string_view name) {
     for (const auto& [own, format] : formats) {

@@ -18,9 +18,6 @@ inline constexpr std::int32_t longestCaptureLimit = 86400; ///< seconds
 inline constexpr std::int32_t mostJobs = 256;
 inline constexpr std::int32_t mostLeastMegabytes = 1048576;
 
-/// What somebody typed, so that no terminal is steered by it.
-[[nodiscard]] std::string inQuotes(std::string_view text);
-
 [[nodiscard]] std::optional<Format> formatNamed(std::string_view name);
 /// "1,3"; nothing when a part is no number of a controller.
 [[nodiscard]] std::optional<std::vector<std::int32_t>> controllerNumbers(std::string_view text);

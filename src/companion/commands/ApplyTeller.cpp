@@ -18,11 +18,6 @@ constexpr std::size_t headColumn = 11;   ///< where the head lines say what
 constexpr std::size_t stateColumns = 16; ///< "  as planned for"
 constexpr std::size_t endColumns = 24;   ///< "  FAILED  exit 38   2.1 s"
 
-std::string padded(std::string text, std::size_t columns) {
-    const std::size_t used = columnsOf(text);
-    return text.append(used < columns ? columns - used : 0, ' ');
-}
-
 std::string aligned(const std::string& text, std::size_t columns) {
     const std::size_t used = columnsOf(text);
     return std::string(used < columns ? columns - used : 0, ' ') + text;

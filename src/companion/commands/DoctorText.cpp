@@ -21,12 +21,6 @@ constexpr std::size_t nameColumns = 16;
 constexpr std::size_t wordColumns = 8;
 constexpr std::size_t textAt = nameColumns + wordColumns;
 
-std::string padded(std::string text, std::size_t columns) {
-    const std::size_t taken = columnsOf(text);
-    text.append(taken < columns ? columns - taken : 1, ' ');
-    return text;
-}
-
 Emphasis emphasisOf(std::string_view word) {
     return word == "ok"                          ? Emphasis::good
            : word == "FAIL" || word == "MISSING" ? Emphasis::bad
@@ -60,7 +54,7 @@ std::string listingName(std::string_view command) {
     return std::string(words[std::min(name, words.size() - 1)]);
 }
 
-std::string outcomeText(const CapturedListing& command) {
+std::string listingOutcome(const CapturedListing& command) {
     switch (command.outcome) {
     case ChildOutcome::noPipe:
     case ChildOutcome::notStarted:
@@ -121,8 +115,8 @@ class Writer {
     }
 
     void head(const std::string& name, const std::string& word) {
-        out_ += padded(name, nameColumns);
-        out_ += padded(emphasized(word, emphasisOf(word), style_), wordColumns);
+        out_ += padded(name, nameColumns, 1);
+        out_ += padded(emphasized(word, emphasisOf(word), style_), wordColumns, 1);
     }
 
     void row(const std::string& name, const std::string& word, std::string_view text) {
@@ -221,10 +215,10 @@ class Writer {
         const std::string name = "  " + listingName(command.command);
         constexpr std::size_t durationColumns = 9;
         const std::string duration =
-            padded(std::to_string(command.duration.count()) + " ms", durationColumns);
+            padded(std::to_string(command.duration.count()) + " ms", durationColumns, 1);
         if (index + 1 == controller.commands.size() && endedTheCapture(controller)) {
             head(name, "FAIL");
-            out_ += duration + outcomeText(command) + "\n";
+            out_ += duration + listingOutcome(command) + "\n";
             return;
         }
         const ListingReading reading = index < controller.facts.listings.size()

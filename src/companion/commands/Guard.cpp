@@ -71,7 +71,7 @@ std::string findZolex(FileSystem& files, const std::string& word) {
 }
 
 /// The folder of "/p:" as it is opened.
-std::string folderOf(std::string prefix) {
+std::string openedFolder(std::string prefix) {
     if (!system::isWindows) {
         std::replace(prefix.begin(), prefix.end(), '\\', '/');
     }
@@ -148,7 +148,7 @@ class GuardCommand {
   private:
     int guardChange() {
         if (context_.machine.utilitiesFolder.empty()) {
-            context_.machine.utilitiesFolder = folderOf(run_.programFolder);
+            context_.machine.utilitiesFolder = openedFolder(run_.programFolder);
         }
         if (!readPolicies(terms_.policiesText)) {
             return exit_code::notPossible;

@@ -21,10 +21,6 @@ constexpr std::int32_t mostNumber =
 constexpr const char* withMachine =
     "zolexctl record -o server.zrec on the server, and --machine server.zrec";
 
-std::string inQuotes(std::string_view text) {
-    return "\"" + printable(text) + "\"";
-}
-
 std::string locationsOf(const std::vector<IronicMember>& members) {
     std::string text;
     for (const IronicMember& member : members) {

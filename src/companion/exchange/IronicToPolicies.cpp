@@ -33,10 +33,6 @@ constexpr std::uint64_t mbPerGib = 1024;
 constexpr std::uint64_t mostGib = ((std::uint64_t{1} << 31U) - 1) / mbPerGib;
 constexpr std::size_t mostNameBytes = 40;
 
-std::string inQuotes(std::string_view text) {
-    return "\"" + printable(text) + "\"";
-}
-
 /// A controller as a document names it.
 struct NamedController {
     std::string model;       ///< empty: not told

@@ -15,11 +15,10 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::string_view formatName = "zolex-certificate";
-constexpr DocumentCodes codes = {problem::certificateUnreadable,   problem::notACertificate,
-                                 problem::otherCertificateVersion, problem::certificateBroken,
-                                 problem::certificateWrong,        problem::certificateTooLarge};
-constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
+constexpr std::string_view certificateFormatName = "zolex-certificate";
+constexpr DocumentCodes certificateCodes = {
+    problem::certificateUnreadable, problem::notACertificate,  problem::otherCertificateVersion,
+    problem::certificateBroken,     problem::certificateWrong, problem::certificateTooLarge};
 
 void writeController(DocumentText& out, const Certificate::Controller& controller) {
     const Facts& facts = controller.facts;
@@ -74,7 +73,7 @@ Certificate::Controller readController(const Part& part) {
 }
 
 void readDocument(const Part& document, CertificateReading& reading) {
-    checkFormat(document, formatName, "certificate");
+    checkFormat(document, certificateFormatName, "certificate");
     reading.head.argv = document.object("tool").texts("argv", mostPlanLines);
     reading.head.madeAt = document.word("made_at");
     Certificate certificate;
@@ -103,7 +102,7 @@ std::string certificateDocument(const Certificate& certificate, const DocumentHe
     if (!certificate.madeAt.empty()) {
         own.madeAt = certificate.madeAt;
     }
-    DocumentText out(formatName, own);
+    DocumentText out(certificateFormatName, own);
     out.text("plan_id", certificate.planId);
     out.textOrNull("plan_sha256", certificate.planHash);
     out.textOrNull("policies_file", certificate.policiesFile);
@@ -121,20 +120,21 @@ std::string certificateDocument(const Certificate& certificate, const DocumentHe
 
 CertificateReading readCertificate(std::string_view text, std::string_view fileName) {
     if (text.size() > mostCertificateBytes) {
-        return {std::nullopt, {}, {tooLargeFinding(fileName, codes, mostCertificateBytes)}};
+        return {
+            std::nullopt, {}, {tooLargeFinding(fileName, certificateCodes, mostCertificateBytes)}};
     }
     CertificateReading reading;
     try {
         const Json document = parseDocument(text);
         readDocument(Part(document), reading);
     } catch (const DocumentFault& fault) {
-        reading = {std::nullopt, {}, {findingOf(fault, codes, text, fileName)}};
+        reading = {std::nullopt, {}, {findingOf(fault, certificateCodes, text, fileName)}};
     }
     return reading;
 }
 
 CertificateReading readCertificateFile(FileSystem& files, const std::string& name) {
-    FileBytes bytes = readBytes(files, name, codes, mostCertificateBytes);
+    FileBytes bytes = readBytes(files, name, certificateCodes, mostCertificateBytes);
     if (!bytes.findings.empty()) {
         return {std::nullopt, {}, std::move(bytes.findings)};
     }

@@ -14,7 +14,7 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::int32_t formatMajor = 1;
+constexpr std::int32_t documentMajor = 1;
 
 TextPlace placeIn(std::string_view text, std::size_t byte) {
     const std::string_view before = text.substr(0, byte);
@@ -70,11 +70,11 @@ FormatVersion checkFormat(const Part& document, std::string_view format, std::st
     if (!isVersion) {
         document.fail("format_version", "is no version such as \"1.0\"");
     }
-    if (version.major != formatMajor) {
+    if (version.major != documentMajor) {
         throw DocumentFault{DocumentFault::Kind::otherVersion,
                             "this " + std::string(what) + " has format version " + text +
                                 ", of which this program knows nothing: it reads version " +
-                                std::to_string(formatMajor)};
+                                std::to_string(documentMajor)};
     }
     return version;
 }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@ inline constexpr std::size_t mostWordBytes = 4096;
 inline constexpr std::size_t mostTextBytes = std::size_t{64} << 10U;
 inline constexpr std::size_t mostDocumentDepth = 32;
 inline constexpr std::size_t mostDocumentValues = std::size_t{2} << 20U;
+/// The largest number of the programs' own counts and places.
+inline constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
 /// The largest whole number that every reader of JSON keeps exact.
 inline constexpr std::int64_t mostJsonNumber = std::int64_t{1} << 53U;
 

@@ -1,5 +1,6 @@
 #include "companion/json/FleetDocument.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/json/MachinePieces.h"
 
 namespace zolex::companion {
@@ -20,11 +21,12 @@ std::string_view suppositionWord(Supposition::Kind kind) {
 
 Json suppositionJson(const Fleet& fleet, std::size_t index) {
     const Supposition& supposition = fleet.suppositions[index];
-    constexpr std::int64_t bytesOfMb = std::int64_t{1} << 20U;
     const bool isSize = supposition.kind == Supposition::Kind::size;
     return {{"what", suppositionWord(supposition.kind)},
             {"location", supposition.location},
-            {"capacity_bytes", isSize ? Json(supposition.sizeMb * bytesOfMb) : Json(nullptr)},
+            {"capacity_bytes", isSize
+                                   ? Json(supposition.sizeMb * static_cast<std::int64_t>(bytesOfMb))
+                                   : Json(nullptr)},
             {"servers", fleet.serversWith(index)}};
 }
 

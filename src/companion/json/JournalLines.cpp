@@ -1,6 +1,7 @@
 #include "companion/json/JournalLines.h"
 
 #include "companion/json/Base64.h"
+#include "companion/json/DocumentValues.h"
 #include "companion/json/JournalPieces.h"
 #include "companion/json/MachinePieces.h"
 #include "companion/json/PlanDocument.h"
@@ -17,9 +18,8 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::string_view formatName = "zolex-journal";
-constexpr std::string_view formatVersion = "1.0";
-constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
+constexpr std::string_view journalFormatName = "zolex-journal";
+constexpr std::string_view journalFormatVersion = "1.0";
 constexpr std::size_t hashDigits = 64;
 
 // Writing
@@ -97,8 +97,8 @@ struct EventWriter {
     Json& line;
 
     void operator()(const JournalBegin& event) const {
-        line["format"] = formatName;
-        line["format_version"] = formatVersion;
+        line["format"] = journalFormatName;
+        line["format_version"] = journalFormatVersion;
         line["tool"] = {{"name", "zolexctl"}, {"version", taken(event.toolVersion)}};
         addProcess(line, event.process);
         line["plan_id"] = taken(event.planId);
@@ -269,7 +269,7 @@ class EventReader {
     }
 
     JournalBegin readBegin(const Part& line) {
-        version_ = checkFormat(line, formatName, "journal");
+        version_ = checkFormat(line, journalFormatName, "journal");
         if (line.word("event") != journalEventWords.front()) {
             line.fail("event", "of the first line is not begin");
         }

@@ -13,10 +13,9 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr DocumentCodes codes = {problem::documentUnreadable, problem::otherDocument,
-                                 problem::otherVersion,       problem::documentBroken,
-                                 problem::documentWrong,      problem::documentTooLarge};
-constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
+constexpr DocumentCodes planCodes = {problem::documentUnreadable, problem::otherDocument,
+                                     problem::otherVersion,       problem::documentBroken,
+                                     problem::documentWrong,      problem::documentTooLarge};
 
 /// Null: 0.
 std::int32_t readLine(const Part& part, std::string_view name) {
@@ -338,20 +337,20 @@ void readDocument(const Part& document, PlanReading& reading) {
 
 PlanReading readPlanDocument(std::string_view text, std::string_view fileName) {
     if (text.size() > mostPlanBytes) {
-        return {std::nullopt, {}, {tooLargeFinding(fileName, codes, mostPlanBytes)}};
+        return {std::nullopt, {}, {tooLargeFinding(fileName, planCodes, mostPlanBytes)}};
     }
     PlanReading reading;
     try {
         const Json document = parseDocument(text);
         readDocument(Part(document), reading);
     } catch (const DocumentFault& fault) {
-        reading = {std::nullopt, {}, {findingOf(fault, codes, text, fileName)}};
+        reading = {std::nullopt, {}, {findingOf(fault, planCodes, text, fileName)}};
     }
     return reading;
 }
 
 PlanReading readPlanFile(FileSystem& files, const std::string& name) {
-    FileBytes bytes = readBytes(files, name, codes, mostPlanBytes);
+    FileBytes bytes = readBytes(files, name, planCodes, mostPlanBytes);
     if (!bytes.findings.empty()) {
         return {std::nullopt, {}, std::move(bytes.findings)};
     }

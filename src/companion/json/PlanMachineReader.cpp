@@ -11,8 +11,6 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::int64_t mostNumber = std::numeric_limits<std::int32_t>::max();
-
 using enum DriveState;
 constexpr std::array driveStates{unknown, free,    member,  hotspare, rebuilding,
                                  failed,  missing, foreign, jbod};
@@ -117,7 +115,7 @@ void readSupported(const Part& part, Facts& facts) {
     }
 }
 
-LayoutVolume readVolume(const Part& part) {
+LayoutVolume readLayoutVolume(const Part& part) {
     LayoutVolume volume;
     volume.id = part.word("id");
     volume.raidType = part.wordOrNull("raid_type");
@@ -262,7 +260,7 @@ Layout readLayout(const Part& part) {
         if (group == layout.groups.end()) {
             each.fail("array", "\"" + array + "\" is none of the arrays");
         }
-        group->volumes.push_back(readVolume(each));
+        group->volumes.push_back(readLayoutVolume(each));
     }
     for (const Part& each : part.objects("hotspares", mostPlanDrives)) {
         layout.spares.push_back(readSpare(each));

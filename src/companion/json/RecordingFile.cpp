@@ -18,7 +18,7 @@ RecordingReading notRead(const std::string& name, const char* code, std::string 
 }
 
 constexpr const char* unreadable = "ZR100";
-constexpr const char* tooLarge = "ZR105";
+constexpr const char* recordingTooLarge = "ZR105";
 
 } // namespace
 
@@ -36,7 +36,7 @@ RecordingReading readRecordingFile(FileSystem& files, const std::string& name) {
         got = file->read(std::span(text).subspan(size));
         size += got;
         if (size > mostRecordingBytes) {
-            return notRead(name, tooLarge,
+            return notRead(name, recordingTooLarge,
                            "the file is larger than " + std::to_string(mostRecordingBytes >> 20U) +
                                " MB");
         }

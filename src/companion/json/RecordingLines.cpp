@@ -17,9 +17,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::string_view formatName = "zolex-recording";
-constexpr std::int32_t formatMajor = 1;
-constexpr std::string_view formatVersion = "1.0";
+constexpr std::string_view recordingFormatName = "zolex-recording";
+constexpr std::int32_t recordingFormatMajor = 1;
+constexpr std::string_view recordingFormatVersion = "1.0";
 
 // Codes of what is wrong with a recording.
 constexpr const char* notRecording = "ZR101";
@@ -693,9 +693,10 @@ class Reader {
         } catch (const LineFault& fault) {
             fail({notRecording, fault.offset, "this is no recording: " + fault.text});
         }
-        if (!object->has("format") || object->text("format") != formatName) {
+        if (!object->has("format") || object->text("format") != recordingFormatName) {
             fail({notRecording, object->has("format") ? valueOffset(line, "format") : 0,
-                  "this is no recording: \"format\" is not \"" + std::string(formatName) + "\""});
+                  "this is no recording: \"format\" is not \"" + std::string(recordingFormatName) +
+                      "\""});
         }
         const std::string version = object->text("format_version");
         std::int32_t major = 0;
@@ -710,11 +711,11 @@ class Reader {
         if (!isVersion) {
             object->wrong("format_version", "is no version such as \"1.0\"");
         }
-        if (major != formatMajor) {
+        if (major != recordingFormatMajor) {
             fail({otherVersion, valueOffset(line, "format_version"),
                   "this recording has format version " + version +
                       ", of which this program knows nothing: it reads version " +
-                      std::to_string(formatMajor),
+                      std::to_string(recordingFormatMajor),
                   "a zolexctl that knows version " + std::to_string(major) + " reads it"});
         }
         recording_.header.madeAt = object->text("made_at");
@@ -827,8 +828,8 @@ class Reader {
 
 std::string recordingHeaderLine(const RecordingHeader& header) {
     Json object;
-    object["format"] = formatName;
-    object["format_version"] = formatVersion;
+    object["format"] = recordingFormatName;
+    object["format_version"] = recordingFormatVersion;
     Json argv = Json::array();
     for (const std::string& argument : header.argv) {
         argv.push_back(isUtf8(argument) ? argument : "?");

@@ -1,5 +1,6 @@
 #include "companion/layout/Attributes.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/text/Sizes.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 namespace zolex::companion {
 
 namespace {
-
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 
 using Strip = ComparedAttributes::Strip;
 using ReadCache = ComparedAttributes::ReadCache;

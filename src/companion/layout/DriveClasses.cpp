@@ -1,4 +1,5 @@
 #include "companion/layout/DriveClasses.h"
+#include "companion/facts/Bytes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -7,8 +8,6 @@
 namespace zolex::companion {
 
 namespace {
-
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 
 bool isGood(const DriveFacts& drive) {
     const bool isAtWork = drive.state == DriveState::free || drive.state == DriveState::member ||

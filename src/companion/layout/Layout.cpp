@@ -1,5 +1,6 @@
 #include "companion/layout/Layout.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/text/Sizes.h"
 #include "foundation/Text.h"
 
@@ -14,7 +15,6 @@ namespace zolex::companion {
 namespace {
 
 constexpr std::size_t pairOfDrives = 2;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 
 using Span = std::vector<std::string>;
 

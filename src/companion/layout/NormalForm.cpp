@@ -1,5 +1,6 @@
 #include "companion/layout/NormalForm.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/layout/Layout.h"
 
 #include <algorithm>
@@ -9,9 +10,6 @@
 namespace zolex::companion {
 
 namespace {
-
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 
 std::string sizeInMb(const LayoutVolume& volume) {
     if (!volume.capacityBytes) {

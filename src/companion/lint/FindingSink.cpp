@@ -31,4 +31,10 @@ Finding& FindingSink::addToFile(std::string_view rule, std::string summary,
     return add(rule, begin, begin, std::move(summary), std::move(help));
 }
 
+void pointTo(Finding& finding, const Piece& other, std::string what) {
+    finding.otherStart = other.start;
+    finding.otherEnd = other.end;
+    finding.other = std::move(what);
+}
+
 } // namespace zolex::companion

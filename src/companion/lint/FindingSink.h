@@ -38,4 +38,7 @@ class FindingSink {
     std::vector<Finding> findings_;
 };
 
+/// Points to another piece of the same file that the finding is about, and says what it is.
+void pointTo(Finding& finding, const Piece& other, std::string what);
+
 } // namespace zolex::companion

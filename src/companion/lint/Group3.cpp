@@ -1,4 +1,5 @@
 #include "companion/lint/Entries.h"
+#include "companion/lint/FindingSink.h"
 #include "companion/lint/Levels.h"
 #include "companion/lint/PolicyView.h"
 #include "companion/lint/RuleGroups.h"
@@ -20,12 +21,6 @@ namespace {
 /// "Array.B".
 std::string nameOf(const DriveListView& list) {
     return list.entry->keyword.text;
-}
-
-void pointTo(Finding& finding, const Piece& other, std::string what) {
-    finding.otherStart = other.start;
-    finding.otherEnd = other.end;
-    finding.other = std::move(what);
 }
 
 bool hasSameDrives(const DriveListView& one, const DriveListView& other) {

@@ -1,6 +1,7 @@
 #include "companion/families/ModelTexts.h"
 #include "companion/lint/Effects.h"
 #include "companion/lint/Entries.h"
+#include "companion/lint/FindingSink.h"
 #include "companion/lint/Levels.h"
 #include "companion/lint/PolicyView.h"
 #include "companion/lint/RuleGroups.h"
@@ -23,12 +24,6 @@ namespace zolex::companion {
 
 namespace {
 
-void pointTo(Finding& finding, const Piece& other, std::string what) {
-    finding.otherStart = other.start;
-    finding.otherEnd = other.end;
-    finding.other = std::move(what);
-}
-
 std::string levelName(std::int32_t level) {
     const bool isNumber = level != raid_level::volume && level != raid_level::simpleVolume;
     return std::string(isNumber ? "RAID " : "") + raidLevelWord(level);
@@ -42,10 +37,6 @@ std::string countWords(const std::string& possible) {
         return possible.substr(0, end) + " drives, an even number";
     }
     return possible + " drives";
-}
-
-bool is5E(std::int32_t level) {
-    return level == raid_level::raid5E || level == raid_level::raid5EE;
 }
 
 /// Checks the logical drives of one policy.

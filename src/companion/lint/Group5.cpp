@@ -17,11 +17,6 @@ namespace zolex::companion {
 
 namespace {
 
-bool canRebuild(std::int32_t level) {
-    return level != raid_level::raid0 && level != raid_level::volume &&
-           level != raid_level::simpleVolume;
-}
-
 /// How many automatic hot spares the least of an entry's controllers gets; nothing when the entry
 /// does not tell what it takes to know.
 std::optional<std::int32_t> automaticCount(const PolicyView& policy, const EntryView& entry) {

@@ -1,5 +1,6 @@
 #include "companion/facts/CompareReadings.h"
 #include "companion/lint/Entries.h"
+#include "companion/lint/Levels.h"
 #include "companion/lint/MachineCase.h"
 #include "companion/lint/MemberLine.h"
 #include "companion/text/Sizes.h"
@@ -22,11 +23,6 @@ namespace zolex::companion {
 namespace {
 
 constexpr std::uint64_t bytesPerMb = 1024ULL * 1024ULL;
-
-bool canRebuild(std::int32_t level) {
-    return level != raid_level::raid0 && level != raid_level::volume &&
-           level != raid_level::simpleVolume;
-}
 
 bool isBad(const MachineDrive& drive) {
     return drive.facts.state == DriveState::failed || drive.facts.state == DriveState::missing;

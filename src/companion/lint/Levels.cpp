@@ -16,6 +16,15 @@ AskedDrive onArray(const LogicalView* view, const DriveListView* array) {
 
 } // namespace
 
+bool is5E(std::int32_t level) {
+    return level == raid_level::raid5E || level == raid_level::raid5EE;
+}
+
+bool canRebuild(std::int32_t level) {
+    return level != raid_level::raid0 && level != raid_level::volume &&
+           level != raid_level::simpleVolume;
+}
+
 std::vector<AskedDrive> plannedDrives(const PolicyView& policy) {
     std::vector<AskedDrive> drives;
     if (policy.customLogicalDrives) {

@@ -21,6 +21,11 @@ struct AskedDrive {
     std::size_t drives = 0;               ///< of its array; 0: not known
 };
 
+/// RAID 5E or 5EE: hot space lies on the members themselves.
+[[nodiscard]] bool is5E(std::int32_t level);
+/// Whether a drive that failed can be rebuilt: not in RAID 0 and volumes.
+[[nodiscard]] bool canRebuild(std::int32_t level);
+
 /// With `Logical_Mode = CUSTOM` one for each `Logical.<n>`, else one for each listed array, or one
 /// for all where arrays are chosen automatically.
 [[nodiscard]] std::vector<AskedDrive> plannedDrives(const PolicyView& policy);

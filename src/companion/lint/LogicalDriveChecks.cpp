@@ -1,4 +1,5 @@
 #include "companion/lint/Keywords.h"
+#include "companion/lint/Levels.h"
 #include "companion/lint/ValueChecks.h"
 #include "foundation/Text.h"
 #include "policies/PolicyKeywords.h"
@@ -109,10 +110,6 @@ struct ReadDrive {
     DriveSize size;
     std::int32_t level = 0;
 };
-
-bool is5E(std::int32_t level) {
-    return level == raid_level::raid5E || level == raid_level::raid5EE;
-}
 
 /// The logical drives of one policy.
 class LogicalDrives {

@@ -2,6 +2,7 @@
 
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/text/Words.h"
 #include "model/Codes.h"
 #include "model/ControllerCatalogue.h"
 
@@ -14,21 +15,6 @@
 namespace zolex::companion {
 
 namespace {
-
-bool isLetterOrDigit(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
-/// Letters and digits in lower case.
-std::string squeezed(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (isLetterOrDigit(c)) {
-            result += text::lower(c);
-        }
-    }
-    return result;
-}
 
 struct ModelName {
     std::string model;
@@ -45,7 +31,7 @@ std::vector<ModelName> allModels() {
             // A name without a number ("Kestrix controller") is that of a family.
             if (ControllerCatalogue::isValidControllerName(name) &&
                 name.view().find_first_of("0123456789") != std::string_view::npos) {
-                models.push_back({std::string(name.view()), squeezed(name)});
+                models.push_back({std::string(name.view()), lettersAndDigits(name)});
             }
         }
     }
@@ -112,7 +98,7 @@ void checkPci(const FunctionIdentity& identity, ControllerSnapshot& snapshot) {
 
 std::string modelInName(std::string_view productName) {
     static const std::vector<ModelName> models = allModels();
-    const std::string name = squeezed(productName);
+    const std::string name = lettersAndDigits(productName);
     std::string_view found;
     std::size_t longest = 0;
     for (const ModelName& model : models) {

@@ -1,7 +1,9 @@
 #include "companion/machine/Fingerprint.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/layout/NormalForm.h"
 #include "companion/machine/Sha256.h"
+#include "companion/text/Words.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -37,17 +39,6 @@ constexpr std::array<std::string_view, 24> placeholders = {"none",
                                                            "1234567890",
                                                            "123456789"};
 
-std::string squeezed(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        const char lower = text::lower(c);
-        if ((lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9')) {
-            result += lower;
-        }
-    }
-    return result;
-}
-
 /// A field of the text that is hashed: its length keeps the fields apart.
 void append(std::string& text, std::string_view field) {
     text += std::to_string(field.size());
@@ -64,7 +55,6 @@ std::string stateText(const ControllerSnapshot& controller) {
     std::vector<std::string> drives;
     for (const MachineDrive& drive : controller.drives) {
         const DriveFacts& facts = drive.facts;
-        constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
         std::string text;
         append(text, facts.location);
         append(text, !facts.serialNumber.empty() ? facts.serialNumber
@@ -114,7 +104,7 @@ Strength strengthOf(const Snapshot& snapshot) {
 } // namespace
 
 bool isPlaceholder(std::string_view serialNumber) {
-    const std::string text = squeezed(serialNumber);
+    const std::string text = lettersAndDigits(serialNumber);
     return text.empty() || text.find_first_not_of('0') == std::string::npos ||
            text.find_first_not_of('x') == std::string::npos ||
            text.find_first_not_of('f') == std::string::npos ||

@@ -1,5 +1,6 @@
 #include "companion/machine/Join.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/facts/CompareReadings.h"
 #include "engine/Planning.h"
 #include "model/Codes.h"
@@ -13,8 +14,6 @@
 namespace zolex::companion {
 
 namespace {
-
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 
 std::string pairText(std::int32_t first, std::int32_t second) {
     return std::to_string(first) + ":" + std::to_string(second);

@@ -5,6 +5,7 @@
 #include "companion/picture/TextLines.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
+#include "companion/text/Words.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,15 +18,7 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::size_t headIndent = 13;
-
-std::string joined(const std::vector<std::string>& pieces) {
-    std::string text;
-    for (const std::string& piece : pieces) {
-        text += (text.empty() ? "" : " ") + piece;
-    }
-    return text;
-}
+constexpr std::size_t certificateIndent = 13;
 
 class CertificateWriter {
   public:
@@ -46,12 +39,13 @@ class CertificateWriter {
     void field(std::string_view name, const std::string& text,
                Emphasis emphasis = Emphasis::plain) {
         if (!text.empty()) {
-            out_ += std::string(name) +
-                    std::string(headIndent - std::min(name.size(), headIndent - 1), ' ') +
-                    emphasized(foldedWords(text, headIndent, headIndent,
-                                           static_cast<std::size_t>(style_.width)),
-                               emphasis, style_) +
-                    "\n";
+            out_ +=
+                std::string(name) +
+                std::string(certificateIndent - std::min(name.size(), certificateIndent - 1), ' ') +
+                emphasized(foldedWords(text, certificateIndent, certificateIndent,
+                                       static_cast<std::size_t>(style_.width)),
+                           emphasis, style_) +
+                "\n";
         }
     }
 
@@ -127,7 +121,7 @@ class CertificateWriter {
                                  {{"LD " + printable(volume.id), Emphasis::bold},
                                   {printable(levelOf(facts))},
                                   {sizeText(volume.capacityBytes), Emphasis::plain, true},
-                                  {printable(joined(locationRanges(group.drives())))}}});
+                                  {printable(joined(locationRanges(group.drives()), " "))}}});
                 const std::string settings =
                     settingsText(volume.writeCache, volume.readCache, volume.stripSizeBytes);
                 if (!settings.empty()) {
@@ -151,7 +145,7 @@ class CertificateWriter {
         }
         if (!layout.foreignDrives.empty()) {
             out_ += signedLine(
-                "  ! ", "foreign: " + printable(joined(locationRanges(layout.foreignDrives))),
+                "  ! ", "foreign: " + printable(joined(locationRanges(layout.foreignDrives), " ")),
                 Emphasis::warning, style_);
         }
     }

@@ -1,5 +1,6 @@
 #include "companion/picture/FleetHtml.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/picture/FleetText.h"
 #include "companion/picture/Markup.h"
 #include "companion/picture/PageParts.h"
@@ -120,11 +121,6 @@ std::string idOf(std::size_t index) {
     return "server-" + std::to_string(index + 1);
 }
 
-std::string paragraph(const std::string& text, std::string_view classes = {}) {
-    return (classes.empty() ? "<p>" : "<p class=\"" + std::string(classes) + "\">") +
-           escaped(text) + "</p>\n";
-}
-
 /// A cell that is sorted by a number.
 std::string numberCell(const std::string& text, std::uint64_t value, std::string_view classes) {
     return "<td class=\"" + std::string(classes) + "\" data-value=\"" + std::to_string(value) +
@@ -138,7 +134,6 @@ std::string lossCell(const FleetServer& server) {
     if (!server.hasPlan) {
         return "<td data-value=\"-1\">-</td>";
     }
-    constexpr std::uint64_t bytesOfKb = 1024;
     const std::uint64_t weight =
         losses.capacityBytes / bytesOfKb + losses.logicalDrives + losses.hotspares + losses.foreign;
     return numberCell(lossesText(server), weight, losses.any() ? "lost" : "");

@@ -5,6 +5,7 @@
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
 #include "companion/text/TypedWord.h"
+#include "companion/text/Words.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -25,14 +26,6 @@ std::string serversText(std::size_t count) {
 
 std::string placeOf(const Fleet& fleet, std::int32_t line) {
     return fleet.policiesFile + ":" + std::to_string(line);
-}
-
-std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
-    std::string text;
-    for (const std::string& part : parts) {
-        text.append(&part == &parts.front() ? "" : separator).append(part);
-    }
-    return text;
 }
 
 Emphasis emphasisOf(ServerResult result) {

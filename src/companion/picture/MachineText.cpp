@@ -4,6 +4,7 @@
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
 #include "companion/text/Utf8.h"
+#include "companion/text/Words.h"
 
 #include <algorithm>
 #include <map>
@@ -18,17 +19,9 @@ namespace {
 constexpr std::size_t headIndent = 14;  ///< as wide as "Controller 1  "
 constexpr std::size_t layoutIndent = 5; ///< behind the sign of a line
 
-std::string joined(const std::vector<std::string>& pieces, std::string_view separator) {
-    std::string text;
-    for (const std::string& piece : pieces) {
-        text += (text.empty() ? "" : std::string(separator)) + piece;
-    }
-    return text;
-}
-
-class Writer {
+class MachineWriter {
   public:
-    Writer(const ControllerSnapshot& controller, const TextStyle& style, bool verbose)
+    MachineWriter(const ControllerSnapshot& controller, const TextStyle& style, bool verbose)
         : controller_(controller), style_(style), width_(static_cast<std::size_t>(style.width)),
           verbose_(verbose) {}
 
@@ -494,7 +487,7 @@ std::string machineText(const Snapshot& snapshot, const TextStyle& style, bool v
     }
     for (std::size_t i = 0; i < snapshot.details.size(); ++i) {
         text += i > 0 ? "\n" : "";
-        text += Writer(snapshot.details[i], style, verbose).write();
+        text += MachineWriter(snapshot.details[i], style, verbose).write();
     }
     if (snapshot.details.empty()) {
         text += "No RAID controller\n";

@@ -11,7 +11,7 @@ namespace zolex::companion {
 namespace {
 
 /// Every pair of colours has a contrast of 4.5 at least, in the light and in the dark scheme.
-constexpr std::string_view style = R"(<style>
+constexpr std::string_view pageStyle = R"(<style>
 :root{color-scheme:light dark}
 body{margin:0 auto;padding:1rem;max-width:100rem;background:#ffffff;color:#1a1a1a;font:15px/1.45 system-ui,"Segoe UI","DejaVu Sans",sans-serif}
 h1{font-size:1.5rem;margin:0}
@@ -74,7 +74,7 @@ std::string pageHead(const std::string& title, std::string_view moreStyle) {
                       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
                       "<title>" +
                       escaped(title) + "</title>\n";
-    out += style;
+    out += pageStyle;
     out += moreStyle;
     return out + "</head>\n<body>\n";
 }
@@ -102,6 +102,11 @@ std::string htmlRow(std::string_view tag, const std::vector<HtmlCell>& cells,
 
 std::string orDash(const std::string& text) {
     return text.empty() ? "-" : escaped(text);
+}
+
+std::string paragraph(const std::string& text, std::string_view classes) {
+    return (classes.empty() ? "<p>" : "<p class=\"" + std::string(classes) + "\">") +
+           escaped(text) + "</p>\n";
 }
 
 std::string findingsList(const std::vector<Finding>& findings) {

@@ -23,6 +23,8 @@ struct HtmlCell {
                                   std::string_view classes = {});
 /// The text escaped, or "-".
 [[nodiscard]] std::string orDash(const std::string& text);
+/// A paragraph of a text, which is escaped.
+[[nodiscard]] std::string paragraph(const std::string& text, std::string_view classes = {});
 /// A list of findings with what helps; empty without any.
 [[nodiscard]] std::string findingsList(const std::vector<Finding>& findings);
 /// A letter on the colour of its array.

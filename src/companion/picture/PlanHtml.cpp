@@ -62,16 +62,11 @@ std::string details(const std::string& summary, const std::string& content) {
     return "<details><summary>" + escaped(summary) + "</summary>\n" + content + "</details>\n";
 }
 
-std::string paragraph(const std::string& text, std::string_view classes = {}) {
-    return (classes.empty() ? "<p>" : "<p class=\"" + std::string(classes) + "\">") +
-           escaped(text) + "</p>\n";
-}
-
 std::string commandLine(const std::string& text) {
     return "<p><code>" + escaped(text) + "</code></p>\n";
 }
 
-std::string placeText(const std::string& file, std::int32_t line) {
+std::string linePlace(const std::string& file, std::int32_t line) {
     return line > 0 && !file.empty() ? file + ":" + std::to_string(line) : "";
 }
 
@@ -121,7 +116,7 @@ class PlanSection {
         std::string rows;
         for (const PolicyMatch& match : planning_.considered) {
             if (match.matched.value_or(false)) {
-                const std::string place = placeText(plan_.policiesFile, match.line);
+                const std::string place = linePlace(plan_.policiesFile, match.line);
                 out_ += "<p><strong>" + escaped(match.name) + "</strong>" +
                         (place.empty() ? "" : " (" + escaped(place) + ")") + " " +
                         escaped(matchText(match)) + "</p>\n";
@@ -319,7 +314,7 @@ class PlanSection {
         std::string rows;
         for (const PlannedVolume& volume : planning_.volumes) {
             for (const auto& [attribute, reason] : volume.reasons) {
-                const std::string place = placeText(plan_.policiesFile, reason.line);
+                const std::string place = linePlace(plan_.policiesFile, reason.line);
                 rows += htmlRow("td", {{escaped(volume.id)},
                                        {escaped(attributeText(attribute))},
                                        {escaped(reasonText(reason)) +
@@ -461,7 +456,7 @@ std::string diffSection(const MachineDiff& all, const ControllerDiff& diff,
                                                                         : "new") +
                       "\">" + word + "</span></h2>\n";
     if (!diff.policy.empty()) {
-        const std::string place = all.isByPlan ? "" : placeText(all.wantedBy, diff.policyLine);
+        const std::string place = all.isByPlan ? "" : linePlace(all.wantedBy, diff.policyLine);
         out += paragraph(diff.policy + (place.empty() ? "" : " (" + place + ")"), "dim");
     }
     out += diff.because.empty() ? "" : paragraph(diff.because);

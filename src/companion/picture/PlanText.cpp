@@ -6,6 +6,7 @@
 #include "companion/text/Diagnostics.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Utf8.h"
+#include "companion/text/Words.h"
 
 #include <algorithm>
 #include <set>
@@ -21,14 +22,6 @@ constexpr std::size_t mostPolicies = 6;     ///< that are shown when not everyth
 constexpr std::size_t mostReasons = 3;      ///< of a strategy, likewise
 constexpr std::size_t mostDifferences = 3;  ///< from zolex, likewise
 constexpr std::size_t rowTitleColumns = 15; ///< as wide as "    planned    "
-
-std::string joined(const std::vector<std::string>& pieces, std::string_view separator) {
-    std::string text;
-    for (const std::string& piece : pieces) {
-        text += (text.empty() ? "" : std::string(separator)) + piece;
-    }
-    return text;
-}
 
 std::string placeText(const std::string& file, std::int32_t line) {
     return line > 0 && !file.empty() ? printable(file) + ":" + std::to_string(line) : "";

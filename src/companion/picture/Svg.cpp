@@ -15,9 +15,9 @@ namespace zolex::companion {
 
 namespace {
 
-class Writer {
+class SvgWriter {
   public:
-    Writer(const Snapshot& snapshot, const Geometry& picture, std::string prefix)
+    SvgWriter(const Snapshot& snapshot, const Geometry& picture, std::string prefix)
         : snapshot_(snapshot), picture_(picture), canvas_(std::move(prefix)) {}
 
     std::string write(bool isDocument) {
@@ -135,12 +135,12 @@ class Writer {
 
 std::string machineSvg(const Snapshot& snapshot) {
     const Geometry picture = geometryOf(snapshot);
-    return Writer(snapshot, picture, "").write(true);
+    return SvgWriter(snapshot, picture, "").write(true);
 }
 
 std::string controllerSvg(const Snapshot& snapshot, std::size_t index, bool withLegend) {
     const Geometry picture = geometryOf(snapshot, {index, false, withLegend});
-    return Writer(snapshot, picture, "c" + std::to_string(index) + "-").write(false);
+    return SvgWriter(snapshot, picture, "c" + std::to_string(index) + "-").write(false);
 }
 
 } // namespace zolex::companion

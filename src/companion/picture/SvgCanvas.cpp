@@ -20,7 +20,7 @@ using svg_colours::white;
 
 /// Colours of what lies outside slots and bars follow the reader's scheme. Those within are fixed:
 /// their texts are drawn on their own ground.
-constexpr std::string_view style = R"(<style>
+constexpr std::string_view canvasStyle = R"(<style>
 .picture text{font-family:"DejaVu Sans Mono",Consolas,Menlo,"Liberation Mono",monospace;font-size:10px}
 .picture .head{font-size:14px;font-weight:bold}
 .picture .number{font-size:17px;font-weight:bold}
@@ -157,7 +157,7 @@ void SvgCanvas::begin(bool isDocument, std::int32_t width, std::int32_t height,
             number(width) + "\" height=\"" + number(height) + "\" viewBox=\"0 0 " + number(width) +
             " " + number(height) + "\">\n";
     out_ += "<title>" + escaped(title) + "</title>\n<desc>" + escaped(description) + "</desc>\n";
-    out_ += style;
+    out_ += canvasStyle;
     out_ += moreStyle;
     patterns(colours);
     out_ += "<rect class=\"paper\" " + at({0, 0, width, height}) + "/>\n";

@@ -1,6 +1,7 @@
 #include "companion/planning/FamilyDrives.h"
 
 #include "companion/layout/Layout.h"
+#include "companion/planning/HealthyView.h"
 
 #include <algorithm>
 #include <limits>
@@ -62,9 +63,7 @@ bool FamilyDrives::isAmbiguous(const DriveView& view) const {
 
 FamilyDrives::Use FamilyDrives::useOf(const MachineDrive& drive) const {
     const DriveFacts& facts = drive.facts;
-    const bool isHurt = facts.state == DriveState::failed || facts.state == DriveState::missing ||
-                        facts.state == DriveState::rebuilding;
-    if (failedMembersStay_ && isHurt && !drive.array.empty()) {
+    if (failedMembersStay_ && isHurt(facts) && !drive.array.empty()) {
         return Use::good;
     }
     if (family_.whyNotUsable(facts).empty()) {

@@ -1,11 +1,13 @@
 #include "companion/planning/FamilyLayout.h"
 
 #include "companion/binding/DriveChoice.h"
+#include "companion/facts/Bytes.h"
 #include "companion/families/SpanRules.h"
 #include "companion/lint/Entries.h"
 #include "companion/machine/Join.h"
 #include "companion/planning/FamilyDrives.h"
 #include "companion/planning/PlanFaults.h"
+#include "companion/planning/PlannedLayout.h"
 #include "companion/planning/Refusals.h"
 #include "companion/text/Sizes.h"
 #include "model/Codes.h"
@@ -24,18 +26,10 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 constexpr std::uint64_t percentOfAll = 100;
 /// From so many drives on there is one hot spare where the policy does not say.
 constexpr std::size_t drivesForASpare = 4;
 constexpr std::size_t mostAutomaticDrives = 32;
-
-std::string raidTypeOf(std::int32_t level) {
-    return level == raid_level::volume || level == raid_level::simpleVolume
-               ? "None"
-               : std::string("RAID") + raidLevelWord(level);
-}
 
 /// The level of an array whose level no entry gives.
 std::int32_t usualLevel(std::size_t drives) {
@@ -47,12 +41,6 @@ std::int32_t usualLevel(std::size_t drives) {
 
 bool isRedundant(std::string_view raidType) {
     return raidType != "RAID0" && raidType != "None";
-}
-
-std::string sizeWords(const DriveSize& size) {
-    return size.kind == DriveSize::Kind::mb        ? std::to_string(size.value) + " MB"
-           : size.kind == DriveSize::Kind::percent ? std::to_string(size.value) + "%"
-                                                   : "FILL";
 }
 
 /// One logical drive as a policy asks for it.
@@ -629,7 +617,7 @@ class LayoutMaker {
     bool chooseLevel(const KindSection::Level& level, const PlannedArray& array, VolumeAsk& ask) {
         std::string why;
         for (const LevelWish::Choice& choice : level.wish.choices) {
-            const SpanChoice spans = spansOf(raidTypeOf(choice.level), array.drives.size());
+            const SpanChoice spans = spansOf(plannedRaidType(choice.level), array.drives.size());
             if (spans.fault.empty()) {
                 ask.level = choice.level;
                 ask.levelEntry = level.entry;
@@ -664,7 +652,7 @@ class LayoutMaker {
         PlannedVolume volume;
         volume.id = "Logical." + std::to_string(planning_.volumes.size() + 1);
         volume.array = array.id;
-        volume.raidType = raidTypeOf(level);
+        volume.raidType = plannedRaidType(level);
         const Piece* const levelPiece = ask.view == nullptr ? placeOf(array) : &ask.view->level;
         const auto [first, isFirst] = levels.emplace(ask.array, volume.raidType);
         if (isFirst) {

@@ -16,13 +16,8 @@ namespace zolex::companion {
 
 namespace {
 
-bool isHurt(const DriveFacts& drive) {
-    return drive.state == DriveState::failed || drive.state == DriveState::missing ||
-           drive.state == DriveState::rebuilding;
-}
-
 /// Whether what is lost may not be listed.
-bool isDoubtful(const Finding& finding) {
+bool hidesLosses(const Finding& finding) {
     return finding.code == problem::brokenBlock || finding.code == family_code::notWhole ||
            finding.code == family_code::noDetails;
 }
@@ -218,7 +213,7 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
     refuseMisread(planning.controller.findings);
     for (const Finding& finding : planning.controller.findings) {
         found.push_back(finding);
-        if (isDoubtful(finding)) {
+        if (hidesLosses(finding)) {
             found.back().severity = Severity::error; // what is lost may not be listed
         }
     }

@@ -1,5 +1,6 @@
 #include "companion/planning/HealthyView.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/facts/CompareReadings.h"
 #include "companion/machine/Join.h"
 #include "model/Codes.h"
@@ -13,13 +14,6 @@
 namespace zolex::companion {
 
 namespace {
-
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-
-bool isHurt(const DriveFacts& drive) {
-    return drive.state == DriveState::failed || drive.state == DriveState::missing ||
-           drive.state == DriveState::rebuilding;
-}
 
 /// The size of the smallest drive that lies beside this one in a logical drive; for a member whose
 /// own size is not told any more.
@@ -64,6 +58,11 @@ bool restore(RAIDController& record, const ControllerSnapshot& detail, const Dri
 }
 
 } // namespace
+
+bool isHurt(const DriveFacts& drive) {
+    return drive.state == DriveState::failed || drive.state == DriveState::missing ||
+           drive.state == DriveState::rebuilding;
+}
 
 ControllerSnapshot withoutListings(const ControllerSnapshot& detail) {
     ControllerSnapshot copy;

@@ -1,5 +1,6 @@
 #include "companion/planning/PlannedLayout.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/machine/Join.h"
 #include "companion/planning/Reasons.h"
 #include "companion/planning/Strategy.h"
@@ -20,7 +21,6 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
 /// What planning takes for the rest of an array, in MB.
 constexpr std::uint64_t fillMarginMb = 139;
 
@@ -30,22 +30,6 @@ bool isVolumeLevel(std::int32_t level) {
 
 bool canRebuild(std::int32_t level) {
     return level != raid_level::raid0 && !isVolumeLevel(level);
-}
-
-std::string raidTypeOf(std::int32_t level) {
-    return isVolumeLevel(level) ? "None" : std::string("RAID") + raidLevelWord(level);
-}
-
-std::string sizeWords(const DriveSize& size) {
-    switch (size.kind) {
-    case DriveSize::Kind::mb:
-        return std::to_string(size.value) + " MB";
-    case DriveSize::Kind::percent:
-        return std::to_string(size.value) + "%";
-    case DriveSize::Kind::rest:
-        break;
-    }
-    return "FILL";
 }
 
 /// The part of an array that holds data: 0.5 for a mirror. Where single precision is enough for
@@ -188,7 +172,7 @@ class LayoutFiller {
         PlannedVolume volume;
         volume.id = "Logical." + std::to_string(index + 1);
         volume.array = letterOf(array);
-        volume.raidType = raidTypeOf(logical.raidLevel);
+        volume.raidType = plannedRaidType(logical.raidLevel);
         const Reason* const size = reasons_.find(Reason::Subject::size, number);
         volume.sizePolicy = size == nullptr ? "FILL" : sizeWords(size->askedSize);
         volume.fills = logical.sizeMb == sizeFill;
@@ -325,6 +309,22 @@ class LayoutFiller {
 };
 
 } // namespace
+
+std::string plannedRaidType(std::int32_t level) {
+    return isVolumeLevel(level) ? "None" : std::string("RAID") + raidLevelWord(level);
+}
+
+std::string sizeWords(const DriveSize& size) {
+    switch (size.kind) {
+    case DriveSize::Kind::mb:
+        return std::to_string(size.value) + " MB";
+    case DriveSize::Kind::percent:
+        return std::to_string(size.value) + "%";
+    case DriveSize::Kind::rest:
+        break;
+    }
+    return "FILL";
+}
 
 void fillLayout(const PlannedCase& planned, ControllerPlanning& planning) {
     LayoutFiller(planned, planning).fill();

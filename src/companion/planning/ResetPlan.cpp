@@ -46,7 +46,7 @@ void refuseUncaptured(ControllerPlanning& planning) {
 }
 
 /// What a listing tells wrongly may be lost without being named.
-bool isDoubtful(const Finding& finding) {
+bool isMisreadOrBroken(const Finding& finding) {
     return isMisread(finding) || finding.code == problem::brokenBlock;
 }
 
@@ -79,7 +79,7 @@ ControllerPlanning planController(const Snapshot& snapshot, const ControllerSnap
     }
     planning.before = capturedLayout(detail.facts);
     for (const Finding& finding : detail.findings) {
-        if (isDoubtful(finding)) {
+        if (isMisreadOrBroken(finding)) {
             refuse(planning, finding);
             planning.diagnostics.back().severity = Severity::error;
         }

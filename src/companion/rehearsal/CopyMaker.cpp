@@ -1,5 +1,6 @@
 #include "companion/rehearsal/CopyMaker.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/layout/NormalForm.h"
 #include "companion/rehearsal/NoCopy.h"
 #include "companion/rehearsal/StorcliCopy.h"
@@ -21,8 +22,6 @@ using zolex_sim::DriveLocation;
 using zolex_sim::DriveStatus;
 using zolex_sim::Generation;
 
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 constexpr std::uint64_t bytesOfSector = 512;
 
 /// What the facts leave open.

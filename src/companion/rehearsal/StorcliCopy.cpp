@@ -1,5 +1,6 @@
 #include "companion/rehearsal/StorcliCopy.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/families/storcli/StorcliDecode.h"
 #include "companion/rehearsal/NoCopy.h"
 #include "foundation/Text.h"
@@ -22,7 +23,6 @@ namespace {
 namespace sim = zolex_sim::storcli;
 using zolex_sim::DriveLocation;
 
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 constexpr std::uint64_t bytesOfBlock = 512;
 constexpr std::uint64_t greatestSize = std::uint64_t{1} << 60U;
 /// Enclosures from here on can be named by no command: members stand there that are missing.

@@ -1,5 +1,6 @@
 #include "companion/rehearsal/Supposition.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/recording/Recording.h"
 #include "companion/rehearsal/CopyMaker.h"
 #include "companion/rehearsal/StorcliCopy.h"
@@ -211,7 +212,6 @@ bool isTold(const Facts& facts, const Supposition& supposition) {
     if (drive == nullptr || !drive->capacityBytes) {
         return false;
     }
-    constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
     const std::uint64_t wanted = static_cast<std::uint64_t>(supposition.sizeMb) * bytesOfMb;
     const std::uint64_t found = *drive->capacityBytes;
     return std::max(wanted, found) - std::min(wanted, found) <=

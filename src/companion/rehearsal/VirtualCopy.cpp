@@ -15,8 +15,6 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::string_view wrapperName = "UTIL.BAT";
-
 /// What the virtual server is asked: the utility's word, then its options.
 std::vector<std::string> utilityArguments(const std::string& utility,
                                           const std::vector<std::string>& argv) {

@@ -12,6 +12,9 @@
 
 namespace zolex::companion {
 
+/// The batch file that utilities are called through, where there is one.
+inline constexpr std::string_view wrapperName = "UTIL.BAT";
+
 /// What a command line came to on a copy.
 struct PlayedLine {
     std::int32_t exitCode = 0;

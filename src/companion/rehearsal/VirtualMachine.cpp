@@ -15,8 +15,6 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::string_view wrapperName = "UTIL.BAT";
-
 /// Number of adapters before it among those of its utility.
 std::size_t placeOf(const ControllerSnapshot& original) {
     const bool fromZero = original.utility == "MEGACLI" || original.utility.starts_with("CFGGEN");

@@ -1,12 +1,15 @@
 #include "companion/rewriting/FamilyPolicies.h"
 
+#include "companion/facts/Bytes.h"
 #include "companion/families/Family.h"
 #include "companion/families/ModelTexts.h"
 #include "companion/families/SpanRules.h"
 #include "companion/layout/Layout.h"
 #include "companion/machine/Join.h"
+#include "companion/rewriting/PolicyWriter.h"
 #include "companion/rewriting/WantedLayout.h"
 #include "companion/text/Terminal.h"
+#include "companion/text/Words.h"
 #include "policies/PolicyKeywords.h"
 
 #include <algorithm>
@@ -21,28 +24,13 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
-constexpr std::size_t mostArrays = 8;
 constexpr std::size_t mostListedSpares = 8;
 constexpr std::array<std::string_view, 7> levels = {"RAID0",  "RAID1",  "RAID5", "RAID6",
                                                     "RAID10", "RAID50", "RAID60"};
 
-std::string entry(const std::string& keyword, const std::string& value) {
-    return keyword + " = " + value + "\n";
-}
-
-std::string joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : ",") + word;
-    }
-    return text;
-}
-
-class Writer {
+class FamilyPolicyWriter {
   public:
-    Writer(const ControllerSnapshot& details, bool exact, bool namesNumber)
+    FamilyPolicyWriter(const ControllerSnapshot& details, bool exact, bool namesNumber)
         : details_(details), exact_(exact), namesNumber_(namesNumber),
           layout_(capturedLayout(details.facts)) {}
 
@@ -65,12 +53,12 @@ class Writer {
         for (const LayoutSpare& spare : layout_.spares) {
             hasDedicated_ = hasDedicated_ || spare.isDedicated;
         }
-        policy_.text = "[Policy." + details_.model + "-" + std::to_string(details_.number) +
-                       "]\n\n" +
-                       entry(std::string(keyword::appliesTo) + "1",
-                             "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
-                                 (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
-                       "\n" + settings() + arrays() + logicalDrives();
+        policy_.text =
+            "[Policy." + details_.model + "-" + std::to_string(details_.number) + "]\n\n" +
+            policyEntry(std::string(keyword::appliesTo) + "1",
+                        "t:" + typeOf() + ",d:" + std::to_string(details_.drives.size()) +
+                            (namesNumber_ ? ",c:" + std::to_string(details_.number) : "")) +
+            "\n" + settings() + arrays() + logicalDrives();
         tellNames();
         return std::move(policy_);
     }
@@ -109,7 +97,7 @@ class Writer {
             }
         }
         const auto most = static_cast<std::size_t>(keyword::lastLogical);
-        if (layout_.groups.size() > mostArrays || volumes > most ||
+        if (layout_.groups.size() > mostPolicyArrays || volumes > most ||
             layout_.spares.size() > mostListedSpares) {
             tell("ZC116", Severity::warning,
                  "it has more than a policy can say: 8 arrays, 9 logical drives and 8 hot spares, "
@@ -151,17 +139,17 @@ class Writer {
         std::string text;
         const auto strip = common(&LayoutVolume::stripSizeBytes, "strip size");
         if (strip && *strip) {
-            text += entry(keyword::stripeSize, std::to_string(**strip / bytesOfKb));
+            text += policyEntry(keyword::stripeSize, std::to_string(**strip / bytesOfKb));
         }
         const auto read = common(&LayoutVolume::readCache, "read-ahead");
         if (read && !read->empty()) {
-            text += entry(keyword::readAhead, *read == "Off"         ? "OFF"
-                                              : *read == "ReadAhead" ? "ON"
-                                                                     : "ADAPTIVE");
+            text += policyEntry(keyword::readAhead, *read == "Off"         ? "OFF"
+                                                    : *read == "ReadAhead" ? "ON"
+                                                                           : "ADAPTIVE");
         }
         const Family* const family = findFamily(details_.utility);
         if (const std::size_t spans = family == nullptr ? 0 : unusualSpans(*family); spans > 0) {
-            text += entry("Spans", std::to_string(spans));
+            text += policyEntry("Spans", std::to_string(spans));
         }
         return text.empty() ? text : text + "\n";
     }
@@ -204,25 +192,25 @@ class Writer {
     }
 
     std::string arrays() {
-        std::string text = hasDedicated_ ? "" : entry(keyword::arrayMode, "CUSTOM");
+        std::string text = hasDedicated_ ? "" : policyEntry(keyword::arrayMode, "CUSTOM");
         for (std::size_t i = 0; i < layout_.groups.size(); ++i) {
             const std::vector<std::string> drives = drivesOf(layout_.groups[i]);
             if (hasDedicated_) {
-                text += entry("Drives." + letterOf(i), "slots " + joined(drives));
+                text += policyEntry("Drives." + letterOf(i), "slots " + joined(drives, ","));
                 continue;
             }
             std::vector<std::string> numbers;
             for (const std::string& location : drives) {
                 numbers.push_back(numberOf(location));
             }
-            text += entry(keyword::array + letterOf(i), joined(numbers));
+            text += policyEntry(keyword::array + letterOf(i), joined(numbers, ","));
         }
         return text + spares() + "\n";
     }
 
     std::string spares() {
         if (layout_.spares.empty()) {
-            return entry(keyword::arrayDefaults, "0%:0");
+            return policyEntry(keyword::arrayDefaults, "0%:0");
         }
         std::string text;
         for (const LayoutSpare& spare : layout_.spares) {
@@ -232,7 +220,7 @@ class Writer {
                 text += (text.empty() ? "" : ",") + numberOf(spare.location);
             }
         }
-        return entry(hasDedicated_ ? "Spares" : keyword::hotspares, text);
+        return policyEntry(hasDedicated_ ? "Spares" : keyword::hotspares, text);
     }
 
     /// " covering A" of a dedicated spare.
@@ -245,7 +233,7 @@ class Writer {
                 letters.push_back(letterOf(i));
             }
         }
-        return letters.empty() ? "" : " covering " + joined(letters);
+        return letters.empty() ? "" : " covering " + joined(letters, ",");
     }
 
     /// In MB. The utility cuts a size down to whole stripes, so that the next MB above what was cut
@@ -256,7 +244,7 @@ class Writer {
     }
 
     std::string logicalDrives() {
-        std::string text = entry(keyword::logicalMode, "CUSTOM");
+        std::string text = policyEntry(keyword::logicalMode, "CUSTOM");
         std::size_t number = 0;
         for (std::size_t i = 0; i < layout_.groups.size(); ++i) {
             for (const LayoutVolume& volume : layout_.groups[i].volumes) {
@@ -264,8 +252,9 @@ class Writer {
                 const std::string cache = volume.writeCache.empty()             ? ""
                                           : volume.writeCache == "WriteThrough" ? ":OFF"
                                                                                 : ":ON";
-                text += entry(keyword::logical + std::to_string(++number),
-                              letterOf(i) + ":" + size + ":" + volume.raidType.substr(4) + cache);
+                text +=
+                    policyEntry(keyword::logical + std::to_string(++number),
+                                letterOf(i) + ":" + size + ":" + volume.raidType.substr(4) + cache);
             }
         }
         return text + "\n";
@@ -292,7 +281,7 @@ class Writer {
 } // namespace
 
 FamilyPolicy familyPolicy(const ControllerSnapshot& details, bool exact, bool namesNumber) {
-    return Writer(details, exact, namesNumber).write();
+    return FamilyPolicyWriter(details, exact, namesNumber).write();
 }
 
 } // namespace zolex::companion

@@ -13,12 +13,6 @@ namespace zolex::companion {
 namespace {
 
 constexpr std::size_t commentWidth = 78;
-constexpr std::size_t mostArrays = 8; ///< "A" to "H"
-
-std::string entry(const std::string& keyword, const std::string& value) {
-    return keyword + " = " + value + "\n";
-}
-
 std::string arrayKeyword(std::size_t index) {
     return keyword::array + std::string(1, static_cast<char>('A' + index));
 }
@@ -32,7 +26,7 @@ class Writer {
 
     std::string write() {
         std::string text = "[" + writing_.name + "]\n\n";
-        text += entry("AppliesTo.1", writing_.appliesTo) + "\n";
+        text += policyEntry("AppliesTo.1", writing_.appliesTo) + "\n";
         text += settings();
         text += arrays();
         text += hotspares();
@@ -45,13 +39,13 @@ class Writer {
         std::string text;
         // zolex refuses policies with one that it does not take: that of the plan is told instead.
         if (layout_.effects.stripeSize && takesStripSize(*layout_.controller, layout_.stripeSize)) {
-            text += entry(keyword::stripeSize, stripeSizeWord(layout_.stripeSize));
+            text += policyEntry(keyword::stripeSize, stripeSizeWord(layout_.stripeSize));
         }
         if (layout_.effects.rebuildRate) {
-            text += entry(keyword::rebuildRate, rebuildRateWord(layout_.rebuildRate));
+            text += policyEntry(keyword::rebuildRate, rebuildRateWord(layout_.rebuildRate));
         }
         if (layout_.effects.readAhead && !layout_.effects.readAheadIsUsual) {
-            text += entry(keyword::readAhead, readAheadWord(layout_.readAhead));
+            text += policyEntry(keyword::readAhead, readAheadWord(layout_.readAhead));
         }
         return text.empty() ? text : text + "\n";
     }
@@ -71,9 +65,9 @@ class Writer {
     }
 
     std::string arrays() {
-        std::string text = entry(keyword::arrayMode, "CUSTOM");
+        std::string text = policyEntry(keyword::arrayMode, "CUSTOM");
         for (std::size_t i = 0; i < layout_.arrays.size(); ++i) {
-            if (i >= mostArrays) {
+            if (i >= mostPolicyArrays) {
                 tell("ZC116", "policies have 8 arrays, and there are " +
                                   std::to_string(layout_.arrays.size()));
                 break;
@@ -84,7 +78,7 @@ class Writer {
             }
             text += commentLines(" " + std::string(1, static_cast<char>('A' + i)) + ":",
                                  locations.empty() ? locations : locations.substr(1));
-            text += entry(arrayKeyword(i), drives(layout_.arrays[i]));
+            text += policyEntry(arrayKeyword(i), drives(layout_.arrays[i]));
         }
         return text + "\n";
     }
@@ -92,24 +86,24 @@ class Writer {
     std::string hotspares() {
         if (layout_.hotspares.empty()) {
             return "; No hot spares. Without this entry there could be one.\n" +
-                   entry(keyword::arrayDefaults, "0%:0") + "\n";
+                   policyEntry(keyword::arrayDefaults, "0%:0") + "\n";
         }
         std::string locations;
         for (const DrivePosition each : layout_.hotspares) {
             locations += " " + layout_.locationOf(each);
         }
         return commentLines(" Hot spares:", locations.substr(1)) +
-               entry(keyword::hotspares, drives(layout_.hotspares)) + "\n";
+               policyEntry(keyword::hotspares, drives(layout_.hotspares)) + "\n";
     }
 
     std::string logicalDrives() {
-        std::string text = entry(keyword::logicalMode, "CUSTOM");
+        std::string text = policyEntry(keyword::logicalMode, "CUSTOM");
         std::int32_t number = 0;
         for (const WantedLogicalDrive& drive : layout_.logicalDrives) {
-            if (drive.array >= mostArrays) {
+            if (drive.array >= mostPolicyArrays) {
                 continue; // told with its array
             }
-            text += entry(keyword::logical + std::to_string(++number), logicalDrive(drive));
+            text += policyEntry(keyword::logical + std::to_string(++number), logicalDrive(drive));
         }
         return text + "\n";
     }
@@ -153,6 +147,10 @@ class Writer {
 };
 
 } // namespace
+
+std::string policyEntry(const std::string& keyword, const std::string& value) {
+    return keyword + " = " + value + "\n";
+}
 
 std::string writePolicy(const WantedLayout& layout, const PolicyWriting& writing,
                         std::vector<Finding>& findings) {

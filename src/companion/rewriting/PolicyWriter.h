@@ -2,6 +2,7 @@
 
 #include "companion/rewriting/WantedLayout.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,12 @@ struct PolicyWriting {
 /// can say is told in `findings` and left out.
 [[nodiscard]] std::string writePolicy(const WantedLayout& layout, const PolicyWriting& writing,
                                       std::vector<Finding>& findings);
+
+/// "keyword = value" and the end of the line.
+[[nodiscard]] std::string policyEntry(const std::string& keyword, const std::string& value);
+
+/// The most arrays of a policy: "A" to "H".
+inline constexpr std::size_t mostPolicyArrays = 8;
 
 /// The text as comment lines of at most 78 columns, the first with `first` behind the ";".
 [[nodiscard]] std::string commentLines(std::string_view first, std::string_view text);

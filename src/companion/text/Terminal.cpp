@@ -98,6 +98,11 @@ std::size_t columnsOf(std::string_view text) {
     return columns;
 }
 
+std::string padded(std::string text, std::size_t columns, std::size_t least) {
+    const std::size_t used = columnsOf(text);
+    return text.append(used < columns ? columns - used : least, ' ');
+}
+
 std::string printable(std::string_view text) {
     if (isPlain(text)) {
         return std::string(text);
@@ -116,6 +121,10 @@ std::string printable(std::string_view text) {
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return result;
+}
+
+std::string inQuotes(std::string_view text) {
+    return "\"" + printable(text) + "\"";
 }
 
 } // namespace zolex::companion

@@ -15,7 +15,7 @@ namespace {
 
 using zolex::posix::FileDescriptor;
 
-constexpr int common = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+constexpr int writeFlags = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
 
 bool bringToDisk(int descriptor) {
     int done = -1;
@@ -47,7 +47,7 @@ class PosixDurableFile : public DurableFile {
   public:
     bool make(const std::string& name) {
         constexpr mode_t permissions = 0666; // and the mask of the process
-        file_ = FileDescriptor(::open(name.c_str(), common | O_CREAT | O_EXCL, permissions));
+        file_ = FileDescriptor(::open(name.c_str(), writeFlags | O_CREAT | O_EXCL, permissions));
         if (!file_.isOpen()) {
             return false;
         }
@@ -61,7 +61,7 @@ class PosixDurableFile : public DurableFile {
     }
 
     bool reopen(const std::string& name, std::uint64_t keep) {
-        file_ = FileDescriptor(::open(name.c_str(), common));
+        file_ = FileDescriptor(::open(name.c_str(), writeFlags));
         struct stat status = {};
         if (!file_.isOpen() || ::fstat(file_.get(), &status) != 0) {
             return false;

@@ -21,7 +21,7 @@ using zolex::posix::FileDescriptor;
 
 constexpr mode_t own = 0600;
 /// A device or a pipe that has the name must not stop the run.
-constexpr int common = O_RDWR | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+constexpr int lockFlags = O_RDWR | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
 
 void pauseShortly() {
     constexpr long slice = 20'000'000; // nanoseconds
@@ -168,10 +168,10 @@ class LockTaker {
     Attempt attempt() {
         bool isMade = true;
         // Made or opened: to make one that is there is refused in folders that anybody can write.
-        FileDescriptor file(::open(name().c_str(), common | O_CREAT | O_EXCL, own));
+        FileDescriptor file(::open(name().c_str(), lockFlags | O_CREAT | O_EXCL, own));
         if (!file.isOpen() && errno == EEXIST) {
             isMade = false;
-            file = FileDescriptor(::open(name().c_str(), common));
+            file = FileDescriptor(::open(name().c_str(), lockFlags));
         }
         struct stat status = {};
         if (!file.isOpen()) {

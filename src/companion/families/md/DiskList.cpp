@@ -84,10 +84,6 @@ bool isPlainName(std::string_view name) {
            });
 }
 
-bool has(const std::vector<std::string>& list, const std::string& text) {
-    return std::find(list.begin(), list.end(), text) != list.end();
-}
-
 /// Looks at the machine once.
 class Lister {
   public:
@@ -531,7 +527,7 @@ class Lister {
     static void holdArray(const ListedDisk& disk, DiskList& list) {
         const auto array =
             std::find_if(list.arrays.begin(), list.arrays.end(), [&disk](const ListedArray& one) {
-                return one.isOurs && has(one.members, disk.name);
+                return one.isOurs && lists(one.members, disk.name);
             });
         if (array != list.arrays.end() && disk.array.empty() && !disk.why.empty() &&
             array->whyNotStopped.empty()) {
@@ -627,6 +623,10 @@ class Lister {
 };
 
 } // namespace
+
+bool lists(const std::vector<std::string>& list, const std::string& text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+}
 
 DiskList listDisks(const DiskScan& scan) {
     return scan.files == nullptr ? DiskList() : Lister(scan).list();

@@ -92,6 +92,9 @@ struct DiskScan {
 /// Names of arrays that this program makes begin with it.
 inline constexpr std::string_view ownPrefix = "zolex-";
 
+/// Whether a list of names holds one.
+[[nodiscard]] bool lists(const std::vector<std::string>& list, const std::string& text);
+
 /// Looks at every drive and array of the machine.
 [[nodiscard]] DiskList listDisks(const DiskScan& scan);
 

@@ -41,10 +41,6 @@ const ListedArray* arrayNamed(const DiskList& list, const std::string& name) {
     return found == list.arrays.end() ? nullptr : &*found;
 }
 
-bool has(const std::vector<std::string>& list, const std::string& text) {
-    return std::find(list.begin(), list.end(), text) != list.end();
-}
-
 std::string untouched(const std::string& drive, const std::string& why) {
     return drive + " is not touched: " + why;
 }
@@ -151,7 +147,7 @@ MdHost::Refusal MdHost::whyNotWritten(const MdCommand& command, bool isNew) cons
         if (disk != nullptr && why.empty()) {
             const auto in =
                 std::find_if(now.arrays.begin(), now.arrays.end(), [disk](const ListedArray& one) {
-                    return has(one.members, disk->name);
+                    return lists(one.members, disk->name);
                 });
             why = in == now.arrays.end() ? "" : "in use: member of " + in->name;
         }
@@ -220,7 +216,7 @@ ChildResult MdHost::removeSpare(const MdCommand& command) {
     const ListedArray* const stopped = arrayNamed(before, command.array);
     const ListedDisk* const spare = diskWithId(before, id);
     if (stopped != nullptr && stopped->isOurs && stopped->node.empty() && spare != nullptr &&
-        has(stopped->members, spare->name) && !spare->arraySlot) {
+        lists(stopped->members, spare->name) && !spare->arraySlot) {
         return zero({id});
     }
     ChildResult result = attempt(command.arguments, [&] {
@@ -267,7 +263,7 @@ std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
     }
     for (const std::string& id : command.drives) {
         const ListedDisk* const disk = diskWithId(now, id);
-        if (disk == nullptr || (disk->superblock && !has(array->members, disk->name))) {
+        if (disk == nullptr || (disk->superblock && !lists(array->members, disk->name))) {
             lines.push_back(untouched(id, "it is not of the array " + command.array) + ".");
         } else if (!disk->carries.empty()) {
             lines.push_back(stays + id + " carries " + disk->carries +
@@ -276,8 +272,8 @@ std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
         }
     }
     for (const ListedDisk& disk : now.disks) {
-        if (has(array->members, disk.name) && disk.superblock && !disk.isFailed() &&
-            !has(command.drives, disk.id)) {
+        if (lists(array->members, disk.name) && disk.superblock && !disk.isFailed() &&
+            !lists(command.drives, disk.id)) {
             lines.push_back(stays + disk.id + " is of it, too, and not named.");
         }
     }

@@ -1,4 +1,6 @@
 #include "companion/families/storcli/Commands.h"
+#include "companion/facts/Bytes.h"
+#include "companion/text/Words.h"
 
 #include "foundation/Text.h"
 
@@ -10,8 +12,6 @@ namespace zolex::companion::storcli {
 
 namespace {
 
-constexpr std::uint64_t bytesOfMb = std::uint64_t{1} << 20U;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 constexpr std::size_t mostNameBytes = 15;
 
 struct WordRow {
@@ -65,14 +65,6 @@ bool hasSpans(std::string_view raidType) {
            raidType == "RAID60";
 }
 
-std::string joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& each : words) {
-        text += (text.empty() ? "" : ",") + each;
-    }
-    return text;
-}
-
 /// The name as the utility can be told it.
 std::string nameOf(const std::string& name) {
     std::string text;
@@ -112,7 +104,7 @@ std::string createVolume(std::int32_t adapter, const VolumeWish& wish) {
     for (const std::vector<std::string>& span : wish.spans) {
         drives.insert(drives.end(), span.begin(), span.end());
     }
-    line += " drives=" + joined(drives);
+    line += " drives=" + joined(drives, ",");
     if (hasSpans(wish.raidType)) {
         line += " PDperArray=" + std::to_string(wish.spans.front().size());
     }
@@ -124,7 +116,7 @@ std::string createVolume(std::int32_t adapter, const VolumeWish& wish) {
         line += " Strip=" + std::to_string(*wish.stripSizeBytes / bytesOfKb);
     }
     if (!wish.spares.empty()) {
-        line += " Spares=" + joined(wish.spares);
+        line += " Spares=" + joined(wish.spares, ",");
     }
     return ended(std::move(line));
 }
@@ -137,7 +129,7 @@ std::string deleteVolume(std::int32_t adapter, const LogicalDriveFacts& volume) 
 std::string addSpare(std::int32_t adapter, const std::string& location,
                      const std::vector<std::string>& arrays) {
     return ended(drivePath(adapter, location) + " add hotsparedrive" +
-                 (arrays.empty() ? "" : " DGs=" + joined(arrays)));
+                 (arrays.empty() ? "" : " DGs=" + joined(arrays, ",")));
 }
 
 std::string removeSpare(std::int32_t adapter, const std::string& location) {

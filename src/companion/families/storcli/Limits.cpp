@@ -1,4 +1,5 @@
 #include "companion/families/storcli/Limits.h"
+#include "companion/facts/Bytes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +12,6 @@ constexpr std::size_t usualMostDrives = 32;
 constexpr std::size_t usualMostSpans = 8;
 constexpr std::size_t usualMostVolumesPerGroup = 16;
 constexpr std::size_t mostVolumes = 240;
-constexpr std::uint64_t bytesOfKb = std::uint64_t{1} << 10U;
 constexpr std::uint64_t usualLeastStrip = 8 * bytesOfKb;
 constexpr std::uint64_t usualMostStrip = 1024 * bytesOfKb;
 
