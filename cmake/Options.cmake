@@ -6,10 +6,9 @@ string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 # third-party code built along with it (GoogleTest) keeps its own.
 add_library(zolex_options INTERFACE)
 target_compile_options(zolex_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion
+  -Wall -Wextra -Wpedantic -Wconversion -Werror
   # A variable of a function hides nothing when its name is one of another source's; see zolex_unity.
   $<IF:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wno-shadow>,-Wshadow>
-  -Werror
   # g++ 12 sees overlapping copies in plain additions of strings.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 # printf formats must mean the same on every system.
