@@ -81,6 +81,8 @@ function(zolex_unity target)
       set(size 0)
     endif()
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${size})
+    # An object of Windows has no more than 32767 sections otherwise, three for each inline function.
+    target_compile_options(${target} PRIVATE $<$<PLATFORM_ID:Windows>:-Wa,-mbig-obj>)
   endif()
 endfunction()
 
