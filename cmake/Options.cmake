@@ -90,9 +90,7 @@ endfunction()
 # given: those of a folder of BASE are compiled as one.
 function(zolex_unity_folders target base)
   if(ZOLEX_UNITY AND CMAKE_BUILD_TYPE STREQUAL Release AND NOT ZOLEX_SANITIZE)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP
-      # A name of one source may be that of a local variable in another.
-      UNITY_BUILD_CODE_BEFORE_INCLUDE "#pragma GCC diagnostic ignored \"-Wshadow\"")
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
     foreach(source ${ARGN})
       cmake_path(RELATIVE_PATH source BASE_DIRECTORY ${base} OUTPUT_VARIABLE folder)
       string(REGEX REPLACE "/.*" "" folder ${folder})
