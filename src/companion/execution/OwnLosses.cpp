@@ -100,9 +100,10 @@ class OwnSearch {
 
     /// Why the numbers of drives are not those of the certificate's day; empty: they are.
     [[nodiscard]] std::string whyShifted(const OwnLoss& own, const Facts& facts) const {
-        const auto byNumber = std::find_if(
-            numbered_.begin(), numbered_.end(),
-            [&](const NumberedDrives& each) { return each.controller == own.loss.controller; });
+        const auto byNumber =
+            std::find_if(numbered_.begin(), numbered_.end(), [&](const NumberedDrives& each) {
+                return each.controller == own.loss.controller;
+            });
         if (byNumber == numbered_.end()) {
             return {};
         }
@@ -136,9 +137,8 @@ class OwnSearch {
 
     static std::string driveText(const DriveFacts& drive) {
         return "drive " + drive.location +
-               (isPlaceholder(drive.serialNumber)
-                    ? std::string()
-                    : " (serial number " + drive.serialNumber + ")");
+               (isPlaceholder(drive.serialNumber) ? std::string()
+                                                  : " (serial number " + drive.serialNumber + ")");
     }
 
     static std::string shiftText(const NumberedDrives& numbered, const char* remedy) {

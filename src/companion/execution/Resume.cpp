@@ -357,8 +357,7 @@ class Resumption {
         if (fault.details.empty()) {
             return false;
         }
-        const std::string controller =
-            "controller " + std::to_string(planning.controller.number);
+        const std::string controller = "controller " + std::to_string(planning.controller.number);
         fault.exitCode = apply_code::stopped;
         fault.code = run_problem::standsElsewhere;
         fault.what = isOfNumbers ? "the logical drives of " + controller +

@@ -101,8 +101,8 @@ inline constexpr std::uint64_t fillMarginBytes = std::uint64_t{139} << 20U;
 /// "64 KB".
 [[nodiscard]] std::string stripSizeLine(std::uint64_t bytes);
 
-/// How people know a logical drive: LD 239 "data" (/dev/sdb), as far as that is told. For eyes: what
-/// cannot be printed is replaced.
+/// How people know a logical drive: LD 239 "data" (/dev/sdb), as far as that is told. For eyes:
+/// what cannot be printed is replaced.
 [[nodiscard]] std::string volumeNameText(const std::string& id, const std::string& name,
                                          const std::string& device);
 /// "data", /dev/sdb: the same without its number; or empty.

@@ -958,8 +958,8 @@ class PlanTextWriter {
                 const std::string id = printable(loss.id);
                 names.push_back(loss.kind == "logical_drive"
                                     ? volumeNameText(loss.id, loss.name, loss.device)
-                                : loss.kind == "hotspare"    ? "spare " + id
-                                                             : "foreign " + id);
+                                : loss.kind == "hotspare" ? "spare " + id
+                                                          : "foreign " + id);
             }
             if (!names.empty()) {
                 out_ += signedLine("  - ",

@@ -137,12 +137,11 @@ void tellNumbers(const ControllerPlanning& planning, std::vector<Finding>& findi
     Finding finding;
     finding.code = "ZX309";
     finding.severity = Severity::warning;
-    finding.summary = entry + " names drives by number, and " +
-                      (planning.matchedBy.empty() ? "the policy" : planning.matchedBy) +
-                      " gives no d:, while " +
-                      countText(static_cast<std::size_t>(deleted), "logical drive is",
-                                "logical drives are") +
-                      " deleted: a drive that was pulled or added shifts the numbers behind it";
+    finding.summary =
+        entry + " names drives by number, and " +
+        (planning.matchedBy.empty() ? "the policy" : planning.matchedBy) + " gives no d:, while " +
+        countText(static_cast<std::size_t>(deleted), "logical drive is", "logical drives are") +
+        " deleted: a drive that was pulled or added shifts the numbers behind it";
     finding.help = {"see that the numbers are those that are meant: zolexctl show",
                     "add d:" + std::to_string(planning.controller.drives.size()) +
                         ", or name the drives by their slots: Drives.A = slots 64:0,64:1"};

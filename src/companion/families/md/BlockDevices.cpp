@@ -104,8 +104,7 @@ void BlockDevices::readUses() {
             continue;
         }
         const std::string place = unescaped(fields[4]);
-        const std::string why =
-            place == "/" ? "it holds the system's root" : "mounted at " + place;
+        const std::string why = place == "/" ? "it holds the system's root" : "mounted at " + place;
         if (const auto name = numbers_.find(fields[2]); name != numbers_.end()) {
             found.emplace_back(name->second, why);
         }

@@ -14,8 +14,7 @@ namespace {
 /// The digits of "naa.600AAA..", "0x600aaa.." and "600aaa..".
 std::string idDigits(std::string_view id) {
     for (const std::string_view prefix : {"naa.", "eui.", "0x"}) {
-        if (id.size() > prefix.size() &&
-            text::equalsNoCase(id.substr(0, prefix.size()), prefix)) {
+        if (id.size() > prefix.size() && text::equalsNoCase(id.substr(0, prefix.size()), prefix)) {
             id.remove_prefix(prefix.size());
         }
     }
