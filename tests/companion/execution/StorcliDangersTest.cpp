@@ -212,7 +212,7 @@ TEST_F(StorcliDangers, NumbersAreDoubtedWhereSomethingIsDeleted) {
     ASSERT_EQ(warnings.size(), 1U);
     EXPECT_EQ(warnings.front().code, "ZX309");
     EXPECT_EQ(warnings.front().summary,
-              "Array.B names drives by number, and AppliesTo.1 gives no d:, while 3 logical "
+              "Array.A names drives by number, and AppliesTo.1 gives no d:, while 3 logical "
               "drives are deleted: a drive that was pulled or added shifts the numbers behind it");
 }
 
