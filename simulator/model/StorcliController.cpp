@@ -241,7 +241,23 @@ Level Controller::levelOf(std::size_t group) const {
     return first == nullptr ? Level::raid0 : first->level;
 }
 
+std::string Controller::nextNaaId() {
+    constexpr std::uint64_t ofController = 0xfffffffffffffffU;
+    for (;;) {
+        std::string id = formatted("6%015llx2d1f0000%08x",
+                                   static_cast<unsigned long long>(sasAddress & ofController),
+                                   static_cast<unsigned>(made++));
+        if (std::none_of(volumes.begin(), volumes.end(),
+                         [&](const Volume& volume) { return volume.naaId == id; })) {
+            return id;
+        }
+    }
+}
+
 void Controller::enter(Volume volume) {
+    if (volume.naaId.empty()) {
+        volume.naaId = nextNaaId();
+    }
     volume.order = 0;
     for (const Volume& other : volumes) {
         volume.order = std::max(volume.order, other.order + 1);

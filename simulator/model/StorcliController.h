@@ -105,6 +105,7 @@ struct Volume {
     bool readAhead = false;
     bool cachedIo = false;
     std::string name;
+    std::string naaId;      ///< no two ever have one; "-": it is not told
     std::string device;     ///< as the system names it
     bool hasSystem = false; ///< an operating system is on it
     bool consistent = true;
@@ -168,6 +169,7 @@ class Controller {
     int rebuildRate = 30;
     std::vector<Group> groups;
     std::vector<Volume> volumes; ///< by number
+    std::uint32_t made = 0;      ///< so many ids of virtual drives were given
 
     static constexpr int lastNumber = 239;
 
@@ -195,7 +197,8 @@ class Controller {
     [[nodiscard]] static std::int64_t
     dataDrives(Level level, const std::vector<std::vector<DriveLocation>>& spans);
 
-    /// Enters a virtual drive, in the order of the numbers.
+    /// Enters a virtual drive, in the order of the numbers. One without an id gets one that none
+    /// has had.
     void enter(Volume volume);
     /// Takes the virtual drive away, and with the last one of a group the group: sound members
     /// become good, others bad; a spare for nothing but this group becomes one for all.
@@ -203,6 +206,7 @@ class Controller {
 
   private:
     void dissolve(std::size_t group);
+    [[nodiscard]] std::string nextNaaId();
 };
 
 } // namespace zolex_sim::storcli

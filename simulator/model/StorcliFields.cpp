@@ -421,6 +421,7 @@ Json volumeJson(const Volume& volume) {
     json["cachedIO"] = volume.cachedIo;
     json["name"] = volume.name;
     json["consistent"] = volume.consistent;
+    json["naaId"] = volume.naaId;
     json["device"] = volume.device;
     json["hasSystem"] = volume.hasSystem;
     return json;
@@ -501,6 +502,7 @@ void readVolumeStates(Fields& fields, Controller& controller) {
         const std::int64_t room = controller.roomLeft(volume.group, volume.level);
         volume.blocks = state.number("blocks", 1, std::max<std::int64_t>(room, 1));
         readCacheFields(state, controller, volume);
+        volume.naaId = state.text("naaId", "", 40);
         volume.device = state.text("device");
         volume.hasSystem = state.flag("hasSystem", false);
         state.finish();
@@ -541,6 +543,7 @@ Json stateJson(const Controller& controller) {
     Json json;
     json["jbod"] = controller.jbodOn;
     json["rebuildRate"] = controller.rebuildRate;
+    json["made"] = controller.made;
     json["groups"] = Json::array();
     for (const Group& group : controller.groups) {
         Json spans = Json::array();
@@ -565,6 +568,7 @@ void readState(Fields& fields, Controller& controller) {
     controller.volumes.clear();
     controller.jbodOn = fields.flag("jbod", true);
     controller.rebuildRate = fields.smallNumber("rebuildRate", 0, 100);
+    controller.made = static_cast<std::uint32_t>(fields.number("made", 0, 0xFFFFFFFF, 0));
     readGroups(fields, controller);
     std::size_t read = 0;
     fields.list("drives", [&](const Json& item, const std::string& path) {

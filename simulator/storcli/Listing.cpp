@@ -617,10 +617,7 @@ Value volumeProperties(const View& view, const Volume& volume) {
     value.add("Creation Time",
               formatted("%d:%02d:00 AM", 10 + volume.order % perDay / 60, volume.order % 60));
     value.add("Emulation type", "default").add("Is LD Ready for OS Requests", "Yes");
-    return value.add("SCSI NAA Id", formatted("6%015llx2d1f0000%08x",
-                                              static_cast<unsigned long long>(
-                                                  controller.sasAddress & 0xfffffffffffffffU),
-                                              static_cast<unsigned>(volume.number)));
+    return value.add("SCSI NAA Id", volume.naaId);
 }
 
 Value topologyRows(const View& view) {

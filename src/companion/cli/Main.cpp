@@ -4,12 +4,15 @@
 #include "companion/cli/Help.h"
 #include "companion/cli/Pieces.h"
 #include "companion/commands/Commands.h"
+#include "companion/families/md/VolumeUses.h"
 #include "companion/machine/CarryOut.h"
 #include "companion/text/StreamState.h"
 #include "companion/text/StyleChoice.h"
+#include "platform/FolderPciDeviceList.h"
 #include "platform/Platform.h"
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -44,6 +47,19 @@ Context makeContext(const Request& request, const std::vector<std::string>& argu
             request.quiet,
             request.verbose,
             arguments};
+}
+
+/// Linux alone is asked. Of a server whose bus stands in a folder it is what stands beside that.
+void noteUsesOfSystem(Facts& facts) {
+    const std::unique_ptr<md::DiskFiles> files = md::systemDiskFiles();
+    if (files == nullptr) {
+        return;
+    }
+    md::Roots roots;
+    if (const std::string bus = namedPciRoot(); !bus.empty()) {
+        roots = {bus + "/../sys", bus + "/../proc", bus + "/../dev"};
+    }
+    md::noteUses(*files, roots, facts);
 }
 
 int runArguments(const std::vector<std::string>& arguments, Platform& platform);
@@ -117,6 +133,7 @@ int runArguments(const std::vector<std::string>& arguments, Platform& platform) 
     context.rewritesLines = streamState(StandardStream::output).isTerminal;
     context.showsProgress = !reading.request.quiet && streamState(StandardStream::error).isTerminal;
     context.doPieces = doPieces;
+    context.noteUses = noteUsesOfSystem;
     int code = exit_code::notPossible;
     try {
         code = answer(reading, context);

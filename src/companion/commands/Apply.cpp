@@ -46,8 +46,9 @@ std::string planningCommand(const PlanReading& reading) {
     if (argv.empty() || (argv.front() != "plan" && argv.front() != "reset")) {
         return "zolexctl plan " + policiesArgument(reading.plan->policiesFile);
     }
-    constexpr std::array<std::string_view, 6> withValue = {"-o",        "--output", "--format",
-                                                           "--timings", "--color",  "--width"};
+    // Consent to what was lost then is none to what would be lost now.
+    constexpr std::array<std::string_view, 7> withValue = {
+        "-o", "--output", "--format", "--timings", "--color", "--width", "--destroy"};
     constexpr std::array<std::string_view, 7> alone = {
         "-q", "--quiet", "-v", "--verbose", "--exit-code", "--no-rehearsal", "--"};
     const auto isOne = [](const auto& words, const std::string& word) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "companion/execution/ExecutionSystem.h"
+#include "companion/facts/Facts.h"
 #include "companion/findings/Finding.h"
 #include "companion/text/Terminal.h"
 #include "platform/Platform.h"
@@ -72,6 +73,8 @@ struct Context {
     /// Makes what changes a machine; empty: that of the system.
     std::function<std::unique_ptr<ExecutionSystem>(Platform& system, const Utilities& utilities)>
         makeExecution{};
+    /// As in CaptureRequest; asked of the machine itself alone.
+    std::function<void(Facts& facts)> noteUses{};
     /// Does pieces of work side by side; empty: one after another.
     std::function<void(const PiecesOfWork& pieces)> doPieces{};
 };

@@ -48,6 +48,7 @@ std::string lossLines(const std::vector<Loss>& losses, const TextStyle& style) {
         add(printable(loss.raidType));
         add(loss.capacityBytes > 0 ? sizeText(loss.capacityBytes) : "", true);
         add(loss.kind == "logical_drive" ? drivesOf(loss) : "");
+        add(volumeAliasText(loss.name, loss.device));
         add("controller " + std::to_string(loss.controller));
         lines.push_back(std::move(line));
     }

@@ -128,6 +128,9 @@ CaptureRequest captureRequest(Context& context, const Utilities* utilities) {
     request.limit = context.machine.captureLimit;
     request.asksFamilies = true;
     request.families = context.machine.families;
+    if (context.machine.recording.empty()) {
+        request.noteUses = context.noteUses;
+    }
     // A recording answers at once.
     if (context.showsProgress && context.machine.recording.empty()) {
         request.progress = [&context](const std::string& text) {
@@ -200,6 +203,7 @@ std::optional<Finding> lookAtRecorded(Context& context, const std::string& file,
     }
     CaptureRequest request = captureRequest(context, nullptr);
     request.progress = nullptr;
+    request.noteUses = nullptr; // it may be another machine
     ReplayPlatform machine(*reading.recording, context.platform);
     try {
         look({reading.recording->header, machine, request, captureMachine(machine, request)});

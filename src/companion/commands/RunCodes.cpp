@@ -78,6 +78,10 @@ constexpr auto runRows = std::to_array<ProblemCode>({
     {run_problem::proofNotWritten, error, "the certificate could not be written",
      "What stands is as planned, and the proof of it is missing.",
      "zolexctl diff PLAN.json tells that it is so"},
+    {run_problem::lostInUse, error, "the running system uses what would be deleted",
+     "Since it was planned for, a logical drive that the plan deletes has been mounted, swapped to, "
+     "or taken by LVM, an array or encryption. Nothing was changed, or nothing more.",
+     "end what uses it (lsblk), and apply again"},
 });
 // clang-format on
 

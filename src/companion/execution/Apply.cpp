@@ -105,6 +105,9 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot) {
     if (!fault) {
         fault = stateFault(snapshot, run.plan, run.terms.controllers, warnings);
     }
+    if (!fault) {
+        fault = inUseFault(snapshot, run.plan, run.terms.controllers);
+    }
     for (const std::string& warning : warnings) {
         run.listener.note("warning: " + warning);
     }

@@ -144,6 +144,24 @@ std::string changeText(const DriveDrift& change) {
     return "drive " + change.now->location + numbered(*change.now) + " is new";
 }
 
+/// Logical drives under the number of a certified one that were made anew since.
+std::vector<std::string> volumesMadeAnew(const Layout& certified, const Facts& facts) {
+    std::vector<std::string> lines;
+    for (const LayoutGroup& group : certified.groups) {
+        for (const LayoutVolume& volume : group.volumes) {
+            const auto now = std::find_if(
+                facts.logicalDrives.begin(), facts.logicalDrives.end(),
+                [&volume](const LogicalDriveFacts& each) { return each.id == volume.id; });
+            if (now != facts.logicalDrives.end() && !volume.uniqueId.empty() &&
+                !now->uniqueId.empty() && now->uniqueId != volume.uniqueId) {
+                lines.push_back("LD " + volume.id + " was made anew: its id is " + now->uniqueId +
+                                " instead of " + volume.uniqueId);
+            }
+        }
+    }
+    return lines;
+}
+
 ControllerDiff headOf(const Certificate::Controller& controller) {
     ControllerDiff diff;
     diff.number = controller.number;
@@ -179,7 +197,10 @@ ControllerDiff controllerDiff(const Snapshot& snapshot, const Certificate::Contr
     for (const DriveDrift& change : changes) {
         diff.comparison.equivalences.push_back(changeText(change));
     }
-    if (diff.result == ControllerDiff::Result::same && !changes.empty()) {
+    const std::vector<std::string> anew = volumesMadeAnew(controller.layout, details->facts);
+    diff.comparison.equivalences.insert(diff.comparison.equivalences.end(), anew.begin(),
+                                        anew.end());
+    if (diff.result == ControllerDiff::Result::same && (!changes.empty() || !anew.empty())) {
         diff.result = ControllerDiff::Result::equivalent;
         diff.comparison.result = Sameness::equivalent;
     }

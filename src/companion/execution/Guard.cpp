@@ -2,7 +2,9 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/RunCodes.h"
+#include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
 
@@ -175,6 +177,10 @@ class ControllerChanges {
                 change(line);
                 isRenumbered = true;
             }
+            for (const std::string& line : madeAnew(planning, 0, found_.facts)) {
+                change(line);
+                isRenumbered = true;
+            }
             return;
         }
         const Layout is = capturedLayout(found_.facts);
@@ -240,6 +246,68 @@ Lines linesOfAdapters(const Snapshot& snapshot, const MachinePlan& plan) {
     return lines;
 }
 
+/// A logical drive that stood before the plan, and what stands in its place.
+struct StandingPair {
+    LayoutVolume before;
+    LayoutVolume now;
+    Lines drives;
+};
+
+/// Those that none of the first `done` steps removes.
+std::vector<StandingPair> standingPairs(const ControllerPlanning& planning, std::size_t done,
+                                        const Facts& facts) {
+    Lines gone;
+    for (std::size_t i = 0; i < std::min(done, planning.steps.size()); ++i) {
+        const PlanStep& step = planning.steps[i];
+        if (step.action == "clear") {
+            return {};
+        }
+        gone.insert(gone.end(), step.destroys.begin(), step.destroys.end());
+    }
+    const Layout found = capturedLayout(facts);
+    std::vector<StandingPair> pairs;
+    for (const LayoutGroup& group : planning.before.groups) {
+        const auto same =
+            std::find_if(found.groups.begin(), found.groups.end(),
+                         [&](const LayoutGroup& each) { return each.drives() == group.drives(); });
+        std::size_t place = 0;
+        for (const LayoutVolume& volume : group.volumes) {
+            if (std::find(gone.begin(), gone.end(), volume.id) != gone.end()) {
+                continue;
+            }
+            if (same != found.groups.end() && place < same->volumes.size()) {
+                pairs.push_back({volume, same->volumes[place], group.drives()});
+            }
+            ++place;
+        }
+    }
+    return pairs;
+}
+
+std::string quoted(const std::string& name) {
+    return name.empty() ? "nothing" : "\"" + printable(name) + "\"";
+}
+
+/// Whether the plan tells logical drives apart by more than their numbers.
+bool tellsIds(const MachinePlan& plan) {
+    for (const ControllerPlanning& planning : plan.controllers) {
+        for (const LayoutGroup& group : planning.before.groups) {
+            for (const LayoutVolume& volume : group.volumes) {
+                if (!volume.uniqueId.empty() || !volume.name.empty()) {
+                    return true;
+                }
+            }
+        }
+    }
+    return false;
+}
+
+/// Plans of before tell no ids of logical drives, and have a state without them.
+bool isInState(const Snapshot& snapshot, const MachinePlan& plan) {
+    return fingerprintOf(snapshot).state == plan.fingerprint.state ||
+           (!tellsIds(plan) && stateWithoutIds(snapshot) == plan.fingerprint.state);
+}
+
 bool isAsked(const std::vector<std::int32_t>& numbers, std::int32_t number) {
     return numbers.empty() || std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
@@ -272,32 +340,36 @@ const ControllerSnapshot* capturedController(const Snapshot& snapshot, std::int3
 
 std::vector<std::string> otherwiseNumbered(const ControllerPlanning& planning, std::size_t done,
                                            const Facts& facts) {
-    std::vector<std::string> gone;
-    for (std::size_t i = 0; i < std::min(done, planning.steps.size()); ++i) {
-        const PlanStep& step = planning.steps[i];
-        if (step.action == "clear") {
-            return {};
-        }
-        gone.insert(gone.end(), step.destroys.begin(), step.destroys.end());
-    }
-    const Layout found = capturedLayout(facts);
     Lines lines;
-    for (const LayoutGroup& group : planning.before.groups) {
-        Lines ids;
-        for (const LayoutVolume& volume : group.volumes) {
-            if (std::find(gone.begin(), gone.end(), volume.id) == gone.end()) {
-                ids.push_back(volume.id);
-            }
+    for (const StandingPair& pair : standingPairs(planning, done, facts)) {
+        if (pair.now.id != pair.before.id) {
+            lines.push_back("LD " + printable(pair.before.id) + " on " +
+                            locationsLine(pair.drives) + " has the number " +
+                            printable(pair.now.id) + " now");
         }
-        const auto same =
-            std::find_if(found.groups.begin(), found.groups.end(),
-                         [&](const LayoutGroup& each) { return each.drives() == group.drives(); });
-        for (std::size_t i = 0; i < ids.size(); ++i) {
-            const bool isThere = same != found.groups.end() && i < same->volumes.size();
-            if (isThere && same->volumes[i].id != ids[i]) {
-                lines.push_back("LD " + printable(ids[i]) + " on " + locationsLine(group.drives()) +
-                                " has the number " + printable(same->volumes[i].id) + " now");
-            }
+    }
+    return lines;
+}
+
+std::vector<std::string> madeAnew(const ControllerPlanning& planning, std::size_t done,
+                                  const Facts& facts) {
+    Lines lines;
+    if (findFamily(planning.controller.utility) == nullptr) {
+        return lines; // zolex's utilities tell no ids
+    }
+    for (const StandingPair& pair : standingPairs(planning, done, facts)) {
+        const LayoutVolume& before = pair.before;
+        const LayoutVolume& now = pair.now;
+        const std::string name = "LD " + printable(before.id) + " on " + locationsLine(pair.drives);
+        if (now.id != before.id || (before.uniqueId.empty() && before.name.empty())) {
+            continue; // of plans that do not tell it nothing is known
+        }
+        if (now.uniqueId != before.uniqueId) {
+            lines.push_back(name + " is not the one that was there: its id is " +
+                            told(now.uniqueId) + ", it was " + told(before.uniqueId));
+        } else if (now.name != before.name) {
+            lines.push_back(name + " is called " + quoted(now.name) + " now, it was " +
+                            quoted(before.name));
         }
     }
     return lines;
@@ -384,7 +456,7 @@ std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& 
         append(warnings, changes.firmware);
         append(isAsked(controllers, number) ? changed : warnings, changes.changes);
     }
-    if (!isRenumbered && fingerprintOf(snapshot).state == plan.fingerprint.state) {
+    if (!isRenumbered && isInState(snapshot, plan)) {
         return std::nullopt;
     }
     if (changed.empty() && !isExplained) {
@@ -398,6 +470,38 @@ std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& 
                     std::move(changed),
                     {planAgainHelp(plan)},
                     std::string(run_problem::machineChanged)};
+}
+
+std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                   const std::vector<std::int32_t>& controllers) {
+    RunFault fault;
+    for (const ControllerPlanning* const planning : controllersAskedFor(plan, controllers)) {
+        const ControllerSnapshot* const found =
+            capturedController(snapshot, planning->controller.number);
+        if (found == nullptr) {
+            continue;
+        }
+        for (const LogicalDriveFacts& volume : found->facts.logicalDrives) {
+            const bool isLost = std::any_of(
+                planning->losses.begin(), planning->losses.end(), [&](const Loss& loss) {
+                    return loss.kind == "logical_drive" && loss.id == volume.id &&
+                           (loss.uniqueId.empty() || loss.uniqueId == volume.uniqueId);
+                });
+            if (isLost && !volume.usedAs.empty()) {
+                fault.details.push_back(controllerName(found->number) + ": " +
+                                        volumeNameText(volume.id, volume.name, volume.device) +
+                                        ": " + printable(volume.usedAs));
+                fault.help.push_back(printable(howToEndUse(volume.usedAs)));
+            }
+        }
+    }
+    if (fault.details.empty()) {
+        return std::nullopt;
+    }
+    fault.exitCode = apply_code::refused;
+    fault.what = "the running system uses what would be deleted";
+    fault.code = run_problem::lostInUse;
+    return fault;
 }
 
 std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

@@ -41,6 +41,10 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
                                                  const std::vector<std::int32_t>& controllers,
                                                  std::vector<std::string>& warnings);
 
+/// Logical drives that the plan deletes and the running system uses, as far as it was asked.
+[[nodiscard]] std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                                 const std::vector<std::int32_t>& controllers);
+
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                   const std::vector<std::int32_t>& controllers);
@@ -49,6 +53,11 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
 /// removes, have another number now: a command line that names one would reach another.
 [[nodiscard]] std::vector<std::string> otherwiseNumbered(const ControllerPlanning& planning,
                                                          std::size_t done, const Facts& facts);
+
+/// Which of them are not those that stood before, though they have their numbers and drives: they
+/// were deleted and made anew, or have another name. Nothing where the plan does not tell ids.
+[[nodiscard]] std::vector<std::string> madeAnew(const ControllerPlanning& planning,
+                                                std::size_t done, const Facts& facts);
 
 /// "zolexctl plan site.ini plans from what is there".
 [[nodiscard]] std::string planAgainHelp(const MachinePlan& plan);

@@ -1,6 +1,7 @@
 #include "companion/execution/OwnLosses.h"
 
 #include "companion/planning/Diff.h"
+#include "companion/planning/Warnings.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -59,8 +60,9 @@ bool haveOneSize(const LayoutVolume& a, const LayoutVolume& b) {
 /// Holds losses against certificates.
 class OwnSearch {
   public:
-    OwnSearch(const Snapshot& snapshot, std::span<const Certificate> certificates)
-        : snapshot_(snapshot) {
+    OwnSearch(const Snapshot& snapshot, std::span<const Certificate> certificates,
+              const std::vector<NumberedDrives>& numbered)
+        : snapshot_(snapshot), numbered_(numbered) {
         for (const Certificate& certificate : certificates) {
             if (fingerprintFor(snapshot, certificate.fingerprint).identity ==
                 certificate.fingerprint.identity) {
@@ -82,10 +84,68 @@ class OwnSearch {
         if (certificates_.empty()) {
             return notOwn(loss, "no certificate is of this machine");
         }
-        return loss.kind == "hotspare" ? judgeSpare(loss, *details) : judgeVolume(loss, *details);
+        OwnLoss own = judgeItself(loss, *details);
+        if (own.isOwn) {
+            if (std::string why = whyShifted(own, details->facts); !why.empty()) {
+                return notOwn(loss, std::move(why));
+            }
+        }
+        return own;
     }
 
   private:
+    OwnLoss judgeItself(const Loss& loss, const ControllerSnapshot& details) {
+        return loss.kind == "hotspare" ? judgeSpare(loss, details) : judgeVolume(loss, details);
+    }
+
+    /// Why the numbers of drives are not those of the certificate's day; empty: they are.
+    [[nodiscard]] std::string whyShifted(const OwnLoss& own, const Facts& facts) const {
+        const auto byNumber =
+            std::find_if(numbered_.begin(), numbered_.end(), [&](const NumberedDrives& each) {
+                return each.controller == own.loss.controller;
+            });
+        if (byNumber == numbered_.end()) {
+            return {};
+        }
+        for (const Certificate* const certificate : certificates_) {
+            const Certificate::Controller* const controller = controllerOf(*certificate, own.loss);
+            if (controller == nullptr || certificate->planId != own.planId) {
+                continue;
+            }
+            if (const DriveFacts* const gone = beyond(controller->facts, facts)) {
+                return driveText(*gone) + " is gone since " + own.planId + ": " +
+                       shiftText(*byNumber, "put it back");
+            }
+            if (const DriveFacts* const added = beyond(facts, controller->facts)) {
+                return driveText(*added) + " is new since " + own.planId + ": " +
+                       shiftText(*byNumber, "take it out");
+            }
+        }
+        return {};
+    }
+
+    /// The first drive of the one list in whose place the other has none.
+    static const DriveFacts* beyond(const Facts& facts, const Facts& other) {
+        const auto found =
+            std::find_if(facts.drives.begin(), facts.drives.end(), [&](const DriveFacts& drive) {
+                const DriveFacts* const there = other.drive(drive.location);
+                return drive.state != DriveState::missing &&
+                       (there == nullptr || there->state == DriveState::missing);
+            });
+        return found == facts.drives.end() ? nullptr : &*found;
+    }
+
+    static std::string driveText(const DriveFacts& drive) {
+        return "drive " + drive.location +
+               (isPlaceholder(drive.serialNumber) ? std::string()
+                                                  : " (serial number " + drive.serialNumber + ")");
+    }
+
+    static std::string shiftText(const NumberedDrives& numbered, const char* remedy) {
+        return numbered.entry + " names drives by number, and the numbers have shifted; " + remedy +
+               ", or name drives by their slots";
+    }
+
     static OwnLoss notOwn(const Loss& loss, std::string why) {
         return {loss, false, {}, std::move(why)};
     }
@@ -140,6 +200,10 @@ class OwnSearch {
                     continue;
                 }
                 for (const LayoutVolume& one : certified.volumes) {
+                    if (std::string other = whyAnother(one, *volume); !other.empty()) {
+                        why = std::move(other);
+                        continue;
+                    }
                     const bool isLevel = one.raidType == volume->raidType;
                     const bool isSize = haveOneSize(one, *volume);
                     if (isLevel && isSize && found_.insert(&one).second) {
@@ -154,6 +218,17 @@ class OwnSearch {
         return notOwn(loss, why);
     }
 
+    /// Why it is not the certified one though it lies there; certificates of before tell no ids.
+    static std::string whyAnother(const LayoutVolume& certified, const LayoutVolume& volume) {
+        const bool areTold = !certified.uniqueId.empty() && !volume.uniqueId.empty();
+        if (areTold && certified.uniqueId != volume.uniqueId) {
+            return "it was made anew since: its id is not the certified one";
+        }
+        const bool isNameTold = !certified.uniqueId.empty() || !certified.name.empty();
+        return isNameTold && certified.name != volume.name ? "its name is not the certified one"
+                                                           : std::string();
+    }
+
     static const Certificate::Controller* controllerOf(const Certificate& certificate,
                                                        const Loss& loss) {
         const auto found = std::find_if(
@@ -163,15 +238,27 @@ class OwnSearch {
     }
 
     const Snapshot& snapshot_;
+    const std::vector<NumberedDrives>& numbered_;
     std::vector<const Certificate*> certificates_;
     std::set<const void*> found_; ///< what of the certificates was found
 };
 
 } // namespace
 
+std::vector<NumberedDrives> numberedDrives(const MachinePlan& plan) {
+    std::vector<NumberedDrives> numbered;
+    for (const ControllerPlanning& planning : plan.controllers) {
+        if (std::string entry = entryOfNumbers(planning); !entry.empty()) {
+            numbered.push_back({planning.controller.number, std::move(entry)});
+        }
+    }
+    return numbered;
+}
+
 std::vector<OwnLoss> ownLosses(const std::vector<Loss>& losses, const Snapshot& snapshot,
-                               std::span<const Certificate> certificates) {
-    OwnSearch search(snapshot, certificates);
+                               std::span<const Certificate> certificates,
+                               const std::vector<NumberedDrives>& numbered) {
+    OwnSearch search(snapshot, certificates, numbered);
     std::vector<OwnLoss> result;
     result.reserve(losses.size());
     for (const Loss& loss : losses) {

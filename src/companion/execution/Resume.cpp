@@ -187,7 +187,11 @@ class Resumption {
         if (std::optional<RunFault> fault = identityFault(snapshot_, run_.plan)) {
             return fault;
         }
-        return drivesFault(snapshot_, run_.plan, run_.terms.controllers);
+        if (std::optional<RunFault> fault =
+                drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
+            return fault;
+        }
+        return inUseFault(snapshot_, run_.plan, run_.terms.controllers);
     }
 
     [[nodiscard]] std::optional<RunFault> historyFault() const {
@@ -337,7 +341,8 @@ class Resumption {
     }
 
     /// Whether what stands is what was foreseen, but for the numbers by which the commands of a
-    /// family name it. Those of zolex's utilities may be positions.
+    /// family name it, or for logical drives that were made anew by somebody else. The numbers of
+    /// zolex's utilities may be positions.
     bool isNumberedOtherwise(ControllerProgress& progress, std::size_t done, const Facts& facts) {
         const ControllerPlanning& planning = *progress.planning;
         if (findFamily(planning.controller.utility) == nullptr) {
@@ -345,18 +350,27 @@ class Resumption {
         }
         RunFault fault;
         fault.details = otherwiseNumbered(planning, done, facts);
+        const bool isOfNumbers = !fault.details.empty();
+        for (std::string& line : madeAnew(planning, done, facts)) {
+            fault.details.push_back(std::move(line));
+        }
         if (fault.details.empty()) {
             return false;
         }
+        const std::string controller = "controller " + std::to_string(planning.controller.number);
         fault.exitCode = apply_code::stopped;
         fault.code = run_problem::standsElsewhere;
-        fault.what = "the logical drives of controller " +
-                     std::to_string(planning.controller.number) +
-                     " have other numbers than the plan's commands say";
+        fault.what = isOfNumbers ? "the logical drives of " + controller +
+                                       " have other numbers than the plan's commands say"
+                                 : "logical drives of " + controller +
+                                       " are not those that the plan was made of";
         fault.help = {planAgainHelp(run_.plan)};
         progress.next = done;
         progress.failedStep = planning.steps[std::min(done, planning.steps.size() - 1)].step;
-        run_.failController(progress, "its logical drives have other numbers", std::move(fault));
+        run_.failController(progress,
+                            isOfNumbers ? "its logical drives have other numbers"
+                                        : "its logical drives are others",
+                            std::move(fault));
         return true;
     }
 

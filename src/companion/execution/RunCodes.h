@@ -24,5 +24,6 @@ inline constexpr std::string_view anotherPlan = "ZA116";
 inline constexpr std::string_view notAtRest = "ZA117";
 inline constexpr std::string_view standsElsewhere = "ZA118";
 inline constexpr std::string_view proofNotWritten = "ZA119";
+inline constexpr std::string_view lostInUse = "ZA120";
 
 } // namespace zolex::companion::run_problem

@@ -107,6 +107,12 @@ struct LogicalDriveFacts {
     std::string readCache; ///< "Off", "ReadAhead", "AdaptiveReadAhead" or empty
     std::string reportedState;
     std::string device; ///< as the system names it, "/dev/sda"; or empty
+    /// What no other logical drive has, nor a later one under the same number on the same drives:
+    /// its SCSI NAA id, the UUID of an array; or empty.
+    std::string uniqueId;
+    /// What the running system uses it for ("mounted at /srv"). Only a capture of the machine
+    /// itself looks for that; empty: nothing, or nobody has looked.
+    std::string usedAs;
     Health health = Health::unknown;
     ListingPlace place;
     friend bool operator==(const LogicalDriveFacts&, const LogicalDriveFacts&) = default;

@@ -30,6 +30,9 @@ void writeVolume(DocumentText& out, const LayoutVolume& volume, const LayoutGrou
     out.textOrNull("read_cache_policy", volume.readCache);
     writeStatus(out, volume.health, isLost ? "Disabled" : stands ? "Enabled" : "");
     out.textOrNull("reported_state", volume.reportedState);
+    writeIfTold(out, "name", volume.name);
+    writeIfTold(out, "device", volume.device);
+    writeIfTold(out, "unique_id", volume.uniqueId);
     out.end();
 }
 

@@ -24,6 +24,9 @@ void writeLogicalDrive(DocumentText& out, const LogicalDriveFacts& logicalDrive)
     out.textOrNull("read_cache_policy", logicalDrive.readCache);
     writeStatus(out, logicalDrive.health, isLost ? "Disabled" : "Enabled");
     out.textOrNull("reported_state", logicalDrive.reportedState);
+    writeIfTold(out, "device", logicalDrive.device);
+    writeIfTold(out, "unique_id", logicalDrive.uniqueId);
+    writeIfTold(out, "used_as", logicalDrive.usedAs);
     out.end();
 }
 

@@ -79,6 +79,12 @@ std::string_view healthWord(Health health) {
     return {};
 }
 
+void writeIfTold(DocumentText& out, std::string_view name, std::string_view text) {
+    if (!text.empty()) {
+        out.text(name, text);
+    }
+}
+
 void writeStatus(DocumentText& out, Health health, std::string_view state) {
     out.object("status");
     out.textOrNull("health", healthWord(health));

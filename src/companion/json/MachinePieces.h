@@ -17,6 +17,8 @@ namespace zolex::companion {
 /// "OK", "Warning", "Critical"; empty when not known.
 [[nodiscard]] std::string_view healthWord(Health health);
 
+/// A text that not every utility tells: left out where it is empty.
+void writeIfTold(DocumentText& out, std::string_view name, std::string_view text);
 /// "status": {health, state} under that name.
 void writeStatus(DocumentText& out, Health health, std::string_view state);
 /// One drive as the next element of a list.

@@ -197,6 +197,9 @@ Loss readLoss(const Part& part) {
     loss.drives = part.words("drives", mostPlanDrives);
     loss.capacityBytes = part.number<std::uint64_t>("capacity_bytes");
     loss.status = part.textOrNull("status");
+    loss.name = textIfTold(part, "name");
+    loss.device = textIfTold(part, "device");
+    loss.uniqueId = textIfTold(part, "unique_id");
     return loss;
 }
 

@@ -281,6 +281,9 @@ void writeDestroys(DocumentText& out, const MachinePlan& plan) {
         out.texts("drives", loss.drives);
         out.size("capacity_bytes", loss.capacityBytes);
         out.textOrNull("status", loss.status);
+        writeIfTold(out, "name", loss.name);
+        writeIfTold(out, "device", loss.device);
+        writeIfTold(out, "unique_id", loss.uniqueId);
         out.null("built_by");
         out.end();
     }

@@ -128,6 +128,9 @@ LayoutVolume readLayoutVolume(const Part& part) {
     const Part status = part.object("status");
     volume.health = status.oneOf<Health>("health", healths, healthWord);
     volume.reportedState = part.textOrNull("reported_state");
+    volume.name = textIfTold(part, "name");
+    volume.device = textIfTold(part, "device");
+    volume.uniqueId = textIfTold(part, "unique_id");
     return volume;
 }
 
@@ -142,6 +145,10 @@ LayoutSpare readSpare(const Part& part) {
 }
 
 } // namespace
+
+std::string textIfTold(const Part& part, std::string_view name) {
+    return part.has(name) ? part.text(name) : std::string();
+}
 
 Fingerprint readFingerprint(const Part& part) {
     const Part object = part.object("fingerprint");
@@ -304,6 +311,9 @@ void addStandingLayout(const Layout& before, ControllerSnapshot& controller) {
             logicalDrive.readCache = volume.readCache;
             logicalDrive.reportedState = volume.reportedState;
             logicalDrive.health = volume.health;
+            logicalDrive.name = volume.name;
+            logicalDrive.device = volume.device;
+            logicalDrive.uniqueId = volume.uniqueId;
             array.logicalDrives.push_back(facts.logicalDrives.size());
             facts.logicalDrives.push_back(std::move(logicalDrive));
         }

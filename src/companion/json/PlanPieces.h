@@ -19,6 +19,8 @@ inline constexpr std::size_t mostPlanSteps = 65536;
 inline constexpr std::size_t mostPlanArguments = 1024;
 inline constexpr std::size_t mostPlanLines = 16384; ///< of texts, diagnostics, policies
 
+/// A text that may be left out; empty then.
+[[nodiscard]] std::string textIfTold(const Part& part, std::string_view name);
 [[nodiscard]] Fingerprint readFingerprint(const Part& part);
 [[nodiscard]] std::vector<Finding> readDiagnostics(const Part& part, std::string_view name);
 [[nodiscard]] MachineDrive readDrive(const Part& part);

@@ -2,6 +2,7 @@
 
 #include "companion/facts/Bytes.h"
 #include "companion/text/Sizes.h"
+#include "companion/text/Terminal.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -133,6 +134,9 @@ CapturedVolume volumeOf(const LogicalDriveFacts& facts, DeepMirrors deepMirrors)
     volume.readCache = facts.readCache;
     volume.reportedState = facts.reportedState;
     volume.health = facts.health;
+    volume.name = facts.name;
+    volume.uniqueId = facts.uniqueId;
+    volume.device = facts.device;
     captured.spans = facts.spans;
     nameLevel(volume.raidType, countDrives(captured.spans), deepMirrors);
     orderSpans(volume.raidType, captured.spans);
@@ -370,6 +374,17 @@ std::string layoutVolumeLine(const LayoutVolume& volume) {
         text += ", " + readCacheWords(volume.readCache);
     }
     return text;
+}
+
+std::string volumeNameText(const std::string& id, const std::string& name,
+                           const std::string& device) {
+    return "LD " + printable(id) + (name.empty() ? "" : " \"" + printable(name) + "\"") +
+           (device.empty() ? "" : " (" + printable(device) + ")");
+}
+
+std::string volumeAliasText(const std::string& name, const std::string& device) {
+    std::string text = name.empty() ? "" : "\"" + printable(name) + "\"";
+    return text + (text.empty() || device.empty() ? "" : ", ") + printable(device);
 }
 
 std::vector<std::string> layoutLines(const Layout& layout) {

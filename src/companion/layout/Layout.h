@@ -24,6 +24,10 @@ struct LayoutVolume {
     std::string readCache;     ///< "Off", "ReadAhead", "AdaptiveReadAhead"; empty: as above
     std::string reportedState; ///< captured: the utility's word
     Health health = Health::unknown;
+    // Captured; no part of a comparison.
+    std::string name;
+    std::string uniqueId; ///< as in LogicalDriveFacts
+    std::string device;   ///< the same
     friend bool operator==(const LayoutVolume&, const LayoutVolume&) = default;
 };
 
@@ -96,6 +100,13 @@ inline constexpr std::uint64_t fillMarginBytes = std::uint64_t{139} << 20U;
 [[nodiscard]] std::string readCacheWords(std::string_view readCache);
 /// "64 KB".
 [[nodiscard]] std::string stripSizeLine(std::uint64_t bytes);
+
+/// How people know a logical drive: LD 239 "data" (/dev/sdb), as far as that is told. For eyes:
+/// what cannot be printed is replaced.
+[[nodiscard]] std::string volumeNameText(const std::string& id, const std::string& name,
+                                         const std::string& device);
+/// "data", /dev/sdb: the same without its number; or empty.
+[[nodiscard]] std::string volumeAliasText(const std::string& name, const std::string& device);
 
 /// The order of locations: by their numbers, so that "32:10" stands behind "32:9".
 [[nodiscard]] bool locationStandsBefore(const std::string& a, const std::string& b);

@@ -54,7 +54,9 @@ constexpr std::array<Rule, 12> rows = {{
     {"ZX309", warning, nobody, "drive numbers, and no d: that holds them still",
      "Drives are counted, and drives without a number are not: when one is pulled, or has failed "
      "on a MegaRAID controller, each number behind it names the next slot. The arrays are made "
-     "of other drives than meant, with exit code 0.",
+     "of other drives than meant, with exit code 0. A plan that deletes something on such a "
+     "controller of today says so too, and what it deletes is not \"own\" while a drive of the "
+     "certificate is gone.",
      "Ask for the number of drives in each AppliesTo, or name the drives by channel and id:\n"
      "  AppliesTo.1 = t:LSI-MegaRAID-8480,d:8\n  Array.A = 1:0,1:1"},
     {"ZX310", warning, nobody, "Array_Defaults beside listed arrays",

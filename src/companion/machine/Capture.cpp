@@ -415,6 +415,10 @@ class Capturer {
         if (takesPlace && snapshot.pciIds.empty()) {
             snapshot.pciIds = functionOf(*snapshot_.controllers.controller(index)).pciIds;
         }
+        // One that carries out its lines itself looks itself what is in use.
+        if (request_.noteUses && !told.family->carriesOut()) {
+            request_.noteUses(snapshot.facts);
+        }
         tellBroken(snapshot);
         snapshot_.details.push_back(std::move(snapshot));
     }

@@ -27,6 +27,9 @@ struct CaptureRequest {
     bool asksFamilies = false;
     /// Names of families that are asked though they have to be asked for by name.
     std::vector<std::string> families;
+    /// Notes what the running system uses the logical drives of a controller for. Empty: nobody
+    /// looks, as of a machine that is not this one.
+    std::function<void(Facts& facts)> noteUses{};
     /// The programs behind the platform, to tell which of them is missing or cannot be started; or
     /// null. They outlive the capture.
     const Utilities* utilities = nullptr;

@@ -1,6 +1,7 @@
 #include "companion/machine/Fingerprint.h"
 
 #include "companion/facts/Bytes.h"
+#include "companion/families/Family.h"
 #include "companion/layout/NormalForm.h"
 #include "companion/machine/Sha256.h"
 #include "companion/text/Words.h"
@@ -51,7 +52,29 @@ std::string_view toldSerial(std::string_view serial) {
     return isPlaceholder(serial) ? std::string_view() : serial;
 }
 
-std::string stateText(const ControllerSnapshot& controller) {
+/// Which logical drives stand, where their utility tells them apart: one that was deleted and made
+/// anew under the same number on the same drives is another one.
+std::string idsText(const ControllerSnapshot& controller) {
+    std::vector<std::string> volumes;
+    for (const LogicalDriveFacts& volume : controller.facts.logicalDrives) {
+        if (!volume.uniqueId.empty() || !volume.name.empty()) {
+            std::string& text = volumes.emplace_back();
+            append(text, volume.id);
+            append(text, volume.uniqueId);
+            append(text, volume.name);
+        }
+    }
+    std::sort(volumes.begin(), volumes.end());
+    std::string all;
+    for (const std::string& volume : volumes) {
+        all += volume;
+    }
+    return all;
+}
+
+enum class OfVolumes { layout, layoutAndIds };
+
+std::string stateText(const ControllerSnapshot& controller, OfVolumes told) {
     std::vector<std::string> drives;
     for (const MachineDrive& drive : controller.drives) {
         const DriveFacts& facts = drive.facts;
@@ -76,7 +99,20 @@ std::string stateText(const ControllerSnapshot& controller) {
         all += drive;
     }
     append(all, normalForm(controller.facts));
+    // Of controllers that zolex knows nothing is added: their plans of long ago hold.
+    if (told == OfVolumes::layoutAndIds && findFamily(controller.utility) != nullptr) {
+        all += idsText(controller);
+    }
     return all;
+}
+
+std::string stateHash(const Snapshot& snapshot, OfVolumes told) {
+    std::string state;
+    append(state, Fingerprint::algorithm);
+    for (const ControllerSnapshot& controller : snapshot.details) {
+        state += stateText(controller, told);
+    }
+    return sha256(state);
 }
 
 Strength strengthOf(const Snapshot& snapshot) {
@@ -147,8 +183,6 @@ Fingerprint fingerprintOf(const Snapshot& snapshot) {
     print.strength = strengthOf(snapshot);
     print.machineType = snapshot.machine.machineType.view();
     print.serialNumber = toldSerial(snapshot.machine.serialNumber);
-    std::string state;
-    append(state, Fingerprint::algorithm);
     for (const ControllerSnapshot& controller : snapshot.details) {
         Fingerprint::Controller& part = print.controllers.emplace_back();
         part.number = controller.number;
@@ -156,11 +190,14 @@ Fingerprint fingerprintOf(const Snapshot& snapshot) {
         part.ids = controller.pciIds;
         part.model = controller.model;
         part.serialNumber = toldSerial(controller.facts.serialNumber);
-        state += stateText(controller);
     }
     print.identity = identityHash(print);
-    print.state = sha256(state);
+    print.state = stateHash(snapshot, OfVolumes::layoutAndIds);
     return print;
+}
+
+std::string stateWithoutIds(const Snapshot& snapshot) {
+    return stateHash(snapshot, OfVolumes::layout);
 }
 
 std::string identityHash(const Fingerprint& print) {

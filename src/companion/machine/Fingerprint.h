@@ -44,6 +44,9 @@ struct Fingerprint {
 
 [[nodiscard]] Fingerprint fingerprintOf(const Snapshot& snapshot);
 
+/// The state as plans have it whose logical drives tell neither ids nor names.
+[[nodiscard]] std::string stateWithoutIds(const Snapshot& snapshot);
+
 /// The hash of the machine and the controllers that a fingerprint tells of.
 [[nodiscard]] std::string identityHash(const Fingerprint& print);
 

@@ -262,6 +262,13 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "A spare of some arrays alone has to be as large as their drives, of the same kind, and made "
      "together with one array, or for arrays that stand already.",
      "Write one spare for each array, or one for all:\n  Spares = 1 covering A and 1 covering B"},
+    {problem::volumeInUse, error, "the running system uses what would be deleted",
+     "Its device, or a partition of it, is mounted, swapped to, held by LVM, an array or "
+     "encryption, or carries the system's root. Nothing is deleted, on any controller, as nobody "
+     "wants a server without its system half way. Linux alone is asked, by the id of the logical "
+     "drive; elsewhere, and of a recording, nothing is known of it.",
+     "End what uses it, and plan again; where it is the system itself, start the server from "
+     "another one:\n  lsblk\n  umount /srv"},
     {problem::otherMachine, error, "a plan is held against another machine than its own",
      "Its drives and controllers are others, though they may be called the same.",
      "plan for this machine, and compare with that: zolexctl diff POLICIES"},

@@ -69,6 +69,7 @@ inline constexpr std::string_view foreignNotCleared = "ZP223";
 inline constexpr std::string_view drivesUnlike = "ZP224";
 inline constexpr std::string_view noRoom = "ZP225";
 inline constexpr std::string_view spareNotMade = "ZP226";
+inline constexpr std::string_view volumeInUse = "ZP227";
 inline constexpr std::string_view otherMachine = "ZP239";
 inline constexpr std::string_view stepRefused = "ZP240";
 inline constexpr std::string_view stepWithoutEffect = "ZP241";

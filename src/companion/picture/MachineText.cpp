@@ -43,6 +43,7 @@ class MachineWriter {
             layout();
         }
         if (verbose_) {
+            volumesOfSystem();
             commands();
         }
         return std::move(out_);
@@ -271,6 +272,23 @@ class MachineWriter {
                  Emphasis::plain, true},
                 {logicalDrive.name.empty() ? "" : "\"" + printable(logicalDrive.name) + "\"",
                  Emphasis::dim}};
+    }
+
+    /// What the system knows the logical drives by.
+    void volumesOfSystem() {
+        for (const LogicalDriveFacts& each : controller_.facts.logicalDrives) {
+            std::vector<std::string> told;
+            for (const std::string& text :
+                 {each.device, each.uniqueId.empty() ? "" : "id " + each.uniqueId, each.usedAs}) {
+                if (!text.empty()) {
+                    told.push_back(printable(text));
+                }
+            }
+            if (!told.empty()) {
+                line("     ", "LD " + printable(each.id) + ": " + joined(told, ", "),
+                     Emphasis::plain);
+            }
+        }
     }
 
     [[nodiscard]] std::vector<LayoutLine> arrayLines() const {

@@ -452,6 +452,10 @@ class ControllerWriter {
                     continue;
                 }
                 std::string what = stateText(row.reportedState);
+                if (const std::string alias = volumeAliasText(row.name, row.device);
+                    !alias.empty()) {
+                    what += (what.empty() ? "" : ", ") + alias;
+                }
                 if (stays) {
                     const std::string as = staysAs(array);
                     what += (what.empty() ? "" : ", ") + std::string("stays") +
@@ -945,9 +949,10 @@ class PlanTextWriter {
             std::vector<std::string> names;
             for (const Loss& loss : planning.losses) {
                 const std::string id = printable(loss.id);
-                names.push_back(loss.kind == "logical_drive" ? "LD " + id
-                                : loss.kind == "hotspare"    ? "spare " + id
-                                                             : "foreign " + id);
+                names.push_back(loss.kind == "logical_drive"
+                                    ? volumeNameText(loss.id, loss.name, loss.device)
+                                : loss.kind == "hotspare" ? "spare " + id
+                                                          : "foreign " + id);
             }
             if (!names.empty()) {
                 out_ += signedLine("  - ",

@@ -10,14 +10,18 @@ namespace zolex::companion {
 namespace {
 
 /// One line for a loss: what it is and how large. Its state is left out, since it may change by
-/// itself.
+/// itself, and so is the name that the system has for it.
 std::string lineOfLoss(const Loss& loss) {
     std::string line = std::to_string(loss.controller) + "\t" + loss.kind + "\t" + loss.id + "\t" +
                        loss.raidType + "\t";
     for (const std::string& drive : loss.drives) {
         line += drive + " ";
     }
-    return line + "\t" + std::to_string(loss.capacityBytes) + "\n";
+    line += "\t" + std::to_string(loss.capacityBytes);
+    if (!loss.uniqueId.empty()) {
+        line += "\t" + loss.uniqueId + "\t" + loss.name;
+    }
+    return line + "\n";
 }
 
 } // namespace

@@ -127,6 +127,10 @@ class StepMaker {
         for (const Going& each : going) {
             const LogicalDriveFacts* const facts = factsOf(each.volume->id);
             const std::string why = facts == nullptr ? "" : whyKept(*facts);
+            if (facts != nullptr && !facts->usedAs.empty()) {
+                faults_.push_back(inUse(*facts));
+                continue;
+            }
             if (!why.empty()) {
                 faults_.push_back(planFault(problem::lineNotMade,
                                             "LD " + each.volume->id + " stays: " + why,
@@ -141,6 +145,14 @@ class StepMaker {
                                 "on " + driveList(groupDrives(*each.group)));
             lose(step, volumeLoss(planning_, *each.group, *each.volume));
         }
+    }
+
+    /// Its utility may refuse this one when others are gone already.
+    static Finding inUse(const LogicalDriveFacts& volume) {
+        return planFault(problem::volumeInUse,
+                         volumeNameText(volume.id, volume.name, volume.device) +
+                             " stays: " + volume.usedAs,
+                         {howToEndUse(volume.usedAs)});
     }
 
     /// Nobody can agree to the loss of what is not known.

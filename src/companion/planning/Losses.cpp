@@ -1,6 +1,9 @@
 #include "companion/planning/Losses.h"
 
 #include "companion/planning/Strategy.h"
+#include "companion/text/TypedWord.h"
+
+#include <string_view>
 
 namespace zolex::companion {
 
@@ -32,7 +35,21 @@ Loss volumeLoss(const ControllerPlanning& planning, const LayoutGroup& group,
     loss.drives = groupDrives(group);
     loss.capacityBytes = volume.capacityBytes.value_or(0);
     loss.status = volume.reportedState;
+    loss.name = volume.name;
+    loss.device = volume.device;
+    loss.uniqueId = volume.uniqueId;
     return loss;
+}
+
+std::string howToEndUse(const std::string& usedAs) {
+    constexpr std::string_view mounted = "mounted at ";
+    if (usedAs.starts_with(mounted)) {
+        return "umount " + typedWord(usedAs.substr(mounted.size()));
+    }
+    if (usedAs.find("root") != std::string::npos) {
+        return "start the server from another system, or leave this logical drive in the policy";
+    }
+    return usedAs.find("swap") != std::string::npos ? "swapoff -a" : "lsblk tells what lies on it";
 }
 
 Loss spareLoss(const ControllerPlanning& planning, const LayoutSpare& spare) {

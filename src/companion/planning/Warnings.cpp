@@ -1,7 +1,9 @@
 #include "companion/planning/Warnings.h"
 
+#include "companion/families/Family.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/text/Sizes.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <string>
@@ -102,6 +104,50 @@ void tellForeign(const ControllerPlanning& planning, std::vector<Finding>& findi
     findings.push_back(std::move(finding));
 }
 
+bool isNumber(const PlanReason& reason) {
+    return reason.code == "listed" && text::wholeNumber(reason.as);
+}
+
+/// Whether the policy is the controller's with this number of drives alone.
+bool asksForCount(const ControllerPlanning& planning) {
+    for (const PolicyMatch& policy : planning.considered) {
+        for (const EntryMatch& entry : policy.entries) {
+            const bool isIt = policy.matched.value_or(false) && entry.matched;
+            if (isIt && std::any_of(entry.specifiers.begin(), entry.specifiers.end(),
+                                    [](const SpecifierMatch& each) {
+                                        return each.specifier.starts_with("d:");
+                                    })) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// Where logical drives are deleted, the numbers had better name the drives that are meant.
+void tellNumbers(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    const auto deleted =
+        std::count_if(planning.losses.begin(), planning.losses.end(),
+                      [](const Loss& loss) { return loss.kind == "logical_drive"; });
+    const std::string entry = entryOfNumbers(planning);
+    if (deleted == 0 || entry.empty() || findFamily(planning.controller.utility) == nullptr ||
+        asksForCount(planning)) {
+        return;
+    }
+    Finding finding;
+    finding.code = "ZX309";
+    finding.severity = Severity::warning;
+    finding.summary =
+        entry + " names drives by number, and " +
+        (planning.matchedBy.empty() ? "the policy" : planning.matchedBy) + " gives no d:, while " +
+        countText(static_cast<std::size_t>(deleted), "logical drive is", "logical drives are") +
+        " deleted: a drive that was pulled or added shifts the numbers behind it";
+    finding.help = {"see that the numbers are those that are meant: zolexctl show",
+                    "add d:" + std::to_string(planning.controller.drives.size()) +
+                        ", or name the drives by their slots: Drives.A = slots 64:0,64:1"};
+    findings.push_back(std::move(finding));
+}
+
 void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findings) {
     if (planning.disposition != Disposition::already) {
         return;
@@ -123,7 +169,24 @@ std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
     tellSpares(planning, findings);
     tellRedundancy(planning, findings);
     tellForeign(planning, findings);
+    tellNumbers(planning, findings);
     return findings;
+}
+
+std::string entryOfNumbers(const ControllerPlanning& planning) {
+    for (const PlannedArray& array : planning.arrays) {
+        for (const PlannedDrive& drive : array.drives) {
+            if (isNumber(drive.reason)) {
+                return drive.reason.keyword;
+            }
+        }
+    }
+    for (const PlannedSpare& spare : planning.spares) {
+        if (isNumber(spare.reason)) {
+            return spare.reason.keyword;
+        }
+    }
+    return {};
 }
 
 std::string whyItStands(const Comparison& comparison) {

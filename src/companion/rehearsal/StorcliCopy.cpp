@@ -305,6 +305,7 @@ class Builder {
         volume.cache = *cache;
         volume.readAhead = facts.readCache != "Off";
         volume.name = facts.name;
+        volume.naaId = facts.uniqueId.empty() ? "-" : facts.uniqueId;
         volume.device = facts.device.empty() ? "-" : facts.device;
         copy_.enter(std::move(volume));
     }

@@ -214,6 +214,30 @@ Stopped on the way. reset.journal.jsonl tells what was done.
     EXPECT_FALSE(server.exists("again.jsonl"));
 }
 
+#ifndef _WIN32
+/// Linux is asked what it does with a logical drive before the first command: here what stands
+/// beside the folder of the bus.
+TEST(Storcli, WhatTheRunningSystemUsesIsNotReset) {
+    StorcliServer server("storcli");
+    const std::string id =
+        valuesOf(server.zolexctl({"show", "--format", "json"}).output, "unique_id").at(1);
+    fs::create_directories(server.folder() / "sys/block/sdq/device");
+    fs::create_directories(server.folder() / "proc/self");
+    server.write("sys/block/sdq/dev", "65:0\n");
+    server.write("sys/block/sdq/device/wwid", "naa." + id + "\n");
+    server.write("proc/self/mountinfo", "20 1 65:0 / /srv rw - ext4 /dev/sdq rw\n");
+    const ProgramRun reset = server.change({"reset", "--destroy", "any"});
+    EXPECT_EQ(reset.exitCode, 2) << reset.output;
+    EXPECT_EQ(reset.error, "");
+    EXPECT_FALSE(server.exists("reset.journal.jsonl"));
+    EXPECT_NE(server.zolexctl({"show", "-v"}).output.find("mounted at /srv"), std::string::npos);
+    // Of a recording nothing is asked.
+    EXPECT_EQ(server.zolexctl({"record", "-o", "server.zrec"}).exitCode, 0);
+    EXPECT_EQ(server.zolexctl({"show", "-v", "--recording", "server.zrec"}).output.find("mounted"),
+              std::string::npos);
+}
+#endif
+
 /// Each command is run once more without the word, in a folder that goes.
 TEST(Storcli, NologIsNotKnown) {
     StorcliServer server("storcli-blank");

@@ -37,6 +37,21 @@ The controller is as the certificate says.
 )");
 }
 
+TEST(CertificateDiff, TellsALogicalDriveThatWasMadeAnew) {
+    Snapshot now = certifiedSnapshot();
+    factsOf(now).logicalDrives[1].uniqueId = "600aaa01";
+    const Certificate certificate = certificateOf(now);
+    EXPECT_EQ(diffOf(now, certificate).result, ControllerDiff::Result::same);
+    factsOf(now).logicalDrives[1].uniqueId = "600aaa02";
+    const MachineDiff diff = diffOf(now, certificate);
+    EXPECT_EQ(diff.result, ControllerDiff::Result::equivalent);
+    EXPECT_EQ(
+        diff.controllers[0].comparison.equivalences,
+        std::vector<std::string>{"LD 1 was made anew: its id is 600aaa02 instead of 600aaa01"});
+    // Of a certificate of before nothing is known.
+    EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::same);
+}
+
 TEST(CertificateDiff, TellsAttributesThatAreNotAsTheyWere) {
     Snapshot now = certifiedSnapshot();
     factsOf(now).logicalDrives[1].stripSizeBytes = 131072;

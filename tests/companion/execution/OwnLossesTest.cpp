@@ -25,9 +25,10 @@ std::vector<Loss> allLosses() {
 
 /// "logical_drive 0: own by p-5f1c09ab77e2", or why not.
 std::string told(const std::vector<Loss>& losses, const Snapshot& snapshot,
-                 const std::vector<Certificate>& certificates) {
+                 const std::vector<Certificate>& certificates,
+                 const std::vector<NumberedDrives>& numbered = {}) {
     std::string text;
-    for (const OwnLoss& own : ownLosses(losses, snapshot, certificates)) {
+    for (const OwnLoss& own : ownLosses(losses, snapshot, certificates, numbered)) {
         text += own.loss.kind + " " + own.loss.id + ": " +
                 (own.isOwn ? "own by " + own.planId : own.why) + "\n";
     }
@@ -99,6 +100,60 @@ TEST(OwnLosses, DrivesAreKnownByTheirSerialNumbers) {
     twice.details[0].facts.drives[7].serialNumber = "3LQ2A000";
     EXPECT_EQ(told(first, twice, {exampleCertificate()}),
               "logical_drive 0: a drive of it tells no serial number of its own\n");
+}
+
+/// Numbers of drives shift when one is pulled, though it was free; what is built then lies on other
+/// drives.
+TEST(OwnLosses, ADriveThatIsGoneOrNewShiftsTheNumbersOfTheOthers) {
+    const std::vector<Loss> first = {lossOf("logical_drive", "0")};
+    const std::vector<NumberedDrives> numbered = {{1, "Array.A"}};
+    const std::vector<Certificate> certificates = {exampleCertificate()};
+    EXPECT_EQ(told(first, certifiedSnapshot(), certificates, numbered),
+              "logical_drive 0: own by p-5f1c09ab77e2\n");
+    Snapshot pulled = certifiedSnapshot();
+    const DriveFacts gone = pulled.details[0].facts.drives.back();
+    pulled.details[0].facts.drives.pop_back();
+    EXPECT_EQ(told(first, pulled, certificates, numbered),
+              "logical_drive 0: drive " + gone.location + " (serial number " + gone.serialNumber +
+                  ") is gone since p-5f1c09ab77e2: Array.A names drives by number, and the "
+                  "numbers have shifted; put it back, or name drives by their slots\n");
+    EXPECT_EQ(told(first, pulled, certificates, {{2, "Array.A"}}),
+              "logical_drive 0: own by p-5f1c09ab77e2\n");
+    EXPECT_EQ(told(first, pulled, certificates), "logical_drive 0: own by p-5f1c09ab77e2\n");
+    // Another drive in its bay shifts nothing.
+    Snapshot replaced = certifiedSnapshot();
+    replaced.details[0].facts.drives.back().serialNumber = "NEW";
+    EXPECT_EQ(told(first, replaced, certificates, numbered),
+              "logical_drive 0: own by p-5f1c09ab77e2\n");
+    Snapshot added = certifiedSnapshot();
+    DriveFacts more = gone;
+    more.location = "32:20";
+    more.serialNumber = "NEW";
+    added.details[0].facts.drives.push_back(more);
+    EXPECT_EQ(told(first, added, certificates, numbered),
+              "logical_drive 0: drive 32:20 (serial number NEW) is new since p-5f1c09ab77e2: "
+              "Array.A names drives by number, and the numbers have shifted; take it out, or name "
+              "drives by their slots\n");
+}
+
+TEST(OwnLosses, ALogicalDriveThatWasMadeAnewIsNot) {
+    const std::vector<Loss> first = {lossOf("logical_drive", "0")};
+    Snapshot snapshot = certifiedSnapshot();
+    LogicalDriveFacts& volume = snapshot.details[0].facts.logicalDrives[0];
+    volume.uniqueId = "600aaa01";
+    volume.name = "data";
+    // Of a certificate of before nothing is known.
+    EXPECT_EQ(told(first, snapshot, {exampleCertificate()}),
+              "logical_drive 0: own by p-5f1c09ab77e2\n");
+    const Certificate certificate = certificateOf(snapshot);
+    EXPECT_EQ(told(first, snapshot, {certificate}), "logical_drive 0: own by p-5f1c09ab77e2\n");
+    volume.uniqueId = "600aaa02";
+    EXPECT_EQ(told(first, snapshot, {certificate}),
+              "logical_drive 0: it was made anew since: its id is not the certified one\n");
+    volume.uniqueId = "600aaa01";
+    volume.name = "of others";
+    EXPECT_EQ(told(first, snapshot, {certificate}),
+              "logical_drive 0: its name is not the certified one\n");
 }
 
 TEST(OwnLosses, WhatWasMadeSinceIsNot) {

@@ -3,6 +3,7 @@
 
 #include "companion/execution/ApplyBench.h"
 #include "companion/execution/StorcliRuns.h"
+#include "companion/planning/ResetPlan.h"
 #include "model/StorcliController.h"
 
 #include <gtest/gtest.h>
@@ -116,6 +117,103 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFound) {
     EXPECT_EQ(refusedAfter([this] { swapNumbers(2, 3); }),
               (Lines{"controller 1: LD 239 on 252:0 252:1 has the number 238 now",
                      "controller 1: LD 238 on 252:2 252:3 252:4 252:5 has the number 239 now"}));
+}
+
+/// Somebody deletes a logical drive and makes another one: with its number, on its drives, and with
+/// his data.
+TEST_F(StorcliDangers, ALogicalDriveThatWasMadeAnewIsFound) {
+    const std::string before = controller().volumes.back().naaId;
+    const auto makeAnew = [this] {
+        zolex_sim::storcli::Volume volume = controller().volumes.back();
+        controller().volumes.pop_back();
+        volume.naaId.clear();
+        controller().enter(volume);
+    };
+    const auto told = [&] {
+        return "LD 239 on 252:0 252:1 is not the one that was there: its id is " +
+               controller().volumes.back().naaId + ", it was " + before;
+    };
+    const Lines details = refusedAfter(makeAnew);
+    EXPECT_EQ(details, Lines{"controller 1: " + told()});
+    EXPECT_NE(controller().volumes.back().naaId, before);
+    EXPECT_EQ(refusedAfter([this] { controller().volumes.back().name = "data"; }),
+              Lines{"controller 1: LD 239 on 252:0 252:1 is called \"data\" now, it was nothing"});
+    // The same in the middle of a run, while that one still stands.
+    bench_.server.platform.server = initial_;
+    interruptBehind(1);
+    makeAnew();
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "logical drives of controller 1 are not those that the plan was made of");
+    EXPECT_EQ(end.details.front(), told());
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
+/// What the run itself has made has an id that no plan knows.
+TEST_F(StorcliDangers, ALogicalDriveThatTheRunHasMadeIsItsOwn) {
+    interruptBehind(6);
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// A plan that was made before ids were told is carried out as it is.
+TEST_F(StorcliDangers, APlanWithoutIdsHolds) {
+    for (LayoutGroup& group : bench_.plan.controllers.front().before.groups) {
+        for (LayoutVolume& volume : group.volumes) {
+            volume.uniqueId.clear();
+        }
+    }
+    bench_.plan.fingerprint.state = stateWithoutIds(bench_.server.snapshot());
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Mounted since it was planned for.
+TEST_F(StorcliDangers, WhatTheSystemUsesIsNotDeleted) {
+    std::string use = "mounted at /srv";
+    bench_.capture.noteUses = [&use](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            volume.usedAs = volume.id == "236" || volume.id == "238" ? use : "";
+        }
+    };
+    const Lines refused = {"3: the running system uses what would be deleted",
+                           "  controller 1: LD 236 (/dev/sdd): mounted at /srv",
+                           "help: umount /srv"};
+    EXPECT_EQ(endLines(bench_.apply()), refused);
+    EXPECT_EQ(bench_.system.started, Lines{});
+    bench_.capture.noteUses = nullptr;
+    interruptBehind(1);
+    bench_.capture.noteUses = [](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            volume.usedAs = "it holds the system's root";
+        }
+    };
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.what, "the running system uses what would be deleted");
+    EXPECT_EQ(end.details.size(), 3U);
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
+/// The planner says so beforehand, and so does a reset.
+TEST_F(StorcliDangers, WhatTheSystemUsesIsNotPlannedToGo) {
+    Snapshot snapshot = bench_.server.snapshot();
+    snapshot.details.front().facts.logicalDrives.front().usedAs = "mounted at /srv";
+    snapshot.details.front().facts.logicalDrives.front().name = "data";
+    const MachinePlan reset = planReset(snapshot, {}, "zolexctl reset");
+    ASSERT_FALSE(reset.isApplicable());
+    EXPECT_TRUE(reset.steps().empty());
+    const Finding& finding = reset.controllers.front().diagnostics.front();
+    EXPECT_EQ(finding.code, "ZP227");
+    EXPECT_EQ(finding.summary, "LD 239 \"data\" (/dev/sda) stays: mounted at /srv");
+    EXPECT_EQ(finding.help, Lines{"umount /srv"});
+}
+
+/// Drives that are counted name others when one is pulled.
+TEST_F(StorcliDangers, NumbersAreDoubtedWhereSomethingIsDeleted) {
+    const std::vector<Finding>& warnings = bench_.plan.controllers.front().warnings;
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_EQ(warnings.front().code, "ZX309");
+    EXPECT_EQ(warnings.front().summary,
+              "Array.A names drives by number, and AppliesTo.1 gives no d:, while 3 logical "
+              "drives are deleted: a drive that was pulled or added shifts the numbers behind it");
 }
 
 /// A host adapter that is put in before it has its number now.

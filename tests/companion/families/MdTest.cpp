@@ -4,6 +4,7 @@
 #include "companion/families/md/MdFamily.h"
 #include "companion/families/md/MdHost.h"
 #include "companion/families/md/Signatures.h"
+#include "companion/families/md/VolumeUses.h"
 
 #include <gtest/gtest.h>
 
@@ -276,6 +277,39 @@ TEST_F(MdTest, MountsAndSwapAreFollowedToTheirDrives) {
     EXPECT_EQ(why("sdb"), "in use: mounted at /pool");
     EXPECT_EQ(why("sdc"), "in use: it holds the system's root");
     EXPECT_EQ(why("sdd"), "in use: the system swaps to it");
+}
+
+/// Logical drives of a controller are disks of the system: they are found by their ids.
+TEST_F(MdTest, WhatTheSystemUsesALogicalDriveForIsNoted) {
+    Facts facts;
+    const auto add = [&facts](const char* id, const char* device, const char* uniqueId) {
+        LogicalDriveFacts& volume = facts.logicalDrives.emplace_back();
+        volume.id = id;
+        volume.device = device;
+        volume.uniqueId = uniqueId;
+    };
+    add("239", "/dev/sda", "600AAA01"); // the kernel calls it sdb by now
+    add("238", "/dev/sdc", "");         // tells no id
+    add("237", "/dev/sdc", "600aaa03"); // is none of this system's
+    add("236", "", "");
+    add("235", "/dev/sda", "");
+    files.files["/sys/block/sdb/device/wwid"] = "naa.600aaa01\n";
+    files.files["/sys/block/sdc/device/wwid"] = "naa.600aaa09\n";
+    files.files["/sys/block/sdb/sdb1/partition"] = "1\n";
+    files.files["/sys/block/sdb/sdb1/dev"] = "8:17\n";
+    files.files["/sys/block/sda/holders/dm-0"] = "";
+    files.files["/proc/self/mountinfo"] = "20 1 8:17 / /srv rw - ext4 /dev/sdb1 rw\n";
+    files.files["/proc/swaps"] = "Filename Type Size Used Priority\n/dev/sdc partition 9 0 -2\n";
+    noteUses(files, {}, facts);
+    std::string told;
+    for (const LogicalDriveFacts& volume : facts.logicalDrives) {
+        told += volume.id + " " + volume.device + ": " + volume.usedAs + "\n";
+    }
+    EXPECT_EQ(told, "239 /dev/sdb: mounted at /srv\n"
+                    "238 /dev/sdc: the system swaps to it\n"
+                    "237 /dev/sdc: \n"
+                    "236 : \n"
+                    "235 /dev/sda: held by dm-0\n");
 }
 
 TEST_F(MdTest, WhatBlkidFindsBarsADriveToo) {

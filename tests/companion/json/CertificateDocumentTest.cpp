@@ -106,6 +106,24 @@ TEST(CertificateDocument, ReadsWhatItHasWritten) {
     EXPECT_EQ(found.controllers[0].facts.logicalDrives.size(), 2U);
 }
 
+TEST(CertificateDocument, TellsLogicalDrivesApart) {
+    Snapshot snapshot = certifiedSnapshot();
+    LogicalDriveFacts& volume = snapshot.details[0].facts.logicalDrives[0];
+    volume.name = "data";
+    volume.device = "/dev/sdb";
+    volume.uniqueId = "600aaa01";
+    const std::string text = certificateDocument(certificateOf(snapshot), head);
+    keepDocument("certificate-ids", text);
+    const CertificateReading reading = readCertificate(text, "a.json");
+    ASSERT_TRUE(reading.certificate);
+    const LayoutVolume& read = reading.certificate->controllers[0].layout.groups[0].volumes[0];
+    EXPECT_EQ(read.name, "data");
+    EXPECT_EQ(read.device, "/dev/sdb");
+    EXPECT_EQ(read.uniqueId, "600aaa01");
+    EXPECT_EQ(certificateDocument(*reading.certificate, head), text);
+    EXPECT_EQ(exampleText().find("unique_id"), std::string::npos);
+}
+
 TEST(CertificateDocument, RefusesWhatIsNone) {
     EXPECT_EQ(certificateFault(""),
               "a.json:1: this is no JSON: syntax error while parsing value - "

@@ -158,6 +158,35 @@ TEST(PlanReader, GivesThePlanThatWasWritten) {
     EXPECT_EQ(planHead().argv, reading.head.argv);
 }
 
+TEST(PlanReader, LogicalDrivesAreToldApart) {
+    MachinePlan plan = agreedPlan();
+    ControllerPlanning& planning = plan.controllers[0];
+    ASSERT_FALSE(planning.losses.empty());
+    for (LayoutGroup& group : planning.before.groups) {
+        for (LayoutVolume& volume : group.volumes) {
+            volume.name = "data";
+            volume.device = "/dev/sd" + volume.id;
+            volume.uniqueId = "600aaa0" + volume.id;
+        }
+    }
+    for (Loss& loss : planning.losses) {
+        if (loss.kind == "logical_drive") {
+            loss.name = "data";
+            loss.device = "/dev/sd" + loss.id;
+            loss.uniqueId = "600aaa0" + loss.id;
+        }
+    }
+    plan.consent = consentCode(plan.fingerprint.identity, plan.losses());
+    const std::string text = planDocument(plan, planHead());
+    const PlanReading reading = readPlanDocument(text, "plan.json");
+    ASSERT_TRUE(reading.plan) << outcomeOf(text);
+    EXPECT_EQ(reading.plan->losses(), plan.losses());
+    EXPECT_EQ(reading.plan->controllers[0].before, planning.before);
+    EXPECT_EQ(reading.plan->controllers[0].controller.facts.logicalDrives[0].uniqueId,
+              planning.before.groups[0].volumes[0].uniqueId);
+    EXPECT_EQ(written(reading), text);
+}
+
 TEST(PlanReader, NamesThatALaterMinorVersionMayHaveAddedArePassedOver) {
     std::string text = edited("", "\"1.0\"", "\"1.7\"");
     for (const char* const name : {"\"machine_source\"", "\"captured\"", "\"location\"",

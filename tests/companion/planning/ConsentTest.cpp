@@ -58,6 +58,15 @@ TEST(ConsentTest, AnythingElseMatters) {
     };
     EXPECT_NE(changed([](Loss& loss) { loss.controller = 2; }), code);
     EXPECT_NE(changed([](Loss& loss) { loss.kind = "foreign"; }), code);
+    EXPECT_EQ(changed([](Loss& loss) { loss.device = "/dev/sdb"; }), code);
+    const std::string known = changed([](Loss& loss) { loss.uniqueId = "600aaa01"; });
+    EXPECT_NE(known, code);
+    EXPECT_NE(changed([](Loss& loss) { loss.uniqueId = "600aaa02"; }), known);
+    EXPECT_NE(changed([](Loss& loss) {
+                  loss.uniqueId = "600aaa01";
+                  loss.name = "data";
+              }),
+              known);
     EXPECT_NE(changed([](Loss& loss) { loss.id = "1"; }), code);
     EXPECT_NE(changed([](Loss& loss) { loss.raidType = "RAID0"; }), code);
     EXPECT_NE(changed([](Loss& loss) { loss.drives.emplace_back("32:2"); }), code);

@@ -1,5 +1,7 @@
 #include "companion/families/md/DiskList.h"
 
+#include "companion/families/md/BlockDevices.h"
+#include "companion/families/md/DeviceText.h"
 #include "companion/text/Sizes.h"
 
 #include <algorithm>
@@ -13,58 +15,6 @@
 namespace zolex::companion::md {
 
 namespace {
-
-constexpr std::size_t mostAttribute = 4096;
-constexpr std::size_t mostTable = std::size_t{4} << 20U;
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks(" \t\r\n\0", 5);
-    const std::size_t begin = text.find_first_not_of(blanks);
-    return begin == std::string_view::npos
-               ? std::string_view()
-               : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
-
-std::string_view baseName(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);
-}
-
-std::vector<std::string_view> parts(std::string_view text, std::string_view separators) {
-    std::vector<std::string_view> found;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find_first_of(separators), text.size());
-        if (end != 0) {
-            found.push_back(text.substr(0, end));
-        }
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return found;
-}
-
-template <typename Number>
-std::optional<Number> numberIn(std::string_view text, int base = 10) {
-    Number value{};
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value, base);
-    return result.ec == std::errc() && result.ptr == text.data() + text.size()
-               ? std::optional(value)
-               : std::nullopt;
-}
-
-/// "/mnt/my\040disk" as it is: tables of /proc write blanks so.
-std::string unescaped(std::string_view text) {
-    std::string plain;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::optional<unsigned> code =
-            text[i] == '\\' ? numberIn<unsigned>(text.substr(i + 1, 3), 8) : std::nullopt;
-        if (code && *code < 256 && text.size() - i > 3) {
-            plain += static_cast<char>(*code);
-            i += 3;
-        } else {
-            plain += text[i];
-        }
-    }
-    return plain;
-}
 
 /// Block devices that are no drives of a machine.
 bool isNoDrive(std::string_view name) {
@@ -87,21 +37,19 @@ bool isPlainName(std::string_view name) {
 /// Looks at the machine once.
 class Lister {
   public:
-    explicit Lister(const DiskScan& scan) : scan_(scan), files_(*scan.files) {}
+    explicit Lister(const DiskScan& scan)
+        : scan_(scan), files_(*scan.files), devices_(files_, scan.roots) {}
 
     DiskList list() {
         DiskList list;
         list.kernel = attribute(scan_.roots.proc + "/sys/kernel/osrelease");
-        names_ = files_.entries(block(""));
-        readPartitions();
-        readUses();
-        for (const std::string& name : names_) {
+        for (const std::string& name : devices_.names()) {
             if (isDrive(name)) {
                 list.disks.push_back(describe(name));
             }
         }
         nameDisks(list.disks);
-        for (const std::string& name : names_) {
+        for (const std::string& name : devices_.names()) {
             if (name.starts_with("md") && !attribute(block(name) + "/md/raid_disks").empty()) {
                 list.arrays.push_back(runningArray(name, list.disks));
             }
@@ -136,13 +84,13 @@ class Lister {
     }
 
     [[nodiscard]] std::string block(const std::string& name) const {
-        return scan_.roots.sys + "/block" + (name.empty() ? "" : "/" + name);
+        return devices_.folderOf(name);
     }
     [[nodiscard]] std::string device(const std::string& name) const {
-        return scan_.roots.dev + "/" + name;
+        return devices_.fileOf(name);
     }
-    std::string attribute(const std::string& file) {
-        return std::string(trimmed(files_.read(file, 0, mostAttribute).value_or("")));
+    [[nodiscard]] std::string attribute(const std::string& file) const {
+        return devices_.attribute(file);
     }
     template <typename Number>
     Number numberOf(const std::string& file) {
@@ -152,80 +100,6 @@ class Lister {
     bool isDrive(const std::string& name) {
         return !isNoDrive(name) && !files_.resolved(block(name) + "/device").empty() &&
                attribute(block(name) + "/hidden") != "1";
-    }
-
-    void readPartitions() {
-        for (const std::string& name : names_) {
-            numbers_.emplace(attribute(block(name) + "/dev"), name);
-            for (const std::string& entry : files_.entries(block(name))) {
-                const std::string folder = block(name) + "/" + entry;
-                if (entry.starts_with(name) && !attribute(folder + "/partition").empty()) {
-                    partitions_[name].push_back(entry);
-                    wholeOf_[entry] = name;
-                    numbers_.emplace(attribute(folder + "/dev"), entry);
-                }
-            }
-        }
-    }
-
-    /// Notes what a device is used for, and so is everything that it lies on.
-    void use(const std::string& name, const std::string& why, int depth = 0) {
-        constexpr int deepest = 16;
-        if (name.empty() || depth > deepest) {
-            return;
-        }
-        uses_.emplace(name, why);
-        if (const auto whole = wholeOf_.find(name); whole != wholeOf_.end()) {
-            use(whole->second, why, depth + 1);
-        }
-        for (const std::string& slave : files_.entries(block(name) + "/slaves")) {
-            use(slave, why, depth + 1);
-        }
-    }
-
-    void readUses() {
-        const std::string mounts =
-            files_.read(scan_.roots.proc + "/self/mountinfo", 0, mostTable).value_or("");
-        std::vector<std::pair<std::string, std::string>> found;
-        for (const std::string_view line : parts(mounts, "\n")) {
-            const std::vector<std::string_view> fields = parts(line, " ");
-            const auto dash = std::find(fields.begin(), fields.end(), "-");
-            if (fields.size() < 6 || fields.end() - dash < 3) {
-                continue;
-            }
-            const std::string place = unescaped(fields[4]);
-            const std::string why =
-                place == "/" ? "it holds the system's root" : "mounted at " + place;
-            if (const auto name = numbers_.find(fields[2]); name != numbers_.end()) {
-                found.emplace_back(name->second, why);
-            }
-            // Some file systems have a number of their own.
-            found.emplace_back(nameOf(unescaped(dash[2])), why);
-        }
-        // A drive of the root is told as such, wherever else it is mounted.
-        std::stable_partition(found.begin(), found.end(),
-                              [](const auto& one) { return !one.second.starts_with("mounted"); });
-        for (const auto& [name, why] : found) {
-            use(name, why);
-        }
-        const std::string swaps =
-            files_.read(scan_.roots.proc + "/swaps", 0, mostTable).value_or("");
-        for (const std::string_view line : parts(swaps, "\n")) {
-            const std::vector<std::string_view> fields = parts(line, " \t");
-            if (!fields.empty()) {
-                use(nameOf(unescaped(fields[0])), "the system swaps to it");
-            }
-        }
-    }
-
-    /// The kernel's name of a device; empty for what is none.
-    std::string nameOf(const std::string& path) {
-        constexpr std::string_view folder = "/dev/";
-        if (!path.starts_with(folder)) {
-            return {};
-        }
-        const std::string resolved = files_.resolved(device(path.substr(folder.size())));
-        return std::string(baseName(resolved.empty() ? path : resolved));
     }
 
     ListedDisk describe(const std::string& name) {
@@ -362,20 +236,8 @@ class Lister {
 
     /// Why an array may not be stopped.
     std::string whyHeld(const std::string& node) {
-        if (const auto found = uses_.find(node); found != uses_.end()) {
-            return found->second;
-        }
-        std::vector<std::string> devices = partitions_[node];
-        devices.insert(devices.begin(), node);
-        for (const std::string& name : devices) {
-            const std::string folder = name == node ? block(node) : block(node) + "/" + name;
-            if (const auto found = uses_.find(name); found != uses_.end()) {
-                return found->second;
-            }
-            const std::vector<std::string> holders = files_.entries(folder + "/holders");
-            if (!holders.empty()) {
-                return "held by " + holders[0];
-            }
+        if (std::string why = devices_.useOrHolderOf(node); !why.empty()) {
+            return why;
         }
         const std::string fault = files_.whyNotOpened(device(node));
         return fault.empty() ? "" : "it cannot be opened alone: " + fault;
@@ -537,13 +399,12 @@ class Lister {
 
     std::string whyUsed(const ListedDisk& disk, const ListedArray* array) {
         const std::string folder = block(disk.name);
-        if (const auto found = uses_.find(disk.name); found != uses_.end()) {
-            return found->second;
+        if (std::string why = devices_.useOf(disk.name); !why.empty()) {
+            return why;
         }
-        if (const auto found = partitions_.find(disk.name);
-            found != partitions_.end() && !found->second.empty()) {
-            return "it has partitions (" + found->second[0] +
-                   (found->second.size() > 1 ? ", ..)" : ")");
+        const std::vector<std::string>& partitions = devices_.partitionsOf(disk.name);
+        if (!partitions.empty()) {
+            return "it has partitions (" + partitions[0] + (partitions.size() > 1 ? ", ..)" : ")");
         }
         if (array != nullptr) {
             return "member of the md array " + (array->name.empty() ? array->node : array->name) +
@@ -613,11 +474,7 @@ class Lister {
 
     const DiskScan& scan_;
     DiskFiles& files_;
-    std::vector<std::string> names_;
-    std::map<std::string, std::vector<std::string>, std::less<>> partitions_;
-    std::map<std::string, std::string, std::less<>> wholeOf_; ///< of a partition
-    std::map<std::string, std::string, std::less<>> numbers_; ///< "8:16" -> "sdb"
-    std::map<std::string, std::string, std::less<>> uses_;
+    BlockDevices devices_;
     std::set<std::string, std::less<>> unreadable_;
     std::map<std::string, std::vector<std::string>, std::less<>> signatures_;
 };

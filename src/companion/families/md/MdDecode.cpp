@@ -127,6 +127,7 @@ LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
     volume.name = wishedName(array.name);
     volume.reportedLevel = array.level;
     volume.device = array.node.empty() ? "" : "/dev/" + array.node;
+    volume.uniqueId = array.uuid;
     const auto level =
         std::find_if(levelWords.begin(), levelWords.end(),
                      [&array](const LevelWord& word) { return word.word == array.level; });

@@ -806,6 +806,7 @@ class Decoder {
         tellUnknownWords(volume);
         volume.stripSizeBytes = sizeOf(told.at("Strip Size"));
         volume.device = told.at("OS Drive Name").toldText();
+        volume.uniqueId = told.at("SCSI NAA Id").toldText();
         volume.place.listing = part.listing;
         volume.place.line = lineOf(part.listing, "\"" + row.at("DG/VD").text() + "\"");
         readSpans(part, volume);

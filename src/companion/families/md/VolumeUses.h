@@ -1,0 +1,13 @@
+#pragma once
+
+#include "companion/facts/Facts.h"
+#include "companion/families/md/DiskFiles.h"
+
+namespace zolex::companion::md {
+
+/// Notes what this Linux uses the logical drives of a controller for. The device of one is found by
+/// its SCSI id; by the name that the utility tells only where one of the two tells no id. What is
+/// none of this system's devices is used for nothing.
+void noteUses(DiskFiles& files, const Roots& roots, Facts& facts);
+
+} // namespace zolex::companion::md
