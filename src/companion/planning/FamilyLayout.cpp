@@ -89,7 +89,6 @@ class LayoutMaker {
         readSettings();
         makeVolumes();
         coverBySpares();
-        tellIdle();
         return std::move(findings_);
     }
 
@@ -861,37 +860,6 @@ class LayoutMaker {
                      (limits_.mixesMedia || facts.mediaType == own.mediaType);
         }
         return isOfUse && isLike && own.capacityBytes.value_or(0) >= smallest;
-    }
-
-    /// Good drives that get no job, and JBOD drives, which nobody may take for free ones.
-    void tellIdle() {
-        std::vector<std::string> idle;
-        for (const MachineDrive* const drive : drives_.all()) {
-            if (!isJobless(*drive)) {
-                continue;
-            }
-            idle.push_back(drive->facts.location);
-        }
-        if (!idle.empty() && !planning_.arrays.empty()) {
-            Finding finding;
-            finding.code = "ZX712";
-            finding.severity = Severity::note;
-            finding.summary = joinWords(idle) + (idle.size() == 1 ? " gets" : " get") + " no job";
-            add(std::move(finding), nullptr);
-        }
-    }
-
-    [[nodiscard]] bool isJobless(const MachineDrive& drive) const {
-        const std::string& location = drive.facts.location;
-        const bool isMember = std::any_of(
-            planning_.arrays.begin(), planning_.arrays.end(), [&](const PlannedArray& array) {
-                return std::any_of(array.drives.begin(), array.drives.end(),
-                                   [&](const auto& each) { return each.location == location; });
-            });
-        const bool isSpare =
-            std::any_of(planning_.spares.begin(), planning_.spares.end(),
-                        [&](const PlannedSpare& spare) { return spare.location == location; });
-        return !isMember && !isSpare && drives_.isGood(drive);
     }
 
     const FamilyCase& planned_;

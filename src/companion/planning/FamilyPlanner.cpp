@@ -2,24 +2,24 @@
 
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
+#include "companion/lint/Entries.h"
 #include "companion/planning/FamilyLayout.h"
 #include "companion/planning/FamilySteps.h"
 #include "companion/planning/HealthyView.h"
+#include "companion/planning/HurtArrays.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Warnings.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <set>
 #include <utility>
 
 namespace zolex::companion {
 
 namespace {
-
-bool isHurt(const DriveFacts& drive) {
-    return drive.state == DriveState::failed || drive.state == DriveState::missing ||
-           drive.state == DriveState::rebuilding;
-}
 
 /// Whether what is lost may not be listed.
 bool isDoubtful(const Finding& finding) {
@@ -40,6 +40,25 @@ void refuse(ControllerPlanning& planning) {
     planning.disposition = Disposition::refused;
     planning.steps.clear();
     planning.losses.clear();
+}
+
+/// The drives that have a job when the plan is carried out; with `keeps` those that do one as well
+/// as the planned drives stay at it.
+std::set<std::string> usedDrives(const ControllerPlanning& planning, bool keeps) {
+    const Comparison& comparison = planning.comparison;
+    std::set<std::string> used;
+    for (std::size_t i = 0; i < planning.after.groups.size(); ++i) {
+        const bool stands = keeps && i < comparison.groups.size() && comparison.groups[i].isWhole;
+        const std::vector<std::string> drives =
+            stands ? planning.before.groups.at(*comparison.groups[i].captured).drives()
+                   : planning.after.groups[i].drives();
+        used.insert(drives.begin(), drives.end());
+    }
+    for (std::size_t i = 0; i < planning.after.spares.size(); ++i) {
+        const bool stands = keeps && i < comparison.spares.size() && !comparison.spares[i].empty();
+        used.insert(stands ? comparison.spares[i] : planning.after.spares[i].location);
+    }
+    return used;
 }
 
 } // namespace
@@ -147,6 +166,7 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
     const bool mayStand = isTrusted && request_.strategy != StrategyWish::rebuild;
     const bool hasHurt =
         std::any_of(detail.facts.drives.begin(), detail.facts.drives.end(), isHurt);
+    std::string whyNotBeside;
     for (const bool failedMembersStay : {true, false}) {
         if (failedMembersStay && (!hasHurt || !mayStand)) {
             continue;
@@ -169,17 +189,48 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
                 finding.severity = std::min(finding.severity, Severity::warning);
                 planning.warnings.push_back(std::move(finding));
             }
+            tellIdle(planning);
             for (Finding& finding : planWarnings(planning)) {
                 planning.warnings.push_back(std::move(finding));
             }
             return planning;
         }
-        if (!failedMembersStay) {
-            take(found);
-            finish(planning, std::move(found.findings));
+        if (failedMembersStay) {
+            whyNotBeside = hasErrors(found.findings) ? "" : whyHurtArraysGo(planning, found);
+            if (hasErrors(found.findings) || !whyNotBeside.empty()) {
+                continue;
+            }
         }
+        for (Finding& finding : found.findings) {
+            if (finding.code == "ZX702" && !whyNotBeside.empty()) {
+                finding.help.push_back("the array could stay beside other changes, but " +
+                                       whyNotBeside);
+            }
+        }
+        take(found);
+        finish(planning, std::move(found.findings));
+        if (planning.disposition == Disposition::planned) {
+            std::vector<Finding> kept = hurtArrayWarnings(planning);
+            std::move(kept.begin(), kept.end(), std::back_inserter(planning.warnings));
+        }
+        return planning;
     }
     return planning;
+}
+
+std::string FamilyPlanner::whyHurtArraysGo(ControllerPlanning planning,
+                                           const Attempt& found) const {
+    planning.arrays = found.planning.arrays;
+    planning.volumes = found.planning.volumes;
+    planning.spares = found.planning.spares;
+    planning.after = found.planning.after;
+    planning.comparison = found.planning.comparison;
+    makeFamilySteps(*findFamily(planning.controller.utility), request_.strategy, planning);
+    std::string why =
+        whyHurtArraysChange(planning, chooseStrategy(abilitiesOf(planning.controller.utility),
+                                                     request_.strategy, planning));
+    return why.empty() && hasErrors(planning.diagnostics) ? planning.diagnostics.front().summary
+                                                          : why;
 }
 
 FamilyPlanner::Attempt FamilyPlanner::attempt(const ControllerSnapshot& detail, std::size_t policy,
@@ -236,9 +287,38 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
         refuse(planning);
         return;
     }
+    tellIdle(planning);
     for (Finding& finding : planWarnings(planning)) {
         planning.warnings.push_back(std::move(finding));
     }
+}
+
+void FamilyPlanner::tellIdle(ControllerPlanning& planning) const {
+    constexpr std::size_t mostNamed = 16;
+    const Family& family = *findFamily(planning.controller.utility);
+    const std::set<std::string> used =
+        usedDrives(planning, request_.strategy != StrategyWish::rebuild);
+    std::vector<std::string> idle;
+    for (const MachineDrive& drive : planning.controller.drives) {
+        if (!used.contains(drive.facts.location) && family.whyNotUsable(drive.facts).empty()) {
+            idle.push_back(drive.facts.location);
+        }
+    }
+    if (idle.empty() || planning.after.groups.empty()) {
+        return;
+    }
+    Finding finding;
+    finding.code = "ZX712";
+    finding.severity = Severity::note;
+    finding.summary =
+        countOf(idle.size(), "drive") + (idle.size() == 1 ? " gets" : " get") + " no job: ";
+    for (std::size_t i = 0; i < std::min(idle.size(), mostNamed); ++i) {
+        finding.summary += (i == 0 ? "" : ", ") + idle[i];
+    }
+    if (idle.size() > mostNamed) {
+        finding.summary += " and " + std::to_string(idle.size() - mostNamed) + " more";
+    }
+    planning.warnings.push_back(std::move(finding));
 }
 
 } // namespace zolex::companion
