@@ -78,6 +78,9 @@ class Writer {
         }
         const std::string indent(headIndent, ' ');
         out_ += emphasized(name, Emphasis::heading, style_);
+        if (name.size() + columnsOf(first.front()) > width_) {
+            first.front() = foldedWords(first.front(), name.size(), headIndent, width_);
+        }
         out_ += emphasized(foldedText(first, "  ", name.size(), headIndent, width_), Emphasis::bold,
                            style_) +
                 "\n";
@@ -110,10 +113,14 @@ class Writer {
         bool manufacturers = true; ///< before the models
         bool models = true;        ///< else the ends of the serial numbers alone
         bool states = true;
+        bool drives = true;         ///< models and serial numbers
         std::size_t columns = 1000; ///< of drives and of states
     };
 
     [[nodiscard]] static std::string driveName(const DriveFacts& facts, const Brevity& brevity) {
+        if (!brevity.drives) {
+            return {};
+        }
         const bool bare = !brevity.manufacturers && !facts.model.empty();
         std::string model = bare ? printable(facts.model) : modelOf(facts);
         std::string serial = printable(lastCharacters(facts.serialNumber, 4));
@@ -141,7 +148,7 @@ class Writer {
             table.add({{"no", Emphasis::dim, true},
                        {"location", Emphasis::dim},
                        {"size", Emphasis::dim, true},
-                       {"drive", Emphasis::dim},
+                       {brevity.drives ? "drive" : "", Emphasis::dim},
                        {brevity.states ? "state" : "", Emphasis::dim},
                        {"in", Emphasis::dim}});
             for (const DriveRow::Slot& slot : row.slots) {
@@ -224,6 +231,10 @@ class Writer {
         }
         if (!fits()) {
             brevity.states = false;
+            make();
+        }
+        if (!fits()) {
+            brevity.drives = false;
             make();
         }
     }
@@ -442,7 +453,9 @@ class Writer {
         std::vector<std::string> pieces;
         for (const TableCell& cell : cells) {
             if (!cell.text.empty()) {
-                pieces.push_back(emphasized(cell.text, cell.emphasis, style_));
+                pieces.push_back(
+                    emphasized(foldedWords(cell.text, layoutIndent, layoutIndent, width_),
+                               cell.emphasis, style_));
             }
         }
         return foldedText(pieces, "  ", layoutIndent, layoutIndent, width_) + "\n";

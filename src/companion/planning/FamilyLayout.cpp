@@ -18,6 +18,8 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
+#include <string_view>
 #include <utility>
 
 namespace zolex::companion {
@@ -162,8 +164,9 @@ class LayoutMaker {
         }
         switch (drive.facts.state) {
         case DriveState::jbod:
-            return "making it good loses its data; should that be meant: " +
-                   planned_.family.makeGood(planned_.detail.adapter, drive.facts);
+            return "take it out of the policy; or make it good, which loses all that is on it: " +
+                   typedLine(planned_.family, planned_.detail,
+                             planned_.family.makeGood(planned_.detail.adapter, drive.facts));
         case DriveState::failed:
         case DriveState::missing:
             return "replace the drive, or take it out of the policy";
@@ -878,6 +881,19 @@ class LayoutMaker {
 };
 
 } // namespace
+
+std::string typedLine(const Family& family, const ControllerSnapshot& controller,
+                      std::string line) {
+    const std::span<const std::string_view> programs = family.programs();
+    const bool isPerc = controller.model.starts_with("PERC");
+    const auto own = std::find_if(programs.begin(), programs.end(), [&](std::string_view program) {
+        return program.starts_with("perc") == isPerc;
+    });
+    if (own != programs.end() && line.starts_with(family.name())) {
+        line.replace(0, family.name().size(), *own);
+    }
+    return line;
+}
 
 std::vector<Finding> fillFamilyLayout(const FamilyCase& planned, ControllerPlanning& planning) {
     return LayoutMaker(planned, planning).make();

@@ -1,5 +1,6 @@
 #include "companion/planning/FamilyPlanner.h"
 
+#include "companion/families/CacheCodes.h"
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/lint/Entries.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -25,6 +27,10 @@ namespace {
 bool isDoubtful(const Finding& finding) {
     return finding.code == problem::brokenBlock || finding.code == family_code::notWhole ||
            finding.code == family_code::noDetails;
+}
+
+bool makesVolume(const PlanStep& step) {
+    return step.action == "create-array" || step.action == "create-logical-drive";
 }
 
 /// Its place among the controllers of its family, from 1.
@@ -94,11 +100,16 @@ bool hasNothingToUse(const Family& family, const Facts& facts) {
 }
 
 /// Why, of the first drive; and how many there are.
-std::string whyNotUsed(const Family& family, const Facts& facts) {
-    const DriveFacts& first = facts.drives.front();
-    const std::size_t others = facts.drives.size() - 1;
+std::string whyNotUsed(const Family& family, const ControllerSnapshot& detail) {
+    const DriveFacts& first = detail.facts.drives.front();
+    const std::size_t others = detail.facts.drives.size() - 1;
+    const std::string toUse =
+        first.state == DriveState::jbod
+            ? typedLine(family, detail, family.makeGood(detail.adapter, first))
+            : std::string();
     return first.location + ": " + family.whyNotUsable(first) +
-           (others == 0 ? "" : ", and " + std::to_string(others) + " more");
+           (others == 0 ? "" : ", and " + std::to_string(others) + " more") +
+           (toUse.empty() ? "" : "; to make it good, which loses all that is on it: " + toUse);
 }
 
 } // namespace
@@ -174,8 +185,7 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
         Attempt found = attempt(detail, *match.index, failedMembersStay);
         if (mayStand && found.stands() && hasNothingToUse(*family, detail.facts)) {
             planning.disposition = Disposition::skipped;
-            planning.because =
-                "none of its drives can be used: " + whyNotUsed(*family, detail.facts);
+            planning.because = "none of its drives can be used: " + whyNotUsed(*family, detail);
             return planning;
         }
         if (mayStand && found.stands()) {
@@ -267,7 +277,12 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
     planning.disposition = Disposition::planned;
     const bool isPlanned = !hasErrors(found);
     refuseMisread(planning.controller.findings);
+    std::optional<Finding> keptCache;
     for (const Finding& finding : planning.controller.findings) {
+        if (finding.code == family_code::cachePreserved) {
+            keptCache = finding;
+            continue;
+        }
         found.push_back(finding);
         if (isDoubtful(finding)) {
             found.back().severity = Severity::error; // what is lost may not be listed
@@ -282,6 +297,13 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
             std::make_move_iterator(planning.diagnostics.end()));
         planning.diagnostics.resize(told);
         refusals_.sort(std::move(ofSteps), planning);
+    }
+    if (keptCache) {
+        if (std::any_of(planning.steps.begin(), planning.steps.end(), makesVolume)) {
+            keptCache->severity = Severity::error;
+            keptCache->refusedBy = RefusedBy::utility;
+        }
+        refusals_.sort({std::move(*keptCache)}, planning);
     }
     if (hasErrors(planning.diagnostics)) {
         refuse(planning);

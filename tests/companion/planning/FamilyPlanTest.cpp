@@ -16,6 +16,17 @@ std::string custom(const std::string& entries) {
     return policy("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\nArray_Defaults = 0%:0\n" + entries);
 }
 
+std::string warningsOf(const MachinePlan& plan) {
+    std::string text;
+    for (const Finding& finding : plan.controllers.front().warnings) {
+        text += finding.code + ": " + finding.summary + "\n";
+        for (const std::string& help : finding.help) {
+            text += "  help: " + help + "\n";
+        }
+    }
+    return text;
+}
+
 TEST(FamilyPlan, AutomaticAsOnTheSeven) {
     FamilyServer server;
     server.addDrives(8);
@@ -52,7 +63,8 @@ TEST(FamilyPlan, WithoutADriveThatCanBeUsedNothingIsAsThePolicySays) {
     EXPECT_EQ(
         planLines(server.plan(policy(""))),
         "skipped: none of its drives can be used: 252:0: it is a JBOD drive: the system has it "
-        "as it is, and 1 more\n");
+        "as it is, and 1 more; to make it good, which loses all that is on it: perccli64 "
+        "/c0/e252/s0 set good force\n");
 }
 
 TEST(FamilyPlan, APairThatMayNameTwoDrivesIsRefused) {
@@ -331,6 +343,34 @@ TEST(FamilyPlan, ForeignDrivesOnlyWhereTheyAreNamed) {
               "STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n");
 }
 
+TEST(FamilyPlan, APreservedCacheRefusesWhatMakesALogicalDriveAndNothingElse) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    Finding kept;
+    kept.code = "ZP145";
+    kept.severity = Severity::warning;
+    kept.summary = "kept";
+    kept.help = {"see"};
+    server.controller().findings.push_back(kept);
+    const std::string array = "Array.A = 1,2\nLogical.1 = A:FILL:1\n";
+    EXPECT_EQ(planLines(server.plan(custom(array + "Array.B = 3,4\nLogical.2 = B:FILL:1\n"))),
+              "refused: kept\n"
+              "error ZP145: kept\n"
+              "  help: see\n");
+    const MachinePlan spare = server.plan(custom(array + "Hotspares = 4\n"));
+    EXPECT_EQ(planLines(spare), "planned\n"
+                                "RAID1 fill: 252:0 252:1\n"
+                                "hot spare: 252:3\n"
+                                "STORCLI /c0/e252/s3 add hotsparedrive J nolog\n");
+    EXPECT_EQ(warningsOf(spare), "ZP145: kept\n  help: see\n"
+                                 "ZX712: 1 drive gets no job: 252:2\n");
+    const MachinePlan same = server.plan(custom(array));
+    EXPECT_EQ(dispositionWord(same.controllers.front().disposition), "already");
+    EXPECT_EQ(warningsOf(same), "ZP145: kept\n  help: see\n"
+                                "ZX712: 2 drives get no job: 252:2, 252:3\n");
+}
+
 TEST(FamilyPlan, DrivesThatCannotBeUsed) {
     FamilyServer server;
     server.addDrives(3);
@@ -338,17 +378,16 @@ TEST(FamilyPlan, DrivesThatCannotBeUsed) {
     server.driveAt(0).reportedState = "JBOD";
     server.driveAt(1).state = DriveState::failed;
     server.driveAt(1).reportedState = "UBad";
-    EXPECT_EQ(
-        planLines(server.plan(custom("Array.A = 1,2,3,9\nLogical.1 = A:FILL:5\n"))),
-        "refused: Array.A names 252:0: it is a JBOD drive: the system has it as it is, and 2 "
-        "more faults\n"
-        "error ZX702: Array.A names 252:0: it is a JBOD drive: the system has it as it is\n"
-        "  help: making it good loses its data; should that be meant: STORCLI /c0/e252/s0 set "
-        "good force\n"
-        "error ZX702: Array.A names 252:1: it is UBad, which is no good drive\n"
-        "  help: replace the drive, or take it out of the policy\n"
-        "error ZX304: there is no drive 9: the controller has 3 drives\n"
-        "  help: zolexctl show lists the drives, their numbers and places\n");
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,2,3,9\nLogical.1 = A:FILL:5\n"))),
+              "refused: Array.A names 252:0: it is a JBOD drive: the system has it as it is, and 2 "
+              "more faults\n"
+              "error ZX702: Array.A names 252:0: it is a JBOD drive: the system has it as it is\n"
+              "  help: take it out of the policy; or make it good, which loses all that is on it: "
+              "perccli64 /c0/e252/s0 set good force\n"
+              "error ZX702: Array.A names 252:1: it is UBad, which is no good drive\n"
+              "  help: replace the drive, or take it out of the policy\n"
+              "error ZX304: there is no drive 9: the controller has 3 drives\n"
+              "  help: zolexctl show lists the drives, their numbers and places\n");
 }
 
 TEST(FamilyPlan, UnlikeDrivesInAnArray) {
@@ -426,17 +465,6 @@ FamilyServer hurtServer(DriveState state = DriveState::failed) {
     server.driveAt(1).reportedState = state == DriveState::rebuilding ? "Rbld" : "Offln";
     server.driveAt(1).health = state == DriveState::rebuilding ? Health::warning : Health::critical;
     return server;
-}
-
-std::string warningsOf(const MachinePlan& plan) {
-    std::string text;
-    for (const Finding& finding : plan.controllers.front().warnings) {
-        text += finding.code + ": " + finding.summary + "\n";
-        for (const std::string& help : finding.help) {
-            text += "  help: " + help + "\n";
-        }
-    }
-    return text;
 }
 
 const std::string keptAndAnother = "Array.A = 1,2,3\nArray.B = 5,6\nLogical.1 = A:FILL:5\n"
