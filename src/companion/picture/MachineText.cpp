@@ -1,5 +1,6 @@
 #include "companion/picture/MachineText.h"
 
+#include "companion/families/CacheCodes.h"
 #include "companion/picture/Roles.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
@@ -63,6 +64,15 @@ class Writer {
         out_ += emphasized(std::string(sign) + folded, emphasis, style_) + "\n";
     }
 
+    /// Pieces that no line holds are folded at their blanks.
+    void foldLong(std::vector<std::string>& pieces, std::size_t first) const {
+        for (std::string& piece : pieces) {
+            if (first + columnsOf(piece) > width_) {
+                piece = foldedWords(piece, first, headIndent, width_);
+            }
+        }
+    }
+
     void head() {
         const std::string name = "Controller " + std::to_string(controller_.number) + "  ";
         std::vector<std::string> first{productText(controller_)};
@@ -78,9 +88,8 @@ class Writer {
         }
         const std::string indent(headIndent, ' ');
         out_ += emphasized(name, Emphasis::heading, style_);
-        if (name.size() + columnsOf(first.front()) > width_) {
-            first.front() = foldedWords(first.front(), name.size(), headIndent, width_);
-        }
+        foldLong(first, name.size());
+        foldLong(second, headIndent);
         out_ += emphasized(foldedText(first, "  ", name.size(), headIndent, width_), Emphasis::bold,
                            style_) +
                 "\n";
@@ -248,8 +257,10 @@ class Writer {
         if (verbose_ && !finding.detail.empty()) {
             line("    ", printable(finding.detail), Emphasis::plain);
         }
+        // What keeps a controller from being configured is told with what helps.
+        const bool isBar = finding.code == family_code::cachePreserved;
         for (const std::string& help : finding.help) {
-            if (verbose_ || controller_.failed) {
+            if (verbose_ || controller_.failed || isBar) {
                 line("    help: ", printable(help), Emphasis::dim);
             }
         }

@@ -130,10 +130,14 @@ std::string foldedCommand(std::string_view command, std::size_t indent, std::siz
     std::string text;
     std::size_t column = 0;
     bool isWordStart = true;
+    bool isFolded = false; // the word, behind its commas
     while (!command.empty()) {
         const std::size_t end = std::min(command.find(' '), command.size());
         const std::size_t comma = command.find(',');
-        const bool isLong = columnsOf(command.substr(0, end)) + indent > width && comma < end;
+        if (isWordStart) {
+            isFolded = columnsOf(command.substr(0, end)) + indent > width;
+        }
+        const bool isLong = isFolded && comma < end;
         const std::string_view piece = command.substr(0, isLong ? comma + 1 : end);
         const bool hasBlank = isWordStart && !text.empty();
         if (!text.empty() && column + (hasBlank ? 1 : 0) + columnsOf(piece) > width) {

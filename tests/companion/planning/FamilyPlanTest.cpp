@@ -357,7 +357,9 @@ TEST(FamilyPlan, APreservedCacheRefusesWhatMakesALogicalDriveAndNothingElse) {
     EXPECT_EQ(planLines(server.plan(custom(array + "Array.B = 3,4\nLogical.2 = B:FILL:1\n"))),
               "refused: kept\n"
               "error ZP145: kept\n"
-              "  help: see\n");
+              "  help: see\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID1 fill: 252:2 252:3\n");
     const MachinePlan spare = server.plan(custom(array + "Hotspares = 4\n"));
     EXPECT_EQ(planLines(spare), "planned\n"
                                 "RAID1 fill: 252:0 252:1\n"
