@@ -72,7 +72,8 @@ TEST(MachineText, ANarrowTerminalGetsNarrowLines) {
 Controller 1  LSI MegaRAID SAS 8480E
               (LSI-MegaRAID-8480)
               serial 1122334455
-              PCI 02:0e.0 1000:0411 1000:1002
+              PCI 02:0e.0 1000:0411
+              1000:1002
               firmware 1.11.50-0300
               levels 0 1 5 6 10 50 60,
               strip 8-1024 KB,
