@@ -51,6 +51,13 @@ std::string stateWords(const MachineDrive& drive) {
                                              : "is " + drive.facts.reportedState;
 }
 
+/// Whether nothing that stands is made of the drive; what is there may be a hot spare.
+bool isFreeNow(const Candidate& candidate) {
+    const DriveFacts& facts = candidate.drive->facts;
+    return candidate.drive->array.empty() &&
+           (facts.state == DriveState::free || facts.state == DriveState::hotspare);
+}
+
 /// The drives of a controller, and to which entry each has gone.
 class DrivePool {
   public:
@@ -489,13 +496,15 @@ class Chooser {
         }
         const KindFileEntry& entry = *section_.sparesEntry;
         if (best == nullptr) {
+            std::vector<Candidate> freeNow;
+            std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(freeNow),
+                         isFreeNow);
             addAtValue(entry,
                        std::to_string(count) + (count == 1 ? " hot spare" : " hot spares") +
                            " for " + arrayWords(letters) + " " + (count == 1 ? "is" : "are") +
                            " wanted, " + needWords(need) +
                            (found == 0 ? "" : "; found so far: " + std::to_string(found)) +
-                           "; free " +
-                           (candidates.empty() ? "is none" : "are " + driveList(candidates)),
+                           "; free " + (freeNow.empty() ? "is none" : "are " + driveList(freeNow)),
                        need.kinds.size() > 1
                            ? "write a number for each kind: 1 covering A and 1 covering B"
                            : "take fewer drives into the arrays, or fewer hot spares");

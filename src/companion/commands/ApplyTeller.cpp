@@ -371,7 +371,10 @@ void ApplyTeller::stepLine(std::int32_t number, const std::string& state, Emphas
     const std::size_t room = width > endColumns ? width - endColumns : width;
     constexpr std::size_t stateRoom = 6;
     const std::size_t used = columnsOf(state);
-    write(padded(cut(stepText(number), room - 2), room) +
+    constexpr std::size_t behindNumber = 6;
+    std::string text = foldedWords(stepText(number), 0, behindNumber, room - 2);
+    const std::size_t last = text.rfind('\n') + 1; // 0 where there is one line
+    write(text.substr(0, last) + padded(text.substr(last), room) +
           std::string(used < stateRoom ? stateRoom - used : 0, ' ') +
           emphasized(state, emphasis, context_.style) + "  " + rest + "\n");
 }

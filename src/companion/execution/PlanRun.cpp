@@ -3,6 +3,7 @@
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/Foreseen.h"
 #include "companion/execution/RunCodes.h"
+#include "companion/families/storcli/Errors.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Steps.h"
@@ -54,6 +55,15 @@ FamilyVerdict verdictOf(const std::string& command, const ChildResult& result) {
         return verdict;
     }
     return family->judge(command, result.exitCode, result.output);
+}
+
+/// What an exit code of MEGACLI is: the code of the firmware, as STORCLI has it. Null where the
+/// utility says in words what it is, and of other utilities.
+const storcli::ErrorRow* firmwareError(const std::string& utility, const ChildResult& result) {
+    const bool isTold = text::containsNoCase(result.output, "description");
+    return utility == "MEGACLI" && !isTold
+               ? storcli::findError(static_cast<std::int32_t>(result.exitCode))
+               : nullptr;
 }
 
 /// Whether the verdict says in words what the output says in JSON.
@@ -443,9 +453,17 @@ void PlanRun::tellNotAccepted(ControllerProgress& progress, const PlanStep& step
     if (hasEnded(result)) {
         why = "exit code " + std::to_string(result.exitCode);
         why = verdict.why.empty() ? why : printable(verdict.why);
+        std::vector<std::string> helps = verdict.help;
+        if (const auto* const row = firmwareError(progress.planning->controller.utility, result)) {
+            why += ": " + std::string(row->text);
+            // What to type is of the other utility.
+            if (!row->help.empty() && row->code != storcli::cachePinned) {
+                helps.emplace_back(row->help);
+            }
+        }
         fault.code = run_problem::runStepRefused;
         fault.what = name + " was refused (" + why + "): " + printable(step.summary);
-        for (const std::string& help : verdict.help) {
+        for (const std::string& help : helps) {
             fault.help.push_back(help);
             const std::size_t at = fault.help.back().find(policiesPlace);
             if (at != std::string::npos) {

@@ -1,5 +1,7 @@
 #include "companion/machine/ProblemCodes.h"
 
+#include "companion/families/CacheCodes.h"
+
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -167,6 +169,14 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "Drives of it are missing, so that it cannot be imported as it is. It is never taken, and only "
      "cleared with consent.",
      "look for its other drives before it is cleared"},
+    {family_code::cachePreserved, warning, "the cache keeps data of a logical drive",
+     "Drives of a logical drive went away while data for it was in the cache, which keeps it until "
+     "they are back or it is deleted. Until then the utility refuses to make a logical drive "
+     "(error 84). zolexctl never deletes it: it may be the only copy of what was written last.",
+     "Ask of which logical drive it is, bring its drives back, and let it be written:\n"
+     "  storcli64 /c0 show preservedcache\n"
+     "Deleting it loses that data for good:\n"
+     "  storcli64 /c0/v239 delete preservedcache"},
     {family_code::notDriven, warning, "a RAID controller that zolexctl does not drive",
      "It is as it was: nothing of it is shown, planned or changed.",
      "configure it with its own utility"},

@@ -1,5 +1,6 @@
 #include "companion/picture/MachineText.h"
 
+#include "companion/families/CacheCodes.h"
 #include "companion/picture/Roles.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"
@@ -57,6 +58,15 @@ class MachineWriter {
         out_ += emphasized(std::string(sign) + folded, emphasis, style_) + "\n";
     }
 
+    /// Pieces that no line holds are folded at their blanks.
+    void foldLong(std::vector<std::string>& pieces, std::size_t first) const {
+        for (std::string& piece : pieces) {
+            if (first + columnsOf(piece) > width_) {
+                piece = foldedWords(piece, first, headIndent, width_);
+            }
+        }
+    }
+
     void head() {
         const std::string name = "Controller " + std::to_string(controller_.number) + "  ";
         std::vector<std::string> first{productText(controller_)};
@@ -72,6 +82,8 @@ class MachineWriter {
         }
         const std::string indent(headIndent, ' ');
         out_ += emphasized(name, Emphasis::heading, style_);
+        foldLong(first, name.size());
+        foldLong(second, headIndent);
         out_ += emphasized(foldedText(first, "  ", name.size(), headIndent, width_), Emphasis::bold,
                            style_) +
                 "\n";
@@ -104,10 +116,14 @@ class MachineWriter {
         bool manufacturers = true; ///< before the models
         bool models = true;        ///< else the ends of the serial numbers alone
         bool states = true;
+        bool drives = true;         ///< models and serial numbers
         std::size_t columns = 1000; ///< of drives and of states
     };
 
     [[nodiscard]] static std::string driveName(const DriveFacts& facts, const Brevity& brevity) {
+        if (!brevity.drives) {
+            return {};
+        }
         const bool bare = !brevity.manufacturers && !facts.model.empty();
         std::string model = bare ? printable(facts.model) : modelOf(facts);
         std::string serial = printable(lastCharacters(facts.serialNumber, 4));
@@ -135,7 +151,7 @@ class MachineWriter {
             table.add({{"no", Emphasis::dim, true},
                        {"location", Emphasis::dim},
                        {"size", Emphasis::dim, true},
-                       {"drive", Emphasis::dim},
+                       {brevity.drives ? "drive" : "", Emphasis::dim},
                        {brevity.states ? "state" : "", Emphasis::dim},
                        {"in", Emphasis::dim}});
             for (const DriveRow::Slot& slot : row.slots) {
@@ -220,6 +236,10 @@ class MachineWriter {
             brevity.states = false;
             make();
         }
+        if (!fits()) {
+            brevity.drives = false;
+            make();
+        }
     }
 
     void finding(const Finding& finding) {
@@ -231,8 +251,10 @@ class MachineWriter {
         if (verbose_ && !finding.detail.empty()) {
             line("    ", printable(finding.detail), Emphasis::plain);
         }
+        // What keeps a controller from being configured is told with what helps.
+        const bool isBar = finding.code == family_code::cachePreserved;
         for (const std::string& help : finding.help) {
-            if (verbose_ || controller_.failed) {
+            if (verbose_ || controller_.failed || isBar) {
                 line("    help: ", printable(help), Emphasis::dim);
             }
         }
@@ -453,7 +475,9 @@ class MachineWriter {
         std::vector<std::string> pieces;
         for (const TableCell& cell : cells) {
             if (!cell.text.empty()) {
-                pieces.push_back(emphasized(cell.text, cell.emphasis, style_));
+                pieces.push_back(
+                    emphasized(foldedWords(cell.text, layoutIndent, layoutIndent, width_),
+                               cell.emphasis, style_));
             }
         }
         return foldedText(pieces, "  ", layoutIndent, layoutIndent, width_) + "\n";

@@ -1,5 +1,6 @@
 #include "companion/picture/PlanText.h"
 
+#include "companion/machine/ProblemCodes.h"
 #include "companion/picture/Changes.h"
 #include "companion/picture/Roles.h"
 #include "companion/picture/TextLines.h"
@@ -106,7 +107,13 @@ class ControllerWriter {
         if (planning_.disposition == Disposition::refused) {
             errors();
         }
+        const bool isTold =
+            std::any_of(planning_.warnings.begin(), planning_.warnings.end(),
+                        [](const Finding& each) { return each.code == problem::degraded; });
         for (const std::string& health : planning_.comparison.health) {
+            if (isTold) {
+                break;
+            }
             out_ += signedLine("  ! ", printable(health), Emphasis::warning, style_);
         }
         warnings(inOneLine);
@@ -842,14 +849,23 @@ class PlanTextWriter {
             }
             const std::string number = std::to_string(step.step);
             const std::string whole = printable(step.command);
-            const std::string shown = terms_.verbose ? whole : shortened(singleBlanks(whole), room);
+            const std::string folded =
+                terms_.verbose ? whole : foldedCommand(singleBlanks(whole), 2, room);
+            const std::string shown = folded.substr(0, folded.find('\n'));
+            const Emphasis emphasis = step.deletes ? Emphasis::bad : Emphasis::plain;
             out_ += std::string(lead - 1 - number.size(), ' ') + number + " " +
-                    emphasized(shown, step.deletes ? Emphasis::bad : Emphasis::plain, style_);
+                    emphasized(shown, emphasis, style_);
             if (const std::string time = usualTime(step); !time.empty()) {
                 const std::size_t used = std::min(columnsOf(shown), room);
                 out_ += std::string(room - used + 1 + timeColumns - time.size(), ' ') + time;
             }
             out_ += "\n";
+            for (std::size_t at = shown.size(); at < folded.size();) {
+                const std::size_t end = std::min(folded.find('\n', at + 1), folded.size());
+                out_ += std::string(lead, ' ') +
+                        emphasized(folded.substr(at + 1, end - at - 1), emphasis, style_) + "\n";
+                at = end;
+            }
             if (terms_.verbose) {
                 const std::string blanks(lead + 2, ' ');
                 out_ += signedLine(blanks, printable(step.summary), Emphasis::dim, style_);

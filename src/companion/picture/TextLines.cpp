@@ -126,6 +126,36 @@ std::string signedLine(std::string_view sign, std::string_view text, Emphasis em
            "\n";
 }
 
+std::string foldedCommand(std::string_view command, std::size_t indent, std::size_t width) {
+    std::string text;
+    std::size_t column = 0;
+    bool isWordStart = true;
+    bool isFolded = false; // the word, behind its commas
+    while (!command.empty()) {
+        const std::size_t end = std::min(command.find(' '), command.size());
+        const std::size_t comma = command.find(',');
+        if (isWordStart) {
+            isFolded = columnsOf(command.substr(0, end)) + indent > width;
+        }
+        const bool isLong = isFolded && comma < end;
+        const std::string_view piece = command.substr(0, isLong ? comma + 1 : end);
+        const bool hasBlank = isWordStart && !text.empty();
+        if (!text.empty() && column + (hasBlank ? 1 : 0) + columnsOf(piece) > width) {
+            text += "\n" + std::string(indent, ' ');
+            column = indent;
+        } else if (hasBlank) {
+            text += ' ';
+            ++column;
+        }
+        text += piece;
+        column += columnsOf(piece);
+        command.remove_prefix(piece.size());
+        isWordStart = !command.empty() && command.front() == ' ';
+        command.remove_prefix(isWordStart ? 1 : 0);
+    }
+    return text;
+}
+
 std::string findingLine(const Finding& finding, std::size_t indent, const TextStyle& style) {
     const bool isNote = finding.severity == Severity::note;
     std::string text = printable(finding.summary);

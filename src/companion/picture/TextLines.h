@@ -27,6 +27,11 @@ struct FieldLine {
 [[nodiscard]] std::string signedLine(std::string_view sign, std::string_view text,
                                      Emphasis emphasis, const TextStyle& style);
 
+/// A command line, folded at its blanks; a word that no line holds (a long list of drives) is
+/// folded behind its commas, too. The lines from the second on are indented.
+[[nodiscard]] std::string foldedCommand(std::string_view command, std::size_t indent,
+                                        std::size_t width);
+
 /// A finding as a line behind "! ", with its code and, below, what helps.
 [[nodiscard]] std::string findingLine(const Finding& finding, std::size_t indent,
                                       const TextStyle& style);

@@ -20,6 +20,8 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
+#include <string_view>
 #include <utility>
 
 namespace zolex::companion {
@@ -77,7 +79,6 @@ class LayoutMaker {
         readSettings();
         makeVolumes();
         coverBySpares();
-        tellIdle();
         return std::move(findings_);
     }
 
@@ -151,8 +152,9 @@ class LayoutMaker {
         }
         switch (drive.facts.state) {
         case DriveState::jbod:
-            return "making it good loses its data; should that be meant: " +
-                   planned_.family.makeGood(planned_.detail.adapter, drive.facts);
+            return "take it out of the policy; or make it good, which loses all that is on it: " +
+                   typedLine(planned_.family, planned_.detail,
+                             planned_.family.makeGood(planned_.detail.adapter, drive.facts));
         case DriveState::failed:
         case DriveState::missing:
             return "replace the drive, or take it out of the policy";
@@ -851,37 +853,6 @@ class LayoutMaker {
         return isOfUse && isLike && own.capacityBytes.value_or(0) >= smallest;
     }
 
-    /// Good drives that get no job, and JBOD drives, which nobody may take for free ones.
-    void tellIdle() {
-        std::vector<std::string> idle;
-        for (const MachineDrive* const drive : drives_.all()) {
-            if (!isJobless(*drive)) {
-                continue;
-            }
-            idle.push_back(drive->facts.location);
-        }
-        if (!idle.empty() && !planning_.arrays.empty()) {
-            Finding finding;
-            finding.code = "ZX712";
-            finding.severity = Severity::note;
-            finding.summary = joinWords(idle) + (idle.size() == 1 ? " gets" : " get") + " no job";
-            add(std::move(finding), nullptr);
-        }
-    }
-
-    [[nodiscard]] bool isJobless(const MachineDrive& drive) const {
-        const std::string& location = drive.facts.location;
-        const bool isMember = std::any_of(
-            planning_.arrays.begin(), planning_.arrays.end(), [&](const PlannedArray& array) {
-                return std::any_of(array.drives.begin(), array.drives.end(),
-                                   [&](const auto& each) { return each.location == location; });
-            });
-        const bool isSpare =
-            std::any_of(planning_.spares.begin(), planning_.spares.end(),
-                        [&](const PlannedSpare& spare) { return spare.location == location; });
-        return !isMember && !isSpare && drives_.isGood(drive);
-    }
-
     const FamilyCase& planned_;
     ControllerPlanning& planning_;
     const PolicyView& view_;
@@ -898,6 +869,19 @@ class LayoutMaker {
 };
 
 } // namespace
+
+std::string typedLine(const Family& family, const ControllerSnapshot& controller,
+                      std::string line) {
+    const std::span<const std::string_view> programs = family.programs();
+    const bool isPerc = controller.model.starts_with("PERC");
+    const auto own = std::find_if(programs.begin(), programs.end(), [&](std::string_view program) {
+        return program.starts_with("perc") == isPerc;
+    });
+    if (own != programs.end() && line.starts_with(family.name())) {
+        line.replace(0, family.name().size(), *own);
+    }
+    return line;
+}
 
 std::vector<Finding> fillFamilyLayout(const FamilyCase& planned, ControllerPlanning& planning) {
     return LayoutMaker(planned, planning).make();

@@ -22,6 +22,11 @@ struct FamilyCase {
     bool failedMembersStay = false; ///< as in BindingTerms
 };
 
+/// A command line of the family as somebody types it: "perccli64 /c0/e252/s3 set good force". The
+/// program is the one that the maker of the controller calls so.
+[[nodiscard]] std::string typedLine(const Family& family, const ControllerSnapshot& controller,
+                                    std::string line);
+
 /// Fills arrays, volumes, spares, settings and bindings of the planning, each with its reason.
 /// Without errors among what is returned it has a layout.
 [[nodiscard]] std::vector<Finding> fillFamilyLayout(const FamilyCase& planned,

@@ -1,15 +1,22 @@
 #include "companion/planning/FamilyPlanner.h"
 
+#include "companion/families/CacheCodes.h"
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
+#include "companion/lint/Entries.h"
 #include "companion/planning/FamilyLayout.h"
 #include "companion/planning/FamilySteps.h"
 #include "companion/planning/HealthyView.h"
+#include "companion/planning/HurtArrays.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Warnings.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <set>
 #include <utility>
 
 namespace zolex::companion {
@@ -20,6 +27,10 @@ namespace {
 bool hidesLosses(const Finding& finding) {
     return finding.code == problem::brokenBlock || finding.code == family_code::notWhole ||
            finding.code == family_code::noDetails;
+}
+
+bool makesVolume(const PlanStep& step) {
+    return step.action == "create-array" || step.action == "create-logical-drive";
 }
 
 /// Its place among the controllers of its family, from 1.
@@ -35,6 +46,25 @@ void refuse(ControllerPlanning& planning) {
     planning.disposition = Disposition::refused;
     planning.steps.clear();
     planning.losses.clear();
+}
+
+/// The drives that have a job when the plan is carried out; with `keeps` those that do one as well
+/// as the planned drives stay at it.
+std::set<std::string> usedDrives(const ControllerPlanning& planning, bool keeps) {
+    const Comparison& comparison = planning.comparison;
+    std::set<std::string> used;
+    for (std::size_t i = 0; i < planning.after.groups.size(); ++i) {
+        const bool stands = keeps && i < comparison.groups.size() && comparison.groups[i].isWhole;
+        const std::vector<std::string> drives =
+            stands ? planning.before.groups.at(*comparison.groups[i].captured).drives()
+                   : planning.after.groups[i].drives();
+        used.insert(drives.begin(), drives.end());
+    }
+    for (std::size_t i = 0; i < planning.after.spares.size(); ++i) {
+        const bool stands = keeps && i < comparison.spares.size() && !comparison.spares[i].empty();
+        used.insert(stands ? comparison.spares[i] : planning.after.spares[i].location);
+    }
+    return used;
 }
 
 } // namespace
@@ -70,11 +100,16 @@ bool hasNothingToUse(const Family& family, const Facts& facts) {
 }
 
 /// Why, of the first drive; and how many there are.
-std::string whyNotUsed(const Family& family, const Facts& facts) {
-    const DriveFacts& first = facts.drives.front();
-    const std::size_t others = facts.drives.size() - 1;
+std::string whyNotUsed(const Family& family, const ControllerSnapshot& detail) {
+    const DriveFacts& first = detail.facts.drives.front();
+    const std::size_t others = detail.facts.drives.size() - 1;
+    const std::string toUse =
+        first.state == DriveState::jbod
+            ? typedLine(family, detail, family.makeGood(detail.adapter, first))
+            : std::string();
     return first.location + ": " + family.whyNotUsable(first) +
-           (others == 0 ? "" : ", and " + std::to_string(others) + " more");
+           (others == 0 ? "" : ", and " + std::to_string(others) + " more") +
+           (toUse.empty() ? "" : "; to make it good, which loses all that is on it: " + toUse);
 }
 
 } // namespace
@@ -142,6 +177,7 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
     const bool mayStand = isTrusted && request_.strategy != StrategyWish::rebuild;
     const bool hasHurt =
         std::any_of(detail.facts.drives.begin(), detail.facts.drives.end(), isHurt);
+    std::string whyNotBeside;
     for (const bool failedMembersStay : {true, false}) {
         if (failedMembersStay && (!hasHurt || !mayStand)) {
             continue;
@@ -149,8 +185,7 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
         Attempt found = attempt(detail, *match.index, failedMembersStay);
         if (mayStand && found.stands() && hasNothingToUse(*family, detail.facts)) {
             planning.disposition = Disposition::skipped;
-            planning.because =
-                "none of its drives can be used: " + whyNotUsed(*family, detail.facts);
+            planning.because = "none of its drives can be used: " + whyNotUsed(*family, detail);
             return planning;
         }
         if (mayStand && found.stands()) {
@@ -164,17 +199,48 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
                 finding.severity = std::min(finding.severity, Severity::warning);
                 planning.warnings.push_back(std::move(finding));
             }
+            tellIdle(planning);
             for (Finding& finding : planWarnings(planning)) {
                 planning.warnings.push_back(std::move(finding));
             }
             return planning;
         }
-        if (!failedMembersStay) {
-            take(found);
-            finish(planning, std::move(found.findings));
+        if (failedMembersStay) {
+            whyNotBeside = hasErrors(found.findings) ? "" : whyHurtArraysGo(planning, found);
+            if (hasErrors(found.findings) || !whyNotBeside.empty()) {
+                continue;
+            }
         }
+        for (Finding& finding : found.findings) {
+            if (finding.code == "ZX702" && !whyNotBeside.empty()) {
+                finding.help.push_back("the array could stay beside other changes, but " +
+                                       whyNotBeside);
+            }
+        }
+        take(found);
+        finish(planning, std::move(found.findings));
+        if (planning.disposition == Disposition::planned) {
+            std::vector<Finding> kept = hurtArrayWarnings(planning);
+            std::move(kept.begin(), kept.end(), std::back_inserter(planning.warnings));
+        }
+        return planning;
     }
     return planning;
+}
+
+std::string FamilyPlanner::whyHurtArraysGo(ControllerPlanning planning,
+                                           const Attempt& found) const {
+    planning.arrays = found.planning.arrays;
+    planning.volumes = found.planning.volumes;
+    planning.spares = found.planning.spares;
+    planning.after = found.planning.after;
+    planning.comparison = found.planning.comparison;
+    makeFamilySteps(*findFamily(planning.controller.utility), request_.strategy, planning);
+    std::string why =
+        whyHurtArraysChange(planning, chooseStrategy(abilitiesOf(planning.controller.utility),
+                                                     request_.strategy, planning));
+    return why.empty() && hasErrors(planning.diagnostics) ? planning.diagnostics.front().summary
+                                                          : why;
 }
 
 FamilyPlanner::Attempt FamilyPlanner::attempt(const ControllerSnapshot& detail, std::size_t policy,
@@ -211,7 +277,12 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
     planning.disposition = Disposition::planned;
     const bool isPlanned = !hasErrors(found);
     refuseMisread(planning.controller.findings);
+    std::optional<Finding> keptCache;
     for (const Finding& finding : planning.controller.findings) {
+        if (finding.code == family_code::cachePreserved) {
+            keptCache = finding;
+            continue;
+        }
         found.push_back(finding);
         if (hidesLosses(finding)) {
             found.back().severity = Severity::error; // what is lost may not be listed
@@ -227,13 +298,49 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
         planning.diagnostics.resize(told);
         refusals_.sort(std::move(ofSteps), planning);
     }
+    if (keptCache) {
+        if (std::any_of(planning.steps.begin(), planning.steps.end(), makesVolume)) {
+            keptCache->severity = Severity::error;
+            keptCache->refusedBy = RefusedBy::utility;
+        }
+        refusals_.sort({std::move(*keptCache)}, planning);
+    }
     if (hasErrors(planning.diagnostics)) {
         refuse(planning);
         return;
     }
+    tellIdle(planning);
     for (Finding& finding : planWarnings(planning)) {
         planning.warnings.push_back(std::move(finding));
     }
+}
+
+void FamilyPlanner::tellIdle(ControllerPlanning& planning) const {
+    constexpr std::size_t mostNamed = 16;
+    const Family& family = *findFamily(planning.controller.utility);
+    const std::set<std::string> used =
+        usedDrives(planning, request_.strategy != StrategyWish::rebuild);
+    std::vector<std::string> idle;
+    for (const MachineDrive& drive : planning.controller.drives) {
+        if (!used.contains(drive.facts.location) && family.whyNotUsable(drive.facts).empty()) {
+            idle.push_back(drive.facts.location);
+        }
+    }
+    if (idle.empty() || planning.after.groups.empty()) {
+        return;
+    }
+    Finding finding;
+    finding.code = "ZX712";
+    finding.severity = Severity::note;
+    finding.summary =
+        countOf(idle.size(), "drive") + (idle.size() == 1 ? " gets" : " get") + " no job: ";
+    for (std::size_t i = 0; i < std::min(idle.size(), mostNamed); ++i) {
+        finding.summary += (i == 0 ? "" : ", ") + idle[i];
+    }
+    if (idle.size() > mostNamed) {
+        finding.summary += " and " + std::to_string(idle.size() - mostNamed) + " more";
+    }
+    planning.warnings.push_back(std::move(finding));
 }
 
 } // namespace zolex::companion

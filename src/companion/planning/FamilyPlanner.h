@@ -7,6 +7,7 @@
 #include "companion/planning/Refusals.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace zolex::companion {
@@ -26,6 +27,12 @@ class FamilyPlanner {
 
     [[nodiscard]] Attempt attempt(const ControllerSnapshot& detail, std::size_t policy,
                                   bool failedMembersStay) const;
+    /// Why arrays that are not well do not stay as they are when the attempt is carried out; empty
+    /// when they do.
+    [[nodiscard]] std::string whyHurtArraysGo(ControllerPlanning planning,
+                                              const Attempt& found) const;
+    /// Tells of good drives that get no job, once it is known which of equal ones do the work.
+    void tellIdle(ControllerPlanning& planning) const;
     void finish(ControllerPlanning& planning, std::vector<Finding> found);
 
     const Snapshot& snapshot_;

@@ -377,6 +377,28 @@ TEST(DoesNotBind, TooFewSpares) {
 )");
 }
 
+TEST(DoesNotBind, MembersAreNoFreeDrives) {
+    const std::string members = R"({"level": "RAID1", "spans": [["32:2", "32:3"]]})";
+    const std::string drives = R"({"enclosure": 32, "slot": 0, "count": 4, "sizeMB": 69376},
+                                  {"enclosure": 32, "slot": 4, "sizeMB": 34176})";
+    const std::string entries = "Drives.A = 2 x >50GB\n"
+                                "Spares = 3 covering A\n";
+    EXPECT_EQ(
+        boundTold(boundTo(capturedKinds(kindServer(drives, members)), entries)),
+        R"(4:10-22 ZX313 Spares: 3 hot spares for A are wanted, SAS HDD of 67.8 GB or more; found so far: 2; free are 32:4 (33.4 GB)
+  help: take fewer drives into the arrays, or fewer hot spares
+)");
+    EXPECT_EQ(
+        boundTold(boundTo(capturedKinds(kindServer(
+                              R"({"enclosure": 32, "slot": 0, "count": 2, "sizeMB": 69376},
+                                 {"enclosure": 32, "slot": 2, "count": 2, "sizeMB": 34176})",
+                              members)),
+                          "Drives.A = 2 x >50GB\nSpares = 1\n")),
+        R"(4:10-11 ZX313 Spares: 1 hot spare for A is wanted, SAS HDD of 67.8 GB or more; free is none
+  help: take fewer drives into the arrays, or fewer hot spares
+)");
+}
+
 TEST(DoesNotBind, NoLevel) {
     EXPECT_EQ(
         told("Drives.A = 2 x SSD\n"

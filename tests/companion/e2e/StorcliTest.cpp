@@ -106,7 +106,8 @@ Journal    plan.journal.jsonl
 
 [1/4] create A: RAID1 on 252:0 252:1                        ok  exit 0 N s
 [2/4] create B: RAID5 on 62:0 62:1 62:2 62:3                ok  exit 0 N s
-[3/4] create Logical.3 on B: RAID5 on 62:0 62:1 62:...      ok  exit 0 N s
+[3/4] create Logical.3 on B: RAID5 on 62:0 62:1 62:2
+      62:3                                                  ok  exit 0 N s
 [4/4] make 62:11 a spare                                    ok  exit 0 N s
 Verified   captured again: 3 logical drives, 1 spare, as planned
 Certificate c.json   sha256 HASH

@@ -368,6 +368,24 @@ TEST_F(Apply, UtilityLiesOfWhatIsLost) {
                     "still there: LD 0");
 }
 
+TEST_F(Apply, ACodeOfTheFirmwareIsSaidInWords) {
+    const auto refusal = [this](int code, const char* output) {
+        refuseLines("-CfgLdAdd R1", code, output);
+        Lines lines = endLines(bench_.apply());
+        bench_.server.platform.server.faults.clear();
+        std::erase_if(lines, [](const std::string& line) {
+            return !line.starts_with("4: ") && !line.starts_with("help: ");
+        });
+        lines.resize(std::min(lines.size(), std::size_t{2}));
+        return lines;
+    };
+    planOverTwoArrays();
+    EXPECT_EQ(refusal(13, "Exit Code: 0x0d\n"),
+              (Lines{"4: step 4 of 4 was refused (exit code 13: the drives are too small): create "
+                     "B: RAID1 on 32:3 32:4",
+                     "help: plan for what is there: zolexctl plan site.ini"}));
+}
+
 TEST_F(Apply, UtilityRefuses) {
     planOverTwoArrays();
     refuseLines("-CfgLdAdd R1", 38, "FW error description:\n  The drive is not free.\n");

@@ -86,8 +86,8 @@ TEST_F(StorcliDangers, APlanHoldsForWhatItWasMadeFor) {
               Lines{"controller 1: drive 252:12: serial number OTHER in the place of serial number "
                     "ZM000012"});
     EXPECT_EQ(refusedAfter([&] { drive(12).state = DriveState::jbod; }),
-              (Lines{"controller 1: drive 252:12 is not to be used now: needs `set good force`, "
-                     "which loses its data",
+              (Lines{"controller 1: drive 252:12 is not to be used now: it is a JBOD drive: "
+                     "the system has it as it is",
                      "controller 1: drive 252:12 is shown to the system (JBOD), it was good"}));
     EXPECT_EQ(refusedAfter([&] { drive(12).state = DriveState::bad; }),
               Lines{"controller 1: drive 252:12 is failed (UBad), it was good"});
@@ -262,8 +262,8 @@ TEST_F(StorcliDangers, ADriveThatTheSystemHasByNowIsLeftToIt) {
     drive(12).state = DriveState::jbod;
     EXPECT_EQ(endLines(bench_.resume()),
               (Lines{"3: drives are not those that were planned for",
-                     "  controller 1: drive 252:12 is not to be used now: needs `set good force`, "
-                     "which loses its data",
+                     "  controller 1: drive 252:12 is not to be used now: it is a JBOD drive: "
+                     "the system has it as it is",
                      "help: zolexctl plan site.ini plans from what is there",
                      "controller 1: failed step 2 of 6: stopped at this step"}));
     EXPECT_EQ(bench_.system.started, Lines{});

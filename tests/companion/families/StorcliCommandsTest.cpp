@@ -34,6 +34,21 @@ TEST(StorcliCommands, CreateWithAllGiven) {
               "drives=252:0,252:1,252:2,252:3 PDperArray=2 WB ra Strip=64 Spares=252:7 J nolog");
 }
 
+TEST(StorcliCommands, NamesHave15BytesAndNoQuotesOrBlanks) {
+    const auto named = [](const char* name) {
+        VolumeWish wish = wishOf("RAID1", {{"252:0", "252:1"}});
+        wish.name = name;
+        const std::string line = storcli::createVolume(0, wish);
+        const std::size_t begin = line.find("name=");
+        return begin == std::string::npos ? "" : line.substr(begin, line.find(' ', begin) - begin);
+    };
+    EXPECT_EQ(named("123456789012345"), "name=123456789012345");
+    EXPECT_EQ(named("1234567890123456"), "name=123456789012345");
+    EXPECT_EQ(named("a \"b\" 'c',d"), "name=a__b___c__d");
+    EXPECT_EQ(named("\xc3\xbc-12345678901234"), "name=__-123456789012"); // bytes, not letters
+    EXPECT_EQ(named(""), "");
+}
+
 TEST(StorcliCommands, SpansAreAlwaysToldWhereALevelHasThem) {
     for (const char* const level : {"RAID00", "RAID10", "RAID50", "RAID60"}) {
         const std::string line =

@@ -9,7 +9,7 @@ using namespace test; // NOLINT: the words of these tests
 
 const std::string ssd = " \"ATA\" \"NVS960-D\" N101 SATA SSD 959656755200 of 512 ";
 const std::string hdd = " \"NORVIK\" \"NV8000SAS12\" N101 SAS HDD 8001524072448 of 512 ";
-const std::string needsForce = " barred: needs `set good force`, which loses its data";
+const std::string needsForce = " barred: it is a JBOD drive: the system has it as it is";
 
 TEST(StorcliReading, TheDrivesOfAServer) {
     const Lines wanted = {

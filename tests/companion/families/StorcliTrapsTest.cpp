@@ -1,5 +1,6 @@
 // What listings do to whoever reads them in a hurry, one by one.
 
+#include "companion/families/FamilyCodes.h"
 #include "companion/families/StorcliListings.h"
 #include "companion/families/storcli/StorcliWords.h"
 #include "companion/families/storcli/ToldValue.h"
@@ -479,6 +480,39 @@ TEST(StorcliTraps, ATruncatedAnswerIsNoListing) {
               Lines({"ZP130 STORCLI /c0 show all J nolog answers with JSON that is not whole"}));
 }
 
+TEST(StorcliTraps, ACutListOfVolumesSaysWhatToLookAt) {
+    ListedController server;
+    std::string& output = server.answers.at("STORCLI /c0/vall show all J").output;
+    output.resize(output.size() / 2);
+    const FamilyController controller = server.controller();
+    const auto found = std::find_if(
+        controller.findings.begin(), controller.findings.end(),
+        [](const FamilyFinding& finding) { return finding.code == family_code::noDetails; });
+    ASSERT_NE(found, controller.findings.end()) << controller.findings.size();
+    EXPECT_EQ(found->help, Lines({"see whether the utility's answer ends in the middle, and "
+                                  "capture again: storcli64 /c0/vall show all J"}));
+}
+
+TEST(StorcliTraps, APreservedCacheIsTold) {
+    ListedController server;
+    EXPECT_EQ(server.controller().findings.size(), 0U);
+    server.edit(all, "\"Any Offline VD Cache Preserved\" : \"No\"",
+                "\"Any Offline VD Cache Preserved\" : \"Yes\"");
+    FamilyController controller = server.controller();
+    ASSERT_EQ(findingsOf(controller.findings),
+              Lines({"ZP145 the cache keeps data that could not be written to a logical drive: no "
+                     "other can be made until it is"}));
+    EXPECT_EQ(controller.findings.front().help,
+              Lines({"see of which: storcli64 /c0 show preservedcache",
+                     "bring its drives back, and the data is written; or delete it, and it is "
+                     "lost: storcli64 /c0/vN delete preservedcache"}));
+    EXPECT_FALSE(controller.failed);
+    server.edit(all, "\"Model\" : \"MegaRAID N3916-16i 8GB\"", "\"Model\" : \"PERC N745 Front\"");
+    controller = server.controller();
+    EXPECT_EQ(controller.findings.front().help.front(),
+              "see of which: perccli64 /c0 show preservedcache");
+}
+
 TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {
     ListedController server;
     server.refusesNoLog = true;
@@ -625,6 +659,21 @@ TEST(StorcliTraps, ForeignListsOfLaterVersions) {
               Lines({"incomplete: drives of it are missing"}));
     EXPECT_EQ(findingsOf(controller.findings),
               Lines({"ZP138 a foreign configuration is incomplete: drives of it are missing"}));
+}
+
+TEST(StorcliTraps, TwoForeignSetsAreTold) {
+    ListedController server;
+    const std::string& output = server.answers.at("STORCLI /c0/fall show J").output;
+    const std::size_t begin = output.find('{', output.find("\"FOREIGN CONFIGURATION\""));
+    const std::size_t end = output.find('}', begin) + 1;
+    ASSERT_LT(begin, end);
+    const std::string row = output.substr(begin, end - begin);
+    std::string second = replaced(row, "RAID0", "RAID5");
+    second = replaced(second, "\"DG\" : 0", "\"DG\" : 1");
+    server.edit("/c0/fall show J", row, row + ", " + second);
+    EXPECT_EQ(server.controller().facts.foreignConfigurations,
+              Lines({"DG 0: RAID0, 7.277 TB, 1 logical drive",
+                     "DG 1: RAID5, 7.277 TB, 1 logical drive"}));
 }
 
 TEST(StorcliTraps, JsonThatIsNoneEndsInNoException) {

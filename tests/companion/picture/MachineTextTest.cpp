@@ -68,9 +68,11 @@ TEST(MachineText, ANarrowTerminalGetsNarrowLines) {
     Snapshot snapshot = exampleSnapshot();
     const std::string text = machineText(snapshot, {false, 44}, false);
     EXPECT_EQ(text, R"(Machine 8837, serial KQ10Z7V
-Controller 1  LSI MegaRAID SAS 8480E (LSI-MegaRAID-8480)
+Controller 1  LSI MegaRAID SAS 8480E
+              (LSI-MegaRAID-8480)
               serial 1122334455
-              PCI 02:0e.0 1000:0411 1000:1002
+              PCI 02:0e.0 1000:0411
+              1000:1002
               firmware 1.11.50-0300
               levels 0 1 5 6 10 50 60,
               strip 8-1024 KB,
@@ -99,6 +101,27 @@ Controller 1  LSI MegaRAID SAS 8480E (LSI-MegaRAID-8480)
   *  32:6       1 hot spare, 67.8 GB
   .  32:7       1 free drive, 67.8 GB
 )");
+}
+
+TEST(MachineText, TheWidestDrivesFitIntoTheNarrowestTerminal) {
+    Snapshot snapshot = exampleSnapshot();
+    ControllerSnapshot& controller = snapshot.details.front();
+    std::int32_t slot = 200;
+    for (MachineDrive& drive : controller.drives) {
+        drive.facts.location = "65535:" + std::to_string(slot++);
+        drive.facts.state = DriveState::foreign;
+        drive.facts.capacityBytes = std::uint64_t{893} << 30U;
+        drive.array.clear();
+    }
+    controller.arrays.clear();
+    controller.facts.logicalDrives.clear();
+    const std::string text = machineText(snapshot, {false, 40}, false);
+    EXPECT_NE(text.find("no  location       size  in\n"), std::string::npos) << text;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = text.find('\n', at);
+        EXPECT_LE(columnsOf(text.substr(at, end - at)), 40U) << text.substr(at, end - at);
+        at = end + 1;
+    }
 }
 
 TEST(MachineText, ColoursMarkWhatIsBroken) {

@@ -1,6 +1,7 @@
 #include "companion/picture/PlanText.h"
 
 #include "companion/picture/PlainStyle.h"
+#include "companion/picture/TextLines.h"
 #include "companion/support/ExamplePlan.h"
 
 #include <gtest/gtest.h>
@@ -218,7 +219,8 @@ Controller 1  LSI-MegaRAID-8480  serial 1122334455  PCI 02:0e.0
 
 Commands (3)
   1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0
-  2 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ] WB ADRA -strps...
+  2 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ] WB ADRA -strpsz
+      64 -a0
   3 UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0
 
 Rehearsed on a virtual copy of this machine in 1 ms: ends as planned; each of
@@ -329,7 +331,8 @@ Controller 3  as the policy says (equivalent: the spare is 32:3 instead of 32:7)
 Commands (4)
   1 UTIL.BAT CFGGEN 0 CLEAR
   2 UTIL.BAT CFGGEN 0 CREATE IM MAX 32:0 32:1 qsync NOPROMPT
-  3 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ] WB ADRA -strps...
+  3 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ] WB ADRA -strpsz
+      64 -a0
   4 UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0
   Pauses before the commands take 30 s in all.
 
@@ -356,6 +359,24 @@ To agree to exactly this, and carry it out:
   zolexctl apply plan.json --destroy 7Q4K-2M9D --allow-skipped
 2 logical drives to create, 2 to destroy, 1 spare.
 )");
+}
+
+TEST(PlanText, CommandsAreFoldedAndNeverCut) {
+    const std::string drives = "drives=252:0,252:1,252:2,252:3,252:4,252:5";
+    EXPECT_EQ(foldedCommand("STORCLI /c0 add vd r6 " + drives + " WB J nolog", 2, 36),
+              "STORCLI /c0 add vd r6 drives=252:0,\n"
+              "  252:1,252:2,252:3,252:4,252:5 WB J\n"
+              "  nolog");
+    EXPECT_EQ(foldedCommand("STORCLI /c0 add vd r6 " + drives + " WB J nolog", 2, 46),
+              "STORCLI /c0 add vd r6\n"
+              "  drives=252:0,252:1,252:2,252:3,252:4,252:5\n"
+              "  WB J nolog");
+    EXPECT_EQ(foldedCommand("STORCLI /c0 " + drives, 2, 20), "STORCLI /c0\n"
+                                                             "  drives=252:0,\n"
+                                                             "  252:1,252:2,252:3,\n"
+                                                             "  252:4,252:5");
+    EXPECT_EQ(foldedCommand("short", 2, 40), "short");
+    EXPECT_EQ(foldedCommand("", 2, 40), "");
 }
 
 TEST(PlanText, ANarrowTerminalGetsNarrowLines) {
@@ -400,8 +421,11 @@ Controller 1  LSI-MegaRAID-8480
 
 Commands (3)
   1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0
-  2 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 3...
-  3 UTIL.BAT MEGACLI -PDHSP { -Set } ...
+  2 UTIL.BAT MEGACLI -CfgLdAdd R5 [
+      32:2,32:3,32:4,32:5,32:6 ] WB ADRA
+      -strpsz 64 -a0
+  3 UTIL.BAT MEGACLI -PDHSP { -Set }
+      -PhysDrv[ 32:7 ] -a0
 
 Rehearsed on a virtual copy of this
 machine in 1 ms: ends as planned; each
@@ -679,7 +703,8 @@ Controller 1  LSI-MegaRAID-8480  serial 1122334455  PCI 02:0e.0
 
 Commands (3)                                                          usual time
   1 UTIL.BAT MEGACLI -CfgLdDel -L1 -a0                                      12 s
-  2 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ] WB ...       12 s
+  2 UTIL.BAT MEGACLI -CfgLdAdd R5 [ 32:2,32:3,32:4,32:5,32:6 ] WB           12 s
+      ADRA -strpsz 64 -a0
   3 UTIL.BAT MEGACLI -PDHSP { -Set } -PhysDrv[ 32:7 ] -a0                   12 s
 
 Rehearsed on a virtual copy of this machine in 1 ms: ends as planned; each of

@@ -164,7 +164,14 @@ TEST(StorcliRehearsal, OfACacheThatIsPinnedSaysSo) {
                                                    R"({"enclosure": 252, "slot": 0, "count": 2,
                                            "sectors": 41943040})"));
     const Snapshot snapshot = server.snapshot();
-    MachinePlan plan = server.plan(policy("Array_Defaults = 0%:0\n"));
+    PlanRequest request;
+    request.policiesFile = "site.ini";
+    request.policiesText = policy("Array_Defaults = 0%:0\n");
+    EXPECT_EQ(test::faultsOf(planMachine(snapshot, request)),
+              (Lines{"ZP145 the cache keeps data that could not be written to a logical drive: no "
+                     "other can be made until it is"}));
+    request.accept = {"ZP145"};
+    MachinePlan plan = planMachine(snapshot, request);
     ASSERT_EQ(test::faultsOf(plan), Lines{});
     rehearse(snapshot, plan, false);
     ASSERT_EQ(plan.controllers.front().diagnostics.size(), 1U);

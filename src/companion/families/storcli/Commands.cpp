@@ -78,6 +78,12 @@ std::string nameOf(const std::string& name) {
 
 } // namespace
 
+std::string typed(const Facts& controller, std::string_view words) {
+    const std::string program =
+        controller.productName.starts_with("PERC") ? "perccli64 " : "storcli64 ";
+    return program + std::string(words);
+}
+
 std::string drivePath(std::int32_t adapter, std::string_view location) {
     const std::size_t colon = location.find(':');
     const std::string_view enclosure = location.substr(0, colon == std::string::npos ? 0 : colon);

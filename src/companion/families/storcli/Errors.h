@@ -9,6 +9,9 @@
 /// What a changing command of STORCLI came to.
 namespace zolex::companion::storcli {
 
+/// The cache keeps data of a logical drive that is not there.
+inline constexpr std::int32_t cachePinned = 84;
+
 /// An error that a command of ours can end in.
 struct ErrorRow {
     std::int32_t code = 0;

@@ -1,7 +1,9 @@
 #include "companion/families/storcli/StorcliDecode.h"
 
 #include "companion/facts/FactValues.h"
+#include "companion/families/CacheCodes.h"
 #include "companion/families/FamilyCodes.h"
+#include "companion/families/storcli/Commands.h"
 #include "companion/families/storcli/StorcliWords.h"
 #include "companion/families/storcli/ToldValue.h"
 #include "companion/text/Terminal.h"
@@ -185,9 +187,15 @@ class Decoder {
     }
 
   private:
-    void find(std::string_view code, std::string summary, std::string detail = {}) {
+    void find(std::string_view code, std::string summary, std::string detail = {},
+              std::vector<std::string> help = {}) {
         controller_.findings.push_back(
-            {std::string(code), std::move(summary), std::move(detail), {}});
+            {std::string(code), std::move(summary), std::move(detail), std::move(help)});
+    }
+
+    /// Words behind the controller's path, as somebody types them.
+    [[nodiscard]] std::string typed(const std::string& words) const {
+        return storcli::typed(facts_, "/c" + std::to_string(controller_.adapter) + words);
     }
 
     void readDocuments() {
@@ -277,6 +285,7 @@ class Decoder {
         facts_.biosVersion = version.atAny({"Bios Version", "BIOS Version"}).toldText();
         facts_.driverVersion = version.at("Driver Version").toldText();
         facts_.reportedState = all_->at("Status").at("Controller Status").toldText();
+        readPreservedCache();
         readFunction(basics);
         std::vector<std::string> lacking;
         for (const char* const section : {"Basics", "Version", "Bus", "Status", "Capabilities"}) {
@@ -473,7 +482,8 @@ class Decoder {
         if (!silent.empty()) {
             find(family_code::noDetails,
                  countOf(silent.size(), "drive tells", "drives tell") + " no details, and " +
-                     (silent.size() == 1 ? "is" : "are") + " not planned with: " + listOf(silent));
+                     (silent.size() == 1 ? "is" : "are") + " not planned with: " + listOf(silent),
+                 {}, {"see what the utility tells of them: " + typed("/eall/sall show all J")});
         }
     }
 
@@ -758,7 +768,10 @@ class Decoder {
         if (!silent.empty()) {
             find(family_code::noDetails,
                  countOf(silent.size(), "logical drive tells", "logical drives tell") +
-                     " no details: " + listOf(silent));
+                     " no details: " + listOf(silent),
+                 {},
+                 {"see whether the utility's answer ends in the middle, and capture again: " +
+                  typed("/vall show all J")});
         }
     }
 
@@ -909,6 +922,21 @@ class Decoder {
                                                "does not know: " +
                                                printable(word));
         }
+    }
+
+    /// As long as it is kept, the controller makes no logical drive.
+    void readPreservedCache() {
+        const ToldValue& status = all_->at("Status");
+        if (!status.at("Any Offline VD Cache Preserved").truth().value_or(false)) {
+            return;
+        }
+        find(family_code::cachePreserved,
+             "the cache keeps data that could not be written to a logical drive: no other can be "
+             "made until it is",
+             {},
+             {"see of which: " + typed(" show preservedcache"),
+              "bring its drives back, and the data is written; or delete it, and it is lost: " +
+                  typed("/vN delete preservedcache")});
     }
 
     /// A listing that tells fewer drives than it counts is none to plan by.

@@ -13,7 +13,7 @@ namespace zolex::companion {
 
 namespace {
 
-constexpr std::string_view losesData = "needs `set good force`, which loses its data";
+constexpr std::string_view losesData = "it is a JBOD drive: the system has it as it is";
 constexpr std::string_view unsupported = "the controller does not support it";
 constexpr std::string_view diagnosed = "the controller is diagnosing it";
 
