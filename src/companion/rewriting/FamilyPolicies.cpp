@@ -83,7 +83,7 @@ class Writer {
 
     /// A model whose text is no type goes by its family.
     [[nodiscard]] const std::string& typeOf() const {
-        return isFamilyType(details_.model) ? details_.model : details_.utility;
+        return isKnownFamilyType(details_.model) ? details_.model : details_.utility;
     }
 
     bool isSayable() {
