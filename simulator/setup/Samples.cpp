@@ -200,6 +200,8 @@ std::span<const Sample> samplesOfToday() {
 }
 
 const Sample* sampleNamed(std::string_view name) {
+    // It was misspelt; both names hold.
+    name = equalsIgnoringCase(name, "perccli") ? "percli" : name;
     for (const std::span<const Sample> list : {samples(), samplesOfToday()}) {
         for (const Sample& sample : list) {
             if (equalsIgnoringCase(sample.name, name)) {

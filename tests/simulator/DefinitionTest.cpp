@@ -20,6 +20,8 @@ TEST(Definition, SamplesAreSound) {
         EXPECT_EQ(sampleNamed(sample.name), &sample);
     }
     EXPECT_EQ(sampleNamed("none"), nullptr);
+    ASSERT_NE(sampleNamed("percli"), nullptr);
+    EXPECT_EQ(sampleNamed("perccli"), sampleNamed("percli"));
 }
 
 TEST(Definition, Defaults) {

@@ -10,6 +10,7 @@
 #include "companion/execution/AttachedProgram.h"
 #include "companion/execution/RunLocks.h"
 #include "companion/execution/SystemExecution.h"
+#include "companion/lint/Entries.h"
 #include "companion/machine/System.h"
 #include "companion/picture/Changes.h"
 #include "companion/text/Diagnostics.h"
@@ -184,6 +185,12 @@ class GuardCommand {
         snapshot_ = captureMachine(machine, requestOfZolex(context_, utilities));
         const Snapshot& snapshot = *snapshot_;
         if (snapshot.details.empty()) {
+            const std::string others = familyModels(machine, utilities);
+            if (!others.empty()) {
+                return failWith(context_,
+                                "zolex knows no RAID controller of this server: " + others,
+                                "zolexctl plan POLICIES, and then zolexctl apply PLAN");
+            }
             return failWith(context_, "no supported RAID controller was found",
                             "zolexctl doctor tells what is there");
         }
@@ -208,6 +215,19 @@ class GuardCommand {
         }
         tell();
         return exit_code::done;
+    }
+
+    /// The controllers that zolexctl alone drives, "PERC-H755-Front is driven by zolexctl alone";
+    /// empty: there is none.
+    std::string familyModels(Platform& machine, const Utilities& utilities) const {
+        const Snapshot whole = captureMachine(machine, captureRequest(context_, &utilities));
+        std::vector<std::string> models;
+        for (const ControllerSnapshot& each : whole.details) {
+            models.push_back(printable(each.model.empty() ? each.utility : each.model));
+        }
+        return models.empty() ? std::string()
+                              : joinWords(models, " and ") + (models.size() == 1 ? " is" : " are") +
+                                    " driven by zolexctl alone";
     }
 
     /// zolex knows no other names of utilities, and asks no firmware.

@@ -387,7 +387,7 @@ class IronicConverter {
 
     [[nodiscard]] std::string appliesToFamily(const ControllerSnapshot& details) const {
         const bool isAlone = request_.machine->count() == 1;
-        return "t:" + (isFamilyType(details.model) ? details.model : details.utility) +
+        return "t:" + (isKnownFamilyType(details.model) ? details.model : details.utility) +
                ",d:" + std::to_string(details.drives.size()) +
                (isAlone ? "" : ",c:" + std::to_string(details.number));
     }

@@ -1,5 +1,6 @@
 #include "companion/families/ModelTexts.h"
 
+#include "companion/text/NearestWord.h"
 #include "foundation/Text.h"
 #include "model/ControllerCatalogue.h"
 
@@ -14,13 +15,14 @@ namespace zolex::companion {
 namespace {
 
 // Families that zolexctl alone knows. The order does not matter.
-constexpr std::array<std::string_view, 8> familyNames = {
-    "STORCLI", "STORCLI2", "SSACLI", "SASIRCU", "MVCLI", "MD", "IMSM", "ARCCONF",
+constexpr std::array<std::string_view, 11> familyNames = {
+    "STORCLI", "STORCLI2", "SSACLI",   "SASIRCU",  "MVCLI",   "MD",
+    "IMSM",    "ARCCONF",  "SAS2IRCU", "SAS3IRCU", "MNV_CLI",
 };
-// How the texts of their models begin.
-constexpr std::array<std::string_view, 13> modelBeginnings = {
-    "LINUX-", "MegaRAID-",    "PERC-", "HPE-",  "AVAGO-", "Broadcom-",   "Lenovo-",
-    "PRAID-", "ThinkSystem-", "RAID-", "SAS39", "Cisco-", "Supermicro-",
+constexpr std::array<std::string_view, 15> beginnings = {
+    "AVAGO-",  "Broadcom-", "Cisco-",     "HPE-",        "INTEL-",
+    "Lenovo-", "LINUX-",    "MegaRAID-",  "PERC-",       "PRAID-",
+    "RAID-",   "SAS39",     "ServeRAID-", "Supermicro-", "ThinkSystem-",
 };
 
 bool isPlain(char letter) {
@@ -54,6 +56,47 @@ std::optional<std::uint16_t> hexadecimal(std::string_view text) {
                : std::optional(value);
 }
 
+/// Whether it is a name of zolex or of a family, mistyped.
+bool isMistyped(std::string_view value) {
+    constexpr std::size_t letters = 2;
+    const auto isNear = [value](std::string_view name) { return isNearWord(value, name, letters); };
+    if (std::any_of(familyNames.begin(), familyNames.end(), isNear)) {
+        return true;
+    }
+    PciRowCursor cursor;
+    for (PciRow row = cursor.nextPciRow(); row.type != -1; row = cursor.nextPciRow()) {
+        if (isNear(ControllerCatalogue::getControllerName(row.type, row.subtype).view())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Whether a utility may tell it of a model.
+bool mayBeTold(std::string_view value) {
+    constexpr std::size_t least = 4;
+    constexpr std::size_t most = 64;
+    const auto isDigit = [](char letter) { return letter >= '0' && letter <= '9'; };
+    return value.size() >= least && value.size() <= most && familyModelText(value) == value &&
+           std::any_of(value.begin(), value.end(), isDigit) &&
+           !std::all_of(value.begin(), value.end(),
+                        [&](char letter) { return isDigit(letter) || letter == '-'; }) &&
+           !isMistyped(value);
+}
+
+/// Whether it is the whole text of a model of a usual brand.
+bool isUsualModel(std::string_view value) {
+    return value.find('*') == std::string_view::npos &&
+           std::any_of(beginnings.begin(), beginnings.end(), [value](std::string_view row) {
+               return value.size() > row.size() && beginsWith(value, row);
+           });
+}
+
+/// Whether it ends with the only "*".
+bool isOpen(std::string_view value) {
+    return value.size() > 1 && value.find('*') == value.size() - 1 && isPlain(value.front());
+}
+
 /// Whether zolex knows a card of these ids by the name.
 bool isNameOfCard(std::string_view name, std::string_view pciIds) {
     const auto vendor = hexadecimal(text::token(pciIds, ":", 0));
@@ -80,16 +123,26 @@ bool isFamilyName(std::string_view value) {
 }
 
 bool isFamilyType(std::string_view value) {
+    return !ControllerCatalogue::isValidControllerName(value) &&
+           (isFamilyName(value) || isUsualModel(value) || isOpen(value) || mayBeTold(value));
+}
+
+bool isKnownFamilyType(std::string_view value) {
     if (ControllerCatalogue::isValidControllerName(value)) {
         return false;
     }
-    const bool isOpen = value.size() > 1 && value.find('*') == value.size() - 1;
-    const bool isModel =
-        value.find('*') == std::string_view::npos &&
-        std::any_of(modelBeginnings.begin(), modelBeginnings.end(), [value](std::string_view row) {
-            return value.size() > row.size() && beginsWith(value, row);
+    const std::string_view begin = value.substr(0, value.size() - (isOpen(value) ? 1 : 0));
+    const bool isUsualBegin =
+        isOpen(value) &&
+        std::any_of(beginnings.begin(), beginnings.end(), [begin](std::string_view row) {
+            const std::size_t size = std::min(row.size(), begin.size());
+            return beginsWith(begin, row.substr(0, size));
         });
-    return isFamilyName(value) || isModel || (isOpen && isPlain(value.front()));
+    return isFamilyName(value) || isUsualModel(value) || isUsualBegin;
+}
+
+std::span<const std::string_view> modelBeginnings() {
+    return beginnings;
 }
 
 std::string familyModelText(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -7,10 +8,20 @@
 /// ("t:PERC-H755-Front"), or how such texts begin ("t:PERC-H7*").
 namespace zolex::companion {
 
-/// Whether the value of a "t:" can only be meant for a controller of a family.
+/// Whether the value of a "t:" can only be meant for a controller of a family: the name of one, the
+/// beginning of a model's text, or a text that a utility may tell. Letters and digits both stand in
+/// such a text, and it is none that differs from a name of zolex or of a family as a mistyped one
+/// does.
 [[nodiscard]] bool isFamilyType(std::string_view value);
 
-/// Whether it is the name of a family, letter case ignored.
+/// Whether models are known to be called so: the name of a family, or a text that begins as those
+/// of the usual brands do.
+[[nodiscard]] bool isKnownFamilyType(std::string_view value);
+
+/// How the texts of the usual brands begin: "PERC-".
+[[nodiscard]] std::span<const std::string_view> modelBeginnings();
+
+/// Whether it is the name of a family, letter case ignored. Not each of them is driven.
 [[nodiscard]] bool isFamilyName(std::string_view value);
 
 /// A model's text with every run of other characters than letters and digits as one "-", and none

@@ -69,25 +69,6 @@ void checkStripeSize(const PolicyView& policy, FindingSink& sink) {
               placeOf(policy.entries.front()) + " does not say which models it is for"});
 }
 
-void checkModels(const PolicyDocument& document, FindingSink& sink) {
-    for (const PolicyView& policy : viewPolicies(document)) {
-        for (const EntryView& entry : policy.entries) {
-            if (policy.policy->isQuiet) {
-                break;
-            }
-            for (const Piece& field : fieldsOf(entry.entry->value, ',')) {
-                const bool isModel = field.text.size() > 2 && text::lower(field.text[0]) == 't' &&
-                                     field.text[1] == ':';
-                if (isModel && isLaterModel(field.text.substr(2))) {
-                    sink.add("ZX610", field,
-                             "zolex refuses this file: it does not know " + field.text,
-                             {"keep the policies for such controllers in a file of their own"});
-                }
-            }
-        }
-    }
-}
-
 } // namespace
 
 void checkLimitRules(const PolicyView& policy, FindingSink& sink) {
@@ -101,7 +82,6 @@ void checkGroup6(const PolicyDocument& document, FindingSink& sink) {
             checkLimitRules(policy, sink);
         }
     }
-    checkModels(document, sink);
 }
 
 } // namespace zolex::companion

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "companion/text/NearestWord.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// The keywords of policies, as the linter knows them.
 namespace zolex::companion {
@@ -21,9 +22,5 @@ namespace zolex::companion {
 [[nodiscard]] std::optional<std::string> nearestKeyword(std::string_view text);
 /// What can be said of an unknown keyword that is near none.
 [[nodiscard]] std::string keywordHelp(std::string_view keyword);
-
-/// The word of `words` that `text` is most like: at most a third of its letters differ.
-[[nodiscard]] std::optional<std::string> nearestWord(std::string_view text,
-                                                     const std::vector<std::string>& words);
 
 } // namespace zolex::companion

@@ -14,8 +14,8 @@ namespace {
 
 using GroupCheck = void (*)(const PolicyDocument&, FindingSink&);
 
-constexpr std::array<GroupCheck, 10> groupChecks = {
-    checkGroup1, checkSpecifiers, checkGroup2, checkGroup3,         checkGroup4,
+constexpr std::array<GroupCheck, 11> groupChecks = {
+    checkGroup1, checkSpecifiers, checkGroup2, checkFamilyTypes,    checkGroup3,      checkGroup4,
     checkGroup5, checkGroup6,     checkGroup9, checkUnusedKeywords, checkKindEntries,
 };
 
@@ -110,6 +110,9 @@ std::vector<Finding> lint(const PolicyDocument& document,
                           const std::vector<const Snapshot*>& machines,
                           const LintSelection& selection) {
     std::vector<Finding> findings = lintAll(document);
+    for (const Snapshot* const machine : machines) {
+        dropTypesOf(*machine, document, findings);
+    }
     FindingSink sink(document.file);
     checkGroup7(document, machines, sink);
     std::vector<Finding> more = sink.take();

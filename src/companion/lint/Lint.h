@@ -26,4 +26,8 @@ struct LintSelection {
                                         const std::vector<const Snapshot*>& machines,
                                         const LintSelection& selection);
 
+/// Takes out what is said of types (ZX208) that a controller of this machine has.
+void dropTypesOf(const Snapshot& machine, const PolicyDocument& document,
+                 std::vector<Finding>& findings);
+
 } // namespace zolex::companion

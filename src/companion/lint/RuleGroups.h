@@ -57,6 +57,8 @@ void checkKindEntries(const PolicyDocument& document, FindingSink& sink);
 /// A place of the document by its line and column.
 [[nodiscard]] TextPlace placeInLine(const PolicyDocument& document, std::int32_t line,
                                     std::int32_t column);
+/// ZX208 and ZX610, the types of controllers that zolex does not know.
+void checkFamilyTypes(const PolicyDocument& document, FindingSink& sink);
 /// ZX603, keywords that zolex never looks up.
 void checkUnusedKeywords(const PolicyDocument& document, FindingSink& sink);
 

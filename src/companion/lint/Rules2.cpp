@@ -14,7 +14,7 @@ constexpr auto zolex = RefusedBy::zolex;
 
 /// Group 2, how policies are matched, by id.
 // clang-format off
-constexpr std::array<Rule, 7> rows = {{
+constexpr std::array<Rule, 8> rows = {{
     {"ZX201", warning, nobody, "a policy that can never be used",
      "The first policy that matches a controller is used. Each controller that this one is for "
      "fits an earlier one already, so nothing that stands in it ever happens: the server gets "
@@ -51,6 +51,13 @@ constexpr std::array<Rule, 7> rows = {{
      "the run ends with exit code 0. One missing drive is enough where the policies ask for d:.",
      "End with a policy for the whole model, or leave it so and run zolex with /e1:\n"
      "  AppliesTo.1 = t:Kestrix-C7"},
+    {"ZX208", warning, nobody, "a type that no controller may have",
+     "t: names a family whose utility zolexctl does not drive yet, or a model that no usual brand "
+     "calls so. Controllers that the entry is meant for are skipped, and the run ends with exit "
+     "code 0. Nothing is said where the policy names a family, too, or where the machine that is "
+     "looked at has such a model.",
+     "Write the model as zolexctl show tells it, how it begins, or the family:\n"
+     "  AppliesTo.1 = t:PERC-H7*\n  AppliesTo.2 = t:STORCLI"},
 }};
 // clang-format on
 

@@ -1,5 +1,6 @@
 #include "companion/planning/Plan.h"
 
+#include "companion/lint/Lint.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/ControllerPlanner.h"
 #include "companion/planning/OldCommand.h"
@@ -67,6 +68,8 @@ MachinePlan planMachine(const Snapshot& snapshot, const PlanRequest& request,
     refusals.accept(plan.diagnostics);
 
     plan.policiesFindings = reading.findings;
+    dropTypesOf(snapshot, scanPolicies(request.policiesFile, request.policiesText),
+                plan.policiesFindings);
     refusals.accept(plan.policiesFindings);
     plan.policiesCount = reading.policies ? reading.policies->views.size() : 0;
 

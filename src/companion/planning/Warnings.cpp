@@ -154,10 +154,12 @@ void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findin
     }
     for (const std::string& line : planning.comparison.health) {
         const bool isRebuilding = line.find("rebuilding") != std::string::npos;
-        findings.push_back(
-            planWarning(problem::degraded, line,
-                        {isRebuilding ? "wait until it is rebuilt; the layout is as the policy says"
-                                      : "replace the drive; the layout is as the policy says"}));
+        const bool isStopped = line.find(" is stopped") != std::string::npos;
+        findings.push_back(planWarning(
+            problem::degraded, line,
+            {isStopped      ? "start it: mdadm --assemble --scan"
+             : isRebuilding ? "wait until it is rebuilt; the layout is as the policy says"
+                            : "replace the drive; the layout is as the policy says"}));
     }
 }
 

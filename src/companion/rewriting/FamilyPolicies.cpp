@@ -71,7 +71,7 @@ class FamilyPolicyWriter {
 
     /// A model whose text is no type goes by its family.
     [[nodiscard]] const std::string& typeOf() const {
-        return isFamilyType(details_.model) ? details_.model : details_.utility;
+        return isKnownFamilyType(details_.model) ? details_.model : details_.utility;
     }
 
     bool isSayable() {

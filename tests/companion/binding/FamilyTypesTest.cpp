@@ -12,13 +12,26 @@ TEST(FamilyTypes, ModelTexts) {
 }
 
 TEST(FamilyTypes, WhatAFamilyTypeIs) {
-    for (const char* const type : {"STORCLI", "storcli", "MD", "PERC-H755-Front", "PERC-H7*",
-                                   "MegaRAID-9560-8i-4GB", "X*"}) {
+    for (const char* const type :
+         {"STORCLI", "storcli", "MD", "PERC-H755-Front", "PERC-H7*", "MegaRAID-9560-8i-4GB", "X*",
+          "ServeRAID-M5210", "Megaware-9364-8i", "SSACLI"}) {
         EXPECT_TRUE(isFamilyType(type)) << type;
     }
     for (const char* const type :
-         {"LSI-MegaRAID-8480", "PERC-", "STORCLI3", "*", "A*B*", "PERC-H*5", ""}) {
+         {"LSI-MegaRAID-8480", "PERC-", "STORCLI3", "*", "A*B*", "PERC-H*5", "", "Something",
+          "9364", "LSI-MegaRAID-8481", "Megaware 9364"}) {
         EXPECT_FALSE(isFamilyType(type)) << type;
+    }
+}
+
+TEST(FamilyTypes, WhichAreKnown) {
+    for (const char* const type :
+         {"MD", "ssacli", "perc-h755-front", "PERC-*", "P*", "INTEL-RS3DC080", "Cisco-12G-SAS"}) {
+        EXPECT_TRUE(isKnownFamilyType(type)) << type;
+    }
+    for (const char* const type :
+         {"Megaware-9364-8i", "X*", "PERX-*", "*", "PERC-", "LSI-MegaRAID-8480", ""}) {
+        EXPECT_FALSE(isKnownFamilyType(type)) << type;
     }
 }
 

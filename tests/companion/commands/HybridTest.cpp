@@ -208,5 +208,17 @@ TEST(Hybrid, TheNextGenerationAloneIsAsNoController) {
     EXPECT_FALSE(hasAsked(platform, "storcli"));
 }
 
+TEST(Hybrid, GuardTellsOfControllersThatZolexDoesNotKnow) {
+    SimulatedPlatform platform("storcli");
+    platform.fileFake.files["./zolex"] = "";
+    GuardOptions options;
+    options.command = {"./zolex", "/r", "/y"};
+    const Ran ran = run(platform, [&](Context& context) { return guard(context, options); });
+    EXPECT_EQ(ran.code, exit_code::notPossible);
+    EXPECT_EQ(ran.error, "error: zolex knows no RAID controller of this server: "
+                         "MegaRAID-N3916-16i-8GB is driven by zolexctl alone\n"
+                         "  help: zolexctl plan POLICIES, and then zolexctl apply PLAN\n");
+}
+
 } // namespace
 } // namespace zolex::companion

@@ -564,6 +564,7 @@ TEST_F(MdTest, AnArrayStaysWhereADriveOfItServesSomethingElse) {
         scan.files = &files;
         const Facts facts = factsOf(listDisks(scan));
         EXPECT_EQ(facts.logicalDrives.at(0).reportedState, "stopped, " + text);
+        EXPECT_EQ(facts.logicalDrives.at(0).health, Health::warning);
         EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives.at(0)), text);
         EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sdb")), "in use: " + why);
     }

@@ -177,6 +177,39 @@ TEST(StorcliJudge, OneControllerOfSeveral) {
               "refused: un");
 }
 
+TEST(StorcliJudge, OfTwoEqualKeysTheFirstCountsAsInACapture) {
+    EXPECT_EQ(judged(0, R"({"Controllers":[{"Command Status":{"Status":"Failure","Status ":"Success",
+"Description":"not now","Description":"-"}}]})"),
+              "refused: not now");
+    EXPECT_EQ(judged(0, R"({"Controllers":[{"Command Status":{"Status":"Failure",
+"Description":"not now"}}],"Controllers":[{"Command Status":{"Status":"Success"}}]})"),
+              "refused: not now");
+}
+
+TEST(StorcliJudge, BytesThatNoJsonMayHoldAreNoReasonNotToReadIt) {
+    EXPECT_EQ(judged(0, answer("Success", "Add\tVD \xff")), "done");
+    EXPECT_EQ(judged(0, "Loader\n" + answer("Failure", "not\tnow \xff") + "Bye\n"),
+              "refused: not now ?");
+}
+
+TEST(StorcliJudge, NumbersAreTextsAndTextsNumbers) {
+    for (const char* const code : {"50", "\"50\"", "\" 50 \""}) {
+        EXPECT_EQ(judged(0, answer("Success", "None",
+                                   R"({"VD":239,"Status":"-","ErrMsg":"no","ErrCd ":)" +
+                                       std::string(code) + "}")),
+                  "refused: no (error 50)\n"
+                  "help: a drive is in use, foreign or bad: zolexctl show")
+            << code;
+    }
+    EXPECT_EQ(judged(0, answer("Success", "None",
+                               R"({"VD":239,"Status":"N/A","ErrCd":"N/A","ErrMsg":"N/A"})")),
+              "done");
+    // A code that is no number is none of success.
+    EXPECT_EQ(judged(0, answer("Success", "None",
+                               R"({"VD":239,"Status":"-","ErrCd":"0x32","ErrMsg":"no"})")),
+              "refused: no");
+}
+
 TEST(StorcliJudge, NoAnswer) {
     EXPECT_EQ(judged(0, ""), "refused: it printed no answer that can be read");
     EXPECT_EQ(judged(0, "{\"Controllers\":[{\"Command Sta"),

@@ -82,6 +82,79 @@ AppliesTo.2 = t:STORCLI3
 )");
 }
 
+/// "ZX208 ZX610".
+std::string lintIds(const std::string& policies) {
+    std::string ids;
+    for (const Finding& finding : lint(scanPolicies("p.ini", policies), {{}, {"ZX9"}})) {
+        ids += (ids.empty() ? "" : " ") + finding.code;
+    }
+    return ids;
+}
+
+TEST(ZX208, AModelOfABrandThatIsNotKnown) {
+    EXPECT_EQ(lintText(R"([Policy.one]
+AppliesTo.1 = t:Megaware-9364-8i,d:4
+)"),
+              R"(2:15 warning ZX208: no model is known to be called "Megaware-9364-8i"
+  help: zolexctl show names the model of each controller
+  help: known ones begin with AVAGO-, Broadcom-, Cisco-, HPE-, INTEL-, Lenovo-, LINUX-, MegaRAID-, PERC-, PRAID-, RAID-, SAS39, ServeRAID-, Supermicro-, ThinkSystem-
+  help: t:STORCLI holds for each model that storcli or perccli drives
+2:15 note zolex ZX610: zolex refuses this file: it does not know t:Megaware-9364-8i
+  help: keep the policies for such controllers in a file of their own
+)");
+    EXPECT_EQ(lintIds("[Policy.one]\nAppliesTo.1 = t:Mega*\n"), "ZX610");
+    EXPECT_EQ(lintIds("[Policy.one]\nAppliesTo.1 = t:MegaRAID-93*\n"), "ZX610");
+    EXPECT_EQ(lintIds("[Policy.one]\nAppliesTo.1 = t:Megaware*\n"), "ZX208 ZX610");
+}
+
+TEST(ZX208, NotWhereThePolicyNamesAFamily) {
+    EXPECT_EQ(lintIds(R"([Policy.one]
+AppliesTo.1 = t:Megaware-9364-8i,d:4
+AppliesTo.2 = t:STORCLI
+)"),
+              "ZX610 ZX610");
+    EXPECT_EQ(lintIds(R"([Policy.one]
+AppliesTo.1 = t:Megaware-9364-8i,d:4
+AppliesTo.2 = t:SSACLI
+)"),
+              "ZX208 ZX610 ZX208 ZX610");
+}
+
+TEST(ZX208, UsualBrands) {
+    for (const char* const model :
+         {"ServeRAID-M5210", "INTEL-RS3DC080", "Cisco-12G-SAS-Modular-Raid-Controller",
+          "Lenovo-RAID-940-8i", "HPE-MR416i-p-Gen10", "PRAID-EP540i"}) {
+        EXPECT_EQ(lintIds("[Policy.one]\nAppliesTo.1 = t:" + std::string(model) + "\n"), "ZX610")
+            << model;
+    }
+}
+
+TEST(ZX208, AFamilyThatIsNotDrivenYet) {
+    EXPECT_EQ(
+        lintText(R"([Policy.one]
+AppliesTo.1 = t:storcli2
+)"),
+        R"(2:15 warning ZX208: t:storcli2 holds for no controller: its utility is not driven yet
+  help: write t:MD or t:STORCLI, or the text of a model
+2:15 note zolex ZX610: zolex refuses this file: it does not know t:storcli2
+  help: keep the policies for such controllers in a file of their own
+)");
+    for (const char* const name :
+         {"SSACLI", "SASIRCU", "SAS2IRCU", "SAS3IRCU", "MVCLI", "MNV_CLI", "IMSM", "ARCCONF"}) {
+        EXPECT_EQ(lintIds("[Policy.one]\nAppliesTo.1 = t:" + std::string(name) + "\n"),
+                  "ZX208 ZX610")
+            << name;
+    }
+}
+
+TEST(ZX203, NamesThatAreMistyped) {
+    for (const char* const name : {"LSI-MegaRAID-8481", "Kestrx-C7", "STORCLI3", "STRCLI2", "1234",
+                                   "Something", "Kestrix-C77", "SAS4IRCU", "-A9", "A--9B"}) {
+        EXPECT_EQ(lintIds("[Policy.one]\nAppliesTo.1 = t:" + std::string(name) + "\n"), "ZX203")
+            << name;
+    }
+}
+
 TEST(ZX401, LevelsThatNoFamilyHas) {
     EXPECT_EQ(lintText(R"([Policy.one]
 AppliesTo.1 = t:STORCLI,d:4

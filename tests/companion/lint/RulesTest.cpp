@@ -53,6 +53,9 @@ AppliesTo.1 = t:Kestrix-C7,d:6
 [Policy.eight]
 AppliesTo.1 = t:Kestrix-C7,d:8
 )"},
+        {"ZX208", "", R"([Policy.one]
+AppliesTo.1 = t:SSACLI
+)"},
         {"ZX301", "", R"([Policy.one]
 AppliesTo.1 = t:LSI-MegaRAID-8480,d:8
 Array_Mode = CUSTOM

@@ -696,6 +696,21 @@ TEST(FamilyPlan, TwoHundredAndFortyDrivesInTime) {
     EXPECT_LT(seconds, 0.1); // of processor time
 }
 
+TEST(FamilyPlan, AModelOfAnyBrandIsTakenWhereTheMachineHasIt) {
+    for (const bool isThere : {true, false}) {
+        FamilyServer server(isThere ? "Megaware-9364-8i" : "PERC-H755-Front");
+        server.addDrives(2);
+        const MachinePlan plan = server.plan(policy("", "t:Megaware-9364-8i"));
+        EXPECT_EQ(plan.controllers.at(0).disposition,
+                  isThere ? Disposition::planned : Disposition::skipped);
+        std::string told;
+        for (const Finding& finding : plan.policiesFindings) {
+            told += finding.code + " " + finding.summary;
+        }
+        EXPECT_EQ(told, isThere ? "" : "ZX208 no model is known to be called \"Megaware-9364-8i\"");
+    }
+}
+
 TEST(FamilyPlan, TheSevenAreNotTouchedByTheTypes) {
     PlanRequest request;
     request.policiesFile = "site.ini";

@@ -76,7 +76,8 @@ struct LinuxMachine {
                 result.output = "mdadm - v4.2\n";
             } else {
                 for (const md::ListedArray& array : list.arrays) {
-                    if (line == md::detailLine(array.node)) {
+                    if (line == (array.node.empty() ? md::examineLine(array.members[0])
+                                                    : md::detailLine(array.node))) {
                         result.output = "MD_UUID=" + array.uuid + "\nMD_NAME=" + array.name + "\n";
                     }
                 }
@@ -120,6 +121,25 @@ TEST(MdPlan, NothingIsLookedAtUnlessItIsAskedFor) {
         EXPECT_NE(line.substr(0, 2), "MD") << line;
     }
     EXPECT_EQ(machine.capture().details.size(), 1U);
+}
+
+TEST(MdPlan, AnArrayThatDoesNotRunIsTold) {
+    LinuxMachine machine(2);
+    machine.addArray("zolex-a", "raid1", {1, 2});
+    const std::string policies = "Array.A = 1,2\nArray_Defaults = 0%:0\nLogical.1 = A:FILL:1\n";
+    const MachinePlan runs = machine.plan(policies);
+    EXPECT_EQ(runs.controllers.at(0).disposition, Disposition::already);
+    EXPECT_EQ(told(runs.controllers.at(0).warnings), "");
+    machine.list.arrays[0].node.clear();
+    for (md::ListedDisk& disk : machine.list.disks) {
+        disk.array.clear();
+    }
+    const ControllerPlanning planning = machine.plan(policies).controllers.at(0);
+    EXPECT_EQ(planning.disposition, Disposition::already);
+    ASSERT_EQ(planning.warnings.size(), 1U);
+    EXPECT_EQ(planning.warnings[0].summary, "LD zolex-a is stopped");
+    EXPECT_EQ(planning.warnings[0].help,
+              std::vector<std::string>{"start it: mdadm --assemble --scan"});
 }
 
 TEST(MdPlan, OnlyAPolicyThatNamesItHolds) {

@@ -99,7 +99,8 @@ void tellState(LogicalDriveFacts& volume, const ListedArray& array, std::uint32_
     } else {
         // A new array is made with its last drive as one that recovers: nothing is missing.
         const std::string& action = array.syncAction;
-        volume.health = Health::ok;
+        // One that does not run serves nobody, whole as it is.
+        volume.health = array.node.empty() ? Health::warning : Health::ok;
         volume.reportedState = array.node.empty()    ? "stopped"
                                : action == "recover" ? "recovering"
                                : action == "resync"  ? "resyncing"

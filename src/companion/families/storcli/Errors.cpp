@@ -1,23 +1,17 @@
 #include "companion/families/storcli/Errors.h"
 
+#include "companion/families/storcli/ToldValue.h"
 #include "foundation/Text.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace zolex::companion::storcli {
 
 namespace {
 
-using Json = nlohmann::json;
-
-constexpr std::size_t largestOutput = std::size_t{64} << 20U;
 constexpr std::size_t longestWords = 300;
 
 // Columns: code, text, help. Order: by code.
@@ -72,59 +66,19 @@ std::string trimmed(std::string_view text) {
     return std::string(text::trim(text).substr(0, longestWords));
 }
 
-/// The value of a key, blanks around it let be; null without one.
-const Json* find(const Json& object, std::string_view key) {
-    if (!object.is_object()) {
-        return nullptr;
-    }
-    for (const auto& [name, value] : object.items()) {
-        if (text::trim(name) == key) {
-            return &value;
-        }
-    }
-    return nullptr;
-}
-
-std::string textOf(const Json& object, std::string_view key) {
-    const Json* const value = find(object, key);
-    return value != nullptr && value->is_string() ? trimmed(value->get_ref<const std::string&>())
-                                                  : std::string();
-}
-
-/// A number, or a text that begins with one.
-std::optional<std::int32_t> numberOf(const Json& object, std::string_view key) {
-    const Json* const value = find(object, key);
-    if (value == nullptr) {
-        return std::nullopt;
-    }
-    if (value->is_number_integer()) {
-        return value->get<std::int32_t>();
-    }
-    return value->is_string() ? text::wholeNumber(text::trim(value->get_ref<const std::string&>()))
-                              : std::nullopt;
-}
-
 /// Gathers what the output says against success.
 class Judgement {
   public:
     void read(std::string_view output) {
-        Json document;
-        if (output.size() <= largestOutput) {
-            // Wrappers and loaders print lines around it.
-            const std::size_t begin = output.find('{');
-            const std::size_t last = output.rfind('}');
-            if (begin != std::string_view::npos && last != std::string_view::npos && begin < last) {
-                document = Json::parse(output.substr(begin, last + 1 - begin), nullptr, false);
-            }
-        }
-        const Json* const controllers = find(document, "Controllers");
-        if (controllers == nullptr || !controllers->is_array()) {
+        const ToldJson json = readToldJson(output);
+        const ToldValue& controllers = json.value.at("Controllers");
+        if (controllers.kind() != ToldValue::Kind::list) {
             readText(output);
             return;
         }
-        for (const Json& controller : *controllers) {
-            if (const Json* const status = find(controller, "Command Status")) {
-                readStatus(*status);
+        for (const ToldValue& controller : controllers.items()) {
+            if (const ToldValue& status = controller.at("Command Status"); status.isThere()) {
+                readStatus(status);
             }
         }
     }
@@ -137,32 +91,30 @@ class Judgement {
     [[nodiscard]] const std::string& words() const { return words_; }
 
   private:
-    void readStatus(const Json& status) {
-        const bool saysSuccess = text::equalsNoCase(textOf(status, "Status"), "Success");
+    void readStatus(const ToldValue& status) {
+        const bool saysSuccess = text::equalsNoCase(status.at("Status").text(), "Success");
         hasSuccess_ = hasSuccess_ || saysSuccess;
         hasFailure_ = hasFailure_ || !saysSuccess;
         const std::size_t had = words_.size();
-        const Json* const details = find(status, "Detailed Status");
-        if (details != nullptr && details->is_array()) {
-            for (const Json& row : *details) {
-                readDetail(row);
-            }
+        for (const ToldValue& row : status.at("Detailed Status").items()) {
+            readDetail(row);
         }
         if (!saysSuccess && words_.size() == had) {
-            tell(textOf(status, "Description")); // else it says no more than they do
+            tell(status.at("Description").toldText()); // else it says no more than they do
         }
     }
 
-    void readDetail(const Json& row) {
-        const std::string word = textOf(row, "Status");
-        const std::int32_t code = numberOf(row, "ErrCd").value_or(0);
-        if ((word.empty() || word == "-" || text::equalsNoCase(word, "Success")) && code == 0) {
+    void readDetail(const ToldValue& row) {
+        const std::string word = row.at("Status").toldText();
+        const std::string told = row.at("ErrCd").toldText();
+        if ((word.empty() || text::equalsNoCase(word, "Success")) &&
+            (told.empty() || told == "0")) {
             return;
         }
         hasFailure_ = true;
-        code_ = code_ == 0 ? code : code_;
-        std::string words = textOf(row, "ErrMsg");
-        tell(words.empty() || words == "-" ? textOf(row, "Description") : std::move(words));
+        code_ = code_ == 0 ? row.at("ErrCd").smallNumber().value_or(0) : code_;
+        const std::string words = row.at("ErrMsg").toldText();
+        tell(words.empty() ? row.at("Description").toldText() : words);
     }
 
     /// "Status = Failure" and "Description = ..." of an answer that is no JSON.
@@ -191,9 +143,9 @@ class Judgement {
         }
     }
 
-    void tell(std::string words) {
-        if (!words.empty() && words != "-" && words != "None" &&
-            words_.find(words) == std::string::npos) {
+    void tell(std::string_view told) {
+        const std::string words = trimmed(told);
+        if (!words.empty() && words != "None" && words_.find(words) == std::string::npos) {
             words_ += (words_.empty() ? "" : "; ") + words;
         }
     }
