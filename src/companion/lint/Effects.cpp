@@ -27,7 +27,7 @@ enum class Effect {
 };
 
 /// A level, and a number of drives that it takes.
-struct Layout {
+struct LayoutEntries {
     std::int32_t level = 0;
     std::size_t drives = 0;
 };
@@ -70,8 +70,8 @@ class EffectChecks {
 
   private:
     /// The layouts that the policy makes on controllers of this kind, as far as they are known.
-    std::vector<Layout> layoutsOf(const Kind& kind, const AskedDrive& drive) {
-        std::vector<Layout> layouts;
+    std::vector<LayoutEntries> layoutsOf(const Kind& kind, const AskedDrive& drive) {
+        std::vector<LayoutEntries> layouts;
         for (std::int32_t level = raid_level::raid0; level <= raid_level::simpleVolume; ++level) {
             const bool isMeant =
                 drive.level == level ||
@@ -91,7 +91,7 @@ class EffectChecks {
         return layouts;
     }
 
-    Effect effectOf(const Kind& kind, const Layout& layout, const Domain& domain,
+    Effect effectOf(const Kind& kind, const LayoutEntries& layout, const Domain& domain,
                     std::int32_t value) {
         const auto linesWith = [&](std::int32_t each) -> const std::vector<CString>& {
             LineSettings settings;
@@ -124,7 +124,7 @@ class EffectChecks {
                 if (only != nullptr && drive.view != only->view) {
                     continue;
                 }
-                for (const Layout& layout : layoutsOf(kind, drive)) {
+                for (const LayoutEntries& layout : layoutsOf(kind, drive)) {
                     const Effect effect = effectOf(kind, layout, domain, value);
                     best = best ? std::min(*best, effect) : effect;
                 }
@@ -178,11 +178,11 @@ class EffectChecks {
     /// Whether the utilities are told strip sizes of any level that the models have.
     bool takesStripeSizes(const std::function<std::vector<std::int32_t>(const Kind&)>& accepted) {
         return std::any_of(kinds_.begin(), kinds_.end(), [&](const Kind& kind) {
-            const std::vector<Layout> layouts =
+            const std::vector<LayoutEntries> layouts =
                 layoutsOf(kind, {nullptr, nullptr, raid_level::notGiven, 0});
             const Domain domain{&LineSettings::stripeSize, accepted(kind)};
             return !domain.values.empty() &&
-                   std::any_of(layouts.begin(), layouts.end(), [&](const Layout& layout) {
+                   std::any_of(layouts.begin(), layouts.end(), [&](const LayoutEntries& layout) {
                        return effectOf(kind, layout, domain, domain.values.front()) != Effect::none;
                    });
         });
@@ -195,7 +195,7 @@ class EffectChecks {
         const std::string word = std::string("Stripesize ") + stripeSizeWord(code) + " ";
         for (const Kind& kind : kinds_) {
             for (const AskedDrive& drive : drives_) {
-                for (const Layout& layout : layoutsOf(kind, drive)) {
+                for (const LayoutEntries& layout : layoutsOf(kind, drive)) {
                     for (const CString& line :
                          models_.lines(kind, layout.level, layout.drives, settings).lines) {
                         if (text::contains(line.view(), word)) {
@@ -264,9 +264,9 @@ class EffectChecks {
         LineSettings settings;
         settings.sizeMb = 1000;
         return std::all_of(kinds_.begin(), kinds_.end(), [&](const Kind& kind) {
-            const std::vector<Layout> layouts = layoutsOf(kind, drive);
+            const std::vector<LayoutEntries> layouts = layoutsOf(kind, drive);
             return !layouts.empty() &&
-                   std::all_of(layouts.begin(), layouts.end(), [&](const Layout& layout) {
+                   std::all_of(layouts.begin(), layouts.end(), [&](const LayoutEntries& layout) {
                        const std::optional<Fault>& fault =
                            models_.lines(kind, layout.level, layout.drives, settings).fault;
                        return fault && fault->kind == FaultKind::fillOnly;

@@ -1,7 +1,7 @@
 #include "companion/planning/FamilyDrives.h"
 
 #include "companion/layout/Layout.h"
-#include "companion/planning/HealthyView.h"
+#include "companion/planning/HurtArrays.h"
 
 #include <algorithm>
 #include <limits>

@@ -3,6 +3,7 @@
 #include "companion/facts/Bytes.h"
 #include "companion/facts/CompareReadings.h"
 #include "companion/machine/Join.h"
+#include "companion/planning/HurtArrays.h"
 #include "model/Codes.h"
 
 #include <algorithm>
@@ -58,11 +59,6 @@ bool restore(RAIDController& record, const ControllerSnapshot& detail, const Dri
 }
 
 } // namespace
-
-bool isHurt(const DriveFacts& drive) {
-    return drive.state == DriveState::failed || drive.state == DriveState::missing ||
-           drive.state == DriveState::rebuilding;
-}
 
 ControllerSnapshot withoutListings(const ControllerSnapshot& detail) {
     ControllerSnapshot copy;

@@ -7,9 +7,6 @@
 
 namespace zolex::companion {
 
-/// Whether it has failed, is missing or is being rebuilt.
-[[nodiscard]] bool isHurt(const DriveFacts& drive);
-
 /// A controller as it was before drives of it failed: they have their numbers, and can be planned.
 struct HealthyView {
     RAIDController record;

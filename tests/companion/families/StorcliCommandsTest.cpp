@@ -178,9 +178,10 @@ TEST(StorcliJudge, OneControllerOfSeveral) {
 }
 
 TEST(StorcliJudge, OfTwoEqualKeysTheFirstCountsAsInACapture) {
-    EXPECT_EQ(judged(0, R"({"Controllers":[{"Command Status":{"Status":"Failure","Status ":"Success",
+    EXPECT_EQ(
+        judged(0, R"({"Controllers":[{"Command Status":{"Status":"Failure","Status ":"Success",
 "Description":"not now","Description":"-"}}]})"),
-              "refused: not now");
+        "refused: not now");
     EXPECT_EQ(judged(0, R"({"Controllers":[{"Command Status":{"Status":"Failure",
 "Description":"not now"}}],"Controllers":[{"Command Status":{"Status":"Success"}}]})"),
               "refused: not now");
