@@ -152,7 +152,7 @@ TEST_F(StorcliDangers, ALogicalDriveThatWasMadeAnewIsFound) {
 /// What the run itself has made has the number of one that went, and an id that no plan knows.
 TEST_F(StorcliDangers, ALogicalDriveThatTheRunHasMadeIsItsOwn) {
     const std::string before = controller().volumes.back().naaId;
-    interruptBehind(5);
+    interruptBehind(1);
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
     EXPECT_EQ(controller().volumes.back().number, 239);
     EXPECT_NE(controller().volumes.back().naaId, before);
