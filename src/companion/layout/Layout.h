@@ -25,9 +25,9 @@ struct LayoutVolume {
     std::string reportedState; ///< captured: the utility's word
     Health health = Health::unknown;
     // Captured; no part of a comparison.
-    std::string name;
-    std::string uniqueId; ///< as in LogicalDriveFacts
-    std::string device;   ///< the same
+    std::string name{};
+    std::string uniqueId{}; ///< as in LogicalDriveFacts
+    std::string device{};   ///< the same
     friend bool operator==(const LayoutVolume&, const LayoutVolume&) = default;
 };
 

@@ -111,9 +111,9 @@ struct Loss {
     std::uint64_t capacityBytes = 0;
     std::string status; ///< the utility's word
     // Of the logical drive, where its utility tells them.
-    std::string name;
-    std::string device;   ///< as the system names it; it may change by itself
-    std::string uniqueId; ///< as in LogicalDriveFacts
+    std::string name{};
+    std::string device{};   ///< as the system names it; it may change by itself
+    std::string uniqueId{}; ///< as in LogicalDriveFacts
     friend bool operator==(const Loss&, const Loss&) = default;
 };
 

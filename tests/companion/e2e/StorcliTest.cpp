@@ -150,7 +150,7 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
     EXPECT_EQ(asked.error,
               R"(error: 4 logical drives (37.26 TB), 2 hot spares and 1 foreign configuration
        would be lost, and nobody has agreed to it [ZA103]
-  help: zolexctl reset --destroy 5350-B4K9
+  help: zolexctl reset --destroy G75R-XQAG
 )");
     EXPECT_EQ(server.shown(), before);
     const ProgramRun run = server.change({"reset", "--destroy", "any"});
@@ -174,17 +174,17 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
     const std::string losses =
         "This destroys 4 logical drives (37.26 TB), 2 hot spares and 1 foreign\n"
         "configuration:\n"
-        "  - spare 252:11                                   controller 1\n"
-        "  - spare 252:10                                   controller 1\n"
-        "  - LD 239          RAID1   893.8 GB  252:0 252:1  controller 1\n"
-        "  - LD 238          RAID5   21.83 TB  252:2-252:5  controller 1\n"
-        "  - LD 237          RAID10  156.3 GB  252:6-252:9  controller 1\n"
-        "  - LD 236          RAID10  14.40 TB  252:6-252:9  controller 1\n"
-        "  - foreign 252:18  RAID0    7.28 TB               controller 1\n";
+        "  - spare 252:11  controller 1\n"
+        "  - spare 252:10  controller 1\n"
+        "  - LD 239  RAID1  893.8 GB  252:0 252:1  \"system\", /dev/sda  controller 1\n"
+        "  - LD 238  RAID5  21.83 TB  252:2-252:5  /dev/sdb  controller 1\n"
+        "  - LD 237  RAID10  156.3 GB  252:6-252:9  \"logs\", /dev/sdc  controller 1\n"
+        "  - LD 236  RAID10  14.40 TB  252:6-252:9  \"data\", /dev/sdd  controller 1\n"
+        "  - foreign 252:18  RAID0  7.28 TB  controller 1\n";
     EXPECT_NE(asked.output.find(losses), std::string::npos) << asked.output;
     const std::string output = withoutTimesOfRun(run.output);
     EXPECT_EQ(output.substr(output.find("Consent")),
-              R"(Consent    5350-B4K9: spare 252:11, spare 252:10, LD 239, LD
+              R"(Consent    G75R-XQAG: spare 252:11, spare 252:10, LD 239, LD
            238, LD 237, LD 236 and foreign 252:18 of controller
            1                                                      agreed
 Journal    reset.journal.jsonl
@@ -229,7 +229,11 @@ TEST(Storcli, WhatTheRunningSystemUsesIsNotReset) {
     server.write("proc/self/mountinfo", "20 1 65:0 / /srv rw - ext4 /dev/sdq rw\n");
     const ProgramRun reset = server.change({"reset", "--destroy", "any"});
     EXPECT_EQ(reset.exitCode, 2) << reset.output;
-    EXPECT_EQ(reset.error, "");
+    EXPECT_EQ(reset.error, R"(error: LD 238 (/dev/sdq) stays: mounted at /srv [ZP227]
+   help: umount /srv
+error: nothing can be reset as it stands
+  help: zolexctl doctor
+)");
     EXPECT_FALSE(server.exists("reset.journal.jsonl"));
     EXPECT_NE(server.zolexctl({"show", "-v"}).output.find("mounted at /srv"), std::string::npos);
     // Of a recording nothing is asked.
