@@ -36,6 +36,7 @@ std::optional<Medium> mediumNamed(std::string_view word);
 
 /// One PCI function of the server.
 struct PciFunction {
+    int domain = 0;
     int bus = 0;
     int device = 0;
     int function = 0;
@@ -48,7 +49,7 @@ struct PciFunction {
     std::string description;
 };
 
-/// The order in which a system lists its functions: bus, device, function.
+/// The order in which a system lists its functions: bus, device, function, domain.
 bool standsBefore(const PciFunction& a, const PciFunction& b);
 
 /// The place of a member drive.

@@ -137,7 +137,8 @@ std::optional<ReadPolicy> readPolicyNamed(std::string_view word) {
 }
 
 bool standsBefore(const PciFunction& a, const PciFunction& b) {
-    return std::tie(a.bus, a.device, a.function) < std::tie(b.bus, b.device, b.function);
+    return std::tie(a.bus, a.device, a.function, a.domain) <
+           std::tie(b.bus, b.device, b.function, b.domain);
 }
 
 bool Controller::supports(RaidLevel level) const {

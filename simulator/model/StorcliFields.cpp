@@ -341,6 +341,7 @@ void readVolumes(Fields& fields, Controller& controller) {
 
 PciFunction readPci(Fields& fields) {
     PciFunction pci;
+    pci.domain = fields.smallNumber("domain", 0, 0xFFFF, 0);
     pci.bus = fields.smallNumber("bus", 0, 255);
     pci.device = fields.smallNumber("device", 0, 31, 0);
     pci.function = fields.smallNumber("function", 0, 7, 0);

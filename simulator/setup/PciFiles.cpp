@@ -102,7 +102,8 @@ std::vector<ServerFile> pciTree(const Server& server, Target target) {
     const char mark = target == Target::windows ? '-' : ':';
     for (const PciFunction& pci : functionsOf(server)) {
         const std::string folder =
-            formatted("pci/0000%c%02x%c%02x.%d/", mark, pci.bus, mark, pci.device, pci.function);
+            formatted("pci/%04x%c%02x%c%02x.%d/", static_cast<unsigned>(pci.domain), mark, pci.bus,
+                      mark, pci.device, pci.function);
         files.push_back({folder + "vendor", formatted("0x%04x\n", pci.vendorId)});
         files.push_back({folder + "device", formatted("0x%04x\n", pci.deviceId)});
         files.push_back(

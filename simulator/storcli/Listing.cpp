@@ -165,7 +165,8 @@ bool needsAttention(const Controller& controller) {
 }
 
 std::string pciText(const PciFunction& pci) {
-    return formatted("00:%02x:%02x:%02x", pci.bus, pci.device, pci.function);
+    return formatted("%02x:%02x:%02x:%02x", static_cast<unsigned>(pci.domain), pci.bus, pci.device,
+                     pci.function);
 }
 
 Value basics(const View& view) {
@@ -200,7 +201,7 @@ void addBusIds(const Controller& controller, Value& value) {
     value.add("SubDevice Id", Value::identifier(pci.subsystemId));
     value.add("Host Interface", "PCI-E").add("Device Interface", "SAS-12G");
     value.add("Bus Number", pci.bus).add("Device Number", pci.device);
-    value.add("Function Number", pci.function).add("Domain ID", 0);
+    value.add("Function Number", pci.function).add("Domain ID", pci.domain);
 }
 
 Value bus(const Controller& controller) {

@@ -20,6 +20,7 @@ struct PciDevice {
     std::uint16_t deviceId = 0;
     std::uint16_t subsystemVendorId = 0;
     std::uint16_t subsystemId = 0;
+    std::uint32_t domain = 0; ///< where a list tells it; zolex does not look at it
     std::uint16_t bus = 0;
     std::uint16_t device = 0;
     std::uint16_t function = 0;

@@ -77,6 +77,7 @@ bool parseFolderName(std::string_view name, PciDevice& device) noexcept {
     if (!marksFit || !isHex(domain) || !isHex(bus) || !isHex(slot) || !isHex(function)) {
         return false;
     }
+    device.domain = leadingHex(domain);
     device.bus = static_cast<std::uint16_t>(leadingHex(bus));
     device.device = static_cast<std::uint16_t>(leadingHex(slot));
     device.function = static_cast<std::uint16_t>(leadingHex(function));

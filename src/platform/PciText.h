@@ -22,9 +22,9 @@ namespace pci {
 /// when it is anything else or above `highest`.
 [[nodiscard]] std::uint32_t fileNumber(std::string_view content, std::uint32_t highest) noexcept;
 
-/// Reads bus, device and function from a folder name of the form DDDD:BB:DD.F, or DDDD-BB-DD.F
-/// where names cannot hold a ":" (hexadecimal; the first part, the domain, may be longer). False,
-/// with `device` untouched, for any other name.
+/// Reads domain, bus, device and function from a folder name of the form DDDD:BB:DD.F, or
+/// DDDD-BB-DD.F where names cannot hold a ":" (hexadecimal; the domain may be longer). False, with
+/// `device` untouched, for any other name.
 bool parseFolderName(std::string_view name, PciDevice& device) noexcept;
 
 } // namespace pci

@@ -60,14 +60,17 @@ TEST(PciText, FolderNames) {
         int bus;
         int device;
         int function;
+        unsigned domain = 0;
     } const accepted[] = {
-        {"0000:00:00.0", 0, 0, 0},    {"0000:02:1f.7", 2, 31, 7},   {"0001:ff:0A.3", 255, 10, 3},
-        {"10000:e1:00.0", 225, 0, 0}, {"0000:00:3f.9", 0, 63, 9}, // out of range, but a device
-        {"0000-02-1f.7", 2, 31, 7},   {"10000-e1-00.0", 225, 0, 0},
+        {"0000:00:00.0", 0, 0, 0},       {"0000:02:1f.7", 2, 31, 7},
+        {"0001:ff:0A.3", 255, 10, 3, 1}, {"10000:e1:00.0", 225, 0, 0, 0x10000},
+        {"0000:00:3f.9", 0, 63, 9}, // out of range, but a device
+        {"0000-02-1f.7", 2, 31, 7},      {"10000-e1-00.0", 225, 0, 0, 0x10000},
     };
     for (const auto& row : accepted) {
         PciDevice device;
         EXPECT_TRUE(pci::parseFolderName(row.name, device)) << row.name;
+        EXPECT_EQ(device.domain, row.domain) << row.name;
         EXPECT_EQ(device.bus, row.bus) << row.name;
         EXPECT_EQ(device.device, row.device) << row.name;
         EXPECT_EQ(device.function, row.function) << row.name;

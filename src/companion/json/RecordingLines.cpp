@@ -78,6 +78,9 @@ Json deviceObject(const PciDevice& device) {
                     hex(device.subsystemVendorId, 4) + ":" + hex(device.subsystemId, 4);
     object["class"] = hex(device.classCode, 6);
     object["revision"] = device.revision;
+    if (device.domain != 0) {
+        object["domain"] = device.domain;
+    }
     return object;
 }
 
@@ -507,6 +510,10 @@ class LineObject {
         device.device = small("device");
         device.function = small("function");
         device.revision = object.contains("revision") ? small("revision") : std::uint16_t{0};
+        if (object.contains("domain")) {
+            device.domain = static_cast<std::uint32_t>(
+                numberOf(member("domain"), "devices", shown + ".domain", 0, 0xFFFFFFFF));
+        }
         const auto ids = hexNumbers(member("ids"), 4, 4);
         const auto classCode = hexNumbers(member("class"), 1, 8);
         if (!ids || !classCode) {

@@ -92,6 +92,7 @@ struct Captured {
     bool isRead = false; ///< by zolex's own reader
 };
 
+/// In domain 0: zolex tells none.
 FunctionIdentity functionOf(const RAIDController& controller) {
     FunctionIdentity identity;
     identity.type = controller.type();
@@ -157,6 +158,7 @@ class Capturer {
         tell("hardware detector");
         detected_ = snapshot_.controllers.initialize(
             *devices_, std::make_unique<Tool>(platform_, found, request_.limit), found);
+        findPlaces();
         detectorOutcome_ = platform_.outcome;
         detectorCode_ = platform_.exitCode;
         for (const Fault& fault : found.faults) {
@@ -337,7 +339,7 @@ class Capturer {
     void placeFailed() {
         std::vector<std::string> cards;
         for (std::size_t i = 0; i < snapshot_.controllers.count(); ++i) {
-            const FunctionIdentity card = functionOf(*snapshot_.controllers.controller(i));
+            const FunctionIdentity card = functionAt(i);
             if (utilityOfType(card.type) == "MEGACLI" && !card.pci.empty() && !isTold(card.pci)) {
                 cards.push_back(card.pci);
             }
@@ -397,9 +399,37 @@ class Capturer {
         return request_.utilities != nullptr && request_.utilities->named.contains(utility);
     }
 
+    /// The function of a controller of zolex.
+    [[nodiscard]] FunctionIdentity functionAt(std::size_t index) const {
+        FunctionIdentity own = functionOf(*snapshot_.controllers.controller(index));
+        own.pci = places_.at(index);
+        return own;
+    }
+
+    /// Where the controllers of zolex are, with the domains that the bus tells: the first of
+    /// several that are alike else is the first on the bus.
+    void findPlaces() {
+        std::set<std::string> taken;
+        for (std::size_t i = 0; i < snapshot_.controllers.count(); ++i) {
+            const FunctionIdentity own = functionOf(*snapshot_.controllers.controller(i));
+            places_.push_back(own.pci);
+            devices_->reset();
+            const PciDevice* device = own.pci.empty() ? nullptr : devices_->next();
+            for (; device != nullptr; device = devices_->next()) {
+                PciDevice plain = *device;
+                plain.domain = 0;
+                if (pciPlaceOf(plain) == own.pci && pciIdsOf(plain) == own.pciIds &&
+                    taken.insert(pciPlaceOf(*device)).second) {
+                    places_.back() = pciPlaceOf(*device);
+                    break;
+                }
+            }
+        }
+    }
+
     [[nodiscard]] std::optional<std::size_t> cardAt(const std::string& pci) const {
         for (std::size_t i = 0; i < snapshot_.controllers.count() && !pci.empty(); ++i) {
-            if (functionOf(*snapshot_.controllers.controller(i)).pci == pci) {
+            if (functionAt(i).pci == pci) {
                 return i;
             }
         }
@@ -413,7 +443,7 @@ class Capturer {
         ControllerSnapshot snapshot = familySnapshot(*told.family, std::move(told.controller),
                                                      static_cast<std::int32_t>(index) + 1);
         if (takesPlace && snapshot.pciIds.empty()) {
-            snapshot.pciIds = functionOf(*snapshot_.controllers.controller(index)).pciIds;
+            snapshot.pciIds = functionAt(index).pciIds;
         }
         // One that carries out its lines itself looks itself what is in use.
         if (request_.noteUses && !told.family->carriesOut()) {
@@ -430,7 +460,7 @@ class Capturer {
         }
         std::vector<std::string> driven;
         for (std::size_t i = 0; i < snapshot_.controllers.count(); ++i) {
-            driven.push_back(functionOf(*snapshot_.controllers.controller(i)).pci);
+            driven.push_back(functionAt(i).pci);
         }
         for (const std::string& pci : familyFunctions_) {
             driven.push_back(pci);
@@ -501,7 +531,7 @@ class Capturer {
         RAIDController& controller = *snapshot_.controllers.controller(index);
         Captured& captured = captured_[index];
         captured.isDone = true;
-        captured.function = functionOf(controller);
+        captured.function = functionAt(index);
         ControllerSnapshot& snapshot = captured.snapshot;
         snapshot.adapter = adapterOf(controller);
         if (controller.scanOrder() < 1) {
@@ -683,7 +713,7 @@ class Capturer {
             ordered[i] = std::move(captured_[entry->second]);
             before.erase(entry);
             // The slot keeps its PCI function.
-            const FunctionIdentity function = functionOf(*snapshot_.controllers.controller(i));
+            const FunctionIdentity function = functionAt(i);
             ordered[i].function.pci = function.pci;
             ordered[i].function.pciIds = function.pciIds;
         }
@@ -767,6 +797,7 @@ class Capturer {
     Snapshot snapshot_;
     std::vector<Captured> captured_;
     std::unique_ptr<PCI_DevList_VC> devices_;
+    std::vector<std::string> places_;          ///< of the controllers of zolex
     std::map<std::size_t, Told> taken_;        ///< by the place of the card that zolex knows
     std::vector<Told> further_;                ///< in the order of the bus
     std::vector<std::string> familyFunctions_; ///< all that families told of

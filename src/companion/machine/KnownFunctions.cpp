@@ -134,7 +134,8 @@ bool isTamperedFunction(std::string_view pciIds) {
 }
 
 std::string pciPlaceOf(const PciDevice& device) {
-    return std::string(formatText("0000:%02x:%02x.%x", static_cast<unsigned>(device.bus),
+    return std::string(formatText("%04x:%02x:%02x.%x", static_cast<unsigned>(device.domain),
+                                  static_cast<unsigned>(device.bus),
                                   static_cast<unsigned>(device.device),
                                   static_cast<unsigned>(device.function))
                            .view());

@@ -22,7 +22,7 @@ struct KnownFunction {
 /// supported, or was tampered with.
 [[nodiscard]] bool isTamperedFunction(std::string_view pciIds);
 
-/// "0000:c1:00.0".
+/// "0000:c1:00.0": domain, bus, device and function.
 [[nodiscard]] std::string pciPlaceOf(const PciDevice& device);
 /// "1000:10e2:1028:1ae1".
 [[nodiscard]] std::string pciIdsOf(const PciDevice& device);

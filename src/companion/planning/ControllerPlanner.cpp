@@ -2,6 +2,7 @@
 
 #include "companion/lint/Entries.h"
 #include "companion/lint/MachineCase.h"
+#include "companion/planning/Beginning.h"
 #include "companion/planning/HealthyView.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"
@@ -98,22 +99,8 @@ ControllerPlanning ControllerPlanner::planOf(const ControllerSnapshot& detail) {
     ControllerPlanning planning;
     planning.controller = withoutListings(detail);
     const RAIDController* const record = snapshot_.controllers.controller(detail.index);
-    if (detail.failed || record == nullptr || hasNoListing(detail, *record)) {
-        std::vector<Finding> findings = detail.findings;
-        for (Finding& finding : findings) {
-            finding.refusedBy = RefusedBy::plan; // why there can be none
-        }
-        findings.push_back(
-            planFault(problem::notCaptured,
-                      "controller " + std::to_string(detail.number) + " could not be captured",
-                      {"zolexctl doctor"}));
-        refusals_.sort(std::move(findings), planning);
-        refuse(planning);
-        return planning;
-    }
-    planning.before = capturedLayout(detail.facts);
-    if (policies_ == nullptr) {
-        planning.because = "the policies are at fault";
+    const bool isCaptured = !detail.failed && record != nullptr && !hasNoListing(detail, *record);
+    if (!beginPlanning(detail, isCaptured, policies_ != nullptr, refusals_, planning)) {
         return planning;
     }
     refuseMisread(planning.controller.findings);
@@ -319,18 +306,12 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
     planning.diagnostics.insert(planning.diagnostics.begin(), std::make_move_iterator(told.begin()),
                                 std::make_move_iterator(told.end()));
     if (hasErrors(planning.diagnostics)) {
-        refuse(planning);
+        refusePlanning(planning);
         return;
     }
     for (Finding& finding : planWarnings(planning)) {
         planning.warnings.push_back(std::move(finding));
     }
-}
-
-void ControllerPlanner::refuse(ControllerPlanning& planning) {
-    planning.disposition = Disposition::refused;
-    planning.steps.clear();
-    planning.losses.clear();
 }
 
 } // namespace zolex::companion

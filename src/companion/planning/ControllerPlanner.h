@@ -33,7 +33,6 @@ class ControllerPlanner {
                 const ControllerSnapshot& detail, Attempt& attempt) const;
     void takeAsItStands(Attempt& attempt, ControllerPlanning& planning) const;
     void finish(const RAIDController& record, Attempt& attempt, ControllerPlanning& planning);
-    static void refuse(ControllerPlanning& planning);
 
     const Snapshot& snapshot_;
     const PlanRequest& request_;

@@ -4,9 +4,9 @@
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/lint/Entries.h"
+#include "companion/planning/Beginning.h"
 #include "companion/planning/FamilyLayout.h"
 #include "companion/planning/FamilySteps.h"
-#include "companion/planning/HealthyView.h"
 #include "companion/planning/HurtArrays.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"
@@ -40,12 +40,6 @@ std::int32_t placeInFamily(const Snapshot& snapshot, const ControllerSnapshot& d
                    [&detail](const FamilyPlace& other) {
                        return other.utility == detail.utility && other.number < detail.number;
                    }));
-}
-
-void refuse(ControllerPlanning& planning) {
-    planning.disposition = Disposition::refused;
-    planning.steps.clear();
-    planning.losses.clear();
 }
 
 /// The drives that have a job when the plan is carried out; with `keeps` those that do one as well
@@ -119,22 +113,8 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
     planning.controller = withoutListings(detail);
     planning.oldDifferences = {"zolex does not know this controller, and leaves it as it is"};
     const Family* const family = findFamily(detail.utility);
-    if (detail.failed || family == nullptr) {
-        std::vector<Finding> findings = detail.findings;
-        for (Finding& finding : findings) {
-            finding.refusedBy = RefusedBy::plan; // why there can be none
-        }
-        findings.push_back(
-            planFault(problem::notCaptured,
-                      "controller " + std::to_string(detail.number) + " could not be captured",
-                      {"zolexctl doctor"}));
-        refusals_.sort(std::move(findings), planning);
-        refuse(planning);
-        return planning;
-    }
-    planning.before = capturedLayout(detail.facts);
-    if (policies_ == nullptr) {
-        planning.because = "the policies are at fault";
+    const bool isCaptured = !detail.failed && family != nullptr;
+    if (!beginPlanning(detail, isCaptured, policies_ != nullptr, refusals_, planning)) {
         return planning;
     }
     ControllerMatch wanted;
@@ -306,7 +286,7 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
         refusals_.sort({std::move(*keptCache)}, planning);
     }
     if (hasErrors(planning.diagnostics)) {
-        refuse(planning);
+        refusePlanning(planning);
         return;
     }
     tellIdle(planning);

@@ -145,6 +145,7 @@ class Builder {
         const auto number = [](std::string_view text, std::string_view parts, std::size_t part) {
             return hexadecimal(text::token(text, parts, part));
         };
+        pci.domain = static_cast<int>(hexadecimal(text::token(original_.pci, ":", 0)));
         pci.bus = static_cast<int>(number(facts_.pciAddress, ":.", 0));
         pci.device = static_cast<int>(number(facts_.pciAddress, ":.", 1));
         pci.function = static_cast<int>(number(facts_.pciAddress, ":.", 2));

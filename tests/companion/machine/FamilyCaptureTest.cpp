@@ -133,6 +133,40 @@ TEST(FamilyCapture, StorcliStandsBeforeMegacliWhereBothDriveACard) {
     EXPECT_FALSE(asksMegacli);
 }
 
+/// The listings of the machine, of a card in another domain.
+void moveToDomain(FamilyMachine& machine, const std::string& domain) {
+    std::string& text = machine.server.answers.at("STORCLI /c0 show all J").output;
+    const std::string told = "\"00:c1:00:00\"";
+    const std::size_t place = text.find(told);
+    ASSERT_NE(place, std::string::npos);
+    text.replace(place, told.size(), "\"" + domain + ":c1:00:00\"");
+}
+
+TEST(FamilyCapture, ACardInAnotherDomainIsThatOfItsUtility) {
+    FamilyMachine machine;
+    moveToDomain(machine, "01");
+    machine.platform.devices = {card(0x1000, 0x10e2, 0xc1)};
+    machine.platform.devices[0].domain = 1;
+    const Snapshot snapshot = machine.capture();
+    EXPECT_EQ(summaryOf(snapshot), Lines({"1 STORCLI MegaRAID-N3916-16i-8GB no record"}));
+    EXPECT_EQ(snapshot.details.at(0).pci, "0001:c1:00.0");
+    EXPECT_EQ(snapshot.undriven.size(), 0U);
+}
+
+TEST(FamilyCapture, CardsAtOnePlaceInTwoDomainsAreTwo) {
+    FamilyMachine machine;
+    moveToDomain(machine, "0002");
+    machine.platform.devices = {oldCard(0xc1), oldCard(0xc1), card(0x1000, 0x10e2, 0xc1)};
+    machine.platform.devices[1].domain = 2;
+    machine.platform.devices[2].domain = 3;
+    const Snapshot snapshot = machine.capture();
+    ASSERT_EQ(snapshot.details.size(), 2U);
+    EXPECT_EQ(snapshot.details[0].utility + " " + snapshot.details[0].pci, "MEGACLI 0000:c1:00.0");
+    EXPECT_EQ(snapshot.details[1].utility + " " + snapshot.details[1].pci, "STORCLI 0002:c1:00.0");
+    ASSERT_EQ(snapshot.undriven.size(), 1U);
+    EXPECT_EQ(snapshot.undriven[0].pci, "0003:c1:00.0");
+}
+
 TEST(FamilyCapture, NamingMegacliKeepsIt) {
     FamilyMachine machine;
     machine.platform.devices = {oldCard(0xc1)};

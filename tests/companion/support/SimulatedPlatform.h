@@ -136,6 +136,7 @@ class SimulatedPlatform : public zolex::test::FakePlatform {
         device.deviceId = pci.deviceId;
         device.subsystemVendorId = pci.subsystemVendorId;
         device.subsystemId = pci.subsystemId;
+        device.domain = static_cast<std::uint32_t>(pci.domain);
         device.bus = static_cast<std::uint16_t>(pci.bus);
         device.device = static_cast<std::uint16_t>(pci.device);
         device.function = static_cast<std::uint16_t>(pci.function);

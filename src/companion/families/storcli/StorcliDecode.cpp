@@ -315,9 +315,8 @@ class Decoder {
                                              bus.at("Function Number").id().value_or(0))
                                       .view());
         }
-        constexpr std::size_t domainSize = 5; // "0000:"
-        if (controller_.pci.size() > domainSize) {
-            facts_.pciAddress = controller_.pci.substr(domainSize);
+        if (const std::size_t colon = controller_.pci.find(':'); colon != std::string::npos) {
+            facts_.pciAddress = controller_.pci.substr(colon + 1); // without the domain
         }
         std::string ids;
         for (const auto& keys :
