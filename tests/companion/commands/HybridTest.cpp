@@ -213,7 +213,8 @@ TEST(Hybrid, GuardTellsOfControllersThatZolexDoesNotKnow) {
     platform.fileFake.files["./zolex"] = "";
     GuardOptions options;
     options.command = {"./zolex", "/r", "/y"};
-    const Ran ran = run(platform, [&](Context& context) { return guard(context, options); });
+    const HybridRan ran =
+        runHybrid(platform, [&](Context& context) { return guard(context, options); });
     EXPECT_EQ(ran.code, exit_code::notPossible);
     EXPECT_EQ(ran.error, "error: zolex knows no RAID controller of this server: "
                          "MegaRAID-N3916-16i-8GB is driven by zolexctl alone\n"

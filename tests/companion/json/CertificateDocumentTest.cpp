@@ -112,7 +112,7 @@ TEST(CertificateDocument, TellsLogicalDrivesApart) {
     volume.name = "data";
     volume.device = "/dev/sdb";
     volume.uniqueId = "600aaa01";
-    const std::string text = certificateDocument(certificateOf(snapshot), head);
+    const std::string text = certificateDocument(certificateOf(snapshot), certificateHead);
     keepDocument("certificate-ids", text);
     const CertificateReading reading = readCertificate(text, "a.json");
     ASSERT_TRUE(reading.certificate);
