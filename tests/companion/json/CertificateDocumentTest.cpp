@@ -120,7 +120,7 @@ TEST(CertificateDocument, TellsLogicalDrivesApart) {
     EXPECT_EQ(read.name, "data");
     EXPECT_EQ(read.device, "/dev/sdb");
     EXPECT_EQ(read.uniqueId, "600aaa01");
-    EXPECT_EQ(certificateDocument(*reading.certificate, head), text);
+    EXPECT_EQ(certificateDocument(*reading.certificate, certificateHead), text);
     EXPECT_EQ(exampleText().find("unique_id"), std::string::npos);
 }
 
