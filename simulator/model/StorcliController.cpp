@@ -241,22 +241,16 @@ Level Controller::levelOf(std::size_t group) const {
     return first == nullptr ? Level::raid0 : first->level;
 }
 
-std::string Controller::nextNaaId() {
+std::string Controller::naaIdOf(int number) const {
     constexpr std::uint64_t ofController = 0xfffffffffffffffU;
-    for (;;) {
-        std::string id = formatted("6%015llx2d1f0000%08x",
-                                   static_cast<unsigned long long>(sasAddress & ofController),
-                                   static_cast<unsigned>(made++));
-        if (std::none_of(volumes.begin(), volumes.end(),
-                         [&](const Volume& volume) { return volume.naaId == id; })) {
-            return id;
-        }
-    }
+    return formatted("6%015llx2d1f00%06x%04x",
+                     static_cast<unsigned long long>(sasAddress & ofController),
+                     static_cast<unsigned>(deleted), static_cast<unsigned>(number));
 }
 
 void Controller::enter(Volume volume) {
     if (volume.naaId.empty()) {
-        volume.naaId = nextNaaId();
+        volume.naaId = naaIdOf(volume.number);
     }
     volume.order = 0;
     for (const Volume& other : volumes) {
@@ -276,6 +270,7 @@ void Controller::remove(int number) {
     }
     const std::size_t group = found->group;
     volumes.erase(found);
+    ++deleted;
     if (std::none_of(volumes.begin(), volumes.end(),
                      [&](const Volume& volume) { return volume.group == group; })) {
         dissolve(group);

@@ -169,7 +169,7 @@ class Controller {
     int rebuildRate = 30;
     std::vector<Group> groups;
     std::vector<Volume> volumes; ///< by number
-    std::uint32_t made = 0;      ///< so many ids of virtual drives were given
+    std::uint32_t deleted = 0;   ///< so many virtual drives were
 
     static constexpr int lastNumber = 239;
 
@@ -206,7 +206,7 @@ class Controller {
 
   private:
     void dissolve(std::size_t group);
-    [[nodiscard]] std::string nextNaaId();
+    [[nodiscard]] std::string naaIdOf(int number) const;
 };
 
 } // namespace zolex_sim::storcli

@@ -544,7 +544,7 @@ Json stateJson(const Controller& controller) {
     Json json;
     json["jbod"] = controller.jbodOn;
     json["rebuildRate"] = controller.rebuildRate;
-    json["made"] = controller.made;
+    json["deleted"] = controller.deleted;
     json["groups"] = Json::array();
     for (const Group& group : controller.groups) {
         Json spans = Json::array();
@@ -569,7 +569,7 @@ void readState(Fields& fields, Controller& controller) {
     controller.volumes.clear();
     controller.jbodOn = fields.flag("jbod", true);
     controller.rebuildRate = fields.smallNumber("rebuildRate", 0, 100);
-    controller.made = static_cast<std::uint32_t>(fields.number("made", 0, 0xFFFFFFFF, 0));
+    controller.deleted = static_cast<std::uint32_t>(fields.number("deleted", 0, 0xFFFFFF, 0));
     readGroups(fields, controller);
     std::size_t read = 0;
     fields.list("drives", [&](const Json& item, const std::string& path) {
