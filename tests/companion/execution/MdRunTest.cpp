@@ -462,13 +462,18 @@ TEST_P(MdKilledRun, EndsAsPlannedAndTouchesNoOtherDrive) {
     const ApplyEnd whole = bench_.apply();
     ASSERT_EQ(whole.exitCode, 0) << testing::PrintToString(test::endLines(whole));
     planned_ = bench_.stands();
+    bool ranBefore = false;
     for (std::size_t moment = 1; killAndGoOn(moment, ChildFate::later, endless); ++moment) {
         // What becomes of a child matters only where one was at work.
-        if (bench_.system.ranWhenKilled) {
+        const bool ran = bench_.system.ranWhenKilled;
+        if (ran) {
             killAndGoOn(moment, ChildFate::done, endless);
             killAndGoOn(moment, ChildFate::gone, endless);
-            cutOff(moment);
         }
+        if (ran && !ranBefore) {
+            cutOff(moment); // once for each child
+        }
+        ranBefore = ran;
         if (HasFailure()) {
             return;
         }
