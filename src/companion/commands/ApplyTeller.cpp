@@ -485,7 +485,8 @@ void ApplyTeller::tellResults(const ApplyEnd& end) {
         closing = "Stopped on the way. " + printable(terms_.journalFile) + " tells what was done.";
         break;
     case exit_code::different:
-        closing = hasRemains(end)
+        closing = !end.changedSomething ? "Nothing was changed."
+                  : hasRemains(end)
                       ? "Ended before its last step: what stands is not as planned."
                       : "Every command was run, but the end is not proved to be as planned.";
         break;

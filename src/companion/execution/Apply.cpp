@@ -164,7 +164,7 @@ ApplyEnd apply(PlanRun& run) {
     }
     run.listener.isAsPlannedFor(snapshot);
     if (stepsAskedFor(run.plan, run.terms).empty()) {
-        return run.already();
+        return run.already(snapshot);
     }
     if (std::optional<RunFault> fault = run.agree()) {
         return run.refuse(std::move(*fault));

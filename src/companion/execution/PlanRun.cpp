@@ -549,7 +549,7 @@ bool PlanRun::check(ControllerProgress& progress) {
     }
     if (standsAfterSteps(plan, planning, progress.next, found->facts)) {
         progress.isChecked = progress.isDone();
-        return true;
+        return !progress.isDone() || !tellIdle(progress, found->facts, where);
     }
     const Layout foreseen =
         progress.isDone() ? planning.after : layoutAfterSteps(planning, progress.next);
@@ -557,27 +557,40 @@ bool PlanRun::check(ControllerProgress& progress) {
                                                  foreseen, {planning.controller.utility});
     if (progress.isDone() && comparison.result != Sameness::different) {
         progress.isChecked = true;
-        return true;
+        return !tellIdle(progress, found->facts, where);
     }
-    tellDifferent(progress, comparison, where);
+    tellDifferent(progress, comparison.differences, where, {planAgainHelp(plan)});
     return false;
 }
 
-void PlanRun::tellDifferent(ControllerProgress& progress, const Comparison& comparison,
-                            const std::string& where) {
+/// Whether a logical drive that stands as planned serves nobody: the controller goes no further.
+bool PlanRun::tellIdle(ControllerProgress& progress, const Facts& facts, const std::string& where) {
+    IdleVolumes idle = idleVolumes(progress.planning->controller.utility, facts);
+    if (idle.differences.empty()) {
+        return false;
+    }
+    progress.isChecked = false;
+    idle.help.push_back(journal_ ? resumeHelp("verifies it again") : planAgainHelp(plan));
+    tellDifferent(progress, idle.differences, where, idle.help);
+    return true;
+}
+
+void PlanRun::tellDifferent(ControllerProgress& progress,
+                            const std::vector<Difference>& differences, const std::string& where,
+                            const std::vector<std::string>& help) {
     const ControllerPlanning& planning = *progress.planning;
     RunFault fault;
     fault.exitCode = apply_code::different;
     fault.what = "what stands on controller " + std::to_string(planning.controller.number) + " " +
                  where + " is not what was planned";
     fault.code = run_problem::endsDifferent;
-    for (const Difference& difference : comparison.differences) {
+    for (const Difference& difference : differences) {
         fault.details.push_back(differenceText(difference));
     }
     if (fault.details.empty()) {
         fault.details.emplace_back("it is equivalent, but not the layout that was foreseen");
     }
-    fault.help = {planAgainHelp(plan)};
+    fault.help = help;
     if (progress.next > 0) {
         progress.failedStep = planning.steps[progress.next - 1].step;
     }
@@ -647,7 +660,14 @@ void PlanRun::verifyController(ControllerProgress& progress, const Snapshot& sna
         for (const Difference& difference : comparison.differences) {
             verified.lines.push_back(name + differenceText(difference));
         }
-        tellDifferent(progress, comparison, "now");
+        tellDifferent(progress, comparison.differences, "now", {planAgainHelp(plan)});
+        return;
+    }
+    if (tellIdle(progress, found.facts, "now")) {
+        verified.result = Result::different;
+        for (const std::string& line : faults_.back().details) {
+            verified.lines.push_back(name + line);
+        }
         return;
     }
     progress.isChecked = true;
@@ -802,9 +822,16 @@ ApplyEnd PlanRun::refuse(RunFault fault) {
     return endOf(std::move(fault));
 }
 
-ApplyEnd PlanRun::already() {
-    isVerified_ = true;
-    return endOf({});
+ApplyEnd PlanRun::already(const Snapshot& snapshot) {
+    for (ControllerProgress& progress : controllers) {
+        const ControllerSnapshot* const found =
+            capturedController(snapshot, progress.planning->controller.number);
+        if (found != nullptr && progress.planning->disposition != Disposition::skipped) {
+            (void)tellIdle(progress, found->facts, "now");
+        }
+    }
+    isVerified_ = faults_.empty();
+    return endOf(wholeFault());
 }
 
 ApplyEnd PlanRun::fail(const std::exception& thrown) {

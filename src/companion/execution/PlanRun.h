@@ -57,8 +57,8 @@ class PlanRun {
     ApplyEnd stop(RunFault fault);
     /// What becomes of a run in which something was thrown.
     ApplyEnd fail(const std::exception& thrown);
-    /// Ends where there is nothing to do.
-    ApplyEnd already();
+    /// Ends where there is nothing to do; what stands must serve all the same.
+    ApplyEnd already(const Snapshot& snapshot);
 
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
     std::optional<RunFault> agree();
@@ -114,8 +114,9 @@ class PlanRun {
     void stopRun(RunFault fault);
 
     bool check(ControllerProgress& progress);
-    void tellDifferent(ControllerProgress& progress, const Comparison& comparison,
-                       const std::string& where);
+    void tellDifferent(ControllerProgress& progress, const std::vector<Difference>& differences,
+                       const std::string& where, const std::vector<std::string>& help);
+    bool tellIdle(ControllerProgress& progress, const Facts& facts, const std::string& where);
     void verify();
     void verifyController(ControllerProgress& progress, const Snapshot& snapshot,
                           JournalVerified& verified);
@@ -174,6 +175,12 @@ ApplyEnd carriedOut(Platform& machine, const CaptureRequest& capture, ExecutionS
                                                     const std::string& output);
 /// "now on controller 1: A stands, B does not; LD 0 is gone".
 [[nodiscard]] std::string nowLine(const ControllerPlanning& planning, const Facts& facts);
+/// Logical drives that serve nobody as they are, though they stand.
+struct IdleVolumes {
+    std::vector<Difference> differences;
+    std::vector<std::string> help; ///< how they are made to serve
+};
+[[nodiscard]] IdleVolumes idleVolumes(const std::string& utility, const Facts& facts);
 /// "write_cache_policy of LD 0: planned is write-back; found is write-through".
 [[nodiscard]] std::string differenceText(const Difference& difference);
 

@@ -101,6 +101,13 @@ struct FamilyVerdict {
     std::string instead;
 };
 
+/// A logical drive that is there and serves nobody.
+struct FamilyIdle {
+    std::string serves; ///< its state if it did: "active"
+    std::string state;  ///< "stopped"
+    std::string help;   ///< how it is made to serve
+};
+
 /// The machine under a family whose command lines are more than the start of one program.
 struct FamilyMachine {
     /// Starts a program, the first of the arguments.
@@ -164,6 +171,11 @@ class Family {
     /// Why a logical drive cannot be deleted as it stands; empty for one that can.
     [[nodiscard]] virtual std::string whyNotDeleted(const LogicalDriveFacts& /*volume*/) const {
         return {};
+    }
+    /// Why a logical drive serves nobody, whole as it may be; nothing for one that does.
+    [[nodiscard]] virtual std::optional<FamilyIdle>
+    whyIdle(const LogicalDriveFacts& /*volume*/) const {
+        return std::nullopt;
     }
     /// What somebody may type to make a drive usable that the system has as it is; for eyes, as its
     /// data is lost. Empty: there is nothing.

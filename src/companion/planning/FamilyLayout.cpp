@@ -150,11 +150,15 @@ class LayoutMaker {
             return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
                    drive.array;
         }
+        const std::string makeGood = planned_.family.makeGood(planned_.detail.adapter, drive.facts);
         switch (drive.facts.state) {
         case DriveState::jbod:
+            if (makeGood.empty()) {
+                return "take it out of the policy; or, if nobody needs it, clear it with what "
+                       "made it (or wipefs), and plan again";
+            }
             return "take it out of the policy; or make it good, which loses all that is on it: " +
-                   typedLine(planned_.family, planned_.detail,
-                             planned_.family.makeGood(planned_.detail.adapter, drive.facts));
+                   typedLine(planned_.family, planned_.detail, makeGood);
         case DriveState::failed:
         case DriveState::missing:
             return "replace the drive, or take it out of the policy";

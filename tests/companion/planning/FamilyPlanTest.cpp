@@ -127,6 +127,30 @@ TEST(FamilyPlan, WhichPolicyHolds) {
               "skipped: no policy fits: Policy.x asks for t:MD, and it is PERC-H755-Front\n");
 }
 
+/// Policies of before go on holding for the card that STORCLI drives now.
+TEST(FamilyPlan, TheNamesByWhichZolexKnowsACardHold) {
+    const auto planFor = [](const char* pciIds, const std::string& type) {
+        FamilyServer server("AVAGO-MegaRAID");
+        server.addDrives(2);
+        server.controller().pciIds = pciIds;
+        return planLines(server.plan("[Policy.old]\nAppliesTo.1 = t:" + type + ",d:2\n"));
+    };
+    const auto skipped = [](const std::string& type) {
+        return "skipped: no policy fits: Policy.old asks for t:" + type +
+               ", and it is AVAGO-MegaRAID\n";
+    };
+    const char* const old = "1000:0411:1000:1002";
+    const char* const newer = "1000:0079:1000:9261";
+    EXPECT_TRUE(planFor(old, "LSI-MegaRAID-8480").starts_with("planned\n"));
+    EXPECT_TRUE(planFor(newer, "Kestrix-D4").starts_with("planned\n"));
+    EXPECT_EQ(planFor(old, "LSI-MegaRAID-8480"), planFor(old, "STORCLI"));
+    EXPECT_EQ(planFor(newer, "LSI-MegaRAID-8480"), skipped("LSI-MegaRAID-8480"));
+    EXPECT_EQ(planFor(old, "Kestrix-D4"), skipped("Kestrix-D4"));
+    EXPECT_EQ(planFor(old, "Kestrix-B7"), skipped("Kestrix-B7"));
+    EXPECT_EQ(planFor("1000:10e2:1028:1ae1", "Kestrix-D4"), skipped("Kestrix-D4"));
+    EXPECT_EQ(planFor("", "LSI-MegaRAID-8480"), skipped("LSI-MegaRAID-8480"));
+}
+
 TEST(FamilyPlan, ListedDrivesByNumberAndPlace) {
     FamilyServer server;
     server.addDrives(4);

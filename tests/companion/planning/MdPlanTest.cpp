@@ -198,6 +198,9 @@ TEST(MdPlan, ADriveInUseIsRefusedWithItsReason) {
     EXPECT_EQ(plan.controllers.at(0).disposition, Disposition::refused);
     EXPECT_EQ(told(plan.controllers.at(0).diagnostics),
               "ZX702: Array.A names ata-2: in use: mounted at /srv\n");
+    EXPECT_EQ(plan.controllers.at(0).diagnostics.at(0).help.at(0),
+              "take it out of the policy; or, if nobody needs it, clear it with what made it (or "
+              "wipefs), and plan again");
     EXPECT_EQ(plan.controllers.at(0).controller.facts.drives.at(1).reportedState,
               "in use: mounted at /srv");
 }

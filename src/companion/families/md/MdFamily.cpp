@@ -16,6 +16,8 @@ constexpr std::array<std::string_view, 1> programNames = {"mdadm"};
 constexpr std::string_view commandFailed = "ZP100";
 constexpr std::string_view utilityMissing = "ZP101";
 constexpr std::string_view readingsDiffer = "ZP113";
+constexpr std::string_view notRunning = " of zolexctl runs.";
+constexpr std::string_view startHelp = "start it: mdadm --assemble --scan";
 
 bool isGood(const FamilyListing& listing) {
     return listing.outcome == ChildOutcome::ended && listing.exitCode == 0;
@@ -186,6 +188,12 @@ class MdFamily : public Family {
                                         : volume.reportedState.substr(use + useSeparator.size());
     }
 
+    std::optional<FamilyIdle> whyIdle(const LogicalDriveFacts& volume) const override {
+        return volume.device.empty()
+                   ? std::optional(FamilyIdle{"active", "stopped", std::string(startHelp)})
+                   : std::nullopt;
+    }
+
     std::string deleteVolume(std::int32_t, const LogicalDriveFacts& volume) const override {
         if (!whyNotDeleted(volume).empty()) {
             return {};
@@ -236,6 +244,8 @@ class MdFamily : public Family {
                             "clear it if nobody needs it: wipefs DRIVE"};
         } else if (exitCode == MdHost::refused && commandLine.starts_with("MD --create")) {
             verdict.help = {"See what uses it: lsblk, and zolexctl show --family md"};
+        } else if (exitCode == MdHost::refused && output.find(notRunning) != output.npos) {
+            verdict.help = {std::string(startHelp)};
         }
         return verdict;
     }
