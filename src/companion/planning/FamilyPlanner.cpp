@@ -1,6 +1,5 @@
 #include "companion/planning/FamilyPlanner.h"
 
-#include "companion/families/CacheCodes.h"
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/lint/Entries.h"
