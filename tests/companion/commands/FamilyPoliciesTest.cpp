@@ -227,6 +227,7 @@ What is lost: nothing on 1 server, 5 logical drives (38.13 TB) and 2 hot spares
   on 2
 Every single command was made to fail once (11 runs): resume always ended as
   planned.
+Warnings: ZX309 on 2 servers; -v shows each
 )");
     const Seen supposed = run([](Context& context) {
         RehearseOptions options;
