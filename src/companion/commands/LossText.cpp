@@ -4,6 +4,7 @@
 #include "companion/picture/TextLines.h"
 #include "companion/text/Sizes.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -36,7 +37,11 @@ std::string wordsOf(const std::vector<std::string>& names) {
 
 } // namespace
 
-std::string lossLines(const std::vector<Loss>& losses, const TextStyle& style) {
+namespace {
+
+/// With `isNamedBelow` what people call a logical drive stands in a line of its own.
+std::vector<std::string> lossTexts(const std::vector<Loss>& losses, bool isNamedBelow,
+                                   const TextStyle& style) {
     std::vector<FieldLine> lines;
     for (const Loss& loss : losses) {
         FieldLine line;
@@ -48,12 +53,30 @@ std::string lossLines(const std::vector<Loss>& losses, const TextStyle& style) {
         add(printable(loss.raidType));
         add(loss.capacityBytes > 0 ? sizeText(loss.capacityBytes) : "", true);
         add(loss.kind == "logical_drive" ? drivesOf(loss) : "");
-        add(volumeAliasText(loss.name, loss.device));
+        const std::string alias = volumeAliasText(loss.name, loss.device);
+        add(isNamedBelow ? "" : alias);
         add("controller " + std::to_string(loss.controller));
         lines.push_back(std::move(line));
+        if (isNamedBelow && !alias.empty()) {
+            lines.push_back({6, {{alias, Emphasis::bad}}});
+        }
+    }
+    return fieldLines(lines, style);
+}
+
+bool isFolded(const std::string& line) {
+    return line.find('\n') + 1 < line.size();
+}
+
+} // namespace
+
+std::string lossLines(const std::vector<Loss>& losses, const TextStyle& style) {
+    std::vector<std::string> lines = lossTexts(losses, false, style);
+    if (std::any_of(lines.begin(), lines.end(), isFolded)) {
+        lines = lossTexts(losses, true, style);
     }
     std::string text;
-    for (const std::string& line : fieldLines(lines, style)) {
+    for (const std::string& line : lines) {
         text += line;
     }
     return text;

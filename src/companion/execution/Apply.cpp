@@ -229,6 +229,7 @@ Certificate certificateOf(const MachinePlan& plan, const ApplyEnd& end, const Ap
             controller.utility = found->utility;
             controller.facts = found->facts;
             controller.layout = capturedLayout(found->facts);
+            nameCovers(controller.layout, found->facts);
             controller.layoutHash = layoutHash(found->facts);
         }
     }

@@ -200,6 +200,8 @@ ControllerDiff controllerDiff(const Snapshot& snapshot, const Certificate::Contr
     const std::vector<std::string> anew = volumesMadeAnew(controller.layout, details->facts);
     diff.comparison.equivalences.insert(diff.comparison.equivalences.end(), anew.begin(),
                                         anew.end());
+    diff.hasVolumesMadeAnew = !anew.empty();
+    diff.hasOtherDrives = !changes.empty() || diff.result == ControllerDiff::Result::equivalent;
     if (diff.result == ControllerDiff::Result::same && (!changes.empty() || !anew.empty())) {
         diff.result = ControllerDiff::Result::equivalent;
         diff.comparison.result = Sameness::equivalent;

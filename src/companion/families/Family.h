@@ -44,6 +44,7 @@ struct FamilyController {
     Facts facts;
     std::vector<FamilyFinding> findings;
     bool failed = false; ///< its utility failed: nothing but that it is there is known
+    std::string program; ///< as in FamilyRequest
 };
 
 struct FamilyCapture {
@@ -59,6 +60,7 @@ struct FamilyRequest {
     /// False where only the controllers are asked for that its policies may name, and this family
     /// has to be asked for by name ("--family md").
     bool isAskedFor = false;
+    std::string program; ///< usual name of the one that was found: "perccli64"; empty: not known
 };
 
 /// A logical drive to be made, with its drives.

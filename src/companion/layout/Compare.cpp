@@ -514,7 +514,8 @@ class LayoutComparison {
             return;
         }
         if (!coversAsMuch(wanted, *found)) {
-            tell("hotspare_type", location, "", kindText(wanted), kindText(*found));
+            tell("hotspare_type", location, "", kindText(wanted, wanted.covers),
+                 kindText(*found, coveredBy(*found)));
             result_.sparesInTheWay.push_back(location);
             location.clear();
             return;
@@ -525,16 +526,26 @@ class LayoutComparison {
         }
     }
 
-    static std::string kindText(const LayoutSpare& spare) {
-        return spare.isDedicated ? "dedicated" : "global";
+    [[nodiscard]] Locations coveredBy(const LayoutSpare& found) const {
+        const DriveFacts* const drive = classes_.drive(found.location);
+        return drive == nullptr ? Locations() : drive->covers;
     }
 
-    /// A dedicated spare has one array, which some listings do not name.
+    /// "dedicated to A", "global".
+    static std::string kindText(const LayoutSpare& spare, const Locations& covers) {
+        std::string text = spare.isDedicated ? "dedicated" : "global";
+        for (std::size_t i = 0; spare.isDedicated && i < covers.size(); ++i) {
+            text += (i == 0 ? " to " : ", ") + covers[i];
+        }
+        return text;
+    }
+
+    /// A dedicated spare has its arrays, which some listings and some documents do not name.
     [[nodiscard]] bool coversAsMuch(const LayoutSpare& wanted, const LayoutSpare& found) const {
         if (wanted.isDedicated == found.isDedicated) {
-            const DriveFacts* const drive = classes_.drive(found.location);
-            return !wanted.isDedicated || drive == nullptr || drive->covers.empty() ||
-                   coversTheSame(wanted, drive->covers);
+            const Locations covers = coveredBy(found);
+            return !wanted.isDedicated || wanted.covers.empty() || covers.empty() ||
+                   coversTheSame(wanted, covers);
         }
         const auto redundant = static_cast<std::size_t>(std::count_if(
             wanted_.groups.begin(), wanted_.groups.end(), [](const LayoutGroup& group) {

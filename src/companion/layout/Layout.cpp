@@ -288,6 +288,15 @@ Layout capturedLayout(const Facts& facts) {
     return layout;
 }
 
+void nameCovers(Layout& captured, const Facts& facts) {
+    for (LayoutSpare& spare : captured.spares) {
+        const DriveFacts* const drive = facts.drive(spare.location);
+        if (spare.isDedicated && drive != nullptr) {
+            spare.covers = drive->covers;
+        }
+    }
+}
+
 void normalize(Layout& layout) {
     mergeGroups(layout);
     for (LayoutGroup& group : layout.groups) {

@@ -49,7 +49,7 @@ struct LayoutGroup {
 
 struct LayoutSpare {
     std::string location;
-    std::vector<std::string> covers; ///< wanted: ids of groups; captured: empty
+    std::vector<std::string> covers; ///< ids of groups; captured: empty, or named by nameCovers
     bool isDedicated = false;
     bool isListed = false; ///< wanted: the policy names this very drive
     friend bool operator==(const LayoutSpare&, const LayoutSpare&) = default;
@@ -67,6 +67,8 @@ struct Layout {
 
 /// What stands on the controller.
 [[nodiscard]] Layout capturedLayout(const Facts& facts);
+/// Gives the dedicated spares of a captured layout the arrays that their drives tell of.
+void nameCovers(Layout& captured, const Facts& facts);
 
 /// Sorts groups, spans and spares, makes one group of those over the same drives, cuts the drives
 /// of a group that come as one span into the spans of its level, and has one word for one thing:

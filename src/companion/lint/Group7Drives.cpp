@@ -696,7 +696,10 @@ class PlannedDrives {
                                 (machine_.isOfPlan || !isInUse(drive)) &&
                                 drive.facts.state != DriveState::foreign;
             const bool isOutside = !drive.policyPosition && drive.facts.state == DriveState::free;
-            if (isOutside || (isFree && !isPlanned(*drive.policyPosition))) {
+            const bool hasJob = machine_.used
+                                    ? machine_.used->contains(drive.facts.location)
+                                    : drive.policyPosition && isPlanned(*drive.policyPosition);
+            if (isOutside || (isFree && !hasJob)) {
                 idle.push_back(&drive);
             }
         }

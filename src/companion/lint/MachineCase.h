@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ struct MachineCase {
     /// zolex alone would do wrong.
     bool isOfPlan = false;
     std::string uncovered = {}; ///< letters of the arrays that shall have no hot spare
+    /// Locations of the drives that have a job where equal ones do what was planned for others;
+    /// nothing: those that are planned.
+    std::optional<std::set<std::string>> used = {};
 
     /// "controller 1 of KQ10Z7V", or "controller 1" of a machine without a name.
     [[nodiscard]] std::string name() const;

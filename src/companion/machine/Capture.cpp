@@ -288,11 +288,14 @@ class Capturer {
         request.progress = request_.progress;
         request.elapsed = system::elapsed;
         request.isAskedFor = isAskedByName(family);
-        FamilyCapture captured = family.capture(platform_, request);
         // UTIL.BAT, and what a recording stands for, need not know the family at all.
         const bool isOwnProgram = request_.utilities != nullptr &&
                                   !request_.utilities->programOf(family.name()).empty() &&
                                   !request_.utilities->usesWrapper(family.name());
+        if (isOwnProgram) {
+            request.program = usualName(family, request_.utilities->programOf(family.name()));
+        }
+        FamilyCapture captured = family.capture(platform_, request);
         if (isOwnProgram || family.isOptIn() || !captured.controllers.empty()) {
             for (const FamilyFinding& told : captured.findings) {
                 snapshot_.findings.push_back(familyFinding(told));

@@ -3,9 +3,11 @@
 #include "companion/machine/Join.h"
 #include "companion/machine/KnownFunctions.h"
 #include "companion/machine/ProblemCodes.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <map>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -57,6 +59,20 @@ void joinFamilyDrives(ControllerSnapshot& snapshot) {
 
 } // namespace
 
+std::string usualName(const Family& family, std::string_view path) {
+    constexpr std::string_view suffix = ".exe";
+    std::string_view name = path.substr(path.find_last_of("/\\") + 1);
+    if (name.size() > suffix.size() &&
+        text::equalsNoCase(name.substr(name.size() - suffix.size()), suffix)) {
+        name.remove_suffix(suffix.size());
+    }
+    const std::span<const std::string_view> usual = family.programs();
+    const auto found = std::find_if(usual.begin(), usual.end(), [name](std::string_view each) {
+        return text::equalsNoCase(each, name);
+    });
+    return found == usual.end() ? std::string() : std::string(*found);
+}
+
 Finding familyFinding(const FamilyFinding& told) {
     Finding finding = problemFinding(told.code, told.summary, told.detail);
     if (!told.help.empty()) {
@@ -72,6 +88,7 @@ ControllerSnapshot familySnapshot(const Family& family, FamilyController control
     snapshot.index = ControllerSnapshot::noRecord;
     snapshot.model = std::move(controller.model);
     snapshot.utility = family.name();
+    snapshot.program = std::move(controller.program);
     snapshot.adapter = controller.adapter;
     snapshot.pci = std::move(controller.pci);
     snapshot.pciIds = std::move(controller.pciIds);

@@ -4,6 +4,8 @@
 #include "companion/machine/Snapshot.h"
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace zolex::companion {
 
@@ -12,6 +14,10 @@ namespace zolex::companion {
 /// enclosures in the order of their numbers, from 1; drives in none have the first.
 [[nodiscard]] ControllerSnapshot familySnapshot(const Family& family, FamilyController controller,
                                                 std::int32_t number);
+
+/// Which of the usual names of the family's programs the program of this path has: "perccli64" of
+/// "C:\\tools\\PERCCLI64.EXE"; empty: none.
+[[nodiscard]] std::string usualName(const Family& family, std::string_view path);
 
 /// What a family says, as a finding of the machine.
 [[nodiscard]] Finding familyFinding(const FamilyFinding& told);

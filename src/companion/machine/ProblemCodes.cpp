@@ -1,6 +1,5 @@
 #include "companion/machine/ProblemCodes.h"
-
-#include "companion/families/CacheCodes.h"
+#include "companion/families/FamilyCodes.h"
 
 #include "foundation/Text.h"
 

@@ -50,6 +50,7 @@ struct ControllerSnapshot {
     static constexpr std::size_t noRecord = static_cast<std::size_t>(-1);
     std::string model;        ///< "LSI-MegaRAID-8480"
     std::string utility;      ///< "MEGACLI"
+    std::string program;      ///< of a family: as in FamilyRequest
     std::int32_t adapter = 0; ///< its number in the utility's commands
     std::string pci;          ///< "0000:02:0e.0"; empty when not known
     std::string pciIds;       ///< "1000:0411:1000:1002"; empty when not known

@@ -340,6 +340,19 @@ std::string whatItTakes(const std::vector<const ControllerDiff*>& different) {
     return text;
 }
 
+/// In what the machine is not as its certificate says, though its layouts are: ", but for drives".
+std::string butFor(const MachineDiff& diff) {
+    const auto isAny = [&diff](bool ControllerDiff::*what) {
+        return std::any_of(diff.controllers.begin(), diff.controllers.end(),
+                           [what](const ControllerDiff& each) { return each.*what; });
+    };
+    const bool isOfDrives = isAny(&ControllerDiff::hasOtherDrives);
+    const bool isOfVolumes = isAny(&ControllerDiff::hasVolumesMadeAnew);
+    return std::string(isOfDrives || isOfVolumes ? ", but for " : "") +
+           (isOfDrives ? "drives" : "") + (isOfDrives && isOfVolumes ? " and " : "") +
+           (isOfVolumes ? "logical drives that were made anew" : "");
+}
+
 /// The closing sentences.
 std::string closing(const MachineDiff& diff) {
     std::vector<const ControllerDiff*> different;
@@ -376,7 +389,7 @@ std::string closing(const MachineDiff& diff) {
                                           ? std::string(diff.wisher()) + " says"
                                           : "policies say");
     text += equivalent == 0        ? "."
-            : diff.isByCertificate ? ", but for drives."
+            : diff.isByCertificate ? butFor(diff) + "."
                                    : ", on equal drives.";
     text += skipped > 0 ? " " + countOf(skipped, all, "is skipped.", "are skipped.") : "";
     return text;

@@ -1,6 +1,6 @@
 #include "companion/picture/MachineText.h"
 
-#include "companion/families/CacheCodes.h"
+#include "companion/families/FamilyCodes.h"
 #include "companion/picture/Roles.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Table.h"

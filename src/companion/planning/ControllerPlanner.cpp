@@ -8,6 +8,7 @@
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/PlannedLayout.h"
 #include "companion/planning/Steps.h"
+#include "companion/planning/UsedDrives.h"
 #include "companion/planning/Warnings.h"
 #include "companion/rewriting/PlanComparison.h"
 #include "engine/PlanController.h"
@@ -190,26 +191,29 @@ void ControllerPlanner::planBy(const PlanPolicies& policies, std::size_t policy,
                            ", too few for " + detail.model;
         return;
     }
-    FindingSink sink(policies.document.file);
-    Models models;
-    MachineCase machine{
-        snapshot_,         detail, record, plan, policies.views, &policies.views[policy], true,
-        policies.uncovered};
-    checkController(machine, models, sink);
-    attempt.findings = sink.take();
-    policies.place(attempt.findings);
     attempt.fault = plan.fault;
-    if (plan.outcome == Outcome::planned) {
-        attempt.isPlanned = true;
+    attempt.isPlanned = plan.outcome == Outcome::planned;
+    if (attempt.isPlanned) {
         fillLayout({record, detail, policies, policy, plan, planning.bindings}, planning);
         planning.after = layoutOf(planning);
         CompareTerms terms;
         terms.utility = detail.utility;
         planning.before = capturedLayout(detail.facts);
         planning.comparison = compareLayouts(detail.facts, planning.before, planning.after, terms);
-        return;
     }
-    if (!hasErrors(attempt.findings)) {
+    FindingSink sink(policies.document.file);
+    Models models;
+    MachineCase machine{
+        snapshot_,         detail, record, plan, policies.views, &policies.views[policy], true,
+        policies.uncovered};
+    if (attempt.isPlanned && request_.strategy != StrategyWish::rebuild &&
+        planning.comparison.result != Sameness::different) {
+        machine.used = usedDrives(planning, true);
+    }
+    checkController(machine, models, sink);
+    attempt.findings = sink.take();
+    policies.place(attempt.findings);
+    if (!attempt.isPlanned && !hasErrors(attempt.findings)) {
         attempt.findings.push_back(planFault(
             problem::notPlanned, plan.fault ? faultLine(*plan.fault) : "no plan can be made",
             {"zolexctl show"}));

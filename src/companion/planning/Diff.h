@@ -28,6 +28,9 @@ struct ControllerDiff {
     std::vector<std::string> takesRebuild; ///< "strip size", "other drives"
     std::vector<std::string> toRemove;     ///< "LD 2", "hot spare 32:7"
     std::vector<Finding> diagnostics;      ///< of refused and unknown
+    // By a certificate: what is not as it was, though the layout is.
+    bool hasOtherDrives = false;
+    bool hasVolumesMadeAnew = false;
 };
 /// "same", "equivalent", "different", "skipped", "unknown".
 [[nodiscard]] std::string_view diffResultWord(ControllerDiff::Result result);

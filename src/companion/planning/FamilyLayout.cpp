@@ -879,7 +879,8 @@ std::string typedLine(const Family& family, const ControllerSnapshot& controller
     const std::span<const std::string_view> programs = family.programs();
     const bool isPerc = controller.model.starts_with("PERC");
     const auto own = std::find_if(programs.begin(), programs.end(), [&](std::string_view program) {
-        return program.starts_with("perc") == isPerc;
+        return controller.program.empty() ? program.starts_with("perc") == isPerc
+                                          : program == controller.program;
     });
     if (own != programs.end() && line.starts_with(family.name())) {
         line.replace(0, family.name().size(), *own);

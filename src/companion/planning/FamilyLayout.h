@@ -23,7 +23,7 @@ struct FamilyCase {
 };
 
 /// A command line of the family as somebody types it: "perccli64 /c0/e252/s3 set good force". The
-/// program is the one that the maker of the controller calls so.
+/// program is the one that was found, else the one that the maker of the controller calls so.
 [[nodiscard]] std::string typedLine(const Family& family, const ControllerSnapshot& controller,
                                     std::string line);
 

@@ -1,6 +1,5 @@
 #include "companion/planning/FamilyPlanner.h"
 
-#include "companion/families/CacheCodes.h"
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/lint/Entries.h"
@@ -10,6 +9,7 @@
 #include "companion/planning/HurtArrays.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"
+#include "companion/planning/UsedDrives.h"
 #include "companion/planning/Warnings.h"
 
 #include <algorithm>
@@ -40,25 +40,6 @@ std::int32_t placeInFamily(const Snapshot& snapshot, const ControllerSnapshot& d
                    [&detail](const FamilyPlace& other) {
                        return other.utility == detail.utility && other.number < detail.number;
                    }));
-}
-
-/// The drives that have a job when the plan is carried out; with `keeps` those that do one as well
-/// as the planned drives stay at it.
-std::set<std::string> usedDrives(const ControllerPlanning& planning, bool keeps) {
-    const Comparison& comparison = planning.comparison;
-    std::set<std::string> used;
-    for (std::size_t i = 0; i < planning.after.groups.size(); ++i) {
-        const bool stands = keeps && i < comparison.groups.size() && comparison.groups[i].isWhole;
-        const std::vector<std::string> drives =
-            stands ? planning.before.groups.at(*comparison.groups[i].captured).drives()
-                   : planning.after.groups[i].drives();
-        used.insert(drives.begin(), drives.end());
-    }
-    for (std::size_t i = 0; i < planning.after.spares.size(); ++i) {
-        const bool stands = keeps && i < comparison.spares.size() && !comparison.spares[i].empty();
-        used.insert(stands ? comparison.spares[i] : planning.after.spares[i].location);
-    }
-    return used;
 }
 
 } // namespace

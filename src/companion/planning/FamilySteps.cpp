@@ -28,7 +28,8 @@ class StepMaker {
         : family_(family), planning_(planning), choice_(choice) {}
 
     void make() {
-        nameCovers();
+        // A run that is gone on with looks at it.
+        nameCovers(planning_.before, planning_.controller.facts);
         removeSpares();
         makeSparesOfStanding();
         removeVolumes();
@@ -76,16 +77,6 @@ class StepMaker {
     void lose(PlanStep& step, Loss loss) {
         step.destroys.push_back(loss.id);
         planning_.losses.push_back(std::move(loss));
-    }
-    /// What the spares that stand are of, as their drives tell: a run that is gone on with looks at
-    /// it.
-    void nameCovers() {
-        for (LayoutSpare& spare : planning_.before.spares) {
-            const DriveFacts* const drive = planning_.controller.facts.drive(spare.location);
-            if (spare.isDedicated && drive != nullptr) {
-                spare.covers = drive->covers;
-            }
-        }
     }
     [[nodiscard]] std::int32_t adapter() const { return planning_.controller.adapter; }
 

@@ -124,6 +124,29 @@ bool asksForCount(const ControllerPlanning& planning) {
     return false;
 }
 
+/// ", or name the drives by their slots: Drives.A = slots 252:0,252:1", of the first array whose
+/// drives are counted; empty where slots do not name them.
+std::string slotsHelp(const ControllerPlanning& planning) {
+    constexpr std::size_t mostNamed = 8;
+    const std::string help = ", or name the drives by their slots";
+    const auto isCounted = [](const PlannedDrive& drive) { return isNumber(drive.reason); };
+    const auto found = std::find_if(
+        planning.arrays.begin(), planning.arrays.end(), [&](const PlannedArray& array) {
+            return std::any_of(array.drives.begin(), array.drives.end(), isCounted);
+        });
+    if (found == planning.arrays.end() || found->drives.size() > mostNamed) {
+        return help;
+    }
+    std::string slots;
+    for (const PlannedDrive& drive : found->drives) {
+        if (drive.location.find(':') == std::string::npos) {
+            return {};
+        }
+        slots += (slots.empty() ? "" : ",") + drive.location;
+    }
+    return help + ": Drives." + found->id + " = slots " + slots;
+}
+
 /// Where logical drives are deleted, the numbers had better name the drives that are meant.
 void tellNumbers(const ControllerPlanning& planning, std::vector<Finding>& findings) {
     const auto deleted =
@@ -144,7 +167,7 @@ void tellNumbers(const ControllerPlanning& planning, std::vector<Finding>& findi
         " deleted: a drive that was pulled or added shifts the numbers behind it";
     finding.help = {"see that the numbers are those that are meant: zolexctl show",
                     "add d:" + std::to_string(planning.controller.drives.size()) +
-                        ", or name the drives by their slots: Drives.A = slots 64:0,64:1"};
+                        slotsHelp(planning)};
     findings.push_back(std::move(finding));
 }
 

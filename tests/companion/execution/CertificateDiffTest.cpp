@@ -48,8 +48,40 @@ TEST(CertificateDiff, TellsALogicalDriveThatWasMadeAnew) {
     EXPECT_EQ(
         diff.controllers[0].comparison.equivalences,
         std::vector<std::string>{"LD 1 was made anew: its id is 600aaa02 instead of 600aaa01"});
+    const auto ending = [](const std::string& text) { return text.substr(text.rfind("\n\n") + 2); };
+    EXPECT_EQ(ending(told(now, certificate)),
+              "The controller is as the certificate says, but for logical drives that were made\n"
+              "anew.\n");
+    Snapshot both = now;
+    driveOf(both, 1).serialNumber = "3LQ2B777";
+    EXPECT_EQ(ending(told(both, certificate)),
+              "The controller is as the certificate says, but for drives and logical drives\n"
+              "that were made anew.\n");
     // Of a certificate of before nothing is known.
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::same);
+}
+
+TEST(CertificateDiff, ADedicatedSpareIsOfTheArraysThatItWasOf) {
+    Snapshot now = certifiedSnapshot();
+    driveOf(now, 6).hotspare = HotspareKind::dedicated;
+    driveOf(now, 6).covers = {"1"};
+    factsOf(now).logicalDrives[0].array = "0";
+    factsOf(now).logicalDrives[1].array = "1";
+    // One that does not tell of which array.
+    Certificate certificate = certificateOf(now);
+    EXPECT_EQ(diffOf(now, certificate).result, ControllerDiff::Result::same);
+    nameCovers(certificate.controllers[0].layout, factsOf(now));
+    EXPECT_EQ(diffOf(now, certificate).result, ControllerDiff::Result::same);
+    driveOf(now, 6).covers = {"0"};
+    EXPECT_EQ(told(now, certificate),
+              R"(Controller 1  LSI-MegaRAID-8480                                        different
+  = LD 0  RAID1   67.8 GB  32:0 32:1
+  = LD 1  RAID5  135.5 GB  32:3-32:5
+  ~ 32:6  spare  certificate dedicated to 1  machine dedicated to 0
+
+The controller differs. This takes a rebuild: kind of hot spare. zolexctl show
+web.certificate.json shows what was left there.
+)");
 }
 
 TEST(CertificateDiff, TellsAttributesThatAreNotAsTheyWere) {

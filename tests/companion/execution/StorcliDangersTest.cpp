@@ -218,6 +218,9 @@ TEST_F(StorcliDangers, NumbersAreDoubtedWhereSomethingIsDeleted) {
     EXPECT_EQ(found->summary,
               "Array.A names drives by number, and AppliesTo.1 gives no d:, while 3 logical "
               "drives are deleted: a drive that was pulled or added shifts the numbers behind it");
+    EXPECT_EQ(found->help, Lines({"see that the numbers are those that are meant: zolexctl show",
+                                  "add d:16, or name the drives by their slots: Drives.A = slots "
+                                  "252:2,252:3,252:4,252:5"}));
 }
 
 /// A host adapter that is put in before it has its number now.

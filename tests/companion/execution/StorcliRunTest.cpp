@@ -1,6 +1,7 @@
 // Plans for today's controllers, carried out, failed and gone on with, in one process.
 
 #include "companion/execution/ApplyBench.h"
+#include "companion/execution/CertificateDiff.h"
 #include "companion/execution/StorcliRuns.h"
 #include "companion/planning/ResetPlan.h"
 #include "model/StorcliController.h"
@@ -117,6 +118,9 @@ TEST_P(StorcliApply, EndsAsPlannedAndLeavesNothingToDo) {
     const ApplyEnd end = bench_.apply();
     EXPECT_EQ(endLines(end), (Lines{"0: ", "controller 1: configured"}));
     EXPECT_TRUE(end.isVerified);
+    EXPECT_EQ(
+        diffOf(bench_.server.snapshot(), certificateOf(bench_.plan, end, bench_.terms)).result,
+        ControllerDiff::Result::same);
     EXPECT_TRUE(bench_.system.folders.empty());
     expectNothingToDo("");
     for (const std::string& line : bench_.system.started) {

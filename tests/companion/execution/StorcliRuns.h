@@ -76,6 +76,10 @@ inline std::vector<StorcliRun> storcliRuns() {
          storcliPolicies("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3,252:4,252:5\n"
                          "Level.A = 1\nLevel.B = 5\n"
                          "Spares = 1 covering A and 1 covering B\n")},
+        {"ADedicatedSpareStays", storcliServer("") + usedDrives + "]}]}",
+         storcliPolicies("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3,252:4,252:5\n"
+                         "Level.A = 1\nLevel.B = 5\n"
+                         "Spares = slots 252:10 covering A and slots 252:11 covering B\n")},
         {"RebuiltFirstVersion", storcliServer(R"(, "version": "1.x")") + usedDrives + "]}]}",
          other},
         {"PartKept",

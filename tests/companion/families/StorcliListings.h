@@ -91,7 +91,9 @@ struct ListedController {
             const auto found = answers.find(call);
             return found == answers.end() ? ChildResult{} : found->second;
         };
-        return Storcli().capture(platform, {});
+        FamilyRequest request;
+        request.program = program;
+        return Storcli().capture(platform, request);
     }
     /// The one controller.
     FamilyController controller() {
@@ -102,6 +104,7 @@ struct ListedController {
     }
 
     bool refusesNoLog = false;
+    std::string program; ///< as in FamilyRequest
     std::uint32_t refusalCode = 255;
 };
 

@@ -511,6 +511,9 @@ TEST(StorcliTraps, APreservedCacheIsTold) {
     controller = server.controller();
     EXPECT_EQ(controller.findings.front().help.front(),
               "see of which: perccli64 /c0 show preservedcache");
+    server.program = "storcli";
+    EXPECT_EQ(server.controller().findings.front().help.front(),
+              "see of which: storcli /c0 show preservedcache");
 }
 
 TEST(StorcliTraps, NoLogIsRefusedAndAskedWithoutOnce) {

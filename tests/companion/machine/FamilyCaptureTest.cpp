@@ -258,6 +258,28 @@ TEST(FamilyCapture, ThroughUtilBatOnlyWhenItIsNotFoundByItsOwnName) {
               Lines({"/root/perccli64", "show", "J", "nolog"}));
 }
 
+TEST(FamilyCapture, WhatSomebodyIsToTypeBeginsWithTheProgramThatWasFound) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"/opt/storcli", "storcli"},
+        {"C:\\tools\\PERCCLI64.EXE", "perccli64"},
+        {"perccli.exe", "perccli"},
+        {"/opt/my raid tool", ""},
+        {"/opt/storcli64/wrapper.sh", ""}};
+    for (const auto& [path, name] : rows) {
+        FamilyMachine machine;
+        machine.utilities.programs["STORCLI"] = path;
+        machine.server.edit("/c0 show all J", "\"Any Offline VD Cache Preserved\" : \"No\"",
+                            "\"Any Offline VD Cache Preserved\" : \"Yes\"");
+        const Snapshot snapshot = machine.capture();
+        ASSERT_EQ(snapshot.details.size(), 1U) << path;
+        EXPECT_EQ(snapshot.details[0].program, name) << path;
+        ASSERT_EQ(snapshot.details[0].findings.size(), 1U) << path;
+        EXPECT_EQ(snapshot.details[0].findings[0].help.front(),
+                  "see of which: " + (name.empty() ? "storcli64" : name) +
+                      " /c0 show preservedcache");
+    }
+}
+
 TEST(FamilyCapture, OneThatItsUtilityDoesNotTellOf) {
     FamilyMachine machine;
     machine.server.answer("show J", ListedController::overview({}));

@@ -57,6 +57,12 @@ TEST(FamilyPlan, WithoutADriveThatCanBeUsedNothingIsAsThePolicySays) {
         "skipped: none of its drives can be used: 252:0: it is a JBOD drive: the system has it "
         "as it is, and 1 more; to make it good, which loses all that is on it: perccli64 "
         "/c0/e252/s0 set good force\n");
+    server.controller().program = "storcli";
+    EXPECT_EQ(
+        planLines(server.plan(policy(""))),
+        "skipped: none of its drives can be used: 252:0: it is a JBOD drive: the system has it "
+        "as it is, and 1 more; to make it good, which loses all that is on it: storcli "
+        "/c0/e252/s0 set good force\n");
 }
 
 TEST(FamilyPlan, APairThatMayNameTwoDrivesIsRefused) {
@@ -637,9 +643,13 @@ TEST(FamilyPlan, ASpareThatStaysInPlaceOfAnotherHasAJob) {
     EXPECT_EQ(dispositionWord(same.controllers.front().disposition), "already");
     EXPECT_EQ(warningsOf(same), "ZX712: 4 drives get no job: 252:3, 252:5, 252:6, 252:7\n");
     const MachinePlan anew = server.plan(entries, StrategyWish::rebuild);
-    EXPECT_TRUE(
-        warningsOf(anew).starts_with("ZX712: 4 drives get no job: 252:3, 252:4, 252:5, 252:6\n"))
-        << warningsOf(anew);
+    EXPECT_EQ(warningsOf(anew),
+              "ZX712: 4 drives get no job: 252:3, 252:4, 252:5, 252:6\n"
+              "ZX309: Array.A names drives by number, and AppliesTo.1 gives no d:, while 1 logical "
+              "drive is deleted: a drive that was pulled or added shifts the numbers behind it\n"
+              "  help: see that the numbers are those that are meant: zolexctl show\n"
+              "  help: add d:8, or name the drives by their slots: Drives.A = slots "
+              "252:0,252:1,252:2\n");
 }
 
 TEST(FamilyPlan, EachDriveHasItsReason) {

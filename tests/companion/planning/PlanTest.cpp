@@ -437,6 +437,22 @@ warning ZP208: LD 0 is degraded: 32:7 rebuilding
 )");
 }
 
+/// The last drive would be made the spare; 32:5 is one, and stays.
+TEST(Plan, ASpareThatStaysInPlaceOfAnotherHasAJob) {
+    EXPECT_EQ(
+        outcomeText(planOf(megaPlanServer(
+                               R"({"enclosure": 32, "slot": 0, "count": 5, "sizeMB": 69376},
+{"enclosure": 32, "slot": 5, "sizeMB": 69376, "status": "hotspare"},
+{"enclosure": 32, "slot": 6, "count": 2, "sizeMB": 69376})",
+                               R"({"level": "RAID1", "writePolicy": "WB", "readPolicy": "ADRA",
+                          "spans": [["32:0", "32:1"]]})"),
+                           customPolicy("Array.A = 1,2\nLogical.1 = A:FILL:1:ON\n"))),
+        R"(controller 1 already (as the policy says, equivalent: the spare is 32:5 instead of 32:7)
+1:1 note ZX712: 5 drives get no job: 32:2, 32:3, 32:4, 32:6, 32:7
+  help: list them, or leave it so
+)");
+}
+
 TEST(Plan, WhatLetsAnErrorPassIsTheCommandAsItWasTyped) {
     PlanRequest request;
     request.command = "zolexctl plan site.ini --controller 1";

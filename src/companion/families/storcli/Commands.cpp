@@ -78,10 +78,11 @@ std::string nameOf(const std::string& name) {
 
 } // namespace
 
-std::string typed(const Facts& controller, std::string_view words) {
-    const std::string program =
-        controller.productName.starts_with("PERC") ? "perccli64 " : "storcli64 ";
-    return program + std::string(words);
+std::string typed(const FamilyController& controller, std::string_view words) {
+    const std::string program = !controller.program.empty() ? controller.program
+                                : controller.facts.productName.starts_with("PERC") ? "perccli64"
+                                                                                   : "storcli64";
+    return program + " " + std::string(words);
 }
 
 std::string drivePath(std::int32_t adapter, std::string_view location) {

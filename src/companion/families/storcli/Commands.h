@@ -19,9 +19,9 @@ inline constexpr std::string_view ending = " J nolog";
 /// "/c0/e252/s3", "/c0/s3" for a drive in no enclosure (":3").
 [[nodiscard]] std::string drivePath(std::int32_t adapter, std::string_view location);
 
-/// Words of the utility as somebody types them: "storcli64 /c0 show preservedcache". The program is
-/// the one that the controller's maker calls so.
-[[nodiscard]] std::string typed(const Facts& controller, std::string_view words);
+/// Words of the utility as somebody types them: "storcli64 /c0 show preservedcache". Where the
+/// program is not known, it is the one that the controller's maker calls so.
+[[nodiscard]] std::string typed(const FamilyController& controller, std::string_view words);
 
 [[nodiscard]] std::string createVolume(std::int32_t adapter, const VolumeWish& wish);
 [[nodiscard]] std::string deleteVolume(std::int32_t adapter, const LogicalDriveFacts& volume);

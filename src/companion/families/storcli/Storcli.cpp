@@ -110,6 +110,7 @@ class Asker {
         FamilyController controller;
         controller.adapter = listed.number;
         controller.model = storcliModel(listed.model);
+        controller.program = request_.program;
         const std::string path = "/c" + std::to_string(listed.number);
         if (take(controller, path + " show all J")) {
             const StorcliPlaces places = storcliPlaces(controller.listings.front().output);

@@ -1,7 +1,6 @@
 #include "companion/families/storcli/StorcliDecode.h"
 
 #include "companion/facts/FactValues.h"
-#include "companion/families/CacheCodes.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/families/storcli/Commands.h"
 #include "companion/families/storcli/StorcliWords.h"
@@ -195,7 +194,7 @@ class Decoder {
 
     /// Words behind the controller's path, as somebody types them.
     [[nodiscard]] std::string typed(const std::string& words) const {
-        return storcli::typed(facts_, "/c" + std::to_string(controller_.adapter) + words);
+        return storcli::typed(controller_, "/c" + std::to_string(controller_.adapter) + words);
     }
 
     void readDocuments() {
