@@ -4,6 +4,7 @@ was told later something is."""
 import random
 import struct
 import subprocess
+import zlib
 from pathlib import Path
 
 SECTOR = 512
@@ -35,6 +36,8 @@ def write_sparse(file, content):
 class PlainDrive:
     """A drive that keeps everything."""
 
+    has_id = False  # one of the whole world, as drives of servers have
+
     def __init__(self, image, name):
         self.image, self.name = Path(image), name
 
@@ -42,7 +45,8 @@ class PlainDrive:
         return ["-blockdev", f"driver=file,node-name={self.name},filename={self.image},cache.no-flush=on"]
 
     def devices(self):
-        return [*self.nodes(), "-device", f"scsi-hd,drive={self.name},serial={self.name}"]
+        wwn = f",wwn=0x5{zlib.crc32(self.name.encode()):015x}" if self.has_id else ""
+        return [*self.nodes(), "-device", f"scsi-hd,drive={self.name},serial={self.name}{wwn}"]
 
 
 class LoggedDrive(PlainDrive):
