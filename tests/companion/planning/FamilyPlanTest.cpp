@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 
 namespace zolex::companion {
@@ -363,6 +364,27 @@ TEST(FamilyPlan, APreservedCacheRefusesWhatMakesALogicalDriveAndNothingElse) {
     EXPECT_EQ(dispositionWord(same.controllers.front().disposition), "already");
     EXPECT_EQ(warningsOf(same), "ZP145: kept\n  help: see\n"
                                 "ZX712: 2 drives get no job: 252:2, 252:3\n");
+}
+
+TEST(FamilyPlan, AStripThatNoPolicyCanSayIsLeftOut) {
+    FamilyServer server;
+    server.addDrives(2);
+    LogicalDriveFacts& volume = server.addVolume("239", "0", "RAID0", {{0, 1}}, 2000);
+    volume.stripSizeBytes = 16 << 10U;
+    static_cast<void>(server.defaults()); // joins the drives
+    const CapturedPolicies said = capturedPolicies(server.snapshot, {});
+    EXPECT_NE(said.text.find("StripeSize = 16\n"), std::string::npos) << said.text;
+    server.controller().facts.logicalDrives.front().stripSizeBytes = 8 << 10U;
+    static_cast<void>(server.defaults());
+    const CapturedPolicies left = capturedPolicies(server.snapshot, {});
+    EXPECT_EQ(left.text.find("StripeSize"), std::string::npos) << left.text;
+    const bool isTold =
+        std::any_of(left.findings.begin(), left.findings.end(), [](const Finding& finding) {
+            return finding.code == "ZC112" &&
+                   finding.summary.find("its strip size is 8 KB, which no policy can say: it is "
+                                        "left to the controller") != std::string::npos;
+        });
+    EXPECT_TRUE(isTold);
 }
 
 TEST(FamilyPlan, DrivesThatCannotBeUsed) {
