@@ -366,6 +366,33 @@ TEST(FamilyPlan, APreservedCacheRefusesWhatMakesALogicalDriveAndNothingElse) {
                                 "ZX712: 2 drives get no job: 252:2, 252:3\n");
 }
 
+TEST(FamilyPlan, DrivesAreNotCountedWhileOneOfAnArrayIsMissing) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.controller().facts.logicalDrives.front().spans = {{"252:0", "Missing"}};
+    EXPECT_EQ(planLines(server.plan(policy("Drives.A = 2 x HDD\nLevel.A = 1\n"))).substr(0, 110),
+              "refused: Drives.A counts drives, and a drive of an array is missing: another would "
+              "take its place\nerror ZX701:");
+}
+
+TEST(FamilyPlan, SaysWhatToDoAboutADriveThatIsNamedByItsSlot) {
+    FamilyServer server;
+    server.addDrives(3);
+    server.driveAt(0).state = DriveState::jbod;
+    server.driveAt(0).reportedState = "JBOD";
+    server.driveAt(1).state = DriveState::rebuilding;
+    server.driveAt(1).reportedState = "Rbld";
+    const MachinePlan plan =
+        server.plan(policy("Drives.A = slots 252:0,252:1,252:2\nLevel.A = 5\n"));
+    const std::vector<Finding>& found = plan.controllers.front().diagnostics;
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0].help.front(),
+              "take it out of the policy; or make it good, which loses all that is on it: "
+              "perccli64 /c0/e252/s0 set good force");
+    EXPECT_EQ(found[1].help.front(), "wait until it is rebuilt");
+}
+
 TEST(FamilyPlan, AStripThatNoPolicyCanSayIsLeftOut) {
     FamilyServer server;
     server.addDrives(2);
