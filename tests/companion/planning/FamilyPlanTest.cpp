@@ -366,6 +366,30 @@ TEST(FamilyPlan, APreservedCacheRefusesWhatMakesALogicalDriveAndNothingElse) {
                                 "ZX712: 2 drives get no job: 252:2, 252:3\n");
 }
 
+TEST(FamilyPlan, ASilentDriveThatIsInNothingBarsNothing) {
+    const std::string array = "Array.A = 1,2\nLogical.1 = A:FILL:1\n";
+    FamilyServer server;
+    server.addDrives(3);
+    server.driveAt(2).barred = "it does not tell its details";
+    Finding silent;
+    silent.code = "ZP146";
+    silent.severity = Severity::warning;
+    silent.summary = "252:2 is silent";
+    server.controller().findings.push_back(silent);
+    const MachinePlan plan = server.plan(custom(array));
+    EXPECT_EQ(planLines(plan), "planned\n"
+                               "RAID1 fill: 252:0 252:1\n"
+                               "STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n");
+    EXPECT_EQ(warningsOf(plan), "ZP146: 252:2 is silent\n");
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,3\nLogical.1 = A:FILL:1\n"))),
+              "refused: Array.A names 252:2: it does not tell its details\n"
+              "error ZX702: Array.A names 252:2: it does not tell its details\n"
+              "  help: take it out of the policy: zolexctl show lists the drives\n");
+    // Of one that is in an array it is not known what would be lost.
+    server.controller().findings.front().code = "ZP132";
+    EXPECT_EQ(planLines(server.plan(custom(array))).substr(0, 25), "refused: 252:2 is silent\n");
+}
+
 TEST(FamilyPlan, DrivesAreNotCountedWhileOneOfAnArrayIsMissing) {
     FamilyServer server;
     server.addDrives(4);
