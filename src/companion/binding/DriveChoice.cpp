@@ -95,6 +95,9 @@ class DrivePool {
         const auto found = taken_.find(&drive);
         return found == taken_.end() ? std::string() : found->second;
     }
+    [[nodiscard]] std::string whatToDo(const MachineDrive& drive) const {
+        return use_.whatToDo ? use_.whatToDo(drive) : "replace it, or name another drive";
+    }
     [[nodiscard]] std::uint64_t sizeOf(const MachineDrive& drive) const {
         return use_.bytes(drive);
     }
@@ -226,10 +229,10 @@ class Chooser {
             add(entry, name,
                 drive.facts.location + " " + stateWords(drive) +
                     " and has no number: policies cannot name it",
-                "replace it, or name another drive");
+                pool_.whatToDo(drive));
         } else {
             add(entry, name, drive.facts.location + " " + stateWords(drive) + ": no good drive",
-                "replace it, or name another drive");
+                pool_.whatToDo(drive));
         }
     }
 

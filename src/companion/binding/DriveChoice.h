@@ -32,6 +32,8 @@ struct DriveChoice {
 struct DriveUse {
     std::function<bool(const MachineDrive& drive)> isUsable;
     std::function<std::uint64_t(const MachineDrive& drive)> bytes; ///< 0: not known
+    /// What to do about one that is not usable; may be empty.
+    std::function<std::string(const MachineDrive& drive)> whatToDo{};
 };
 
 /// Chooses: named drives first, then counted ones and `all` by letter, then hot spares, then what

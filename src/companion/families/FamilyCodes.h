@@ -9,6 +9,8 @@ namespace zolex::companion::family_code {
 inline constexpr std::string_view textAnswer = "ZP130";
 inline constexpr std::string_view notWhole = "ZP131";
 inline constexpr std::string_view noDetails = "ZP132";
+/// Of a drive that is in nothing: what may be lost is known all the same.
+inline constexpr std::string_view freeNoDetails = "ZP146";
 inline constexpr std::string_view unknownWord = "ZP133";
 inline constexpr std::string_view notTold = "ZP134";
 inline constexpr std::string_view toldTwice = "ZP135";

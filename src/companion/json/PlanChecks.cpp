@@ -1,5 +1,6 @@
 #include "companion/families/Family.h"
 #include "companion/json/PlanPieces.h"
+#include "companion/planning/FamilyLines.h"
 #include "companion/planning/Steps.h"
 #include "foundation/Text.h"
 #include "platform/CommandLineSplit.h"
@@ -215,7 +216,10 @@ class StepCheck {
         checkAction(step, item);
         checkCommand(step, planning.controller, item);
         if (const Family* const family = findFamily(planning.controller.utility)) {
-            checkFamilyCommand(*family, step, planning.controller, item);
+            // Nothing is run that nobody agreed to.
+            if (!isLineOfStep(*family, planning, step)) {
+                item.fail("command", "is not what the step says that it does");
+            }
         }
         for (const std::string& made : step.creates) {
             if (!names.made.contains(made)) {
@@ -267,36 +271,6 @@ class StepCheck {
         };
         if (isOfFamily && std::any_of(step.argv.begin(), step.argv.end(), isForce)) {
             item.fail("argv", "has \"force\", which no plan says");
-        }
-    }
-
-    /// A step deletes what it says that is lost, and one that says nothing deletes nothing.
-    static void checkFamilyCommand(const Family& family, const PlanStep& step,
-                                   const ControllerSnapshot& controller, const Part& item) {
-        constexpr std::array<std::string_view, 7> deleting = {
-            "del", "delete", "erase", "good", "--stop", "--zero-superblock", "--remove"};
-        if (!step.deletes && std::any_of(step.argv.begin(), step.argv.end(), [&](const auto& word) {
-                return std::any_of(deleting.begin(), deleting.end(), [&](std::string_view each) {
-                    return text::equalsNoCase(word, each);
-                });
-            })) {
-            item.fail("argv", "deletes, which the step does not say");
-        }
-        if (step.action != "delete-logical-drive") {
-            return;
-        }
-        const std::vector<LogicalDriveFacts>& all = controller.facts.logicalDrives;
-        const bool isSaid = std::any_of(all.begin(), all.end(), [&](const auto& volume) {
-            const bool isLost = std::find(step.destroys.begin(), step.destroys.end(), volume.id) !=
-                                step.destroys.end();
-            // What a family carries out itself names the logical drive beside its members.
-            return isLost &&
-                   (family.carriesOut()
-                        ? step.command.find(volume.id) != std::string::npos
-                        : family.deleteVolume(controller.adapter, volume) == step.command);
-        });
-        if (!isSaid) {
-            item.fail("command", "does not delete what \"destroys\" names");
         }
     }
 

@@ -146,8 +146,9 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
     {family_code::notWhole, error, "a listing tells less than it counts",
      "Nothing is planned on this controller: a drive that is not listed may hold data.",
      "run the command by hand, and compare what it lists with what it counts"},
-    {family_code::noDetails, warning, "a drive or a logical drive tells no details",
-     "Its exact size and its serial number are not known. It is shown, and not planned with.",
+    {family_code::noDetails, warning, "a drive in use or a logical drive tells no details",
+     "What could be lost with it is not known. It is shown, and nothing is planned on this "
+     "controller.",
      "look at the drive: zolexctl show"},
     {family_code::unknownWord, warning, "a utility uses a word that zolexctl does not know",
      "The word is kept and shown. A drive in a state that is not known is never planned with.",
@@ -176,6 +177,10 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "  storcli64 /c0 show preservedcache\n"
      "Deleting it loses that data for good:\n"
      "  storcli64 /c0/v239 delete preservedcache"},
+    {family_code::freeNoDetails, warning, "a drive that is in nothing tells no details",
+     "Its exact size and its serial number are not known. It is shown, and not planned with; all "
+     "others are.",
+     "look at the drive: zolexctl show"},
     {family_code::notDriven, warning, "a RAID controller that zolexctl does not drive",
      "It is as it was: nothing of it is shown, planned or changed.",
      "configure it with its own utility"},

@@ -146,7 +146,7 @@ class LayoutMaker {
     }
 
     [[nodiscard]] std::string driveHelp(const MachineDrive& drive) const {
-        if (!drive.array.empty()) {
+        if (!drive.array.empty() && drive.facts.state != DriveState::rebuilding) {
             return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
                    drive.array;
         }
@@ -181,7 +181,7 @@ class LayoutMaker {
                     "ZX701", &view.piece,
                     keyword + " counts drives, and a drive of an array is missing: the numbers "
                               "behind it are others",
-                    "put the drive back or replace it, or name drives by their slots");
+                    "put the drive back, or replace it and wait until it is rebuilt");
                 finding.refusedBy = RefusedBy::nobody;
             }
             if (view.number <= 0 && drives_.isAmbiguous(view)) {
@@ -360,10 +360,40 @@ class LayoutMaker {
                other + tolerance >= size && other <= size + tolerance;
     }
 
+    /// Drives are counted from those that are there: another one would take the place of the one
+    /// that is not, and its array would go.
+    void refuseCounting(const KindFileEntry& entry) {
+        Finding& finding = fault("ZX701", nullptr,
+                                 entry.keyword.text + " counts drives, and a drive of an array is "
+                                                      "missing: another would take its place",
+                                 "put the drive back, or replace it and wait until it is rebuilt");
+        finding.refusedBy = RefusedBy::nobody;
+        finding.file = planned_.file;
+        const auto line = static_cast<std::int32_t>(entry.line) + 1;
+        finding.start = {line, entry.valueColumn, 0};
+        finding.end = {line, entry.endColumn(), 0};
+    }
+
+    void refuseCountedKinds(const KindSection& kinds) {
+        for (const KindSection::Drives& drives : kinds.drives) {
+            if (drives.wish.form == KindForm::kind) {
+                refuseCounting(*drives.entry);
+                return;
+            }
+        }
+        if (kinds.spares && kinds.spares->form == KindForm::kind) {
+            refuseCounting(*kinds.sparesEntry);
+        }
+    }
+
     void takeKinds() {
         const KindSection& kinds = *planned_.kinds;
+        if (isMemberMissing()) {
+            refuseCountedKinds(kinds);
+        }
         const DriveUse use{[this](const MachineDrive& drive) { return drives_.isGood(drive); },
-                           [](const MachineDrive& drive) { return FamilyDrives::bytesOf(drive); }};
+                           [](const MachineDrive& drive) { return FamilyDrives::bytesOf(drive); },
+                           [this](const MachineDrive& drive) { return driveHelp(drive); }};
         DriveChoice choice = chooseDrives(kinds, planned_.detail, use);
         for (const BindingFault& each : choice.faults) {
             Finding& finding = fault(each.code.c_str(), nullptr, each.keyword + ": " + each.what,

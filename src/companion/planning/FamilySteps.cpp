@@ -3,6 +3,7 @@
 #include "companion/lint/Entries.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Exchange.h"
+#include "companion/planning/FamilyLines.h"
 #include "companion/planning/Losses.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Strategy.h"
@@ -231,27 +232,11 @@ class StepMaker {
     }
 
     void makeVolume(const PlannedArray& array, const PlannedVolume& volume, bool isFirst) {
-        VolumeWish wish;
-        wish.raidType = volume.raidType;
+        const VolumeWish wish =
+            wishFor(array, volume, isFirst ? sparesWith(array.id) : std::vector<std::string>());
         std::vector<std::string> drives;
         for (const PlannedDrive& drive : array.drives) {
-            const bool isNewSpan =
-                wish.spans.empty() ||
-                (array.drivesPerSpan > 0 && wish.spans.back().size() == array.drivesPerSpan);
-            if (isNewSpan) {
-                wish.spans.emplace_back();
-            }
-            wish.spans.back().push_back(drive.location);
             drives.push_back(drive.location);
-        }
-        if (!volume.fills) {
-            wish.capacityBytes = volume.capacityBytes;
-        }
-        wish.stripSizeBytes = volume.stripSizeBytes;
-        wish.writeCache = volume.writeCache;
-        wish.readCache = volume.readCache;
-        if (isFirst) {
-            wish.spares = sparesWith(array.id);
         }
         std::string summary = "create " + (isFirst ? array.id : volume.id + " on " + array.id) +
                               ": " + volume.raidType + " on " + driveList(drives);

@@ -11,6 +11,7 @@
 #include "companion/text/Terminal.h"
 #include "companion/text/Words.h"
 #include "policies/PolicyKeywords.h"
+#include "policies/PolicyValues.h"
 
 #include <algorithm>
 #include <array>
@@ -139,7 +140,14 @@ class FamilyPolicyWriter {
         std::string text;
         const auto strip = common(&LayoutVolume::stripSizeBytes, "strip size");
         if (strip && *strip) {
-            text += policyEntry(keyword::stripeSize, std::to_string(**strip / bytesOfKb));
+            const std::string kb = std::to_string(**strip / bytesOfKb);
+            if (policy_value::stripeSize(kb)) {
+                text += policyEntry(keyword::stripeSize, kb);
+            } else {
+                tell("ZC112", Severity::warning,
+                     "its strip size is " + kb +
+                         " KB, which no policy can say: it is left to the controller");
+            }
         }
         const auto read = common(&LayoutVolume::readCache, "read-ahead");
         if (read && !read->empty()) {

@@ -118,7 +118,7 @@ TEST(StorcliReading, OneDriveThatAnswersNotEndsNoListing) {
               "critical errors - - - C - wwn  barred: it does not tell its details (error 46)");
     EXPECT_EQ(describe(controller.facts.drives[12]).substr(0, 15), "252:12 NV004112");
     EXPECT_EQ(findingsOf(controller.findings),
-              Lines({"ZP132 1 drive tells no details, and is not planned with: 252:13 (error 46)",
+              Lines({"ZP146 1 drive tells no details, and is not planned with: 252:13 (error 46)",
                      "ZP137 STORCLI /c0/eall/sall show all J nolog says Failure, and lists all "
                      "that answers"}));
 }

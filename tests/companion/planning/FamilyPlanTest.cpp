@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 
 namespace zolex::companion {
@@ -393,6 +394,78 @@ TEST(FamilyPlan, APreservedCacheRefusesWhatMakesALogicalDriveAndNothingElse) {
     EXPECT_EQ(dispositionWord(same.controllers.front().disposition), "already");
     EXPECT_EQ(warningsOf(same), "ZP145: kept\n  help: see\n"
                                 "ZX712: 2 drives get no job: 252:2, 252:3\n");
+}
+
+TEST(FamilyPlan, ASilentDriveThatIsInNothingBarsNothing) {
+    const std::string array = "Array.A = 1,2\nLogical.1 = A:FILL:1\n";
+    FamilyServer server;
+    server.addDrives(3);
+    server.driveAt(2).barred = "it does not tell its details";
+    Finding silent;
+    silent.code = "ZP146";
+    silent.severity = Severity::warning;
+    silent.summary = "252:2 is silent";
+    server.controller().findings.push_back(silent);
+    const MachinePlan plan = server.plan(custom(array));
+    EXPECT_EQ(planLines(plan), "planned\n"
+                               "RAID1 fill: 252:0 252:1\n"
+                               "STORCLI /c0 add vd r1 drives=252:0,252:1 J nolog\n");
+    EXPECT_EQ(warningsOf(plan), "ZP146: 252:2 is silent\n");
+    EXPECT_EQ(planLines(server.plan(custom("Array.A = 1,3\nLogical.1 = A:FILL:1\n"))),
+              "refused: Array.A names 252:2: it does not tell its details\n"
+              "error ZX702: Array.A names 252:2: it does not tell its details\n"
+              "  help: take it out of the policy: zolexctl show lists the drives\n");
+    // Of one that is in an array it is not known what would be lost.
+    server.controller().findings.front().code = "ZP132";
+    EXPECT_EQ(planLines(server.plan(custom(array))).substr(0, 25), "refused: 252:2 is silent\n");
+}
+
+TEST(FamilyPlan, DrivesAreNotCountedWhileOneOfAnArrayIsMissing) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.controller().facts.logicalDrives.front().spans = {{"252:0", "Missing"}};
+    EXPECT_EQ(planLines(server.plan(policy("Drives.A = 2 x HDD\nLevel.A = 1\n"))).substr(0, 110),
+              "refused: Drives.A counts drives, and a drive of an array is missing: another would "
+              "take its place\nerror ZX701:");
+}
+
+TEST(FamilyPlan, SaysWhatToDoAboutADriveThatIsNamedByItsSlot) {
+    FamilyServer server;
+    server.addDrives(3);
+    server.driveAt(0).state = DriveState::jbod;
+    server.driveAt(0).reportedState = "JBOD";
+    server.driveAt(1).state = DriveState::rebuilding;
+    server.driveAt(1).reportedState = "Rbld";
+    const MachinePlan plan =
+        server.plan(policy("Drives.A = slots 252:0,252:1,252:2\nLevel.A = 5\n"));
+    const std::vector<Finding>& found = plan.controllers.front().diagnostics;
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0].help.front(),
+              "take it out of the policy; or make it good, which loses all that is on it: "
+              "perccli64 /c0/e252/s0 set good force");
+    EXPECT_EQ(found[1].help.front(), "wait until it is rebuilt");
+}
+
+TEST(FamilyPlan, AStripThatNoPolicyCanSayIsLeftOut) {
+    FamilyServer server;
+    server.addDrives(2);
+    LogicalDriveFacts& volume = server.addVolume("239", "0", "RAID0", {{0, 1}}, 2000);
+    volume.stripSizeBytes = 16 << 10U;
+    static_cast<void>(server.defaults()); // joins the drives
+    const CapturedPolicies said = capturedPolicies(server.snapshot, {});
+    EXPECT_NE(said.text.find("StripeSize = 16\n"), std::string::npos) << said.text;
+    server.controller().facts.logicalDrives.front().stripSizeBytes = 8 << 10U;
+    static_cast<void>(server.defaults());
+    const CapturedPolicies left = capturedPolicies(server.snapshot, {});
+    EXPECT_EQ(left.text.find("StripeSize"), std::string::npos) << left.text;
+    const bool isTold =
+        std::any_of(left.findings.begin(), left.findings.end(), [](const Finding& finding) {
+            return finding.code == "ZC112" &&
+                   finding.summary.find("its strip size is 8 KB, which no policy can say: it is "
+                                        "left to the controller") != std::string::npos;
+        });
+    EXPECT_TRUE(isTold);
 }
 
 TEST(FamilyPlan, DrivesThatCannotBeUsed) {

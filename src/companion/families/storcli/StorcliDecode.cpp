@@ -435,6 +435,12 @@ class Decoder {
         std::size_t listing = 0;
     };
 
+    /// Drives without details.
+    struct SilentDrives {
+        std::vector<std::string> inUse;
+        std::vector<std::string> free;
+    };
+
     void readDrives() {
         std::map<std::string, DrivePart> parts;
         std::vector<std::pair<StorcliPlace, const ToldValue*>> rows;
@@ -465,7 +471,7 @@ class Decoder {
             }
         }
         std::vector<std::string> unknown;
-        std::vector<std::string> silent;
+        SilentDrives silent;
         for (const auto& [place, row] : rows) {
             const auto part = parts.find(place.location());
             readDrive(place, *row, part == parts.end() ? DrivePart() : part->second, unknown,
@@ -477,12 +483,18 @@ class Decoder {
                                                "does not know, and not planned with: " +
                                                listOf(unknown));
         }
-        if (!silent.empty()) {
-            find(family_code::noDetails,
-                 countOf(silent.size(), "drive tells", "drives tell") + " no details, and " +
-                     (silent.size() == 1 ? "is" : "are") + " not planned with: " + listOf(silent),
-                 {}, {"see what the utility tells of them: " + typed("/eall/sall show all J")});
+        tellSilent(family_code::noDetails, silent.inUse);
+        tellSilent(family_code::freeNoDetails, silent.free);
+    }
+
+    void tellSilent(std::string_view code, const std::vector<std::string>& drives) {
+        if (drives.empty()) {
+            return;
         }
+        find(code,
+             countOf(drives.size(), "drive tells", "drives tell") + " no details, and " +
+                 (drives.size() == 1 ? "is" : "are") + " not planned with: " + listOf(drives),
+             {}, {"see what the utility tells of them: " + typed("/eall/sall show all J")});
     }
 
     void readParts(const Document& document, std::map<std::string, DrivePart>& parts) {
@@ -530,8 +542,15 @@ class Decoder {
         return none;
     }
 
+    /// Whether nothing is lost with it: no array, no spare, no array of another controller.
+    static bool isInNothing(const ToldValue& row, const DriveFacts& drive) {
+        return row.at("DG").text() == "-" && !drive.isForeign &&
+               drive.hotspare == HotspareKind::none && drive.state != DriveState::member &&
+               drive.state != DriveState::rebuilding && drive.state != DriveState::missing;
+    }
+
     void readDrive(const StorcliPlace& place, const ToldValue& row, const DrivePart& part,
-                   std::vector<std::string>& unknown, std::vector<std::string>& silent) {
+                   std::vector<std::string>& unknown, SilentDrives& silent) {
         const ToldValue& state = section(part.details, " State");
         const ToldValue& attributes = section(part.details, " Device attributes");
         const ToldValue& settings = section(part.details, " Policies/Settings");
@@ -573,7 +592,7 @@ class Decoder {
             const auto error = errors_.find(drive.location);
             const std::string why =
                 error == errors_.end() ? "" : " (error " + std::to_string(error->second) + ")";
-            silent.push_back(drive.location + why);
+            (isInNothing(row, drive) ? silent.free : silent.inUse).push_back(drive.location + why);
             bar(drive, "it does not tell its details" + why);
         }
     }
