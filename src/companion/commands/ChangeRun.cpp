@@ -334,8 +334,8 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
     tell.consent.isListed = chosen.isShown;
     tell.nothingToDo = chosen.nothingToDo;
     tell.consent.awaitLine = [&system] { return system->awaitLine(); };
-    tell.notOwn = [this, &chosen](const std::vector<Loss>& losses, const Snapshot& guard) {
-        return whyNotOwn(context_, losses, guard, chosen.plan, options_.certificates);
+    tell.notOwn = [this](const std::vector<Loss>& losses, const Snapshot& guard) {
+        return whyNotOwn(context_, losses, guard, options_.certificates);
     };
     ApplyTeller teller(context_, chosen.plan, tell);
     Ticking ticking(*system, teller);
