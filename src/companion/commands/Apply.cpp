@@ -114,12 +114,25 @@ class SavedPlan {
         const std::string journal =
             options_.journal.empty() ? journalFileOf(options_.plan) : options_.journal;
         if (auto obstacle = journalObstacle(context_, journal, planCommand(chosen_.plan))) {
-            return run_.refuse(obstacle->exitCode, obstacle->what, obstacle->help);
+            return obstacle->planId.empty() || obstacle->planId == chosen_.plan.id
+                       ? run_.refuse(obstacle->exitCode, obstacle->what, obstacle->help)
+                       : refuseOther(journal, *obstacle);
         }
         return run_.carryOut(chosen_);
     }
 
   private:
+    /// The plan was written under the name of an earlier one, whose journal is there.
+    int refuseOther(const std::string& journal, const JournalObstacle& obstacle) {
+        ApplyOptions next = options_;
+        next.journal = nextJournal(context_, journal);
+        return run_.refuse(obstacle.exitCode,
+                           printable(journal) + ": this is the journal of another plan, " +
+                               printable(obstacle.planId) + ", begun on " + obstacle.begun +
+                               "; this plan is " + chosen_.plan.id + " [ZA106]",
+                           {applyCommand(context_, next) + outputArguments(next)});
+    }
+
     int refuseUnread(const std::vector<Finding>& findings) {
         const Finding& fault = findings.front();
         const std::string name = typedWord(options_.plan);

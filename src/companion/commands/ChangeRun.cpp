@@ -334,8 +334,8 @@ int ChangeRun::run(const ChosenPlan& chosen, const JournalHistory* history) {
     tell.consent.isListed = chosen.isShown;
     tell.nothingToDo = chosen.nothingToDo;
     tell.consent.awaitLine = [&system] { return system->awaitLine(); };
-    tell.notOwn = [this, &chosen](const std::vector<Loss>& losses, const Snapshot& guard) {
-        return whyNotOwn(context_, losses, guard, chosen.plan, options_.certificates);
+    tell.notOwn = [this](const std::vector<Loss>& losses, const Snapshot& guard) {
+        return whyNotOwn(context_, losses, guard, options_.certificates);
     };
     ApplyTeller teller(context_, chosen.plan, tell);
     Ticking ticking(*system, teller);
@@ -453,6 +453,19 @@ bool ChangeRun::certify(const ChosenPlan& chosen, const ApplyTerms& terms, const
     return true;
 }
 
+namespace {
+
+/// "site.journal-2.jsonl" of "site.journal.jsonl"; the first is the name itself.
+std::string numberedJournal(const std::string& name, int number) {
+    const std::size_t bare = name.size() - bareFileName(name).size();
+    const std::size_t last = name.rfind('.');
+    const std::size_t dot = last == std::string::npos || last < bare ? name.size() : last;
+    return number == 1 ? name
+                       : name.substr(0, dot) + "-" + std::to_string(number) + name.substr(dot);
+}
+
+} // namespace
+
 std::string journalFileOf(const std::string& file) {
     const std::string_view bare = bareFileName(file);
     const std::size_t dot = bare.rfind('.');
@@ -475,8 +488,11 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
         return JournalObstacle{exit_code::notPossible,
                                name + ": " + fault.summary + " [" + fault.code + "]",
                                {"name another file with --journal"},
-                               false};
+                               false,
+                               {},
+                               {}};
     }
+    const std::string& planId = reading.journal->begin().planId;
     const JournalEnd* const end = reading.journal->end();
     const std::string resume =
         "zolexctl apply --resume " + typedWord(journalFile) + " goes on with it";
@@ -486,27 +502,44 @@ std::optional<JournalObstacle> journalObstacle(Context& context, const std::stri
                                name + ": this run was begun on " + timeOf(*reading.journal) +
                                    " and has not ended [ZA106]",
                                {resume},
-                               false};
+                               false,
+                               planId,
+                               timeOf(*reading.journal)};
     }
     if (end->exitCode == exit_code::done) {
         return JournalObstacle{exit_code::refused,
                                name + ": the plan was already applied on " +
                                    timeOf(*reading.journal) + " [ZA106]",
                                {plan},
-                               true};
+                               true,
+                               planId,
+                               timeOf(*reading.journal)};
     }
     if (end->exitCode == exit_code::different) {
         return JournalObstacle{exit_code::refused,
                                name + ": the plan was carried out on " + timeOf(*reading.journal) +
                                    ", but did not end as planned: " + end->reason + " [ZA106]",
                                {plan},
-                               true};
+                               true,
+                               planId,
+                               timeOf(*reading.journal)};
     }
     return JournalObstacle{exit_code::refused,
                            name + ": this run stopped on " + timeOf(*reading.journal) + ": " +
                                end->reason + " [ZA106]",
                            {resume, plan},
-                           false};
+                           false,
+                           planId,
+                           timeOf(*reading.journal)};
+}
+
+std::string nextJournal(Context& context, const std::string& journalFile) {
+    for (int number = 2;; ++number) {
+        std::string name = numberedJournal(journalFile, number);
+        if (!journalObstacle(context, name, {})) {
+            return name;
+        }
+    }
 }
 
 JournalName freeJournal(Context& context, const std::string& asked, const std::string& usual,
@@ -514,16 +547,10 @@ JournalName freeJournal(Context& context, const std::string& asked, const std::s
     if (!asked.empty()) {
         return {asked, journalObstacle(context, asked, again)};
     }
-    const auto numbered = [&usual](int number) {
-        const std::size_t dot = usual.rfind('.');
-        return number == 1
-                   ? usual
-                   : usual.substr(0, dot) + "-" + std::to_string(number) + usual.substr(dot);
-    };
     for (int number = 1;; ++number) {
-        std::string name = numbered(number);
-        std::optional<JournalObstacle> obstacle =
-            journalObstacle(context, name, again + " --journal " + numbered(number + 1));
+        std::string name = numberedJournal(usual, number);
+        std::optional<JournalObstacle> obstacle = journalObstacle(
+            context, name, again + " --journal " + numberedJournal(usual, number + 1));
         if (!obstacle || !obstacle->isOver) {
             return {std::move(name), std::move(obstacle)};
         }

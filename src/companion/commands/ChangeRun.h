@@ -102,10 +102,15 @@ struct JournalObstacle {
     std::string what; ///< with its code
     std::vector<std::string> help;
     bool isOver = false; ///< its run was carried out to its end
+    std::string planId;  ///< of the plan whose journal it is; empty: it cannot be read
+    std::string begun;   ///< when
 };
 /// Nothing where there is no file, or one in which nothing was begun. `again` is what plans anew.
 [[nodiscard]] std::optional<JournalObstacle>
 journalObstacle(Context& context, const std::string& journalFile, const std::string& again);
+
+/// The first free name behind one that is taken: "plan.journal-2.jsonl".
+[[nodiscard]] std::string nextJournal(Context& context, const std::string& journalFile);
 
 /// The journal of a new run that may be made again and again: the one that is asked for, or
 /// `usual`, or, behind runs that are over, "site.journal-2.jsonl" and so on.

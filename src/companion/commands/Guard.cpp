@@ -292,7 +292,7 @@ class GuardCommand {
         terms.wish = options_.destroy;
         terms.command = "zolexctl guard";
         terms.notOwn = [this](const std::vector<Loss>& all) {
-            return whyNotOwn(context_, all, *snapshot_, plan_.erased, options_.certificates);
+            return whyNotOwn(context_, all, *snapshot_, options_.certificates);
         };
         const ConsentAnswer answer = consentTo(context_, plan_.erased, losses, terms);
         if (answer.isGiven) {

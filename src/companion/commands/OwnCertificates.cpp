@@ -40,12 +40,12 @@ std::vector<Certificate> certificatesOf(Context& context, const std::string& fol
 } // namespace
 
 std::string whyNotOwn(Context& context, const std::vector<Loss>& losses, const Snapshot& snapshot,
-                      const MachinePlan& plan, const std::string& folder) {
+                      const std::string& folder) {
     const std::vector<Certificate> certificates = certificatesOf(context, folder);
     if (certificates.empty()) {
         return "there is no certificate in " + printable(folder);
     }
-    for (const OwnLoss& own : ownLosses(losses, snapshot, certificates, numberedDrives(plan))) {
+    for (const OwnLoss& own : ownLosses(losses, snapshot, certificates)) {
         if (!own.isOwn) {
             return lossNames({own.loss}) + " is not your own: " + printable(own.why);
         }

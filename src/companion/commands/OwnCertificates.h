@@ -11,10 +11,9 @@ namespace zolex::companion {
 
 /// Empty where the certificates of a folder tell of each loss that an earlier run has made it and
 /// nobody has changed it since; else why not. Certificates that cannot be read are warned of, and
-/// tell nothing. `plan`: by which the drives are named.
+/// tell nothing.
 [[nodiscard]] std::string whyNotOwn(Context& context, const std::vector<Loss>& losses,
-                                    const Snapshot& snapshot, const MachinePlan& plan,
-                                    const std::string& folder);
+                                    const Snapshot& snapshot, const std::string& folder);
 
 /// How the file of a certificate ends.
 inline constexpr std::string_view certificateEnding = ".certificate.json";

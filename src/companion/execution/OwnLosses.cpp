@@ -1,7 +1,7 @@
 #include "companion/execution/OwnLosses.h"
 
+#include "companion/execution/CertifiedDrives.h"
 #include "companion/planning/Diff.h"
-#include "companion/planning/Warnings.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -60,9 +60,8 @@ bool haveOneSize(const LayoutVolume& a, const LayoutVolume& b) {
 /// Holds losses against certificates.
 class OwnSearch {
   public:
-    OwnSearch(const Snapshot& snapshot, std::span<const Certificate> certificates,
-              const std::vector<NumberedDrives>& numbered)
-        : snapshot_(snapshot), numbered_(numbered) {
+    OwnSearch(const Snapshot& snapshot, std::span<const Certificate> certificates)
+        : snapshot_(snapshot) {
         for (const Certificate& certificate : certificates) {
             if (fingerprintFor(snapshot, certificate.fingerprint).identity ==
                 certificate.fingerprint.identity) {
@@ -84,82 +83,55 @@ class OwnSearch {
         if (certificates_.empty()) {
             return notOwn(loss, "no certificate is of this machine");
         }
-        OwnLoss own = judgeItself(loss, *details);
-        if (own.isOwn) {
-            if (std::string why = whyShifted(own, details->facts); !why.empty()) {
-                return notOwn(loss, std::move(why));
-            }
+        std::string why;
+        const std::vector<Held> held = thoseThatHold(loss, details->facts, why);
+        if (held.empty() && !why.empty()) {
+            return notOwn(loss, std::move(why));
         }
-        return own;
+        return loss.kind == "hotspare" ? judgeSpare(loss, *details, held)
+                                       : judgeVolume(loss, *details, held);
     }
 
   private:
-    OwnLoss judgeItself(const Loss& loss, const ControllerSnapshot& details) {
-        return loss.kind == "hotspare" ? judgeSpare(loss, details) : judgeVolume(loss, details);
-    }
+    /// What a certificate tells of the controller.
+    struct Held {
+        const Certificate* certificate = nullptr;
+        const Certificate::Controller* controller = nullptr;
+    };
 
-    /// Why the numbers of drives are not those of the certificate's day; empty: they are.
-    [[nodiscard]] std::string whyShifted(const OwnLoss& own, const Facts& facts) const {
-        const auto byNumber =
-            std::find_if(numbered_.begin(), numbered_.end(), [&](const NumberedDrives& each) {
-                return each.controller == own.loss.controller;
-            });
-        if (byNumber == numbered_.end()) {
-            return {};
-        }
+    /// The certificates of which every drive of the controller is as it was; `why` is why that of
+    /// the last run is none of them.
+    [[nodiscard]] std::vector<Held> thoseThatHold(const Loss& loss, const Facts& facts,
+                                                  std::string& why) const {
+        std::vector<Held> held;
+        std::string last;
         for (const Certificate* const certificate : certificates_) {
-            const Certificate::Controller* const controller = controllerOf(*certificate, own.loss);
-            if (controller == nullptr || certificate->planId != own.planId) {
+            const Certificate::Controller* const controller = controllerOf(*certificate, loss);
+            if (controller == nullptr) {
                 continue;
             }
-            if (const DriveFacts* const gone = beyond(controller->facts, facts)) {
-                return driveText(*gone) + " is gone since " + own.planId + ": " +
-                       shiftText(*byNumber, "put it back");
-            }
-            if (const DriveFacts* const added = beyond(facts, controller->facts)) {
-                return driveText(*added) + " is new since " + own.planId + ": " +
-                       shiftText(*byNumber, "take it out");
+            std::string other = whyDrivesDiffer(*controller, facts, certificate->planId);
+            if (other.empty()) {
+                held.push_back({certificate, controller});
+            } else if (certificate->madeAt >= last) {
+                last = certificate->madeAt;
+                why = std::move(other);
             }
         }
-        return {};
-    }
-
-    /// The first drive of the one list in whose place the other has none.
-    static const DriveFacts* beyond(const Facts& facts, const Facts& other) {
-        const auto found =
-            std::find_if(facts.drives.begin(), facts.drives.end(), [&](const DriveFacts& drive) {
-                const DriveFacts* const there = other.drive(drive.location);
-                return drive.state != DriveState::missing &&
-                       (there == nullptr || there->state == DriveState::missing);
-            });
-        return found == facts.drives.end() ? nullptr : &*found;
-    }
-
-    static std::string driveText(const DriveFacts& drive) {
-        return "drive " + drive.location +
-               (isPlaceholder(drive.serialNumber) ? std::string()
-                                                  : " (serial number " + drive.serialNumber + ")");
-    }
-
-    static std::string shiftText(const NumberedDrives& numbered, const char* remedy) {
-        return numbered.entry + " names drives by number, and the numbers have shifted; " + remedy +
-               ", or name drives by their slots";
+        return held;
     }
 
     static OwnLoss notOwn(const Loss& loss, std::string why) {
         return {loss, false, {}, std::move(why)};
     }
 
-    OwnLoss judgeSpare(const Loss& loss, const ControllerSnapshot& details) {
+    OwnLoss judgeSpare(const Loss& loss, const ControllerSnapshot& details,
+                       const std::vector<Held>& held) {
         const auto number = serialNumbersOf(details.facts, std::vector{loss.id});
         if (!number) {
             return notOwn(loss, "its drive tells no serial number of its own");
         }
-        for (const Certificate* const certificate : certificates_) {
-            const Certificate::Controller* const controller = controllerOf(*certificate, loss);
-            if (controller == nullptr) {
-                continue;
-            }
+        for (const auto& [certificate, controller] : held) {
             for (const LayoutSpare& spare : controller->layout.spares) {
                 if (serialNumbersOf(controller->facts, std::vector{spare.location}) == number &&
                     found_.insert(&spare).second) {
@@ -170,7 +142,8 @@ class OwnSearch {
         return notOwn(loss, "no certificate has a hot spare on its drive");
     }
 
-    OwnLoss judgeVolume(const Loss& loss, const ControllerSnapshot& details) {
+    OwnLoss judgeVolume(const Loss& loss, const ControllerSnapshot& details,
+                        const std::vector<Held>& held) {
         const Layout standing = capturedLayout(details.facts);
         const LayoutGroup* group = nullptr;
         const LayoutVolume* volume = nullptr;
@@ -190,11 +163,7 @@ class OwnSearch {
             return notOwn(loss, "a drive of it tells no serial number of its own");
         }
         std::string why = "no certificate has a logical drive on its drives";
-        for (const Certificate* const certificate : certificates_) {
-            const Certificate::Controller* const controller = controllerOf(*certificate, loss);
-            if (controller == nullptr) {
-                continue;
-            }
+        for (const auto& [certificate, controller] : held) {
             for (const LayoutGroup& certified : controller->layout.groups) {
                 if (serialNumbersOf(controller->facts, certified.spans) != numbers) {
                     continue;
@@ -238,27 +207,15 @@ class OwnSearch {
     }
 
     const Snapshot& snapshot_;
-    const std::vector<NumberedDrives>& numbered_;
     std::vector<const Certificate*> certificates_;
     std::set<const void*> found_; ///< what of the certificates was found
 };
 
 } // namespace
 
-std::vector<NumberedDrives> numberedDrives(const MachinePlan& plan) {
-    std::vector<NumberedDrives> numbered;
-    for (const ControllerPlanning& planning : plan.controllers) {
-        if (std::string entry = entryOfNumbers(planning); !entry.empty()) {
-            numbered.push_back({planning.controller.number, std::move(entry)});
-        }
-    }
-    return numbered;
-}
-
 std::vector<OwnLoss> ownLosses(const std::vector<Loss>& losses, const Snapshot& snapshot,
-                               std::span<const Certificate> certificates,
-                               const std::vector<NumberedDrives>& numbered) {
-    OwnSearch search(snapshot, certificates, numbered);
+                               std::span<const Certificate> certificates) {
+    OwnSearch search(snapshot, certificates);
     std::vector<OwnLoss> result;
     result.reserve(losses.size());
     for (const Loss& loss : losses) {

@@ -108,6 +108,24 @@ bool isNumber(const PlanReason& reason) {
     return reason.code == "listed" && text::wholeNumber(reason.as);
 }
 
+/// The first entry of a policy that names drives by their plain numbers, "Array.A"; empty: none
+/// does.
+std::string entryOfNumbers(const ControllerPlanning& planning) {
+    for (const PlannedArray& array : planning.arrays) {
+        for (const PlannedDrive& drive : array.drives) {
+            if (isNumber(drive.reason)) {
+                return drive.reason.keyword;
+            }
+        }
+    }
+    for (const PlannedSpare& spare : planning.spares) {
+        if (isNumber(spare.reason)) {
+            return spare.reason.keyword;
+        }
+    }
+    return {};
+}
+
 /// Whether the policy is the controller's with this number of drives alone.
 bool asksForCount(const ControllerPlanning& planning) {
     for (const PolicyMatch& policy : planning.considered) {
@@ -196,22 +214,6 @@ std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
     tellForeign(planning, findings);
     tellNumbers(planning, findings);
     return findings;
-}
-
-std::string entryOfNumbers(const ControllerPlanning& planning) {
-    for (const PlannedArray& array : planning.arrays) {
-        for (const PlannedDrive& drive : array.drives) {
-            if (isNumber(drive.reason)) {
-                return drive.reason.keyword;
-            }
-        }
-    }
-    for (const PlannedSpare& spare : planning.spares) {
-        if (isNumber(spare.reason)) {
-            return spare.reason.keyword;
-        }
-    }
-    return {};
 }
 
 std::string whyItStands(const Comparison& comparison) {

@@ -11,10 +11,6 @@ namespace zolex::companion {
 /// for what the steps lose.
 [[nodiscard]] std::vector<Finding> planWarnings(const ControllerPlanning& planning);
 
-/// The first entry of a policy that names drives by their plain numbers, "Array.A"; empty: none
-/// does. A drive that is pulled, or a new one, shifts these numbers.
-[[nodiscard]] std::string entryOfNumbers(const ControllerPlanning& planning);
-
 /// Why nothing is planned where all stands: "as the policy says, equivalent: the spare is 32:3
 /// instead of 32:7".
 [[nodiscard]] std::string whyItStands(const Comparison& comparison);

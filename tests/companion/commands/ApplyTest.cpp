@@ -48,6 +48,32 @@ TEST_F(ApplyTest, CarriesAPlanOutOnce) {
     EXPECT_EQ(system->started.size(), 3U);
 }
 
+/// Its journal is named as the plan is.
+TEST_F(ApplyTest, APlanUnderTheNameOfAnEarlierOneIsToldWhichJournalToTake) {
+    plan(others);
+    const std::string earlier = planId;
+    ASSERT_EQ(applyPlan("any").exitCode, 0);
+    plan();
+    const std::string later = planId;
+    ASSERT_NE(earlier, later);
+    const ApplySeen seen = applyPlan();
+    EXPECT_EQ(seen.exitCode, 3);
+    EXPECT_EQ(seen.output, "Nothing was changed.\n");
+    EXPECT_EQ(seen.error,
+              "error: plan.journal.jsonl: this is the journal of another plan, " + earlier +
+                  ",\n       begun on 2026-11-21T21:05:00+01:00; this plan is " + later +
+                  " [ZA106]\n"
+                  "  help: zolexctl apply plan.json --journal plan.journal-2.jsonl\n");
+    ApplyOptions options;
+    options.plan = "plan.json";
+    options.destroy = destroyWishOf("any").value();
+    options.journal = "plan.journal-2.jsonl";
+    EXPECT_EQ(apply(options).exitCode, 0);
+    // What is taken too is not told again.
+    plan(others);
+    EXPECT_NE(applyPlan().error.find(" --journal plan.journal-3.jsonl\n"), std::string::npos);
+}
+
 TEST_F(ApplyTest, HasNothingToDoAgainAndAgain) {
     configure();
     plan();

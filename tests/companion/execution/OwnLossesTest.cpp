@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,10 +26,9 @@ std::vector<Loss> allLosses() {
 
 /// "logical_drive 0: own by p-5f1c09ab77e2", or why not.
 std::string told(const std::vector<Loss>& losses, const Snapshot& snapshot,
-                 const std::vector<Certificate>& certificates,
-                 const std::vector<NumberedDrives>& numbered = {}) {
+                 const std::vector<Certificate>& certificates) {
     std::string text;
-    for (const OwnLoss& own : ownLosses(losses, snapshot, certificates, numbered)) {
+    for (const OwnLoss& own : ownLosses(losses, snapshot, certificates)) {
         text += own.loss.kind + " " + own.loss.id + ": " +
                 (own.isOwn ? "own by " + own.planId : own.why) + "\n";
     }
@@ -72,68 +72,127 @@ TEST(OwnLosses, ALogicalDriveOfAnotherLevelOrSizeIsNot) {
               "logical_drive 0: own by p-5f1c09ab77e2\n");
 }
 
+const std::string noNumber = " tells no serial number of its own, so that it may be another one: "
+                             "agree by the code\n";
+
 TEST(OwnLosses, DrivesAreKnownByTheirSerialNumbers) {
     const std::vector<Loss> first = {lossOf("logical_drive", "0")};
     // Another drive stands in the slot now.
     Certificate replaced = exampleCertificate();
     driveOf(replaced, 1).serialNumber = "OLD";
-    driveOf(replaced, 6).serialNumber = "OLDER";
-    EXPECT_EQ(told(allLosses(), certifiedSnapshot(), {replaced}),
-              "logical_drive 0: no certificate has a logical drive on its drives\n"
-              "logical_drive 1: own by p-5f1c09ab77e2\n"
-              "hotspare 32:6: no certificate has a hot spare on its drive\n");
-    // The same drives stood in each other's slots.
-    Certificate moved = exampleCertificate();
-    std::swap(driveOf(moved, 0).serialNumber, driveOf(moved, 1).serialNumber);
-    EXPECT_EQ(told(first, certifiedSnapshot(), {moved}),
-              "logical_drive 0: own by p-5f1c09ab77e2\n");
-    // What tells no serial number is never own, wherever it stands.
+    EXPECT_EQ(told(first, certifiedSnapshot(), {replaced}),
+              "logical_drive 0: drive 32:1 (serial number OLD) is gone since p-5f1c09ab77e2: put "
+              "it back, or agree by the code\n");
+    // What tells no serial number is never own, wherever it stands; nor is what lies beside it.
     Snapshot untold = certifiedSnapshot();
-    untold.details[0].facts.drives[0].serialNumber = "";
     untold.details[0].facts.drives[6].serialNumber = "To Be Filled By O.E.M.";
-    EXPECT_EQ(told(allLosses(), untold, {exampleCertificate()}),
-              "logical_drive 0: a drive of it tells no serial number of its own\n"
-              "logical_drive 1: own by p-5f1c09ab77e2\n"
-              "hotspare 32:6: its drive tells no serial number of its own\n");
+    EXPECT_EQ(told(first, untold, {exampleCertificate()}),
+              "logical_drive 0: drive 32:6" + noNumber);
+    EXPECT_EQ(told(first, untold, {certificateOf(untold)}),
+              "logical_drive 0: drive 32:6" + noNumber);
     // Two drives that tell the same number are not known by it.
     Snapshot twice = certifiedSnapshot();
     twice.details[0].facts.drives[7].serialNumber = "3LQ2A000";
-    EXPECT_EQ(told(first, twice, {exampleCertificate()}),
-              "logical_drive 0: a drive of it tells no serial number of its own\n");
+    EXPECT_EQ(told(first, twice, {exampleCertificate()}), "logical_drive 0: drive 32:0" + noNumber);
+    EXPECT_EQ(told(first, twice, {certificateOf(twice)}), "logical_drive 0: drive 32:0" + noNumber);
 }
 
-/// Numbers of drives shift when one is pulled, though it was free; what is built then lies on other
-/// drives.
-TEST(OwnLosses, ADriveThatIsGoneOrNewShiftsTheNumbersOfTheOthers) {
+/// What is told of LD 0 where one thing of the hardware differs.
+std::string toldWhere(const std::function<void(std::vector<DriveFacts>&)>& differ) {
+    Snapshot snapshot = certifiedSnapshot();
+    differ(snapshot.details[0].facts.drives);
+    return told({lossOf("logical_drive", "1")}, snapshot, {exampleCertificate()});
+}
+
+/// The same policy may choose other drives when one is gone or new, in whatever form it names
+/// them.
+TEST(OwnLosses, ADriveThatIsGoneOrNewLeavesNothingOwn) {
+    const DriveFacts last = certifiedSnapshot().details[0].facts.drives.back();
+    const std::string named =
+        "logical_drive 1: drive " + last.location + " (serial number " + last.serialNumber + ")";
+    const std::string gone =
+        named + " is gone since p-5f1c09ab77e2: put it back, or agree by the code\n";
+    EXPECT_EQ(toldWhere([](auto& drives) { drives.pop_back(); }), gone);
+    EXPECT_EQ(toldWhere([](auto& drives) { drives.back().serialNumber = "NEW"; }), gone);
+    EXPECT_EQ(toldWhere([](auto& drives) {
+                  drives.back().state = DriveState::missing;
+                  drives.back().serialNumber.clear();
+              }),
+              gone);
+    EXPECT_EQ(toldWhere([&last](auto& drives) {
+                  drives.push_back(last);
+                  drives.back().location = "32:20";
+                  drives.back().serialNumber = "NEW";
+              }),
+              "logical_drive 1: drive 32:20 (serial number NEW) is new since p-5f1c09ab77e2: take "
+              "it out, or agree by the code\n");
+}
+
+TEST(OwnLosses, DrivesThatChangedBaysLeaveNothingOwn) {
+    // Of one array, too.
+    EXPECT_EQ(
+        toldWhere([](auto& drives) { std::swap(drives[0].serialNumber, drives[1].serialNumber); }),
+        "logical_drive 1: the drive with serial number 3LQ2A000 is in 32:1, it was in 32:0 "
+        "at p-5f1c09ab77e2: put it back, or agree by the code\n");
+}
+
+TEST(OwnLosses, ADriveOfAnotherStateLeavesNothingOwn) {
+    const auto stateOf = [](DriveState state) {
+        return [state](std::vector<DriveFacts>& drives) {
+            drives[6].state = state;
+            drives[6].hotspare = HotspareKind::none;
+        };
+    };
+    const std::string sixth = "logical_drive 1: drive 32:6 (serial number 3LQ2A006) is ";
+    const std::string was = ", it was a hot spare at p-5f1c09ab77e2: put it right, or agree by the "
+                            "code\n";
+    EXPECT_EQ(toldWhere(stateOf(DriveState::failed)), sixth + "failed" + was);
+    EXPECT_EQ(toldWhere(stateOf(DriveState::free)), sixth + "free" + was);
+    EXPECT_EQ(toldWhere(stateOf(DriveState::member)), sixth + "a member of an array" + was);
+    EXPECT_EQ(toldWhere(stateOf(DriveState::rebuilding)), sixth + "being rebuilt" + was);
+    EXPECT_EQ(toldWhere([](auto& drives) { drives[6].hotspare = HotspareKind::dedicated; }),
+              sixth + "a dedicated hot spare" + was);
+    // A failed drive tells nothing of itself.
+    EXPECT_EQ(toldWhere([](auto& drives) {
+                  drives[6].state = DriveState::failed;
+                  drives[6].serialNumber.clear();
+              }),
+              "logical_drive 1: drive 32:6 is failed" + was);
+    EXPECT_EQ(toldWhere([](auto& drives) { drives[6].health = Health::warning; }),
+              sixth + "not well any more since p-5f1c09ab77e2: replace it, or agree by the code\n");
+    EXPECT_EQ(toldWhere([](auto& drives) { drives[6].barred = "it is being erased"; }),
+              sixth + "not to be used since p-5f1c09ab77e2 (it is being erased): put it right, or "
+                      "agree by the code\n");
+}
+
+TEST(OwnLosses, WhatWasBeingRebuiltMayHaveEnded) {
     const std::vector<Loss> first = {lossOf("logical_drive", "0")};
-    const std::vector<NumberedDrives> numbered = {{1, "Array.A"}};
-    const std::vector<Certificate> certificates = {exampleCertificate()};
-    EXPECT_EQ(told(first, certifiedSnapshot(), certificates, numbered),
+    const std::string own = "logical_drive 0: own by p-5f1c09ab77e2\n";
+    Certificate building = exampleCertificate();
+    driveOf(building, 1).state = DriveState::rebuilding;
+    driveOf(building, 1).health = Health::warning;
+    EXPECT_EQ(told(first, certifiedSnapshot(), {building}), own);
+    Snapshot unwell = certifiedSnapshot();
+    unwell.details[0].facts.drives[7].health = Health::warning;
+    EXPECT_EQ(told(first, unwell, {certificateOf(unwell)}), own);
+    EXPECT_EQ(told(first, certifiedSnapshot(), {certificateOf(unwell)}), own);
+}
+
+/// What was lately certified tells which drives there are.
+TEST(OwnLosses, OfSeveralCertificatesThatWhichHoldsIsTheOneToAsk) {
+    const std::vector<Loss> first = {lossOf("logical_drive", "0")};
+    Certificate before = exampleCertificate();
+    before.planId = "p-111111111111";
+    before.madeAt = "2026-11-20T21:06:20+00:00";
+    driveOf(before, 1).state = DriveState::free;
+    EXPECT_EQ(told(first, certifiedSnapshot(), {before, exampleCertificate()}),
               "logical_drive 0: own by p-5f1c09ab77e2\n");
     Snapshot pulled = certifiedSnapshot();
     const DriveFacts gone = pulled.details[0].facts.drives.back();
     pulled.details[0].facts.drives.pop_back();
-    EXPECT_EQ(told(first, pulled, certificates, numbered),
+    EXPECT_EQ(told(first, pulled, {exampleCertificate(), before}),
               "logical_drive 0: drive " + gone.location + " (serial number " + gone.serialNumber +
-                  ") is gone since p-5f1c09ab77e2: Array.A names drives by number, and the "
-                  "numbers have shifted; put it back, or name drives by their slots\n");
-    EXPECT_EQ(told(first, pulled, certificates, {{2, "Array.A"}}),
-              "logical_drive 0: own by p-5f1c09ab77e2\n");
-    EXPECT_EQ(told(first, pulled, certificates), "logical_drive 0: own by p-5f1c09ab77e2\n");
-    // Another drive in its bay shifts nothing.
-    Snapshot replaced = certifiedSnapshot();
-    replaced.details[0].facts.drives.back().serialNumber = "NEW";
-    EXPECT_EQ(told(first, replaced, certificates, numbered),
-              "logical_drive 0: own by p-5f1c09ab77e2\n");
-    Snapshot added = certifiedSnapshot();
-    DriveFacts more = gone;
-    more.location = "32:20";
-    more.serialNumber = "NEW";
-    added.details[0].facts.drives.push_back(more);
-    EXPECT_EQ(told(first, added, certificates, numbered),
-              "logical_drive 0: drive 32:20 (serial number NEW) is new since p-5f1c09ab77e2: "
-              "Array.A names drives by number, and the numbers have shifted; take it out, or name "
-              "drives by their slots\n");
+                  ") is gone since p-5f1c09ab77e2: put it back, or agree by the code\n");
 }
 
 TEST(OwnLosses, ALogicalDriveThatWasMadeAnewIsNot) {
