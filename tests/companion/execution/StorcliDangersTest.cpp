@@ -126,6 +126,7 @@ TEST_F(StorcliDangers, ALogicalDriveThatWasMadeAnewIsFound) {
     const auto makeAnew = [this] {
         zolex_sim::storcli::Volume volume = controller().volumes.back();
         controller().volumes.pop_back();
+        ++controller().deleted;
         volume.naaId.clear();
         controller().enter(volume);
     };
