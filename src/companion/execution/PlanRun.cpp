@@ -167,6 +167,7 @@ std::optional<RunFault> PlanRun::agree() {
                         answer.help,
                         std::string(run_problem::lossNotAgreed)};
     }
+    hasWaitedForConsent_ = answer.tookTime;
     agreed_ = JournalAgreed{consentCode(plan.fingerprint.identity, losses), answer.how,
                             system.userName()};
     return std::nullopt;

@@ -62,6 +62,8 @@ class PlanRun {
 
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
     std::optional<RunFault> agree();
+    /// Whether somebody was waited for who agreed: what was captured before is old.
+    [[nodiscard]] bool hasWaitedForConsent() const { return hasWaitedForConsent_; }
     bool writeAgreed();
 
     void failController(ControllerProgress& progress, std::string why, RunFault fault);
@@ -135,6 +137,7 @@ class PlanRun {
     bool isInterruptionTold_ = false;
     std::int32_t totalSteps_ = 0;
     std::optional<JournalAgreed> agreed_;
+    bool hasWaitedForConsent_ = false;
     std::optional<Snapshot> captured_;
     bool isVerified_ = false;
     std::vector<RunFault> faults_; ///< in their order

@@ -40,6 +40,14 @@ class StorcliDangers : public testing::Test {
         std::swap(controller().volumes[one], controller().volumes[other]); // they stand by numbers
         std::swap(controller().volumes[one].number, controller().volumes[other].number);
     }
+    /// The last one is deleted and made again: with another id.
+    void makeAnew() {
+        zolex_sim::storcli::Volume volume = controller().volumes.back();
+        controller().volumes.pop_back();
+        ++controller().deleted;
+        volume.naaId.clear();
+        controller().enter(volume);
+    }
     zolex_sim::storcli::Drive& drive(std::size_t slot) { return controller().drives.at(slot); }
 
     /// The details of an apply that is refused and starts nothing, after a change.
@@ -123,18 +131,11 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFound) {
 /// his data.
 TEST_F(StorcliDangers, ALogicalDriveThatWasMadeAnewIsFound) {
     const std::string before = controller().volumes.back().naaId;
-    const auto makeAnew = [this] {
-        zolex_sim::storcli::Volume volume = controller().volumes.back();
-        controller().volumes.pop_back();
-        ++controller().deleted;
-        volume.naaId.clear();
-        controller().enter(volume);
-    };
     const auto told = [&] {
         return "LD 239 on 252:0 252:1 is not the one that was there: its id is " +
                controller().volumes.back().naaId + ", it was " + before;
     };
-    const Lines details = refusedAfter(makeAnew);
+    const Lines details = refusedAfter([this] { makeAnew(); });
     EXPECT_EQ(details, Lines{"controller 1: " + told()});
     EXPECT_NE(controller().volumes.back().naaId, before);
     EXPECT_EQ(refusedAfter([this] { controller().volumes.back().name = "data"; }),
@@ -193,6 +194,48 @@ TEST_F(StorcliDangers, WhatTheSystemUsesIsNotDeleted) {
     const ApplyEnd end = bench_.resume();
     EXPECT_EQ(end.what, "the running system uses what would be deleted");
     EXPECT_EQ(end.details.size(), 3U);
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
+/// Somebody needs his time to agree, and others are not idle.
+TEST_F(StorcliDangers, WhatHappensWhileItIsAskedIsFound) {
+    bench_.listener.answer = {true, "typed-serial", "", {}, true};
+    const std::string before = controller().volumes.back().naaId;
+    bench_.listener.whenAsked = [this] { makeAnew(); };
+    const Lines details = refusedAfter([] {});
+    EXPECT_EQ(
+        details,
+        Lines{"controller 1: LD 239 on 252:0 252:1 is not the one that was there: its id is " +
+              controller().volumes.back().naaId + ", it was " + before});
+    std::string use;
+    bench_.listener.whenAsked = [&use] { use = "mounted at /srv"; };
+    bench_.capture.noteUses = [&use](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            volume.usedAs = volume.id == "236" ? use : "";
+        }
+    };
+    EXPECT_EQ(refusedAfter([] {}), Lines{"controller 1: LD 236 (/dev/sdd): mounted at /srv"});
+    bench_.listener.whenAsked = nullptr;
+    use.clear();
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// The same where a run was killed before its consent stood in the journal.
+TEST_F(StorcliDangers, WhatHappensWhileItIsAskedOnceMoreIsFound) {
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "write agreed") {
+            bench_.system.kill();
+        }
+    };
+    EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    bench_.listener.answer = {true, "typed-serial", "", {}, true};
+    bench_.listener.whenAsked = [this] { makeAnew(); };
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.exitCode, 3);
+    EXPECT_EQ(end.what, "the machine has changed while it was asked for consent");
+    EXPECT_EQ(end.code, "ZA102");
     EXPECT_EQ(bench_.system.started, Lines{});
 }
 
