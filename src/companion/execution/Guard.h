@@ -4,6 +4,7 @@
 #include "companion/planning/Plan.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,6 +45,12 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
 /// Logical drives that the plan deletes and the running system uses, as far as it was asked.
 [[nodiscard]] std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                  const std::vector<std::int32_t>& controllers);
+
+/// Those that a step is about to delete. `facts` are of what was captured last; `ask` notes in them
+/// what the system uses now.
+[[nodiscard]] std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning,
+                                                     const PlanStep& step, const Facts& facts,
+                                                     const std::function<void(Facts&)>& ask);
 
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -95,6 +96,7 @@ class PlanRun {
 
     void runController(ControllerProgress& progress, bool isLast);
     bool mayGoOn(ControllerProgress& progress);
+    bool deletesNothingInUse(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);
     bool pauseBefore(const PlanStep& step);
     std::unique_ptr<StartedChild> start(const std::string& command, std::string& fault);
@@ -139,6 +141,7 @@ class PlanRun {
     std::optional<JournalAgreed> agreed_;
     bool hasWaitedForConsent_ = false;
     std::optional<Snapshot> captured_;
+    std::map<std::int32_t, Facts> facts_; ///< of each controller, as captured last
     bool isVerified_ = false;
     std::vector<RunFault> faults_; ///< in their order
     std::string thrown_;           ///< what a part of a step has thrown

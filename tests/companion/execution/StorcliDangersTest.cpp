@@ -197,6 +197,38 @@ TEST_F(StorcliDangers, WhatTheSystemUsesIsNotDeleted) {
     EXPECT_EQ(bench_.system.started, Lines{});
 }
 
+/// Mounted while an earlier step is at work.
+TEST_F(StorcliDangers, WhatIsMountedOnTheWayIsNotDeleted) {
+    std::string use;
+    bench_.capture.noteUses = [&use](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            volume.usedAs = volume.id == "236" ? use : "";
+        }
+    };
+    bench_.system.onMoment = [&use](const std::string& moment) {
+        if (moment == "start STORCLI /c0/v237 del J nolog") {
+            use = "mounted at /srv";
+        }
+    };
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"4: step 5 of 6 was not begun: the running system uses what would be deleted",
+                     "  controller 1: LD 236 (/dev/sdd): mounted at /srv",
+                     "  remains: step 5: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+                     "  remains: step 6: create B: RAID10 on 252:0 252:1 252:12 252:13",
+                     "help: umount /srv",
+                     "help: zolexctl apply --resume plan.journal.jsonl goes on when it is used no "
+                     "more",
+                     "controller 1: failed step 5 of 6: LD 236 (/dev/sdd): mounted at /srv"}));
+    EXPECT_EQ(bench_.system.started.size(), 4U);
+    EXPECT_EQ(bench_.events().back(), "end 4");
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    EXPECT_EQ(bench_.resume().exitCode, 3);
+    use.clear();
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
 /// Somebody needs his time to agree, and others are not idle.
 TEST_F(StorcliDangers, WhatHappensWhileItIsAskedIsFound) {
     bench_.listener.answer = {true, "typed-serial", "", {}, true};
