@@ -108,6 +108,9 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot, std::vector<std:
     if (!fault) {
         fault = inUseFault(snapshot, run.plan, run.terms.controllers);
     }
+    if (!fault) {
+        fault = run.cacheFault(snapshot);
+    }
     for (const std::string& warning : warnings) {
         if (std::find(told.begin(), told.end(), warning) == told.end()) {
             run.listener.note("warning: " + warning);

@@ -2,6 +2,7 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/RunCodes.h"
+#include "companion/families/CacheCodes.h"
 #include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Losses.h"
@@ -308,6 +309,10 @@ bool isInState(const Snapshot& snapshot, const MachinePlan& plan) {
            (!tellsIds(plan) && stateWithoutIds(snapshot) == plan.fingerprint.state);
 }
 
+bool makesVolume(const PlanStep& step) {
+    return step.action == "create-array" || step.action == "create-logical-drive";
+}
+
 /// Whether it is one that the plan deletes, and none that has its number by now.
 bool isLost(const ControllerPlanning& planning, const LogicalDriveFacts& volume) {
     return std::any_of(planning.losses.begin(), planning.losses.end(), [&](const Loss& loss) {
@@ -536,6 +541,32 @@ std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning, const
         tellUse(planning.controller.number, volume, fault);
     }
     return faultOfUses(std::move(fault));
+}
+
+std::optional<RunFault> keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning,
+                                       std::size_t done) {
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    const auto first =
+        planning.steps.begin() + static_cast<std::ptrdiff_t>(std::min(done, planning.steps.size()));
+    if (found == nullptr || std::none_of(first, planning.steps.end(), makesVolume)) {
+        return std::nullopt;
+    }
+    const auto kept = std::find_if(found->findings.begin(), found->findings.end(), [](auto& each) {
+        return each.code == family_code::cachePreserved;
+    });
+    if (kept == found->findings.end()) {
+        return std::nullopt;
+    }
+    RunFault fault{apply_code::refused,
+                   "the cache of " + controllerName(found->number) + " keeps data",
+                   {printable(kept->summary)},
+                   {},
+                   kept->code};
+    for (const std::string& help : kept->help) {
+        fault.help.push_back(printable(help));
+    }
+    return fault;
 }
 
 std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

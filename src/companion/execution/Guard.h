@@ -3,6 +3,7 @@
 #include "companion/machine/Snapshot.h"
 #include "companion/planning/Plan.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -51,6 +52,12 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
 [[nodiscard]] std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning,
                                                      const PlanStep& step, const Facts& facts,
                                                      const std::function<void(Facts&)>& ask);
+
+/// A controller whose cache keeps data of a logical drive that is not there, where one of the steps
+/// behind the first `done` makes a logical drive: its utility would refuse that one, when what
+/// those steps delete is gone.
+[[nodiscard]] std::optional<RunFault>
+keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
 
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

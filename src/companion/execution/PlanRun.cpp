@@ -178,6 +178,16 @@ std::optional<RunFault> PlanRun::agree() {
     return std::nullopt;
 }
 
+std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
+    for (const ControllerProgress& progress : controllers) {
+        if (std::optional<RunFault> fault =
+                keptCacheFault(snapshot, *progress.planning, progress.next)) {
+            return fault;
+        }
+    }
+    return std::nullopt;
+}
+
 bool PlanRun::writeAgreed() {
     return !agreed_ || write(*agreed_);
 }

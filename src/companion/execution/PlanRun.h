@@ -61,6 +61,8 @@ class PlanRun {
     /// Ends where there is nothing to do.
     ApplyEnd already();
 
+    /// What the cache of a controller keeps from being made, of what remains.
+    [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
     std::optional<RunFault> agree();
     /// Whether somebody was waited for who agreed: what was captured before is old.

@@ -194,7 +194,11 @@ class Resumption {
                 drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
         }
-        return inUseFault(snapshot_, run_.plan, run_.terms.controllers);
+        if (std::optional<RunFault> fault =
+                inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
+            return fault;
+        }
+        return run_.cacheFault(snapshot_);
     }
 
     /// What was judged is no longer there when somebody had to be waited for.
@@ -217,7 +221,11 @@ class Resumption {
                             {run_.resumeHelp("looks again and goes on")},
                             std::string(run_problem::machineChanged)};
         }
-        return inUseFault(snapshot_, run_.plan, run_.terms.controllers);
+        if (std::optional<RunFault> fault =
+                inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
+            return fault;
+        }
+        return run_.cacheFault(snapshot_);
     }
 
     [[nodiscard]] std::optional<RunFault> historyFault() const {

@@ -197,6 +197,26 @@ TEST_F(StorcliDangers, WhatTheSystemUsesIsNotDeleted) {
     EXPECT_EQ(bench_.system.started, Lines{});
 }
 
+/// A controller whose cache keeps data makes no logical drive: nothing is deleted for one.
+TEST_F(StorcliDangers, ACacheThatKeepsDataKeepsFromDeleting) {
+    const Lines told = {"the cache keeps data that could not be written to a logical drive: no "
+                        "other can be made until it is"};
+    EXPECT_EQ(refusedAfter([this] { controller().preservedCache = true; }), told);
+    bench_.server.platform.server = initial_;
+    interruptBehind(1);
+    controller().preservedCache = true;
+    EXPECT_EQ(endLines(bench_.resume()),
+              (Lines{"3: the cache of controller 1 keeps data", "  " + told.front(),
+                     "help: see of which: storcli64 /c0 show preservedcache",
+                     "help: bring its drives back, and the data is written; or delete it, and it "
+                     "is lost: storcli64 /c0/vN delete preservedcache",
+                     "controller 1: failed step 2 of 6: stopped at this step"}));
+    EXPECT_EQ(bench_.system.started, Lines{});
+    controller().preservedCache = false;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
 /// Mounted while an earlier step is at work.
 TEST_F(StorcliDangers, WhatIsMountedOnTheWayIsNotDeleted) {
     std::string use;
