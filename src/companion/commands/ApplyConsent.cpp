@@ -141,7 +141,7 @@ class Asker {
                 return {false, {}, "nothing was typed", helpToAgree()};
             }
             if (bySerial ? text::equalsNoCase(*line, serial) : isCode(*line)) {
-                return given(bySerial ? "typed-serial" : "typed-code");
+                return {true, bySerial ? "typed-serial" : "typed-code", {}, {}, true};
             }
             if (tries > 1) {
                 console.writeError("That is not it. " + std::to_string(tries - 1) +

@@ -80,8 +80,8 @@ bool isInterrupted(PlanRun& run) {
     return run.system.interruption() != Interruption::none;
 }
 
-/// Looks at the machine and compares; the fault that ends the run.
-std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot) {
+/// Looks at the machine and compares; the fault that ends the run. Warnings are told.
+std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot, std::vector<std::string>& told) {
     try {
         snapshot = run.capture(CapturePurpose::guard);
     } catch (const NoSuchController& missing) {
@@ -108,9 +108,15 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot) {
     if (!fault) {
         fault = inUseFault(snapshot, run.plan, run.terms.controllers);
     }
-    for (const std::string& warning : warnings) {
-        run.listener.note("warning: " + warning);
+    if (!fault) {
+        fault = run.cacheFault(snapshot);
     }
+    for (const std::string& warning : warnings) {
+        if (std::find(told.begin(), told.end(), warning) == told.end()) {
+            run.listener.note("warning: " + warning);
+        }
+    }
+    told = std::move(warnings);
     return fault ? fault : skippedFault(run);
 }
 
@@ -159,7 +165,8 @@ ApplyEnd apply(PlanRun& run) {
         return run.refuse(interruptedEarly());
     }
     Snapshot snapshot;
-    if (std::optional<RunFault> fault = guard(run, snapshot)) {
+    std::vector<std::string> warnings;
+    if (std::optional<RunFault> fault = guard(run, snapshot, warnings)) {
         return run.refuse(std::move(*fault));
     }
     run.listener.isAsPlannedFor(snapshot);
@@ -171,6 +178,12 @@ ApplyEnd apply(PlanRun& run) {
     }
     if (isInterrupted(run)) {
         return run.refuse(interruptedEarly());
+    }
+    // Whatever happened while somebody was to agree, it is this machine that loses something.
+    if (run.hasWaitedForConsent()) {
+        if (std::optional<RunFault> fault = guard(run, snapshot, warnings)) {
+            return run.refuse(std::move(*fault));
+        }
     }
     if (!run.openJournal() || !run.write(beginOf(run, run.system.ownProcess())) ||
         !run.writeCapture(CapturePurpose::guard, snapshot) || !run.writeAgreed()) {

@@ -23,6 +23,7 @@ struct ConsentAnswer {
     std::string how;     ///< as in JournalAgreed
     std::string refused; ///< why not, for people: "the code is for another list"
     std::vector<std::string> help;
+    bool tookTime = false; ///< somebody was waited for: the machine may be another by now
 };
 
 /// Who is told, and asked, while a machine is changed.

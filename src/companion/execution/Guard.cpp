@@ -2,6 +2,7 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/RunCodes.h"
+#include "companion/families/CacheCodes.h"
 #include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Losses.h"
@@ -308,6 +309,37 @@ bool isInState(const Snapshot& snapshot, const MachinePlan& plan) {
            (!tellsIds(plan) && stateWithoutIds(snapshot) == plan.fingerprint.state);
 }
 
+bool makesVolume(const PlanStep& step) {
+    return step.action == "create-array" || step.action == "create-logical-drive";
+}
+
+/// Whether it is one that the plan deletes, and none that has its number by now.
+bool isLost(const ControllerPlanning& planning, const LogicalDriveFacts& volume) {
+    return std::any_of(planning.losses.begin(), planning.losses.end(), [&](const Loss& loss) {
+        return loss.kind == "logical_drive" && loss.id == volume.id &&
+               (loss.uniqueId.empty() || loss.uniqueId == volume.uniqueId);
+    });
+}
+
+void tellUse(std::int32_t controller, const LogicalDriveFacts& volume, RunFault& fault) {
+    if (!volume.usedAs.empty()) {
+        fault.details.push_back(controllerName(controller) + ": " +
+                                volumeNameText(volume.id, volume.name, volume.device) + ": " +
+                                printable(volume.usedAs));
+        fault.help.push_back(printable(howToEndUse(volume.usedAs)));
+    }
+}
+
+std::optional<RunFault> faultOfUses(RunFault fault) {
+    if (fault.details.empty()) {
+        return std::nullopt;
+    }
+    fault.exitCode = apply_code::refused;
+    fault.what = "the running system uses what would be deleted";
+    fault.code = run_problem::lostInUse;
+    return fault;
+}
+
 bool isAsked(const std::vector<std::int32_t>& numbers, std::int32_t number) {
     return numbers.empty() || std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
@@ -482,25 +514,58 @@ std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& 
             continue;
         }
         for (const LogicalDriveFacts& volume : found->facts.logicalDrives) {
-            const bool isLost = std::any_of(
-                planning->losses.begin(), planning->losses.end(), [&](const Loss& loss) {
-                    return loss.kind == "logical_drive" && loss.id == volume.id &&
-                           (loss.uniqueId.empty() || loss.uniqueId == volume.uniqueId);
-                });
-            if (isLost && !volume.usedAs.empty()) {
-                fault.details.push_back(controllerName(found->number) + ": " +
-                                        volumeNameText(volume.id, volume.name, volume.device) +
-                                        ": " + printable(volume.usedAs));
-                fault.help.push_back(printable(howToEndUse(volume.usedAs)));
+            if (isLost(*planning, volume)) {
+                tellUse(found->number, volume, fault);
             }
         }
     }
-    if (fault.details.empty()) {
+    return faultOfUses(std::move(fault));
+}
+
+std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning, const PlanStep& step,
+                                       const Facts& facts, const std::function<void(Facts&)>& ask) {
+    Facts deleted;
+    for (const LogicalDriveFacts& volume : facts.logicalDrives) {
+        if (isLost(planning, volume) && std::find(step.destroys.begin(), step.destroys.end(),
+                                                  volume.id) != step.destroys.end()) {
+            deleted.logicalDrives.push_back(volume);
+            deleted.logicalDrives.back().usedAs.clear();
+        }
+    }
+    if (deleted.logicalDrives.empty()) {
         return std::nullopt;
     }
-    fault.exitCode = apply_code::refused;
-    fault.what = "the running system uses what would be deleted";
-    fault.code = run_problem::lostInUse;
+    ask(deleted);
+    RunFault fault;
+    for (const LogicalDriveFacts& volume : deleted.logicalDrives) {
+        tellUse(planning.controller.number, volume, fault);
+    }
+    return faultOfUses(std::move(fault));
+}
+
+std::optional<RunFault> keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning,
+                                       std::size_t done) {
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    const auto first =
+        planning.steps.begin() + static_cast<std::ptrdiff_t>(std::min(done, planning.steps.size()));
+    if (found == nullptr || std::none_of(first, planning.steps.end(), makesVolume)) {
+        return std::nullopt;
+    }
+    const auto kept = std::find_if(found->findings.begin(), found->findings.end(), [](auto& each) {
+        return each.code == family_code::cachePreserved;
+    });
+    if (kept == found->findings.end()) {
+        return std::nullopt;
+    }
+    RunFault fault{apply_code::refused,
+                   "the cache of " + controllerName(found->number) + " keeps data",
+                   {printable(kept->summary)},
+                   {},
+                   kept->code};
+    for (const std::string& help : kept->help) {
+        fault.help.push_back(printable(help));
+    }
     return fault;
 }
 

@@ -3,7 +3,9 @@
 #include "companion/machine/Snapshot.h"
 #include "companion/planning/Plan.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,6 +46,18 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
 /// Logical drives that the plan deletes and the running system uses, as far as it was asked.
 [[nodiscard]] std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                  const std::vector<std::int32_t>& controllers);
+
+/// Those that a step is about to delete. `facts` are of what was captured last; `ask` notes in them
+/// what the system uses now.
+[[nodiscard]] std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning,
+                                                     const PlanStep& step, const Facts& facts,
+                                                     const std::function<void(Facts&)>& ask);
+
+/// A controller whose cache keeps data of a logical drive that is not there, where one of the steps
+/// behind the first `done` makes a logical drive: its utility would refuse that one, when what
+/// those steps delete is gone.
+[[nodiscard]] std::optional<RunFault>
+keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
 
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

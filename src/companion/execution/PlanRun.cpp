@@ -138,6 +138,11 @@ Snapshot PlanRun::capture(CapturePurpose purpose, std::optional<std::int32_t> co
     if (journal_) {
         writeCapture(purpose, snapshot);
     }
+    for (const ControllerSnapshot& each : snapshot.details) {
+        if (!each.failed) {
+            facts_[each.number] = each.facts;
+        }
+    }
     captured_ = snapshot;
     return snapshot;
 }
@@ -167,8 +172,19 @@ std::optional<RunFault> PlanRun::agree() {
                         answer.help,
                         std::string(run_problem::lossNotAgreed)};
     }
+    hasWaitedForConsent_ = answer.tookTime;
     agreed_ = JournalAgreed{consentCode(plan.fingerprint.identity, losses), answer.how,
                             system.userName()};
+    return std::nullopt;
+}
+
+std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
+    for (const ControllerProgress& progress : controllers) {
+        if (std::optional<RunFault> fault =
+                keptCacheFault(snapshot, *progress.planning, progress.next)) {
+            return fault;
+        }
+    }
     return std::nullopt;
 }
 
@@ -198,7 +214,7 @@ ApplyEnd PlanRun::carryOut() {
 
 void PlanRun::runController(ControllerProgress& progress, bool isLast) {
     while (!progress.isDone()) {
-        if (!mayGoOn(progress) || !runStep(progress)) {
+        if (!mayGoOn(progress) || !deletesNothingInUse(progress) || !runStep(progress)) {
             return;
         }
         const bool isEnd = progress.isDone();
@@ -223,6 +239,33 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
         stopRun(interruptedFault(step));
     }
     return !isStopped_;
+}
+
+/// Asks the system right before a step that deletes: steps before it may have taken hours.
+bool PlanRun::deletesNothingInUse(ControllerProgress& progress) {
+    const ControllerPlanning& planning = *progress.planning;
+    const Family* const family = findFamily(planning.controller.utility);
+    const auto facts = facts_.find(planning.controller.number);
+    // As in captures: one that carries out its lines itself looks itself.
+    if (!capture_.noteUses || family == nullptr || family->carriesOut() || facts == facts_.end()) {
+        return true;
+    }
+    const PlanStep& step = planning.steps[progress.next];
+    std::optional<RunFault> fault =
+        stepInUseFault(planning, step, facts->second, capture_.noteUses);
+    if (!fault) {
+        return true;
+    }
+    if (changedSomething || terms.keepGoing) {
+        fault->exitCode = apply_code::stopped;
+        fault->what = stepName(step, totalSteps_) + " was not begun: " + fault->what;
+        fault->help.push_back(resumeHelp("goes on when it is used no more"));
+    }
+    progress.failedStep = step.step;
+    // Of which controller it is told anyway.
+    std::string why = fault->details.front().substr(fault->details.front().find(": ") + 2);
+    failController(progress, std::move(why), std::move(*fault));
+    return false;
 }
 
 RunFault PlanRun::journalFault() const {

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -60,8 +61,12 @@ class PlanRun {
     /// Ends where there is nothing to do; what stands must serve all the same.
     ApplyEnd already(const Snapshot& snapshot);
 
+    /// What the cache of a controller keeps from being made, of what remains.
+    [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
     std::optional<RunFault> agree();
+    /// Whether somebody was waited for who agreed: what was captured before is old.
+    [[nodiscard]] bool hasWaitedForConsent() const { return hasWaitedForConsent_; }
     bool writeAgreed();
 
     void failController(ControllerProgress& progress, std::string why, RunFault fault);
@@ -93,6 +98,7 @@ class PlanRun {
 
     void runController(ControllerProgress& progress, bool isLast);
     bool mayGoOn(ControllerProgress& progress);
+    bool deletesNothingInUse(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);
     bool pauseBefore(const PlanStep& step);
     std::unique_ptr<StartedChild> start(const std::string& command, std::string& fault);
@@ -136,7 +142,9 @@ class PlanRun {
     bool isInterruptionTold_ = false;
     std::int32_t totalSteps_ = 0;
     std::optional<JournalAgreed> agreed_;
+    bool hasWaitedForConsent_ = false;
     std::optional<Snapshot> captured_;
+    std::map<std::int32_t, Facts> facts_; ///< of each controller, as captured last
     bool isVerified_ = false;
     std::vector<RunFault> faults_; ///< in their order
     std::string thrown_;           ///< what a part of a step has thrown

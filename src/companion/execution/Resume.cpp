@@ -154,6 +154,9 @@ class Resumption {
             if (std::optional<RunFault> fault = run_.agree()) {
                 return run_.refuse(std::move(*fault));
             }
+            if (std::optional<RunFault> fault = changeSinceAsked()) {
+                return run_.refuse(std::move(*fault));
+            }
             if (!run_.writeAgreed()) {
                 return run_.refuse(noJournal());
             }
@@ -191,7 +194,38 @@ class Resumption {
                 drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
         }
-        return inUseFault(snapshot_, run_.plan, run_.terms.controllers);
+        if (std::optional<RunFault> fault =
+                inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
+            return fault;
+        }
+        return run_.cacheFault(snapshot_);
+    }
+
+    /// What was judged is no longer there when somebody had to be waited for.
+    std::optional<RunFault> changeSinceAsked() {
+        if (!run_.hasWaitedForConsent()) {
+            return std::nullopt;
+        }
+        const std::string before = fingerprintOf(snapshot_).state;
+        snapshot_ = run_.capture(CapturePurpose::resume);
+        if (std::optional<RunFault> fault = captureFault(snapshot_)) {
+            return fault;
+        }
+        if (std::optional<RunFault> fault = identityFault(snapshot_, run_.plan)) {
+            return fault;
+        }
+        if (fingerprintOf(snapshot_).state != before) {
+            return RunFault{apply_code::refused,
+                            "the machine has changed while it was asked for consent",
+                            {},
+                            {run_.resumeHelp("looks again and goes on")},
+                            std::string(run_problem::machineChanged)};
+        }
+        if (std::optional<RunFault> fault =
+                inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
+            return fault;
+        }
+        return run_.cacheFault(snapshot_);
     }
 
     [[nodiscard]] std::optional<RunFault> historyFault() const {

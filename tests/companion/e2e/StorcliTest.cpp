@@ -150,7 +150,7 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
     EXPECT_EQ(asked.error,
               R"(error: 4 logical drives (37.26 TB), 2 hot spares and 1 foreign configuration
        would be lost, and nobody has agreed to it [ZA103]
-  help: zolexctl reset --destroy G75R-XQAG
+  help: zolexctl reset --destroy AB6V-QPAT
 )");
     EXPECT_EQ(server.shown(), before);
     const ProgramRun run = server.change({"reset", "--destroy", "any"});
@@ -184,7 +184,7 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
     EXPECT_NE(asked.output.find(losses), std::string::npos) << asked.output;
     const std::string output = withoutTimesOfRun(run.output);
     EXPECT_EQ(output.substr(output.find("Consent")),
-              R"(Consent    G75R-XQAG: spare 252:11, spare 252:10, LD 239, LD
+              R"(Consent    AB6V-QPAT: spare 252:11, spare 252:10, LD 239, LD
            238, LD 237, LD 236 and foreign 252:18 of controller
            1                                                      agreed
 Journal    reset.journal.jsonl

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <new>
 #include <optional>
@@ -80,6 +81,9 @@ class ListenerFake : public ApplyListener {
     ConsentAnswer askConsent(const MachinePlan& /*plan*/,
                              const std::vector<Loss>& losses) override {
         log.push_back("asked: " + std::to_string(losses.size()));
+        if (whenAsked) {
+            whenAsked();
+        }
         return answer;
     }
     void happened(const JournalEvent& event) override {
@@ -98,6 +102,7 @@ class ListenerFake : public ApplyListener {
     void note(const std::string& text) override { log.push_back(text); }
 
     ConsentAnswer answer{true, "option", "", {}};
+    std::function<void()> whenAsked; ///< what happens meanwhile
     Lines log;
     std::vector<std::int32_t> steps; ///< that were begun
     std::string throwsAt;            ///< word of an event

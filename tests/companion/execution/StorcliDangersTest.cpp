@@ -40,6 +40,14 @@ class StorcliDangers : public testing::Test {
         std::swap(controller().volumes[one], controller().volumes[other]); // they stand by numbers
         std::swap(controller().volumes[one].number, controller().volumes[other].number);
     }
+    /// The last one is deleted and made again: with another id.
+    void makeAnew() {
+        zolex_sim::storcli::Volume volume = controller().volumes.back();
+        controller().volumes.pop_back();
+        ++controller().deleted;
+        volume.naaId.clear();
+        controller().enter(volume);
+    }
     zolex_sim::storcli::Drive& drive(std::size_t slot) { return controller().drives.at(slot); }
 
     /// The details of an apply that is refused and starts nothing, after a change.
@@ -123,17 +131,11 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFound) {
 /// his data.
 TEST_F(StorcliDangers, ALogicalDriveThatWasMadeAnewIsFound) {
     const std::string before = controller().volumes.back().naaId;
-    const auto makeAnew = [this] {
-        zolex_sim::storcli::Volume volume = controller().volumes.back();
-        controller().volumes.pop_back();
-        volume.naaId.clear();
-        controller().enter(volume);
-    };
     const auto told = [&] {
         return "LD 239 on 252:0 252:1 is not the one that was there: its id is " +
                controller().volumes.back().naaId + ", it was " + before;
     };
-    const Lines details = refusedAfter(makeAnew);
+    const Lines details = refusedAfter([this] { makeAnew(); });
     EXPECT_EQ(details, Lines{"controller 1: " + told()});
     EXPECT_NE(controller().volumes.back().naaId, before);
     EXPECT_EQ(refusedAfter([this] { controller().volumes.back().name = "data"; }),
@@ -192,6 +194,100 @@ TEST_F(StorcliDangers, WhatTheSystemUsesIsNotDeleted) {
     const ApplyEnd end = bench_.resume();
     EXPECT_EQ(end.what, "the running system uses what would be deleted");
     EXPECT_EQ(end.details.size(), 3U);
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
+/// A controller whose cache keeps data makes no logical drive: nothing is deleted for one.
+TEST_F(StorcliDangers, ACacheThatKeepsDataKeepsFromDeleting) {
+    const Lines told = {"the cache keeps data that could not be written to a logical drive: no "
+                        "other can be made until it is"};
+    EXPECT_EQ(refusedAfter([this] { controller().preservedCache = true; }), told);
+    bench_.server.platform.server = initial_;
+    interruptBehind(1);
+    controller().preservedCache = true;
+    EXPECT_EQ(endLines(bench_.resume()),
+              (Lines{"3: the cache of controller 1 keeps data", "  " + told.front(),
+                     "help: see of which: storcli64 /c0 show preservedcache",
+                     "help: bring its drives back, and the data is written; or delete it, and it "
+                     "is lost: storcli64 /c0/vN delete preservedcache",
+                     "controller 1: failed step 2 of 6: stopped at this step"}));
+    EXPECT_EQ(bench_.system.started, Lines{});
+    controller().preservedCache = false;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Mounted while an earlier step is at work.
+TEST_F(StorcliDangers, WhatIsMountedOnTheWayIsNotDeleted) {
+    std::string use;
+    bench_.capture.noteUses = [&use](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            volume.usedAs = volume.id == "236" ? use : "";
+        }
+    };
+    bench_.system.onMoment = [&use](const std::string& moment) {
+        if (moment == "start STORCLI /c0/v237 del J nolog") {
+            use = "mounted at /srv";
+        }
+    };
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"4: step 5 of 6 was not begun: the running system uses what would be deleted",
+                     "  controller 1: LD 236 (/dev/sdd): mounted at /srv",
+                     "  remains: step 5: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+                     "  remains: step 6: create B: RAID10 on 252:0 252:1 252:12 252:13",
+                     "help: umount /srv",
+                     "help: zolexctl apply --resume plan.journal.jsonl goes on when it is used no "
+                     "more",
+                     "controller 1: failed step 5 of 6: LD 236 (/dev/sdd): mounted at /srv"}));
+    EXPECT_EQ(bench_.system.started.size(), 4U);
+    EXPECT_EQ(bench_.events().back(), "end 4");
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    EXPECT_EQ(bench_.resume().exitCode, 3);
+    use.clear();
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Somebody needs his time to agree, and others are not idle.
+TEST_F(StorcliDangers, WhatHappensWhileItIsAskedIsFound) {
+    bench_.listener.answer = {true, "typed-serial", "", {}, true};
+    const std::string before = controller().volumes.back().naaId;
+    bench_.listener.whenAsked = [this] { makeAnew(); };
+    const Lines details = refusedAfter([] {});
+    EXPECT_EQ(
+        details,
+        Lines{"controller 1: LD 239 on 252:0 252:1 is not the one that was there: its id is " +
+              controller().volumes.back().naaId + ", it was " + before});
+    std::string use;
+    bench_.listener.whenAsked = [&use] { use = "mounted at /srv"; };
+    bench_.capture.noteUses = [&use](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            volume.usedAs = volume.id == "236" ? use : "";
+        }
+    };
+    EXPECT_EQ(refusedAfter([] {}), Lines{"controller 1: LD 236 (/dev/sdd): mounted at /srv"});
+    bench_.listener.whenAsked = nullptr;
+    use.clear();
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// The same where a run was killed before its consent stood in the journal.
+TEST_F(StorcliDangers, WhatHappensWhileItIsAskedOnceMoreIsFound) {
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "write agreed") {
+            bench_.system.kill();
+        }
+    };
+    EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    bench_.listener.answer = {true, "typed-serial", "", {}, true};
+    bench_.listener.whenAsked = [this] { makeAnew(); };
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.exitCode, 3);
+    EXPECT_EQ(end.what, "the machine has changed while it was asked for consent");
+    EXPECT_EQ(end.code, "ZA102");
     EXPECT_EQ(bench_.system.started, Lines{});
 }
 
