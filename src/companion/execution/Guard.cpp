@@ -2,7 +2,7 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/RunCodes.h"
-#include "companion/families/CacheCodes.h"
+#include "companion/families/FamilyCodes.h"
 #include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Losses.h"
