@@ -2,8 +2,8 @@
 
 #include "companion/execution/ApplyCodes.h"
 #include "companion/execution/RunCodes.h"
-#include "companion/families/FamilyCodes.h"
 #include "companion/families/Family.h"
+#include "companion/families/FamilyCodes.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
