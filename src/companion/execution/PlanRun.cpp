@@ -5,6 +5,7 @@
 #include "companion/execution/RunCodes.h"
 #include "companion/families/storcli/Errors.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/IdleVolumes.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Steps.h"
 #include "companion/text/Terminal.h"

@@ -183,12 +183,6 @@ ApplyEnd carriedOut(Platform& machine, const CaptureRequest& capture, ExecutionS
                                                     const std::string& output);
 /// "now on controller 1: A stands, B does not; LD 0 is gone".
 [[nodiscard]] std::string nowLine(const ControllerPlanning& planning, const Facts& facts);
-/// Logical drives that serve nobody as they are, though they stand.
-struct IdleVolumes {
-    std::vector<Difference> differences;
-    std::vector<std::string> help; ///< how they are made to serve
-};
-[[nodiscard]] IdleVolumes idleVolumes(const std::string& utility, const Facts& facts);
 /// "write_cache_policy of LD 0: planned is write-back; found is write-through".
 [[nodiscard]] std::string differenceText(const Difference& difference);
 

@@ -126,25 +126,6 @@ std::string nowLine(const ControllerPlanning& planning, const Facts& facts) {
            (line.empty() ? "nothing stands" : printable(line));
 }
 
-IdleVolumes idleVolumes(const std::string& utility, const Facts& facts) {
-    IdleVolumes idle;
-    const Family* const family = findFamily(utility);
-    if (family == nullptr) {
-        return idle;
-    }
-    for (const LogicalDriveFacts& volume : facts.logicalDrives) {
-        const std::optional<FamilyIdle> why = family->whyIdle(volume);
-        if (!why) {
-            continue;
-        }
-        idle.differences.push_back({"state", "", volume.id, why->serves, why->state});
-        if (std::find(idle.help.begin(), idle.help.end(), why->help) == idle.help.end()) {
-            idle.help.push_back(why->help);
-        }
-    }
-    return idle;
-}
-
 std::string differenceText(const Difference& difference) {
     const bool isPlanned = difference.logicalDrive.starts_with("Logical.");
     const std::string volume =

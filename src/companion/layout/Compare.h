@@ -18,7 +18,8 @@ enum class Sameness { same, equivalent, different };
 /// One attribute that is not as wanted.
 struct Difference {
     /// "raid_type", "capacity_bytes", "strip_size_bytes", "write_cache_policy",
-    /// "read_cache_policy", "hotspare_type", "drives", "moved", "missing", "surplus".
+    /// "read_cache_policy", "hotspare_type", "drives", "moved", "missing", "surplus",
+    /// "state" of one that serves nobody.
     std::string attribute;
     std::string location;     ///< drive; or empty
     std::string logicalDrive; ///< id of the captured one, or of the wanted one; or empty

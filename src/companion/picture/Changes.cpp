@@ -530,7 +530,7 @@ std::string lossesText(const std::vector<Loss>& losses) {
         pieces.push_back(countText(spares, "hot spare", "hot spares"));
     }
     if (foreign > 0) {
-        pieces.push_back(countText(foreign, "foreign configuration", "foreign configurations"));
+        pieces.push_back(countText(foreign, "foreign drive", "foreign drives"));
     }
     std::string text;
     for (std::size_t i = 0; i < pieces.size(); ++i) {

@@ -327,8 +327,7 @@ std::string fleetLossesText(const Fleet& fleet) {
             things.push_back(countText(all.hotspares, "hot spare", "hot spares"));
         }
         if (all.foreign > 0) {
-            things.push_back(
-                countText(all.foreign, "foreign configuration", "foreign configurations"));
+            things.push_back(countText(all.foreign, "foreign drive", "foreign drives"));
         }
         parts.push_back(joined(things, " and ") + " on " +
                         (others > 0 ? std::to_string(losing) : serversText(losing)));

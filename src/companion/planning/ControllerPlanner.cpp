@@ -4,6 +4,7 @@
 #include "companion/lint/MachineCase.h"
 #include "companion/planning/Beginning.h"
 #include "companion/planning/HealthyView.h"
+#include "companion/planning/HurtArrays.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/PlannedLayout.h"
@@ -221,13 +222,20 @@ void ControllerPlanner::planBy(const PlanPolicies& policies, std::size_t policy,
 }
 
 /// What is planned stands already. Nothing is run, so nothing can be refused.
-void ControllerPlanner::takeAsItStands(Attempt& attempt, ControllerPlanning& planning) const {
+void ControllerPlanner::takeAsItStands(Attempt& attempt, ControllerPlanning& planning) {
     ControllerSnapshot controller = std::move(planning.controller);
     planning = std::move(attempt.planning);
     planning.controller = std::move(controller);
     planning.disposition = Disposition::already;
     planning.because = whyItStands(planning.comparison);
     planning.strategy = Strategy::none;
+    if (std::optional<Finding> offline = offlineArrayFault(
+            planning.controller.utility, planning.controller.facts, planning.comparison)) {
+        planning.because.clear();
+        refusals_.sort({*std::move(offline)}, planning);
+        refusePlanning(planning);
+        return;
+    }
     for (Finding& finding : attempt.findings) {
         const bool isOfCommand =
             finding.severity == Severity::error ||

@@ -31,7 +31,7 @@ class ControllerPlanner {
                                   bool failedMembersStay) const;
     void planBy(const PlanPolicies& policies, std::size_t policy, const RAIDController& record,
                 const ControllerSnapshot& detail, Attempt& attempt) const;
-    void takeAsItStands(Attempt& attempt, ControllerPlanning& planning) const;
+    void takeAsItStands(Attempt& attempt, ControllerPlanning& planning);
     void finish(const RAIDController& record, Attempt& attempt, ControllerPlanning& planning);
 
     const Snapshot& snapshot_;

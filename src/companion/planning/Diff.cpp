@@ -1,6 +1,8 @@
 #include "companion/planning/Diff.h"
 
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/HurtArrays.h"
+#include "companion/planning/IdleVolumes.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Refusals.h"
 #include "companion/planning/Strategy.h"
@@ -112,10 +114,38 @@ ControllerDiff headOf(const ControllerPlanning& planning) {
     return diff;
 }
 
+/// An array that serves nobody is not what is wanted, and adding or making anew mends none. Whether
+/// there is one.
+bool takeAsIdle(ControllerDiff& diff, const std::string& utility, const Facts& facts) {
+    IdleVolumes idle = idleVolumes(utility, facts, diff.comparison);
+    if (idle.differences.empty()) {
+        return false;
+    }
+    diff.result = Result::different;
+    diff.isRefused = diff.isRefused || idle.isOffline;
+    diff.comparison.result = Sameness::different;
+    std::move(idle.differences.begin(), idle.differences.end(),
+              std::back_inserter(diff.comparison.differences));
+    if (hasErrors(diff.diagnostics)) {
+        return true;
+    }
+    if (std::optional<Finding> fault = offlineArrayFault(utility, facts, diff.comparison)) {
+        diff.diagnostics.push_back(*std::move(fault));
+    }
+    return true;
+}
+
 ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
     ControllerDiff diff = headOf(planning);
     diff.captured = planning.before;
     diff.comparison = planning.comparison;
+    if (planning.disposition == Disposition::refused) {
+        diff.diagnostics = planning.diagnostics;
+    }
+    if (planning.disposition != Disposition::skipped &&
+        takeAsIdle(diff, planning.controller.utility, planning.controller.facts)) {
+        return diff;
+    }
     switch (planning.disposition) {
     case Disposition::skipped:
         diff.result = Result::skipped;
@@ -123,7 +153,6 @@ ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
         return diff;
     case Disposition::refused:
         diff.isRefused = true;
-        diff.diagnostics = planning.diagnostics;
         if (planning.comparison.differences.empty() ||
             std::any_of(diff.diagnostics.begin(), diff.diagnostics.end(), leavesOpen)) {
             diff.result = Result::unknown;
@@ -225,6 +254,9 @@ void compareStanding(ControllerDiff& diff, const ControllerSnapshot& details, La
     diff.wanted = std::move(wanted);
     diff.comparison = compareLayouts(details.facts, diff.captured, diff.wanted, {details.utility});
     diff.result = resultOf(diff.comparison.result);
+    if (takeAsIdle(diff, details.utility, details.facts)) {
+        return;
+    }
     tellRebuild(diff, details.utility,
                 diff.result == Result::different && canBeAdded(details, diff));
 }

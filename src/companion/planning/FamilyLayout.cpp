@@ -6,6 +6,7 @@
 #include "companion/lint/Entries.h"
 #include "companion/machine/Join.h"
 #include "companion/planning/FamilyDrives.h"
+#include "companion/planning/IdleVolumes.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/PlannedLayout.h"
 #include "companion/planning/Refusals.h"
@@ -145,7 +146,18 @@ class LayoutMaker {
         });
     }
 
+    [[nodiscard]] bool isOffline(const std::string& array) const {
+        const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
+        return !array.empty() &&
+               std::any_of(all.begin(), all.end(), [&array](const LogicalDriveFacts& each) {
+                   return each.array == array && each.health == Health::critical;
+               });
+    }
+
     [[nodiscard]] std::string driveHelp(const MachineDrive& drive) const {
+        if (isOffline(drive.array)) {
+            return offlineHelp().front() + "; " + offlineHelp().back();
+        }
         if (!drive.array.empty() && drive.facts.state != DriveState::rebuilding) {
             return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
                    drive.array;

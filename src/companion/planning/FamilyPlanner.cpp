@@ -149,6 +149,18 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
             planning.because = "none of its drives can be used: " + whyNotUsed(*family, detail);
             return planning;
         }
+        // One that the policy gives up may go: then its array is no wanted one's.
+        std::optional<Finding> offline =
+            hasErrors(found.findings)
+                ? std::nullopt
+                : offlineArrayFault(detail.utility, detail.facts, found.planning.comparison);
+        if (mayStand && offline &&
+            (found.stands() || (failedMembersStay && whyHurtArraysGo(planning, found).empty()))) {
+            take(found);
+            found.findings.push_back(*std::move(offline));
+            finish(planning, std::move(found.findings));
+            return planning;
+        }
         if (mayStand && found.stands()) {
             take(found);
             planning.disposition = Disposition::already;
@@ -262,7 +274,7 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
     if (keptCache) {
         if (std::any_of(planning.steps.begin(), planning.steps.end(), makesVolume)) {
             keptCache->severity = Severity::error;
-            keptCache->refusedBy = RefusedBy::utility;
+            keptCache->refusedBy = RefusedBy::plan; // apply refuses it, too
         }
         refusals_.sort({std::move(*keptCache)}, planning);
     }

@@ -2,6 +2,7 @@
 
 #include "companion/lint/Entries.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/IdleVolumes.h"
 #include "companion/planning/PlanFaults.h"
 
 #include <algorithm>
@@ -144,6 +145,36 @@ bool isHurt(const DriveFacts& drive) {
 
 std::string whyHurtArraysChange(const ControllerPlanning& planning, const StepChoice& choice) {
     return HurtArrays(planning, choice).whyChanged();
+}
+
+std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts& facts,
+                                         const Comparison& comparison) {
+    const IdleVolumes idle = idleVolumes(utility, facts, comparison);
+    if (!idle.isOffline) {
+        return std::nullopt;
+    }
+    const auto volume = std::find_if(
+        facts.logicalDrives.begin(), facts.logicalDrives.end(), [&idle](const auto& each) {
+            return each.health == Health::critical &&
+                   std::any_of(
+                       idle.differences.begin(), idle.differences.end(),
+                       [&each](const Difference& one) { return one.logicalDrive == each.id; });
+        });
+    std::vector<std::string> hurt;
+    for (const std::vector<std::string>& span : volume->spans) {
+        for (const std::string& member : span) {
+            const DriveFacts* const drive = facts.drive(member);
+            if (drive == nullptr || isHurt(*drive)) {
+                hurt.push_back(member);
+            }
+        }
+    }
+    return planFault("ZX702",
+                     "LD " + volume->id +
+                         (volume->reportedState.empty() ? "" : " (" + volume->reportedState + ")") +
+                         " is offline, and nothing is changed beside it" +
+                         (hurt.empty() ? std::string() : "; not at work: " + joinWords(hurt)),
+                     offlineHelp());
 }
 
 std::vector<Finding> hurtArrayWarnings(const ControllerPlanning& planning) {

@@ -3,6 +3,7 @@
 #include "companion/planning/Plan.h"
 #include "companion/planning/Strategy.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,10 @@ namespace zolex::companion {
 /// of which one may be that of its own member. Empty when they all stay.
 [[nodiscard]] std::string whyHurtArraysChange(const ControllerPlanning& planning,
                                               const StepChoice& choice);
+
+/// The error of the first wanted array that is offline: nothing is planned beside it.
+[[nodiscard]] std::optional<Finding>
+offlineArrayFault(const std::string& utility, const Facts& facts, const Comparison& comparison);
 
 /// Of each array that stays so, which drive it is.
 [[nodiscard]] std::vector<Finding> hurtArrayWarnings(const ControllerPlanning& planning);

@@ -345,7 +345,7 @@ TEST_F(ApplyDangers, ForeignConfigurationsGoWithConsentAlone) {
     const ProgramRun refused = server.refused({"plan.json"});
     EXPECT_EQ(refused.exitCode, 3);
     expectPieces(refused.error,
-                 {"2 foreign configurations", "32:6", "32:7", "--destroy " + consent});
+                 {"2 foreign drives", "32:6", "32:7", "--destroy " + consent});
     const ProgramRun run = server.apply({"plan.json", "--destroy", consent});
     EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
     server.expectNothingToDo("web.ini");

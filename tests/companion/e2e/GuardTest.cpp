@@ -165,8 +165,8 @@ std::vector<GuardedDanger> guardedDangers() {
          with(with(web, "3,4,5,6,7", "3,4,5,6"), "Hotspares = 8", "Hotspares = 7"),
          wipe,
          3,
-         {"This destroys 1 foreign configuration:\n", "- foreign 32:7", "controller 1\n",
-          "error: 1 foreign configuration would be lost, and nobody has agreed to it\n"
+         {"This destroys 1 foreign drive:\n", "- foreign 32:7", "controller 1\n",
+          "error: 1 foreign drive would be lost, and nobody has agreed to it\n"
           "    [ZA212]\n"
           "   help: zolexctl guard --destroy ",
           "-- zolex /r /y /f:p.ini\n", notStarted}},

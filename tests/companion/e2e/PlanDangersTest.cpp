@@ -78,7 +78,7 @@ std::vector<PlannedDanger> plannedDangers() {
          0,
          {"  - Foreign              67.8 GB  32:2 ",
           "! the foreign configuration on 32:2 is cleared [ZX710]",
-          "-CFGFOREIGN -CLEAR -A0 -SILENT", "This destroys 1 foreign configuration."}},
+          "-CFGFOREIGN -CLEAR -A0 -SILENT", "This destroys 1 foreign drive."}},
         {"DrivesOfAnotherServerThatAreNotNeededStay",
          megaServer(R"({"enclosure": 32, "slot": 0, "count": 7, "sizeMB": 69376},
                        {"enclosure": 32, "slot": 7, "sizeMB": 69376, "status": "foreign"})"),

@@ -148,8 +148,8 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
     const ProgramRun asked = server.change({"reset"});
     EXPECT_EQ(asked.exitCode, 3);
     EXPECT_EQ(asked.error,
-              R"(error: 4 logical drives (37.26 TB), 2 hot spares and 1 foreign configuration
-       would be lost, and nobody has agreed to it [ZA103]
+              R"(error: 4 logical drives (37.26 TB), 2 hot spares and 1 foreign drive would be
+       lost, and nobody has agreed to it [ZA103]
   help: zolexctl reset --destroy AB6V-QPAT
 )");
     EXPECT_EQ(server.shown(), before);
@@ -172,8 +172,7 @@ TEST(Storcli, TheUtilitysRefusalIsHeeded) {
   help: zolexctl reset plans from what is there
 )");
     const std::string losses =
-        "This destroys 4 logical drives (37.26 TB), 2 hot spares and 1 foreign\n"
-        "configuration:\n"
+        "This destroys 4 logical drives (37.26 TB), 2 hot spares and 1 foreign drive:\n"
         "  - spare 252:11  controller 1\n"
         "  - spare 252:10  controller 1\n"
         "  - LD 239  RAID1  893.8 GB  252:0 252:1  \"system\", /dev/sda  controller 1\n"

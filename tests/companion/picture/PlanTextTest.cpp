@@ -351,8 +351,7 @@ zolex /r /y /f:site.ini would do otherwise:
 ! With /r zolex first erases everything on all controllers of the server, also
   what stays in this plan.
 
-This destroys 2 logical drives (203.3 GB), 1 hot spare and 1 foreign
-configuration.
+This destroys 2 logical drives (203.3 GB), 1 hot spare and 1 foreign drive.
   - controller 1: LD 0, LD 1, spare 32:5, foreign 32:6
 To agree to exactly this, and carry it out:
   zolexctl plan site.ini -o plan.json

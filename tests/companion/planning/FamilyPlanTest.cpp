@@ -1,10 +1,13 @@
 #include "FamilyServer.h"
+#include "companion/planning/Diff.h"
 #include "companion/rewriting/CapturedPolicies.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <ctime>
+#include <string>
+#include <vector>
 
 namespace zolex::companion {
 namespace {
@@ -579,6 +582,34 @@ TEST(FamilyPlan, ADegradedArrayStaysBesideAChange) {
               "ZP208: array A (LD 239, Dgrd) stays as it is: drive 252:1, serial S252N1, has "
               "failed\n"
               "  help: replace drive 252:1 while the others of the array are well\n");
+}
+
+/// Whoever replaced a drive of it would lose it.
+TEST(FamilyPlan, AnArrayThatIsOfflineIsRefusedAndItsDrivesAreNotToBeReplaced) {
+    FamilyServer server = hurtServer();
+    server.driveAt(2).state = DriveState::failed;
+    server.driveAt(2).reportedState = "Offln";
+    server.driveAt(2).health = Health::critical;
+    server.controller().facts.logicalDrives[0].reportedState = "OfLn";
+    server.controller().facts.logicalDrives[0].health = Health::critical;
+    for (const std::string& policy :
+         {keptAndAnother, std::string("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")}) {
+        const MachinePlan plan = server.plan(custom(policy));
+        ASSERT_EQ(dispositionWord(plan.controllers.front().disposition), "refused")
+            << planLines(plan);
+        const std::vector<Finding>& told = plan.controllers.front().diagnostics;
+        const auto error = std::find_if(told.begin(), told.end(), [](const Finding& finding) {
+            return finding.severity == Severity::error;
+        });
+        EXPECT_EQ(error->summary, "LD 239 (OfLn) is offline, and nothing is changed beside it; not "
+                                  "at work: 252:1 and 252:2");
+        EXPECT_EQ(error->help,
+                  (std::vector<std::string>{
+                      "do not replace drives, and delete nothing: its data is lost with them",
+                      "bring back the drives that left (cables, enclosure, power), and look at "
+                      "what its utility lists: zolexctl show"}));
+        EXPECT_EQ(diffOf(plan).result, ControllerDiff::Result::different);
+    }
 }
 
 TEST(FamilyPlan, AnArrayThatIsRebuiltStaysBesideAChange) {

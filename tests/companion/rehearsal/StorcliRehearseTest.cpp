@@ -163,14 +163,15 @@ TEST(StorcliRehearsal, OfACacheThatIsPinnedSaysSo) {
     StorcliServer server(StorcliServer::definition(R"(, "preservedCache": true)",
                                                    R"({"enclosure": 252, "slot": 0, "count": 2,
                                            "sectors": 41943040})"));
-    const Snapshot snapshot = server.snapshot();
+    Snapshot snapshot = server.snapshot();
     PlanRequest request;
     request.policiesFile = "site.ini";
     request.policiesText = policy("Array_Defaults = 0%:0\n");
+    request.accept = {"ZP145"};
     EXPECT_EQ(test::faultsOf(planMachine(snapshot, request)),
               (Lines{"ZP145 the cache keeps data that could not be written to a logical drive: no "
                      "other can be made until it is"}));
-    request.accept = {"ZP145"};
+    snapshot.details.front().findings.clear(); // the data is kept only after the capture
     MachinePlan plan = planMachine(snapshot, request);
     ASSERT_EQ(test::faultsOf(plan), Lines{});
     rehearse(snapshot, plan, false);

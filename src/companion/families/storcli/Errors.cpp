@@ -37,8 +37,8 @@ constexpr auto rows = std::to_array<ErrorRow>({
           "put its drives back, or take the others out: zolexctl show"},
     {63,  "data is being copied back", "wait until it is done, and go on: --resume"},
     {84,  "the cache holds data of a logical drive that is not there",
-          "bring its drives back, or drop its data for good by hand: "
-          "storcli64 /c0/vN delete preservedcache"},
+          "bring its drives back, or drop its data for good by hand: its utility's "
+          "/c0/vN delete preservedcache"},
     {118, "it is not possible", ""},
     {255, "the utility does not take the command", ""},
 });
