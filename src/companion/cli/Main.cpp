@@ -50,7 +50,7 @@ Context makeContext(const Request& request, const std::vector<std::string>& argu
 }
 
 /// Linux alone is asked. Of a server whose bus stands in a folder it is what stands beside that.
-void noteUsesOfSystem(Facts& facts) {
+void noteOfSystem(Facts& facts, void (*note)(md::DiskFiles&, const md::Roots&, Facts&)) {
     const std::unique_ptr<md::DiskFiles> files = md::systemDiskFiles();
     if (files == nullptr) {
         return;
@@ -59,7 +59,7 @@ void noteUsesOfSystem(Facts& facts) {
     if (const std::string bus = namedPciRoot(); !bus.empty()) {
         roots = {bus + "/../sys", bus + "/../proc", bus + "/../dev"};
     }
-    md::noteUses(*files, roots, facts);
+    note(*files, roots, facts);
 }
 
 int runArguments(const std::vector<std::string>& arguments, Platform& platform);
@@ -133,7 +133,8 @@ int runArguments(const std::vector<std::string>& arguments, Platform& platform) 
     context.rewritesLines = streamState(StandardStream::output).isTerminal;
     context.showsProgress = !reading.request.quiet && streamState(StandardStream::error).isTerminal;
     context.doPieces = doPieces;
-    context.noteUses = noteUsesOfSystem;
+    context.noteUses = [](Facts& facts) { noteOfSystem(facts, md::noteUses); };
+    context.noteHolders = [](Facts& facts) { noteOfSystem(facts, md::noteHolders); };
     int code = exit_code::notPossible;
     try {
         code = answer(reading, context);

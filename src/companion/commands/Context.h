@@ -75,6 +75,8 @@ struct Context {
         makeExecution{};
     /// As in CaptureRequest; asked of the machine itself alone.
     std::function<void(Facts& facts)> noteUses{};
+    /// The same of those that are about to be deleted: more is done to find out.
+    std::function<void(Facts& facts)> noteHolders{};
     /// Does pieces of work side by side; empty: one after another.
     std::function<void(const PiecesOfWork& pieces)> doPieces{};
 };

@@ -130,6 +130,7 @@ CaptureRequest captureRequest(Context& context, const Utilities* utilities) {
     request.families = context.machine.families;
     if (context.machine.recording.empty()) {
         request.noteUses = context.noteUses;
+        request.noteHolders = context.noteHolders;
     }
     // A recording answers at once.
     if (context.showsProgress && context.machine.recording.empty()) {
@@ -204,6 +205,7 @@ std::optional<Finding> lookAtRecorded(Context& context, const std::string& file,
     CaptureRequest request = captureRequest(context, nullptr);
     request.progress = nullptr;
     request.noteUses = nullptr; // it may be another machine
+    request.noteHolders = nullptr;
     ReplayPlatform machine(*reading.recording, context.platform);
     try {
         look({reading.recording->header, machine, request, captureMachine(machine, request)});

@@ -522,22 +522,38 @@ std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& 
     return faultOfUses(std::move(fault));
 }
 
-std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning, const PlanStep& step,
-                                       const Facts& facts, const std::function<void(Facts&)>& ask) {
-    Facts deleted;
-    for (const LogicalDriveFacts& volume : facts.logicalDrives) {
-        if (isLost(planning, volume) && std::find(step.destroys.begin(), step.destroys.end(),
-                                                  volume.id) != step.destroys.end()) {
-            deleted.logicalDrives.push_back(volume);
-            deleted.logicalDrives.back().usedAs.clear();
+void askOfLost(const ControllerPlanning& planning, const PlanStep* step, Facts& facts,
+               const std::function<void(Facts&)>& ask) {
+    Facts lost;
+    std::vector<LogicalDriveFacts*> asked;
+    for (LogicalDriveFacts& volume : facts.logicalDrives) {
+        const bool isMeant =
+            step == nullptr || std::find(step->destroys.begin(), step->destroys.end(), volume.id) !=
+                                   step->destroys.end();
+        if (isMeant && isLost(planning, volume)) {
+            asked.push_back(&volume);
+            lost.logicalDrives.push_back(volume);
+            lost.logicalDrives.back().usedAs.clear();
         }
     }
-    if (deleted.logicalDrives.empty()) {
-        return std::nullopt;
+    if (asked.empty()) {
+        return;
     }
-    ask(deleted);
+    ask(lost);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        *asked[i] = lost.logicalDrives[i];
+    }
+}
+
+std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning, const PlanStep& step,
+                                       const Facts& facts, const std::function<void(Facts&)>& ask) {
+    Facts now = facts;
+    for (LogicalDriveFacts& volume : now.logicalDrives) {
+        volume.usedAs.clear(); // of the others nothing is asked
+    }
+    askOfLost(planning, &step, now, ask);
     RunFault fault;
-    for (const LogicalDriveFacts& volume : deleted.logicalDrives) {
+    for (const LogicalDriveFacts& volume : now.logicalDrives) {
         tellUse(planning.controller.number, volume, fault);
     }
     return faultOfUses(std::move(fault));

@@ -47,6 +47,11 @@ controllersAskedFor(const MachinePlan& plan, const std::vector<std::int32_t>& nu
 [[nodiscard]] std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                  const std::vector<std::int32_t>& controllers);
 
+/// Has `ask` note what the system uses those for that the plan deletes on a controller; `step`
+/// alone, unless it is null.
+void askOfLost(const ControllerPlanning& planning, const PlanStep* step, Facts& facts,
+               const std::function<void(Facts&)>& ask);
+
 /// Those that a step is about to delete. `facts` are of what was captured last; `ask` notes in them
 /// what the system uses now.
 [[nodiscard]] std::optional<RunFault> stepInUseFault(const ControllerPlanning& planning,

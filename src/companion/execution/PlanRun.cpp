@@ -179,6 +179,28 @@ std::optional<RunFault> PlanRun::agree() {
     return std::nullopt;
 }
 
+/// As in captures: a family that carries out its lines itself looks itself.
+bool PlanRun::isAskedOf(const ControllerPlanning& planning) const {
+    const Family* const family = findFamily(planning.controller.utility);
+    return asker() && family != nullptr && !family->carriesOut();
+}
+
+const std::function<void(Facts&)>& PlanRun::asker() const {
+    return capture_.noteHolders ? capture_.noteHolders : capture_.noteUses;
+}
+
+void PlanRun::askOfLost(Snapshot& snapshot) const {
+    for (ControllerSnapshot& found : snapshot.details) {
+        for (const ControllerProgress& progress : controllers) {
+            const ControllerPlanning& planning = *progress.planning;
+            if (planning.controller.number == found.number && !found.failed &&
+                capture_.noteHolders && isAskedOf(planning)) {
+                companion::askOfLost(planning, nullptr, found.facts, capture_.noteHolders);
+            }
+        }
+    }
+}
+
 std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
     for (const ControllerProgress& progress : controllers) {
         if (std::optional<RunFault> fault =
@@ -245,15 +267,12 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
 /// Asks the system right before a step that deletes: steps before it may have taken hours.
 bool PlanRun::deletesNothingInUse(ControllerProgress& progress) {
     const ControllerPlanning& planning = *progress.planning;
-    const Family* const family = findFamily(planning.controller.utility);
     const auto facts = facts_.find(planning.controller.number);
-    // As in captures: one that carries out its lines itself looks itself.
-    if (!capture_.noteUses || family == nullptr || family->carriesOut() || facts == facts_.end()) {
+    if (!isAskedOf(planning) || facts == facts_.end()) {
         return true;
     }
     const PlanStep& step = planning.steps[progress.next];
-    std::optional<RunFault> fault =
-        stepInUseFault(planning, step, facts->second, capture_.noteUses);
+    std::optional<RunFault> fault = stepInUseFault(planning, step, facts->second, asker());
     if (!fault) {
         return true;
     }

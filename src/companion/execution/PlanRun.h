@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -61,6 +62,8 @@ class PlanRun {
     /// Ends where there is nothing to do; what stands must serve all the same.
     ApplyEnd already(const Snapshot& snapshot);
 
+    /// Asks what the system uses those for that are to be deleted, more than a capture does.
+    void askOfLost(Snapshot& snapshot) const;
     /// What the cache of a controller keeps from being made, of what remains.
     [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
@@ -98,6 +101,8 @@ class PlanRun {
 
     void runController(ControllerProgress& progress, bool isLast);
     bool mayGoOn(ControllerProgress& progress);
+    [[nodiscard]] bool isAskedOf(const ControllerPlanning& planning) const;
+    [[nodiscard]] const std::function<void(Facts&)>& asker() const;
     bool deletesNothingInUse(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);
     bool pauseBefore(const PlanStep& step);

@@ -194,6 +194,7 @@ class Resumption {
                 drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
         }
+        run_.askOfLost(snapshot_);
         if (std::optional<RunFault> fault =
                 inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
@@ -221,6 +222,7 @@ class Resumption {
                             {run_.resumeHelp("looks again and goes on")},
                             std::string(run_problem::machineChanged)};
         }
+        run_.askOfLost(snapshot_);
         if (std::optional<RunFault> fault =
                 inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;

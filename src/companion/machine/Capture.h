@@ -30,6 +30,9 @@ struct CaptureRequest {
     /// Notes what the running system uses the logical drives of a controller for. Empty: nobody
     /// looks, as of a machine that is not this one.
     std::function<void(Facts& facts)> noteUses{};
+    /// The same of logical drives that are about to be deleted; captures do not ask it. Empty:
+    /// noteUses.
+    std::function<void(Facts& facts)> noteHolders{};
     /// The programs behind the platform, to tell which of them is missing or cannot be started; or
     /// null. They outlive the capture.
     const Utilities* utilities = nullptr;

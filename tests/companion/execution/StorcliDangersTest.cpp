@@ -249,6 +249,20 @@ TEST_F(StorcliDangers, WhatIsMountedOnTheWayIsNotDeleted) {
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
+/// What no mount names is only asked of what is to be deleted.
+TEST_F(StorcliDangers, WhatSomebodyHasOpenedIsNotDeleted) {
+    Lines asked;
+    bench_.capture.noteHolders = [&asked](Facts& facts) {
+        for (LogicalDriveFacts& volume : facts.logicalDrives) {
+            asked.push_back(volume.id);
+            volume.usedAs = volume.id == "237" ? "opened by somebody" : "";
+        }
+    };
+    EXPECT_EQ(refusedAfter([] {}), Lines{"controller 1: LD 237 (/dev/sdc): opened by somebody"});
+    std::sort(asked.begin(), asked.end());
+    EXPECT_EQ(asked, (Lines{"236", "237", "239"}));
+}
+
 /// Somebody needs his time to agree, and others are not idle.
 TEST_F(StorcliDangers, WhatHappensWhileItIsAskedIsFound) {
     bench_.listener.answer = {true, "typed-serial", "", {}, true};

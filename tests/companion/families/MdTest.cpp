@@ -193,6 +193,33 @@ TEST_F(MdTest, WhatTheSystemUsesALogicalDriveForIsNoted) {
                     "235 /dev/sda: held by dm-0\n");
 }
 
+/// A pool of drives is mounted by its name: only who opens the device finds that it is taken.
+TEST_F(MdTest, WhatIsToBeDeletedIsOpened) {
+    Facts facts;
+    for (const char* const device : {"/dev/sda", "/dev/sdb", "/dev/sdz"}) {
+        facts.logicalDrives.emplace_back().device = device;
+    }
+    const auto told = [&] {
+        std::string text;
+        for (const LogicalDriveFacts& volume : facts.logicalDrives) {
+            text += volume.device + ": " + volume.usedAs + "\n";
+        }
+        return text;
+    };
+    files.files["/proc/self/mountinfo"] = "20 1 0:40 / /srv rw - zfs tank/srv rw\n";
+    files.faults["/dev/sda"] = "Device or resource busy";
+    files.faults["/dev/sdb"] = "No such file or directory";
+    files.faults["/dev/sdz"] = "Device or resource busy"; // is none of this system's
+    noteUses(files, {}, facts);
+    EXPECT_EQ(told(), "/dev/sda: \n/dev/sdb: \n/dev/sdz: \n");
+    noteHolders(files, {}, facts);
+    EXPECT_EQ(told(), "/dev/sda: opened by somebody\n/dev/sdb: \n/dev/sdz: \n");
+    files.files.erase("/proc/self/mountinfo");
+    files.faults.erase("/dev/sda");
+    noteHolders(files, {}, facts);
+    EXPECT_EQ(told(), "/dev/sda: \n/dev/sdb: whether it is mounted cannot be told\n/dev/sdz: \n");
+}
+
 TEST_F(MdTest, WhatBlkidFindsBarsADriveToo) {
     files.files["/usr/sbin/blkid"] = "";
     DiskScan scan;

@@ -94,8 +94,9 @@ void BlockDevices::use(const std::string& name, const std::string& why, int dept
 }
 
 void BlockDevices::readUses() {
-    const std::string mounts =
-        files_.read(roots_.proc + "/self/mountinfo", 0, mostTable).value_or("");
+    const auto read = files_.read(roots_.proc + "/self/mountinfo", 0, mostTable);
+    knowsMounts_ = read.has_value();
+    const std::string mounts = read.value_or("");
     std::vector<std::pair<std::string, std::string>> found;
     for (const std::string_view line : parts(mounts, "\n")) {
         const std::vector<std::string_view> fields = parts(line, " ");

@@ -34,6 +34,9 @@ class BlockDevices {
     /// The same, or what holds it or a partition of it: "held by dm-0".
     [[nodiscard]] std::string useOrHolderOf(const std::string& name) const;
 
+    /// Whether the system tells what is mounted.
+    [[nodiscard]] bool knowsMounts() const { return knowsMounts_; }
+
   private:
     void readPartitions();
     void readUses();
@@ -46,6 +49,7 @@ class BlockDevices {
     std::map<std::string, std::string, std::less<>> wholeOf_; ///< of a partition
     std::map<std::string, std::string, std::less<>> numbers_; ///< "8:16" -> "sdb"
     std::map<std::string, std::string, std::less<>> uses_;
+    bool knowsMounts_ = false;
 };
 
 } // namespace zolex::companion::md

@@ -4,6 +4,8 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -43,9 +45,18 @@ std::string deviceOf(const BlockDevices& devices, const LogicalDriveFacts& volum
     return isThere && (id.empty() || idOf(devices, name).empty()) ? name : std::string();
 }
 
-} // namespace
+/// Why a device that nothing is known to use must not be taken away; empty: it may be.
+std::string heldAs(DiskFiles& files, const BlockDevices& devices, const std::string& name) {
+    const std::string fault = files.whyNotOpened(devices.fileOf(name));
+    if (fault == std::strerror(EBUSY)) {
+        return "opened by somebody";
+    }
+    // One that is there, and of which nothing can be told.
+    return fault.empty() || devices.knowsMounts() ? std::string()
+                                                  : "whether it is mounted cannot be told";
+}
 
-void noteUses(DiskFiles& files, const Roots& roots, Facts& facts) {
+void note(DiskFiles& files, const Roots& roots, Facts& facts, bool opens) {
     if (facts.logicalDrives.empty()) {
         return;
     }
@@ -54,8 +65,21 @@ void noteUses(DiskFiles& files, const Roots& roots, Facts& facts) {
         if (const std::string name = deviceOf(devices, volume); !name.empty()) {
             volume.usedAs = devices.useOrHolderOf(name);
             volume.device = "/dev/" + name; // where it is now
+            if (opens && volume.usedAs.empty()) {
+                volume.usedAs = heldAs(files, devices, name);
+            }
         }
     }
+}
+
+} // namespace
+
+void noteUses(DiskFiles& files, const Roots& roots, Facts& facts) {
+    note(files, roots, facts, false);
+}
+
+void noteHolders(DiskFiles& files, const Roots& roots, Facts& facts) {
+    note(files, roots, facts, true);
 }
 
 } // namespace zolex::companion::md

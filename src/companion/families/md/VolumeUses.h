@@ -10,4 +10,9 @@ namespace zolex::companion::md {
 /// none of this system's devices is used for nothing.
 void noteUses(DiskFiles& files, const Roots& roots, Facts& facts);
 
+/// The same of logical drives that are to be deleted: the device of each is opened for this process
+/// alone, too. What has it for itself without a mount that names it, as pools of drives have, is
+/// found that way.
+void noteHolders(DiskFiles& files, const Roots& roots, Facts& facts);
+
 } // namespace zolex::companion::md
