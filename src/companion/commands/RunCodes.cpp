@@ -80,8 +80,8 @@ constexpr auto runRows = std::to_array<ProblemCode>({
      "zolexctl diff PLAN.json tells that it is so"},
     {run_problem::lostInUse, error, "the running system uses what would be deleted",
      "Since it was planned for, a logical drive that the plan deletes has been mounted, swapped to, "
-     "or taken by LVM, an array or encryption. Nothing was changed, or nothing more.",
-     "end what uses it (lsblk), and apply again"},
+     "or taken by LVM, an array, a pool or encryption. Nothing was changed, or nothing more.",
+     "end what uses it (lsblk), and apply again; --resume JOURNAL where it has begun"},
 });
 // clang-format on
 

@@ -78,6 +78,8 @@ struct DriveFacts {
     std::vector<std::string> covers; ///< of a dedicated spare: ids of its arrays
     /// Of one logical block; nothing: not told. Drives of different ones do not go together.
     std::optional<std::uint32_t> blockSizeBytes;
+    /// What its label says, of which arrays get less; nothing: not told.
+    std::optional<std::uint64_t> rawCapacityBytes;
     std::string wwn; ///< world wide name; or empty
     /// Why it is not to be planned with, whatever its state is ("locked by its encryption", "in
     /// use: mounted at /srv"); or empty.

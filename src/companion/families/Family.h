@@ -159,6 +159,8 @@ class Family {
         return std::nullopt;
     }
 
+    /// Whether policies count drives as they are listed; else by enclosure and slot.
+    [[nodiscard]] virtual bool listsInOrder() const { return false; }
     [[nodiscard]] virtual FamilyLimits limits(const Facts& facts) const = 0;
     /// Why a drive cannot be planned with; empty for one that can. A drive in an array or a spare
     /// of this controller can, once what it is in is gone.

@@ -116,6 +116,9 @@ void writeDrive(DocumentText& out, const MachineDrive& drive) {
     out.textOrNull("media_type", facts.mediaType);
     out.numberOrNull("capacity_bytes", facts.capacityBytes);
     out.number("capacity_tolerance_bytes", facts.capacityTolerance);
+    if (facts.rawCapacityBytes) {
+        out.number("raw_capacity_bytes", *facts.rawCapacityBytes);
+    }
     writeStatus(out, facts.health, driveStatus(facts.state));
     out.text("drive_state", driveStateWord(facts.state));
     out.textOrNull("reported_state", facts.reportedState);

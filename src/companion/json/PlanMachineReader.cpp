@@ -208,6 +208,9 @@ MachineDrive readDrive(const Part& part) {
     facts.mediaType = part.wordOrNull("media_type");
     facts.capacityBytes = part.numberOrNull<std::uint64_t>("capacity_bytes");
     facts.capacityTolerance = part.number<std::uint64_t>("capacity_tolerance_bytes");
+    if (part.has("raw_capacity_bytes")) {
+        facts.rawCapacityBytes = part.number<std::uint64_t>("raw_capacity_bytes");
+    }
     const Part status = part.object("status");
     facts.health = status.oneOf<Health>("health", healths, healthWord);
     facts.state = part.oneOf<DriveState>("drive_state", driveStates, driveStateWord);

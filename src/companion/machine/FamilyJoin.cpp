@@ -22,14 +22,16 @@ auto placeOf(const DriveFacts& drive) {
                       std::string_view(drive.location));
 }
 
-void joinFamilyDrives(ControllerSnapshot& snapshot) {
+void joinFamilyDrives(const Family& family, ControllerSnapshot& snapshot) {
     for (const DriveFacts& drive : snapshot.facts.drives) {
         snapshot.drives.emplace_back().facts = drive;
     }
-    std::stable_sort(snapshot.drives.begin(), snapshot.drives.end(),
-                     [](const MachineDrive& a, const MachineDrive& b) {
-                         return placeOf(a.facts) < placeOf(b.facts);
-                     });
+    if (!family.listsInOrder()) {
+        std::stable_sort(snapshot.drives.begin(), snapshot.drives.end(),
+                         [](const MachineDrive& a, const MachineDrive& b) {
+                             return placeOf(a.facts) < placeOf(b.facts);
+                         });
+    }
     std::map<std::int32_t, std::int32_t> channels;
     for (const MachineDrive& drive : snapshot.drives) {
         channels.emplace(drive.facts.enclosure.value_or(-1), 0);
@@ -110,7 +112,7 @@ ControllerSnapshot familySnapshot(const Family& family, FamilyController control
     }
     if (!snapshot.failed) {
         snapshot.arrays = joinArrays(snapshot.facts);
-        joinFamilyDrives(snapshot);
+        joinFamilyDrives(family, snapshot);
     }
     return snapshot;
 }

@@ -29,6 +29,7 @@ struct FunctionRow {
 // Columns: vendor, device, vendor of the subsystem; utility, whether it is a RAID controller for
 // sure. The first that fits counts.
 constexpr auto functionRows = std::to_array<FunctionRow>({
+    {broadcom, 0x0060, anySubsystem, {"STORCLI", true}},
     {broadcom, 0x005B, anySubsystem, {"STORCLI", true}},
     {broadcom, 0x005D, anySubsystem, {"STORCLI", true}},
     {broadcom, 0x005F, anySubsystem, {"STORCLI", true}},
@@ -75,6 +76,11 @@ constexpr auto functionRows = std::to_array<FunctionRow>({
     {broadcom, 0x0076, anySubsystem, {"SAS2IRCU", false}},
     {broadcom, 0x0077, anySubsystem, {"SAS2IRCU", false}},
     {broadcom, 0x0080, anySubsystem, {"SAS2IRCU", false}},
+    {broadcom, 0x0081, anySubsystem, {"SAS2IRCU", false}},
+    {broadcom, 0x0082, anySubsystem, {"SAS2IRCU", false}},
+    {broadcom, 0x0083, anySubsystem, {"SAS2IRCU", false}},
+    {broadcom, 0x0084, anySubsystem, {"SAS2IRCU", false}},
+    {broadcom, 0x0085, anySubsystem, {"SAS2IRCU", false}},
     {broadcom, 0x0086, anySubsystem, {"SAS2IRCU", false}},
     {broadcom, 0x0087, anySubsystem, {"SAS2IRCU", false}},
     {broadcom, 0x006E, anySubsystem, {"SAS2IRCU", false}},

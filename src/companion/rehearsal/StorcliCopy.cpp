@@ -260,7 +260,11 @@ class Builder {
         }
         drive.sectors =
             static_cast<std::int64_t>(bytes / static_cast<std::uint64_t>(drive.sectorBytes));
-        drive.rawSectors = drive.sectors + (std::int64_t{512} << 20) / drive.sectorBytes;
+        const std::uint64_t raw = facts.rawCapacityBytes.value_or(0);
+        drive.rawSectors =
+            raw > bytes && raw <= 2 * greatestSize
+                ? static_cast<std::int64_t>(raw / static_cast<std::uint64_t>(drive.sectorBytes))
+                : drive.sectors + (std::int64_t{512} << 20) / drive.sectorBytes;
     }
 
     void addEnclosures() {

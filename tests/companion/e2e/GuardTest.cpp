@@ -166,8 +166,7 @@ std::vector<GuardedDanger> guardedDangers() {
          wipe,
          3,
          {"This destroys 1 foreign drive:\n", "- foreign 32:7", "controller 1\n",
-          "error: 1 foreign drive would be lost, and nobody has agreed to it\n"
-          "    [ZA212]\n"
+          "error: 1 foreign drive would be lost, and nobody has agreed to it [ZA212]\n"
           "   help: zolexctl guard --destroy ",
           "-- zolex /r /y /f:p.ini\n", notStarted}},
         // The dry run.

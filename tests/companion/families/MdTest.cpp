@@ -5,6 +5,7 @@
 #include "companion/families/md/MdHost.h"
 #include "companion/families/md/Signatures.h"
 #include "companion/families/md/VolumeUses.h"
+#include "companion/machine/FamilyJoin.h"
 #include "companion/support/MadeUpDisks.h"
 
 #include <gtest/gtest.h>
@@ -553,6 +554,30 @@ TEST_F(MdTest, OurArraysAreLogicalDrivesAndOthersBarTheirDrives) {
     EXPECT_EQ(facts.drive("ata-DISK_S-sdc")->barred, "in use: member of the md array srv:old");
     EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sda")), "");
     EXPECT_NE(family().whyNotUsable(*facts.drive("ata-DISK_S-sdc")), "");
+}
+
+/// Hosts are numbered as their modules are loaded, and serial numbers are any.
+TEST_F(MdTest, DrivesAreCountedByThePlaceOfTheirAdapter) {
+    const auto putAt = [this](const std::string& name, const std::string& place) {
+        files.links["/sys/block/" + name + "/device"] = "/sys/devices/pci0000:00/" + place;
+    };
+    files.addDrive("sdd", 3);
+    files.addDrive("nvme0n1", 4);
+    putAt("sda", "0000:0a:00.0/host7/target7:0:10/7:0:10:0");
+    putAt("sdb", "0000:10:00.0/host2/target2:0:0/2:0:0:0");
+    putAt("sdc", "0000:0a:00.0/host7/target7:0:9/7:0:9:0");
+    putAt("sdd", "10000:00:01.0/host1/target1:0:0/1:0:0:0");
+    putAt("nvme0n1", "0000:00:06.0/0000:0b:00.0/nvme/nvme0");
+    DiskScan scan;
+    scan.files = &files;
+    FamilyController controller;
+    controller.facts = factsOf(listDisks(scan));
+    std::string counted;
+    for (const MachineDrive& drive : familySnapshot(family(), controller, 1).drives) {
+        counted += std::to_string(drive.policyNumber.value_or(0)) + " " +
+                   drive.facts.location.substr(drive.facts.location.rfind('-') + 1) + "\n";
+    }
+    EXPECT_EQ(counted, "1 sdc\n2 sda\n3 nvme0n1\n4 sdb\n5 sdd\n");
 }
 
 TEST_F(MdTest, StatesComeFromTheKernel) {

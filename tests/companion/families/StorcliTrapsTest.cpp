@@ -27,7 +27,9 @@ TEST(StorcliTraps, ExactSizeOfADriveComesFromItsCoercedSectors) {
     ListedController server;
     server.edit(drives, "\"Coerced size\" : \"893.750 GB [0x6fb80000 Sectors]\"",
                 "\"Coerced size\" : \"1 TB [0x10 Sectors]\"");
-    EXPECT_EQ(driveOf(server.controller(), "252:0").capacityBytes, 16U * 512);
+    const DriveFacts drive = driveOf(server.controller(), "252:0");
+    EXPECT_EQ(drive.capacityBytes, 16U * 512);
+    EXPECT_EQ(drive.rawCapacityBytes, 0x6fc81ab0ULL * 512); // what its label says
 }
 
 TEST(StorcliTraps, ExactSizeOfAVolumeComesFromItsBlocks) {

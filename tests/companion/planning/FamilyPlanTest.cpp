@@ -607,7 +607,8 @@ TEST(FamilyPlan, AnArrayThatIsOfflineIsRefusedAndItsDrivesAreNotToBeReplaced) {
                   (std::vector<std::string>{
                       "do not replace drives, and delete nothing: its data is lost with them",
                       "bring back the drives that left (cables, enclosure, power), and look at "
-                      "what its utility lists: zolexctl show"}));
+                      "what its utility lists: zolexctl show",
+                      "for more: zolexctl explain ZX702"}));
         EXPECT_EQ(diffOf(plan).result, ControllerDiff::Result::different);
     }
 }

@@ -76,11 +76,15 @@ class Lister {
     }
 
   private:
-    static std::tuple<std::int32_t, std::int32_t, std::size_t, std::string_view>
-    order(const ListedDisk& disk) {
+    /// As drives are cabled: by the place of their adapter on the bus, which stays where numbers of
+    /// hosts and names of drives change, and behind it by host and target.
+    using Order = std::tuple<bool, std::size_t, std::string_view, std::int32_t, std::int32_t,
+                             std::size_t, std::string_view>;
+    static Order order(const ListedDisk& disk) {
         constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
-        return {disk.channel.value_or(last), disk.target.value_or(last), disk.name.size(),
-                disk.name};
+        return Order(disk.function.empty(), disk.function.size(), std::string_view(disk.function),
+                     disk.channel.value_or(last), disk.target.value_or(last), disk.name.size(),
+                     std::string_view(disk.name));
     }
 
     [[nodiscard]] std::string block(const std::string& name) const {
@@ -147,20 +151,22 @@ class Lister {
 
     /// SCSI host and target of "2:0:3:0", else the place of its PCI function.
     static void place(ListedDisk& disk, std::string_view resolved) {
+        for (const std::string_view folder : parts(resolved, "/")) {
+            const std::vector<std::string_view> pci = parts(folder, ":.");
+            const bool isFunction = pci.size() == 4 && folder.size() > 2 &&
+                                    folder[folder.size() - 2] == '.'; // no SCSI address
+            const auto bus = isFunction ? numberIn<std::int32_t>(pci[1], 16) : std::nullopt;
+            const auto slot = isFunction ? numberIn<std::int32_t>(pci[2], 16) : std::nullopt;
+            if (bus && slot && *bus < 256 && *slot < 32) {
+                disk.function = folder;
+                disk.channel = *bus;
+                disk.target = *slot;
+            }
+        }
         const std::vector<std::string_view> address = parts(baseName(resolved), ":");
         if (address.size() == 4 && numberIn<std::int32_t>(address[0])) {
             disk.channel = numberIn<std::int32_t>(address[0]);
             disk.target = numberIn<std::int32_t>(address[2]);
-            return;
-        }
-        for (const std::string_view folder : parts(resolved, "/")) {
-            const std::vector<std::string_view> pci = parts(folder, ":.");
-            const auto bus = pci.size() == 4 ? numberIn<std::int32_t>(pci[1], 16) : std::nullopt;
-            const auto slot = pci.size() == 4 ? numberIn<std::int32_t>(pci[2], 16) : std::nullopt;
-            if (bus && slot && *bus < 256 && *slot < 32) {
-                disk.channel = *bus;
-                disk.target = *slot;
-            }
         }
     }
 

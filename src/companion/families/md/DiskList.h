@@ -28,6 +28,7 @@ struct ListedDisk {
     std::string mediaType;
     std::uint64_t bytes = 0;
     std::uint32_t blockBytes = 512;
+    std::string function;                ///< of PCI, under which it is: "0000:03:00.0"; or empty
     std::optional<std::int32_t> channel; ///< SCSI host, or the place of its PCI function
     std::optional<std::int32_t> target;
     std::optional<Superblock> superblock;

@@ -32,6 +32,7 @@ Json toJson(const ListedDisk& disk) {
     return Json{{"name", disk.name},
                 {"id", disk.id},
                 {"path", disk.path},
+                {"function", disk.function},
                 {"serial_number", disk.serialNumber},
                 {"manufacturer", disk.manufacturer},
                 {"model", disk.model},
@@ -137,6 +138,7 @@ ListedDisk diskFrom(const Json& json) {
     disk.name = fields.text("name");
     disk.id = fields.text("id");
     disk.path = fields.text("path");
+    disk.function = fields.text("function");
     disk.serialNumber = fields.text("serial_number");
     disk.manufacturer = fields.text("manufacturer");
     disk.model = fields.text("model");

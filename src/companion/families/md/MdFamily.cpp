@@ -188,6 +188,8 @@ class MdFamily : public Family {
                                         : volume.reportedState.substr(use + useSeparator.size());
     }
 
+    bool listsInOrder() const override { return true; }
+
     std::optional<FamilyIdle> whyIdle(const LogicalDriveFacts& volume) const override {
         return volume.device.empty()
                    ? std::optional(FamilyIdle{"active", "stopped", std::string(startHelp)})

@@ -629,10 +629,16 @@ class Decoder {
         if (block > 0 && block <= mostSector) {
             drive.blockSizeBytes = static_cast<std::uint32_t>(block);
         }
-        const auto sectors = hexSectors(attributes.at("Coerced size").text());
-        constexpr std::uint64_t most = std::uint64_t{1} << 62U;
-        if (sectors && *sectors > 0 && drive.blockSizeBytes && *sectors <= most / block) {
-            drive.capacityBytes = *sectors * block;
+        const auto bytesOf = [&](std::string_view key) {
+            constexpr std::uint64_t most = std::uint64_t{1} << 62U;
+            const auto sectors = hexSectors(attributes.at(key).text());
+            const bool isTold =
+                sectors && *sectors > 0 && drive.blockSizeBytes && *sectors <= most / block;
+            return isTold ? std::optional(*sectors * block) : std::nullopt;
+        };
+        drive.rawCapacityBytes = bytesOf("Raw size");
+        drive.capacityBytes = bytesOf("Coerced size");
+        if (drive.capacityBytes) {
             return;
         }
         if (const auto size = storcliSize(row.at("Size").text(), units())) {
