@@ -661,10 +661,12 @@ class LayoutComparison {
         }
     }
 
-    /// Words in capitals throughout are left as they are.
+    /// Words with capitals behind the first letter are left as they are.
     static std::string lowered(const std::string& word) {
         std::string text = word;
-        const bool isWord = text.size() > 1 && text::lower(text[1]) == text[1];
+        const bool isWord =
+            text.size() > 1 &&
+            std::none_of(text.begin() + 1, text.end(), [](char c) { return text::lower(c) != c; });
         text[0] = isWord ? text::lower(text[0]) : text[0];
         return text;
     }

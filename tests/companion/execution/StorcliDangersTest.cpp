@@ -249,6 +249,34 @@ TEST_F(StorcliDangers, WhatIsMountedOnTheWayIsNotDeleted) {
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
+/// More drives of an array that stays leave than its level bears, while others are made.
+TEST_F(StorcliDangers, AnArrayThatIsOfflineIsNoGoodEnd) {
+    std::size_t ended = 0;
+    bench_.system.onMoment = [this, &ended](const std::string& moment) {
+        if (moment == "ended" && ++ended == 6) {
+            drive(2).state = DriveState::failed;
+            drive(3).state = DriveState::failed;
+        }
+    };
+    const Lines help = {
+        "help: do not replace drives, and delete nothing: its data is lost with them",
+        "help: bring back the drives that left (cables, enclosure, power), and "
+        "look at what its utility lists: zolexctl show",
+        "help: zolexctl apply --resume plan.journal.jsonl verifies it again"};
+    Lines told = {"5: what stands on controller 1 now is not what was planned",
+                  "  LD 238, state: planned is online; found is offline (OfLn)"};
+    told.insert(told.end(), help.begin(), help.end());
+    told.emplace_back("controller 1: failed step 6 of 6: what stands is not what was planned");
+    EXPECT_EQ(endLines(bench_.apply()), told);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), told);
+    drive(2).state = DriveState::online;
+    drive(3).state = DriveState::online;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
 /// What no mount names is only asked of what is to be deleted.
 TEST_F(StorcliDangers, WhatSomebodyHasOpenedIsNotDeleted) {
     Lines asked;
