@@ -2,6 +2,7 @@
 
 #include "companion/families/storcli/Storcli.h"
 #include "companion/families/storcli/StorcliDecode.h"
+#include "companion/json/MachinePieces.h"
 #include "support/FakePlatform.h"
 #include "support/TestData.h"
 
@@ -109,27 +110,7 @@ struct ListedController {
 };
 
 inline std::string word(DriveState state) {
-    switch (state) {
-    case DriveState::unknown:
-        return "unknown";
-    case DriveState::free:
-        return "free";
-    case DriveState::member:
-        return "member";
-    case DriveState::hotspare:
-        return "hotspare";
-    case DriveState::rebuilding:
-        return "rebuilding";
-    case DriveState::failed:
-        return "failed";
-    case DriveState::missing:
-        return "missing";
-    case DriveState::foreign:
-        return "foreign";
-    case DriveState::jbod:
-        return "jbod";
-    }
-    return {};
+    return std::string(driveStateWord(state));
 }
 
 inline std::string word(Health health) {
