@@ -1,13 +1,13 @@
 #include "VirtualServer.h"
 
 #include "Programs.h"
+#include "support/RemoveTree.h"
 
 #include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <system_error>
 
 namespace zolex::e2e {
 
@@ -47,8 +47,7 @@ VirtualServer::VirtualServer(const std::string& definition) {
 }
 
 VirtualServer::~VirtualServer() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    test::removeTree(folder_);
 }
 
 ProgramRun VirtualServer::zolex(const std::vector<std::string>& arguments,
@@ -92,8 +91,7 @@ ProgramRun VirtualServer::run(const std::string& program, const std::vector<std:
     result.output = foldLineEnds(readWhole(streams / "out"));
     result.error = foldLineEnds(readWhole(streams / "err"));
     // A child that outlasts its run can still hold them.
-    std::error_code held;
-    std::filesystem::remove_all(streams, held);
+    test::removeTree(streams);
     return result;
 }
 

@@ -1,5 +1,7 @@
 #include "support/TemporaryDirectory.h"
 
+#include "support/RemoveTree.h"
+
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -19,7 +21,7 @@ TemporaryDirectory::TemporaryDirectory() : before_(fs::current_path()) {
 TemporaryDirectory::~TemporaryDirectory() {
     std::error_code ignored;
     fs::current_path(before_, ignored);
-    fs::remove_all(path_, ignored);
+    removeTree(path_);
 }
 
 void TemporaryDirectory::write(const std::string& name, const std::string& content,
