@@ -24,7 +24,8 @@ constexpr std::array<Rule, 12> rows = {{
     {"ZX702", error, utility, "a bad drive is taken",
      "A drive that a list names is planned whatever its state. The utility refuses it, or makes "
      "an array that is degraded from the first day.",
-     "Replace the drive, or take it out of the list."},
+     "Replace the drive, or take it out of the list. Where an array is offline do neither: bring "
+     "back the drives that left it."},
     {"ZX703", warning, nobody, "a drive with errors is taken",
      "The drive counts media errors, or says itself that it will fail. It works today; under the "
      "load of a rebuild such drives are lost first.",

@@ -116,8 +116,10 @@ ControllerDiff headOf(const ControllerPlanning& planning) {
 
 /// An array that serves nobody is not what is wanted, and adding or making anew mends none. Whether
 /// there is one.
-bool takeAsIdle(ControllerDiff& diff, const std::string& utility, const Facts& facts) {
-    IdleVolumes idle = idleVolumes(utility, facts, diff.comparison);
+bool takeAsIdle(ControllerDiff& diff, const std::string& utility, const Facts& facts,
+                bool isWantedKnown) {
+    IdleVolumes idle =
+        isWantedKnown ? idleVolumes(utility, facts, diff.comparison) : idleVolumes(utility, facts);
     if (idle.differences.empty()) {
         return false;
     }
@@ -129,7 +131,7 @@ bool takeAsIdle(ControllerDiff& diff, const std::string& utility, const Facts& f
     if (hasErrors(diff.diagnostics)) {
         return true;
     }
-    if (std::optional<Finding> fault = offlineArrayFault(utility, facts, diff.comparison)) {
+    if (std::optional<Finding> fault = offlineArrayFault(facts)) {
         diff.diagnostics.push_back(*std::move(fault));
     }
     return true;
@@ -143,7 +145,9 @@ ControllerDiff diffOfPlanned(const ControllerPlanning& planning) {
         diff.diagnostics = planning.diagnostics;
     }
     if (planning.disposition != Disposition::skipped &&
-        takeAsIdle(diff, planning.controller.utility, planning.controller.facts)) {
+        takeAsIdle(diff, planning.controller.utility, planning.controller.facts,
+                   !diff.comparison.groups.empty() ||
+                       planning.disposition != Disposition::refused)) {
         return diff;
     }
     switch (planning.disposition) {
@@ -254,7 +258,7 @@ void compareStanding(ControllerDiff& diff, const ControllerSnapshot& details, La
     diff.wanted = std::move(wanted);
     diff.comparison = compareLayouts(details.facts, diff.captured, diff.wanted, {details.utility});
     diff.result = resultOf(diff.comparison.result);
-    if (takeAsIdle(diff, details.utility, details.facts)) {
+    if (takeAsIdle(diff, details.utility, details.facts, false)) {
         return;
     }
     tellRebuild(diff, details.utility,

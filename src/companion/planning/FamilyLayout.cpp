@@ -146,20 +146,65 @@ class LayoutMaker {
         });
     }
 
-    [[nodiscard]] bool isOffline(const std::string& array) const {
-        const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
-        return !array.empty() &&
-               std::any_of(all.begin(), all.end(), [&array](const LogicalDriveFacts& each) {
-                   return each.array == array && each.health == Health::critical;
-               });
+    static bool isOn(const LogicalDriveFacts& volume, const std::string& location) {
+        return std::any_of(volume.spans.begin(), volume.spans.end(), [&](const auto& span) {
+            return std::find(span.begin(), span.end(), location) != span.end();
+        });
     }
 
+    /// Whether a logical drive on that drive is offline; of an empty location, whether any is.
+    [[nodiscard]] bool isOffline(const std::string& location) const {
+        const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
+        return std::any_of(all.begin(), all.end(), [&location](const LogicalDriveFacts& each) {
+            return each.health == Health::critical && (location.empty() || isOn(each, location));
+        });
+    }
+
+    /// A logical drive that is well on as many drives, of which the list names some: a hot spare
+    /// took the place of the others.
+    [[nodiscard]] const LogicalDriveFacts* standsElsewhere(const DriveListView& list,
+                                                           const MachineDrive& bad) const {
+        const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
+        const auto found = std::find_if(all.begin(), all.end(), [&](const LogicalDriveFacts& each) {
+            std::size_t count = 0;
+            for (const std::vector<std::string>& span : each.spans) {
+                count += span.size();
+            }
+            return each.health == Health::ok && count == list.drives.size() &&
+                   !isOn(each, bad.facts.location) &&
+                   std::any_of(list.drives.begin(), list.drives.end(), [&](const DriveView& view) {
+                       const MachineDrive* const drive = drives_.find(view);
+                       return drive != nullptr && isOn(each, drive->facts.location);
+                   });
+        });
+        return found == all.end() ? nullptr : &*found;
+    }
+
+    [[nodiscard]] std::string driveHelp(const DriveListView& list,
+                                        const MachineDrive& drive) const {
+        if (const LogicalDriveFacts* const well = standsElsewhere(list, drive)) {
+            std::vector<std::string> drives;
+            for (const std::vector<std::string>& span : well->spans) {
+                drives.insert(drives.end(), span.begin(), span.end());
+            }
+            return "LD " + well->id + " is well without it, on " + joinWords(drives) +
+                   ": name these in its place, for another list deletes it";
+        }
+        return driveHelp(drive);
+    }
     [[nodiscard]] std::string driveHelp(const MachineDrive& drive) const {
-        if (isOffline(drive.array)) {
+        if (isOffline(drive.facts.location)) {
             return offlineHelp().front() + "; " + offlineHelp().back();
         }
-        if (!drive.array.empty() && drive.facts.state != DriveState::rebuilding) {
+        const bool isBad =
+            drive.facts.state == DriveState::failed || drive.facts.state == DriveState::missing;
+        if (!drive.array.empty() && isBad) {
             return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
+                   drive.array;
+        }
+        if (!drive.array.empty() && drive.facts.state != DriveState::rebuilding) {
+            return "look at what its utility tells of it, and plan again: a policy without it "
+                   "deletes array " +
                    drive.array;
         }
         const std::string makeGood = planned_.family.makeGood(planned_.detail.adapter, drive.facts);
@@ -189,12 +234,12 @@ class LayoutMaker {
             const MachineDrive* const drive = drives_.find(view);
             if (view.number > 0 && !hasShifted_ && isMemberMissing()) {
                 hasShifted_ = true;
-                Finding& finding = fault(
-                    "ZX701", &view.piece,
-                    keyword + " counts drives, and a drive of an array is missing: the numbers "
-                              "behind it are others",
-                    "put the drive back, or replace it and wait until it is rebuilt");
-                finding.refusedBy = RefusedBy::nobody;
+                fault("ZX701", &view.piece,
+                      keyword + " counts drives, and a drive of an array is missing: the numbers "
+                                "behind it are others",
+                      isOffline({}) ? offlineHelp().front()
+                                    : "put the drive back, or replace it and wait until it is "
+                                      "rebuilt");
             }
             if (view.number <= 0 && drives_.isAmbiguous(view)) {
                 fault("ZX303", &view.piece,
@@ -220,7 +265,7 @@ class LayoutMaker {
                 Finding& finding = fault("ZX702", &view.piece,
                                          keyword + " names " + drive->facts.location + ": " +
                                              drives_.whyNot(*drive),
-                                         driveHelp(*drive));
+                                         driveHelp(list, *drive));
                 finding.refusedBy = RefusedBy::plan;
                 continue;
             }

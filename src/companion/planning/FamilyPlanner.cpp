@@ -191,6 +191,12 @@ ControllerPlanning FamilyPlanner::plan(const ControllerSnapshot& detail) {
             }
         }
         take(found);
+        if (hasErrors(found.findings)) {
+            // What is wanted is not known: it may be the array that is offline.
+            if (std::optional<Finding> any = offlineArrayFault(detail.facts)) {
+                found.findings.insert(found.findings.begin(), *std::move(any));
+            }
+        }
         finish(planning, std::move(found.findings));
         if (planning.disposition == Disposition::planned) {
             std::vector<Finding> kept = hurtArrayWarnings(planning);
@@ -249,6 +255,11 @@ FamilyPlanner::Attempt FamilyPlanner::attempt(const ControllerSnapshot& detail, 
 void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> found) {
     planning.disposition = Disposition::planned;
     const bool isPlanned = !hasErrors(found);
+    for (Finding& finding : found) {
+        if (finding.severity == Severity::error) {
+            finding.refusedBy = RefusedBy::plan; // nothing was made that could be accepted
+        }
+    }
     refuseMisread(planning.controller.findings);
     std::optional<Finding> keptCache;
     for (const Finding& finding : planning.controller.findings) {

@@ -147,21 +147,11 @@ std::string whyHurtArraysChange(const ControllerPlanning& planning, const StepCh
     return HurtArrays(planning, choice).whyChanged();
 }
 
-std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts& facts,
-                                         const Comparison& comparison) {
-    const IdleVolumes idle = idleVolumes(utility, facts, comparison);
-    if (!idle.isOffline) {
-        return std::nullopt;
-    }
-    const auto volume = std::find_if(
-        facts.logicalDrives.begin(), facts.logicalDrives.end(), [&idle](const auto& each) {
-            return each.health == Health::critical &&
-                   std::any_of(
-                       idle.differences.begin(), idle.differences.end(),
-                       [&each](const Difference& one) { return one.logicalDrive == each.id; });
-        });
+namespace {
+
+Finding offlineFault(const Facts& facts, const LogicalDriveFacts& volume) {
     std::vector<std::string> hurt;
-    for (const std::vector<std::string>& span : volume->spans) {
+    for (const std::vector<std::string>& span : volume.spans) {
         for (const std::string& member : span) {
             const DriveFacts* const drive = facts.drive(member);
             if (drive == nullptr || isHurt(*drive)) {
@@ -170,11 +160,35 @@ std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts
         }
     }
     return planFault("ZX702",
-                     "LD " + volume->id +
-                         (volume->reportedState.empty() ? "" : " (" + volume->reportedState + ")") +
+                     "LD " + volume.id +
+                         (volume.reportedState.empty() ? "" : " (" + volume.reportedState + ")") +
                          " is offline, and nothing is changed beside it" +
                          (hurt.empty() ? std::string() : "; not at work: " + joinWords(hurt)),
                      offlineHelp());
+}
+
+} // namespace
+
+std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts& facts,
+                                         const Comparison& comparison) {
+    const IdleVolumes idle = idleVolumes(utility, facts, comparison);
+    const auto isMeant = [&idle](const LogicalDriveFacts& each) {
+        return each.health == Health::critical &&
+               std::any_of(idle.differences.begin(), idle.differences.end(),
+                           [&each](const Difference& one) { return one.logicalDrive == each.id; });
+    };
+    const auto volume =
+        std::find_if(facts.logicalDrives.begin(), facts.logicalDrives.end(), isMeant);
+    return volume == facts.logicalDrives.end() ? std::nullopt
+                                               : std::optional(offlineFault(facts, *volume));
+}
+
+std::optional<Finding> offlineArrayFault(const Facts& facts) {
+    const auto volume =
+        std::find_if(facts.logicalDrives.begin(), facts.logicalDrives.end(),
+                     [](const auto& each) { return each.health == Health::critical; });
+    return volume == facts.logicalDrives.end() ? std::nullopt
+                                               : std::optional(offlineFault(facts, *volume));
 }
 
 std::vector<Finding> hurtArrayWarnings(const ControllerPlanning& planning) {

@@ -22,6 +22,9 @@ namespace zolex::companion {
 [[nodiscard]] std::optional<Finding>
 offlineArrayFault(const std::string& utility, const Facts& facts, const Comparison& comparison);
 
+/// The same of any, where it cannot be told what is wanted.
+[[nodiscard]] std::optional<Finding> offlineArrayFault(const Facts& facts);
+
 /// Of each array that stays so, which drive it is.
 [[nodiscard]] std::vector<Finding> hurtArrayWarnings(const ControllerPlanning& planning);
 

@@ -72,7 +72,7 @@ IdleVolumes idleVolumes(const std::string& utility, const Facts& facts,
 }
 
 std::vector<std::string> offlineHelp() {
-    return {"do not replace drives, and delete nothing: its data is lost with them",
+    return {"while its data is wanted, replace no drive and delete nothing: that loses it",
             "bring back the drives that left (cables, enclosure, power), and look at what its "
             "utility lists: zolexctl show"};
 }

@@ -1,5 +1,6 @@
 #include "companion/planning/Strategy.h"
 
+#include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "foundation/Text.h"
 #include "model/TypeTraits.h"
@@ -276,6 +277,9 @@ class Chooser {
 
     /// Whether the utility can be told each logical drive that goes.
     [[nodiscard]] bool namesWhatGoes() const {
+        if (findFamily(planning_.controller.utility) != nullptr) {
+            return true; // each by its id, whatever that is
+        }
         for (std::size_t group = 0; group < planning_.before.groups.size(); ++group) {
             const std::vector<LayoutVolume>& volumes = planning_.before.groups[group].volumes;
             for (std::size_t volume = choice_.parts.volumesKept[group]; volume < volumes.size();

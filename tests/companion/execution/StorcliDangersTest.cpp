@@ -259,7 +259,7 @@ TEST_F(StorcliDangers, AnArrayThatIsOfflineIsNoGoodEnd) {
         }
     };
     const Lines help = {
-        "help: do not replace drives, and delete nothing: its data is lost with them",
+        "help: while its data is wanted, replace no drive and delete nothing: that loses it",
         "help: bring back the drives that left (cables, enclosure, power), and "
         "look at what its utility lists: zolexctl show",
         "help: zolexctl apply --resume plan.journal.jsonl verifies it again"};

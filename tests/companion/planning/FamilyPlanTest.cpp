@@ -603,14 +603,108 @@ TEST(FamilyPlan, AnArrayThatIsOfflineIsRefusedAndItsDrivesAreNotToBeReplaced) {
         });
         EXPECT_EQ(error->summary, "LD 239 (OfLn) is offline, and nothing is changed beside it; not "
                                   "at work: 252:1 and 252:2");
-        EXPECT_EQ(error->help,
-                  (std::vector<std::string>{
-                      "do not replace drives, and delete nothing: its data is lost with them",
-                      "bring back the drives that left (cables, enclosure, power), and look at "
-                      "what its utility lists: zolexctl show",
-                      "for more: zolexctl explain ZX702"}));
+        EXPECT_EQ(
+            error->help,
+            (std::vector<std::string>{
+                "while its data is wanted, replace no drive and delete nothing: that loses it",
+                "bring back the drives that left (cables, enclosure, power), and look at "
+                "what its utility lists: zolexctl show",
+                "for more: zolexctl explain ZX702"}));
         EXPECT_EQ(diffOf(plan).result, ControllerDiff::Result::different);
     }
+}
+
+/// The same where the drives that left are not listed any more: what is wanted is not known then.
+TEST(FamilyPlan, AnArrayThatIsOfflineIsToldWhereItsDrivesAreGone) {
+    FamilyServer server = hurtServer();
+    server.controller().facts.logicalDrives[0].reportedState = "OfLn";
+    server.controller().facts.logicalDrives[0].health = Health::critical;
+    std::erase_if(server.controller().facts.drives, [](const DriveFacts& drive) {
+        return drive.location == "252:1" || drive.location == "252:2";
+    });
+    for (const std::string& policy :
+         {keptAndAnother, std::string("Array.A = 1:0,1:1,1:2\nLogical.1 = A:FILL:5\n")}) {
+        const MachinePlan plan = server.plan(custom(policy));
+        ASSERT_EQ(dispositionWord(plan.controllers.front().disposition), "refused");
+        const std::string told = planLines(plan);
+        EXPECT_NE(told.find("error ZX702: LD 239 (OfLn) is offline, and nothing is changed beside "
+                            "it; not at work: 252:1 and 252:2\n"),
+                  std::string::npos)
+            << told;
+        EXPECT_EQ(told.find("help: replace"), std::string::npos) << told;
+        EXPECT_EQ(told.find("or replace it"), std::string::npos) << told;
+        EXPECT_EQ(diffOf(plan).result, ControllerDiff::Result::different);
+    }
+}
+
+/// Nothing is planned where it is not known which drives are meant, whatever is accepted.
+TEST(FamilyPlan, NumbersBehindAMissingDriveAreNotAccepted) {
+    FamilyServer server = hurtServer();
+    std::erase_if(server.controller().facts.drives,
+                  [](const DriveFacts& drive) { return drive.location == "252:1"; });
+    PlanRequest request;
+    request.policiesFile = "site.ini";
+    request.policiesText = custom("Array.A = 1,2,3\nLogical.1 = A:FILL:0\n");
+    request.accept = {"ZX701"};
+    static_cast<void>(server.plan(request.policiesText)); // joins the drives
+    const MachinePlan plan = planMachine(server.snapshot, request);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "refused") << planLines(plan);
+}
+
+/// Replaced or left out, the drive that failed leads to an array that is deleted.
+TEST(FamilyPlan, WhereASpareTookThePlaceItSaysWhichDrivesAreTheArray) {
+    FamilyServer server;
+    server.addDrives(6);
+    server.addVolume("239", "0", "RAID5", {{0, 2, 5}}, 2000);
+    server.driveAt(1).state = DriveState::failed;
+    server.driveAt(1).reportedState = "UBad";
+    server.driveAt(1).health = Health::critical;
+    const std::string told =
+        planLines(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")));
+    EXPECT_NE(told.find("  help: LD 239 is well without it, on 252:0, 252:2 and 252:5: name these "
+                        "in its place, for another list deletes it\n"),
+              std::string::npos)
+        << told;
+}
+
+/// A member that is at work and of which nothing more is told is no bad drive.
+TEST(FamilyPlan, NobodyIsToReplaceADriveThatIsWell) {
+    FamilyServer server;
+    server.addDrives(4);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.driveAt(1).barred = "it does not tell its details";
+    const std::string told =
+        planLines(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n")));
+    EXPECT_NE(told.find("  help: look at what its utility tells of it, and plan again: a policy "
+                        "without it deletes array A\n"),
+              std::string::npos)
+        << told;
+}
+
+/// Ids need not be numbers: what stands as wanted stays.
+TEST(FamilyPlan, ALogicalDriveWithAWordAsIdGoesByItself) {
+    FamilyServer server;
+    server.controller().utility = "MD";
+    server.controller().facts.deepMirrors = DeepMirrors::ofAll;
+    server.controller().facts.raidTypes = {"RAID1"};
+    server.snapshot.families = {{1, "MD", false}};
+    server.addDrives(6);
+    server.addVolume("zolex-a", "zolex-a", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("zolex-b", "zolex-b", "RAID1", {{2, 3}}, 1000);
+    const MachinePlan plan =
+        server.plan("[Policy.md]\nAppliesTo.1 = t:MD\nArray_Defaults = 0%:0\nArray_Mode = "
+                    "CUSTOM\nLogical_Mode = CUSTOM\n"
+                    "Array.A = 1,2\nArray.B = 4,5\nLogical.1 = A:FILL:1\nLogical.2 = B:FILL:1\n");
+    EXPECT_EQ(planLines(plan),
+              "planned\n"
+              "RAID1 fill: 252:0 252:1\n"
+              "RAID1 fill: 252:3 252:4\n"
+              "loses logical_drive zolex-b\n"
+              "MD --stop /dev/md/zolex-b --zero-superblock /dev/disk/by-id/252:2 "
+              "/dev/disk/by-id/252:3\n"
+              "MD --create /dev/md/zolex-05e69af6 --metadata=1.2 \"--homehost=<none>\" "
+              "--name=zolex-05e69af6 --level=1 --raid-devices=2 --bitmap=internal "
+              "/dev/disk/by-id/252:3 /dev/disk/by-id/252:4\n");
 }
 
 TEST(FamilyPlan, AnArrayThatIsRebuiltStaysBesideAChange) {
