@@ -251,6 +251,11 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "The family has no spare for several arrays: this one is made with the first that has none "
      "yet, and the others have to get it from whoever watches over them.",
      "name a spare for each array: Spares = 1 covering A and 1 covering B"},
+    {problem::wellElsewhere, warning, "a logical drive that is well goes for the place of its drives",
+     "It is of the level that the policy asks for, on as many drives, but on others than the policy "
+     "lists. That is so after a hot spare has taken the place of a drive that failed. Its data goes "
+     "with it.",
+     "name the drives on which it is, and it stays: zolexctl show"},
     {problem::addingIsNotEnough, error, "what is wanted cannot be reached by adding alone",
      "Something that stands on the controller is in the way, or its utility cannot add beside it. "
      "With --strategy add nothing is removed, so nothing is done.",

@@ -62,6 +62,7 @@ inline constexpr std::string_view redundancyLost = "ZP206";
 inline constexpr std::string_view spareIdle = "ZP207";
 inline constexpr std::string_view degraded = "ZP208";
 inline constexpr std::string_view spareOfOne = "ZP209";
+inline constexpr std::string_view wellElsewhere = "ZP210";
 inline constexpr std::string_view addingIsNotEnough = "ZP220";
 inline constexpr std::string_view lineNotMade = "ZP221";
 inline constexpr std::string_view takesAllDrives = "ZP222";

@@ -204,6 +204,34 @@ void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findin
     }
 }
 
+/// What goes and comes again on other drives, as a spare has taken a place.
+void tellMoved(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    for (const Difference& difference : planning.comparison.differences) {
+        const auto goes = [&difference](const Loss& loss) {
+            return loss.kind == "logical_drive" && loss.id == difference.logicalDrive;
+        };
+        const bool isMoved = difference.attribute == "moved" && !difference.logicalDrive.empty() &&
+                             std::any_of(planning.losses.begin(), planning.losses.end(), goes);
+        for (const LayoutGroup& group : planning.before.groups) {
+            const bool isIt =
+                isMoved && std::any_of(group.volumes.begin(), group.volumes.end(),
+                                       [&difference](const LayoutVolume& volume) {
+                                           return volume.id == difference.logicalDrive &&
+                                                  volume.health == Health::ok;
+                                       });
+            if (isIt) {
+                findings.push_back(
+                    planWarning(problem::wellElsewhere,
+                                "LD " + difference.logicalDrive + " is well on " +
+                                    locationsLine(group.drives()) +
+                                    ", and goes only because the policy lists other drives",
+                                {"if a hot spare has taken a place, name the drives on which it "
+                                 "is: then it stays"}));
+            }
+        }
+    }
+}
+
 } // namespace
 
 std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
@@ -213,6 +241,7 @@ std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
     tellRedundancy(planning, findings);
     tellForeign(planning, findings);
     tellNumbers(planning, findings);
+    tellMoved(planning, findings);
     return findings;
 }
 

@@ -667,6 +667,20 @@ TEST(FamilyPlan, WhereASpareTookThePlaceItSaysWhichDrivesAreTheArray) {
         << told;
 }
 
+/// The same when the failed drive has been replaced.
+TEST(FamilyPlan, WhatGoesForThePlaceOfItsDrivesAloneIsTold) {
+    FamilyServer server;
+    server.addDrives(6);
+    server.addVolume("239", "0", "RAID5", {{0, 2, 5}}, 2000);
+    const MachinePlan plan = server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n"));
+    EXPECT_NE(warningsOf(plan).find("ZP210: LD 239 is well on 252:0 252:2 252:5, and goes only "
+                                    "because the policy lists other drives\n  help: if a hot spare "
+                                    "has taken a place, name the drives on which it is: then it "
+                                    "stays\n"),
+              std::string::npos)
+        << warningsOf(plan);
+}
+
 /// A member that is at work and of which nothing more is told is no bad drive.
 TEST(FamilyPlan, NobodyIsToReplaceADriveThatIsWell) {
     FamilyServer server;
