@@ -254,6 +254,24 @@ struct StandingPair {
     Lines drives;
 };
 
+/// Takes those out of what stands that are still there, though they were to go: the others of their
+/// drives are in their places behind them.
+void dropClaimed(const Layout& before, const Lines& gone, Layout& found) {
+    const auto isClaimed = [&](const LayoutVolume& now) {
+        return !now.uniqueId.empty() &&
+               std::any_of(before.groups.begin(), before.groups.end(), [&](const auto& group) {
+                   return std::any_of(
+                       group.volumes.begin(), group.volumes.end(), [&](const LayoutVolume& volume) {
+                           return volume.uniqueId == now.uniqueId &&
+                                  std::find(gone.begin(), gone.end(), volume.id) != gone.end();
+                       });
+               });
+    };
+    for (LayoutGroup& group : found.groups) {
+        std::erase_if(group.volumes, isClaimed);
+    }
+}
+
 /// Those that none of the first `done` steps removes.
 std::vector<StandingPair> standingPairs(const ControllerPlanning& planning, std::size_t done,
                                         const Facts& facts) {
@@ -265,7 +283,8 @@ std::vector<StandingPair> standingPairs(const ControllerPlanning& planning, std:
         }
         gone.insert(gone.end(), step.destroys.begin(), step.destroys.end());
     }
-    const Layout found = capturedLayout(facts);
+    Layout found = capturedLayout(facts);
+    dropClaimed(planning.before, gone, found);
     std::vector<StandingPair> pairs;
     for (const LayoutGroup& group : planning.before.groups) {
         const auto same =
@@ -405,6 +424,32 @@ std::vector<std::string> madeAnew(const ControllerPlanning& planning, std::size_
         }
     }
     return lines;
+}
+
+std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
+                                         const ControllerPlanning& planning, std::size_t done,
+                                         const Facts& facts) {
+    if (findFamily(planning.controller.utility) == nullptr) {
+        return std::nullopt;
+    }
+    RunFault fault;
+    fault.details = otherwiseNumbered(planning, done, facts);
+    const bool isOfNumbers = !fault.details.empty();
+    append(fault.details, madeAnew(planning, done, facts));
+    if (fault.details.empty()) {
+        return std::nullopt;
+    }
+    const std::string controller = controllerName(planning.controller.number);
+    fault.exitCode = apply_code::stopped;
+    fault.code = run_problem::standsElsewhere;
+    fault.what = isOfNumbers ? "the logical drives of " + controller +
+                                   " have other numbers than the plan's commands say"
+                             : "logical drives of " + controller +
+                                   " are not those that the plan was made of";
+    fault.help = {planAgainHelp(plan)};
+    return NumbersFault{isOfNumbers ? "its logical drives have other numbers"
+                                    : "its logical drives are others",
+                        std::move(fault)};
 }
 
 std::string planAgainHelp(const MachinePlan& plan) {

@@ -78,6 +78,17 @@ keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std
 [[nodiscard]] std::vector<std::string> madeAnew(const ControllerPlanning& planning,
                                                 std::size_t done, const Facts& facts);
 
+struct NumbersFault {
+    std::string why; ///< in short: "its logical drives have other numbers"
+    RunFault fault;
+};
+/// What keeps the commands behind the first `done` steps from reaching what they were written for:
+/// logical drives that have other numbers, or were made anew by somebody else. Nothing of utilities
+/// of zolex, whose numbers may be positions.
+[[nodiscard]] std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
+                                                       const ControllerPlanning& planning,
+                                                       std::size_t done, const Facts& facts);
+
 /// "zolexctl plan site.ini plans from what is there".
 [[nodiscard]] std::string planAgainHelp(const MachinePlan& plan);
 

@@ -62,14 +62,19 @@ class StorcliDangers : public testing::Test {
         return end.details;
     }
 
-    /// Interrupts the run behind so many commands.
-    void interruptBehind(std::size_t commands) {
-        std::size_t ended = 0;
-        bench_.system.onMoment = [this, commands, ended](const std::string& moment) mutable {
-            if (moment == "ended" && ++ended == commands) {
-                bench_.system.isInterrupted = true;
+    /// What happens behind so many commands of a run.
+    void afterCommand(std::size_t commands, const std::function<void()>& change) {
+        ended_ = 0;
+        bench_.system.onMoment = [this, commands, change](const std::string& moment) {
+            if (moment == "ended" && ++ended_ == commands) {
+                change();
             }
         };
+    }
+
+    /// Interrupts the run behind so many commands.
+    void interruptBehind(std::size_t commands) {
+        afterCommand(commands, [this] { bench_.system.isInterrupted = true; });
         EXPECT_EQ(bench_.apply().exitCode, 4);
         bench_.system.onMoment = nullptr;
         bench_.system.restart();
@@ -78,6 +83,7 @@ class StorcliDangers : public testing::Test {
 
     ApplyBench bench_;
     zolex_sim::Server initial_;
+    std::size_t ended_ = 0; ///< commands
 };
 
 TEST_F(StorcliDangers, APlanHoldsForWhatItWasMadeFor) {
@@ -400,6 +406,75 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWhenARunIsGoneOnWith) {
             "controller 1: failed step 2 of 6: its logical drives have other numbers"}));
     EXPECT_EQ(bench_.system.started, Lines{});
     EXPECT_EQ(bench_.layout(), stood);
+}
+
+/// A controller that is reset behind a delete numbers the others anew, in the middle of a run.
+TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWithinARun) {
+    for (const bool isCareful : {false, true}) {
+        bench_.server.platform.server = initial_;
+        bench_.disk = {};
+        bench_.system.restart();
+        bench_.system.started.clear();
+        bench_.terms.careful = isCareful;
+        afterCommand(3, [this] { swapNumbers(1, 2); });
+        EXPECT_EQ(
+            endLines(bench_.apply()),
+            (Lines{"4: step 4 of 6 was not begun: the logical drives of controller 1 have other "
+                   "numbers than the plan's commands say",
+                   "  LD 238 on 252:2 252:3 252:4 252:5 has the number 237 now",
+                   "  LD 237 on 252:6 252:7 252:8 252:9 has the number 238 now",
+                   "  remains: step 4: delete LD 237: RAID10 on 252:6 252:7 252:8 252:9",
+                   "  remains: step 5: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+                   "  remains: step 6: create B: RAID10 on 252:0 252:1 252:12 252:13",
+                   "help: zolexctl plan site.ini plans from what is there",
+                   "help: zolexctl apply --resume plan.journal.jsonl goes on when they are as they "
+                   "were",
+                   "controller 1: failed step 4 of 6: its logical drives have other numbers"}));
+        EXPECT_EQ(bench_.system.started.size(), 3U);
+        EXPECT_EQ(controller().volumes.size(), 3U);
+        bench_.system.onMoment = nullptr;
+        bench_.system.restart();
+        EXPECT_EQ(bench_.resume().code, "ZA118");
+        EXPECT_EQ(bench_.system.started.size(), 3U);
+        swapNumbers(1, 2);
+        bench_.system.restart();
+        EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+    }
+}
+
+/// Each delete but the first is looked before, and only once.
+TEST_F(StorcliDangers, WhatStandsIsReadBeforeWhatIsDeletedByNumber) {
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+    Lines lines;
+    for (const std::string& line : bench_.events()) {
+        if (line.starts_with("captured") || line.starts_with("step-started")) {
+            lines.push_back(line);
+        }
+    }
+    EXPECT_EQ(lines, (Lines{"captured guard", "step-started 1", "step-started 2", "step-started 3",
+                            "captured step", "step-started 4", "captured step", "step-started 5",
+                            "step-started 6", "captured verify"}));
+}
+
+/// What cannot be read there is not deleted.
+TEST_F(StorcliDangers, WhatCannotBeReadBeforeADeleteIsNotDeleted) {
+    const auto respond = bench_.server.platform.respond;
+    afterCommand(3, [this, respond] {
+        bench_.server.platform.respond = [respond](const std::string& line) {
+            return line.find("/c0") == std::string::npos
+                       ? respond(line)
+                       : zolex::test::FakePlatform::ended(1, "no memory");
+        };
+    });
+    const ApplyEnd end = bench_.apply();
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "what stands before step 4 of 6 could not be captured");
+    EXPECT_EQ(bench_.system.started.size(), 3U);
+    EXPECT_EQ(controller().volumes.size(), 3U);
+    bench_.server.platform.respond = respond;
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
 TEST_F(StorcliDangers, ADriveThatTheSystemHasByNowIsLeftToIt) {
