@@ -5,6 +5,7 @@
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/FamilyLines.h"
 #include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
@@ -103,7 +104,7 @@ class ControllerChanges {
 
     Lines changes;
     Lines swapped; ///< of them those by which a drive is another one, is gone, or is now in use
-    bool isRenumbered = false; ///< the layout is as it was, but for numbers of logical drives
+    bool isRenumbered = false; ///< the layout is as it was, but for numbers in it
     Lines firmware;
 
   private:
@@ -175,6 +176,10 @@ class ControllerChanges {
             planning.beforeHash.empty() ? layoutHash(planned_.facts) : planning.beforeHash;
         if (layoutHash(found_.facts) == before) {
             for (const std::string& line : otherwiseNumbered(planning, 0, found_.facts)) {
+                change(line);
+                isRenumbered = true;
+            }
+            for (const std::string& line : arraysOtherwiseNumbered(planning, 0, found_.facts)) {
                 change(line);
                 isRenumbered = true;
             }
@@ -426,30 +431,60 @@ std::vector<std::string> madeAnew(const ControllerPlanning& planning, std::size_
     return lines;
 }
 
+std::vector<std::string> arraysOtherwiseNumbered(const ControllerPlanning& planning,
+                                                 std::size_t done, const Facts& facts) {
+    Lines lines;
+    const Layout found = capturedLayout(facts);
+    for (std::size_t i = done; i < planning.steps.size(); ++i) {
+        const auto named = arraysNamedBy(planning, planning.steps[i]);
+        for (const LayoutGroup* const group : named.value_or(std::vector<const LayoutGroup*>())) {
+            const auto now = std::find_if(
+                found.groups.begin(), found.groups.end(),
+                [group](const LayoutGroup& each) { return each.drives() == group->drives(); });
+            if (now == found.groups.end() || now->id == group->id) {
+                continue;
+            }
+            std::string line = "array " + printable(group->id) + " on " +
+                               locationsLine(group->drives()) + " has the number " +
+                               printable(now->id) + " now";
+            if (std::find(lines.begin(), lines.end(), line) == lines.end()) {
+                lines.push_back(std::move(line));
+            }
+        }
+    }
+    return lines;
+}
+
 std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
                                          const ControllerPlanning& planning, std::size_t done,
                                          const Facts& facts) {
     if (findFamily(planning.controller.utility) == nullptr) {
         return std::nullopt;
     }
-    RunFault fault;
-    fault.details = otherwiseNumbered(planning, done, facts);
-    const bool isOfNumbers = !fault.details.empty();
-    append(fault.details, madeAnew(planning, done, facts));
-    if (fault.details.empty()) {
-        return std::nullopt;
-    }
     const std::string controller = controllerName(planning.controller.number);
-    fault.exitCode = apply_code::stopped;
-    fault.code = run_problem::standsElsewhere;
-    fault.what = isOfNumbers ? "the logical drives of " + controller +
-                                   " have other numbers than the plan's commands say"
-                             : "logical drives of " + controller +
-                                   " are not those that the plan was made of";
-    fault.help = {planAgainHelp(plan)};
-    return NumbersFault{isOfNumbers ? "its logical drives have other numbers"
-                                    : "its logical drives are others",
-                        std::move(fault)};
+    NumbersFault found{
+        "its logical drives have other numbers",
+        {apply_code::stopped,
+         "the logical drives of " + controller + " have other numbers than the plan's commands say",
+         otherwiseNumbered(planning, done, facts),
+         {planAgainHelp(plan)},
+         std::string(run_problem::standsElsewhere)}};
+    Lines& lines = found.fault.details;
+    const Lines arrays = arraysOtherwiseNumbered(planning, done, facts);
+    if (lines.empty() && !arrays.empty()) {
+        found.why = "its arrays have other numbers";
+        found.fault.what =
+            "the arrays of " + controller + " have other numbers than the plan's commands say";
+    }
+    append(lines, arrays);
+    const Lines others = madeAnew(planning, done, facts);
+    if (lines.empty()) {
+        found.why = "its logical drives are others";
+        found.fault.what =
+            "logical drives of " + controller + " are not those that the plan was made of";
+    }
+    append(lines, others);
+    return lines.empty() ? std::nullopt : std::optional(std::move(found));
 }
 
 std::string planAgainHelp(const MachinePlan& plan) {

@@ -78,13 +78,18 @@ keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std
 [[nodiscard]] std::vector<std::string> madeAnew(const ControllerPlanning& planning,
                                                 std::size_t done, const Facts& facts);
 
+/// Which arrays that a command behind the first `done` steps names by their numbers have another
+/// one now: a spare of one would be made a spare of another.
+[[nodiscard]] std::vector<std::string>
+arraysOtherwiseNumbered(const ControllerPlanning& planning, std::size_t done, const Facts& facts);
+
 struct NumbersFault {
     std::string why; ///< in short: "its logical drives have other numbers"
     RunFault fault;
 };
 /// What keeps the commands behind the first `done` steps from reaching what they were written for:
-/// logical drives that have other numbers, or were made anew by somebody else. Nothing of utilities
-/// of zolex, whose numbers may be positions.
+/// logical drives or arrays that have other numbers, or logical drives that were made anew by
+/// somebody else. Nothing of utilities of zolex, whose numbers may be positions.
 [[nodiscard]] std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
                                                        const ControllerPlanning& planning,
                                                        std::size_t done, const Facts& facts);

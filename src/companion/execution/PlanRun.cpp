@@ -5,6 +5,7 @@
 #include "companion/execution/RunCodes.h"
 #include "companion/families/storcli/Errors.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/FamilyLines.h"
 #include "companion/planning/IdleVolumes.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Steps.h"
@@ -74,6 +75,12 @@ bool isInWords(const FamilyVerdict& verdict, const ChildResult& result) {
 
 bool deletesVolume(const PlanStep& step) {
     return step.action == "delete-logical-drive";
+}
+
+/// Whether its command names what may have another number when it is run.
+bool isByNumber(const ControllerPlanning& planning, const PlanStep& step) {
+    const auto arrays = arraysNamedBy(planning, step);
+    return deletesVolume(step) || !arrays || !arrays->empty();
 }
 
 /// Whether numbers of others may change with it.
@@ -251,7 +258,7 @@ ApplyEnd PlanRun::carryOut() {
 
 void PlanRun::runController(ControllerProgress& progress, bool isLast) {
     while (!progress.isDone()) {
-        if (!mayGoOn(progress) || !lookBeforeDeleting(progress) || !deletesNothingInUse(progress) ||
+        if (!mayGoOn(progress) || !lookByNumber(progress) || !deletesNothingInUse(progress) ||
             !runStep(progress)) {
             return;
         }
@@ -279,13 +286,15 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
     return !isStopped_;
 }
 
-/// Looks again before a step that deletes a logical drive by its number, when one was deleted or
-/// made since: a controller that is reset behind that may number the others anew.
-bool PlanRun::lookBeforeDeleting(ControllerProgress& progress) {
+/// Looks again before a step that deletes a logical drive, or makes a spare of an array, by its
+/// number, when a logical drive was deleted or made since: a controller that is reset behind that
+/// may number the others anew.
+bool PlanRun::lookByNumber(ControllerProgress& progress) {
     const ControllerPlanning& planning = *progress.planning;
     const PlanStep& step = planning.steps[progress.next];
     const Family* const family = findFamily(planning.controller.utility);
-    if (!progress.isOutdated || !deletesVolume(step) || family == nullptr || family->carriesOut()) {
+    if (!progress.isOutdated || family == nullptr || family->carriesOut() ||
+        !isByNumber(planning, step)) {
         return true;
     }
     const Snapshot snapshot = capture(CapturePurpose::step, planning.controller.number);

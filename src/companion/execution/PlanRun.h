@@ -25,7 +25,7 @@ struct ControllerProgress {
     std::size_t next = 0;               ///< index of the step that comes next
     bool isBegun = false;               ///< a step of it was begun, in this run or before
     bool isChecked = false;             ///< behind its last step it was found as planned
-    bool isOutdated = false;            ///< what was captured last is of before a step's volumes
+    bool isOutdated = false;            ///< a step has changed logical drives since it was captured
     std::int32_t failedStep = 0;        ///< 0: none
     std::string failure;                ///< why it goes no further; empty: it does
     std::vector<std::int32_t> attempts; ///< of each step, before this run
@@ -104,7 +104,7 @@ class PlanRun {
     bool mayGoOn(ControllerProgress& progress);
     [[nodiscard]] bool isAskedOf(const ControllerPlanning& planning) const;
     [[nodiscard]] const std::function<void(Facts&)>& asker() const;
-    bool lookBeforeDeleting(ControllerProgress& progress);
+    bool lookByNumber(ControllerProgress& progress);
     bool isNumberedAsPlanned(ControllerProgress& progress, const Facts& facts);
     bool isRead(ControllerProgress& progress, const Snapshot& snapshot, const std::string& where);
     bool deletesNothingInUse(ControllerProgress& progress);

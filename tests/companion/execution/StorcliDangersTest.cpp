@@ -515,24 +515,133 @@ TEST_F(StorcliDangers, ALogicalDriveOfTheSystemStays) {
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
-/// Numbers of groups are positions here: a spare of one that stays is made before another goes.
-TEST(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
-    const std::string drives =
-        R"({"enclosure": 252, "slot": 0, "count": 12, "sectors": 41943040}], "virtualDrives": [
+/// Three arrays and two free drives; two of them stay, each with a spare of its own.
+class StorcliSpares : public testing::Test {
+  protected:
+    StorcliSpares()
+        : bench_(
+              test::storcliServer("") +
+              R"({"enclosure": 252, "slot": 0, "count": 12, "sectors": 41943040}], "virtualDrives": [
         {"level": "RAID1", "spans": [["252:0", "252:1"]]},
         {"level": "RAID5", "spans": [["252:2", "252:3", "252:4", "252:5"]]},
-        {"level": "RAID5", "spans": [["252:6", "252:7", "252:8", "252:9"]]})";
-    ApplyBench bench(test::storcliServer("") + drives + "]}]}");
-    bench.makePlan(test::storcliPolicies("Drives.A = slots 252:2,252:3,252:4,252:5\nLevel.A = 5\n"
-                                         "Drives.B = slots 252:6,252:7,252:8,252:9\nLevel.B = 5\n"
-                                         "Spares = 1 covering A and 1 covering B\n"),
-                   StrategyWish::automatic, false);
-    ASSERT_EQ(test::faultsOf(bench.plan), Lines{});
-    EXPECT_EQ(test::commandsOf(bench.plan),
+        {"level": "RAID5", "spans": [["252:6", "252:7", "252:8", "252:9"]]}]}]})") {}
+
+    Controller& controller() { return bench_.server.platform.server.storcliControllers.front(); }
+    /// Each of the two has the number of the other.
+    void swapArrays(std::size_t one, std::size_t other) {
+        std::swap(controller().groups[one], controller().groups[other]);
+        const auto follow = [one, other](std::size_t& group) {
+            group = group == one ? other : group == other ? one : group;
+        };
+        for (zolex_sim::storcli::Volume& volume : controller().volumes) {
+            follow(volume.group);
+        }
+        for (zolex_sim::storcli::Drive& drive : controller().drives) {
+            std::for_each(drive.groups.begin(), drive.groups.end(), follow);
+        }
+    }
+
+    ApplyBench bench_;
+};
+
+/// Numbers of groups are positions here: a spare of one that stays is made before another goes.
+TEST_F(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
+    bench_.makePlan(test::storcliPolicies("Drives.A = slots 252:2,252:3,252:4,252:5\nLevel.A = 5\n"
+                                          "Drives.B = slots 252:6,252:7,252:8,252:9\nLevel.B = 5\n"
+                                          "Spares = 1 covering A and 1 covering B\n"),
+                    StrategyWish::automatic, false);
+    ASSERT_EQ(test::faultsOf(bench_.plan), Lines{});
+    EXPECT_EQ(test::commandsOf(bench_.plan),
               (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=2 J nolog",
                      "STORCLI /c0/e252/s11 add hotsparedrive DGs=1 J nolog",
                      "STORCLI /c0/v239 del J nolog"}));
-    EXPECT_EQ(endLines(bench.apply()), (Lines{"0: ", "controller 1: configured"}));
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Their numbers change: each spare would be of the array of the other.
+TEST_F(StorcliSpares, AreMadeOfNoArrayThatHasTheNumberOfAnother) {
+    bench_.makePlan(
+        test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"
+                              "Drives.B = slots 252:2,252:3,252:4,252:5\nLevel.B = 5\n"
+                              "Drives.C = slots 252:6,252:7,252:8,252:9\nLevel.C = 5\n"
+                              "Spares = slots 252:10 covering A and slots 252:11 covering B\n"),
+        StrategyWish::automatic, false);
+    ASSERT_EQ(test::commandsOf(bench_.plan),
+              (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=0 J nolog",
+                     "STORCLI /c0/e252/s11 add hotsparedrive DGs=1 J nolog"}));
+    swapArrays(1, 2);
+    const ApplyEnd refused = bench_.apply();
+    EXPECT_EQ(endLines(refused),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: array 1 on 252:2 252:3 252:4 252:5 has the number 2 now",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 2: not begun"}));
+    EXPECT_EQ(refused.code, "ZA102");
+    EXPECT_EQ(bench_.system.started, Lines{});
+    // The same before a run is gone on with.
+    swapArrays(1, 2);
+    bench_.system.onMoment = [this](const std::string& moment) {
+        bench_.system.isInterrupted = bench_.system.isInterrupted || moment == "ended";
+    };
+    EXPECT_EQ(bench_.apply().exitCode, 4);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    swapArrays(1, 2);
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(
+        endLines(end),
+        (Lines{"4: the arrays of controller 1 have other numbers than the plan's commands say",
+               "  array 1 on 252:2 252:3 252:4 252:5 has the number 2 now",
+               "  remains: step 2: make 252:11 a spare of B",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 2 of 2: its arrays have other numbers"}));
+    EXPECT_EQ(end.code, "ZA118");
+    EXPECT_EQ(bench_.system.started.size(), 1U);
+    // What the run names no more may have any number.
+    swapArrays(1, 2);
+    swapArrays(0, 2);
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// The array goes before the spare of another is made.
+TEST_F(StorcliSpares, AreMadeOfNoArrayThatHasAnotherNumberOnTheWay) {
+    bench_.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"
+                                          "Drives.B = slots 252:2,252:3,252:4,252:5\nLevel.B = 5\n"
+                                          "Drives.C = slots 252:6,252:7,252:8,252:9\nLevel.C = 6\n"
+                                          "Spares = slots 252:10 covering A\n"),
+                    StrategyWish::automatic, false);
+    const Lines commands = test::commandsOf(bench_.plan);
+    ASSERT_EQ(commands.size(), 3U);
+    ASSERT_EQ(commands.back(), "STORCLI /c0/e252/s10 add hotsparedrive DGs=0 J nolog");
+    std::size_t ended = 0;
+    bench_.system.onMoment = [this, &ended](const std::string& moment) {
+        if (moment == "ended" && ++ended == 2) {
+            swapArrays(0, 1);
+        }
+    };
+    const ApplyEnd end = bench_.apply();
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "step 3 of 3 was not begun: the arrays of controller 1 have other numbers "
+                        "than the plan's commands say");
+    EXPECT_EQ(end.details.front(), "array 0 on 252:0 252:1 has the number 1 now");
+    EXPECT_EQ(bench_.system.started.size(), 2U);
+}
+
+/// A spare that is of another array than planned is told by what people call that one.
+TEST_F(StorcliSpares, AreToldByTheArraysOfThePolicies) {
+    bench_.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"
+                                          "Drives.B = slots 252:2,252:3,252:4,252:5\nLevel.B = 5\n"
+                                          "Drives.C = slots 252:6,252:7,252:8,252:9\nLevel.C = 5\n"
+                                          "Spares = slots 252:10 covering B\n"),
+                    StrategyWish::automatic, false);
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "ended") {
+            controller().drives[10].groups = {2};
+        }
+    };
+    EXPECT_EQ(bench_.apply().details,
+              Lines{"252:10, hotspare_type: planned is dedicated to B; found is dedicated to C"});
 }
 
 /// The utility does not know "nolog": each command is run once more without it.
