@@ -6,6 +6,7 @@
 #include "companion/families/FamilyCodes.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/FamilyLines.h"
+#include "companion/planning/IdleVolumes.h"
 #include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
@@ -337,6 +338,21 @@ bool makesVolume(const PlanStep& step) {
     return step.action == "create-array" || step.action == "create-logical-drive";
 }
 
+const LogicalDriveFacts* volumeOf(const Facts& facts, const std::string& id) {
+    const auto found = std::find_if(facts.logicalDrives.begin(), facts.logicalDrives.end(),
+                                    [&id](const auto& each) { return each.id == id; });
+    return found == facts.logicalDrives.end() ? nullptr : &*found;
+}
+
+/// Whether a step behind the first `done` deletes it.
+bool goesWith(const ControllerPlanning& planning, std::size_t done, const std::string& id) {
+    return std::any_of(planning.steps.begin() + static_cast<std::ptrdiff_t>(done),
+                       planning.steps.end(), [&id](const PlanStep& step) {
+                           return std::find(step.destroys.begin(), step.destroys.end(), id) !=
+                                  step.destroys.end();
+                       });
+}
+
 /// Whether it is one that the plan deletes, and none that has its number by now.
 bool isLost(const ControllerPlanning& planning, const LogicalDriveFacts& volume) {
     return std::any_of(planning.losses.begin(), planning.losses.end(), [&](const Loss& loss) {
@@ -663,6 +679,36 @@ std::optional<RunFault> keptCacheFault(const Snapshot& snapshot, const Controlle
         fault.help.push_back(printable(help));
     }
     return fault;
+}
+
+std::optional<RunFault> offlineFault(const Snapshot& snapshot, const ControllerPlanning& planning,
+                                     std::size_t done) {
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    if (found == nullptr || done >= planning.steps.size()) {
+        return std::nullopt;
+    }
+    const std::string& utility = planning.controller.utility;
+    const Comparison comparison =
+        compareLayouts(found->facts, capturedLayout(found->facts), planning.after, {utility});
+    RunFault fault{apply_code::refused,
+                   "a logical drive that stays is offline, and nothing is changed beside it",
+                   {},
+                   offlineHelp(),
+                   std::string(run_problem::keptOffline)};
+    for (const Difference& each : idleVolumes(utility, found->facts, comparison).differences) {
+        const LogicalDriveFacts* const volume = volumeOf(found->facts, each.logicalDrive);
+        const LogicalDriveFacts* const planned =
+            volumeOf(planning.controller.facts, each.logicalDrive);
+        const bool wasOffline = planned != nullptr && planned->health == Health::critical;
+        if (volume != nullptr && volume->health == Health::critical && !wasOffline &&
+            !goesWith(planning, done, volume->id)) {
+            fault.details.push_back(controllerName(found->number) + ": " +
+                                    volumeNameText(volume->id, volume->name, volume->device) +
+                                    " is " + printable(each.found));
+        }
+    }
+    return fault.details.empty() ? std::nullopt : std::optional(std::move(fault));
 }
 
 std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

@@ -64,6 +64,11 @@ void askOfLost(const ControllerPlanning& planning, const PlanStep* step, Facts& 
 [[nodiscard]] std::optional<RunFault>
 keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
 
+/// A logical drive that the steps behind the first `done` let be, that went offline since the plan
+/// was made: nothing is changed beside it, as long as its data can be had back.
+[[nodiscard]] std::optional<RunFault>
+offlineFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
+
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                   const std::vector<std::int32_t>& controllers);

@@ -222,6 +222,19 @@ void PlanRun::askOfLost(Snapshot& snapshot) const {
     }
 }
 
+std::optional<RunFault> PlanRun::offlineFault(const Snapshot& snapshot) const {
+    for (const ControllerProgress& progress : controllers) {
+        if (std::optional<RunFault> fault =
+                companion::offlineFault(snapshot, *progress.planning, progress.next)) {
+            if (isResumed) {
+                fault->help.push_back(resumeHelp("goes on when it is back"));
+            }
+            return fault;
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
     for (const ControllerProgress& progress : controllers) {
         if (std::optional<RunFault> fault =

@@ -65,6 +65,8 @@ class PlanRun {
 
     /// Asks what the system uses those for that are to be deleted, more than a capture does.
     void askOfLost(Snapshot& snapshot) const;
+    /// What stays and is offline, where something remains to be done.
+    [[nodiscard]] std::optional<RunFault> offlineFault(const Snapshot& snapshot) const;
     /// What the cache of a controller keeps from being made, of what remains.
     [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.

@@ -194,6 +194,9 @@ class Resumption {
                 drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
         }
+        if (std::optional<RunFault> fault = run_.offlineFault(snapshot_)) {
+            return fault;
+        }
         run_.askOfLost(snapshot_);
         if (std::optional<RunFault> fault =
                 inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
@@ -221,6 +224,9 @@ class Resumption {
                             {},
                             {run_.resumeHelp("looks again and goes on")},
                             std::string(run_problem::machineChanged)};
+        }
+        if (std::optional<RunFault> fault = run_.offlineFault(snapshot_)) {
+            return fault;
         }
         run_.askOfLost(snapshot_);
         if (std::optional<RunFault> fault =

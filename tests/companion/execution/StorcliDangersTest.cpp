@@ -283,6 +283,51 @@ TEST_F(StorcliDangers, AnArrayThatIsOfflineIsNoGoodEnd) {
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
+/// The same before a run is gone on with: nothing more is deleted beside it.
+TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNoRunIsGoneOnWith) {
+    const auto leave = [this](DriveState state) {
+        drive(2).state = state;
+        drive(3).state = state;
+    };
+    interruptBehind(3);
+    leave(DriveState::failed);
+    EXPECT_EQ(
+        endLines(bench_.resume()),
+        (Lines{"3: a logical drive that stays is offline, and nothing is changed beside it",
+               "  controller 1: LD 238 (/dev/sdb) is offline (OfLn)",
+               "help: do not replace drives, and delete nothing: its data is lost with them",
+               "help: bring back the drives that left (cables, enclosure, power), and look at what "
+               "its utility lists: zolexctl show",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when it is back",
+               "controller 1: failed step 4 of 6: stopped at this step"}));
+    EXPECT_EQ(bench_.system.started, Lines{});
+    leave(DriveState::online);
+    // One that goes anyway may be.
+    drive(6).state = DriveState::failed;
+    drive(7).state = DriveState::failed;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Nor is one that was killed before its first command.
+TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNothingIsBegun) {
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "write agreed") {
+            bench_.system.kill();
+        }
+    };
+    EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    drive(2).state = DriveState::failed;
+    drive(3).state = DriveState::failed;
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.exitCode, 3);
+    EXPECT_EQ(end.code, "ZA121");
+    EXPECT_EQ(end.details, Lines{"controller 1: LD 238 (/dev/sdb) is offline (OfLn)"});
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
 /// What no mount names is only asked of what is to be deleted.
 TEST_F(StorcliDangers, WhatSomebodyHasOpenedIsNotDeleted) {
     Lines asked;
