@@ -106,6 +106,9 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot, std::vector<std:
         fault = stateFault(snapshot, run.plan, run.terms.controllers, warnings);
     }
     if (!fault) {
+        fault = run.offlineFault(snapshot);
+    }
+    if (!fault) {
         run.askOfLost(snapshot);
         fault = inUseFault(snapshot, run.plan, run.terms.controllers);
     }

@@ -144,22 +144,34 @@ std::string changeText(const DriveDrift& change) {
     return "drive " + change.now->location + numbered(*change.now) + " is new";
 }
 
-/// Logical drives under the number of a certified one that were made anew since.
-std::vector<std::string> volumesMadeAnew(const Layout& certified, const Facts& facts) {
-    std::vector<std::string> lines;
+/// What became of logical drives under the number of a certified one that has an id.
+struct VolumeDrifts {
+    std::vector<std::string> madeAnew;
+    std::vector<std::string> untold; ///< which may have been made anew, or not
+};
+
+VolumeDrifts volumeDrifts(const Layout& certified, const Facts& facts) {
+    VolumeDrifts drifts;
     for (const LayoutGroup& group : certified.groups) {
         for (const LayoutVolume& volume : group.volumes) {
             const auto now = std::find_if(
                 facts.logicalDrives.begin(), facts.logicalDrives.end(),
                 [&volume](const LogicalDriveFacts& each) { return each.id == volume.id; });
-            if (now != facts.logicalDrives.end() && !volume.uniqueId.empty() &&
-                !now->uniqueId.empty() && now->uniqueId != volume.uniqueId) {
-                lines.push_back("LD " + volume.id + " was made anew: its id is " + now->uniqueId +
-                                " instead of " + volume.uniqueId);
+            if (now == facts.logicalDrives.end() || volume.uniqueId.empty() ||
+                now->uniqueId == volume.uniqueId) {
+                continue;
+            }
+            if (now->uniqueId.empty()) {
+                drifts.untold.push_back("LD " + volume.id +
+                                        " may have been made anew: its id is not told, it was " +
+                                        volume.uniqueId);
+            } else {
+                drifts.madeAnew.push_back("LD " + volume.id + " was made anew: its id is " +
+                                          now->uniqueId + " instead of " + volume.uniqueId);
             }
         }
     }
-    return lines;
+    return drifts;
 }
 
 ControllerDiff headOf(const Certificate::Controller& controller) {
@@ -197,12 +209,16 @@ ControllerDiff controllerDiff(const Snapshot& snapshot, const Certificate::Contr
     for (const DriveDrift& change : changes) {
         diff.comparison.equivalences.push_back(changeText(change));
     }
-    const std::vector<std::string> anew = volumesMadeAnew(controller.layout, details->facts);
-    diff.comparison.equivalences.insert(diff.comparison.equivalences.end(), anew.begin(),
-                                        anew.end());
-    diff.hasVolumesMadeAnew = !anew.empty();
+    const VolumeDrifts volumes = volumeDrifts(controller.layout, details->facts);
+    for (const std::vector<std::string>* const lines : {&volumes.madeAnew, &volumes.untold}) {
+        diff.comparison.equivalences.insert(diff.comparison.equivalences.end(), lines->begin(),
+                                            lines->end());
+    }
+    diff.hasVolumesMadeAnew = !volumes.madeAnew.empty();
+    diff.hasVolumesUntold = !volumes.untold.empty();
     diff.hasOtherDrives = !changes.empty() || diff.result == ControllerDiff::Result::equivalent;
-    if (diff.result == ControllerDiff::Result::same && (!changes.empty() || !anew.empty())) {
+    if (diff.result == ControllerDiff::Result::same &&
+        (!changes.empty() || diff.hasVolumesMadeAnew || diff.hasVolumesUntold)) {
         diff.result = ControllerDiff::Result::equivalent;
         diff.comparison.result = Sameness::equivalent;
     }

@@ -5,6 +5,8 @@
 #include "companion/families/Family.h"
 #include "companion/families/FamilyCodes.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/FamilyLines.h"
+#include "companion/planning/IdleVolumes.h"
 #include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
 #include "companion/text/Terminal.h"
@@ -103,7 +105,7 @@ class ControllerChanges {
 
     Lines changes;
     Lines swapped; ///< of them those by which a drive is another one, is gone, or is now in use
-    bool isRenumbered = false; ///< the layout is as it was, but for numbers of logical drives
+    bool isRenumbered = false; ///< the layout is as it was, but for numbers in it
     Lines firmware;
 
   private:
@@ -175,6 +177,10 @@ class ControllerChanges {
             planning.beforeHash.empty() ? layoutHash(planned_.facts) : planning.beforeHash;
         if (layoutHash(found_.facts) == before) {
             for (const std::string& line : otherwiseNumbered(planning, 0, found_.facts)) {
+                change(line);
+                isRenumbered = true;
+            }
+            for (const std::string& line : arraysOtherwiseNumbered(planning, 0, found_.facts)) {
                 change(line);
                 isRenumbered = true;
             }
@@ -254,6 +260,24 @@ struct StandingPair {
     Lines drives;
 };
 
+/// Takes those out of what stands that are still there, though they were to go: the others of their
+/// drives are in their places behind them.
+void dropClaimed(const Layout& before, const Lines& gone, Layout& found) {
+    const auto isClaimed = [&](const LayoutVolume& now) {
+        return !now.uniqueId.empty() &&
+               std::any_of(before.groups.begin(), before.groups.end(), [&](const auto& group) {
+                   return std::any_of(
+                       group.volumes.begin(), group.volumes.end(), [&](const LayoutVolume& volume) {
+                           return volume.uniqueId == now.uniqueId &&
+                                  std::find(gone.begin(), gone.end(), volume.id) != gone.end();
+                       });
+               });
+    };
+    for (LayoutGroup& group : found.groups) {
+        std::erase_if(group.volumes, isClaimed);
+    }
+}
+
 /// Those that none of the first `done` steps removes.
 std::vector<StandingPair> standingPairs(const ControllerPlanning& planning, std::size_t done,
                                         const Facts& facts) {
@@ -265,7 +289,8 @@ std::vector<StandingPair> standingPairs(const ControllerPlanning& planning, std:
         }
         gone.insert(gone.end(), step.destroys.begin(), step.destroys.end());
     }
-    const Layout found = capturedLayout(facts);
+    Layout found = capturedLayout(facts);
+    dropClaimed(planning.before, gone, found);
     std::vector<StandingPair> pairs;
     for (const LayoutGroup& group : planning.before.groups) {
         const auto same =
@@ -311,6 +336,21 @@ bool isInState(const Snapshot& snapshot, const MachinePlan& plan) {
 
 bool makesVolume(const PlanStep& step) {
     return step.action == "create-array" || step.action == "create-logical-drive";
+}
+
+const LogicalDriveFacts* volumeOf(const Facts& facts, const std::string& id) {
+    const auto found = std::find_if(facts.logicalDrives.begin(), facts.logicalDrives.end(),
+                                    [&id](const auto& each) { return each.id == id; });
+    return found == facts.logicalDrives.end() ? nullptr : &*found;
+}
+
+/// Whether a step behind the first `done` deletes it.
+bool goesWith(const ControllerPlanning& planning, std::size_t done, const std::string& id) {
+    return std::any_of(planning.steps.begin() + static_cast<std::ptrdiff_t>(done),
+                       planning.steps.end(), [&id](const PlanStep& step) {
+                           return std::find(step.destroys.begin(), step.destroys.end(), id) !=
+                                  step.destroys.end();
+                       });
 }
 
 /// Whether it is one that the plan deletes, and none that has its number by now.
@@ -405,6 +445,62 @@ std::vector<std::string> madeAnew(const ControllerPlanning& planning, std::size_
         }
     }
     return lines;
+}
+
+std::vector<std::string> arraysOtherwiseNumbered(const ControllerPlanning& planning,
+                                                 std::size_t done, const Facts& facts) {
+    Lines lines;
+    const Layout found = capturedLayout(facts);
+    for (std::size_t i = done; i < planning.steps.size(); ++i) {
+        const auto named = arraysNamedBy(planning, planning.steps[i]);
+        for (const LayoutGroup* const group : named.value_or(std::vector<const LayoutGroup*>())) {
+            const auto now = std::find_if(
+                found.groups.begin(), found.groups.end(),
+                [group](const LayoutGroup& each) { return each.drives() == group->drives(); });
+            if (now == found.groups.end() || now->id == group->id) {
+                continue;
+            }
+            std::string line = "array " + printable(group->id) + " on " +
+                               locationsLine(group->drives()) + " has the number " +
+                               printable(now->id) + " now";
+            if (std::find(lines.begin(), lines.end(), line) == lines.end()) {
+                lines.push_back(std::move(line));
+            }
+        }
+    }
+    return lines;
+}
+
+std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
+                                         const ControllerPlanning& planning, std::size_t done,
+                                         const Facts& facts) {
+    if (findFamily(planning.controller.utility) == nullptr) {
+        return std::nullopt;
+    }
+    const std::string controller = controllerName(planning.controller.number);
+    NumbersFault found{
+        "its logical drives have other numbers",
+        {apply_code::stopped,
+         "the logical drives of " + controller + " have other numbers than the plan's commands say",
+         otherwiseNumbered(planning, done, facts),
+         {planAgainHelp(plan)},
+         std::string(run_problem::standsElsewhere)}};
+    Lines& lines = found.fault.details;
+    const Lines arrays = arraysOtherwiseNumbered(planning, done, facts);
+    if (lines.empty() && !arrays.empty()) {
+        found.why = "its arrays have other numbers";
+        found.fault.what =
+            "the arrays of " + controller + " have other numbers than the plan's commands say";
+    }
+    append(lines, arrays);
+    const Lines others = madeAnew(planning, done, facts);
+    if (lines.empty()) {
+        found.why = "its logical drives are others";
+        found.fault.what =
+            "logical drives of " + controller + " are not those that the plan was made of";
+    }
+    append(lines, others);
+    return lines.empty() ? std::nullopt : std::optional(std::move(found));
 }
 
 std::string planAgainHelp(const MachinePlan& plan) {
@@ -583,6 +679,36 @@ std::optional<RunFault> keptCacheFault(const Snapshot& snapshot, const Controlle
         fault.help.push_back(printable(help));
     }
     return fault;
+}
+
+std::optional<RunFault> offlineFault(const Snapshot& snapshot, const ControllerPlanning& planning,
+                                     std::size_t done) {
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    if (found == nullptr || done >= planning.steps.size()) {
+        return std::nullopt;
+    }
+    const std::string& utility = planning.controller.utility;
+    const Comparison comparison =
+        compareLayouts(found->facts, capturedLayout(found->facts), planning.after, {utility});
+    RunFault fault{apply_code::refused,
+                   "a logical drive that stays is offline, and nothing is changed beside it",
+                   {},
+                   offlineHelp(),
+                   std::string(run_problem::keptOffline)};
+    for (const Difference& each : idleVolumes(utility, found->facts, comparison).differences) {
+        const LogicalDriveFacts* const volume = volumeOf(found->facts, each.logicalDrive);
+        const LogicalDriveFacts* const planned =
+            volumeOf(planning.controller.facts, each.logicalDrive);
+        const bool wasOffline = planned != nullptr && planned->health == Health::critical;
+        if (volume != nullptr && volume->health == Health::critical && !wasOffline &&
+            !goesWith(planning, done, volume->id)) {
+            fault.details.push_back(controllerName(found->number) + ": " +
+                                    volumeNameText(volume->id, volume->name, volume->device) +
+                                    " is " + printable(each.found));
+        }
+    }
+    return fault.details.empty() ? std::nullopt : std::optional(std::move(fault));
 }
 
 std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,

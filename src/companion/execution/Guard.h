@@ -64,6 +64,11 @@ void askOfLost(const ControllerPlanning& planning, const PlanStep* step, Facts& 
 [[nodiscard]] std::optional<RunFault>
 keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
 
+/// A logical drive that the steps behind the first `done` let be, that went offline since the plan
+/// was made: nothing is changed beside it, as long as its data can be had back.
+[[nodiscard]] std::optional<RunFault>
+offlineFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
+
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                   const std::vector<std::int32_t>& controllers);
@@ -77,6 +82,22 @@ keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std
 /// were deleted and made anew, or have another name. Nothing where the plan does not tell ids.
 [[nodiscard]] std::vector<std::string> madeAnew(const ControllerPlanning& planning,
                                                 std::size_t done, const Facts& facts);
+
+/// Which arrays that a command behind the first `done` steps names by their numbers have another
+/// one now: a spare of one would be made a spare of another.
+[[nodiscard]] std::vector<std::string>
+arraysOtherwiseNumbered(const ControllerPlanning& planning, std::size_t done, const Facts& facts);
+
+struct NumbersFault {
+    std::string why; ///< in short: "its logical drives have other numbers"
+    RunFault fault;
+};
+/// What keeps the commands behind the first `done` steps from reaching what they were written for:
+/// logical drives or arrays that have other numbers, or logical drives that were made anew by
+/// somebody else. Nothing of utilities of zolex, whose numbers may be positions.
+[[nodiscard]] std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
+                                                       const ControllerPlanning& planning,
+                                                       std::size_t done, const Facts& facts);
 
 /// "zolexctl plan site.ini plans from what is there".
 [[nodiscard]] std::string planAgainHelp(const MachinePlan& plan);

@@ -189,8 +189,11 @@ class OwnSearch {
 
     /// Why it is not the certified one though it lies there; certificates of before tell no ids.
     static std::string whyAnother(const LayoutVolume& certified, const LayoutVolume& volume) {
-        const bool areTold = !certified.uniqueId.empty() && !volume.uniqueId.empty();
-        if (areTold && certified.uniqueId != volume.uniqueId) {
+        if (!certified.uniqueId.empty() && volume.uniqueId.empty()) {
+            return "its id is not told, so that it may have been made anew since: agree by the "
+                   "code";
+        }
+        if (!certified.uniqueId.empty() && certified.uniqueId != volume.uniqueId) {
             return "it was made anew since: its id is not the certified one";
         }
         const bool isNameTold = !certified.uniqueId.empty() || !certified.name.empty();

@@ -19,12 +19,12 @@ struct OwnLoss {
 };
 
 /// Looks for each loss in the certificates of this very machine. A logical drive is own when it has
-/// its certified level and size, and where they are told its id and name, and lies on the certified
-/// drives, known by their serial numbers; a hot spare when it is a certified one. What a
-/// certificate tells of is found once. Foreign configurations are never own, nor is anything on
-/// drives that tell no serial numbers. Nor is anything of a controller of which one drive is not as
-/// that certificate tells of it: gone, new, in another bay, of another state or role. A policy that
-/// is the same may then choose other drives than it did, in whatever form it names them.
+/// its certified level and size, and where the certificate tells them its id and name, and lies on
+/// the certified drives, known by their serial numbers; a hot spare when it is a certified one.
+/// What a certificate tells of is found once. Foreign configurations are never own, nor is anything
+/// on drives that tell no serial numbers. Nor is anything of a controller of which one drive is not
+/// as that certificate tells of it: gone, new, in another bay, of another state or role. A policy
+/// that is the same may then choose other drives than it did, in whatever form it names them.
 [[nodiscard]] std::vector<OwnLoss> ownLosses(const std::vector<Loss>& losses,
                                              const Snapshot& snapshot,
                                              std::span<const Certificate> certificates);

@@ -5,6 +5,7 @@
 #include "companion/execution/RunCodes.h"
 #include "companion/families/storcli/Errors.h"
 #include "companion/machine/ProblemCodes.h"
+#include "companion/planning/FamilyLines.h"
 #include "companion/planning/IdleVolumes.h"
 #include "companion/planning/PlanFaults.h"
 #include "companion/planning/Steps.h"
@@ -70,6 +71,22 @@ const storcli::ErrorRow* firmwareError(const std::string& utility, const ChildRe
 /// Whether the verdict says in words what the output says in JSON.
 bool isInWords(const FamilyVerdict& verdict, const ChildResult& result) {
     return !verdict.why.empty() && text::trim(result.output, " \t\r\n").starts_with('{');
+}
+
+bool deletesVolume(const PlanStep& step) {
+    return step.action == "delete-logical-drive";
+}
+
+/// Whether its command names what may have another number when it is run.
+bool isByNumber(const ControllerPlanning& planning, const PlanStep& step) {
+    const auto arrays = arraysNamedBy(planning, step);
+    return deletesVolume(step) || !arrays || !arrays->empty();
+}
+
+/// Whether numbers of others may change with it.
+bool changesVolumes(const PlanStep& step) {
+    return deletesVolume(step) || step.action == "clear" || step.action == "create-array" ||
+           step.action == "create-logical-drive";
 }
 
 bool wasStarted(const ChildResult& result) {
@@ -142,6 +159,10 @@ Snapshot PlanRun::capture(CapturePurpose purpose, std::optional<std::int32_t> co
     for (const ControllerSnapshot& each : snapshot.details) {
         if (!each.failed) {
             facts_[each.number] = each.facts;
+            for (ControllerProgress& progress : controllers) {
+                progress.isOutdated =
+                    progress.isOutdated && progress.planning->controller.number != each.number;
+            }
         }
     }
     captured_ = snapshot;
@@ -201,6 +222,19 @@ void PlanRun::askOfLost(Snapshot& snapshot) const {
     }
 }
 
+std::optional<RunFault> PlanRun::offlineFault(const Snapshot& snapshot) const {
+    for (const ControllerProgress& progress : controllers) {
+        if (std::optional<RunFault> fault =
+                companion::offlineFault(snapshot, *progress.planning, progress.next)) {
+            if (isResumed) {
+                fault->help.push_back(resumeHelp("goes on when it is back"));
+            }
+            return fault;
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
     for (const ControllerProgress& progress : controllers) {
         if (std::optional<RunFault> fault =
@@ -237,7 +271,8 @@ ApplyEnd PlanRun::carryOut() {
 
 void PlanRun::runController(ControllerProgress& progress, bool isLast) {
     while (!progress.isDone()) {
-        if (!mayGoOn(progress) || !deletesNothingInUse(progress) || !runStep(progress)) {
+        if (!mayGoOn(progress) || !lookByNumber(progress) || !deletesNothingInUse(progress) ||
+            !runStep(progress)) {
             return;
         }
         const bool isEnd = progress.isDone();
@@ -262,6 +297,40 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
         stopRun(interruptedFault(step));
     }
     return !isStopped_;
+}
+
+/// Looks again before a step that deletes a logical drive, or makes a spare of an array, by its
+/// number, when a logical drive was deleted or made since: a controller that is reset behind that
+/// may number the others anew.
+bool PlanRun::lookByNumber(ControllerProgress& progress) {
+    const ControllerPlanning& planning = *progress.planning;
+    const PlanStep& step = planning.steps[progress.next];
+    const Family* const family = findFamily(planning.controller.utility);
+    if (!progress.isOutdated || family == nullptr || family->carriesOut() ||
+        !isByNumber(planning, step)) {
+        return true;
+    }
+    const Snapshot snapshot = capture(CapturePurpose::step, planning.controller.number);
+    const std::string where = "before " + stepName(step, totalSteps_);
+    return isRead(progress, snapshot, where) &&
+           isNumberedAsPlanned(progress,
+                               capturedController(snapshot, planning.controller.number)->facts) &&
+           mayGoOn(progress);
+}
+
+/// Whether the next step's command reaches what it was written for.
+bool PlanRun::isNumberedAsPlanned(ControllerProgress& progress, const Facts& facts) {
+    const ControllerPlanning& planning = *progress.planning;
+    std::optional<NumbersFault> found = numbersFault(plan, planning, progress.next, facts);
+    if (!found) {
+        return true;
+    }
+    const PlanStep& step = planning.steps[progress.next];
+    found->fault.what = stepName(step, totalSteps_) + " was not begun: " + found->fault.what;
+    found->fault.help.push_back(resumeHelp("goes on when they are as they were"));
+    progress.failedStep = step.step;
+    failController(progress, std::move(found->why), std::move(found->fault));
+    return false;
 }
 
 /// Asks the system right before a step that deletes: steps before it may have taken hours.
@@ -326,6 +395,7 @@ void PlanRun::failController(ControllerProgress& progress, std::string why, RunF
 
 bool PlanRun::runStep(ControllerProgress& progress) {
     const std::size_t step = progress.next;
+    progress.isOutdated = progress.isOutdated || changesVolumes(progress.planning->steps[step]);
     std::optional<std::string> command = progress.planning->steps[step].command;
     constexpr int mostLines = 2;
     for (int line = 0; line < mostLines && command; ++line) {
@@ -581,15 +651,12 @@ std::string PlanRun::resumeHelp(const std::string& when) const {
 
 // What stands.
 
-/// Between two steps, and behind the last one: whether it stands as foreseen.
-bool PlanRun::check(ControllerProgress& progress) {
+/// Whether the controller could be captured.
+bool PlanRun::isRead(ControllerProgress& progress, const Snapshot& snapshot,
+                     const std::string& where) {
     const ControllerPlanning& planning = *progress.planning;
-    const Snapshot snapshot = capture(CapturePurpose::step, planning.controller.number);
     const ControllerSnapshot* const found =
         capturedController(snapshot, planning.controller.number);
-    const std::string where =
-        progress.next == 0 ? "before step 1"
-                           : "after " + stepName(planning.steps[progress.next - 1], totalSteps_);
     const std::optional<RunFault> unread = captureFault(snapshot);
     if ((found == nullptr || unread) && system.interruption() != Interruption::none) {
         // What read it was interrupted, too.
@@ -610,9 +677,25 @@ bool PlanRun::check(ControllerProgress& progress) {
         failController(progress, "what stands could not be captured", std::move(fault));
         return false;
     }
+    return true;
+}
+
+/// Between two steps, and behind the last one: whether it stands as foreseen.
+bool PlanRun::check(ControllerProgress& progress) {
+    const ControllerPlanning& planning = *progress.planning;
+    const Snapshot snapshot = capture(CapturePurpose::step, planning.controller.number);
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    const std::string where =
+        progress.next == 0 ? "before step 1"
+                           : "after " + stepName(planning.steps[progress.next - 1], totalSteps_);
+    if (!isRead(progress, snapshot, where)) {
+        return false;
+    }
     if (standsAfterSteps(plan, planning, progress.next, found->facts)) {
         progress.isChecked = progress.isDone();
-        return !progress.isDone() || !tellIdle(progress, found->facts, where);
+        return progress.isDone() ? !tellIdle(progress, found->facts, where)
+                                 : isNumberedAsPlanned(progress, found->facts);
     }
     const Layout foreseen =
         progress.isDone() ? planning.after : layoutAfterSteps(planning, progress.next);

@@ -25,6 +25,7 @@ struct ControllerProgress {
     std::size_t next = 0;               ///< index of the step that comes next
     bool isBegun = false;               ///< a step of it was begun, in this run or before
     bool isChecked = false;             ///< behind its last step it was found as planned
+    bool isOutdated = false;            ///< a step has changed logical drives since it was captured
     std::int32_t failedStep = 0;        ///< 0: none
     std::string failure;                ///< why it goes no further; empty: it does
     std::vector<std::int32_t> attempts; ///< of each step, before this run
@@ -64,6 +65,8 @@ class PlanRun {
 
     /// Asks what the system uses those for that are to be deleted, more than a capture does.
     void askOfLost(Snapshot& snapshot) const;
+    /// What stays and is offline, where something remains to be done.
+    [[nodiscard]] std::optional<RunFault> offlineFault(const Snapshot& snapshot) const;
     /// What the cache of a controller keeps from being made, of what remains.
     [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
@@ -103,6 +106,9 @@ class PlanRun {
     bool mayGoOn(ControllerProgress& progress);
     [[nodiscard]] bool isAskedOf(const ControllerPlanning& planning) const;
     [[nodiscard]] const std::function<void(Facts&)>& asker() const;
+    bool lookByNumber(ControllerProgress& progress);
+    bool isNumberedAsPlanned(ControllerProgress& progress, const Facts& facts);
+    bool isRead(ControllerProgress& progress, const Snapshot& snapshot, const std::string& where);
     bool deletesNothingInUse(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);
     bool pauseBefore(const PlanStep& step);

@@ -194,6 +194,9 @@ class Resumption {
                 drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
         }
+        if (std::optional<RunFault> fault = run_.offlineFault(snapshot_)) {
+            return fault;
+        }
         run_.askOfLost(snapshot_);
         if (std::optional<RunFault> fault =
                 inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
@@ -221,6 +224,9 @@ class Resumption {
                             {},
                             {run_.resumeHelp("looks again and goes on")},
                             std::string(run_problem::machineChanged)};
+        }
+        if (std::optional<RunFault> fault = run_.offlineFault(snapshot_)) {
+            return fault;
         }
         run_.askOfLost(snapshot_);
         if (std::optional<RunFault> fault =
@@ -377,36 +383,16 @@ class Resumption {
     }
 
     /// Whether what stands is what was foreseen, but for the numbers by which the commands of a
-    /// family name it, or for logical drives that were made anew by somebody else. The numbers of
-    /// zolex's utilities may be positions.
+    /// family name it, or for logical drives that were made anew by somebody else.
     bool isNumberedOtherwise(ControllerProgress& progress, std::size_t done, const Facts& facts) {
         const ControllerPlanning& planning = *progress.planning;
-        if (findFamily(planning.controller.utility) == nullptr) {
+        std::optional<NumbersFault> found = numbersFault(run_.plan, planning, done, facts);
+        if (!found) {
             return false;
         }
-        RunFault fault;
-        fault.details = otherwiseNumbered(planning, done, facts);
-        const bool isOfNumbers = !fault.details.empty();
-        for (std::string& line : madeAnew(planning, done, facts)) {
-            fault.details.push_back(std::move(line));
-        }
-        if (fault.details.empty()) {
-            return false;
-        }
-        const std::string controller = "controller " + std::to_string(planning.controller.number);
-        fault.exitCode = apply_code::stopped;
-        fault.code = run_problem::standsElsewhere;
-        fault.what = isOfNumbers ? "the logical drives of " + controller +
-                                       " have other numbers than the plan's commands say"
-                                 : "logical drives of " + controller +
-                                       " are not those that the plan was made of";
-        fault.help = {planAgainHelp(run_.plan)};
         progress.next = done;
         progress.failedStep = planning.steps[std::min(done, planning.steps.size() - 1)].step;
-        run_.failController(progress,
-                            isOfNumbers ? "its logical drives have other numbers"
-                                        : "its logical drives are others",
-                            std::move(fault));
+        run_.failController(progress, std::move(found->why), std::move(found->fault));
         return true;
     }
 

@@ -25,5 +25,6 @@ inline constexpr std::string_view notAtRest = "ZA117";
 inline constexpr std::string_view standsElsewhere = "ZA118";
 inline constexpr std::string_view proofNotWritten = "ZA119";
 inline constexpr std::string_view lostInUse = "ZA120";
+inline constexpr std::string_view keptOffline = "ZA121";
 
 } // namespace zolex::companion::run_problem

@@ -515,7 +515,7 @@ class LayoutComparison {
         }
         if (!coversAsMuch(wanted, *found)) {
             tell("hotspare_type", location, "", kindText(wanted, wanted.covers),
-                 kindText(*found, coveredBy(*found)));
+                 kindText(*found, wantedIdsOf(coveredBy(*found))));
             result_.sparesInTheWay.push_back(location);
             location.clear();
             return;
@@ -529,6 +529,20 @@ class LayoutComparison {
     [[nodiscard]] Locations coveredBy(const LayoutSpare& found) const {
         const DriveFacts* const drive = classes_.drive(found.location);
         return drive == nullptr ? Locations() : drive->covers;
+    }
+
+    /// Each captured array as the wanted one is called that it stands for.
+    [[nodiscard]] Locations wantedIdsOf(Locations covers) const {
+        for (std::string& id : covers) {
+            for (std::size_t i = 0; i < wanted_.groups.size(); ++i) {
+                if (matches_[i].how != Match::How::none &&
+                    captured_.groups[matches_[i].captured].id == id) {
+                    id = wanted_.groups[i].id;
+                    break;
+                }
+            }
+        }
+        return covers;
     }
 
     /// "dedicated to A", "global".

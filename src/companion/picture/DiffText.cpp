@@ -1,5 +1,6 @@
 #include "companion/picture/DiffText.h"
 
+#include "companion/lint/Entries.h"
 #include "companion/picture/Changes.h"
 #include "companion/picture/Roles.h"
 #include "companion/picture/TextLines.h"
@@ -346,11 +347,17 @@ std::string butFor(const MachineDiff& diff) {
         return std::any_of(diff.controllers.begin(), diff.controllers.end(),
                            [what](const ControllerDiff& each) { return each.*what; });
     };
-    const bool isOfDrives = isAny(&ControllerDiff::hasOtherDrives);
-    const bool isOfVolumes = isAny(&ControllerDiff::hasVolumesMadeAnew);
-    return std::string(isOfDrives || isOfVolumes ? ", but for " : "") +
-           (isOfDrives ? "drives" : "") + (isOfDrives && isOfVolumes ? " and " : "") +
-           (isOfVolumes ? "logical drives that were made anew" : "");
+    std::vector<std::string> all;
+    if (isAny(&ControllerDiff::hasOtherDrives)) {
+        all.emplace_back("drives");
+    }
+    if (isAny(&ControllerDiff::hasVolumesMadeAnew)) {
+        all.emplace_back("logical drives that were made anew");
+    }
+    if (isAny(&ControllerDiff::hasVolumesUntold)) {
+        all.emplace_back("logical drives whose ids are not told");
+    }
+    return all.empty() ? std::string() : ", but for " + joinWords(all);
 }
 
 /// The closing sentences.

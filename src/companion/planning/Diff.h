@@ -31,6 +31,7 @@ struct ControllerDiff {
     // By a certificate: what is not as it was, though the layout is.
     bool hasOtherDrives = false;
     bool hasVolumesMadeAnew = false;
+    bool hasVolumesUntold = false; ///< they may have been made anew
 };
 /// "same", "equivalent", "different", "skipped", "unknown".
 [[nodiscard]] std::string_view diffResultWord(ControllerDiff::Result result);

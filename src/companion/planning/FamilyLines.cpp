@@ -31,6 +31,27 @@ bool isSameButForOrder(const std::string& line, const std::string& other) {
            inOrder(one) == inOrder(two);
 }
 
+/// Whether what stands lies on a drive of a planned array.
+bool liesOn(const ControllerPlanning& planning, const std::vector<std::string>& drives,
+            const std::string& letter) {
+    return std::any_of(
+        planning.arrays.begin(), planning.arrays.end(), [&](const PlannedArray& array) {
+            return array.id == letter && std::any_of(array.drives.begin(), array.drives.end(),
+                                                     [&](const PlannedDrive& drive) {
+                                                         return isAmong(drives, drive.location);
+                                                     });
+        });
+}
+
+/// The planned spare that a step makes by itself; or null.
+const PlannedSpare* spareOf(const ControllerPlanning& planning, const PlanStep& step) {
+    const auto spare =
+        std::find_if(planning.spares.begin(), planning.spares.end(), [&](const PlannedSpare& each) {
+            return step.creates == std::vector<std::string>{each.location};
+        });
+    return step.action != "create-spare" || spare == planning.spares.end() ? nullptr : &*spare;
+}
+
 /// The lines that a family may write for a step.
 class StepLines {
   public:
@@ -112,37 +133,14 @@ class StepLines {
         return false;
     }
 
-    /// Whether what stands lies on a drive of a planned array.
-    [[nodiscard]] bool liesOn(const std::vector<std::string>& drives,
-                              const std::string& letter) const {
-        return std::any_of(
-            planning_.arrays.begin(), planning_.arrays.end(), [&](const PlannedArray& array) {
-                return array.id == letter && std::any_of(array.drives.begin(), array.drives.end(),
-                                                         [&](const PlannedDrive& drive) {
-                                                             return isAmong(drives, drive.location);
-                                                         });
-            });
-    }
-
     [[nodiscard]] bool isSpare() const {
-        const auto spare = std::find_if(
-            planning_.spares.begin(), planning_.spares.end(), [this](const PlannedSpare& each) {
-                return step_.creates == std::vector<std::string>{each.location};
-            });
-        if (spare == planning_.spares.end()) {
+        const PlannedSpare* const spare = spareOf(planning_, step_);
+        const auto groups = arraysNamedBy(planning_, step_);
+        if (spare == nullptr || !groups) {
             return false;
         }
         std::vector<std::string> arrays;
-        for (const std::string& letter :
-             spare->isDedicated ? spare->covers : std::vector<std::string>()) {
-            const auto& groups = planning_.before.groups;
-            const auto group =
-                std::find_if(groups.begin(), groups.end(), [&](const LayoutGroup& each) {
-                    return liesOn(each.drives(), letter);
-                });
-            if (group == groups.end()) {
-                return false;
-            }
+        for (const LayoutGroup* const group : *groups) {
             arrays.push_back(group->id);
         }
         return is(family_.addSpare(adapter(), spare->location, arrays));
@@ -156,7 +154,7 @@ class StepLines {
     [[nodiscard]] bool isCache() const {
         for (const LayoutGroup& group : planning_.before.groups) {
             for (const PlannedVolume& wanted : planning_.volumes) {
-                if (liesOn(group.drives(), wanted.array) && setsOneOf(group, wanted)) {
+                if (liesOn(planning_, group.drives(), wanted.array) && setsOneOf(group, wanted)) {
                     return true;
                 }
             }
@@ -180,6 +178,26 @@ class StepLines {
 };
 
 } // namespace
+
+std::optional<std::vector<const LayoutGroup*>> arraysNamedBy(const ControllerPlanning& planning,
+                                                             const PlanStep& step) {
+    std::vector<const LayoutGroup*> arrays;
+    const PlannedSpare* const spare = spareOf(planning, step);
+    if (spare == nullptr || !spare->isDedicated) {
+        return arrays;
+    }
+    for (const std::string& letter : spare->covers) {
+        const auto& groups = planning.before.groups;
+        const auto group = std::find_if(groups.begin(), groups.end(), [&](const LayoutGroup& each) {
+            return liesOn(planning, each.drives(), letter);
+        });
+        if (group == groups.end()) {
+            return std::nullopt;
+        }
+        arrays.push_back(&*group);
+    }
+    return arrays;
+}
 
 VolumeWish wishFor(const PlannedArray& array, const PlannedVolume& volume,
                    std::vector<std::string> spares) {

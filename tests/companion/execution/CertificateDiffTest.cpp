@@ -61,6 +61,27 @@ TEST(CertificateDiff, TellsALogicalDriveThatWasMadeAnew) {
     EXPECT_EQ(diffOf(now, exampleCertificate()).result, ControllerDiff::Result::same);
 }
 
+TEST(CertificateDiff, ALogicalDriveWhoseIdIsNotToldMayBeAnother) {
+    Snapshot now = certifiedSnapshot();
+    factsOf(now).logicalDrives[1].uniqueId = "600aaa01";
+    const Certificate certificate = certificateOf(now);
+    factsOf(now).logicalDrives[1].uniqueId.clear();
+    EXPECT_EQ(diffOf(now, certificate).result, ControllerDiff::Result::equivalent);
+    EXPECT_EQ(told(now, certificate),
+              R"(Controller 1  LSI-MegaRAID-8480                                       equivalent
+  = the same layout; LD 1 may have been made anew: its id is not told, it was
+    600aaa01
+
+The controller is as the certificate says, but for logical drives whose ids are
+not told.
+)");
+    driveOf(now, 1).serialNumber = "3LQ2B777";
+    const std::string both = told(now, certificate);
+    EXPECT_EQ(both.substr(both.rfind("\n\n") + 2),
+              "The controller is as the certificate says, but for drives and logical drives\n"
+              "whose ids are not told.\n");
+}
+
 TEST(CertificateDiff, ADedicatedSpareIsOfTheArraysThatItWasOf) {
     Snapshot now = certifiedSnapshot();
     driveOf(now, 6).hotspare = HotspareKind::dedicated;

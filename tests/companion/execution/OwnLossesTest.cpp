@@ -213,6 +213,12 @@ TEST(OwnLosses, ALogicalDriveThatWasMadeAnewIsNot) {
     volume.name = "of others";
     EXPECT_EQ(told(first, snapshot, {certificate}),
               "logical_drive 0: its name is not the certified one\n");
+    volume.name = "data";
+    volume.uniqueId.clear();
+    EXPECT_EQ(
+        told(first, snapshot, {certificate}),
+        "logical_drive 0: its id is not told, so that it may have been made anew since: agree "
+        "by the code\n");
 }
 
 TEST(OwnLosses, WhatWasMadeSinceIsNot) {

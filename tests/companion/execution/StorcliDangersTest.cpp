@@ -62,14 +62,19 @@ class StorcliDangers : public testing::Test {
         return end.details;
     }
 
-    /// Interrupts the run behind so many commands.
-    void interruptBehind(std::size_t commands) {
-        std::size_t ended = 0;
-        bench_.system.onMoment = [this, commands, ended](const std::string& moment) mutable {
-            if (moment == "ended" && ++ended == commands) {
-                bench_.system.isInterrupted = true;
+    /// What happens behind so many commands of a run.
+    void afterCommand(std::size_t commands, const std::function<void()>& change) {
+        ended_ = 0;
+        bench_.system.onMoment = [this, commands, change](const std::string& moment) {
+            if (moment == "ended" && ++ended_ == commands) {
+                change();
             }
         };
+    }
+
+    /// Interrupts the run behind so many commands.
+    void interruptBehind(std::size_t commands) {
+        afterCommand(commands, [this] { bench_.system.isInterrupted = true; });
         EXPECT_EQ(bench_.apply().exitCode, 4);
         bench_.system.onMoment = nullptr;
         bench_.system.restart();
@@ -78,6 +83,7 @@ class StorcliDangers : public testing::Test {
 
     ApplyBench bench_;
     zolex_sim::Server initial_;
+    std::size_t ended_ = 0; ///< commands
 };
 
 TEST_F(StorcliDangers, APlanHoldsForWhatItWasMadeFor) {
@@ -277,6 +283,51 @@ TEST_F(StorcliDangers, AnArrayThatIsOfflineIsNoGoodEnd) {
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
+/// The same before a run is gone on with: nothing more is deleted beside it.
+TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNoRunIsGoneOnWith) {
+    const auto leave = [this](DriveState state) {
+        drive(2).state = state;
+        drive(3).state = state;
+    };
+    interruptBehind(3);
+    leave(DriveState::failed);
+    EXPECT_EQ(
+        endLines(bench_.resume()),
+        (Lines{"3: a logical drive that stays is offline, and nothing is changed beside it",
+               "  controller 1: LD 238 (/dev/sdb) is offline (OfLn)",
+               "help: do not replace drives, and delete nothing: its data is lost with them",
+               "help: bring back the drives that left (cables, enclosure, power), and look at what "
+               "its utility lists: zolexctl show",
+               "help: zolexctl apply --resume plan.journal.jsonl goes on when it is back",
+               "controller 1: failed step 4 of 6: stopped at this step"}));
+    EXPECT_EQ(bench_.system.started, Lines{});
+    leave(DriveState::online);
+    // One that goes anyway may be.
+    drive(6).state = DriveState::failed;
+    drive(7).state = DriveState::failed;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Nor is one that was killed before its first command.
+TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNothingIsBegun) {
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "write agreed") {
+            bench_.system.kill();
+        }
+    };
+    EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    drive(2).state = DriveState::failed;
+    drive(3).state = DriveState::failed;
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(end.exitCode, 3);
+    EXPECT_EQ(end.code, "ZA121");
+    EXPECT_EQ(end.details, Lines{"controller 1: LD 238 (/dev/sdb) is offline (OfLn)"});
+    EXPECT_EQ(bench_.system.started, Lines{});
+}
+
 /// What no mount names is only asked of what is to be deleted.
 TEST_F(StorcliDangers, WhatSomebodyHasOpenedIsNotDeleted) {
     Lines asked;
@@ -402,6 +453,75 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWhenARunIsGoneOnWith) {
     EXPECT_EQ(bench_.layout(), stood);
 }
 
+/// A controller that is reset behind a delete numbers the others anew, in the middle of a run.
+TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWithinARun) {
+    for (const bool isCareful : {false, true}) {
+        bench_.server.platform.server = initial_;
+        bench_.disk = {};
+        bench_.system.restart();
+        bench_.system.started.clear();
+        bench_.terms.careful = isCareful;
+        afterCommand(3, [this] { swapNumbers(1, 2); });
+        EXPECT_EQ(
+            endLines(bench_.apply()),
+            (Lines{"4: step 4 of 6 was not begun: the logical drives of controller 1 have other "
+                   "numbers than the plan's commands say",
+                   "  LD 238 on 252:2 252:3 252:4 252:5 has the number 237 now",
+                   "  LD 237 on 252:6 252:7 252:8 252:9 has the number 238 now",
+                   "  remains: step 4: delete LD 237: RAID10 on 252:6 252:7 252:8 252:9",
+                   "  remains: step 5: delete LD 236: RAID10 on 252:6 252:7 252:8 252:9",
+                   "  remains: step 6: create B: RAID10 on 252:0 252:1 252:12 252:13",
+                   "help: zolexctl plan site.ini plans from what is there",
+                   "help: zolexctl apply --resume plan.journal.jsonl goes on when they are as they "
+                   "were",
+                   "controller 1: failed step 4 of 6: its logical drives have other numbers"}));
+        EXPECT_EQ(bench_.system.started.size(), 3U);
+        EXPECT_EQ(controller().volumes.size(), 3U);
+        bench_.system.onMoment = nullptr;
+        bench_.system.restart();
+        EXPECT_EQ(bench_.resume().code, "ZA118");
+        EXPECT_EQ(bench_.system.started.size(), 3U);
+        swapNumbers(1, 2);
+        bench_.system.restart();
+        EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+    }
+}
+
+/// Each delete but the first is looked before, and only once.
+TEST_F(StorcliDangers, WhatStandsIsReadBeforeWhatIsDeletedByNumber) {
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+    Lines lines;
+    for (const std::string& line : bench_.events()) {
+        if (line.starts_with("captured") || line.starts_with("step-started")) {
+            lines.push_back(line);
+        }
+    }
+    EXPECT_EQ(lines, (Lines{"captured guard", "step-started 1", "step-started 2", "step-started 3",
+                            "captured step", "step-started 4", "captured step", "step-started 5",
+                            "step-started 6", "captured verify"}));
+}
+
+/// What cannot be read there is not deleted.
+TEST_F(StorcliDangers, WhatCannotBeReadBeforeADeleteIsNotDeleted) {
+    const auto respond = bench_.server.platform.respond;
+    afterCommand(3, [this, respond] {
+        bench_.server.platform.respond = [respond](const std::string& line) {
+            return line.find("/c0") == std::string::npos
+                       ? respond(line)
+                       : zolex::test::FakePlatform::ended(1, "no memory");
+        };
+    });
+    const ApplyEnd end = bench_.apply();
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "what stands before step 4 of 6 could not be captured");
+    EXPECT_EQ(bench_.system.started.size(), 3U);
+    EXPECT_EQ(controller().volumes.size(), 3U);
+    bench_.server.platform.respond = respond;
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
 TEST_F(StorcliDangers, ADriveThatTheSystemHasByNowIsLeftToIt) {
     interruptBehind(1);
     drive(12).state = DriveState::jbod;
@@ -440,24 +560,133 @@ TEST_F(StorcliDangers, ALogicalDriveOfTheSystemStays) {
     EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
 }
 
-/// Numbers of groups are positions here: a spare of one that stays is made before another goes.
-TEST(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
-    const std::string drives =
-        R"({"enclosure": 252, "slot": 0, "count": 12, "sectors": 41943040}], "virtualDrives": [
+/// Three arrays and two free drives; two of them stay, each with a spare of its own.
+class StorcliSpares : public testing::Test {
+  protected:
+    StorcliSpares()
+        : bench_(
+              test::storcliServer("") +
+              R"({"enclosure": 252, "slot": 0, "count": 12, "sectors": 41943040}], "virtualDrives": [
         {"level": "RAID1", "spans": [["252:0", "252:1"]]},
         {"level": "RAID5", "spans": [["252:2", "252:3", "252:4", "252:5"]]},
-        {"level": "RAID5", "spans": [["252:6", "252:7", "252:8", "252:9"]]})";
-    ApplyBench bench(test::storcliServer("") + drives + "]}]}");
-    bench.makePlan(test::storcliPolicies("Drives.A = slots 252:2,252:3,252:4,252:5\nLevel.A = 5\n"
-                                         "Drives.B = slots 252:6,252:7,252:8,252:9\nLevel.B = 5\n"
-                                         "Spares = 1 covering A and 1 covering B\n"),
-                   StrategyWish::automatic, false);
-    ASSERT_EQ(test::faultsOf(bench.plan), Lines{});
-    EXPECT_EQ(test::commandsOf(bench.plan),
+        {"level": "RAID5", "spans": [["252:6", "252:7", "252:8", "252:9"]]}]}]})") {}
+
+    Controller& controller() { return bench_.server.platform.server.storcliControllers.front(); }
+    /// Each of the two has the number of the other.
+    void swapArrays(std::size_t one, std::size_t other) {
+        std::swap(controller().groups[one], controller().groups[other]);
+        const auto follow = [one, other](std::size_t& group) {
+            group = group == one ? other : group == other ? one : group;
+        };
+        for (zolex_sim::storcli::Volume& volume : controller().volumes) {
+            follow(volume.group);
+        }
+        for (zolex_sim::storcli::Drive& drive : controller().drives) {
+            std::for_each(drive.groups.begin(), drive.groups.end(), follow);
+        }
+    }
+
+    ApplyBench bench_;
+};
+
+/// Numbers of groups are positions here: a spare of one that stays is made before another goes.
+TEST_F(StorcliSpares, OfAGroupThatStaysIsMadeBeforeAnotherGoes) {
+    bench_.makePlan(test::storcliPolicies("Drives.A = slots 252:2,252:3,252:4,252:5\nLevel.A = 5\n"
+                                          "Drives.B = slots 252:6,252:7,252:8,252:9\nLevel.B = 5\n"
+                                          "Spares = 1 covering A and 1 covering B\n"),
+                    StrategyWish::automatic, false);
+    ASSERT_EQ(test::faultsOf(bench_.plan), Lines{});
+    EXPECT_EQ(test::commandsOf(bench_.plan),
               (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=2 J nolog",
                      "STORCLI /c0/e252/s11 add hotsparedrive DGs=1 J nolog",
                      "STORCLI /c0/v239 del J nolog"}));
-    EXPECT_EQ(endLines(bench.apply()), (Lines{"0: ", "controller 1: configured"}));
+    EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Their numbers change: each spare would be of the array of the other.
+TEST_F(StorcliSpares, AreMadeOfNoArrayThatHasTheNumberOfAnother) {
+    bench_.makePlan(
+        test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"
+                              "Drives.B = slots 252:2,252:3,252:4,252:5\nLevel.B = 5\n"
+                              "Drives.C = slots 252:6,252:7,252:8,252:9\nLevel.C = 5\n"
+                              "Spares = slots 252:10 covering A and slots 252:11 covering B\n"),
+        StrategyWish::automatic, false);
+    ASSERT_EQ(test::commandsOf(bench_.plan),
+              (Lines{"STORCLI /c0/e252/s10 add hotsparedrive DGs=0 J nolog",
+                     "STORCLI /c0/e252/s11 add hotsparedrive DGs=1 J nolog"}));
+    swapArrays(1, 2);
+    const ApplyEnd refused = bench_.apply();
+    EXPECT_EQ(endLines(refused),
+              (Lines{"3: the machine has changed since it was planned for",
+                     "  controller 1: array 1 on 252:2 252:3 252:4 252:5 has the number 2 now",
+                     "help: zolexctl plan site.ini plans from what is there",
+                     "controller 1: failed step 0 of 2: not begun"}));
+    EXPECT_EQ(refused.code, "ZA102");
+    EXPECT_EQ(bench_.system.started, Lines{});
+    // The same before a run is gone on with.
+    swapArrays(1, 2);
+    bench_.system.onMoment = [this](const std::string& moment) {
+        bench_.system.isInterrupted = bench_.system.isInterrupted || moment == "ended";
+    };
+    EXPECT_EQ(bench_.apply().exitCode, 4);
+    bench_.system.onMoment = nullptr;
+    bench_.system.restart();
+    swapArrays(1, 2);
+    const ApplyEnd end = bench_.resume();
+    EXPECT_EQ(
+        endLines(end),
+        (Lines{"4: the arrays of controller 1 have other numbers than the plan's commands say",
+               "  array 1 on 252:2 252:3 252:4 252:5 has the number 2 now",
+               "  remains: step 2: make 252:11 a spare of B",
+               "help: zolexctl plan site.ini plans from what is there",
+               "controller 1: failed step 2 of 2: its arrays have other numbers"}));
+    EXPECT_EQ(end.code, "ZA118");
+    EXPECT_EQ(bench_.system.started.size(), 1U);
+    // What the run names no more may have any number.
+    swapArrays(1, 2);
+    swapArrays(0, 2);
+    bench_.system.restart();
+    EXPECT_EQ(endLines(bench_.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// The array goes before the spare of another is made.
+TEST_F(StorcliSpares, AreMadeOfNoArrayThatHasAnotherNumberOnTheWay) {
+    bench_.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"
+                                          "Drives.B = slots 252:2,252:3,252:4,252:5\nLevel.B = 5\n"
+                                          "Drives.C = slots 252:6,252:7,252:8,252:9\nLevel.C = 6\n"
+                                          "Spares = slots 252:10 covering A\n"),
+                    StrategyWish::automatic, false);
+    const Lines commands = test::commandsOf(bench_.plan);
+    ASSERT_EQ(commands.size(), 3U);
+    ASSERT_EQ(commands.back(), "STORCLI /c0/e252/s10 add hotsparedrive DGs=0 J nolog");
+    std::size_t ended = 0;
+    bench_.system.onMoment = [this, &ended](const std::string& moment) {
+        if (moment == "ended" && ++ended == 2) {
+            swapArrays(0, 1);
+        }
+    };
+    const ApplyEnd end = bench_.apply();
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "step 3 of 3 was not begun: the arrays of controller 1 have other numbers "
+                        "than the plan's commands say");
+    EXPECT_EQ(end.details.front(), "array 0 on 252:0 252:1 has the number 1 now");
+    EXPECT_EQ(bench_.system.started.size(), 2U);
+}
+
+/// A spare that is of another array than planned is told by what people call that one.
+TEST_F(StorcliSpares, AreToldByTheArraysOfThePolicies) {
+    bench_.makePlan(test::storcliPolicies("Drives.A = slots 252:0,252:1\nLevel.A = 1\n"
+                                          "Drives.B = slots 252:2,252:3,252:4,252:5\nLevel.B = 5\n"
+                                          "Drives.C = slots 252:6,252:7,252:8,252:9\nLevel.C = 5\n"
+                                          "Spares = slots 252:10 covering B\n"),
+                    StrategyWish::automatic, false);
+    bench_.system.onMoment = [this](const std::string& moment) {
+        if (moment == "ended") {
+            controller().drives[10].groups = {2};
+        }
+    };
+    EXPECT_EQ(bench_.apply().details,
+              Lines{"252:10, hotspare_type: planned is dedicated to B; found is dedicated to C"});
 }
 
 /// The utility does not know "nolog": each command is run once more without it.
