@@ -545,6 +545,20 @@ TEST_F(MdStopped, AnArrayThatIsMadeAndDoesNotRunIsNotAsPlanned) {
     EXPECT_EQ(bench.mdadm.lines.size(), 1U); // it is not made again
 }
 
+/// Nobody is told that nothing stands, or to clear a drive, while a drive at work cannot be read.
+TEST_F(MdStopped, AnArrayOfADriveThatCannotBeReadStays) {
+    ASSERT_EQ(bench.apply().exitCode, 0);
+    bench.mdadm.files.drives.at("sda").head.clear();
+    const MachinePlan reset = planReset(bench.look(), {}, "zolexctl reset");
+    EXPECT_EQ(test::faultsOf(reset),
+              Lines{"ZP221 LD " + array + " stays: ata-DISK_S-sda: it cannot be read"});
+    bench.planAgain();
+    ASSERT_EQ(test::faultsOf(bench.plan),
+              Lines{"ZX702 Array.A names ata-DISK_S-sda: it cannot be read"});
+    EXPECT_EQ(bench.plan.controllers.at(0).diagnostics.at(0).help.at(0),
+              "replace it, and wait until it is rebuilt: a policy without it deletes array A");
+}
+
 TEST_F(MdStopped, NorIsOneThatIsThereAlready) {
     ASSERT_EQ(bench.apply().exitCode, 0);
     bench.disk = {};

@@ -529,6 +529,90 @@ TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
     EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::failed);
 }
 
+/// The kernel still lists what was pulled. What is dead says nothing, and takes nothing away.
+TEST_F(MdTest, AFailedMemberTakesNoArrayAway) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.files["/sys/block/md127/md/dev-sda/state"] = "faulty\n";
+    files.files["/sys/block/md127/md/dev-sda/slot"] = "none\n";
+    files.files["/sys/block/md127/md/degraded"] = "1\n";
+    files.drives["sda"].head.clear();
+    DiskScan scan;
+    scan.files = &files;
+    const MadeUpFiles dead = files;
+    for (const bool isPulled : {false, true}) {
+        files = dead;
+        if (isPulled) {
+            std::erase_if(files.files, [](const auto& file) {
+                return file.first.starts_with("/sys/block/sda/");
+            });
+            std::erase_if(files.links, [](const auto& link) {
+                return link.second == "/dev/sda" || link.first.starts_with("/sys/block/sda/");
+            });
+        }
+        const Facts facts = factsOf(listDisks(scan));
+        ASSERT_EQ(facts.logicalDrives.size(), 1U);
+        const std::string first = isPulled ? "Missing" : "ata-DISK_S-sda";
+        EXPECT_EQ(facts.logicalDrives[0].spans,
+                  (std::vector<std::vector<std::string>>{{first, "ata-DISK_S-sdb"}}));
+        EXPECT_EQ(facts.logicalDrives[0].reportedState, "degraded");
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives[0]), "");
+        EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::member);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sdb")), "");
+        if (!isPulled) {
+            EXPECT_EQ(facts.drive("ata-DISK_S-sda")->state, DriveState::failed);
+        }
+        calls.clear();
+        (void)run(family().deleteVolume(0, facts.logicalDrives[0]));
+        EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --stop /dev/md127"});
+    }
+}
+
+/// What is at work and cannot say so makes it unsure whose the array is: it is shown, and stays.
+TEST_F(MdTest, AMemberAtWorkThatDoesNotSaySoKeepsTheArray) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    DiskScan scan;
+    scan.files = &files;
+    const MadeUpFiles before = files;
+    for (const bool isRead : {false, true}) {
+        files = before;
+        const std::string why =
+            isRead ? "its superblock does not tell of zolex-data" : "it cannot be read";
+        const std::string faulty = isRead ? "ata-DISK_S-sdb" : "ata-DISK_S-sda";
+        const std::string good = isRead ? "ata-DISK_S-sda" : "ata-DISK_S-sdb";
+        if (isRead) {
+            files.drives["sdb"].head = superblockHead("zolex-data", 'b', 1, 2, 1);
+        } else {
+            files.drives["sda"].head.clear();
+        }
+        const DiskList list = listDisks(scan);
+        EXPECT_FALSE(list.arrays.at(0).isOurs);
+        EXPECT_EQ(diskListFrom(toText(list)), list);
+        const Facts facts = factsOf(list);
+        ASSERT_EQ(facts.logicalDrives.size(), 1U);
+        EXPECT_EQ(facts.logicalDrives[0].reportedState, "active, " + faulty + ": " + why);
+        EXPECT_EQ(facts.logicalDrives[0].health, Health::warning);
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives[0]), faulty + ": " + why);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive(faulty)), why);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive(good)), "");
+        EXPECT_EQ(facts.drive(good)->state, DriveState::member);
+        EXPECT_EQ(run("MD --stop /dev/md/zolex-data --zero-superblock "
+                      "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb")
+                      .exitCode,
+                  MdHost::refused);
+    }
+    // A partition is no drive of ours, and such an array is shown by its drives alone.
+    files = before;
+    files.files["/sys/block/md127/md/dev-sdc1/state"] = "in_sync\n";
+    files.files["/sys/block/md127/md/dev-sdc1/slot"] = "1\n";
+    files.files["/sys/block/sdc/sdc1/partition"] = "1\n";
+    EXPECT_TRUE(factsOf(listDisks(scan)).logicalDrives.empty());
+    EXPECT_TRUE(calls.empty());
+}
+
 TEST_F(MdTest, OurArraysAreLogicalDrivesAndOthersBarTheirDrives) {
     files.addDrive("sdd", 3);
     files.addArray("md127", "raid1", {"sda", "sdb"});

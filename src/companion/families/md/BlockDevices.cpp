@@ -19,6 +19,11 @@ const std::vector<std::string>& BlockDevices::partitionsOf(const std::string& na
     return found == partitions_.end() ? none : found->second;
 }
 
+bool BlockDevices::isThere(const std::string& name) const {
+    return wholeOf_.count(name) != 0 ||
+           std::find(names_.begin(), names_.end(), name) != names_.end();
+}
+
 std::string BlockDevices::folderOf(const std::string& name) const {
     return roots_.sys + "/block" + (name.empty() ? "" : "/" + name);
 }

@@ -225,16 +225,19 @@ class Lister {
                 continue;
             }
             const std::string name = entry.substr(member.size());
-            array.members.push_back(name);
             const auto disk =
                 std::find_if(disks.begin(), disks.end(),
                              [&name](const ListedDisk& one) { return one.name == name; });
+            const std::string state = attribute(folder + "/" + entry + "/state");
             if (disk != disks.end()) {
                 disk->array = node;
-                disk->arrayState = attribute(folder + "/" + entry + "/state");
+                disk->arrayState = state;
                 disk->arraySlot =
                     numberIn<std::uint32_t>(attribute(folder + "/" + entry + "/slot"));
+            } else if (isFaulty(state)) {
+                continue; // it has failed and was pulled
             }
+            array.members.push_back(name);
         }
         array.whyNotStopped = whyHeld(node);
         return array;
@@ -285,7 +288,8 @@ class Lister {
         std::map<std::string, std::string, std::less<>> uuidOfNode;
         for (ListedArray& array : list.arrays) {
             for (const ListedDisk& disk : list.disks) {
-                if (disk.array == array.node && disk.superblock && array.uuid.empty()) {
+                if (disk.array == array.node && disk.superblock && array.uuid.empty() &&
+                    !disk.isFailed()) {
                     array.uuid = disk.superblock->uuid;
                     array.name = disk.superblock->name;
                 }
@@ -322,26 +326,54 @@ class Lister {
         }
     }
 
-    /// Which arrays are this program's own: by their name, when all of their members are whole
-    /// drives that say the same, and no other array has it.
-    static void nameArrays(DiskList& list) {
+    /// Which arrays are this program's own: by their name, when all of their members that are at
+    /// work are whole drives that say the same, and no other array has it. What has failed says
+    /// nothing. One that runs is shown by its name also where a member cannot say it.
+    void nameArrays(DiskList& list) {
         for (ListedArray& array : list.arrays) {
-            const auto isOwnMember = [&list, &array](const std::string& name) {
-                return std::any_of(list.disks.begin(), list.disks.end(),
-                                   [&](const ListedDisk& disk) {
-                                       return disk.name == name && disk.superblock &&
-                                              disk.superblock->uuid == array.uuid &&
-                                              disk.superblock->name == array.name &&
-                                              disk.superblock->version == "1.2";
-                                   });
-            };
             const auto sameName =
                 std::count_if(list.arrays.begin(), list.arrays.end(),
                               [&array](const ListedArray& one) { return one.name == array.name; });
-            array.isOurs = array.name.starts_with(ownPrefix) && isPlainName(array.name) &&
-                           sameName == 1 && !array.members.empty() &&
-                           std::all_of(array.members.begin(), array.members.end(), isOwnMember);
+            if (!array.name.starts_with(ownPrefix) || !isPlainName(array.name) || sameName != 1) {
+                continue;
+            }
+            bool saysOne = false;
+            std::string fault;
+            array.isShown = true;
+            for (const std::string& name : array.members) {
+                const auto disk =
+                    std::find_if(list.disks.begin(), list.disks.end(),
+                                 [&name](const ListedDisk& one) { return one.name == name; });
+                if (disk == list.disks.end()) {
+                    array.isShown = array.isShown && !devices_.isThere(name);
+                    fault = fault.empty() ? name + " is not there any more" : fault;
+                    continue;
+                }
+                if (disk->isFailed()) {
+                    continue;
+                }
+                disk->why = whyNoOwnMember(*disk, array);
+                saysOne = saysOne || disk->why.empty();
+                if (!disk->why.empty() && fault.empty()) {
+                    fault = (disk->id.empty() ? name : disk->id) + ": " + disk->why;
+                }
+            }
+            array.isOurs = saysOne && fault.empty();
+            array.isShown = array.isOurs || (array.isShown && saysOne && !array.node.empty());
+            if (!fault.empty() && array.whyNotStopped.empty()) {
+                array.whyNotStopped = fault;
+            }
         }
+    }
+
+    std::string whyNoOwnMember(const ListedDisk& disk, const ListedArray& array) {
+        if (unreadable_.count(disk.name) != 0) {
+            return "it cannot be read";
+        }
+        const bool saysSo = disk.superblock && disk.superblock->uuid == array.uuid &&
+                            disk.superblock->name == array.name &&
+                            disk.superblock->version == "1.2";
+        return saysSo ? "" : "its superblock does not tell of " + array.name;
     }
 
     std::string whyNot(const ListedDisk& disk, DiskList& list) {
@@ -365,9 +397,9 @@ class Lister {
             }
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
-        if (array != nullptr && array->isOurs) {
+        if (array != nullptr && array->isShown) {
             const std::string why = disk.array.empty() ? whyUsedBeside(disk) : std::string();
-            return why.empty() ? why : "in use: " + why;
+            return why.empty() ? disk.why : "in use: " + why;
         }
         if (scan_.whole &&
             std::find(scan_.whole->begin(), scan_.whole->end(), disk.id) == scan_.whole->end()) {

@@ -66,6 +66,7 @@ Json toJson(const ListedArray& array) {
                 {"component_bytes", array.componentBytes},
                 {"bytes", array.bytes},
                 {"is_ours", array.isOurs},
+                {"is_shown", array.isShown},
                 {"why_not_stopped", array.whyNotStopped},
                 {"members", array.members}};
 }
@@ -178,6 +179,7 @@ ListedArray arrayFrom(const Json& json) {
     fields.get("component_bytes", array.componentBytes);
     fields.get("bytes", array.bytes);
     array.isOurs = fields.flag("is_ours");
+    array.isShown = array.isOurs || fields.flag("is_shown");
     array.whyNotStopped = fields.text("why_not_stopped");
     if (const Json* const members = fields.find("members"); members != nullptr) {
         for (const Json& member : *members) {
