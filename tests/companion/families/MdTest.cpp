@@ -513,6 +513,32 @@ TEST_F(MdTest, AnArrayStaysWhereADriveOfItServesSomethingElse) {
                                               "/dev/disk/by-id/ata-DISK_S-sdb"});
 }
 
+/// One that dropped out long ago, and one that was copied, keep what they carry.
+TEST_F(MdTest, NoDriveIsZeroedThatIsNotNamed) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.drives["sdc"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    const auto start = machine.start;
+    machine.start = [&](const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds limit) {
+        if (arguments.at(1) == "--stop") {
+            std::erase_if(files.files, [](const auto& file) {
+                return file.first.find("md127") != std::string::npos;
+            });
+        }
+        return start(arguments, limit);
+    };
+    EXPECT_EQ(run("MD --stop /dev/md/zolex-data --zero-superblock "
+                  "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb")
+                  .exitCode,
+              0U);
+    EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --stop /dev/md127",
+                                               "/sbin/mdadm --zero-superblock "
+                                               "/dev/disk/by-id/ata-DISK_S-sda "
+                                               "/dev/disk/by-id/ata-DISK_S-sdb"}));
+}
+
 TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
     files.addArray("md127", "raid1", {"sda", "sdb"});
     files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);

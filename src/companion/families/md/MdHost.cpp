@@ -300,9 +300,11 @@ ChildResult MdHost::remove(const MdCommand& command) {
         output = stopped.output;
         settle({});
     }
+    // What has dropped out of it and is not named was not agreed to be lost.
     std::vector<std::string> ids;
     for (const ListedDisk& disk : list(std::vector<std::string>()).disks) {
-        if (disk.superblock && disk.superblock->uuid == array->uuid && disk.array.empty()) {
+        if (disk.superblock && disk.superblock->uuid == array->uuid && disk.array.empty() &&
+            lists(command.drives, disk.id)) {
             ids.push_back(disk.id);
         }
     }
