@@ -144,6 +144,15 @@ class MadeUpMdadm {
         return md::superblockOf({content.head, content.tail, content.bytes});
     }
 
+    /// Of the running array of a device.
+    std::string nameOf(const std::string& device) {
+        const auto link =
+            std::find_if(files.links.begin(), files.links.end(), [&device](const auto& each) {
+                return each.first.starts_with("/dev/md/") && each.second == device;
+            });
+        return link->first.substr(std::string("/dev/md/").size());
+    }
+
     std::string driveOf(const std::string& path) {
         const std::string device = files.resolved(path);
         return device.substr(device.rfind('/') + 1);
@@ -183,7 +192,7 @@ class MadeUpMdadm {
         } else if (verb == "--stop" && isDone()) {
             stopArray(words.at(1).substr(std::string("/dev/").size()));
         } else if (verb == "--manage" && words.at(2) == "--add-spare" && isDone()) {
-            addSpare(words.at(1).substr(std::string("/dev/md/").size()), driveOf(words.at(3)));
+            addSpare(nameOf(words.at(1)), driveOf(words.at(3)));
         } else if (verb == "--zero-superblock") {
             for (std::size_t i = 1; i < words.size() && isDone(); ++i) {
                 files.drives.at(driveOf(words[i])).head = test::zeros();

@@ -539,6 +539,25 @@ TEST_F(MdTest, NoDriveIsZeroedThatIsNotNamed) {
                                                "/dev/disk/by-id/ata-DISK_S-sdb"}));
 }
 
+TEST_F(MdTest, SparesAreOfTheArrayThatWasJudgedWhereverItsLinkLeads) {
+    files.addDrive("sdd", 3);
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.links["/dev/md/zolex-data"] = "/dev/md126"; // somebody's
+    EXPECT_EQ(
+        run("MD --manage /dev/md/zolex-data --add-spare /dev/disk/by-id/ata-DISK_S-sdd").exitCode,
+        0U);
+    files.drives["sdd"].head = superblockHead("zolex-data", 'a', 1, 2, 2);
+    files.files["/sys/block/md127/md/dev-sdd/state"] = "spare\n";
+    files.files["/sys/block/md127/md/dev-sdd/slot"] = "none\n";
+    (void)run("MD --manage /dev/md/zolex-data --remove /dev/disk/by-id/ata-DISK_S-sdd");
+    EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --manage /dev/md127 --add-spare "
+                                               "/dev/disk/by-id/ata-DISK_S-sdd",
+                                               "/sbin/mdadm --manage /dev/md127 --remove "
+                                               "/dev/disk/by-id/ata-DISK_S-sdd"}));
+}
+
 TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
     files.addArray("md127", "raid1", {"sda", "sdb"});
     files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);

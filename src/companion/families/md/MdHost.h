@@ -26,6 +26,7 @@ class MdHost {
     struct Refusal {
         std::vector<std::string> lines;
         bool mayPass = false; ///< another program looks at the drive for a moment
+        std::string node;     ///< of the array that was judged; empty: it is not told to mdadm
     };
 
     [[nodiscard]] DiskList list(std::optional<std::vector<std::string>> whole = std::nullopt) const;
@@ -39,8 +40,7 @@ class MdHost {
     [[nodiscard]] std::vector<std::string> whyNotRemoved(const MdCommand& command,
                                                          const DiskList& list) const;
     template <typename Check>
-    [[nodiscard]] ChildResult attempt(const std::vector<std::string>& arguments,
-                                      const Check& check);
+    [[nodiscard]] ChildResult attempt(std::vector<std::string> arguments, const Check& check);
     void settle(const std::string& array) const;
 
     const FamilyMachine& machine_;
