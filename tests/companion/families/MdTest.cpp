@@ -324,9 +324,12 @@ TEST(MdCommands, AreWrittenForEachLevel) {
         wish.raidType = level;
         EXPECT_EQ(createLine(wish), "") << level;
     }
-    EXPECT_EQ(deleteLine("zolex-x", {"a", "b"}),
+    EXPECT_EQ(deleteLine("zolex-x", "", {"a", "b"}),
               "MD --stop /dev/md/zolex-x --zero-superblock /dev/disk/by-id/a /dev/disk/by-id/b");
-    EXPECT_EQ(deleteLine("data", {"a"}), "");
+    EXPECT_EQ(deleteLine("zolex-x", "3e2f1a00:01234567:89abcdef:00000000", {"a"}),
+              "MD --stop /dev/md/zolex-x --uuid=3e2f1a00:01234567:89abcdef:00000000 "
+              "--zero-superblock /dev/disk/by-id/a");
+    EXPECT_EQ(deleteLine("data", "", {"a"}), "");
 }
 
 TEST(MdCommands, DrivesThatDifferTooMuchAreRefusedBeforeMdadmAsks) {
@@ -354,7 +357,13 @@ TEST_F(MdTest, NoLineEverForcesMdadm) {
     for (const char* const line :
          {"MD", "MD --run /dev/md/zolex-a", "MD --stop /dev/md/zolex-a", "MD --stop --scan",
           "MD --zero-superblock /dev/sda", "MD --manage /dev/md/zolex-a --fail /dev/sda",
-          "MD --stop /dev/md127 --zero-superblock /dev/disk/by-id/a", "MD --detail /dev/md1"}) {
+          "MD --stop /dev/md127 --zero-superblock /dev/disk/by-id/a", "MD --detail /dev/md1",
+          "MD --stop /dev/md/zolex-a --uuid=3e2f1a00:01234567:89abcdef --zero-superblock "
+          "/dev/disk/by-id/a",
+          "MD --stop /dev/md/zolex-a --uuid=3e2f1a00:01234567:89abcdef:0000000g "
+          "--zero-superblock /dev/disk/by-id/a",
+          "MD --stop /dev/md/zolex-a --uuid=3e2f1a00:01234567:89abcdef:00000000 "
+          "--zero-superblock"}) {
         EXPECT_EQ(run(line).exitCode, MdHost::refused) << line;
     }
     EXPECT_TRUE(calls.empty());
@@ -789,7 +798,8 @@ TEST_F(MdTest, AnArrayOfWhichMdadmTellsOtherwiseIsNotDeleted) {
         return family().deleteVolume(0, capture.controllers.at(0).facts.logicalDrives.at(0));
     };
     detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=zolex-data\n";
-    EXPECT_EQ(deleting(), "MD --stop /dev/md/zolex-data --zero-superblock "
+    EXPECT_EQ(deleting(), "MD --stop /dev/md/zolex-data "
+                          "--uuid=61616161:61616161:61616161:61616161 --zero-superblock "
                           "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb");
     detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=srv:data\n";
     EXPECT_EQ(deleting(), "");

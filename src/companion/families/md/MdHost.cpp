@@ -263,6 +263,9 @@ std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
         return lines;
     }
     const std::string stays = command.array + " is not touched: ";
+    if (!command.uuid.empty() && array->uuid != command.uuid) {
+        return {stays + std::string(another) + "."};
+    }
     if (!array->isOurs) {
         lines.push_back(stays + "it is not proved that zolexctl has made it.");
     }

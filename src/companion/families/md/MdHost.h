@@ -16,6 +16,8 @@ namespace zolex::companion::md {
 class MdHost {
   public:
     static constexpr std::uint32_t refused = 64;
+    /// What is said of an array that was made in the place of the one that was meant.
+    static constexpr std::string_view another = "it is another array of this name now";
 
     MdHost(const FamilyMachine& machine, DiskFiles* files, Roots roots = {})
         : machine_(machine), files_(files), roots_(std::move(roots)) {}
