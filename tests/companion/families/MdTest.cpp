@@ -240,6 +240,67 @@ TEST_F(MdTest, WhatBlkidFindsBarsADriveToo) {
     EXPECT_EQ(listDisks(scan).disks[0].why, "");
 }
 
+/// A program that fails has found nothing out. A small blkid knows none of the options, and no more
+/// than some file systems.
+TEST_F(MdTest, AProbeThatFailsDoesNotTellThatNothingIsThere) {
+    DiskScan scan;
+    scan.files = &files;
+    std::map<std::string, std::optional<ProgramAnswer>> programs;
+    scan.run = [&programs](const std::vector<std::string>& arguments) {
+        return programs.at(arguments.at(0));
+    };
+    const auto why = [&] { return listDisks(scan).disks.at(0).why; };
+    const auto isThere = [&](const char* program, std::optional<ProgramAnswer> answer) {
+        files.files[program] = "";
+        programs[program] = std::move(answer);
+    };
+    isThere("/sbin/blkid", ProgramAnswer{4, "error: I/O\n"});
+    EXPECT_EQ(why(), "what it carries cannot be told: blkid ended with 4");
+    isThere("/sbin/blkid", std::nullopt);
+    EXPECT_EQ(why(), "what it carries cannot be told: blkid did not end");
+    isThere("/sbin/wipefs", ProgramAnswer{0, ""});
+    EXPECT_EQ(why(), "");
+    isThere("/sbin/wipefs", ProgramAnswer{0, "{\"signatures\": [{\"type\":\"ufs\"}]}"});
+    EXPECT_EQ(why(), "in use: it carries ufs (wipefs)");
+    isThere("/sbin/wipefs", ProgramAnswer{1, ""});
+    EXPECT_EQ(why(), "what it carries cannot be told: blkid did not end");
+    files.files.erase("/sbin/blkid");
+    EXPECT_EQ(why(), "what it carries cannot be told: wipefs ended with 1");
+    files.files.erase("/sbin/wipefs");
+    EXPECT_EQ(why(), "");
+    files.drives["sda"].head[500000] = 'x';
+    EXPECT_EQ(why(), "in use: it carries unknown data in its first MiB");
+    for (const std::uint32_t code : {0U, 1U}) {
+        isThere("/sbin/blkid", ProgramAnswer{code, ""});
+        EXPECT_EQ(why(), "in use: it carries unknown data in its first MiB");
+    }
+    isThere("/sbin/blkid", ProgramAnswer{0, "/dev/sda: UUID=\"1-2\" TYPE=\"minix\"\n"});
+    EXPECT_EQ(why(), "in use: it carries minix (blkid)");
+    isThere("/sbin/blkid", ProgramAnswer{2, ""});
+    EXPECT_EQ(why(), "");
+}
+
+/// mdadm leaves the bitmap of an array where it was.
+TEST(MdSignatures, RemainsOfABitmapAreNoUnknownData) {
+    DriveEnds ends{zeros(), zeros(), 3 * gibibyte};
+    EXPECT_FALSE(hasUnknownData(ends));
+    constexpr std::size_t bitmap = 8192;
+    ends.head.replace(bitmap, 4, "bitm");
+    put(ends.head, bitmap + 40, 2 * gibibyte / 512, 8);
+    put(ends.head, bitmap + 52, std::uint64_t{1} << 26U, 4);
+    ends.head.replace(bitmap + 256, 4096 - 256, std::string(4096 - 256, '\xff'));
+    EXPECT_FALSE(hasUnknownData(ends));
+    ends.head[bitmap + 4096] = 'x';
+    EXPECT_TRUE(hasUnknownData(ends));
+    put(ends.head, bitmap + 40, 40000 * (std::uint64_t{1} << 26U) / 512, 8);
+    EXPECT_FALSE(hasUnknownData(ends)); // of a larger array
+    ends.head[bitmap - 1] = 'x';
+    EXPECT_TRUE(hasUnknownData(ends));
+    ends.head[bitmap - 1] = '\0';
+    ends.head[bitmap] = 'x';
+    EXPECT_TRUE(hasUnknownData(ends));
+}
+
 struct SignatureCase {
     const char* name;
     bool atEnd;
@@ -264,6 +325,16 @@ TEST(MdSignatures, AreFoundWhereTheyStand) {
         {"swap", false, 4086, "SWAPSPACE2"},
         {"swap", false, 65526, "SWAPSPACE2"},
         {"zfs", false, 131072 + 1024, std::string("\x0c\xb1\xba\0\0\0\0\0", 8)},
+        {"gfs2", false, 65536, "\x01\x16\x19\x70"},
+        {"udf", false, 32769, "BEA01"},
+        {"udf", false, 36865, "NSR02"},
+        {"udf", false, 34817, "NSR03"},
+        {"iso9660", false, 32769, "CD001"},
+        {"reiserfs", false, 65588, "ReIsEr2Fs"},
+        {"reiser4", false, 65536, "ReIsEr4"},
+        {"bcachefs", false, 4120,
+         "\xc6\x85\x73\xf6\x66\xce\x90\xa9\xd9\x6a\x60\xcf\x80\x3d\xf7\xef"},
+        {"drbd", true, 4036, "\x83\x74\x02\x6d"},
         {"unknown data in its first 4 KiB", false, 4095, "x"},
     };
     for (const SignatureCase& each : cases) {

@@ -271,6 +271,9 @@ class Lister {
         disk.superblock = superblockOf(ends);
         if (isWhole) {
             signatures_[disk.name] = signaturesOf(ends);
+            if (hasUnknownData(ends)) {
+                unknown_.insert(disk.name);
+            }
         }
     }
 
@@ -461,45 +464,100 @@ class Lister {
             return "in use: it carries a superblock of md " + disk.superblock->version;
         }
         const std::vector<std::string>& signatures = signatures_[disk.name];
-        const std::string found = !signatures.empty() ? signatures[0] : probe(device(disk.name));
-        return found.empty() ? "" : "in use: it carries " + found;
+        return signatures.empty() ? whyProbed(disk.name) : carries(signatures[0]);
     }
+
+    static std::string carries(const std::string& what) { return "in use: it carries " + what; }
+
+    /// What a program of the system says of a drive; one that is not there has no answer and no
+    /// fault.
+    struct Probe {
+        std::optional<std::string> answer; ///< what it found; empty: nothing
+        std::string fault;
+    };
 
     /// What the system's own programs find on a drive, where they are there.
-    std::string probe(const std::string& path) {
-        if (!scan_.run) {
-            return {};
+    std::string whyProbed(const std::string& name) {
+        std::string fault;
+        for (const auto ask : {&Lister::askBlkid, &Lister::askWipefs}) {
+            const Probe probe = (this->*ask)(device(name));
+            if (probe.answer) {
+                return probe.answer->empty() ? std::string() : carries(*probe.answer);
+            }
+            fault = fault.empty() ? probe.fault : fault;
         }
-        for (const char* const program : {"/usr/sbin/blkid", "/sbin/blkid"}) {
-            const auto answer = scan_.run({program, "-p", "-o", "export", path});
-            constexpr std::uint32_t nothing = 2;
-            constexpr std::uint32_t severalThings = 8;
-            if (answer && answer->exitCode == nothing) {
-                return {};
-            }
-            if (answer && answer->exitCode == severalThings) {
-                return "several signatures (blkid)";
-            }
-            if (answer && answer->exitCode == 0) {
-                return blkidType(answer->output);
-            }
+        if (!fault.empty()) {
+            return "what it carries cannot be told: " + fault;
         }
-        for (const char* const program : {"/usr/sbin/wipefs", "/sbin/wipefs"}) {
-            const auto answer = scan_.run({program, "-n", "-J", path});
-            if (answer && answer->exitCode == 0) {
-                const std::size_t type = answer->output.find("\"type\"");
-                if (type == std::string::npos) {
-                    return {};
-                }
-                const auto texts = parts(std::string_view(answer->output).substr(type), "\"");
-                return texts.size() > 2 ? std::string(texts[2]) + " (wipefs)"
-                                        : "a signature (wipefs)";
-            }
-        }
-        return {};
+        return unknown_.count(name) == 0 ? "" : carries("unknown data in its first MiB");
     }
 
-    static std::string blkidType(std::string_view output) {
+    /// Runs a program of several places, the first that is there.
+    std::optional<ProgramAnswer> runSystem(std::string_view name,
+                                           std::vector<std::string> arguments, Probe& probe) {
+        for (const char* const folder : {"/usr/sbin/", "/sbin/", "/usr/bin/", "/bin/"}) {
+            const std::string program = folder + std::string(name);
+            if (scan_.run && !files_.resolved(program).empty()) {
+                arguments.insert(arguments.begin(), program);
+                auto answer = scan_.run(arguments);
+                if (!answer) {
+                    probe.fault = std::string(name) + " did not end";
+                }
+                return answer;
+            }
+        }
+        return std::nullopt;
+    }
+
+    static std::string endedWith(std::string_view name, std::uint32_t exitCode) {
+        return std::string(name) + " ended with " + std::to_string(exitCode);
+    }
+
+    Probe askBlkid(const std::string& path) {
+        Probe probe;
+        const auto told = runSystem("blkid", {"-p", "-o", "export", path}, probe);
+        constexpr std::uint32_t notKnown = 1;
+        constexpr std::uint32_t nothing = 2;
+        constexpr std::uint32_t severalThings = 8;
+        if (!told) {
+            return probe;
+        }
+        if (told->exitCode == nothing) {
+            probe.answer = std::string();
+        } else if (told->exitCode == severalThings) {
+            probe.answer = "several signatures (blkid)";
+        } else if (told->exitCode == 0) {
+            probe.answer = blkidType(told->output);
+        } else if (told->exitCode != notKnown) {
+            probe.fault = endedWith("blkid", told->exitCode);
+        }
+        return probe;
+    }
+
+    Probe askWipefs(const std::string& path) {
+        Probe probe;
+        const auto told = runSystem("wipefs", {"-n", "-J", path}, probe);
+        if (!told) {
+            return probe;
+        }
+        if (told->exitCode != 0) {
+            probe.fault = endedWith("wipefs", told->exitCode);
+            return probe;
+        }
+        const std::size_t type = told->output.find("\"type\"");
+        if (type == std::string::npos) {
+            probe.answer = std::string();
+            return probe;
+        }
+        const auto texts = parts(std::string_view(told->output).substr(type), "\"");
+        probe.answer =
+            texts.size() > 2 ? std::string(texts[2]) + " (wipefs)" : "a signature (wipefs)";
+        return probe;
+    }
+
+    /// Of "TYPE=ext4" in lines of their own. A blkid that knows no options, and few signatures,
+    /// prints "/dev/sda: TYPE="ext4"", and nothing where it finds nothing: that is no answer.
+    static std::optional<std::string> blkidType(std::string_view output) {
         for (const std::string_view key : {"TYPE=", "PTTYPE="}) {
             for (const std::string_view line : parts(output, "\n")) {
                 if (line.starts_with(key)) {
@@ -507,13 +565,21 @@ class Lister {
                 }
             }
         }
-        return "a signature (blkid)";
+        constexpr std::string_view quoted = " TYPE=\"";
+        if (const std::size_t type = output.find(quoted); type != std::string_view::npos) {
+            const std::string_view rest = output.substr(type + quoted.size());
+            return std::string(rest.substr(0, rest.find('"'))) + " (blkid)";
+        }
+        return output.starts_with("/") || trimmed(output).empty()
+                   ? std::nullopt
+                   : std::optional<std::string>("a signature (blkid)");
     }
 
     const DiskScan& scan_;
     DiskFiles& files_;
     BlockDevices devices_;
     std::set<std::string, std::less<>> unreadable_;
+    std::set<std::string, std::less<>> unknown_; ///< something stands in their first MiB
     std::map<std::string, std::vector<std::string>, std::less<>> signatures_;
 };
 
