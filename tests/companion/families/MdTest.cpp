@@ -789,6 +789,35 @@ TEST_F(MdTest, DrivesAreCountedByThePlaceOfTheirAdapter) {
     EXPECT_EQ(counted, "1 sdc\n2 sda\n3 nvme0n1\n4 sdb\n5 sdd\n");
 }
 
+/// A stick shifts no number, wherever its adapter is; units of a target come in their order.
+TEST_F(MdTest, WhatIsPluggedInForAWhileIsCountedLast) {
+    const auto putAt = [this](const std::string& name, const std::string& place) {
+        files.links["/sys/block/" + name + "/device"] = "/sys/devices/pci0000:00/" + place;
+    };
+    for (const char* const name : {"sdd", "sde", "sdf", "sdg"}) {
+        files.addDrive(name, name[2] - 'a');
+    }
+    putAt("sda", "0000:00:09.0/host2/target2:0:7/2:0:7:1");
+    putAt("sdb", "0000:00:09.0/host2/target2:1:0/2:1:0:0");
+    putAt("sdc", "0000:00:09.0/host2/target2:0:7/2:0:7:0");
+    putAt("sdd", "0000:00:01.0/usb2/2-1/2-1:1.0/host6/target6:0:0/6:0:0:0");
+    putAt("sde", "0000:00:01.0/usb2/2-1/2-1.4/2-1.4:1.0/host5/target5:0:0/5:0:0:0");
+    putAt("sdf", "0000:00:02.0/host4/target4:0:0/4:0:0:0");
+    files.files["/sys/block/sdf/removable"] = "1\n";
+    putAt("sdg", "0000:00:0a.0/host1/target1:0:0/1:0:0:0");
+    DiskScan scan;
+    scan.files = &files;
+    const DiskList list = listDisks(scan);
+    std::string counted;
+    for (const ListedDisk& disk : list.disks) {
+        counted += disk.name + " " + disk.function + "\n";
+    }
+    EXPECT_EQ(counted, "sdc 0000:00:09.0\nsda 0000:00:09.0\nsdb 0000:00:09.0\n"
+                       "sdg 0000:00:0a.0\n"
+                       "sde 0000:00:01.0\nsdd 0000:00:01.0\nsdf 0000:00:02.0\n");
+    EXPECT_EQ(diskListFrom(toText(list)), list);
+}
+
 TEST_F(MdTest, StatesComeFromTheKernel) {
     files.addArray("md127", "raid5", {"sda", "sdb", "sdc"});
     unsigned role = 0;

@@ -24,6 +24,10 @@ bool isNoDrive(std::string_view name) {
                        [name](std::string_view prefix) { return name.starts_with(prefix); });
 }
 
+bool isHex(std::string_view text) {
+    return text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 /// Names that a command line can hold as they are.
 bool isPlainName(std::string_view name) {
     constexpr std::string_view others = "._:+-@=,";
@@ -77,13 +81,15 @@ class Lister {
 
   private:
     /// As drives are cabled: by the place of their adapter on the bus, which stays where numbers of
-    /// hosts and names of drives change, and behind it by host and target.
-    using Order = std::tuple<bool, std::size_t, std::string_view, std::int32_t, std::int32_t,
-                             std::size_t, std::string_view>;
+    /// hosts and names of drives change, and behind it by host and target. What is plugged in for a
+    /// while comes behind all others, which keep their numbers.
+    using Order = std::tuple<bool, bool, std::size_t, std::string_view, std::int32_t, std::int32_t,
+                             std::int32_t, std::uint64_t, std::size_t, std::string_view>;
     static Order order(const ListedDisk& disk) {
         constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
-        return Order(disk.function.empty(), disk.function.size(), std::string_view(disk.function),
-                     disk.channel.value_or(last), disk.target.value_or(last), disk.name.size(),
+        return Order(disk.isLoose, disk.function.empty(), disk.function.size(),
+                     std::string_view(disk.function), disk.channel.value_or(last), disk.bus,
+                     disk.target.value_or(last), disk.unit, disk.name.size(),
                      std::string_view(disk.name));
     }
 
@@ -145,16 +151,22 @@ class Lister {
         disk.bytes = numberOf<std::uint64_t>(folder + "/size") * sector;
         disk.blockBytes = std::max(numberOf<std::uint32_t>(folder + "/queue/logical_block_size"),
                                    std::uint32_t{512});
-        place(disk, files_.resolved(parent));
+        const std::string resolved = files_.resolved(parent);
+        place(disk, resolved);
+        disk.isLoose =
+            attribute(folder + "/removable") == "1" || resolved.find("/usb") != std::string::npos;
         return disk;
     }
 
-    /// SCSI host and target of "2:0:3:0", else the place of its PCI function.
+    /// SCSI host, channel, target and unit of "2:0:3:0", else the place of its PCI function.
     static void place(ListedDisk& disk, std::string_view resolved) {
         for (const std::string_view folder : parts(resolved, "/")) {
+            // "0000:03:00.0"; an interface of USB is "2-1.4:1.0".
             const std::vector<std::string_view> pci = parts(folder, ":.");
-            const bool isFunction = pci.size() == 4 && folder.size() > 2 &&
-                                    folder[folder.size() - 2] == '.'; // no SCSI address
+            const bool isFunction = pci.size() == 4 && pci[0].size() >= 4 && pci[1].size() == 2 &&
+                                    pci[2].size() == 2 && pci[3].size() == 1 &&
+                                    folder[folder.size() - 2] == '.' &&
+                                    std::all_of(pci.begin(), pci.end(), isHex);
             const auto bus = isFunction ? numberIn<std::int32_t>(pci[1], 16) : std::nullopt;
             const auto slot = isFunction ? numberIn<std::int32_t>(pci[2], 16) : std::nullopt;
             if (bus && slot && *bus < 256 && *slot < 32) {
@@ -166,7 +178,9 @@ class Lister {
         const std::vector<std::string_view> address = parts(baseName(resolved), ":");
         if (address.size() == 4 && numberIn<std::int32_t>(address[0])) {
             disk.channel = numberIn<std::int32_t>(address[0]);
+            disk.bus = numberIn<std::int32_t>(address[1]).value_or(0);
             disk.target = numberIn<std::int32_t>(address[2]);
+            disk.unit = numberIn<std::uint64_t>(address[3]).value_or(0);
         }
     }
 

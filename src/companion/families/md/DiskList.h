@@ -36,6 +36,9 @@ struct ListedDisk {
     std::string function;                ///< of PCI, under which it is: "0000:03:00.0"; or empty
     std::optional<std::int32_t> channel; ///< SCSI host, or the place of its PCI function
     std::optional<std::int32_t> target;
+    std::int32_t bus = 0;   ///< of the SCSI host
+    std::uint64_t unit = 0; ///< of the SCSI target
+    bool isLoose = false;   ///< a stick or another drive that is plugged in for a while
     std::optional<Superblock> superblock;
     std::string array;      ///< kernel's name of the running array that it is in: "md127"; or empty
     std::string arrayState; ///< what the array says of it: "in_sync", "spare", "faulty"
