@@ -161,6 +161,19 @@ TEST_F(MdTest, MountsAndSwapAreFollowedToTheirDrives) {
     EXPECT_EQ(why("sdd"), "in use: the system swaps to it");
 }
 
+TEST_F(MdTest, ALoopDeviceOverADriveUsesIt) {
+    files.files["/sys/block/sda/sda1/partition"] = "1\n";
+    files.files["/sys/block/loop0/loop/backing_file"] = "/dev/sdb\n";
+    files.files["/sys/block/loop1/loop/backing_file"] = "/dev/sda1\n";
+    files.files["/sys/block/loop2/loop/backing_file"] = "/srv/sdc\n";
+    files.files["/sys/block/loop3/loop/backing_file"] = "\n";
+    EXPECT_EQ(why("sdb"), "in use: loop0 is over it");
+    EXPECT_EQ(why("sda"), "in use: loop1 is over it");
+    EXPECT_EQ(why("sdc"), "");
+    files.files["/sys/block/loop2/loop/backing_file"] = "/dev/sdc (deleted)\n";
+    EXPECT_EQ(why("sdc"), "in use: loop2 is over it");
+}
+
 /// Logical drives of a controller are disks of the system: they are found by their ids.
 TEST_F(MdTest, WhatTheSystemUsesALogicalDriveForIsNoted) {
     Facts facts;

@@ -130,6 +130,21 @@ void BlockDevices::readUses() {
             use(nameOf(unescaped(fields[0])), "the system swaps to it");
         }
     }
+    readLoops();
+}
+
+/// A loop device tells in no other way what it lies on. A file of it is one of a mounted drive.
+void BlockDevices::readLoops() {
+    constexpr std::string_view gone = " (deleted)"; // its file in /dev was made anew
+    for (const std::string& name : names_) {
+        std::string under = attribute(folderOf(name) + "/loop/backing_file");
+        if (under.ends_with(gone)) {
+            under.resize(under.size() - gone.size());
+        }
+        if (!under.empty()) {
+            use(nameOf(under), name + " is over it");
+        }
+    }
 }
 
 } // namespace zolex::companion::md

@@ -42,6 +42,7 @@ class BlockDevices {
   private:
     void readPartitions();
     void readUses();
+    void readLoops();
     void use(const std::string& name, const std::string& why, int depth = 0);
 
     DiskFiles& files_;
