@@ -283,7 +283,7 @@ TEST_F(MdTest, AProbeThatFailsDoesNotTellThatNothingIsThere) {
     EXPECT_EQ(why(), "");
     files.drives["sda"].head[500000] = 'x';
     EXPECT_EQ(why(), "in use: it carries unknown data in its first MiB");
-    for (const std::uint32_t code : {0U, 1U}) {
+    for (const std::uint32_t code : {0U, 1U, 127U}) {
         isThere("/sbin/blkid", ProgramAnswer{code, ""});
         EXPECT_EQ(why(), "in use: it carries unknown data in its first MiB");
     }

@@ -531,6 +531,7 @@ class Lister {
         Probe probe;
         const auto told = runSystem("blkid", {"-p", "-o", "export", path}, probe);
         constexpr std::uint32_t notKnown = 1;
+        constexpr std::uint32_t notThere = 127; // busybox was built without it
         constexpr std::uint32_t nothing = 2;
         constexpr std::uint32_t severalThings = 8;
         if (!told) {
@@ -542,7 +543,7 @@ class Lister {
             probe.answer = "several signatures (blkid)";
         } else if (told->exitCode == 0) {
             probe.answer = blkidType(told->output);
-        } else if (told->exitCode != notKnown) {
+        } else if (told->exitCode != notKnown && told->exitCode != notThere) {
             probe.fault = endedWith("blkid", told->exitCode);
         }
         return probe;
