@@ -363,7 +363,10 @@ class Lister {
                                  [&name](const ListedDisk& one) { return one.name == name; });
                 if (disk == list.disks.end()) {
                     array.isShown = array.isShown && !devices_.isThere(name);
-                    fault = fault.empty() ? name + " is not there any more" : fault;
+                    if (fault.empty()) {
+                        fault = name;
+                        fault += " is not there any more";
+                    }
                     continue;
                 }
                 if (disk->isFailed()) {
