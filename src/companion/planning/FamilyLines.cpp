@@ -86,11 +86,18 @@ class StepLines {
     [[nodiscard]] std::int32_t adapter() const { return planning_.controller.adapter; }
     [[nodiscard]] bool is(const std::string& line) const { return line == step_.command; }
 
+    /// Plans of earlier versions do not tell ids that stay.
     [[nodiscard]] bool isDeletion() const {
         const std::vector<LogicalDriveFacts>& all = planning_.controller.facts.logicalDrives;
-        return std::any_of(all.begin(), all.end(), [this](const LogicalDriveFacts& volume) {
-            return volume.id == step_.destroys.front() &&
-                   isSameButForOrder(family_.deleteVolume(adapter(), volume), step_.command);
+        return std::any_of(all.begin(), all.end(), [this](LogicalDriveFacts volume) {
+            const auto isWritten = [this, &volume] {
+                return isSameButForOrder(family_.deleteVolume(adapter(), volume), step_.command);
+            };
+            if (volume.id != step_.destroys.front() || isWritten()) {
+                return volume.id == step_.destroys.front();
+            }
+            volume.uniqueId.clear();
+            return isWritten();
         });
     }
 

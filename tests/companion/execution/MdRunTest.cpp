@@ -4,6 +4,7 @@
 #include "companion/execution/ApplyBench.h"
 #include "companion/families/md/MdHost.h"
 #include "companion/machine/Utilities.h"
+#include "companion/planning/FamilyLines.h"
 #include "companion/planning/ResetPlan.h"
 #include "companion/support/MadeUpDisks.h"
 
@@ -144,6 +145,15 @@ class MadeUpMdadm {
         return md::superblockOf({content.head, content.tail, content.bytes});
     }
 
+    /// Of the running array of a device.
+    std::string nameOf(const std::string& device) {
+        const auto link =
+            std::find_if(files.links.begin(), files.links.end(), [&device](const auto& each) {
+                return each.first.starts_with("/dev/md/") && each.second == device;
+            });
+        return link->first.substr(std::string("/dev/md/").size());
+    }
+
     std::string driveOf(const std::string& path) {
         const std::string device = files.resolved(path);
         return device.substr(device.rfind('/') + 1);
@@ -183,7 +193,7 @@ class MadeUpMdadm {
         } else if (verb == "--stop" && isDone()) {
             stopArray(words.at(1).substr(std::string("/dev/").size()));
         } else if (verb == "--manage" && words.at(2) == "--add-spare" && isDone()) {
-            addSpare(words.at(1).substr(std::string("/dev/md/").size()), driveOf(words.at(3)));
+            addSpare(nameOf(words.at(1)), driveOf(words.at(3)));
         } else if (verb == "--zero-superblock") {
             for (std::size_t i = 1; i < words.size() && isDone(); ++i) {
                 files.drives.at(driveOf(words[i])).head = test::zeros();
@@ -546,6 +556,59 @@ TEST_F(MdStopped, AnArrayThatIsMadeAndDoesNotRunIsNotAsPlanned) {
     EXPECT_EQ(started.exitCode, 0) << testing::PrintToString(test::endLines(started));
     EXPECT_TRUE(started.isVerified);
     EXPECT_EQ(bench.mdadm.lines.size(), 1U); // it is not made again
+}
+
+/// While the first array goes somebody makes the second one anew. Plans that do not tell the UUID
+/// are carried out as they were.
+TEST(MdReset, AnArrayThatWasMadeAnewUnderItsNameStays) {
+    for (const bool tellsUuid : {true, false}) {
+        MdBench bench{4, StrategyWish::automatic};
+        bench.mdadm.makeArray("zolex-a", {"sda", "sdb"}, {}, 1);
+        bench.mdadm.makeArray("zolex-b", {"sdc", "sdd"}, {}, 1);
+        bench.plan = planReset(bench.look(), {}, "zolexctl reset");
+        bench.plan.id = "p-000000000001";
+        ASSERT_EQ(bench.plan.steps().size(), 2U);
+        if (!tellsUuid) {
+            for (PlanStep& step : bench.plan.controllers.at(0).steps) {
+                const std::size_t uuid = step.command.find(" --uuid=");
+                ASSERT_NE(uuid, std::string::npos);
+                step.command.erase(uuid, step.command.find(' ', uuid + 1) - uuid);
+                EXPECT_TRUE(isLineOfStep(*findFamily("MD"), bench.plan.controllers[0], step));
+            }
+        }
+        bench.system.moments = 0;
+        bench.system.onMoment = [&bench](const std::string& moment) {
+            if (moment == "write step-ended 1 accepted") {
+                bench.mdadm.stopArray(bench.mdadm.nodeOf("zolex-b"));
+                bench.mdadm.makeArray("zolex-b", {"sdc", "sdd"}, {}, 1);
+            }
+        };
+        const ApplyEnd end = bench.apply();
+        EXPECT_EQ(end.exitCode == 0, !tellsUuid) << testing::PrintToString(test::endLines(end));
+        EXPECT_EQ(bench.mdadm.files.drives.at("sdc").head == test::zeros(), !tellsUuid);
+        EXPECT_EQ(bench.mdadm.files.drives.at("sda").head, test::zeros());
+        if (tellsUuid) {
+            const std::string text = testing::PrintToString(test::endLines(end));
+            EXPECT_NE(text.find("zolex-b is not touched: it is another array of this name now."),
+                      std::string::npos)
+                << text;
+            EXPECT_EQ(end.help.at(0), "See what it is, and plan again: zolexctl show --family md");
+        }
+    }
+}
+
+/// Nobody is told that nothing stands, or to clear a drive, while a drive at work cannot be read.
+TEST_F(MdStopped, AnArrayOfADriveThatCannotBeReadStays) {
+    ASSERT_EQ(bench.apply().exitCode, 0);
+    bench.mdadm.files.drives.at("sda").head.clear();
+    const MachinePlan reset = planReset(bench.look(), {}, "zolexctl reset");
+    EXPECT_EQ(test::faultsOf(reset),
+              Lines{"ZP221 LD " + array + " stays: ata-DISK_S-sda: it cannot be read"});
+    bench.planAgain();
+    ASSERT_EQ(test::faultsOf(bench.plan),
+              Lines{"ZX702 Array.A names ata-DISK_S-sda: it cannot be read"});
+    EXPECT_EQ(bench.plan.controllers.at(0).diagnostics.at(0).help.at(0),
+              "replace it, and wait until it is rebuilt: a policy without it deletes array A");
 }
 
 TEST_F(MdStopped, NorIsOneThatIsThereAlready) {

@@ -161,6 +161,19 @@ TEST_F(MdTest, MountsAndSwapAreFollowedToTheirDrives) {
     EXPECT_EQ(why("sdd"), "in use: the system swaps to it");
 }
 
+TEST_F(MdTest, ALoopDeviceOverADriveUsesIt) {
+    files.files["/sys/block/sda/sda1/partition"] = "1\n";
+    files.files["/sys/block/loop0/loop/backing_file"] = "/dev/sdb\n";
+    files.files["/sys/block/loop1/loop/backing_file"] = "/dev/sda1\n";
+    files.files["/sys/block/loop2/loop/backing_file"] = "/srv/sdc\n";
+    files.files["/sys/block/loop3/loop/backing_file"] = "\n";
+    EXPECT_EQ(why("sdb"), "in use: loop0 is over it");
+    EXPECT_EQ(why("sda"), "in use: loop1 is over it");
+    EXPECT_EQ(why("sdc"), "");
+    files.files["/sys/block/loop2/loop/backing_file"] = "/dev/sdc (deleted)\n";
+    EXPECT_EQ(why("sdc"), "in use: loop2 is over it");
+}
+
 /// Logical drives of a controller are disks of the system: they are found by their ids.
 TEST_F(MdTest, WhatTheSystemUsesALogicalDriveForIsNoted) {
     Facts facts;
@@ -240,6 +253,67 @@ TEST_F(MdTest, WhatBlkidFindsBarsADriveToo) {
     EXPECT_EQ(listDisks(scan).disks[0].why, "");
 }
 
+/// A program that fails has found nothing out. A small blkid knows none of the options, and no more
+/// than some file systems.
+TEST_F(MdTest, AProbeThatFailsDoesNotTellThatNothingIsThere) {
+    DiskScan scan;
+    scan.files = &files;
+    std::map<std::string, std::optional<ProgramAnswer>> programs;
+    scan.run = [&programs](const std::vector<std::string>& arguments) {
+        return programs.at(arguments.at(0));
+    };
+    const auto why = [&] { return listDisks(scan).disks.at(0).why; };
+    const auto isThere = [&](const char* program, std::optional<ProgramAnswer> answer) {
+        files.files[program] = "";
+        programs[program] = std::move(answer);
+    };
+    isThere("/sbin/blkid", ProgramAnswer{4, "error: I/O\n"});
+    EXPECT_EQ(why(), "what it carries cannot be told: blkid ended with 4");
+    isThere("/sbin/blkid", std::nullopt);
+    EXPECT_EQ(why(), "what it carries cannot be told: blkid did not end");
+    isThere("/sbin/wipefs", ProgramAnswer{0, ""});
+    EXPECT_EQ(why(), "");
+    isThere("/sbin/wipefs", ProgramAnswer{0, "{\"signatures\": [{\"type\":\"ufs\"}]}"});
+    EXPECT_EQ(why(), "in use: it carries ufs (wipefs)");
+    isThere("/sbin/wipefs", ProgramAnswer{1, ""});
+    EXPECT_EQ(why(), "what it carries cannot be told: blkid did not end");
+    files.files.erase("/sbin/blkid");
+    EXPECT_EQ(why(), "what it carries cannot be told: wipefs ended with 1");
+    files.files.erase("/sbin/wipefs");
+    EXPECT_EQ(why(), "");
+    files.drives["sda"].head[500000] = 'x';
+    EXPECT_EQ(why(), "in use: it carries unknown data in its first MiB");
+    for (const std::uint32_t code : {0U, 1U, 127U}) {
+        isThere("/sbin/blkid", ProgramAnswer{code, ""});
+        EXPECT_EQ(why(), "in use: it carries unknown data in its first MiB");
+    }
+    isThere("/sbin/blkid", ProgramAnswer{0, "/dev/sda: UUID=\"1-2\" TYPE=\"minix\"\n"});
+    EXPECT_EQ(why(), "in use: it carries minix (blkid)");
+    isThere("/sbin/blkid", ProgramAnswer{2, ""});
+    EXPECT_EQ(why(), "");
+}
+
+/// mdadm leaves the bitmap of an array where it was.
+TEST(MdSignatures, RemainsOfABitmapAreNoUnknownData) {
+    DriveEnds ends{zeros(), zeros(), 3 * gibibyte};
+    EXPECT_FALSE(hasUnknownData(ends));
+    constexpr std::size_t bitmap = 8192;
+    ends.head.replace(bitmap, 4, "bitm");
+    put(ends.head, bitmap + 40, 2 * gibibyte / 512, 8);
+    put(ends.head, bitmap + 52, std::uint64_t{1} << 26U, 4);
+    ends.head.replace(bitmap + 256, 4096 - 256, std::string(4096 - 256, '\xff'));
+    EXPECT_FALSE(hasUnknownData(ends));
+    ends.head[bitmap + 4096] = 'x';
+    EXPECT_TRUE(hasUnknownData(ends));
+    put(ends.head, bitmap + 40, 40000 * (std::uint64_t{1} << 26U) / 512, 8);
+    EXPECT_FALSE(hasUnknownData(ends)); // of a larger array
+    ends.head[bitmap - 1] = 'x';
+    EXPECT_TRUE(hasUnknownData(ends));
+    ends.head[bitmap - 1] = '\0';
+    ends.head[bitmap] = 'x';
+    EXPECT_TRUE(hasUnknownData(ends));
+}
+
 struct SignatureCase {
     const char* name;
     bool atEnd;
@@ -264,6 +338,16 @@ TEST(MdSignatures, AreFoundWhereTheyStand) {
         {"swap", false, 4086, "SWAPSPACE2"},
         {"swap", false, 65526, "SWAPSPACE2"},
         {"zfs", false, 131072 + 1024, std::string("\x0c\xb1\xba\0\0\0\0\0", 8)},
+        {"gfs2", false, 65536, "\x01\x16\x19\x70"},
+        {"udf", false, 32769, "BEA01"},
+        {"udf", false, 36865, "NSR02"},
+        {"udf", false, 34817, "NSR03"},
+        {"iso9660", false, 32769, "CD001"},
+        {"reiserfs", false, 65588, "ReIsEr2Fs"},
+        {"reiser4", false, 65536, "ReIsEr4"},
+        {"bcachefs", false, 4120,
+         "\xc6\x85\x73\xf6\x66\xce\x90\xa9\xd9\x6a\x60\xcf\x80\x3d\xf7\xef"},
+        {"drbd", true, 4036, "\x83\x74\x02\x6d"},
         {"unknown data in its first 4 KiB", false, 4095, "x"},
     };
     for (const SignatureCase& each : cases) {
@@ -324,9 +408,12 @@ TEST(MdCommands, AreWrittenForEachLevel) {
         wish.raidType = level;
         EXPECT_EQ(createLine(wish), "") << level;
     }
-    EXPECT_EQ(deleteLine("zolex-x", {"a", "b"}),
+    EXPECT_EQ(deleteLine("zolex-x", "", {"a", "b"}),
               "MD --stop /dev/md/zolex-x --zero-superblock /dev/disk/by-id/a /dev/disk/by-id/b");
-    EXPECT_EQ(deleteLine("data", {"a"}), "");
+    EXPECT_EQ(deleteLine("zolex-x", "3e2f1a00:01234567:89abcdef:00000000", {"a"}),
+              "MD --stop /dev/md/zolex-x --uuid=3e2f1a00:01234567:89abcdef:00000000 "
+              "--zero-superblock /dev/disk/by-id/a");
+    EXPECT_EQ(deleteLine("data", "", {"a"}), "");
 }
 
 TEST(MdCommands, DrivesThatDifferTooMuchAreRefusedBeforeMdadmAsks) {
@@ -354,7 +441,13 @@ TEST_F(MdTest, NoLineEverForcesMdadm) {
     for (const char* const line :
          {"MD", "MD --run /dev/md/zolex-a", "MD --stop /dev/md/zolex-a", "MD --stop --scan",
           "MD --zero-superblock /dev/sda", "MD --manage /dev/md/zolex-a --fail /dev/sda",
-          "MD --stop /dev/md127 --zero-superblock /dev/disk/by-id/a", "MD --detail /dev/md1"}) {
+          "MD --stop /dev/md127 --zero-superblock /dev/disk/by-id/a", "MD --detail /dev/md1",
+          "MD --stop /dev/md/zolex-a --uuid=3e2f1a00:01234567:89abcdef --zero-superblock "
+          "/dev/disk/by-id/a",
+          "MD --stop /dev/md/zolex-a --uuid=3e2f1a00:01234567:89abcdef:0000000g "
+          "--zero-superblock /dev/disk/by-id/a",
+          "MD --stop /dev/md/zolex-a --uuid=3e2f1a00:01234567:89abcdef:00000000 "
+          "--zero-superblock"}) {
         EXPECT_EQ(run(line).exitCode, MdHost::refused) << line;
     }
     EXPECT_TRUE(calls.empty());
@@ -513,6 +606,51 @@ TEST_F(MdTest, AnArrayStaysWhereADriveOfItServesSomethingElse) {
                                               "/dev/disk/by-id/ata-DISK_S-sdb"});
 }
 
+/// One that dropped out long ago, and one that was copied, keep what they carry.
+TEST_F(MdTest, NoDriveIsZeroedThatIsNotNamed) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.drives["sdc"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    const auto start = machine.start;
+    machine.start = [&](const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds limit) {
+        if (arguments.at(1) == "--stop") {
+            std::erase_if(files.files, [](const auto& file) {
+                return file.first.find("md127") != std::string::npos;
+            });
+        }
+        return start(arguments, limit);
+    };
+    EXPECT_EQ(run("MD --stop /dev/md/zolex-data --zero-superblock "
+                  "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb")
+                  .exitCode,
+              0U);
+    EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --stop /dev/md127",
+                                               "/sbin/mdadm --zero-superblock "
+                                               "/dev/disk/by-id/ata-DISK_S-sda "
+                                               "/dev/disk/by-id/ata-DISK_S-sdb"}));
+}
+
+TEST_F(MdTest, SparesAreOfTheArrayThatWasJudgedWhereverItsLinkLeads) {
+    files.addDrive("sdd", 3);
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.links["/dev/md/zolex-data"] = "/dev/md126"; // somebody's
+    EXPECT_EQ(
+        run("MD --manage /dev/md/zolex-data --add-spare /dev/disk/by-id/ata-DISK_S-sdd").exitCode,
+        0U);
+    files.drives["sdd"].head = superblockHead("zolex-data", 'a', 1, 2, 2);
+    files.files["/sys/block/md127/md/dev-sdd/state"] = "spare\n";
+    files.files["/sys/block/md127/md/dev-sdd/slot"] = "none\n";
+    (void)run("MD --manage /dev/md/zolex-data --remove /dev/disk/by-id/ata-DISK_S-sdd");
+    EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --manage /dev/md127 --add-spare "
+                                               "/dev/disk/by-id/ata-DISK_S-sdd",
+                                               "/sbin/mdadm --manage /dev/md127 --remove "
+                                               "/dev/disk/by-id/ata-DISK_S-sdd"}));
+}
+
 TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
     files.addArray("md127", "raid1", {"sda", "sdb"});
     files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
@@ -527,6 +665,90 @@ TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
     EXPECT_EQ(facts.logicalDrives.at(0).spans,
               (std::vector<std::vector<std::string>>{{"ata-DISK_S-sda", "ata-DISK_S-sdb"}}));
     EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::failed);
+}
+
+/// The kernel still lists what was pulled. What is dead says nothing, and takes nothing away.
+TEST_F(MdTest, AFailedMemberTakesNoArrayAway) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.files["/sys/block/md127/md/dev-sda/state"] = "faulty\n";
+    files.files["/sys/block/md127/md/dev-sda/slot"] = "none\n";
+    files.files["/sys/block/md127/md/degraded"] = "1\n";
+    files.drives["sda"].head.clear();
+    DiskScan scan;
+    scan.files = &files;
+    const MadeUpFiles dead = files;
+    for (const bool isPulled : {false, true}) {
+        files = dead;
+        if (isPulled) {
+            std::erase_if(files.files, [](const auto& file) {
+                return file.first.starts_with("/sys/block/sda/");
+            });
+            std::erase_if(files.links, [](const auto& link) {
+                return link.second == "/dev/sda" || link.first.starts_with("/sys/block/sda/");
+            });
+        }
+        const Facts facts = factsOf(listDisks(scan));
+        ASSERT_EQ(facts.logicalDrives.size(), 1U);
+        const std::string first = isPulled ? "Missing" : "ata-DISK_S-sda";
+        EXPECT_EQ(facts.logicalDrives[0].spans,
+                  (std::vector<std::vector<std::string>>{{first, "ata-DISK_S-sdb"}}));
+        EXPECT_EQ(facts.logicalDrives[0].reportedState, "degraded");
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives[0]), "");
+        EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::member);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sdb")), "");
+        if (!isPulled) {
+            EXPECT_EQ(facts.drive("ata-DISK_S-sda")->state, DriveState::failed);
+        }
+        calls.clear();
+        (void)run(family().deleteVolume(0, facts.logicalDrives[0]));
+        EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --stop /dev/md127"});
+    }
+}
+
+/// What is at work and cannot say so makes it unsure whose the array is: it is shown, and stays.
+TEST_F(MdTest, AMemberAtWorkThatDoesNotSaySoKeepsTheArray) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    DiskScan scan;
+    scan.files = &files;
+    const MadeUpFiles before = files;
+    for (const bool isRead : {false, true}) {
+        files = before;
+        const std::string why =
+            isRead ? "its superblock does not tell of zolex-data" : "it cannot be read";
+        const std::string faulty = isRead ? "ata-DISK_S-sdb" : "ata-DISK_S-sda";
+        const std::string good = isRead ? "ata-DISK_S-sda" : "ata-DISK_S-sdb";
+        if (isRead) {
+            files.drives["sdb"].head = superblockHead("zolex-data", 'b', 1, 2, 1);
+        } else {
+            files.drives["sda"].head.clear();
+        }
+        const DiskList list = listDisks(scan);
+        EXPECT_FALSE(list.arrays.at(0).isOurs);
+        EXPECT_EQ(diskListFrom(toText(list)), list);
+        const Facts facts = factsOf(list);
+        ASSERT_EQ(facts.logicalDrives.size(), 1U);
+        EXPECT_EQ(facts.logicalDrives[0].reportedState, "active, " + faulty + ": " + why);
+        EXPECT_EQ(facts.logicalDrives[0].health, Health::warning);
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives[0]), faulty + ": " + why);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive(faulty)), why);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive(good)), "");
+        EXPECT_EQ(facts.drive(good)->state, DriveState::member);
+        EXPECT_EQ(run("MD --stop /dev/md/zolex-data --zero-superblock "
+                      "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb")
+                      .exitCode,
+                  MdHost::refused);
+    }
+    // A partition is no drive of ours, and such an array is shown by its drives alone.
+    files = before;
+    files.files["/sys/block/md127/md/dev-sdc1/state"] = "in_sync\n";
+    files.files["/sys/block/md127/md/dev-sdc1/slot"] = "1\n";
+    files.files["/sys/block/sdc/sdc1/partition"] = "1\n";
+    EXPECT_TRUE(factsOf(listDisks(scan)).logicalDrives.empty());
+    EXPECT_TRUE(calls.empty());
 }
 
 TEST_F(MdTest, OurArraysAreLogicalDrivesAndOthersBarTheirDrives) {
@@ -578,6 +800,35 @@ TEST_F(MdTest, DrivesAreCountedByThePlaceOfTheirAdapter) {
                    drive.facts.location.substr(drive.facts.location.rfind('-') + 1) + "\n";
     }
     EXPECT_EQ(counted, "1 sdc\n2 sda\n3 nvme0n1\n4 sdb\n5 sdd\n");
+}
+
+/// A stick shifts no number, wherever its adapter is; units of a target come in their order.
+TEST_F(MdTest, WhatIsPluggedInForAWhileIsCountedLast) {
+    const auto putAt = [this](const std::string& name, const std::string& place) {
+        files.links["/sys/block/" + name + "/device"] = "/sys/devices/pci0000:00/" + place;
+    };
+    for (const char* const name : {"sdd", "sde", "sdf", "sdg"}) {
+        files.addDrive(name, name[2] - 'a');
+    }
+    putAt("sda", "0000:00:09.0/host2/target2:0:7/2:0:7:1");
+    putAt("sdb", "0000:00:09.0/host2/target2:1:0/2:1:0:0");
+    putAt("sdc", "0000:00:09.0/host2/target2:0:7/2:0:7:0");
+    putAt("sdd", "0000:00:01.0/usb2/2-1/2-1:1.0/host6/target6:0:0/6:0:0:0");
+    putAt("sde", "0000:00:01.0/usb2/2-1/2-1.4/2-1.4:1.0/host5/target5:0:0/5:0:0:0");
+    putAt("sdf", "0000:00:02.0/host4/target4:0:0/4:0:0:0");
+    files.files["/sys/block/sdf/removable"] = "1\n";
+    putAt("sdg", "0000:00:0a.0/host1/target1:0:0/1:0:0:0");
+    DiskScan scan;
+    scan.files = &files;
+    const DiskList list = listDisks(scan);
+    std::string counted;
+    for (const ListedDisk& disk : list.disks) {
+        counted += disk.name + " " + disk.function + "\n";
+    }
+    EXPECT_EQ(counted, "sdc 0000:00:09.0\nsda 0000:00:09.0\nsdb 0000:00:09.0\n"
+                       "sdg 0000:00:0a.0\n"
+                       "sde 0000:00:01.0\nsdd 0000:00:01.0\nsdf 0000:00:02.0\n");
+    EXPECT_EQ(diskListFrom(toText(list)), list);
 }
 
 TEST_F(MdTest, StatesComeFromTheKernel) {
@@ -660,7 +911,8 @@ TEST_F(MdTest, AnArrayOfWhichMdadmTellsOtherwiseIsNotDeleted) {
         return family().deleteVolume(0, capture.controllers.at(0).facts.logicalDrives.at(0));
     };
     detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=zolex-data\n";
-    EXPECT_EQ(deleting(), "MD --stop /dev/md/zolex-data --zero-superblock "
+    EXPECT_EQ(deleting(), "MD --stop /dev/md/zolex-data "
+                          "--uuid=61616161:61616161:61616161:61616161 --zero-superblock "
                           "/dev/disk/by-id/ata-DISK_S-sda /dev/disk/by-id/ata-DISK_S-sdb");
     detail.output = "MD_UUID=61616161:61616161:61616161:61616161\nMD_NAME=srv:data\n";
     EXPECT_EQ(deleting(), "");

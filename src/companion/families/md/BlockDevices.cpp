@@ -19,6 +19,11 @@ const std::vector<std::string>& BlockDevices::partitionsOf(const std::string& na
     return found == partitions_.end() ? none : found->second;
 }
 
+bool BlockDevices::isThere(const std::string& name) const {
+    return wholeOf_.count(name) != 0 ||
+           std::find(names_.begin(), names_.end(), name) != names_.end();
+}
+
 std::string BlockDevices::folderOf(const std::string& name) const {
     return roots_.sys + "/block" + (name.empty() ? "" : "/" + name);
 }
@@ -123,6 +128,21 @@ void BlockDevices::readUses() {
         const std::vector<std::string_view> fields = parts(line, " \t");
         if (!fields.empty()) {
             use(nameOf(unescaped(fields[0])), "the system swaps to it");
+        }
+    }
+    readLoops();
+}
+
+/// A loop device tells in no other way what it lies on. A file of it is one of a mounted drive.
+void BlockDevices::readLoops() {
+    constexpr std::string_view gone = " (deleted)"; // its file in /dev was made anew
+    for (const std::string& name : names_) {
+        std::string under = attribute(folderOf(name) + "/loop/backing_file");
+        if (under.ends_with(gone)) {
+            under.resize(under.size() - gone.size());
+        }
+        if (!under.empty()) {
+            use(nameOf(under), name + " is over it");
         }
     }
 }

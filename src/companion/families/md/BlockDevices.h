@@ -19,6 +19,8 @@ class BlockDevices {
     [[nodiscard]] const std::vector<std::string>& names() const { return names_; }
     /// Of a device; none where it has no partitions.
     [[nodiscard]] const std::vector<std::string>& partitionsOf(const std::string& name) const;
+    /// Whether it is a device or a partition of one.
+    [[nodiscard]] bool isThere(const std::string& name) const;
     /// Its folder in /sys; that of all devices of an empty name.
     [[nodiscard]] std::string folderOf(const std::string& name) const;
     /// Its file in /dev.
@@ -40,6 +42,7 @@ class BlockDevices {
   private:
     void readPartitions();
     void readUses();
+    void readLoops();
     void use(const std::string& name, const std::string& why, int depth = 0);
 
     DiskFiles& files_;

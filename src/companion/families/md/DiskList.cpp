@@ -24,6 +24,10 @@ bool isNoDrive(std::string_view name) {
                        [name](std::string_view prefix) { return name.starts_with(prefix); });
 }
 
+bool isHex(std::string_view text) {
+    return text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 /// Names that a command line can hold as they are.
 bool isPlainName(std::string_view name) {
     constexpr std::string_view others = "._:+-@=,";
@@ -77,13 +81,15 @@ class Lister {
 
   private:
     /// As drives are cabled: by the place of their adapter on the bus, which stays where numbers of
-    /// hosts and names of drives change, and behind it by host and target.
-    using Order = std::tuple<bool, std::size_t, std::string_view, std::int32_t, std::int32_t,
-                             std::size_t, std::string_view>;
+    /// hosts and names of drives change, and behind it by host and target. What is plugged in for a
+    /// while comes behind all others, which keep their numbers.
+    using Order = std::tuple<bool, bool, std::size_t, std::string_view, std::int32_t, std::int32_t,
+                             std::int32_t, std::uint64_t, std::size_t, std::string_view>;
     static Order order(const ListedDisk& disk) {
         constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
-        return Order(disk.function.empty(), disk.function.size(), std::string_view(disk.function),
-                     disk.channel.value_or(last), disk.target.value_or(last), disk.name.size(),
+        return Order(disk.isLoose, disk.function.empty(), disk.function.size(),
+                     std::string_view(disk.function), disk.channel.value_or(last), disk.bus,
+                     disk.target.value_or(last), disk.unit, disk.name.size(),
                      std::string_view(disk.name));
     }
 
@@ -145,16 +151,22 @@ class Lister {
         disk.bytes = numberOf<std::uint64_t>(folder + "/size") * sector;
         disk.blockBytes = std::max(numberOf<std::uint32_t>(folder + "/queue/logical_block_size"),
                                    std::uint32_t{512});
-        place(disk, files_.resolved(parent));
+        const std::string resolved = files_.resolved(parent);
+        place(disk, resolved);
+        disk.isLoose =
+            attribute(folder + "/removable") == "1" || resolved.find("/usb") != std::string::npos;
         return disk;
     }
 
-    /// SCSI host and target of "2:0:3:0", else the place of its PCI function.
+    /// SCSI host, channel, target and unit of "2:0:3:0", else the place of its PCI function.
     static void place(ListedDisk& disk, std::string_view resolved) {
         for (const std::string_view folder : parts(resolved, "/")) {
+            // "0000:03:00.0"; an interface of USB is "2-1.4:1.0".
             const std::vector<std::string_view> pci = parts(folder, ":.");
-            const bool isFunction = pci.size() == 4 && folder.size() > 2 &&
-                                    folder[folder.size() - 2] == '.'; // no SCSI address
+            const bool isFunction = pci.size() == 4 && pci[0].size() >= 4 && pci[1].size() == 2 &&
+                                    pci[2].size() == 2 && pci[3].size() == 1 &&
+                                    folder[folder.size() - 2] == '.' &&
+                                    std::all_of(pci.begin(), pci.end(), isHex);
             const auto bus = isFunction ? numberIn<std::int32_t>(pci[1], 16) : std::nullopt;
             const auto slot = isFunction ? numberIn<std::int32_t>(pci[2], 16) : std::nullopt;
             if (bus && slot && *bus < 256 && *slot < 32) {
@@ -166,7 +178,9 @@ class Lister {
         const std::vector<std::string_view> address = parts(baseName(resolved), ":");
         if (address.size() == 4 && numberIn<std::int32_t>(address[0])) {
             disk.channel = numberIn<std::int32_t>(address[0]);
+            disk.bus = numberIn<std::int32_t>(address[1]).value_or(0);
             disk.target = numberIn<std::int32_t>(address[2]);
+            disk.unit = numberIn<std::uint64_t>(address[3]).value_or(0);
         }
     }
 
@@ -225,16 +239,19 @@ class Lister {
                 continue;
             }
             const std::string name = entry.substr(member.size());
-            array.members.push_back(name);
             const auto disk =
                 std::find_if(disks.begin(), disks.end(),
                              [&name](const ListedDisk& one) { return one.name == name; });
+            const std::string state = attribute(folder + "/" + entry + "/state");
             if (disk != disks.end()) {
                 disk->array = node;
-                disk->arrayState = attribute(folder + "/" + entry + "/state");
+                disk->arrayState = state;
                 disk->arraySlot =
                     numberIn<std::uint32_t>(attribute(folder + "/" + entry + "/slot"));
+            } else if (isFaulty(state)) {
+                continue; // it has failed and was pulled
             }
+            array.members.push_back(name);
         }
         array.whyNotStopped = whyHeld(node);
         return array;
@@ -268,6 +285,9 @@ class Lister {
         disk.superblock = superblockOf(ends);
         if (isWhole) {
             signatures_[disk.name] = signaturesOf(ends);
+            if (hasUnknownData(ends)) {
+                unknown_.insert(disk.name);
+            }
         }
     }
 
@@ -285,7 +305,8 @@ class Lister {
         std::map<std::string, std::string, std::less<>> uuidOfNode;
         for (ListedArray& array : list.arrays) {
             for (const ListedDisk& disk : list.disks) {
-                if (disk.array == array.node && disk.superblock && array.uuid.empty()) {
+                if (disk.array == array.node && disk.superblock && array.uuid.empty() &&
+                    !disk.isFailed()) {
                     array.uuid = disk.superblock->uuid;
                     array.name = disk.superblock->name;
                 }
@@ -322,26 +343,57 @@ class Lister {
         }
     }
 
-    /// Which arrays are this program's own: by their name, when all of their members are whole
-    /// drives that say the same, and no other array has it.
-    static void nameArrays(DiskList& list) {
+    /// Which arrays are this program's own: by their name, when all of their members that are at
+    /// work are whole drives that say the same, and no other array has it. What has failed says
+    /// nothing. One that runs is shown by its name also where a member cannot say it.
+    void nameArrays(DiskList& list) {
         for (ListedArray& array : list.arrays) {
-            const auto isOwnMember = [&list, &array](const std::string& name) {
-                return std::any_of(list.disks.begin(), list.disks.end(),
-                                   [&](const ListedDisk& disk) {
-                                       return disk.name == name && disk.superblock &&
-                                              disk.superblock->uuid == array.uuid &&
-                                              disk.superblock->name == array.name &&
-                                              disk.superblock->version == "1.2";
-                                   });
-            };
             const auto sameName =
                 std::count_if(list.arrays.begin(), list.arrays.end(),
                               [&array](const ListedArray& one) { return one.name == array.name; });
-            array.isOurs = array.name.starts_with(ownPrefix) && isPlainName(array.name) &&
-                           sameName == 1 && !array.members.empty() &&
-                           std::all_of(array.members.begin(), array.members.end(), isOwnMember);
+            if (!array.name.starts_with(ownPrefix) || !isPlainName(array.name) || sameName != 1) {
+                continue;
+            }
+            bool saysOne = false;
+            std::string fault;
+            array.isShown = true;
+            for (const std::string& name : array.members) {
+                const auto disk =
+                    std::find_if(list.disks.begin(), list.disks.end(),
+                                 [&name](const ListedDisk& one) { return one.name == name; });
+                if (disk == list.disks.end()) {
+                    array.isShown = array.isShown && !devices_.isThere(name);
+                    if (fault.empty()) {
+                        fault = name;
+                        fault += " is not there any more";
+                    }
+                    continue;
+                }
+                if (disk->isFailed()) {
+                    continue;
+                }
+                disk->why = whyNoOwnMember(*disk, array);
+                saysOne = saysOne || disk->why.empty();
+                if (!disk->why.empty() && fault.empty()) {
+                    fault = (disk->id.empty() ? name : disk->id) + ": " + disk->why;
+                }
+            }
+            array.isOurs = saysOne && fault.empty();
+            array.isShown = array.isOurs || (array.isShown && saysOne && !array.node.empty());
+            if (!fault.empty() && array.whyNotStopped.empty()) {
+                array.whyNotStopped = fault;
+            }
         }
+    }
+
+    std::string whyNoOwnMember(const ListedDisk& disk, const ListedArray& array) {
+        if (unreadable_.count(disk.name) != 0) {
+            return "it cannot be read";
+        }
+        const bool saysSo = disk.superblock && disk.superblock->uuid == array.uuid &&
+                            disk.superblock->name == array.name &&
+                            disk.superblock->version == "1.2";
+        return saysSo ? "" : "its superblock does not tell of " + array.name;
     }
 
     std::string whyNot(const ListedDisk& disk, DiskList& list) {
@@ -365,9 +417,9 @@ class Lister {
             }
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
-        if (array != nullptr && array->isOurs) {
+        if (array != nullptr && array->isShown) {
             const std::string why = disk.array.empty() ? whyUsedBeside(disk) : std::string();
-            return why.empty() ? why : "in use: " + why;
+            return why.empty() ? disk.why : "in use: " + why;
         }
         if (scan_.whole &&
             std::find(scan_.whole->begin(), scan_.whole->end(), disk.id) == scan_.whole->end()) {
@@ -429,45 +481,101 @@ class Lister {
             return "in use: it carries a superblock of md " + disk.superblock->version;
         }
         const std::vector<std::string>& signatures = signatures_[disk.name];
-        const std::string found = !signatures.empty() ? signatures[0] : probe(device(disk.name));
-        return found.empty() ? "" : "in use: it carries " + found;
+        return signatures.empty() ? whyProbed(disk.name) : carries(signatures[0]);
     }
+
+    static std::string carries(const std::string& what) { return "in use: it carries " + what; }
+
+    /// What a program of the system says of a drive; one that is not there has no answer and no
+    /// fault.
+    struct Probe {
+        std::optional<std::string> answer; ///< what it found; empty: nothing
+        std::string fault;
+    };
 
     /// What the system's own programs find on a drive, where they are there.
-    std::string probe(const std::string& path) {
-        if (!scan_.run) {
-            return {};
+    std::string whyProbed(const std::string& name) {
+        std::string fault;
+        for (const auto ask : {&Lister::askBlkid, &Lister::askWipefs}) {
+            const Probe probe = (this->*ask)(device(name));
+            if (probe.answer) {
+                return probe.answer->empty() ? std::string() : carries(*probe.answer);
+            }
+            fault = fault.empty() ? probe.fault : fault;
         }
-        for (const char* const program : {"/usr/sbin/blkid", "/sbin/blkid"}) {
-            const auto answer = scan_.run({program, "-p", "-o", "export", path});
-            constexpr std::uint32_t nothing = 2;
-            constexpr std::uint32_t severalThings = 8;
-            if (answer && answer->exitCode == nothing) {
-                return {};
-            }
-            if (answer && answer->exitCode == severalThings) {
-                return "several signatures (blkid)";
-            }
-            if (answer && answer->exitCode == 0) {
-                return blkidType(answer->output);
-            }
+        if (!fault.empty()) {
+            return "what it carries cannot be told: " + fault;
         }
-        for (const char* const program : {"/usr/sbin/wipefs", "/sbin/wipefs"}) {
-            const auto answer = scan_.run({program, "-n", "-J", path});
-            if (answer && answer->exitCode == 0) {
-                const std::size_t type = answer->output.find("\"type\"");
-                if (type == std::string::npos) {
-                    return {};
-                }
-                const auto texts = parts(std::string_view(answer->output).substr(type), "\"");
-                return texts.size() > 2 ? std::string(texts[2]) + " (wipefs)"
-                                        : "a signature (wipefs)";
-            }
-        }
-        return {};
+        return unknown_.count(name) == 0 ? "" : carries("unknown data in its first MiB");
     }
 
-    static std::string blkidType(std::string_view output) {
+    /// Runs a program of several places, the first that is there.
+    std::optional<ProgramAnswer> runSystem(std::string_view name,
+                                           std::vector<std::string> arguments, Probe& probe) {
+        for (const char* const folder : {"/usr/sbin/", "/sbin/", "/usr/bin/", "/bin/"}) {
+            const std::string program = folder + std::string(name);
+            if (scan_.run && !files_.resolved(program).empty()) {
+                arguments.insert(arguments.begin(), program);
+                auto answer = scan_.run(arguments);
+                if (!answer) {
+                    probe.fault = std::string(name) + " did not end";
+                }
+                return answer;
+            }
+        }
+        return std::nullopt;
+    }
+
+    static std::string endedWith(std::string_view name, std::uint32_t exitCode) {
+        return std::string(name) + " ended with " + std::to_string(exitCode);
+    }
+
+    Probe askBlkid(const std::string& path) {
+        Probe probe;
+        const auto told = runSystem("blkid", {"-p", "-o", "export", path}, probe);
+        constexpr std::uint32_t notKnown = 1;
+        constexpr std::uint32_t notThere = 127; // busybox was built without it
+        constexpr std::uint32_t nothing = 2;
+        constexpr std::uint32_t severalThings = 8;
+        if (!told) {
+            return probe;
+        }
+        if (told->exitCode == nothing) {
+            probe.answer = std::string();
+        } else if (told->exitCode == severalThings) {
+            probe.answer = "several signatures (blkid)";
+        } else if (told->exitCode == 0) {
+            probe.answer = blkidType(told->output);
+        } else if (told->exitCode != notKnown && told->exitCode != notThere) {
+            probe.fault = endedWith("blkid", told->exitCode);
+        }
+        return probe;
+    }
+
+    Probe askWipefs(const std::string& path) {
+        Probe probe;
+        const auto told = runSystem("wipefs", {"-n", "-J", path}, probe);
+        if (!told) {
+            return probe;
+        }
+        if (told->exitCode != 0) {
+            probe.fault = endedWith("wipefs", told->exitCode);
+            return probe;
+        }
+        const std::size_t type = told->output.find("\"type\"");
+        if (type == std::string::npos) {
+            probe.answer = std::string();
+            return probe;
+        }
+        const auto texts = parts(std::string_view(told->output).substr(type), "\"");
+        probe.answer =
+            texts.size() > 2 ? std::string(texts[2]) + " (wipefs)" : "a signature (wipefs)";
+        return probe;
+    }
+
+    /// Of "TYPE=ext4" in lines of their own. A blkid that knows no options, and few signatures,
+    /// prints "/dev/sda: TYPE="ext4"", and nothing where it finds nothing: that is no answer.
+    static std::optional<std::string> blkidType(std::string_view output) {
         for (const std::string_view key : {"TYPE=", "PTTYPE="}) {
             for (const std::string_view line : parts(output, "\n")) {
                 if (line.starts_with(key)) {
@@ -475,13 +583,21 @@ class Lister {
                 }
             }
         }
-        return "a signature (blkid)";
+        constexpr std::string_view quoted = " TYPE=\"";
+        if (const std::size_t type = output.find(quoted); type != std::string_view::npos) {
+            const std::string_view rest = output.substr(type + quoted.size());
+            return std::string(rest.substr(0, rest.find('"'))) + " (blkid)";
+        }
+        return output.starts_with("/") || trimmed(output).empty()
+                   ? std::nullopt
+                   : std::optional<std::string>("a signature (blkid)");
     }
 
     const DiskScan& scan_;
     DiskFiles& files_;
     BlockDevices devices_;
     std::set<std::string, std::less<>> unreadable_;
+    std::set<std::string, std::less<>> unknown_; ///< something stands in their first MiB
     std::map<std::string, std::vector<std::string>, std::less<>> signatures_;
 };
 

@@ -13,6 +13,11 @@
 
 namespace zolex::companion::md {
 
+/// Whether a state of a member is that of one that has failed.
+[[nodiscard]] inline bool isFaulty(std::string_view state) {
+    return state.find("faulty") != std::string_view::npos;
+}
+
 /// One drive of this machine.
 struct ListedDisk {
     std::string name; ///< the kernel's: "sdb"
@@ -31,6 +36,9 @@ struct ListedDisk {
     std::string function;                ///< of PCI, under which it is: "0000:03:00.0"; or empty
     std::optional<std::int32_t> channel; ///< SCSI host, or the place of its PCI function
     std::optional<std::int32_t> target;
+    std::int32_t bus = 0;   ///< of the SCSI host
+    std::uint64_t unit = 0; ///< of the SCSI target
+    bool isLoose = false;   ///< a stick or another drive that is plugged in for a while
     std::optional<Superblock> superblock;
     std::string array;      ///< kernel's name of the running array that it is in: "md127"; or empty
     std::string arrayState; ///< what the array says of it: "in_sync", "spare", "faulty"
@@ -38,9 +46,7 @@ struct ListedDisk {
     std::string why;     ///< why no array can be made of it, unless it is in one of ours; or empty
     std::string carries; ///< beside a superblock of one of ours: "the second table of a GPT"
     /// Whether it has dropped out of its array.
-    [[nodiscard]] bool isFailed() const {
-        return arrayState.find("faulty") != std::string::npos || arrayState == "removed";
-    }
+    [[nodiscard]] bool isFailed() const { return isFaulty(arrayState) || arrayState == "removed"; }
     friend bool operator==(const ListedDisk&, const ListedDisk&) = default;
 };
 
@@ -59,8 +65,10 @@ struct ListedArray {
     std::uint64_t componentBytes = 0;
     std::uint64_t bytes = 0;   ///< 0: not known
     bool isOurs = false;       ///< made by this program, and whole drives of this machine alone
+    bool isShown = false;      ///< ours, or it runs and only some of its members prove it
     std::string whyNotStopped; ///< "mounted at /srv"; empty: it may be stopped
-    std::vector<std::string> members; ///< kernel's names of all its drives, spares and failed ones
+    /// Kernel's names of all its drives, spares and failed ones, but for those that were pulled.
+    std::vector<std::string> members;
     friend bool operator==(const ListedArray&, const ListedArray&) = default;
 };
 

@@ -44,6 +44,9 @@ Json toJson(const ListedDisk& disk) {
                 {"block_bytes", disk.blockBytes},
                 {"channel", numberOrNull(disk.channel)},
                 {"target", numberOrNull(disk.target)},
+                {"bus", disk.bus},
+                {"unit", disk.unit},
+                {"is_loose", disk.isLoose},
                 {"superblock", disk.superblock ? toJson(*disk.superblock) : Json()},
                 {"array", disk.array},
                 {"array_state", disk.arrayState},
@@ -66,6 +69,7 @@ Json toJson(const ListedArray& array) {
                 {"component_bytes", array.componentBytes},
                 {"bytes", array.bytes},
                 {"is_ours", array.isOurs},
+                {"is_shown", array.isShown},
                 {"why_not_stopped", array.whyNotStopped},
                 {"members", array.members}};
 }
@@ -150,6 +154,9 @@ ListedDisk diskFrom(const Json& json) {
     fields.get("block_bytes", disk.blockBytes);
     disk.channel = fields.number<std::int32_t>("channel");
     disk.target = fields.number<std::int32_t>("target");
+    fields.get("bus", disk.bus);
+    fields.get("unit", disk.unit);
+    disk.isLoose = fields.flag("is_loose");
     const Json* const superblock = fields.find("superblock");
     if (superblock != nullptr && superblock->is_object()) {
         disk.superblock = superblockFrom(*superblock);
@@ -178,6 +185,7 @@ ListedArray arrayFrom(const Json& json) {
     fields.get("component_bytes", array.componentBytes);
     fields.get("bytes", array.bytes);
     array.isOurs = fields.flag("is_ours");
+    array.isShown = array.isOurs || fields.flag("is_shown");
     array.whyNotStopped = fields.text("why_not_stopped");
     if (const Json* const members = fields.find("members"); members != nullptr) {
         for (const Json& member : *members) {

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view byId = "/dev/disk/by-id/";
 constexpr std::string_view arrays = "/dev/md/";
+constexpr std::string_view uuidOption = "--uuid=";
 constexpr std::uint64_t kibibyte = 1024;
 
 struct Level {
@@ -169,10 +170,33 @@ bool takeCreate(MdCommand& command) {
     return takeDrives(command, i) && command.drives.size() == drives;
 }
 
+/// As mdadm writes it: "3e2f1a00:...:...:...".
+bool isUuid(std::string_view text) {
+    constexpr std::size_t part = 9; // with its colon
+    constexpr std::size_t size = 4 * part - 1;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isDigit =
+            (text[i] >= '0' && text[i] <= '9') || (text[i] >= 'a' && text[i] <= 'f');
+        if (i % part == part - 1 ? text[i] != ':' : !isDigit) {
+            return false;
+        }
+    }
+    return text.size() == size;
+}
+
 bool takeRemove(MdCommand& command) {
     const std::vector<std::string>& words = command.arguments;
-    return words.size() > 3 && takeArray(command, words[1]) && words[2] == "--zero-superblock" &&
-           takeDrives(command, 3);
+    if (words.size() < 4 || !takeArray(command, words[1])) {
+        return false;
+    }
+    std::size_t next = 2;
+    if (words[next].starts_with(uuidOption)) {
+        command.uuid = words[next++].substr(uuidOption.size());
+        if (!isUuid(command.uuid)) {
+            return false;
+        }
+    }
+    return words[next] == "--zero-superblock" && takeDrives(command, next + 1);
 }
 
 bool takeManage(MdCommand& command) {
@@ -234,8 +258,11 @@ std::string createLine(const VolumeWish& wish) {
     return commandFrom(line) ? line : std::string();
 }
 
-std::string deleteLine(const std::string& array, const std::vector<std::string>& drives) {
-    std::string line = "MD --stop " + std::string(arrays) + array + " --zero-superblock";
+std::string deleteLine(const std::string& array, const std::string& uuid,
+                       const std::vector<std::string>& drives) {
+    std::string line = "MD --stop " + std::string(arrays) + array;
+    line += isUuid(uuid) ? " " + std::string(uuidOption) + uuid : std::string();
+    line += " --zero-superblock";
     for (const std::string& drive : drives) {
         line += " " + std::string(byId) + drive;
     }

@@ -21,8 +21,9 @@ inline constexpr std::string_view versionLine = "MD --version";
 /// "MD --create /dev/md/zolex-data ...": where its array would have no name, one is made of its
 /// drives. Empty for an array that mdadm does not make.
 [[nodiscard]] std::string createLine(const VolumeWish& wish);
-/// "MD --stop /dev/md/NAME --zero-superblock DRIVES".
-[[nodiscard]] std::string deleteLine(const std::string& array,
+/// "MD --stop /dev/md/NAME --uuid=UUID --zero-superblock DRIVES"; of an empty UUID, or of one that
+/// is none, without it: any array of the name is meant.
+[[nodiscard]] std::string deleteLine(const std::string& array, const std::string& uuid,
                                      const std::vector<std::string>& drives);
 /// "MD --manage /dev/md/NAME --add-spare DRIVE".
 [[nodiscard]] std::string addSpareLine(const std::string& array, const std::string& drive);
@@ -36,6 +37,7 @@ struct MdCommand {
     Verb verb = Verb::drives;
     std::vector<std::string> arguments; ///< of mdadm
     std::string array;                  ///< name of the array
+    std::string uuid;                   ///< of the array that is removed; empty: of any
     std::vector<std::string> drives;    ///< names in /dev/disk/by-id
 };
 

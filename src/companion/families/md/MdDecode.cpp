@@ -24,11 +24,11 @@ std::string locationOf(const ListedDisk& disk) {
     return disk.id.empty() ? disk.name : disk.id;
 }
 
-const ListedArray* ownArrayOf(const DiskList& list, const ListedDisk& disk) {
+const ListedArray* shownArrayOf(const DiskList& list, const ListedDisk& disk) {
     const auto found =
         std::find_if(list.arrays.begin(), list.arrays.end(), [&disk](const ListedArray& array) {
-            return array.isOurs && std::find(array.members.begin(), array.members.end(),
-                                             disk.name) != array.members.end();
+            return array.isShown && std::find(array.members.begin(), array.members.end(),
+                                              disk.name) != array.members.end();
         });
     return found == list.arrays.end() ? nullptr : &*found;
 }
@@ -49,7 +49,7 @@ DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
     facts.wwn = disk.wwn;
     facts.health = Health::ok;
     facts.barred = disk.why;
-    const ListedArray* const array = ownArrayOf(list, disk);
+    const ListedArray* const array = shownArrayOf(list, disk);
     if (array == nullptr) {
         facts.state = disk.why.empty() ? DriveState::free : DriveState::jbod;
         facts.reportedState = disk.why.empty() ? "free" : disk.why;
@@ -109,15 +109,22 @@ void tellState(LogicalDriveFacts& volume, const ListedArray& array, std::uint32_
     }
 }
 
-/// A drive that has failed stands where it was, as long as no other has taken its place.
+/// A drive that has failed stands where it was, as long as no other has taken its place. One that
+/// does not tell where stands in the only place that is left.
 void placeFailed(const DiskList& list, const ListedArray& array, std::vector<std::string>& places) {
+    std::vector<std::string> mute;
     for (const ListedDisk& disk : list.disks) {
         const bool isOfIt =
             std::find(array.members.begin(), array.members.end(), disk.name) != array.members.end();
         if (isOfIt && disk.isFailed() && disk.superblock && disk.superblock->role &&
             *disk.superblock->role < places.size() && places[*disk.superblock->role] == "Missing") {
             places[*disk.superblock->role] = locationOf(disk);
+        } else if (isOfIt && disk.isFailed() && !disk.superblock) {
+            mute.push_back(locationOf(disk));
         }
+    }
+    if (mute.size() == 1 && std::count(places.begin(), places.end(), "Missing") == 1) {
+        *std::find(places.begin(), places.end(), "Missing") = mute[0];
     }
 }
 
@@ -179,6 +186,9 @@ LogicalDriveFacts volumeFacts(const DiskList& list, const ListedArray& array) {
         volume.stripSizeBytes = array.chunkBytes;
     }
     tellState(volume, array, redundancy, present);
+    if (!array.isOurs && volume.health == Health::ok) {
+        volume.health = Health::warning;
+    }
     if (!array.whyNotStopped.empty()) {
         volume.reportedState += std::string(useSeparator) + array.whyNotStopped;
     }
@@ -217,7 +227,7 @@ Facts factsOf(const DiskList& list) {
         facts.drives.push_back(driveFacts(list, disk));
     }
     for (const ListedArray& array : list.arrays) {
-        if (array.isOurs) {
+        if (array.isShown) {
             facts.logicalDrives.push_back(volumeFacts(list, array));
         }
     }

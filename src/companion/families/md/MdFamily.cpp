@@ -208,7 +208,7 @@ class MdFamily : public Family {
                 }
             }
         }
-        return deleteLine(volume.id, drives);
+        return deleteLine(volume.id, volume.uniqueId, drives);
     }
 
     std::string addSpare(std::int32_t, const std::string& location,
@@ -246,6 +246,8 @@ class MdFamily : public Family {
                             "clear it if nobody needs it: wipefs DRIVE"};
         } else if (exitCode == MdHost::refused && commandLine.starts_with("MD --create")) {
             verdict.help = {"See what uses it: lsblk, and zolexctl show --family md"};
+        } else if (exitCode == MdHost::refused && output.find(MdHost::another) != output.npos) {
+            verdict.help = {"See what it is, and plan again: zolexctl show --family md"};
         } else if (exitCode == MdHost::refused && output.find(notRunning) != output.npos) {
             verdict.help = {std::string(startHelp)};
         }

@@ -106,8 +106,10 @@ ChildResult MdHost::run(std::string_view line, std::chrono::milliseconds limit) 
 }
 
 /// Starts mdadm as soon as `check` has nothing against it, and again while it finds something busy.
+/// A running array is told to mdadm by the name of the kernel's that `check` gives: links in
+/// /dev/md may lead anywhere.
 template <typename Check>
-ChildResult MdHost::attempt(const std::vector<std::string>& arguments, const Check& check) {
+ChildResult MdHost::attempt(std::vector<std::string> arguments, const Check& check) {
     ChildResult result;
     for (int i = 0; i < attempts; ++i) {
         if (i != 0 && machine_.pauseOneSecond) {
@@ -120,6 +122,9 @@ ChildResult MdHost::attempt(const std::vector<std::string>& arguments, const Che
                 continue;
             }
             return result;
+        }
+        if (!why.node.empty()) {
+            arguments.at(1) = "/dev/" + why.node;
         }
         result = mdadm(arguments);
         if (result.outcome != ChildOutcome::ended || result.exitCode == 0 ||
@@ -141,6 +146,7 @@ MdHost::Refusal MdHost::whyNotWritten(const MdCommand& command, bool isNew) cons
         refusal.lines.push_back("no array " + command.array + " of zolexctl runs.");
     }
     refusal.mayPass = refusal.lines.empty();
+    refusal.node = isNew || array == nullptr ? "" : array->node;
     for (const std::string& id : command.drives) {
         const ListedDisk* const disk = diskWithId(now, id);
         std::string why = disk == nullptr ? "no drive has this name now" : disk->why;
@@ -228,6 +234,8 @@ ChildResult MdHost::removeSpare(const MdCommand& command) {
             refusal.lines.push_back("no array " + command.array + " of zolexctl runs.");
         } else if (disk == nullptr || disk->array != array->node || disk->arraySlot) {
             refusal.lines.push_back(untouched(id, "it is no spare of " + command.array) + ".");
+        } else {
+            refusal.node = array->node;
         }
         return refusal;
     });
@@ -255,6 +263,9 @@ std::vector<std::string> MdHost::whyNotRemoved(const MdCommand& command,
         return lines;
     }
     const std::string stays = command.array + " is not touched: ";
+    if (!command.uuid.empty() && array->uuid != command.uuid) {
+        return {stays + std::string(another) + "."};
+    }
     if (!array->isOurs) {
         lines.push_back(stays + "it is not proved that zolexctl has made it.");
     }
@@ -292,7 +303,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
     std::string output;
     if (!array->node.empty()) {
         ChildResult stopped = attempt({"--stop", "/dev/" + array->node}, [&] {
-            return Refusal{whyNotRemoved(command, list(command.drives)), false};
+            return Refusal{whyNotRemoved(command, list(command.drives)), false, {}};
         });
         if (!isDone(stopped)) {
             return stopped;
@@ -300,9 +311,11 @@ ChildResult MdHost::remove(const MdCommand& command) {
         output = stopped.output;
         settle({});
     }
+    // What has dropped out of it and is not named was not agreed to be lost.
     std::vector<std::string> ids;
     for (const ListedDisk& disk : list(std::vector<std::string>()).disks) {
-        if (disk.superblock && disk.superblock->uuid == array->uuid && disk.array.empty()) {
+        if (disk.superblock && disk.superblock->uuid == array->uuid && disk.array.empty() &&
+            lists(command.drives, disk.id)) {
             ids.push_back(disk.id);
         }
     }

@@ -16,6 +16,8 @@ namespace zolex::companion::md {
 class MdHost {
   public:
     static constexpr std::uint32_t refused = 64;
+    /// What is said of an array that was made in the place of the one that was meant.
+    static constexpr std::string_view another = "it is another array of this name now";
 
     MdHost(const FamilyMachine& machine, DiskFiles* files, Roots roots = {})
         : machine_(machine), files_(files), roots_(std::move(roots)) {}
@@ -26,6 +28,7 @@ class MdHost {
     struct Refusal {
         std::vector<std::string> lines;
         bool mayPass = false; ///< another program looks at the drive for a moment
+        std::string node;     ///< of the array that was judged; empty: it is not told to mdadm
     };
 
     [[nodiscard]] DiskList list(std::optional<std::vector<std::string>> whole = std::nullopt) const;
@@ -39,8 +42,7 @@ class MdHost {
     [[nodiscard]] std::vector<std::string> whyNotRemoved(const MdCommand& command,
                                                          const DiskList& list) const;
     template <typename Check>
-    [[nodiscard]] ChildResult attempt(const std::vector<std::string>& arguments,
-                                      const Check& check);
+    [[nodiscard]] ChildResult attempt(std::vector<std::string> arguments, const Check& check);
     void settle(const std::string& array) const;
 
     const FamilyMachine& machine_;

@@ -77,7 +77,11 @@ constexpr std::array magics = {
     Magic{32769, "CD001"sv, "iso9660"},
     Magic{32768, "JFS1"sv, "jfs"},
     Magic{65588, "ReIsEr"sv, "reiserfs"},
+    Magic{8244, "ReIsEr"sv, "reiserfs"}, // as it was at first
+    Magic{65536, "ReIsEr4"sv, "reiser4"},
+    Magic{65536, "\x01\x16\x19\x70"sv, "gfs2"},
     Magic{4120, "\xc6\x85\x73\xf6\x4e\x1a\x45\xca\x82\x65\xf5\x7f\x48\xba\x6d\x81"sv, "bcache"},
+    Magic{4120, "\xc6\x85\x73\xf6\x66\xce\x90\xa9\xd9\x6a\x60\xcf\x80\x3d\xf7\xef"sv, "bcachefs"},
     Magic{510, "\x55\xaa"sv, "an MBR partition table or boot sector"},
 };
 
@@ -91,6 +95,9 @@ constexpr std::array magicsAtEnd = {
     Magic{512, "\x11\xde\x11\xde"sv, "RAID of a controller (DDF)"},
     Magic{4096, "\xde\x11\xde\x11"sv, "RAID of a controller (DDF)"},
     Magic{4096, "\x11\xde\x11\xde"sv, "RAID of a controller (DDF)"},
+    Magic{4036, "\x83\x74\x02\x6b"sv, "drbd"},
+    Magic{4036, "\x83\x74\x02\x6c"sv, "drbd"},
+    Magic{4036, "\x83\x74\x02\x6d"sv, "drbd"},
 };
 
 bool hasSwap(const Reader& drive) {
@@ -115,6 +122,20 @@ bool hasZfs(const Reader& drive) {
                 drive.has(begin + block, "\x00\x00\x00\x00\x00\xba\xb1\x0c"sv)) {
                 return true;
             }
+        }
+    }
+    return false;
+}
+
+/// Its volume descriptors stand in sectors of 2 KiB or of 4 KiB from 32 KiB on.
+bool hasUdf(const Reader& drive) {
+    constexpr std::uint64_t first = 32768;
+    constexpr std::uint64_t step = 2048;
+    constexpr std::uint64_t last = first + 64 * step;
+    for (std::uint64_t place = first; place < last; place += step) {
+        const std::string_view word = drive.at(place + 1, 5);
+        if (word == "BEA01" || word == "NSR02" || word == "NSR03") {
+            return true;
         }
     }
     return false;
@@ -219,12 +240,32 @@ std::vector<std::string> signaturesOf(const DriveEnds& ends) {
     if (hasZfs(drive)) {
         add("zfs");
     }
+    if (hasUdf(drive)) {
+        add("udf");
+    }
     const std::string_view first = std::string_view(ends.head).substr(0, 4096);
     const bool isSuperblock = drive.number(0, 4) == superblockMagic;
     if (found.empty() && !isSuperblock && !isAllZero(first)) {
         add("unknown data in its first 4 KiB");
     }
     return found;
+}
+
+bool hasUnknownData(const DriveEnds& ends) {
+    const Reader drive(ends);
+    const std::string_view head = ends.head;
+    constexpr std::uint64_t bitmap = 8192;
+    constexpr std::uint64_t page = 4096;
+    constexpr std::uint64_t sector = 512;
+    std::uint64_t end = bitmap;
+    const std::uint64_t chunk = drive.number(bitmap + 52, 4) / sector;
+    if (drive.has(bitmap, "bitm") && chunk != 0) {
+        constexpr std::uint64_t header = 256;
+        const std::uint64_t bits = drive.number(bitmap + 40, 8) / chunk + 1;
+        end += (header + bits / 8 + 1 + page - 1) / page * page;
+    }
+    return !isAllZero(head.substr(0, bitmap)) ||
+           (end < head.size() && !isAllZero(head.substr(static_cast<std::size_t>(end))));
 }
 
 } // namespace zolex::companion::md

@@ -36,6 +36,10 @@ struct Superblock {
 /// there is read.
 [[nodiscard]] std::optional<Superblock> superblockOf(const DriveEnds& ends);
 
+/// Whether the first MiB holds anything but what is left of a bitmap of md, which mdadm leaves
+/// behind when it zeroes a superblock.
+[[nodiscard]] bool hasUnknownData(const DriveEnds& ends);
+
 /// What a drive carries besides superblocks of md: "a GPT partition table", "xfs", or "unknown data
 /// in its first 4 KiB". Empty: nothing is known there.
 [[nodiscard]] std::vector<std::string> signaturesOf(const DriveEnds& ends);

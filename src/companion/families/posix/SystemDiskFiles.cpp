@@ -1,4 +1,5 @@
 #include "companion/families/md/DiskFiles.h"
+#include "companion/families/posix/AlignedRead.h"
 #include "platform/posix/FileDescriptor.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zolex::companion::md {
@@ -20,6 +22,13 @@ struct FolderCloser {
 struct TextFreer {
     void operator()(char* text) const { std::free(text); }
 };
+
+/// Others write on a drive past the memory in which the kernel keeps what it has read of it: it is
+/// read past that, too.
+bool isDevice(int file) {
+    struct stat status = {};
+    return ::fstat(file, &status) == 0 && S_ISBLK(status.st_mode);
+}
 
 class SystemDiskFiles : public DiskFiles {
   public:
@@ -46,6 +55,17 @@ class SystemDiskFiles : public DiskFiles {
             ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
         if (opened.get() < 0) {
             return std::nullopt;
+        }
+        if (isDevice(opened.get())) {
+            const posix::FileDescriptor direct(
+                ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_DIRECT));
+            std::optional<std::string> found =
+                direct.get() < 0 ? std::nullopt : readAligned(direct.get(), offset, most);
+            if (found || errno != EINVAL) {
+                return found;
+            }
+            (void)::posix_fadvise(opened.get(), static_cast<off_t>(offset),
+                                  static_cast<off_t>(most), POSIX_FADV_DONTNEED);
         }
         std::string bytes(most, '\0');
         std::size_t filled = 0;
