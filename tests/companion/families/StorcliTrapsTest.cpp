@@ -484,6 +484,25 @@ TEST(StorcliTraps, ListingsThatContradictEachOtherAreNone) {
     }
 }
 
+/// Any free drive may be one of them.
+TEST(StorcliTraps, AForeignLayoutOnNoDriveIsPlannedBesideByNobody) {
+    ListedController server;
+    for (const char* const call : {all, drives}) {
+        server.edit(call, "\"DG\" : \"F\"", "\"DG\" : \"-\"");
+    }
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    ASSERT_EQ(findingsOf(controller.findings),
+              Lines({"ZP131 the listing is not whole: 1 foreign drive group is told, and no drive "
+                     "of it"}));
+    EXPECT_EQ(controller.findings.front().help,
+              Lines({"look at what its utility lists: storcli64 /c0/fall show all",
+                     "import it there, or clear it, if nobody needs its data"}));
+    // Without the layout there is nothing to be found.
+    server.answer("/c0/fall show J", listing("storcli-c0-fall-show-none.json"), 50);
+    EXPECT_FALSE(server.controller().failed);
+}
+
 TEST(StorcliTraps, BlocksThatAreNotTheSizeInWordsDoNotCount) {
     ListedController server;
     server.edit(volumes, "\"Number of Blocks\" : 1874329600", "\"Number of Blocks\" : 3748659200");

@@ -889,6 +889,7 @@ class Decoder {
     }
 
     void readForeignRow(const ToldValue& row) {
+        ++foreignGroups_;
         ++facts_.listings[foreign_->index].blocks;
         ++facts_.listings[foreign_->index].blocksRead;
         const std::string group = row.at("DG").toldText();
@@ -1211,6 +1212,7 @@ class Decoder {
             }
         }
         judgeMembers();
+        judgeForeign();
         judgeContradictions();
         for (const Document* const document : {foreign_, volumes_}) {
             if (document != nullptr && !document->status->isObject()) {
@@ -1242,6 +1244,23 @@ class Decoder {
         if (!loose.empty()) {
             notWhole("no logical drive is listed of " + listOf(loose));
         }
+    }
+
+    /// Where no drive is told to be foreign, any may be that is told to be free.
+    void judgeForeign() {
+        const bool isMarked = std::any_of(facts_.drives.begin(), facts_.drives.end(),
+                                          [](const DriveFacts& drive) { return drive.isForeign; });
+        if (foreignGroups_ == 0 || isMarked) {
+            return;
+        }
+        controller_.failed = true;
+        find(family_code::notWhole,
+             "the listing is not whole: " +
+                 countOf(foreignGroups_, "foreign drive group is", "foreign drive groups are") +
+                 " told, and no drive of " + (foreignGroups_ == 1 ? "it" : "them"),
+             {},
+             {"look at what its utility lists: " + typed("/fall show all"),
+              "import it there, or clear it, if nobody needs its data"});
     }
 
     /// Listings that contradict each other, or themselves, are none to plan by either.
@@ -1331,8 +1350,9 @@ class Decoder {
     std::map<std::string, DriveRows> told_; ///< by place
     std::vector<std::string> contradictions_;
     std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
-    std::set<std::string> foreignPlaces_;                     ///< that the list of foreign ones has
-    std::map<std::string, std::int32_t> errors_;              ///< of drives that do not answer
+    std::size_t foreignGroups_ = 0;
+    std::set<std::string> foreignPlaces_;        ///< that the list of foreign ones has
+    std::map<std::string, std::int32_t> errors_; ///< of drives that do not answer
     std::optional<std::int32_t> mostVolumes_;
     std::map<std::size_t, Looked> looked_;
 };
