@@ -249,9 +249,10 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "Use the drive in an array, take a larger one, or say that there is none:\n"
      "  Array_Defaults = 0%:0"},
     {problem::degraded, warning, "what stands is as planned, but not well",
-     "A drive has failed or is being rebuilt. Nothing is planned, as the layout is the one that "
-     "the policy asks for.",
-     "Replace the drive that is named; the controller rebuilds by itself."},
+     "A drive has failed or is being rebuilt, or its utility calls a logical drive not well. "
+     "Nothing is planned, as the layout is the one that the policy asks for.",
+     "Replace the drive that is named as failed or missing; the controller rebuilds by itself. "
+     "Where none is, look at what it does: zolexctl show"},
     {problem::spareOfOne, warning, "a hot spare is one of a single array",
      "The family has no spare for several arrays: this one is made with the first that has none "
      "yet, and the others have to get it from whoever watches over them.",

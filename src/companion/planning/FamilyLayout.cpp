@@ -159,8 +159,12 @@ class LayoutMaker {
             return offlineHelp().front() + "; " + offlineHelp().back();
         }
         if (!drive.array.empty() && drive.facts.state != DriveState::rebuilding) {
-            return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
-                   drive.array;
+            const bool isGone =
+                drive.facts.state == DriveState::failed || drive.facts.state == DriveState::missing;
+            return std::string(isGone ? "replace it, and wait until it is rebuilt"
+                                      : "look at it, and wait until the controller is done with "
+                                        "it") +
+                   ": a policy without it deletes array " + drive.array;
         }
         const std::string makeGood = planned_.family.makeGood(planned_.detail.adapter, drive.facts);
         switch (drive.facts.state) {

@@ -822,6 +822,39 @@ TEST(FamilyPlan, SpansAndDedicatedSparesComeBack) {
                     "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:50\n");
 }
 
+TEST(FamilyPlan, OnlyADriveThatIsGoneIsToBeReplaced) {
+    const std::string look = "look at the controller: zolexctl show; the layout is as the policy "
+                             "says";
+    for (const char* const word : {"Rec", "TRANS", "B", "Wxyz"}) {
+        FamilyServer server;
+        server.addDrives(3);
+        LogicalDriveFacts& volume = server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000);
+        volume.reportedState = word;
+        const bool isKnown = volume.reportedState != "Wxyz";
+        volume.health = isKnown ? Health::warning : Health::unknown;
+        const std::string told =
+            warningsOf(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")));
+        const std::string state = volume.reportedState == "Rec" ? "rec" : volume.reportedState;
+        EXPECT_EQ(told, "ZP208: LD 239 is " + state + (isKnown ? "" : ", which is not known") +
+                            "\n  help: " + look + "\n");
+    }
+    FamilyServer server = hurtServer();
+    EXPECT_NE(warningsOf(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")))
+                  .find("ZP208: LD 239 is dgrd: 252:1 failed\n"
+                        "  help: replace the drive; the layout is as the policy says\n"),
+              std::string::npos);
+    // A member that the controller looks at itself.
+    server = FamilyServer();
+    server.addDrives(3);
+    server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000);
+    server.driveAt(1).health = Health::warning;
+    server.driveAt(1).barred = "the controller is diagnosing it";
+    EXPECT_NE(planLines(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")))
+                  .find("  help: look at it, and wait until the controller is done with it: a "
+                        "policy without it deletes array A\n"),
+              std::string::npos);
+}
+
 TEST(FamilyPlan, TwoHundredAndFortyDrivesInTime) {
     FamilyServer server;
     for (std::int32_t enclosure = 0; enclosure < 10; ++enclosure) {
