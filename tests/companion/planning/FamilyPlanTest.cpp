@@ -822,6 +822,43 @@ TEST(FamilyPlan, SpansAndDedicatedSparesComeBack) {
                     "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:50\n");
 }
 
+TEST(FamilyPlan, WhatIsNotWellIsToldWithItsPolicies) {
+    FamilyServer server = hurtServer();
+    static_cast<void>(server.defaults()); // joins the drives
+    const auto told = [&server] {
+        std::string text;
+        for (const Finding& finding : capturedPolicies(server.snapshot, {}).findings) {
+            text += finding.code + ": " + finding.summary + "\n";
+            for (const std::string& help : finding.help) {
+                text += "  help: " + help + "\n";
+            }
+        }
+        return text;
+    };
+    const std::string dgrd =
+        "ZC106: controller 1: logical drive 239 is Dgrd: the policy may not be "
+        "what it was when it was well\n"
+        "  help: mend it first, then capture again\n";
+    EXPECT_EQ(told(), dgrd);
+    // One of which the utility says that it is well, and a drive of it is not.
+    server.controller().facts.logicalDrives.front().health = Health::ok;
+    server.controller().facts.logicalDrives.front().reportedState = "Optl";
+    EXPECT_EQ(told(), "ZC106: controller 1: logical drive 239 is not well: the policy may not be "
+                      "what it was when it was well\n"
+                      "  help: mend it first, then capture again\n");
+    // One that lacks a drive altogether.
+    server.controller().facts.logicalDrives.front().health = Health::warning;
+    server.controller().facts.logicalDrives.front().reportedState = "Dgrd";
+    server.controller().facts.logicalDrives.front().spans = {{"252:0", "Missing", "252:2"}};
+    EXPECT_EQ(told(), dgrd + "ZC116: controller 1: a drive of an array is not listed (Missing), so "
+                             "that there is no policy for it\n"
+                             "  help: put it back or replace it, wait until it is rebuilt, and "
+                             "capture again\n"
+                             "ZC119: no policy is in the file: zolex and zolexctl check refuse it\n"
+                             "  help: mend what is told above, and capture again, or write "
+                             "policies by hand: man zolex-policies\n");
+}
+
 TEST(FamilyPlan, OnlyADriveThatIsGoneIsToBeReplaced) {
     const std::string look = "look at the controller: zolexctl show; the layout is as the policy "
                              "says";
