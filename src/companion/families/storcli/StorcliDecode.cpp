@@ -800,7 +800,8 @@ class Decoder {
             const bool isGone = state == DriveState::failed || state == DriveState::missing ||
                                 state == DriveState::unknown;
             if (!isMember && !isGone && (!told.memberOf.empty() || state == DriveState::free)) {
-                contradictions_.push_back(drive.location + " is " + name + " and " + group);
+                contradictions_.push_back(drive.location + " is ");
+                contradictions_.back().append(name).append(" and ").append(group);
                 return;
             }
             if (isMember && row->at("DG").text() == "-") {
@@ -1040,7 +1041,7 @@ class Decoder {
             volume.health = health;
         }
         const std::int32_t group = groupOf(*part.other);
-        if (group != groupOf(part)) {
+        if (group >= 0 && groupOf(part) >= 0 && group != groupOf(part)) {
             contradictions_.push_back("VD " + volume.id + " is in drive groups " +
                                       listOf({groupOf(part), group}));
         }
