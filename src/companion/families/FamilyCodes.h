@@ -20,6 +20,8 @@ inline constexpr std::string_view foreignIncomplete = "ZP138";
 inline constexpr std::string_view notDriven = "ZP139";
 /// No logical drive is made as long as the cache keeps data of one that is not there.
 inline constexpr std::string_view cachePreserved = "ZP145";
+/// Of a logical drive: two sizes that are not one.
+inline constexpr std::string_view sizeTwice = "ZP147";
 inline constexpr std::string_view utilityFails = "ZP104";
 inline constexpr std::string_view utilityRuns = "ZP103";
 inline constexpr std::string_view cannotStart = "ZP102";

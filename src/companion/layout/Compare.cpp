@@ -661,15 +661,19 @@ class LayoutComparison {
         for (std::size_t i = 0; i < captured_.groups.size(); ++i) {
             const std::string drives = unwellDrives(found_[i].drives);
             for (const LayoutVolume& volume : captured_.groups[i].volumes) {
-                const bool isUnwell =
-                    volume.health == Health::warning || volume.health == Health::critical;
+                const bool isUnknown =
+                    volume.health == Health::unknown && !volume.reportedState.empty();
+                const bool isUnwell = volume.health == Health::warning ||
+                                      volume.health == Health::critical || isUnknown;
                 if (!isUnwell && drives.empty()) {
                     continue;
                 }
-                const std::string state =
-                    volume.reportedState.empty() ? "not well" : lowered(volume.reportedState);
+                const std::string state = volume.reportedState.empty() ? "not well"
+                                          : isUnknown                  ? volume.reportedState
+                                                      : lowered(volume.reportedState);
                 result_.health.push_back(logicalDriveText(volume) +
                                          (isUnwell ? " is " + state : std::string()) +
+                                         (isUnknown ? ", which is not known" : "") +
                                          (drives.empty() ? "" : ": " + drives));
             }
         }

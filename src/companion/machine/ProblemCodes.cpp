@@ -143,8 +143,9 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "cannot be served. A command that the utility does not know, and a program that cannot be "
      "loaded, are answered so, too.",
      "run the command by hand, and look at what it prints"},
-    {family_code::notWhole, error, "a listing tells less than it counts",
-     "Nothing is planned on this controller: a drive that is not listed may hold data.",
+    {family_code::notWhole, error, "a listing tells less than it counts, or contradicts another",
+     "Nothing is planned on this controller: a drive that is not listed, or that is in an array by "
+     "one listing and free by another, may hold data.",
      "run the command by hand, and compare what it lists with what it counts"},
     {family_code::noDetails, warning, "a drive in use or a logical drive tells no details",
      "What could be lost with it is not known. It is shown, and nothing is planned on this "
@@ -181,6 +182,10 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "Its exact size and its serial number are not known. It is shown, and not planned with; all "
      "others are.",
      "look at the drive: zolexctl show"},
+    {family_code::sizeTwice, warning, "a logical drive is told with two sizes",
+     "The number of its blocks and its size in words are not the same, whatever the blocks are. The "
+     "words count, as exactly as they are.",
+     "compare them: storcli64 /c0/vall show all"},
     {family_code::notDriven, warning, "a RAID controller that zolexctl does not drive",
      "It is as it was: nothing of it is shown, planned or changed.",
      "configure it with its own utility"},
@@ -244,9 +249,10 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "Use the drive in an array, take a larger one, or say that there is none:\n"
      "  Array_Defaults = 0%:0"},
     {problem::degraded, warning, "what stands is as planned, but not well",
-     "A drive has failed or is being rebuilt. Nothing is planned, as the layout is the one that "
-     "the policy asks for.",
-     "Replace the drive that is named; the controller rebuilds by itself."},
+     "A drive has failed or is being rebuilt, or its utility calls a logical drive not well. "
+     "Nothing is planned, as the layout is the one that the policy asks for.",
+     "Replace the drive that is named as failed or missing; the controller rebuilds by itself. "
+     "Where none is, look at what it does: zolexctl show"},
     {problem::spareOfOne, warning, "a hot spare is one of a single array",
      "The family has no spare for several arrays: this one is made with the first that has none "
      "yet, and the others have to get it from whoever watches over them.",

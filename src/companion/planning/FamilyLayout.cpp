@@ -196,16 +196,14 @@ class LayoutMaker {
         if (isOffline(drive.facts.location)) {
             return offlineHelp().front() + "; " + offlineHelp().back();
         }
-        const bool isBad =
-            drive.facts.state == DriveState::failed || drive.facts.state == DriveState::missing;
-        if (!drive.array.empty() && isBad) {
-            return "replace it, and wait until it is rebuilt: a policy without it deletes array " +
-                   drive.array;
-        }
         if (!drive.array.empty() && drive.facts.state != DriveState::rebuilding) {
-            return "look at what its utility tells of it, and plan again: a policy without it "
-                   "deletes array " +
-                   drive.array;
+            const bool isGone =
+                drive.facts.state == DriveState::failed || drive.facts.state == DriveState::missing;
+            return std::string(isGone ? "replace it, and wait until it is rebuilt"
+                               : drive.facts.barred.empty()
+                                   ? "look at it, and wait until the controller is done with it"
+                                   : "look at what its utility tells of it, and plan again") +
+                   ": a policy without it deletes array " + drive.array;
         }
         const std::string makeGood = planned_.family.makeGood(planned_.detail.adapter, drive.facts);
         switch (drive.facts.state) {

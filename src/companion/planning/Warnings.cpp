@@ -189,6 +189,13 @@ void tellNumbers(const ControllerPlanning& planning, std::vector<Finding>& findi
     findings.push_back(std::move(finding));
 }
 
+/// Whether a line of health tells of a drive that is to be replaced.
+bool lacksDrive(const std::string& line) {
+    const std::size_t drives = line.find(": ");
+    return drives != std::string::npos && (line.find(" failed", drives) != std::string::npos ||
+                                           line.find(" missing", drives) != std::string::npos);
+}
+
 void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findings) {
     if (planning.disposition != Disposition::already) {
         return;
@@ -198,9 +205,11 @@ void tellHealth(const ControllerPlanning& planning, std::vector<Finding>& findin
         const bool isStopped = line.find(" is stopped") != std::string::npos;
         findings.push_back(planWarning(
             problem::degraded, line,
-            {isStopped      ? "start it: mdadm --assemble --scan"
-             : isRebuilding ? "wait until it is rebuilt; the layout is as the policy says"
-                            : "replace the drive; the layout is as the policy says"}));
+            {isStopped          ? "start it: mdadm --assemble --scan"
+             : isRebuilding     ? "wait until it is rebuilt; the layout is as the policy says"
+             : lacksDrive(line) ? "replace the drive; the layout is as the policy says"
+                                : "look at the controller: zolexctl show; the layout is as the "
+                                  "policy says"}));
     }
 }
 

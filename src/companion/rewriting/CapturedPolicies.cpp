@@ -226,7 +226,12 @@ class Captured {
         finding.code = "ZC119";
         finding.severity = chapters_.empty() ? Severity::note : Severity::warning;
         finding.summary = "no policy is in the file: zolex and zolexctl check refuse it";
-        finding.help = {"make the arrays first, or write policies by hand: man zolex-policies"};
+        const bool hasArrays = std::any_of(
+            snapshot_.details.begin(), snapshot_.details.end(),
+            [](const ControllerSnapshot& details) { return !details.facts.logicalDrives.empty(); });
+        finding.help = {std::string(hasArrays ? "mend what is told above, and capture again"
+                                              : "make the arrays first") +
+                        ", or write policies by hand: man zolex-policies"};
         return finding;
     }
 

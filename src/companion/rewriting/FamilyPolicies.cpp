@@ -48,6 +48,7 @@ class FamilyPolicyWriter {
                                         : "it has hot spares and no array: no policy can say that");
             return std::move(policy_);
         }
+        tellHealth();
         if (!isSayable()) {
             return std::move(policy_);
         }
@@ -90,9 +91,11 @@ class FamilyPolicyWriter {
             }
             for (const std::string& location : group.drives()) {
                 if (numberOf(location).empty()) {
-                    tell("ZC116", Severity::warning,
-                         location + " is of an array and is not listed, so that there is no policy "
-                                    "for it");
+                    tell(
+                        "ZC116", Severity::warning,
+                        "a drive of an array is not listed (" + location +
+                            "), so that there is no policy for it",
+                        {"put it back or replace it, wait until it is rebuilt, and capture again"});
                     return false;
                 }
             }
@@ -266,6 +269,31 @@ class FamilyPolicyWriter {
             }
         }
         return text + "\n";
+    }
+
+    void tellHealth() {
+        for (const LogicalDriveFacts& volume : details_.facts.logicalDrives) {
+            const bool isUnwell = volume.health != Health::ok && !volume.reportedState.empty();
+            if (isUnwell || isSick(volume)) {
+                tell("ZC106", Severity::warning,
+                     "logical drive " + volume.id + " is " +
+                         (isUnwell ? printable(volume.reportedState) : "not well") +
+                         ": the policy may not be what it was when it was well",
+                     {"mend it first, then capture again"});
+            }
+        }
+    }
+
+    /// Whether a drive of it has left, or is being rebuilt.
+    [[nodiscard]] bool isSick(const LogicalDriveFacts& volume) const {
+        return std::any_of(volume.spans.begin(), volume.spans.end(), [this](const auto& span) {
+            return std::any_of(span.begin(), span.end(), [this](const std::string& member) {
+                const DriveFacts* const drive = details_.facts.drive(member);
+                return drive == nullptr || drive->state == DriveState::failed ||
+                       drive->state == DriveState::missing ||
+                       drive->state == DriveState::rebuilding;
+            });
+        });
     }
 
     void tellNames() {

@@ -292,10 +292,8 @@ TEST(StorcliTraps, EveryWordOfADriveIsKnown) {
 }
 
 TEST(StorcliTraps, EveryWordOfAVolumeIsKnownAndOthersAreTold) {
-    for (const char* const word : {"Optl", "HD"}) {
-        EXPECT_EQ(storcliVolumeHealth(word), Health::ok) << word;
-    }
-    for (const char* const word : {"Dgrd", "Pdgd", "Rec", "TRANS", "B"}) {
+    EXPECT_EQ(storcliVolumeHealth("Optl"), Health::ok);
+    for (const char* const word : {"Dgrd", "Pdgd", "Rec", "TRANS", "B", "HD"}) {
         EXPECT_EQ(storcliVolumeHealth(word), Health::warning) << word;
     }
     EXPECT_EQ(storcliVolumeHealth("OfLn"), Health::critical);
@@ -397,6 +395,122 @@ TEST(StorcliTraps, AListingThatListsLessThanItCountsIsNone) {
         EXPECT_TRUE(controller.failed) << each.from;
         EXPECT_EQ(findingsOf(controller.findings), Lines({each.finding}));
     }
+}
+
+TEST(StorcliTraps, OfTwoStatesTheWorseOneCounts) {
+    // What is asked for later knows of a second drive that has left.
+    ListedController server;
+    server.editOnce(volumes,
+                    "\"DG/VD\" : \"1/238\",\n\t\t\t\t\"TYPE\" : \"RAID5\",\n\t\t\t\t"
+                    "\"State\" : \"Dgrd\"",
+                    "\"DG/VD\" : \"1/238\",\n\t\t\t\t\"TYPE\" : \"RAID5\",\n\t\t\t\t"
+                    "\"State\" : \"OfLn\"");
+    server.editOnce(drives,
+                    "\"EID:Slt\" : \"252:3\",\n\t\t\t\t\"DID\" : 11,\n\t\t\t\t"
+                    "\"State\" : \"Onln\"",
+                    "\"EID:Slt\" : \"252:3\",\n\t\t\t\t\"DID\" : 11,\n\t\t\t\t"
+                    "\"State\" : \"Failed\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.logicalDrives[1].reportedState, "OfLn");
+    EXPECT_EQ(controller.facts.logicalDrives[1].health, Health::critical);
+    EXPECT_EQ(driveOf(controller, "252:3").reportedState, "Failed");
+    EXPECT_EQ(driveOf(controller, "252:3").state, DriveState::failed);
+    EXPECT_FALSE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings), Lines());
+    // And the other way round.
+    ListedController second;
+    second.editOnce(all, "\"State\" : \"Dgrd\",\n\t\t\t\t\"Access\"",
+                    "\"State\" : \"OfLn\",\n\t\t\t\t\"Access\"");
+    EXPECT_EQ(second.controller().facts.logicalDrives[1].reportedState, "OfLn");
+    // A word that is not known is worse than a good one, and an array more than a free drive.
+    ListedController third;
+    third.edit(drives, "\"State\" : \"UGood\"", "\"State\" : \"Tmrw\"");
+    EXPECT_EQ(driveOf(third.controller(), "252:12").barred, "its state is not known: Tmrw");
+    ListedController fourth;
+    fourth.edit(drives, "\"State\" : \"UGood\"", "\"State\" : \"JBOD\"");
+    EXPECT_EQ(driveOf(fourth.controller(), "252:12").state, DriveState::jbod);
+}
+
+TEST(StorcliTraps, ListingsThatContradictEachOtherAreNone) {
+    struct Case {
+        const char* call;
+        const char* from;
+        const char* to;
+        const char* told;
+    };
+    const Case cases[] = {
+        {all,
+         "\"DG\" : 2,\n\t\t\t\t\"Arr\" : 1,\n\t\t\t\t\"Row\" : 0,\n\t\t\t\t"
+         "\"EID:Slot\" : \"252:8\"",
+         "\"DG\" : 1, \"Arr\" : 0, \"Row\" : 9, \"EID:Slot\" : \"252:8\"",
+         "252:8 is in drive groups 1 and 2"},
+        {drives, "\"Drive position\" : \"DriveGroup:2, Span:1, Row:0\"",
+         "\"Drive position\" : \"DriveGroup:0, Span:1, Row:0\"",
+         "252:8 is in drive groups 0 and 2"},
+        {all, "\"EID:Slt\" : \"252:13\"", "\"EID:Slt\" : \"252:12\"",
+         "252:12 stands twice in PD LIST"},
+        {all, "\"DID\" : 11,\n\t\t\t\t\"State\" : \"Onln\"",
+         "\"DID\" : 11,\n\t\t\t\t\"State\" : \"UGood\"", "252:3 is UGood and in drive group 1"},
+        {all, "\"DID\" : 11,\n\t\t\t\t\"State\" : \"Onln\",\n\t\t\t\t\"DG\" : 1",
+         "\"DID\" : 11, \"State\" : \"Onln\", \"DG\" : \"-\"",
+         "252:3 is in drive group 1 and in none"},
+        {drives, "\"DID\" : 20,\n\t\t\t\t\"State\" : \"UGood\",\n\t\t\t\t\"DG\" : \"-\"",
+         "\"DID\" : 20, \"State\" : \"UGood\", \"DG\" : 1", "252:12 is UGood and in drive group 1"},
+        {all, "\"DG/VD\" : \"1/238\",\n\t\t\t\t\"TYPE\" : \"RAID5\"",
+         "\"DG/VD\" : \"1/238\", \"TYPE\" : \"RAID0\"", "VD 238 is RAID0 and RAID5"},
+        {volumes, "\"DG/VD\" : \"1/238\",\n\t\t\t\t\"TYPE\" : \"RAID5\"",
+         "\"DG/VD\" : \"1/238\", \"TYPE\" : \"RAID6\"", "VD 238 is RAID5 and RAID6"},
+        {volumes, "\"DG/VD\" : \"1/238\"", "\"DG/VD\" : \"2/238\"",
+         "VD 238 is in drive groups 1 and 2"},
+    };
+    for (const Case& each : cases) {
+        ListedController server;
+        server.editOnce(each.call, each.from, each.to);
+        const FamilyController controller = server.controller();
+        EXPECT_TRUE(controller.failed) << each.told;
+        const auto found =
+            std::find_if(controller.findings.begin(), controller.findings.end(),
+                         [](const FamilyFinding& finding) {
+                             return finding.code == family_code::notWhole && !finding.help.empty();
+                         });
+        ASSERT_NE(found, controller.findings.end()) << each.told;
+        EXPECT_EQ(found->summary, "the listings contradict each other: " + std::string(each.told));
+        EXPECT_EQ(found->help,
+                  Lines({"capture again, in case it changed meanwhile: zolexctl show",
+                         "compare what the utility lists: storcli64 /c0 show all, storcli64 "
+                         "/c0/eall/sall show all, storcli64 /c0/vall show all"}));
+    }
+}
+
+/// Any free drive may be one of them.
+TEST(StorcliTraps, AForeignLayoutOnNoDriveIsPlannedBesideByNobody) {
+    ListedController server;
+    for (const char* const call : {all, drives}) {
+        server.edit(call, "\"DG\" : \"F\"", "\"DG\" : \"-\"");
+    }
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    ASSERT_EQ(findingsOf(controller.findings),
+              Lines({"ZP131 the listing is not whole: 1 foreign drive group is told, and no drive "
+                     "of it"}));
+    EXPECT_EQ(controller.findings.front().help,
+              Lines({"look at what its utility lists: storcli64 /c0/fall show all",
+                     "import it there, or clear it, if nobody needs its data"}));
+    // Without the layout there is nothing to be found.
+    server.answer("/c0/fall show J", listing("storcli-c0-fall-show-none.json"), 50);
+    EXPECT_FALSE(server.controller().failed);
+}
+
+TEST(StorcliTraps, BlocksThatAreNotTheSizeInWordsDoNotCount) {
+    ListedController server;
+    server.edit(volumes, "\"Number of Blocks\" : 1874329600", "\"Number of Blocks\" : 3748659200");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(controller.facts.logicalDrives[0].capacityBytes, 1874329600ULL * 512);
+    EXPECT_GT(controller.facts.logicalDrives[0].capacityTolerance, 0U);
+    EXPECT_FALSE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP147 VD 239 has 3748659200 blocks, which are not the 893.750 GB that it is "
+                     "said to have: the latter counts"}));
 }
 
 TEST(StorcliTraps, AGroupWhoseDrivesAreNotListedIsNone) {

@@ -513,6 +513,18 @@ TEST(Compare, HealthIsToldAndIsNoDifference) {
     EXPECT_EQ(standingOf(comparison), (Lines{"0+1 whole", "1+1 whole"}));
 }
 
+TEST(Compare, AStateThatIsNotKnownIsTold) {
+    Server server = usual();
+    const Layout wanted = server.wanted();
+    server.facts.logicalDrives[1].health = Health::unknown;
+    server.facts.logicalDrives[1].reportedState.clear();
+    EXPECT_EQ(server.against(wanted).health, Lines()); // there is no word
+    server.facts.logicalDrives[1].reportedState = "Wxyz";
+    const Comparison comparison = server.against(wanted);
+    EXPECT_EQ(comparison.result, Sameness::same);
+    EXPECT_EQ(comparison.health, Lines{"LD 1 is Wxyz, which is not known"});
+}
+
 // Spares.
 
 TEST(Compare, ADedicatedSpareCoversLessThanAGlobalOne) {

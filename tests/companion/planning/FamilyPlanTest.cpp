@@ -930,6 +930,76 @@ TEST(FamilyPlan, SpansAndDedicatedSparesComeBack) {
                     "Logical_Mode = CUSTOM\nLogical.1 = A:FILL:50\n");
 }
 
+TEST(FamilyPlan, WhatIsNotWellIsToldWithItsPolicies) {
+    FamilyServer server = hurtServer();
+    static_cast<void>(server.defaults()); // joins the drives
+    const auto told = [&server] {
+        std::string text;
+        for (const Finding& finding : capturedPolicies(server.snapshot, {}).findings) {
+            text += finding.code + ": " + finding.summary + "\n";
+            for (const std::string& help : finding.help) {
+                text += "  help: " + help + "\n";
+            }
+        }
+        return text;
+    };
+    const std::string dgrd =
+        "ZC106: controller 1: logical drive 239 is Dgrd: the policy may not be "
+        "what it was when it was well\n"
+        "  help: mend it first, then capture again\n";
+    EXPECT_EQ(told(), dgrd);
+    // One of which the utility says that it is well, and a drive of it is not.
+    server.controller().facts.logicalDrives.front().health = Health::ok;
+    server.controller().facts.logicalDrives.front().reportedState = "Optl";
+    EXPECT_EQ(told(), "ZC106: controller 1: logical drive 239 is not well: the policy may not be "
+                      "what it was when it was well\n"
+                      "  help: mend it first, then capture again\n");
+    // One that lacks a drive altogether.
+    server.controller().facts.logicalDrives.front().health = Health::warning;
+    server.controller().facts.logicalDrives.front().reportedState = "Dgrd";
+    server.controller().facts.logicalDrives.front().spans = {{"252:0", "Missing", "252:2"}};
+    EXPECT_EQ(told(), dgrd + "ZC116: controller 1: a drive of an array is not listed (Missing), so "
+                             "that there is no policy for it\n"
+                             "  help: put it back or replace it, wait until it is rebuilt, and "
+                             "capture again\n"
+                             "ZC119: no policy is in the file: zolex and zolexctl check refuse it\n"
+                             "  help: mend what is told above, and capture again, or write "
+                             "policies by hand: man zolex-policies\n");
+}
+
+TEST(FamilyPlan, OnlyADriveThatIsGoneIsToBeReplaced) {
+    const std::string look = "look at the controller: zolexctl show; the layout is as the policy "
+                             "says";
+    for (const char* const word : {"Rec", "TRANS", "B", "Wxyz"}) {
+        FamilyServer server;
+        server.addDrives(3);
+        LogicalDriveFacts& volume = server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000);
+        volume.reportedState = word;
+        const bool isKnown = volume.reportedState != "Wxyz";
+        volume.health = isKnown ? Health::warning : Health::unknown;
+        const std::string told =
+            warningsOf(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")));
+        const std::string state = volume.reportedState == "Rec" ? "rec" : volume.reportedState;
+        EXPECT_EQ(told, "ZP208: LD 239 is " + state + (isKnown ? "" : ", which is not known") +
+                            "\n  help: " + look + "\n");
+    }
+    FamilyServer server = hurtServer();
+    EXPECT_NE(warningsOf(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")))
+                  .find("ZP208: LD 239 is dgrd: 252:1 failed\n"
+                        "  help: replace the drive; the layout is as the policy says\n"),
+              std::string::npos);
+    // A member that the controller looks at itself.
+    server = FamilyServer();
+    server.addDrives(3);
+    server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000);
+    server.driveAt(1).health = Health::warning;
+    server.driveAt(1).barred = "the controller is diagnosing it";
+    EXPECT_NE(planLines(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")))
+                  .find("  help: look at it, and wait until the controller is done with it: a "
+                        "policy without it deletes array A\n"),
+              std::string::npos);
+}
+
 TEST(FamilyPlan, TwoHundredAndFortyDrivesInTime) {
     FamilyServer server;
     for (std::int32_t enclosure = 0; enclosure < 10; ++enclosure) {

@@ -138,8 +138,55 @@ std::string listOf(const std::vector<std::string>& names) {
 /// Rows of TOPOLOGY, group by group.
 struct Group {
     std::map<std::int32_t, std::map<std::int32_t, std::string>> members; ///< by span and row
+    std::string level;                                                   ///< empty: not told
     std::size_t rows = 0;
 };
+
+/// What all listings have of the place of one drive.
+struct DriveRows {
+    std::vector<const ToldValue*> rows; ///< of PD LIST, of its own and of logical drives
+    std::vector<std::string> words;     ///< of its state, where TOPOLOGY has it as a member
+    std::set<std::int32_t> memberOf;    ///< groups, by TOPOLOGY
+    std::set<std::int32_t> groups;      ///< by whatever listing
+};
+
+/// How bad a health is: of two that are told the worse one is believed.
+int gravityOf(Health health) {
+    switch (health) {
+    case Health::ok:
+        return 0;
+    case Health::warning:
+        return 1;
+    case Health::unknown:
+        return 2;
+    case Health::critical:
+        break;
+    }
+    return 3;
+}
+
+/// The same of a drive's word; of two that are well it is the one with more to lose.
+int gravityOfDrive(std::string_view word) {
+    const StorcliDriveWord* const known = storcliDriveWord(word);
+    const DriveState state = known == nullptr ? DriveState::unknown : known->state;
+    constexpr int stakes = 3;
+    const int stake = state == DriveState::free                                        ? 0
+                      : state == DriveState::member || state == DriveState::rebuilding ? 2
+                                                                                       : 1;
+    return gravityOf(known == nullptr ? Health::unknown : known->health) * stakes + stake;
+}
+
+/// "1 and 2".
+std::string listOf(const std::set<std::int32_t>& numbers) {
+    std::string text;
+    for (const std::int32_t number : numbers) {
+        text += (text.empty()                  ? ""
+                 : number == *numbers.rbegin() ? " and "
+                                               : ", ") +
+                std::to_string(number);
+    }
+    return text;
+}
 
 /// When a logical drive was made, in an order that compares; empty: not told.
 std::string stampOf(const ToldValue& properties) {
@@ -178,6 +225,7 @@ class Decoder {
         readAbilities();
         readTopology();
         readForeign();
+        gatherDrives();
         readDrives();
         readVolumes();
         judgeCoverage();
@@ -414,9 +462,18 @@ class Decoder {
             }
             Group& entry = groups_[*group];
             ++entry.rows;
+            if (!span && !line && !place && entry.level.empty()) {
+                entry.level = storcliLevel(row.at("Type").text());
+            }
             if (span && line) {
                 entry.members[*span].emplace(*line, place ? place->location()
                                                           : std::string(missingMember));
+            }
+            if (span && line && place) {
+                DriveRows& drive = told_[place->location()];
+                drive.memberOf.insert(*group);
+                drive.groups.insert(*group);
+                drive.words.push_back(word);
             }
         }
     }
@@ -426,6 +483,51 @@ class Decoder {
     }
     [[nodiscard]] std::optional<std::int32_t> expectedVolumes() const {
         return all_->at("Virtual Drives").smallNumber();
+    }
+
+    /// Looks up every row that tells of a drive, in whatever listing.
+    void gatherDrives() {
+        std::size_t rows = 0;
+        const auto add = [&](const ToldValue& row) {
+            const auto place = storcliPlace(row.at("EID:Slt").text());
+            if (!place || ++rows > mostRows * 4) {
+                return;
+            }
+            DriveRows& drive = told_[place->location()];
+            drive.rows.push_back(&row);
+            const StorcliDriveWord* const word = storcliDriveWord(row.at("State").text());
+            const bool isSpare = word != nullptr && word->hotspare != HotspareKind::none;
+            const auto group = row.at("DG").smallNumber();
+            if (group && !isSpare) {
+                drive.groups.insert(*group);
+            }
+        };
+        std::set<std::string> listed;
+        for (const ToldValue& row : all_->at("PD LIST").items()) {
+            const auto place = storcliPlace(row.at("EID:Slt").text());
+            if (place && !listed.insert(place->location()).second) {
+                contradictions_.push_back(place->location() + " stands twice in PD LIST");
+            }
+            add(row);
+        }
+        for (const Document* const document : drives_) {
+            for (const auto& [key, value] : document->data->members()) {
+                add(value); // where it is no list
+                for (const ToldValue& row : value.items()) {
+                    add(row);
+                }
+            }
+        }
+        if (volumes_ == nullptr) {
+            return;
+        }
+        for (const auto& [key, value] : volumes_->data->members()) {
+            if (key.starts_with("PDs for VD ")) {
+                for (const ToldValue& row : value.items()) {
+                    add(row);
+                }
+            }
+        }
     }
 
     /// What a drive's own listing has of it: its row, and its details.
@@ -578,7 +680,8 @@ class Decoder {
             lineOf(drive.place.listing,
                    part.details != nullptr ? pathOf(place) : std::string("\"PD LIST\""));
         readSize(row, attributes, drive);
-        readState(row, drive, unknown);
+        DriveRows& told = told_[drive.location];
+        readState(row, told, drive, unknown);
         if (state.at("S.M.A.R.T alert flagged by drive").truth().value_or(false)) {
             drive.predictedFailureCount =
                 std::max<std::uint64_t>(drive.predictedFailureCount.value_or(0), 1);
@@ -588,6 +691,7 @@ class Decoder {
         if (settings.at("Locked").truth().value_or(false)) {
             bar(drive, "locked by its encryption");
         }
+        judgePlace(settings, drive, told);
         if (part.details == nullptr) {
             const auto error = errors_.find(drive.location);
             const std::string why =
@@ -647,9 +751,69 @@ class Decoder {
         }
     }
 
-    void readState(const ToldValue& row, DriveFacts& drive,
+    /// The worst of its words.
+    static std::string stateOf(const ToldValue& row, const DriveRows& told) {
+        std::string state = row.at("State").text();
+        const auto judge = [&state](const std::string& word) {
+            if (state.empty() || gravityOfDrive(word) > gravityOfDrive(state)) {
+                state = word;
+            }
+        };
+        for (const ToldValue* const other : told.rows) {
+            if (const std::string word = other->at("State").text(); !word.empty()) {
+                judge(word);
+            }
+        }
+        for (const std::string& word : told.words) {
+            if (storcliDriveWord(word) != nullptr) {
+                judge(word);
+            }
+        }
+        return state;
+    }
+
+    /// A drive is in one group in all listings, or in none in all of them.
+    void judgePlace(const ToldValue& settings, const DriveFacts& drive, DriveRows& told) {
+        constexpr std::string_view start = "DriveGroup:";
+        const std::string position = settings.at("Drive position").text();
+        if (position.starts_with(start)) {
+            const auto group = wholeNumber(
+                text::trim(text::token(std::string_view(position).substr(start.size()), ",", 0)));
+            if (group && drive.hotspare == HotspareKind::none && !drive.isForeign) {
+                told.groups.insert(*group);
+            }
+        }
+        if (told.groups.empty()) {
+            return;
+        }
+        if (told.groups.size() > 1) {
+            contradictions_.push_back(drive.location + " is in drive groups " +
+                                      listOf(told.groups));
+            return;
+        }
+        const std::string group = "in drive group " + listOf(told.groups);
+        for (const ToldValue* const row : told.rows) {
+            const std::string name = row->at("State").text();
+            const StorcliDriveWord* const word = storcliDriveWord(name);
+            const DriveState state = word == nullptr ? DriveState::unknown : word->state;
+            const bool isMember = state == DriveState::member || state == DriveState::rebuilding;
+            const bool isGone = state == DriveState::failed || state == DriveState::missing ||
+                                state == DriveState::unknown;
+            if (!isMember && !isGone && (!told.memberOf.empty() || state == DriveState::free)) {
+                contradictions_.push_back(drive.location + " is ");
+                contradictions_.back().append(name).append(" and ").append(group);
+                return;
+            }
+            if (isMember && row->at("DG").text() == "-") {
+                contradictions_.push_back(drive.location + " is " + group + " and in none");
+                return;
+            }
+        }
+    }
+
+    void readState(const ToldValue& row, const DriveRows& told, DriveFacts& drive,
                    std::vector<std::string>& unknown) const {
-        drive.reportedState = row.at("State").text();
+        drive.reportedState = stateOf(row, told);
         const StorcliDriveWord* const word = storcliDriveWord(drive.reportedState);
         if (word == nullptr) {
             unknown.push_back(drive.location + " (" + printable(drive.reportedState) + ")");
@@ -726,6 +890,7 @@ class Decoder {
     }
 
     void readForeignRow(const ToldValue& row) {
+        ++foreignGroups_;
         ++facts_.listings[foreign_->index].blocks;
         ++facts_.listings[foreign_->index].blocksRead;
         const std::string group = row.at("DG").toldText();
@@ -752,11 +917,12 @@ class Decoder {
         const ToldValue* row = nullptr;
         std::size_t listing = 0;
         std::string stamp;
+        const ToldValue* other = nullptr; ///< its row in a second listing
     };
 
     void readVolumes() {
         std::vector<VolumePart> parts;
-        std::set<std::int32_t> listed;
+        std::map<std::int32_t, std::size_t> listed;
         const auto add = [&](const ToldValue& row, std::size_t listing) {
             const std::string told = row.at("DG/VD").text();
             const auto number = wholeNumber(text::trim(text::token(told, "/", 1)));
@@ -766,7 +932,15 @@ class Decoder {
                 return;
             }
             ++facts_.listings[listing].blocksRead;
-            if (listed.insert(*number).second && parts.size() < mostRows) {
+            if (const auto known = listed.find(*number); known != listed.end()) {
+                VolumePart& part = parts[known->second];
+                part.other = &row;
+                if (part.listing == listing) {
+                    contradictions_.push_back("VD " + std::to_string(*number) +
+                                              " stands twice in VD LIST");
+                }
+            } else if (parts.size() < mostRows) {
+                listed.emplace(*number, parts.size());
                 parts.push_back({*number, &row, listing, {}});
             }
         };
@@ -804,9 +978,9 @@ class Decoder {
                                    : volumes_->at("VD" + std::to_string(number) + " Properties");
     }
 
-    static std::int32_t groupOf(const VolumePart& part) {
-        return wholeNumber(text::trim(text::token(part.row->at("DG/VD").text(), "/", 0)))
-            .value_or(-1);
+    static std::int32_t groupOf(const VolumePart& part) { return groupOf(*part.row); }
+    static std::int32_t groupOf(const ToldValue& row) {
+        return wholeNumber(text::trim(text::token(row.at("DG/VD").text(), "/", 0))).value_or(-1);
     }
 
     /// Groups by their number, and in each the logical drives as they lie: as they were made, or as
@@ -839,6 +1013,8 @@ class Decoder {
         volume.raidType = storcliLevel(volume.reportedLevel);
         volume.reportedState = row.at("State").text();
         volume.health = storcliVolumeHealth(volume.reportedState);
+        readSecondRow(part, volume);
+        judgeLevel(part, volume);
         tellUnknownWords(volume);
         volume.stripSizeBytes = sizeOf(told.at("Strip Size"));
         volume.device = told.at("OS Drive Name").toldText();
@@ -850,6 +1026,40 @@ class Decoder {
         readCache(row, told, volume);
         if (!told.isObject()) {
             silent.push_back("VD " + volume.id);
+        }
+    }
+
+    /// The worse of two states counts.
+    void readSecondRow(const VolumePart& part, LogicalDriveFacts& volume) {
+        if (part.other == nullptr) {
+            return;
+        }
+        const std::string state = part.other->at("State").text();
+        const Health health = storcliVolumeHealth(state);
+        if (!state.empty() && gravityOf(health) > gravityOf(volume.health)) {
+            volume.reportedState = state;
+            volume.health = health;
+        }
+        const std::int32_t group = groupOf(*part.other);
+        if (group >= 0 && groupOf(part) >= 0 && group != groupOf(part)) {
+            contradictions_.push_back("VD " + volume.id + " is in drive groups " +
+                                      listOf({groupOf(part), group}));
+        }
+    }
+
+    /// All listings tell one level of a logical drive.
+    void judgeLevel(const VolumePart& part, const LogicalDriveFacts& volume) {
+        const auto group = groups_.find(groupOf(part));
+        const std::string ofGroup = group == groups_.end() ? std::string() : group->second.level;
+        const std::string ofOther = part.other == nullptr
+                                        ? std::string()
+                                        : storcliLevel(part.other->atAny({"TYPE", "Type"}).text());
+        for (const std::string& other : {ofGroup, ofOther}) {
+            if (!other.empty() && !volume.raidType.empty() && other != volume.raidType) {
+                contradictions_.push_back("VD " + volume.id + " is " + volume.raidType + " and " +
+                                          other);
+                return;
+            }
         }
     }
 
@@ -898,20 +1108,26 @@ class Decoder {
         }
     }
 
-    void readVolumeSize(const ToldValue& row, const ToldValue& told,
-                        LogicalDriveFacts& volume) const {
+    void readVolumeSize(const ToldValue& row, const ToldValue& told, LogicalDriveFacts& volume) {
         const auto text = storcliSize(row.at("Size").text(), StorcliUnits::binary);
         const auto blocks = told.at("Number of Blocks").number();
         constexpr std::uint64_t largestBlock = 4096;
         constexpr std::uint64_t most = (std::uint64_t{1} << 62U) / largestBlock;
         if (blocks && *blocks > 0 && *blocks <= most) {
             const auto fits = [&](std::uint64_t bytes) {
-                return text && bytes >= text->bytes && bytes - text->bytes <= text->tolerance;
+                return !text || (bytes + text->tolerance >= text->bytes &&
+                                 bytes <= text->bytes + text->tolerance);
             };
-            const std::uint64_t bytes = *blocks * blockBytes;
-            volume.capacityBytes =
-                !fits(bytes) && fits(*blocks * largestBlock) ? *blocks * largestBlock : bytes;
-            return;
+            for (const std::uint64_t bytes : {*blocks * blockBytes, *blocks * largestBlock}) {
+                if (fits(bytes)) {
+                    volume.capacityBytes = bytes;
+                    return;
+                }
+            }
+            find(family_code::sizeTwice, "VD " + volume.id + " has " + std::to_string(*blocks) +
+                                             " blocks, which are not the " +
+                                             printable(row.at("Size").text()) +
+                                             " that it is said to have: the latter counts");
         }
         if (text) {
             volume.capacityBytes = text->bytes;
@@ -997,6 +1213,8 @@ class Decoder {
             }
         }
         judgeMembers();
+        judgeForeign();
+        judgeContradictions();
         for (const Document* const document : {foreign_, volumes_}) {
             if (document != nullptr && !document->status->isObject()) {
                 tellNoData(*document);
@@ -1027,6 +1245,36 @@ class Decoder {
         if (!loose.empty()) {
             notWhole("no logical drive is listed of " + listOf(loose));
         }
+    }
+
+    /// Where no drive is told to be foreign, any may be that is told to be free.
+    void judgeForeign() {
+        const bool isMarked = std::any_of(facts_.drives.begin(), facts_.drives.end(),
+                                          [](const DriveFacts& drive) { return drive.isForeign; });
+        if (foreignGroups_ == 0 || isMarked) {
+            return;
+        }
+        controller_.failed = true;
+        find(family_code::notWhole,
+             "the listing is not whole: " +
+                 countOf(foreignGroups_, "foreign drive group is", "foreign drive groups are") +
+                 " told, and no drive of " + (foreignGroups_ == 1 ? "it" : "them"),
+             {},
+             {"look at what its utility lists: " + typed("/fall show all"),
+              "import it there, or clear it, if nobody needs its data"});
+    }
+
+    /// Listings that contradict each other, or themselves, are none to plan by either.
+    void judgeContradictions() {
+        if (contradictions_.empty()) {
+            return;
+        }
+        controller_.failed = true;
+        find(family_code::notWhole,
+             "the listings contradict each other: " + listOf(contradictions_), {},
+             {"capture again, in case it changed meanwhile: zolexctl show",
+              "compare what the utility lists: " + typed(" show all") + ", " +
+                  typed("/eall/sall show all") + ", " + typed("/vall show all")});
     }
 
     void notWhole(const std::string& why) {
@@ -1100,9 +1348,12 @@ class Decoder {
     const Document* foreign_ = nullptr;
     std::vector<const Document*> drives_;
     std::map<std::int32_t, Group> groups_;
+    std::map<std::string, DriveRows> told_; ///< by place
+    std::vector<std::string> contradictions_;
     std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
-    std::set<std::string> foreignPlaces_;                     ///< that the list of foreign ones has
-    std::map<std::string, std::int32_t> errors_;              ///< of drives that do not answer
+    std::size_t foreignGroups_ = 0;
+    std::set<std::string> foreignPlaces_;        ///< that the list of foreign ones has
+    std::map<std::string, std::int32_t> errors_; ///< of drives that do not answer
     std::optional<std::int32_t> mostVolumes_;
     std::map<std::size_t, Looked> looked_;
 };

@@ -55,7 +55,7 @@ constexpr auto volumeWords = std::to_array<VolumeWord>({
     {"Pdgd", Health::warning},
     {"Rec",  Health::warning},
     {"TRANS", Health::warning},
-    {"HD",   Health::ok},      // hidden
+    {"HD",   Health::warning}, // hidden
     {"B",    Health::warning}, // blocked
     {"OfLn", Health::critical},
 });
