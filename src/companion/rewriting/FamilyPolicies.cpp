@@ -284,14 +284,14 @@ class FamilyPolicyWriter {
         }
     }
 
-    /// Whether a drive of it has left, or is being rebuilt.
+    /// Whether a drive of it has left. One that is being written to is no sign: so are arrays that
+    /// were just made, and the logical drive has a word for the others.
     [[nodiscard]] bool isSick(const LogicalDriveFacts& volume) const {
         return std::any_of(volume.spans.begin(), volume.spans.end(), [this](const auto& span) {
             return std::any_of(span.begin(), span.end(), [this](const std::string& member) {
                 const DriveFacts* const drive = details_.facts.drive(member);
                 return drive == nullptr || drive->state == DriveState::failed ||
-                       drive->state == DriveState::missing ||
-                       drive->state == DriveState::rebuilding;
+                       drive->state == DriveState::missing;
             });
         });
     }

@@ -954,6 +954,9 @@ TEST(FamilyPlan, WhatIsNotWellIsToldWithItsPolicies) {
     EXPECT_EQ(told(), "ZC106: controller 1: logical drive 239 is not well: the policy may not be "
                       "what it was when it was well\n"
                       "  help: mend it first, then capture again\n");
+    // One whose last drive is being written to, as that of a new array is.
+    server.driveAt(1).state = DriveState::rebuilding;
+    EXPECT_EQ(told(), "");
     // One that lacks a drive altogether.
     server.controller().facts.logicalDrives.front().health = Health::warning;
     server.controller().facts.logicalDrives.front().reportedState = "Dgrd";
