@@ -390,6 +390,34 @@ void append(Lines& to, const Lines& from, const char* word = "") {
     }
 }
 
+/// Which numbers of logical drives that go behind the first `done` steps others have now, on other
+/// drives: somebody deleted one and made another.
+Lines takenNumbers(const ControllerPlanning& planning, std::size_t done, const Facts& facts) {
+    Lines lines;
+    const Layout found = capturedLayout(facts);
+    for (const LayoutGroup& before : planning.before.groups) {
+        for (const LayoutVolume& volume : before.volumes) {
+            const LogicalDriveFacts* const now = volumeOf(facts, volume.id);
+            const bool isKnown =
+                now != nullptr && !now->uniqueId.empty() && now->uniqueId == volume.uniqueId;
+            if (now == nullptr || isKnown || !goesWith(planning, done, volume.id)) {
+                continue;
+            }
+            for (const LayoutGroup& group : found.groups) {
+                const bool isThere =
+                    std::any_of(group.volumes.begin(), group.volumes.end(),
+                                [&volume](const auto& each) { return each.id == volume.id; });
+                if (isThere && group.drives() != before.drives()) {
+                    lines.push_back("LD " + printable(volume.id) + " is on " +
+                                    locationsLine(group.drives()) + " now, it was on " +
+                                    locationsLine(before.drives()));
+                }
+            }
+        }
+    }
+    return lines;
+}
+
 } // namespace
 
 std::vector<const ControllerPlanning*>
@@ -486,6 +514,9 @@ std::optional<NumbersFault> numbersFault(const MachinePlan& plan,
          {planAgainHelp(plan)},
          std::string(run_problem::standsElsewhere)}};
     Lines& lines = found.fault.details;
+    if (lines.empty()) {
+        lines = takenNumbers(planning, done, facts);
+    }
     const Lines arrays = arraysOtherwiseNumbered(planning, done, facts);
     if (lines.empty() && !arrays.empty()) {
         found.why = "its arrays have other numbers";

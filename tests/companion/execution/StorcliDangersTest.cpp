@@ -487,6 +487,27 @@ TEST_F(StorcliDangers, ANumberThatIsAnothersIsFoundWithinARun) {
     }
 }
 
+/// Somebody deletes one himself while the run is at work, and makes another: with its number.
+TEST_F(StorcliDangers, ANumberThatIsTakenWithinARunIsFound) {
+    afterCommand(4, [this] {
+        controller().remove(236);
+        static_cast<void>(
+            bench_.server.platform.play("STORCLI /c0 add vd r1 drives=252:12,252:13 J nolog"));
+        for (zolex_sim::storcli::Volume& volume : controller().volumes) {
+            volume.number = volume.number == 239 ? 236 : volume.number;
+        }
+        std::swap(controller().volumes.front(), controller().volumes.back());
+    });
+    const ApplyEnd end = bench_.apply();
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "step 5 of 6 was not begun: the logical drives of controller 1 have other "
+                        "numbers than the plan's commands say");
+    EXPECT_EQ(end.details.front(),
+              "LD 236 is on 252:12 252:13 now, it was on 252:6 252:7 252:8 252:9");
+    EXPECT_EQ(bench_.system.started.size(), 4U);
+    EXPECT_EQ(controller().volumes.size(), 2U);
+}
+
 /// Each delete but the first is looked before, and only once.
 TEST_F(StorcliDangers, WhatStandsIsReadBeforeWhatIsDeletedByNumber) {
     EXPECT_EQ(endLines(bench_.apply()), (Lines{"0: ", "controller 1: configured"}));
