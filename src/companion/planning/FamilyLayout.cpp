@@ -200,9 +200,8 @@ class LayoutMaker {
             const bool isGone =
                 drive.facts.state == DriveState::failed || drive.facts.state == DriveState::missing;
             return std::string(isGone ? "replace it, and wait until it is rebuilt"
-                               : drive.facts.barred.empty()
-                                   ? "look at it, and wait until the controller is done with it"
-                                   : "look at what its utility tells of it, and plan again") +
+                                      : "look at what its utility tells of it, and wait until the "
+                                        "controller is done with it") +
                    ": a policy without it deletes array " + drive.array;
         }
         const std::string makeGood = planned_.family.makeGood(planned_.detail.adapter, drive.facts);

@@ -607,8 +607,10 @@ TEST_F(MdStopped, AnArrayOfADriveThatCannotBeReadStays) {
     bench.planAgain();
     ASSERT_EQ(test::faultsOf(bench.plan),
               Lines{"ZX702 Array.A names ata-DISK_S-sda: it cannot be read"});
-    EXPECT_EQ(bench.plan.controllers.at(0).diagnostics.at(0).help.at(0),
-              "replace it, and wait until it is rebuilt: a policy without it deletes array A");
+    EXPECT_EQ(
+        bench.plan.controllers.at(0).diagnostics.at(0).help.at(0),
+        "look at what its utility tells of it, and wait until the controller is done with it: a "
+        "policy without it deletes array A");
 }
 
 TEST_F(MdStopped, NorIsOneThatIsThereAlready) {

@@ -295,7 +295,7 @@ TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNoRunIsGoneOnWith) {
         endLines(bench_.resume()),
         (Lines{"3: a logical drive that stays is offline, and nothing is changed beside it",
                "  controller 1: LD 238 (/dev/sdb) is offline (OfLn)",
-               "help: do not replace drives, and delete nothing: its data is lost with them",
+               "help: while its data is wanted, replace no drive and delete nothing: that loses it",
                "help: bring back the drives that left (cables, enclosure, power), and look at what "
                "its utility lists: zolexctl show",
                "help: zolexctl apply --resume plan.journal.jsonl goes on when it is back",
