@@ -82,6 +82,10 @@ constexpr auto runRows = std::to_array<ProblemCode>({
      "Since it was planned for, a logical drive that the plan deletes has been mounted, swapped to, "
      "or taken by LVM, an array, a pool or encryption. Nothing was changed, or nothing more.",
      "end what uses it (lsblk), and apply again; --resume JOURNAL where it has begun"},
+    {run_problem::keptOffline, error, "a logical drive that stays is offline",
+     "More of its drives have left than its level bears. They may only need their cable back, and "
+     "what is changed beside them may use them up. Nothing was changed, or nothing more.",
+     "bring back its drives, and apply again; --resume JOURNAL where it has begun"},
 });
 // clang-format on
 

@@ -49,6 +49,20 @@ TEST(Explain, ARule) {
               "    ; zolexctl: ignore ZX411\n");
 }
 
+TEST(Explain, ACodeOfARun) {
+    EXPECT_EQ(explained("ZA121").output,
+              "ZA121  a logical drive that stays is offline\n"
+              "  usually an error\n"
+              "\n"
+              "What it means for a server\n"
+              "  More of its drives have left than its level bears. They may only need their\n"
+              "  cable back, and what is changed beside them may use them up. Nothing was\n"
+              "  changed, or nothing more.\n"
+              "\n"
+              "What to do\n"
+              "  bring back its drives, and apply again; --resume JOURNAL where it has begun\n");
+}
+
 TEST(Explain, AnExitCodeOfZolex) {
     EXPECT_EQ(explained("11").output,
               "11  a configuration command could not be made, or was refused\n"
