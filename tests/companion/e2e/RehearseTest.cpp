@@ -94,6 +94,7 @@ constexpr const char* fleetTable =
     "  2\n"
     "Never used by any server that could be planned: Policy.db (site.ini:1; no\n"
     "  controller has d:6)\n"
+    "Warnings: ZP210 on 1 server; -v shows each\n"
     "More on a server: zolexctl plan site.ini --recording fleet/r1u04.zrec\n";
 
 TEST_F(RehearsedFleet, TellsEachServerAndAllOfThem) {
