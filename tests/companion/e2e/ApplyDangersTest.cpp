@@ -344,8 +344,7 @@ TEST_F(ApplyDangers, ForeignConfigurationsGoWithConsentAlone) {
     ASSERT_NE(consent, "");
     const ProgramRun refused = server.refused({"plan.json"});
     EXPECT_EQ(refused.exitCode, 3);
-    expectPieces(refused.error,
-                 {"2 foreign drives", "32:6", "32:7", "--destroy " + consent});
+    expectPieces(refused.error, {"2 foreign drives", "32:6", "32:7", "--destroy " + consent});
     const ProgramRun run = server.apply({"plan.json", "--destroy", consent});
     EXPECT_EQ(run.exitCode, 0) << run.output << run.error;
     server.expectNothingToDo("web.ini");
