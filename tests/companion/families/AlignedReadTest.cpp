@@ -15,16 +15,16 @@
 namespace zolex::companion::md {
 namespace {
 
-class AlignedReadTest : public testing::Test {
+class AlignedReadPosix : public testing::Test {
   protected:
-    AlignedReadTest() {
+    AlignedReadPosix() {
         for (std::size_t i = 0; i < size; ++i) {
             content += static_cast<char>('a' + i / 7 % 26);
         }
         file = ::mkstemp(path.data());
         EXPECT_EQ(::write(file, content.data(), content.size()), static_cast<ssize_t>(size));
     }
-    ~AlignedReadTest() override {
+    ~AlignedReadPosix() override {
         ::close(file);
         ::unlink(path.c_str());
     }
@@ -35,7 +35,7 @@ class AlignedReadTest : public testing::Test {
     int file = -1;
 };
 
-TEST_F(AlignedReadTest, GivesTheBytesThatWereAskedFor) {
+TEST_F(AlignedReadPosix, GivesTheBytesThatWereAskedFor) {
     const int direct = ::open(path.c_str(), O_RDONLY | O_DIRECT);
     for (const int each : {file, direct < 0 ? file : direct}) {
         for (const std::size_t offset : {0U, 1U, 511U, 4095U, 4096U, 9000U, 14335U, 14336U}) {
@@ -51,7 +51,7 @@ TEST_F(AlignedReadTest, GivesTheBytesThatWereAskedFor) {
     }
 }
 
-TEST_F(AlignedReadTest, TellsWhyThereIsNothing) {
+TEST_F(AlignedReadPosix, TellsWhyThereIsNothing) {
     EXPECT_FALSE(readAligned(-1, 0, 10));
     EXPECT_EQ(errno, EBADF);
 }
