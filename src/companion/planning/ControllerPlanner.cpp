@@ -317,6 +317,9 @@ void ControllerPlanner::finish(const RAIDController& record, Attempt& attempt,
     }
     planning.diagnostics.insert(planning.diagnostics.begin(), std::make_move_iterator(told.begin()),
                                 std::make_move_iterator(told.end()));
+    if (std::optional<Finding> offline = offlineArrayFault(planning)) {
+        refusals_.sort({*std::move(offline)}, planning);
+    }
     if (hasErrors(planning.diagnostics)) {
         refusePlanning(planning);
         return;

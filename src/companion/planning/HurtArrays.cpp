@@ -167,15 +167,17 @@ Finding offlineFault(const Facts& facts, const LogicalDriveFacts& volume) {
                      offlineHelp());
 }
 
-} // namespace
-
-std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts& facts,
-                                         const Comparison& comparison) {
-    const IdleVolumes idle = idleVolumes(utility, facts, comparison);
-    const auto isMeant = [&idle](const LogicalDriveFacts& each) {
+/// Of the first that is offline and not lost.
+std::optional<Finding> faultOfFirst(const Facts& facts, const IdleVolumes& idle,
+                                    const std::vector<Loss>& losses) {
+    const auto isMeant = [&](const LogicalDriveFacts& each) {
+        const auto isIt = [&each](const Difference& one) { return one.logicalDrive == each.id; };
+        const auto isLost = [&each](const Loss& loss) {
+            return loss.kind == "logical_drive" && loss.id == each.id;
+        };
         return each.health == Health::critical &&
-               std::any_of(idle.differences.begin(), idle.differences.end(),
-                           [&each](const Difference& one) { return one.logicalDrive == each.id; });
+               std::any_of(idle.differences.begin(), idle.differences.end(), isIt) &&
+               std::none_of(losses.begin(), losses.end(), isLost);
     };
     const auto volume =
         std::find_if(facts.logicalDrives.begin(), facts.logicalDrives.end(), isMeant);
@@ -183,12 +185,21 @@ std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts
                                                : std::optional(offlineFault(facts, *volume));
 }
 
+} // namespace
+
+std::optional<Finding> offlineArrayFault(const std::string& utility, const Facts& facts,
+                                         const Comparison& comparison) {
+    return faultOfFirst(facts, idleVolumes(utility, facts, comparison), {});
+}
+
+std::optional<Finding> offlineArrayFault(const ControllerPlanning& planning) {
+    const Facts& facts = planning.controller.facts;
+    return faultOfFirst(facts, idleVolumes(planning.controller.utility, facts, planning.comparison),
+                        planning.losses);
+}
+
 std::optional<Finding> offlineArrayFault(const Facts& facts) {
-    const auto volume =
-        std::find_if(facts.logicalDrives.begin(), facts.logicalDrives.end(),
-                     [](const auto& each) { return each.health == Health::critical; });
-    return volume == facts.logicalDrives.end() ? std::nullopt
-                                               : std::optional(offlineFault(facts, *volume));
+    return faultOfFirst(facts, idleVolumes({}, facts), {});
 }
 
 std::vector<Finding> hurtArrayWarnings(const ControllerPlanning& planning) {

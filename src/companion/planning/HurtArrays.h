@@ -22,6 +22,8 @@ namespace zolex::companion {
 [[nodiscard]] std::optional<Finding>
 offlineArrayFault(const std::string& utility, const Facts& facts, const Comparison& comparison);
 
+/// The same of one that none of the steps deletes.
+[[nodiscard]] std::optional<Finding> offlineArrayFault(const ControllerPlanning& planning);
 /// The same of any, where it cannot be told what is wanted.
 [[nodiscard]] std::optional<Finding> offlineArrayFault(const Facts& facts);
 
