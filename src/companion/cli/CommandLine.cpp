@@ -618,7 +618,7 @@ void readRehearse(const Arguments& arguments, Request& request) {
 }
 
 /// "STORCLI" of "t:STORCLI".
-std::string withoutSpecifier(std::string text) {
+std::string withoutSpecifier(const std::string& text) {
     const bool hasOne = text.starts_with("t:") || text.starts_with("T:");
     return hasOne ? text.substr(2) : text;
 }

@@ -285,14 +285,12 @@ class Placer {
             tell_(index, "physical_disks", "ZX955",
                   "these are the drives of " + other + ", and not both say share_physical_disks",
                   {"name other drives, or add \"share_physical_disks\": true to both"});
-        } else if (makesSeveral()) {
-            array.disks.push_back(index);
-        } else if (!target_.kind) {
+        } else if (!makesSeveral() && !target_.kind) {
             tell_(index, "share_physical_disks", "ZX955",
                   "whether the controller makes a second logical drive on these drives is not "
                   "known without its model",
                   {"name the model: --model LSI-MegaRAID-8480"});
-        } else if (models_.furtherDrives(*target_.kind) != FurtherDrives::made) {
+        } else if (!makesSeveral() && models_.furtherDrives(*target_.kind) != FurtherDrives::made) {
             tell_(index, "share_physical_disks", "ZX955",
                   utilityOf(target_.kind->type) + " takes one logical drive on these drives, and " +
                       other + " is it",

@@ -559,6 +559,7 @@ class LayoutMaker {
             return;
         }
         std::vector<std::string> words;
+        words.reserve(kinds.size());
         for (const std::string& kind : kinds) {
             words.push_back(kind + unit);
         }

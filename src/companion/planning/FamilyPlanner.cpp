@@ -6,6 +6,7 @@
 #include "companion/planning/Beginning.h"
 #include "companion/planning/FamilyLayout.h"
 #include "companion/planning/FamilySteps.h"
+#include "companion/planning/HealthyView.h"
 #include "companion/planning/HurtArrays.h"
 #include "companion/planning/Matching.h"
 #include "companion/planning/PlanFaults.h"

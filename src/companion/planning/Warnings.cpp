@@ -146,7 +146,7 @@ bool asksForCount(const ControllerPlanning& planning) {
 /// drives are counted; empty where slots do not name them.
 std::string slotsHelp(const ControllerPlanning& planning) {
     constexpr std::size_t mostNamed = 8;
-    const std::string help = ", or name the drives by their slots";
+    std::string help = ", or name the drives by their slots";
     const auto isCounted = [](const PlannedDrive& drive) { return isNumber(drive.reason); };
     const auto found = std::find_if(
         planning.arrays.begin(), planning.arrays.end(), [&](const PlannedArray& array) {

@@ -211,6 +211,7 @@ class FamilyPolicyWriter {
                 continue;
             }
             std::vector<std::string> numbers;
+            numbers.reserve(drives.size());
             for (const std::string& location : drives) {
                 numbers.push_back(numberOf(location));
             }
@@ -263,9 +264,10 @@ class FamilyPolicyWriter {
                 const std::string cache = volume.writeCache.empty()             ? ""
                                           : volume.writeCache == "WriteThrough" ? ":OFF"
                                                                                 : ":ON";
-                text +=
-                    policyEntry(keyword::logical + std::to_string(++number),
-                                letterOf(i) + ":" + size + ":" + volume.raidType.substr(4) + cache);
+                std::string value = letterOf(i);
+                value.append(":").append(size).append(":");
+                value.append(volume.raidType.substr(4)).append(cache);
+                text += policyEntry(keyword::logical + std::to_string(++number), value);
             }
         }
         return text + "\n";

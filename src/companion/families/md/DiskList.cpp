@@ -194,7 +194,8 @@ class Lister {
         const auto links = [this, &byName](const char* folder, const auto& take) {
             const std::string path = device(folder);
             for (const std::string& entry : files_.entries(path)) {
-                const std::string resolved = files_.resolved(path + "/" + entry);
+                std::string link = path;
+                const std::string resolved = files_.resolved(link.append("/").append(entry));
                 const auto disk = byName.find(baseName(resolved));
                 if (disk != byName.end() && isPlainName(entry)) {
                     take(*disk->second, entry);
@@ -242,12 +243,14 @@ class Lister {
             const auto disk =
                 std::find_if(disks.begin(), disks.end(),
                              [&name](const ListedDisk& one) { return one.name == name; });
-            const std::string state = attribute(folder + "/" + entry + "/state");
+            std::string about = folder;
+            about.append("/").append(entry);
+            std::string file = about;
+            const std::string state = attribute(file.append("/state"));
             if (disk != disks.end()) {
                 disk->array = node;
                 disk->arrayState = state;
-                disk->arraySlot =
-                    numberIn<std::uint32_t>(attribute(folder + "/" + entry + "/slot"));
+                disk->arraySlot = numberIn<std::uint32_t>(attribute(about.append("/slot")));
             } else if (isFaulty(state)) {
                 continue; // it has failed and was pulled
             }

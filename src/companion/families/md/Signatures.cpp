@@ -112,7 +112,7 @@ bool hasSwap(const Reader& drive) {
 
 /// A label of zfs has its uberblocks in its second half, each 1 KiB or more.
 bool hasZfs(const Reader& drive) {
-    constexpr std::uint64_t label = 256 * 1024;
+    constexpr std::uint64_t label = std::uint64_t{256} * 1024;
     constexpr std::uint64_t half = label / 2;
     const std::uint64_t end = drive.size() / label * label;
     for (const std::uint64_t begin :

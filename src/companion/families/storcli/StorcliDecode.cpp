@@ -897,13 +897,14 @@ class Decoder {
         const std::string level = row.at("Type").toldText();
         const std::string size = row.at("Size").toldText();
         const auto volumes = row.at("NoVDs").smallNumber();
-        std::string line = group.empty() ? std::string() : "DG " + group;
+        const std::string begin = group.empty() ? std::string() : "DG " + group;
+        std::string line = begin;
         for (const std::string& part : {level, size,
                                         volumes ? countOf(static_cast<std::size_t>(*volumes),
                                                           "logical drive", "logical drives")
                                                 : std::string()}) {
             if (!part.empty()) {
-                line += (line.empty() ? "" : line == "DG " + group ? ": " : ", ") + part;
+                line.append(line.empty() ? "" : line == begin ? ": " : ", ").append(part);
             }
         }
         if (!line.empty()) {
