@@ -106,14 +106,7 @@ std::optional<RunFault> guard(PlanRun& run, Snapshot& snapshot, std::vector<std:
         fault = stateFault(snapshot, run.plan, run.terms.controllers, warnings);
     }
     if (!fault) {
-        fault = run.offlineFault(snapshot);
-    }
-    if (!fault) {
-        run.askOfLost(snapshot);
-        fault = inUseFault(snapshot, run.plan, run.terms.controllers);
-    }
-    if (!fault) {
-        fault = run.cacheFault(snapshot);
+        fault = run.standingFault(snapshot);
     }
     for (const std::string& warning : warnings) {
         if (std::find(told.begin(), told.end(), warning) == told.end()) {

@@ -245,6 +245,17 @@ std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
     return std::nullopt;
 }
 
+std::optional<RunFault> PlanRun::standingFault(Snapshot& snapshot) const {
+    if (std::optional<RunFault> fault = offlineFault(snapshot)) {
+        return fault;
+    }
+    askOfLost(snapshot);
+    if (std::optional<RunFault> fault = inUseFault(snapshot, plan, terms.controllers)) {
+        return fault;
+    }
+    return cacheFault(snapshot);
+}
+
 bool PlanRun::writeAgreed() {
     return !agreed_ || write(*agreed_);
 }

@@ -63,12 +63,10 @@ class PlanRun {
     /// Ends where there is nothing to do; what stands must serve all the same.
     ApplyEnd already(const Snapshot& snapshot);
 
-    /// Asks what the system uses those for that are to be deleted, more than a capture does.
-    void askOfLost(Snapshot& snapshot) const;
-    /// What stays and is offline, where something remains to be done.
-    [[nodiscard]] std::optional<RunFault> offlineFault(const Snapshot& snapshot) const;
-    /// What the cache of a controller keeps from being made, of what remains.
-    [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
+    /// What stands and keeps what remains from being done: what stays and is offline, what the
+    /// system uses of that which is to be deleted, which the snapshot has then, and what the cache
+    /// of a controller keeps from being made.
+    [[nodiscard]] std::optional<RunFault> standingFault(Snapshot& snapshot) const;
     /// Asks where something is lost, or nothing tells the machine; notes it for the journal.
     std::optional<RunFault> agree();
     /// Whether somebody was waited for who agreed: what was captured before is old.
@@ -103,6 +101,10 @@ class PlanRun {
     bool guarded(const Act& act);
 
     void runController(ControllerProgress& progress, bool isLast);
+    /// Asks what the system uses those for that are to be deleted, more than a capture does.
+    void askOfLost(Snapshot& snapshot) const;
+    [[nodiscard]] std::optional<RunFault> offlineFault(const Snapshot& snapshot) const;
+    [[nodiscard]] std::optional<RunFault> cacheFault(const Snapshot& snapshot) const;
     bool mayGoOn(ControllerProgress& progress);
     [[nodiscard]] bool isAskedOf(const ControllerPlanning& planning) const;
     [[nodiscard]] const std::function<void(Facts&)>& asker() const;

@@ -194,15 +194,7 @@ class Resumption {
                 drivesFault(snapshot_, run_.plan, run_.terms.controllers)) {
             return fault;
         }
-        if (std::optional<RunFault> fault = run_.offlineFault(snapshot_)) {
-            return fault;
-        }
-        run_.askOfLost(snapshot_);
-        if (std::optional<RunFault> fault =
-                inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
-            return fault;
-        }
-        return run_.cacheFault(snapshot_);
+        return run_.standingFault(snapshot_);
     }
 
     /// What was judged is no longer there when somebody had to be waited for.
@@ -225,15 +217,7 @@ class Resumption {
                             {run_.resumeHelp("looks again and goes on")},
                             std::string(run_problem::machineChanged)};
         }
-        if (std::optional<RunFault> fault = run_.offlineFault(snapshot_)) {
-            return fault;
-        }
-        run_.askOfLost(snapshot_);
-        if (std::optional<RunFault> fault =
-                inUseFault(snapshot_, run_.plan, run_.terms.controllers)) {
-            return fault;
-        }
-        return run_.cacheFault(snapshot_);
+        return run_.standingFault(snapshot_);
     }
 
     [[nodiscard]] std::optional<RunFault> historyFault() const {

@@ -229,8 +229,7 @@ void ControllerPlanner::takeAsItStands(Attempt& attempt, ControllerPlanning& pla
     planning.disposition = Disposition::already;
     planning.because = whyItStands(planning.comparison);
     planning.strategy = Strategy::none;
-    if (std::optional<Finding> offline = offlineArrayFault(
-            planning.controller.utility, planning.controller.facts, planning.comparison)) {
+    if (std::optional<Finding> offline = offlineArrayFault(planning)) {
         planning.because.clear();
         refusals_.sort({*std::move(offline)}, planning);
         refusePlanning(planning);

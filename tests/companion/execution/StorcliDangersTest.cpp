@@ -72,6 +72,17 @@ class StorcliDangers : public testing::Test {
         };
     }
 
+    void killBeforeConsentIsWritten() {
+        bench_.system.onMoment = [this](const std::string& moment) {
+            if (moment == "write agreed") {
+                bench_.system.kill();
+            }
+        };
+        EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
+        bench_.system.onMoment = nullptr;
+        bench_.system.restart();
+    }
+
     /// Interrupts the run behind so many commands.
     void interruptBehind(std::size_t commands) {
         afterCommand(commands, [this] { bench_.system.isInterrupted = true; });
@@ -311,14 +322,7 @@ TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNoRunIsGoneOnWith) {
 
 /// Nor is one that was killed before its first command.
 TEST_F(StorcliDangers, BesideAnArrayThatIsOfflineNothingIsBegun) {
-    bench_.system.onMoment = [this](const std::string& moment) {
-        if (moment == "write agreed") {
-            bench_.system.kill();
-        }
-    };
-    EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
-    bench_.system.onMoment = nullptr;
-    bench_.system.restart();
+    killBeforeConsentIsWritten();
     drive(2).state = DriveState::failed;
     drive(3).state = DriveState::failed;
     const ApplyEnd end = bench_.resume();
@@ -367,14 +371,7 @@ TEST_F(StorcliDangers, WhatHappensWhileItIsAskedIsFound) {
 
 /// The same where a run was killed before its consent stood in the journal.
 TEST_F(StorcliDangers, WhatHappensWhileItIsAskedOnceMoreIsFound) {
-    bench_.system.onMoment = [this](const std::string& moment) {
-        if (moment == "write agreed") {
-            bench_.system.kill();
-        }
-    };
-    EXPECT_THROW(static_cast<void>(bench_.apply()), test::Killed);
-    bench_.system.onMoment = nullptr;
-    bench_.system.restart();
+    killBeforeConsentIsWritten();
     bench_.listener.answer = {true, "typed-serial", "", {}, true};
     bench_.listener.whenAsked = [this] { makeAnew(); };
     const ApplyEnd end = bench_.resume();
