@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace zolex::companion::md {
 
@@ -186,7 +187,15 @@ Superblock superblockAt(const Reader& drive, std::uint64_t place, const char* ve
     return found;
 }
 
+/// Looks at whole words: of each drive some megabytes are looked at.
 bool isAllZero(std::string_view bytes) {
+    std::uint64_t word = 0;
+    for (; bytes.size() >= sizeof(word); bytes.remove_prefix(sizeof(word))) {
+        std::memcpy(&word, bytes.data(), sizeof(word));
+        if (word != 0) {
+            return false;
+        }
+    }
     return bytes.find_first_not_of('\0') == std::string_view::npos;
 }
 
