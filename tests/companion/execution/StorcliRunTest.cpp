@@ -196,6 +196,8 @@ TEST_P(StorcliApply, SuccessWithNothingDoneIsNotBelieved) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, StorcliApply, testing::ValuesIn(test::storcliRuns()), nameOfRun);
+INSTANTIATE_TEST_SUITE_P(Layouts, StorcliApply, testing::ValuesIn(test::runsOfLayouts()),
+                         nameOfRun);
 
 } // namespace
 } // namespace zolex::companion

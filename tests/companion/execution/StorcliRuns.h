@@ -1,5 +1,10 @@
 #pragma once
 
+#include "companion/support/StorcliLayouts.h"
+#include "companion/support/StorcliServer.h"
+
+#include <array>
+#include <cctype>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -88,6 +93,36 @@ inline std::vector<StorcliRun> storcliRuns() {
                                   "Logical.1 = A:FILL:5:OFF\nLogical.2 = B:4096:10:ON\n"
                                   "Logical.3 = B:FILL:10\nRebuildRate = HIGH\n")},
     };
+}
+
+/// "raid 0 of three, strip": Raid0OfThreeStrip, as tests are called.
+inline std::string testName(std::string_view words) {
+    std::string name;
+    bool begins = true;
+    for (const char c : words) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (std::isalnum(byte) != 0) {
+            name += static_cast<char>(begins ? std::toupper(byte) : byte);
+        }
+        begins = std::isalnum(byte) == 0;
+    }
+    return name;
+}
+
+/// A run that makes each layout, in turn in each branding and version.
+inline std::vector<StorcliRun> runsOfLayouts() {
+    constexpr std::array brandings = {"lsi", "perc", "hpe"};
+    constexpr std::array versions = {"1.x", "007.1017", "007.3703"};
+    std::vector<StorcliRun> runs;
+    for (const LayoutCase& layout : layouts()) {
+        const std::size_t turn = runs.size();
+        const std::string kind = std::string(R"(, "branding": ")") + brandings[turn % 3] +
+                                 R"(", "version": ")" + versions[turn / 3 % 3] + "\"";
+        runs.push_back({testName(layout.name),
+                        StorcliServer::definition(kind + layout.fields, layout.drives),
+                        layout.policies});
+    }
+    return runs;
 }
 
 } // namespace zolex::companion::test
