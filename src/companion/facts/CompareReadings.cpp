@@ -263,17 +263,11 @@ class Comparison {
 
     /// Whether its level and each of its members are known, and zolex has a place for them.
     [[nodiscard]] bool isWholeForCore(const LogicalDriveFacts& each) const {
-        std::size_t members = 0;
-        for (const std::vector<std::string>& span : each.spans) {
-            for (const std::string& member : span) {
-                const std::optional<DrivePosition> position = positionNamed(member);
-                if (!isCounted(position)) {
-                    return false;
-                }
-                ++members;
-            }
-        }
-        return members > 0 && !each.raidType.empty();
+        const std::vector<std::string> members = each.drives();
+        return !members.empty() && !each.raidType.empty() &&
+               std::all_of(members.begin(), members.end(), [this](const std::string& member) {
+                   return isCounted(positionNamed(member));
+               });
     }
 
     [[nodiscard]] std::optional<DrivePosition> positionNamed(const std::string& location) const {
@@ -304,13 +298,11 @@ class Comparison {
                         const LogicalDrive& other, const RAIDConfiguration& layoutOfCore) {
         std::vector<std::pair<std::int32_t, std::int32_t>> ours;
         bool isWhole = true;
-        for (const std::vector<std::string>& span : each.spans) {
-            for (const std::string& member : span) {
-                const std::optional<DrivePosition> position = positionNamed(member);
-                isWhole = isWhole && isCounted(position);
-                if (isCounted(position)) {
-                    ours.emplace_back(position->channel, position->id);
-                }
+        for (const std::string& member : each.drives()) {
+            const std::optional<DrivePosition> position = positionNamed(member);
+            isWhole = isWhole && isCounted(position);
+            if (isCounted(position)) {
+                ours.emplace_back(position->channel, position->id);
             }
         }
         std::vector<std::pair<std::int32_t, std::int32_t>> theirs;

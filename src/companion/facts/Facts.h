@@ -117,6 +117,10 @@ struct LogicalDriveFacts {
     std::string usedAs;
     Health health = Health::unknown;
     ListingPlace place;
+
+    /// Of all its spans, one behind another.
+    [[nodiscard]] std::vector<std::string> drives() const;
+    [[nodiscard]] bool isOn(std::string_view location) const;
     friend bool operator==(const LogicalDriveFacts&, const LogicalDriveFacts&) = default;
 };
 

@@ -35,6 +35,20 @@ constexpr std::array<UtilityRow, 12> utilities = {{
 
 } // namespace
 
+std::vector<std::string> LogicalDriveFacts::drives() const {
+    std::vector<std::string> all;
+    for (const std::vector<std::string>& span : spans) {
+        all.insert(all.end(), span.begin(), span.end());
+    }
+    return all;
+}
+
+bool LogicalDriveFacts::isOn(std::string_view location) const {
+    return std::any_of(spans.begin(), spans.end(), [&](const std::vector<std::string>& span) {
+        return std::find(span.begin(), span.end(), location) != span.end();
+    });
+}
+
 const DriveFacts* Facts::drive(std::string_view location) const {
     const auto found = std::find_if(drives.begin(), drives.end(), [&](const DriveFacts& drive) {
         return drive.location == location;

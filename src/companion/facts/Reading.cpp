@@ -561,10 +561,7 @@ void Reading::nameArrays() {
             draft.facts.array = std::to_string(*groupOf(draft));
             continue;
         }
-        std::vector<std::string> members;
-        for (const std::vector<std::string>& span : draft.facts.spans) {
-            members.insert(members.end(), span.begin(), span.end());
-        }
+        std::vector<std::string> members = draft.facts.drives();
         std::sort(members.begin(), members.end());
         const auto [entry, isNew] = arrayOf.emplace(std::move(members), count);
         count += isNew ? 1 : 0;

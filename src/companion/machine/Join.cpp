@@ -180,12 +180,9 @@ std::vector<MachineArray> joinArrays(const Facts& facts) {
         }
         MachineArray& array = arrays[entry->second];
         array.logicalDrives.push_back(i);
-        for (const std::vector<std::string>& span : logical.spans) {
-            for (const std::string& drive : span) {
-                if (std::find(array.drives.begin(), array.drives.end(), drive) ==
-                    array.drives.end()) {
-                    array.drives.push_back(drive);
-                }
+        for (const std::string& drive : logical.drives()) {
+            if (std::find(array.drives.begin(), array.drives.end(), drive) == array.drives.end()) {
+                array.drives.push_back(drive);
             }
         }
     }

@@ -138,17 +138,10 @@ class LayoutMaker {
     [[nodiscard]] bool isMemberMissing() const {
         const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
         return std::any_of(all.begin(), all.end(), [this](const LogicalDriveFacts& volume) {
-            return std::any_of(volume.spans.begin(), volume.spans.end(), [this](const auto& span) {
-                return std::any_of(span.begin(), span.end(), [this](const std::string& member) {
-                    return planned_.detail.facts.drive(member) == nullptr;
-                });
+            const std::vector<std::string> drives = volume.drives();
+            return std::any_of(drives.begin(), drives.end(), [this](const std::string& member) {
+                return planned_.detail.facts.drive(member) == nullptr;
             });
-        });
-    }
-
-    static bool isOn(const LogicalDriveFacts& volume, const std::string& location) {
-        return std::any_of(volume.spans.begin(), volume.spans.end(), [&](const auto& span) {
-            return std::find(span.begin(), span.end(), location) != span.end();
         });
     }
 
@@ -156,7 +149,7 @@ class LayoutMaker {
     [[nodiscard]] bool isOffline(const std::string& location) const {
         const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
         return std::any_of(all.begin(), all.end(), [&location](const LogicalDriveFacts& each) {
-            return each.health == Health::critical && (location.empty() || isOn(each, location));
+            return each.health == Health::critical && (location.empty() || each.isOn(location));
         });
     }
 
@@ -166,15 +159,11 @@ class LayoutMaker {
                                                            const MachineDrive& bad) const {
         const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
         const auto found = std::find_if(all.begin(), all.end(), [&](const LogicalDriveFacts& each) {
-            std::size_t count = 0;
-            for (const std::vector<std::string>& span : each.spans) {
-                count += span.size();
-            }
-            return each.health == Health::ok && count == list.drives.size() &&
-                   !isOn(each, bad.facts.location) &&
+            return each.health == Health::ok && each.drives().size() == list.drives.size() &&
+                   !each.isOn(bad.facts.location) &&
                    std::any_of(list.drives.begin(), list.drives.end(), [&](const DriveView& view) {
                        const MachineDrive* const drive = drives_.find(view);
-                       return drive != nullptr && isOn(each, drive->facts.location);
+                       return drive != nullptr && each.isOn(drive->facts.location);
                    });
         });
         return found == all.end() ? nullptr : &*found;
@@ -183,11 +172,7 @@ class LayoutMaker {
     [[nodiscard]] std::string driveHelp(const DriveListView& list,
                                         const MachineDrive& drive) const {
         if (const LogicalDriveFacts* const well = standsElsewhere(list, drive)) {
-            std::vector<std::string> drives;
-            for (const std::vector<std::string>& span : well->spans) {
-                drives.insert(drives.end(), span.begin(), span.end());
-            }
-            return "LD " + well->id + " is well without it, on " + joinWords(drives) +
+            return "LD " + well->id + " is well without it, on " + joinWords(well->drives()) +
                    ": name these in its place, for another list deletes it";
         }
         return driveHelp(drive);

@@ -108,13 +108,8 @@ std::string volumesOf(const ControllerPlanning& planning, const PlannedArray& ar
     std::vector<std::string> words;
     for (const LogicalDriveFacts& volume : planning.controller.facts.logicalDrives) {
         const bool isOfArray =
-            std::any_of(volume.spans.begin(), volume.spans.end(), [&array](const auto& span) {
-                return std::any_of(span.begin(), span.end(), [&array](const std::string& member) {
-                    return std::any_of(
-                        array.drives.begin(), array.drives.end(),
-                        [&member](const auto& drive) { return drive.location == member; });
-                });
-            });
+            std::any_of(array.drives.begin(), array.drives.end(),
+                        [&volume](const auto& drive) { return volume.isOn(drive.location); });
         if (isOfArray) {
             words.push_back("LD " + volume.id + ", " + volume.reportedState);
         }
@@ -151,12 +146,10 @@ namespace {
 
 Finding offlineFault(const Facts& facts, const LogicalDriveFacts& volume) {
     std::vector<std::string> hurt;
-    for (const std::vector<std::string>& span : volume.spans) {
-        for (const std::string& member : span) {
-            const DriveFacts* const drive = facts.drive(member);
-            if (drive == nullptr || isHurt(*drive)) {
-                hurt.push_back(member);
-            }
+    for (const std::string& member : volume.drives()) {
+        const DriveFacts* const drive = facts.drive(member);
+        if (drive == nullptr || isHurt(*drive)) {
+            hurt.push_back(member);
         }
     }
     return planFault("ZX702",

@@ -376,10 +376,7 @@ class CopyBuilder {
 
     /// The array of its drives, which is made when there is none yet.
     std::size_t arrayOf(const LogicalDriveFacts& facts, zolex_sim::RaidLevel level) {
-        std::vector<std::string> drives;
-        for (const std::vector<std::string>& span : facts.spans) {
-            drives.insert(drives.end(), span.begin(), span.end());
-        }
+        const std::vector<std::string> drives = facts.drives();
         if (drives.empty()) {
             throw NoCopy("LD " + facts.id + " has no drives");
         }
@@ -445,11 +442,9 @@ class CopyBuilder {
 
     [[nodiscard]] std::int64_t sizeOfOthers(const LogicalDriveFacts& facts) const {
         std::int64_t size = 1;
-        for (const std::vector<std::string>& span : facts.spans) {
-            for (const std::string& location : span) {
-                if (const auto at = placeOf_.find(location); at != placeOf_.end()) {
-                    size = std::max(size, copy_.driveAt(at->second)->sizeMb);
-                }
+        for (const std::string& location : facts.drives()) {
+            if (const auto at = placeOf_.find(location); at != placeOf_.end()) {
+                size = std::max(size, copy_.driveAt(at->second)->sizeMb);
             }
         }
         return size;

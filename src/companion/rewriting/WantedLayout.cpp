@@ -66,14 +66,12 @@ const MachineDrive* driveAt(const ControllerSnapshot& details, const std::string
 std::vector<DrivePosition> membersByFacts(const ControllerSnapshot& details,
                                           const LogicalDriveFacts& facts) {
     std::vector<DrivePosition> members;
-    for (const std::vector<std::string>& span : facts.spans) {
-        for (const std::string& location : span) {
-            const MachineDrive* const drive = driveAt(details, location);
-            if (drive == nullptr || !drive->policyPosition) {
-                return {};
-            }
-            members.push_back(*drive->policyPosition);
+    for (const std::string& location : facts.drives()) {
+        const MachineDrive* const drive = driveAt(details, location);
+        if (drive == nullptr || !drive->policyPosition) {
+            return {};
         }
+        members.push_back(*drive->policyPosition);
     }
     return members;
 }

@@ -200,14 +200,8 @@ class MdFamily : public Family {
         if (!whyNotDeleted(volume).empty()) {
             return {};
         }
-        std::vector<std::string> drives;
-        for (const std::vector<std::string>& span : volume.spans) {
-            for (const std::string& drive : span) {
-                if (drive != "Missing") {
-                    drives.push_back(drive);
-                }
-            }
-        }
+        std::vector<std::string> drives = volume.drives();
+        std::erase(drives, "Missing");
         return deleteLine(volume.id, volume.uniqueId, drives);
     }
 

@@ -1228,9 +1228,8 @@ class Decoder {
     void judgeMembers() {
         std::set<std::string> told;
         for (const LogicalDriveFacts& volume : facts_.logicalDrives) {
-            for (const std::vector<std::string>& span : volume.spans) {
-                told.insert(span.begin(), span.end());
-            }
+            const std::vector<std::string> drives = volume.drives();
+            told.insert(drives.begin(), drives.end());
         }
         std::vector<std::string> loose;
         for (DriveFacts& drive : facts_.drives) {
