@@ -3,6 +3,7 @@
 #include "companion/families/Family.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/machine/ReadOnlyPlatform.h"
+#include "companion/text/TypedWord.h"
 #include "model/RAIDController.h"
 
 #include <algorithm>
@@ -156,6 +157,13 @@ void tellUndriven(const Snapshot& snapshot, const Utilities& utilities,
         Finding finding = problemFinding(problem::notDriven, undrivenText(function));
         finding.severity = function.isSure ? Severity::warning : Severity::note;
         finding.help = {undrivenHelp(function)};
+        if (const auto others = utilities.others.find(function.family);
+            others != utilities.others.end() && !utilities.named.contains(function.family)) {
+            for (const std::string& program : others->second) {
+                finding.help.push_back("ask another one that is there: zolexctl --utility " +
+                                       typedWord(function.family + "=" + program) + " show");
+            }
+        }
         findings.push_back({"PCI " + function.pci, std::move(finding)});
     }
     for (const UtilityNames& names : undrivenUtilityNames()) {

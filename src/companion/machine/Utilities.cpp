@@ -76,13 +76,17 @@ std::string find(const ProgramFolders& folders, std::string_view name) {
     return {};
 }
 
-/// Enters the first program of a utility that is found.
+/// Enters the first program of a utility that is found, and the others of its names.
 void findProgram(const ProgramFolders& folders, const UtilityNames& names, Utilities& utilities) {
     for (const std::string_view program : names.programs) {
         std::string path = find(folders, std::string(program) + (folders.isWindows ? ".exe" : ""));
-        if (!path.empty()) {
+        if (path.empty()) {
+            continue;
+        }
+        if (utilities.programs.contains(names.utility)) {
+            utilities.others[std::string(names.utility)].push_back(std::move(path));
+        } else {
             utilities.programs.emplace(names.utility, std::move(path));
-            return;
         }
     }
 }

@@ -48,6 +48,9 @@ struct Utilities {
     std::string detector; ///< path of hwdetect.exe; empty: there is none
     std::map<std::string, std::string, std::less<>>
         programs; ///< "MEGACLI" -> path, beside UTIL.BAT
+    /// Programs of other names that drive the same controllers, which are there and are not asked:
+    /// "STORCLI" -> perccli64 beside a storcli64.
+    std::map<std::string, std::vector<std::string>, std::less<>> others;
     /// Smaller drives are left alone by families that look for drives; 0: the family's own bound.
     std::uint64_t leastDriveBytes = 0;
     std::map<std::string, std::string, std::less<>> named; ///< the same, named by the user

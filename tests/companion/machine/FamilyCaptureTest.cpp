@@ -291,6 +291,22 @@ TEST(FamilyCapture, OneThatItsUtilityDoesNotTellOf) {
               "there");
     EXPECT_EQ(undrivenHelp(snapshot.undriven[0]),
               "run the utility by hand, and look whether the driver of the controller is loaded");
+    const auto helps = [&]() {
+        for (const SubjectFinding& each : examine(snapshot, machine.utilities, {}, {}).findings) {
+            if (each.finding.code == "ZP139") {
+                return each.finding.help;
+            }
+        }
+        return std::vector<std::string>();
+    };
+    EXPECT_EQ(helps().size(), 1U);
+    machine.utilities.others["STORCLI"] = {"/opt/my tools/perccli64"};
+    ASSERT_EQ(helps().size(), 2U);
+    EXPECT_EQ(helps().back(), "ask another one that is there: zolexctl --utility "
+                              "\"STORCLI=/opt/my tools/perccli64\" show");
+    // Named by the user, it is the one that is meant.
+    machine.utilities.named["STORCLI"] = "/opt/storcli64";
+    EXPECT_EQ(helps().size(), 1U);
 }
 
 TEST(FamilyCapture, ControllersThatNobodyDrives) {

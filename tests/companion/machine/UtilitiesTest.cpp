@@ -63,6 +63,15 @@ TEST(Utilities, TheFirstUsualNameWins) {
                                   {"CFGGEN1.02.02", "/usr/bin/cfggen1.02.02"}}));
 }
 
+TEST(Utilities, OthersThatDriveTheSameControllersAreNoted) {
+    const Utilities found =
+        findUtilities(folders({"/usr/bin/perccli64", "./storcli", "/own/storcli64"}), {});
+    EXPECT_EQ(found.programOf("STORCLI"), "/own/storcli64");
+    EXPECT_EQ(found.others.at("STORCLI"),
+              (std::vector<std::string>{"./storcli", "/usr/bin/perccli64"}));
+    EXPECT_TRUE(findUtilities(folders({"/usr/bin/perccli64"}), {}).others.empty());
+}
+
 TEST(Utilities, OnWindowsTheyEndInExe) {
     ProgramFolders places = folders({"X:\\my tools\\MegaCli64.exe", "C:\\zolex\\hwdetect.exe",
                                      ".\\hrconf.exe", "D:\\bin\\arcconf", "D:\\bin\\cfggen.exe"},
