@@ -6,6 +6,7 @@
 #include "companion/families/FamilyCodes.h"
 #include "companion/machine/ProblemCodes.h"
 #include "companion/planning/FamilyLines.h"
+#include "companion/planning/FamilySteps.h"
 #include "companion/planning/IdleVolumes.h"
 #include "companion/planning/Losses.h"
 #include "companion/text/Sizes.h"
@@ -737,6 +738,79 @@ std::optional<RunFault> offlineFault(const Snapshot& snapshot, const ControllerP
             fault.details.push_back(controllerName(found->number) + ": " +
                                     volumeNameText(volume->id, volume->name, volume->device) +
                                     " is " + printable(each.found));
+        }
+    }
+    return fault.details.empty() ? std::nullopt : std::optional(std::move(fault));
+}
+
+std::optional<RunFault> controllerFault(const Snapshot& snapshot, const MachinePlan& plan,
+                                        const ControllerPlanning& planning) {
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    if (found == nullptr) {
+        return std::nullopt;
+    }
+    Lines lines = linesOfAdapters(snapshot, plan);
+    append(lines, ControllerChanges(planning, *found).changes);
+    if (lines.empty()) {
+        return std::nullopt;
+    }
+    return RunFault{apply_code::refused,
+                    controllerName(found->number) + " has changed since it was planned for",
+                    std::move(lines),
+                    {planAgainHelp(plan)},
+                    std::string(run_problem::machineChanged)};
+}
+
+std::optional<RunFault> foreignFault(const MachinePlan& plan, const ControllerPlanning& planning,
+                                     const Facts& facts) {
+    Lines lines;
+    const auto tellBeyond = [&](const Lines& all, const Lines& others, const char* begin,
+                                const char* end) {
+        for (const std::string& each : all) {
+            if (std::find(others.begin(), others.end(), each) == others.end()) {
+                lines.push_back(controllerName(planning.controller.number) + ": " + begin +
+                                printable(each) + end);
+            }
+        }
+    };
+    const Lines now = capturedLayout(facts).foreignDrives;
+    tellBeyond(now, planning.before.foreignDrives, "drive ", " is foreign now, it was not");
+    tellBeyond(planning.before.foreignDrives, now, "drive ", " is not foreign any more");
+    const Lines& planned = planning.controller.facts.foreignConfigurations;
+    if (!planned.empty()) { // files of plans do not tell them
+        tellBeyond(facts.foreignConfigurations, planned, "there now: ", "");
+        tellBeyond(planned, facts.foreignConfigurations, "no longer there: ", "");
+    }
+    if (lines.empty()) {
+        return std::nullopt;
+    }
+    return RunFault{apply_code::refused,
+                    "what is foreign is not what was agreed to be cleared",
+                    std::move(lines),
+                    {planAgainHelp(plan)},
+                    std::string(run_problem::machineChanged)};
+}
+
+std::optional<RunFault> notDeletedFault(const Snapshot& snapshot,
+                                        const ControllerPlanning& planning, std::size_t done) {
+    const ControllerSnapshot* const found =
+        capturedController(snapshot, planning.controller.number);
+    const Family* const family = findFamily(planning.controller.utility);
+    if (found == nullptr || family == nullptr) {
+        return std::nullopt;
+    }
+    RunFault fault{apply_code::refused,
+                   "what would be deleted is not what is known any more",
+                   {},
+                   {"zolexctl show tells what its utility says of it"},
+                   std::string(run_problem::machineChanged)};
+    for (const LogicalDriveFacts& volume : found->facts.logicalDrives) {
+        const std::string why = whyNotLost(*family, volume);
+        if (!why.empty() && goesWith(planning, done, volume.id) && isLost(planning, volume)) {
+            fault.details.push_back(controllerName(found->number) + ": " +
+                                    volumeNameText(volume.id, volume.name, volume.device) +
+                                    " is not deleted: " + printable(why));
         }
     }
     return fault.details.empty() ? std::nullopt : std::optional(std::move(fault));

@@ -69,6 +69,22 @@ keptCacheFault(const Snapshot& snapshot, const ControllerPlanning& planning, std
 [[nodiscard]] std::optional<RunFault>
 offlineFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
 
+/// One controller that is not as it was when the plan was made, of which no step was begun yet: its
+/// drives, what stands on it, its number in the commands of its utility.
+[[nodiscard]] std::optional<RunFault> controllerFault(const Snapshot& snapshot,
+                                                      const MachinePlan& plan,
+                                                      const ControllerPlanning& planning);
+
+/// Foreign drives, or layouts on them, that are not those that were agreed to be cleared: the
+/// command clears whatever is foreign.
+[[nodiscard]] std::optional<RunFault>
+foreignFault(const MachinePlan& plan, const ControllerPlanning& planning, const Facts& facts);
+
+/// A logical drive that a step behind the first `done` deletes and that no plan would delete as it
+/// is now: its level or its state is not known.
+[[nodiscard]] std::optional<RunFault>
+notDeletedFault(const Snapshot& snapshot, const ControllerPlanning& planning, std::size_t done);
+
 /// Drives that are not those that they were, in the middle of a run.
 [[nodiscard]] std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan& plan,
                                                   const std::vector<std::int32_t>& controllers);

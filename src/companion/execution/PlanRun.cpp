@@ -77,6 +77,11 @@ bool deletesVolume(const PlanStep& step) {
     return step.action == "delete-logical-drive";
 }
 
+/// Whether it clears what lies on every foreign drive, and not on those alone that were agreed to.
+bool clearsForeign(const PlanStep& step) {
+    return step.action == "clear-foreign";
+}
+
 /// Whether its command names what may have another number when it is run.
 bool isByNumber(const ControllerPlanning& planning, const PlanStep& step) {
     const auto arrays = arraysNamedBy(planning, step);
@@ -160,8 +165,9 @@ Snapshot PlanRun::capture(CapturePurpose purpose, std::optional<std::int32_t> co
         if (!each.failed) {
             facts_[each.number] = each.facts;
             for (ControllerProgress& progress : controllers) {
-                progress.isOutdated =
-                    progress.isOutdated && progress.planning->controller.number != each.number;
+                if (progress.planning->controller.number == each.number) {
+                    progress.isOutdated = progress.isBehind = progress.isLeft = false;
+                }
             }
         }
     }
@@ -246,6 +252,12 @@ std::optional<RunFault> PlanRun::cacheFault(const Snapshot& snapshot) const {
 }
 
 std::optional<RunFault> PlanRun::standingFault(Snapshot& snapshot) const {
+    for (const ControllerProgress& progress : controllers) {
+        if (std::optional<RunFault> fault =
+                notDeletedFault(snapshot, *progress.planning, progress.next)) {
+            return fault;
+        }
+    }
     if (std::optional<RunFault> fault = offlineFault(snapshot)) {
         return fault;
     }
@@ -282,7 +294,7 @@ ApplyEnd PlanRun::carryOut() {
 
 void PlanRun::runController(ControllerProgress& progress, bool isLast) {
     while (!progress.isDone()) {
-        if (!mayGoOn(progress) || !lookByNumber(progress) || !deletesNothingInUse(progress) ||
+        if (!mayGoOn(progress) || !lookAgain(progress) || !deletesNothingInUse(progress) ||
             !runStep(progress)) {
             return;
         }
@@ -310,23 +322,65 @@ bool PlanRun::mayGoOn(ControllerProgress& progress) {
     return !isStopped_;
 }
 
-/// Looks again before a step that deletes a logical drive, or makes a spare of an array, by its
-/// number, when a logical drive was deleted or made since: a controller that is reset behind that
-/// may number the others anew.
-bool PlanRun::lookByNumber(ControllerProgress& progress) {
+/// Looks again before the next step where what was seen is not enough for it: another controller
+/// was worked on since, perhaps for hours; it clears whatever is foreign by now; or it deletes a
+/// logical drive, or makes a spare of an array, by its number, when a logical drive was deleted or
+/// made since: a controller that is reset behind that may number the others anew.
+bool PlanRun::lookAgain(ControllerProgress& progress) {
     const ControllerPlanning& planning = *progress.planning;
     const PlanStep& step = planning.steps[progress.next];
     const Family* const family = findFamily(planning.controller.utility);
-    if (!progress.isOutdated || family == nullptr || family->carriesOut() ||
-        !isByNumber(planning, step)) {
+    const bool looksItself = family != nullptr && family->carriesOut();
+    const bool isWanted = progress.isLeft || (progress.isBehind && clearsForeign(step)) ||
+                          (progress.isOutdated && family != nullptr && isByNumber(planning, step));
+    if (!isWanted || looksItself) {
         return true;
     }
+    if (progress.isLeft && progress.isBegun) { // by an earlier run
+        return check(progress) && mayGoOn(progress);
+    }
     const Snapshot snapshot = capture(CapturePurpose::step, planning.controller.number);
-    const std::string where = "before " + stepName(step, totalSteps_);
-    return isRead(progress, snapshot, where) &&
-           isNumberedAsPlanned(progress,
-                               capturedController(snapshot, planning.controller.number)->facts) &&
-           mayGoOn(progress);
+    return isRead(progress, snapshot, "before " + stepName(step, totalSteps_)) &&
+           standsAsForeseen(progress, snapshot) && mayGoOn(progress);
+}
+
+/// Whether nothing that was seen keeps the next step from being begun.
+bool PlanRun::standsAsForeseen(ControllerProgress& progress, const Snapshot& snapshot) {
+    const ControllerPlanning& planning = *progress.planning;
+    const PlanStep& step = planning.steps[progress.next];
+    const Facts& facts = capturedController(snapshot, planning.controller.number)->facts;
+    if (!isNumberedAsPlanned(progress, facts)) {
+        return false;
+    }
+    std::optional<RunFault> fault = progress.isBegun
+                                        ? drivesFault(snapshot, plan, {planning.controller.number})
+                                        : controllerFault(snapshot, plan, planning);
+    if (!fault && clearsForeign(step)) {
+        fault = foreignFault(plan, planning, facts);
+    }
+    if (!fault) {
+        fault = notDeletedFault(snapshot, planning, progress.next);
+    }
+    if (!fault) {
+        fault = companion::offlineFault(snapshot, planning, progress.next);
+    }
+    if (!fault) {
+        fault = keptCacheFault(snapshot, planning, progress.next);
+    }
+    if (fault) {
+        notBegun(progress, "it has changed since", std::move(*fault));
+    }
+    return !fault;
+}
+
+/// The controller goes no further than to the next step.
+void PlanRun::notBegun(ControllerProgress& progress, std::string why, RunFault fault) {
+    const PlanStep& step = progress.planning->steps[progress.next];
+    fault.exitCode = apply_code::stopped;
+    fault.what = stepName(step, totalSteps_) + " was not begun: " + fault.what;
+    fault.help.push_back(resumeHelp("goes on when it is as it was"));
+    progress.failedStep = step.step;
+    failController(progress, std::move(why), std::move(fault));
 }
 
 /// Whether the next step's command reaches what it was written for.
@@ -407,6 +461,10 @@ void PlanRun::failController(ControllerProgress& progress, std::string why, RunF
 bool PlanRun::runStep(ControllerProgress& progress) {
     const std::size_t step = progress.next;
     progress.isOutdated = progress.isOutdated || changesVolumes(progress.planning->steps[step]);
+    for (ControllerProgress& each : controllers) {
+        each.isBehind = true;
+        each.isLeft = each.isLeft || &each != &progress;
+    }
     std::optional<std::string> command = progress.planning->steps[step].command;
     constexpr int mostLines = 2;
     for (int line = 0; line < mostLines && command; ++line) {
@@ -684,7 +742,7 @@ bool PlanRun::isRead(ControllerProgress& progress, const Snapshot& snapshot,
         fault.what = "what stands " + where + " could not be captured";
         fault.code = run_problem::endNotRead;
         fault.help = {resumeHelp("looks again and goes on"), planAgainHelp(plan)};
-        progress.failedStep = planning.steps[progress.next - 1].step;
+        progress.failedStep = planning.steps[progress.next == 0 ? 0 : progress.next - 1].step;
         failController(progress, "what stands could not be captured", std::move(fault));
         return false;
     }

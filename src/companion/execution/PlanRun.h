@@ -26,6 +26,8 @@ struct ControllerProgress {
     bool isBegun = false;               ///< a step of it was begun, in this run or before
     bool isChecked = false;             ///< behind its last step it was found as planned
     bool isOutdated = false;            ///< a step has changed logical drives since it was captured
+    bool isBehind = false;              ///< a step was run since it was captured
+    bool isLeft = false;                ///< and one of another controller
     std::int32_t failedStep = 0;        ///< 0: none
     std::string failure;                ///< why it goes no further; empty: it does
     std::vector<std::int32_t> attempts; ///< of each step, before this run
@@ -108,8 +110,10 @@ class PlanRun {
     bool mayGoOn(ControllerProgress& progress);
     [[nodiscard]] bool isAskedOf(const ControllerPlanning& planning) const;
     [[nodiscard]] const std::function<void(Facts&)>& asker() const;
-    bool lookByNumber(ControllerProgress& progress);
+    bool lookAgain(ControllerProgress& progress);
+    bool standsAsForeseen(ControllerProgress& progress, const Snapshot& snapshot);
     bool isNumberedAsPlanned(ControllerProgress& progress, const Facts& facts);
+    void notBegun(ControllerProgress& progress, std::string why, RunFault fault);
     bool isRead(ControllerProgress& progress, const Snapshot& snapshot, const std::string& where);
     bool deletesNothingInUse(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);

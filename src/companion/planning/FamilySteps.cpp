@@ -118,7 +118,7 @@ class StepMaker {
                          [](const Going& a, const Going& b) { return a.number > b.number; });
         for (const Going& each : going) {
             const LogicalDriveFacts* const facts = factsOf(each.volume->id);
-            const std::string why = facts == nullptr ? "" : whyKept(*facts);
+            const std::string why = facts == nullptr ? "" : whyNotLost(family_, *facts);
             if (facts != nullptr && !facts->usedAs.empty()) {
                 faults_.push_back(inUse(*facts));
                 continue;
@@ -145,17 +145,6 @@ class StepMaker {
                          volumeNameText(volume.id, volume.name, volume.device) +
                              " stays: " + volume.usedAs,
                          {howToEndUse(volume.usedAs)});
-    }
-
-    /// Nobody can agree to the loss of what is not known.
-    [[nodiscard]] std::string whyKept(const LogicalDriveFacts& volume) const {
-        if (volume.raidType.empty()) {
-            return "its level is not known: " + volume.reportedLevel;
-        }
-        if (volume.health == Health::unknown && !volume.reportedState.empty()) {
-            return "its state is not known: " + volume.reportedState;
-        }
-        return family_.whyNotDeleted(volume);
     }
 
     [[nodiscard]] const LogicalDriveFacts* factsOf(const std::string& id) const {
@@ -409,6 +398,16 @@ class StepMaker {
 };
 
 } // namespace
+
+std::string whyNotLost(const Family& family, const LogicalDriveFacts& volume) {
+    if (volume.raidType.empty()) {
+        return "its level is not known: " + volume.reportedLevel;
+    }
+    if (volume.health == Health::unknown && !volume.reportedState.empty()) {
+        return "its state is not known: " + volume.reportedState;
+    }
+    return family.whyNotDeleted(volume);
+}
 
 void makeFamilySteps(const Family& family, StrategyWish wish, ControllerPlanning& planning) {
     planning.steps.clear();

@@ -12,4 +12,8 @@ void makeFamilySteps(const Family& family, StrategyWish wish, ControllerPlanning
 /// The steps that take all off a controller of a family, foreign layouts too.
 void makeFamilyReset(const Family& family, ControllerPlanning& planning);
 
+/// Why a logical drive is not taken away, whatever was agreed to: nobody can agree to the loss of
+/// what is not known. Empty: nothing keeps it.
+[[nodiscard]] std::string whyNotLost(const Family& family, const LogicalDriveFacts& volume);
+
 } // namespace zolex::companion

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace zolex::companion {
@@ -705,6 +706,167 @@ TEST_F(StorcliSpares, AreToldByTheArraysOfThePolicies) {
     };
     EXPECT_EQ(bench_.apply().details,
               Lines{"252:10, hotspare_type: planned is dedicated to B; found is dedicated to C"});
+}
+
+/// The command clears whatever is foreign, and not what was agreed to alone.
+TEST(StorcliForeign, WhatBecameForeignOnTheWayIsNotCleared) {
+    ApplyBench bench(test::storcliServer("") + test::usedDrives + "]}]}");
+    bench.makePlan(test::storcliPolicies("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\n"
+                                         "Array_Defaults = 0%:0\nArray.A = 11,12,13,14,15,16\n"
+                                         "Logical.1 = A:FILL:6\n"),
+                   StrategyWish::automatic, false);
+    const Lines commands = test::commandsOf(bench.plan);
+    const auto clear = std::find(commands.begin(), commands.end(), "STORCLI /c0/fall del J nolog");
+    ASSERT_NE(clear, commands.end());
+    ASSERT_NE(clear, commands.begin());
+    const auto before = static_cast<std::size_t>(clear - commands.begin());
+    Controller& controller = bench.server.platform.server.storcliControllers.front();
+    std::size_t ended = 0;
+    bench.system.onMoment = [&](const std::string& moment) {
+        if (moment == "ended" && ++ended == before) {
+            zolex_sim::storcli::Drive& drive = controller.drives[13];
+            drive.state = DriveState::foreign;
+            controller.foreignSets.push_back(
+                {zolex_sim::storcli::Level::raid0, 1000, 1, 0, {drive.place}});
+        }
+    };
+    const ApplyEnd end = bench.apply();
+    const std::string step = std::to_string(before + 1);
+    EXPECT_EQ(end.exitCode, 4);
+    EXPECT_EQ(end.what, "step " + step + " of " + std::to_string(commands.size()) +
+                            " was not begun: what is foreign is not what was agreed to be cleared");
+    EXPECT_EQ(end.details.front(), "controller 1: drive 252:13 is foreign now, it was not");
+    EXPECT_EQ(end.code, "ZA102");
+    EXPECT_EQ(bench.system.started.size(), before);
+    EXPECT_EQ(controller.foreignSets.size(), 2U);
+    bench.system.onMoment = nullptr;
+    controller.foreignSets.pop_back();
+    controller.drives[13].state = DriveState::good;
+    bench.system.restart();
+    EXPECT_EQ(endLines(bench.resume()), (Lines{"0: ", "controller 1: configured"}));
+}
+
+/// Two controllers that are set up alike; a RAID 5 comes on each in the place of a mirror.
+class StorcliPair : public testing::Test {
+  protected:
+    StorcliPair() : bench_(definition()) {
+        bench_.makePlan(test::storcliPolicies("Array_Mode = CUSTOM\nLogical_Mode = CUSTOM\n"
+                                              "Array_Defaults = 0%:0\nArray.A = 1,2\n"
+                                              "Array.B = 3,4,5\nLogical.1 = A:FILL:1\n"
+                                              "Logical.2 = B:FILL:5\n"),
+                        StrategyWish::automatic, false);
+    }
+
+    static std::string definition() {
+        std::string text = R"({"machineType": "7X06", "serialNumber": "KQ1", "controllers": [)";
+        for (const char* const bus : {"193", "194"}) {
+            text += text.ends_with("[") ? "" : ", ";
+            text += std::string(R"({"utility": "STORCLI", "serialNumber": "SV)") + bus +
+                    R"(", "pci": {"bus": )" + bus +
+                    R"(}, "drives": [{"enclosure": 252, "slot": 0, "count": 6,
+                    "sectors": 41943040}], "virtualDrives": [
+                    {"level": "RAID1", "spans": [["252:0", "252:1"]]},
+                    {"level": "RAID1", "spans": [["252:2", "252:3"]]}]})";
+        }
+        return text + "]}";
+    }
+
+    Controller& second() { return bench_.server.platform.server.storcliControllers.back(); }
+
+    /// What an apply comes to when this happens while the first controller is worked on.
+    ApplyEnd applyWith(const std::function<void()>& change) {
+        bench_.system.onMoment = [change,
+                                  ended = std::make_shared<int>(0)](const std::string& moment) {
+            if (moment == "ended" && ++*ended == 2) {
+                change();
+            }
+        };
+        const ApplyEnd end = bench_.apply();
+        bench_.system.onMoment = nullptr;
+        EXPECT_EQ(end.exitCode, 4) << testing::PrintToString(endLines(end));
+        EXPECT_EQ(end.results.front().result, ControllerResult::Result::configured);
+        EXPECT_EQ(end.results.back().result, ControllerResult::Result::failed);
+        EXPECT_EQ(bench_.system.started.size(), 2U);
+        bench_.system.restart();
+        return end;
+    }
+
+    ApplyBench bench_;
+};
+
+TEST_F(StorcliPair, TheOtherIsLookedAtAgainBeforeItIsWorkedOn) {
+    ASSERT_EQ(test::commandsOf(bench_.plan),
+              (Lines{"STORCLI /c0/v238 del J nolog",
+                     "STORCLI /c0 add vd r5 drives=252:2,252:3,252:4 J nolog",
+                     "STORCLI /c1/v238 del J nolog",
+                     "STORCLI /c1 add vd r5 drives=252:2,252:3,252:4 J nolog"}));
+    // Another logical drive under the number of the one that goes, on other drives.
+    const ApplyEnd end = applyWith([this] {
+        second().remove(238);
+        static_cast<void>(
+            bench_.server.platform.play("STORCLI /c1 add vd r1 drives=252:4,252:5 J nolog"));
+    });
+    EXPECT_EQ(end.what, "step 3 of 4 was not begun: the logical drives of controller 2 have other "
+                        "numbers than the plan's commands say");
+    EXPECT_EQ(end.details.front(), "LD 238 is on 252:4 252:5 now, it was on 252:2 252:3");
+    EXPECT_EQ(second().volumes.size(), 2U);
+}
+
+TEST_F(StorcliPair, OnTheOtherADriveIsAnotherByThen) {
+    const ApplyEnd end = applyWith([this] { second().drives[4].serial = "OTHER"; });
+    EXPECT_EQ(end.what, "step 3 of 4 was not begun: controller 2 has changed since it was planned "
+                        "for");
+    EXPECT_EQ(end.details.front().substr(0, 57),
+              "controller 2: drive 252:4: serial number OTHER in the pla");
+    EXPECT_EQ(end.code, "ZA102");
+}
+
+TEST_F(StorcliPair, OnTheOtherAnArrayThatStaysIsOfflineByThen) {
+    const ApplyEnd end = applyWith([this] {
+        second().drives[0].state = DriveState::failed;
+        second().drives[1].state = DriveState::failed;
+    });
+    EXPECT_EQ(second().volumes.size(), 2U) << end.what;
+    second().drives[0].state = DriveState::online;
+    second().drives[1].state = DriveState::online;
+    EXPECT_EQ(endLines(bench_.resume()),
+              (Lines{"0: ", "controller 1: configured", "controller 2: configured"}));
+}
+
+TEST_F(StorcliPair, IsReadOnceMoreForEach) {
+    EXPECT_EQ(endLines(bench_.apply()),
+              (Lines{"0: ", "controller 1: configured", "controller 2: configured"}));
+    Lines lines;
+    for (const std::string& line : bench_.events()) {
+        if (line.starts_with("captured") || line.starts_with("step-started")) {
+            lines.push_back(line);
+        }
+    }
+    EXPECT_EQ(lines,
+              (Lines{"captured guard", "step-started 1", "step-started 2", "captured step",
+                     "captured step", "step-started 3", "step-started 4", "captured verify"}));
+}
+
+/// Its state is a word that nobody knows by now: nobody has agreed to the loss of that.
+TEST_F(StorcliDangers, WhatHasAnUnknownStateIsNotDeleted) {
+    const auto respond = bench_.server.platform.respond;
+    const auto say = [respond](const std::string& line) {
+        ChildResult result = respond(line);
+        std::size_t at = result.output.find("\"237/"); // none: volumes stand by groups
+        at = at == std::string::npos ? result.output.find("/237\"") : at;
+        while (at != std::string::npos) {
+            const std::size_t state = result.output.find("\"Optl\"", at);
+            if (state != std::string::npos) {
+                result.output.replace(state, 6, "\"Zork\"");
+            }
+            at = result.output.find("/237\"", at + 1);
+        }
+        return result;
+    };
+    const Lines told = refusedAfter([this, say] { bench_.server.platform.respond = say; });
+    ASSERT_FALSE(told.empty());
+    EXPECT_EQ(told.front(),
+              "controller 1: LD 237 (/dev/sdc) is not deleted: its state is not known: Zork");
 }
 
 /// The utility does not know "nolog": each command is run once more without it.
