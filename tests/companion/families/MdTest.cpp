@@ -860,6 +860,71 @@ TEST_F(MdTest, StatesComeFromTheKernel) {
     EXPECT_EQ(facts().drives[2].covers, std::vector<std::string>{"zolex-data"});
 }
 
+/// Without its journal an array is lost: neither it nor its drives are ever planned on.
+TEST_F(MdTest, AnArrayWithAWriteJournalStaysAsItIs) {
+    files.addArray("md127", "raid5", {"sda", "sdb", "sdc"});
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb", "sdc", "sdd", "sde"}) {
+        if (role > 2) {
+            files.addDrive(name, static_cast<int>(role));
+            files.files[std::string("/sys/block/md127/md/dev-") + name + "/state"] = "spare\n";
+            files.files[std::string("/sys/block/md127/md/dev-") + name + "/slot"] = "none\n";
+        }
+        std::string& head = files.drives[name].head;
+        head = superblockHead("zolex-data", 'a', 5, 3, role++);
+        put(head, 4096 + 8, 512, 4);
+        put(head, 4096 + 256 + 2 * 3, 0xfffd, 2);
+    }
+    files.files["/sys/block/md127/md/dev-sdd/state"] = "journal,in_sync\n";
+    files.files["/sys/block/md127/md/dev-sdd/slot"] = "journal\n";
+    const std::string journal = "ata-DISK_S-sdd";
+    const std::string removal = "MD --manage /dev/md/zolex-data --remove /dev/disk/by-id/";
+    for (const bool runs : {true, false}) {
+        if (!runs) {
+            std::erase_if(files.files, [](const auto& file) {
+                return file.first.find("md127") != std::string::npos;
+            });
+        }
+        DiskScan scan;
+        scan.files = &files;
+        const DiskList list = listDisks(scan);
+        EXPECT_EQ(diskListFrom(toText(list)), list);
+        const Facts facts = factsOf(list);
+        ASSERT_EQ(facts.logicalDrives.size(), 1U) << runs;
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives[0]), "it has a write journal");
+        EXPECT_EQ(family().deleteVolume(0, facts.logicalDrives[0]), "");
+        EXPECT_EQ(facts.drive("ata-DISK_S-sda")->state, DriveState::member);
+        EXPECT_EQ(facts.drive(journal)->state, DriveState::jbod);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive(journal)),
+                  "in use: write journal of the md array zolex-data");
+        EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sde")),
+                  "in use: hot spare of the md array zolex-data");
+        for (const char* const drive : {"ata-DISK_S-sdd", "ata-DISK_S-sde"}) {
+            EXPECT_EQ(run(removal + drive).exitCode, MdHost::refused) << runs;
+        }
+        EXPECT_EQ(run(deleteLine("zolex-data", "",
+                                 {"ata-DISK_S-sda", "ata-DISK_S-sdb", "ata-DISK_S-sdc"}))
+                      .exitCode,
+                  MdHost::refused);
+    }
+    EXPECT_TRUE(calls.empty());
+}
+
+/// What a superblock tells of its own drive is kept apart.
+TEST(MdSignatures, PartsOfAnArrayAreToldApart) {
+    const std::vector<std::pair<std::uint64_t, Superblock::Part>> parts = {
+        {2, Superblock::Part::member},       {0xffff, Superblock::Part::spare},
+        {0xfffd, Superblock::Part::journal}, {0xfffe, Superblock::Part::faulty},
+        {3, Superblock::Part::faulty},
+    };
+    for (const auto& [role, part] : parts) {
+        DriveEnds ends{superblockHead("zolex-data", 'a', 5, 3, 4), zeros(), 3 * gibibyte};
+        put(ends.head, 4096 + 256 + 2 * 4, role, 2);
+        EXPECT_EQ(superblockOf(ends)->part, part) << role;
+        EXPECT_EQ(superblockOf(ends)->role.has_value(), part == Superblock::Part::member);
+    }
+}
+
 /// A machine whose answers are those of a host over files that are made up.
 class HostPlatform : public Platform {
   public:

@@ -303,6 +303,19 @@ class Lister {
         return found == arrays.end() ? nullptr : &*found;
     }
 
+    /// As the kernel would call it, if its array ran.
+    static const char* stateOf(Superblock::Part part) {
+        return part == Superblock::Part::member    ? "in_sync"
+               : part == Superblock::Part::spare   ? "spare"
+               : part == Superblock::Part::journal ? "journal"
+                                                   : "removed";
+    }
+
+    static bool tellsOfJournal(const ListedDisk& disk) {
+        return disk.arrayState.find("journal") != std::string::npos ||
+               (disk.superblock && disk.superblock->hasJournal);
+    }
+
     /// Arrays that do not run, and drives that were in one that does.
     static void findStopped(DiskList& list) {
         std::map<std::string, std::string, std::less<>> uuidOfNode;
@@ -338,7 +351,7 @@ class Lister {
             }
             if (array->node.empty()) {
                 disk.arraySlot = disk.superblock->role;
-                disk.arrayState = disk.arraySlot ? "in_sync" : "spare";
+                disk.arrayState = stateOf(disk.superblock->part);
             } else {
                 disk.arrayState = "removed";
             }
@@ -348,7 +361,8 @@ class Lister {
 
     /// Which arrays are this program's own: by their name, when all of their members that are at
     /// work are whole drives that say the same, and no other array has it. What has failed says
-    /// nothing. One that runs is shown by its name also where a member cannot say it.
+    /// nothing. One that runs is shown by its name also where a member cannot say it, and so is one
+    /// with a write journal.
     void nameArrays(DiskList& list) {
         for (ListedArray& array : list.arrays) {
             const auto sameName =
@@ -359,6 +373,10 @@ class Lister {
             }
             bool saysOne = false;
             std::string fault;
+            array.hasJournal =
+                std::any_of(list.disks.begin(), list.disks.end(), [&array](const ListedDisk& disk) {
+                    return lists(array.members, disk.name) && tellsOfJournal(disk);
+                });
             array.isShown = true;
             for (const std::string& name : array.members) {
                 const auto disk =
@@ -383,6 +401,10 @@ class Lister {
             }
             array.isOurs = saysOne && fault.empty();
             array.isShown = array.isOurs || (array.isShown && saysOne && !array.node.empty());
+            if (array.isOurs && array.hasJournal) {
+                array.isOurs = false; // without its journal it is lost, and zolexctl makes none
+                fault = "it has a write journal";
+            }
             if (!fault.empty() && array.whyNotStopped.empty()) {
                 array.whyNotStopped = fault;
             }
@@ -421,6 +443,10 @@ class Lister {
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
         if (array != nullptr && array->isShown) {
+            if (!disk.arraySlot && !disk.isFailed() && (array->hasJournal || !disk.isSpare())) {
+                return std::string("in use: ") + (disk.isSpare() ? "hot spare" : "write journal") +
+                       " of the md array " + array->name;
+            }
             const std::string why = disk.array.empty() ? whyUsedBeside(disk) : std::string();
             return why.empty() ? disk.why : "in use: " + why;
         }

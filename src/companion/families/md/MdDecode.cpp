@@ -59,6 +59,9 @@ DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
     if (disk.isFailed()) {
         facts.state = DriveState::failed;
         facts.health = Health::critical;
+    } else if (!disk.arraySlot && (!disk.isSpare() || !disk.why.empty())) {
+        facts.state = DriveState::jbod;
+        facts.reportedState = disk.why.empty() ? disk.arrayState : disk.why;
     } else if (!disk.arraySlot) {
         facts.state = DriveState::hotspare;
         facts.hotspare = HotspareKind::dedicated;

@@ -192,7 +192,8 @@ ChildResult MdHost::addSpare(const MdCommand& command) {
 }
 
 /// Zeroes the superblocks of drives that are in no running array; each has been found to be ours.
-ChildResult MdHost::zero(const std::vector<std::string>& ids) {
+/// Of spares nothing else than a spare's is zeroed.
+ChildResult MdHost::zero(const std::vector<std::string>& ids, bool areSpares) {
     std::vector<std::string> words = {"--zero-superblock"};
     for (const std::string& id : ids) {
         words.push_back("/dev/disk/by-id/" + id);
@@ -207,6 +208,8 @@ ChildResult MdHost::zero(const std::vector<std::string>& ids) {
                 : !disk->array.empty() ? "it is in a running array again: " + disk->array
                 : !disk->superblock || !disk->superblock->name.starts_with(ownPrefix)
                     ? "it has no superblock of ours any more"
+                : areSpares && disk->superblock->part != Superblock::Part::spare
+                    ? "its superblock is none of a spare"
                     : disk->why;
             if (!why.empty()) {
                 refusal.lines.push_back(untouched(id, why) + ".");
@@ -222,8 +225,8 @@ ChildResult MdHost::removeSpare(const MdCommand& command) {
     const ListedArray* const stopped = arrayNamed(before, command.array);
     const ListedDisk* const spare = diskWithId(before, id);
     if (stopped != nullptr && stopped->isOurs && stopped->node.empty() && spare != nullptr &&
-        lists(stopped->members, spare->name) && !spare->arraySlot) {
-        return zero({id});
+        lists(stopped->members, spare->name) && spare->isSpare()) {
+        return zero({id}, true);
     }
     ChildResult result = attempt(command.arguments, [&] {
         const DiskList now = list(std::vector<std::string>());
@@ -232,7 +235,7 @@ ChildResult MdHost::removeSpare(const MdCommand& command) {
         Refusal refusal;
         if (array == nullptr || !array->isOurs || array->node.empty()) {
             refusal.lines.push_back("no array " + command.array + " of zolexctl runs.");
-        } else if (disk == nullptr || disk->array != array->node || disk->arraySlot) {
+        } else if (disk == nullptr || disk->array != array->node || !disk->isSpare()) {
             refusal.lines.push_back(untouched(id, "it is no spare of " + command.array) + ".");
         } else {
             refusal.node = array->node;
@@ -241,7 +244,7 @@ ChildResult MdHost::removeSpare(const MdCommand& command) {
     });
     if (isDone(result)) {
         const std::string output = result.output;
-        result = zero({id});
+        result = zero({id}, true);
         result.output = output + result.output;
     }
     return result;
@@ -319,7 +322,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
             ids.push_back(disk.id);
         }
     }
-    ChildResult result = zero(ids);
+    ChildResult result = zero(ids, false);
     result.output = output + result.output;
     if (isDone(result)) {
         settle({});

@@ -37,7 +37,7 @@ class MdHost {
     [[nodiscard]] ChildResult remove(const MdCommand& command);
     [[nodiscard]] ChildResult addSpare(const MdCommand& command);
     [[nodiscard]] ChildResult removeSpare(const MdCommand& command);
-    [[nodiscard]] ChildResult zero(const std::vector<std::string>& ids);
+    [[nodiscard]] ChildResult zero(const std::vector<std::string>& ids, bool areSpares);
     [[nodiscard]] Refusal whyNotWritten(const MdCommand& command, bool isNew) const;
     [[nodiscard]] std::vector<std::string> whyNotRemoved(const MdCommand& command,
                                                          const DiskList& list) const;

@@ -177,10 +177,19 @@ Superblock superblockAt(const Reader& drive, std::uint64_t place, const char* ve
     found.events = drive.number(place + 200, 8);
     const std::uint64_t device = drive.number(place + 160, 4);
     const std::uint64_t devices = drive.number(place + 220, 4);
-    constexpr std::uint64_t firstOfOthers = 0xff00;
+    constexpr std::uint64_t journalFeature = 512;
+    found.hasJournal = (drive.number(place + 8, 4) & journalFeature) != 0;
+    constexpr std::uint64_t spareRole = 0xffff;
+    constexpr std::uint64_t journalRole = 0xfffd;
+    found.part = Superblock::Part::faulty; // what is in no table is in no array any more
     if (device < devices && device < 384) {
         const std::uint64_t role = drive.number(place + 256 + 2 * device, 2);
-        if (role < firstOfOthers && role < found.raidDisks) {
+        if (role == spareRole) {
+            found.part = Superblock::Part::spare;
+        } else if (role == journalRole) {
+            found.part = Superblock::Part::journal;
+        } else if (role < found.raidDisks) {
+            found.part = Superblock::Part::member;
             found.role = static_cast<std::uint32_t>(role);
         }
     }
