@@ -430,6 +430,54 @@ TEST(MdCommands, DrivesThatDifferTooMuchAreRefusedBeforeMdadmAsks) {
               "array of unless it is forced");
 }
 
+/// mdadm keeps a part of each drive, and asks where more than a hundredth of the rest is left.
+TEST(MdCommands, ASizeThatMdadmWouldAskAboutIsRefused) {
+    constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
+    Facts facts;
+    VolumeWish wish;
+    wish.spans.emplace_back();
+    for (int i = 0; i < 4; ++i) {
+        DriveFacts& drive = facts.drives.emplace_back();
+        drive.location = "d" + std::to_string(i);
+        drive.capacityBytes = 200 * gibibyte;
+        wish.spans[0].push_back(drive.location);
+    }
+    const std::vector<std::pair<std::string, std::uint64_t>> levels = {
+        {"RAID1", 1}, {"RAID5", 3}, {"RAID6", 2}, {"RAID10", 2}};
+    for (const auto& [raidType, data] : levels) {
+        wish.raidType = raidType;
+        wish.capacityBytes.reset();
+        EXPECT_EQ(whyNoArray(wish, facts), "") << raidType;
+        const auto why = [&](std::uint64_t share) {
+            wish.capacityBytes = data * share;
+            return whyNoArray(wish, facts);
+        };
+        // 204800 MiB, less 129; of these a hundredth may be left.
+        EXPECT_EQ(why(204671 * mebibyte), "") << raidType;
+        EXPECT_EQ(why(204672 * mebibyte), "of that size it takes 204672 MB of each drive, where "
+                                          "mdadm leaves 204671 MB: FILL takes all")
+            << raidType;
+        EXPECT_EQ(why(202625 * mebibyte), "") << raidType;
+        EXPECT_EQ(
+            why(202624 * mebibyte),
+            "of that size it takes 202624 MB of each drive, and mdadm makes none of less than "
+            "99 % (204671 MB here) unless it is forced: FILL takes all")
+            << raidType;
+    }
+    facts.drives[3].capacityBytes = 201 * gibibyte;
+    EXPECT_NE(whyNoArray(wish, facts), "");
+    wish.capacityBytes = 2 * (204671 * mebibyte); // of the smaller drive all
+    EXPECT_EQ(whyNoArray(wish, facts), "");
+    wish.capacityBytes.reset();
+    for (DriveFacts& drive : facts.drives) {
+        drive.capacityBytes = gibibyte;
+    }
+    wish.stripSizeBytes = gibibyte;
+    EXPECT_EQ(whyNoArray(wish, facts), "a drive of 1.0 GB has no room for a strip of 1.0 GB");
+    wish.stripSizeBytes = gibibyte / 2;
+    EXPECT_EQ(whyNoArray(wish, facts), "");
+}
+
 TEST_F(MdTest, NoLineEverForcesMdadm) {
     for (const std::string word : {"--run", "-R", "--force", "-f", "--assume-clean", "--level=x",
                                    "--name=other", "--bitmap=none", "/dev/sda"}) {
@@ -1002,6 +1050,13 @@ TEST(MdFamily, TellsWhatMdadmWouldHaveAsked) {
         "Continue creating array? mdadm: create aborted.\n");
     EXPECT_FALSE(verdict.isDone);
     EXPECT_EQ(verdict.why, "mdadm: /dev/sdb appears to contain an ext2fs file system");
+    EXPECT_NE(verdict.help.at(0).find("wipefs"), std::string::npos);
+    const FamilyVerdict small = family().judge(
+        mirrorLine, 1,
+        "mdadm: largest drive (/dev/disk/by-id/a) exceeds size (102400000K) by more than 1%\n"
+        "Continue creating array? mdadm: create aborted.\n");
+    EXPECT_EQ(small.help.at(0), "mdadm would go on only if it were forced to; take the drives "
+                                "whole: FILL as the size");
     EXPECT_TRUE(family().judge(mirrorLine, 0, "").isDone);
     EXPECT_EQ(family().judge(mirrorLine, 2, "").why, "mdadm ended with 2");
 }

@@ -231,13 +231,17 @@ class MdFamily : public Family {
         if (verdict.why.empty()) {
             verdict.why = "mdadm ended with " + std::to_string(exitCode);
         }
+        const bool isTooSmall = output.find("exceeds size") != std::string_view::npos;
         const bool isAsked = output.find("Continue creating array") != std::string_view::npos;
         const std::size_t question = output.find("mdadm: ");
         if (isAsked && question != std::string_view::npos) {
             verdict.why =
                 withoutEnd(output.substr(question, output.find('\n', question) - question));
-            verdict.help = {"mdadm would go on only if it were forced to; look at the drive, and "
-                            "clear it if nobody needs it: wipefs DRIVE"};
+            verdict.help = {
+                isTooSmall ? "mdadm would go on only if it were forced to; take the drives whole: "
+                             "FILL as the size"
+                           : "mdadm would go on only if it were forced to; look at the drive, and "
+                             "clear it if nobody needs it: wipefs DRIVE"};
         } else if (exitCode == MdHost::refused && commandLine.starts_with("MD --create")) {
             verdict.help = {"See what uses it: lsblk, and zolexctl show --family md"};
         } else if (exitCode == MdHost::refused && output.find(MdHost::another) != output.npos) {
