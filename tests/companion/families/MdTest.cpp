@@ -973,6 +973,57 @@ TEST(MdSignatures, PartsOfAnArrayAreToldApart) {
     }
 }
 
+/// What dropped out of an array that does not run says that it is in it: those that were written
+/// later know better.
+TEST_F(MdTest, OfAnArrayThatDoesNotRunTheFreshestSuperblockIsBelieved) {
+    constexpr std::size_t eventsAt = 4096 + 200;
+    constexpr std::size_t rolesAt = 4096 + 256;
+    const auto make = [this](const std::string& name, unsigned device, std::uint64_t events) {
+        std::string& head = files.drives[name].head;
+        head = superblockHead("zolex-data", 'a', 1, 2, device);
+        put(head, eventsAt, events, 8);
+    };
+    const auto told = [this] {
+        DiskScan scan;
+        scan.files = &files;
+        const Facts facts = factsOf(listDisks(scan));
+        std::string text = facts.logicalDrives.at(0).reportedState + ":";
+        for (const DriveFacts& drive : facts.drives) {
+            text +=
+                " " + drive.location.substr(drive.location.size() - 3) + " " + drive.reportedState;
+        }
+        for (const std::string& drive : facts.logicalDrives.at(0).drives()) {
+            text += " " + drive.substr(drive.size() - 3);
+        }
+        return text;
+    };
+    make("sda", 0, 17);
+    make("sdb", 1, 18); // one may be a step behind
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb in_sync sdc free sda sdb");
+    make("sdb", 1, 15);
+    EXPECT_EQ(told(), "degraded: sda in_sync sdb removed sdc free sda sdb");
+    // A spare took its place.
+    make("sdc", 2, 17);
+    for (const char* const name : {"sda", "sdc"}) {
+        put(files.drives[name].head, rolesAt + 2, 0xfffe, 2);
+        put(files.drives[name].head, rolesAt + 4, 1, 2);
+    }
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
+    // It dropped out with the last events: the others list it no more.
+    make("sdb", 1, 17);
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
+    const std::string line = deleteLine("zolex-data", "", {"ata-DISK_S-sda", "ata-DISK_S-sdc"});
+    EXPECT_EQ(run(line).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
+                                              "/dev/disk/by-id/ata-DISK_S-sda "
+                                              "/dev/disk/by-id/ata-DISK_S-sdc"});
+    // A copy of a member.
+    files.drives["sdb"].head = files.drives["sda"].head;
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
+    put(files.drives["sdb"].head, eventsAt, 18, 8);
+    EXPECT_EQ(told(), "stopped: sda removed sdb in_sync sdc in_sync sdb sdc");
+}
+
 /// A machine whose answers are those of a host over files that are made up.
 class HostPlatform : public Platform {
   public:

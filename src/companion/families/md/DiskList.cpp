@@ -2,6 +2,7 @@
 
 #include "companion/families/md/BlockDevices.h"
 #include "companion/families/md/DeviceText.h"
+#include "companion/families/md/StoppedArrays.h"
 #include "companion/text/Sizes.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ class Lister {
         for (ListedDisk& disk : list.disks) {
             readEnds(disk);
         }
-        findStopped(list);
+        findStopped(list, roles_);
         nameArrays(list);
         for (ListedDisk& disk : list.disks) {
             disk.why = whyNot(disk, list);
@@ -286,6 +287,7 @@ class Lister {
         }
         const DriveEnds ends{*head, *tail, disk.bytes};
         disk.superblock = superblockOf(ends);
+        roles_[disk.name] = rolesOf(ends);
         if (isWhole) {
             signatures_[disk.name] = signaturesOf(ends);
             if (hasUnknownData(ends)) {
@@ -303,60 +305,9 @@ class Lister {
         return found == arrays.end() ? nullptr : &*found;
     }
 
-    /// As the kernel would call it, if its array ran.
-    static const char* stateOf(Superblock::Part part) {
-        return part == Superblock::Part::member    ? "in_sync"
-               : part == Superblock::Part::spare   ? "spare"
-               : part == Superblock::Part::journal ? "journal"
-                                                   : "removed";
-    }
-
     static bool tellsOfJournal(const ListedDisk& disk) {
         return disk.arrayState.find("journal") != std::string::npos ||
                (disk.superblock && disk.superblock->hasJournal);
-    }
-
-    /// Arrays that do not run, and drives that were in one that does.
-    static void findStopped(DiskList& list) {
-        std::map<std::string, std::string, std::less<>> uuidOfNode;
-        for (ListedArray& array : list.arrays) {
-            for (const ListedDisk& disk : list.disks) {
-                if (disk.array == array.node && disk.superblock && array.uuid.empty() &&
-                    !disk.isFailed()) {
-                    array.uuid = disk.superblock->uuid;
-                    array.name = disk.superblock->name;
-                }
-            }
-        }
-        for (ListedDisk& disk : list.disks) {
-            if (!disk.array.empty() || !disk.superblock || disk.superblock->uuid.empty()) {
-                continue;
-            }
-            auto array = std::find_if(
-                list.arrays.begin(), list.arrays.end(),
-                [&disk](const ListedArray& one) { return one.uuid == disk.superblock->uuid; });
-            if (array == list.arrays.end()) {
-                const Superblock& superblock = *disk.superblock;
-                ListedArray stopped;
-                stopped.name = superblock.name;
-                stopped.uuid = superblock.uuid;
-                stopped.level =
-                    superblock.level == -1 ? "linear" : "raid" + std::to_string(superblock.level);
-                stopped.version = superblock.version;
-                stopped.state = "stopped";
-                stopped.raidDisks = superblock.raidDisks;
-                stopped.chunkBytes = superblock.chunkBytes;
-                stopped.componentBytes = superblock.componentBytes;
-                array = list.arrays.insert(list.arrays.end(), std::move(stopped));
-            }
-            if (array->node.empty()) {
-                disk.arraySlot = disk.superblock->role;
-                disk.arrayState = stateOf(disk.superblock->part);
-            } else {
-                disk.arrayState = "removed";
-            }
-            array->members.push_back(disk.name);
-        }
     }
 
     /// Which arrays are this program's own: by their name, when all of their members that are at
@@ -625,6 +576,7 @@ class Lister {
     const DiskScan& scan_;
     DiskFiles& files_;
     BlockDevices devices_;
+    RoleTables roles_;
     std::set<std::string, std::less<>> unreadable_;
     std::set<std::string, std::less<>> unknown_; ///< something stands in their first MiB
     std::map<std::string, std::vector<std::string>, std::less<>> signatures_;

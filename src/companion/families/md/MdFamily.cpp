@@ -100,8 +100,8 @@ class Capture {
             if (!array.isOurs) {
                 continue;
             }
-            const FamilyListing told =
-                ask(array.node.empty() ? examineLine(array.members[0]) : detailLine(array.node));
+            const FamilyListing told = ask(array.node.empty() ? examineLine(memberOf(list, array))
+                                                              : detailLine(array.node));
             controller.listings.push_back(told);
             const auto keys = exportedKeys(told.output);
             const auto uuid = keys.find("MD_UUID");
@@ -117,6 +117,15 @@ class Capture {
                      {"Look at it: " + told.command.substr(told.command.find(' ') + 1)}});
             }
         }
+    }
+
+    /// One that has not dropped out.
+    static std::string memberOf(const DiskList& list, const ListedArray& array) {
+        const auto found =
+            std::find_if(list.disks.begin(), list.disks.end(), [&array](const ListedDisk& disk) {
+                return lists(array.members, disk.name) && !disk.isFailed();
+            });
+        return found == list.disks.end() ? array.members.at(0) : found->name;
     }
 
     static void disown(DiskList& list, const std::string& why) {

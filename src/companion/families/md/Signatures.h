@@ -35,6 +35,13 @@ struct Superblock {
     friend bool operator==(const Superblock&, const Superblock&) = default;
 };
 
+/// What a superblock of version 1 tells of all devices of its array.
+struct RoleTable {
+    std::uint32_t device = 0;         ///< the number of its own drive
+    std::vector<std::uint32_t> roles; ///< by number: a place, or what the kernel writes for others
+};
+[[nodiscard]] RoleTable rolesOf(const DriveEnds& ends);
+
 /// The superblock of version 1 or 0.90 on a drive; nothing: none. Of 0.90 no more than that it is
 /// there is read.
 [[nodiscard]] std::optional<Superblock> superblockOf(const DriveEnds& ends);
