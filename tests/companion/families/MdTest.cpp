@@ -1024,6 +1024,57 @@ TEST_F(MdTest, OfAnArrayThatDoesNotRunTheFreshestSuperblockIsBelieved) {
     EXPECT_EQ(told(), "stopped: sda removed sdb in_sync sdc in_sync sdb sdc");
 }
 
+/// mdadm was cut off before the superblock of a spare was zeroed.
+TEST_F(MdTest, ASpareThatWasRemovedAndNotClearedIsClearedLater) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb", "sdc"}) {
+        files.drives[name].head = superblockHead("zolex-data", 'a', 1, 2, role++);
+    }
+    const std::string spare = "ata-DISK_S-sdc";
+    const auto look = [this] {
+        DiskScan scan;
+        scan.files = &files;
+        return factsOf(listDisks(scan));
+    };
+    const DriveFacts told = *look().drive(spare);
+    EXPECT_EQ(told.state, DriveState::hotspare);
+    EXPECT_EQ(told.reportedState, "removed spare");
+    EXPECT_EQ(told.health, Health::warning);
+    EXPECT_EQ(told.covers, std::vector<std::string>{"zolex-data (removed)"});
+    const std::string line = family().removeSpare(0, spare, told.covers);
+    EXPECT_EQ(line, removeSpareLine("zolex-data", spare));
+    EXPECT_EQ(run(line).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
+                                              "/dev/disk/by-id/" +
+                                              spare});
+    // One that was a member is none, and stays.
+    calls.clear();
+    put(files.drives["sdc"].head, 4096 + 160, 1, 4);
+    EXPECT_EQ(look().drive(spare)->state, DriveState::failed);
+    EXPECT_EQ(run(line).exitCode, MdHost::refused);
+    EXPECT_TRUE(calls.empty());
+}
+
+/// Of an array whose members are gone the spares go with what is left of it.
+TEST_F(MdTest, SparesOfWhichTheMembersAreGoneAreNamed) {
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 5, 3, 3);
+    files.drives["sdc"].head = superblockHead("zolex-data", 'a', 5, 3, 4);
+    DiskScan scan;
+    scan.files = &files;
+    const Facts facts = factsOf(listDisks(scan));
+    ASSERT_EQ(facts.logicalDrives.size(), 1U);
+    EXPECT_EQ(facts.logicalDrives[0].health, Health::critical);
+    EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::failed);
+    const std::string line = family().deleteVolume(0, facts.logicalDrives[0]);
+    EXPECT_NE(line.find(" --zero-superblock /dev/disk/by-id/ata-DISK_S-sdb "
+                        "/dev/disk/by-id/ata-DISK_S-sdc"),
+              std::string::npos)
+        << line;
+    EXPECT_EQ(run(line).exitCode, 0U);
+    EXPECT_EQ(calls.size(), 1U);
+}
+
 /// A machine whose answers are those of a host over files that are made up.
 class HostPlatform : public Platform {
   public:

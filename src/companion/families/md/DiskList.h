@@ -49,6 +49,10 @@ struct ListedDisk {
     [[nodiscard]] bool isSpare() const {
         return !arraySlot && arrayState.find("spare") != std::string::npos;
     }
+    /// Whether it is in no running array, and a superblock on it calls it a spare of one.
+    [[nodiscard]] bool isSpareApart() const {
+        return array.empty() && superblock && superblock->part == Superblock::Part::spare;
+    }
     /// Whether it has dropped out of its array.
     [[nodiscard]] bool isFailed() const { return isFaulty(arrayState) || arrayState == "removed"; }
     friend bool operator==(const ListedDisk&, const ListedDisk&) = default;

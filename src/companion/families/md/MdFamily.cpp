@@ -220,7 +220,9 @@ class MdFamily : public Family {
     }
     std::string removeSpare(std::int32_t, const std::string& location,
                             const std::vector<std::string>& arrays) const override {
-        return arrays.empty() ? std::string() : removeSpareLine(arrays[0], location);
+        return arrays.empty()
+                   ? std::string()
+                   : removeSpareLine(arrays[0].substr(0, arrays[0].find(removedFrom)), location);
     }
     std::string clearForeign(std::int32_t) const override { return {}; }
     std::string setCache(std::int32_t, const LogicalDriveFacts&, std::string_view,

@@ -222,10 +222,11 @@ ChildResult MdHost::zero(const std::vector<std::string>& ids, bool areSpares) {
 ChildResult MdHost::removeSpare(const MdCommand& command) {
     const std::string& id = command.drives[0];
     const DiskList before = list(std::vector<std::string>());
-    const ListedArray* const stopped = arrayNamed(before, command.array);
+    const ListedArray* const of = arrayNamed(before, command.array);
     const ListedDisk* const spare = diskWithId(before, id);
-    if (stopped != nullptr && stopped->isOurs && stopped->node.empty() && spare != nullptr &&
-        lists(stopped->members, spare->name) && spare->isSpare()) {
+    // Of an array that does not run, or removed already, and cut off before it was cleared.
+    if (of != nullptr && of->isOurs && spare != nullptr && lists(of->members, spare->name) &&
+        spare->isSpareApart()) {
         return zero({id}, true);
     }
     ChildResult result = attempt(command.arguments, [&] {

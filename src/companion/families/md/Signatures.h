@@ -29,7 +29,7 @@ struct Superblock {
     std::uint64_t chunkBytes = 0;
     std::uint64_t componentBytes = 0; ///< that each member gives
     std::uint64_t events = 0;
-    Part part = Part::spare;
+    Part part = Part::member;
     std::optional<std::uint32_t> role; ///< place in the array from 0, of a member
     bool hasJournal = false;           ///< its array has a drive to which all is written first
     friend bool operator==(const Superblock&, const Superblock&) = default;
