@@ -155,7 +155,8 @@ class MadeUpMdadm {
     }
 
     std::string driveOf(const std::string& path) {
-        const std::string device = files.resolved(path);
+        const std::string link = files.resolved(path);
+        const std::string& device = link.empty() ? path : link;
         return device.substr(device.rfind('/') + 1);
     }
 
@@ -435,6 +436,7 @@ class MdKilledRun : public testing::TestWithParam<MdKillCase> {
             EXPECT_EQ(bench_.mdadm.files.drives.at(drive).head, initial_.drives.at(drive).head);
             for (const std::string& line : bench_.mdadm.lines) {
                 EXPECT_EQ(line.find("S-" + drive), std::string::npos) << where << "\n" << line;
+                EXPECT_EQ(line.find("/dev/" + drive), std::string::npos) << where << "\n" << line;
             }
         }
     }

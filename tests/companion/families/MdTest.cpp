@@ -520,8 +520,8 @@ TEST_F(MdTest, MdadmIsStartedForDrivesThatNothingUses) {
     EXPECT_EQ(calls, std::vector<std::string>{
                          "/sbin/mdadm --create /dev/md/zolex-data --metadata=1.2 "
                          "--homehost=<none> --name=zolex-data --level=1 --raid-devices=2 "
-                         "--bitmap=internal /dev/disk/by-id/ata-DISK_S-sda "
-                         "/dev/disk/by-id/ata-DISK_S-sdb"});
+                         "--bitmap=internal /dev/sda "
+                         "/dev/sdb"});
 }
 
 /// What is made is clean before the command ends: the next one finds nothing at work. What fails
@@ -650,8 +650,8 @@ TEST_F(MdTest, AnArrayStaysWhereADriveOfItServesSomethingElse) {
     files = before;
     (void)run(line);
     EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
-                                              "/dev/disk/by-id/ata-DISK_S-sda "
-                                              "/dev/disk/by-id/ata-DISK_S-sdb"});
+                                              "/dev/sda "
+                                              "/dev/sdb"});
 }
 
 /// One that dropped out long ago, and one that was copied, keep what they carry.
@@ -676,8 +676,8 @@ TEST_F(MdTest, NoDriveIsZeroedThatIsNotNamed) {
               0U);
     EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --stop /dev/md127",
                                                "/sbin/mdadm --zero-superblock "
-                                               "/dev/disk/by-id/ata-DISK_S-sda "
-                                               "/dev/disk/by-id/ata-DISK_S-sdb"}));
+                                               "/dev/sda "
+                                               "/dev/sdb"}));
 }
 
 TEST_F(MdTest, SparesAreOfTheArrayThatWasJudgedWhereverItsLinkLeads) {
@@ -694,9 +694,9 @@ TEST_F(MdTest, SparesAreOfTheArrayThatWasJudgedWhereverItsLinkLeads) {
     files.files["/sys/block/md127/md/dev-sdd/slot"] = "none\n";
     (void)run("MD --manage /dev/md/zolex-data --remove /dev/disk/by-id/ata-DISK_S-sdd");
     EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --manage /dev/md127 --add-spare "
-                                               "/dev/disk/by-id/ata-DISK_S-sdd",
+                                               "/dev/sdd",
                                                "/sbin/mdadm --manage /dev/md127 --remove "
-                                               "/dev/disk/by-id/ata-DISK_S-sdd"}));
+                                               "/dev/sdd"}));
 }
 
 TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
@@ -1015,8 +1015,8 @@ TEST_F(MdTest, OfAnArrayThatDoesNotRunTheFreshestSuperblockIsBelieved) {
     const std::string line = deleteLine("zolex-data", "", {"ata-DISK_S-sda", "ata-DISK_S-sdc"});
     EXPECT_EQ(run(line).exitCode, 0U);
     EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
-                                              "/dev/disk/by-id/ata-DISK_S-sda "
-                                              "/dev/disk/by-id/ata-DISK_S-sdc"});
+                                              "/dev/sda "
+                                              "/dev/sdc"});
     // A copy of a member.
     files.drives["sdb"].head = files.drives["sda"].head;
     EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
@@ -1045,9 +1045,7 @@ TEST_F(MdTest, ASpareThatWasRemovedAndNotClearedIsClearedLater) {
     const std::string line = family().removeSpare(0, spare, told.covers);
     EXPECT_EQ(line, removeSpareLine("zolex-data", spare));
     EXPECT_EQ(run(line).exitCode, 0U);
-    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
-                                              "/dev/disk/by-id/" +
-                                              spare});
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock /dev/sdc"});
     // One that was a member is none, and stays.
     calls.clear();
     put(files.drives["sdc"].head, 4096 + 160, 1, 4);
@@ -1073,6 +1071,52 @@ TEST_F(MdTest, SparesOfWhichTheMembersAreGoneAreNamed) {
         << line;
     EXPECT_EQ(run(line).exitCode, 0U);
     EXPECT_EQ(calls.size(), 1U);
+}
+
+/// udev, or somebody, makes the link of a drive anew while mdadm is being started.
+TEST_F(MdTest, DrivesAreThoseThatWereJudgedWhereverTheirLinksLead) {
+    const MadeUpFiles before = files;
+    const auto start = machine.start;
+    machine.start = [&](const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds limit) {
+        files.links["/dev/disk/by-id/ata-DISK_S-sdb"] = "/dev/sdc"; // somebody's
+        return start(arguments, limit);
+    };
+    EXPECT_EQ(run(mirrorLine).exitCode, 0U);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_TRUE(calls[0].ends_with(" --bitmap=internal /dev/sda /dev/sdb")) << calls[0];
+    calls.clear();
+    files = before;
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb"}) {
+        files.drives[name].head = superblockHead("zolex-data", 'a', 1, 2, role++);
+    }
+    EXPECT_EQ(run(deleteLine("zolex-data", "", {"ata-DISK_S-sda", "ata-DISK_S-sdb"})).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock /dev/sda /dev/sdb"});
+}
+
+/// The array is stopped, and meanwhile a drive is made one of another array of ours.
+TEST_F(MdTest, NoSuperblockOfAnotherArrayIsZeroed) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.drives["sdc"].head = superblockHead("zolex-data", 'a', 1, 2, 2);
+    files.files["/sys/block/md127/md/dev-sdc/state"] = "spare\n";
+    files.files["/sys/block/md127/md/dev-sdc/slot"] = "none\n";
+    const auto start = machine.start;
+    machine.start = [&](const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds limit) {
+        std::erase_if(files.files, [](const auto& file) {
+            return file.first.find("md127/md/dev-sdc") != std::string::npos;
+        });
+        files.drives["sdc"].head = superblockHead("zolex-other", 'b', 1, 2, 2);
+        return start(arguments, limit);
+    };
+    const ChildResult result = run(removeSpareLine("zolex-data", "ata-DISK_S-sdc"));
+    EXPECT_EQ(result.exitCode, MdHost::refused);
+    EXPECT_EQ(result.output, "zolexctl: ata-DISK_S-sdc is not touched: its superblock tells of "
+                             "another array.\n");
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --manage /dev/md127 --remove /dev/sdc"});
 }
 
 /// A machine whose answers are those of a host over files that are made up.
