@@ -117,6 +117,13 @@ TEST_F(MdTest, EachRefusalOfADriveHasItsReason) {
     files.files["/sys/block/sdd/device/vpd_pg80"] = files.files["/sys/block/sda/device/vpd_pg80"];
     EXPECT_EQ(why("sda"), "it has the serial number of sdd, too");
     files.addDrive("sdd", 3);
+    files.files["/sys/block/sda/device/wwid"] = "naa.5000c500a1b2c3d4\n"; // by two ways
+    files.files["/sys/block/sdd/device/wwid"] = "naa.5000c500a1b2c3d4\n";
+    EXPECT_EQ(why("sda"), "it has the WWN of sdd, too");
+    EXPECT_EQ(why("sdd"), "it has the WWN of sda, too");
+    files.files["/sys/block/sdd/device/wwid"] = "naa.5000c500a1b2c3d5\n";
+    EXPECT_EQ(why("sda"), "");
+    files.addDrive("sdd", 3);
     files.files["/sys/block/sda/holders/dm-0"] = "";
     EXPECT_EQ(why("sda"), "in use: held by dm-0");
     files.files.erase("/sys/block/sda/holders/dm-0");

@@ -391,6 +391,9 @@ class Lister {
                 other.serialNumber == disk.serialNumber && other.model == disk.model) {
                 return "it has the serial number of " + other.name + ", too";
             }
+            if (!disk.wwn.empty() && other.name != disk.name && other.wwn == disk.wwn) {
+                return "it has the WWN of " + other.name + ", too";
+            }
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
         if (array != nullptr && array->isShown) {
