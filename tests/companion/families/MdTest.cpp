@@ -298,6 +298,10 @@ TEST_F(MdTest, AProbeThatFailsDoesNotTellThatNothingIsThere) {
     EXPECT_EQ(why(), "in use: it carries minix (blkid)");
     isThere("/sbin/blkid", ProgramAnswer{2, ""});
     EXPECT_EQ(why(), "");
+    isThere("/sbin/wipefs", ProgramAnswer{0, "{\"signatures\": [{\"type\":\"ufs\"}]}"});
+    EXPECT_EQ(why(), "in use: it carries ufs (wipefs)");
+    isThere("/sbin/wipefs", ProgramAnswer{1, ""});
+    EXPECT_EQ(why(), "");
 }
 
 /// mdadm leaves the bitmap of an array where it was.

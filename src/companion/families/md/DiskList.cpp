@@ -476,15 +476,21 @@ class Lister {
         std::string fault;
     };
 
-    /// What the system's own programs find on a drive, where they are there.
+    /// What the system's own programs find on a drive, where they are there. What one does not know
+    /// the other may.
     std::string whyProbed(const std::string& name) {
         std::string fault;
+        bool isAnswered = false;
         for (const auto ask : {&Lister::askBlkid, &Lister::askWipefs}) {
             const Probe probe = (this->*ask)(device(name));
-            if (probe.answer) {
-                return probe.answer->empty() ? std::string() : carries(*probe.answer);
+            if (probe.answer && !probe.answer->empty()) {
+                return carries(*probe.answer);
             }
+            isAnswered = isAnswered || probe.answer.has_value();
             fault = fault.empty() ? probe.fault : fault;
+        }
+        if (isAnswered) {
+            return {};
         }
         if (!fault.empty()) {
             return "what it carries cannot be told: " + fault;
