@@ -155,7 +155,8 @@ class MadeUpMdadm {
     }
 
     std::string driveOf(const std::string& path) {
-        const std::string device = files.resolved(path);
+        const std::string link = files.resolved(path);
+        const std::string& device = link.empty() ? path : link;
         return device.substr(device.rfind('/') + 1);
     }
 
@@ -194,6 +195,14 @@ class MadeUpMdadm {
             stopArray(words.at(1).substr(std::string("/dev/").size()));
         } else if (verb == "--manage" && words.at(2) == "--add-spare" && isDone()) {
             addSpare(nameOf(words.at(1)), driveOf(words.at(3)));
+        } else if (verb == "--manage" && words.at(2) == "--remove" && isDone()) {
+            const std::string node = words.at(1).substr(std::string("/dev/").size());
+            const std::string spare = driveOf(words.at(3));
+            std::erase_if(files.files, [&](const auto& file) {
+                return file.first.starts_with("/sys/block/" + node + "/md/dev-" + spare + "/") ||
+                       file.first == "/sys/block/" + spare + "/holders/" + node ||
+                       file.first == "/sys/block/" + node + "/slaves/" + spare;
+            });
         } else if (verb == "--zero-superblock") {
             for (std::size_t i = 1; i < words.size() && isDone(); ++i) {
                 files.drives.at(driveOf(words[i])).head = test::zeros();
@@ -317,8 +326,11 @@ struct MdKillCase {
     int drives = 0;
     StrategyWish wish = StrategyWish::automatic;
     std::string policies;
-    Lines old;     ///< drives of an array that goes
+    Lines old;     ///< drives of an array that is there before
+    Lines spares;  ///< of it
     Lines outside; ///< that the plan does not name
+    std::size_t commands = 1;
+    bool makes = true; ///< an array
 };
 
 void PrintTo(const MdKillCase& each, std::ostream* stream) {
@@ -334,7 +346,7 @@ class MdKilledRun : public testing::TestWithParam<MdKillCase> {
     MdKilledRun() : bench_(GetParam().drives, GetParam().wish) {
         const MdKillCase& each = GetParam();
         if (!each.old.empty()) {
-            bench_.mdadm.makeArray("zolex-old", each.old, {}, 1);
+            bench_.mdadm.makeArray("zolex-old", each.old, each.spares, 1);
         }
         // Somebody's own array that does not run, at the end.
         MadeUpFiles::Drive& last = bench_.mdadm.files.drives.at(each.outside.back());
@@ -424,6 +436,7 @@ class MdKilledRun : public testing::TestWithParam<MdKillCase> {
             EXPECT_EQ(bench_.mdadm.files.drives.at(drive).head, initial_.drives.at(drive).head);
             for (const std::string& line : bench_.mdadm.lines) {
                 EXPECT_EQ(line.find("S-" + drive), std::string::npos) << where << "\n" << line;
+                EXPECT_EQ(line.find("/dev/" + drive), std::string::npos) << where << "\n" << line;
             }
         }
     }
@@ -469,7 +482,7 @@ class MdKilledRun : public testing::TestWithParam<MdKillCase> {
 
 TEST_P(MdKilledRun, EndsAsPlannedAndTouchesNoOtherDrive) {
     ASSERT_EQ(test::faultsOf(plan_), Lines{});
-    ASSERT_EQ(test::commandsOf(plan_).size(), GetParam().old.empty() ? 1U : 2U)
+    ASSERT_EQ(test::commandsOf(plan_).size(), GetParam().commands)
         << testing::PrintToString(test::commandsOf(plan_));
     reset(ChildFate::later, endless);
     const ApplyEnd whole = bench_.apply();
@@ -492,9 +505,9 @@ TEST_P(MdKilledRun, EndsAsPlannedAndTouchesNoOtherDrive) {
         }
     }
     EXPECT_GT(kills_, 30U);
-    EXPECT_GT(plansAgain_, 0U); // an array of which mdadm has made a part
+    EXPECT_EQ(plansAgain_ > 0, GetParam().makes); // an array of which mdadm has made a part
     RecordProperty("kills", static_cast<int>(kills_));
-    EXPECT_GT(starts_, 0U); // or not started
+    EXPECT_EQ(starts_ > 0, GetParam().makes); // or not started
     RecordProperty("plans", static_cast<int>(plansAgain_));
     RecordProperty("starts", static_cast<int>(starts_));
     RecordProperty("resets", static_cast<int>(resets_));
@@ -506,13 +519,25 @@ std::vector<MdKillCase> mdKillCases() {
              StrategyWish::automatic,
              "Array.A = 1,2\nHotspares = 3\nLogical.1 = A:FILL:1\n",
              {},
+             {},
              {"sdd", "sde"}},
             {"ReplacedByAnother",
              5,
              StrategyWish::automatic,
              "Array.A = 1,2,3\nArray_Defaults = 0%:0\nLogical.1 = A:FILL:5\n",
              {"sda", "sdb"},
-             {"sdd", "sde"}}};
+             {},
+             {"sdd", "sde"},
+             2},
+            {"WithoutTheSpare",
+             5,
+             StrategyWish::automatic,
+             "Array.A = 1,2\nArray_Defaults = 0%:0\nLogical.1 = A:FILL:1\n",
+             {"sda", "sdb"},
+             {"sdc"},
+             {"sdd", "sde"},
+             1,
+             false}};
 }
 
 INSTANTIATE_TEST_SUITE_P(All, MdKilledRun, testing::ValuesIn(mdKillCases()), nameOfMdKill);

@@ -117,6 +117,13 @@ TEST_F(MdTest, EachRefusalOfADriveHasItsReason) {
     files.files["/sys/block/sdd/device/vpd_pg80"] = files.files["/sys/block/sda/device/vpd_pg80"];
     EXPECT_EQ(why("sda"), "it has the serial number of sdd, too");
     files.addDrive("sdd", 3);
+    files.files["/sys/block/sda/device/wwid"] = "naa.5000c500a1b2c3d4\n"; // by two ways
+    files.files["/sys/block/sdd/device/wwid"] = "naa.5000c500a1b2c3d4\n";
+    EXPECT_EQ(why("sda"), "it has the WWN of sdd, too");
+    EXPECT_EQ(why("sdd"), "it has the WWN of sda, too");
+    files.files["/sys/block/sdd/device/wwid"] = "naa.5000c500a1b2c3d5\n";
+    EXPECT_EQ(why("sda"), "");
+    files.addDrive("sdd", 3);
     files.files["/sys/block/sda/holders/dm-0"] = "";
     EXPECT_EQ(why("sda"), "in use: held by dm-0");
     files.files.erase("/sys/block/sda/holders/dm-0");
@@ -291,6 +298,10 @@ TEST_F(MdTest, AProbeThatFailsDoesNotTellThatNothingIsThere) {
     EXPECT_EQ(why(), "in use: it carries minix (blkid)");
     isThere("/sbin/blkid", ProgramAnswer{2, ""});
     EXPECT_EQ(why(), "");
+    isThere("/sbin/wipefs", ProgramAnswer{0, "{\"signatures\": [{\"type\":\"ufs\"}]}"});
+    EXPECT_EQ(why(), "in use: it carries ufs (wipefs)");
+    isThere("/sbin/wipefs", ProgramAnswer{1, ""});
+    EXPECT_EQ(why(), "");
 }
 
 /// mdadm leaves the bitmap of an array where it was.
@@ -430,6 +441,54 @@ TEST(MdCommands, DrivesThatDifferTooMuchAreRefusedBeforeMdadmAsks) {
               "array of unless it is forced");
 }
 
+/// mdadm keeps a part of each drive, and asks where more than a hundredth of the rest is left.
+TEST(MdCommands, ASizeThatMdadmWouldAskAboutIsRefused) {
+    constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
+    Facts facts;
+    VolumeWish wish;
+    wish.spans.emplace_back();
+    for (int i = 0; i < 4; ++i) {
+        DriveFacts& drive = facts.drives.emplace_back();
+        drive.location = "d" + std::to_string(i);
+        drive.capacityBytes = 200 * gibibyte;
+        wish.spans[0].push_back(drive.location);
+    }
+    const std::vector<std::pair<std::string, std::uint64_t>> levels = {
+        {"RAID1", 1}, {"RAID5", 3}, {"RAID6", 2}, {"RAID10", 2}};
+    for (const auto& [raidType, data] : levels) {
+        wish.raidType = raidType;
+        wish.capacityBytes.reset();
+        EXPECT_EQ(whyNoArray(wish, facts), "") << raidType;
+        const auto why = [&](std::uint64_t share) {
+            wish.capacityBytes = data * share;
+            return whyNoArray(wish, facts);
+        };
+        // 204800 MiB, less 129; of these a hundredth may be left.
+        EXPECT_EQ(why(204671 * mebibyte), "") << raidType;
+        EXPECT_EQ(why(204672 * mebibyte), "of that size it takes 204672 MB of each drive, where "
+                                          "mdadm leaves 204671 MB: FILL takes all")
+            << raidType;
+        EXPECT_EQ(why(202625 * mebibyte), "") << raidType;
+        EXPECT_EQ(
+            why(202624 * mebibyte),
+            "of that size it takes 202624 MB of each drive, and mdadm makes none of less than "
+            "99 % (204671 MB here) unless it is forced: FILL takes all")
+            << raidType;
+    }
+    facts.drives[3].capacityBytes = 201 * gibibyte;
+    EXPECT_NE(whyNoArray(wish, facts), "");
+    wish.capacityBytes = 2 * (204671 * mebibyte); // of the smaller drive all
+    EXPECT_EQ(whyNoArray(wish, facts), "");
+    wish.capacityBytes.reset();
+    for (DriveFacts& drive : facts.drives) {
+        drive.capacityBytes = gibibyte;
+    }
+    wish.stripSizeBytes = gibibyte;
+    EXPECT_EQ(whyNoArray(wish, facts), "a drive of 1.0 GB has no room for a strip of 1.0 GB");
+    wish.stripSizeBytes = gibibyte / 2;
+    EXPECT_EQ(whyNoArray(wish, facts), "");
+}
+
 TEST_F(MdTest, NoLineEverForcesMdadm) {
     for (const std::string word : {"--run", "-R", "--force", "-f", "--assume-clean", "--level=x",
                                    "--name=other", "--bitmap=none", "/dev/sda"}) {
@@ -472,8 +531,8 @@ TEST_F(MdTest, MdadmIsStartedForDrivesThatNothingUses) {
     EXPECT_EQ(calls, std::vector<std::string>{
                          "/sbin/mdadm --create /dev/md/zolex-data --metadata=1.2 "
                          "--homehost=<none> --name=zolex-data --level=1 --raid-devices=2 "
-                         "--bitmap=internal /dev/disk/by-id/ata-DISK_S-sda "
-                         "/dev/disk/by-id/ata-DISK_S-sdb"});
+                         "--bitmap=internal /dev/sda "
+                         "/dev/sdb"});
 }
 
 /// What is made is clean before the command ends: the next one finds nothing at work. What fails
@@ -602,8 +661,8 @@ TEST_F(MdTest, AnArrayStaysWhereADriveOfItServesSomethingElse) {
     files = before;
     (void)run(line);
     EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
-                                              "/dev/disk/by-id/ata-DISK_S-sda "
-                                              "/dev/disk/by-id/ata-DISK_S-sdb"});
+                                              "/dev/sda "
+                                              "/dev/sdb"});
 }
 
 /// One that dropped out long ago, and one that was copied, keep what they carry.
@@ -628,8 +687,8 @@ TEST_F(MdTest, NoDriveIsZeroedThatIsNotNamed) {
               0U);
     EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --stop /dev/md127",
                                                "/sbin/mdadm --zero-superblock "
-                                               "/dev/disk/by-id/ata-DISK_S-sda "
-                                               "/dev/disk/by-id/ata-DISK_S-sdb"}));
+                                               "/dev/sda "
+                                               "/dev/sdb"}));
 }
 
 TEST_F(MdTest, SparesAreOfTheArrayThatWasJudgedWhereverItsLinkLeads) {
@@ -646,9 +705,9 @@ TEST_F(MdTest, SparesAreOfTheArrayThatWasJudgedWhereverItsLinkLeads) {
     files.files["/sys/block/md127/md/dev-sdd/slot"] = "none\n";
     (void)run("MD --manage /dev/md/zolex-data --remove /dev/disk/by-id/ata-DISK_S-sdd");
     EXPECT_EQ(calls, (std::vector<std::string>{"/sbin/mdadm --manage /dev/md127 --add-spare "
-                                               "/dev/disk/by-id/ata-DISK_S-sdd",
+                                               "/dev/sdd",
                                                "/sbin/mdadm --manage /dev/md127 --remove "
-                                               "/dev/disk/by-id/ata-DISK_S-sdd"}));
+                                               "/dev/sdd"}));
 }
 
 TEST_F(MdTest, AFailedDriveStandsWhereItWas) {
@@ -860,6 +919,217 @@ TEST_F(MdTest, StatesComeFromTheKernel) {
     EXPECT_EQ(facts().drives[2].covers, std::vector<std::string>{"zolex-data"});
 }
 
+/// Without its journal an array is lost: neither it nor its drives are ever planned on.
+TEST_F(MdTest, AnArrayWithAWriteJournalStaysAsItIs) {
+    files.addArray("md127", "raid5", {"sda", "sdb", "sdc"});
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb", "sdc", "sdd", "sde"}) {
+        if (role > 2) {
+            files.addDrive(name, static_cast<int>(role));
+            files.files[std::string("/sys/block/md127/md/dev-") + name + "/state"] = "spare\n";
+            files.files[std::string("/sys/block/md127/md/dev-") + name + "/slot"] = "none\n";
+        }
+        std::string& head = files.drives[name].head;
+        head = superblockHead("zolex-data", 'a', 5, 3, role++);
+        put(head, 4096 + 8, 512, 4);
+        put(head, 4096 + 256 + 2 * 3, 0xfffd, 2);
+    }
+    files.files["/sys/block/md127/md/dev-sdd/state"] = "journal,in_sync\n";
+    files.files["/sys/block/md127/md/dev-sdd/slot"] = "journal\n";
+    const std::string journal = "ata-DISK_S-sdd";
+    const std::string removal = "MD --manage /dev/md/zolex-data --remove /dev/disk/by-id/";
+    for (const bool runs : {true, false}) {
+        if (!runs) {
+            std::erase_if(files.files, [](const auto& file) {
+                return file.first.find("md127") != std::string::npos;
+            });
+        }
+        DiskScan scan;
+        scan.files = &files;
+        const DiskList list = listDisks(scan);
+        EXPECT_EQ(diskListFrom(toText(list)), list);
+        const Facts facts = factsOf(list);
+        ASSERT_EQ(facts.logicalDrives.size(), 1U) << runs;
+        EXPECT_EQ(family().whyNotDeleted(facts.logicalDrives[0]), "it has a write journal");
+        EXPECT_EQ(family().deleteVolume(0, facts.logicalDrives[0]), "");
+        EXPECT_EQ(facts.drive("ata-DISK_S-sda")->state, DriveState::member);
+        EXPECT_EQ(facts.drive(journal)->state, DriveState::jbod);
+        EXPECT_EQ(family().whyNotUsable(*facts.drive(journal)),
+                  "in use: write journal of the md array zolex-data");
+        EXPECT_EQ(family().whyNotUsable(*facts.drive("ata-DISK_S-sde")),
+                  "in use: hot spare of the md array zolex-data");
+        for (const char* const drive : {"ata-DISK_S-sdd", "ata-DISK_S-sde"}) {
+            EXPECT_EQ(run(removal + drive).exitCode, MdHost::refused) << runs;
+        }
+        EXPECT_EQ(run(deleteLine("zolex-data", "",
+                                 {"ata-DISK_S-sda", "ata-DISK_S-sdb", "ata-DISK_S-sdc"}))
+                      .exitCode,
+                  MdHost::refused);
+    }
+    EXPECT_TRUE(calls.empty());
+}
+
+/// What a superblock tells of its own drive is kept apart.
+TEST(MdSignatures, PartsOfAnArrayAreToldApart) {
+    const std::vector<std::pair<std::uint64_t, Superblock::Part>> parts = {
+        {2, Superblock::Part::member},       {0xffff, Superblock::Part::spare},
+        {0xfffd, Superblock::Part::journal}, {0xfffe, Superblock::Part::faulty},
+        {3, Superblock::Part::faulty},
+    };
+    for (const auto& [role, part] : parts) {
+        DriveEnds ends{superblockHead("zolex-data", 'a', 5, 3, 4), zeros(), 3 * gibibyte};
+        put(ends.head, 4096 + 256 + 2 * 4, role, 2);
+        EXPECT_EQ(superblockOf(ends)->part, part) << role;
+        EXPECT_EQ(superblockOf(ends)->role.has_value(), part == Superblock::Part::member);
+    }
+}
+
+/// What dropped out of an array that does not run says that it is in it: those that were written
+/// later know better.
+TEST_F(MdTest, OfAnArrayThatDoesNotRunTheFreshestSuperblockIsBelieved) {
+    constexpr std::size_t eventsAt = 4096 + 200;
+    constexpr std::size_t rolesAt = 4096 + 256;
+    const auto make = [this](const std::string& name, unsigned device, std::uint64_t events) {
+        std::string& head = files.drives[name].head;
+        head = superblockHead("zolex-data", 'a', 1, 2, device);
+        put(head, eventsAt, events, 8);
+    };
+    const auto told = [this] {
+        DiskScan scan;
+        scan.files = &files;
+        const Facts facts = factsOf(listDisks(scan));
+        std::string text = facts.logicalDrives.at(0).reportedState + ":";
+        for (const DriveFacts& drive : facts.drives) {
+            text +=
+                " " + drive.location.substr(drive.location.size() - 3) + " " + drive.reportedState;
+        }
+        for (const std::string& drive : facts.logicalDrives.at(0).drives()) {
+            text += " " + drive.substr(drive.size() - 3);
+        }
+        return text;
+    };
+    make("sda", 0, 17);
+    make("sdb", 1, 18); // one may be a step behind
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb in_sync sdc free sda sdb");
+    make("sdb", 1, 15);
+    EXPECT_EQ(told(), "degraded: sda in_sync sdb removed sdc free sda sdb");
+    // A spare took its place.
+    make("sdc", 2, 17);
+    for (const char* const name : {"sda", "sdc"}) {
+        put(files.drives[name].head, rolesAt + 2, 0xfffe, 2);
+        put(files.drives[name].head, rolesAt + 4, 1, 2);
+    }
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
+    // It dropped out with the last events: the others list it no more.
+    make("sdb", 1, 17);
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
+    const std::string line = deleteLine("zolex-data", "", {"ata-DISK_S-sda", "ata-DISK_S-sdc"});
+    EXPECT_EQ(run(line).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock "
+                                              "/dev/sda "
+                                              "/dev/sdc"});
+    // A copy of a member.
+    files.drives["sdb"].head = files.drives["sda"].head;
+    EXPECT_EQ(told(), "stopped: sda in_sync sdb removed sdc in_sync sda sdc");
+    put(files.drives["sdb"].head, eventsAt, 18, 8);
+    EXPECT_EQ(told(), "stopped: sda removed sdb in_sync sdc in_sync sdb sdc");
+}
+
+/// mdadm was cut off before the superblock of a spare was zeroed.
+TEST_F(MdTest, ASpareThatWasRemovedAndNotClearedIsClearedLater) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb", "sdc"}) {
+        files.drives[name].head = superblockHead("zolex-data", 'a', 1, 2, role++);
+    }
+    const std::string spare = "ata-DISK_S-sdc";
+    const auto look = [this] {
+        DiskScan scan;
+        scan.files = &files;
+        return factsOf(listDisks(scan));
+    };
+    const DriveFacts told = *look().drive(spare);
+    EXPECT_EQ(told.state, DriveState::hotspare);
+    EXPECT_EQ(told.reportedState, "removed spare");
+    EXPECT_EQ(told.health, Health::warning);
+    EXPECT_EQ(told.covers, std::vector<std::string>{"zolex-data (removed)"});
+    const std::string line = family().removeSpare(0, spare, told.covers);
+    EXPECT_EQ(line, removeSpareLine("zolex-data", spare));
+    EXPECT_EQ(run(line).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock /dev/sdc"});
+    // One that was a member is none, and stays.
+    calls.clear();
+    put(files.drives["sdc"].head, 4096 + 160, 1, 4);
+    EXPECT_EQ(look().drive(spare)->state, DriveState::failed);
+    EXPECT_EQ(run(line).exitCode, MdHost::refused);
+    EXPECT_TRUE(calls.empty());
+}
+
+/// Of an array whose members are gone the spares go with what is left of it.
+TEST_F(MdTest, SparesOfWhichTheMembersAreGoneAreNamed) {
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 5, 3, 3);
+    files.drives["sdc"].head = superblockHead("zolex-data", 'a', 5, 3, 4);
+    DiskScan scan;
+    scan.files = &files;
+    const Facts facts = factsOf(listDisks(scan));
+    ASSERT_EQ(facts.logicalDrives.size(), 1U);
+    EXPECT_EQ(facts.logicalDrives[0].health, Health::critical);
+    EXPECT_EQ(facts.drive("ata-DISK_S-sdb")->state, DriveState::failed);
+    const std::string line = family().deleteVolume(0, facts.logicalDrives[0]);
+    EXPECT_NE(line.find(" --zero-superblock /dev/disk/by-id/ata-DISK_S-sdb "
+                        "/dev/disk/by-id/ata-DISK_S-sdc"),
+              std::string::npos)
+        << line;
+    EXPECT_EQ(run(line).exitCode, 0U);
+    EXPECT_EQ(calls.size(), 1U);
+}
+
+/// udev, or somebody, makes the link of a drive anew while mdadm is being started.
+TEST_F(MdTest, DrivesAreThoseThatWereJudgedWhereverTheirLinksLead) {
+    const MadeUpFiles before = files;
+    const auto start = machine.start;
+    machine.start = [&](const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds limit) {
+        files.links["/dev/disk/by-id/ata-DISK_S-sdb"] = "/dev/sdc"; // somebody's
+        return start(arguments, limit);
+    };
+    EXPECT_EQ(run(mirrorLine).exitCode, 0U);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_TRUE(calls[0].ends_with(" --bitmap=internal /dev/sda /dev/sdb")) << calls[0];
+    calls.clear();
+    files = before;
+    unsigned role = 0;
+    for (const char* const name : {"sda", "sdb"}) {
+        files.drives[name].head = superblockHead("zolex-data", 'a', 1, 2, role++);
+    }
+    EXPECT_EQ(run(deleteLine("zolex-data", "", {"ata-DISK_S-sda", "ata-DISK_S-sdb"})).exitCode, 0U);
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --zero-superblock /dev/sda /dev/sdb"});
+}
+
+/// The array is stopped, and meanwhile a drive is made one of another array of ours.
+TEST_F(MdTest, NoSuperblockOfAnotherArrayIsZeroed) {
+    files.addArray("md127", "raid1", {"sda", "sdb"});
+    files.drives["sda"].head = superblockHead("zolex-data", 'a', 1, 2, 0);
+    files.drives["sdb"].head = superblockHead("zolex-data", 'a', 1, 2, 1);
+    files.drives["sdc"].head = superblockHead("zolex-data", 'a', 1, 2, 2);
+    files.files["/sys/block/md127/md/dev-sdc/state"] = "spare\n";
+    files.files["/sys/block/md127/md/dev-sdc/slot"] = "none\n";
+    const auto start = machine.start;
+    machine.start = [&](const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds limit) {
+        std::erase_if(files.files, [](const auto& file) {
+            return file.first.find("md127/md/dev-sdc") != std::string::npos;
+        });
+        files.drives["sdc"].head = superblockHead("zolex-other", 'b', 1, 2, 2);
+        return start(arguments, limit);
+    };
+    const ChildResult result = run(removeSpareLine("zolex-data", "ata-DISK_S-sdc"));
+    EXPECT_EQ(result.exitCode, MdHost::refused);
+    EXPECT_EQ(result.output, "zolexctl: ata-DISK_S-sdc is not touched: its superblock tells of "
+                             "another array.\n");
+    EXPECT_EQ(calls, std::vector<std::string>{"/sbin/mdadm --manage /dev/md127 --remove /dev/sdc"});
+}
+
 /// A machine whose answers are those of a host over files that are made up.
 class HostPlatform : public Platform {
   public:
@@ -937,6 +1207,13 @@ TEST(MdFamily, TellsWhatMdadmWouldHaveAsked) {
         "Continue creating array? mdadm: create aborted.\n");
     EXPECT_FALSE(verdict.isDone);
     EXPECT_EQ(verdict.why, "mdadm: /dev/sdb appears to contain an ext2fs file system");
+    EXPECT_NE(verdict.help.at(0).find("wipefs"), std::string::npos);
+    const FamilyVerdict small = family().judge(
+        mirrorLine, 1,
+        "mdadm: largest drive (/dev/disk/by-id/a) exceeds size (102400000K) by more than 1%\n"
+        "Continue creating array? mdadm: create aborted.\n");
+    EXPECT_EQ(small.help.at(0), "mdadm would go on only if it were forced to; take the drives "
+                                "whole: FILL as the size");
     EXPECT_TRUE(family().judge(mirrorLine, 0, "").isDone);
     EXPECT_EQ(family().judge(mirrorLine, 2, "").why, "mdadm ended with 2");
 }

@@ -2,6 +2,7 @@
 
 #include "companion/families/md/BlockDevices.h"
 #include "companion/families/md/DeviceText.h"
+#include "companion/families/md/StoppedArrays.h"
 #include "companion/text/Sizes.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ class Lister {
         for (ListedDisk& disk : list.disks) {
             readEnds(disk);
         }
-        findStopped(list);
+        findStopped(list, roles_);
         nameArrays(list);
         for (ListedDisk& disk : list.disks) {
             disk.why = whyNot(disk, list);
@@ -286,6 +287,7 @@ class Lister {
         }
         const DriveEnds ends{*head, *tail, disk.bytes};
         disk.superblock = superblockOf(ends);
+        roles_[disk.name] = rolesOf(ends);
         if (isWhole) {
             signatures_[disk.name] = signaturesOf(ends);
             if (hasUnknownData(ends)) {
@@ -303,52 +305,15 @@ class Lister {
         return found == arrays.end() ? nullptr : &*found;
     }
 
-    /// Arrays that do not run, and drives that were in one that does.
-    static void findStopped(DiskList& list) {
-        std::map<std::string, std::string, std::less<>> uuidOfNode;
-        for (ListedArray& array : list.arrays) {
-            for (const ListedDisk& disk : list.disks) {
-                if (disk.array == array.node && disk.superblock && array.uuid.empty() &&
-                    !disk.isFailed()) {
-                    array.uuid = disk.superblock->uuid;
-                    array.name = disk.superblock->name;
-                }
-            }
-        }
-        for (ListedDisk& disk : list.disks) {
-            if (!disk.array.empty() || !disk.superblock || disk.superblock->uuid.empty()) {
-                continue;
-            }
-            auto array = std::find_if(
-                list.arrays.begin(), list.arrays.end(),
-                [&disk](const ListedArray& one) { return one.uuid == disk.superblock->uuid; });
-            if (array == list.arrays.end()) {
-                const Superblock& superblock = *disk.superblock;
-                ListedArray stopped;
-                stopped.name = superblock.name;
-                stopped.uuid = superblock.uuid;
-                stopped.level =
-                    superblock.level == -1 ? "linear" : "raid" + std::to_string(superblock.level);
-                stopped.version = superblock.version;
-                stopped.state = "stopped";
-                stopped.raidDisks = superblock.raidDisks;
-                stopped.chunkBytes = superblock.chunkBytes;
-                stopped.componentBytes = superblock.componentBytes;
-                array = list.arrays.insert(list.arrays.end(), std::move(stopped));
-            }
-            if (array->node.empty()) {
-                disk.arraySlot = disk.superblock->role;
-                disk.arrayState = disk.arraySlot ? "in_sync" : "spare";
-            } else {
-                disk.arrayState = "removed";
-            }
-            array->members.push_back(disk.name);
-        }
+    static bool tellsOfJournal(const ListedDisk& disk) {
+        return disk.arrayState.find("journal") != std::string::npos ||
+               (disk.superblock && disk.superblock->hasJournal);
     }
 
     /// Which arrays are this program's own: by their name, when all of their members that are at
     /// work are whole drives that say the same, and no other array has it. What has failed says
-    /// nothing. One that runs is shown by its name also where a member cannot say it.
+    /// nothing. One that runs is shown by its name also where a member cannot say it, and so is one
+    /// with a write journal.
     void nameArrays(DiskList& list) {
         for (ListedArray& array : list.arrays) {
             const auto sameName =
@@ -359,6 +324,10 @@ class Lister {
             }
             bool saysOne = false;
             std::string fault;
+            array.hasJournal =
+                std::any_of(list.disks.begin(), list.disks.end(), [&array](const ListedDisk& disk) {
+                    return lists(array.members, disk.name) && tellsOfJournal(disk);
+                });
             array.isShown = true;
             for (const std::string& name : array.members) {
                 const auto disk =
@@ -383,6 +352,10 @@ class Lister {
             }
             array.isOurs = saysOne && fault.empty();
             array.isShown = array.isOurs || (array.isShown && saysOne && !array.node.empty());
+            if (array.isOurs && array.hasJournal) {
+                array.isOurs = false; // without its journal it is lost, and zolexctl makes none
+                fault = "it has a write journal";
+            }
             if (!fault.empty() && array.whyNotStopped.empty()) {
                 array.whyNotStopped = fault;
             }
@@ -418,9 +391,16 @@ class Lister {
                 other.serialNumber == disk.serialNumber && other.model == disk.model) {
                 return "it has the serial number of " + other.name + ", too";
             }
+            if (!disk.wwn.empty() && other.name != disk.name && other.wwn == disk.wwn) {
+                return "it has the WWN of " + other.name + ", too";
+            }
         }
         const ListedArray* const array = arrayOf(list.arrays, disk);
         if (array != nullptr && array->isShown) {
+            if (!disk.arraySlot && !disk.isFailed() && (array->hasJournal || !disk.isSpare())) {
+                return std::string("in use: ") + (disk.isSpare() ? "hot spare" : "write journal") +
+                       " of the md array " + array->name;
+            }
             const std::string why = disk.array.empty() ? whyUsedBeside(disk) : std::string();
             return why.empty() ? disk.why : "in use: " + why;
         }
@@ -496,15 +476,21 @@ class Lister {
         std::string fault;
     };
 
-    /// What the system's own programs find on a drive, where they are there.
+    /// What the system's own programs find on a drive, where they are there. What one does not know
+    /// the other may.
     std::string whyProbed(const std::string& name) {
         std::string fault;
+        bool isAnswered = false;
         for (const auto ask : {&Lister::askBlkid, &Lister::askWipefs}) {
             const Probe probe = (this->*ask)(device(name));
-            if (probe.answer) {
-                return probe.answer->empty() ? std::string() : carries(*probe.answer);
+            if (probe.answer && !probe.answer->empty()) {
+                return carries(*probe.answer);
             }
+            isAnswered = isAnswered || probe.answer.has_value();
             fault = fault.empty() ? probe.fault : fault;
+        }
+        if (isAnswered) {
+            return {};
         }
         if (!fault.empty()) {
             return "what it carries cannot be told: " + fault;
@@ -599,6 +585,7 @@ class Lister {
     const DiskScan& scan_;
     DiskFiles& files_;
     BlockDevices devices_;
+    RoleTables roles_;
     std::set<std::string, std::less<>> unreadable_;
     std::set<std::string, std::less<>> unknown_; ///< something stands in their first MiB
     std::map<std::string, std::vector<std::string>, std::less<>> signatures_;

@@ -45,6 +45,14 @@ struct ListedDisk {
     std::optional<std::uint32_t> arraySlot; ///< its place there
     std::string why;     ///< why no array can be made of it, unless it is in one of ours; or empty
     std::string carries; ///< beside a superblock of one of ours: "the second table of a GPT"
+    /// Whether it stands by for its array.
+    [[nodiscard]] bool isSpare() const {
+        return !arraySlot && arrayState.find("spare") != std::string::npos;
+    }
+    /// Whether it is in no running array, and a superblock on it calls it a spare of one.
+    [[nodiscard]] bool isSpareApart() const {
+        return array.empty() && superblock && superblock->part == Superblock::Part::spare;
+    }
     /// Whether it has dropped out of its array.
     [[nodiscard]] bool isFailed() const { return isFaulty(arrayState) || arrayState == "removed"; }
     friend bool operator==(const ListedDisk&, const ListedDisk&) = default;
@@ -63,9 +71,11 @@ struct ListedArray {
     std::uint32_t degraded = 0;
     std::uint64_t chunkBytes = 0;
     std::uint64_t componentBytes = 0;
-    std::uint64_t bytes = 0;   ///< 0: not known
-    bool isOurs = false;       ///< made by this program, and whole drives of this machine alone
-    bool isShown = false;      ///< ours, or it runs and only some of its members prove it
+    std::uint64_t bytes = 0; ///< 0: not known
+    bool hasJournal = false; ///< all is written to a drive of its own first
+    bool isOurs = false;     ///< made by this program, and whole drives of this machine alone
+    /// Ours, or it runs and only some of its members prove it, or it has what none of ours has.
+    bool isShown = false;
     std::string whyNotStopped; ///< "mounted at /srv"; empty: it may be stopped
     /// Kernel's names of all its drives, spares and failed ones, but for those that were pulled.
     std::vector<std::string> members;

@@ -1,5 +1,7 @@
 #include "companion/families/md/DiskList.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <nlohmann/json.hpp>
 
@@ -8,6 +10,9 @@ namespace zolex::companion::md {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+/// In the order of Superblock::Part.
+constexpr std::array<std::string_view, 4> partWords = {"member", "spare", "journal", "faulty"};
 
 constexpr std::string_view kind = "zolexctl drives of Linux";
 
@@ -25,7 +30,9 @@ Json toJson(const Superblock& superblock) {
                 {"chunk_bytes", superblock.chunkBytes},
                 {"component_bytes", superblock.componentBytes},
                 {"events", superblock.events},
-                {"role", numberOrNull(superblock.role)}};
+                {"part", partWords.at(static_cast<std::size_t>(superblock.part))},
+                {"role", numberOrNull(superblock.role)},
+                {"has_journal", superblock.hasJournal}};
 }
 
 Json toJson(const ListedDisk& disk) {
@@ -68,6 +75,7 @@ Json toJson(const ListedArray& array) {
                 {"chunk_bytes", array.chunkBytes},
                 {"component_bytes", array.componentBytes},
                 {"bytes", array.bytes},
+                {"has_journal", array.hasJournal},
                 {"is_ours", array.isOurs},
                 {"is_shown", array.isShown},
                 {"why_not_stopped", array.whyNotStopped},
@@ -133,6 +141,13 @@ Superblock superblockFrom(const Json& json) {
     fields.get("component_bytes", superblock.componentBytes);
     fields.get("events", superblock.events);
     superblock.role = fields.number<std::uint32_t>("role");
+    superblock.hasJournal = fields.flag("has_journal");
+    // Texts of earlier versions tell places alone.
+    superblock.part = superblock.role ? Superblock::Part::member : Superblock::Part::spare;
+    const auto* const part = std::find(partWords.begin(), partWords.end(), fields.text("part"));
+    if (part != partWords.end()) {
+        superblock.part = static_cast<Superblock::Part>(part - partWords.begin());
+    }
     return superblock;
 }
 
@@ -184,6 +199,7 @@ ListedArray arrayFrom(const Json& json) {
     fields.get("chunk_bytes", array.chunkBytes);
     fields.get("component_bytes", array.componentBytes);
     fields.get("bytes", array.bytes);
+    array.hasJournal = fields.flag("has_journal");
     array.isOurs = fields.flag("is_ours");
     array.isShown = array.isOurs || fields.flag("is_shown");
     array.whyNotStopped = fields.text("why_not_stopped");

@@ -96,6 +96,29 @@ std::uint64_t halves(std::string_view raidType, std::uint64_t drives) {
     return raidType == "RAID0" ? 2 * drives : drives;
 }
 
+/// The chunk of an array, of which its part of each drive is a multiple.
+std::uint64_t stepOf(const VolumeWish& wish, const Level& level) {
+    return level.hasChunk ? wish.stripSizeBytes.value_or(512 * kibibyte) : kibibyte;
+}
+
+/// What a logical drive with a size of its own takes of each drive.
+std::uint64_t shareOf(const VolumeWish& wish, const Level& level, std::size_t drives) {
+    const std::uint64_t step = stepOf(wish, level);
+    return wish.capacityBytes.value_or(0) / halves(wish.raidType, drives) * 2 / step * step;
+}
+
+/// What mdadm keeps of a drive before the data: up to 128 MiB for later changes of the array's
+/// shape, and room for its superblock and bitmap.
+std::uint64_t dataOffset(std::uint64_t driveBytes, std::uint64_t chunk) {
+    constexpr std::uint64_t mebibyte = kibibyte * kibibyte;
+    constexpr std::uint64_t part = 1024;
+    std::uint64_t spared = 128 * mebibyte;
+    while (spared > driveBytes / part && spared > 2 * chunk && spared > kibibyte) {
+        spared /= 2;
+    }
+    return spared / mebibyte * mebibyte + mebibyte;
+}
+
 bool isPowerOfTwo(std::uint64_t value) {
     return value != 0 && (value & (value - 1)) == 0;
 }
@@ -209,6 +232,46 @@ bool takeManage(MdCommand& command) {
     return adds || words[2] == "--remove";
 }
 
+/// Bytes of the smallest drive and of the largest.
+struct DriveSizes {
+    std::uint64_t least = 0;
+    std::uint64_t most = 0;
+};
+
+/// Why drives have no room for an array, or too much for one that takes a part of them: mdadm asks
+/// about one that leaves more than a hundredth of a drive, and nobody answers.
+std::string whyNoRoom(const VolumeWish& wish, const Level& level, std::size_t drives,
+                      DriveSizes sizes) {
+    const std::uint64_t step = stepOf(wish, level);
+    const auto roomOf = [&](std::uint64_t bytes) {
+        const std::uint64_t offset = dataOffset(bytes, level.hasChunk ? step : 0);
+        return (bytes - std::min(bytes, offset)) / step * step;
+    };
+    const std::uint64_t room = roomOf(sizes.least);
+    if (room == 0) {
+        return "a drive of " + sizeText(sizes.least) + " has no room for a strip of " +
+               sizeText(step);
+    }
+    if (!wish.capacityBytes) {
+        return {};
+    }
+    const std::uint64_t share = shareOf(wish, level, drives);
+    const auto megabytes = [](std::uint64_t bytes) {
+        return std::to_string(bytes / (kibibyte * kibibyte)) + " MB";
+    };
+    const std::string taken =
+        "of that size it takes " + megabytes(share + kibibyte * kibibyte - 1) + " of each drive, ";
+    if (share > room) {
+        return taken + "where mdadm leaves " + megabytes(room) + ": FILL takes all";
+    }
+    constexpr std::uint64_t hundred = 100;
+    const std::uint64_t most = roomOf(sizes.most);
+    return most - share > most / hundred
+               ? taken + "and mdadm makes none of less than 99 % (" + megabytes(most) +
+                     " here) unless it is forced: FILL takes all"
+               : std::string();
+}
+
 bool isQuestion(const std::vector<std::string>& words) {
     return words.size() == 3 && (words[0] == "--detail" || words[0] == "--examine") &&
            words[1] == "--export" && nameBehind("/dev/", words[2]).has_value();
@@ -239,10 +302,7 @@ std::string createLine(const VolumeWish& wish) {
         line += " --chunk=" + std::to_string(*wish.stripSizeBytes / kibibyte);
     }
     if (wish.capacityBytes) {
-        const std::uint64_t each = *wish.capacityBytes / halves(wish.raidType, drives.size()) * 2;
-        const std::uint64_t step =
-            level.hasChunk ? wish.stripSizeBytes.value_or(512 * kibibyte) : kibibyte;
-        line += " --size=" + std::to_string(each / step * step / kibibyte);
+        line += " --size=" + std::to_string(shareOf(wish, level, drives.size()) / kibibyte);
     }
     if (!wish.spares.empty()) {
         line += " --spare-devices=" + std::to_string(wish.spares.size());
@@ -346,7 +406,7 @@ std::string whyNoArray(const VolumeWish& wish, const Facts& facts) {
         return "its drives differ by more than 1 % (" + sizeText(least) + " and " + sizeText(most) +
                "), which mdadm makes no array of unless it is forced";
     }
-    return {};
+    return most == 0 ? std::string() : whyNoRoom(wish, *level, drives.size(), {least, most});
 }
 
 } // namespace zolex::companion::md

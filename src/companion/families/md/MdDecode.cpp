@@ -33,6 +33,28 @@ const ListedArray* shownArrayOf(const DiskList& list, const ListedDisk& disk) {
     return found == list.arrays.end() ? nullptr : &*found;
 }
 
+/// Whether of an array only spares are left.
+bool hasNoMember(const DiskList& list, const ListedArray& array) {
+    return std::none_of(list.disks.begin(), list.disks.end(), [&array](const ListedDisk& disk) {
+        return lists(array.members, disk.name) &&
+               (disk.arraySlot || (disk.superblock && disk.superblock->role));
+    });
+}
+
+/// A spare that was removed keeps its superblock until it is zeroed: it covers nothing, and goes as
+/// other spares do.
+DriveFacts spareFacts(DriveFacts facts, const ListedArray& array, const ListedDisk& disk) {
+    facts.state = DriveState::hotspare;
+    facts.hotspare = HotspareKind::dedicated;
+    facts.covers = {array.name};
+    if (disk.isFailed()) {
+        facts.health = Health::warning;
+        facts.reportedState = "removed spare";
+        facts.covers = {array.name + std::string(removedFrom)};
+    }
+    return facts;
+}
+
 DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
     DriveFacts facts;
     facts.location = locationOf(disk);
@@ -56,13 +78,18 @@ DriveFacts driveFacts(const DiskList& list, const ListedDisk& disk) {
         return facts;
     }
     facts.reportedState = disk.arrayState;
-    if (disk.isFailed()) {
+    const bool isAlone = disk.isSpareApart() && hasNoMember(list, *array);
+    if (disk.isSpareApart() && !isAlone && disk.why.empty() && array->isOurs) {
+        return spareFacts(facts, *array, disk);
+    }
+    if (disk.isFailed() || (isAlone && disk.why.empty())) {
         facts.state = DriveState::failed;
         facts.health = Health::critical;
+    } else if (!disk.arraySlot && (!disk.isSpare() || !disk.why.empty())) {
+        facts.state = DriveState::jbod;
+        facts.reportedState = disk.why.empty() ? disk.arrayState : disk.why;
     } else if (!disk.arraySlot) {
-        facts.state = DriveState::hotspare;
-        facts.hotspare = HotspareKind::dedicated;
-        facts.covers = {array->name};
+        return spareFacts(facts, *array, disk);
     } else if (disk.arrayState.find("in_sync") != std::string::npos) {
         facts.state = DriveState::member;
     } else {
@@ -110,7 +137,8 @@ void tellState(LogicalDriveFacts& volume, const ListedArray& array, std::uint32_
 }
 
 /// A drive that has failed stands where it was, as long as no other has taken its place. One that
-/// does not tell where stands in the only place that is left.
+/// does not tell where stands in the only place that is left. Spares of an array of which nothing
+/// else is left go with it.
 void placeFailed(const DiskList& list, const ListedArray& array, std::vector<std::string>& places) {
     std::vector<std::string> mute;
     for (const ListedDisk& disk : list.disks) {
@@ -122,6 +150,15 @@ void placeFailed(const DiskList& list, const ListedArray& array, std::vector<std
         } else if (isOfIt && disk.isFailed() && !disk.superblock) {
             mute.push_back(locationOf(disk));
         }
+    }
+    if (hasNoMember(list, array)) {
+        std::size_t place = 0;
+        for (const ListedDisk& disk : list.disks) {
+            if (lists(array.members, disk.name) && place < places.size()) {
+                places[place++] = locationOf(disk);
+            }
+        }
+        return;
     }
     if (mute.size() == 1 && std::count(places.begin(), places.end(), "Missing") == 1) {
         *std::find(places.begin(), places.end(), "Missing") = mute[0];

@@ -15,6 +15,9 @@ namespace zolex::companion::md {
 /// Between the state of an array and why it is not to be stopped: "active, mounted at /srv".
 inline constexpr std::string_view useSeparator = ", ";
 
+/// Behind the name of an array that a spare is of no more.
+inline constexpr std::string_view removedFrom = " (removed)";
+
 /// What drives and arrays are to a planner: our own arrays are logical drives, and all else that a
 /// drive is in bars it.
 [[nodiscard]] Facts factsOf(const DiskList& list);

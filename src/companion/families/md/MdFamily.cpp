@@ -100,8 +100,8 @@ class Capture {
             if (!array.isOurs) {
                 continue;
             }
-            const FamilyListing told =
-                ask(array.node.empty() ? examineLine(array.members[0]) : detailLine(array.node));
+            const FamilyListing told = ask(array.node.empty() ? examineLine(memberOf(list, array))
+                                                              : detailLine(array.node));
             controller.listings.push_back(told);
             const auto keys = exportedKeys(told.output);
             const auto uuid = keys.find("MD_UUID");
@@ -117,6 +117,15 @@ class Capture {
                      {"Look at it: " + told.command.substr(told.command.find(' ') + 1)}});
             }
         }
+    }
+
+    /// One that has not dropped out.
+    static std::string memberOf(const DiskList& list, const ListedArray& array) {
+        const auto found =
+            std::find_if(list.disks.begin(), list.disks.end(), [&array](const ListedDisk& disk) {
+                return lists(array.members, disk.name) && !disk.isFailed();
+            });
+        return found == list.disks.end() ? array.members.at(0) : found->name;
     }
 
     static void disown(DiskList& list, const std::string& why) {
@@ -211,7 +220,9 @@ class MdFamily : public Family {
     }
     std::string removeSpare(std::int32_t, const std::string& location,
                             const std::vector<std::string>& arrays) const override {
-        return arrays.empty() ? std::string() : removeSpareLine(arrays[0], location);
+        return arrays.empty()
+                   ? std::string()
+                   : removeSpareLine(arrays[0].substr(0, arrays[0].find(removedFrom)), location);
     }
     std::string clearForeign(std::int32_t) const override { return {}; }
     std::string setCache(std::int32_t, const LogicalDriveFacts&, std::string_view,
@@ -231,13 +242,17 @@ class MdFamily : public Family {
         if (verdict.why.empty()) {
             verdict.why = "mdadm ended with " + std::to_string(exitCode);
         }
+        const bool isTooSmall = output.find("exceeds size") != std::string_view::npos;
         const bool isAsked = output.find("Continue creating array") != std::string_view::npos;
         const std::size_t question = output.find("mdadm: ");
         if (isAsked && question != std::string_view::npos) {
             verdict.why =
                 withoutEnd(output.substr(question, output.find('\n', question) - question));
-            verdict.help = {"mdadm would go on only if it were forced to; look at the drive, and "
-                            "clear it if nobody needs it: wipefs DRIVE"};
+            verdict.help = {
+                isTooSmall ? "mdadm would go on only if it were forced to; take the drives whole: "
+                             "FILL as the size"
+                           : "mdadm would go on only if it were forced to; look at the drive, and "
+                             "clear it if nobody needs it: wipefs DRIVE"};
         } else if (exitCode == MdHost::refused && commandLine.starts_with("MD --create")) {
             verdict.help = {"See what uses it: lsblk, and zolexctl show --family md"};
         } else if (exitCode == MdHost::refused && output.find(MdHost::another) != output.npos) {

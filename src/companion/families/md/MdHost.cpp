@@ -7,6 +7,7 @@ namespace zolex::companion::md {
 namespace {
 
 constexpr int attempts = 5;
+constexpr std::string_view idFolder = "/dev/disk/by-id/";
 
 ChildResult ended(std::uint32_t exitCode, std::string output) {
     ChildResult result;
@@ -106,10 +107,10 @@ ChildResult MdHost::run(std::string_view line, std::chrono::milliseconds limit) 
 }
 
 /// Starts mdadm as soon as `check` has nothing against it, and again while it finds something busy.
-/// A running array is told to mdadm by the name of the kernel's that `check` gives: links in
-/// /dev/md may lead anywhere.
+/// Arrays and drives are told to mdadm by the names of the kernel's that `check` gives: links in
+/// /dev/md and /dev/disk/by-id may lead anywhere by the time that mdadm follows them.
 template <typename Check>
-ChildResult MdHost::attempt(std::vector<std::string> arguments, const Check& check) {
+ChildResult MdHost::attempt(const std::vector<std::string>& arguments, const Check& check) {
     ChildResult result;
     for (int i = 0; i < attempts; ++i) {
         if (i != 0 && machine_.pauseOneSecond) {
@@ -123,10 +124,19 @@ ChildResult MdHost::attempt(std::vector<std::string> arguments, const Check& che
             }
             return result;
         }
+        std::vector<std::string> words = arguments;
         if (!why.node.empty()) {
-            arguments.at(1) = "/dev/" + why.node;
+            words.at(1) = "/dev/" + why.node;
         }
-        result = mdadm(arguments);
+        for (std::string& word : words) {
+            const auto drive = word.starts_with(idFolder)
+                                   ? why.drives.find(word.substr(idFolder.size()))
+                                   : why.drives.end();
+            if (drive != why.drives.end()) {
+                word = "/dev/" + drive->second;
+            }
+        }
+        result = mdadm(words);
         if (result.outcome != ChildOutcome::ended || result.exitCode == 0 ||
             result.output.find("busy") == std::string::npos) {
             return result;
@@ -156,6 +166,9 @@ MdHost::Refusal MdHost::whyNotWritten(const MdCommand& command, bool isNew) cons
                     return lists(one.members, disk->name);
                 });
             why = in == now.arrays.end() ? "" : "in use: member of " + in->name;
+        }
+        if (disk != nullptr) {
+            refusal.drives[id] = disk->name;
         }
         if (!why.empty()) {
             refusal.mayPass =
@@ -191,11 +204,13 @@ ChildResult MdHost::addSpare(const MdCommand& command) {
     return attempt(command.arguments, [&] { return whyNotWritten(command, false); });
 }
 
-/// Zeroes the superblocks of drives that are in no running array; each has been found to be ours.
-ChildResult MdHost::zero(const std::vector<std::string>& ids) {
+/// Zeroes the superblocks of drives that are in no running array, as long as they tell of the array
+/// of this UUID. Of spares nothing else than a spare's is zeroed.
+ChildResult MdHost::zero(const std::vector<std::string>& ids, const std::string& uuid,
+                         bool areSpares) {
     std::vector<std::string> words = {"--zero-superblock"};
     for (const std::string& id : ids) {
-        words.push_back("/dev/disk/by-id/" + id);
+        words.push_back(std::string(idFolder) + id);
     }
     return ids.empty() ? ended(0, {}) : attempt(words, [&] {
         const DiskList now = list(std::vector<std::string>());
@@ -207,7 +222,13 @@ ChildResult MdHost::zero(const std::vector<std::string>& ids) {
                 : !disk->array.empty() ? "it is in a running array again: " + disk->array
                 : !disk->superblock || !disk->superblock->name.starts_with(ownPrefix)
                     ? "it has no superblock of ours any more"
+                : disk->superblock->uuid != uuid ? "its superblock tells of another array"
+                : areSpares && disk->superblock->part != Superblock::Part::spare
+                    ? "its superblock is none of a spare"
                     : disk->why;
+            if (disk != nullptr) {
+                refusal.drives[id] = disk->name;
+            }
             if (!why.empty()) {
                 refusal.lines.push_back(untouched(id, why) + ".");
             }
@@ -219,12 +240,14 @@ ChildResult MdHost::zero(const std::vector<std::string>& ids) {
 ChildResult MdHost::removeSpare(const MdCommand& command) {
     const std::string& id = command.drives[0];
     const DiskList before = list(std::vector<std::string>());
-    const ListedArray* const stopped = arrayNamed(before, command.array);
+    const ListedArray* const of = arrayNamed(before, command.array);
     const ListedDisk* const spare = diskWithId(before, id);
-    if (stopped != nullptr && stopped->isOurs && stopped->node.empty() && spare != nullptr &&
-        lists(stopped->members, spare->name) && !spare->arraySlot) {
-        return zero({id});
+    // Of an array that does not run, or removed already, and cut off before it was cleared.
+    if (of != nullptr && of->isOurs && spare != nullptr && lists(of->members, spare->name) &&
+        spare->isSpareApart()) {
+        return zero({id}, of->uuid, true);
     }
+    std::string uuid;
     ChildResult result = attempt(command.arguments, [&] {
         const DiskList now = list(std::vector<std::string>());
         const ListedArray* const array = arrayNamed(now, command.array);
@@ -232,16 +255,18 @@ ChildResult MdHost::removeSpare(const MdCommand& command) {
         Refusal refusal;
         if (array == nullptr || !array->isOurs || array->node.empty()) {
             refusal.lines.push_back("no array " + command.array + " of zolexctl runs.");
-        } else if (disk == nullptr || disk->array != array->node || disk->arraySlot) {
+        } else if (disk == nullptr || disk->array != array->node || !disk->isSpare()) {
             refusal.lines.push_back(untouched(id, "it is no spare of " + command.array) + ".");
         } else {
             refusal.node = array->node;
+            refusal.drives[id] = disk->name;
+            uuid = array->uuid;
         }
         return refusal;
     });
     if (isDone(result)) {
         const std::string output = result.output;
-        result = zero({id});
+        result = zero({id}, uuid, true);
         result.output = output + result.output;
     }
     return result;
@@ -303,7 +328,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
     std::string output;
     if (!array->node.empty()) {
         ChildResult stopped = attempt({"--stop", "/dev/" + array->node}, [&] {
-            return Refusal{whyNotRemoved(command, list(command.drives)), false, {}};
+            return Refusal{whyNotRemoved(command, list(command.drives)), false, {}, {}};
         });
         if (!isDone(stopped)) {
             return stopped;
@@ -319,7 +344,7 @@ ChildResult MdHost::remove(const MdCommand& command) {
             ids.push_back(disk.id);
         }
     }
-    ChildResult result = zero(ids);
+    ChildResult result = zero(ids, array->uuid, false);
     result.output = output + result.output;
     if (isDone(result)) {
         settle({});

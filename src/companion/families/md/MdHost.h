@@ -4,6 +4,8 @@
 #include "companion/families/md/DiskList.h"
 #include "companion/families/md/MdCommands.h"
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,6 +31,7 @@ class MdHost {
         std::vector<std::string> lines;
         bool mayPass = false; ///< another program looks at the drive for a moment
         std::string node;     ///< of the array that was judged; empty: it is not told to mdadm
+        std::map<std::string, std::string, std::less<>> drives; ///< judged ones: id, kernel's name
     };
 
     [[nodiscard]] DiskList list(std::optional<std::vector<std::string>> whole = std::nullopt) const;
@@ -37,12 +40,14 @@ class MdHost {
     [[nodiscard]] ChildResult remove(const MdCommand& command);
     [[nodiscard]] ChildResult addSpare(const MdCommand& command);
     [[nodiscard]] ChildResult removeSpare(const MdCommand& command);
-    [[nodiscard]] ChildResult zero(const std::vector<std::string>& ids);
+    [[nodiscard]] ChildResult zero(const std::vector<std::string>& ids, const std::string& uuid,
+                                   bool areSpares);
     [[nodiscard]] Refusal whyNotWritten(const MdCommand& command, bool isNew) const;
     [[nodiscard]] std::vector<std::string> whyNotRemoved(const MdCommand& command,
                                                          const DiskList& list) const;
     template <typename Check>
-    [[nodiscard]] ChildResult attempt(std::vector<std::string> arguments, const Check& check);
+    [[nodiscard]] ChildResult attempt(const std::vector<std::string>& arguments,
+                                      const Check& check);
     void settle(const std::string& array) const;
 
     const FamilyMachine& machine_;

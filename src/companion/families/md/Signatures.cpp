@@ -162,6 +162,18 @@ std::string uuidText(std::string_view bytes) {
     return text;
 }
 
+RoleTable rolesAt(const Reader& drive, std::uint64_t place) {
+    constexpr std::uint64_t most = 384;
+    RoleTable table;
+    table.device = static_cast<std::uint32_t>(drive.number(place + 160, 4));
+    const std::uint64_t devices = std::min(most, drive.number(place + 220, 4));
+    for (std::uint64_t device = 0; device < devices; ++device) {
+        table.roles.push_back(
+            static_cast<std::uint32_t>(drive.number(place + 256 + 2 * device, 2)));
+    }
+    return table;
+}
+
 Superblock superblockAt(const Reader& drive, std::uint64_t place, const char* version) {
     constexpr std::uint32_t sector = 512;
     Superblock found;
@@ -175,16 +187,42 @@ Superblock superblockAt(const Reader& drive, std::uint64_t place, const char* ve
     found.chunkBytes = drive.number(place + 88, 4) * sector;
     found.raidDisks = static_cast<std::uint32_t>(drive.number(place + 92, 4));
     found.events = drive.number(place + 200, 8);
-    const std::uint64_t device = drive.number(place + 160, 4);
-    const std::uint64_t devices = drive.number(place + 220, 4);
-    constexpr std::uint64_t firstOfOthers = 0xff00;
-    if (device < devices && device < 384) {
-        const std::uint64_t role = drive.number(place + 256 + 2 * device, 2);
-        if (role < firstOfOthers && role < found.raidDisks) {
-            found.role = static_cast<std::uint32_t>(role);
+    constexpr std::uint64_t journalFeature = 512;
+    found.hasJournal = (drive.number(place + 8, 4) & journalFeature) != 0;
+    constexpr std::uint32_t spareRole = 0xffff;
+    constexpr std::uint32_t journalRole = 0xfffd;
+    found.part = Superblock::Part::faulty; // what is in no table is in no array any more
+    const RoleTable table = rolesAt(drive, place);
+    if (table.device < table.roles.size()) {
+        const std::uint32_t role = table.roles[table.device];
+        if (role == spareRole) {
+            found.part = Superblock::Part::spare;
+        } else if (role == journalRole) {
+            found.part = Superblock::Part::journal;
+        } else if (role < found.raidDisks) {
+            found.part = Superblock::Part::member;
+            found.role = role;
         }
     }
     return found;
+}
+
+struct Place {
+    const char* version;
+    std::uint64_t place;
+};
+
+/// Of a superblock of version 1.
+std::optional<Place> placeOf(const Reader& drive) {
+    // 1.0 begins 8 KiB before the end or up to 4 KiB earlier, at a multiple of 4 KiB.
+    const std::array places = {Place{"1.2", 4096}, Place{"1.1", 0},
+                               Place{"1.0", drive.beforeEnd(8192) / 4096 * 4096}};
+    const auto* const found =
+        std::find_if(places.begin(), places.end(), [&drive](const Place& each) {
+            return drive.number(each.place, 4) == superblockMagic &&
+                   drive.number(each.place + 4, 4) == 1;
+        });
+    return found == places.end() ? std::nullopt : std::optional(*found);
 }
 
 /// Looks at whole words: of each drive some megabytes are looked at.
@@ -203,18 +241,8 @@ bool isAllZero(std::string_view bytes) {
 
 std::optional<Superblock> superblockOf(const DriveEnds& ends) {
     const Reader drive(ends);
-    struct Place {
-        const char* version;
-        std::uint64_t place;
-    };
-    // 1.0 begins 8 KiB before the end or up to 4 KiB earlier, at a multiple of 4 KiB.
-    const std::array places = {Place{"1.2", 4096}, Place{"1.1", 0},
-                               Place{"1.0", drive.beforeEnd(8192) / 4096 * 4096}};
-    for (const Place& place : places) {
-        if (drive.number(place.place, 4) == superblockMagic &&
-            drive.number(place.place + 4, 4) == 1) {
-            return superblockAt(drive, place.place, place.version);
-        }
+    if (const std::optional<Place> place = placeOf(drive)) {
+        return superblockAt(drive, place->place, place->version);
     }
     const std::uint64_t old = oldSuperblockPlace(drive);
     if (drive.has(old, "\xfc\x4e\x2b\xa9"sv) || drive.has(old, "\xa9\x2b\x4e\xfc"sv)) {
@@ -223,6 +251,12 @@ std::optional<Superblock> superblockOf(const DriveEnds& ends) {
         return found;
     }
     return std::nullopt;
+}
+
+RoleTable rolesOf(const DriveEnds& ends) {
+    const Reader drive(ends);
+    const std::optional<Place> place = placeOf(drive);
+    return place ? rolesAt(drive, place->place) : RoleTable();
 }
 
 std::vector<std::string> signaturesOf(const DriveEnds& ends) {

@@ -19,6 +19,8 @@ struct DriveEnds {
 
 /// What a superblock of an md array says.
 struct Superblock {
+    /// What its drive is in the array.
+    enum class Part { member, spare, journal, faulty };
     std::string version; ///< "0.90", "1.0", "1.1" or "1.2"
     std::string uuid;    ///< of its array, as mdadm writes it: "3e2f1a00:...:...:..."
     std::string name;    ///< of its array; with the name of its host before a colon; or empty
@@ -27,10 +29,18 @@ struct Superblock {
     std::uint64_t chunkBytes = 0;
     std::uint64_t componentBytes = 0; ///< that each member gives
     std::uint64_t events = 0;
-    /// Place in the array from 0; nothing: a spare, or failed.
-    std::optional<std::uint32_t> role;
+    Part part = Part::member;
+    std::optional<std::uint32_t> role; ///< place in the array from 0, of a member
+    bool hasJournal = false;           ///< its array has a drive to which all is written first
     friend bool operator==(const Superblock&, const Superblock&) = default;
 };
+
+/// What a superblock of version 1 tells of all devices of its array.
+struct RoleTable {
+    std::uint32_t device = 0;         ///< the number of its own drive
+    std::vector<std::uint32_t> roles; ///< by number: a place, or what the kernel writes for others
+};
+[[nodiscard]] RoleTable rolesOf(const DriveEnds& ends);
 
 /// The superblock of version 1 or 0.90 on a drive; nothing: none. Of 0.90 no more than that it is
 /// there is read.
