@@ -15,6 +15,7 @@ using namespace test; // NOLINT: the words of these tests
 constexpr const char* all = "/c0 show all J";
 constexpr const char* drives = "/c0/eall/sall show all J";
 constexpr const char* volumes = "/c0/vall show all J";
+constexpr const char* foreign = "/c0/fall show J";
 
 const DriveFacts& driveOf(const FamilyController& controller, const std::string& location) {
     static const DriveFacts none;
@@ -499,6 +500,82 @@ TEST(StorcliTraps, AForeignLayoutOnNoDriveIsPlannedBesideByNobody) {
     // Without the layout there is nothing to be found.
     server.answer("/c0/fall show J", listing("storcli-c0-fall-show-none.json"), 50);
     EXPECT_FALSE(server.controller().failed);
+}
+
+/// Whether a drive that is told to be free carries an array of another controller is not known
+/// then.
+TEST(StorcliTraps, WithoutAnAnswerAboutForeignLayoutsNothingIsCaptured) {
+    const std::string head = "{\"Controllers\":[{\"Command Status\":{\"Controller\":0,\"Status\":";
+    ListedController server;
+    server.answer(foreign,
+                  head + "\"Failure\",\"Description\":\"x\",\"Detailed Status\":[{\"ErrCd\":46,"
+                         "\"ErrMsg\":\"drive does not answer\"}]}}]}",
+                  46);
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP104 STORCLI /c0/fall show J nolog tells nothing: drive does not answer"}));
+    const Lines untold = {"ZP131 the listing is not whole: STORCLI /c0/fall show J nolog does not "
+                          "tell whether there are foreign drive groups"};
+    for (const char* const data : {"}}]}", "},\"Response Data\":{\"Other\":1}}]}"}) {
+        server.answer(foreign, head + "\"Success\",\"Description\":\"None\"" + data);
+        EXPECT_TRUE(server.controller().failed) << data;
+        EXPECT_EQ(findingsOf(server.controller().findings), untold) << data;
+    }
+    // None, in other words than an error's.
+    for (const char* const none : {"\"x\"},\"Response Data\":{\"Total foreign Drive Groups\":0}}]}",
+                                   "\"x\"},\"Response Data\":{\"FOREIGN CONFIGURATION\":[]}}]}",
+                                   "\"No foreign configuration found\"}}]}"}) {
+        server.answer(foreign, head + "\"Success\",\"Description\":" + none);
+        EXPECT_FALSE(server.controller().failed) << none;
+    }
+    server.answer(foreign, head + "\"Success\",\"Description\":\"x\"},\"Response Data\":{\"Total "
+                                  "foreign Drive Groups\":2}}]}");
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP131 the listing is not whole: 0 of 2 foreign drive groups are listed"}));
+}
+
+TEST(StorcliTraps, AForeignDriveIsToldByItsOwnRowToo) {
+    for (const auto& [from, to] : {std::pair("\"DG\" : \"-\"", "\"DG\" : \"F\""),
+                                   std::pair("\"Sp\" : \"U\"", "\"Sp\" : \"F\"")}) {
+        ListedController server;
+        server.edit(drives, from, to);
+        EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign) << to;
+    }
+    ListedController changing;
+    changing.edit(drives, "\"Sp\" : \"U\"", "\"Sp\" : \"T\"");
+    EXPECT_EQ(driveOf(changing.controller(), "252:12").barred, "its power state is changing");
+    ListedController server; // the list of groups names drives, in some versions
+    server.edit(foreign, "\"EID:Slot\" : \"-\"", "\"EID:Slot\" : \"252:12\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign);
+    server.edit(foreign, "\"252:12\"", "\"252:15,252:12\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign);
+    EXPECT_FALSE(server.controller().failed);
+}
+
+TEST(StorcliTraps, EachForeignGroupHasADrive) {
+    ListedController server;
+    const std::string row = "{ \"DG\" : 1, \"EID:Slot\" : \"-\", \"Type\" : \"RAID1\" }, ";
+    server.editOnce(foreign, "\"FOREIGN CONFIGURATION\" : [",
+                    "\"FOREIGN CONFIGURATION\" : [" + row);
+    server.edit(foreign, "\"Total foreign Drive Groups\" : 1",
+                "\"Total foreign Drive Groups\" : 2");
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP131 the listing is not whole: 2 foreign drive groups are told, and 1 drive "
+                     "of them"}));
+    // An incomplete one has those that are left of it.
+    server.answer(foreign, replaced(listing("storcli-c0-fall-show-none.json"), "50", "59"), 59);
+    server.edit(foreign, "No foreign configuration", "Foreign configuration ");
+    EXPECT_FALSE(server.controller().failed);
+    for (const char* const call : {all, drives}) {
+        server.edit(call, "\"DG\" : \"F\"", "\"DG\" : \"-\"");
+    }
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP138 a foreign configuration is incomplete: drives of it are missing",
+                     "ZP131 the listing is not whole: an incomplete foreign drive group is told, "
+                     "and no drive of it"}));
 }
 
 TEST(StorcliTraps, BlocksThatAreNotTheSizeInWordsDoNotCount) {

@@ -824,13 +824,18 @@ class Decoder {
             drive.hotspare = word->hotspare;
             drive.barred = word->barred;
         }
-        const std::string power = row.at("Sp").text();
-        drive.isForeign = drive.state == DriveState::foreign || row.at("DG").text() == "F" ||
-                          power == "F" || foreignPlaces_.count(drive.location) != 0;
+        const auto tells = [&](std::string_view key, std::string_view value) {
+            return row.at(key).text() == value ||
+                   std::any_of(told.rows.begin(), told.rows.end(), [&](const ToldValue* each) {
+                       return each->at(key).text() == value;
+                   });
+        };
+        drive.isForeign = drive.state == DriveState::foreign || tells("DG", "F") ||
+                          tells("Sp", "F") || foreignPlaces_.count(drive.location) != 0;
         if (drive.isForeign && drive.state == DriveState::free) {
             drive.state = DriveState::foreign;
         }
-        if (power == "T" && drive.state == DriveState::free) {
+        if (drive.state == DriveState::free && tells("Sp", "T")) {
             bar(drive, "its power state is changing");
         }
     }
@@ -860,30 +865,51 @@ class Decoder {
             return;
         }
         const StorcliAnswer& answer = foreign_->answer;
-        if (answer.isFailure()) {
-            const bool isNone = answer.errorCode == errorNone ||
-                                text::containsNoCase(answer.description, "no foreign");
-            if (answer.errorCode == errorForeignIncomplete ||
-                text::containsNoCase(answer.description, "incomplete")) {
-                facts_.foreignConfigurations.emplace_back("incomplete: drives of it are missing");
-                find(family_code::foreignIncomplete,
-                     "a foreign configuration is incomplete: drives of it are missing");
-            } else if (!isNone) {
-                tellNoData(*foreign_);
-            }
+        const bool isNone =
+            answer.errorCode == errorNone || text::containsNoCase(answer.description, "no foreign");
+        isForeignIncomplete_ =
+            answer.isFailure() && (answer.errorCode == errorForeignIncomplete ||
+                                   text::containsNoCase(answer.description, "incomplete"));
+        if (isForeignIncomplete_) {
+            facts_.foreignConfigurations.emplace_back("incomplete: drives of it are missing");
+            find(family_code::foreignIncomplete,
+                 "a foreign configuration is incomplete: drives of it are missing");
+        } else if (answer.isFailure() && !isNone) {
+            controller_.failed = true; // any drive that is free may be one of them
+            tellNoData(*foreign_);
         }
+        bool isListed = foreign_->at("FOREIGN PD LIST").isThere();
         for (const char* const key : {"FOREIGN CONFIGURATION", "FOREIGN DG LIST"}) {
+            isListed = isListed || foreign_->at(key).isThere();
             std::size_t rows = 0;
             for (const ToldValue& row : foreign_->at(key).items()) {
                 if (++rows > mostRows) {
                     break;
                 }
                 readForeignRow(row);
+                addForeignPlaces(row.at("EID:Slot").text());
             }
         }
         for (const ToldValue& row : foreign_->at("FOREIGN PD LIST").items()) {
-            const auto place = storcliPlace(row.atAny({"EID:Slt", "EID:Slot"}).text());
-            if (place && foreignPlaces_.size() < mostRows) {
+            addForeignPlaces(row.atAny({"EID:Slt", "EID:Slot"}).text());
+        }
+        const auto total = foreign_->at("Total foreign Drive Groups").smallNumber();
+        if (total && static_cast<std::size_t>(*total) != foreignGroups_) {
+            notWhole(std::to_string(foreignGroups_) + " of " + std::to_string(*total) +
+                     " foreign drive groups are listed");
+        } else if (!answer.isFailure() && !isNone && !isListed && !total) {
+            notWhole(foreign_->command + " does not tell whether there are foreign drive groups");
+        }
+    }
+
+    /// "252:5", or several with commas.
+    void addForeignPlaces(const std::string& places) {
+        for (std::size_t i = 0; foreignPlaces_.size() < mostRows; ++i) {
+            const std::string_view each = text::token(places, ",", i);
+            if (each.empty()) {
+                return;
+            }
+            if (const auto place = storcliPlace(each)) {
                 foreignPlaces_.insert(place->location());
             }
         }
@@ -1247,18 +1273,25 @@ class Decoder {
         }
     }
 
-    /// Where no drive is told to be foreign, any may be that is told to be free.
+    /// Each foreign group has a drive of its own. Where fewer are told to be foreign, any may be
+    /// one that is told to be free.
     void judgeForeign() {
-        const bool isMarked = std::any_of(facts_.drives.begin(), facts_.drives.end(),
-                                          [](const DriveFacts& drive) { return drive.isForeign; });
-        if (foreignGroups_ == 0 || isMarked) {
+        const auto marked = static_cast<std::size_t>(
+            std::count_if(facts_.drives.begin(), facts_.drives.end(),
+                          [](const DriveFacts& drive) { return drive.isForeign; }));
+        const std::size_t groups = std::max<std::size_t>(foreignGroups_, isForeignIncomplete_);
+        if (groups <= marked) {
             return;
         }
+        const std::string what =
+            foreignGroups_ == 0
+                ? std::string("an incomplete foreign drive group is")
+                : countOf(groups, "foreign drive group is", "foreign drive groups are");
         controller_.failed = true;
         find(family_code::notWhole,
-             "the listing is not whole: " +
-                 countOf(foreignGroups_, "foreign drive group is", "foreign drive groups are") +
-                 " told, and no drive of " + (foreignGroups_ == 1 ? "it" : "them"),
+             "the listing is not whole: " + what + " told, and " +
+                 (marked == 0 ? std::string("no drive") : countOf(marked, "drive", "drives")) +
+                 " of " + (groups == 1 ? "it" : "them"),
              {},
              {"look at what its utility lists: " + typed("/fall show all"),
               "import it there, or clear it, if nobody needs its data"});
@@ -1352,6 +1385,7 @@ class Decoder {
     std::vector<std::string> contradictions_;
     std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
     std::size_t foreignGroups_ = 0;
+    bool isForeignIncomplete_ = false;
     std::set<std::string> foreignPlaces_;        ///< that the list of foreign ones has
     std::map<std::string, std::int32_t> errors_; ///< of drives that do not answer
     std::optional<std::int32_t> mostVolumes_;
