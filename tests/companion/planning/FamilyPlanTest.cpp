@@ -614,6 +614,24 @@ TEST(FamilyPlan, AnArrayThatIsOfflineIsRefusedAndItsDrivesAreNotToBeReplaced) {
     }
 }
 
+/// Its drives may be told to be well; one that the policy gives up may go.
+TEST(FamilyPlan, NothingIsChangedBesideAnArrayThatIsOfflineOnDrivesThatAreWell) {
+    FamilyServer server;
+    server.addDrives(8);
+    LogicalDriveFacts& volume = server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000);
+    volume.reportedState = "OfLn";
+    volume.health = Health::critical;
+    const std::string told = planLines(server.plan(custom(keptAndAnother)));
+    EXPECT_EQ(told.find("refused: "), 0U) << told;
+    EXPECT_NE(
+        told.find("error ZX702: LD 239 (OfLn) is offline, and nothing is changed beside it\n"),
+        std::string::npos)
+        << told;
+    const std::string given =
+        planLines(server.plan(custom("Array.A = 5,6\nLogical.1 = A:FILL:1\n")));
+    EXPECT_EQ(given.find("planned\n"), 0U) << given;
+}
+
 /// The same where the drives that left are not listed any more: what is wanted is not known then.
 TEST(FamilyPlan, AnArrayThatIsOfflineIsToldWhereItsDrivesAreGone) {
     FamilyServer server = hurtServer();
