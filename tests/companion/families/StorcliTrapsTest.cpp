@@ -27,9 +27,9 @@ const DriveFacts& driveOf(const FamilyController& controller, const std::string&
 TEST(StorcliTraps, ExactSizeOfADriveComesFromItsCoercedSectors) {
     ListedController server;
     server.edit(drives, "\"Coerced size\" : \"893.750 GB [0x6fb80000 Sectors]\"",
-                "\"Coerced size\" : \"1 TB [0x10 Sectors]\"");
+                "\"Coerced size\" : \"1 TB [0x6fb80010 Sectors]\"");
     const DriveFacts drive = driveOf(server.controller(), "252:0");
-    EXPECT_EQ(drive.capacityBytes, 16U * 512);
+    EXPECT_EQ(drive.capacityBytes, 0x6fb80010ULL * 512);
     EXPECT_EQ(drive.rawCapacityBytes, 0x6fc81ab0ULL * 512); // what its label says
 }
 
@@ -40,6 +40,31 @@ TEST(StorcliTraps, ExactSizeOfAVolumeComesFromItsBlocks) {
     // Blocks of 4096 bytes, where those of 512 contradict the text.
     server.edit(volumes, "\"Number of Blocks\" : 1874329601", "\"Number of Blocks\" : 234291200");
     EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 234291200ULL * 4096);
+}
+
+TEST(StorcliTraps, SectorsThatAreNotTheSizeInWordsDoNotCount) {
+    ListedController server;
+    const std::string size =
+        "\"EID:Slt\" : \"252:12\",\n\t\t\t\t\"DID\" : 20,\n\t\t\t\t\"State\" : "
+        "\"UGood\",\n\t\t\t\t\"DG\" : \"-\",\n\t\t\t\t\"Size\" : ";
+    server.editOnce(all, size + "\"7.277 TB\"", size + "\"893.750 GB\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(driveOf(controller, "252:12").capacityBytes, 0x6fb80000ULL * 512);
+    EXPECT_GT(driveOf(controller, "252:12").capacityTolerance, 0U);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP147 drive 252:12 has 8001524072448 bytes in its sectors, which are not the "
+                     "893.750 GB that it is said to have: the latter counts"}));
+    // What its label says is another size of it, and no contradiction.
+    ListedController raw;
+    raw.edit(all, "\"893.750 GB\"", "\"894.252 GB\"");
+    EXPECT_EQ(driveOf(raw.controller(), "252:0").capacityBytes, 0x6fb80000ULL * 512);
+}
+
+TEST(StorcliTraps, ADriveWithTwoSectorSizesIsNotPlanned) {
+    ListedController server;
+    server.edit(all, "\"SeSz\" : \"4 KB\"", "\"SeSz\" : \"512B\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:15").barred,
+              "its sectors are told to be of 4096 and of 512 bytes");
 }
 
 TEST(StorcliTraps, TextIsCutAndOnlyTheLeastSize) {
@@ -430,6 +455,36 @@ TEST(StorcliTraps, OfTwoStatesTheWorseOneCounts) {
     ListedController fourth;
     fourth.edit(drives, "\"State\" : \"UGood\"", "\"State\" : \"JBOD\"");
     EXPECT_EQ(driveOf(fourth.controller(), "252:12").state, DriveState::jbod);
+    // A spare by TOPOLOGY, or JBOD by its type, is not free.
+    ListedController fifth;
+    for (const char* const call : {all, drives}) {
+        fifth.edit(call, "\"DID\" : 18,\n\t\t\t\t\"State\" : \"GHS\"",
+                   "\"DID\" : 18,\n\t\t\t\t\"State\" : \"UGood\"");
+        fifth.edit(call, "\"DID\" : 19,\n\t\t\t\t\"State\" : \"DHS\",\n\t\t\t\t\"DG\" : 1",
+                   "\"DID\" : 19, \"State\" : \"UGood\", \"DG\" : \"-\"");
+        fifth.edit(call, "\"State\" : \"JBOD\"", "\"State\" : \"UGood\"");
+    }
+    const FamilyController spares = fifth.controller();
+    EXPECT_EQ(driveOf(spares, "252:10").hotspare, HotspareKind::global);
+    EXPECT_EQ(driveOf(spares, "252:11").covers, Lines({"1"}));
+    EXPECT_EQ(driveOf(spares, "252:14").state, DriveState::jbod);
+}
+
+/// What one of the two says of a drive that has left, or is on its way, is no contradiction.
+TEST(StorcliTraps, ALogicalDriveLiesOnTheSameDrivesInBothLists) {
+    ListedController server;
+    server.edit(volumes, "PDs for VD 238", "PDs for VD 0");
+    server.edit(volumes, "PDs for VD 239", "PDs for VD 238");
+    server.edit(volumes, "PDs for VD 0", "PDs for VD 239");
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP131 the listings contradict each other: PDs for VD 239 and TOPOLOGY tell "
+                     "other drives (252:2, 252:3, 252:5, 252:0, 252:1), PDs for VD 238 and "
+                     "TOPOLOGY tell other drives (252:0, 252:1, 252:2, 252:3, 252:5)"}));
+    ListedController left;
+    left.editOnce(volumes, "\"EID:Slt\" : \"252:4\"", "\"EID:Slt\" : \"-\"");
+    EXPECT_FALSE(left.controller().failed);
 }
 
 TEST(StorcliTraps, ListingsThatContradictEachOtherAreNone) {

@@ -145,7 +145,7 @@ struct Group {
 /// What all listings have of the place of one drive.
 struct DriveRows {
     std::vector<const ToldValue*> rows; ///< of PD LIST, of its own and of logical drives
-    std::vector<std::string> words;     ///< of its state, where TOPOLOGY has it as a member
+    std::vector<std::string> words;     ///< of its state, where TOPOLOGY has it
     std::set<std::int32_t> memberOf;    ///< groups, by TOPOLOGY
     std::set<std::int32_t> groups;      ///< by whatever listing
 };
@@ -452,6 +452,9 @@ class Decoder {
             const auto place = storcliPlace(row.at("EID:Slot").text());
             const bool isSpare = word == "DHS" || word == "GHS";
             if (isSpare) {
+                if (place) {
+                    told_[place->location()].words.push_back(word);
+                }
                 if (place && group) {
                     covered_[place->location()].push_back(std::to_string(*group));
                 }
@@ -725,13 +728,17 @@ class Decoder {
     }
 
     /// What arrays are made of: sectors as the drive tells them, else the text.
-    void readSize(const ToldValue& row, const ToldValue& attributes, DriveFacts& drive) const {
+    void readSize(const ToldValue& row, const ToldValue& attributes, DriveFacts& drive) {
         constexpr std::uint64_t mostSector = std::uint64_t{1} << 20U;
         const auto sector = sizeOf(attributes.at("Logical Sector Size"));
         const auto ofRow = sizeOf(row.at("SeSz"));
         const std::uint64_t block = sector.value_or(ofRow.value_or(0));
         if (block > 0 && block <= mostSector) {
             drive.blockSizeBytes = static_cast<std::uint32_t>(block);
+        }
+        if (sector && ofRow && *sector != *ofRow) {
+            bar(drive, "its sectors are told to be of " + std::to_string(*sector) + " and of " +
+                           std::to_string(*ofRow) + " bytes");
         }
         const auto bytesOf = [&](std::string_view key) {
             constexpr std::uint64_t most = std::uint64_t{1} << 62U;
@@ -742,13 +749,27 @@ class Decoder {
         };
         drive.rawCapacityBytes = bytesOf("Raw size");
         drive.capacityBytes = bytesOf("Coerced size");
-        if (drive.capacityBytes) {
+        const auto size = storcliSize(row.at("Size").text(), units());
+        const auto fits = [&size](const std::optional<std::uint64_t>& bytes) {
+            return bytes && *bytes + size->tolerance >= size->bytes &&
+                   *bytes <= size->bytes + size->tolerance;
+        };
+        // Of a drive that is in no array some versions tell another of its sizes.
+        if (!size ||
+            (drive.capacityBytes && (fits(drive.capacityBytes) || fits(drive.rawCapacityBytes) ||
+                                     fits(bytesOf("Non Coerced size"))))) {
             return;
         }
-        if (const auto size = storcliSize(row.at("Size").text(), units())) {
-            drive.capacityBytes = size->bytes;
-            drive.capacityTolerance = size->tolerance;
+        if (drive.capacityBytes) {
+            find(family_code::sizeTwice, "drive " + drive.location + " has " +
+                                             std::to_string(*drive.capacityBytes) +
+                                             " bytes in its sectors, which are not the " +
+                                             printable(row.at("Size").text()) +
+                                             " that it is said to have: the latter "
+                                             "counts");
         }
+        drive.capacityBytes = size->bytes;
+        drive.capacityTolerance = size->tolerance;
     }
 
     /// The worst of its words.
@@ -762,6 +783,9 @@ class Decoder {
         for (const ToldValue* const other : told.rows) {
             if (const std::string word = other->at("State").text(); !word.empty()) {
                 judge(word);
+            }
+            if (const std::string type = other->at("Type").text(); type == "JBOD") {
+                judge(type);
             }
         }
         for (const std::string& word : told.words) {
@@ -822,7 +846,7 @@ class Decoder {
             drive.state = word->state;
             drive.health = word->health;
             drive.hotspare = word->hotspare;
-            drive.barred = word->barred;
+            bar(drive, std::string(word->barred));
         }
         const auto tells = [&](std::string_view key, std::string_view value) {
             return row.at(key).text() == value ||
@@ -1113,6 +1137,7 @@ class Decoder {
                     members.push_back(member);
                 }
             }
+            judgeSpans(volume);
             return;
         }
         if (volumes_ == nullptr) {
@@ -1132,6 +1157,46 @@ class Decoder {
             }
             volume.spans.back().push_back(place->location());
             ++count;
+        }
+    }
+
+    /// A logical drive lies on the same drives by its own list and by TOPOLOGY; of those that are
+    /// not at work one of the two may tell more.
+    void judgeSpans(const LogicalDriveFacts& volume) {
+        if (volumes_ == nullptr) {
+            return;
+        }
+        const auto isAtWork = [](const std::string& name) {
+            const StorcliDriveWord* const word = storcliDriveWord(name);
+            return word != nullptr && word->state == DriveState::member;
+        };
+        // One that is in two groups is told as that.
+        const auto isOfOne = [this](const std::string& location) {
+            const auto told = told_.find(location);
+            return told != told_.end() && told->second.groups.size() < 2;
+        };
+        std::set<std::string> listed;
+        std::vector<std::string> others;
+        for (const ToldValue& row : volumes_->at("PDs for VD " + volume.id).items()) {
+            const auto place = storcliPlace(row.at("EID:Slt").text());
+            if (place && listed.insert(place->location()).second &&
+                isAtWork(row.at("State").text()) && !volume.isOn(place->location()) &&
+                isOfOne(place->location())) {
+                others.push_back(place->location());
+            }
+        }
+        for (const std::string& location : volume.drives()) {
+            if (listed.empty() || listed.count(location) != 0 || !isOfOne(location)) {
+                continue;
+            }
+            const std::vector<std::string>& words = told_.at(location).words;
+            if (std::any_of(words.begin(), words.end(), isAtWork)) {
+                others.push_back(location);
+            }
+        }
+        if (!others.empty()) {
+            contradictions_.push_back("PDs for VD " + volume.id +
+                                      " and TOPOLOGY tell other drives (" + listOf(others) + ")");
         }
     }
 
