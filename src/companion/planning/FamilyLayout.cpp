@@ -532,7 +532,8 @@ class LayoutMaker {
                 sectors.insert(facts.blockSizeBytes ? std::to_string(*facts.blockSizeBytes) : "");
             }
             tellUnlike(array, sectors, false, " bytes to the sector");
-            tellUnlike(array, protocols, limits_.mixesProtocols, "");
+            const bool mayMix = limits_.mixesNvme || protocols.count("NVMe") == 0;
+            tellUnlike(array, protocols, limits_.mixesProtocols && mayMix, "");
             tellUnlike(array, media, limits_.mixesMedia, "");
         }
     }
@@ -909,6 +910,11 @@ class LayoutMaker {
         spare.covers = {own};
     }
 
+    [[nodiscard]] bool mayMixProtocols(const DriveFacts& a, const DriveFacts& b) const {
+        return limits_.mixesProtocols &&
+               (limits_.mixesNvme || (a.protocol == "NVMe") == (b.protocol == "NVMe"));
+    }
+
     [[nodiscard]] bool canStandIn(const PlannedSpare& spare, const PlannedArray& array) const {
         const DriveFacts& own = factsOf(spare.location);
         const bool isOfUse = std::any_of(
@@ -921,7 +927,7 @@ class LayoutMaker {
             const DriveFacts& facts = factsOf(drive.location);
             smallest = std::min(smallest, facts.capacityBytes.value_or(0));
             isLike = isLike && facts.blockSizeBytes == own.blockSizeBytes &&
-                     (limits_.mixesProtocols || facts.protocol == own.protocol) &&
+                     (facts.protocol == own.protocol || mayMixProtocols(facts, own)) &&
                      (limits_.mixesMedia || facts.mediaType == own.mediaType);
         }
         return isOfUse && isLike && own.capacityBytes.value_or(0) >= smallest;

@@ -513,6 +513,26 @@ TEST(FamilyPlan, UnlikeDrivesInAnArray) {
     EXPECT_EQ(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n")).steps().size(), 1U);
 }
 
+/// What a controller tells of SAS and SATA says nothing of NVMe.
+TEST(FamilyPlan, NvmeIsNotPutTogetherWithOthers) {
+    FamilyServer server;
+    server.add(252, 0, 1000, "SATA", "SSD");
+    server.add(252, 1, 1000, "SAS", "SSD");
+    server.add(252, 2, 1000, "NVMe", "SSD");
+    server.controller().facts.abilities.mixesProtocols = true;
+    const std::string mixed =
+        planLines(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")));
+    EXPECT_NE(mixed.find("error ZP224: array A has drives of NVMe, SAS and SATA, which the "
+                         "controller does not put together\n"),
+              std::string::npos)
+        << mixed;
+    const std::string policies = custom("Array.A = 1,2\nLogical.1 = A:FILL:1\nHotspares = 3\n");
+    EXPECT_TRUE(server.plan(policies).controllers.front().spares.front().covers.empty());
+    server.driveAt(2).protocol = "SATA";
+    EXPECT_EQ(server.plan(policies).controllers.front().spares.front().covers,
+              std::vector<std::string>{"A"});
+}
+
 TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
     FamilyServer server;
     server.addDrives(4);
