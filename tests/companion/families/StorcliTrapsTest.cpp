@@ -518,6 +518,10 @@ TEST(StorcliTraps, ListingsThatContradictEachOtherAreNone) {
          "\"DG/VD\" : \"1/238\", \"TYPE\" : \"RAID6\"", "VD 238 is RAID5 and RAID6"},
         {volumes, "\"DG/VD\" : \"1/238\"", "\"DG/VD\" : \"2/238\"",
          "VD 238 is in drive groups 1 and 2"},
+        {all, "\"PCI Address\" : \"00:c1:00:00\"", "\"PCI Address\" : \"00:60:00:00\"",
+         "it is at 0000:60:00.0 and at 0000:c1:00.0"},
+        {all, "\"Basics\" : {\n\t\t\t\"Controller\" : 0", "\"Basics\" : { \"Controller\" : 1",
+         "what is told of controller 0 is of controller 1"},
     };
     for (const Case& each : cases) {
         ListedController server;

@@ -354,13 +354,26 @@ class Decoder {
     void readFunction(const ToldValue& basics) {
         const ToldValue& bus = all_->at("Bus");
         controller_.pci = storcliPciAddress(basics.at("PCI Address").text());
-        const auto number = bus.at("Bus Number").id();
-        if (controller_.pci.empty() && number) {
-            controller_.pci =
+        if (const auto number = bus.at("Bus Number").id()) {
+            const std::string ofBus =
                 storcliPciAddress(formatText("%x:%x:%x:%x", bus.at("Domain ID").id().value_or(0),
                                              *number, bus.at("Device Number").id().value_or(0),
                                              bus.at("Function Number").id().value_or(0))
                                       .view());
+            const auto inDomain = [](const std::string& pci) {
+                return pci.substr(std::min(pci.find(':'), pci.size()));
+            };
+            if (controller_.pci.empty()) {
+                controller_.pci = ofBus;
+            } else if (!ofBus.empty() && inDomain(ofBus) != inDomain(controller_.pci)) {
+                contradictions_.push_back("it is at " + controller_.pci + " and at " + ofBus);
+            }
+        }
+        const auto own = basics.at("Controller").smallNumber();
+        if (own && *own != controller_.adapter) {
+            contradictions_.push_back("what is told of controller " +
+                                      std::to_string(controller_.adapter) + " is of controller " +
+                                      std::to_string(*own));
         }
         if (const std::size_t colon = controller_.pci.find(':'); colon != std::string::npos) {
             facts_.pciAddress = controller_.pci.substr(colon + 1); // without the domain
