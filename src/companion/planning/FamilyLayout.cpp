@@ -482,7 +482,29 @@ class LayoutMaker {
         planning_.bindings.push_back(std::move(binding));
     }
 
-    /// Spares that cover some arrays are theirs alone; those that cover all are everybody's.
+    /// Whether a drive is a spare of these arrays already, and of them alone.
+    [[nodiscard]] bool isSpareOf(const std::string& location,
+                                 const std::vector<std::string>& letters) const {
+        const DriveFacts& spare = factsOf(location);
+        const auto isCovered = [&](const PlannedArray& array) {
+            const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
+            return std::any_of(all.begin(), all.end(), [&](const LogicalDriveFacts& each) {
+                return !array.drives.empty() && each.isOn(array.drives.front().location) &&
+                       std::find(spare.covers.begin(), spare.covers.end(), each.array) !=
+                           spare.covers.end();
+            });
+        };
+        const auto covered = std::count_if(
+            planning_.arrays.begin(), planning_.arrays.end(), [&](const PlannedArray& array) {
+                return std::find(letters.begin(), letters.end(), array.id) != letters.end() &&
+                       isCovered(array);
+            });
+        return spare.hotspare == HotspareKind::dedicated && spare.covers.size() == letters.size() &&
+               static_cast<std::size_t>(covered) == letters.size();
+    }
+
+    /// Spares that cover some arrays are theirs alone; those that cover all are everybody's, where
+    /// they do not stand as dedicated ones of all.
     void dedicateSpares(const SparesWish& wish) {
         std::size_t spare = 0;
         for (const SpareGroup& group : wish.groups) {
@@ -492,7 +514,10 @@ class LayoutMaker {
             }
             const bool isForAll = letters.empty() || letters.size() >= planning_.arrays.size();
             for (std::int32_t i = 0; i < group.count && spare < planning_.spares.size(); ++i) {
-                planning_.spares[spare].isDedicated = !isForAll && limits_.hasDedicatedSpares;
+                const bool isOwn =
+                    !isForAll ||
+                    (!letters.empty() && isSpareOf(planning_.spares[spare].location, letters));
+                planning_.spares[spare].isDedicated = isOwn && limits_.hasDedicatedSpares;
                 planning_.spares[spare].covers =
                     planning_.spares[spare].isDedicated ? letters : std::vector<std::string>();
                 ++spare;

@@ -290,6 +290,25 @@ TEST(FamilyPlan, ADedicatedSpareStaysWithItsGroup) {
               "STORCLI /c0 add vd r0 drives=252:2,252:3 J nolog\n");
 }
 
+/// One that is made new of all arrays is everybody's.
+TEST(FamilyPlan, ADedicatedSpareOfAllArraysStaysAsItStands) {
+    FamilyServer server;
+    server.addDrives(5);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("238", "1", "RAID1", {{2, 3}}, 1000);
+    const std::string policies =
+        policy("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3\nLevel.A = 1\n"
+               "Level.B = 1\nSpares = slots 252:4 covering A,B\n");
+    EXPECT_NE(planLines(server.plan(policies)).find("s4 add hotsparedrive J nolog\n"),
+              std::string::npos);
+    server.makeSpare(4, {"0", "1"});
+    MachinePlan plan = server.plan(policies);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+    server.makeSpare(4);
+    plan = server.plan(policies);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+}
+
 TEST(FamilyPlan, ADedicatedSpareOfAnotherArray) {
     FamilyServer server;
     server.addDrives(5);
