@@ -432,7 +432,9 @@ class LayoutMaker {
         }
         const DriveUse use{[this](const MachineDrive& drive) { return drives_.isGood(drive); },
                            [](const MachineDrive& drive) { return FamilyDrives::bytesOf(drive); },
-                           [this](const MachineDrive& drive) { return driveHelp(drive); }};
+                           [this](const MachineDrive& drive) { return driveHelp(drive); },
+                           limits_.mostDrives > 0 ? limits_.mostDrives
+                                                  : static_cast<std::size_t>(mostKindDrives)};
         DriveChoice choice = chooseDrives(kinds, planned_.detail, use);
         for (const BindingFault& each : choice.faults) {
             Finding& finding = fault(each.code.c_str(), nullptr, each.keyword + ": " + each.what,

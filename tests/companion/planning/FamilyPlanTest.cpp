@@ -569,6 +569,23 @@ TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
               "  help: take the line out for the controller's own\n");
 }
 
+/// An array of several spans has more drives than one of any other controller.
+TEST(FamilyPlan, AsManyDrivesOfAKindAsTheControllerTakes) {
+    FamilyServer server;
+    server.addDrives(64);
+    for (const char* const drives : {"all HDD", "64 x HDD"}) {
+        const MachinePlan plan =
+            server.plan(policy("Drives.A = " + std::string(drives) + "\nLevel.A = 10\n"));
+        ASSERT_TRUE(plan.isApplicable()) << planLines(plan);
+        EXPECT_EQ(plan.controllers.front().arrays.front().drives.size(), 64U);
+    }
+    server.controller().facts.abilities.mostDrives = 16;
+    server.controller().facts.abilities.mostSpans = 2;
+    EXPECT_NE(planLines(server.plan(policy("Drives.A = all HDD\nLevel.A = 10\n")))
+                  .find("these are 64 drives, and an array holds 32\n"),
+              std::string::npos);
+}
+
 TEST(FamilyPlan, NoRoomAndOneLevelForAnArray) {
     FamilyServer server;
     server.addDrives(2, 100);
