@@ -98,6 +98,7 @@ class DrivePool {
     [[nodiscard]] std::string whatToDo(const MachineDrive& drive) const {
         return use_.whatToDo ? use_.whatToDo(drive) : "replace it, or name another drive";
     }
+    [[nodiscard]] std::size_t mostDrives() const { return use_.mostDrives; }
     [[nodiscard]] std::uint64_t sizeOf(const MachineDrive& drive) const {
         return use_.bytes(drive);
     }
@@ -130,6 +131,9 @@ class Chooser {
     DriveChoice run() {
         for (const KindSection::Drives& drives : section_.drives) {
             if (drives.wish.form != KindForm::kind) {
+                if (isTooMany(*drives.entry, drives.wish.names.size())) {
+                    continue;
+                }
                 choice_.arrays[drives.letter] =
                     named(*drives.entry, drives.wish.form, drives.wish.names);
             }
@@ -282,6 +286,17 @@ class Chooser {
         return {};
     }
 
+    /// Tells it, too.
+    bool isTooMany(const KindFileEntry& entry, std::size_t count) {
+        if (count > pool_.mostDrives()) {
+            const std::string most = std::to_string(pool_.mostDrives());
+            addAtValue(entry,
+                       "these are " + std::to_string(count) + " drives, and an array holds " + most,
+                       "write a number: " + most + " x ...");
+        }
+        return count > pool_.mostDrives();
+    }
+
     void counted(const KindSection::Drives& drives) {
         const DrivesWish& wish = drives.wish;
         const std::vector<Candidate> candidates = fitting(wish, pool_.free());
@@ -294,11 +309,7 @@ class Chooser {
             tellMixed(*drives.entry, wish, candidates);
             return;
         }
-        if (kind.size() > static_cast<std::size_t>(mostKindDrives)) {
-            addAtValue(*drives.entry,
-                       "these are " + std::to_string(kind.size()) + " drives, and an array holds " +
-                           std::to_string(mostKindDrives),
-                       "write a number: " + std::to_string(mostKindDrives) + " x ...");
+        if (isTooMany(*drives.entry, kind.size())) {
             return;
         }
         std::vector<ChosenDrive>& chosen = choice_.arrays[drives.letter];

@@ -34,6 +34,7 @@ struct DriveUse {
     std::function<std::uint64_t(const MachineDrive& drive)> bytes; ///< 0: not known
     /// What to do about one that is not usable; may be empty.
     std::function<std::string(const MachineDrive& drive)> whatToDo{};
+    std::size_t mostDrives = mostKindDrives; ///< of an array
 };
 
 /// Chooses: named drives first, then counted ones and `all` by letter, then hot spares, then what

@@ -19,6 +19,7 @@ constexpr const char* sizeHelp = "sizes are <500GB, >1TB, =300GB or 200GB-400GB,
 constexpr const char* sparesHelp =
     "write how many, or which: 1, 1 covering A,B, slots 32:7, serials 3LQ2A000";
 constexpr const char* levelHelp = "write levels between else: 6 else 5 else 1";
+constexpr std::int32_t mostOfAnyController = 256; ///< drives of an array, in several spans
 constexpr std::size_t longestQuoted = 40;
 
 constexpr std::array<std::string_view, 2> mediaWords = {"SSD", "HDD"};
@@ -329,7 +330,7 @@ class DrivesReader {
   private:
     DrivesWish byName(KindForm form, const char* thing) {
         wish_.form = form;
-        wish_.names = namesOf(words_, thing, mostKindDrives, drivesHelp);
+        wish_.names = namesOf(words_, thing, mostOfAnyController, drivesHelp);
         return std::move(wish_);
     }
 
@@ -347,7 +348,7 @@ class DrivesReader {
         } else if (words_.takeIf("all")) {
             wish_.amount = DrivesWish::Amount::all;
         } else {
-            wish_.count = countOf(words_.take(), mostKindDrives, "drives", drivesHelp);
+            wish_.count = countOf(words_.take(), mostOfAnyController, "drives", drivesHelp);
             if (!words_.takeIf("x")) {
                 failUnexpected(words_.peek(), "\"x\"", drivesHelp);
             }

@@ -86,6 +86,7 @@ struct FamilyLimits {
     std::uint64_t leastStripBytes = 0;   ///< 0: not told
     std::uint64_t mostStripBytes = 0;
     bool mixesProtocols = false; ///< SAS and SATA in one logical drive
+    bool mixesNvme = true;       ///< NVMe with these, where protocols are mixed at all
     bool mixesMedia = false;     ///< HDD and SSD
     bool setsCaches = false;     ///< write and read-ahead modes can be told
     bool hasGlobalSpares = false;

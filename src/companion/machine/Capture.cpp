@@ -132,11 +132,12 @@ class Capturer {
         checkRequest();
         captured_.resize(snapshot_.controllers.count());
         for (std::size_t i = 0; i < captured_.size(); ++i) {
-            if (taken_.count(i) == 0 && (isAsked(i) || decidesOrder(i))) {
+            if (taken_.count(i) == 0 && (isAsked(i) || decidesOrder(i) || mayBeToldTwice(i))) {
                 capture(i);
             }
         }
         putInOrder();
+        const std::vector<ToldSerial> serials = toldSerials();
         for (std::size_t i = 0; i < captured_.size(); ++i) {
             if (const auto taken = taken_.find(i); taken != taken_.end()) {
                 finishFamily(std::move(taken->second), i, true);
@@ -148,7 +149,7 @@ class Capturer {
             finishFamily(std::move(further_[i]), snapshot_.controllers.count() + i, false);
         }
         findUndriven();
-        checkSerialNumbers(snapshot_);
+        checkSerialNumbers(serials, snapshot_);
         return std::move(snapshot_);
     }
 
@@ -518,6 +519,45 @@ class Capturer {
             }
         }
         return false;
+    }
+
+    /// Whether a family tells of a controller without its place that may be this card: the serial
+    /// numbers of both decide.
+    [[nodiscard]] bool mayBeToldTwice(std::size_t index) const {
+        const std::size_t known = snapshot_.controllers.count();
+        const std::string utility(utilityOfType(snapshot_.controllers.controller(index)->type()));
+        for (std::size_t i = 0; i < further_.size() && utility == "MEGACLI"; ++i) {
+            if (isAsked(known + i) && mayBeAnywhere(further_[i])) {
+                return true;
+            }
+        }
+        return false;
+    }
+    [[nodiscard]] static bool mayBeAnywhere(const Told& told) {
+        return told.controller.pci.empty() && !told.controller.failed && !told.family->isOptIn();
+    }
+
+    /// Of all controllers that were asked, also of those that are left out.
+    [[nodiscard]] std::vector<ToldSerial> toldSerials() const {
+        std::vector<ToldSerial> serials;
+        const auto add = [&serials](std::size_t index, std::string_view utility, const Facts& facts,
+                                    bool isAnywhere) {
+            serials.push_back({static_cast<std::int32_t>(index) + 1, std::string(utility),
+                               facts.serialNumber, isAnywhere});
+        };
+        for (std::size_t i = 0; i < captured_.size(); ++i) {
+            if (const auto taken = taken_.find(i); taken != taken_.end()) {
+                add(i, taken->second.family->name(), taken->second.controller.facts, false);
+            } else if (captured_[i].isDone) {
+                add(i, utilityOfType(snapshot_.controllers.controller(i)->type()),
+                    captured_[i].snapshot.facts, false);
+            }
+        }
+        for (std::size_t i = 0; i < further_.size(); ++i) {
+            add(captured_.size() + i, further_[i].family->name(), further_[i].controller.facts,
+                mayBeAnywhere(further_[i]));
+        }
+        return serials;
     }
 
     /// HYPERWIN's lines name no controller: what they list and change is on the first.

@@ -8,7 +8,7 @@
 
 #include "foundation/Text.h"
 
-#include <map>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -115,20 +115,26 @@ void checkAgainstFunction(const FunctionIdentity& identity, ControllerSnapshot& 
     checkPci(identity, snapshot);
 }
 
-void checkSerialNumbers(Snapshot& snapshot) {
-    std::map<std::string, std::int32_t> first;
-    for (const ControllerSnapshot& controller : snapshot.details) {
-        const std::string& serial = controller.facts.serialNumber;
-        if (isPlaceholder(serial)) {
+void checkSerialNumbers(const std::vector<ToldSerial>& told, Snapshot& snapshot) {
+    const auto isIn = [&snapshot](const ToldSerial& one) {
+        return std::any_of(
+            snapshot.details.begin(), snapshot.details.end(),
+            [&one](const ControllerSnapshot& each) { return each.number == one.number; });
+    };
+    for (auto second = told.begin(); second != told.end(); ++second) {
+        if (isPlaceholder(second->serialNumber)) {
             continue;
         }
-        const auto [entry, isNew] =
-            first.emplace(controller.utility + "\n" + serial, controller.number);
-        if (!isNew) {
-            snapshot.findings.push_back(problemFinding(
-                problem::sameSerial,
-                "the listings of controllers " + std::to_string(entry->second) + " and " +
-                    std::to_string(controller.number) + " tell the same serial number, " + serial));
+        const auto first = std::find_if(told.begin(), second, [&second](const ToldSerial& each) {
+            return each.serialNumber == second->serialNumber &&
+                   (each.utility == second->utility || each.mayBeAnywhere || second->mayBeAnywhere);
+        });
+        if (first != second && (isIn(*first) || isIn(*second))) {
+            snapshot.findings.push_back(
+                problemFinding(problem::sameSerial,
+                               "the listings of controllers " + std::to_string(first->number) +
+                                   " and " + std::to_string(second->number) +
+                                   " tell the same serial number, " + second->serialNumber));
         }
     }
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zolex::companion {
 
@@ -23,7 +24,16 @@ struct FunctionIdentity {
 /// Holds what the listing tells of the controller against its PCI function, as findings.
 void checkAgainstFunction(const FunctionIdentity& function, ControllerSnapshot& snapshot);
 
-/// Controllers that have one serial number, as findings of the machine.
-void checkSerialNumbers(Snapshot& snapshot);
+/// The serial number that a controller tells.
+struct ToldSerial {
+    std::int32_t number = 0; ///< of the controller
+    std::string utility;
+    std::string serialNumber;
+    bool mayBeAnywhere =
+        false; ///< its place on the bus is not told: another utility may tell of it
+};
+
+/// Controllers that have one serial number, as findings of the machine where one of them is in it.
+void checkSerialNumbers(const std::vector<ToldSerial>& told, Snapshot& snapshot);
 
 } // namespace zolex::companion

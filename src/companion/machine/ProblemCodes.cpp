@@ -96,7 +96,8 @@ constexpr auto problemRows = std::to_array<ProblemCode>({
      "The utility numbers its controllers otherwise than zolex: commands would reach another one.",
      "take one of the controllers out, or configure them by hand"},
     {problem::sameSerial, error, "two controllers have the same serial number",
-     "The utility shows one controller under two numbers: one of them cannot be reached.",
+     "One controller is shown under two numbers, by its utility or by two: one of them cannot be "
+     "reached, or what is done to one is done to the other.",
      "start the listing commands by hand and compare them"},
     {problem::notAddressed, error, "a controller has no number in its utility's commands",
      "zolex counts 15 controllers of one utility, and HYPERWIN's commands name none: for more they "

@@ -432,7 +432,9 @@ class LayoutMaker {
         }
         const DriveUse use{[this](const MachineDrive& drive) { return drives_.isGood(drive); },
                            [](const MachineDrive& drive) { return FamilyDrives::bytesOf(drive); },
-                           [this](const MachineDrive& drive) { return driveHelp(drive); }};
+                           [this](const MachineDrive& drive) { return driveHelp(drive); },
+                           limits_.mostDrives > 0 ? limits_.mostDrives
+                                                  : static_cast<std::size_t>(mostKindDrives)};
         DriveChoice choice = chooseDrives(kinds, planned_.detail, use);
         for (const BindingFault& each : choice.faults) {
             Finding& finding = fault(each.code.c_str(), nullptr, each.keyword + ": " + each.what,
@@ -482,7 +484,29 @@ class LayoutMaker {
         planning_.bindings.push_back(std::move(binding));
     }
 
-    /// Spares that cover some arrays are theirs alone; those that cover all are everybody's.
+    /// Whether a drive is a spare of these arrays already, and of them alone.
+    [[nodiscard]] bool isSpareOf(const std::string& location,
+                                 const std::vector<std::string>& letters) const {
+        const DriveFacts& spare = factsOf(location);
+        const auto isCovered = [&](const PlannedArray& array) {
+            const std::vector<LogicalDriveFacts>& all = planned_.detail.facts.logicalDrives;
+            return std::any_of(all.begin(), all.end(), [&](const LogicalDriveFacts& each) {
+                return !array.drives.empty() && each.isOn(array.drives.front().location) &&
+                       std::find(spare.covers.begin(), spare.covers.end(), each.array) !=
+                           spare.covers.end();
+            });
+        };
+        const auto covered = std::count_if(
+            planning_.arrays.begin(), planning_.arrays.end(), [&](const PlannedArray& array) {
+                return std::find(letters.begin(), letters.end(), array.id) != letters.end() &&
+                       isCovered(array);
+            });
+        return spare.hotspare == HotspareKind::dedicated && spare.covers.size() == letters.size() &&
+               static_cast<std::size_t>(covered) == letters.size();
+    }
+
+    /// Spares that cover some arrays are theirs alone; those that cover all are everybody's, where
+    /// they do not stand as dedicated ones of all.
     void dedicateSpares(const SparesWish& wish) {
         std::size_t spare = 0;
         for (const SpareGroup& group : wish.groups) {
@@ -492,7 +516,10 @@ class LayoutMaker {
             }
             const bool isForAll = letters.empty() || letters.size() >= planning_.arrays.size();
             for (std::int32_t i = 0; i < group.count && spare < planning_.spares.size(); ++i) {
-                planning_.spares[spare].isDedicated = !isForAll && limits_.hasDedicatedSpares;
+                const bool isOwn =
+                    !isForAll ||
+                    (!letters.empty() && isSpareOf(planning_.spares[spare].location, letters));
+                planning_.spares[spare].isDedicated = isOwn && limits_.hasDedicatedSpares;
                 planning_.spares[spare].covers =
                     planning_.spares[spare].isDedicated ? letters : std::vector<std::string>();
                 ++spare;
@@ -532,7 +559,8 @@ class LayoutMaker {
                 sectors.insert(facts.blockSizeBytes ? std::to_string(*facts.blockSizeBytes) : "");
             }
             tellUnlike(array, sectors, false, " bytes to the sector");
-            tellUnlike(array, protocols, limits_.mixesProtocols, "");
+            const bool mayMix = limits_.mixesNvme || protocols.count("NVMe") == 0;
+            tellUnlike(array, protocols, limits_.mixesProtocols && mayMix, "");
             tellUnlike(array, media, limits_.mixesMedia, "");
         }
     }
@@ -909,6 +937,11 @@ class LayoutMaker {
         spare.covers = {own};
     }
 
+    [[nodiscard]] bool mayMixProtocols(const DriveFacts& a, const DriveFacts& b) const {
+        return limits_.mixesProtocols &&
+               (limits_.mixesNvme || (a.protocol == "NVMe") == (b.protocol == "NVMe"));
+    }
+
     [[nodiscard]] bool canStandIn(const PlannedSpare& spare, const PlannedArray& array) const {
         const DriveFacts& own = factsOf(spare.location);
         const bool isOfUse = std::any_of(
@@ -921,7 +954,7 @@ class LayoutMaker {
             const DriveFacts& facts = factsOf(drive.location);
             smallest = std::min(smallest, facts.capacityBytes.value_or(0));
             isLike = isLike && facts.blockSizeBytes == own.blockSizeBytes &&
-                     (limits_.mixesProtocols || facts.protocol == own.protocol) &&
+                     (facts.protocol == own.protocol || mayMixProtocols(facts, own)) &&
                      (limits_.mixesMedia || facts.mediaType == own.mediaType);
         }
         return isOfUse && isLike && own.capacityBytes.value_or(0) >= smallest;

@@ -290,6 +290,11 @@ void FamilyPlanner::finish(ControllerPlanning& planning, std::vector<Finding> fo
         }
         refusals_.sort({std::move(*keptCache)}, planning);
     }
+    if (isPlanned && !hasErrors(planning.diagnostics)) {
+        if (std::optional<Finding> offline = offlineArrayFault(planning)) {
+            refusals_.sort({*std::move(offline)}, planning);
+        }
+    }
     if (hasErrors(planning.diagnostics)) {
         refusePlanning(planning);
         return;

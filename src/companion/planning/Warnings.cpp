@@ -6,6 +6,7 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -241,6 +242,94 @@ void tellMoved(const ControllerPlanning& planning, std::vector<Finding>& finding
     }
 }
 
+Finding warningOfRule(const char* rule, std::string summary, std::string help) {
+    Finding finding;
+    finding.code = rule;
+    finding.severity = Severity::warning;
+    finding.summary = std::move(summary);
+    finding.help = {std::move(help)};
+    return finding;
+}
+
+/// Whether a drive is where it is planned to be, and is not written anew.
+bool staysThere(const ControllerPlanning& planning, const std::string& location, bool isSpare) {
+    const auto isLost = [&planning](const char* kind, const std::string& id) {
+        return std::any_of(planning.losses.begin(), planning.losses.end(),
+                           [&](const Loss& loss) { return loss.kind == kind && loss.id == id; });
+    };
+    if (isSpare) {
+        const DriveFacts* const drive = planning.controller.facts.drive(location);
+        return drive != nullptr && drive->hotspare != HotspareKind::none &&
+               !isLost("hotspare", location);
+    }
+    const std::vector<LogicalDriveFacts>& all = planning.controller.facts.logicalDrives;
+    return std::any_of(all.begin(), all.end(), [&](const LogicalDriveFacts& each) {
+        return each.isOn(location) && !isLost("logical_drive", each.id);
+    });
+}
+
+/// A drive that is about to fail. Of the seven the rules of the linter tell it.
+void tellErrorsOf(const ControllerPlanning& planning, const std::string& location,
+                  const std::string& where, bool isSpare, std::vector<Finding>& findings) {
+    const DriveFacts* const drive = planning.controller.facts.drive(location);
+    const std::uint64_t media = drive == nullptr ? 0 : drive->mediaErrorCount.value_or(0);
+    const std::uint64_t predicted = drive == nullptr ? 0 : drive->predictedFailureCount.value_or(0);
+    if (media == 0 && predicted == 0) {
+        return;
+    }
+    std::string what = media == 0 ? "" : countText(media, "media error", "media errors");
+    if (predicted > 0) {
+        what += (what.empty() ? "" : ", ") +
+                countText(predicted, "predicted failure", "predicted failures");
+    }
+    const bool stays = staysThere(planning, location, isSpare);
+    findings.push_back(warningOfRule(
+        "ZX703", location + " has " + what + (stays ? ", and is in " : ", and goes into ") + where,
+        stays ? "replace the drive while the others are well"
+              : "replace " + location + " before the array is made"));
+}
+
+void tellErrors(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    for (const PlannedArray& array : planning.arrays) {
+        for (const PlannedDrive& drive : array.drives) {
+            tellErrorsOf(planning, drive.location, "array " + array.id, false, findings);
+        }
+    }
+    for (const PlannedSpare& spare : planning.spares) {
+        tellErrorsOf(planning, spare.location, "the hot spares", true, findings);
+    }
+}
+
+/// What is left unused of the larger drives of an array.
+void tellSizes(const ControllerPlanning& planning, std::vector<Finding>& findings) {
+    constexpr std::uint64_t worthMentioning = 50; // one part in so many
+    for (const PlannedArray& array : planning.arrays) {
+        std::vector<const DriveFacts*> drives;
+        for (const PlannedDrive& planned : array.drives) {
+            const DriveFacts* const drive = planning.controller.facts.drive(planned.location);
+            if (drive != nullptr && drive->capacityBytes.value_or(0) > 0) {
+                drives.push_back(drive);
+            }
+        }
+        const auto [small, large] = std::minmax_element(
+            drives.begin(), drives.end(), [](const DriveFacts* a, const DriveFacts* b) {
+                return *a->capacityBytes < *b->capacityBytes;
+            });
+        if (drives.empty() || *(*large)->capacityBytes - *(*small)->capacityBytes <=
+                                  *(*small)->capacityBytes / worthMentioning) {
+            continue;
+        }
+        std::uint64_t unused = 0;
+        for (const DriveFacts* const drive : drives) {
+            unused += *drive->capacityBytes - *(*small)->capacityBytes;
+        }
+        findings.push_back(warningOfRule(
+            "ZX704", "array " + array.id + " leaves " + sizeText(unused) + " of its drives unused",
+            (*small)->location + " has " + sizeText(*(*small)->capacityBytes) + ", " +
+                (*large)->location + " has " + sizeText(*(*large)->capacityBytes)));
+    }
+}
+
 } // namespace
 
 std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
@@ -251,6 +340,10 @@ std::vector<Finding> planWarnings(const ControllerPlanning& planning) {
     tellForeign(planning, findings);
     tellNumbers(planning, findings);
     tellMoved(planning, findings);
+    if (findFamily(planning.controller.utility) != nullptr) {
+        tellErrors(planning, findings);
+        tellSizes(planning, findings);
+    }
     return findings;
 }
 

@@ -66,10 +66,10 @@ TEST(KindGrammar, NamesKeepTheirColumns) {
 TEST(KindGrammar, FaultsOfDrives) {
     EXPECT_EQ(drives(""), "12-12 a number of drives is missing");
     EXPECT_EQ(drives("two x SSD"), R"(12-15 "two" stands where a number of drives is wanted)");
-    EXPECT_EQ(drives("0 x SSD"), R"(12-13 "0" is no number of drives from 1 to 32)");
-    EXPECT_EQ(drives("33 x SSD"), R"(12-14 "33" is no number of drives from 1 to 32)");
+    EXPECT_EQ(drives("0 x SSD"), R"(12-13 "0" is no number of drives from 1 to 256)");
+    EXPECT_EQ(drives("257 x SSD"), R"(12-15 "257" is no number of drives from 1 to 256)");
     EXPECT_EQ(drives("99999999999 x"),
-              R"(12-23 "99999999999" is no number of drives from 1 to 32)");
+              R"(12-23 "99999999999" is no number of drives from 1 to 256)");
     EXPECT_EQ(drives("2"), R"(13-13 "x" is missing)");
     EXPECT_EQ(drives("2 SSD"), R"(14-17 "SSD" stands where "x" is wanted)");
     EXPECT_EQ(drives("2 x smallest"), R"(16-24 "smallest" says nothing of drives)");
@@ -93,10 +93,10 @@ TEST(KindGrammar, FaultsOfDrives) {
     EXPECT_EQ(drives("slots 32:0 32:1"), R"(18-27 no comma between the words of "32:0 32:1")");
     EXPECT_EQ(drives("serials ab,AB"), R"(23-25 "AB" stands there twice)");
     std::string many = "slots 1:0";
-    for (int i = 1; i < 33; ++i) {
+    for (int i = 1; i < 257; ++i) {
         many += ",1:" + std::to_string(i);
     }
-    EXPECT_EQ(drives(many), "168-172 more than 32 drives");
+    EXPECT_EQ(drives(many), "1444-1449 more than 256 drives");
     EXPECT_EQ(drives(std::string(100, 'x')),
               "12-112 \"" + std::string(40, 'x') +
                   R"(..." stands where a number of drives is wanted)");

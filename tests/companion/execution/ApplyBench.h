@@ -132,8 +132,9 @@ class ApplyBench {
             if (isJournalRefused) {
                 return nullptr;
             }
+            auto keeper = std::make_unique<Keeper>(*this);
             disk.isThere = true;
-            return std::make_unique<Keeper>(*this);
+            return keeper;
         };
         terms.dropJournal = [this] { disk = {}; };
         capture = server.request();

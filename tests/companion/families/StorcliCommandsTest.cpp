@@ -177,6 +177,17 @@ TEST(StorcliJudge, OneControllerOfSeveral) {
               "refused: un");
 }
 
+TEST(StorcliJudge, AnAnswerOfAnotherControllerIsNone) {
+    const std::string own = answer("Success", "Add VD Succeeded.");
+    const std::size_t at = own.find("\"Controller\" : 0");
+    ASSERT_NE(at, std::string::npos);
+    const std::string other = std::string(own).replace(at, 16, "\"Controller\" : 1");
+    EXPECT_EQ(judged(0, other), "refused: the answer is of controller 1");
+    EXPECT_TRUE(storcli::judge("STORCLI /c1/v239 del J nolog", 0, other).isDone);
+    EXPECT_FALSE(storcli::judge("STORCLI /c11/v239 del J nolog", 0, other).isDone);
+    EXPECT_TRUE(storcli::judge("STORCLI show J nolog", 0, other).isDone); // of no controller
+}
+
 TEST(StorcliJudge, OfTwoEqualKeysTheFirstCountsAsInACapture) {
     EXPECT_EQ(
         judged(0, R"({"Controllers":[{"Command Status":{"Status":"Failure","Status ":"Success",

@@ -15,6 +15,7 @@ using namespace test; // NOLINT: the words of these tests
 constexpr const char* all = "/c0 show all J";
 constexpr const char* drives = "/c0/eall/sall show all J";
 constexpr const char* volumes = "/c0/vall show all J";
+constexpr const char* foreign = "/c0/fall show J";
 
 const DriveFacts& driveOf(const FamilyController& controller, const std::string& location) {
     static const DriveFacts none;
@@ -26,9 +27,9 @@ const DriveFacts& driveOf(const FamilyController& controller, const std::string&
 TEST(StorcliTraps, ExactSizeOfADriveComesFromItsCoercedSectors) {
     ListedController server;
     server.edit(drives, "\"Coerced size\" : \"893.750 GB [0x6fb80000 Sectors]\"",
-                "\"Coerced size\" : \"1 TB [0x10 Sectors]\"");
+                "\"Coerced size\" : \"1 TB [0x6fb80010 Sectors]\"");
     const DriveFacts drive = driveOf(server.controller(), "252:0");
-    EXPECT_EQ(drive.capacityBytes, 16U * 512);
+    EXPECT_EQ(drive.capacityBytes, 0x6fb80010ULL * 512);
     EXPECT_EQ(drive.rawCapacityBytes, 0x6fc81ab0ULL * 512); // what its label says
 }
 
@@ -39,6 +40,31 @@ TEST(StorcliTraps, ExactSizeOfAVolumeComesFromItsBlocks) {
     // Blocks of 4096 bytes, where those of 512 contradict the text.
     server.edit(volumes, "\"Number of Blocks\" : 1874329601", "\"Number of Blocks\" : 234291200");
     EXPECT_EQ(server.controller().facts.logicalDrives[0].capacityBytes, 234291200ULL * 4096);
+}
+
+TEST(StorcliTraps, SectorsThatAreNotTheSizeInWordsDoNotCount) {
+    ListedController server;
+    const std::string size =
+        "\"EID:Slt\" : \"252:12\",\n\t\t\t\t\"DID\" : 20,\n\t\t\t\t\"State\" : "
+        "\"UGood\",\n\t\t\t\t\"DG\" : \"-\",\n\t\t\t\t\"Size\" : ";
+    server.editOnce(all, size + "\"7.277 TB\"", size + "\"893.750 GB\"");
+    const FamilyController controller = server.controller();
+    EXPECT_EQ(driveOf(controller, "252:12").capacityBytes, 0x6fb80000ULL * 512);
+    EXPECT_GT(driveOf(controller, "252:12").capacityTolerance, 0U);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP147 drive 252:12 has 8001524072448 bytes in its sectors, which are not the "
+                     "893.750 GB that it is said to have: the latter counts"}));
+    // What its label says is another size of it, and no contradiction.
+    ListedController raw;
+    raw.edit(all, "\"893.750 GB\"", "\"894.252 GB\"");
+    EXPECT_EQ(driveOf(raw.controller(), "252:0").capacityBytes, 0x6fb80000ULL * 512);
+}
+
+TEST(StorcliTraps, ADriveWithTwoSectorSizesIsNotPlanned) {
+    ListedController server;
+    server.edit(all, "\"SeSz\" : \"4 KB\"", "\"SeSz\" : \"512B\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:15").barred,
+              "its sectors are told to be of 4096 and of 512 bytes");
 }
 
 TEST(StorcliTraps, TextIsCutAndOnlyTheLeastSize) {
@@ -429,6 +455,36 @@ TEST(StorcliTraps, OfTwoStatesTheWorseOneCounts) {
     ListedController fourth;
     fourth.edit(drives, "\"State\" : \"UGood\"", "\"State\" : \"JBOD\"");
     EXPECT_EQ(driveOf(fourth.controller(), "252:12").state, DriveState::jbod);
+    // A spare by TOPOLOGY, or JBOD by its type, is not free.
+    ListedController fifth;
+    for (const char* const call : {all, drives}) {
+        fifth.edit(call, "\"DID\" : 18,\n\t\t\t\t\"State\" : \"GHS\"",
+                   "\"DID\" : 18,\n\t\t\t\t\"State\" : \"UGood\"");
+        fifth.edit(call, "\"DID\" : 19,\n\t\t\t\t\"State\" : \"DHS\",\n\t\t\t\t\"DG\" : 1",
+                   "\"DID\" : 19, \"State\" : \"UGood\", \"DG\" : \"-\"");
+        fifth.edit(call, "\"State\" : \"JBOD\"", "\"State\" : \"UGood\"");
+    }
+    const FamilyController spares = fifth.controller();
+    EXPECT_EQ(driveOf(spares, "252:10").hotspare, HotspareKind::global);
+    EXPECT_EQ(driveOf(spares, "252:11").covers, Lines({"1"}));
+    EXPECT_EQ(driveOf(spares, "252:14").state, DriveState::jbod);
+}
+
+/// What one of the two says of a drive that has left, or is on its way, is no contradiction.
+TEST(StorcliTraps, ALogicalDriveLiesOnTheSameDrivesInBothLists) {
+    ListedController server;
+    server.edit(volumes, "PDs for VD 238", "PDs for VD 0");
+    server.edit(volumes, "PDs for VD 239", "PDs for VD 238");
+    server.edit(volumes, "PDs for VD 0", "PDs for VD 239");
+    const FamilyController controller = server.controller();
+    EXPECT_TRUE(controller.failed);
+    EXPECT_EQ(findingsOf(controller.findings),
+              Lines({"ZP131 the listings contradict each other: PDs for VD 239 and TOPOLOGY tell "
+                     "other drives (252:2, 252:3, 252:5, 252:0, 252:1), PDs for VD 238 and "
+                     "TOPOLOGY tell other drives (252:0, 252:1, 252:2, 252:3, 252:5)"}));
+    ListedController left;
+    left.editOnce(volumes, "\"EID:Slt\" : \"252:4\"", "\"EID:Slt\" : \"-\"");
+    EXPECT_FALSE(left.controller().failed);
 }
 
 TEST(StorcliTraps, ListingsThatContradictEachOtherAreNone) {
@@ -462,6 +518,10 @@ TEST(StorcliTraps, ListingsThatContradictEachOtherAreNone) {
          "\"DG/VD\" : \"1/238\", \"TYPE\" : \"RAID6\"", "VD 238 is RAID5 and RAID6"},
         {volumes, "\"DG/VD\" : \"1/238\"", "\"DG/VD\" : \"2/238\"",
          "VD 238 is in drive groups 1 and 2"},
+        {all, "\"PCI Address\" : \"00:c1:00:00\"", "\"PCI Address\" : \"00:60:00:00\"",
+         "it is at 0000:60:00.0 and at 0000:c1:00.0"},
+        {all, "\"Basics\" : {\n\t\t\t\"Controller\" : 0", "\"Basics\" : { \"Controller\" : 1",
+         "what is told of controller 0 is of controller 1"},
     };
     for (const Case& each : cases) {
         ListedController server;
@@ -499,6 +559,82 @@ TEST(StorcliTraps, AForeignLayoutOnNoDriveIsPlannedBesideByNobody) {
     // Without the layout there is nothing to be found.
     server.answer("/c0/fall show J", listing("storcli-c0-fall-show-none.json"), 50);
     EXPECT_FALSE(server.controller().failed);
+}
+
+/// Whether a drive that is told to be free carries an array of another controller is not known
+/// then.
+TEST(StorcliTraps, WithoutAnAnswerAboutForeignLayoutsNothingIsCaptured) {
+    const std::string head = "{\"Controllers\":[{\"Command Status\":{\"Controller\":0,\"Status\":";
+    ListedController server;
+    server.answer(foreign,
+                  head + "\"Failure\",\"Description\":\"x\",\"Detailed Status\":[{\"ErrCd\":46,"
+                         "\"ErrMsg\":\"drive does not answer\"}]}}]}",
+                  46);
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP104 STORCLI /c0/fall show J nolog tells nothing: drive does not answer"}));
+    const Lines untold = {"ZP131 the listing is not whole: STORCLI /c0/fall show J nolog does not "
+                          "tell whether there are foreign drive groups"};
+    for (const char* const data : {"}}]}", "},\"Response Data\":{\"Other\":1}}]}"}) {
+        server.answer(foreign, head + "\"Success\",\"Description\":\"None\"" + data);
+        EXPECT_TRUE(server.controller().failed) << data;
+        EXPECT_EQ(findingsOf(server.controller().findings), untold) << data;
+    }
+    // None, in other words than an error's.
+    for (const char* const none : {"\"x\"},\"Response Data\":{\"Total foreign Drive Groups\":0}}]}",
+                                   "\"x\"},\"Response Data\":{\"FOREIGN CONFIGURATION\":[]}}]}",
+                                   "\"No foreign configuration found\"}}]}"}) {
+        server.answer(foreign, head + "\"Success\",\"Description\":" + none);
+        EXPECT_FALSE(server.controller().failed) << none;
+    }
+    server.answer(foreign, head + "\"Success\",\"Description\":\"x\"},\"Response Data\":{\"Total "
+                                  "foreign Drive Groups\":2}}]}");
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP131 the listing is not whole: 0 of 2 foreign drive groups are listed"}));
+}
+
+TEST(StorcliTraps, AForeignDriveIsToldByItsOwnRowToo) {
+    for (const auto& [from, to] : {std::pair("\"DG\" : \"-\"", "\"DG\" : \"F\""),
+                                   std::pair("\"Sp\" : \"U\"", "\"Sp\" : \"F\"")}) {
+        ListedController server;
+        server.edit(drives, from, to);
+        EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign) << to;
+    }
+    ListedController changing;
+    changing.edit(drives, "\"Sp\" : \"U\"", "\"Sp\" : \"T\"");
+    EXPECT_EQ(driveOf(changing.controller(), "252:12").barred, "its power state is changing");
+    ListedController server; // the list of groups names drives, in some versions
+    server.edit(foreign, "\"EID:Slot\" : \"-\"", "\"EID:Slot\" : \"252:12\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign);
+    server.edit(foreign, "\"252:12\"", "\"252:15,252:12\"");
+    EXPECT_EQ(driveOf(server.controller(), "252:12").state, DriveState::foreign);
+    EXPECT_FALSE(server.controller().failed);
+}
+
+TEST(StorcliTraps, EachForeignGroupHasADrive) {
+    ListedController server;
+    const std::string row = "{ \"DG\" : 1, \"EID:Slot\" : \"-\", \"Type\" : \"RAID1\" }, ";
+    server.editOnce(foreign, "\"FOREIGN CONFIGURATION\" : [",
+                    "\"FOREIGN CONFIGURATION\" : [" + row);
+    server.edit(foreign, "\"Total foreign Drive Groups\" : 1",
+                "\"Total foreign Drive Groups\" : 2");
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP131 the listing is not whole: 2 foreign drive groups are told, and 1 drive "
+                     "of them"}));
+    // An incomplete one has those that are left of it.
+    server.answer(foreign, replaced(listing("storcli-c0-fall-show-none.json"), "50", "59"), 59);
+    server.edit(foreign, "No foreign configuration", "Foreign configuration ");
+    EXPECT_FALSE(server.controller().failed);
+    for (const char* const call : {all, drives}) {
+        server.edit(call, "\"DG\" : \"F\"", "\"DG\" : \"-\"");
+    }
+    EXPECT_TRUE(server.controller().failed);
+    EXPECT_EQ(findingsOf(server.controller().findings),
+              Lines({"ZP138 a foreign configuration is incomplete: drives of it are missing",
+                     "ZP131 the listing is not whole: an incomplete foreign drive group is told, "
+                     "and no drive of it"}));
 }
 
 TEST(StorcliTraps, BlocksThatAreNotTheSizeInWordsDoNotCount) {

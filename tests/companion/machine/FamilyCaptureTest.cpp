@@ -5,6 +5,7 @@
 #include "companion/machine/Examination.h"
 #include "companion/machine/Fingerprint.h"
 #include "companion/machine/UtilityPlatform.h"
+#include "companion/support/SimulatedPlatform.h"
 
 #include <algorithm>
 
@@ -151,6 +152,45 @@ TEST(FamilyCapture, ACardInAnotherDomainIsThatOfItsUtility) {
     EXPECT_EQ(summaryOf(snapshot), Lines({"1 STORCLI MegaRAID-N3916-16i-8GB no record"}));
     EXPECT_EQ(snapshot.details.at(0).pci, "0001:c1:00.0");
     EXPECT_EQ(snapshot.undriven.size(), 0U);
+}
+
+/// It must not be planned twice.
+TEST(FamilyCapture, ACardThatTwoUtilitiesTellOfWithoutItsPlaceIsToldTwice) {
+    FamilyMachine machine;
+    machine.platform.devices = {oldCard(2)};
+    test::SimulatedPlatform megacli(
+        R"({"machineType": "8837", "serialNumber": "KQ1", "controllers": [{"utility": "MEGACLI",
+        "model": "LSI-MegaRAID-8480", "serialNumber": "SV1", "pci": {"bus": 2, "device": 0,
+        "vendorId": "0x1000", "deviceId": "0x0411", "subsystemVendorId": "0x1000",
+        "subsystemId": "0x1002"}, "drives": [
+        {"enclosure": 252, "slot": 0, "sizeMB": 70006}]}]})");
+    const auto storcli = machine.platform.respond;
+    machine.platform.respond = [&](const std::string& line) {
+        return line.find("MEGACLI") == std::string::npos ? storcli(line) : megacli.play(line);
+    };
+    const auto findingsOfMachine = [](const Snapshot& snapshot) {
+        Lines lines;
+        for (const Finding& finding : snapshot.findings) {
+            lines.push_back(finding.code + " " + finding.summary);
+        }
+        return lines;
+    };
+    const Snapshot before = machine.capture();
+    ASSERT_EQ(before.details.size(), 2U);
+    ASSERT_EQ(before.details[0].facts.serialNumber, "SV1");
+    machine.server.edit("/c0 show all J", before.details[1].facts.serialNumber, "SV1");
+    EXPECT_EQ(findingsOfMachine(machine.capture()), Lines()); // it is at another place
+    machine.server.edit("/c0 show all J", "\"PCI Address\"", "\"Address\"");
+    machine.server.edit("/c0 show all J", "\"Bus Number\"", "\"Number\"");
+    const Lines told = {"ZP109 the listings of controllers 1 and 2 tell the same serial number, "
+                        "SV1"};
+    EXPECT_EQ(findingsOfMachine(machine.capture()), told);
+    for (const std::int32_t number : {1, 2}) {
+        machine.request.controllers = {number};
+        const Snapshot one = machine.capture();
+        EXPECT_EQ(one.details.size(), 1U);
+        EXPECT_EQ(findingsOfMachine(one), told) << number;
+    }
 }
 
 TEST(FamilyCapture, CardsAtOnePlaceInTwoDomainsAreTwo) {

@@ -290,6 +290,25 @@ TEST(FamilyPlan, ADedicatedSpareStaysWithItsGroup) {
               "STORCLI /c0 add vd r0 drives=252:2,252:3 J nolog\n");
 }
 
+/// One that is made new of all arrays is everybody's.
+TEST(FamilyPlan, ADedicatedSpareOfAllArraysStaysAsItStands) {
+    FamilyServer server;
+    server.addDrives(5);
+    server.addVolume("239", "0", "RAID1", {{0, 1}}, 1000);
+    server.addVolume("238", "1", "RAID1", {{2, 3}}, 1000);
+    const std::string policies =
+        policy("Drives.A = slots 252:0,252:1\nDrives.B = slots 252:2,252:3\nLevel.A = 1\n"
+               "Level.B = 1\nSpares = slots 252:4 covering A,B\n");
+    EXPECT_NE(planLines(server.plan(policies)).find("s4 add hotsparedrive J nolog\n"),
+              std::string::npos);
+    server.makeSpare(4, {"0", "1"});
+    MachinePlan plan = server.plan(policies);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+    server.makeSpare(4);
+    plan = server.plan(policies);
+    EXPECT_EQ(dispositionWord(plan.controllers.front().disposition), "already") << planLines(plan);
+}
+
 TEST(FamilyPlan, ADedicatedSpareOfAnotherArray) {
     FamilyServer server;
     server.addDrives(5);
@@ -513,6 +532,26 @@ TEST(FamilyPlan, UnlikeDrivesInAnArray) {
     EXPECT_EQ(server.plan(custom("Array.A = 1,2\nLogical.1 = A:FILL:1\n")).steps().size(), 1U);
 }
 
+/// What a controller tells of SAS and SATA says nothing of NVMe.
+TEST(FamilyPlan, NvmeIsNotPutTogetherWithOthers) {
+    FamilyServer server;
+    server.add(252, 0, 1000, "SATA", "SSD");
+    server.add(252, 1, 1000, "SAS", "SSD");
+    server.add(252, 2, 1000, "NVMe", "SSD");
+    server.controller().facts.abilities.mixesProtocols = true;
+    const std::string mixed =
+        planLines(server.plan(custom("Array.A = 1,2,3\nLogical.1 = A:FILL:5\n")));
+    EXPECT_NE(mixed.find("error ZP224: array A has drives of NVMe, SAS and SATA, which the "
+                         "controller does not put together\n"),
+              std::string::npos)
+        << mixed;
+    const std::string policies = custom("Array.A = 1,2\nLogical.1 = A:FILL:1\nHotspares = 3\n");
+    EXPECT_TRUE(server.plan(policies).controllers.front().spares.front().covers.empty());
+    server.driveAt(2).protocol = "SATA";
+    EXPECT_EQ(server.plan(policies).controllers.front().spares.front().covers,
+              std::vector<std::string>{"A"});
+}
+
 TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
     FamilyServer server;
     server.addDrives(4);
@@ -528,6 +567,23 @@ TEST(FamilyPlan, LevelsAndStripsThatAreNotOfTheController) {
               "error ZX403: a strip size of 512 KB is not of PERC-H755-Front, which takes 8 KB to "
               "256 KB\n"
               "  help: take the line out for the controller's own\n");
+}
+
+/// An array of several spans has more drives than one of any other controller.
+TEST(FamilyPlan, AsManyDrivesOfAKindAsTheControllerTakes) {
+    FamilyServer server;
+    server.addDrives(64);
+    for (const char* const drives : {"all HDD", "64 x HDD"}) {
+        const MachinePlan plan =
+            server.plan(policy("Drives.A = " + std::string(drives) + "\nLevel.A = 10\n"));
+        ASSERT_TRUE(plan.isApplicable()) << planLines(plan);
+        EXPECT_EQ(plan.controllers.front().arrays.front().drives.size(), 64U);
+    }
+    server.controller().facts.abilities.mostDrives = 16;
+    server.controller().facts.abilities.mostSpans = 2;
+    EXPECT_NE(planLines(server.plan(policy("Drives.A = all HDD\nLevel.A = 10\n")))
+                  .find("these are 64 drives, and an array holds 32\n"),
+              std::string::npos);
 }
 
 TEST(FamilyPlan, NoRoomAndOneLevelForAnArray) {
@@ -612,6 +668,24 @@ TEST(FamilyPlan, AnArrayThatIsOfflineIsRefusedAndItsDrivesAreNotToBeReplaced) {
                 "for more: zolexctl explain ZX702"}));
         EXPECT_EQ(diffOf(plan).result, ControllerDiff::Result::different);
     }
+}
+
+/// Its drives may be told to be well; one that the policy gives up may go.
+TEST(FamilyPlan, NothingIsChangedBesideAnArrayThatIsOfflineOnDrivesThatAreWell) {
+    FamilyServer server;
+    server.addDrives(8);
+    LogicalDriveFacts& volume = server.addVolume("239", "0", "RAID5", {{0, 1, 2}}, 2000);
+    volume.reportedState = "OfLn";
+    volume.health = Health::critical;
+    const std::string told = planLines(server.plan(custom(keptAndAnother)));
+    EXPECT_EQ(told.find("refused: "), 0U) << told;
+    EXPECT_NE(
+        told.find("error ZX702: LD 239 (OfLn) is offline, and nothing is changed beside it\n"),
+        std::string::npos)
+        << told;
+    const std::string given =
+        planLines(server.plan(custom("Array.A = 5,6\nLogical.1 = A:FILL:1\n")));
+    EXPECT_EQ(given.find("planned\n"), 0U) << given;
 }
 
 /// The same where the drives that left are not listed any more: what is wanted is not known then.

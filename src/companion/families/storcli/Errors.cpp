@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -70,7 +71,8 @@ std::string trimmed(std::string_view text) {
 /// Gathers what the output says against success.
 class Judgement {
   public:
-    void read(std::string_view output) {
+    /// Answers that tell the number of another controller are none to this command.
+    void read(std::string_view output, std::optional<std::int32_t> adapter) {
         const ToldJson json = readToldJson(output);
         const ToldValue& controllers = json.value.at("Controllers");
         if (controllers.kind() != ToldValue::Kind::list) {
@@ -78,7 +80,12 @@ class Judgement {
             return;
         }
         for (const ToldValue& controller : controllers.items()) {
-            if (const ToldValue& status = controller.at("Command Status"); status.isThere()) {
+            const ToldValue& status = controller.at("Command Status");
+            const auto number = status.at("Controller").smallNumber();
+            if (adapter && number && *number != *adapter) {
+                hasFailure_ = true;
+                tell("the answer is of controller " + std::to_string(*number));
+            } else if (status.isThere()) {
                 readStatus(status);
             }
         }
@@ -158,6 +165,17 @@ class Judgement {
     std::string description_;
 };
 
+/// 0 of "STORCLI /c0/v239 del J".
+std::optional<std::int32_t> adapterOf(std::string_view line) {
+    constexpr std::string_view path = "/c";
+    const std::size_t at = line.find(" /c");
+    if (at == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view rest = line.substr(at + 1 + path.size());
+    return text::wholeNumber(rest.substr(0, rest.find_first_not_of("0123456789")));
+}
+
 /// The line without " nolog"; empty when it has none.
 std::string withoutNolog(std::string_view line) {
     constexpr std::string_view option = " nolog";
@@ -194,7 +212,7 @@ const ErrorRow* findError(std::int32_t code) {
 
 FamilyVerdict judge(std::string_view commandLine, std::uint32_t exitCode, std::string_view output) {
     Judgement judgement;
-    judgement.read(output);
+    judgement.read(output, adapterOf(commandLine));
     FamilyVerdict verdict;
     verdict.isDone = exitCode == 0 && judgement.saysSuccess();
     if (verdict.isDone) {

@@ -42,6 +42,7 @@ FamilyLimits limits(const Facts& facts) {
     limits.leastStripBytes = facts.minStripSizeBytes.value_or(usualLeastStrip);
     limits.mostStripBytes = facts.maxStripSizeBytes.value_or(usualMostStrip);
     limits.mixesProtocols = facts.abilities.mixesProtocols.value_or(false);
+    limits.mixesNvme = false; // what is told of SAS and SATA says nothing of it
     limits.mixesMedia = facts.abilities.mixesMedia.value_or(false);
     limits.setsCaches = true;
     limits.hasGlobalSpares = true;

@@ -145,7 +145,7 @@ struct Group {
 /// What all listings have of the place of one drive.
 struct DriveRows {
     std::vector<const ToldValue*> rows; ///< of PD LIST, of its own and of logical drives
-    std::vector<std::string> words;     ///< of its state, where TOPOLOGY has it as a member
+    std::vector<std::string> words;     ///< of its state, where TOPOLOGY has it
     std::set<std::int32_t> memberOf;    ///< groups, by TOPOLOGY
     std::set<std::int32_t> groups;      ///< by whatever listing
 };
@@ -354,13 +354,26 @@ class Decoder {
     void readFunction(const ToldValue& basics) {
         const ToldValue& bus = all_->at("Bus");
         controller_.pci = storcliPciAddress(basics.at("PCI Address").text());
-        const auto number = bus.at("Bus Number").id();
-        if (controller_.pci.empty() && number) {
-            controller_.pci =
+        if (const auto number = bus.at("Bus Number").id()) {
+            const std::string ofBus =
                 storcliPciAddress(formatText("%x:%x:%x:%x", bus.at("Domain ID").id().value_or(0),
                                              *number, bus.at("Device Number").id().value_or(0),
                                              bus.at("Function Number").id().value_or(0))
                                       .view());
+            const auto inDomain = [](const std::string& pci) {
+                return pci.substr(std::min(pci.find(':'), pci.size()));
+            };
+            if (controller_.pci.empty()) {
+                controller_.pci = ofBus;
+            } else if (!ofBus.empty() && inDomain(ofBus) != inDomain(controller_.pci)) {
+                contradictions_.push_back("it is at " + controller_.pci + " and at " + ofBus);
+            }
+        }
+        const auto own = basics.at("Controller").smallNumber();
+        if (own && *own != controller_.adapter) {
+            contradictions_.push_back("what is told of controller " +
+                                      std::to_string(controller_.adapter) + " is of controller " +
+                                      std::to_string(*own));
         }
         if (const std::size_t colon = controller_.pci.find(':'); colon != std::string::npos) {
             facts_.pciAddress = controller_.pci.substr(colon + 1); // without the domain
@@ -452,6 +465,9 @@ class Decoder {
             const auto place = storcliPlace(row.at("EID:Slot").text());
             const bool isSpare = word == "DHS" || word == "GHS";
             if (isSpare) {
+                if (place) {
+                    told_[place->location()].words.push_back(word);
+                }
                 if (place && group) {
                     covered_[place->location()].push_back(std::to_string(*group));
                 }
@@ -725,13 +741,17 @@ class Decoder {
     }
 
     /// What arrays are made of: sectors as the drive tells them, else the text.
-    void readSize(const ToldValue& row, const ToldValue& attributes, DriveFacts& drive) const {
+    void readSize(const ToldValue& row, const ToldValue& attributes, DriveFacts& drive) {
         constexpr std::uint64_t mostSector = std::uint64_t{1} << 20U;
         const auto sector = sizeOf(attributes.at("Logical Sector Size"));
         const auto ofRow = sizeOf(row.at("SeSz"));
         const std::uint64_t block = sector.value_or(ofRow.value_or(0));
         if (block > 0 && block <= mostSector) {
             drive.blockSizeBytes = static_cast<std::uint32_t>(block);
+        }
+        if (sector && ofRow && *sector != *ofRow) {
+            bar(drive, "its sectors are told to be of " + std::to_string(*sector) + " and of " +
+                           std::to_string(*ofRow) + " bytes");
         }
         const auto bytesOf = [&](std::string_view key) {
             constexpr std::uint64_t most = std::uint64_t{1} << 62U;
@@ -742,13 +762,27 @@ class Decoder {
         };
         drive.rawCapacityBytes = bytesOf("Raw size");
         drive.capacityBytes = bytesOf("Coerced size");
-        if (drive.capacityBytes) {
+        const auto size = storcliSize(row.at("Size").text(), units());
+        const auto fits = [&size](const std::optional<std::uint64_t>& bytes) {
+            return bytes && *bytes + size->tolerance >= size->bytes &&
+                   *bytes <= size->bytes + size->tolerance;
+        };
+        // Of a drive that is in no array some versions tell another of its sizes.
+        if (!size ||
+            (drive.capacityBytes && (fits(drive.capacityBytes) || fits(drive.rawCapacityBytes) ||
+                                     fits(bytesOf("Non Coerced size"))))) {
             return;
         }
-        if (const auto size = storcliSize(row.at("Size").text(), units())) {
-            drive.capacityBytes = size->bytes;
-            drive.capacityTolerance = size->tolerance;
+        if (drive.capacityBytes) {
+            find(family_code::sizeTwice, "drive " + drive.location + " has " +
+                                             std::to_string(*drive.capacityBytes) +
+                                             " bytes in its sectors, which are not the " +
+                                             printable(row.at("Size").text()) +
+                                             " that it is said to have: the latter "
+                                             "counts");
         }
+        drive.capacityBytes = size->bytes;
+        drive.capacityTolerance = size->tolerance;
     }
 
     /// The worst of its words.
@@ -762,6 +796,9 @@ class Decoder {
         for (const ToldValue* const other : told.rows) {
             if (const std::string word = other->at("State").text(); !word.empty()) {
                 judge(word);
+            }
+            if (const std::string type = other->at("Type").text(); type == "JBOD") {
+                judge(type);
             }
         }
         for (const std::string& word : told.words) {
@@ -822,15 +859,20 @@ class Decoder {
             drive.state = word->state;
             drive.health = word->health;
             drive.hotspare = word->hotspare;
-            drive.barred = word->barred;
+            bar(drive, std::string(word->barred));
         }
-        const std::string power = row.at("Sp").text();
-        drive.isForeign = drive.state == DriveState::foreign || row.at("DG").text() == "F" ||
-                          power == "F" || foreignPlaces_.count(drive.location) != 0;
+        const auto tells = [&](std::string_view key, std::string_view value) {
+            return row.at(key).text() == value ||
+                   std::any_of(told.rows.begin(), told.rows.end(), [&](const ToldValue* each) {
+                       return each->at(key).text() == value;
+                   });
+        };
+        drive.isForeign = drive.state == DriveState::foreign || tells("DG", "F") ||
+                          tells("Sp", "F") || foreignPlaces_.count(drive.location) != 0;
         if (drive.isForeign && drive.state == DriveState::free) {
             drive.state = DriveState::foreign;
         }
-        if (power == "T" && drive.state == DriveState::free) {
+        if (drive.state == DriveState::free && tells("Sp", "T")) {
             bar(drive, "its power state is changing");
         }
     }
@@ -860,30 +902,51 @@ class Decoder {
             return;
         }
         const StorcliAnswer& answer = foreign_->answer;
-        if (answer.isFailure()) {
-            const bool isNone = answer.errorCode == errorNone ||
-                                text::containsNoCase(answer.description, "no foreign");
-            if (answer.errorCode == errorForeignIncomplete ||
-                text::containsNoCase(answer.description, "incomplete")) {
-                facts_.foreignConfigurations.emplace_back("incomplete: drives of it are missing");
-                find(family_code::foreignIncomplete,
-                     "a foreign configuration is incomplete: drives of it are missing");
-            } else if (!isNone) {
-                tellNoData(*foreign_);
-            }
+        const bool isNone =
+            answer.errorCode == errorNone || text::containsNoCase(answer.description, "no foreign");
+        isForeignIncomplete_ =
+            answer.isFailure() && (answer.errorCode == errorForeignIncomplete ||
+                                   text::containsNoCase(answer.description, "incomplete"));
+        if (isForeignIncomplete_) {
+            facts_.foreignConfigurations.emplace_back("incomplete: drives of it are missing");
+            find(family_code::foreignIncomplete,
+                 "a foreign configuration is incomplete: drives of it are missing");
+        } else if (answer.isFailure() && !isNone) {
+            controller_.failed = true; // any drive that is free may be one of them
+            tellNoData(*foreign_);
         }
+        bool isListed = foreign_->at("FOREIGN PD LIST").isThere();
         for (const char* const key : {"FOREIGN CONFIGURATION", "FOREIGN DG LIST"}) {
+            isListed = isListed || foreign_->at(key).isThere();
             std::size_t rows = 0;
             for (const ToldValue& row : foreign_->at(key).items()) {
                 if (++rows > mostRows) {
                     break;
                 }
                 readForeignRow(row);
+                addForeignPlaces(row.at("EID:Slot").text());
             }
         }
         for (const ToldValue& row : foreign_->at("FOREIGN PD LIST").items()) {
-            const auto place = storcliPlace(row.atAny({"EID:Slt", "EID:Slot"}).text());
-            if (place && foreignPlaces_.size() < mostRows) {
+            addForeignPlaces(row.atAny({"EID:Slt", "EID:Slot"}).text());
+        }
+        const auto total = foreign_->at("Total foreign Drive Groups").smallNumber();
+        if (total && static_cast<std::size_t>(*total) != foreignGroups_) {
+            notWhole(std::to_string(foreignGroups_) + " of " + std::to_string(*total) +
+                     " foreign drive groups are listed");
+        } else if (!answer.isFailure() && !isNone && !isListed && !total) {
+            notWhole(foreign_->command + " does not tell whether there are foreign drive groups");
+        }
+    }
+
+    /// "252:5", or several with commas.
+    void addForeignPlaces(const std::string& places) {
+        for (std::size_t i = 0; foreignPlaces_.size() < mostRows; ++i) {
+            const std::string_view each = text::token(places, ",", i);
+            if (each.empty()) {
+                return;
+            }
+            if (const auto place = storcliPlace(each)) {
                 foreignPlaces_.insert(place->location());
             }
         }
@@ -1087,6 +1150,7 @@ class Decoder {
                     members.push_back(member);
                 }
             }
+            judgeSpans(volume);
             return;
         }
         if (volumes_ == nullptr) {
@@ -1106,6 +1170,46 @@ class Decoder {
             }
             volume.spans.back().push_back(place->location());
             ++count;
+        }
+    }
+
+    /// A logical drive lies on the same drives by its own list and by TOPOLOGY; of those that are
+    /// not at work one of the two may tell more.
+    void judgeSpans(const LogicalDriveFacts& volume) {
+        if (volumes_ == nullptr) {
+            return;
+        }
+        const auto isAtWork = [](const std::string& name) {
+            const StorcliDriveWord* const word = storcliDriveWord(name);
+            return word != nullptr && word->state == DriveState::member;
+        };
+        // One that is in two groups is told as that.
+        const auto isOfOne = [this](const std::string& location) {
+            const auto told = told_.find(location);
+            return told != told_.end() && told->second.groups.size() < 2;
+        };
+        std::set<std::string> listed;
+        std::vector<std::string> others;
+        for (const ToldValue& row : volumes_->at("PDs for VD " + volume.id).items()) {
+            const auto place = storcliPlace(row.at("EID:Slt").text());
+            if (place && listed.insert(place->location()).second &&
+                isAtWork(row.at("State").text()) && !volume.isOn(place->location()) &&
+                isOfOne(place->location())) {
+                others.push_back(place->location());
+            }
+        }
+        for (const std::string& location : volume.drives()) {
+            if (listed.empty() || listed.count(location) != 0 || !isOfOne(location)) {
+                continue;
+            }
+            const std::vector<std::string>& words = told_.at(location).words;
+            if (std::any_of(words.begin(), words.end(), isAtWork)) {
+                others.push_back(location);
+            }
+        }
+        if (!others.empty()) {
+            contradictions_.push_back("PDs for VD " + volume.id +
+                                      " and TOPOLOGY tell other drives (" + listOf(others) + ")");
         }
     }
 
@@ -1247,18 +1351,25 @@ class Decoder {
         }
     }
 
-    /// Where no drive is told to be foreign, any may be that is told to be free.
+    /// Each foreign group has a drive of its own. Where fewer are told to be foreign, any may be
+    /// one that is told to be free.
     void judgeForeign() {
-        const bool isMarked = std::any_of(facts_.drives.begin(), facts_.drives.end(),
-                                          [](const DriveFacts& drive) { return drive.isForeign; });
-        if (foreignGroups_ == 0 || isMarked) {
+        const auto marked = static_cast<std::size_t>(
+            std::count_if(facts_.drives.begin(), facts_.drives.end(),
+                          [](const DriveFacts& drive) { return drive.isForeign; }));
+        const std::size_t groups = std::max<std::size_t>(foreignGroups_, isForeignIncomplete_);
+        if (groups <= marked) {
             return;
         }
+        const std::string what =
+            foreignGroups_ == 0
+                ? std::string("an incomplete foreign drive group is")
+                : countOf(groups, "foreign drive group is", "foreign drive groups are");
         controller_.failed = true;
         find(family_code::notWhole,
-             "the listing is not whole: " +
-                 countOf(foreignGroups_, "foreign drive group is", "foreign drive groups are") +
-                 " told, and no drive of " + (foreignGroups_ == 1 ? "it" : "them"),
+             "the listing is not whole: " + what + " told, and " +
+                 (marked == 0 ? std::string("no drive") : countOf(marked, "drive", "drives")) +
+                 " of " + (groups == 1 ? "it" : "them"),
              {},
              {"look at what its utility lists: " + typed("/fall show all"),
               "import it there, or clear it, if nobody needs its data"});
@@ -1352,6 +1463,7 @@ class Decoder {
     std::vector<std::string> contradictions_;
     std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
     std::size_t foreignGroups_ = 0;
+    bool isForeignIncomplete_ = false;
     std::set<std::string> foreignPlaces_;        ///< that the list of foreign ones has
     std::map<std::string, std::int32_t> errors_; ///< of drives that do not answer
     std::optional<std::int32_t> mostVolumes_;
