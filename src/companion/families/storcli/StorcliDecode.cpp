@@ -931,7 +931,7 @@ class Decoder {
             addForeignPlaces(row.atAny({"EID:Slt", "EID:Slot"}).text());
         }
         const auto total = foreign_->at("Total foreign Drive Groups").smallNumber();
-        if (total && static_cast<std::size_t>(*total) != foreignGroups_) {
+        if (total && static_cast<std::size_t>(*total) > foreignGroups_) {
             notWhole(std::to_string(foreignGroups_) + " of " + std::to_string(*total) +
                      " foreign drive groups are listed");
         } else if (!answer.isFailure() && !isNone && !isListed && !total) {
@@ -953,10 +953,11 @@ class Decoder {
     }
 
     void readForeignRow(const ToldValue& row) {
-        ++foreignGroups_;
         ++facts_.listings[foreign_->index].blocks;
         ++facts_.listings[foreign_->index].blocksRead;
         const std::string group = row.at("DG").toldText();
+        // One may stand in both lists.
+        foreignGroups_ += group.empty() || foreignNames_.insert(group).second ? 1 : 0;
         const std::string level = row.at("Type").toldText();
         const std::string size = row.at("Size").toldText();
         const auto volumes = row.at("NoVDs").smallNumber();
@@ -1463,6 +1464,7 @@ class Decoder {
     std::vector<std::string> contradictions_;
     std::map<std::string, std::vector<std::string>> covered_; ///< of spares: ids of groups
     std::size_t foreignGroups_ = 0;
+    std::set<std::string> foreignNames_; ///< of them
     bool isForeignIncomplete_ = false;
     std::set<std::string> foreignPlaces_;        ///< that the list of foreign ones has
     std::map<std::string, std::int32_t> errors_; ///< of drives that do not answer
