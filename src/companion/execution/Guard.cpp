@@ -391,6 +391,18 @@ void append(Lines& to, const Lines& from, const char* word = "") {
     }
 }
 
+/// Null without lines.
+std::optional<RunFault> changedFault(const MachinePlan& plan, std::string what, Lines lines) {
+    if (lines.empty()) {
+        return std::nullopt;
+    }
+    return RunFault{apply_code::refused,
+                    std::move(what),
+                    std::move(lines),
+                    {planAgainHelp(plan)},
+                    std::string(run_problem::machineChanged)};
+}
+
 /// Which numbers of logical drives that go behind the first `done` steps others have now, on other
 /// drives: somebody deleted one and made another.
 Lines takenNumbers(const ControllerPlanning& planning, std::size_t done, const Facts& facts) {
@@ -622,14 +634,8 @@ std::optional<RunFault> stateFault(const Snapshot& snapshot, const MachinePlan& 
     if (changed.empty() && !isExplained) {
         changed.emplace_back("what its utility tells of a drive is not what it was");
     }
-    if (changed.empty()) {
-        return std::nullopt;
-    }
-    return RunFault{apply_code::refused,
-                    "the machine has changed since it was planned for",
-                    std::move(changed),
-                    {planAgainHelp(plan)},
-                    std::string(run_problem::machineChanged)};
+    return changedFault(plan, "the machine has changed since it was planned for",
+                        std::move(changed));
 }
 
 std::optional<RunFault> inUseFault(const Snapshot& snapshot, const MachinePlan& plan,
@@ -752,14 +758,9 @@ std::optional<RunFault> controllerFault(const Snapshot& snapshot, const MachineP
     }
     Lines lines = linesOfAdapters(snapshot, plan);
     append(lines, ControllerChanges(planning, *found).changes);
-    if (lines.empty()) {
-        return std::nullopt;
-    }
-    return RunFault{apply_code::refused,
-                    controllerName(found->number) + " has changed since it was planned for",
-                    std::move(lines),
-                    {planAgainHelp(plan)},
-                    std::string(run_problem::machineChanged)};
+    return changedFault(plan,
+                        controllerName(found->number) + " has changed since it was planned for",
+                        std::move(lines));
 }
 
 std::optional<RunFault> foreignFault(const MachinePlan& plan, const ControllerPlanning& planning,
@@ -782,14 +783,8 @@ std::optional<RunFault> foreignFault(const MachinePlan& plan, const ControllerPl
         tellBeyond(facts.foreignConfigurations, planned, "there now: ", "");
         tellBeyond(planned, facts.foreignConfigurations, "no longer there: ", "");
     }
-    if (lines.empty()) {
-        return std::nullopt;
-    }
-    return RunFault{apply_code::refused,
-                    "what is foreign is not what was agreed to be cleared",
-                    std::move(lines),
-                    {planAgainHelp(plan)},
-                    std::string(run_problem::machineChanged)};
+    return changedFault(plan, "what is foreign is not what was agreed to be cleared",
+                        std::move(lines));
 }
 
 std::optional<RunFault> notDeletedFault(const Snapshot& snapshot,
@@ -826,14 +821,7 @@ std::optional<RunFault> drivesFault(const Snapshot& snapshot, const MachinePlan&
             append(lines, ControllerChanges(*planning, *found).swapped);
         }
     }
-    if (lines.empty()) {
-        return std::nullopt;
-    }
-    return RunFault{apply_code::refused,
-                    "drives are not those that were planned for",
-                    std::move(lines),
-                    {planAgainHelp(plan)},
-                    std::string(run_problem::machineChanged)};
+    return changedFault(plan, "drives are not those that were planned for", std::move(lines));
 }
 
 } // namespace zolex::companion

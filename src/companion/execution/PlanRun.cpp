@@ -368,17 +368,19 @@ bool PlanRun::standsAsForeseen(ControllerProgress& progress, const Snapshot& sna
         fault = keptCacheFault(snapshot, planning, progress.next);
     }
     if (fault) {
-        notBegun(progress, "it has changed since", std::move(*fault));
+        notBegun(progress, "it has changed since", std::move(*fault),
+                 "goes on when it is as it was");
     }
     return !fault;
 }
 
-/// The controller goes no further than to the next step.
-void PlanRun::notBegun(ControllerProgress& progress, std::string why, RunFault fault) {
+/// The controller goes no further than to the next step. `when` is behind the help to resume.
+void PlanRun::notBegun(ControllerProgress& progress, std::string why, RunFault fault,
+                       const std::string& when) {
     const PlanStep& step = progress.planning->steps[progress.next];
     fault.exitCode = apply_code::stopped;
     fault.what = stepName(step, totalSteps_) + " was not begun: " + fault.what;
-    fault.help.push_back(resumeHelp("goes on when it is as it was"));
+    fault.help.push_back(resumeHelp(when));
     progress.failedStep = step.step;
     failController(progress, std::move(why), std::move(fault));
 }
@@ -390,11 +392,8 @@ bool PlanRun::isNumberedAsPlanned(ControllerProgress& progress, const Facts& fac
     if (!found) {
         return true;
     }
-    const PlanStep& step = planning.steps[progress.next];
-    found->fault.what = stepName(step, totalSteps_) + " was not begun: " + found->fault.what;
-    found->fault.help.push_back(resumeHelp("goes on when they are as they were"));
-    progress.failedStep = step.step;
-    failController(progress, std::move(found->why), std::move(found->fault));
+    notBegun(progress, std::move(found->why), std::move(found->fault),
+             "goes on when they are as they were");
     return false;
 }
 
@@ -410,15 +409,14 @@ bool PlanRun::deletesNothingInUse(ControllerProgress& progress) {
     if (!fault) {
         return true;
     }
-    if (changedSomething || terms.keepGoing) {
-        fault->exitCode = apply_code::stopped;
-        fault->what = stepName(step, totalSteps_) + " was not begun: " + fault->what;
-        fault->help.push_back(resumeHelp("goes on when it is used no more"));
-    }
-    progress.failedStep = step.step;
     // Of which controller it is told anyway.
     std::string why = fault->details.front().substr(fault->details.front().find(": ") + 2);
-    failController(progress, std::move(why), std::move(*fault));
+    if (changedSomething || terms.keepGoing) {
+        notBegun(progress, std::move(why), std::move(*fault), "goes on when it is used no more");
+    } else {
+        progress.failedStep = step.step;
+        failController(progress, std::move(why), std::move(*fault));
+    }
     return false;
 }
 

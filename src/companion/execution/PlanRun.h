@@ -113,7 +113,8 @@ class PlanRun {
     bool lookAgain(ControllerProgress& progress);
     bool standsAsForeseen(ControllerProgress& progress, const Snapshot& snapshot);
     bool isNumberedAsPlanned(ControllerProgress& progress, const Facts& facts);
-    void notBegun(ControllerProgress& progress, std::string why, RunFault fault);
+    void notBegun(ControllerProgress& progress, std::string why, RunFault fault,
+                  const std::string& when);
     bool isRead(ControllerProgress& progress, const Snapshot& snapshot, const std::string& where);
     bool deletesNothingInUse(ControllerProgress& progress);
     bool runStep(ControllerProgress& progress);

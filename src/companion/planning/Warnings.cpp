@@ -14,6 +14,16 @@ namespace zolex::companion {
 
 namespace {
 
+/// What a rule of the linter says, where the plan tells it.
+Finding warningOfRule(const char* rule, std::string summary, std::vector<std::string> help) {
+    Finding finding;
+    finding.code = rule;
+    finding.severity = Severity::warning;
+    finding.summary = std::move(summary);
+    finding.help = std::move(help);
+    return finding;
+}
+
 bool isRedundant(const LayoutVolume& volume) {
     return !volume.raidType.empty() && volume.raidType != "RAID0" && volume.raidType != "None";
 }
@@ -92,17 +102,15 @@ void tellForeign(const ControllerPlanning& planning, std::vector<Finding>& findi
     for (const std::string& drive : drives) {
         text += (text.empty() ? "" : ", ") + drive;
     }
-    Finding finding;
-    finding.code = "ZX710";
-    finding.severity = Severity::warning;
-    finding.summary = "the foreign configuration on " + text + " is cleared";
+    std::string summary = "the foreign configuration on " + text + " is cleared";
     for (const std::string& line : planning.controller.facts.foreignConfigurations) {
-        finding.summary +=
+        summary +=
             (&line == &planning.controller.facts.foreignConfigurations.front() ? ": " : "; ") +
             line;
     }
-    finding.help = {"what another server wrote there is lost; take the drives out to keep it"};
-    findings.push_back(std::move(finding));
+    findings.push_back(
+        warningOfRule("ZX710", std::move(summary),
+                      {"what another server wrote there is lost; take the drives out to keep it"}));
 }
 
 bool isNumber(const PlanReason& reason) {
@@ -176,18 +184,15 @@ void tellNumbers(const ControllerPlanning& planning, std::vector<Finding>& findi
         asksForCount(planning)) {
         return;
     }
-    Finding finding;
-    finding.code = "ZX309";
-    finding.severity = Severity::warning;
-    finding.summary =
+    findings.push_back(warningOfRule(
+        "ZX309",
         entry + " names drives by number, and " +
-        (planning.matchedBy.empty() ? "the policy" : planning.matchedBy) + " gives no d:, while " +
-        countText(static_cast<std::size_t>(deleted), "logical drive is", "logical drives are") +
-        " deleted: a drive that was pulled or added shifts the numbers behind it";
-    finding.help = {"see that the numbers are those that are meant: zolexctl show",
-                    "add d:" + std::to_string(planning.controller.drives.size()) +
-                        slotsHelp(planning)};
-    findings.push_back(std::move(finding));
+            (planning.matchedBy.empty() ? "the policy" : planning.matchedBy) +
+            " gives no d:, while " +
+            countText(static_cast<std::size_t>(deleted), "logical drive is", "logical drives are") +
+            " deleted: a drive that was pulled or added shifts the numbers behind it",
+        {"see that the numbers are those that are meant: zolexctl show",
+         "add d:" + std::to_string(planning.controller.drives.size()) + slotsHelp(planning)}));
 }
 
 /// Whether a line of health tells of a drive that is to be replaced.
@@ -242,15 +247,6 @@ void tellMoved(const ControllerPlanning& planning, std::vector<Finding>& finding
     }
 }
 
-Finding warningOfRule(const char* rule, std::string summary, std::string help) {
-    Finding finding;
-    finding.code = rule;
-    finding.severity = Severity::warning;
-    finding.summary = std::move(summary);
-    finding.help = {std::move(help)};
-    return finding;
-}
-
 /// Whether a drive is where it is planned to be, and is not written anew.
 bool staysThere(const ControllerPlanning& planning, const std::string& location, bool isSpare) {
     const auto isLost = [&planning](const char* kind, const std::string& id) {
@@ -285,8 +281,8 @@ void tellErrorsOf(const ControllerPlanning& planning, const std::string& locatio
     const bool stays = staysThere(planning, location, isSpare);
     findings.push_back(warningOfRule(
         "ZX703", location + " has " + what + (stays ? ", and is in " : ", and goes into ") + where,
-        stays ? "replace the drive while the others are well"
-              : "replace " + location + " before the array is made"));
+        {stays ? "replace the drive while the others are well"
+               : "replace " + location + " before the array is made"}));
 }
 
 void tellErrors(const ControllerPlanning& planning, std::vector<Finding>& findings) {
@@ -325,8 +321,8 @@ void tellSizes(const ControllerPlanning& planning, std::vector<Finding>& finding
         }
         findings.push_back(warningOfRule(
             "ZX704", "array " + array.id + " leaves " + sizeText(unused) + " of its drives unused",
-            (*small)->location + " has " + sizeText(*(*small)->capacityBytes) + ", " +
-                (*large)->location + " has " + sizeText(*(*large)->capacityBytes)));
+            {(*small)->location + " has " + sizeText(*(*small)->capacityBytes) + ", " +
+             (*large)->location + " has " + sizeText(*(*large)->capacityBytes)}));
     }
 }
 
